@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <xcb/xcb.h>
+
+#include "Hosts/X11/Atoms.h"
+#include "Quorvel/Platform/Published.h"
+
+namespace quorvel::x11 {
+
+/// The connection to the X server, as a source of GLib's main loop. Main thread.
+class Connection {
+public:
+    /// Null with a one-line problem when there is no X display.
+    static std::unique_ptr<Connection> open(std::string& problem);
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    xcb_connection_t* raw() const { return m_connection; }
+    const xcb_screen_t& screen() const { return *m_screen; }
+    int screenNumber() const { return m_screenNumber; }
+    xcb_window_t root() const { return m_screen->root; }
+    const Atoms& atoms() const { return m_atoms; }
+
+    /// Adds to what this program hears of the window. Event masks are one per client and window, so
+    /// nobody sets the mask of the root or of another client's window directly.
+    void addEventMask(xcb_window_t, std::uint32_t mask);
+    /// To be called when a window is gone: its number may come back as another window.
+    void forgetWindow(xcb_window_t);
+
+    /// The newest timestamp seen in an event of a user's input; 0 before the first.
+    xcb_timestamp_t lastInputTime() const { return m_lastInputTime; }
+
+    /// Each event in order (never an error: those of requests that nobody waits for are dropped).
+    Signal<const xcb_generic_event_t*> event;
+    /// After all events that were there have been handled; requests made here go out in one flush.
+    Signal<> turnEnded;
+    /// The server went away; no call on the connection makes sense any more.
+    Signal<> lost;
+
+private:
+    struct Source;
+
+    Connection(xcb_connection_t*, int screenNumber);
+    /// Reads and hands out all events that are there.
+    void dispatchEvents();
+
+    xcb_connection_t* m_connection;
+    int m_screenNumber;
+    xcb_screen_t* m_screen;
+    Atoms m_atoms;
+    struct Masks;
+    std::unique_ptr<Masks> m_masks;
+    xcb_timestamp_t m_lastInputTime = 0;
+    std::unique_ptr<Source> m_source;
+};
+
+}

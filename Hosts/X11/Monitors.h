@@ -1,0 +1,69 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Quorvel/Platform/Geometry.h"
+#include "Quorvel/Platform/Identifiers.h"
+#include "Quorvel/Platform/Published.h"
+
+namespace quorvel::x11 {
+
+class Connection;
+
+struct Monitor {
+    DisplayNumber number{};
+    std::string identifier; ///< from the EDID, else the output's name
+    Rect pixels; ///< in pixels of the X screen, top-left origin
+
+    friend bool operator==(const Monitor&, const Monitor&) = default;
+};
+
+/// How the model's points lie on the X screen. All in one scale; the global origin is the top left
+/// of the primary monitor.
+struct Coordinates {
+    double scale = 1; ///< pixels per point
+    Rect primaryPixels;
+
+    double primaryHeight() const { return primaryPixels.height / scale; }
+    Rect toPoints(const Rect& pixels) const
+    {
+        return {(pixels.x - primaryPixels.x) / scale, (pixels.y - primaryPixels.y) / scale,
+            pixels.width / scale, pixels.height / scale};
+    }
+    Rect toPixels(const Rect& points) const
+    {
+        return {points.x * scale + primaryPixels.x, points.y * scale + primaryPixels.y,
+            points.width * scale, points.height * scale};
+    }
+
+    friend bool operator==(const Coordinates&, const Coordinates&) = default;
+};
+
+/// The monitors that RandR reports, the primary one first, and the scale of the X screen (1 to 2,
+/// from the display's resources). Main thread.
+class Monitors {
+public:
+    explicit Monitors(Connection&);
+
+    const std::vector<Monitor>& list() const { return m_list; }
+    const Coordinates& coordinates() const { return m_coordinates; }
+    /// The size of the whole X screen in pixels.
+    Size screenPixels() const { return m_screenPixels; }
+
+    /// After monitors, their order, the scale or the X screen's size changed.
+    Signal<> changed;
+
+private:
+    void read();
+
+    Connection& m_connection;
+    std::vector<Monitor> m_list;
+    Coordinates m_coordinates;
+    Size m_screenPixels;
+    Subscription m_events;
+    Subscription m_turnEnded;
+    bool m_isStale = false;
+};
+
+}

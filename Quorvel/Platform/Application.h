@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+
+#include "Quorvel/Platform/Published.h"
+#include "Quorvel/Platform/Workspace.h"
+
+namespace quorvel {
+
+struct Appearance {
+    bool isDark = false;
+    bool reduceTransparency = false;
+    bool reduceMotion = false;
+    bool increaseContrast = false;
+    bool isRightToLeft = false;
+
+    friend bool operator==(const Appearance&, const Appearance&) = default;
+};
+
+/// The program itself, as the system sees it. Main thread.
+class Application {
+public:
+    virtual ~Application() = default;
+
+    virtual void setActivationPolicy(ActivationPolicy) = 0;
+    virtual ProcessID processID() const = 0;
+    /// Runs the event loop until `terminate`; returns the exit status.
+    virtual int run() = 0;
+    /// Emits `willTerminate` and ends the loop.
+    virtual void terminate() = 0;
+
+    virtual const Published<Appearance>& appearance() const = 0;
+    Signal<> willTerminate;
+};
+
+}

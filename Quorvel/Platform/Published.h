@@ -1,0 +1,79 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace quorvel {
+
+/// Keeps a subscriber subscribed; dropping it unsubscribes.
+class Subscription {
+public:
+    Subscription() = default;
+    explicit Subscription(std::shared_ptr<void> token) : m_token(std::move(token)) { }
+
+private:
+    std::shared_ptr<void> m_token;
+};
+
+/// Something that happens. One thread; subscribers are called in the order of subscribing and may
+/// subscribe, unsubscribe and emit inside the call.
+template <typename... Arguments> class Signal {
+public:
+    using Subscriber = std::function<void(const Arguments&...)>;
+
+    Signal() = default;
+    Signal(const Signal&) = delete;
+    Signal& operator=(const Signal&) = delete;
+
+    [[nodiscard]] Subscription subscribe(Subscriber subscriber) const
+    {
+        auto entry = std::make_shared<Subscriber>(std::move(subscriber));
+        m_subscribers.push_back(entry);
+        return Subscription{std::move(entry)};
+    }
+
+    void emit(const Arguments&... arguments) const
+    {
+        std::erase_if(m_subscribers, [](const auto& entry) { return entry.expired(); });
+        auto current = m_subscribers;
+        for (auto& entry : current) {
+            if (auto subscriber = entry.lock())
+                (*subscriber)(arguments...);
+        }
+    }
+
+private:
+    mutable std::vector<std::weak_ptr<Subscriber>> m_subscribers;
+};
+
+/// A value that others watch. Setting an equal value does nothing; subscribers run after the new
+/// one is stored.
+template <typename Value> class Published {
+public:
+    Published() = default;
+    explicit Published(Value value) : m_value(std::move(value)) { }
+
+    const Value& value() const { return m_value; }
+
+    void set(Value value)
+    {
+        if (value == m_value)
+            return;
+        m_value = std::move(value);
+        m_changed.emit();
+    }
+
+    [[nodiscard]] Subscription subscribe(std::function<void(const Value&)> subscriber) const
+    {
+        return m_changed.subscribe(
+            [this, subscriber = std::move(subscriber)] { subscriber(m_value); });
+    }
+
+private:
+    Value m_value{};
+    Signal<> m_changed;
+};
+
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "Quorvel/Platform/Identifiers.h"
+#include "Quorvel/Platform/Image.h"
+#include "Quorvel/Platform/Published.h"
+
+namespace quorvel {
+
+enum class ActivationPolicy { regular = 0, accessory = 1, prohibited = 2 };
+
+struct RunningApplication {
+    ProcessID pid{};
+    std::optional<std::string> bundleIdentifier;
+    std::string localizedName;
+    ActivationPolicy activationPolicy = ActivationPolicy::prohibited;
+    bool isTerminated = false;
+
+    friend bool operator==(const RunningApplication&, const RunningApplication&) = default;
+};
+
+/// Where an application is stored: a bundle or a desktop file.
+struct ApplicationURL {
+    std::string path;
+
+    friend bool operator==(const ApplicationURL&, const ApplicationURL&) = default;
+};
+
+/// Running and installed applications. Main thread.
+class Workspace {
+public:
+    virtual ~Workspace() = default;
+
+    virtual void enumerateRunningApplications(
+        const std::function<void(const RunningApplication&)>& visitor) const = 0;
+    /// Absent once the process is gone.
+    virtual std::optional<RunningApplication> runningApplication(ProcessID) const = 0;
+    virtual std::optional<ProcessID> frontmostApplication() const = 0;
+
+    virtual std::optional<ApplicationURL> applicationURL(
+        std::string_view bundleIdentifier) const = 0;
+    virtual Image icon(const ApplicationURL&) const = 0;
+    /// The icon that the running process shows of itself.
+    virtual Image runningApplicationIcon(ProcessID) const = 0;
+    virtual Image genericApplicationIcon() const = 0;
+
+    /// Whether this program is the active application.
+    virtual bool isSelfActive() const = 0;
+    virtual void activateSelf() = 0;
+    /// Yields activation to the process and asks it to take over; false where the system refuses.
+    virtual bool activateCooperatively(ProcessID) = 0;
+    virtual bool activateDirectly(ProcessID) = 0;
+
+    Signal<RunningApplication> didLaunch;
+    Signal<RunningApplication> didTerminate;
+    Signal<RunningApplication> didActivate;
+    Signal<> didWake;
+    Signal<> activeSpaceDidChange;
+    /// A hint that the icon under this bundle identifier changed.
+    Signal<std::string> iconDidChange;
+};
+
+}
