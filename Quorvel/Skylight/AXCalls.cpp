@@ -1,0 +1,66 @@
+#include "Quorvel/Skylight/AXCalls.h"
+
+namespace quorvel {
+
+AXCalls::AXCalls(Accessibility& accessibility)
+    : m_accessibility(accessibility)
+    , m_axGetWindow(accessibility.windowIDResolver())
+{
+}
+
+AXCalls::Scan::Scan(AXCalls& calls) : m_calls(calls)
+{
+    ++m_calls.m_scanDepth;
+}
+
+AXCalls::Scan::~Scan()
+{
+    if (--m_calls.m_scanDepth == 0)
+        m_calls.m_hungInScan.clear();
+}
+
+void AXCalls::setMessagingTimeout(const AXElement& element) const
+{
+    m_accessibility.setMessagingTimeout(element, axMessagingTimeoutSeconds);
+}
+
+AXElement AXCalls::application(ProcessID pid) const
+{
+    auto element = m_accessibility.application(pid);
+    setMessagingTimeout(element);
+    return element;
+}
+
+AXReply AXCalls::copyAttribute(ProcessID pid, const AXElement& element, std::string_view attribute)
+{
+    if (m_hungInScan.contains(pid))
+        return {AXError::cannotComplete, {}};
+    auto reply = m_accessibility.copyAttribute(element, attribute);
+    if (reply.error == AXError::cannotComplete && m_scanDepth > 0)
+        m_hungInScan.insert(pid);
+    return reply;
+}
+
+std::optional<std::vector<AXElement>> AXCalls::windows(ProcessID pid)
+{
+    auto elements = read<std::vector<AXElement>>(pid, application(pid), ax::windows);
+    if (elements) {
+        for (auto& element : *elements)
+            setMessagingTimeout(element);
+    }
+    return elements;
+}
+
+std::optional<WindowID> AXCalls::windowID(ProcessID pid, const AXElement& element)
+{
+    if (m_hungInScan.contains(pid))
+        return {};
+    if (WindowID id{}; m_axGetWindow && m_axGetWindow(element, id) == AXError::success)
+        return id;
+    auto number = read<double>(pid, element, ax::windowNumber);
+    if (!number || !(*number >= 0 && *number <= 4294967295.0))
+        return {};
+    return WindowID{static_cast<std::uint32_t>(*number)};
+}
+
+}

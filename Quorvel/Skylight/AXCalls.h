@@ -1,0 +1,58 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string_view>
+
+#include "Quorvel/Platform/Accessibility.h"
+
+namespace quorvel {
+
+/// Accessibility calls to other applications, each bounded by a messaging timeout. One thread each.
+///
+/// A hung application answers every call only when the timeout has run out. While a `Scan` is
+/// alive, the first such answer of a process is taken for all its further ones, so that the process
+/// costs the caller one timeout a scan and not one a window.
+class AXCalls {
+public:
+    /// Seconds; on every element that the program queries.
+    static constexpr float axMessagingTimeoutSeconds = 0.05F;
+
+    explicit AXCalls(Accessibility& accessibility);
+
+    class Scan {
+    public:
+        explicit Scan(AXCalls& calls);
+        ~Scan();
+        Scan(const Scan&) = delete;
+        Scan& operator=(const Scan&) = delete;
+
+    private:
+        AXCalls& m_calls;
+    };
+
+    AXElement application(ProcessID) const;
+    AXReply copyAttribute(ProcessID, const AXElement&, std::string_view attribute);
+    /// The elements in "AXWindows", their timeouts set; absent when the list cannot be read.
+    std::optional<std::vector<AXElement>> windows(ProcessID);
+    /// By the private resolver, else by "AXWindowNumber".
+    std::optional<WindowID> windowID(ProcessID, const AXElement&);
+
+    template <typename T>
+    std::optional<T> read(ProcessID pid, const AXElement& element, std::string_view attribute)
+    {
+        auto reply = copyAttribute(pid, element, attribute);
+        auto* value = reply.template get<T>();
+        return value ? std::optional<T>{*value} : std::nullopt;
+    }
+
+    void setMessagingTimeout(const AXElement&) const;
+
+private:
+    Accessibility& m_accessibility;
+    Accessibility::WindowIDResolver m_axGetWindow;
+    int m_scanDepth = 0;
+    std::set<ProcessID> m_hungInScan;
+};
+
+}

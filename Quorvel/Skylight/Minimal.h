@@ -1,0 +1,81 @@
+#pragma once
+
+#include <array>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Identifiers.h"
+#include "Quorvel/Platform/WindowServer.h"
+
+namespace quorvel {
+
+class Workspace;
+
+/// The keys of a window description in the window server's list.
+namespace CGWindowKeys {
+inline constexpr std::string_view windowNumber = "kCGWindowNumber";
+inline constexpr std::string_view ownerPID = "kCGWindowOwnerPID";
+inline constexpr std::string_view ownerName = "kCGWindowOwnerName";
+inline constexpr std::string_view windowName = "kCGWindowName";
+inline constexpr std::string_view layer = "kCGWindowLayer";
+inline constexpr std::string_view bounds = "kCGWindowBounds";
+inline constexpr std::string_view alpha = "kCGWindowAlpha";
+}
+
+/// What the accessibility tree says of one window; what could not be read is absent.
+struct AXWindowMetadata {
+    std::optional<std::string> title;
+    std::optional<std::string> role;
+    std::optional<std::string> subrole;
+    std::optional<bool> isModal;
+    std::optional<bool> isMinimized;
+
+    friend bool operator==(const AXWindowMetadata&, const AXWindowMetadata&) = default;
+};
+
+using AXWindowMetadataByID = std::map<WindowID, AXWindowMetadata>;
+
+/// Parts of the system whose windows are never the user's and whose activation means nothing.
+inline constexpr std::array<std::string_view, 6> kSystemBundleIdentifiers{
+    "com.apple.dock",
+    "com.apple.WindowManager",
+    "com.apple.controlcenter",
+    "com.apple.Spotlight",
+    "com.apple.notificationcenterui",
+    "com.apple.loginwindow",
+};
+
+/// Windows narrower or lower than this many points are never on the bar.
+inline constexpr double kMinimumWindowExtent = 40;
+
+/// The processes whose windows may be on the bar, computed afresh whatever `cacheTTL` is.
+std::set<ProcessID> dockEligibleOwnerPIDs(const Workspace&, Duration cacheTTL = {});
+
+bool isSystemBundleIdentifier(std::string_view);
+
+enum class WindowFilter { passed, layerNotZero, boundsTooSmall, fullyTransparent };
+
+/// The first of the window server's filters that the window fails.
+WindowFilter windowFilter(const CGWindowInfo&);
+/// Why, for the log.
+std::string rejectionReason(WindowFilter, const CGWindowInfo&);
+
+bool isDockEligibleAXWindow(const AXWindowMetadata&);
+std::string axIneligibilityReason(const AXWindowMetadata&);
+
+struct WindowAdmission {
+    std::optional<std::string> rejectionReason{}; ///< absent: admitted
+    bool isConfirmed = false; ///< the accessibility list holds the window, and it is eligible
+    bool isSoft = false; ///< the application may only not have published the window yet
+};
+
+WindowAdmission cgWindowAXAdmission(WindowID, const AXWindowMetadataByID&, bool hasAXWindowList);
+
+/// Text of other applications made fit for one log line; "<empty>" for none.
+std::string sanitizeLogField(const std::optional<std::string>&);
+
+}

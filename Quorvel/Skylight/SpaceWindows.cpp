@@ -1,0 +1,116 @@
+#include "Quorvel/Skylight/SpaceWindows.h"
+
+#include <algorithm>
+
+namespace quorvel {
+
+namespace {
+
+constexpr std::size_t kMaximumDisplays = 32;
+
+std::string displayIdentifier(const ManagedDisplay& display, int fallbackIndex)
+{
+    if (auto* text = std::get_if<std::string>(&display.identifier))
+        return *text;
+    if (auto* number = std::get_if<std::int64_t>(&display.identifier))
+        return std::to_string(*number);
+    return "Display " + std::to_string(fallbackIndex);
+}
+
+std::optional<SpaceID> spaceID(const ManagedSpace& space)
+{
+    if (space.id64)
+        return SpaceID{*space.id64};
+    if (space.managedSpaceID)
+        return SpaceID{*space.managedSpaceID};
+    return {};
+}
+
+bool isMainAlias(std::string_view normalized)
+{
+    return normalized == "MAIN" || normalized == "PRIMARY";
+}
+
+}
+
+std::string normalizedDisplayIdentifier(std::string_view identifier)
+{
+    std::string normalized{identifier};
+    // Identifiers are ASCII; the locale's idea of upper case must not matter.
+    for (char& character : normalized) {
+        if (character >= 'a' && character <= 'z')
+            character = static_cast<char>(character - 'a' + 'A');
+    }
+    return normalized;
+}
+
+std::vector<SpaceWindows::Info> SpaceWindows::getSpaces(WindowServer::ConnectionID connection) const
+{
+    std::vector<Info> infos;
+    auto displays = m_windowServer.managedDisplaySpaces(connection);
+    if (!displays)
+        return infos;
+    int displayIndex = 0;
+    for (auto& display : *displays) {
+        auto identifier = displayIdentifier(display, displayIndex);
+        int spaceIndex = 0;
+        for (auto& space : display.spaces) {
+            // A space without a readable id is left out, but keeps its place in the count.
+            if (auto id = spaceID(space))
+                infos.push_back(
+                    {displayIndex, identifier, spaceIndex, *id, space.type.value_or(0)});
+            ++spaceIndex;
+        }
+        ++displayIndex;
+    }
+    return infos;
+}
+
+std::vector<SpaceID> SpaceWindows::getActiveSpaceIDs(WindowServer::ConnectionID connection) const
+{
+    std::vector<SpaceID> ids;
+    auto displays = m_windowServer.managedDisplaySpaces(connection);
+    if (!displays)
+        return ids;
+    for (auto& display : *displays) {
+        if (!display.currentSpace)
+            continue;
+        if (auto id = spaceID(*display.currentSpace))
+            ids.push_back(*id);
+    }
+    return ids;
+}
+
+std::optional<DisplayNumber> SpaceWindows::displayNumber(std::string_view identifier) const
+{
+    auto wanted = normalizedDisplayIdentifier(identifier);
+    if (isMainAlias(wanted))
+        return m_displays.mainDisplay();
+    for (auto number : m_displays.activeDisplays(kMaximumDisplays)) {
+        auto known = m_displays.identifier(number);
+        if (known && normalizedDisplayIdentifier(*known) == wanted)
+            return number;
+    }
+    return {};
+}
+
+std::optional<Screen> SpaceWindows::screen(
+    std::string_view identifier, const std::vector<Screen>& screens) const
+{
+    auto number = displayNumber(identifier);
+    if (!number)
+        return {};
+    auto found = std::find_if(screens.begin(), screens.end(),
+        [&](const Screen& screen) { return screen.number == number; });
+    if (found == screens.end())
+        return {};
+    return *found;
+}
+
+double SpaceWindows::primaryScreenMaxY(const std::vector<Screen>& screens) const
+{
+    auto main = screen("MAIN", screens);
+    return main ? main->frame.maxY() : 0;
+}
+
+}

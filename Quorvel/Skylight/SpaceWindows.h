@@ -1,0 +1,56 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/WindowServer.h"
+
+namespace quorvel {
+
+/// The type of a space that belongs to one full-screen window.
+inline constexpr std::int64_t kFullscreenSpaceType = 4;
+
+/// Operations over the window server's spaces. Holds no state; any thread. What the window server
+/// does not answer becomes an empty result.
+class SpaceWindows {
+public:
+    struct Info {
+        int displayIndex = 0; ///< in the window server's list of displays
+        std::string displayIdentifier;
+        int spaceIndex = 0; ///< in its display's list of spaces
+        SpaceID spaceID{};
+        std::int64_t spaceType = 0;
+
+        friend bool operator==(const Info&, const Info&) = default;
+    };
+
+    SpaceWindows(WindowServer& windowServer, Displays& displays)
+        : m_windowServer(windowServer)
+        , m_displays(displays)
+    {
+    }
+
+    /// Every space of every display, in display order, then space order.
+    std::vector<Info> getSpaces(WindowServer::ConnectionID) const;
+    /// The current space of each display; displays whose space cannot be read are left out.
+    std::vector<SpaceID> getActiveSpaceIDs(WindowServer::ConnectionID) const;
+
+    /// Compares identifiers in any letter case; "MAIN" and "PRIMARY" are the main display.
+    std::optional<DisplayNumber> displayNumber(std::string_view identifier) const;
+    std::optional<Screen> screen(
+        std::string_view displayIdentifier, const std::vector<Screen>& screens) const;
+    /// The top of the main display's screen, in points from the bottom; 0 when it is not among
+    /// them.
+    double primaryScreenMaxY(const std::vector<Screen>& screens) const;
+
+private:
+    WindowServer& m_windowServer;
+    Displays& m_displays;
+};
+
+std::string normalizedDisplayIdentifier(std::string_view);
+
+}

@@ -1,0 +1,207 @@
+#include "Quorvel/Skylight/WindowScanner.h"
+
+#include <algorithm>
+
+#include "Quorvel/Platform/Workspace.h"
+
+namespace quorvel {
+
+namespace {
+
+bool isOlder(const std::pair<WindowID, SpaceID>& entry, WindowID window)
+{
+    return entry.first < window;
+}
+
+}
+
+void WindowSpacesMap::sort()
+{
+    std::sort(m_entries.begin(), m_entries.end());
+}
+
+std::set<SpaceID> WindowSpacesMap::spaces(WindowID window) const
+{
+    std::set<SpaceID> spaces;
+    auto entry = std::lower_bound(m_entries.begin(), m_entries.end(), window, isOlder);
+    for (; entry != m_entries.end() && entry->first == window; ++entry)
+        spaces.insert(spaces.end(), entry->second);
+    return spaces;
+}
+
+WindowScanner::WindowScanner(Accessibility& accessibility, WindowServer& windowServer,
+    Displays& displays, const Workspace& workspace, const Trace& trace)
+    : m_calls(accessibility)
+    , m_windowServer(windowServer)
+    , m_spaceWindows(windowServer, displays)
+    , m_workspace(workspace)
+    , m_trace(trace)
+{
+}
+
+WindowSpacesMap WindowScanner::buildWindowSpacesMap(WindowServer::ConnectionID connection) const
+{
+    WindowSpacesMap map;
+    for (auto& info : m_spaceWindows.getSpaces(connection)) {
+        for (auto window :
+            m_windowServer.windowsOfSpaces(connection, {info.spaceID}, kSpaceWindowOptions))
+            map.add(window, info.spaceID);
+    }
+    map.sort();
+    return map;
+}
+
+std::set<SpaceID> WindowScanner::querySpaces(
+    WindowID window, WindowServer::ConnectionID connection) const
+{
+    auto spaces = m_windowServer.spacesOfWindows(connection, kAllSpacesMask, {window});
+    return spaces ? std::set<SpaceID>(spaces->begin(), spaces->end()) : std::set<SpaceID>{};
+}
+
+WindowScanner::Moment WindowScanner::lookAt(ProcessID pid) const
+{
+    Moment moment;
+    moment.spaces = buildWindowSpacesMap(m_windowServer.mainConnection());
+    moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
+    auto& windows = moment.windowsByOwner[pid];
+    m_windowServer.enumerateWindows(
+        kWindowListExcludeDesktopElements, [&](const CGWindowInfo& window) {
+            if (window.ownerPID == pid)
+                windows.push_back(window);
+        });
+    return moment;
+}
+
+WindowScanner::Moment WindowScanner::lookAtAll() const
+{
+    Moment moment;
+    moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
+    moment.spaces = buildWindowSpacesMap(m_windowServer.mainConnection());
+    m_windowServer.enumerateWindows(
+        kWindowListExcludeDesktopElements, [&](const CGWindowInfo& window) {
+            if (window.ownerPID && moment.eligiblePIDs.contains(*window.ownerPID))
+                moment.windowsByOwner[*window.ownerPID].push_back(window);
+        });
+    return moment;
+}
+
+PIDWindowScan WindowScanner::scan(ProcessID pid, const Moment& moment)
+{
+    AXCalls::Scan hungOnlyOnce(m_calls);
+    PIDWindowScan result;
+    result.isDockEligibleOwner = moment.eligiblePIDs.contains(pid);
+    auto owned = moment.windowsByOwner.find(pid);
+    if (owned == moment.windowsByOwner.end())
+        return result;
+
+    auto [metadataByID, hasAXWindowList] = copyAXWindowMetadataByID(pid);
+    auto bundleID = bundleIdentifier(pid);
+    for (auto& window : owned->second) {
+        if (!window.windowNumber)
+            continue;
+        if (window.layer == 0)
+            result.listedWindowIDs.insert(*window.windowNumber);
+        if (!result.isDockEligibleOwner)
+            continue;
+        if (admit(window, metadataByID, hasAXWindowList, moment, result))
+            result.candidates.at(*window.windowNumber).bundleID = bundleID;
+    }
+    return result;
+}
+
+bool WindowScanner::admit(const CGWindowInfo& window, const AXWindowMetadataByID& metadataByID,
+    bool hasAXWindowList, const Moment& moment, PIDWindowScan& result)
+{
+    if (auto filter = windowFilter(window); filter != WindowFilter::passed) {
+        if (m_trace.isOn())
+            logRejection(window, rejectionReason(filter, window));
+        return false;
+    }
+    auto id = *window.windowNumber;
+    auto admission = cgWindowAXAdmission(id, metadataByID, hasAXWindowList);
+    if (admission.rejectionReason) {
+        logRejection(window, *admission.rejectionReason);
+        if (admission.isSoft)
+            result.softlyRejectedWindowIDs.insert(id);
+        return false;
+    }
+    auto metadata = metadataByID.find(id);
+    bool isKnown = metadata != metadataByID.end();
+    ScannedWindowCandidate candidate;
+    candidate.appName = window.ownerName.value_or("Unknown");
+    candidate.title = isKnown && metadata->second.title ? metadata->second.title
+                                                        : readTitleFromAX(*window.ownerPID, id);
+    candidate.frame = *window.bounds;
+    candidate.spaces = moment.spaces.spaces(id);
+    candidate.isAXConfirmed = admission.isConfirmed;
+    if (isKnown)
+        candidate.isMinimized = metadata->second.isMinimized;
+    return result.candidates.emplace(id, std::move(candidate)).second;
+}
+
+void WindowScanner::logRejection(const CGWindowInfo& window, const std::string& reason) const
+{
+    if (!m_trace.isOn())
+        return;
+    m_trace.line("rejected id={} owner={} title={} reason={}", orNil(window.windowNumber),
+        sanitizeLogField(window.ownerName), sanitizeLogField(window.windowName),
+        sanitizeLogField(reason));
+}
+
+std::pair<AXWindowMetadataByID, bool> WindowScanner::copyAXWindowMetadataByID(ProcessID pid)
+{
+    AXWindowMetadataByID metadataByID;
+    auto elements = m_calls.windows(pid);
+    if (!elements)
+        return {std::move(metadataByID), false};
+    for (auto& element : *elements) {
+        if (auto id = m_calls.windowID(pid, element))
+            metadataByID.insert_or_assign(*id, readMetadata(pid, element));
+    }
+    return {std::move(metadataByID), true};
+}
+
+AXWindowMetadata WindowScanner::readMetadata(ProcessID pid, const AXElement& element)
+{
+    return {
+        .title = m_calls.read<std::string>(pid, element, ax::title),
+        .role = m_calls.read<std::string>(pid, element, ax::role),
+        .subrole = m_calls.read<std::string>(pid, element, ax::subrole),
+        .isModal = m_calls.read<bool>(pid, element, ax::modal),
+        .isMinimized = m_calls.read<bool>(pid, element, ax::minimized),
+    };
+}
+
+std::optional<std::string> WindowScanner::readTitle(ProcessID pid, const AXElement& element)
+{
+    return m_calls.read<std::string>(pid, element, ax::title);
+}
+
+std::optional<std::string> WindowScanner::readTitleFromAX(ProcessID pid, WindowID window)
+{
+    auto elements = m_calls.windows(pid);
+    if (!elements)
+        return {};
+    for (auto& element : *elements) {
+        if (m_calls.windowID(pid, element) == window)
+            return readTitle(pid, element);
+    }
+    return {};
+}
+
+std::optional<Rect> WindowScanner::readFrame(ProcessID pid, const AXElement& element)
+{
+    auto position = m_calls.read<Point>(pid, element, ax::position);
+    auto size = m_calls.read<Size>(pid, element, ax::size);
+    if (!position || !size)
+        return {};
+    return Rect::from(*position, *size);
+}
+
+std::optional<std::string> WindowScanner::bundleIdentifier(ProcessID pid) const
+{
+    auto application = m_workspace.runningApplication(pid);
+    return application ? application->bundleIdentifier : std::nullopt;
+}
+
+}

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Quorvel/Platform/Geometry.h"
+#include "Quorvel/Platform/Trace.h"
+#include "Quorvel/Skylight/AXCalls.h"
+#include "Quorvel/Skylight/Minimal.h"
+#include "Quorvel/Skylight/SpaceWindows.h"
+
+namespace quorvel {
+
+/// Which windows are on which spaces, at one moment.
+class WindowSpacesMap {
+public:
+    void add(WindowID window, SpaceID space) { m_entries.emplace_back(window, space); }
+    /// To be called once, after the last `add`.
+    void sort();
+    /// Empty for a window on no space.
+    std::set<SpaceID> spaces(WindowID) const;
+
+private:
+    std::vector<std::pair<WindowID, SpaceID>> m_entries;
+};
+
+/// One window that survived the scan filters.
+struct ScannedWindowCandidate {
+    std::string appName;
+    std::optional<std::string> bundleID;
+    std::optional<std::string> title; ///< absent when nobody could tell
+    Rect frame;
+    std::set<SpaceID> spaces;
+    bool isAXConfirmed = false;
+    std::optional<bool> isMinimized; ///< absent when nobody could tell
+};
+
+/// What one look at a process found.
+struct PIDWindowScan {
+    std::map<WindowID, ScannedWindowCandidate> candidates;
+    /// Every window that the window server lists at layer 0, before any other filter.
+    std::set<WindowID> listedWindowIDs;
+    /// Listed, but the application does not show them in its accessibility list at the moment.
+    std::set<WindowID> softlyRejectedWindowIDs;
+    bool isDockEligibleOwner = false;
+};
+
+/// Looks at processes through the window server, the accessibility tree and the spaces, and keeps
+/// no memory of what it saw. Main thread; each look waits at most one messaging timeout per hung
+/// process.
+class WindowScanner {
+public:
+    /// What a look at several processes shares: taken once, not once a process.
+    struct Moment {
+        WindowSpacesMap spaces;
+        std::set<ProcessID> eligiblePIDs;
+        std::map<ProcessID, std::vector<CGWindowInfo>> windowsByOwner;
+    };
+
+    WindowScanner(Accessibility&, WindowServer&, Displays&, const Workspace&, const Trace&);
+
+    AXCalls& calls() { return m_calls; }
+
+    /// The windows of this process.
+    Moment lookAt(ProcessID) const;
+    /// The windows of every eligible process.
+    Moment lookAtAll() const;
+
+    PIDWindowScan scan(ProcessID, const Moment&);
+    PIDWindowScan scanWindows(ProcessID pid) { return scan(pid, lookAt(pid)); }
+
+    /// The map, and whether "AXWindows" could be read.
+    std::pair<AXWindowMetadataByID, bool> copyAXWindowMetadataByID(ProcessID);
+    AXWindowMetadata readMetadata(ProcessID, const AXElement&);
+    std::optional<std::string> readTitle(ProcessID, const AXElement&);
+    std::optional<Rect> readFrame(ProcessID, const AXElement&);
+
+    WindowSpacesMap buildWindowSpacesMap(WindowServer::ConnectionID) const;
+    /// Asks for one window at a time, since asking for several answers with the union.
+    std::set<SpaceID> querySpaces(WindowID, WindowServer::ConnectionID) const;
+    WindowServer::ConnectionID mainConnection() const { return m_windowServer.mainConnection(); }
+
+private:
+    std::optional<std::string> readTitleFromAX(ProcessID, WindowID);
+    std::optional<std::string> bundleIdentifier(ProcessID) const;
+    void logRejection(const CGWindowInfo&, const std::string& reason) const;
+    bool admit(const CGWindowInfo&, const AXWindowMetadataByID&, bool hasAXWindowList,
+        const Moment&, PIDWindowScan&);
+
+    AXCalls m_calls;
+    WindowServer& m_windowServer;
+    SpaceWindows m_spaceWindows;
+    const Workspace& m_workspace;
+    const Trace& m_trace;
+};
+
+}

@@ -1,0 +1,385 @@
+#include "Quorvel/Skylight/WindowStore.h"
+
+#include <algorithm>
+
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/Workspace.h"
+
+namespace quorvel {
+
+namespace {
+
+constexpr int kMissesBeforeRemoval = 2;
+constexpr Duration kMissingGrace = seconds(0.45);
+constexpr Duration kMissingFollowUp = seconds(0.5);
+constexpr Duration kCrossScreenDelay = seconds(0.2);
+
+}
+
+WindowStore::WindowStore(Dispatch& dispatch, Accessibility& accessibility,
+    WindowServer& windowServer, Displays& displays, Workspace& workspace, const Trace& trace)
+    : m_dispatch(dispatch)
+    , m_windowServer(windowServer)
+    , m_displays(displays)
+    , m_workspace(workspace)
+    , m_trace(trace)
+    , m_scanner(accessibility, windowServer, displays, workspace, trace)
+{
+}
+
+const TrackedWindow* WindowStore::window(WindowID id) const
+{
+    auto found = m_windows.find(id);
+    return found == m_windows.end() ? nullptr : &found->second;
+}
+
+std::vector<const TrackedWindow*> WindowStore::windows(SpaceID space) const
+{
+    std::vector<const TrackedWindow*> windows;
+    for (auto& [id, window] : m_windows) {
+        if (window.spaceIDs.contains(space))
+            windows.push_back(&window);
+    }
+    return windows;
+}
+
+std::set<ProcessID> WindowStore::trackedPIDs() const
+{
+    std::set<ProcessID> pids;
+    for (auto& [id, window] : m_windows)
+        pids.insert(window.pid);
+    return pids;
+}
+
+std::set<WindowID> WindowStore::trackedWindowIDs(ProcessID pid) const
+{
+    std::set<WindowID> ids;
+    for (auto& [id, window] : m_windows) {
+        if (window.pid == pid)
+            ids.insert(ids.end(), id);
+    }
+    return ids;
+}
+
+bool WindowStore::hasTrackedWindows(ProcessID pid) const
+{
+    return std::any_of(
+        m_windows.begin(), m_windows.end(), [&](auto& entry) { return entry.second.pid == pid; });
+}
+
+bool WindowStore::hasMissingTrackedWindows(ProcessID pid) const
+{
+    return std::any_of(
+        m_reconcileStateByWindowID.begin(), m_reconcileStateByWindowID.end(), [&](auto& entry) {
+            auto* tracked = window(entry.first);
+            return tracked && tracked->pid == pid && std::holds_alternative<Missing>(entry.second);
+        });
+}
+
+TrackedWindow* WindowStore::tracked(const std::optional<WindowID>& id)
+{
+    if (!id)
+        return nullptr;
+    auto found = m_windows.find(*id);
+    return found == m_windows.end() ? nullptr : &found->second;
+}
+
+void WindowStore::notifyChange() const
+{
+    if (onChange)
+        onChange();
+}
+
+// MARK: Reconciliation
+
+bool WindowStore::requiresAXConfirmationForLiveAdmission(ProcessID pid) const
+{
+    return m_observerAttachedPIDs.contains(pid) || hasTrackedWindows(pid);
+}
+
+bool WindowStore::hasUnpublishedWindow(const PIDWindowScan& scan) const
+{
+    return std::any_of(scan.softlyRejectedWindowIDs.begin(), scan.softlyRejectedWindowIDs.end(),
+        [&](WindowID id) { return !m_windows.contains(id); });
+}
+
+int WindowStore::reconcileWindowsForPID(ProcessID pid)
+{
+    auto scan = m_scanner.scanWindows(pid);
+    bool needsRescan = hasUnpublishedWindow(scan);
+    bool hasChanged = updateOrAdmit(pid, scan, needsRescan);
+    hasChanged |= removeMissingWindows(pid, scan);
+    if (hasChanged)
+        notifyChange();
+    if (needsRescan)
+        scheduleDeferredScan(pid);
+    return static_cast<int>(scan.candidates.size());
+}
+
+bool WindowStore::updateOrAdmit(ProcessID pid, const PIDWindowScan& scan, bool& needsRescan)
+{
+    bool hasChanged = false;
+    for (auto& [id, candidate] : scan.candidates) {
+        if (auto* window = tracked(id)) {
+            hasChanged |= updateTracked(*window, candidate);
+            m_reconcileStateByWindowID.insert_or_assign(id, Active{});
+        }
+    }
+    auto [added, isUnconfirmed] = admitNewWindows(pid, scan);
+    needsRescan |= isUnconfirmed;
+    return hasChanged || added > 0;
+}
+
+bool WindowStore::updateTracked(TrackedWindow& window, const ScannedWindowCandidate& candidate)
+{
+    auto before = window;
+    window.appName = candidate.appName;
+    window.bundleIdentifier = candidate.bundleID;
+    window.windowTitle = candidate.title.value_or(window.windowTitle);
+    window.frame = candidate.frame;
+    window.isMinimized = candidate.isMinimized.value_or(window.isMinimized);
+    auto spaces = candidate.spaces;
+    if (spaces.empty())
+        spaces = m_scanner.querySpaces(window.windowID, m_scanner.mainConnection());
+    if (!spaces.empty())
+        window.spaceIDs = std::move(spaces);
+    return window != before;
+}
+
+void WindowStore::track(WindowID id, ProcessID pid, const ScannedWindowCandidate& candidate)
+{
+    m_windows.insert_or_assign(id,
+        TrackedWindow{
+            .windowID = id,
+            .pid = pid,
+            .appName = candidate.appName,
+            .bundleIdentifier = candidate.bundleID,
+            .windowTitle = candidate.title.value_or(""),
+            .frame = candidate.frame,
+            .isMinimized = candidate.isMinimized.value_or(false),
+            .spaceIDs = candidate.spaces,
+        });
+    m_reconcileStateByWindowID.insert_or_assign(id, Active{});
+}
+
+std::pair<int, bool> WindowStore::admitNewWindows(ProcessID pid, const PIDWindowScan& scan)
+{
+    bool requiresAX = requiresAXConfirmationForLiveAdmission(pid);
+    int added = 0;
+    bool isUnconfirmed = false;
+    for (auto& [id, candidate] : scan.candidates) {
+        if (m_windows.contains(id) || candidate.spaces.empty())
+            continue;
+        if (requiresAX && !candidate.isAXConfirmed) {
+            isUnconfirmed = true;
+            continue;
+        }
+        track(id, pid, candidate);
+        ++added;
+    }
+    return {added, isUnconfirmed};
+}
+
+bool WindowStore::removeMissingWindows(ProcessID pid, const PIDWindowScan& scan)
+{
+    bool hasChanged = false;
+    for (auto id : trackedWindowIDs(pid)) {
+        if (scan.candidates.contains(id))
+            continue;
+        if (scan.softlyRejectedWindowIDs.contains(id)) {
+            m_reconcileStateByWindowID.insert_or_assign(id, Active{});
+        } else if (!scan.isDockEligibleOwner) {
+            forget(id);
+            hasChanged = true;
+        } else {
+            hasChanged |= noteMissed(id) == Missed::removed;
+        }
+    }
+    return hasChanged;
+}
+
+WindowStore::Missed WindowStore::noteMissed(WindowID id)
+{
+    auto& state = m_reconcileStateByWindowID[id];
+    auto* missing = std::get_if<Missing>(&state);
+    if (!missing) {
+        state = Missing{.firstMissingAt = m_dispatch.now()};
+        return Missed::kept;
+    }
+    ++missing->misses;
+    if (missing->misses < kMissesBeforeRemoval
+        || m_dispatch.now() - missing->firstMissingAt < kMissingGrace)
+        return Missed::kept;
+    forget(id);
+    return Missed::removed;
+}
+
+void WindowStore::forget(WindowID id)
+{
+    m_windows.erase(id);
+    m_reconcileStateByWindowID.erase(id);
+}
+
+// MARK: What the system reports
+
+void WindowStore::populate()
+{
+    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    auto moment = m_scanner.lookAtAll();
+    for (auto& [pid, windows] : moment.windowsByOwner)
+        populateProcess(pid, moment);
+    if (auto frontmost = m_workspace.frontmostApplication())
+        handleAppActivated(*frontmost);
+    notifyChange();
+}
+
+void WindowStore::populateProcess(ProcessID pid, const WindowScanner::Moment& moment)
+{
+    auto scan = m_scanner.scan(pid, moment);
+    bool needsRescan = hasUnpublishedWindow(scan);
+    for (auto& [id, candidate] : scan.candidates) {
+        needsRescan |= !candidate.isAXConfirmed;
+        if (candidate.spaces.empty())
+            candidate.spaces = m_scanner.querySpaces(id, m_scanner.mainConnection());
+        track(id, pid, candidate);
+    }
+    if (needsRescan)
+        scheduleDeferredScan(pid);
+}
+
+void WindowStore::handleAppActivated(ProcessID pid)
+{
+    ++m_debugEventSequence;
+    auto frontmost = m_workspace.frontmostApplication();
+    m_trace.line("handleAppActivated begin pid={} frontmostPid={} focusedBefore={}", raw(pid),
+        frontmost ? raw(*frontmost) : -1, orNil(m_focusedWindowID));
+    auto& calls = m_scanner.calls();
+    auto reply = calls.copyAttribute(pid, calls.application(pid), ax::focusedWindow);
+    auto* element = reply.get<AXElement>();
+    if (!element) {
+        m_trace.line("handleAppActivated failed to read kAXFocusedWindowAttribute pid={} err={}",
+            raw(pid), static_cast<int>(reply.error));
+        return;
+    }
+    calls.setMessagingTimeout(*element);
+    auto id = calls.windowID(pid, *element);
+    if (!id) {
+        m_trace.line("handleAppActivated focused AX element had no CGWindowID pid={}", raw(pid));
+        return;
+    }
+    m_trace.line("handleAppActivated resolved focused={}", raw(*id));
+    setFocusedWindow(*id);
+}
+
+void WindowStore::setFocusedWindow(WindowID id)
+{
+    if (m_focusedWindowID == id)
+        return;
+    m_focusedWindowID = id;
+    notifyChange();
+}
+
+bool WindowStore::needsObserverBootstrap(ProcessID pid) const
+{
+    return !hasTrackedWindows(pid) && !m_observerAttachedPIDs.contains(pid)
+        && !m_lifecycleByPID.contains(pid) && !m_pendingScans.contains(pid);
+}
+
+int WindowStore::addWindowsForPID(ProcessID pid)
+{
+    auto scan = m_scanner.scanWindows(pid);
+    auto [added, isUnconfirmed] = admitNewWindows(pid, scan);
+    if (added > 0)
+        notifyChange();
+    if (isUnconfirmed || hasUnpublishedWindow(scan))
+        scheduleDeferredScan(pid);
+    return added;
+}
+
+void WindowStore::removeWindows(ProcessID pid)
+{
+    cancelLifecycleMonitoring(pid);
+    m_pendingScans.erase(pid);
+    m_missingFollowUpByPID.erase(pid);
+    m_observerAttachedPIDs.erase(pid);
+    auto ids = trackedWindowIDs(pid);
+    for (auto id : ids)
+        forget(id);
+    if (!ids.empty())
+        notifyChange();
+}
+
+void WindowStore::refreshSpaces()
+{
+    auto connection = m_scanner.mainConnection();
+    auto map = m_scanner.buildWindowSpacesMap(connection);
+    bool hasChanged = false;
+    for (auto& [id, window] : m_windows) {
+        auto spaces = map.spaces(id);
+        if (spaces.empty())
+            spaces = m_scanner.querySpaces(id, connection);
+        if (spaces.empty() || spaces == window.spaceIDs)
+            continue;
+        window.spaceIDs = std::move(spaces);
+        hasChanged = true;
+    }
+    if (hasChanged)
+        notifyChange();
+}
+
+void WindowStore::resyncMinimizedWindows()
+{
+    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    std::map<ProcessID, AXWindowMetadataByID> metadataByPID;
+    for (auto pid : trackedPIDs())
+        metadataByPID[pid] = m_scanner.copyAXWindowMetadataByID(pid).first;
+    bool hasChanged = false;
+    for (auto& [id, window] : m_windows) {
+        auto before = window;
+        auto& metadataByID = metadataByPID[window.pid];
+        if (auto metadata = metadataByID.find(id); metadata != metadataByID.end())
+            window.isMinimized = metadata->second.isMinimized.value_or(window.isMinimized);
+        if (window.isMinimized && window.spaceIDs.empty())
+            window.spaceIDs = m_scanner.querySpaces(id, m_scanner.mainConnection());
+        hasChanged |= window != before;
+    }
+    if (hasChanged)
+        notifyChange();
+}
+
+int WindowStore::discoverNewWindowsForTrackedPIDs()
+{
+    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    auto moment = m_scanner.lookAtAll();
+    int total = 0;
+    for (auto pid : trackedPIDs()) {
+        auto scan = m_scanner.scan(pid, moment);
+        auto [added, isUnconfirmed] = admitNewWindows(pid, scan);
+        total += added;
+        if (isUnconfirmed || hasUnpublishedWindow(scan))
+            scheduleDeferredScan(pid);
+    }
+    if (total > 0)
+        notifyChange();
+    return total;
+}
+
+void WindowStore::scheduleCrossScreenSpacesRefresh()
+{
+    m_pendingCrossScreenRefresh
+        = m_dispatch.main().after(kCrossScreenDelay, [this] { refreshSpaces(); });
+}
+
+void WindowStore::scheduleMissingFollowUp(ProcessID pid)
+{
+    if (!hasMissingTrackedWindows(pid)) {
+        m_missingFollowUpByPID.erase(pid);
+        return;
+    }
+    m_missingFollowUpByPID[pid] = m_dispatch.main().after(kMissingFollowUp, [this, pid] {
+        reconcileWindowsForPID(pid);
+        scheduleMissingFollowUp(pid);
+    });
+}
+
+}

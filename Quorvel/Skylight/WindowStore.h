@@ -1,0 +1,160 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/WeakOwner.h"
+#include "Quorvel/Skylight/AXWindowEvent.h"
+#include "Quorvel/Skylight/TrackedWindow.h"
+#include "Quorvel/Skylight/WindowScanner.h"
+
+namespace quorvel {
+
+enum class PIDLifecyclePhase { launching, runningUnobserved, runningObserved };
+std::string_view rawValue(PIDLifecyclePhase);
+
+/// The rescan schedule of one process.
+struct PIDLifecycleState {
+    PIDLifecyclePhase phase = PIDLifecyclePhase::launching;
+    Instant startedAt;
+    bool observerAttached = false;
+    Duration nextInterval{};
+    int stableScans = 0;
+    std::set<WindowID> lastTrackedWindowIDs;
+};
+
+/// Which windows exist, whose they are, on which spaces, minimised or not, and which has the focus.
+///
+/// Three sources feed it, and none can be trusted alone: the window server's list (complete, but
+/// full of windows that are no user's), each application's accessibility tree (knows roles and
+/// titles, but is slow, late or mute), and the spaces. Applications make windows late, lose them
+/// for a moment while something is animated, and announce windows that the window server does not
+/// know yet. So:
+///
+/// - a process is scanned again on a short schedule after a launch or an unexplained window (the
+///   burst: 0.3, 0.8 and 2.0 s) and, while it settles, at intervals that back off (the life cycle);
+/// - a window that a scan misses is removed only when a second scan misses it too and 0.45 s have
+///   passed since the first; destroyed windows and ended processes go at once;
+/// - a process that is known already must show a new window in its accessibility tree before the
+///   window is believed.
+///
+/// The focus may name a window that is not tracked; whoever reads it must bear that.
+/// Main thread only. Every wait for an application is bounded by its messaging timeout.
+class WindowStore {
+public:
+    static constexpr Duration kLaunchTickDelay = seconds(2.6);
+
+    WindowStore(Dispatch&, Accessibility&, WindowServer&, Displays&, Workspace&, const Trace&);
+
+    // What there is.
+    const std::map<WindowID, TrackedWindow>& windows() const { return m_windows; }
+    const TrackedWindow* window(WindowID) const;
+    std::optional<WindowID> focusedWindowID() const { return m_focusedWindowID; }
+    /// In ascending order of their numbers; valid until the store changes.
+    std::vector<const TrackedWindow*> windows(SpaceID) const;
+    std::set<ProcessID> trackedPIDs() const;
+
+    /// One slot: called at the end of each operation that changed the windows or the focus.
+    std::function<void()> onChange;
+
+    // What the system reports.
+    void populate();
+    void handleAppActivated(ProcessID);
+    bool needsObserverBootstrap(ProcessID) const;
+    void handleObserverAttached(ProcessID);
+    /// Admits the windows of the process; how many were added.
+    int addWindowsForPID(ProcessID);
+    /// The process has ended.
+    void removeWindows(ProcessID);
+    void refreshSpaces();
+    void resyncMinimizedWindows();
+    int discoverNewWindowsForTrackedPIDs();
+    void handleAXEvent(const AXWindowEvent&);
+
+    // The schedule.
+    void startLifecycleMonitoring(ProcessID, Duration initialDelay);
+    void scheduleDeferredScan(ProcessID);
+
+private:
+    struct Active { };
+    struct Missing {
+        Instant firstMissingAt;
+        int misses = 1;
+    };
+    using ReconcileState = std::variant<Active, Missing>;
+
+    struct DeferredScanBurst {
+        std::vector<WorkItem> work;
+        bool hasScannedLast = false;
+        bool isRequestedAgain = false;
+    };
+
+    enum class Missed { kept, removed };
+
+    int reconcileWindowsForPID(ProcessID);
+    bool updateTracked(TrackedWindow&, const ScannedWindowCandidate&);
+    void track(WindowID, ProcessID, const ScannedWindowCandidate&);
+    /// Tracks what is new in the scan; true in `second` when something must be looked at again.
+    std::pair<int, bool> admitNewWindows(ProcessID, const PIDWindowScan&);
+    bool updateOrAdmit(ProcessID, const PIDWindowScan&, bool& needsRescan);
+    bool removeMissingWindows(ProcessID, const PIDWindowScan&);
+    Missed noteMissed(WindowID);
+    void forget(WindowID);
+    bool requiresAXConfirmationForLiveAdmission(ProcessID) const;
+    bool hasUnpublishedWindow(const PIDWindowScan&) const;
+    void populateProcess(ProcessID, const WindowScanner::Moment&);
+
+    void runDeferredScan(ProcessID, bool isLast);
+    void endDeferredScanBurst(ProcessID);
+    void scheduleLifecycleTick(ProcessID, Duration delay);
+    void runLifecycleTick(ProcessID);
+    void cancelLifecycleMonitoring(ProcessID);
+    void ensureLifecycleMonitoringForWindowActivity(ProcessID);
+    void scheduleMissingFollowUp(ProcessID);
+    void scheduleCrossScreenSpacesRefresh();
+
+    void handleWindowCreated(const AXWindowEvent&);
+    void handleDestroyed(const AXWindowEvent&);
+    void handleTitleChanged(const AXWindowEvent&);
+    void handleFrameChanged(const AXWindowEvent&);
+    void handleMinimized(const AXWindowEvent&, bool isMinimized);
+    void handleFocusedWindowChanged(const AXWindowEvent&);
+    void admitCreatedWindow(const AXWindowEvent&, WindowID, const AXWindowMetadata&);
+    void setFocusedWindow(WindowID);
+
+    TrackedWindow* tracked(const std::optional<WindowID>&);
+    std::optional<WindowID> resolveWindowID(const AXWindowEvent&);
+    std::set<WindowID> trackedWindowIDs(ProcessID) const;
+    bool hasTrackedWindows(ProcessID) const;
+    bool hasMissingTrackedWindows(ProcessID) const;
+    std::optional<std::size_t> indexOfScreenContaining(const Rect& windowFrame) const;
+    void notifyChange() const;
+
+    Dispatch& m_dispatch;
+    WindowServer& m_windowServer;
+    Displays& m_displays;
+    Workspace& m_workspace;
+    const Trace& m_trace;
+    WindowScanner m_scanner;
+
+    std::map<WindowID, TrackedWindow> m_windows;
+    std::optional<WindowID> m_focusedWindowID;
+    std::uint64_t m_debugEventSequence = 0;
+    std::map<WindowID, ReconcileState> m_reconcileStateByWindowID;
+    std::map<ProcessID, PIDLifecycleState> m_lifecycleByPID;
+    std::set<ProcessID> m_observerAttachedPIDs;
+
+    // Delayed work: last, so that it is cancelled before anything it uses goes.
+    std::map<ProcessID, DeferredScanBurst> m_pendingScans;
+    std::map<ProcessID, WorkItem> m_lifecycleWorkByPID;
+    std::map<ProcessID, WorkItem> m_missingFollowUpByPID;
+    WorkItem m_pendingCrossScreenRefresh;
+};
+
+}

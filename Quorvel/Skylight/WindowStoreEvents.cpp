@@ -1,0 +1,178 @@
+// What one accessibility notification does to the windows and the focus.
+
+#include <algorithm>
+
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/Workspace.h"
+#include "Quorvel/Skylight/WindowStore.h"
+
+namespace quorvel {
+
+void WindowStore::handleAXEvent(const AXWindowEvent& event)
+{
+    ++m_debugEventSequence;
+    auto& name = event.notification;
+    if (name == ax::windowCreated)
+        handleWindowCreated(event);
+    else if (name == ax::elementDestroyed)
+        handleDestroyed(event);
+    else if (name == ax::titleChanged)
+        handleTitleChanged(event);
+    else if (name == ax::windowResized || name == ax::windowMoved)
+        handleFrameChanged(event);
+    else if (name == ax::windowMiniaturized)
+        handleMinimized(event, true);
+    else if (name == ax::windowDeminiaturized)
+        handleMinimized(event, false);
+    else if (name == ax::focusedWindowChanged)
+        handleFocusedWindowChanged(event);
+}
+
+std::optional<WindowID> WindowStore::resolveWindowID(const AXWindowEvent& event)
+{
+    auto id = m_scanner.calls().windowID(event.pid, event.element);
+    return id ? id : event.windowID;
+}
+
+void WindowStore::handleWindowCreated(const AXWindowEvent& event)
+{
+    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    m_scanner.calls().setMessagingTimeout(event.element);
+    auto metadata = m_scanner.readMetadata(event.pid, event.element);
+    if (auto id = resolveWindowID(event))
+        admitCreatedWindow(event, *id, metadata);
+    ensureLifecycleMonitoringForWindowActivity(event.pid);
+}
+
+void WindowStore::admitCreatedWindow(
+    const AXWindowEvent& event, WindowID id, const AXWindowMetadata& metadata)
+{
+    if (!isDockEligibleAXWindow(metadata)) {
+        m_trace.line("ignored-non-standard-ax-window role={}", sanitizeLogField(metadata.role));
+        return;
+    }
+    auto moment = m_scanner.lookAt(event.pid);
+    auto& windows = moment.windowsByOwner[event.pid];
+    auto found = std::find_if(windows.begin(), windows.end(),
+        [&](const CGWindowInfo& window) { return window.windowNumber == id; });
+    if (found == windows.end() || windowFilter(*found) != WindowFilter::passed
+        || !moment.eligiblePIDs.contains(event.pid))
+        return;
+    auto application = m_workspace.runningApplication(event.pid);
+    ScannedWindowCandidate candidate{
+        .appName = found->ownerName.value_or("Unknown"),
+        .bundleID = application ? application->bundleIdentifier : std::nullopt,
+        .title = metadata.title,
+        .frame = *found->bounds,
+        .spaces = moment.spaces.spaces(id),
+        .isAXConfirmed = true,
+        .isMinimized = metadata.isMinimized,
+    };
+    if (auto* window = tracked(id)) {
+        m_reconcileStateByWindowID.insert_or_assign(id, Active{});
+        if (updateTracked(*window, candidate))
+            notifyChange();
+    } else if (!candidate.spaces.empty()) {
+        track(id, event.pid, candidate);
+        notifyChange();
+    }
+}
+
+void WindowStore::handleDestroyed(const AXWindowEvent& event)
+{
+    if (!tracked(event.windowID))
+        return;
+    forget(*event.windowID);
+    notifyChange();
+}
+
+void WindowStore::handleTitleChanged(const AXWindowEvent& event)
+{
+    auto* window = tracked(event.windowID);
+    if (!window) {
+        scheduleDeferredScan(event.pid);
+        return;
+    }
+    auto title = m_scanner.readTitle(event.pid, event.element);
+    if (!title || *title == window->windowTitle)
+        return;
+    window->windowTitle = std::move(*title);
+    notifyChange();
+}
+
+void WindowStore::handleFrameChanged(const AXWindowEvent& event)
+{
+    auto* window = tracked(event.windowID);
+    if (!window) {
+        // It may have grown large enough for the bar.
+        scheduleDeferredScan(event.pid);
+        return;
+    }
+    auto frame = m_scanner.readFrame(event.pid, event.element);
+    if (!frame)
+        return;
+    auto before = window->frame;
+    if (*frame != before) {
+        window->frame = *frame;
+        notifyChange();
+    }
+    if (indexOfScreenContaining(before) != indexOfScreenContaining(*frame))
+        scheduleCrossScreenSpacesRefresh();
+}
+
+std::optional<std::size_t> WindowStore::indexOfScreenContaining(const Rect& windowFrame) const
+{
+    auto screens = m_displays.screens();
+    if (screens.empty())
+        return {};
+    auto flipped = windowFrame.flipped(screens.front().frame.height);
+    auto found = std::find_if(screens.begin(), screens.end(),
+        [&](const Screen& screen) { return screen.frame.contains(flipped); });
+    if (found == screens.end())
+        return {};
+    return static_cast<std::size_t>(found - screens.begin());
+}
+
+void WindowStore::handleMinimized(const AXWindowEvent& event, bool isMinimized)
+{
+    auto* window = tracked(event.windowID);
+    if (!window)
+        return;
+    bool hasChanged = window->isMinimized != isMinimized;
+    window->isMinimized = isMinimized;
+    if (isMinimized && m_focusedWindowID == event.windowID) {
+        m_focusedWindowID.reset();
+        hasChanged = true;
+    }
+    if (hasChanged)
+        notifyChange();
+}
+
+void WindowStore::handleFocusedWindowChanged(const AXWindowEvent& event)
+{
+    if (m_workspace.frontmostApplication() != event.pid) {
+        m_trace.line("focusedChanged ignored pid={}", raw(event.pid));
+        return;
+    }
+    if (event.windowID) {
+        m_trace.line(
+            "focusedChanged direct pid={} windowID={}", raw(event.pid), raw(*event.windowID));
+        setFocusedWindow(*event.windowID);
+        return;
+    }
+    auto& calls = m_scanner.calls();
+    auto reply = calls.copyAttribute(event.pid, calls.application(event.pid), ax::focusedWindow);
+    auto* element = reply.get<AXElement>();
+    if (element)
+        calls.setMessagingTimeout(*element);
+    auto id = element ? calls.windowID(event.pid, *element) : std::nullopt;
+    if (!id) {
+        m_trace.line("focusedChanged query failed pid={} err={}", raw(event.pid),
+            static_cast<int>(reply.error));
+        return;
+    }
+    m_trace.line("focusedChanged queried pid={} windowID={}", raw(event.pid), raw(*id));
+    setFocusedWindow(*id);
+}
+
+}
