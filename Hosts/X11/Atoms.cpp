@@ -1,0 +1,41 @@
+#include "Hosts/X11/Atoms.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+
+namespace quorvel::x11 {
+
+namespace {
+
+struct AtomName {
+    xcb_atom_t Atoms::*member;
+    const char* name;
+};
+
+#define QUORVEL_ATOM_NAME(member, name) {&Atoms::member, name},
+constexpr AtomName kAtomNames[] = {QUORVEL_ATOMS(QUORVEL_ATOM_NAME)};
+#undef QUORVEL_ATOM_NAME
+
+}
+
+Atoms Atoms::intern(xcb_connection_t* connection)
+{
+    xcb_intern_atom_cookie_t cookies[std::size(kAtomNames)];
+    for (std::size_t i = 0; i < std::size(kAtomNames); ++i) {
+        auto* name = kAtomNames[i].name;
+        cookies[i]
+            = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
+    }
+
+    Atoms atoms;
+    for (std::size_t i = 0; i < std::size(kAtomNames); ++i) {
+        auto* reply = xcb_intern_atom_reply(connection, cookies[i], nullptr);
+        if (reply)
+            atoms.*kAtomNames[i].member = reply->atom;
+        std::free(reply);
+    }
+    return atoms;
+}
+
+}

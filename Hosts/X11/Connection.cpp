@@ -1,0 +1,186 @@
+#include "Hosts/X11/Connection.h"
+
+#include <cstdlib>
+#include <new>
+#include <unordered_map>
+
+#include <fmt/format.h>
+#include <glib-unix.h>
+#include <glib.h>
+
+namespace quorvel::x11 {
+
+namespace {
+
+/// One turn hands out at most this many events, so that a flood cannot keep timers waiting.
+constexpr int kEventsPerTurn = 4096;
+
+xcb_screen_t* screenOf(xcb_connection_t* connection, int number)
+{
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; screens.rem > 0; --number, xcb_screen_next(&screens)) {
+        if (number == 0)
+            return screens.data;
+    }
+    return nullptr;
+}
+
+xcb_timestamp_t inputTime(const xcb_generic_event_t* event)
+{
+    switch (event->response_type & 0x7f) {
+    case XCB_KEY_PRESS:
+    case XCB_KEY_RELEASE:
+    case XCB_BUTTON_PRESS:
+    case XCB_BUTTON_RELEASE:
+    case XCB_MOTION_NOTIFY:
+        // The five share their layout up to the time.
+        return reinterpret_cast<const xcb_button_press_event_t*>(event)->time;
+    default:
+        return XCB_CURRENT_TIME;
+    }
+}
+
+}
+
+struct Connection::Masks {
+    std::unordered_map<xcb_window_t, std::uint32_t> byWindow;
+};
+
+/// The descriptor in GLib's loop. Reading a reply queues the events that came before it inside xcb,
+/// where no poll on the descriptor sees them: so the queue is looked at before and after each
+/// sleep, and what the look takes out is kept for the dispatch.
+struct Connection::Source {
+    struct Base : GSource {
+        Source* owner;
+    };
+
+    explicit Source(Connection& owner) : connection(owner)
+    {
+        static GSourceFuncs functions{
+            &Source::prepare, &Source::check, &Source::dispatch, nullptr, nullptr, nullptr};
+        base = reinterpret_cast<Base*>(g_source_new(&functions, sizeof(Base)));
+        base->owner = this;
+        g_source_set_static_name(base, "X11");
+        tag = g_source_add_unix_fd(base, xcb_get_file_descriptor(connection.m_connection),
+            static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR));
+        g_source_attach(base, nullptr);
+    }
+
+    ~Source()
+    {
+        g_source_destroy(base);
+        g_source_unref(base);
+        std::free(queued);
+    }
+
+    bool hasEvents()
+    {
+        if (!queued)
+            queued = xcb_poll_for_queued_event(connection.m_connection);
+        return queued || xcb_connection_has_error(connection.m_connection);
+    }
+
+    xcb_generic_event_t* next()
+    {
+        return queued ? std::exchange(queued, nullptr)
+                      : xcb_poll_for_event(connection.m_connection);
+    }
+
+    static gboolean prepare(GSource* source, gint* timeout)
+    {
+        auto* self = static_cast<Base*>(source)->owner;
+        *timeout = -1;
+        // Requests made from timers and other sources leave here at the latest. A flush may itself
+        // read, so it comes before the look at the queue.
+        xcb_flush(self->connection.m_connection);
+        return self->hasEvents();
+    }
+
+    static gboolean check(GSource* source)
+    {
+        auto* self = static_cast<Base*>(source)->owner;
+        return g_source_query_unix_fd(source, self->tag) != 0 || self->hasEvents();
+    }
+
+    static gboolean dispatch(GSource* source, GSourceFunc, gpointer)
+    {
+        auto& connection = static_cast<Base*>(source)->owner->connection;
+        connection.dispatchEvents();
+        if (!xcb_connection_has_error(connection.m_connection))
+            return G_SOURCE_CONTINUE;
+        connection.lost.emit();
+        return G_SOURCE_REMOVE;
+    }
+
+    Connection& connection;
+    Base* base = nullptr;
+    gpointer tag = nullptr;
+    xcb_generic_event_t* queued = nullptr;
+};
+
+std::unique_ptr<Connection> Connection::open(std::string& problem)
+{
+    const char* name = std::getenv("DISPLAY");
+    if (!name || !*name) {
+        problem = "no X display (DISPLAY is not set)";
+        return nullptr;
+    }
+
+    int screenNumber = 0;
+    auto* connection = xcb_connect(nullptr, &screenNumber);
+    if (xcb_connection_has_error(connection) || !screenOf(connection, screenNumber)) {
+        problem = fmt::format("cannot open the X display \"{}\"", name);
+        xcb_disconnect(connection);
+        return nullptr;
+    }
+    return std::unique_ptr<Connection>{new Connection{connection, screenNumber}};
+}
+
+Connection::Connection(xcb_connection_t* connection, int screenNumber)
+    : m_connection(connection)
+    , m_screenNumber(screenNumber)
+    , m_screen(screenOf(connection, screenNumber))
+    , m_atoms(Atoms::intern(connection))
+    , m_masks(std::make_unique<Masks>())
+    , m_source(std::make_unique<Source>(*this))
+{
+}
+
+Connection::~Connection()
+{
+    m_source.reset();
+    xcb_disconnect(m_connection);
+}
+
+void Connection::addEventMask(xcb_window_t window, std::uint32_t mask)
+{
+    auto& current = m_masks->byWindow[window];
+    if ((current & mask) == mask)
+        return;
+    current |= mask;
+    xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &current);
+}
+
+void Connection::forgetWindow(xcb_window_t window)
+{
+    m_masks->byWindow.erase(window);
+}
+
+void Connection::dispatchEvents()
+{
+    for (int i = 0; i < kEventsPerTurn; ++i) {
+        auto* next = m_source->next();
+        if (!next)
+            break;
+        std::unique_ptr<xcb_generic_event_t, decltype(&std::free)> owned{next, &std::free};
+        if (next->response_type == 0)
+            continue; // an error of a request that nobody waits for
+        if (auto time = inputTime(next))
+            m_lastInputTime = time;
+        event.emit(next);
+    }
+    turnEnded.emit();
+    xcb_flush(m_connection);
+}
+
+}

@@ -1,0 +1,130 @@
+#include "Hosts/X11/GLibDispatch.h"
+
+#include <algorithm>
+#include <thread>
+
+#include <glib.h>
+
+#include "Hosts/X11/ThreadQueue.h"
+#include "Hosts/X11/WorkSchedule.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+/// A source's time in microseconds, never before the instant.
+gint64 readyTime(std::optional<Instant> due)
+{
+    if (!due)
+        return -1;
+    if (*due == Instant::min())
+        return 0;
+    auto nanoseconds = due->time_since_epoch().count();
+    return std::max<gint64>(0, nanoseconds / 1000 + (nanoseconds % 1000 > 0));
+}
+
+class LoopThread final : public RunLoopThread {
+public:
+    LoopThread(std::string_view name, QualityOfService quality) : m_queue(name, quality)
+    {
+        m_queue.sync([] {});
+    }
+
+    void perform(Work work) override { m_queue.async(std::move(work)); }
+
+private:
+    ThreadQueue m_queue;
+};
+
+std::size_t backgroundThreads()
+{
+    return std::clamp<std::size_t>(std::thread::hardware_concurrency(), 2, 4);
+}
+
+}
+
+class GLibDispatch::MainQueue final : public Queue {
+public:
+    MainQueue()
+    {
+        static GSourceFuncs functions{
+            nullptr, nullptr, &MainQueue::dispatch, nullptr, nullptr, nullptr};
+        m_source = reinterpret_cast<Source*>(g_source_new(&functions, sizeof(Source)));
+        m_source->queue = this;
+        g_source_set_static_name(m_source, "main queue");
+        // Setting the ready time from another thread wakes the loop if it sleeps.
+        m_schedule = std::make_shared<WorkSchedule>(
+            [source = m_source](auto due) { g_source_set_ready_time(source, readyTime(due)); });
+        g_source_attach(m_source, nullptr);
+    }
+
+    ~MainQueue() override
+    {
+        m_schedule->stop();
+        g_source_destroy(m_source);
+        g_source_unref(m_source);
+    }
+
+    void async(Work work) override { m_schedule->post(std::move(work)); }
+    void sync(const Work& work) override { runAndWait(*this, work); }
+    WorkItem after(Duration delay, Work work) override
+    {
+        return m_schedule->at(WorkSchedule::now() + delay, std::move(work));
+    }
+    WorkItem every(Duration interval, Work work) override
+    {
+        return m_schedule->every(interval, std::move(work));
+    }
+
+private:
+    struct Source : GSource {
+        MainQueue* queue;
+    };
+
+    static gboolean dispatch(GSource* source, GSourceFunc, gpointer)
+    {
+        static_cast<Source*>(source)->queue->m_schedule->runTurn();
+        return G_SOURCE_CONTINUE;
+    }
+
+    Source* m_source;
+    std::shared_ptr<WorkSchedule> m_schedule;
+};
+
+GLibDispatch::GLibDispatch()
+    : m_main(std::make_unique<MainQueue>())
+    , m_background(std::make_unique<ThreadQueue>(
+          "background", QualityOfService::background, backgroundThreads()))
+{
+}
+
+GLibDispatch::~GLibDispatch() = default;
+
+Instant GLibDispatch::now() const
+{
+    return WorkSchedule::now();
+}
+
+Queue& GLibDispatch::main()
+{
+    return *m_main;
+}
+
+Queue& GLibDispatch::background()
+{
+    return *m_background;
+}
+
+std::unique_ptr<Queue> GLibDispatch::makeSerialQueue(
+    std::string_view label, QualityOfService quality)
+{
+    return std::make_unique<ThreadQueue>(label, quality);
+}
+
+std::unique_ptr<RunLoopThread> GLibDispatch::startThread(
+    std::string_view name, QualityOfService quality)
+{
+    return std::make_unique<LoopThread>(name, quality);
+}
+
+}
