@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+
+namespace quorvel {
+class Accessibility;
+class Dispatch;
+class Displays;
+class ScreenCapture;
+class WindowServer;
+class Workspace;
+}
+
+namespace quorvel::x11 {
+
+class Connection;
+class DesktopEntries;
+class Icons;
+class Monitors;
+struct PanelEnvironment;
+
+/// The services answered from the mirror of the desktop. The constructor waits for the first look at
+/// the desktop, so that everything that is there is known when it returns. Main thread.
+class DesktopServices {
+public:
+    DesktopServices(
+        Connection&, Dispatch&, Monitors&, PanelEnvironment&, DesktopEntries&, Icons&);
+    ~DesktopServices();
+    DesktopServices(const DesktopServices&) = delete;
+    DesktopServices& operator=(const DesktopServices&) = delete;
+
+    Accessibility& accessibility();
+    WindowServer& windowServer();
+    Displays& displays();
+    Workspace& workspace();
+    ScreenCapture& screenCapture();
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> m_parts;
+};
+
+}
