@@ -1,0 +1,300 @@
+#include "Hosts/X11/GLibDispatch.h"
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <thread>
+#include <vector>
+
+#include <glib.h>
+#include <gtest/gtest.h>
+
+namespace quorvel::x11 {
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+/// The real loop, run until a condition holds or the deadline has passed.
+class HostDispatch : public testing::Test {
+protected:
+    bool runUntil(const std::function<bool()>& isDone, Clock::duration limit = 20s)
+    {
+        auto end = Clock::now() + limit;
+        auto guard = g_timeout_add(
+            10, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+        while (!isDone() && Clock::now() < end)
+            g_main_context_iteration(nullptr, true);
+        g_source_remove(guard);
+        return isDone();
+    }
+
+    /// Everything that is ready, without waiting.
+    void drain()
+    {
+        while (g_main_context_iteration(nullptr, false)) { }
+    }
+
+    GLibDispatch dispatch;
+};
+
+/// How often the loop wakes within a while: the end of the while is one.
+int wakeUps(std::chrono::milliseconds length)
+{
+    bool hasEnded = false;
+    g_timeout_add(
+        static_cast<guint>(length.count()),
+        [](gpointer ended) -> gboolean {
+            *static_cast<bool*>(ended) = true;
+            return G_SOURCE_REMOVE;
+        },
+        &hasEnded);
+    int count = 0;
+    for (; !hasEnded; ++count)
+        g_main_context_iteration(nullptr, true);
+    return count;
+}
+
+}
+
+TEST_F(HostDispatch, mainQueueKeepsTheOrderAndLetsOtherSourcesInBetween)
+{
+    std::vector<int> order;
+    dispatch.main().async([&] {
+        order.push_back(1);
+        dispatch.main().async([&] { order.push_back(3); });
+    });
+    dispatch.main().async([&] { order.push_back(2); });
+
+    g_main_context_iteration(nullptr, false);
+    EXPECT_EQ(order, (std::vector{1, 2})); // work posted meanwhile waits for the next turn
+    drain();
+    EXPECT_EQ(order, (std::vector{1, 2, 3}));
+}
+
+TEST_F(HostDispatch, timersRunInDueOrderAndNeverEarly)
+{
+    std::vector<int> order;
+    auto start = dispatch.now();
+    Instant firstRun;
+    auto late = dispatch.main().after(12ms, [&] { order.push_back(2); });
+    auto early = dispatch.main().after(Duration{4'000'001}, [&] {
+        firstRun = dispatch.now();
+        order.push_back(1);
+    });
+    EXPECT_TRUE(late.isPending());
+
+    ASSERT_TRUE(runUntil([&] { return order.size() == 2; }));
+    EXPECT_EQ(order, (std::vector{1, 2}));
+    EXPECT_GE(firstRun - start, Duration{4'000'001});
+    EXPECT_FALSE(late.isPending());
+}
+
+TEST_F(HostDispatch, cancelledWorkNeverRunsOnItsOwnThread)
+{
+    int runs = 0;
+    auto token = std::make_shared<int>();
+    WorkItem second;
+    auto first = dispatch.main().after(0ms, [&] { second.cancel(); }); // both ready in one turn
+    second = dispatch.main().after(0ms, [&runs, token] { ++runs; });
+    WorkItem replaced = dispatch.main().after(0ms, [&] { ++runs; });
+    replaced = dispatch.main().after(0ms, [] {});
+    EXPECT_EQ(token.use_count(), 2);
+
+    drain();
+    EXPECT_EQ(runs, 0);
+    EXPECT_EQ(token.use_count(), 1); // what it captured has gone with it
+
+    WorkItem repeating;
+    repeating = dispatch.main().every(1ms, [&] {
+        EXPECT_TRUE(repeating.isPending());
+        if (++runs == 3)
+            repeating.cancel();
+    });
+    ASSERT_TRUE(runUntil([&] { return runs == 3; }));
+    EXPECT_FALSE(repeating.isPending());
+    wakeUps(5ms);
+    EXPECT_EQ(runs, 3);
+}
+
+TEST_F(HostDispatch, anIdleLoopSleepsAndCancelledTimersWakeNobody)
+{
+    auto long1 = dispatch.main().after(1h, [] {});
+    for (int i = 0; i < 100; ++i)
+        long1 = dispatch.main().after(20ms, [] {});
+    long1.cancel();
+    drain();
+
+    EXPECT_LE(wakeUps(60ms), 2);
+}
+
+TEST_F(HostDispatch, repetitionLeavesOutRunsThatFellBehind)
+{
+    std::vector<Instant> runs;
+    auto item = dispatch.main().every(10ms, [&] {
+        runs.push_back(dispatch.now());
+        if (runs.size() == 1)
+            std::this_thread::sleep_for(35ms);
+    });
+
+    ASSERT_TRUE(runUntil([&] { return runs.size() >= 3; }));
+    EXPECT_GE(runs[1] - runs[0], Duration{39ms}); // the runs at 10, 20 and 30 ms are left out
+    EXPECT_GE(runs[2] - runs[1], Duration{1ms}); // and are not made up for at once
+}
+
+TEST_F(HostDispatch, postsFromManyThreadsAllArriveInEachThreadsOrder)
+{
+    constexpr int kThreads = 4;
+    constexpr int kPosts = 5000;
+    std::vector<int> last(kThreads, -1);
+    int arrived = 0;
+    bool isOrdered = true;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < kPosts; ++i) {
+                dispatch.main().async([&, t, i] {
+                    isOrdered = isOrdered && last[t] == i - 1;
+                    last[t] = i;
+                    ++arrived;
+                });
+                auto dropped = dispatch.main().after(1ms, [&] { isOrdered = isOrdered && true; });
+                if (i % 3 == 0)
+                    dispatch.main().after(0ms, [] {}).cancel();
+            }
+        });
+    }
+
+    EXPECT_TRUE(runUntil([&] { return arrived == kThreads * kPosts; }));
+    EXPECT_TRUE(isOrdered);
+    for (auto& thread : threads)
+        thread.join();
+}
+
+TEST_F(HostDispatch, aSleepingLoopWakesForWorkOfAnotherThread)
+{
+    for (int i = 0; i < 50; ++i) {
+        bool hasRun = false;
+        auto guard = g_timeout_add_seconds(
+            20,
+            [](gpointer) -> gboolean {
+                ADD_FAILURE() << "the loop slept on";
+                return true;
+            },
+            nullptr);
+        std::thread poster{[&] { dispatch.main().async([&] { hasRun = true; }); }};
+        while (!hasRun)
+            g_main_context_iteration(nullptr, true);
+        poster.join();
+        g_source_remove(guard);
+    }
+}
+
+TEST_F(HostDispatch, serialQueueIsOneThreadInOrderAndSyncWaits)
+{
+    auto queue = dispatch.makeSerialQueue("a rather long label", QualityOfService::utility);
+    std::vector<int> order; // no lock: the queue alone touches it until sync has come back
+    std::thread::id worker;
+    for (int i = 0; i < 1000; ++i)
+        queue->async([&order, i] { order.push_back(i); });
+    queue->sync([&] { worker = std::this_thread::get_id(); });
+
+    EXPECT_NE(worker, std::this_thread::get_id());
+    ASSERT_EQ(order.size(), 1000u);
+    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+
+    std::atomic<int> ticks = 0;
+    auto item = queue->every(1ms, [&] { ++ticks; });
+    while (ticks < 3)
+        std::this_thread::yield();
+    queue->sync([&] { item.cancel(); }); // on the queue's own thread: final
+    int after = ticks;
+    std::atomic<bool> laterRan = false;
+    auto later = queue->after(3ms, [&] { laterRan = true; });
+    while (!laterRan)
+        std::this_thread::yield();
+    EXPECT_EQ(ticks, after);
+}
+
+TEST_F(HostDispatch, aDyingQueueWaitsForItsWorkDropsTheRestAndFreesWaiters)
+{
+    std::atomic<bool> isInside = false;
+    std::atomic<bool> mayLeave = false;
+    std::atomic<bool> hasLeft = false;
+    std::atomic<bool> restRan = false;
+    auto queue = dispatch.makeSerialQueue("dying", QualityOfService::userInitiated);
+    queue->async([&] {
+        isInside = true;
+        while (!mayLeave)
+            std::this_thread::yield();
+        hasLeft = true;
+    });
+    auto pending = queue->after(0ms, [&] { restRan = true; });
+    while (!isInside)
+        std::this_thread::yield();
+    std::thread waiter{[&, &queue_ = *queue] { queue_.sync([&] { restRan = true; }); }};
+    std::thread opener{[&] {
+        std::this_thread::sleep_for(5ms);
+        mayLeave = true;
+    }};
+    std::this_thread::sleep_for(2ms); // lets the waiter stand in the line; either way it must end
+
+    queue.reset();
+    EXPECT_TRUE(hasLeft);
+    waiter.join();
+    opener.join();
+    EXPECT_FALSE(restRan);
+    EXPECT_FALSE(pending.isPending());
+    pending.cancel(); // a handle outlives its queue
+}
+
+TEST_F(HostDispatch, backgroundWorkRunsSideBySide)
+{
+    std::atomic<int> met = 0;
+    std::atomic<int> done = 0;
+    for (int i = 0; i < 2; ++i) {
+        dispatch.background().async([&] {
+            for (++met; met < 2;) // each waits for the other: one thread alone would never end
+                std::this_thread::yield();
+            ++done;
+        });
+    }
+    EXPECT_TRUE(runUntil([&] { return done == 2; }));
+
+    std::atomic<int> count = 0;
+    for (int i = 0; i < 2000; ++i)
+        dispatch.background().async([&] { ++count; });
+    EXPECT_TRUE(runUntil([&] { return count == 2000; }));
+}
+
+TEST_F(HostDispatch, runLoopThreadIsReadyAndRunsInOrder)
+{
+    std::vector<int> order;
+    std::atomic<int> done = 0;
+    auto thread = dispatch.startThread("observer", QualityOfService::userInteractive);
+    for (int i = 0; i < 100; ++i)
+        thread->perform([&, i] { order.push_back(i), ++done; });
+    EXPECT_TRUE(runUntil([&] { return done == 100; }));
+    thread.reset();
+    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+}
+
+TEST_F(HostDispatch, cancelRacesWithRunningWorkFromAnotherThread)
+{
+    auto queue = dispatch.makeSerialQueue("races", QualityOfService::utility);
+    std::atomic<int> runs = 0;
+    for (int i = 0; i < 3000; ++i) {
+        auto item = queue->after(Duration{i % 7 * 1000}, [&] { ++runs; });
+        if (i % 2)
+            item.cancel();
+        else
+            item = queue->every(1us, [&] { ++runs; });
+    }
+    queue->sync([] {});
+    int settled = runs;
+    queue->sync([] {});
+    EXPECT_EQ(runs, settled); // all were cancelled, so nothing goes on
+}
+
+}
