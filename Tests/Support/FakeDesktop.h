@@ -1,0 +1,152 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+
+#include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Platform/Trace.h"
+#include "Tests/Support/DesktopModel.h"
+#include "Tests/Support/FakeAccessibility.h"
+#include "Tests/Support/FakeDisplays.h"
+#include "Tests/Support/FakeProgram.h"
+#include "Tests/Support/FakeSurfaces.h"
+#include "Tests/Support/FakeWindowServer.h"
+#include "Tests/Support/FakeWorkspace.h"
+#include "Tests/Support/VirtualDispatch.h"
+
+namespace quorvel::test {
+
+struct LaunchOptions {
+    std::string name = "App";
+    std::optional<std::string> bundleIdentifier = "com.example.app";
+    ActivationPolicy policy = ActivationPolicy::regular;
+    Duration startsAnsweringAfter{}; ///< until then its accessibility messages fail
+};
+
+struct OpenOptions {
+    std::string title = "Window";
+    Rect frame{100, 100, 800, 600}; ///< global top-left origin
+    std::set<SpaceID> spaces{}; ///< empty: the current space of the first display
+    std::int32_t layer = 0;
+    float alpha = 1;
+    std::optional<std::string> role{ax::windowRole};
+    std::optional<std::string> subrole{ax::standardWindowSubrole};
+    bool isModal = false;
+    bool isMinimized = false;
+    Duration accessibilityDelay{}; ///< until AXWindows has it and its creation is announced
+    Duration serverDelay{}; ///< until the window list and the space lists have it
+    bool takesFocus = true; ///< within its application
+};
+
+/// A whole desktop in memory, for tests: displays with spaces, applications with windows, and every
+/// service of the platform answering from that one truth. Real objects of the program run on
+/// `platform()`; nothing of the program is mocked.
+///
+/// A test does what a user or an application does (`launch`, `open`, `minimise`, `activateSpace`)
+/// and lets time pass with `advance`. The desktop changes at once; what a real system announces
+/// (workspace signals, accessibility notifications) is posted to the queue or thread it comes on
+/// and arrives with the next `advance` or `drain`. What the program asks of the desktop (raising a
+/// window, moving it to a space) happens to the same truth and is announced the same way.
+///
+/// The services can lie, each in the ways of the real one, through `application(pid).faults`,
+/// `window(id).faults`, `window(id).distortEntry`, the delays of `LaunchOptions` and `OpenOptions`,
+/// and the knobs of each service. What the program did is kept by the service that was asked:
+/// `accessibility().messages()`, `windowServer().moves()`, `surfaces().panels()`, and so on.
+/// Calls on the wrong thread and unbalanced painting fail the test.
+///
+///     FakeDesktop desktop;                        // first, so that it dies last
+///     auto mail = desktop.launch({.name = "Mail"});
+///     auto inbox = desktop.open(mail, {.title = "Inbox"});
+///     WindowStore store{desktop.platform() ...};
+///     desktop.application(mail).faults.isHung = true;
+///     desktop.advance(seconds(3));
+///
+/// It starts with one display of 1440 x 900 points and the spaces 1, 2 and 3, of which 1 is shown.
+class FakeDesktop {
+public:
+    FakeDesktop();
+    FakeDesktop(const FakeDesktop&) = delete;
+    FakeDesktop& operator=(const FakeDesktop&) = delete;
+
+    Platform platform();
+    VirtualDispatch& dispatch() { return m_dispatch; }
+    void advance(Duration duration) { m_dispatch.advance(duration); }
+    void drain() { m_dispatch.drain(); }
+
+    FakeAccessibility& accessibility() { return m_accessibility; }
+    FakeWindowServer& windowServer() { return m_windowServer; }
+    FakeDisplays& displays() { return m_displays; }
+    FakeWorkspace& workspace() { return m_workspace; }
+    FakeScreenCapture& screenCapture() { return m_screenCapture; }
+    FakeProgram& program() { return m_program; }
+    FakeSurfaces& surfaces() { return m_surfaces; }
+    FakeControlChannel& control() { return m_control; }
+    Trace& trace() { return m_trace; }
+
+    // What is there. The references live as long as what they name.
+    DesktopModel& model() { return m_model; }
+    FakeApplication& application(ProcessID);
+    FakeWindow& window(WindowID);
+
+    // Applications come and go.
+    ProcessID launch(const LaunchOptions& = {});
+    /// Its windows close in good order first.
+    void terminate(ProcessID);
+    /// It is gone, and nobody told the observers.
+    void crash(ProcessID);
+    /// It comes to the front, as by a click.
+    void activate(ProcessID);
+
+    // Windows.
+    WindowID open(ProcessID, const OpenOptions& = {});
+    void close(WindowID);
+    void retitle(WindowID, const std::string&);
+    void place(WindowID, const Rect&);
+    void move(WindowID, Point);
+    void resize(WindowID, Size);
+    void minimise(WindowID);
+    void restore(WindowID);
+    /// Raises it and makes it its application's focused window.
+    void focus(WindowID);
+    void moveToSpace(WindowID, SpaceID);
+
+    // Spaces, displays, sleep.
+    void activateSpace(SpaceID);
+    void setDisplays(std::vector<FakeDisplay>);
+    void setSeparateSpaces(bool value) { m_model.displaysHaveSeparateSpaces = value; }
+    void wake();
+    /// Whether the window server hints at changes of spaces, as X11 does and the Mac does not.
+    void setGivesSpaceHints(bool value) { m_givesSpaceHints = value; }
+    bool givesSpaceHints() const { return m_givesSpaceHints; }
+
+    /// Runs on the main queue with the next `drain`.
+    void post(Work work) { m_dispatch.main().async(std::move(work)); }
+
+private:
+    void end(ProcessID);
+    void forget(WindowID);
+    void announce(WindowID, std::string_view notification);
+    void announceFocus(ProcessID);
+    void appear(WindowID);
+    void focusNext(ProcessID);
+
+    VirtualDispatch m_dispatch;
+    DesktopModel m_model;
+    FakeAccessibility m_accessibility{*this};
+    FakeWindowServer m_windowServer{*this};
+    FakeDisplays m_displays{*this};
+    FakeWorkspace m_workspace{*this};
+    FakeScreenCapture m_screenCapture;
+    FakeProgram m_program{m_dispatch};
+    FakeSurfaces m_surfaces{*this};
+    FakeText m_text;
+    FakeControlChannel m_control;
+    Trace m_trace;
+    std::int32_t m_nextPID = 501;
+    std::uint32_t m_nextWindow = 1001;
+    bool m_givesSpaceHints = false;
+    std::vector<WorkItem> m_arrivals; // last: they name the desktop
+};
+
+}

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Canvas.h"
+#include "Quorvel/Platform/ControlChannel.h"
+#include "Quorvel/Platform/ScreenCapture.h"
+
+namespace quorvel::test {
+
+class VirtualDispatch;
+
+/// The program itself. `run` lets the test have its say, then ends.
+class FakeProgram final : public Application {
+public:
+    static constexpr ProcessID kPID{42};
+
+    explicit FakeProgram(VirtualDispatch& dispatch) : m_dispatch(dispatch) { }
+
+    void setActivationPolicy(ActivationPolicy policy) override { m_policies.push_back(policy); }
+    ProcessID processID() const override { return kPID; }
+    int run() override;
+    void terminate() override;
+    const Published<Appearance>& appearance() const override { return m_appearance; }
+
+    /// What happens while the event loop runs.
+    void whenRunning(std::function<void()> script) { m_script = std::move(script); }
+    void setAppearance(Appearance appearance) { m_appearance.set(appearance); }
+
+    const std::vector<ActivationPolicy>& policies() const { return m_policies; }
+    bool didRun() const { return m_didRun; }
+    bool isTerminated() const { return m_isTerminated; }
+
+private:
+    VirtualDispatch& m_dispatch;
+    Published<Appearance> m_appearance;
+    std::function<void()> m_script;
+    std::vector<ActivationPolicy> m_policies;
+    bool m_didRun = false;
+    bool m_isTerminated = false;
+};
+
+class FakeScreenCapture final : public ScreenCapture {
+public:
+    bool preflightAccess() const override { return m_isAllowed; }
+    bool requestAccess() override
+    {
+        ++m_requests;
+        return m_isAllowed;
+    }
+
+    void setAllowed(bool value) { m_isAllowed = value; }
+    int requests() const { return m_requests; }
+
+private:
+    bool m_isAllowed = true;
+    int m_requests = 0;
+};
+
+class FakeControlChannel final : public ControlChannel {
+public:
+    void setHandler(Handler handler) override { m_handler = std::move(handler); }
+
+    /// A later invocation of the program; absent if nobody listens.
+    std::optional<ControlReply> send(const std::vector<std::string>& arguments) const
+    {
+        return m_handler ? std::optional{m_handler(arguments)} : std::nullopt;
+    }
+
+private:
+    Handler m_handler;
+};
+
+/// Every character is as wide as half its font size, combining marks and emoji parts included.
+class FakeText final : public Text {
+public:
+    Size measure(std::string_view utf8, const TextStyle&) const override;
+};
+
+}

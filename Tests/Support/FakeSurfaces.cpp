@@ -1,0 +1,204 @@
+#include "Tests/Support/FakeSurfaces.h"
+
+#include <algorithm>
+
+#include "Tests/Support/Contract.h"
+#include "Tests/Support/FakeDesktop.h"
+
+namespace quorvel::test {
+
+FakePanel::FakePanel(
+    FakeDesktop& desktop, FakeSurfaces& surfaces, PanelOptions options, SurfaceClient& client)
+    : m_desktop(desktop)
+    , m_surfaces(surfaces)
+    , m_options(std::move(options))
+    , m_client(client)
+{
+    m_surfaces.m_panels.push_back(this);
+}
+
+FakePanel::~FakePanel()
+{
+    std::erase(m_surfaces.m_panels, this);
+    if (m_surfaces.m_menu && m_surfaces.m_menu->panel == this)
+        m_surfaces.m_menu.reset();
+}
+
+void FakePanel::setFrame(const Rect& frame)
+{
+    m_frames.push_back(frame);
+    bool isResized = m_frame.size() != frame.size();
+    m_frame = frame;
+    if (!isResized)
+        return;
+    m_client.surfaceDidResize(frame.size());
+    m_damage.clear();
+    invalidate(bounds());
+}
+
+void FakePanel::orderFront()
+{
+    if (!std::exchange(m_isOrderedIn, true))
+        invalidate(bounds());
+}
+
+void FakePanel::orderOut()
+{
+    m_isOrderedIn = false;
+    leave();
+}
+
+bool FakePanel::isVisible() const
+{
+    return m_isOrderedIn && m_desktop.model().isCurrent(m_options.space);
+}
+
+double FakePanel::scale() const
+{
+    auto* display = m_desktop.model().display(m_options.display);
+    return display ? display->scale : 1;
+}
+
+// Parts that touch are painted in one go, parts that lie apart are not.
+void FakePanel::invalidate(const Rect& rect)
+{
+    auto part = rect.intersected(bounds());
+    if (part.isEmpty())
+        return;
+    for (auto at = m_damage.begin(); at != m_damage.end();) {
+        if (at->intersects(part)) {
+            part = part.united(*at);
+            m_damage.erase(at);
+            at = m_damage.begin();
+        } else {
+            ++at;
+        }
+    }
+    m_damage.push_back(part);
+    if (!m_nextFrame.isPending())
+        m_nextFrame
+            = m_desktop.dispatch().world().after(Duration::zero(), [this] { paintDamage(); });
+}
+
+void FakePanel::paintDamage()
+{
+    if (!m_isOrderedIn)
+        return;
+    for (auto& damage : std::exchange(m_damage, {})) {
+        RecordingCanvas canvas{damage, scale()};
+        m_client.paint(canvas, damage);
+        if (!canvas.isBalanced())
+            contractBroken("paint left the canvas with an open save or opacity group");
+        m_paints.push_back({damage, std::move(canvas)});
+    }
+}
+
+bool FakePanel::setBlursBehind(bool value)
+{
+    m_blursBehind = value && m_surfaces.hasBlur();
+    return m_surfaces.hasBlur();
+}
+
+RecordingCanvas FakePanel::render() const
+{
+    RecordingCanvas canvas{bounds(), scale()};
+    m_client.paint(canvas, bounds());
+    return canvas;
+}
+
+void FakePanel::send(PointerAction action, Point at, PointerButton button)
+{
+    m_client.pointerEvent({action, at, button});
+}
+
+void FakePanel::movePointer(Point at)
+{
+    m_desktop.model().pointer
+        = {m_frame.x + at.x, m_desktop.model().flipHeight() - m_frame.maxY() + at.y};
+    send(std::exchange(m_hasPointer, true) ? PointerAction::moved : PointerAction::entered, at);
+}
+
+void FakePanel::leave()
+{
+    if (std::exchange(m_hasPointer, false))
+        send(PointerAction::exited, {-1, -1});
+}
+
+void FakePanel::press(Point at, PointerButton button)
+{
+    movePointer(at);
+    send(PointerAction::pressed, at, button);
+}
+
+void FakePanel::release(Point at, PointerButton button)
+{
+    send(PointerAction::released, at, button);
+}
+
+void FakePanel::cancelPress(Point at, PointerButton button)
+{
+    send(PointerAction::cancelled, at, button);
+}
+
+void FakePanel::click(Point at, PointerButton button)
+{
+    press(at, button);
+    release(at, button);
+}
+
+void FakePanel::scroll(Point at, double deltaY, bool isDirectionInverted)
+{
+    m_client.scrollEvent(
+        {.location = at, .deltaY = deltaY, .isDirectionInverted = isDirectionInverted});
+}
+
+std::unique_ptr<PanelSurface> FakeSurfaces::createPanel(
+    const PanelOptions& options, SurfaceClient& client)
+{
+    if (!m_desktop.dispatch().isOnMain())
+        contractBroken("a panel was made away from the main thread");
+    ++m_panelsMade;
+    return std::make_unique<FakePanel>(m_desktop, *this, options, client);
+}
+
+void FakeSurfaces::popUpMenu(PanelSurface& panel, Menu menu, const Rect& anchor)
+{
+    m_menu = OpenMenu{std::move(menu), anchor, &panel};
+}
+
+std::vector<FakePanel*> FakeSurfaces::visiblePanels() const
+{
+    std::vector<FakePanel*> visible;
+    std::ranges::copy_if(m_panels, std::back_inserter(visible), &FakePanel::isVisible);
+    return visible;
+}
+
+FakePanel* FakeSurfaces::panel(SpaceID space) const
+{
+    auto found = std::ranges::find(
+        m_panels, space, [](const FakePanel* panel) { return panel->options().space; });
+    return found == m_panels.end() ? nullptr : *found;
+}
+
+std::vector<std::string> FakeSurfaces::menuTitles() const
+{
+    std::vector<std::string> titles;
+    for (auto& item : m_menu ? m_menu->menu : Menu{})
+        titles.push_back(item.title);
+    return titles;
+}
+
+bool FakeSurfaces::chooseMenuItem(std::string_view title)
+{
+    if (!m_menu)
+        return false;
+    auto found = std::ranges::find(m_menu->menu, title, &MenuItem::title);
+    if (found == m_menu->menu.end() || !found->isEnabled)
+        return false;
+    auto action = found->action;
+    m_menu.reset();
+    m_desktop.post(std::move(action));
+    return true;
+}
+
+}

@@ -1,0 +1,117 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Surfaces.h"
+#include "Tests/Support/RecordingCanvas.h"
+
+namespace quorvel::test {
+
+class FakeDesktop;
+class FakeSurfaces;
+
+/// One call of paint: what was asked for, and what came.
+struct Paint {
+    Rect damage;
+    RecordingCanvas canvas;
+};
+
+/// A panel that a test can look at, point at and scroll on. All places are points from its top
+/// left.
+class FakePanel final : public PanelSurface {
+public:
+    FakePanel(FakeDesktop&, FakeSurfaces&, PanelOptions, SurfaceClient&);
+    ~FakePanel() override;
+
+    void setFrame(const Rect&) override;
+    Rect frame() const override { return m_frame; }
+    void orderFront() override;
+    void orderOut() override;
+    bool isVisible() const override;
+    double scale() const override;
+    void invalidate(const Rect&) override;
+    bool setBlursBehind(bool) override;
+
+    const PanelOptions& options() const { return m_options; }
+    bool isOrderedIn() const { return m_isOrderedIn; }
+    bool blursBehind() const { return m_blursBehind; }
+    Rect bounds() const { return Rect::from({}, m_frame.size()); }
+
+    /// The whole panel, drawn now for the test only.
+    RecordingCanvas render() const;
+    /// What the program painted of its own accord.
+    const std::vector<Paint>& paints() const { return m_paints; }
+    void forgetPaints() { m_paints.clear(); }
+    /// The frames it was given, in order.
+    const std::vector<Rect>& frames() const { return m_frames; }
+
+    /// Moves the pointer; coming from outside, it enters first.
+    void movePointer(Point);
+    void leave();
+    void press(Point, PointerButton = PointerButton::primary);
+    void release(Point, PointerButton = PointerButton::primary);
+    void cancelPress(Point, PointerButton = PointerButton::primary);
+    void click(Point, PointerButton = PointerButton::primary);
+    void scroll(Point, double deltaY, bool isDirectionInverted = false);
+
+private:
+    void send(PointerAction, Point, PointerButton = PointerButton::none);
+    void paintDamage();
+
+    FakeDesktop& m_desktop;
+    FakeSurfaces& m_surfaces;
+    PanelOptions m_options;
+    SurfaceClient& m_client;
+    Rect m_frame;
+    bool m_isOrderedIn = false;
+    bool m_blursBehind = false;
+    bool m_hasPointer = false;
+    std::vector<Rect> m_damage; // disjoint, painted at the next frame
+    std::vector<Rect> m_frames;
+    std::vector<Paint> m_paints;
+    WorkItem m_nextFrame;
+};
+
+/// The panels and the menu that are on the screen.
+class FakeSurfaces final : public Surfaces {
+public:
+    explicit FakeSurfaces(FakeDesktop& desktop) : m_desktop(desktop) { }
+
+    std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
+    void popUpMenu(PanelSurface&, Menu, const Rect& anchor) override;
+
+    /// In the order made.
+    const std::vector<FakePanel*>& panels() const { return m_panels; }
+    std::vector<FakePanel*> visiblePanels() const;
+    /// Null if there is none for that space.
+    FakePanel* panel(SpaceID) const;
+    int panelsMade() const { return m_panelsMade; }
+
+    struct OpenMenu {
+        Menu menu;
+        Rect anchor;
+        const PanelSurface* panel = nullptr;
+    };
+    const std::optional<OpenMenu>& menu() const { return m_menu; }
+    std::vector<std::string> menuTitles() const;
+    /// False if no open menu has such an enabled entry.
+    bool chooseMenuItem(std::string_view title);
+    void dismissMenu() { m_menu.reset(); }
+
+    void setBlurAvailable(bool value) { m_hasBlur = value; }
+    bool hasBlur() const { return m_hasBlur; }
+
+private:
+    friend class FakePanel;
+
+    FakeDesktop& m_desktop;
+    std::vector<FakePanel*> m_panels;
+    int m_panelsMade = 0;
+    std::optional<OpenMenu> m_menu;
+    bool m_hasBlur = true;
+};
+
+}

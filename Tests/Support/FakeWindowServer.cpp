@@ -1,0 +1,189 @@
+#include "Tests/Support/FakeWindowServer.h"
+
+#include <algorithm>
+
+#include "Tests/Support/FakeDesktop.h"
+
+namespace quorvel::test {
+
+namespace {
+
+ManagedSpace managed(const FakeSpace& space)
+{
+    return {.id64 = raw(space.id), .managedSpaceID = raw(space.id), .type = space.type};
+}
+
+ManagedDisplay managed(const FakeDisplay& display)
+{
+    ManagedDisplay managedDisplay{
+        .identifier = display.identifier, .spaces = {}, .currentSpace = std::nullopt};
+    for (auto& space : display.spaces) {
+        managedDisplay.spaces.push_back(managed(space));
+        if (space.id == display.current)
+            managedDisplay.currentSpace = managed(space);
+    }
+    return managedDisplay;
+}
+
+}
+
+CGWindowInfo FakeWindowServer::entry(const FakeWindow& window) const
+{
+    CGWindowInfo info{.windowNumber = window.id,
+        .ownerPID = window.pid,
+        .layer = window.layer,
+        .bounds = window.frame,
+        .alpha = window.alpha,
+        .ownerName = {},
+        .windowName = window.title};
+    if (auto* application = m_desktop.model().application(window.pid))
+        info.ownerName = application->info.localizedName;
+    if (window.distortEntry)
+        window.distortEntry(info);
+    return info;
+}
+
+void FakeWindowServer::enumerateWindows(
+    std::uint32_t, const std::function<void(const CGWindowInfo&)>& visitor) const
+{
+    ++m_listings;
+    auto now = m_desktop.dispatch().now();
+    for (auto& stray : m_strayEntries)
+        visitor(stray);
+    for (auto id : m_desktop.model().stacking) {
+        auto& window = m_desktop.window(id);
+        if (window.inServerFrom <= now)
+            visitor(entry(window));
+    }
+    for (auto& ghost : m_desktop.model().ghosts) {
+        if (ghost.until > now)
+            visitor(entry(ghost.window));
+    }
+}
+
+std::optional<std::uint32_t> FakeWindowServer::nativeWindowNumber(WindowID id) const
+{
+    auto* window = m_desktop.model().window(id);
+    return window ? window->nativeNumber : std::nullopt;
+}
+
+std::optional<std::vector<ManagedDisplay>> FakeWindowServer::managedDisplaySpaces(
+    ConnectionID) const
+{
+    if (m_failsSpaceLists)
+        return std::nullopt;
+    std::vector<ManagedDisplay> displays;
+    for (auto& display : m_desktop.model().displays)
+        displays.push_back(managed(display));
+    // Without separate spaces there is one list, and it names no display.
+    if (!displays.empty() && !m_desktop.model().displaysHaveSeparateSpaces) {
+        displays.resize(1);
+        displays.front().identifier = std::string{"Main"};
+    }
+    if (m_distortion)
+        m_distortion(displays);
+    return displays;
+}
+
+std::vector<WindowID> FakeWindowServer::windowsOfSpaces(
+    ConnectionID, const std::vector<SpaceID>& spaces, std::uint32_t options) const
+{
+    std::vector<WindowID> found;
+    if (m_failsWindowsOfSpaces)
+        return found;
+    bool leavesOutOrderedOut = options & kSpaceWindowOptions;
+    for (auto id : m_desktop.model().stacking) {
+        auto& window = m_desktop.window(id);
+        if (!window.isInSpaceLists || window.inServerFrom > m_desktop.dispatch().now()
+            || (leavesOutOrderedOut && window.isMinimized))
+            continue;
+        if (std::ranges::any_of(
+                spaces, [&](SpaceID space) { return window.spaces.contains(space); }))
+            found.push_back(id);
+    }
+    return found;
+}
+
+std::optional<std::vector<SpaceID>> FakeWindowServer::spacesOfWindows(
+    ConnectionID, std::uint32_t, const std::vector<WindowID>& windows) const
+{
+    if (m_failsSpacesOfWindows)
+        return std::nullopt;
+    std::set<SpaceID> spaces;
+    for (auto id : windows) {
+        if (auto* window = m_desktop.model().window(id))
+            spaces.insert(window->spaces.begin(), window->spaces.end());
+    }
+    return std::vector(spaces.begin(), spaces.end());
+}
+
+SpaceID FakeWindowServer::activeSpace(ConnectionID) const
+{
+    auto& displays = m_desktop.model().displays;
+    return displays.empty() ? SpaceID{} : displays.front().current;
+}
+
+std::optional<std::string> FakeWindowServer::spaceName(SpaceID id) const
+{
+    auto* display = m_desktop.model().displayOfSpace(id);
+    if (!display)
+        return std::nullopt;
+    return std::ranges::find(display->spaces, id, &FakeSpace::id)->name;
+}
+
+bool FakeWindowServer::displaysHaveSeparateSpaces() const
+{
+    return m_desktop.model().displaysHaveSeparateSpaces;
+}
+
+void FakeWindowServer::addWindowsToSpaces(
+    ConnectionID, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+{
+    for (auto id : windows) {
+        for (auto space : spaces) {
+            m_moves.push_back({SpaceChange::add, id, space});
+            if (auto* window = m_desktop.model().window(id))
+                window->spaces.insert(space);
+        }
+    }
+    announceMoves();
+}
+
+void FakeWindowServer::removeWindowsFromSpaces(
+    ConnectionID, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+{
+    for (auto id : windows) {
+        for (auto space : spaces) {
+            m_moves.push_back({SpaceChange::remove, id, space});
+            if (auto* window = m_desktop.model().window(id))
+                window->spaces.erase(space);
+        }
+    }
+    announceMoves();
+}
+
+void FakeWindowServer::announceMoves() const
+{
+    if (m_desktop.givesSpaceHints())
+        m_desktop.post([this] { spacesOfWindowsDidChange.emit(); });
+}
+
+void FakeWindowServer::setEdgeReservation(ConnectionID, SpaceID space, ScreenEdge, double height)
+{
+    if (height > 0)
+        m_edgeReservations[space] = height;
+    else
+        m_edgeReservations.erase(space);
+}
+
+void FakeWindowServer::setDockRectangle(ConnectionID, const DockRectangle& rectangle)
+{
+    m_dockRectangles[rectangle.display] = rectangle.rect;
+}
+
+void FakeWindowServer::clearDockRectangle(ConnectionID, DisplayNumber display)
+{
+    m_dockRectangles.erase(display);
+}
+
+}

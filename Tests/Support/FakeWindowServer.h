@@ -1,0 +1,87 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <vector>
+
+#include "Quorvel/Platform/WindowServer.h"
+#include "Tests/Support/DesktopModel.h"
+
+namespace quorvel::test {
+
+class FakeDesktop;
+
+/// The window list and the spaces, told from the desktop, as late and as wrong as a test asks for.
+class FakeWindowServer final : public WindowServer {
+public:
+    static constexpr ConnectionID kConnection = 77;
+
+    explicit FakeWindowServer(FakeDesktop& desktop) : m_desktop(desktop) { }
+
+    ConnectionID mainConnection() const override { return kConnection; }
+    void enumerateWindows(
+        std::uint32_t options, const std::function<void(const CGWindowInfo&)>&) const override;
+    std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
+    std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const override;
+    std::vector<WindowID> windowsOfSpaces(
+        ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const override;
+    std::optional<std::vector<SpaceID>> spacesOfWindows(
+        ConnectionID, std::uint32_t mask, const std::vector<WindowID>&) const override;
+    SpaceID activeSpace(ConnectionID) const override;
+    std::optional<std::string> spaceName(SpaceID) const override;
+    bool displaysHaveSeparateSpaces() const override;
+    void addWindowsToSpaces(
+        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void removeWindowsFromSpaces(
+        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void setEdgeReservation(ConnectionID, SpaceID, ScreenEdge, double height) override;
+    void setDockRectangle(ConnectionID, const DockRectangle&) override;
+    void clearDockRectangle(ConnectionID, DisplayNumber) override;
+
+    // Knobs.
+    /// Entries that the list gives beside the real ones.
+    void addStrayEntry(CGWindowInfo entry) { m_strayEntries.push_back(std::move(entry)); }
+    /// How long a closed window stays listed.
+    void setCloseDelay(Duration delay) { m_closeDelay = delay; }
+    Duration closeDelay() const { return m_closeDelay; }
+    void failSpaceLists(bool value) { m_failsSpaceLists = value; }
+    void failSpacesOfWindows(bool value) { m_failsSpacesOfWindows = value; }
+    void failWindowsOfSpaces(bool value) { m_failsWindowsOfSpaces = value; }
+    /// Changes what the list of spaces says: missing identifiers, odd types.
+    void distortSpaces(std::function<void(std::vector<ManagedDisplay>&)> distortion)
+    {
+        m_distortion = std::move(distortion);
+    }
+
+    // What the program did.
+    enum class SpaceChange { add, remove };
+    struct Moved {
+        SpaceChange change{};
+        WindowID window{};
+        SpaceID space{};
+        friend bool operator==(const Moved&, const Moved&) = default;
+    };
+    const std::vector<Moved>& moves() const { return m_moves; }
+    const std::map<SpaceID, double>& edgeReservations() const { return m_edgeReservations; }
+    const std::map<DisplayNumber, Rect>& dockRectangles() const { return m_dockRectangles; }
+    /// How often the window list was taken.
+    int listings() const { return m_listings; }
+
+private:
+    CGWindowInfo entry(const FakeWindow&) const;
+    void announceMoves() const;
+
+    FakeDesktop& m_desktop;
+    std::vector<CGWindowInfo> m_strayEntries;
+    Duration m_closeDelay{};
+    bool m_failsSpaceLists = false;
+    bool m_failsSpacesOfWindows = false;
+    bool m_failsWindowsOfSpaces = false;
+    std::function<void(std::vector<ManagedDisplay>&)> m_distortion;
+    std::vector<Moved> m_moves;
+    std::map<SpaceID, double> m_edgeReservations;
+    std::map<DisplayNumber, Rect> m_dockRectangles;
+    mutable int m_listings = 0;
+};
+
+}

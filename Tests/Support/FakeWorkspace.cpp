@@ -1,0 +1,85 @@
+#include "Tests/Support/FakeWorkspace.h"
+
+#include "Tests/Support/Contract.h"
+#include "Tests/Support/FakeDesktop.h"
+
+namespace quorvel::test {
+
+void FakeWorkspace::enumerateRunningApplications(
+    const std::function<void(const RunningApplication&)>& visitor) const
+{
+    if (!m_desktop.dispatch().isOnMain())
+        contractBroken("running applications were listed away from the main thread");
+    for (auto& [pid, application] : m_desktop.model().applications)
+        visitor(application.info);
+}
+
+std::optional<RunningApplication> FakeWorkspace::runningApplication(ProcessID pid) const
+{
+    auto* application = m_desktop.model().application(pid);
+    return application ? std::optional{application->info} : std::nullopt;
+}
+
+std::optional<ProcessID> FakeWorkspace::frontmostApplication() const
+{
+    return m_desktop.model().frontmost;
+}
+
+std::optional<ApplicationURL> FakeWorkspace::applicationURL(std::string_view bundleIdentifier) const
+{
+    auto found = m_installed.find(bundleIdentifier);
+    return found == m_installed.end() ? std::nullopt : std::optional{ApplicationURL{found->second}};
+}
+
+void FakeWorkspace::install(std::string bundleIdentifier, std::string path)
+{
+    m_installed.insert_or_assign(std::move(bundleIdentifier), std::move(path));
+}
+
+Image FakeWorkspace::image(const std::string& name) const
+{
+    ++m_iconLookups;
+    auto& image = m_images[name];
+    if (!image)
+        image = std::make_shared<FakeImage>(name);
+    return image;
+}
+
+Image FakeWorkspace::icon(const ApplicationURL& url) const
+{
+    return image(url.path);
+}
+
+Image FakeWorkspace::runningApplicationIcon(ProcessID pid) const
+{
+    auto* application = m_desktop.model().application(pid);
+    return application ? image("running " + application->info.localizedName) : nullptr;
+}
+
+Image FakeWorkspace::genericApplicationIcon() const
+{
+    return image("generic");
+}
+
+bool FakeWorkspace::activateCooperatively(ProcessID pid)
+{
+    return activate(pid, Activation::cooperative);
+}
+
+bool FakeWorkspace::activateDirectly(ProcessID pid)
+{
+    return activate(pid, Activation::direct);
+}
+
+bool FakeWorkspace::activate(ProcessID pid, Activation activation)
+{
+    m_activations.push_back({activation, pid});
+    auto* application = m_desktop.model().application(pid);
+    if (!application || application->faults.refusesActivation)
+        return false;
+    m_isSelfActive = false;
+    m_desktop.activate(pid);
+    return true;
+}
+
+}

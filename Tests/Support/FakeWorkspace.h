@@ -1,0 +1,65 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "Quorvel/Platform/Workspace.h"
+
+namespace quorvel::test {
+
+class FakeDesktop;
+
+/// An icon that says whose it is.
+struct FakeImage final : PlatformImage {
+    explicit FakeImage(std::string text) : name(std::move(text)) { }
+    std::string name;
+};
+
+/// The running and the installed applications.
+class FakeWorkspace final : public Workspace {
+public:
+    explicit FakeWorkspace(FakeDesktop& desktop) : m_desktop(desktop) { }
+
+    void enumerateRunningApplications(
+        const std::function<void(const RunningApplication&)>& visitor) const override;
+    std::optional<RunningApplication> runningApplication(ProcessID) const override;
+    std::optional<ProcessID> frontmostApplication() const override;
+    std::optional<ApplicationURL> applicationURL(std::string_view bundleIdentifier) const override;
+    Image icon(const ApplicationURL&) const override;
+    Image runningApplicationIcon(ProcessID) const override;
+    Image genericApplicationIcon() const override;
+    bool isSelfActive() const override { return m_isSelfActive; }
+    void activateSelf() override { m_isSelfActive = true; }
+    bool activateCooperatively(ProcessID) override;
+    bool activateDirectly(ProcessID) override;
+
+    // Knobs.
+    void install(std::string bundleIdentifier, std::string path);
+    void uninstall(const std::string& bundleIdentifier) { m_installed.erase(bundleIdentifier); }
+    void setSelfActive(bool value) { m_isSelfActive = value; }
+
+    // What the program did.
+    enum class Activation { cooperative, direct };
+    struct Activated {
+        Activation activation{};
+        ProcessID pid{};
+        friend bool operator==(const Activated&, const Activated&) = default;
+    };
+    const std::vector<Activated>& activations() const { return m_activations; }
+    /// Icons that were looked up; a cache should keep this low.
+    int iconLookups() const { return m_iconLookups; }
+
+private:
+    bool activate(ProcessID, Activation);
+    Image image(const std::string& name) const;
+
+    FakeDesktop& m_desktop;
+    bool m_isSelfActive = false;
+    std::map<std::string, std::string, std::less<>> m_installed;
+    std::vector<Activated> m_activations;
+    mutable std::map<std::string, Image> m_images;
+    mutable int m_iconLookups = 0;
+};
+
+}

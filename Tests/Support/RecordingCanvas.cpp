@@ -1,0 +1,119 @@
+#include "Tests/Support/RecordingCanvas.h"
+
+namespace quorvel::test {
+
+RecordingCanvas::RecordingCanvas(const Rect& clip, double scale) : m_scale(scale)
+{
+    m_states.push_back({.clip = clip});
+}
+
+void RecordingCanvas::save()
+{
+    State copy = state();
+    copy.isOpacityGroup = false;
+    m_states.push_back(copy);
+}
+
+void RecordingCanvas::restore()
+{
+    pop(false);
+}
+
+void RecordingCanvas::translate(double dx, double dy)
+{
+    state().dx += dx;
+    state().dy += dy;
+}
+
+void RecordingCanvas::clip(const Rect& rect)
+{
+    state().clip = state().clip.intersected(rect.translated(state().dx, state().dy));
+}
+
+void RecordingCanvas::beginOpacity(double opacity)
+{
+    State copy = state();
+    copy.opacity *= opacity;
+    copy.isOpacityGroup = true;
+    m_states.push_back(copy);
+}
+
+void RecordingCanvas::endOpacity()
+{
+    pop(true);
+}
+
+void RecordingCanvas::pop(bool isOpacityGroup)
+{
+    if (m_states.size() == 1 || state().isOpacityGroup != isOpacityGroup) {
+        m_isMisnested = true;
+        return;
+    }
+    m_states.pop_back();
+}
+
+template <typename Drawn> void RecordingCanvas::record(const Rect& rect, Drawn drawn)
+{
+    drawn.rect = rect.translated(state().dx, state().dy);
+    drawn.visible = drawn.rect.intersected(state().clip);
+    drawn.opacity = state().opacity;
+    m_operations.push_back(std::move(drawn));
+}
+
+void RecordingCanvas::fill(const Rect& rect, const Color& color)
+{
+    fillRounded(rect, 0, color);
+}
+
+void RecordingCanvas::fillRounded(const Rect& rect, double radius, const Color& color)
+{
+    record(rect, DrawnFill{.rect = {}, .visible = {}, .radius = radius, .color = color});
+}
+
+void RecordingCanvas::strokeRounded(
+    const Rect& rect, double radius, double width, const Color& color)
+{
+    record(rect,
+        DrawnStroke{.rect = {}, .visible = {}, .radius = radius, .width = width, .color = color});
+}
+
+void RecordingCanvas::fillGradient(
+    const Rect& rect, GradientDirection direction, const std::vector<GradientStop>& stops)
+{
+    record(rect, DrawnGradient{.rect = {}, .visible = {}, .direction = direction, .stops = stops});
+}
+
+void RecordingCanvas::drawImage(const Image& image, const Rect& rect)
+{
+    record(rect, DrawnImage{.rect = {}, .visible = {}, .image = image});
+}
+
+void RecordingCanvas::drawText(std::string_view utf8, const Rect& rect, const TextStyle& style)
+{
+    record(rect, DrawnText{.rect = {}, .visible = {}, .text = std::string{utf8}, .style = style});
+}
+
+void RecordingCanvas::drawSymbol(Symbol symbol, const Rect& rect, const Color& color)
+{
+    record(rect, DrawnSymbol{.rect = {}, .visible = {}, .symbol = symbol, .color = color});
+}
+
+std::vector<std::string> RecordingCanvas::texts() const
+{
+    std::vector<std::string> texts;
+    for (auto& drawn : drawn<DrawnText>())
+        texts.push_back(drawn.text);
+    return texts;
+}
+
+const DrawnText* RecordingCanvas::text(std::string_view utf8) const
+{
+    for (auto& operation : m_operations) {
+        auto* drawn = std::get_if<DrawnText>(&operation);
+        if (drawn && drawn->text == utf8 && !drawn->visible.isEmpty())
+            return drawn;
+    }
+    return nullptr;
+}
+
+}
