@@ -1,0 +1,49 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+#include "Hosts/MacOS/System/System.h"
+#include "Quorvel/Platform/Dispatch.h"
+
+namespace quorvel {
+
+/// Whether a queue still takes work; shared by the queue and all that was handed to it.
+struct QueueState {
+    std::atomic<bool> isClosed = false;
+};
+
+/// One delayed or repeating piece of work on a dispatch queue. The timer source keeps it alive
+/// until it has been cancelled, which firing the last time does too.
+class DispatchTimer final : public WorkItem::Handle,
+                            public std::enable_shared_from_this<DispatchTimer> {
+public:
+    enum class Mode { once, repeating };
+
+    static std::shared_ptr<DispatchTimer> start(
+        dispatch_queue_t, std::shared_ptr<QueueState>, Mode, Duration delayOrInterval, Work);
+
+    DispatchTimer(dispatch_source_t, std::shared_ptr<QueueState>, Mode, Work);
+    ~DispatchTimer() override;
+    DispatchTimer(const DispatchTimer&) = delete;
+    DispatchTimer& operator=(const DispatchTimer&) = delete;
+
+    void cancel() noexcept override;
+    bool isPending() const noexcept override;
+
+private:
+    using SharedWork = std::shared_ptr<const Work>;
+
+    void schedule(Duration);
+    void fire();
+    SharedWork takeForRun();
+
+    dispatch_source_t m_source;
+    std::shared_ptr<QueueState> m_state;
+    Mode m_mode;
+    mutable std::mutex m_mutex;
+    SharedWork m_work; ///< null once it began (once) or was cancelled
+};
+
+}

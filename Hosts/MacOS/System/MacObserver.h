@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "Hosts/MacOS/System/CFRef.h"
+#include "Quorvel/Platform/Accessibility.h"
+
+namespace quorvel {
+
+/// One process's observer on the run loop of the thread that made it.
+///
+/// The system hands a bare number back with each notification, and a notification that was under
+/// way may still come after its registration ended, so the number is a key into a table of living
+/// observers and never the address of one.
+class MacObserver final : public AXObserver {
+public:
+    static std::pair<AXError, std::unique_ptr<AXObserver>> create(
+        ProcessID, Accessibility::Callback);
+
+    MacObserver(CFRef<AXObserverRef>, Accessibility::Callback);
+    ~MacObserver() override;
+
+    AXError addNotification(const AXElement&, std::string_view notification) override;
+    AXError removeNotification(const AXElement&, std::string_view notification) override;
+
+private:
+    CFRef<AXObserverRef> m_observer;
+    CFRef<CFRunLoopRef> m_runLoop;
+    std::uintptr_t m_key;
+};
+
+}

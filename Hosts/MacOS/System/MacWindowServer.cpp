@@ -1,0 +1,156 @@
+#include "Hosts/MacOS/System/MacWindowServer.h"
+
+#include "Hosts/MacOS/System/CFValues.h"
+
+namespace quorvel {
+
+namespace {
+
+template <typename Identifier>
+CFRef<CFArrayRef> makeNumbersOf(const std::vector<Identifier>& identifiers)
+{
+    std::vector<std::uint64_t> numbers;
+    for (const Identifier identifier : identifiers)
+        numbers.push_back(raw(identifier));
+    return makeNumbers(numbers);
+}
+
+template <typename Identifier> std::vector<Identifier> identifiersFrom(CFArrayRef array)
+{
+    std::vector<Identifier> identifiers;
+    for (const std::uint64_t number : numbersFrom(array))
+        identifiers.push_back(Identifier{static_cast<std::underlying_type_t<Identifier>>(number)});
+    return identifiers;
+}
+
+}
+
+MacWindowServer::MacWindowServer(const PrivateSymbols& symbols, DisplaySpaces displaySpaces)
+    : m_symbols(symbols)
+    , m_displaySpaces(displaySpaces)
+{
+}
+
+WindowServer::ConnectionID MacWindowServer::mainConnection() const
+{
+    return m_symbols.mainConnectionID ? m_symbols.mainConnectionID() : 0;
+}
+
+void MacWindowServer::enumerateWindows(
+    std::uint32_t options, const std::function<void(const CGWindowInfo&)>& visitor) const
+{
+    const AutoreleasePool pool;
+    // Null where nobody is logged in at the screen.
+    const auto windows
+        = CFRef<CFArrayRef>::adopt(CGWindowListCopyWindowInfo(options, kCGNullWindowID));
+    if (!arrayFrom(windows.get()))
+        return;
+    forEachIn(windows.get(), [&](CFTypeRef entry) {
+        if (const CFDictionaryRef window = dictionaryFrom(entry))
+            visitor(m_decoder.decode(window));
+    });
+}
+
+std::optional<std::uint32_t> MacWindowServer::nativeWindowNumber(WindowID window) const
+{
+    return raw(window);
+}
+
+std::optional<std::vector<ManagedDisplay>> MacWindowServer::managedDisplaySpaces(
+    ConnectionID connection) const
+{
+    if (!m_symbols.copyManagedDisplaySpaces)
+        return {};
+    const auto displays = CFRef<CFTypeRef>::adopt(m_symbols.copyManagedDisplaySpaces(connection));
+    const CFArrayRef array = arrayFrom(displays.get());
+    return array ? std::optional{managedDisplaysFrom(array)} : std::nullopt;
+}
+
+std::vector<WindowID> MacWindowServer::windowsOfSpaces(
+    ConnectionID connection, const std::vector<SpaceID>& spaces, std::uint32_t options) const
+{
+    if (!m_symbols.copyWindowsWithOptionsAndTags)
+        return {};
+    constexpr std::uint32_t anyOwner = 0;
+    std::uint64_t setTags = 0;
+    std::uint64_t clearTags = 0;
+    const auto numbers = makeNumbersOf(spaces);
+    const auto windows = CFRef<CFTypeRef>::adopt(m_symbols.copyWindowsWithOptionsAndTags(
+        connection, anyOwner, numbers.get(), options, &setTags, &clearTags));
+    const CFArrayRef array = arrayFrom(windows.get());
+    return array ? identifiersFrom<WindowID>(array) : std::vector<WindowID>{};
+}
+
+std::optional<std::vector<SpaceID>> MacWindowServer::spacesOfWindows(
+    ConnectionID connection, std::uint32_t mask, const std::vector<WindowID>& windows) const
+{
+    if (!m_symbols.copySpacesForWindows)
+        return {};
+    const auto numbers = makeNumbersOf(windows);
+    const auto spaces = CFRef<CFTypeRef>::adopt(
+        m_symbols.copySpacesForWindows(connection, static_cast<int>(mask), numbers.get()));
+    const CFArrayRef array = arrayFrom(spaces.get());
+    return array ? std::optional{identifiersFrom<SpaceID>(array)} : std::nullopt;
+}
+
+SpaceID MacWindowServer::activeSpace(ConnectionID connection) const
+{
+    return SpaceID{m_symbols.getActiveSpace ? m_symbols.getActiveSpace(connection) : 0};
+}
+
+std::optional<std::string> MacWindowServer::spaceName(SpaceID) const
+{
+    return {};
+}
+
+bool MacWindowServer::displaysHaveSeparateSpaces() const
+{
+    return m_displaySpaces == DisplaySpaces::separate;
+}
+
+void MacWindowServer::addWindowsToSpaces(ConnectionID connection,
+    const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+{
+    if (!m_symbols.addWindowsToSpaces)
+        return;
+    const auto windowNumbers = makeNumbersOf(windows);
+    const auto spaceNumbers = makeNumbersOf(spaces);
+    m_symbols.addWindowsToSpaces(connection, windowNumbers.get(), spaceNumbers.get());
+}
+
+void MacWindowServer::removeWindowsFromSpaces(ConnectionID connection,
+    const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+{
+    if (!m_symbols.removeWindowsFromSpaces)
+        return;
+    const auto windowNumbers = makeNumbersOf(windows);
+    const auto spaceNumbers = makeNumbersOf(spaces);
+    m_symbols.removeWindowsFromSpaces(connection, windowNumbers.get(), spaceNumbers.get());
+}
+
+void MacWindowServer::setEdgeReservation(
+    ConnectionID connection, SpaceID space, ScreenEdge edge, double height)
+{
+    if (m_symbols.spaceSetEdgeReservation)
+        m_symbols.spaceSetEdgeReservation(
+            connection, raw(space), static_cast<int>(edge), 0, 0, 0, height);
+}
+
+void MacWindowServer::setDockRectangle(ConnectionID, const DockRectangle&)
+{
+}
+
+void MacWindowServer::clearDockRectangle(ConnectionID, DisplayNumber)
+{
+}
+
+bool MacWindowServer::moveOwnWindow(WindowID window, SpaceID space) const
+{
+    if (!m_symbols.moveWindowsToManagedSpace)
+        return false;
+    const auto windows = makeNumbersOf(std::vector{window});
+    m_symbols.moveWindowsToManagedSpace(mainConnection(), windows.get(), raw(space));
+    return true;
+}
+
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Hosts/MacOS/System/PrivateSymbols.h"
+#include "Hosts/MacOS/System/WindowDecoding.h"
+#include "Quorvel/Platform/WindowServer.h"
+
+namespace quorvel {
+
+/// The window server's list is public; everything about spaces is not. Moving a window of another
+/// program to a space succeeds silently and, on newer systems, without effect: ask for its spaces
+/// afterwards.
+///
+/// No call registers a rectangle as the Dock's: none with a known signature exists. The system
+/// gives no hints either, so neither signal is ever emitted.
+class MacWindowServer final : public WindowServer {
+public:
+    enum class DisplaySpaces { shared, separate };
+
+    MacWindowServer(const PrivateSymbols&, DisplaySpaces);
+
+    ConnectionID mainConnection() const override;
+    void enumerateWindows(std::uint32_t options,
+        const std::function<void(const CGWindowInfo&)>& visitor) const override;
+    std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
+
+    std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const override;
+    std::vector<WindowID> windowsOfSpaces(
+        ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const override;
+    std::optional<std::vector<SpaceID>> spacesOfWindows(
+        ConnectionID, std::uint32_t mask, const std::vector<WindowID>&) const override;
+    SpaceID activeSpace(ConnectionID) const override;
+    std::optional<std::string> spaceName(SpaceID) const override;
+    bool displaysHaveSeparateSpaces() const override;
+
+    void addWindowsToSpaces(
+        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void removeWindowsFromSpaces(
+        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void setEdgeReservation(ConnectionID, SpaceID, ScreenEdge, double height) override;
+    void setDockRectangle(ConnectionID, const DockRectangle&) override;
+    void clearDockRectangle(ConnectionID, DisplayNumber) override;
+
+    /// Puts a window of this program on one space; false where the system has no call for it.
+    bool moveOwnWindow(WindowID, SpaceID) const;
+
+private:
+    PrivateSymbols m_symbols;
+    WindowDecoder m_decoder;
+    DisplaySpaces m_displaySpaces;
+};
+
+}

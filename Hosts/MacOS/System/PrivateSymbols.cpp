@@ -1,0 +1,48 @@
+#include "Hosts/MacOS/System/PrivateSymbols.h"
+
+namespace quorvel {
+
+namespace {
+
+// Not a file since macOS 11, but the loader still knows the path.
+constexpr char kSkyLight[] = "/System/Library/PrivateFrameworks/SkyLight.framework/SkyLight";
+
+template <typename Function> void look(Function& function, void* library, const char* name)
+{
+    if (!function && library)
+        function = reinterpret_cast<Function>(dlsym(library, name));
+}
+
+/// First in SkyLight under its own name, then among what is linked under the older one.
+template <typename Function>
+void look(Function& function, void* skyLight, const char* name, const char* olderName)
+{
+    look(function, skyLight, name);
+    look(function, RTLD_DEFAULT, olderName);
+}
+
+}
+
+PrivateSymbols PrivateSymbols::load()
+{
+    PrivateSymbols s;
+    void* const skyLight = dlopen(kSkyLight, RTLD_LAZY | RTLD_LOCAL);
+    look(s.mainConnectionID, skyLight, "SLSMainConnectionID", "CGSMainConnectionID");
+    look(s.copyManagedDisplaySpaces, skyLight, "SLSCopyManagedDisplaySpaces",
+        "CGSCopyManagedDisplaySpaces");
+    look(s.copyWindowsWithOptionsAndTags, skyLight, "SLSCopyWindowsWithOptionsAndTags",
+        "CGSCopyWindowsWithOptionsAndTags");
+    look(s.copySpacesForWindows, skyLight, "SLSCopySpacesForWindows", "CGSCopySpacesForWindows");
+    look(s.getActiveSpace, skyLight, "SLSGetActiveSpace", "CGSGetActiveSpace");
+    look(s.addWindowsToSpaces, skyLight, "SLSAddWindowsToSpaces", "CGSAddWindowsToSpaces");
+    look(s.removeWindowsFromSpaces, skyLight, "SLSRemoveWindowsFromSpaces",
+        "CGSRemoveWindowsFromSpaces");
+    look(s.moveWindowsToManagedSpace, skyLight, "SLSMoveWindowsToManagedSpace",
+        "CGSMoveWindowsToManagedSpace");
+    look(s.spaceSetEdgeReservation, skyLight, "SLSSpaceSetEdgeReservation",
+        "CGSSpaceSetEdgeReservation");
+    look(s.axElementGetWindow, RTLD_DEFAULT, "_AXUIElementGetWindow");
+    return s;
+}
+
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+
+#include "Hosts/MacOS/System/System.h"
+
+namespace quorvel {
+
+/// The undocumented calls that the host makes, looked up by name; each is null where this system
+/// has it not. The signatures are what other people's headers say: no header of the system does.
+///
+/// The window server's calls are called SLS... in SkyLight and, most of them, CGS... in
+/// CoreGraphics, which forwards; the first name found is taken.
+struct PrivateSymbols {
+    using Connection = int;
+
+    Connection (*mainConnectionID)() = nullptr;
+    CFArrayRef (*copyManagedDisplaySpaces)(Connection) = nullptr;
+    CFArrayRef (*copyWindowsWithOptionsAndTags)(Connection, std::uint32_t owner, CFArrayRef spaces,
+        std::uint32_t options, std::uint64_t* setTags, std::uint64_t* clearTags)
+        = nullptr;
+    CFArrayRef (*copySpacesForWindows)(Connection, int mask, CFArrayRef windows) = nullptr;
+    std::uint64_t (*getActiveSpace)(Connection) = nullptr;
+    void (*addWindowsToSpaces)(Connection, CFArrayRef windows, CFArrayRef spaces) = nullptr;
+    void (*removeWindowsFromSpaces)(Connection, CFArrayRef windows, CFArrayRef spaces) = nullptr;
+    void (*moveWindowsToManagedSpace)(Connection, CFArrayRef windows, std::uint64_t space)
+        = nullptr;
+    /// Whether the last four really are floating-point numbers is not known.
+    void (*spaceSetEdgeReservation)(
+        Connection, std::uint64_t space, int edge, double, double, double, double height)
+        = nullptr;
+
+    ::AXError (*axElementGetWindow)(AXUIElementRef, CGWindowID*) = nullptr;
+
+    static PrivateSymbols load();
+};
+
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Hosts/MacOS/System/CFRef.h"
+#include "Quorvel/Platform/WindowServer.h"
+
+namespace quorvel {
+
+/// Reads the window server's window dictionaries. Holds its keys, so that a list of hundreds of
+/// windows makes none.
+class WindowDecoder {
+public:
+    WindowDecoder();
+
+    CGWindowInfo decode(CFDictionaryRef) const;
+
+private:
+    CFRef<CFStringRef> m_windowNumber;
+    CFRef<CFStringRef> m_ownerPID;
+    CFRef<CFStringRef> m_ownerName;
+    CFRef<CFStringRef> m_windowName;
+    CFRef<CFStringRef> m_layer;
+    CFRef<CFStringRef> m_bounds;
+    CFRef<CFStringRef> m_alpha;
+};
+
+/// Displays and spaces keep their places in the lists: an entry that is no dictionary is one
+/// without values.
+std::vector<ManagedDisplay> managedDisplaysFrom(CFArrayRef);
+
+}
