@@ -1,0 +1,78 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "Hosts/X11/Applications/DesktopEntryFile.h"
+
+namespace quorvel::x11 {
+
+/// The desktop files of one moment, read no earlier than needed. A file hides those of the same id
+/// in later folders; one that is hidden itself, or is no application, counts as absent.
+class DesktopEntryIndex {
+public:
+    class Entry {
+    public:
+        Entry(std::string_view id, std::string path) : m_id(id), m_path(std::move(path)) { }
+
+        std::string_view id() const { return m_id; }
+        const std::string& path() const { return m_path; }
+        /// Null when it counts as absent.
+        const DesktopEntryFile* read(std::span<const std::string> languages) const;
+
+    private:
+        std::string_view m_id; ///< the key under which the index has it
+        std::string m_path;
+        mutable bool m_isRead = false;
+        mutable std::optional<DesktopEntryFile> m_file;
+    };
+
+    /// Lists the folders and reads no file.
+    DesktopEntryIndex(std::span<const std::string> folders, std::span<const std::string> languages);
+
+    const Entry* withId(std::string_view id) const;
+    /// The same in any letter case.
+    const Entry* withSimilarId(std::string_view id) const;
+    /// The only one whose reverse domain name ends in this.
+    const Entry* withLastPart(std::string_view name) const;
+    /// One that declares this class for its windows.
+    const Entry* declaringClass(std::string_view windowClass) const;
+    const Entry* declaringSimilarClass(std::string_view windowClass) const;
+    /// The only one that starts this program.
+    const Entry* startingCommand(std::string_view name) const;
+
+    const DesktopEntryFile* read(const Entry& entry) const { return entry.read(m_languages); }
+    /// Every folder that was listed.
+    const std::set<std::string>& folders() const { return m_folders; }
+
+private:
+    using Entries = std::vector<const Entry*>;
+    using Table = std::unordered_map<std::string, Entries>;
+
+    void list(const std::string& folder, const std::string& idPrefix, int depth);
+    void add(std::string id, std::string path);
+    void readAll() const;
+    Entries usable(const Table&, std::string_view name) const;
+    const Entry* onlyOf(Entries) const;
+    const Entry* bestOf(Entries, std::string_view name) const;
+
+    std::span<const std::string> m_languages;
+    std::set<std::string> m_folders;
+    std::map<std::string, Entry, std::less<>> m_entries; ///< by id
+    Table m_bySimilarId;
+    Table m_byLastPart;
+    mutable bool m_areAllRead = false;
+    mutable Table m_byClass;
+    mutable Table m_byCommand;
+};
+
+/// One spelling of names that differ in letter case, or in blanks for hyphens.
+std::string similarName(std::string_view name);
+
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace quorvel::x11 {
+
+/// The bytes of a regular file of at most `limit` bytes, else absent. A pipe or device that
+/// somebody names as a file does not block.
+std::optional<std::string> readFile(const std::string& path, std::size_t limit);
+
+}
