@@ -1,0 +1,282 @@
+#include "Quorvel/Skylight/AXObserverManager.h"
+
+#include <algorithm>
+
+namespace quorvel {
+
+namespace {
+
+/// A title that changes without pause must still be seen to change.
+constexpr Duration kLongestTitleWait = seconds(1);
+
+std::optional<Duration> longestWait(std::string_view notification)
+{
+    if (notification == ax::titleChanged)
+        return kLongestTitleWait;
+    return {};
+}
+
+bool isDebounced(std::string_view notification)
+{
+    auto& table = AXObserverManager::debouncedNotifications;
+    return std::find(table.begin(), table.end(), notification) != table.end();
+}
+
+}
+
+// MARK: DebounceState
+
+void DebounceState::schedule(DebounceKey key, std::optional<Duration> longestWait, Work deliver)
+{
+    std::lock_guard guard(m_lock);
+    auto now = m_dispatch.now();
+    auto [place, isFirst] = m_workItems.try_emplace(key);
+    auto& entry = place->second;
+    if (isFirst)
+        entry.firstAt = now;
+    auto delay = kDelay;
+    if (longestWait)
+        delay = std::clamp(entry.firstAt + *longestWait - now, Duration{}, kDelay);
+    entry.number = ++m_lastNumber;
+    entry.work = m_callbackQueue.after(
+        delay, [this, key = std::move(key), number = entry.number, deliver = std::move(deliver)] {
+            if (takeIfCurrent(key, number))
+                deliver();
+        });
+}
+
+bool DebounceState::takeIfCurrent(const DebounceKey& key, std::uint64_t number)
+{
+    std::lock_guard guard(m_lock);
+    auto entry = m_workItems.find(key);
+    if (entry == m_workItems.end() || entry->second.number != number)
+        return false;
+    m_workItems.erase(entry);
+    return true;
+}
+
+void DebounceState::cancel(WindowID window)
+{
+    std::lock_guard guard(m_lock);
+    std::erase_if(m_workItems, [&](auto& entry) { return entry.first.windowID == window; });
+}
+
+void DebounceState::cancelAll()
+{
+    std::lock_guard guard(m_lock);
+    m_workItems.clear();
+}
+
+// MARK: AXObserverManager
+
+AXObserverManager::AXObserverManager(
+    Dispatch& dispatch, Accessibility& accessibility, Queue& callbackQueue)
+    : m_dispatch(dispatch)
+    , m_callbackQueue(callbackQueue)
+    , m_calls(accessibility)
+    , m_accessibility(accessibility)
+    , m_debounceState(dispatch, callbackQueue)
+    , m_weak(*this)
+{
+}
+
+AXObserverManager::~AXObserverManager()
+{
+    stop();
+}
+
+void AXObserverManager::start()
+{
+    if (m_thread)
+        return;
+    m_thread = m_dispatch.startThread("AXObserverManager", QualityOfService::userInitiated);
+    m_runLoop = m_thread.get();
+}
+
+void AXObserverManager::stop()
+{
+    m_thread.reset();
+    m_debounceState.cancelAll();
+    m_pidStates.clear();
+    m_retryCount.clear();
+    m_retries.clear();
+    m_wantedPIDs.clear();
+}
+
+void AXObserverManager::observe(ProcessID pid)
+{
+    if (!m_thread)
+        return;
+    m_wantedPIDs.insert(pid);
+    m_thread->perform([this, pid] { addObserver(pid); });
+}
+
+void AXObserverManager::stopObserving(ProcessID pid)
+{
+    m_wantedPIDs.erase(pid);
+    m_retries.erase(pid);
+    if (m_thread)
+        m_thread->perform([this, pid] { removeObserver(pid); });
+}
+
+void AXObserverManager::refreshWindows(const std::set<ProcessID>& pids)
+{
+    if (!m_thread)
+        return;
+    for (auto pid : pids) {
+        m_wantedPIDs.insert(pid);
+        m_thread->perform([this, pid] {
+            if (m_pidStates.contains(pid))
+                refreshWindowObservations(pid);
+            else
+                addObserver(pid);
+        });
+    }
+}
+
+void AXObserverManager::addObserver(ProcessID pid)
+{
+    if (m_pidStates.contains(pid))
+        return;
+    AXCalls::Scan hungOnlyOnce(m_calls);
+    auto application = m_calls.application(pid);
+    auto observer = registerApplication(pid, application);
+    if (!observer) {
+        scheduleRetry(pid);
+        return;
+    }
+    m_pidStates.insert_or_assign(pid, PIDState{std::move(observer), application, {}});
+    refreshWindowObservations(pid);
+    m_retryCount.erase(pid);
+    m_callbackQueue.async([weak = m_weak.reference(), pid] {
+        auto* self = weak.get();
+        if (self && self->m_wantedPIDs.contains(pid) && self->onObserverAdded)
+            self->onObserverAdded(pid);
+    });
+}
+
+std::unique_ptr<AXObserver> AXObserverManager::registerApplication(
+    ProcessID pid, const AXElement& application)
+{
+    auto [error, observer] = m_accessibility.createObserver(
+        pid, *m_thread, [this, pid](const AXElement& element, std::string_view notification) {
+            handleNotification(pid, element, notification);
+        });
+    if (error != AXError::success || !observer)
+        return nullptr;
+    for (auto notification : applicationNotifications) {
+        auto result = observer->addNotification(application, notification);
+        if (result != AXError::success && result != AXError::notificationAlreadyRegistered)
+            return nullptr;
+    }
+    return std::move(observer);
+}
+
+void AXObserverManager::scheduleRetry(ProcessID pid)
+{
+    auto& failed = m_retryCount[pid];
+    if (failed >= retryDelays.size()) {
+        m_retryCount.erase(pid);
+        return;
+    }
+    auto delay = retryDelays[failed++];
+    m_callbackQueue.async([weak = m_weak.reference(), pid, delay] {
+        if (auto* self = weak.get())
+            self->attachAfter(pid, delay);
+    });
+}
+
+void AXObserverManager::attachAfter(ProcessID pid, Duration delay)
+{
+    if (!m_wantedPIDs.contains(pid))
+        return;
+    m_retries[pid] = m_callbackQueue.after(delay, [this, pid] {
+        if (m_thread)
+            m_thread->perform([this, pid] { addObserver(pid); });
+    });
+}
+
+void AXObserverManager::refreshWindowObservations(ProcessID pid)
+{
+    AXCalls::Scan hungOnlyOnce(m_calls);
+    auto state = m_pidStates.find(pid);
+    auto windows = m_calls.windows(pid);
+    if (state == m_pidStates.end() || !windows)
+        return;
+    for (auto& window : *windows) {
+        if (auto id = m_calls.windowID(pid, window))
+            observeWindow(state->second, *id, window);
+    }
+}
+
+void AXObserverManager::observeWindow(PIDState& state, WindowID id, const AXElement& window)
+{
+    if (!state.observedWindows.try_emplace(id, window).second)
+        return;
+    for (auto notification : windowNotifications)
+        state.observer->addNotification(window, notification);
+}
+
+void AXObserverManager::removeObserver(ProcessID pid)
+{
+    m_retryCount.erase(pid);
+    auto state = m_pidStates.find(pid);
+    if (state == m_pidStates.end())
+        return;
+    auto& [observer, application, observedWindows] = state->second;
+    for (auto notification : applicationNotifications)
+        observer->removeNotification(application, notification);
+    for (auto& [id, window] : observedWindows) {
+        for (auto notification : windowNotifications)
+            observer->removeNotification(window, notification);
+    }
+    m_pidStates.erase(state);
+}
+
+std::optional<WindowID> AXObserverManager::resolveWindowIDFromObservedWindows(
+    ProcessID pid, const AXElement& element)
+{
+    auto state = m_pidStates.find(pid);
+    if (state == m_pidStates.end())
+        return {};
+    auto& windows = state->second.observedWindows;
+    auto found = std::find_if(
+        windows.begin(), windows.end(), [&](auto& entry) { return entry.second == element; });
+    return found == windows.end() ? std::nullopt : std::optional{found->first};
+}
+
+void AXObserverManager::handleNotification(
+    ProcessID pid, const AXElement& element, std::string_view notification)
+{
+    m_calls.setMessagingTimeout(element);
+    auto id = m_calls.windowID(pid, element);
+    if (!id)
+        id = resolveWindowIDFromObservedWindows(pid, element);
+    auto state = m_pidStates.find(pid);
+    if (id && state != m_pidStates.end()) {
+        if (notification == ax::windowCreated)
+            observeWindow(state->second, *id, element);
+        if (notification == ax::elementDestroyed) {
+            state->second.observedWindows.erase(*id);
+            m_debounceState.cancel(*id);
+        }
+    }
+    deliver({std::string{notification}, pid, element, id});
+}
+
+void AXObserverManager::deliver(AXWindowEvent event)
+{
+    auto call = [weak = m_weak.reference(), event] {
+        auto* self = weak.get();
+        if (self && self->onEvent)
+            self->onEvent(event);
+    };
+    if (event.windowID && isDebounced(event.notification)) {
+        m_debounceState.schedule({event.notification, *event.windowID},
+            longestWait(event.notification), std::move(call));
+    } else {
+        m_callbackQueue.async(std::move(call));
+    }
+}
+
+}

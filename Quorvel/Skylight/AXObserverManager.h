@@ -1,0 +1,144 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/WeakOwner.h"
+#include "Quorvel/Skylight/AXCalls.h"
+#include "Quorvel/Skylight/AXWindowEvent.h"
+
+namespace quorvel {
+
+struct DebounceKey {
+    std::string notification;
+    WindowID windowID{};
+
+    friend auto operator<=>(const DebounceKey&, const DebounceKey&) = default;
+};
+
+/// Delivers only the last of a row of equal events, once they have paused. Any thread; delivers on
+/// the callback queue.
+///
+/// A row that never pauses would never be seen, so events of a kind with a `longestWait` are
+/// delivered once that has passed since the first of the row, and the row starts anew.
+class DebounceState {
+public:
+    DebounceState(Dispatch& dispatch, Queue& callbackQueue)
+        : m_dispatch(dispatch)
+        , m_callbackQueue(callbackQueue)
+    {
+    }
+
+    void schedule(DebounceKey, std::optional<Duration> longestWait, Work deliver);
+    void cancel(WindowID);
+    void cancelAll();
+
+    static constexpr Duration kDelay = seconds(0.25);
+
+private:
+    struct Entry {
+        std::uint64_t number = 0; ///< tells the current task from one it replaced
+        Instant firstAt;
+        WorkItem work;
+    };
+
+    bool takeIfCurrent(const DebounceKey&, std::uint64_t number);
+
+    Dispatch& m_dispatch;
+    Queue& m_callbackQueue;
+    std::mutex m_lock;
+    std::uint64_t m_lastNumber = 0;
+    std::map<DebounceKey, Entry> m_workItems;
+};
+
+/// Subscribes to the accessibility notifications of processes and hands them on as events.
+///
+/// Every observer lives on one thread of its own, so that a slow or hung application never holds up
+/// the user interface; both callbacks come on the callback queue. Public operations on the main
+/// thread, which must also destroy the manager.
+class AXObserverManager {
+public:
+    static constexpr std::array<std::string_view, 2> applicationNotifications{
+        ax::windowCreated,
+        ax::focusedWindowChanged,
+    };
+    static constexpr std::array<std::string_view, 6> windowNotifications{
+        ax::titleChanged,
+        ax::windowResized,
+        ax::windowMoved,
+        ax::windowMiniaturized,
+        ax::windowDeminiaturized,
+        ax::elementDestroyed,
+    };
+    static constexpr std::array<std::string_view, 3> debouncedNotifications{
+        ax::titleChanged,
+        ax::windowResized,
+        ax::windowMoved,
+    };
+    static constexpr std::array<Duration, 5> retryDelays{
+        seconds(0.5), seconds(1), seconds(2), seconds(4), seconds(8)};
+
+    AXObserverManager(Dispatch&, Accessibility&, Queue& callbackQueue);
+    ~AXObserverManager();
+
+    std::function<void(const AXWindowEvent&)> onEvent;
+    std::function<void(ProcessID)> onObserverAdded;
+
+    /// Returns once the observer thread's run loop is ready.
+    void start();
+    void stop();
+    void observe(ProcessID);
+    void stopObserving(ProcessID);
+    /// Attaches where nothing is attached yet, else registers on the windows that are new.
+    void refreshWindows(const std::set<ProcessID>&);
+
+private:
+    struct PIDState {
+        std::unique_ptr<AXObserver> observer;
+        AXElement appElement;
+        std::map<WindowID, AXElement> observedWindows;
+    };
+
+    // On the observer thread.
+    void addObserver(ProcessID);
+    std::unique_ptr<AXObserver> registerApplication(ProcessID, const AXElement& application);
+    void refreshWindowObservations(ProcessID);
+    void removeObserver(ProcessID);
+    void observeWindow(PIDState&, WindowID, const AXElement&);
+    void handleNotification(ProcessID, const AXElement&, std::string_view notification);
+    std::optional<WindowID> resolveWindowIDFromObservedWindows(ProcessID, const AXElement&);
+    void scheduleRetry(ProcessID);
+    void deliver(AXWindowEvent);
+
+    // On the callback queue.
+    void attachAfter(ProcessID, Duration delay);
+
+    Dispatch& m_dispatch;
+    Queue& m_callbackQueue;
+    AXCalls m_calls; ///< used on the observer thread only
+    Accessibility& m_accessibility;
+
+    // The observer thread's own.
+    std::map<ProcessID, PIDState> m_pidStates;
+    std::map<ProcessID, std::size_t> m_retryCount;
+
+    // The callback queue's own.
+    std::set<ProcessID> m_wantedPIDs;
+    std::map<ProcessID, WorkItem> m_retries;
+
+    DebounceState m_debounceState;
+    WeakOwner<AXObserverManager> m_weak;
+    RunLoopThread* m_runLoop = nullptr; ///< of the thread below, for use on it
+    std::unique_ptr<RunLoopThread> m_thread; ///< last: joined before anything it uses goes
+};
+
+}
