@@ -1,0 +1,70 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+
+#include "Quorvel/Core/BarSize.h"
+#include "Quorvel/Core/BarViewModel.h"
+#include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Skylight/SpaceWindows.h"
+
+namespace quorvel {
+
+class BarPanel;
+class BarContentView;
+struct PanelOptions;
+
+/// Owns the bars: one panel for every ordinary space, which the window server shows with its space.
+/// Keeps them in step with spaces and screens, and tells the window server where they lie. Main
+/// thread.
+class BarManager {
+public:
+    BarManager(const Platform&, WindowStore&, const BarMetrics&);
+    ~BarManager();
+
+    BarViewModel& viewModel() { return m_viewModel; }
+    const BarViewModel& viewModel() const { return m_viewModel; }
+    const std::map<SpaceID, std::unique_ptr<BarPanel>>& panels() const { return m_panels; }
+    /// The screen that the space's bar lies on.
+    std::optional<std::size_t> screenIndex(SpaceID) const;
+
+    /// A panel for each space that is there, none for one that is gone.
+    void syncPanels();
+    /// Places every panel on its screen anew.
+    void repositionPanels();
+    void updateActiveSpacePanelVisibility();
+    void closeAllPanels();
+
+    void applyDockRectRegistrations();
+    void clearDockRectRegistrations();
+
+private:
+    struct DockRectRegistration {
+        Rect screenFrame;
+        double barHeight = 0;
+
+        friend bool operator==(const DockRectRegistration&, const DockRectRegistration&) = default;
+    };
+
+    void createPanel(const SpaceWindows::Info&);
+    std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
+    void setupSpaceChangeObserver();
+    void showMenu(BarPanel&);
+    std::optional<std::size_t> screenIndexFor(
+        const SpaceWindows::Info&, const std::vector<Screen>&) const;
+    std::map<DisplayNumber, DockRectRegistration> coveredScreensForBar() const;
+    Rect panelFrame(const Screen&) const;
+
+    Platform m_platform;
+    WindowStore& m_windowStore;
+    SpaceWindows m_spaceWindows;
+    BarMetrics m_metrics;
+    BarViewModel m_viewModel;
+    std::map<SpaceID, std::unique_ptr<BarPanel>> m_panels;
+    std::map<DisplayNumber, DockRectRegistration> m_appliedDockRectRegistrations;
+    Subscription m_activeSpaceChange;
+};
+
+}

@@ -1,0 +1,171 @@
+// What a click does to a window: activate, minimise, close.
+
+#include "Quorvel/Core/BarViewModel.h"
+#include "Quorvel/Platform/Workspace.h"
+#include "Quorvel/Skylight/WindowStore.h"
+
+namespace quorvel {
+
+namespace {
+
+std::string joined(const std::set<SpaceID>& spaces)
+{
+    std::string text;
+    for (auto space : spaces)
+        text += (text.empty() ? "" : ",") + std::to_string(raw(space));
+    return text;
+}
+
+int code(AXError error)
+{
+    return static_cast<int>(error);
+}
+
+}
+
+std::optional<AXElement> BarViewModel::findAXWindow(
+    ProcessID pid, const AXElement& application, WindowID id)
+{
+    AXCalls::Scan hungOnlyOnce(m_calls);
+    auto elements = m_calls.read<std::vector<AXElement>>(pid, application, ax::windows);
+    if (!elements)
+        return {};
+    for (auto& element : *elements) {
+        m_calls.setMessagingTimeout(element);
+        if (m_calls.windowID(pid, element) == id)
+            return element;
+    }
+    return {};
+}
+
+void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore)
+{
+    auto* window = m_windowStore.window(id);
+    if (!window)
+        return;
+    ++m_debugEventSequence;
+    if (m_trace.isOn()) {
+        m_trace.line(
+            "activateWindow begin id={} pid={} key={} spaces={} storeFocused={} pendingBefore={}",
+            raw(id), raw(window->pid), groupKey(*window), joined(window->spaceIDs),
+            orNil(m_windowStore.focusedWindowID()), orNil(m_pendingFocusedWindowID));
+    }
+    // The store may drop the window while applications are being asked.
+    auto pid = window->pid;
+    bool isMinimized = window->isMinimized;
+    setPendingFocus(id);
+    auto application = m_calls.application(pid);
+    if (focusBefore == FocusBeforeActivation::yes)
+        focusThroughApplication(id, pid, application);
+    if (m_workspace.runningApplication(pid))
+        requestApplicationActivation(pid);
+    if (auto element = findAXWindow(pid, application, id)) {
+        applyFocusAndRaise(*element, id, isMinimized);
+    } else {
+        m_trace.line(
+            "activateWindow AX resolve failed, scheduling retry id={} pid={}", raw(id), raw(pid));
+        m_activationRetry
+            = m_dispatch.main().after(kActivationRetry, [this, id, pid, application, isMinimized] {
+                  retryActivation(id, pid, application, isMinimized);
+              });
+    }
+    // Lit at once; a refresh would ask the store, which cannot know yet.
+    publish(id);
+    m_trace.line(
+        "activateWindow end id={} focusedWindowID={}", raw(id), orNil(focusedWindowID.value()));
+}
+
+void BarViewModel::focusThroughApplication(WindowID id, ProcessID pid, const AXElement& application)
+{
+    auto element = findAXWindow(pid, application, id);
+    if (!element) {
+        m_trace.line(
+            "activateWindow preactivation AX resolve failed id={} pid={}", raw(id), raw(pid));
+        return;
+    }
+    auto focused = m_accessibility.setAttribute(application, ax::focusedWindow, *element);
+    auto main = m_accessibility.setAttribute(application, ax::mainWindow, *element);
+    m_trace.line("activateWindow AX app focused/main sent id={} focusedWindow={} mainWindow={}",
+        raw(id), code(focused), code(main));
+    auto* window = m_windowStore.window(id);
+    applyFocusAndRaise(*element, id, window && window->isMinimized);
+}
+
+void BarViewModel::applyFocusAndRaise(const AXElement& element, WindowID id, bool isMinimized)
+{
+    auto unminimize = isMinimized ? m_accessibility.setAttribute(element, ax::minimized, false)
+                                  : AXError::success;
+    auto main = m_accessibility.setAttribute(element, ax::main, true);
+    auto focus = m_accessibility.setAttribute(element, ax::focused, true);
+    auto raise = m_accessibility.performAction(element, ax::raiseAction);
+    m_trace.line("activateWindow AX focus/raise sent id={} unminimize={} main={} focus={} raise={}",
+        raw(id), code(unminimize), code(main), code(focus), code(raise));
+}
+
+void BarViewModel::requestApplicationActivation(ProcessID pid)
+{
+    auto frontmost = [this] {
+        auto front = m_workspace.frontmostApplication();
+        return front ? raw(*front) : -1;
+    };
+    bool wasSelfActive = m_workspace.isSelfActive();
+    bool isAccepted = m_workspace.activateCooperatively(pid);
+    m_trace.line("activateWindow app.activate mode=cooperative pid={} accepted={} "
+                 "selfActiveBefore={} frontmostBefore={}",
+        raw(pid), isAccepted, wasSelfActive, frontmost());
+    if (isAccepted)
+        return;
+    // A yielded activation counts only from the active application, so become that first.
+    if (!wasSelfActive)
+        m_workspace.activateSelf();
+    isAccepted = m_workspace.activateDirectly(pid);
+    m_trace.line("activateWindow app.activate mode={} pid={} accepted={} selfActiveAfter={} "
+                 "frontmostAfter={}",
+        wasSelfActive ? "direct" : "direct-after-self-activate", raw(pid), isAccepted,
+        m_workspace.isSelfActive(), frontmost());
+}
+
+void BarViewModel::retryActivation(
+    WindowID id, ProcessID pid, const AXElement& application, bool isMinimized)
+{
+    if (auto element = findAXWindow(pid, application, id)) {
+        applyFocusAndRaise(*element, id, isMinimized);
+        return;
+    }
+    m_trace.line(
+        "activateWindow failed resolve AX window after retry id={} pid={}", raw(id), raw(pid));
+    m_windowStore.scheduleDeferredScan(pid);
+    m_pendingFocusedWindowID.reset();
+    m_pendingExpiry = {};
+}
+
+void BarViewModel::minimizeWindow(WindowID id)
+{
+    auto* window = m_windowStore.window(id);
+    if (!window)
+        return;
+    auto pid = window->pid;
+    if (m_pendingFocusedWindowID == id) {
+        m_pendingFocusedWindowID.reset();
+        m_pendingExpiry = {};
+    }
+    if (focusedWindowID.value() == id)
+        publish(std::nullopt);
+    if (auto element = findAXWindow(pid, m_calls.application(pid), id))
+        m_accessibility.setAttribute(*element, ax::minimized, true);
+}
+
+void BarViewModel::closeWindow(WindowID id)
+{
+    auto* window = m_windowStore.window(id);
+    if (!window)
+        return;
+    auto pid = window->pid;
+    auto element = findAXWindow(pid, m_calls.application(pid), id);
+    if (!element)
+        return;
+    if (auto button = m_calls.read<AXElement>(pid, *element, ax::closeButton))
+        m_accessibility.performAction(*button, ax::pressAction);
+}
+
+}

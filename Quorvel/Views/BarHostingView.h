@@ -1,0 +1,52 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "Quorvel/Platform/Surfaces.h"
+#include "Quorvel/Views/Kit/View.h"
+
+namespace quorvel {
+
+/// Joins a surface and a tree of views: paints what was invalidated, and finds out which view the
+/// pointer is on, has entered, left, pressed or released. Main thread.
+class BarHostingView final : public SurfaceClient, private ViewHost {
+public:
+    BarHostingView() = default;
+    ~BarHostingView() override;
+
+    /// The surface must outlive the content.
+    void attach(PanelSurface&);
+    void setContent(std::unique_ptr<View>);
+    View* content() const { return m_content.get(); }
+
+    std::function<void(const ScrollEvent&)> onScroll;
+
+private:
+    void paint(Canvas&, const Rect& damage) override;
+    void pointerEvent(const PointerEvent&) override;
+    void scrollEvent(const ScrollEvent&) override;
+    void surfaceDidResize(Size) override;
+
+    void viewNeedsPaint(const Rect&) override;
+    void viewWillVanish(const View&) override;
+    void viewsDidMove() override;
+
+    void press(const PointerEvent&);
+    void release(const PointerEvent&);
+    void cancelPress();
+    void updateHover();
+    std::vector<View*> viewsUnderPointer() const;
+
+    PanelSurface* m_surface = nullptr;
+    Size m_size;
+    std::optional<Point> m_pointer; ///< absent while it is elsewhere
+    std::vector<View*> m_hovered; ///< the views under the pointer, from the root to the leaf
+    View* m_pressed = nullptr;
+    PointerButton m_pressedButton = PointerButton::none;
+    std::unique_ptr<View> m_content;
+};
+
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "Quorvel/Core/BarSize.h"
+#include "Quorvel/Core/DisplayItem.h"
+#include "Quorvel/Views/ChipView.h"
+#include "Quorvel/Views/Kit/View.h"
+
+namespace quorvel {
+
+/// The row of chips. Targets hold still: while the pointer is over the row, a chip that goes leaves
+/// an empty slot and a new one comes last; the row closes up when the pointer leaves.
+class ChipsRow final : public View {
+public:
+    explicit ChipsRow(const BarMetrics& metrics) : m_metrics(metrics) { }
+
+    void setItems(const std::vector<DisplayItem>&);
+    void setDark(bool);
+    void setRightToLeft(bool);
+
+    void pointerEntered() override { m_isHeld = true; }
+    void pointerExited() override;
+
+    std::function<void(const ChipData&, ChipView::Click)> onChipClick;
+
+    std::vector<std::pair<std::string, Rect>> chipFrames() const;
+
+private:
+    void layout() override;
+    bool clipsChildren() const override { return true; }
+
+    void updateChips(const std::vector<DisplayItem>&);
+    std::vector<std::string> wantedSlots() const;
+    /// Lays the slots out anew if others are wanted.
+    void settle();
+    ChipView& makeChip(const std::string& id);
+
+    BarMetrics m_metrics;
+    bool m_isDark = true;
+    bool m_isRightToLeft = false;
+    bool m_isHeld = false;
+    std::vector<std::string> m_order; ///< of the newest items
+    std::vector<std::string> m_slots; ///< as laid out; some may be empty while held
+    std::map<std::string, ChipView*> m_chips;
+};
+
+}

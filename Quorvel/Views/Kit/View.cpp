@@ -1,0 +1,131 @@
+#include "Quorvel/Views/Kit/View.h"
+
+#include <algorithm>
+
+namespace quorvel {
+
+View::~View()
+{
+    if (auto* host_ = host())
+        host_->viewWillVanish(*this);
+}
+
+ViewHost* View::host() const
+{
+    auto* view = this;
+    while (view->m_parent)
+        view = view->m_parent;
+    return view->m_host;
+}
+
+void View::adopt(std::unique_ptr<View> child)
+{
+    child->m_parent = this;
+    m_children.push_back(std::move(child));
+    m_children.back()->invalidate();
+}
+
+std::unique_ptr<View> View::removeChild(View& child)
+{
+    auto found = std::find_if(m_children.begin(), m_children.end(),
+        [&](auto& candidate) { return candidate.get() == &child; });
+    if (found == m_children.end())
+        return nullptr;
+    child.invalidate();
+    if (auto* host_ = host())
+        host_->viewWillVanish(child);
+    auto removed = std::move(*found);
+    m_children.erase(found);
+    removed->m_parent = nullptr;
+    return removed;
+}
+
+void View::setFrame(const Rect& frame)
+{
+    if (frame == m_frame)
+        return;
+    invalidate();
+    bool isResized = frame.size() != m_frame.size();
+    m_frame = frame;
+    if (isResized)
+        layout();
+    invalidate();
+}
+
+bool View::isWithin(const View& ancestor) const
+{
+    auto* view = this;
+    while (view && view != &ancestor)
+        view = view->m_parent;
+    return view != nullptr;
+}
+
+Rect View::frameInRoot() const
+{
+    auto rect = bounds();
+    for (auto* view = this; view->m_parent; view = view->m_parent)
+        rect = rect.translated(view->m_frame.x, view->m_frame.y);
+    return rect;
+}
+
+void View::invalidate(const Rect& rect)
+{
+    auto* host_ = host();
+    if (!host_ || rect.isEmpty())
+        return;
+    auto damage = rect;
+    for (auto* view = this; view->m_parent; view = view->m_parent) {
+        if (view->m_parent->clipsChildren())
+            damage = damage.translated(view->m_frame.x, view->m_frame.y)
+                         .intersected(view->m_parent->bounds());
+        else
+            damage = damage.translated(view->m_frame.x, view->m_frame.y);
+    }
+    if (!damage.isEmpty())
+        host_->viewNeedsPaint(damage);
+}
+
+void View::paintTree(Canvas& canvas, const Rect& damage) const
+{
+    paint(canvas);
+    if (clipsChildren()) {
+        canvas.save();
+        canvas.clip(bounds());
+    }
+    for (auto& child : m_children) {
+        auto& frame = child->m_frame;
+        if (!frame.intersects(damage))
+            continue;
+        canvas.save();
+        canvas.translate(frame.x, frame.y);
+        child->paintTree(canvas, damage.translated(-frame.x, -frame.y));
+        canvas.restore();
+    }
+    if (clipsChildren())
+        canvas.restore();
+}
+
+std::vector<View*> View::pathTo(Point point)
+{
+    std::vector<View*> path;
+    auto* view = bounds().contains(point) ? this : nullptr;
+    while (view) {
+        path.push_back(view);
+        auto child = std::find_if(view->m_children.rbegin(), view->m_children.rend(),
+            [&](auto& candidate) { return candidate->m_frame.contains(point); });
+        view = child == view->m_children.rend() ? nullptr : child->get();
+        if (view)
+            point = point.translated(-view->m_frame.x, -view->m_frame.y);
+    }
+    return path;
+}
+
+View* View::hitTest(Point point)
+{
+    auto path = pathTo(point);
+    auto hit
+        = std::find_if(path.rbegin(), path.rend(), [](auto* view) { return view->takesPointer(); });
+    return hit == path.rend() ? nullptr : *hit;
+}
+
+}

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "Quorvel/Platform/Canvas.h"
+#include "Quorvel/Platform/Geometry.h"
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel {
+
+class View;
+
+/// The surface at the root of a tree of views.
+class ViewHost {
+public:
+    virtual ~ViewHost() = default;
+
+    /// In the root view's coordinates.
+    virtual void viewNeedsPaint(const Rect&) = 0;
+    /// The view leaves the tree or goes altogether: nobody may point at it any longer.
+    virtual void viewWillVanish(const View&) = 0;
+    /// Called by a view that has placed its children anew: another one may lie under the pointer.
+    virtual void viewsDidMove() = 0;
+};
+
+/// A rectangle that draws itself and takes the pointer: the small retained kit under every view.
+///
+/// A view is owned by its parent and lives from `addChild` to `removeChild` (or its parent's end).
+/// It is given what it shows as a value; a setter compares it with the old one and calls
+/// `invalidate()` only on a difference. The parent sets the frame, in the parent's coordinates
+/// (points, origin top left, y downwards); a change of size calls `layout()`, where the view places
+/// its children. Painting goes from the root to the leaves, clipped to what was invalidated:
+/// `paint` draws in the view's own coordinates, computes its rectangles by the same pure function
+/// as hit-testing, and makes no system call and reads no settings or time.
+///
+/// The pointer goes to the deepest view under it that `takesPointer()`. A press is followed by
+/// exactly one `released` or `pressCancelled` on the same view, wherever the pointer is by then.
+/// Actions go up through callbacks that the owner sets; nothing goes sideways. Main thread only.
+class View {
+public:
+    View() = default;
+    virtual ~View();
+    View(const View&) = delete;
+    View& operator=(const View&) = delete;
+
+    const Rect& frame() const { return m_frame; }
+    Rect bounds() const { return {0, 0, m_frame.width, m_frame.height}; }
+    void setFrame(const Rect&);
+    /// In the root view's coordinates.
+    Rect frameInRoot() const;
+    /// Whether it is this view or one below it.
+    bool isWithin(const View& ancestor) const;
+
+    template <typename ViewType> ViewType& addChild(std::unique_ptr<ViewType> child)
+    {
+        auto& added = *child;
+        adopt(std::move(child));
+        return added;
+    }
+    std::unique_ptr<View> removeChild(View&);
+
+    void invalidate() { invalidate(bounds()); }
+    void invalidate(const Rect&);
+
+    void paintTree(Canvas&, const Rect& damage) const;
+    /// The deepest view at the point that takes the pointer.
+    View* hitTest(Point);
+    /// The views at the point, from this one to the deepest.
+    std::vector<View*> pathTo(Point);
+
+    /// For the root only.
+    void setHost(ViewHost* host) { m_host = host; }
+
+    virtual bool takesPointer() const { return false; }
+    /// The pointer came over the view or one below it.
+    virtual void pointerEntered() { }
+    virtual void pointerExited() { }
+    virtual void pressed(PointerButton) { }
+    virtual void released(PointerButton, bool /*isInside*/) { }
+    virtual void pressCancelled() { }
+
+protected:
+    virtual void paint(Canvas&) const { }
+    virtual void layout() { }
+    /// Whether children are cut off at this view's bounds.
+    virtual bool clipsChildren() const { return false; }
+
+    const std::vector<std::unique_ptr<View>>& children() const { return m_children; }
+    ViewHost* host() const;
+
+private:
+    void adopt(std::unique_ptr<View>);
+
+    View* m_parent = nullptr;
+    ViewHost* m_host = nullptr;
+    Rect m_frame;
+    std::vector<std::unique_ptr<View>> m_children;
+};
+
+}
