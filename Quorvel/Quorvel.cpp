@@ -1,0 +1,249 @@
+#include "Quorvel/Quorvel.h"
+
+#include <cassert>
+
+#include "Quorvel/Core/BarManager.h"
+#include "Quorvel/Platform/Accessibility.h"
+#include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/ControlChannel.h"
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/ScreenCapture.h"
+#include "Quorvel/Platform/WindowServer.h"
+#include "Quorvel/Skylight/AXObserverManager.h"
+#include "Quorvel/Skylight/WindowStore.h"
+#include "Quorvel/StateReport.h"
+
+namespace quorvel {
+
+namespace {
+
+constexpr Duration kRefreshAfterAttach = seconds(0.8);
+constexpr Duration kBootstrapPause = seconds(1.5);
+
+Runtime* s_current = nullptr;
+
+}
+
+// MARK: Runtime
+
+Runtime::Runtime(const Platform& platform) : m_platform(platform)
+{
+    assert(!s_current);
+    s_current = this;
+}
+
+Runtime::~Runtime()
+{
+    s_current = nullptr;
+}
+
+Runtime& Runtime::current()
+{
+    assert(s_current);
+    return *s_current;
+}
+
+WindowStore& Runtime::windowStore()
+{
+    if (!m_windowStore) {
+        m_windowStore = std::make_unique<WindowStore>(m_platform.dispatch, m_platform.accessibility,
+            m_platform.windowServer, m_platform.displays, m_platform.workspace, m_platform.trace);
+    }
+    return *m_windowStore;
+}
+
+AXObserverManager& Runtime::axManager()
+{
+    if (!m_axManager) {
+        m_axManager = std::make_unique<AXObserverManager>(
+            m_platform.dispatch, m_platform.accessibility, m_platform.dispatch.main());
+    }
+    return *m_axManager;
+}
+
+// MARK: LaunchCoordinator
+
+LaunchCoordinator::LaunchCoordinator(const Platform& platform)
+    : app(platform.application)
+    , m_platform(platform)
+{
+}
+
+bool LaunchCoordinator::arePermissionsGranted() const
+{
+    return m_platform.accessibility.isTrusted() && m_platform.screenCapture.preflightAccess();
+}
+
+void LaunchCoordinator::showPermissionsGate()
+{
+    m_permissionsController
+        = std::make_unique<PermissionsGate>(m_platform.dispatch, m_platform.accessibility,
+            m_platform.screenCapture, [this] { startMainRuntimeIfPossible(); });
+    m_permissionsController->show();
+}
+
+void LaunchCoordinator::startMainRuntimeIfPossible()
+{
+    if (didStartMainRuntime || !arePermissionsGranted())
+        return;
+    m_permissionsController.reset();
+    didStartMainRuntime = true;
+    QuorvelApp::startMainRuntime(app);
+}
+
+// MARK: QuorvelApp
+
+int QuorvelApp::main(const Platform& platform)
+{
+    Runtime runtime(platform);
+    launch(runtime);
+    return platform.application.run();
+}
+
+void QuorvelApp::launch(Runtime& runtime)
+{
+    auto& platform = runtime.m_platform;
+    platform.application.setActivationPolicy(ActivationPolicy::accessory);
+    answerRequests(runtime);
+    runtime.m_coordinator = std::make_unique<LaunchCoordinator>(platform);
+    if (runtime.m_coordinator->arePermissionsGranted())
+        runtime.m_coordinator->startMainRuntimeIfPossible();
+    else
+        runtime.m_coordinator->showPermissionsGate();
+}
+
+void QuorvelApp::startMainRuntime(Application& app)
+{
+    auto& runtime = Runtime::current();
+    auto& platform = runtime.m_platform;
+    app.setActivationPolicy(ActivationPolicy::accessory);
+    runtime.m_lastBootstrap.clear();
+    // The bar must have windows before its first layout.
+    runtime.windowStore().populate();
+    runtime.m_barManager = std::make_unique<BarManager>(
+        platform, runtime.windowStore(), BarMetrics::of(BarSize::medium));
+    runtime.m_barManager->syncPanels();
+    runtime.m_barManager->repositionPanels();
+    runtime.keep(platform.displays.parametersDidChange.subscribe(
+        [&runtime] { runtime.m_barManager->repositionPanels(); }));
+    wireObserverManager(runtime);
+    observeWorkspace(runtime);
+    observeHints(runtime);
+    runtime.keep(
+        app.willTerminate.subscribe([&runtime] { runtime.m_barManager->closeAllPanels(); }));
+}
+
+void QuorvelApp::wireObserverManager(Runtime& runtime)
+{
+    auto& manager = runtime.axManager();
+    manager.onEvent
+        = [&runtime](const AXWindowEvent& event) { runtime.windowStore().handleAXEvent(event); };
+    manager.onObserverAdded = [&runtime](ProcessID pid) {
+        runtime.windowStore().handleObserverAttached(pid);
+        runtime.windowStore().addWindowsForPID(pid);
+        runtime.m_refreshAfterAttach[pid]
+            = runtime.m_platform.dispatch.main().after(kRefreshAfterAttach, [&runtime, pid] {
+                  runtime.axManager().refreshWindows({pid});
+                  runtime.m_refreshAfterAttach.erase(pid);
+              });
+    };
+    manager.start();
+    for (auto pid : runtime.windowStore().trackedPIDs())
+        manager.observe(pid);
+}
+
+void QuorvelApp::observeWorkspace(Runtime& runtime)
+{
+    auto& workspace = runtime.m_platform.workspace;
+    runtime.keep(workspace.didLaunch.subscribe([&runtime](const RunningApplication& application) {
+        if (application.activationPolicy == ActivationPolicy::regular)
+            bootstrap(runtime, application.pid);
+    }));
+    runtime.keep(
+        workspace.didTerminate.subscribe([&runtime](const RunningApplication& application) {
+            runtime.m_refreshAfterAttach.erase(application.pid);
+            runtime.m_lastBootstrap.erase(application.pid);
+            runtime.axManager().stopObserving(application.pid);
+            runtime.windowStore().removeWindows(application.pid);
+        }));
+    runtime.keep(workspace.didActivate.subscribe([&runtime](const RunningApplication& application) {
+        applicationDidActivate(runtime, application);
+    }));
+    runtime.keep(workspace.didWake.subscribe([&runtime] { resynchronise(runtime, true); }));
+    runtime.keep(
+        workspace.activeSpaceDidChange.subscribe([&runtime] { resynchronise(runtime, false); }));
+}
+
+void QuorvelApp::bootstrap(Runtime& runtime, ProcessID pid)
+{
+    runtime.axManager().observe(pid);
+    runtime.windowStore().startLifecycleMonitoring(pid, WindowStore::kLaunchTickDelay);
+    runtime.windowStore().scheduleDeferredScan(pid);
+}
+
+void QuorvelApp::applicationDidActivate(Runtime& runtime, const RunningApplication& application)
+{
+    auto pid = application.pid;
+    auto& store = runtime.windowStore();
+    store.handleAppActivated(pid);
+    bool isExcluded
+        = application.bundleIdentifier && isSystemBundleIdentifier(*application.bundleIdentifier);
+    if (application.activationPolicy != ActivationPolicy::regular || isExcluded)
+        return;
+    if (!store.needsObserverBootstrap(pid)) {
+        runtime.m_lastBootstrap.erase(pid);
+        return;
+    }
+    auto now = runtime.m_platform.dispatch.now();
+    auto last = runtime.m_lastBootstrap.find(pid);
+    if (last != runtime.m_lastBootstrap.end() && now - last->second < kBootstrapPause)
+        return;
+    runtime.m_lastBootstrap[pid] = now;
+    bootstrap(runtime, pid);
+}
+
+void QuorvelApp::resynchronise(Runtime& runtime, bool afterWake)
+{
+    auto& store = runtime.windowStore();
+    store.refreshSpaces();
+    if (afterWake)
+        store.resyncMinimizedWindows();
+    runtime.m_barManager->syncPanels();
+    store.discoverNewWindowsForTrackedPIDs();
+    auto pids = store.trackedPIDs();
+    if (!pids.empty())
+        runtime.axManager().refreshWindows(pids);
+}
+
+void QuorvelApp::observeHints(Runtime& runtime)
+{
+    auto& server = runtime.m_platform.windowServer;
+    runtime.keep(server.spacesOfWindowsDidChange.subscribe(
+        [&runtime] { runtime.windowStore().refreshSpaces(); }));
+    runtime.keep(server.spacesDidChange.subscribe([&runtime] {
+        runtime.windowStore().refreshSpaces();
+        runtime.m_barManager->syncPanels();
+        runtime.m_barManager->viewModel().refresh();
+    }));
+}
+
+void QuorvelApp::answerRequests(Runtime& runtime)
+{
+    runtime.m_platform.control.setHandler(
+        [&runtime](const std::vector<std::string>& arguments) -> ControlReply {
+            if (arguments == std::vector<std::string>{"--quit"}) {
+                // On the next turn, when the reply is on its way.
+                runtime.m_platform.dispatch.main().async(
+                    [&runtime] { runtime.m_platform.application.terminate(); });
+                return {};
+            }
+            if (arguments != std::vector<std::string>{"--state"})
+                return {1, "", "quorvel: the running bar does not know this request\n"};
+            if (!runtime.barManager())
+                return {1, "", "quorvel: the bar is waiting for permissions\n"};
+            return {0,
+                stateReport(runtime.m_platform, runtime.windowStore(), *runtime.barManager()), ""};
+        });
+}
+
+}

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <array>
+#include <map>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "Quorvel/Core/PermissionsGate.h"
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Platform/Published.h"
+#include "Quorvel/Platform/Workspace.h"
+#include "Quorvel/Skylight/Minimal.h"
+
+namespace quorvel {
+
+class AXObserverManager;
+class BarManager;
+class LaunchCoordinator;
+class WindowStore;
+
+/// The long-lived objects of one running program. `main` owns it; the static accessors of
+/// `QuorvelApp` look here, so that a test can build and drop several. Main thread.
+class Runtime {
+public:
+    explicit Runtime(const Platform&);
+    ~Runtime();
+    Runtime(const Runtime&) = delete;
+    Runtime& operator=(const Runtime&) = delete;
+
+    static Runtime& current();
+
+    const Platform& platform() const { return m_platform; }
+    WindowStore& windowStore();
+    AXObserverManager& axManager();
+    /// Null until the main runtime has started.
+    BarManager* barManager() { return m_barManager.get(); }
+
+private:
+    friend class QuorvelApp;
+
+    void keep(Subscription subscription) { m_subscriptions.push_back(std::move(subscription)); }
+
+    Platform m_platform;
+    std::unique_ptr<WindowStore> m_windowStore;
+    std::unique_ptr<AXObserverManager> m_axManager;
+    std::unique_ptr<BarManager> m_barManager;
+    std::map<ProcessID, Instant> m_lastBootstrap;
+    std::vector<Subscription> m_subscriptions;
+    std::map<ProcessID, WorkItem> m_refreshAfterAttach;
+    std::unique_ptr<LaunchCoordinator> m_coordinator;
+};
+
+/// The entry: makes the long-lived services and wires them to each other.
+class QuorvelApp {
+public:
+    QuorvelApp() = delete;
+
+    /// Activating one of these never starts window tracking.
+    static constexpr auto excludedBootstrapBundleIDs = kSystemBundleIdentifiers;
+
+    /// Runs the program until it is terminated; returns the exit status.
+    static int main(const Platform&);
+    /// Everything of `main` before the event loop.
+    static void launch(Runtime&);
+
+    static WindowStore& windowStore() { return Runtime::current().windowStore(); }
+    static AXObserverManager& axManager() { return Runtime::current().axManager(); }
+
+    static void startMainRuntime(Application&);
+
+private:
+    static void wireObserverManager(Runtime&);
+    static void observeWorkspace(Runtime&);
+    static void observeHints(Runtime&);
+    static void answerRequests(Runtime&);
+    static void bootstrap(Runtime&, ProcessID);
+    static void applicationDidActivate(Runtime&, const RunningApplication&);
+    static void resynchronise(Runtime&, bool afterWake);
+};
+
+/// Starts the runtime exactly once, as soon as the user has granted both permissions.
+class LaunchCoordinator {
+public:
+    explicit LaunchCoordinator(const Platform&);
+
+    void startMainRuntimeIfPossible();
+    void showPermissionsGate();
+    bool arePermissionsGranted() const;
+
+    Application& app;
+    bool didStartMainRuntime = false;
+
+private:
+    Platform m_platform;
+    std::unique_ptr<PermissionsGate> m_permissionsController;
+};
+
+}

@@ -1,0 +1,129 @@
+#include "Quorvel/StateReport.h"
+
+#include <nlohmann/json.hpp>
+
+#include "Quorvel/Core/BarManager.h"
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/WindowServer.h"
+#include "Quorvel/Skylight/WindowStore.h"
+#include "Quorvel/Version.h"
+#include "Quorvel/Views/BarPanel.h"
+
+namespace quorvel {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+template <typename Value> Json orNull(const std::optional<Value>& value)
+{
+    if (!value)
+        return nullptr;
+    if constexpr (std::is_enum_v<Value>)
+        return raw(*value);
+    else
+        return *value;
+}
+
+Json frameJson(const Platform& platform, const Rect& globalTopLeft)
+{
+    auto native = platform.displays.toNative(globalTopLeft);
+    return {native.x, native.y, native.width, native.height};
+}
+
+Json windowJson(const Platform& platform, const TrackedWindow& window)
+{
+    Json spaces = Json::array();
+    for (auto space : window.spaceIDs)
+        spaces.push_back(raw(space));
+    return {
+        {"id", raw(window.windowID)},
+        {"xid", orNull(platform.windowServer.nativeWindowNumber(window.windowID))},
+        {"pid", raw(window.pid)},
+        {"app", window.appName},
+        {"bundle", orNull(window.bundleIdentifier)},
+        {"title", window.windowTitle},
+        {"frame", frameJson(platform, window.frame)},
+        {"minimized", window.isMinimized},
+        {"spaces", std::move(spaces)},
+    };
+}
+
+Json itemJson(const DisplayItem& item)
+{
+    auto& chip = std::get<ChipData>(item);
+    return {
+        {"id", displayItemID(item)},
+        {"kind", "single"},
+        {"app", chip.appName},
+        {"bundle", orNull(chip.bundleIdentifier)},
+        {"title", chip.windowTitle},
+        {"windows", Json::array({raw(chip.id)})},
+        {"focused", chip.isFocused},
+        {"minimized", chip.isMinimized},
+        {"badge", nullptr},
+        {"attention", false},
+    };
+}
+
+Json spaceJson(const BarManager& manager, const SpaceWindows::Info& space)
+{
+    Json items = Json::array();
+    for (auto& item : manager.viewModel().displayItems(space.spaceID, std::nullopt))
+        items.push_back(itemJson(item));
+    return {
+        {"id", raw(space.spaceID)},
+        {"type", space.spaceType},
+        {"display", space.displayIdentifier},
+        {"items", std::move(items)},
+    };
+}
+
+Json panelJson(const Platform& platform, const BarManager& manager, const BarPanel& panel)
+{
+    auto screens = platform.displays.screens();
+    double primaryHeight = screens.empty() ? 0 : screens.front().frame.height;
+    auto frame = panel.surface().frame().flipped(primaryHeight);
+    auto inPanel
+        = [&](const Rect& rect) { return frameJson(platform, rect.translated(frame.x, frame.y)); };
+    Json chips = Json::array();
+    for (auto& [id, rect] : panel.content()->chipFrames())
+        chips.push_back({{"id", id}, {"frame", inPanel(rect)}});
+    return {
+        {"space", raw(panel.spaceID())},
+        {"screen", orNull(manager.screenIndex(panel.spaceID()))},
+        {"visible", panel.surface().isVisible()},
+        {"frame", frameJson(platform, frame)},
+        {"menuButton", inPanel(panel.content()->menuButtonFrame())},
+        {"chips", std::move(chips)},
+    };
+}
+
+}
+
+std::string stateReport(
+    const Platform& platform, const WindowStore& store, const BarManager& manager)
+{
+    auto& model = manager.viewModel();
+    Json windows = Json::array();
+    for (auto& [id, window] : store.windows())
+        windows.push_back(windowJson(platform, window));
+    Json spaces = Json::array();
+    for (auto& space : model.spaces.value())
+        spaces.push_back(spaceJson(manager, space));
+    Json panels = Json::array();
+    for (auto& [space, panel] : manager.panels())
+        panels.push_back(panelJson(platform, manager, *panel));
+    Json state{
+        {"version", kVersion},
+        {"activeSpace", raw(model.activeSpaceID.value())},
+        {"focusedWindow", orNull(model.focusedWindowID.value())},
+        {"windows", std::move(windows)},
+        {"spaces", std::move(spaces)},
+        {"panels", std::move(panels)},
+    };
+    // Titles come from other programs and may hold anything.
+    return state.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}
