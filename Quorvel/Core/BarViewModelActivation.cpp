@@ -11,8 +11,11 @@ namespace {
 std::string joined(const std::set<SpaceID>& spaces)
 {
     std::string text;
-    for (auto space : spaces)
-        text += (text.empty() ? "" : ",") + std::to_string(raw(space));
+    for (auto space : spaces) {
+        if (!text.empty())
+            text += ',';
+        text += std::to_string(raw(space));
+    }
     return text;
 }
 
