@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <xcb/xcb.h>
+
+#include "Hosts/X11/Surface/CairoHandles.h"
+#include "Quorvel/Platform/Geometry.h"
+
+namespace quorvel::x11 {
+
+class Connection;
+
+/// A depth and visual with the colour map that a window of it needs.
+struct WindowVisual {
+    std::uint8_t depth = 0;
+    xcb_visualid_t visual = 0;
+    xcb_colormap_t colormap = 0; ///< 0: the parent's
+
+    static WindowVisual ofRoot(const Connection&);
+    /// One with transparency, if the screen has it; the colour map is new.
+    static WindowVisual withAlpha(Connection&);
+};
+
+/// What a window shows, kept on this side: a part of it is painted, then sent at once. The server
+/// has it whole or not at all, so nothing flickers, and exposed parts need no painting.
+class BackBuffer {
+public:
+    BackBuffer(Connection&, const WindowVisual&);
+    ~BackBuffer();
+
+    /// Allocates for this size; the content is undefined. An empty size frees everything.
+    void resize(int width, int height);
+    bool isEmpty() const { return !m_surface; }
+    cairo_surface_t* surface() const { return m_surface.get(); }
+
+    void copyTo(xcb_window_t, const Rect& pixels);
+
+private:
+    void put(xcb_window_t, int x, int y, int width, int height);
+    void draw(xcb_window_t, int x, int y, int width, int height);
+
+    Connection& m_connection;
+    WindowVisual m_visual;
+    bool m_isNativeFormat;
+    xcb_gcontext_t m_context = 0;
+    CairoSurface m_surface;
+    std::vector<std::uint8_t> m_rows; ///< the rows of a part, one after the other
+};
+
+}

@@ -1,0 +1,273 @@
+#include "Hosts/X11/Surface/DisplayWindow.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Monitors.h"
+#include "Hosts/X11/PanelEnvironment.h"
+#include "Hosts/X11/Surface/CairoCanvas.h"
+#include "Hosts/X11/Surface/X11Panel.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+Rect wholePixels(const Rect& rect)
+{
+    double left = std::round(rect.x);
+    double top = std::round(rect.y);
+    return {left, top, std::max(1.0, std::round(rect.maxX()) - left),
+        std::max(1.0, std::round(rect.maxY()) - top)};
+}
+
+template <typename Map, typename Key>
+typename Map::mapped_type valueOr(const Map& map, Key key, typename Map::mapped_type fallback)
+{
+    auto found = map.find(key);
+    return found == map.end() ? fallback : found->second;
+}
+
+/// The window whose event this is; 0 for events that are none of ours.
+xcb_window_t eventWindow(const xcb_generic_event_t* event)
+{
+    switch (event->response_type & 0x7f) {
+    case XCB_EXPOSE:
+        return reinterpret_cast<const xcb_expose_event_t*>(event)->window;
+    case XCB_MAP_NOTIFY:
+        return reinterpret_cast<const xcb_map_notify_event_t*>(event)->window;
+    case XCB_REPARENT_NOTIFY:
+        return reinterpret_cast<const xcb_reparent_notify_event_t*>(event)->window;
+    case XCB_CONFIGURE_NOTIFY:
+        return reinterpret_cast<const xcb_configure_notify_event_t*>(event)->window;
+    case XCB_ENTER_NOTIFY:
+    case XCB_LEAVE_NOTIFY:
+    case XCB_MOTION_NOTIFY:
+    case XCB_BUTTON_PRESS:
+    case XCB_BUTTON_RELEASE:
+        // All of them have the window at the same place.
+        return reinterpret_cast<const xcb_button_press_event_t*>(event)->event;
+    default:
+        return XCB_WINDOW_NONE;
+    }
+}
+
+}
+
+DisplayWindow::DisplayWindow(const SurfaceContext& context, DisplayNumber display, bool canBlur)
+    : m_context(context)
+    , m_display(display)
+    , m_canBlur(canBlur)
+    , m_paint([this] { paint(); })
+{
+    auto& environment = m_context.environment;
+    auto& connection = m_context.connection;
+    m_subscriptions.push_back(connection.event.subscribe([this](auto* event) { handle(event); }));
+    m_subscriptions.push_back(connection.turnEnded.subscribe([this] { endTurn(); }));
+    m_subscriptions.push_back(environment.activeSpace.subscribe([this](auto&) { update(); }));
+    m_subscriptions.push_back(m_context.monitors.changed.subscribe([this] { update(); }));
+    m_subscriptions.push_back(environment.dockHeights.subscribe([this](auto&) { updateStrut(); }));
+    m_subscriptions.push_back(
+        environment.edgeReservations.subscribe([this](auto&) { updateStrut(); }));
+    m_subscriptions.push_back(environment.isCovered.subscribe([this](auto&) { updateStacking(); }));
+}
+
+DisplayWindow::~DisplayWindow() = default;
+
+void DisplayWindow::add(X11Panel& panel)
+{
+    m_panels.push_back(&panel);
+}
+
+void DisplayWindow::remove(X11Panel& panel)
+{
+    if (m_shown == &panel) {
+        m_pointer.setClient(nullptr);
+        m_shown = nullptr;
+    }
+    std::erase(m_panels, &panel);
+    update();
+}
+
+bool DisplayWindow::isCurrent(const X11Panel& panel) const
+{
+    return panel.options().space == m_context.environment.activeSpace.value();
+}
+
+double DisplayWindow::scale() const
+{
+    return m_context.monitors.coordinates().scale;
+}
+
+Rect DisplayWindow::toPixels(const Rect& screenPoints) const
+{
+    auto& coordinates = m_context.monitors.coordinates();
+    return wholePixels(coordinates.toPixels(screenPoints.flipped(coordinates.primaryHeight())));
+}
+
+X11Panel* DisplayWindow::panelOfCurrentSpace() const
+{
+    auto found = std::ranges::find_if(m_panels, [this](auto* panel) { return isCurrent(*panel); });
+    return found == m_panels.end() ? nullptr : *found;
+}
+
+bool DisplayWindow::hasOrderedInPanel() const
+{
+    return std::ranges::any_of(m_panels, [](auto* panel) { return panel->isOrderedIn(); });
+}
+
+void DisplayWindow::update()
+{
+    auto* current = panelOfCurrentSpace();
+    if (current && current->isOrderedIn())
+        return show(*current);
+    // A space that is new has no panel yet: what is seen stays until it has.
+    if (current || !hasOrderedInPanel())
+        hide();
+}
+
+void DisplayWindow::show(X11Panel& panel)
+{
+    if (panel.frame().isEmpty())
+        return;
+    placeWindow(panel.framePixels());
+    if (m_shown != &panel || m_paintedScale != scale()) {
+        m_shown = &panel;
+        m_paintedScale = scale();
+        m_pointer.setScale(m_paintedScale);
+        m_pointer.setClient(&panel.client());
+        m_window->setTitle(panel.options().title);
+        repaintAll();
+    }
+    if (std::exchange(m_blurs, panel.blursBehind()) != panel.blursBehind())
+        m_window->setBlursBehind(m_blurs);
+    updateStrut();
+    m_window->map();
+    updateStacking();
+}
+
+void DisplayWindow::hide()
+{
+    m_pointer.setClient(nullptr);
+    m_shown = nullptr;
+    m_window.reset(); // and with it the strut
+    m_buffer.reset();
+    m_hasContent = m_isLowered = m_blurs = false;
+}
+
+void DisplayWindow::placeWindow(const Rect& pixels)
+{
+    if (!m_window) {
+        m_visual = m_canBlur ? WindowVisual::withAlpha(m_context.connection)
+                             : WindowVisual::ofRoot(m_context.connection);
+        m_buffer = std::make_unique<BackBuffer>(m_context.connection, m_visual);
+        m_window = std::make_unique<DockWindow>(m_context.connection, m_visual, pixels);
+    } else if (pixels == m_window->frame() && !m_buffer->isEmpty()) {
+        return;
+    }
+    bool isResized = pixels.size() != m_window->frame().size() || m_buffer->isEmpty();
+    m_window->setFrame(pixels);
+    if (!isResized)
+        return;
+    m_buffer->resize(static_cast<int>(pixels.width), static_cast<int>(pixels.height));
+    m_hasContent = false;
+    repaintAll();
+}
+
+void DisplayWindow::repaintAll()
+{
+    if (!m_window)
+        return;
+    m_damage.add(Rect::from({}, m_window->frame().size()));
+    m_paint.request();
+}
+
+void DisplayWindow::updateStrut()
+{
+    if (!m_window)
+        return;
+    auto& environment = m_context.environment;
+    auto height = std::max(valueOr(environment.dockHeights.value(), m_display, 0.0),
+        valueOr(environment.edgeReservations.value(), environment.activeSpace.value(), 0.0));
+    auto& monitors = m_context.monitors;
+    auto own = std::ranges::find(monitors.list(), m_display, &Monitor::number);
+    if (own == monitors.list().end())
+        return m_window->setStrut({});
+    m_window->setStrut(Strut::atBottomOf(
+        own->pixels, std::round(height * scale()), monitors.list(), monitors.screenPixels()));
+}
+
+void DisplayWindow::updateStacking()
+{
+    bool isCovered = valueOr(m_context.environment.isCovered.value(), m_display, false);
+    if (!m_window || isCovered == m_isLowered)
+        return;
+    m_isLowered = isCovered;
+    if (isCovered)
+        m_window->lower();
+    else
+        m_window->raise();
+}
+
+void DisplayWindow::invalidate(const X11Panel& panel, const Rect& points)
+{
+    if (&panel != m_shown)
+        return; // it is painted whole when it comes into view
+    double factor = scale();
+    m_damage.add(
+        {points.x * factor, points.y * factor, points.width * factor, points.height * factor});
+    m_paint.request();
+}
+
+void DisplayWindow::handle(const xcb_generic_event_t* event)
+{
+    if (!m_window || eventWindow(event) != m_window->id())
+        return;
+    if ((event->response_type & 0x7f) == XCB_EXPOSE) {
+        auto& part = *reinterpret_cast<const xcb_expose_event_t*>(event);
+        if (m_hasContent)
+            m_buffer->copyTo(m_window->id(),
+                {static_cast<double>(part.x), static_cast<double>(part.y),
+                    static_cast<double>(part.width), static_cast<double>(part.height)});
+        return;
+    }
+    m_window->handle(event);
+    m_pointer.handle(event);
+}
+
+void DisplayWindow::endTurn()
+{
+    m_pointer.endTurn();
+    if (m_window)
+        m_window->endTurn();
+}
+
+void DisplayWindow::paint()
+{
+    auto parts = m_damage.take();
+    if (!m_shown || !m_window || m_buffer->isEmpty())
+        return;
+    auto bounds = Rect::from({}, m_window->frame().size());
+    for (auto& part : parts) {
+        if (auto visible = part.intersected(bounds); !visible.isEmpty())
+            paintPart(visible);
+    }
+    m_hasContent = true;
+    xcb_flush(m_context.connection.raw());
+}
+
+void DisplayWindow::paintPart(const Rect& pixels)
+{
+    double factor = scale();
+    Rect points{
+        pixels.x / factor, pixels.y / factor, pixels.width / factor, pixels.height / factor};
+    CairoCanvas canvas{
+        m_buffer->surface(), factor, m_context.shaper, m_context.appearance.value().isRightToLeft};
+    canvas.beginDamage(points);
+    m_shown->client().paint(canvas, points);
+    canvas.endDamage();
+    m_buffer->copyTo(m_window->id(), pixels);
+}
+
+}

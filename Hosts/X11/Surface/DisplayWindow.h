@@ -1,0 +1,75 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "Hosts/X11/Surface/BackBuffer.h"
+#include "Hosts/X11/Surface/DamageRegion.h"
+#include "Hosts/X11/Surface/DockWindow.h"
+#include "Hosts/X11/Surface/PaintSource.h"
+#include "Hosts/X11/Surface/PointerTracker.h"
+#include "Hosts/X11/Surface/SurfaceContext.h"
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel::x11 {
+
+class X11Panel;
+
+/// The one window of a display, for all its panels: it shows the panel of the current space, so a
+/// switch maps and unmaps nothing, and panels that are not seen hold no pixels.
+class DisplayWindow {
+public:
+    DisplayWindow(const SurfaceContext&, DisplayNumber, bool canBlur);
+    ~DisplayWindow();
+    DisplayWindow(const DisplayWindow&) = delete;
+    DisplayWindow& operator=(const DisplayWindow&) = delete;
+
+    void add(X11Panel&);
+    void remove(X11Panel&);
+    /// A panel, the current space or the monitors changed.
+    void update();
+    void invalidate(const X11Panel&, const Rect& points);
+
+    bool isCurrent(const X11Panel&) const;
+    bool canBlur() const { return m_canBlur; }
+    double scale() const;
+    Rect toPixels(const Rect& screenPoints) const;
+
+    void repaintAll();
+    /// A menu takes the pointer away.
+    void cancelPointer() { m_pointer.cancel(); }
+
+private:
+    X11Panel* panelOfCurrentSpace() const;
+    bool hasOrderedInPanel() const;
+    void show(X11Panel&);
+    void hide();
+    void placeWindow(const Rect& pixels);
+    void updateStrut();
+    void updateStacking();
+
+    void handle(const xcb_generic_event_t*);
+    void endTurn();
+    void paint();
+    void paintPart(const Rect& pixels);
+
+    SurfaceContext m_context;
+    const DisplayNumber m_display;
+    const bool m_canBlur;
+    std::vector<X11Panel*> m_panels;
+    X11Panel* m_shown = nullptr;
+
+    PaintSource m_paint;
+    DamageRegion m_damage;
+    PointerTracker m_pointer;
+    WindowVisual m_visual;
+    std::unique_ptr<BackBuffer> m_buffer;
+    std::unique_ptr<DockWindow> m_window;
+    double m_paintedScale = 0;
+    bool m_hasContent = false;
+    bool m_isLowered = false;
+    bool m_blurs = false;
+    std::vector<Subscription> m_subscriptions;
+};
+
+}

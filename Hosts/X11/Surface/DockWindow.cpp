@@ -1,0 +1,240 @@
+#include "Hosts/X11/Surface/DockWindow.h"
+
+#include <array>
+#include <climits>
+#include <utility>
+
+#include <unistd.h>
+#include <xcb/xcb_icccm.h>
+
+#include "Hosts/X11/Connection.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+constexpr std::string_view kClass{"quorvel\0Quorvel", 16};
+constexpr std::uint32_t kAllDesktops = 0xFFFFFFFF;
+/// A manager that insists on another place gets its way in the end.
+constexpr int kMostCorrections = 8;
+constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY
+    | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_POINTER_MOTION
+    | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
+
+std::string hostName()
+{
+    std::array<char, HOST_NAME_MAX + 1> name{};
+    gethostname(name.data(), name.size() - 1);
+    return name.data();
+}
+
+}
+
+DockWindow::DockWindow(Connection& connection, const WindowVisual& visual, const Rect& frame)
+    : m_connection(connection)
+    , m_window(xcb_generate_id(connection.raw()))
+    , m_colormap(visual.colormap)
+    , m_frame(frame)
+    , m_place(connection, m_window)
+{
+    create(visual);
+    describe();
+}
+
+DockWindow::~DockWindow()
+{
+    xcb_destroy_window(m_connection.raw(), m_window);
+    if (m_colormap)
+        xcb_free_colormap(m_connection.raw(), m_colormap);
+    m_connection.forgetWindow(m_window);
+    xcb_flush(m_connection.raw());
+}
+
+void DockWindow::create(const WindowVisual& visual)
+{
+    auto* raw = m_connection.raw();
+    // No background: the server would clear to it before each of our copies.
+    xcb_create_window_value_list_t values{};
+    values.background_pixmap = XCB_BACK_PIXMAP_NONE;
+    values.border_pixel = 0;
+    values.bit_gravity = XCB_GRAVITY_NORTH_WEST;
+    values.colormap = visual.colormap;
+    std::uint32_t mask = XCB_CW_BACK_PIXMAP | XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY;
+    if (visual.colormap)
+        mask |= XCB_CW_COLORMAP;
+    xcb_create_window_aux(raw, visual.depth, m_window, m_connection.root(),
+        static_cast<std::int16_t>(m_frame.x), static_cast<std::int16_t>(m_frame.y),
+        static_cast<std::uint16_t>(m_frame.width), static_cast<std::uint16_t>(m_frame.height), 0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, visual.visual, mask, &values);
+    m_connection.addEventMask(m_window, kEventMask);
+}
+
+void DockWindow::describe()
+{
+    auto& atoms = m_connection.atoms();
+    auto pid = static_cast<std::uint32_t>(getpid());
+    setText(atoms.wmClass, XCB_ATOM_STRING, kClass);
+    setText(atoms.wmClientMachine, XCB_ATOM_STRING, hostName());
+    setCardinals(atoms.netWmPid, &pid, 1);
+    setCardinals(atoms.netWmDesktop, &kAllDesktops, 1);
+    setAtoms(atoms.netWmWindowType, {atoms.netWmWindowTypeDock});
+    setAtoms(atoms.netWmState,
+        {atoms.netWmStateSticky, atoms.netWmStateSkipTaskbar, atoms.netWmStateSkipPager});
+    setAtoms(atoms.wmProtocols, {atoms.wmDeleteWindow}); // ignored, but nobody kills us for it
+
+    xcb_icccm_wm_hints_t hints{};
+    xcb_icccm_wm_hints_set_input(&hints, 0);
+    xcb_icccm_wm_hints_set_normal(&hints);
+    xcb_icccm_set_wm_hints(m_connection.raw(), m_window, &hints);
+    setSizeHints();
+}
+
+/// openbox and icewm place a dock without these at the top.
+void DockWindow::setSizeHints()
+{
+    auto x = static_cast<std::int32_t>(m_frame.x);
+    auto y = static_cast<std::int32_t>(m_frame.y);
+    auto width = static_cast<std::int32_t>(m_frame.width);
+    auto height = static_cast<std::int32_t>(m_frame.height);
+    xcb_size_hints_t hints{};
+    xcb_icccm_size_hints_set_position(&hints, 1, x, y);
+    xcb_icccm_size_hints_set_size(&hints, 1, width, height);
+    xcb_icccm_size_hints_set_min_size(&hints, width, height);
+    xcb_icccm_size_hints_set_max_size(&hints, width, height);
+    xcb_icccm_size_hints_set_win_gravity(&hints, XCB_GRAVITY_STATIC);
+    xcb_icccm_set_wm_normal_hints(m_connection.raw(), m_window, &hints);
+}
+
+void DockWindow::setFrame(const Rect& frame)
+{
+    if (frame == m_frame)
+        return;
+    m_frame = frame;
+    m_corrections = 0;
+    setSizeHints();
+    configure();
+    if (m_isMapped)
+        m_place.ask();
+}
+
+void DockWindow::configure()
+{
+    xcb_configure_window_value_list_t values{};
+    values.x = static_cast<std::int32_t>(m_frame.x);
+    values.y = static_cast<std::int32_t>(m_frame.y);
+    values.width = static_cast<std::uint32_t>(m_frame.width);
+    values.height = static_cast<std::uint32_t>(m_frame.height);
+    xcb_configure_window_aux(m_connection.raw(), m_window,
+        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH
+            | XCB_CONFIG_WINDOW_HEIGHT,
+        &values);
+}
+
+void DockWindow::setTitle(const std::string& title)
+{
+    if (title == m_title)
+        return;
+    m_title = title;
+    setText(m_connection.atoms().netWmName, m_connection.atoms().utf8String, title);
+    setText(m_connection.atoms().wmName, m_connection.atoms().utf8String, title);
+}
+
+void DockWindow::setStrut(const Strut& strut)
+{
+    if (strut == m_strut)
+        return;
+    m_strut = strut;
+    auto& atoms = m_connection.atoms();
+    if (strut.bottom == 0) {
+        xcb_delete_property(m_connection.raw(), m_window, atoms.netWmStrutPartial);
+        xcb_delete_property(m_connection.raw(), m_window, atoms.netWmStrut);
+        return;
+    }
+    auto values = strut.values();
+    setCardinals(atoms.netWmStrutPartial, values.data(), 12);
+    setCardinals(atoms.netWmStrut, values.data(), 4);
+}
+
+void DockWindow::setBlursBehind(bool blurs)
+{
+    auto property = m_connection.atoms().kdeBlurBehind;
+    if (blurs)
+        setCardinals(property, nullptr, 0); // an empty region is the whole window
+    else
+        xcb_delete_property(m_connection.raw(), m_window, property);
+}
+
+void DockWindow::map()
+{
+    if (std::exchange(m_isMapped, true))
+        return;
+    m_corrections = 0;
+    xcb_map_window(m_connection.raw(), m_window);
+}
+
+void DockWindow::unmap()
+{
+    if (!std::exchange(m_isMapped, false))
+        return;
+    xcb_unmap_window(m_connection.raw(), m_window);
+    // A window manager hears of a withdrawal only this way.
+    xcb_unmap_notify_event_t event{};
+    event.response_type = XCB_UNMAP_NOTIFY;
+    event.event = m_connection.root();
+    event.window = m_window;
+    xcb_send_event(m_connection.raw(), false, m_connection.root(),
+        XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+        reinterpret_cast<const char*>(&event));
+}
+
+void DockWindow::restack(xcb_stack_mode_t mode)
+{
+    xcb_configure_window_value_list_t values{};
+    values.stack_mode = mode;
+    xcb_configure_window_aux(m_connection.raw(), m_window, XCB_CONFIG_WINDOW_STACK_MODE, &values);
+}
+
+void DockWindow::handle(const xcb_generic_event_t* event)
+{
+    switch (event->response_type & 0x7f) {
+    case XCB_MAP_NOTIFY:
+    case XCB_REPARENT_NOTIFY:
+        m_corrections = 0; // a window manager has just taken it, perhaps a new one
+        m_place.ask();
+        break;
+    case XCB_CONFIGURE_NOTIFY:
+        m_place.ask();
+        break;
+    default:
+        break;
+    }
+}
+
+void DockWindow::endTurn()
+{
+    auto place = m_place.takeAnswer();
+    if (!place || !m_isMapped || *place == m_frame || m_corrections >= kMostCorrections)
+        return;
+    ++m_corrections;
+    configure();
+}
+
+void DockWindow::setAtoms(xcb_atom_t property, std::initializer_list<xcb_atom_t> values)
+{
+    xcb_change_property(m_connection.raw(), XCB_PROP_MODE_REPLACE, m_window, property,
+        XCB_ATOM_ATOM, 32, static_cast<std::uint32_t>(values.size()), std::data(values));
+}
+
+void DockWindow::setCardinals(xcb_atom_t property, const std::uint32_t* values, std::uint32_t count)
+{
+    xcb_change_property(m_connection.raw(), XCB_PROP_MODE_REPLACE, m_window, property,
+        XCB_ATOM_CARDINAL, 32, count, values);
+}
+
+void DockWindow::setText(xcb_atom_t property, xcb_atom_t type, std::string_view text)
+{
+    xcb_change_property(m_connection.raw(), XCB_PROP_MODE_REPLACE, m_window, property, type, 8,
+        static_cast<std::uint32_t>(text.size()), text.data());
+}
+
+}

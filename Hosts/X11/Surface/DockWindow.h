@@ -1,0 +1,59 @@
+#pragma once
+
+#include <string>
+
+#include "Hosts/X11/Surface/BackBuffer.h"
+#include "Hosts/X11/Surface/Strut.h"
+#include "Hosts/X11/Surface/WindowPlace.h"
+
+namespace quorvel::x11 {
+
+/// A bare window of type dock, on every desktop, and what window managers want to know of it.
+/// Pixels of the X screen. Destroying it takes its strut back.
+class DockWindow {
+public:
+    DockWindow(Connection&, const WindowVisual&, const Rect& frame);
+    ~DockWindow();
+    DockWindow(const DockWindow&) = delete;
+    DockWindow& operator=(const DockWindow&) = delete;
+
+    xcb_window_t id() const { return m_window; }
+    bool isMapped() const { return m_isMapped; }
+    const Rect& frame() const { return m_frame; }
+
+    void setFrame(const Rect&);
+    void setTitle(const std::string&);
+    void setStrut(const Strut&);
+    void setBlursBehind(bool);
+    void map();
+    void unmap();
+    void raise() { restack(XCB_STACK_MODE_ABOVE); }
+    void lower() { restack(XCB_STACK_MODE_BELOW); }
+
+    /// For an event of this window: window managers may put it somewhere else at any time.
+    void handle(const xcb_generic_event_t*);
+    /// Puts it back where it belongs.
+    void endTurn();
+
+private:
+    void create(const WindowVisual&);
+    void describe();
+    void setSizeHints();
+    void configure();
+    void restack(xcb_stack_mode_t);
+    void setAtoms(xcb_atom_t property, std::initializer_list<xcb_atom_t>);
+    void setCardinals(xcb_atom_t property, const std::uint32_t* values, std::uint32_t count);
+    void setText(xcb_atom_t property, xcb_atom_t type, std::string_view);
+
+    Connection& m_connection;
+    const xcb_window_t m_window;
+    xcb_colormap_t m_colormap;
+    Rect m_frame;
+    std::string m_title;
+    Strut m_strut;
+    bool m_isMapped = false;
+    WindowPlaceQuery m_place;
+    int m_corrections = 0;
+};
+
+}

@@ -1,0 +1,32 @@
+#include "Hosts/X11/Surface/Strut.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace quorvel::x11 {
+
+namespace {
+
+bool liesBelow(const Rect& other, const Rect& monitor)
+{
+    return other.y >= monitor.maxY() && other.x < monitor.maxX() && monitor.x < other.maxX();
+}
+
+}
+
+Strut Strut::atBottomOf(
+    const Rect& monitor, double pixels, const std::vector<Monitor>& all, Size screenPixels)
+{
+    if (pixels <= 0 || monitor.isEmpty())
+        return {};
+    auto hidesAnother = std::ranges::any_of(
+        all, [&](const Monitor& other) { return liesBelow(other.pixels, monitor); });
+    if (hidesAnother)
+        return {};
+    double gap = std::max(0.0, screenPixels.height - monitor.maxY());
+    return {static_cast<std::uint32_t>(std::lround(gap + pixels)),
+        static_cast<std::uint32_t>(std::lround(std::max(0.0, monitor.x))),
+        static_cast<std::uint32_t>(std::lround(std::max(1.0, monitor.maxX()) - 1))};
+}
+
+}

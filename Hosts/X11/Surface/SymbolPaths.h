@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cairo/cairo.h>
+
+#include "Quorvel/Platform/Canvas.h"
+
+namespace quorvel::x11 {
+
+/// Adds the symbol's shape to the current path, fitted into the rectangle of device pixels.
+void addSymbolPath(cairo_t*, Symbol, const Rect& pixels);
+
+/// Adds a rectangle with round corners; the radius is cut to half the shorter side.
+void addRoundedPath(cairo_t*, const Rect&, double radius);
+
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <optional>
+
+#include <xcb/xcb.h>
+
+#include "Quorvel/Platform/Geometry.h"
+
+namespace quorvel::x11 {
+
+class Connection;
+
+/// Asks where a window really is and how large, without waiting: the answer is looked for at the
+/// end of each turn of the loop.
+class WindowPlaceQuery {
+public:
+    WindowPlaceQuery(Connection& connection, xcb_window_t window);
+    ~WindowPlaceQuery();
+    WindowPlaceQuery(const WindowPlaceQuery&) = delete;
+    WindowPlaceQuery& operator=(const WindowPlaceQuery&) = delete;
+
+    void ask();
+    /// In pixels of the root window, once after each question.
+    std::optional<Rect> takeAnswer();
+
+private:
+    template <typename Reply> bool poll(unsigned sequence, Reply*& reply);
+    void discard();
+
+    Connection& m_connection;
+    const xcb_window_t m_window;
+    bool m_isAsked = false;
+    bool m_hasOrigin = false;
+    bool m_hasSize = false;
+    xcb_translate_coordinates_cookie_t m_origin{};
+    xcb_get_geometry_cookie_t m_size{};
+    Rect m_place;
+};
+
+}

@@ -1,0 +1,70 @@
+#include "Hosts/X11/Surface/X11Panel.h"
+
+#include "Hosts/X11/Surface/DisplayWindow.h"
+
+namespace quorvel::x11 {
+
+X11Panel::X11Panel(DisplayWindow& window, const PanelOptions& options, SurfaceClient& client)
+    : m_window(window)
+    , m_options(options)
+    , m_client(client)
+{
+    m_window.add(*this);
+}
+
+X11Panel::~X11Panel()
+{
+    m_window.remove(*this);
+}
+
+void X11Panel::setFrame(const Rect& frame)
+{
+    if (frame == m_frame)
+        return;
+    bool isResized = frame.size() != m_frame.size();
+    m_frame = frame;
+    m_window.update();
+    if (isResized)
+        m_client.surfaceDidResize(frame.size());
+}
+
+void X11Panel::orderFront()
+{
+    m_isOrderedIn = true;
+    m_window.update();
+}
+
+void X11Panel::orderOut()
+{
+    m_isOrderedIn = false;
+    m_window.update();
+}
+
+bool X11Panel::isVisible() const
+{
+    return m_isOrderedIn && m_window.isCurrent(*this);
+}
+
+double X11Panel::scale() const
+{
+    return m_window.scale();
+}
+
+void X11Panel::invalidate(const Rect& rect)
+{
+    m_window.invalidate(*this, rect);
+}
+
+bool X11Panel::setBlursBehind(bool blurs)
+{
+    m_blursBehind = blurs && m_window.canBlur();
+    m_window.update();
+    return m_blursBehind;
+}
+
+Rect X11Panel::framePixels() const
+{
+    return m_window.toPixels(m_frame);
+}
+
+}

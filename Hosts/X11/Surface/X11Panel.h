@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel::x11 {
+
+class DisplayWindow;
+
+/// One space's panel of a display. It has no window of its own: the display's window shows it while
+/// its space is the current one.
+class X11Panel final : public PanelSurface {
+public:
+    X11Panel(DisplayWindow&, const PanelOptions&, SurfaceClient&);
+    ~X11Panel() override;
+
+    void setFrame(const Rect&) override;
+    Rect frame() const override { return m_frame; }
+    void orderFront() override;
+    void orderOut() override;
+    bool isVisible() const override;
+    double scale() const override;
+    void invalidate(const Rect&) override;
+    bool setBlursBehind(bool) override;
+
+    const PanelOptions& options() const { return m_options; }
+    SurfaceClient& client() const { return m_client; }
+    bool isOrderedIn() const { return m_isOrderedIn; }
+    bool blursBehind() const { return m_blursBehind; }
+    /// Where it lies on the X screen.
+    Rect framePixels() const;
+    DisplayWindow& window() const { return m_window; }
+
+private:
+    DisplayWindow& m_window;
+    const PanelOptions m_options;
+    SurfaceClient& m_client;
+    Rect m_frame; ///< points, bottom-left origin
+    bool m_isOrderedIn = false;
+    bool m_blursBehind = false;
+};
+
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "Hosts/X11/Surface/DisplayWindow.h"
+#include "Hosts/X11/Surface/MenuWindow.h"
+#include "Hosts/X11/Surface/SurfaceContext.h"
+#include "Hosts/X11/Surface/TextShaper.h"
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel::x11 {
+
+/// Panels as one window per display, and menus. Main thread; outlives its panels.
+class X11Surfaces final : public Surfaces {
+public:
+    X11Surfaces(Connection&, Dispatch&, const Monitors&, const PanelEnvironment&,
+        const Published<Appearance>&);
+    ~X11Surfaces() override;
+
+    std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
+    void popUpMenu(PanelSurface&, Menu, const Rect& anchor) override;
+
+    Text& text() { return m_text; }
+
+private:
+    bool canBlur();
+    void closeMenu(std::function<void()> action);
+
+    TextShaper m_shaper;
+    SurfaceContext m_context;
+    PangoText m_text;
+    std::optional<bool> m_canBlur;
+    std::map<DisplayNumber, std::unique_ptr<DisplayWindow>> m_windows;
+    std::unique_ptr<MenuWindow> m_menu;
+    WorkItem m_menuEnd;
+    Subscription m_appearance;
+};
+
+}
