@@ -1,0 +1,89 @@
+#include <csignal>
+
+#include "Tests/X11/Support/DesktopFixture.h"
+
+namespace quorvel::x11tests {
+
+class CommandLine : public testing::Test {
+protected:
+    CommandResult run(const std::vector<std::string>& arguments) const
+    {
+        return runProgram(server.environment(), server.folder(), arguments);
+    }
+
+    XServer server;
+    Desktop desktop{server.display()};
+};
+
+TEST_F(CommandLine, helpAndVersionNeedNoBar)
+{
+    const auto help = run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    for (const auto* option : {"--version", "--replace", "--state", "--quit"})
+        EXPECT_NE(help.output.find(option), std::string::npos) << option;
+
+    const auto version = run({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_NE(version.output.find("0.1.0"), std::string::npos) << version.output;
+
+    const auto unknown = run({"--no-such-option"});
+    EXPECT_NE(unknown.status.value_or(0), 0);
+    EXPECT_NE(unknown.error.find("--no-such-option"), std::string::npos) << unknown.error;
+}
+
+// Faults: a script that takes silence for an empty bar, a program that hangs without a display.
+TEST_F(CommandLine, requestsFailClearlyWithoutABarOrADisplay)
+{
+    for (const auto* request : {"--state", "--quit"}) {
+        const auto answer = run({request});
+        EXPECT_EQ(answer.status, 1) << request;
+        EXPECT_EQ(answer.output, "");
+        EXPECT_NE(answer.error, "");
+    }
+
+    auto environment = server.environment();
+    environment["DISPLAY"] = "";
+    const auto start = runProgram(environment, server.folder(), {});
+    EXPECT_EQ(start.status, 1);
+    EXPECT_NE(start.error, "");
+}
+
+// Faults: two bars on one screen, a refusal that does not say whom to end, a takeover without one.
+TEST_F(CommandLine, aSecondBarIsRefusedOrTakesOver)
+{
+    WindowManager manager(server, desktop, ManagerKind::openbox);
+    Bar first(server);
+    ASSERT_TRUE(first.appears());
+
+    const auto refused = run({});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.error.find(std::to_string(first.process().pid())), std::string::npos)
+        << refused.error;
+
+    Bar second(server, {"--replace"});
+    EXPECT_EQ(first.process().waitForEnd(5s), 0);
+    EXPECT_TRUE(second.appears());
+    const auto refusedAgain = run({});
+    EXPECT_NE(refusedAgain.error.find(std::to_string(second.process().pid())), std::string::npos)
+        << refusedAgain.error;
+
+    EXPECT_EQ(run({"--quit"}).status, 0);
+    EXPECT_EQ(second.process().waitForEnd(5s), 0);
+}
+
+// Faults: a bar that gives up, or that misses the manager's coming.
+TEST_F(CommandLine, aBarStartedFirstComesUpWithTheWindowManager)
+{
+    Client client(server);
+    Bar bar(server);
+    const auto answers = [&] { return run({"--state"}).status == 0; };
+    ASSERT_TRUE(eventually(5s, answers)) << bar.log();
+
+    WindowManager manager(server, desktop, ManagerKind::openbox);
+    client.open({.title = "window"});
+
+    EXPECT_TRUE(bar.appears());
+    EXPECT_TRUE(bar.agreesWith(desktop, 2s));
+}
+
+}

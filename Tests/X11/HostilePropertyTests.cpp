@@ -1,0 +1,152 @@
+#include <string>
+#include <vector>
+
+#include "Tests/X11/Support/DesktopFixture.h"
+
+namespace quorvel::x11tests {
+
+namespace {
+
+/// What a client may write and the bar reads.
+const std::vector<std::string> kProperties{"WM_NAME", "WM_CLASS", "WM_PROTOCOLS", "WM_HINTS",
+    "WM_NORMAL_HINTS", "WM_TRANSIENT_FOR", "WM_CLIENT_MACHINE", "_NET_WM_NAME", "_NET_WM_PID",
+    "_NET_WM_DESKTOP", "_NET_WM_ICON", "_NET_WM_USER_TIME", "_NET_WM_WINDOW_OPACITY",
+    "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_FRAME_EXTENTS", "_GTK_FRAME_EXTENTS",
+    "_GTK_APPLICATION_ID", "_MOTIF_WM_HINTS"};
+
+struct Value {
+    std::string type;
+    std::uint8_t format;
+    std::uint32_t items;
+};
+const std::vector<Value> kWrongValues{{"STRING", 8, 0}, {"STRING", 8, 3}, {"INTEGER", 16, 3},
+    {"CARDINAL", 32, 0}, {"CARDINAL", 32, 1}, {"WINDOW", 32, 5}, {"ATOM", 32, 1}};
+
+void setWrong(
+    Connection& connection, xcb_window_t window, const std::string& property, const Value& value)
+{
+    const std::vector<std::uint32_t> ones(value.items, 0xFFFFFFFF);
+    xcb_change_property(connection.get(), XCB_PROP_MODE_REPLACE, window, connection.atom(property),
+        connection.atom(value.type), value.format, value.items, ones.data());
+}
+
+}
+
+class HostileProperties : public UnderEachManager {
+protected:
+    void SetUp() override
+    {
+        good = client.open({.title = "good"});
+        ASSERT_TRUE(bar.appears());
+    }
+
+    /// The bar still follows: it shows the good window under a title that it has not seen before.
+    testing::AssertionResult goodChipIsRight()
+    {
+        const auto title = "good " + std::to_string(++m_titles);
+        client.setTitle(good, title);
+        return eventually(2s, [&]() -> testing::AssertionResult {
+            const auto state = bar.state();
+            const auto* const item = state ? state->itemOf(good) : nullptr;
+            if (!item || !state->chipOf(good))
+                return testing::AssertionFailure() << "the good window has no chip";
+            return item->title == title
+                ? testing::AssertionSuccess()
+                : testing::AssertionFailure() << "its title is " << item->title;
+        });
+    }
+
+    testing::AssertionResult getsChip(xcb_window_t window)
+    {
+        return eventually(3s, [&] {
+            const auto state = bar.state();
+            return state && state->chipOf(window);
+        });
+    }
+
+    Client client{server};
+    Client hostile{server};
+    Bar bar{server};
+    xcb_window_t good = XCB_NONE;
+
+private:
+    int m_titles = 0;
+};
+
+// Faults: a value read without a look at its type, format or length.
+TEST_P(HostileProperties, ofWrongTypeAndFormatDoNoHarm)
+{
+    for (const auto& property : kProperties) {
+        const auto window = hostile.open({.title = "hostile"});
+        for (const auto& value : kWrongValues) {
+            setWrong(hostile.connection(), window, property, value);
+            hostile.connection().sync();
+        }
+        ASSERT_TRUE(goodChipIsRight()) << property;
+        hostile.destroy(window);
+    }
+}
+
+// Faults: an endless walk up the parents, a look-up of a process that never was.
+TEST_P(HostileProperties, thatNameWhatIsNotThereDoNoHarm)
+{
+    const auto first = hostile.open({.title = "first of a circle"});
+    const auto second = hostile.open({.title = "second of a circle", .parent = first});
+    hostile.connection().setNumbers(first, "WM_TRANSIENT_FOR", "WINDOW", {second});
+    hostile.connection().sync();
+    desktop.activate(first);
+    ASSERT_TRUE(goodChipIsRight());
+
+    const auto stranger = hostile.open({.title = "of no process", .pid = 0x3FFFFFFF});
+    EXPECT_TRUE(getsChip(stranger));
+    EXPECT_TRUE(goodChipIsRight());
+}
+
+// Faults: a picture as large as it claims to be, and one that is empty.
+TEST_P(HostileProperties, ofIconsThatClaimTooMuchDoNoHarm)
+{
+    const auto window = hostile.open({.title = "iconic"});
+    const std::vector<std::vector<std::uint32_t>> icons{{0, 0}, {20000, 20000, 0xFF112233},
+        {0xFFFFFFFF, 0xFFFFFFFF, 1}, {0x10000, 0x10000, 1}, {2, 2, 1, 2}, {16}};
+    for (const auto& icon : icons) {
+        hostile.connection().setNumbers(window, "_NET_WM_ICON", "CARDINAL", icon);
+        hostile.connection().sync();
+        ASSERT_TRUE(goodChipIsRight()) << icon[0];
+    }
+    EXPECT_TRUE(getsChip(window));
+}
+
+// Faults: a title that is not text on its way into the state, or one that stalls the bar.
+TEST_P(HostileProperties, ofTitlesThatAreNoneDoNoHarm)
+{
+    const auto window = hostile.open({.title = "titled"});
+    ASSERT_TRUE(getsChip(window));
+    const std::vector<std::string> titles{"\xFF\xFE\x80 half \xE2\x82", std::string("\0\0", 2),
+        "line\nbreak\ttab\x01",
+        "\xE2\x80\xAE"
+        "right to left",
+        std::string(1 << 20, 'm')};
+    for (const auto& title : titles) {
+        hostile.setTitle(window, title);
+        hostile.connection().sync();
+        ASSERT_TRUE(goodChipIsRight()) << title.substr(0, 20);
+    }
+    EXPECT_TRUE(getsChip(window));
+}
+
+// Fault: root properties, which any client can write, taken on trust.
+TEST_P(HostileProperties, ofTheRootWindowDoNoHarm)
+{
+    auto& connection = hostile.connection();
+    for (const auto& value : kWrongValues) {
+        for (const auto* property :
+            {"_NET_DESKTOP_NAMES", "RESOURCE_MANAGER", "_NET_SHOWING_DESKTOP"})
+            setWrong(connection, connection.root(), property, value);
+        connection.sync();
+        ASSERT_TRUE(goodChipIsRight()) << value.type << ' ' << value.items;
+    }
+}
+
+QUORVEL_UNDER_EACH_MANAGER(HostileProperties);
+
+}

@@ -1,0 +1,84 @@
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+
+#include "Tests/X11/Support/DesktopFixture.h"
+
+namespace quorvel::x11tests {
+
+class Panel : public UnderEachManager {
+protected:
+    void SetUp() override { ASSERT_TRUE(bar.appears()); }
+
+    Client client{server};
+    Bar bar{server};
+};
+
+// Faults: no room kept, a strut measured from the wrong edge, room that is not given back.
+TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
+{
+    const auto window = client.open({.title = "large"});
+    ASSERT_TRUE(bar.agreesWith(desktop, 1s));
+    const auto state = bar.state();
+    ASSERT_TRUE(state && state->visiblePanel());
+    const auto panel = state->visiblePanel()->frame;
+    EXPECT_EQ(panel.bottom(), 800);
+    EXPECT_EQ(panel.width, 1280);
+
+    desktop.addStates(window, "_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ");
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == panel.y; }))
+        << desktop.frame(window).bottom() << ", the panel begins at " << panel.y;
+
+    bar.process().signal(SIGTERM);
+    EXPECT_EQ(bar.process().waitForEnd(5s), 0);
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.workArea().bottom() == 800; }));
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == 800; }));
+}
+
+#if !defined(__SANITIZE_THREAD__) // which has a thread of its own that wakes up
+
+namespace {
+
+/// How often the threads of a process have gone to sleep, and so been woken.
+long wakeUps(pid_t pid)
+{
+    const std::string key = "voluntary_ctxt_switches:";
+    long sum = 0;
+    for (const auto& task :
+        std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task")) {
+        std::ifstream status(task.path() / "status");
+        for (std::string line; std::getline(status, line);) {
+            if (line.starts_with(key))
+                sum += std::stol(line.substr(key.size()));
+        }
+    }
+    return sum;
+}
+
+long wakeUpsWithin(pid_t pid, std::chrono::milliseconds span)
+{
+    const auto before = wakeUps(pid);
+    std::this_thread::sleep_for(span);
+    return wakeUps(pid) - before;
+}
+
+}
+
+// Fault: a timer that nobody needs, which keeps a laptop's processor awake.
+TEST_P(Panel, sleepsWhileNothingHappens)
+{
+    Terminal terminal(server, desktop, "quiet");
+    ASSERT_TRUE(bar.agreesWith(desktop, 1s));
+
+    // New windows are looked at again for up to 12 s.
+    const auto pid = bar.process().pid();
+    EXPECT_TRUE(eventually(18s, [&] { return wakeUpsWithin(pid, 3s) == 0; }));
+    EXPECT_EQ(wakeUpsWithin(pid, 3s), 0);
+    EXPECT_TRUE(bar.agreesWith(desktop, 1s));
+}
+
+#endif
+
+QUORVEL_UNDER_EACH_MANAGER(Panel);
+
+}

@@ -1,0 +1,94 @@
+#include "Tests/X11/Support/Bar.h"
+
+#include <csignal>
+
+#include "Tests/X11/Support/Eventually.h"
+
+namespace quorvel::x11tests {
+
+namespace {
+
+std::vector<std::string> commandLine(const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> command{QUORVEL_PROGRAM};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return command;
+}
+
+std::filesystem::path freshLog(const std::filesystem::path& folder)
+{
+    static int count = 0;
+    return folder / ("bar-" + std::to_string(++count) + ".log");
+}
+
+bool hasSanitizerReport(const std::string& log)
+{
+    for (const auto* mark : {"Sanitizer", "runtime error:"}) {
+        if (log.find(mark) != std::string::npos)
+            return true;
+    }
+    return false;
+}
+
+}
+
+Bar::Bar(const XServer& server, const std::vector<std::string>& arguments)
+    : m_server(server)
+    , m_log(freshLog(server.folder()))
+    , m_process(commandLine(arguments), server.environment(), Outputs{{}, m_log})
+{
+}
+
+Bar::~Bar()
+{
+    m_process.signal(SIGTERM);
+    const auto status = m_process.waitForEnd(5s);
+    EXPECT_TRUE(status) << "the bar does not end";
+    EXPECT_EQ(status.value_or(0), 0) << log();
+    EXPECT_FALSE(hasSanitizerReport(log())) << log();
+}
+
+testing::AssertionResult Bar::appears()
+{
+    const auto isVisible = [this] {
+        const auto answer = runProgram(m_server.environment(), m_server.folder(), {"--state"});
+        if (answer.status != 0)
+            return testing::AssertionFailure() << "no state: " << answer.error << log();
+        const auto current = State::parse(answer.output);
+        if (!current || !current->visiblePanel())
+            return testing::AssertionFailure() << "no visible panel: " << log();
+        return testing::AssertionSuccess();
+    };
+    return eventually(10s, isVisible);
+}
+
+std::string Bar::log() const
+{
+    return readFile(m_log);
+}
+
+std::optional<State> Bar::state() const
+{
+    const auto answer = runProgram(m_server.environment(), m_server.folder(), {"--state"});
+    EXPECT_EQ(answer.status, 0) << answer.error << log();
+    return answer.status == 0 ? State::parse(answer.output) : std::nullopt;
+}
+
+testing::AssertionResult Bar::agreesWith(Desktop& desktop, std::chrono::milliseconds deadline) const
+{
+    return eventually(deadline, [&] {
+        const auto current = state();
+        return current ? agrees(*current, desktop) : testing::AssertionFailure() << "no state";
+    });
+}
+
+CommandResult runProgram(const Environment& environment, const std::filesystem::path& folder,
+    const std::vector<std::string>& arguments)
+{
+    const Outputs outputs{folder / "command.out", folder / "command.err"};
+    Process process(commandLine(arguments), environment, outputs);
+    const auto status = process.waitForEnd(10s);
+    return {status, readFile(outputs.output), readFile(outputs.error)};
+}
+
+}

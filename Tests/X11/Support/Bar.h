@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Tests/X11/Support/Process.h"
+#include "Tests/X11/Support/State.h"
+#include "Tests/X11/Support/XServer.h"
+
+namespace quorvel::x11tests {
+
+/// The built program, running. When it goes it is asked to end, and its status and whatever a
+/// sanitizer wrote are judged.
+class Bar {
+public:
+    /// Starts it and does not wait.
+    explicit Bar(const XServer&, const std::vector<std::string>& arguments = {});
+    Bar(const Bar&) = delete;
+    Bar& operator=(const Bar&) = delete;
+    ~Bar();
+
+    /// Whether its panel is on the screen; waits for it.
+    testing::AssertionResult appears();
+    bool isRunning() { return m_process.isRunning(); }
+    Process& process() { return m_process; }
+    std::string log() const;
+    /// Absent, with a failure, when it does not answer.
+    std::optional<State> state() const;
+    /// Whether the state says so within the deadline.
+    testing::AssertionResult agreesWith(Desktop&, std::chrono::milliseconds deadline) const;
+
+private:
+    const XServer& m_server;
+    std::filesystem::path m_log;
+    Process m_process;
+};
+
+/// Runs the program once with these arguments, to its end.
+CommandResult runProgram(const Environment&, const std::filesystem::path& folder,
+    const std::vector<std::string>& arguments);
+
+}

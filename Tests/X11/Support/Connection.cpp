@@ -1,0 +1,88 @@
+#include "Tests/X11/Support/Connection.h"
+
+#include <cstdlib>
+#include <memory>
+
+namespace quorvel::x11tests {
+
+namespace {
+
+struct Free {
+    void operator()(void* reply) const { std::free(reply); }
+};
+using PropertyReply = std::unique_ptr<xcb_get_property_reply_t, Free>;
+
+PropertyReply read(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property)
+{
+    constexpr std::uint32_t kItems = 1 << 20;
+    const auto cookie
+        = xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, kItems);
+    return PropertyReply{xcb_get_property_reply(connection, cookie, nullptr)};
+}
+
+}
+
+Connection::Connection(const std::string& display)
+    : m_connection(xcb_connect(display.c_str(), nullptr))
+{
+    if (!isCut())
+        m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
+}
+
+Connection::~Connection()
+{
+    xcb_disconnect(m_connection);
+}
+
+xcb_atom_t Connection::atom(const std::string& name)
+{
+    const auto known = m_atoms.find(name);
+    if (known != m_atoms.end())
+        return known->second;
+    const auto cookie
+        = xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
+    const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply{
+        xcb_intern_atom_reply(m_connection, cookie, nullptr)};
+    return m_atoms[name] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+void Connection::sync()
+{
+    const auto cookie = xcb_get_input_focus(m_connection);
+    const std::unique_ptr<xcb_get_input_focus_reply_t, Free> reply{
+        xcb_get_input_focus_reply(m_connection, cookie, nullptr)};
+}
+
+std::vector<std::uint32_t> Connection::numbers(xcb_window_t window, const std::string& property)
+{
+    const auto reply = read(m_connection, window, atom(property));
+    if (!reply || reply->format != 32)
+        return {};
+    const auto* const first
+        = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return {first, first + reply->value_len};
+}
+
+std::string Connection::text(xcb_window_t window, const std::string& property)
+{
+    const auto reply = read(m_connection, window, atom(property));
+    if (!reply || reply->format != 8)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
+}
+
+void Connection::setNumbers(xcb_window_t window, const std::string& property,
+    const std::string& type, const std::vector<std::uint32_t>& values)
+{
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, atom(property), atom(type), 32,
+        static_cast<std::uint32_t>(values.size()), values.data());
+}
+
+void Connection::setText(xcb_window_t window, const std::string& property, const std::string& type,
+    std::string_view text)
+{
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, atom(property), atom(type), 8,
+        static_cast<std::uint32_t>(text.size()), text.data());
+}
+
+}

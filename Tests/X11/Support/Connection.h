@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <xcb/xcb.h>
+
+namespace quorvel::x11tests {
+
+struct Frame {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+
+    int bottom() const { return y + height; }
+    friend bool operator==(const Frame&, const Frame&) = default;
+};
+
+/// A connection to the X server, with its atoms by name.
+class Connection {
+public:
+    explicit Connection(const std::string& display);
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+    ~Connection();
+
+    xcb_connection_t* get() const { return m_connection; }
+    xcb_window_t root() const { return m_root; }
+    xcb_atom_t atom(const std::string& name);
+    /// Waits until the server has seen all that was sent.
+    void sync();
+    /// True after the server or the window manager has cut the connection.
+    bool isCut() const { return xcb_connection_has_error(m_connection) != 0; }
+
+    /// The 32-bit items of a property, empty when it is absent or has another format.
+    std::vector<std::uint32_t> numbers(xcb_window_t, const std::string& property);
+    std::string text(xcb_window_t, const std::string& property);
+    void setNumbers(xcb_window_t, const std::string& property, const std::string& type,
+        const std::vector<std::uint32_t>&);
+    void setText(
+        xcb_window_t, const std::string& property, const std::string& type, std::string_view text);
+
+private:
+    xcb_connection_t* m_connection;
+    xcb_window_t m_root = XCB_NONE;
+    std::map<std::string, xcb_atom_t> m_atoms;
+};
+
+}

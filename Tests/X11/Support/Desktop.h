@@ -1,0 +1,52 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Tests/X11/Support/Connection.h"
+
+namespace quorvel::x11tests {
+
+inline constexpr std::uint32_t kAllDesktops = 0xFFFFFFFF;
+
+/// What the server and the window manager say, and the requests that a pager sends.
+class Desktop {
+public:
+    explicit Desktop(const std::string& display) : m_connection(display) { }
+
+    Connection& connection() { return m_connection; }
+
+    std::vector<xcb_window_t> clients();
+    /// Those of the clients that belong on a taskbar.
+    std::vector<xcb_window_t> taskbarClients();
+    std::optional<xcb_window_t> clientTitled(const std::string& title);
+    std::string title(xcb_window_t);
+    std::optional<std::uint32_t> desktopOf(xcb_window_t);
+    bool isHidden(xcb_window_t);
+    xcb_window_t activeWindow();
+    std::uint32_t currentDesktop();
+    std::uint32_t desktopCount();
+    /// The part of the screen that is left to windows, on the current desktop.
+    Frame workArea();
+    /// Place and size with the manager's decoration, in pixels of the screen.
+    Frame frame(xcb_window_t);
+    /// The window of a running manager, as it announces itself.
+    bool hasWindowManager();
+
+    void activate(xcb_window_t);
+    void minimise(xcb_window_t);
+    void close(xcb_window_t);
+    void moveToDesktop(xcb_window_t, std::uint32_t desktop);
+    void switchTo(std::uint32_t desktop);
+    void addStates(xcb_window_t, const std::string& first, const std::string& second);
+
+private:
+    bool hasState(xcb_window_t, const std::string& state);
+    std::optional<std::uint32_t> number(xcb_window_t, const std::string& property);
+    void send(xcb_window_t, const std::string& message, const std::vector<std::uint32_t>& data);
+
+    Connection m_connection;
+};
+
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "Tests/X11/Support/Bar.h"
+#include "Tests/X11/Support/Client.h"
+#include "Tests/X11/Support/Desktop.h"
+#include "Tests/X11/Support/Eventually.h"
+#include "Tests/X11/Support/Pointer.h"
+#include "Tests/X11/Support/WindowManager.h"
+#include "Tests/X11/Support/XServer.h"
+
+namespace quorvel::x11tests {
+
+/// A user's desktop under one of the window managers, without a bar yet.
+class DesktopFixture {
+public:
+    explicit DesktopFixture(ManagerKind kind) : manager(server, desktop, kind) { }
+
+    /// Clicks a window's chip where the bar says it is, and takes the pointer off the bar.
+    void clickChip(const Bar& bar, xcb_window_t window, Button button = Button::primary)
+    {
+        const auto state = bar.state();
+        const auto* const chip = state ? state->chipOf(window) : nullptr;
+        ASSERT_TRUE(chip) << "no chip for " << desktop.title(window);
+        pointer.click(chip->frame, button);
+        pointer.moveTo(5, 5);
+    }
+
+    XServer server;
+    Desktop desktop{server.display()};
+    WindowManager manager;
+    Pointer pointer{server.display()};
+};
+
+/// A suite that runs under each window manager.
+class UnderEachManager : public testing::TestWithParam<ManagerKind>, public DesktopFixture {
+protected:
+    UnderEachManager() : DesktopFixture(GetParam()) { }
+};
+
+inline std::string managerName(const testing::TestParamInfo<ManagerKind>& info)
+{
+    return nameOf(info.param);
+}
+
+#define QUORVEL_UNDER_EACH_MANAGER(suite)                                                          \
+    INSTANTIATE_TEST_SUITE_P(                                                                      \
+        , suite, testing::Values(ManagerKind::openbox, ManagerKind::xfwm4), managerName)
+
+}

@@ -1,0 +1,243 @@
+#include "Tests/X11/Support/State.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include <nlohmann/json.hpp>
+
+namespace quorvel::x11tests {
+
+namespace {
+
+using Json = nlohmann::json;
+
+template <typename Value> std::optional<Value> optional(const Json& json)
+{
+    return json.is_null() ? std::nullopt : std::optional{json.get<Value>()};
+}
+
+Frame frameFrom(const Json& json)
+{
+    const auto at = [&](std::size_t index) {
+        return static_cast<int>(std::lround(json.at(index).get<double>()));
+    };
+    return {at(0), at(1), at(2), at(3)};
+}
+
+template <typename Element>
+std::vector<Element> listFrom(const Json& json, Element (*convert)(const Json&))
+{
+    std::vector<Element> list;
+    std::transform(json.begin(), json.end(), std::back_inserter(list), convert);
+    return list;
+}
+
+State::Window windowFrom(const Json& json)
+{
+    return {.id = json.at("id"),
+        .xid = optional<xcb_window_t>(json.at("xid")),
+        .pid = json.at("pid"),
+        .app = json.at("app"),
+        .title = json.at("title"),
+        .frame = frameFrom(json.at("frame")),
+        .isMinimized = json.at("minimized"),
+        .spaces = json.at("spaces")};
+}
+
+State::Item itemFrom(const Json& json)
+{
+    return {.id = json.at("id"),
+        .title = json.at("title"),
+        .windows = json.at("windows"),
+        .isFocused = json.at("focused"),
+        .isMinimized = json.at("minimized")};
+}
+
+State::Space spaceFrom(const Json& json)
+{
+    return {.id = json.at("id"), .items = listFrom(json.at("items"), itemFrom)};
+}
+
+State::Chip chipFrom(const Json& json)
+{
+    return {.id = json.at("id"), .frame = frameFrom(json.at("frame"))};
+}
+
+State::Panel panelFrom(const Json& json)
+{
+    return {.space = json.at("space"),
+        .isVisible = json.at("visible"),
+        .frame = frameFrom(json.at("frame")),
+        .chips = listFrom(json.at("chips"), chipFrom)};
+}
+
+bool shows(const State::Item& item, std::uint32_t window)
+{
+    return std::find(item.windows.begin(), item.windows.end(), window) != item.windows.end();
+}
+
+/// The spaces that a window's desktop means.
+std::vector<std::uint64_t> expectedSpaces(Desktop& desktop, xcb_window_t window)
+{
+    const auto number = desktop.desktopOf(window);
+    if (number && *number != kAllDesktops)
+        return {std::uint64_t{*number} + 1};
+    std::vector<std::uint64_t> all(desktop.desktopCount());
+    std::iota(all.begin(), all.end(), 1);
+    return all;
+}
+
+testing::AssertionResult agreesOn(const State& state, Desktop& desktop, xcb_window_t client)
+{
+    const auto fault = [&] { return testing::AssertionFailure() << "client " << client << ": "; };
+    const auto* const window = state.windowOf(client);
+    if (!window)
+        return fault() << "missing (" << desktop.title(client) << ")";
+    if (window->title != desktop.title(client))
+        return fault() << "titled " << window->title << ", not " << desktop.title(client);
+    if (window->isMinimized != desktop.isHidden(client))
+        return fault() << "minimised is " << window->isMinimized;
+    const auto spaces = expectedSpaces(desktop, client);
+    if (window->spaces != spaces || state.spacesShowing(client) != spaces)
+        return fault() << "on space " << testing::PrintToString(window->spaces) << ", shown on "
+                       << testing::PrintToString(state.spacesShowing(client)) << ", not "
+                       << testing::PrintToString(spaces);
+    const auto* const item = state.itemOf(client);
+    if (item && (item->title != window->title || item->isMinimized != window->isMinimized))
+        return fault() << "its item says otherwise: " << item->title;
+    return testing::AssertionSuccess();
+}
+
+/// Each item of the active space has its chip, from left to right, inside the panel.
+testing::AssertionResult showsItems(const State& state)
+{
+    const auto* const panel = state.visiblePanel();
+    if (!panel || panel->space != state.activeSpace)
+        return testing::AssertionFailure() << "no panel on the active space";
+    const auto space = std::find_if(state.spaces.begin(), state.spaces.end(),
+        [&](const auto& candidate) { return candidate.id == panel->space; });
+    std::vector<std::string> items;
+    if (space != state.spaces.end()) {
+        for (const auto& item : space->items)
+            items.push_back(item.id);
+    }
+    std::vector<std::string> chips;
+    int edge = panel->frame.x;
+    for (const auto& chip : panel->chips) {
+        chips.push_back(chip.id);
+        if (chip.frame.x < edge || chip.frame.width <= 0 || chip.frame.y < panel->frame.y
+            || chip.frame.bottom() > panel->frame.bottom())
+            return testing::AssertionFailure() << "chip " << chip.id << " is out of place";
+        edge = chip.frame.x + chip.frame.width;
+    }
+    if (chips != items)
+        return testing::AssertionFailure() << "chips " << testing::PrintToString(chips)
+                                           << ", items " << testing::PrintToString(items);
+    return testing::AssertionSuccess();
+}
+
+testing::AssertionResult agreesOnFocus(const State& state, Desktop& desktop)
+{
+    const auto active = desktop.activeWindow();
+    const auto* const window = state.windowOf(active);
+    for (const auto& client : state.windows) {
+        const auto* const item = client.xid ? state.itemOf(*client.xid) : nullptr;
+        if (item && item->isFocused != (&client == window))
+            return testing::AssertionFailure()
+                << client.title << (item->isFocused ? " is" : " is not") << " lit, active is "
+                << desktop.title(active);
+    }
+    if (window && state.focusedWindow != window->id)
+        return testing::AssertionFailure() << "the focus is not on " << window->title;
+    return testing::AssertionSuccess();
+}
+
+}
+
+std::optional<State> State::parse(const std::string& json)
+{
+    try {
+        const auto root = Json::parse(json);
+        return State{.activeSpace = optional<std::uint64_t>(root.at("activeSpace")),
+            .focusedWindow = optional<std::uint32_t>(root.at("focusedWindow")),
+            .windows = listFrom(root.at("windows"), windowFrom),
+            .spaces = listFrom(root.at("spaces"), spaceFrom),
+            .panels = listFrom(root.at("panels"), panelFrom)};
+    } catch (const Json::exception& error) {
+        ADD_FAILURE() << error.what() << " in " << json;
+        return std::nullopt;
+    }
+}
+
+const State::Window* State::windowOf(xcb_window_t xid) const
+{
+    const auto found = std::find_if(
+        windows.begin(), windows.end(), [&](const auto& window) { return window.xid == xid; });
+    return found == windows.end() ? nullptr : &*found;
+}
+
+const State::Panel* State::visiblePanel() const
+{
+    const auto found = std::find_if(
+        panels.begin(), panels.end(), [](const auto& panel) { return panel.isVisible; });
+    return found == panels.end() ? nullptr : &*found;
+}
+
+const State::Chip* State::chipOf(xcb_window_t xid) const
+{
+    const auto* const window = windowOf(xid);
+    const auto* const panel = visiblePanel();
+    if (!window || !panel)
+        return nullptr;
+    const auto id = "s-" + std::to_string(window->id);
+    const auto found = std::find_if(
+        panel->chips.begin(), panel->chips.end(), [&](const auto& chip) { return chip.id == id; });
+    return found == panel->chips.end() ? nullptr : &*found;
+}
+
+const State::Item* State::itemOf(xcb_window_t xid) const
+{
+    const auto* const window = windowOf(xid);
+    for (const auto& space : spaces) {
+        if (!window || space.id != activeSpace)
+            continue;
+        for (const auto& item : space.items) {
+            if (shows(item, window->id))
+                return &item;
+        }
+    }
+    return nullptr;
+}
+
+std::vector<std::uint64_t> State::spacesShowing(xcb_window_t xid) const
+{
+    std::vector<std::uint64_t> showing;
+    const auto* const window = windowOf(xid);
+    for (const auto& space : spaces) {
+        if (window && std::any_of(space.items.begin(), space.items.end(), [&](const auto& item) {
+                return shows(item, window->id);
+            }))
+            showing.push_back(space.id);
+    }
+    return showing;
+}
+
+testing::AssertionResult agrees(const State& state, Desktop& desktop)
+{
+    const auto clients = desktop.taskbarClients();
+    if (state.activeSpace != std::uint64_t{desktop.currentDesktop()} + 1)
+        return testing::AssertionFailure() << "active space " << state.activeSpace.value_or(0);
+    if (state.windows.size() != clients.size())
+        return testing::AssertionFailure()
+            << state.windows.size() << " windows instead of " << clients.size();
+    for (const auto client : clients) {
+        if (auto result = agreesOn(state, desktop, client); !result)
+            return result;
+    }
+    if (auto result = showsItems(state); !result)
+        return result;
+    return agreesOnFocus(state, desktop);
+}
+
+}

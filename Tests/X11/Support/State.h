@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Tests/X11/Support/Desktop.h"
+
+namespace quorvel::x11tests {
+
+/// What the bar says of itself.
+struct State {
+    struct Window {
+        std::uint32_t id = 0;
+        std::optional<xcb_window_t> xid;
+        std::int64_t pid = 0;
+        std::string app;
+        std::string title;
+        Frame frame;
+        bool isMinimized = false;
+        std::vector<std::uint64_t> spaces;
+    };
+    struct Item {
+        std::string id;
+        std::string title;
+        std::vector<std::uint32_t> windows;
+        bool isFocused = false;
+        bool isMinimized = false;
+    };
+    struct Space {
+        std::uint64_t id = 0;
+        std::vector<Item> items;
+    };
+    struct Chip {
+        std::string id;
+        Frame frame;
+        friend bool operator==(const Chip&, const Chip&) = default;
+    };
+    struct Panel {
+        std::uint64_t space = 0;
+        bool isVisible = false;
+        Frame frame;
+        std::vector<Chip> chips;
+    };
+
+    /// Absent unless the text is JSON that says all of this.
+    static std::optional<State> parse(const std::string& json);
+
+    const Window* windowOf(xcb_window_t) const;
+    /// The chip of a window on the visible panel; null when there is none.
+    const Chip* chipOf(xcb_window_t) const;
+    /// The window's item on the active space; null when there is none.
+    const Item* itemOf(xcb_window_t) const;
+    const Panel* visiblePanel() const;
+    /// The numbers of the spaces on which the window has an item.
+    std::vector<std::uint64_t> spacesShowing(xcb_window_t) const;
+
+    std::optional<std::uint64_t> activeSpace;
+    std::optional<std::uint32_t> focusedWindow;
+    std::vector<Window> windows;
+    std::vector<Space> spaces;
+    std::vector<Panel> panels;
+};
+
+/// Whether the bar shows just what the window manager says of its clients: which there are, their
+/// titles, desktops and minimised state, the current desktop and the active window.
+testing::AssertionResult agrees(const State&, Desktop&);
+
+}

@@ -1,0 +1,60 @@
+#include "Tests/X11/Support/WindowManager.h"
+
+#include "Tests/X11/Support/Eventually.h"
+
+namespace quorvel::x11tests {
+
+std::string nameOf(ManagerKind kind)
+{
+    return kind == ManagerKind::openbox ? "openbox" : "xfwm4";
+}
+
+WindowManager::WindowManager(const XServer& server, Desktop& desktop, ManagerKind kind)
+    : m_server(server)
+    , m_desktop(desktop)
+    , m_kind(kind)
+{
+    beginStart();
+    waitUntilManaging();
+}
+
+bool WindowManager::isManaging()
+{
+    return m_process->isRunning() && m_desktop.hasWindowManager();
+}
+
+void WindowManager::end(int signal)
+{
+    m_process->signal(signal);
+    EXPECT_TRUE(m_process->waitForEnd(10s)) << nameOf(m_kind) << " does not end";
+}
+
+void WindowManager::beginStart()
+{
+    m_process = launch({});
+}
+
+void WindowManager::beginReplace()
+{
+    auto successor = launch({"--replace"});
+    EXPECT_TRUE(m_process->waitForEnd(10s)) << nameOf(m_kind) << " does not give way";
+    m_process = std::move(successor);
+}
+
+void WindowManager::waitUntilManaging()
+{
+    EXPECT_TRUE(eventually(20s, [this] { return isManaging(); }))
+        << readFile(m_server.folder() / "manager.log");
+}
+
+std::unique_ptr<Process> WindowManager::launch(const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> command{nameOf(m_kind)};
+    if (m_kind == ManagerKind::xfwm4)
+        command.emplace_back("--compositor=off");
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const auto log = m_server.folder() / "manager.log";
+    return std::make_unique<Process>(command, m_server.environment(), Outputs{{}, log});
+}
+
+}

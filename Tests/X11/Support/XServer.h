@@ -1,0 +1,48 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "Tests/X11/Support/Process.h"
+
+namespace quorvel::x11tests {
+
+/// A folder that is gone afterwards.
+class TemporaryFolder {
+public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    const std::filesystem::path& path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+/// An X server in memory (1280 x 800), a session bus and a home, all empty and private.
+class XServer {
+public:
+    XServer();
+
+    const std::string& display() const { return m_display; }
+    const Environment& environment() const { return m_environment; }
+    const std::filesystem::path& folder() const { return m_folder.path(); }
+    /// Where the bar looks for its settings.
+    std::filesystem::path settingsFile() const;
+
+private:
+    void makeHome();
+    void startServer();
+    void startBus();
+
+    TemporaryFolder m_folder;
+    Environment m_environment;
+    std::string m_display;
+    std::unique_ptr<Process> m_server;
+    std::unique_ptr<Process> m_bus;
+};
+
+}
