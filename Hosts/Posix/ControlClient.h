@@ -1,0 +1,18 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Hosts/Posix/ControlAddress.h"
+#include "Quorvel/Platform/ControlChannel.h"
+
+namespace quorvel::posix {
+
+/// Hands the arguments to the running bar and waits for its reply. Absent when no bar listens; a
+/// bar that does not answer in time gives a reply that says so.
+std::optional<ControlReply> requestOfBar(const ControlAddress&,
+    const std::vector<std::string>& arguments, std::chrono::milliseconds limit);
+
+}

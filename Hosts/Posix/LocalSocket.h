@@ -1,0 +1,22 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include <sys/types.h>
+#include <sys/un.h>
+
+#include "Hosts/Posix/FdWatch.h"
+
+namespace quorvel::posix {
+
+/// A stream socket of this machine that programs started later do not inherit.
+UniqueFd makeLocalSocket();
+/// The path must fit.
+sockaddr_un socketName(const std::string& path);
+bool setNonBlocking(int fd);
+bool setCloseOnExec(int fd);
+/// Who is at the other end.
+std::optional<uid_t> peerUser(int fd);
+
+}

@@ -1,0 +1,111 @@
+#include "Hosts/X11/X11Application.h"
+
+#include <algorithm>
+#include <array>
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include <glib-unix.h>
+#include <unistd.h>
+
+#include "Hosts/X11/Connection.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+/// A bar is quieter dark, so that is what it is on a desktop that says nothing.
+constexpr bool kIsDarkByDefault = true;
+
+bool isDarkWithoutPortal()
+{
+    return isDarkTheme(std::getenv("GTK_THEME")).value_or(kIsDarkByDefault);
+}
+
+Appearance initialAppearance()
+{
+    Appearance appearance;
+    appearance.isDark = isDarkWithoutPortal();
+    const char* locale = std::setlocale(LC_MESSAGES, nullptr);
+    appearance.isRightToLeft = locale && isRightToLeftLocale(locale);
+    return appearance;
+}
+
+}
+
+std::optional<bool> isDarkTheme(const char* gtkTheme)
+{
+    if (!gtkTheme || !*gtkTheme)
+        return std::nullopt;
+    std::string_view theme{gtkTheme};
+    return theme.ends_with(":dark") || theme.ends_with("-dark");
+}
+
+bool isRightToLeftLocale(std::string_view locale)
+{
+    static constexpr std::array<std::string_view, 15> languages{"ar", "arc", "ckb", "dv", "fa",
+        "he", "iw", "ks", "nqo", "ps", "sd", "syr", "ug", "ur", "yi"};
+    auto language = locale.substr(0, locale.find_first_of("_.@-"));
+    return std::ranges::find(languages, language) != languages.end();
+}
+
+X11Application::X11Application(Connection& connection)
+    : m_loop(g_main_loop_new(nullptr, false))
+    , m_appearance(initialAppearance())
+    , m_colorScheme([this](std::optional<bool> prefersDark) {
+        auto appearance = m_appearance.value();
+        appearance.isDark = prefersDark.value_or(isDarkWithoutPortal());
+        m_appearance.set(appearance);
+    })
+    , m_lost(connection.lost.subscribe([this] { connectionLost(); }))
+{
+    constexpr std::array numbers{SIGTERM, SIGINT, SIGHUP};
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        m_signals[i] = g_unix_signal_add(
+            numbers[i],
+            [](gpointer self) -> gboolean {
+                static_cast<X11Application*>(self)->terminate();
+                return G_SOURCE_CONTINUE;
+            },
+            this);
+    }
+}
+
+X11Application::~X11Application()
+{
+    for (auto source : m_signals)
+        g_source_remove(source);
+    g_main_loop_unref(m_loop);
+}
+
+ProcessID X11Application::processID() const
+{
+    return static_cast<ProcessID>(getpid());
+}
+
+int X11Application::run()
+{
+    if (!m_isEnding)
+        g_main_loop_run(m_loop);
+    return m_exitStatus;
+}
+
+void X11Application::terminate()
+{
+    if (std::exchange(m_isEnding, true))
+        return;
+    willTerminate.emit();
+    g_main_loop_quit(m_loop);
+}
+
+void X11Application::connectionLost()
+{
+    std::fputs("quorvel: the X server has gone\n", stderr);
+    m_exitStatus = 1;
+    terminate();
+}
+
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include <glib.h>
+
+#include "Hosts/X11/ColorScheme.h"
+#include "Quorvel/Platform/Application.h"
+
+namespace quorvel::x11 {
+
+class Connection;
+
+/// The process: its loop, its end by a signal or with the server, its looks.
+class X11Application final : public Application {
+public:
+    explicit X11Application(Connection&);
+    ~X11Application() override;
+
+    void setActivationPolicy(ActivationPolicy) override { }
+    ProcessID processID() const override;
+    int run() override;
+    void terminate() override;
+    const Published<Appearance>& appearance() const override { return m_appearance; }
+
+private:
+    void connectionLost();
+
+    GMainLoop* m_loop;
+    Published<Appearance> m_appearance;
+    ColorScheme m_colorScheme;
+    Subscription m_lost;
+    guint m_signals[3]{};
+    bool m_isEnding = false;
+    int m_exitStatus = 0;
+};
+
+/// Whether programs are dark on this desktop, as far as the environment says (`GTK_THEME`); absent
+/// when it does not.
+std::optional<bool> isDarkTheme(const char* gtkTheme);
+/// Whether the language of this locale is written from right to left.
+bool isRightToLeftLocale(std::string_view locale);
+
+}
