@@ -1,6 +1,7 @@
 #include "Tests/Support/FakeAccessibility.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "Tests/Support/Contract.h"
 #include "Tests/Support/FakeDesktop.h"
@@ -101,6 +102,7 @@ AXError FakeAccessibility::send(const AXElement& element, AXMessage message)
     message.pid = to.pid;
     message.window = to.window;
     message.timeout = timeoutOf(element);
+    message.at = m_desktop.dispatch().now();
     message.thread = m_desktop.dispatch().currentLabel();
     message.result = fault(to, message.timeout);
     m_messages.push_back(message);
@@ -115,7 +117,7 @@ AXError FakeAccessibility::fault(const Target& to, float timeout)
         return AXError::invalidElement;
     auto& faults = to.application->faults;
     if (faults.isHung) {
-        m_desktop.dispatch().spend(seconds(timeout));
+        m_desktop.dispatch().spend(std::chrono::microseconds{std::lround(timeout * 1e6F)});
         return AXError::cannotComplete;
     }
     if (to.application->answersFrom > m_desktop.dispatch().now())
@@ -321,6 +323,7 @@ std::pair<AXError, std::unique_ptr<AXObserver>> FakeAccessibility::createObserve
 {
     if (!m_desktop.dispatch().isOn(thread))
         contractBroken("an observer was made away from its run loop's thread");
+    m_observerAttempts.push_back(m_desktop.dispatch().now());
     auto* application = m_desktop.model().application(pid);
     if (!application || !m_isTrusted)
         return {AXError::failure, nullptr};

@@ -23,6 +23,7 @@ struct AXMessage {
     AXError result{};
     float timeout = 0; ///< what the element's timeout was
     std::string thread{};
+    Instant at{};
 };
 
 /// The applications' accessibility trees, told from the desktop with each application's faults.
@@ -56,6 +57,8 @@ public:
     /// The messages to one application, of one kind.
     std::vector<AXMessage> messages(ProcessID, AXMessage::Kind) const;
     void forgetMessages() { m_messages.clear(); }
+    /// When the program tried to make an observer.
+    const std::vector<Instant>& observerAttempts() const { return m_observerAttempts; }
     std::size_t observersOf(ProcessID) const;
     bool isRegistered(ProcessID, std::string_view notification) const;
     bool isRegistered(WindowID, std::string_view notification) const;
@@ -85,6 +88,7 @@ private:
     bool m_listsOnlyCurrentSpaces = false;
     int m_prompts = 0;
     std::vector<AXMessage> m_messages;
+    std::vector<Instant> m_observerAttempts;
     std::vector<class FakeObserver*> m_observers;
 };
 

@@ -19,7 +19,8 @@ FakeObserver::FakeObserver(
 
 FakeObserver::~FakeObserver()
 {
-    checkThread();
+    if (!m_desktop.dispatch().hasEnded(m_thread))
+        checkThread();
     std::erase(m_desktop.accessibility().m_observers, this);
 }
 

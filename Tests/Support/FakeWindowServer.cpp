@@ -46,8 +46,8 @@ CGWindowInfo FakeWindowServer::entry(const FakeWindow& window) const
 void FakeWindowServer::enumerateWindows(
     std::uint32_t, const std::function<void(const CGWindowInfo&)>& visitor) const
 {
-    ++m_listings;
     auto now = m_desktop.dispatch().now();
+    m_listings.push_back(now);
     for (auto& stray : m_strayEntries)
         visitor(stray);
     for (auto id : m_desktop.model().stacking) {

@@ -64,8 +64,9 @@ public:
     const std::vector<Moved>& moves() const { return m_moves; }
     const std::map<SpaceID, double>& edgeReservations() const { return m_edgeReservations; }
     const std::map<DisplayNumber, Rect>& dockRectangles() const { return m_dockRectangles; }
-    /// How often the window list was taken.
-    int listings() const { return m_listings; }
+    /// When the window list was taken.
+    const std::vector<Instant>& listings() const { return m_listings; }
+    void forgetListings() { m_listings.clear(); }
 
 private:
     CGWindowInfo entry(const FakeWindow&) const;
@@ -81,7 +82,7 @@ private:
     std::vector<Moved> m_moves;
     std::map<SpaceID, double> m_edgeReservations;
     std::map<DisplayNumber, Rect> m_dockRectangles;
-    mutable int m_listings = 0;
+    mutable std::vector<Instant> m_listings;
 };
 
 }

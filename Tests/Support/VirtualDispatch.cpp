@@ -48,12 +48,14 @@ public:
         : m_dispatch(dispatch)
         , m_label(std::move(label))
     {
+        m_dispatch.m_threads.insert(this);
     }
     ~VirtualQueue() override
     {
         if (m_dispatch.isRunning(*this))
             deadlock(m_label, "destroyed by its own work");
         m_dispatch.dropWork(*this);
+        m_dispatch.m_threads.erase(this);
     }
 
     void async(Work work) override
@@ -161,6 +163,11 @@ bool VirtualDispatch::isOnMain() const
 bool VirtualDispatch::isOn(const RunLoopThread& thread) const
 {
     return !m_running.empty() && static_cast<const RunLoopThread*>(m_running.back()) == &thread;
+}
+
+bool VirtualDispatch::hasEnded(const RunLoopThread& thread) const
+{
+    return !m_threads.contains(&thread);
 }
 
 std::string VirtualDispatch::currentLabel() const

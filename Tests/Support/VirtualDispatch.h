@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,7 @@ public:
 
     bool isOnMain() const;
     bool isOn(const RunLoopThread&) const;
+    bool hasEnded(const RunLoopThread&) const;
     /// The label of the queue or thread whose work is running; "main" outside of any.
     std::string currentLabel() const;
 
@@ -70,6 +72,7 @@ private:
     std::uint64_t m_sequence = 0;
     std::uint64_t m_workDone = 0;
     std::map<Key, std::shared_ptr<Item>> m_items;
+    std::set<const RunLoopThread*> m_threads;
     std::vector<VirtualQueue*> m_running; // innermost last
     std::unique_ptr<VirtualQueue> m_main;
     std::unique_ptr<VirtualQueue> m_background;

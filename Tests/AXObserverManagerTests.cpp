@@ -1,0 +1,374 @@
+#include "Quorvel/Skylight/AXObserverManager.h"
+
+#include <gmock/gmock.h>
+
+#include "Tests/Support/FakeDesktop.h"
+
+namespace quorvel::test {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+struct AXObserverManagerTest : testing::Test {
+    struct Heard {
+        std::string notification;
+        std::optional<WindowID> window;
+        Duration at;
+        friend bool operator==(const Heard&, const Heard&) = default;
+    };
+
+    FakeDesktop desktop;
+    AXObserverManager manager{
+        desktop.dispatch(), desktop.accessibility(), desktop.dispatch().main()};
+    std::vector<Heard> heard;
+    std::vector<ProcessID> attached;
+    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "com.example.mail"});
+    WindowID inbox = desktop.open(mail);
+    WindowID draft = desktop.open(mail);
+
+    AXObserverManagerTest()
+    {
+        manager.onEvent = [this](const AXWindowEvent& event) {
+            EXPECT_TRUE(desktop.dispatch().isOnMain());
+            heard.push_back({event.notification, event.windowID, now()});
+        };
+        manager.onObserverAdded = [this](ProcessID pid) {
+            EXPECT_TRUE(desktop.dispatch().isOnMain());
+            attached.push_back(pid);
+        };
+        manager.start();
+    }
+    Duration now() { return desktop.dispatch().now() - VirtualDispatch::kStart; }
+    void attach()
+    {
+        manager.observe(mail);
+        desktop.drain();
+    }
+    Heard at(double time, std::string_view notification, std::optional<WindowID> window)
+    {
+        return {std::string{notification}, window, seconds(time)};
+    }
+    std::vector<Duration> attempts()
+    {
+        std::vector<Duration> times;
+        for (auto time : desktop.accessibility().observerAttempts())
+            times.push_back(time - VirtualDispatch::kStart);
+        return times;
+    }
+    bool isFullyRegistered(WindowID id)
+    {
+        return std::ranges::all_of(AXObserverManager::windowNotifications,
+            [&](auto name) { return desktop.accessibility().isRegistered(id, name); });
+    }
+};
+
+}
+
+TEST_F(AXObserverManagerTest, attachingRegistersTheApplicationAndEachOfItsWindows)
+{
+    attach();
+
+    EXPECT_THAT(attached, ElementsAre(mail));
+    EXPECT_TRUE(desktop.accessibility().isRegistered(mail, ax::windowCreated));
+    EXPECT_TRUE(desktop.accessibility().isRegistered(mail, ax::focusedWindowChanged));
+    EXPECT_TRUE(isFullyRegistered(inbox));
+    EXPECT_TRUE(isFullyRegistered(draft));
+    for (auto& message : desktop.accessibility().messages()) {
+        EXPECT_EQ(message.thread, "AXObserverManager") << message.name;
+        EXPECT_EQ(message.timeout, 0.05F) << message.name;
+    }
+}
+
+TEST_F(AXObserverManagerTest, observingTwiceAttachesOnce)
+{
+    attach();
+    attach();
+    manager.refreshWindows({mail});
+    desktop.drain();
+
+    EXPECT_THAT(attached, ElementsAre(mail));
+    EXPECT_EQ(desktop.accessibility().observersOf(mail), 1u);
+}
+
+TEST_F(AXObserverManagerTest, aRowOfMovesIsOneEventAQuarterSecondAfterTheLast)
+{
+    attach();
+    for (int i = 1; i <= 10; ++i) {
+        desktop.move(inbox, {100.0 + i, 100});
+        if (i == 4)
+            desktop.move(draft, {5, 5}); // its own row
+        desktop.advance(seconds(0.05));
+    }
+    desktop.advance(seconds(5));
+
+    EXPECT_THAT(
+        heard, ElementsAre(at(0.4, ax::windowMoved, draft), at(0.7, ax::windowMoved, inbox)));
+}
+
+TEST_F(AXObserverManagerTest, differentNotificationsOfAWindowWaitApart)
+{
+    attach();
+    desktop.move(inbox, {1, 1});
+    desktop.advance(seconds(0.2));
+    desktop.resize(inbox, {300, 300});
+    desktop.advance(seconds(1));
+
+    EXPECT_THAT(
+        heard, ElementsAre(at(0.25, ax::windowMoved, inbox), at(0.45, ax::windowResized, inbox)));
+}
+
+TEST_F(AXObserverManagerTest, aTitleThatNeverRestsIsStillTold)
+{
+    attach();
+    for (int i = 0; i < 24; ++i) {
+        desktop.retitle(inbox, std::to_string(i));
+        desktop.move(inbox, {100.0 + i, 1});
+        desktop.advance(seconds(0.1));
+    }
+    desktop.advance(seconds(5));
+
+    // Titles after a second at the latest, then a new row; moves only once they have ended.
+    EXPECT_THAT(heard,
+        ElementsAre(at(1.0, ax::titleChanged, inbox), at(2.0, ax::titleChanged, inbox),
+            at(2.55, ax::titleChanged, inbox), at(2.55, ax::windowMoved, inbox)));
+}
+
+TEST_F(AXObserverManagerTest, duplicatedNotificationsOfOneChangeAreOneEvent)
+{
+    desktop.application(mail).faults.duplicatedNotifications.insert("AXTitleChanged");
+    attach();
+    desktop.retitle(inbox, "New");
+    desktop.advance(seconds(1));
+
+    EXPECT_EQ(heard.size(), 1u);
+}
+
+TEST_F(AXObserverManagerTest, focusAndMinimisingAreNeverDelayed)
+{
+    attach();
+    desktop.focus(inbox);
+    desktop.minimise(draft);
+    desktop.restore(draft);
+    desktop.drain();
+
+    EXPECT_THAT(heard,
+        ElementsAre(at(0, ax::focusedWindowChanged, inbox), at(0, ax::windowMiniaturized, draft),
+            at(0, ax::windowDeminiaturized, draft), at(0, ax::focusedWindowChanged, draft)));
+}
+
+TEST_F(AXObserverManagerTest, aWindowThatCannotBeNamedIsToldWithoutANumberAndWithoutDelay)
+{
+    desktop.window(inbox).faults.hasWindowNumber = false;
+    attach();
+    EXPECT_FALSE(isFullyRegistered(inbox));
+    desktop.focus(inbox);
+    desktop.drain();
+
+    EXPECT_THAT(heard, ElementsAre(at(0, ax::focusedWindowChanged, std::nullopt)));
+}
+
+TEST_F(AXObserverManagerTest, withoutTheResolverTheNumberAttributeNamesWindows)
+{
+    desktop.accessibility().setResolverAvailable(false);
+    AXObserverManager other{desktop.dispatch(), desktop.accessibility(), desktop.dispatch().main()};
+    std::vector<std::optional<WindowID>> windows;
+    other.onEvent = [&](const AXWindowEvent& event) { windows.push_back(event.windowID); };
+    other.start();
+    other.observe(mail);
+    desktop.drain();
+    desktop.minimise(inbox);
+    desktop.drain();
+
+    EXPECT_THAT(windows, ElementsAre(inbox));
+}
+
+TEST_F(AXObserverManagerTest, aNewWindowIsListenedToFromItsCreationOn)
+{
+    attach();
+    auto fresh = desktop.open(mail, {.accessibilityDelay = seconds(0.3), .takesFocus = false});
+    desktop.advance(seconds(0.3));
+
+    EXPECT_TRUE(isFullyRegistered(fresh));
+    desktop.minimise(fresh);
+    desktop.drain();
+    EXPECT_THAT(heard,
+        ElementsAre(at(0.3, ax::windowCreated, fresh), at(0.3, ax::windowMiniaturized, fresh)));
+}
+
+TEST_F(AXObserverManagerTest, refreshingFindsWindowsWhoseCreationWasNotTold)
+{
+    desktop.application(mail).faults.swallowedNotifications.insert("AXWindowCreated");
+    attach();
+    auto fresh = desktop.open(mail);
+    desktop.drain();
+    EXPECT_FALSE(isFullyRegistered(fresh));
+    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
+
+    manager.refreshWindows({mail, news});
+    desktop.drain();
+
+    EXPECT_TRUE(isFullyRegistered(fresh));
+    EXPECT_THAT(attached, ElementsAre(mail, news)) << "what is not attached yet is attached";
+}
+
+TEST_F(AXObserverManagerTest, aDestroyedWindowIsNamedAndItsPendingEventsDie)
+{
+    attach();
+    desktop.retitle(inbox, "Closing");
+    desktop.move(inbox, {1, 1});
+    desktop.retitle(draft, "Staying");
+    desktop.close(inbox); // its element knows no number any more
+    desktop.advance(seconds(1));
+
+    EXPECT_THAT(
+        heard, ElementsAre(at(0, ax::elementDestroyed, inbox), at(0.25, ax::titleChanged, draft)));
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+TEST_F(AXObserverManagerTest, aProcessThatNeverAnswersIsTriedSixTimesAndThenLeftAlone)
+{
+    desktop.application(mail).faults.failingObservers = 1000;
+    attach();
+    desktop.advance(seconds(100));
+
+    EXPECT_THAT(attempts(),
+        ElementsAre(
+            seconds(0), seconds(0.5), seconds(1.5), seconds(3.5), seconds(7.5), seconds(15.5)));
+    EXPECT_THAT(attached, IsEmpty());
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+
+    // A later request starts from the beginning.
+    manager.observe(mail);
+    desktop.advance(seconds(0.5));
+    EXPECT_EQ(attempts().size(), 8u);
+}
+
+TEST_F(AXObserverManagerTest, anApplicationThatIsStillStartingIsAttachedOnceItAnswers)
+{
+    auto slow = desktop.launch(
+        {.bundleIdentifier = "com.example.slow", .startsAnsweringAfter = seconds(1)});
+    auto window = desktop.open(slow);
+    manager.observe(slow);
+    desktop.advance(seconds(1.4));
+    EXPECT_THAT(attached, IsEmpty());
+    EXPECT_EQ(desktop.accessibility().observersOf(slow), 0u) << "what was made is torn down";
+    desktop.advance(seconds(10));
+
+    EXPECT_THAT(attached, ElementsAre(slow));
+    EXPECT_TRUE(isFullyRegistered(window));
+    EXPECT_EQ(attempts().size(), 3u);
+}
+
+TEST_F(AXObserverManagerTest, successClearsTheCountOfFailures)
+{
+    desktop.application(mail).faults.failingObservers = 3;
+    attach();
+    desktop.advance(seconds(4));
+    EXPECT_THAT(attached, ElementsAre(mail));
+    manager.stopObserving(mail);
+    desktop.drain();
+    desktop.application(mail).faults.failingObservers = 1;
+    auto before = attempts().size();
+    attach();
+    desktop.advance(seconds(0.5));
+
+    EXPECT_EQ(attempts().size(), before + 2) << "the first retry comes after half a second again";
+    EXPECT_THAT(attached, ElementsAre(mail, mail));
+}
+
+TEST_F(AXObserverManagerTest, oneNotificationOfTheApplicationThatFailsFailsTheAttempt)
+{
+    desktop.application(mail).faults.failingRegistrations.insert("AXFocusedWindowChanged");
+    attach();
+    EXPECT_THAT(attached, IsEmpty());
+    EXPECT_EQ(desktop.accessibility().observersOf(mail), 0u);
+
+    desktop.application(mail).faults.failingRegistrations = {"AXTitleChanged"};
+    desktop.advance(seconds(0.5));
+    EXPECT_THAT(attached, ElementsAre(mail)) << "one of a window is skipped";
+    EXPECT_TRUE(desktop.accessibility().isRegistered(inbox, ax::windowMoved));
+}
+
+TEST_F(AXObserverManagerTest, aDetachedProcessIsHeardNoMore)
+{
+    attach();
+    desktop.retitle(inbox, "Pending");
+    desktop.minimise(inbox);
+    manager.stopObserving(mail);
+    desktop.drain();
+    heard.clear();
+    desktop.minimise(draft);
+    desktop.drain();
+
+    EXPECT_THAT(heard, IsEmpty());
+    EXPECT_EQ(desktop.accessibility().observersOf(mail), 0u);
+}
+
+TEST_F(AXObserverManagerTest, detachingEndsTheRetries)
+{
+    desktop.application(mail).faults.failingObservers = 1000;
+    attach();
+    desktop.advance(seconds(0.2));
+    manager.stopObserving(mail);
+    desktop.advance(seconds(100));
+
+    EXPECT_EQ(attempts().size(), 1u);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+TEST_F(AXObserverManagerTest, aHungApplicationDelaysNobodyElsesEventsForLong)
+{
+    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
+    auto feed = desktop.open(news);
+    for (int i = 0; i < 50; ++i)
+        desktop.open(mail);
+    attach();
+    manager.observe(news);
+    desktop.drain();
+    desktop.application(mail).faults.isHung = true;
+    auto before = now();
+
+    manager.refreshWindows({mail});
+    desktop.minimise(feed);
+    desktop.drain();
+
+    EXPECT_LE(now() - before, seconds(0.05));
+    EXPECT_EQ(heard.back().window, feed);
+}
+
+TEST_F(AXObserverManagerTest, stoppingEndsEverythingAndItCanStartAgain)
+{
+    attach();
+    desktop.retitle(inbox, "Pending");
+    desktop.drain();
+    manager.stop();
+    desktop.minimise(inbox);
+    desktop.advance(seconds(1));
+    EXPECT_THAT(heard, IsEmpty());
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+    EXPECT_EQ(desktop.accessibility().observersOf(mail), 0u);
+
+    manager.start();
+    attach();
+    desktop.minimise(draft);
+    desktop.drain();
+    EXPECT_EQ(heard.size(), 1u);
+}
+
+TEST_F(AXObserverManagerTest, withoutTheUsersTrustItGivesUpAndComesBackWhenAsked)
+{
+    desktop.accessibility().setTrusted(false);
+    attach();
+    desktop.advance(seconds(100));
+    EXPECT_THAT(attached, IsEmpty());
+    desktop.accessibility().setTrusted(true);
+
+    manager.refreshWindows({mail});
+    desktop.drain();
+
+    EXPECT_THAT(attached, ElementsAre(mail));
+}
+
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include <gtest/gtest.h>
+
+#include "Quorvel/Core/BarManager.h"
+#include "Quorvel/Quorvel.h"
+#include "Quorvel/Skylight/WindowStore.h"
+#include "Quorvel/Views/BarPanel.h"
+#include "Tests/Support/FakeDesktop.h"
+
+namespace quorvel::test {
+
+/// The whole program on a desktop, as its user meets it.
+struct BarFixture : testing::Test {
+    FakeDesktop desktop;
+    std::unique_ptr<Runtime> runtime;
+
+    void start()
+    {
+        runtime = std::make_unique<Runtime>(desktop.platform());
+        QuorvelApp::launch(*runtime);
+        settle();
+    }
+    /// Past every poll that follows a launch or a new window.
+    void settle() { desktop.advance(seconds(15)); }
+
+    BarViewModel& model() { return runtime->barManager()->viewModel(); }
+    FakePanel& panel(SpaceID space = SpaceID{1}) { return *desktop.surfaces().panel(space); }
+
+    /// In the bar of the first space; absent if the window has no chip there.
+    std::optional<Rect> chipFrame(WindowID window)
+    {
+        for (auto& [id, frame] :
+            runtime->barManager()->panels().at(SpaceID{1})->content()->chipFrames()) {
+            if (id == displayItemID(window))
+                return frame;
+        }
+        return {};
+    }
+    const ChipData* chip(WindowID window)
+    {
+        for (auto& [space, chips] : model().chipsBySpace.value()) {
+            for (auto& candidate : chips) {
+                if (candidate.id == window)
+                    return &candidate;
+            }
+        }
+        return nullptr;
+    }
+    /// With real pointer events, up to where the applications have answered.
+    void clickChip(WindowID window, PointerButton button = PointerButton::primary)
+    {
+        panel().click(chipFrame(window)->centre(), button);
+        desktop.drain();
+    }
+    /// Away from the bar, so that nothing is held still.
+    void leave()
+    {
+        panel().leave();
+        desktop.drain();
+    }
+};
+
+}

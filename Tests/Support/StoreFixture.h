@@ -1,0 +1,60 @@
+#pragma once
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "Quorvel/Skylight/WindowStore.h"
+#include "Tests/Support/FakeDesktop.h"
+
+namespace quorvel::test {
+
+/// A window store on a desktop, without anything around it: the test calls what the runtime would.
+struct StoreFixture : testing::Test {
+    FakeDesktop desktop;
+    Platform platform = desktop.platform();
+    WindowStore store{platform.dispatch, platform.accessibility, platform.windowServer,
+        platform.displays, platform.workspace, platform.trace};
+    int changes = 0;
+    std::vector<std::string> traced;
+
+    StoreFixture()
+    {
+        store.onChange = [this] { ++changes; };
+        desktop.trace().setSink([this](std::string_view line) { traced.emplace_back(line); });
+    }
+
+    bool isTracked(WindowID id) const { return store.window(id) != nullptr; }
+    bool hasTraced(std::string_view start) const
+    {
+        return std::ranges::any_of(
+            traced, [&](const std::string& line) { return line.starts_with(start); });
+    }
+
+    /// One scan of the process, `delay` from now.
+    void scanAfter(ProcessID pid, Duration delay)
+    {
+        store.startLifecycleMonitoring(pid, delay);
+        desktop.advance(delay);
+    }
+    /// The window server no longer lists it, though it is there.
+    void hide(WindowID id) { desktop.window(id).inServerFrom = Instant::max(); }
+    void show(WindowID id) { desktop.window(id).inServerFrom = {}; }
+
+    AXWindowEvent event(WindowID id, std::string_view notification)
+    {
+        return {std::string{notification}, desktop.window(id).pid,
+            desktop.accessibility().windowElement(id), id};
+    }
+
+    /// When the windows were listed, in seconds since `start`.
+    std::vector<double> scanTimes(Instant start)
+    {
+        std::vector<double> times;
+        for (auto at : desktop.windowServer().listings())
+            times.push_back(std::chrono::duration<double>(at - start).count());
+        return times;
+    }
+};
+
+}

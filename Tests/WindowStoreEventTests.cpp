@@ -1,0 +1,299 @@
+// What accessibility events and activations do to the windows and the focus.
+
+#include <gmock/gmock.h>
+
+#include "Tests/Support/StoreFixture.h"
+
+namespace quorvel::test {
+
+using testing::Contains;
+using testing::StartsWith;
+
+namespace {
+
+struct WindowStoreEvents : StoreFixture {
+    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "com.example.mail"});
+    ProcessID news = desktop.launch({.name = "News", .bundleIdentifier = "com.example.news"});
+    WindowID inbox = desktop.open(mail, {.title = "Inbox"});
+    WindowID draft = desktop.open(mail, {.title = "Draft"});
+    WindowID feed = desktop.open(news, {.title = "Feed"});
+
+    WindowStoreEvents()
+    {
+        desktop.activate(mail);
+        store.populate();
+        changes = 0;
+        traced.clear();
+    }
+    Duration cost(const std::function<void()>& work)
+    {
+        auto before = desktop.dispatch().now();
+        work();
+        return desktop.dispatch().now() - before;
+    }
+};
+
+}
+
+TEST_F(WindowStoreEvents, populateResolvesTheFocusOfTheFrontmostApplication)
+{
+    EXPECT_EQ(store.focusedWindowID(), draft);
+}
+
+TEST_F(WindowStoreEvents, focusEventsOfABackgroundApplicationAreIgnored)
+{
+    store.handleAXEvent(event(feed, ax::focusedWindowChanged));
+
+    EXPECT_EQ(store.focusedWindowID(), draft);
+    EXPECT_EQ(changes, 0);
+    EXPECT_THAT(traced, Contains(StartsWith("focusedChanged ignored pid=502")));
+}
+
+TEST_F(WindowStoreEvents, focusEventsOfTheFrontmostApplicationMoveTheFocusOnce)
+{
+    store.handleAXEvent(event(inbox, ax::focusedWindowChanged));
+    store.handleAXEvent(event(inbox, ax::focusedWindowChanged));
+
+    EXPECT_EQ(store.focusedWindowID(), inbox);
+    EXPECT_EQ(changes, 1);
+    EXPECT_THAT(traced, Contains("focusedChanged direct pid=501 windowID=1001"));
+}
+
+TEST_F(WindowStoreEvents, aFocusEventWithoutAWindowIsAnsweredByTheApplication)
+{
+    auto nameless = event(inbox, ax::focusedWindowChanged);
+    nameless.windowID.reset();
+    desktop.application(mail).focusedWindow = inbox;
+    store.handleAXEvent(nameless);
+    EXPECT_EQ(store.focusedWindowID(), inbox);
+    EXPECT_TRUE(hasTraced("focusedChanged queried pid=501"));
+
+    desktop.application(mail).faults.isHung = true;
+    EXPECT_EQ(cost([&] { store.handleAXEvent(nameless); }), seconds(0.05));
+    EXPECT_EQ(store.focusedWindowID(), inbox) << "no answer says nothing about the focus";
+    EXPECT_TRUE(hasTraced("focusedChanged query failed pid=501 err=-25204"));
+}
+
+TEST_F(WindowStoreEvents, anActivationThatCannotBeResolvedLeavesTheFocus)
+{
+    desktop.activate(news);
+    desktop.application(news).faults.isDead = true;
+    store.handleAppActivated(news);
+    EXPECT_TRUE(hasTraced("handleAppActivated begin pid=502 frontmostPid=502 focusedBefore=1002"));
+    EXPECT_TRUE(hasTraced(
+        "handleAppActivated failed to read kAXFocusedWindowAttribute pid=502 err=-25202"));
+    EXPECT_EQ(store.focusedWindowID(), draft);
+
+    desktop.application(news).faults = {.wrongAttributes = {{"AXFocusedWindow", 3.0}}};
+    store.handleAppActivated(news);
+    EXPECT_EQ(store.focusedWindowID(), draft);
+
+    desktop.application(news).faults = {};
+    desktop.window(feed).faults.hasWindowNumber = false;
+    store.handleAppActivated(news);
+    EXPECT_TRUE(hasTraced("handleAppActivated focused AX element had no CGWindowID pid=502"));
+    EXPECT_EQ(store.focusedWindowID(), draft);
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(WindowStoreEvents, theFocusMayNameAWindowThatIsNotTracked)
+{
+    auto dialog = desktop.open(news, {.subrole = "AXDialog"});
+    desktop.activate(news);
+
+    store.handleAppActivated(news);
+
+    EXPECT_EQ(store.focusedWindowID(), dialog);
+    EXPECT_FALSE(isTracked(dialog));
+    EXPECT_TRUE(hasTraced("handleAppActivated resolved focused=1004"));
+}
+
+TEST_F(WindowStoreEvents, minimisingTheFocusedWindowLeavesNoFocusUntilTheNextEvent)
+{
+    store.handleAXEvent(event(draft, ax::windowMiniaturized));
+    EXPECT_TRUE(store.window(draft)->isMinimized);
+    EXPECT_EQ(store.focusedWindowID(), std::nullopt);
+    EXPECT_EQ(changes, 1) << "both changes are one";
+
+    store.handleAXEvent(event(draft, ax::windowDeminiaturized));
+    EXPECT_FALSE(store.window(draft)->isMinimized);
+    EXPECT_EQ(store.focusedWindowID(), std::nullopt);
+    store.handleAXEvent(event(draft, ax::focusedWindowChanged));
+    EXPECT_EQ(store.focusedWindowID(), draft);
+}
+
+TEST_F(WindowStoreEvents, minimisingAnotherWindowKeepsTheFocus)
+{
+    store.handleAXEvent(event(inbox, ax::windowMiniaturized));
+
+    EXPECT_EQ(store.focusedWindowID(), draft);
+    store.handleAXEvent(event(inbox, ax::windowMiniaturized));
+    EXPECT_EQ(changes, 1) << "the same again is no change";
+}
+
+TEST_F(WindowStoreEvents, aCreatedWindowIsTrackedAtOnceIfEverybodyKnowsIt)
+{
+    auto fresh = desktop.open(mail, {.title = "Fresh", .spaces = {SpaceID{2}}});
+
+    store.handleAXEvent(event(fresh, ax::windowCreated));
+
+    ASSERT_TRUE(isTracked(fresh));
+    EXPECT_EQ(store.window(fresh)->windowTitle, "Fresh");
+    EXPECT_EQ(store.window(fresh)->spaceIDs, std::set{SpaceID{2}});
+    EXPECT_EQ(changes, 1);
+    store.handleAXEvent(event(fresh, ax::windowCreated)); // announced twice
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(store.windows().size(), 4u);
+}
+
+TEST_F(WindowStoreEvents, aCreatedWindowGoesThroughTheSameFilters)
+{
+    auto sheet = desktop.open(mail, {.role = "AXSheet"});
+    auto modal = desktop.open(mail, {.isModal = true});
+    auto tiny = desktop.open(mail, {.frame = {0, 0, 39, 400}});
+    auto floating = desktop.open(mail, {.layer = 3});
+    auto nowhere = desktop.open(mail);
+    desktop.window(nowhere).spaces.clear();
+    auto ghostly = desktop.open(mail, {.alpha = 0});
+    auto accessory = desktop.launch(
+        {.bundleIdentifier = "com.example.acc", .policy = ActivationPolicy::accessory});
+    auto foreign = desktop.open(accessory);
+
+    for (auto id : {sheet, modal, tiny, floating, nowhere, ghostly, foreign})
+        store.handleAXEvent(event(id, ax::windowCreated));
+
+    EXPECT_EQ(store.windows().size(), 3u);
+    EXPECT_EQ(changes, 0);
+    EXPECT_TRUE(hasTraced("ignored-non-standard-ax-window role=AXSheet"));
+}
+
+TEST_F(WindowStoreEvents, aDestroyedWindowGoesAtOnceAndOnlyItself)
+{
+    auto gone = event(inbox, ax::elementDestroyed);
+    desktop.close(inbox);
+
+    store.handleAXEvent(gone);
+    EXPECT_FALSE(isTracked(inbox));
+    EXPECT_EQ(store.windows().size(), 2u);
+    EXPECT_EQ(changes, 1);
+
+    store.handleAXEvent(gone);
+    gone.windowID.reset();
+    store.handleAXEvent(gone);
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(WindowStoreEvents, aTitleIsReadAgainAndOnlyADifferentOneIsAChange)
+{
+    store.handleAXEvent(event(inbox, ax::titleChanged));
+    EXPECT_EQ(changes, 0);
+    desktop.retitle(inbox, "Inbox (3)");
+    store.handleAXEvent(event(inbox, ax::titleChanged));
+    EXPECT_EQ(store.window(inbox)->windowTitle, "Inbox (3)");
+    EXPECT_EQ(changes, 1);
+
+    desktop.window(inbox).faults.missingAttributes.insert("AXTitle");
+    store.handleAXEvent(event(inbox, ax::titleChanged));
+    EXPECT_EQ(store.window(inbox)->windowTitle, "Inbox (3)");
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(WindowStoreEvents, aTitleOfAnUnknownWindowBringsADeferredScan)
+{
+    auto fresh = desktop.open(mail);
+
+    store.handleAXEvent(event(fresh, ax::titleChanged));
+    EXPECT_FALSE(isTracked(fresh));
+    desktop.advance(seconds(0.3));
+
+    EXPECT_TRUE(isTracked(fresh));
+}
+
+TEST_F(WindowStoreEvents, aMovedWindowHasItsNewFrameAndAnUnreadableOneKeepsItsOld)
+{
+    desktop.move(inbox, {50, 60});
+    store.handleAXEvent(event(inbox, ax::windowMoved));
+    desktop.resize(inbox, {640, 480});
+    store.handleAXEvent(event(inbox, ax::windowResized));
+    EXPECT_EQ(store.window(inbox)->frame, (Rect{50, 60, 640, 480}));
+    EXPECT_EQ(changes, 2);
+
+    desktop.move(inbox, {0, 0});
+    desktop.window(inbox).faults.wrongAttributes["AXSize"] = Point{1, 1};
+    store.handleAXEvent(event(inbox, ax::windowMoved));
+    EXPECT_EQ(store.window(inbox)->frame, (Rect{50, 60, 640, 480}));
+    EXPECT_EQ(changes, 2);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "it stayed on its screen";
+}
+
+TEST_F(WindowStoreEvents, aWindowThatCrossesToAnotherScreenHasItsSpacesReadAgainOnceItRests)
+{
+    auto displays = desktop.model().displays;
+    displays.push_back({.number = DisplayNumber{2},
+        .identifier = "B",
+        .frame = {1440, -180, 1920, 1080},
+        .spaces = {{SpaceID{10}}},
+        .current = SpaceID{10}});
+    desktop.setDisplays(displays);
+    auto moveTo = [&](Point origin) {
+        desktop.move(inbox, origin);
+        store.handleAXEvent(event(inbox, ax::windowMoved));
+    };
+    desktop.move(inbox, {100, 100});
+    store.handleAXEvent(event(inbox, ax::windowMoved));
+
+    moveTo({1000, 100}); // between the two screens
+    desktop.moveToSpace(inbox, SpaceID{10});
+    desktop.advance(seconds(0.15));
+    moveTo({1500, 100}); // starts the wait anew
+    desktop.advance(seconds(0.15));
+    EXPECT_EQ(store.window(inbox)->spaceIDs, std::set{SpaceID{1}});
+    desktop.advance(seconds(0.05));
+
+    EXPECT_EQ(store.window(inbox)->spaceIDs, std::set{SpaceID{10}});
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+TEST_F(WindowStoreEvents, aScreenIsFoundByItsPlaceNotByTheFirstScreensCoordinates)
+{
+    // The second screen lies above the first: negative y from the top, positive from the bottom.
+    auto displays = desktop.model().displays;
+    displays.push_back({.number = DisplayNumber{2},
+        .identifier = "B",
+        .frame = {0, 900, 1920, 1080},
+        .spaces = {{SpaceID{10}}},
+        .current = SpaceID{10}});
+    desktop.setDisplays(displays);
+    desktop.drain();
+
+    desktop.move(inbox, {100, -900});
+    store.handleAXEvent(event(inbox, ax::windowMoved));
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 1u) << "from the first screen to the second";
+    desktop.advance(seconds(1));
+    desktop.move(inbox, {120, -1000});
+    store.handleAXEvent(event(inbox, ax::windowMoved));
+
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "within the second";
+}
+
+TEST_F(WindowStoreEvents, eventsOfAHungApplicationNeverWaitLongerThanTheirFewQuestions)
+{
+    desktop.application(mail).faults.isHung = true;
+    auto kept = *store.window(inbox);
+
+    for (auto name : {ax::windowCreated, ax::titleChanged, ax::focusedWindowChanged,
+             ax::windowMiniaturized, ax::windowDeminiaturized})
+        EXPECT_LE(cost([&] { store.handleAXEvent(event(inbox, name)); }), seconds(0.05)) << name;
+
+    EXPECT_EQ(*store.window(inbox), kept);
+}
+
+TEST_F(WindowStoreEvents, unknownNotificationsDoNothing)
+{
+    store.handleAXEvent(event(inbox, "AXSelectedTextChanged"));
+
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+}

@@ -1,0 +1,313 @@
+// When the window store looks again: the burst of deferred scans and the life cycle of a process.
+
+#include <cmath>
+
+#include <gmock/gmock.h>
+
+#include "Tests/Support/StoreFixture.h"
+
+namespace quorvel::test {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pointwise;
+
+namespace {
+
+MATCHER(IsNear, "")
+{
+    return std::abs(std::get<0>(arg) - std::get<1>(arg)) < 1e-6;
+}
+
+struct WindowStoreSchedule : StoreFixture {
+    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "com.example.mail"});
+    WindowID inbox = desktop.open(mail);
+    Instant start = desktop.dispatch().now();
+
+    WindowStoreSchedule()
+    {
+        store.populate();
+        desktop.windowServer().forgetListings();
+        changes = 0;
+    }
+    std::vector<double> scans() { return scanTimes(start); }
+    void expectScans(const std::vector<double>& times)
+    {
+        EXPECT_THAT(scans(), Pointwise(IsNear(), times));
+    }
+};
+
+}
+
+// MARK: The burst
+
+TEST_F(WindowStoreSchedule, aBurstScansThreeTimesAndRequestsDuringItStartNothingNew)
+{
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(0.5));
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(1.4));
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(20));
+
+    expectScans({0.3, 0.8, 2.0});
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+TEST_F(WindowStoreSchedule, aRequestAfterTheLastScanStartsANewBurstWhenThisOneEnds)
+{
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(2.2));
+    store.scheduleDeferredScan(mail);
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(20));
+
+    expectScans({0.3, 0.8, 2.0, 2.8, 3.3, 4.5});
+}
+
+TEST_F(WindowStoreSchedule, burstsOfDifferentProcessesDoNotShareTheirScans)
+{
+    auto other = desktop.launch({.bundleIdentifier = "com.example.other"});
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(0.1));
+    store.scheduleDeferredScan(other);
+    desktop.advance(seconds(5));
+
+    expectScans({0.3, 0.4, 0.8, 0.9, 2.0, 2.1});
+}
+
+TEST_F(WindowStoreSchedule, aWindowThatItsApplicationPublishesLateIsAdmittedByTheBurst)
+{
+    auto late = desktop.open(mail, {.accessibilityDelay = seconds(0.5)});
+
+    EXPECT_EQ(store.addWindowsForPID(mail), 0);
+    desktop.advance(seconds(0.7));
+    EXPECT_FALSE(isTracked(late));
+    desktop.advance(seconds(0.1));
+
+    EXPECT_TRUE(isTracked(late));
+    EXPECT_EQ(changes, 1);
+    desktop.advance(seconds(20));
+    expectScans({0, 0.3, 0.8, 2.0});
+}
+
+TEST_F(WindowStoreSchedule, aWindowThatIsNeverPublishedDoesNotKeepTheProgramBusy)
+{
+    auto never = desktop.open(mail);
+    desktop.window(never).faults.isListed = false;
+
+    store.addWindowsForPID(mail);
+    desktop.advance(seconds(60));
+
+    EXPECT_FALSE(isTracked(never));
+    expectScans({0, 0.3, 0.8, 2.0});
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+TEST_F(WindowStoreSchedule, aScanOfTheFrontmostApplicationResolvesTheFocus)
+{
+    auto other = desktop.launch({.bundleIdentifier = "com.example.other"});
+    auto window = desktop.open(other, {.serverDelay = seconds(0.5)});
+    desktop.activate(other);
+    store.scheduleDeferredScan(mail);
+    store.scheduleDeferredScan(other);
+
+    desktop.advance(seconds(0.3));
+    EXPECT_EQ(store.focusedWindowID(), std::nullopt) << "no candidate yet, and mail is behind";
+    desktop.advance(seconds(0.5));
+
+    EXPECT_EQ(store.focusedWindowID(), window);
+}
+
+TEST_F(WindowStoreSchedule, whatTheBurstLeavesMissingIsSettledAfterwards)
+{
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(1));
+    hide(inbox);
+
+    desktop.advance(seconds(2) - Duration{1});
+    EXPECT_TRUE(isTracked(inbox)) << "missed once, at 2.0";
+    desktop.advance(Duration{1});
+
+    EXPECT_FALSE(isTracked(inbox));
+    desktop.advance(seconds(20));
+    expectScans({0.3, 0.8, 2.0, 3.0});
+}
+
+// MARK: The life cycle
+
+TEST_F(WindowStoreSchedule, anUnobservedProcessIsPolledLessAndLessButNeverForgotten)
+{
+    store.startLifecycleMonitoring(mail, seconds(2.6));
+    desktop.advance(seconds(14));
+
+    std::vector<double> expected{2.6};
+    for (double interval : {1.215, 1.64025, 2.2143375, 2.5, 2.5})
+        expected.push_back(expected.back() + interval);
+    expectScans(expected);
+    desktop.advance(seconds(120));
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 1u);
+}
+
+TEST_F(WindowStoreSchedule, changesDoNotSpeedUpTheUnobservedPoll)
+{
+    store.startLifecycleMonitoring(mail, seconds(0.9));
+    desktop.advance(seconds(1));
+    desktop.open(mail);
+    desktop.advance(seconds(3));
+
+    expectScans({0.9, 2.115, 3.75525});
+    EXPECT_EQ(store.windows().size(), 2u);
+}
+
+TEST_F(WindowStoreSchedule, anObservedProcessIsLeftAloneAfterTwoTicksThatAgree)
+{
+    store.startLifecycleMonitoring(mail, seconds(2.6));
+    store.handleObserverAttached(mail);
+    desktop.advance(seconds(30));
+
+    expectScans({0.2, 1.0});
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+TEST_F(WindowStoreSchedule, aProcessObservedBeforeItIsMonitoredIsPolledAsObserved)
+{
+    store.handleObserverAttached(mail);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "attaching alone monitors nothing";
+    store.startLifecycleMonitoring(mail, seconds(0.5));
+    desktop.advance(seconds(30));
+
+    expectScans({0.5, 1.3});
+}
+
+TEST_F(WindowStoreSchedule, aChangeStartsTheCountOfAgreeingTicksAnew)
+{
+    store.startLifecycleMonitoring(mail, seconds(2.6));
+    store.handleObserverAttached(mail);
+    desktop.advance(seconds(0.5));
+    auto second = desktop.open(mail);
+    desktop.advance(seconds(30));
+
+    expectScans({0.2, 1.0, 1.8, 2.6});
+    EXPECT_TRUE(isTracked(second));
+}
+
+TEST_F(WindowStoreSchedule, aRestlessObservedProcessIsPolledForTwelveSeconds)
+{
+    store.startLifecycleMonitoring(mail, seconds(2.6));
+    store.handleObserverAttached(mail);
+    std::vector<WindowID> opened;
+    for (int i = 0; i < 100; ++i) {
+        opened.push_back(desktop.open(mail));
+        desktop.advance(seconds(0.2));
+    }
+
+    auto times = scans();
+    ASSERT_FALSE(times.empty());
+    EXPECT_NEAR(times.back(), 12.2, 1e-6) << "the first tick from 12 s on is the last";
+    EXPECT_EQ(times.size(), 16u);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+TEST_F(WindowStoreSchedule, theTwelveSecondsCountFromTheStartOfMonitoringNotFromAttaching)
+{
+    store.startLifecycleMonitoring(mail, seconds(2.6));
+    desktop.advance(seconds(11.9));
+    desktop.windowServer().forgetListings();
+    store.handleObserverAttached(mail);
+    desktop.advance(seconds(30));
+
+    expectScans({12.1});
+}
+
+TEST_F(WindowStoreSchedule, aMissingWindowKeepsTheObservedPollGoingUntilItIsSettled)
+{
+    store.startLifecycleMonitoring(mail, seconds(2.6));
+    store.handleObserverAttached(mail);
+    hide(inbox);
+    desktop.advance(seconds(30));
+
+    // Missed at 0.2, removed at 1.0, which is a change, then two ticks agree.
+    expectScans({0.2, 1.0, 1.8, 2.6});
+    EXPECT_FALSE(isTracked(inbox));
+}
+
+TEST_F(WindowStoreSchedule, aWindowMissedByTheLastTickOfAllIsSettledAfterwards)
+{
+    store.startLifecycleMonitoring(mail, seconds(2.6));
+    desktop.advance(seconds(11.9));
+    hide(inbox);
+    desktop.windowServer().forgetListings();
+    store.handleObserverAttached(mail);
+    desktop.advance(seconds(30));
+
+    expectScans({12.1, 12.6});
+    EXPECT_FALSE(isTracked(inbox));
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+TEST_F(WindowStoreSchedule, aCreatedWindowStartsOrRefreshesMonitoring)
+{
+    store.handleObserverAttached(mail);
+    auto late = desktop.open(mail, {.serverDelay = seconds(1.1)});
+    store.handleAXEvent(event(late, ax::windowCreated));
+    EXPECT_FALSE(isTracked(late)) << "the window server does not know it yet";
+    desktop.windowServer().forgetListings();
+    desktop.advance(seconds(0.9)); // ticks at 0.2
+    store.handleAXEvent(event(late, ax::windowCreated)); // ticks at 1.1 instead of 1.0
+    desktop.windowServer().forgetListings();
+    desktop.advance(seconds(10));
+
+    EXPECT_TRUE(isTracked(late));
+    expectScans({1.1, 1.9, 2.7});
+}
+
+TEST_F(WindowStoreSchedule, aTickThatFindsItsProcessGoneRemovesTheWindows)
+{
+    store.startLifecycleMonitoring(mail, seconds(1));
+    desktop.crash(mail);
+    desktop.advance(seconds(1));
+
+    EXPECT_FALSE(isTracked(inbox));
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+
+    auto other = desktop.launch({.bundleIdentifier = "com.example.other"});
+    auto window = desktop.open(other);
+    store.addWindowsForPID(other);
+    store.startLifecycleMonitoring(other, seconds(1));
+    desktop.application(other).info.isTerminated = true;
+    desktop.advance(seconds(1));
+    EXPECT_FALSE(isTracked(window));
+}
+
+TEST_F(WindowStoreSchedule, bootstrapIsNeededOnlyForAProcessWithoutAnyTrace)
+{
+    auto fresh = desktop.launch({.bundleIdentifier = "com.example.fresh"});
+    EXPECT_FALSE(store.needsObserverBootstrap(mail)) << "it has a window";
+    EXPECT_TRUE(store.needsObserverBootstrap(fresh));
+
+    store.startLifecycleMonitoring(fresh, seconds(1));
+    EXPECT_FALSE(store.needsObserverBootstrap(fresh)) << "it is monitored";
+    store.removeWindows(fresh);
+    EXPECT_TRUE(store.needsObserverBootstrap(fresh));
+    store.scheduleDeferredScan(fresh);
+    EXPECT_FALSE(store.needsObserverBootstrap(fresh)) << "a burst is under way";
+    desktop.advance(seconds(2.5));
+    EXPECT_TRUE(store.needsObserverBootstrap(fresh));
+    store.handleObserverAttached(fresh);
+    EXPECT_FALSE(store.needsObserverBootstrap(fresh)) << "it is observed";
+}
+
+TEST_F(WindowStoreSchedule, aStoreThatGoesTakesItsDelayedWorkAlong)
+{
+    auto own = std::make_unique<WindowStore>(platform.dispatch, platform.accessibility,
+        platform.windowServer, platform.displays, platform.workspace, platform.trace);
+    own->populate();
+    own->scheduleDeferredScan(mail);
+    own->startLifecycleMonitoring(mail, seconds(1));
+    own.reset();
+
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+}

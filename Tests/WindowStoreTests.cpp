@@ -1,0 +1,518 @@
+#include "Quorvel/Skylight/WindowStore.h"
+
+#include <gmock/gmock.h>
+
+#include "Tests/Support/StoreFixture.h"
+
+namespace quorvel::test {
+
+using testing::ElementsAre;
+
+namespace {
+
+struct WindowStoreTest : StoreFixture {
+    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "com.example.mail"});
+};
+
+}
+
+// MARK: What is admitted
+
+TEST_F(WindowStoreTest, populateTakesTheUsersWindowsAndNothingElse)
+{
+    struct Case {
+        OpenOptions options;
+        bool isAdmitted;
+    };
+    const std::vector<Case> cases{
+        {{.title = "plain"}, true},
+        {{.title = "40 x 40", .frame = {0, 0, 40, 40}}, true},
+        {{.title = "39 x 400", .frame = {0, 0, 39, 400}}, false},
+        {{.title = "400 x 39", .frame = {0, 0, 400, 39}}, false},
+        {{.title = "39.999 x 400", .frame = {0, 0, 39.999, 400}}, false},
+        {{.title = "transparent", .alpha = 0}, false},
+        {{.title = "nearly transparent", .alpha = 0.01F}, true},
+        {{.title = "floating", .layer = 3}, false},
+        {{.title = "below", .layer = -1}, false},
+        {{.title = "no role", .role = std::nullopt}, false},
+        {{.title = "other role", .role = "AXHelpTag"}, false},
+        {{.title = "dialog", .subrole = "AXDialog"}, false},
+        {{.title = "no subrole", .subrole = std::nullopt}, true},
+        {{.title = "modal", .isModal = true}, false},
+        {{.title = "minimised dialog", .subrole = "AXDialog", .isMinimized = true}, true},
+        {{.title = "minimised modal", .isModal = true, .isMinimized = true}, false},
+    };
+    std::map<std::string, WindowID> windows;
+    for (auto& each : cases)
+        windows[each.options.title] = desktop.open(mail, each.options);
+
+    store.populate();
+
+    for (auto& each : cases)
+        EXPECT_EQ(isTracked(windows[each.options.title]), each.isAdmitted) << each.options.title;
+}
+
+TEST_F(WindowStoreTest, entriesWithMissingKeysAreJudgedByWhatIsThere)
+{
+    auto noAlpha = desktop.open(mail);
+    desktop.window(noAlpha).distortEntry = [](CGWindowInfo& info) { info.alpha.reset(); };
+    auto noName = desktop.open(mail);
+    desktop.window(noName).distortEntry = [](CGWindowInfo& info) { info.ownerName.reset(); };
+    auto noBounds = desktop.open(mail);
+    desktop.window(noBounds).distortEntry = [](CGWindowInfo& info) { info.bounds.reset(); };
+    auto noLayer = desktop.open(mail);
+    desktop.window(noLayer).distortEntry = [](CGWindowInfo& info) { info.layer.reset(); };
+    auto noOwner = desktop.open(mail);
+    desktop.window(noOwner).distortEntry = [](CGWindowInfo& info) { info.ownerPID.reset(); };
+    desktop.windowServer().addStrayEntry({});
+    desktop.windowServer().addStrayEntry({.windowNumber = {},
+        .ownerPID = mail,
+        .layer = 0,
+        .bounds = Rect{0, 0, 500, 500},
+        .alpha = {},
+        .ownerName = {},
+        .windowName = {}});
+
+    store.populate();
+
+    EXPECT_TRUE(isTracked(noAlpha));
+    ASSERT_TRUE(isTracked(noName));
+    EXPECT_EQ(store.window(noName)->appName, "Unknown");
+    EXPECT_EQ(store.windows().size(), 2u);
+}
+
+TEST_F(WindowStoreTest, onlyRegularApplicationsWithABundleOfTheUserOwnWindows)
+{
+    auto openIn = [&](std::optional<std::string> bundle, ActivationPolicy policy) {
+        return desktop.open(desktop.launch({.bundleIdentifier = bundle, .policy = policy}));
+    };
+    auto regular = openIn("com.example.a", ActivationPolicy::regular);
+    openIn("com.example.b", ActivationPolicy::accessory);
+    openIn("com.example.c", ActivationPolicy::prohibited);
+    openIn(std::nullopt, ActivationPolicy::regular);
+    for (auto* bundle : {"com.apple.dock", "com.apple.WindowManager", "com.apple.controlcenter",
+             "com.apple.Spotlight", "com.apple.notificationcenterui", "com.apple.loginwindow"})
+        openIn(bundle, ActivationPolicy::regular);
+    auto ending = desktop.open(desktop.launch({.bundleIdentifier = "com.example.d"}));
+    desktop.application(desktop.window(ending).pid).info.isTerminated = true;
+
+    store.populate();
+
+    ASSERT_EQ(store.windows().size(), 1u);
+    EXPECT_TRUE(isTracked(regular));
+}
+
+TEST_F(WindowStoreTest, aTrackedWindowTellsWhatEachSourceKnowsBest)
+{
+    auto id = desktop.open(
+        mail, {.title = "Inbox", .frame = {10, 20, 300, 400}, .spaces = {SpaceID{1}, SpaceID{3}}});
+    desktop.window(id).distortEntry = [](CGWindowInfo& info) { info.windowName = "stale"; };
+    auto minimised
+        = desktop.open(mail, {.title = "Draft", .spaces = {SpaceID{2}}, .isMinimized = true});
+
+    store.populate();
+
+    EXPECT_EQ(*store.window(id),
+        (TrackedWindow{.windowID = id,
+            .pid = mail,
+            .appName = "Mail",
+            .bundleIdentifier = "com.example.mail",
+            .windowTitle = "Inbox",
+            .frame = {10, 20, 300, 400},
+            .isMinimized = false,
+            .spaceIDs = {SpaceID{1}, SpaceID{3}}}));
+    // The space lists leave out minimised windows; only the question about the window itself tells.
+    EXPECT_TRUE(store.window(minimised)->isMinimized);
+    EXPECT_EQ(store.window(minimised)->spaceIDs, std::set{SpaceID{2}});
+}
+
+TEST_F(WindowStoreTest, windowsOnASpaceComeInTheOrderOfTheirNumbers)
+{
+    auto first = desktop.open(mail, {.spaces = {SpaceID{1}}});
+    auto second = desktop.open(mail, {.spaces = {SpaceID{2}}});
+    auto third = desktop.open(mail, {.spaces = {SpaceID{1}, SpaceID{2}}});
+    desktop.focus(first); // the window server lists it first now
+
+    store.populate();
+
+    std::vector<WindowID> ids;
+    for (auto* window : store.windows(SpaceID{1}))
+        ids.push_back(window->windowID);
+    EXPECT_THAT(ids, ElementsAre(first, third));
+    EXPECT_EQ(store.windows(SpaceID{2}).front()->windowID, second);
+    EXPECT_TRUE(store.windows(SpaceID{9}).empty());
+}
+
+TEST_F(WindowStoreTest, withoutTheResolverTheWindowNumberAttributeIdentifiesWindows)
+{
+    desktop.accessibility().setResolverAvailable(false);
+    WindowStore other{platform.dispatch, platform.accessibility, platform.windowServer,
+        platform.displays, platform.workspace, platform.trace};
+    auto good = desktop.open(mail, {.title = "Good"});
+    auto bad = desktop.open(mail);
+    desktop.window(bad).faults.wrongAttributes["AXWindowNumber"] = std::string{"no number"};
+    auto huge = desktop.open(mail);
+    desktop.window(huge).faults.wrongAttributes["AXWindowNumber"] = 1e300;
+
+    other.populate();
+
+    ASSERT_EQ(other.windows().size(), 1u);
+    EXPECT_EQ(other.windows().at(good).windowTitle, "Good");
+}
+
+TEST_F(WindowStoreTest, attributesOfTheWrongTypeCountAsMissing)
+{
+    auto id = desktop.open(mail, {.subrole = "AXDialog"});
+    auto& faults = desktop.window(id).faults;
+    faults.wrongAttributes["AXSubrole"] = 7.0; // absent, so eligible
+    faults.wrongAttributes["AXModal"] = std::string{"yes"}; // absent, so not modal
+    faults.wrongAttributes["AXMinimized"] = 1.0; // absent, so not minimised
+    faults.wrongAttributes["AXTitle"] = true;
+
+    store.populate();
+
+    ASSERT_TRUE(isTracked(id));
+    EXPECT_FALSE(store.window(id)->isMinimized);
+    EXPECT_EQ(store.window(id)->windowTitle, "");
+}
+
+TEST_F(WindowStoreTest, anApplicationThatCannotBeAskedIsBelievedOnlyWhileItIsUnknown)
+{
+    auto known = desktop.open(mail, {.title = "Known"});
+    store.populate();
+    auto terminal = desktop.launch({.name = "Terminal", .bundleIdentifier = "com.example.t"});
+    auto unknown = desktop.open(terminal);
+    for (auto pid : {mail, terminal})
+        desktop.application(pid).faults.missingAttributes.insert("AXWindows");
+    auto late = desktop.open(mail);
+
+    EXPECT_EQ(store.addWindowsForPID(terminal), 1);
+    EXPECT_EQ(store.addWindowsForPID(mail), 0);
+
+    EXPECT_TRUE(isTracked(unknown));
+    EXPECT_TRUE(isTracked(known));
+    EXPECT_FALSE(isTracked(late));
+    desktop.application(mail).faults.missingAttributes.clear();
+    desktop.advance(seconds(0.3));
+    EXPECT_TRUE(isTracked(late)) << "the deferred scan must admit it once it is confirmed";
+}
+
+TEST_F(WindowStoreTest, anAttachedObserverAloneMakesAProcessKnown)
+{
+    desktop.application(mail).faults.missingAttributes.insert("AXWindows");
+    auto id = desktop.open(mail);
+
+    store.handleObserverAttached(mail);
+
+    EXPECT_EQ(store.addWindowsForPID(mail), 0);
+    EXPECT_FALSE(isTracked(id));
+}
+
+TEST_F(WindowStoreTest, aWindowOnNoSpaceIsNotAdmittedUntilItIsOnOne)
+{
+    desktop.open(mail);
+    store.populate();
+    auto id = desktop.open(mail);
+    desktop.window(id).spaces.clear();
+
+    EXPECT_EQ(store.discoverNewWindowsForTrackedPIDs(), 0);
+    desktop.window(id).spaces = {SpaceID{2}};
+    EXPECT_EQ(store.discoverNewWindowsForTrackedPIDs(), 1);
+
+    EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{2}});
+}
+
+TEST_F(WindowStoreTest, discoveryLooksAtTrackedProcessesOnly)
+{
+    desktop.open(mail);
+    store.populate();
+    auto stranger = desktop.open(desktop.launch({.bundleIdentifier = "com.example.other"}));
+    auto second = desktop.open(mail);
+    changes = 0;
+
+    EXPECT_EQ(store.discoverNewWindowsForTrackedPIDs(), 1);
+
+    EXPECT_TRUE(isTracked(second));
+    EXPECT_FALSE(isTracked(stranger));
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(store.discoverNewWindowsForTrackedPIDs(), 0);
+    EXPECT_EQ(changes, 1);
+}
+
+// MARK: What is kept and what goes
+
+TEST_F(WindowStoreTest, aWindowMissedOnceAndSeenAgainIsNeverRemoved)
+{
+    auto id = desktop.open(mail);
+    store.populate();
+    changes = 0;
+
+    for (int round = 0; round < 5; ++round) {
+        hide(id);
+        scanAfter(mail, seconds(0.5));
+        EXPECT_TRUE(isTracked(id));
+        show(id);
+        scanAfter(mail, seconds(0.5));
+    }
+
+    EXPECT_TRUE(isTracked(id));
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(WindowStoreTest, aMissingWindowGoesWithTheFirstScanFrom450MillisecondsOn)
+{
+    auto id = desktop.open(mail);
+    store.populate();
+    changes = 0;
+    hide(id);
+
+    scanAfter(mail, seconds(1));
+    scanAfter(mail, seconds(0.3));
+    EXPECT_TRUE(isTracked(id)) << "two misses 0.3 s apart";
+    scanAfter(mail, seconds(0.15) - Duration{1});
+    EXPECT_TRUE(isTracked(id)) << "a moment too early";
+    scanAfter(mail, Duration{1});
+
+    EXPECT_FALSE(isTracked(id));
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(WindowStoreTest, oneMissIsNotEnoughHoweverLongItIsAgo)
+{
+    auto id = desktop.open(mail);
+    store.populate();
+    hide(id);
+    scanAfter(mail, seconds(0.1));
+    show(id);
+    scanAfter(mail, seconds(5));
+    hide(id);
+
+    scanAfter(mail, seconds(5));
+
+    EXPECT_TRUE(isTracked(id)) << "the count must start anew once the window was seen";
+}
+
+TEST_F(WindowStoreTest, aWindowThatItsApplicationDoesNotListStaysWhileTheWindowServerHasIt)
+{
+    auto id = desktop.open(mail);
+    store.populate();
+    desktop.window(id).faults.isListed = false;
+
+    for (int i = 0; i < 10; ++i)
+        scanAfter(mail, seconds(0.5));
+    EXPECT_TRUE(isTracked(id));
+
+    hide(id);
+    scanAfter(mail, seconds(0.5));
+    EXPECT_TRUE(isTracked(id)) << "it was present until now, so this is the first miss";
+    scanAfter(mail, seconds(0.5));
+    EXPECT_FALSE(isTracked(id));
+}
+
+TEST_F(WindowStoreTest, aWindowThatIsNoLongerEligibleGoesByTheRuleOfTheMissing)
+{
+    auto becomesModal = desktop.open(mail);
+    auto shrinks = desktop.open(mail);
+    auto stays = desktop.open(mail);
+    store.populate();
+    desktop.window(becomesModal).isModal = true;
+    desktop.resize(shrinks, {300, 20});
+
+    scanAfter(mail, seconds(0.5));
+    EXPECT_EQ(store.windows().size(), 3u);
+    scanAfter(mail, seconds(0.5));
+
+    EXPECT_EQ(store.windows().size(), 1u);
+    EXPECT_TRUE(isTracked(stays));
+}
+
+TEST_F(WindowStoreTest, aProcessThatMayOwnNoWindowsLosesThemAtOnce)
+{
+    auto id = desktop.open(mail);
+    store.populate();
+    desktop.application(mail).info.activationPolicy = ActivationPolicy::accessory;
+
+    scanAfter(mail, seconds(0.1));
+
+    EXPECT_FALSE(isTracked(id));
+}
+
+TEST_F(WindowStoreTest, aScanUpdatesWhatChangedAndSaysSoOnce)
+{
+    auto id = desktop.open(mail, {.title = "Old"});
+    store.populate();
+    changes = 0;
+
+    scanAfter(mail, seconds(0.1));
+    EXPECT_EQ(changes, 0) << "nothing changed";
+    auto& window = desktop.window(id);
+    window.title = "New";
+    window.frame = {5, 6, 700, 500};
+    window.spaces = {SpaceID{2}};
+    desktop.open(mail);
+    scanAfter(mail, seconds(0.1));
+
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(store.window(id)->windowTitle, "New");
+    EXPECT_EQ(store.window(id)->frame, (Rect{5, 6, 700, 500}));
+    EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{2}});
+    EXPECT_EQ(store.windows().size(), 2u);
+}
+
+TEST_F(WindowStoreTest, whatCannotBeReadKeepsItsLastKnownState)
+{
+    auto id = desktop.open(mail, {.title = "Inbox", .isMinimized = true});
+    store.populate();
+    desktop.window(id).faults.missingAttributes = {"AXTitle", "AXMinimized"};
+    desktop.window(id).subrole.reset();
+    scanAfter(mail, seconds(0.1));
+    EXPECT_EQ(store.window(id)->windowTitle, "Inbox");
+    EXPECT_TRUE(store.window(id)->isMinimized);
+
+    desktop.application(mail).faults.isHung = true;
+    scanAfter(mail, seconds(1));
+    scanAfter(mail, seconds(1));
+
+    ASSERT_TRUE(isTracked(id));
+    EXPECT_EQ(store.window(id)->windowTitle, "Inbox");
+    EXPECT_TRUE(store.window(id)->isMinimized);
+}
+
+TEST_F(WindowStoreTest, aHungApplicationCostsOneTimeoutAScanHoweverManyWindowsItHas)
+{
+    for (int i = 0; i < 20; ++i)
+        desktop.open(mail);
+    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
+    desktop.open(news);
+    store.populate();
+    desktop.application(mail).faults.isHung = true;
+    desktop.accessibility().forgetMessages();
+    auto cost = [&](auto&& work) {
+        auto before = desktop.dispatch().now();
+        work();
+        return desktop.dispatch().now() - before;
+    };
+
+    EXPECT_EQ(cost([&] { store.addWindowsForPID(mail); }), seconds(0.05));
+    EXPECT_EQ(cost([&] { store.addWindowsForPID(mail); }), seconds(0.05)) << "each scan asks anew";
+    EXPECT_EQ(cost([&] { store.discoverNewWindowsForTrackedPIDs(); }), seconds(0.05));
+    EXPECT_EQ(cost([&] { store.resyncMinimizedWindows(); }), seconds(0.05));
+    EXPECT_EQ(store.windows().size(), 21u);
+}
+
+TEST_F(WindowStoreTest, populateWaitsOnceForAHungFrontmostApplication)
+{
+    for (int i = 0; i < 5; ++i)
+        desktop.open(mail);
+    desktop.activate(mail);
+    desktop.application(mail).faults.isHung = true;
+    auto before = desktop.dispatch().now();
+
+    store.populate();
+
+    EXPECT_EQ(desktop.dispatch().now() - before, seconds(0.05));
+    EXPECT_EQ(store.windows().size(), 5u) << "believed from the window server alone";
+}
+
+TEST_F(WindowStoreTest, everyElementThatIsAskedHasTheShortTimeout)
+{
+    auto id = desktop.open(mail);
+    desktop.activate(mail);
+    store.populate();
+    store.handleAXEvent(event(id, ax::windowCreated));
+    store.resyncMinimizedWindows();
+    scanAfter(mail, seconds(0.1));
+
+    ASSERT_FALSE(desktop.accessibility().messages().empty());
+    for (auto& message : desktop.accessibility().messages())
+        EXPECT_EQ(message.timeout, 0.05F) << message.name;
+}
+
+TEST_F(WindowStoreTest, endedProcessesLoseEverythingAtOnce)
+{
+    desktop.open(mail);
+    desktop.open(mail);
+    store.populate();
+    store.handleObserverAttached(mail);
+    store.startLifecycleMonitoring(mail, seconds(2.6));
+    store.scheduleDeferredScan(mail);
+    changes = 0;
+
+    store.removeWindows(mail);
+
+    EXPECT_TRUE(store.windows().empty());
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+    store.removeWindows(mail);
+    EXPECT_EQ(changes, 1) << "nothing was there";
+}
+
+// MARK: Spaces
+
+TEST_F(WindowStoreTest, refreshedSpacesFollowTheDesktopAndKeepWhatNobodyKnows)
+{
+    auto moved = desktop.open(mail);
+    auto unlisted = desktop.open(mail);
+    auto unknown = desktop.open(mail);
+    store.populate();
+    changes = 0;
+    desktop.moveToSpace(moved, SpaceID{2});
+    desktop.moveToSpace(unlisted, SpaceID{3});
+    desktop.window(unlisted).isInSpaceLists = false;
+    desktop.window(unknown).spaces.clear();
+
+    store.refreshSpaces();
+
+    EXPECT_EQ(store.window(moved)->spaceIDs, std::set{SpaceID{2}});
+    EXPECT_EQ(store.window(unlisted)->spaceIDs, std::set{SpaceID{3}}) << "must be asked for";
+    EXPECT_EQ(store.window(unknown)->spaceIDs, std::set{SpaceID{1}}) << "keeps its set";
+    EXPECT_EQ(changes, 1);
+    store.refreshSpaces();
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(WindowStoreTest, spaceCallsThatAnswerNothingLoseNoWindow)
+{
+    auto id = desktop.open(mail);
+    store.populate();
+    desktop.windowServer().failSpaceLists(true);
+    desktop.windowServer().failSpacesOfWindows(true);
+
+    store.refreshSpaces();
+    for (int i = 0; i < 3; ++i)
+        scanAfter(mail, seconds(1));
+
+    EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{1}});
+}
+
+TEST_F(WindowStoreTest, aMinimisedWindowKeepsItsSpaceThroughScansAndRefreshes)
+{
+    auto id = desktop.open(mail, {.spaces = {SpaceID{2}}});
+    store.populate();
+    desktop.minimise(id); // the space lists leave it out from now on
+    scanAfter(mail, seconds(0.5));
+    store.refreshSpaces();
+
+    EXPECT_TRUE(store.window(id)->isMinimized);
+    EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{2}});
+}
+
+TEST_F(WindowStoreTest, resyncReadsTheMinimisedStateAgainOfEveryTrackedWindow)
+{
+    auto a = desktop.open(mail);
+    auto b = desktop.open(mail, {.isMinimized = true});
+    store.populate();
+    changes = 0;
+    desktop.window(a).isMinimized = true; // nobody was told
+    desktop.window(b).isMinimized = false;
+
+    store.resyncMinimizedWindows();
+
+    EXPECT_TRUE(store.window(a)->isMinimized);
+    EXPECT_FALSE(store.window(b)->isMinimized);
+    EXPECT_EQ(changes, 1);
+    store.resyncMinimizedWindows();
+    EXPECT_EQ(changes, 1);
+}
+
+}
