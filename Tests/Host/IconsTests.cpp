@@ -1,0 +1,259 @@
+#include "Hosts/X11/Applications/Icons.h"
+
+#include <array>
+#include <fstream>
+#include <sstream>
+
+#include <cairo/cairo.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "Hosts/X11/Applications/DesktopEntries.h"
+#include "Hosts/X11/Applications/IconTheme.h"
+#include "Hosts/X11/Applications/IconThemeFile.h"
+#include "Hosts/X11/IconImage.h"
+#include "Tests/Host/fixtures/InstalledApplications.h"
+#include "Tests/Support/VirtualDispatch.h"
+
+namespace quorvel::x11 {
+namespace {
+
+constexpr std::uint32_t kRed = 0xFFFF0000;
+constexpr std::uint32_t kGreen = 0xFF00FF00;
+constexpr std::uint32_t kBlue = 0xFF0000FF;
+
+cairo_surface_t* rendered(const Image& image, int pixels)
+{
+    const auto* icon = dynamic_cast<const IconImage*>(image.get());
+    return icon ? icon->rendered(pixels) : nullptr;
+}
+
+std::uint32_t pixel(cairo_surface_t* surface, int x, int y)
+{
+    const auto* row
+        = cairo_image_surface_get_data(surface) + y * cairo_image_surface_get_stride(surface);
+    return reinterpret_cast<const std::uint32_t*>(row)[x];
+}
+
+/// The colour in the middle of the picture at this size; 0 for no picture.
+std::uint32_t middle(const Image& image, int pixels)
+{
+    auto* surface = rendered(image, pixels);
+    if (!surface)
+        return 0;
+    EXPECT_EQ(cairo_image_surface_get_width(surface), pixels);
+    EXPECT_EQ(cairo_image_surface_get_height(surface), pixels);
+    return pixel(surface, pixels / 2, pixels / 2);
+}
+
+IconPixels filled(int width, int height, std::uint32_t argb)
+{
+    return {width, height, std::vector(static_cast<std::size_t>(width * height), argb)};
+}
+
+std::string svg(std::string_view colour)
+{
+    return "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 10 10'><rect width='10' "
+           "height='10' "
+           "fill='"
+        + std::string{colour} + "'/></svg>";
+}
+
+class IconFiles : public testing::Test {
+protected:
+    IconFiles()
+    {
+        installed.write("system/icons/hicolor/index.theme",
+            "[Icon Theme]\nName=Hicolor\n"
+            "Directories=16/apps,32/apps,64/apps,s/apps\nScaledDirectories=16@2/apps\n"
+            "[16/apps]\nSize=16\n[32/apps]\nSize=32\n[64/apps]\nSize=64\nType=Fixed\n"
+            "[16@2/apps]\nSize=16\nScale=2\nType=Fixed\n"
+            "[s/apps]\nSize=128\nMinSize=8\nMaxSize=512\nType=Scalable\n");
+    }
+
+    std::string png(std::string_view relative, int size, std::uint32_t argb)
+    {
+        auto* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size, size);
+        auto* context = cairo_create(surface);
+        cairo_set_source_rgb(context, (argb >> 16 & 0xFF) / 255.0, (argb >> 8 & 0xFF) / 255.0,
+            (argb & 0xFF) / 255.0);
+        cairo_paint(context);
+        cairo_destroy(context);
+        const auto path = installed.write(relative, "");
+        EXPECT_EQ(cairo_surface_write_to_png(surface, path.c_str()), CAIRO_STATUS_SUCCESS);
+        cairo_surface_destroy(surface);
+        return path;
+    }
+
+    /// The image of an application that names this icon.
+    Image iconNamed(const std::string& value)
+    {
+        return icons.forEntry(installed.install("app", "Icon=" + value + '\n'));
+    }
+
+    test::InstalledApplications installed;
+    test::VirtualDispatch dispatch;
+    DesktopEntries entries{dispatch};
+    Icons icons{dispatch, entries};
+};
+
+TEST_F(IconFiles, usesTheFileMadeForTheSizeElseTheNextLargerOne)
+{
+    png("system/icons/hicolor/16/apps/star.png", 16, kRed);
+    png("system/icons/hicolor/32/apps/star.png", 32, kGreen);
+    png("user/icons/hicolor/64/apps/star.png", 64, kBlue);
+    const auto star = iconNamed("star");
+
+    EXPECT_EQ(middle(star, 16), kRed);
+    EXPECT_EQ(middle(star, 18), kGreen) << "16 stretched to 18 would blur";
+    EXPECT_EQ(middle(star, 32), kGreen);
+    EXPECT_EQ(middle(star, 36), kBlue);
+    EXPECT_EQ(middle(star, 300), kBlue) << "the largest there is";
+}
+
+TEST_F(IconFiles, drawsAVectorWhereNoBitmapFitsAndPrefersThePictureForTwiceTheScale)
+{
+    png("system/icons/hicolor/16/apps/star.png", 16, kRed);
+    png("system/icons/hicolor/16@2/apps/star.png", 32, kGreen);
+    installed.write("system/icons/hicolor/s/apps/star.svg", svg("#0000ff"));
+    const auto star = iconNamed("star");
+
+    EXPECT_EQ(middle(star, 16), kRed);
+    EXPECT_EQ(middle(star, 32), kGreen);
+    EXPECT_EQ(middle(star, 18), kBlue);
+    EXPECT_EQ(middle(star, 60), kBlue);
+}
+
+TEST_F(IconFiles, looksInTheUsersThemeItsParentsAndFoldersWithoutTheme)
+{
+    installed.write("config/gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name=Mine\n");
+    installed.write("user/icons/Mine/index.theme",
+        "[Icon Theme]\nInherits=Other,Mine\nDirectories=a\n[a]\nSize=32\n");
+    installed.write("system/icons/Other/index.theme",
+        "[Icon Theme]\nInherits=Mine\nDirectories=a\n[a]\nSize=32\n");
+    png("user/icons/Mine/a/one.png", 32, kRed);
+    png("system/icons/Other/a/one.png", 32, kBlue);
+    png("system/icons/Other/a/two.png", 32, kGreen);
+    png("system/icons/hicolor/32/apps/two.png", 32, kRed);
+    png("system/pixmaps/three.png", 48, kBlue);
+
+    EXPECT_EQ(middle(iconNamed("one"), 32), kRed);
+    EXPECT_EQ(middle(iconNamed("two"), 32), kGreen);
+    EXPECT_EQ(middle(iconNamed("three.png"), 32), kBlue);
+    EXPECT_EQ(middle(iconNamed(installed.path("system/pixmaps/three.png")), 32), kBlue);
+}
+
+TEST_F(IconFiles, findsNothingForNamesThatAreMissingOrLeaveTheFolders)
+{
+    png("system/secret.png", 32, kRed);
+
+    EXPECT_FALSE(iconNamed("missing"));
+    EXPECT_FALSE(iconNamed(""));
+    EXPECT_FALSE(iconNamed("../../../secret"));
+    EXPECT_FALSE(iconNamed(installed.path("missing.png")));
+    EXPECT_FALSE(iconNamed("/dev/zero"));
+    EXPECT_FALSE(icons.forEntry(installed.path("missing.desktop")));
+    EXPECT_TRUE(iconNamed(installed.path("system/secret.png")));
+}
+
+TEST_F(IconFiles, hostileFilesGiveNoPictureAndTheNextBestFileIsTaken)
+{
+    const auto good = png("system/pixmaps/good.png", 32, kGreen);
+    std::stringstream bytes;
+    bytes << std::ifstream{good, std::ios::binary}.rdbuf();
+    auto huge = bytes.str();
+    huge.replace(16, 8, std::string("\0\0\xFF\xFF\0\0\xFF\xFF", 8));
+    const auto truncated = bytes.str().substr(0, bytes.str().size() / 2);
+    installed.write("system/pixmaps/huge.png", huge);
+    installed.write("system/pixmaps/short.png", truncated);
+    installed.write("system/pixmaps/tiny.png", bytes.str().substr(0, 10));
+    installed.write("system/pixmaps/bad.svg", "<svg xmlns='http://www.w3.org/2000/svg'><rect");
+    installed.write("system/pixmaps/empty.svg", "");
+    installed.write("system/icons/hicolor/32/apps/half.png", truncated);
+    png("system/icons/hicolor/64/apps/half.png", 64, kBlue);
+    ASSERT_EQ(::mkfifo(installed.path("system/pixmaps/pipe.png").c_str(), 0600), 0);
+
+    for (const auto* name : {"huge", "short", "tiny", "bad", "empty", "pipe"})
+        EXPECT_EQ(rendered(iconNamed(name), 32), nullptr) << name;
+    EXPECT_EQ(middle(iconNamed("half"), 32), kBlue);
+}
+
+TEST_F(IconFiles, drawsOnceForEachSizeAndKeepsAFew)
+{
+    const auto path = png("system/pixmaps/star.png", 64, kRed);
+    const auto star = iconNamed("star");
+    EXPECT_EQ(iconNamed("star"), star) << "the same picture is the same handle";
+    ASSERT_EQ(middle(star, 16), kRed);
+    png("system/pixmaps/star.png", 64, kBlue);
+
+    EXPECT_EQ(middle(star, 16), kRed) << "kept, the file is not read again";
+    EXPECT_EQ(rendered(star, 0), nullptr);
+    EXPECT_EQ(rendered(star, -5), nullptr);
+    EXPECT_EQ(rendered(star, 1'000'000), nullptr);
+    for (int size = 20; size < 30; ++size)
+        EXPECT_EQ(middle(star, size), kBlue);
+    EXPECT_EQ(middle(star, 16), kBlue) << "forgotten after other sizes";
+}
+
+TEST_F(IconFiles, thereIsAlwaysAGenericPicture)
+{
+    const auto drawn = icons.generic();
+    for (const int size : {1, 2, 16, 18, 36, 60, 256})
+        EXPECT_NE(middle(drawn, size), 0u) << size;
+    EXPECT_EQ(icons.generic(), drawn);
+
+    png("system/icons/hicolor/32/apps/application-x-executable.png", 32, kGreen);
+    EXPECT_EQ(middle((Icons{dispatch, entries}.generic()), 32), kGreen);
+}
+
+TEST_F(IconFiles, windowPixelsAreScaledFromTheNextLargerSizeAndKeepTheirProportions)
+{
+    const auto icon = icons.fromPixels({filled(64, 64, kBlue), filled(16, 16, kRed),
+        filled(32, 32, kGreen), filled(256, 256, kRed)});
+    EXPECT_EQ(middle(icon, 16), kRed);
+    EXPECT_EQ(middle(icon, 18), kGreen);
+    EXPECT_EQ(middle(icon, 36), kBlue);
+    EXPECT_EQ(middle(icon, 60), kBlue);
+
+    const auto image = icons.fromPixels({filled(200, 100, kGreen)});
+    auto* wide = rendered(image, 40);
+    ASSERT_NE(wide, nullptr);
+    EXPECT_EQ(pixel(wide, 20, 20), kGreen);
+    EXPECT_EQ(pixel(wide, 20, 5), 0u);
+    EXPECT_EQ(pixel(wide, 20, 35), 0u);
+}
+
+TEST_F(IconFiles, windowPixelsHaveStraightAlpha)
+{
+    const auto half = icons.fromPixels({filled(16, 16, 0x80FF4000)});
+    EXPECT_EQ(middle(half, 16), 0x80802000u);
+    EXPECT_EQ(middle(icons.fromPixels({filled(16, 16, 0x00FFFFFF)}), 16), 0u);
+}
+
+TEST_F(IconFiles, windowPixelsThatDoNotAddUpAreNoPicture)
+{
+    EXPECT_FALSE(icons.fromPixels({}));
+    EXPECT_FALSE(icons.fromPixels({{0, 0, {}}, {-1, -1, {kRed}}, {1 << 16, 1 << 16, {}}}));
+    EXPECT_FALSE(icons.fromPixels({{16, 16, std::vector<std::uint32_t>(255)}}));
+    EXPECT_EQ(middle(icons.fromPixels({{16, 16, {}}, filled(8, 8, kRed)}), 16), kRed);
+}
+
+TEST(IconThemeFile, givesEachFolderTheSizesItIsFor)
+{
+    using Folder = IconThemeFile::Folder;
+    const auto theme
+        = IconThemeFile::parse("[Icon Theme]\nInherits= A ,,B/\n"
+                               "Directories=f,t,s,none,zero,junk\nScaledDirectories=t2/\n"
+                               "[f]\nSize=16\nType=Fixed\nThreshold=9\n[t]\nSize=32\n"
+                               "[s]\nSize=48\nMinSize=8\nMaxSize=512\nType=Scalable\n"
+                               "[t2]\nSize=32\nScale=2\nThreshold=4\n[zero]\nSize=0\n"
+                               "[junk]\nSize=99999999999999\n[other]\nSize=3\n");
+
+    EXPECT_EQ(theme.parents(), (std::vector<std::string>{"A", "B"}));
+    EXPECT_EQ(theme.folders(),
+        (std::vector<Folder>{
+            {"f", 16, 16, 16}, {"t", 32, 30, 34}, {"s", 48, 8, 512}, {"t2", 64, 56, 72}}));
+}
+
+}
+}
