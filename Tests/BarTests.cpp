@@ -1,0 +1,259 @@
+#include <gmock/gmock.h>
+
+#include "Quorvel/Core/BarSize.h"
+#include "Tests/Support/BarFixture.h"
+
+namespace quorvel::test {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+struct BarTest : BarFixture {
+    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "com.example.mail"});
+    ProcessID editor = desktop.launch({.name = "Editor", .bundleIdentifier = "com.example.editor"});
+    WindowID inbox = desktop.open(mail, {.title = "Inbox"});
+    WindowID draft = desktop.open(mail, {.title = "Draft"});
+    WindowID notes = desktop.open(editor, {.title = "Notes"});
+
+    BarTest()
+    {
+        desktop.focus(inbox);
+        desktop.activate(mail);
+        start();
+    }
+};
+
+}
+
+// MARK: The road from a window to pixels and back
+
+TEST_F(BarTest, eachWindowOfTheSpaceHasAChipAndNoOther)
+{
+    auto elsewhere = desktop.open(editor, {.title = "Elsewhere", .spaces = {SpaceID{2}}});
+    auto everywhere = desktop.open(
+        editor, {.title = "Everywhere", .spaces = {SpaceID{1}, SpaceID{2}, SpaceID{3}}});
+    settle();
+
+    EXPECT_THAT(
+        panel(SpaceID{1}).render().texts(), ElementsAre("Inbox", "Draft", "Notes", "Everywhere"));
+    EXPECT_THAT(panel(SpaceID{2}).render().texts(), ElementsAre("Elsewhere", "Everywhere"));
+    EXPECT_TRUE(chip(elsewhere) && chip(everywhere));
+}
+
+TEST_F(BarTest, aClickActivatesAndAClickOnTheFocusedMinimises)
+{
+    clickChip(notes);
+    EXPECT_TRUE(chip(notes)->isFocused);
+    EXPECT_EQ(desktop.workspace().frontmostApplication(), editor);
+    desktop.advance(seconds(0.5));
+    EXPECT_TRUE(chip(notes)->isFocused);
+
+    clickChip(notes);
+    EXPECT_FALSE(chip(notes)->isFocused) << "dark before the application confirms";
+    desktop.advance(seconds(0.5));
+    EXPECT_TRUE(chip(notes)->isMinimized);
+    EXPECT_FALSE(chip(notes)->isFocused);
+
+    clickChip(notes);
+    desktop.advance(seconds(0.5));
+    EXPECT_FALSE(chip(notes)->isMinimized);
+    EXPECT_TRUE(chip(notes)->isFocused);
+}
+
+TEST_F(BarTest, theMiddleButtonClosesAndOthersDoNothing)
+{
+    clickChip(draft, PointerButton::secondary);
+    settle();
+    EXPECT_TRUE(chip(draft));
+
+    clickChip(draft, PointerButton::middle);
+    settle();
+    EXPECT_FALSE(chip(draft));
+    EXPECT_TRUE(chip(inbox));
+}
+
+TEST_F(BarTest, aPressReleasedElsewhereIsNoClick)
+{
+    panel().press(chipFrame(notes)->centre());
+    panel().release(chipFrame(draft)->centre());
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(chip(inbox)->isFocused);
+
+    panel().press(chipFrame(notes)->centre());
+    panel().cancelPress(chipFrame(notes)->centre());
+    panel().release(chipFrame(notes)->centre());
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(chip(inbox)->isFocused);
+}
+
+TEST_F(BarTest, theVeryEdgesOfTheScreenBelongToTheTargets)
+{
+    double bottom = panel().bounds().maxY() - 0.5;
+    panel().click({chipFrame(notes)->centre().x, bottom});
+    desktop.advance(seconds(0.5));
+    EXPECT_TRUE(chip(notes)->isFocused);
+
+    panel().click({0, bottom});
+    EXPECT_TRUE(desktop.surfaces().menu());
+}
+
+TEST_F(BarTest, theMenuTellsTheVersionAndQuits)
+{
+    panel().click({5, 10});
+    desktop.drain();
+    EXPECT_THAT(desktop.surfaces().menuTitles(), SizeIs(3));
+    EXPECT_FALSE(desktop.program().isTerminated());
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Quit Quorvel"));
+    desktop.drain();
+    EXPECT_TRUE(desktop.program().isTerminated());
+    EXPECT_THAT(desktop.surfaces().panels(), IsEmpty());
+}
+
+// MARK: What is repainted
+
+TEST_F(BarTest, aNewTitleRepaintsItsChipAndNothingElse)
+{
+    leave();
+    panel().forgetPaints();
+
+    desktop.retitle(draft, "Draft, changed");
+    desktop.advance(seconds(0.5));
+
+    ASSERT_THAT(panel().paints(), SizeIs(1));
+    EXPECT_EQ(panel().paints().front().damage, *chipFrame(draft));
+    EXPECT_THAT(panel().paints().front().canvas.texts(), ElementsAre("Draft, changed"));
+}
+
+TEST_F(BarTest, anIdleBarDrawsNothingAndHasNoTimer)
+{
+    leave();
+    panel().forgetPaints();
+    desktop.advance(seconds(60));
+    EXPECT_THAT(panel().paints(), IsEmpty());
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0U);
+}
+
+TEST_F(BarTest, targetsHoldStillUnderThePointer)
+{
+    auto before = *chipFrame(notes);
+    panel().movePointer(before.centre());
+    desktop.close(inbox);
+    auto late = desktop.open(mail, {.title = "Late"});
+    settle();
+    EXPECT_EQ(chipFrame(notes), before);
+    EXPECT_GT(chipFrame(late)->x, before.x);
+
+    leave();
+    EXPECT_LT(chipFrame(notes)->x, before.x);
+}
+
+TEST_F(BarTest, chipsShrinkToFitAndNeverBelowTheirIcon)
+{
+    for (int i = 0; i < 37; ++i)
+        desktop.open(editor, {.title = "Window " + std::to_string(i)});
+    settle();
+    auto metrics = BarMetrics::of(BarSize::medium);
+    for (auto& [space, barPanel] : runtime->barManager()->panels()) {
+        for (auto& [id, frame] : barPanel->content()->chipFrames())
+            EXPECT_GE(frame.width, ChipView::iconWidth(metrics)) << id;
+    }
+    EXPECT_LT(chipFrame(inbox)->width, ChipView::fullWidth(metrics));
+}
+
+TEST_F(BarTest, rightToLeftMirrorsTheBar)
+{
+    auto appearance = desktop.program().appearance().value();
+    appearance.isRightToLeft = true;
+    desktop.program().setAppearance(appearance);
+    desktop.drain();
+    EXPECT_GT(chipFrame(inbox)->x, chipFrame(draft)->x);
+    EXPECT_LE(chipFrame(inbox)->maxX(), panel().bounds().maxX());
+    panel().click({panel().bounds().maxX() - 1, 10});
+    EXPECT_TRUE(desktop.surfaces().menu());
+}
+
+// MARK: The pending focus
+
+TEST_F(BarTest, theClickedChipStaysLitWhileItsApplicationReportsAnotherOfItsWindows)
+{
+    desktop.window(draft).faults.ignoredRequests = {"AXMain", "AXFocused", "AXRaise"};
+    clickChip(draft);
+    EXPECT_TRUE(chip(draft)->isFocused);
+
+    desktop.retitle(notes, "Notes, changed");
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(chip(draft)->isFocused) << "still waiting for its application";
+
+    desktop.advance(seconds(1.5));
+    EXPECT_FALSE(chip(draft)->isFocused) << "the wait has an end";
+    EXPECT_TRUE(chip(inbox)->isFocused);
+}
+
+TEST_F(BarTest, aHungApplicationsChipIsDarkAgainAfterTheOneRetry)
+{
+    desktop.activate(editor);
+    desktop.drain();
+    desktop.application(mail).faults.isHung = true;
+    clickChip(draft);
+    EXPECT_TRUE(chip(draft)->isFocused);
+
+    desktop.application(mail).faults.isHung = false;
+    desktop.window(draft).faults.isListed = false;
+    desktop.advance(seconds(0.16));
+    desktop.retitle(notes, "Notes, changed");
+    desktop.advance(seconds(0.5));
+    EXPECT_FALSE(chip(draft)->isFocused);
+}
+
+TEST_F(BarTest, anotherApplicationThatTakesTheFocusEndsTheWait)
+{
+    desktop.window(draft).faults.ignoredRequests = {"AXMain", "AXFocused", "AXRaise"};
+    clickChip(draft);
+
+    desktop.activate(editor);
+    desktop.advance(seconds(0.1));
+
+    EXPECT_TRUE(chip(notes)->isFocused);
+    EXPECT_FALSE(chip(draft)->isFocused);
+}
+
+// MARK: Spaces and screens
+
+TEST_F(BarTest, panelsFollowTheSpaces)
+{
+    EXPECT_THAT(desktop.surfaces().panels(), SizeIs(3));
+    EXPECT_THAT(
+        desktop.surfaces().visiblePanels(), ElementsAre(desktop.surfaces().panel(SpaceID{1})));
+
+    desktop.activateSpace(SpaceID{2});
+    desktop.drain();
+    EXPECT_THAT(
+        desktop.surfaces().visiblePanels(), ElementsAre(desktop.surfaces().panel(SpaceID{2})));
+    EXPECT_EQ(model().activeSpaceID.value(), SpaceID{2});
+}
+
+TEST_F(BarTest, thePanelLiesAlongTheBottomAndTellsTheWindowServer)
+{
+    EXPECT_EQ(panel().frame(), (Rect{0, 0, 1440, 36}));
+    EXPECT_THAT(desktop.windowServer().dockRectangles(), SizeIs(1));
+}
+
+TEST(BarSizeTest, everySizeHasItsColumnOfTheTable)
+{
+    for (auto size : kAllBarSizes) {
+        auto metrics = BarMetrics::of(size);
+        EXPECT_EQ(metrics.barSize, size);
+        EXPECT_EQ(barSizeFrom(rawValue(size)), size);
+        EXPECT_EQ(metrics.chipSpacing, metrics.iconTextSpacing);
+        EXPECT_EQ(metrics.chipSpacing, metrics.cornerRadius);
+        EXPECT_EQ(metrics.chipHorizontalPadding, metrics.barHorizontalPadding);
+        EXPECT_LT(metrics.chipHeight, barHeight(size));
+    }
+    EXPECT_FALSE(barSizeFrom("Medium"));
+    EXPECT_EQ(BarMetrics::of(BarSize::xl).titleMaxWidth, 180);
+}
+
+}
