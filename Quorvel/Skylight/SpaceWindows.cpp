@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Quorvel/Skylight/ScreenLog.h"
+
 namespace quorvel {
 
 namespace {
@@ -79,6 +81,25 @@ std::vector<SpaceID> SpaceWindows::getActiveSpaceIDs(WindowServer::ConnectionID 
             ids.push_back(*id);
     }
     return ids;
+}
+
+void SpaceWindows::moveWindowExclusively(WindowID window, SpaceID target) const
+{
+    auto connection = m_windowServer.mainConnection();
+    m_windowServer.addWindowsToSpaces(connection, {window}, {target});
+    auto spaces = m_windowServer.spacesOfWindows(connection, kAllSpacesMask, {window});
+    if (!spaces)
+        return;
+    std::erase(*spaces, target);
+    if (!spaces->empty())
+        m_windowServer.removeWindowsFromSpaces(connection, {window}, *spaces);
+}
+
+void SpaceWindows::setBottomEdgeReservation(SpaceID space, double height, ScreenLog& log) const
+{
+    m_windowServer.setEdgeReservation(
+        m_windowServer.mainConnection(), space, ScreenEdge::bottom, height);
+    log.writeSoon();
 }
 
 std::optional<DisplayNumber> SpaceWindows::displayNumber(std::string_view identifier) const

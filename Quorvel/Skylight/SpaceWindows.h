@@ -10,6 +10,8 @@
 
 namespace quorvel {
 
+class ScreenLog;
+
 /// The type of a space that belongs to one full-screen window.
 inline constexpr std::int64_t kFullscreenSpaceType = 4;
 
@@ -37,6 +39,12 @@ public:
     std::vector<Info> getSpaces(WindowServer::ConnectionID) const;
     /// The current space of each display; displays whose space cannot be read are left out.
     std::vector<SpaceID> getActiveSpaceIDs(WindowServer::ConnectionID) const;
+
+    /// Puts the window on this space and takes it off every other; it is never on none.
+    void moveWindowExclusively(WindowID, SpaceID) const;
+    /// Keeps a strip at the bottom of the space for the bar; `height` in points, 0 ends it. What
+    /// came of it is written to the log a little later.
+    void setBottomEdgeReservation(SpaceID, double height, ScreenLog&) const;
 
     /// Compares identifiers in any letter case; "MAIN" and "PRIMARY" are the main display.
     std::optional<DisplayNumber> displayNumber(std::string_view identifier) const;

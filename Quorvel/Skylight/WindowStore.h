@@ -59,6 +59,8 @@ public:
     /// In ascending order of their numbers; valid until the store changes.
     std::vector<const TrackedWindow*> windows(SpaceID) const;
     std::set<ProcessID> trackedPIDs() const;
+    /// Tracks what is on the space of a full-screen window and names the window to activate there.
+    std::optional<WindowID> trackSoleWindow(SpaceID);
 
     /// One slot: called at the end of each operation that changed the windows or the focus.
     std::function<void()> onChange;
@@ -96,6 +98,7 @@ private:
     };
 
     enum class Missed { kept, removed };
+    using ScansByPID = std::map<ProcessID, PIDWindowScan>;
 
     int reconcileWindowsForPID(ProcessID);
     bool updateTracked(TrackedWindow&, const ScannedWindowCandidate&);
@@ -109,6 +112,10 @@ private:
     bool requiresAXConfirmationForLiveAdmission(ProcessID) const;
     bool hasUnpublishedWindow(const PIDWindowScan&) const;
     void populateProcess(ProcessID, const WindowScanner::Moment&);
+
+    /// False for a window that does not belong on the bar.
+    bool trackOnSpace(WindowID, const WindowScanner::Moment&, ScansByPID&, bool& hasChanged);
+    std::optional<WindowID> bestActivationCandidate(const std::vector<WindowID>&) const;
 
     void runDeferredScan(ProcessID, bool isLast);
     void endDeferredScanBurst(ProcessID);

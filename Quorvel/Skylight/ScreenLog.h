@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/Trace.h"
+
+namespace quorvel {
+
+/// Writes the screens' frames to the trace some time after a reservation was asked for: the window
+/// server says nothing, and takes its time, so only the visible frames tell whether it took. Main
+/// thread.
+class ScreenLog {
+public:
+    ScreenLog(Dispatch& dispatch, const Displays& displays, const Trace& trace)
+        : m_dispatch(dispatch)
+        , m_displays(displays)
+        , m_trace(trace)
+    {
+    }
+
+    /// After 0.5 and 2.0 s; asking again starts anew. Nothing while the trace is off.
+    void writeSoon();
+
+private:
+    void write() const;
+
+    Dispatch& m_dispatch;
+    const Displays& m_displays;
+    const Trace& m_trace;
+    std::array<WorkItem, 2> m_pending;
+};
+
+}

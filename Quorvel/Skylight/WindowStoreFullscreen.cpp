@@ -1,0 +1,89 @@
+// The window that a full-screen space belongs to.
+
+#include <algorithm>
+#include <tuple>
+
+#include "Quorvel/Skylight/WindowStore.h"
+
+namespace quorvel {
+
+namespace {
+
+std::vector<WindowID> uniquePreservingOrder(const std::vector<WindowID>& ids)
+{
+    std::vector<WindowID> unique;
+    std::set<WindowID> seen;
+    for (auto id : ids) {
+        if (seen.insert(id).second)
+            unique.push_back(id);
+    }
+    return unique;
+}
+
+std::optional<ProcessID> ownerOf(WindowID id, const WindowScanner::Moment& moment)
+{
+    for (auto& [pid, windows] : moment.windowsByOwner) {
+        for (auto& window : windows) {
+            if (window.windowNumber == id)
+                return pid;
+        }
+    }
+    return {};
+}
+
+}
+
+std::optional<WindowID> WindowStore::trackSoleWindow(SpaceID space)
+{
+    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    auto listed
+        = m_windowServer.windowsOfSpaces(m_scanner.mainConnection(), {space}, kSpaceWindowOptions);
+    auto moment = m_scanner.lookAtAll();
+    ScansByPID scans;
+    std::vector<WindowID> candidates;
+    bool hasChanged = false;
+    for (auto id : uniquePreservingOrder(listed)) {
+        if (trackOnSpace(id, moment, scans, hasChanged))
+            candidates.push_back(id);
+    }
+    if (hasChanged)
+        notifyChange();
+    return bestActivationCandidate(candidates);
+}
+
+bool WindowStore::trackOnSpace(
+    WindowID id, const WindowScanner::Moment& moment, ScansByPID& scans, bool& hasChanged)
+{
+    auto pid = ownerOf(id, moment);
+    if (!pid)
+        return false;
+    if (!scans.contains(*pid))
+        scans.emplace(*pid, m_scanner.scan(*pid, moment));
+    auto& found = scans.at(*pid).candidates;
+    auto candidate = found.find(id);
+    if (candidate == found.end())
+        return false;
+    candidate->second.spaces = m_scanner.querySpaces(id, m_scanner.mainConnection());
+    if (auto* window = tracked(id)) {
+        hasChanged |= updateTracked(*window, candidate->second);
+    } else {
+        track(id, *pid, candidate->second);
+        hasChanged = true;
+    }
+    return true;
+}
+
+std::optional<WindowID> WindowStore::bestActivationCandidate(
+    const std::vector<WindowID>& candidates) const
+{
+    // A minimised window is on the space only in name.
+    auto rank = [this](WindowID id) {
+        auto& window = m_windows.at(id);
+        return std::tuple{!window.isMinimized, window.frame.area(), !window.windowTitle.empty()};
+    };
+    auto best = std::max_element(candidates.begin(), candidates.end(),
+        [&](WindowID a, WindowID b) { return rank(a) < rank(b); });
+    return best == candidates.end() ? std::nullopt : std::optional{*best};
+}
+
+}
