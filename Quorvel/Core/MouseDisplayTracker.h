@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Displays.h"
+
+namespace quorvel {
+
+/// Which display the pointer is on, without flicker at the borders.
+///
+/// Samples the pointer on a serial queue of its own while it is started, and keeps two answers: the
+/// display of the last sample, and the one on which the pointer has stayed for a moment. Public
+/// operations from any one thread but the queue's.
+class MouseDisplayTracker {
+public:
+    static constexpr Duration sampleInterval = seconds(1.0 / 60);
+    static constexpr Duration displaySwitchDebounce = seconds(0.06);
+    /// How long the last sample counts.
+    static constexpr Duration sampleLifetime = seconds(0.12);
+
+    MouseDisplayTracker(Dispatch&, const Displays&);
+    ~MouseDisplayTracker();
+
+    void start();
+    void stop();
+    /// Where something that belongs to the pointer should open; absent while nobody knows.
+    std::optional<DisplayNumber> preferredDisplayID() const;
+
+private:
+    void sampleMouseDisplay();
+
+    Dispatch& m_dispatch;
+    const Displays& m_displays;
+
+    // The queue's own.
+    bool m_isStarted = false;
+    std::optional<DisplayNumber> m_instantaneousDisplayID;
+    std::optional<DisplayNumber> m_debouncedDisplayID;
+    Instant m_lastSampleAt;
+    WorkItem m_timer;
+    WorkItem m_pendingTransitionWork;
+
+    std::unique_ptr<Queue> m_queue; ///< last: it is drained before what its work uses goes
+};
+
+}
