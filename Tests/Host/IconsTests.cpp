@@ -1,6 +1,6 @@
 #include "Hosts/X11/Applications/Icons.h"
 
-#include <array>
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -223,6 +223,23 @@ TEST_F(IconFiles, windowPixelsAreScaledFromTheNextLargerSizeAndKeepTheirProporti
     EXPECT_EQ(pixel(wide, 20, 35), 0u);
 }
 
+TEST_F(IconFiles, aThinLineOfALargePictureStaysWholeWhenItIsShrunk)
+{
+    auto picture = filled(1000, 1000, 0xFF000000);
+    for (std::size_t y = 500; y < 520; ++y)
+        std::fill_n(picture.argb.begin() + static_cast<std::ptrdiff_t>(y * 1000), 1000, 0xFFFFFFFF);
+    const auto image = icons.fromPixels({std::move(picture)});
+
+    auto* surface = rendered(image, 17);
+    ASSERT_NE(surface, nullptr);
+    for (int x = 0; x < 17; ++x) {
+        std::uint32_t light = 0;
+        for (int y = 0; y < 17; ++y)
+            light += pixel(surface, x, y) & 0xFF;
+        EXPECT_NEAR(light, 255 * 17 * 20 / 1000.0, 12) << "column " << x;
+    }
+}
+
 TEST_F(IconFiles, windowPixelsHaveStraightAlpha)
 {
     const auto half = icons.fromPixels({filled(16, 16, 0x80FF4000)});
@@ -241,18 +258,18 @@ TEST_F(IconFiles, windowPixelsThatDoNotAddUpAreNoPicture)
 TEST(IconThemeFile, givesEachFolderTheSizesItIsFor)
 {
     using Folder = IconThemeFile::Folder;
-    const auto theme
-        = IconThemeFile::parse("[Icon Theme]\nInherits= A ,,B/\n"
-                               "Directories=f,t,s,none,zero,junk\nScaledDirectories=t2/\n"
-                               "[f]\nSize=16\nType=Fixed\nThreshold=9\n[t]\nSize=32\n"
-                               "[s]\nSize=48\nMinSize=8\nMaxSize=512\nType=Scalable\n"
-                               "[t2]\nSize=32\nScale=2\nThreshold=4\n[zero]\nSize=0\n"
-                               "[junk]\nSize=99999999999999\n[other]\nSize=3\n");
+    const auto theme = IconThemeFile::parse(
+        "[Icon Theme]\nInherits= A ,,B/\n"
+        "Directories=f,t,s,none,zero,junk\nScaledDirectories=t2/\n"
+        "[f]\nSize=16\nType=Fixed\nThreshold=9\nContext=Applications\n[t]\nSize=32\n"
+        "[s]\nSize=48\nMinSize=8\nMaxSize=512\nType=Scalable\n"
+        "[t2]\nSize=32\nScale=2\nThreshold=4\n[zero]\nSize=0\n"
+        "[junk]\nSize=99999999999999\n[other]\nSize=3\n");
 
     EXPECT_EQ(theme.parents(), (std::vector<std::string>{"A", "B"}));
     EXPECT_EQ(theme.folders(),
         (std::vector<Folder>{
-            {"f", 16, 16, 16}, {"t", 32, 30, 34}, {"s", 48, 8, 512}, {"t2", 64, 56, 72}}));
+            {"f", 16, 16, 16, true}, {"t", 32, 30, 34}, {"s", 48, 8, 512}, {"t2", 64, 56, 72}}));
 }
 
 }

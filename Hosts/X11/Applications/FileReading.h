@@ -10,4 +10,7 @@ namespace quorvel::x11 {
 /// somebody names as a file does not block.
 std::optional<std::string> readFile(const std::string& path, std::size_t limit);
 
+/// The first bytes of a regular file, fewer where it is shorter.
+std::optional<std::string> readStart(const std::string& path, std::size_t count);
+
 }

@@ -90,8 +90,8 @@ bool isIconFileName(std::string_view name)
 
 bool isIconFile(const std::string& path)
 {
-    const auto bytes = readFile(path, kLargestIconFile);
-    return bytes && (bytes->starts_with(kPngSignature) || isVectorFileName(path));
+    const auto start = readStart(path, kPngSignature.size());
+    return start && (*start == kPngSignature || isVectorFileName(path));
 }
 
 SurfacePointer drawIconFile(const std::string& path, int pixels)

@@ -123,19 +123,26 @@ std::vector<IconCandidate> IconTheme::find(std::string_view asked)
     if (auto shorter = withoutIconEnding(asked); shorter != asked)
         names.push_back(std::move(shorter));
 
-    std::vector<IconCandidate> found;
     for (const auto& name : names) {
+        if (auto found = findNamed(name); !found.empty())
+            return found;
+    }
+    return {};
+}
+
+std::vector<IconCandidate> IconTheme::findNamed(const std::string& name) const
+{
+    std::vector<IconCandidate> found;
+    for (const Folders folders : {&Theme::forApplications, &Theme::forOthers}) {
         for (const auto& theme : m_themes) {
-            for (const auto& folder : theme)
+            for (const auto& folder : theme.*folders)
                 addIfPresent(found, folder, name);
             if (!found.empty())
                 return found;
         }
-        for (const auto& folder : m_themelessFolders)
-            addIfPresent(found, IconCandidate{folder}, name);
-        if (!found.empty())
-            return found;
     }
+    for (const auto& folder : m_themelessFolders)
+        addIfPresent(found, IconCandidate{folder}, name);
     return found;
 }
 
@@ -175,9 +182,11 @@ IconTheme::Theme IconTheme::existingFolders(
             continue;
         for (const auto& folder : file.folders()) {
             auto path = root + '/' + folder.path;
-            if (isFolder(path))
-                theme.push_back(
-                    {std::move(path), folder.pixels, folder.smallest, folder.largest, false});
+            if (!isFolder(path))
+                continue;
+            auto& folders = folder.isForApplications ? theme.forApplications : theme.forOthers;
+            folders.push_back(
+                {std::move(path), folder.pixels, folder.smallest, folder.largest, false});
         }
     }
     return theme;

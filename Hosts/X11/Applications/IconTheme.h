@@ -29,13 +29,20 @@ public:
     /// The folders and the theme's name come from the environment as it is now.
     IconTheme();
 
-    /// All sizes of the icon in the first theme that has it; empty where none has.
+    /// All sizes of the icon in the first theme that has it; empty where none has. A theme's
+    /// folders for applications come before any theme's folders for other things: they are few, so
+    /// that looking costs a tenth.
     std::vector<IconCandidate> find(std::string_view name);
 
 private:
-    /// The folders of one theme that exist; `path` is the folder.
-    using Theme = std::vector<IconCandidate>;
+    /// One theme's folders that exist; the path of each candidate is the folder.
+    struct Theme {
+        std::vector<IconCandidate> forApplications;
+        std::vector<IconCandidate> forOthers;
+    };
+    using Folders = std::vector<IconCandidate> Theme::*;
 
+    std::vector<IconCandidate> findNamed(const std::string& name) const;
     void loadThemes();
     void addTheme(const std::string& name);
     Theme existingFolders(const std::string& name, const IconThemeFile&) const;

@@ -15,6 +15,7 @@ constexpr int kDefaultThreshold = 2;
 /// A folder's group as it is written.
 struct FolderGroup {
     std::string_view type = "Threshold";
+    std::string_view context;
     std::optional<int> size;
     std::optional<int> smallest;
     std::optional<int> largest;
@@ -46,6 +47,8 @@ void readKey(const KeyFileReader& reader, FolderGroup& folder)
         folder.scale = number(reader.value(), kLargestScale);
     else if (key == "Type")
         folder.type = reader.value();
+    else if (key == "Context")
+        folder.context = reader.value();
 }
 
 std::vector<std::string> listOf(std::string_view text)
@@ -82,7 +85,8 @@ std::optional<IconThemeFile::Folder> folderFrom(const std::string& path, const F
         smallest = size - threshold;
         largest = size + threshold;
     }
-    return IconThemeFile::Folder{path, size * scale, smallest * scale, largest * scale};
+    return IconThemeFile::Folder{
+        path, size * scale, smallest * scale, largest * scale, group.context == "Applications"};
 }
 
 }

@@ -15,6 +15,7 @@ public:
         int pixels = 0; ///< size times scale, as are the next two
         int smallest = 0;
         int largest = 0;
+        bool isForApplications = false;
 
         friend bool operator==(const Folder&, const Folder&) = default;
     };
