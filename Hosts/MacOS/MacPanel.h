@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Hosts/MacOS/SurfaceView.h"
+#include "Quorvel/Platform/Surfaces.h"
+
+@class QVPanel;
+
+namespace quorvel {
+
+class MacWindowServer;
+
+/// A borderless panel at the Dock's level, on one space only.
+///
+/// No public call puts a window on a given space: it lands on the active one when it is ordered in,
+/// and is moved afterwards, which the window server lets a program do with its own windows.
+class MacPanel final : public PanelSurface {
+public:
+    MacPanel(const MacWindowServer&, const PanelOptions&, SurfaceClient&);
+    ~MacPanel() override;
+    MacPanel(const MacPanel&) = delete;
+    MacPanel& operator=(const MacPanel&) = delete;
+
+    void setFrame(const Rect&) override;
+    Rect frame() const override;
+    void orderFront() override;
+    void orderOut() override;
+    bool isVisible() const override;
+    double scale() const override;
+    void invalidate(const Rect&) override;
+    bool setBlursBehind(bool) override;
+
+    QVSurfaceView* view() const { return m_view; }
+
+private:
+    const MacWindowServer& m_windowServer;
+    SpaceID m_space;
+    QVPanel* m_panel;
+    QVSurfaceView* m_view;
+    NSVisualEffectView* m_blur = nil;
+};
+
+}

@@ -1,0 +1,126 @@
+#include "Hosts/MacOS/MacPanel.h"
+
+#include "Hosts/MacOS/Conversions.h"
+#include "Hosts/MacOS/System/MacWindowServer.h"
+
+@interface QVPanel : NSPanel
+@end
+
+@implementation QVPanel
+
+- (BOOL)canBecomeKeyWindow
+{
+    return NO;
+}
+
+- (BOOL)canBecomeMainWindow
+{
+    return NO;
+}
+
+// The system would push the frame off the strip that the Dock and the menu bar keep for themselves.
+- (NSRect)constrainFrameRect:(NSRect)frame toScreen:(NSScreen*)screen
+{
+    return frame;
+}
+
+@end
+
+namespace quorvel {
+
+namespace {
+
+QVPanel* makePanel(const PanelOptions& options)
+{
+    // The server reads this part of the style only when the window is made.
+    const NSWindowStyleMask style
+        = NSWindowStyleMaskBorderless | NSWindowStyleMaskNonactivatingPanel;
+    QVPanel* panel = [[QVPanel alloc] initWithContentRect:NSMakeRect(0, 0, 1, 1)
+                                                styleMask:style
+                                                  backing:NSBackingStoreBuffered
+                                                    defer:NO];
+    panel.releasedWhenClosed = NO;
+    panel.hidesOnDeactivate = NO; // the program is never the active one
+    panel.becomesKeyOnlyIfNeeded = YES;
+    panel.opaque = NO;
+    panel.backgroundColor = NSColor.clearColor;
+    panel.hasShadow = NO;
+    panel.movable = NO;
+    panel.acceptsMouseMovedEvents = YES;
+    panel.animationBehavior = NSWindowAnimationBehaviorNone;
+    panel.level = CGWindowLevelForKey(kCGDockWindowLevelKey);
+    // Stationary: Mission Control hides windows above the normal level otherwise.
+    panel.collectionBehavior = NSWindowCollectionBehaviorStationary
+        | NSWindowCollectionBehaviorIgnoresCycle | NSWindowCollectionBehaviorFullScreenNone;
+    if (NSString* title = toSystem(options.title))
+        panel.title = title;
+    return panel;
+}
+
+NSVisualEffectView* makeBlur(NSRect frame)
+{
+    NSVisualEffectView* blur = [[NSVisualEffectView alloc] initWithFrame:frame];
+    blur.material = NSVisualEffectMaterialHUDWindow;
+    blur.blendingMode = NSVisualEffectBlendingModeBehindWindow;
+    blur.state = NSVisualEffectStateActive; // following the window it would look switched off
+    blur.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+    return blur;
+}
+
+}
+
+MacPanel::MacPanel(
+    const MacWindowServer& windowServer, const PanelOptions& options, SurfaceClient& client)
+    : m_windowServer(windowServer)
+    , m_space(options.space)
+    , m_panel(makePanel(options))
+    , m_view([[QVSurfaceView alloc] initWithFrame:m_panel.contentView.bounds client:&client])
+{
+    [m_panel.contentView addSubview:m_view];
+}
+
+MacPanel::~MacPanel()
+{
+    [m_view detach];
+    [m_panel orderOut:nil];
+    [m_panel close];
+}
+
+void MacPanel::setFrame(const Rect& frame) { [m_panel setFrame:toSystem(frame) display:YES]; }
+
+Rect MacPanel::frame() const { return fromSystem(m_panel.frame); }
+
+void MacPanel::orderFront()
+{
+    [m_panel orderFrontRegardless];
+    // The number is that of the server's window only while there is one.
+    if (m_panel.windowNumber > 0)
+        m_windowServer.moveOwnWindow(
+            WindowID{static_cast<std::uint32_t>(m_panel.windowNumber)}, m_space);
+}
+
+void MacPanel::orderOut()
+{
+    [m_view cancelPress];
+    [m_panel orderOut:nil];
+}
+
+bool MacPanel::isVisible() const { return m_panel.visible && m_panel.onActiveSpace; }
+
+double MacPanel::scale() const { return m_panel.backingScaleFactor; }
+
+void MacPanel::invalidate(const Rect& rect) { [m_view setNeedsDisplayInRect:toSystem(rect)]; }
+
+bool MacPanel::setBlursBehind(bool blurs)
+{
+    if (blurs && !m_blur) {
+        m_blur = makeBlur(m_panel.contentView.bounds);
+        [m_panel.contentView addSubview:m_blur positioned:NSWindowBelow relativeTo:m_view];
+    } else if (!blurs && m_blur) {
+        [m_blur removeFromSuperview];
+        m_blur = nil;
+    }
+    return blurs;
+}
+
+}

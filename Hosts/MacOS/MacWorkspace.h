@@ -1,0 +1,38 @@
+#pragma once
+
+#include <vector>
+
+#include "Hosts/MacOS/Observation.h"
+#include "Quorvel/Platform/Workspace.h"
+
+namespace quorvel {
+
+/// The system posts launches and activations of regular applications only, and on a centre of its
+/// own. Since macOS 14 activation is a request: "accepted" means sent, not done.
+class MacWorkspace final : public Workspace {
+public:
+    MacWorkspace();
+
+    void enumerateRunningApplications(
+        const std::function<void(const RunningApplication&)>& visitor) const override;
+    std::optional<RunningApplication> runningApplication(ProcessID) const override;
+    std::optional<ProcessID> frontmostApplication() const override;
+
+    std::optional<ApplicationURL> applicationURL(std::string_view bundleIdentifier) const override;
+    Image icon(const ApplicationURL&) const override;
+    Image runningApplicationIcon(ProcessID) const override;
+    Image genericApplicationIcon() const override;
+
+    bool isSelfActive() const override;
+    void activateSelf() override;
+    bool activateCooperatively(ProcessID) override;
+    bool activateDirectly(ProcessID) override;
+
+private:
+    void observe(NSNotificationName, const Signal<RunningApplication>&);
+    void observe(NSNotificationName, const Signal<>&);
+
+    std::vector<NotificationObserver> m_observers;
+};
+
+}

@@ -1,0 +1,135 @@
+#include "Hosts/MacOS/MacWorkspace.h"
+
+#include "Hosts/MacOS/Conversions.h"
+#include "Hosts/MacOS/MacImage.h"
+
+namespace quorvel {
+
+namespace {
+
+ActivationPolicy activationPolicyFrom(NSApplicationActivationPolicy policy)
+{
+    switch (policy) {
+    case NSApplicationActivationPolicyRegular:
+        return ActivationPolicy::regular;
+    case NSApplicationActivationPolicyAccessory:
+        return ActivationPolicy::accessory;
+    case NSApplicationActivationPolicyProhibited:
+        return ActivationPolicy::prohibited;
+    }
+    return ActivationPolicy::prohibited;
+}
+
+RunningApplication applicationFrom(NSRunningApplication* application)
+{
+    RunningApplication result;
+    result.pid = ProcessID{application.processIdentifier};
+    if (NSString* identifier = application.bundleIdentifier)
+        result.bundleIdentifier = fromSystem(identifier);
+    result.localizedName = fromSystem(application.localizedName);
+    result.activationPolicy = activationPolicyFrom(application.activationPolicy);
+    result.isTerminated = application.terminated;
+    return result;
+}
+
+NSRunningApplication* findApplication(ProcessID pid)
+{
+    return [NSRunningApplication runningApplicationWithProcessIdentifier:raw(pid)];
+}
+
+}
+
+MacWorkspace::MacWorkspace()
+{
+    observe(NSWorkspaceDidLaunchApplicationNotification, didLaunch);
+    observe(NSWorkspaceDidTerminateApplicationNotification, didTerminate);
+    observe(NSWorkspaceDidActivateApplicationNotification, didActivate);
+    observe(NSWorkspaceDidWakeNotification, didWake);
+    observe(NSWorkspaceActiveSpaceDidChangeNotification, activeSpaceDidChange);
+}
+
+void MacWorkspace::observe(NSNotificationName name, const Signal<RunningApplication>& signal)
+{
+    m_observers.emplace_back(NSWorkspace.sharedWorkspace.notificationCenter, name,
+        [&signal](NSNotification* notification) {
+            id application = notification.userInfo[NSWorkspaceApplicationKey];
+            if ([application isKindOfClass:NSRunningApplication.class])
+                signal.emit(applicationFrom(application));
+        });
+}
+
+void MacWorkspace::observe(NSNotificationName name, const Signal<>& signal)
+{
+    m_observers.emplace_back(NSWorkspace.sharedWorkspace.notificationCenter, name,
+        [&signal](NSNotification*) { signal.emit(); });
+}
+
+void MacWorkspace::enumerateRunningApplications(
+    const std::function<void(const RunningApplication&)>& visitor) const
+{
+    for (NSRunningApplication* application in NSWorkspace.sharedWorkspace.runningApplications)
+        visitor(applicationFrom(application));
+}
+
+std::optional<RunningApplication> MacWorkspace::runningApplication(ProcessID pid) const
+{
+    NSRunningApplication* application = findApplication(pid);
+    return application ? std::optional{applicationFrom(application)} : std::nullopt;
+}
+
+std::optional<ProcessID> MacWorkspace::frontmostApplication() const
+{
+    NSRunningApplication* application = NSWorkspace.sharedWorkspace.frontmostApplication;
+    return application ? std::optional{ProcessID{application.processIdentifier}} : std::nullopt;
+}
+
+std::optional<ApplicationURL> MacWorkspace::applicationURL(std::string_view bundleIdentifier) const
+{
+    NSString* identifier = toSystem(bundleIdentifier);
+    if (!identifier)
+        return {};
+    NSURL* url = [NSWorkspace.sharedWorkspace URLForApplicationWithBundleIdentifier:identifier];
+    return url.path ? std::optional{ApplicationURL{fromSystem(url.path)}} : std::nullopt;
+}
+
+Image MacWorkspace::icon(const ApplicationURL& url) const
+{
+    NSString* path = toSystem(url.path);
+    return path ? makeImage([NSWorkspace.sharedWorkspace iconForFile:path]) : nullptr;
+}
+
+Image MacWorkspace::runningApplicationIcon(ProcessID pid) const
+{
+    return makeImage(findApplication(pid).icon);
+}
+
+Image MacWorkspace::genericApplicationIcon() const
+{
+    UTType* type = [UTType typeWithIdentifier:@"com.apple.application-bundle"];
+    return type ? makeImage([NSWorkspace.sharedWorkspace iconForContentType:type]) : nullptr;
+}
+
+bool MacWorkspace::isSelfActive() const { return NSApp.active; }
+
+void MacWorkspace::activateSelf() { [NSApp activateIgnoringOtherApps:YES]; }
+
+bool MacWorkspace::activateCooperatively(ProcessID pid)
+{
+    if (@available(macOS 14.0, *)) {
+        NSRunningApplication* target = findApplication(pid);
+        if (!target)
+            return false;
+        NSApplication* self = NSApp;
+        [self yieldActivationToApplication:target];
+        return [target activateFromApplication:NSRunningApplication.currentApplication
+                                       options:NSApplicationActivateIgnoringOtherApps];
+    }
+    return false;
+}
+
+bool MacWorkspace::activateDirectly(ProcessID pid)
+{
+    return [findApplication(pid) activateWithOptions:NSApplicationActivateIgnoringOtherApps];
+}
+
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Hosts/MacOS/Cocoa.h"
+#include "Quorvel/Platform/Surfaces.h"
+
+/// Shows a surface client and hands it the events of its rectangle; the program is never the active
+/// one, so the view asks for what inactive programs do not get by themselves.
+@interface QVSurfaceView : NSView
+- (instancetype)initWithFrame:(NSRect)frame client:(quorvel::SurfaceClient*)client;
+/// No call reaches the client any more.
+- (void)detach;
+/// Ends a press whose release will not come.
+- (void)cancelPress;
+@end

@@ -1,0 +1,228 @@
+#include "Hosts/MacOS/SurfaceView.h"
+
+#include <optional>
+
+#include "Hosts/MacOS/Conversions.h"
+#include "Hosts/MacOS/CoreGraphicsCanvas.h"
+
+using quorvel::PointerAction;
+using quorvel::PointerButton;
+
+namespace {
+
+PointerButton buttonOf(NSEvent* event)
+{
+    switch (event.type) {
+    case NSEventTypeLeftMouseDown:
+        // Control and a click have meant the other button since mice had one.
+        return event.modifierFlags & NSEventModifierFlagControl ? PointerButton::secondary
+                                                                : PointerButton::primary;
+    case NSEventTypeRightMouseDown:
+        return PointerButton::secondary;
+    default:
+        return event.buttonNumber == 2 ? PointerButton::middle : PointerButton::none;
+    }
+}
+
+}
+
+@implementation QVSurfaceView {
+    quorvel::SurfaceClient* _client;
+    NSTrackingArea* _trackingArea;
+    // The button of the press under way. What is held at its end may be another modifier.
+    std::optional<PointerButton> _pressed;
+}
+
+- (instancetype)initWithFrame:(NSRect)frame client:(quorvel::SurfaceClient*)client
+{
+    self = [super initWithFrame:frame];
+    if (self) {
+        _client = client;
+        self.wantsLayer = YES;
+        self.layerContentsRedrawPolicy = NSViewLayerContentsRedrawOnSetNeedsDisplay;
+        self.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+    }
+    return self;
+}
+
+- (void)detach
+{
+    _client = nullptr;
+}
+
+- (BOOL)isFlipped
+{
+    return YES;
+}
+
+- (BOOL)isOpaque
+{
+    return NO;
+}
+
+- (BOOL)acceptsFirstMouse:(NSEvent*)event
+{
+    return YES;
+}
+
+- (void)updateTrackingAreas
+{
+    [super updateTrackingAreas];
+    if (_trackingArea)
+        [self removeTrackingArea:_trackingArea];
+    const NSTrackingAreaOptions options = NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved
+        | NSTrackingActiveAlways | NSTrackingInVisibleRect;
+    _trackingArea = [[NSTrackingArea alloc] initWithRect:NSZeroRect
+                                                 options:options
+                                                   owner:self
+                                                userInfo:nil];
+    [self addTrackingArea:_trackingArea];
+}
+
+- (void)setFrameSize:(NSSize)size
+{
+    const bool changes = !NSEqualSizes(size, self.frame.size);
+    [super setFrameSize:size];
+    if (!changes)
+        return;
+    self.needsDisplay = YES;
+    if (_client)
+        _client->surfaceDidResize(quorvel::fromSystem(self.bounds.size));
+}
+
+- (void)viewDidChangeBackingProperties
+{
+    [super viewDidChangeBackingProperties];
+    self.needsDisplay = YES;
+}
+
+- (void)drawRect:(NSRect)dirtyRect
+{
+    CGContextRef context = NSGraphicsContext.currentContext.CGContext;
+    // Since macOS 14 a view may be asked to draw outside its bounds.
+    const NSRect damage = NSIntersectionRect(dirtyRect, self.bounds);
+    if (!_client || !context || NSIsEmptyRect(damage))
+        return;
+    CGContextSaveGState(context);
+    CGContextClipToRect(context, damage);
+    CGContextClearRect(context, damage);
+    quorvel::CoreGraphicsCanvas canvas{context, self.window.backingScaleFactor};
+    _client->paint(canvas, quorvel::fromSystem(damage));
+    CGContextRestoreGState(context);
+}
+
+- (void)send:(PointerAction)action event:(NSEvent*)event button:(PointerButton)button
+{
+    if (!_client)
+        return;
+    const NSPoint location = [self convertPoint:event.locationInWindow fromView:nil];
+    _client->pointerEvent({action, quorvel::fromSystem(location), button});
+}
+
+- (void)press:(NSEvent*)event
+{
+    const PointerButton button = buttonOf(event);
+    // The first button rules until it is let go.
+    if (_pressed || button == PointerButton::none)
+        return;
+    _pressed = button;
+    [self send:PointerAction::pressed event:event button:button];
+}
+
+- (void)release:(NSEvent*)event ifOneOf:(std::initializer_list<PointerButton>)buttons
+{
+    if (!_pressed || std::find(buttons.begin(), buttons.end(), *_pressed) == buttons.end())
+        return;
+    const PointerButton button = *_pressed;
+    _pressed.reset();
+    [self send:PointerAction::released event:event button:button];
+}
+
+- (void)cancelPress
+{
+    if (!_pressed)
+        return;
+    const PointerButton button = *_pressed;
+    _pressed.reset();
+    const NSPoint location = [self convertPoint:self.window.mouseLocationOutsideOfEventStream
+                                       fromView:nil];
+    if (_client)
+        _client->pointerEvent({PointerAction::cancelled, quorvel::fromSystem(location), button});
+}
+
+- (void)move:(NSEvent*)event
+{
+    [self send:PointerAction::moved event:event button:PointerButton::none];
+}
+
+- (void)mouseEntered:(NSEvent*)event
+{
+    [self send:PointerAction::entered event:event button:PointerButton::none];
+}
+
+- (void)mouseExited:(NSEvent*)event
+{
+    [self send:PointerAction::exited event:event button:PointerButton::none];
+}
+
+- (void)mouseMoved:(NSEvent*)event
+{
+    [self move:event];
+}
+
+- (void)mouseDragged:(NSEvent*)event
+{
+    [self move:event];
+}
+
+- (void)rightMouseDragged:(NSEvent*)event
+{
+    [self move:event];
+}
+
+- (void)otherMouseDragged:(NSEvent*)event
+{
+    [self move:event];
+}
+
+- (void)mouseDown:(NSEvent*)event
+{
+    [self press:event];
+}
+
+- (void)rightMouseDown:(NSEvent*)event
+{
+    [self press:event];
+}
+
+- (void)otherMouseDown:(NSEvent*)event
+{
+    [self press:event];
+}
+
+- (void)mouseUp:(NSEvent*)event
+{
+    [self release:event ifOneOf:{PointerButton::primary, PointerButton::secondary}];
+}
+
+- (void)rightMouseUp:(NSEvent*)event
+{
+    [self release:event ifOneOf:{PointerButton::secondary}];
+}
+
+- (void)otherMouseUp:(NSEvent*)event
+{
+    [self release:event ifOneOf:{PointerButton::middle}];
+}
+
+- (void)scrollWheel:(NSEvent*)event
+{
+    // What rolls on after the fingers have gone would count as many steps.
+    if (!_client || event.momentumPhase != NSEventPhaseNone)
+        return;
+    const NSPoint location = [self convertPoint:event.locationInWindow fromView:nil];
+    _client->scrollEvent({quorvel::fromSystem(location), event.scrollingDeltaX,
+        event.scrollingDeltaY, static_cast<bool>(event.directionInvertedFromDevice)});
+}
+
+@end

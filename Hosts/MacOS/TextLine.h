@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string_view>
+
+#include "Hosts/MacOS/System/CFRef.h"
+#include "Quorvel/Platform/Canvas.h"
+
+namespace quorvel {
+
+/// One shaped line of text in a style; line breaks and controls are spaces.
+class TextLine {
+public:
+    TextLine(std::string_view utf8, const TextStyle&);
+
+    Size size() const;
+    /// Draws it centred vertically in the rectangle. The context's y grows downwards.
+    void draw(CGContextRef, const Rect&) const;
+
+private:
+    bool isRightToLeft() const;
+    CFRef<CTLineRef> fitted(double width) const;
+    double startX(const Rect&, double width) const;
+
+    TextStyle m_style;
+    CFRef<CTLineRef> m_line;
+    double m_width = 0;
+    CGFloat m_ascent = 0;
+    CGFloat m_descent = 0;
+};
+
+class CoreTextText final : public Text {
+public:
+    Size measure(std::string_view utf8, const TextStyle&) const override;
+};
+
+}
