@@ -338,6 +338,21 @@ TEST_F(AXObserverManagerTest, aHungApplicationDelaysNobodyElsesEventsForLong)
     EXPECT_EQ(heard.back().window, feed);
 }
 
+TEST_F(AXObserverManagerTest, aWindowThatCouldNotBeListenedToIsTriedAgainWithTheNextRefresh)
+{
+    attach();
+    auto fresh = desktop.open(mail);
+    desktop.application(mail).faults.isHung = true; // busy just when the notification is handled
+    desktop.drain();
+    desktop.application(mail).faults.isHung = false;
+    ASSERT_FALSE(isFullyRegistered(fresh));
+
+    manager.refreshWindows({mail});
+    desktop.drain();
+
+    EXPECT_TRUE(isFullyRegistered(fresh));
+}
+
 TEST_F(AXObserverManagerTest, stoppingEndsEverythingAndItCanStartAgain)
 {
     attach();

@@ -288,6 +288,20 @@ TEST_F(WindowStoreEvents, eventsOfAHungApplicationNeverWaitLongerThanTheirFewQue
     EXPECT_EQ(*store.window(inbox), kept);
 }
 
+TEST_F(WindowStoreEvents, whatABusyApplicationCouldNotTellIsReadAgainSoon)
+{
+    auto element = event(inbox, ax::titleChanged);
+    desktop.accessibility().setMessagingTimeout(element.element, 0.05F);
+    desktop.application(mail).faults.isHung = true;
+    desktop.retitle(inbox, "Inbox (4)");
+    store.handleAXEvent(element);
+    desktop.application(mail).faults.isHung = false;
+
+    desktop.advance(seconds(3));
+
+    EXPECT_EQ(store.window(inbox)->windowTitle, "Inbox (4)");
+}
+
 TEST_F(WindowStoreEvents, unknownNotificationsDoNothing)
 {
     store.handleAXEvent(event(inbox, "AXSelectedTextChanged"));

@@ -1,0 +1,404 @@
+#include "Quorvel/Quorvel.h"
+
+#include <cmath>
+
+#include <gmock/gmock.h>
+
+#include "Quorvel/Skylight/AXObserverManager.h"
+#include "Tests/Support/BarFixture.h"
+
+namespace quorvel::test {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::Pointwise;
+
+namespace {
+
+MATCHER(IsNear, "")
+{
+    return std::abs(std::get<0>(arg) - std::get<1>(arg)) < 1e-6;
+}
+
+struct QuorvelAppTest : BarFixture {
+    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "com.example.mail"});
+    WindowID inbox = desktop.open(mail, {.title = "Inbox"});
+
+    void launchOnly()
+    {
+        desktop.drain();
+        runtime = std::make_unique<Runtime>(desktop.platform());
+        QuorvelApp::launch(*runtime);
+    }
+    WindowStore& store() { return QuorvelApp::windowStore(); }
+    bool isRunning() { return runtime->barManager() != nullptr; }
+    /// When windows were listed since `start`.
+    std::vector<double> scansSince(Instant start)
+    {
+        std::vector<double> times;
+        for (auto at : desktop.windowServer().listings())
+            times.push_back(std::chrono::duration<double>(at - start).count());
+        return times;
+    }
+};
+
+}
+
+// MARK: Permissions
+
+TEST_F(QuorvelAppTest, withBothPermissionsTheBarHasItsWindowsBeforeAnyTimePasses)
+{
+    launchOnly();
+
+    EXPECT_TRUE(isRunning());
+    EXPECT_EQ(desktop.accessibility().prompts(), 0);
+    EXPECT_EQ(desktop.screenCapture().requests(), 0);
+    EXPECT_THAT(panel().render().texts(), ElementsAre("Inbox"));
+    for (auto policy : desktop.program().policies())
+        EXPECT_EQ(policy, ActivationPolicy::accessory);
+    EXPECT_THAT(desktop.program().policies(), Not(IsEmpty()));
+}
+
+TEST_F(QuorvelAppTest, theRuntimeWaitsForTheSecondPermissionAndStartsOnce)
+{
+    desktop.accessibility().setTrusted(false);
+    desktop.screenCapture().setAllowed(false);
+    launchOnly();
+    desktop.advance(seconds(5));
+    EXPECT_FALSE(isRunning());
+    EXPECT_EQ(desktop.accessibility().prompts(), 1);
+    EXPECT_EQ(desktop.screenCapture().requests(), 1);
+
+    desktop.accessibility().setTrusted(true);
+    desktop.advance(seconds(5));
+    EXPECT_FALSE(isRunning());
+    EXPECT_THAT(desktop.surfaces().panels(), IsEmpty());
+
+    desktop.screenCapture().setAllowed(true);
+    desktop.advance(seconds(5));
+    ASSERT_TRUE(isRunning());
+    auto panelsMade = desktop.surfaces().panelsMade();
+    desktop.advance(seconds(60));
+    EXPECT_EQ(desktop.surfaces().panelsMade(), panelsMade);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "nobody looks for permissions any more";
+}
+
+TEST_F(QuorvelAppTest, aCoordinatorThatIsToldTwiceStartsOnce)
+{
+    desktop.drain();
+    runtime = std::make_unique<Runtime>(desktop.platform());
+    LaunchCoordinator coordinator{desktop.platform()};
+    desktop.screenCapture().setAllowed(false);
+    coordinator.startMainRuntimeIfPossible();
+    EXPECT_FALSE(isRunning());
+
+    desktop.screenCapture().setAllowed(true);
+    coordinator.startMainRuntimeIfPossible();
+    auto panelsMade = desktop.surfaces().panelsMade();
+    coordinator.startMainRuntimeIfPossible();
+
+    EXPECT_TRUE(isRunning());
+    EXPECT_EQ(desktop.surfaces().panelsMade(), panelsMade);
+}
+
+// MARK: Applications come and go
+
+TEST_F(QuorvelAppTest, everyProcessWithAWindowIsObservedFromTheStart)
+{
+    auto idle = desktop.launch({.bundleIdentifier = "com.example.idle"});
+    launchOnly();
+    desktop.drain();
+
+    EXPECT_EQ(desktop.accessibility().observersOf(mail), 1u);
+    EXPECT_EQ(desktop.accessibility().observersOf(idle), 0u);
+    EXPECT_TRUE(desktop.accessibility().isRegistered(inbox, ax::titleChanged));
+}
+
+TEST_F(QuorvelAppTest, aLaunchedApplicationIsObservedScannedAndPolled)
+{
+    launchOnly();
+    settle();
+    desktop.windowServer().forgetListings();
+    auto start = desktop.dispatch().now();
+    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
+    desktop.application(news).faults.failingObservers = 1000;
+    desktop.advance(seconds(5));
+
+    EXPECT_THAT(desktop.accessibility().observerAttempts(), Not(IsEmpty()));
+    EXPECT_THAT(scansSince(start), Pointwise(IsNear(), {0.3, 0.8, 2.0, 2.6, 3.815}));
+
+    auto agent = desktop.launch(
+        {.bundleIdentifier = "com.example.agent", .policy = ActivationPolicy::accessory});
+    desktop.drain();
+    EXPECT_EQ(desktop.accessibility().observersOf(agent), 0u);
+    EXPECT_TRUE(store().needsObserverBootstrap(agent));
+}
+
+TEST_F(QuorvelAppTest, aSlowStarterHasItsChipAsSoonAsItShowsAWindow)
+{
+    launchOnly();
+    settle();
+    auto slow = desktop.launch({.name = "Slow",
+        .bundleIdentifier = "com.example.slow",
+        .startsAnsweringAfter = seconds(3)});
+    desktop.advance(seconds(1));
+    auto window = desktop.open(slow, {.title = "Slow window"});
+    desktop.activate(slow);
+    desktop.advance(seconds(1.1));
+    EXPECT_TRUE(chip(window)) << "believed from the window server while it does not answer";
+
+    settle();
+    ASSERT_TRUE(chip(window));
+    EXPECT_EQ(chip(window)->windowTitle, "Slow window") << "known once it answers";
+    EXPECT_TRUE(chip(window)->isFocused);
+    EXPECT_EQ(desktop.accessibility().observersOf(slow), 1u);
+}
+
+TEST_F(QuorvelAppTest, windowsMadeRightAfterAttachingAreListenedToAfterTheFollowUp)
+{
+    desktop.application(mail).faults.swallowedNotifications.insert("AXWindowCreated");
+    launchOnly();
+    desktop.drain();
+    auto quiet = desktop.open(mail);
+    desktop.advance(seconds(0.7));
+    EXPECT_FALSE(desktop.accessibility().isRegistered(quiet, ax::titleChanged));
+    desktop.advance(seconds(0.1));
+
+    EXPECT_TRUE(desktop.accessibility().isRegistered(quiet, ax::titleChanged));
+}
+
+TEST_F(QuorvelAppTest, anEndedApplicationLeavesNothingBehind)
+{
+    launchOnly();
+    settle();
+    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
+    auto feed = desktop.open(news);
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(chip(feed));
+
+    desktop.crash(news);
+    desktop.drain();
+
+    EXPECT_FALSE(chip(feed));
+    EXPECT_EQ(desktop.accessibility().observersOf(news), 0u);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+// MARK: Activation
+
+TEST_F(QuorvelAppTest, activatingPartsOfTheSystemNeverStartsTracking)
+{
+    std::vector<ProcessID> system;
+    for (auto bundle : QuorvelApp::excludedBootstrapBundleIDs)
+        system.push_back(desktop.launch({.bundleIdentifier = std::string{bundle}}));
+    system.push_back(desktop.launch(
+        {.bundleIdentifier = "com.example.agent", .policy = ActivationPolicy::accessory}));
+    launchOnly();
+    settle();
+    auto attempts = desktop.accessibility().observerAttempts().size();
+
+    for (auto pid : system) {
+        desktop.activate(pid);
+        settle();
+        EXPECT_TRUE(store().needsObserverBootstrap(pid));
+    }
+
+    EXPECT_EQ(desktop.accessibility().observerAttempts().size(), attempts);
+}
+
+TEST_F(QuorvelAppTest, anUnknownApplicationIsBootstrappedAtMostOnceIn1500Milliseconds)
+{
+    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
+    desktop.application(news).faults.isDead = true;
+    launchOnly();
+    settle();
+    desktop.windowServer().forgetListings();
+    auto start = desktop.dispatch().now();
+    auto activateAndForget = [&](Duration wait) {
+        desktop.activate(mail);
+        desktop.activate(news);
+        desktop.drain();
+        desktop.advance(seconds(0.9));
+        store().removeWindows(news); // still unknown to the store
+        desktop.advance(wait - seconds(0.9));
+    };
+
+    activateAndForget(seconds(1));
+    activateAndForget(seconds(1));
+    activateAndForget(seconds(1));
+
+    EXPECT_THAT(scansSince(start), Pointwise(IsNear(), {0.3, 0.8, 2.3, 2.8}));
+}
+
+TEST_F(QuorvelAppTest, activationMovesTheFocusAndBackgroundEventsDoNot)
+{
+    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
+    auto feed = desktop.open(news);
+    auto other = desktop.open(news);
+    launchOnly();
+    settle();
+
+    desktop.activate(mail);
+    desktop.drain();
+    EXPECT_EQ(store().focusedWindowID(), inbox);
+    desktop.focus(feed); // behind
+    desktop.drain();
+    EXPECT_EQ(store().focusedWindowID(), inbox);
+    desktop.activate(news);
+    desktop.drain();
+    EXPECT_EQ(store().focusedWindowID(), feed);
+    desktop.focus(other);
+    desktop.drain();
+    EXPECT_EQ(store().focusedWindowID(), other);
+}
+
+// MARK: Wake, spaces, screens
+
+TEST_F(QuorvelAppTest, wakingCatchesUpWithWhatWasMissed)
+{
+    auto second = desktop.open(mail, {.title = "Second"});
+    launchOnly();
+    settle();
+    for (auto name : {ax::windowCreated, ax::windowMiniaturized, ax::focusedWindowChanged})
+        desktop.application(mail).faults.swallowedNotifications.insert(std::string{name});
+    desktop.minimise(inbox);
+    desktop.moveToSpace(second, SpaceID{2});
+    auto fresh = desktop.open(mail, {.title = "Fresh"});
+    settle();
+    EXPECT_FALSE(store().window(inbox)->isMinimized);
+
+    desktop.activateSpace(SpaceID{3});
+    desktop.drain();
+    EXPECT_TRUE(store().window(fresh));
+    EXPECT_EQ(store().window(second)->spaceIDs, std::set{SpaceID{2}});
+    EXPECT_TRUE(desktop.accessibility().isRegistered(fresh, ax::titleChanged));
+    EXPECT_FALSE(store().window(inbox)->isMinimized) << "only waking reads this again";
+    desktop.wake();
+    desktop.drain();
+
+    EXPECT_TRUE(store().window(inbox)->isMinimized);
+    EXPECT_EQ(store().window(inbox)->spaceIDs, std::set{SpaceID{1}});
+}
+
+TEST_F(QuorvelAppTest, aSpaceChangeShowsTheBarOfThatSpaceWithItsWindows)
+{
+    desktop.open(mail, {.title = "Elsewhere", .spaces = {SpaceID{2}}});
+    launchOnly();
+    settle();
+    desktop.activateSpace(SpaceID{2});
+    desktop.drain();
+
+    EXPECT_TRUE(panel(SpaceID{2}).isVisible());
+    EXPECT_FALSE(panel(SpaceID{1}).isVisible());
+    EXPECT_EQ(model().activeSpaceID.value(), SpaceID{2});
+    EXPECT_THAT(panel(SpaceID{2}).render().texts(), ElementsAre("Elsewhere"));
+}
+
+TEST_F(QuorvelAppTest, hintsOfTheWindowServerAreFollowed)
+{
+    desktop.setGivesSpaceHints(true);
+    launchOnly();
+    settle();
+    desktop.moveToSpace(inbox, SpaceID{2});
+    desktop.drain();
+    EXPECT_EQ(store().window(inbox)->spaceIDs, std::set{SpaceID{2}});
+
+    desktop.model().displays.front().spaces.push_back({SpaceID{4}});
+    desktop.post([this] { desktop.windowServer().spacesDidChange.emit(); });
+    desktop.drain();
+    EXPECT_TRUE(desktop.surfaces().panel(SpaceID{4}));
+    EXPECT_EQ(model().spaces.value().size(), 4u);
+}
+
+TEST_F(QuorvelAppTest, panelsFollowTheirScreen)
+{
+    launchOnly();
+    settle();
+    auto displays = desktop.model().displays;
+    displays.front().frame = {0, 0, 1920, 1080};
+    displays.front().visibleFrame = {0, 0, 1920, 1055};
+    desktop.setDisplays(displays);
+    desktop.drain();
+
+    EXPECT_EQ(panel().frame().width, 1920);
+    EXPECT_EQ(panel().frame().y, 0);
+    EXPECT_EQ(desktop.windowServer().dockRectangles().at(DisplayNumber{1}).maxY(), 1080);
+}
+
+TEST_F(QuorvelAppTest, unpluggingEveryMonitorAndPluggingOneAgainBringsTheBarBack)
+{
+    launchOnly();
+    settle();
+    auto displays = desktop.model().displays;
+    desktop.setDisplays({});
+    desktop.wake();
+    settle();
+    desktop.setDisplays(displays);
+    desktop.wake();
+    settle();
+
+    ASSERT_TRUE(desktop.surfaces().panel(SpaceID{1}));
+    EXPECT_TRUE(panel().isVisible());
+    EXPECT_EQ(panel().frame().width, 1440);
+    EXPECT_THAT(panel().render().texts(), ElementsAre("Inbox"));
+}
+
+// MARK: Requests, the end
+
+TEST_F(QuorvelAppTest, laterInvocationsAreAnswered)
+{
+    desktop.accessibility().setTrusted(false);
+    launchOnly();
+    EXPECT_EQ(desktop.control().send({"--state"})->exitStatus, 1);
+    desktop.accessibility().setTrusted(true);
+    desktop.advance(seconds(2));
+
+    auto state = desktop.control().send({"--state"});
+    ASSERT_TRUE(state);
+    EXPECT_EQ(state->exitStatus, 0);
+    EXPECT_THAT(state->output, HasSubstr("\"Inbox\""));
+    EXPECT_EQ(desktop.control().send({"--state", "--quit"})->exitStatus, 1);
+    EXPECT_EQ(desktop.control().send({})->exitStatus, 1);
+    EXPECT_FALSE(desktop.program().isTerminated());
+
+    EXPECT_EQ(desktop.control().send({"--quit"})->exitStatus, 0);
+    desktop.drain();
+    EXPECT_TRUE(desktop.program().isTerminated());
+    EXPECT_THAT(desktop.windowServer().dockRectangles(), IsEmpty());
+}
+
+TEST_F(QuorvelAppTest, aRuntimeCanGoAtAnyMomentAndAnotherTakesItsPlace)
+{
+    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
+    desktop.application(news).faults.failingObservers = 2;
+    for (double moment : {0.0, 0.1, 0.3, 0.6, 0.9, 1.4, 2.5}) {
+        auto window = desktop.open(news);
+        launchOnly();
+        desktop.retitle(inbox, std::to_string(moment));
+        desktop.post([&] { desktop.retitle(window, "posted"); });
+        desktop.advance(seconds(moment));
+        runtime.reset();
+
+        EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << moment;
+        EXPECT_EQ(desktop.accessibility().observersOf(mail), 0u);
+        EXPECT_THAT(desktop.surfaces().panels(), IsEmpty());
+        EXPECT_THAT(desktop.windowServer().dockRectangles(), IsEmpty());
+        desktop.advance(seconds(5));
+    }
+}
+
+TEST_F(QuorvelAppTest, mainRunsTheEventLoopWithTheBarUp)
+{
+    desktop.drain();
+    bool hadBar = false;
+    desktop.program().whenRunning([&] { hadBar = Runtime::current().barManager() != nullptr; });
+
+    EXPECT_EQ(QuorvelApp::main(desktop.platform()), 0);
+
+    EXPECT_TRUE(hadBar);
+    EXPECT_THAT(desktop.surfaces().panels(), IsEmpty());
+}
+
+}
