@@ -17,7 +17,7 @@ struct Style {
     Color focusMark;
 
     static constexpr double minimizedOpacity = 0.5;
-    static constexpr double minimumTitleWidth = 14;
+    static constexpr double minimumTitleWidth = 22;
     static constexpr double focusMarkHeight = 2;
     static constexpr double focusMarkWidth = 0.4; ///< share of the chip's width
     static constexpr double edgeWidth = 1;
@@ -128,14 +128,15 @@ ChipView::Parts ChipView::parts() const
     Parts parts;
     auto face = bounds().centred({bounds().width, m_metrics.chipHeight});
     parts.face = face;
-    double padding = std::min(
-        m_metrics.chipHorizontalPadding, std::max(0.0, (face.width - m_metrics.iconSize) / 2));
-    parts.icon = Rect{padding, face.y, m_metrics.iconSize, face.height}.centred(
-        {m_metrics.iconSize, m_metrics.iconSize});
+    Size icon{m_metrics.iconSize, m_metrics.iconSize};
+    double padding = m_metrics.chipHorizontalPadding;
+    parts.icon = Rect{padding, face.y, icon.width, face.height}.centred(icon);
     double left = parts.icon.maxX() + m_metrics.iconTextSpacing;
-    double width = face.width - m_metrics.chipHorizontalPadding - left;
+    double width = face.width - padding - left;
     if (width >= Style::minimumTitleWidth)
         parts.title = {left, face.y, width, face.height};
+    else
+        parts.icon = face.centred(icon);
     double mark = face.width * Style::focusMarkWidth;
     parts.focusMark = {(face.width - mark) / 2, face.maxY() - Style::focusMarkHeight, mark,
         Style::focusMarkHeight};
