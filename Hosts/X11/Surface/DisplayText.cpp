@@ -20,9 +20,10 @@ bool isShownAsSpace(gunichar character)
 /// Bytes of the character at the start of the text; 0 when it is no UTF-8.
 std::size_t readCharacter(std::string_view text, gunichar& character)
 {
+    character = 0;
+    if (text[0] == '\0')
+        return 1; // which GLib takes for the end
     character = g_utf8_get_char_validated(text.data(), static_cast<gssize>(text.size()));
-    if (character == 0 && text[0] == '\0')
-        return 1; // GLib takes an embedded zero for the end
     if (character == static_cast<gunichar>(-1) || character == static_cast<gunichar>(-2))
         return 0;
     return static_cast<std::size_t>(g_utf8_skip[static_cast<unsigned char>(text[0])]);

@@ -1,0 +1,410 @@
+#include "Hosts/X11/Surface/CairoCanvas.h"
+
+#include <cmath>
+#include <functional>
+#include <optional>
+
+#include <gtest/gtest.h>
+
+#include "Hosts/X11/IconImage.h"
+#include "Hosts/X11/Monitors.h"
+#include "Hosts/X11/Surface/DamageRegion.h"
+#include "Hosts/X11/Surface/DisplayText.h"
+#include "Hosts/X11/Surface/MenuLayout.h"
+#include "Hosts/X11/Surface/PointerTracker.h"
+#include "Hosts/X11/Surface/Strut.h"
+#include "Hosts/X11/Surface/TextShaper.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+constexpr Color kWhite = Color::grey(1);
+constexpr double kScales[] = {1, 1.5, 2};
+
+/// A surface of points to draw on, and its pixels.
+class Paper {
+public:
+    Paper(double width, double height, double scale_)
+        : scale(scale_)
+        , surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32,
+              static_cast<int>(std::ceil(width * scale_)),
+              static_cast<int>(std::ceil(height * scale_))))
+        , canvas(surface.get(), scale_, shaper)
+    {
+    }
+
+    std::uint32_t pixel(int x, int y)
+    {
+        cairo_surface_flush(surface.get());
+        auto* row = cairo_image_surface_get_data(surface.get())
+            + y * cairo_image_surface_get_stride(surface.get());
+        return reinterpret_cast<std::uint32_t*>(row)[x];
+    }
+
+    /// The smallest box of pixels around everything that is not transparent.
+    Rect ink()
+    {
+        Rect box;
+        for (int y = 0; y < cairo_image_surface_get_height(surface.get()); ++y) {
+            for (int x = 0; x < cairo_image_surface_get_width(surface.get()); ++x) {
+                if (pixel(x, y) >> 24)
+                    box = box.united({double(x), double(y), 1, 1});
+            }
+        }
+        return box;
+    }
+
+    /// Whether every pixel is either empty or fully covered.
+    bool isSharp()
+    {
+        auto box = ink();
+        for (int y = int(box.y); y < int(box.maxY()); ++y) {
+            for (int x = int(box.x); x < int(box.maxX()); ++x) {
+                auto alpha = pixel(x, y) >> 24;
+                if (alpha != 0 && alpha != 255)
+                    return false;
+            }
+        }
+        return true;
+    }
+
+    TextShaper shaper;
+    double scale;
+    CairoSurface surface;
+    CairoCanvas canvas;
+};
+
+struct SquareIcon : IconImage {
+    cairo_surface_t* rendered(int pixels) const override
+    {
+        asked = pixels;
+        surface.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, pixels, pixels));
+        Cairo cairo{cairo_create(surface.get())};
+        cairo_paint(cairo.get());
+        return surface.get();
+    }
+    mutable int asked = 0;
+    mutable CairoSurface surface;
+};
+
+Rect inkOfText(std::string_view text, const TextStyle& style, Rect box, double scale = 1)
+{
+    Paper paper{300, 60, scale};
+    paper.canvas.drawText(text, box, style);
+    return paper.ink();
+}
+
+TextStyle whiteText(TextAlignment alignment = TextAlignment::leading)
+{
+    TextStyle style;
+    style.color = kWhite;
+    style.alignment = alignment;
+    return style;
+}
+
+}
+
+TEST(CairoCanvas, edgesLieOnPixelsAtEveryScaleAndHairlinesStay)
+{
+    for (double scale : kScales) {
+        Paper paper{40, 40, scale};
+        paper.canvas.translate(0.3, 0.7);
+        paper.canvas.fill({3.3, 2.1, 10.4, 5.2}, kWhite);
+        EXPECT_TRUE(paper.isSharp()) << scale;
+
+        Paper line{40, 40, scale};
+        line.canvas.fill({0, 7.4, 40, 0.2}, kWhite);
+        EXPECT_TRUE(line.isSharp());
+        EXPECT_EQ(line.ink().height, 1) << scale;
+
+        Paper neighbours{40, 40, scale}; // no gap and no overlap between what touches
+        neighbours.canvas.fill({0, 0, 10.3, 10}, kWhite.withAlpha(0.5));
+        neighbours.canvas.fill({10.3, 0, 9.7, 10}, kWhite.withAlpha(0.5));
+        for (int x = 0; x < int(20 * scale); ++x)
+            EXPECT_EQ(neighbours.pixel(x, 2) >> 24, neighbours.pixel(0, 2) >> 24) << x;
+    }
+}
+
+TEST(CairoCanvas, strokesLieInsideTheEdge)
+{
+    for (double scale : kScales) {
+        Paper paper{40, 40, scale};
+        paper.canvas.strokeRounded({4, 4, 20, 12}, 0, 1, kWhite);
+
+        EXPECT_EQ(paper.ink(), (Rect{4 * scale, 4 * scale, 20 * scale, 12 * scale}));
+        EXPECT_TRUE(paper.isSharp());
+        auto inside = static_cast<int>(std::round(4 * scale) + std::round(scale));
+        EXPECT_EQ(paper.pixel(inside, inside), 0u);
+        EXPECT_NE(paper.pixel(inside - 1, inside), 0u);
+    }
+}
+
+TEST(CairoCanvas, damageIsClearedAndNothingOutsideIsTouched)
+{
+    Paper paper{20, 20, 1};
+    paper.canvas.fill({0, 0, 20, 20}, kWhite);
+    paper.canvas.beginDamage({5, 5, 5, 5});
+    EXPECT_EQ(paper.pixel(5, 5), 0u);
+    paper.canvas.save(); // a view that forgets to restore
+    paper.canvas.clip({0, 0, 1, 1});
+    paper.canvas.beginOpacity(0.5);
+    paper.canvas.endDamage();
+
+    EXPECT_EQ(paper.pixel(4, 5), 0xffffffff);
+    paper.canvas.beginDamage({10, 10, 5, 5});
+    paper.canvas.beginOpacity(0.5);
+    paper.canvas.fill({0, 0, 20, 20}, kWhite);
+    paper.canvas.fill({0, 0, 20, 20}, kWhite); // one group: twice is no more than once
+    paper.canvas.endOpacity();
+    paper.canvas.endDamage();
+    EXPECT_NEAR(paper.pixel(12, 12) >> 24, 128, 1);
+    EXPECT_EQ(paper.pixel(15, 15), 0xffffffff);
+}
+
+TEST(CairoCanvas, iconsAreRenderedAtDevicePixels)
+{
+    for (double scale : kScales) {
+        Paper paper{40, 40, scale};
+        auto icon = std::make_shared<SquareIcon>();
+        paper.canvas.drawImage(icon, {3, 5, 17, 17});
+
+        EXPECT_EQ(icon->asked, std::lround(17 * scale));
+        EXPECT_TRUE(paper.isSharp()); // not resampled on the way
+        EXPECT_EQ(paper.ink().width, icon->asked);
+    }
+    Paper paper{10, 10, 1};
+    paper.canvas.drawImage(nullptr, {0, 0, 5, 5});
+    EXPECT_TRUE(paper.ink().isEmpty());
+}
+
+TEST(CairoCanvas, titlesShareABaselineWhateverTheirLetters)
+{
+    Rect box{0, 0, 200, 40};
+    auto plain = inkOfText("nnn", whiteText(), box);
+    auto deep = inkOfText("ngy", whiteText(), box);
+
+    EXPECT_EQ(plain.y, deep.y);
+    EXPECT_GT(deep.maxY(), plain.maxY());
+    EXPECT_NEAR(inkOfText("Mx", whiteText(), box).centre().y, 20, 2.5);
+    EXPECT_NEAR(inkOfText("nnn", whiteText(), box, 2).width, 2 * plain.width, 3);
+}
+
+TEST(CairoCanvas, textAlignsByItsOwnDirectionAndEndsInAnEllipsis)
+{
+    Rect box{20, 0, 200, 40};
+    EXPECT_NEAR(inkOfText("abc", whiteText(), box).x, 20, 2);
+    EXPECT_NEAR(inkOfText("abc", whiteText(TextAlignment::trailing), box).maxX(), 220, 2);
+    EXPECT_NEAR(inkOfText("abc", whiteText(TextAlignment::centre), box).centre().x, 120, 2);
+    EXPECT_NEAR(inkOfText("שלום", whiteText(), box).maxX(), 220, 2);
+    EXPECT_NEAR(inkOfText("שלום", whiteText(TextAlignment::trailing), box).x, 20, 2);
+
+    Rect narrow{20, 0, 60, 40};
+    std::string endless(1'000'000, 'w');
+    auto cut = inkOfText(endless, whiteText(), narrow);
+    EXPECT_LE(cut.maxX(), 81);
+    EXPECT_GE(cut.maxX(), 60);
+    auto whole = whiteText();
+    whole.elide = Elide::none;
+    EXPECT_LE(inkOfText(endless, whole, narrow).maxX(), 80); // clipped instead
+}
+
+TEST(PangoText, whatIsMeasuredFitsWithoutAnEllipsis)
+{
+    for (double scale : kScales) {
+        Paper paper{400, 40, scale};
+        PangoText text{paper.shaper, scale};
+        for (std::string_view title : {"Mail", "Terminal: ~/src", "fjord WAVE", "שלום עולם"}) {
+            auto style = whiteText();
+            auto size = text.measure(title, style);
+            auto exact = paper.shaper.shape(title, style, scale).width;
+            auto fitted = paper.shaper.shape(title, style, scale, size.width * scale);
+            EXPECT_EQ(fitted.width, exact) << title << " at " << scale;
+            EXPECT_GT(size.height, style.size);
+        }
+    }
+}
+
+TEST(DisplayText, anyBytesBecomeOneLineOfText)
+{
+    EXPECT_EQ(displayText("a\nb\tc\x7f", 100), "a b c ");
+    EXPECT_EQ(displayText("a\u2028b\u0085c", 100), "a b c");
+    EXPECT_EQ(displayText("x\xff\xc3y\xe2\x82", 100), "x\uFFFD\uFFFDy\uFFFD\uFFFD");
+    EXPECT_EQ(displayText(std::string_view{"a\0b", 3}, 100), "a b");
+    EXPECT_EQ(displayText("äöü", 3), "äöü");
+    EXPECT_EQ(displayText("äöüß", 3), "äöü…");
+    EXPECT_EQ(displayText("", 0), "");
+}
+
+TEST(DamageRegion, mergesWhatTouchesAndKeepsWhatIsApart)
+{
+    DamageRegion damage;
+    damage.add({0, 0, 10.2, 10});
+    damage.add({500, 0, 10, 10});
+    auto apart = damage.take();
+    ASSERT_EQ(apart.size(), 2u);
+    EXPECT_EQ(apart[0], (Rect{0, 0, 11, 10}));
+    EXPECT_TRUE(damage.isEmpty());
+
+    damage.add({0, 0, 10, 10});
+    damage.add({20, 0, 10, 10});
+    damage.add({5, 0, 20, 10}); // joins the two others
+    EXPECT_EQ(damage.take(), std::vector{(Rect{0, 0, 30, 10})});
+
+    for (int i = 0; i < 1000; ++i)
+        damage.add({i * 100.0, (i % 7) * 100.0, 1, 1});
+    EXPECT_LE(damage.take().size(), 16u);
+}
+
+TEST(Strut, countsFromTheScreensEdgeAndSparesMonitorsBelow)
+{
+    Monitor left{DisplayNumber{1}, "left", {0, 0, 1000, 800}};
+    Monitor right{DisplayNumber{2}, "right", {1000, 0, 1200, 1000}};
+    Size screen{2200, 1000};
+    auto strut = Strut::atBottomOf(left.pixels, 40, {left, right}, screen);
+    EXPECT_EQ(strut, (Strut{240, 0, 999})); // with the 200 rows that the monitor does not reach
+    EXPECT_EQ(Strut::atBottomOf(right.pixels, 40, {left, right}, screen), (Strut{40, 1000, 2199}));
+
+    Monitor below{DisplayNumber{3}, "below", {300, 800, 500, 200}};
+    EXPECT_EQ(Strut::atBottomOf(left.pixels, 40, {left, right, below}, screen), Strut{});
+    EXPECT_EQ(Strut::atBottomOf(left.pixels, 0, {left}, screen), Strut{});
+}
+
+namespace {
+
+class PlainText : public Text {
+public:
+    Size measure(std::string_view text, const TextStyle&) const override
+    {
+        return {text.size() * 10.0, 16};
+    }
+};
+
+}
+
+TEST(MenuLayout, keysWalkOverWhatCannotBeChosen)
+{
+    Menu menu{{"Off", false, {}}, {"Restore", true, {}}, {"", true, {}}, {"Close", true, {}}};
+    MenuLayout layout{menu, PlainText{}, MenuStyle{}};
+
+    EXPECT_EQ(layout.rowBeside(std::nullopt, 1), 1u);
+    EXPECT_EQ(layout.rowBeside(1, 1), 3u);
+    EXPECT_EQ(layout.rowBeside(3, 1), 1u);
+    EXPECT_EQ(layout.rowBeside(1, -1), 3u);
+    EXPECT_EQ(layout.rowAt(layout.rows()[3].centre()), 3u);
+    EXPECT_EQ(layout.rowAt(layout.rows()[0].centre()), std::nullopt);
+    EXPECT_EQ(layout.rowAt(layout.rows()[2].centre()), std::nullopt);
+    EXPECT_EQ((MenuLayout{{{"Off", false, {}}}, PlainText{}, MenuStyle{}}.rowBeside({}, 1)),
+        std::nullopt);
+}
+
+TEST(MenuLayout, menusStayOnTheirMonitor)
+{
+    Rect monitor{100, 50, 1000, 700};
+    Rect atBottom{200, 710, 160, 40};
+    EXPECT_EQ(placeMenu({150, 300}, atBottom, monitor, false), (Rect{200, 410, 150, 300}));
+    EXPECT_EQ(placeMenu({150, 300}, atBottom, monitor, true).maxX(), atBottom.maxX());
+    EXPECT_EQ(placeMenu({150, 300}, {1050, 710, 50, 40}, monitor, false).maxX(), 1100);
+    EXPECT_EQ(placeMenu({150, 300}, {200, 50, 160, 40}, monitor, false).y, 90); // a bar on top
+    EXPECT_EQ(placeMenu({150, 900}, atBottom, monitor, false).y, 50);
+}
+
+namespace {
+
+struct Listener : SurfaceClient {
+    void paint(Canvas&, const Rect&) override { }
+    void pointerEvent(const PointerEvent& event) override { heard.push_back(event); }
+    void scrollEvent(const ScrollEvent& event) override { scrolled += event.deltaY; }
+    void surfaceDidResize(Size) override { }
+
+    std::vector<PointerAction> actions()
+    {
+        std::vector<PointerAction> result;
+        for (auto& event : std::exchange(heard, {}))
+            result.push_back(event.action);
+        return result;
+    }
+
+    std::vector<PointerEvent> heard;
+    double scrolled = 0;
+};
+
+class PointerTrackerTest : public testing::Test {
+protected:
+    using Action = PointerAction;
+
+    PointerTrackerTest()
+    {
+        tracker.setScale(2);
+        tracker.setClient(&client);
+    }
+    void crossing(std::uint8_t type, std::uint8_t mode, std::uint8_t detail = 0)
+    {
+        xcb_enter_notify_event_t event{};
+        event.response_type = type;
+        event.mode = mode;
+        event.detail = detail;
+        tracker.handle(reinterpret_cast<xcb_generic_event_t*>(&event));
+    }
+    void input(std::uint8_t type, int button, std::int16_t x = 10)
+    {
+        xcb_button_press_event_t event{};
+        event.response_type = type;
+        event.detail = static_cast<xcb_button_t>(button);
+        event.event_x = x;
+        tracker.handle(reinterpret_cast<xcb_generic_event_t*>(&event));
+    }
+
+    Listener client;
+    PointerTracker tracker;
+};
+
+}
+
+TEST_F(PointerTrackerTest, motionIsDeliveredOncePerTurnAndBeforeAPress)
+{
+    crossing(XCB_ENTER_NOTIFY, XCB_NOTIFY_MODE_NORMAL);
+    for (std::int16_t x = 0; x < 100; ++x)
+        input(XCB_MOTION_NOTIFY, 0, x);
+    tracker.endTurn();
+    ASSERT_EQ(client.heard.size(), 2u);
+    EXPECT_EQ(client.heard.back().location.x, 49.5);
+
+    client.heard.clear();
+    input(XCB_MOTION_NOTIFY, 0, 40);
+    input(XCB_BUTTON_PRESS, 3, 40);
+    input(XCB_BUTTON_RELEASE, 3, 40);
+    EXPECT_EQ(client.actions(), (std::vector{Action::moved, Action::pressed, Action::released}));
+    input(XCB_BUTTON_PRESS, 4);
+    input(XCB_BUTTON_PRESS, 5);
+    input(XCB_BUTTON_PRESS, 4);
+    EXPECT_EQ(client.scrolled, 1);
+    EXPECT_TRUE(client.heard.empty());
+}
+
+TEST_F(PointerTrackerTest, grabsAndInferiorsDoNotMakeThePointerLeave)
+{
+    crossing(XCB_ENTER_NOTIFY, XCB_NOTIFY_MODE_NORMAL);
+    crossing(XCB_LEAVE_NOTIFY, XCB_NOTIFY_MODE_GRAB);
+    crossing(XCB_ENTER_NOTIFY, XCB_NOTIFY_MODE_UNGRAB);
+    crossing(XCB_LEAVE_NOTIFY, XCB_NOTIFY_MODE_NORMAL, XCB_NOTIFY_DETAIL_INFERIOR);
+    EXPECT_EQ(client.actions(), std::vector{Action::entered});
+
+    crossing(XCB_LEAVE_NOTIFY, XCB_NOTIFY_MODE_UNGRAB);
+    EXPECT_EQ(client.actions(), std::vector{Action::exited});
+}
+
+TEST_F(PointerTrackerTest, aPressThatLosesItsViewIsCancelled)
+{
+    input(XCB_BUTTON_PRESS, 1);
+    client.heard.clear();
+    Listener next;
+    tracker.setClient(&next);
+
+    EXPECT_EQ(client.actions(), (std::vector{Action::cancelled, Action::exited}));
+    EXPECT_EQ(next.actions(), std::vector{Action::entered});
+    input(XCB_BUTTON_RELEASE, 1);
+    EXPECT_TRUE(next.heard.empty()); // the press was not its own
+}
+
+}

@@ -1,0 +1,222 @@
+#include "Hosts/Posix/ControlSocket.h"
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+#include <glib.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+
+#include "Hosts/Posix/ControlClient.h"
+#include "Hosts/Posix/ControlMessage.h"
+#include "Hosts/Posix/LocalSocket.h"
+#include "Hosts/X11/FdSource.h"
+
+namespace quorvel::posix {
+
+namespace {
+
+using namespace std::chrono_literals;
+namespace fs = std::filesystem;
+
+class ControlChannelTest : public testing::Test {
+protected:
+    ControlChannelTest()
+    {
+        std::string name = fs::temp_directory_path() / "quorvel-test-XXXXXX";
+        root = mkdtemp(name.data());
+    }
+    ~ControlChannelTest() override { fs::remove_all(root); }
+
+    ControlAddress address(std::string_view display = ":7")
+    {
+        auto found = ControlAddress::forDisplay(display, root.c_str(), "/nowhere", problem);
+        EXPECT_TRUE(found) << problem;
+        return found.value_or(ControlAddress{});
+    }
+
+    std::unique_ptr<ControlSocket> startBar()
+    {
+        auto lock = ControlLock::tryAcquire(address(), problem);
+        EXPECT_TRUE(lock) << problem;
+        return lock ? ControlSocket::open(address(), std::move(*lock), x11::watchFd, problem)
+                    : nullptr;
+    }
+
+    /// Runs the bar's loop while another thread is the second invocation.
+    std::optional<ControlReply> ask(std::vector<std::string> arguments)
+    {
+        std::optional<ControlReply> reply;
+        std::atomic<bool> isDone = false;
+        std::thread client{[&] {
+            reply = requestOfBar(address(), arguments, 10s);
+            isDone = true;
+            g_main_context_wakeup(nullptr);
+        }};
+        while (!isDone)
+            g_main_context_iteration(nullptr, true);
+        client.join();
+        return reply;
+    }
+
+    UniqueFd connectAsClient()
+    {
+        auto fd = makeLocalSocket();
+        auto name = socketName(address().socketPath);
+        EXPECT_EQ(connect(fd.get(), reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
+        while (g_main_context_iteration(nullptr, false)) { } // the bar takes it in
+        return fd;
+    }
+
+    std::string root;
+    std::string problem;
+};
+
+}
+
+TEST(ControlAddressTest, oneDisplayHasOneNameAndNoNameLeadsElsewhere)
+{
+    EXPECT_EQ(displayFileName(":7"), "X7");
+    EXPECT_EQ(displayFileName(":7.0"), "X7");
+    EXPECT_EQ(displayFileName("unix:7"), "X7");
+    EXPECT_EQ(displayFileName("unix/:7.0"), "X7");
+
+    EXPECT_NE(displayFileName(":7.1"), "X7"); // another screen has a bar of its own
+    EXPECT_NE(displayFileName(":70"), "X7");
+    EXPECT_NE(displayFileName("host:7"), "X7");
+    EXPECT_EQ(displayFileName("../../x:0").find('/'), std::string::npos);
+}
+
+TEST_F(ControlChannelTest, onlyAPrivateFolderOfOurOwnIsTrusted)
+{
+    auto inRuntime = address();
+    EXPECT_EQ(inRuntime.socketPath, root + "/quorvel/X7.socket");
+    struct stat about { };
+    ASSERT_EQ(stat((root + "/quorvel").c_str(), &about), 0);
+    EXPECT_EQ(about.st_mode & 0777, 0700u);
+
+    auto fallback = root + "/quorvel-" + std::to_string(geteuid());
+    auto isTrusted = [&](const char* runtime) {
+        return ControlAddress::forDisplay(":7", runtime, root, problem).has_value();
+    };
+    EXPECT_TRUE(isTrusted(nullptr));
+    EXPECT_TRUE(fs::is_directory(fallback));
+    EXPECT_TRUE(isTrusted("relative")); // no runtime folder that can be used: the same one
+    fs::permissions(fallback, fs::perms::others_exec, fs::perm_options::add);
+    EXPECT_FALSE(isTrusted(nullptr));
+
+    // A link that somebody put there leads into a folder of his choice.
+    fs::remove(fallback);
+    fs::create_directory_symlink(root + "/quorvel", fallback);
+    EXPECT_FALSE(isTrusted(nullptr));
+    EXPECT_NE(problem, "");
+}
+
+TEST_F(ControlChannelTest, oneProcessOwnsTheBarUntilItGoes)
+{
+    auto first = ControlLock::tryAcquire(address(":7.0"), problem);
+    ASSERT_TRUE(first);
+    EXPECT_FALSE(ControlLock::tryAcquire(address("unix:7"), problem));
+    EXPECT_EQ(problem, ""); // held by another is no failure
+    EXPECT_EQ(ControlLock::owner(address()), getpid());
+    EXPECT_TRUE(ControlLock::tryAcquire(address(":8"), problem));
+    EXPECT_FALSE(ControlLock::acquireWithin(address(), 20ms, problem));
+
+    std::thread leaving{[&] {
+        std::this_thread::sleep_for(10ms);
+        first.reset();
+    }};
+    EXPECT_TRUE(ControlLock::acquireWithin(address(), 10s, problem));
+    leaving.join();
+}
+
+TEST_F(ControlChannelTest, requestsReachTheHandlerAndItsReplyComesBackWhole)
+{
+    EXPECT_FALSE(requestOfBar(address(), {"--state"}, 1s)); // no bar
+    auto bar = startBar();
+    ASSERT_TRUE(bar);
+    EXPECT_EQ(ask({"--state"})->exitStatus, 1); // not ready to answer yet
+
+    std::vector<std::string> heard;
+    std::string large(3'000'000, 'x'); // more than a socket takes at once
+    bar->setHandler([&](auto& arguments) {
+        heard = arguments;
+        return ControlReply{3, large, "problem\n"};
+    });
+    auto reply = ask({"--set", "", "name=ü b"});
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(heard, (std::vector<std::string>{"--set", "", "name=ü b"}));
+    EXPECT_EQ(reply->exitStatus, 3);
+    EXPECT_EQ(reply->output, large);
+    EXPECT_EQ(reply->error, "problem\n");
+}
+
+TEST_F(ControlChannelTest, silentAndBrokenClientsDisturbNobody)
+{
+    auto bar = startBar();
+    ASSERT_TRUE(bar);
+    int requests = 0;
+    bar->setHandler([&](auto&) {
+        ++requests;
+        return ControlReply{};
+    });
+    std::vector<UniqueFd> clients;
+    for (int i = 0; i < 40; ++i)
+        clients.push_back(connectAsClient()); // says nothing
+    for (std::string_view bytes : {"", "\1",
+             "\xff\xff\xff\xff"
+             "much",
+             "\2\0\0\0ab"}) {
+        clients.push_back(connectAsClient());
+        send(clients.back().get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (bytes.empty())
+            clients.pop_back(); // goes at once
+    }
+
+    ASSERT_TRUE(ask({"--state"}));
+    EXPECT_EQ(requests, 1);
+}
+
+TEST_F(ControlChannelTest, theSocketOfACrashedBarIsReplaced)
+{
+    auto dead = startBar();
+    auto kept = root + "/kept";
+    fs::create_hard_link(address().socketPath, kept);
+    dead.reset();
+    fs::rename(kept, address().socketPath); // as a crash leaves it: there, and nobody listens
+    EXPECT_FALSE(requestOfBar(address(), {"--state"}, 1s));
+
+    auto bar = startBar();
+    ASSERT_TRUE(bar) << problem;
+    bar->setHandler([](auto&) { return ControlReply{5, "", ""}; });
+    EXPECT_EQ(ask({"--state"})->exitStatus, 5);
+    bar.reset();
+    EXPECT_FALSE(fs::exists(address().socketPath));
+}
+
+TEST(ControlMessageTest, piecesOfAnySizeMakeOneMessageAndNonsenseIsRefused)
+{
+    auto bytes = encodeReply({7, "out", "err"});
+    for (std::size_t step = 1; step <= bytes.size(); ++step) {
+        MessageReader reader{100};
+        auto state = MessageReader::State::incomplete;
+        for (std::size_t at = 0; at < bytes.size(); at += step) {
+            EXPECT_EQ(state, MessageReader::State::incomplete);
+            state = reader.add(std::string_view{bytes}.substr(at, step));
+        }
+        ASSERT_EQ(state, MessageReader::State::complete);
+        EXPECT_EQ(decodeReply(reader.message())->error, "err");
+    }
+
+    EXPECT_EQ(MessageReader{10}.add(bytes), MessageReader::State::malformed); // too long
+    EXPECT_EQ(MessageReader{100}.add(bytes + "x"), MessageReader::State::malformed);
+    EXPECT_FALSE(decodeReply("abc"));
+    EXPECT_FALSE(decodeReply(std::string_view{"\0\0\0\0\xff\0\0\0", 8})); // more than there is
+    EXPECT_FALSE(decodeRequest("no end"));
+    EXPECT_EQ(decodeRequest("")->size(), 0u);
+}
+
+}
