@@ -204,10 +204,7 @@ void DisplayWindow::updateStacking()
     if (!m_window || isCovered == m_isLowered)
         return;
     m_isLowered = isCovered;
-    if (isCovered)
-        m_window->lower();
-    else
-        m_window->raise();
+    m_window->setLowered(isCovered);
 }
 
 void DisplayWindow::invalidate(const X11Panel& panel, const Rect& points)

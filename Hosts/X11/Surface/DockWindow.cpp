@@ -15,6 +15,9 @@ namespace {
 
 constexpr std::string_view kClass{"quorvel\0Quorvel", 16};
 constexpr std::uint32_t kAllDesktops = 0xFFFFFFFF;
+constexpr std::uint32_t kRemoveState = 0;
+constexpr std::uint32_t kAddState = 1;
+constexpr std::uint32_t kFromApplication = 1;
 /// A manager that insists on another place gets its way in the end.
 constexpr int kMostCorrections = 8;
 constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY
@@ -187,11 +190,26 @@ void DockWindow::unmap()
         reinterpret_cast<const char*>(&event));
 }
 
-void DockWindow::restack(xcb_stack_mode_t mode)
+/// A dock has a layer of its own, within which lowering alone changes little: the state takes it
+/// out.
+void DockWindow::setLowered(bool isLowered)
 {
+    auto* raw = m_connection.raw();
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = m_window;
+    message.type = m_connection.atoms().netWmState;
+    message.data.data32[0] = isLowered ? kAddState : kRemoveState;
+    message.data.data32[1] = m_connection.atoms().netWmStateBelow;
+    message.data.data32[3] = kFromApplication;
+    xcb_send_event(raw, false, m_connection.root(),
+        XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+        reinterpret_cast<const char*>(&message));
+
     xcb_configure_window_value_list_t values{};
-    values.stack_mode = mode;
-    xcb_configure_window_aux(m_connection.raw(), m_window, XCB_CONFIG_WINDOW_STACK_MODE, &values);
+    values.stack_mode = isLowered ? XCB_STACK_MODE_BELOW : XCB_STACK_MODE_ABOVE;
+    xcb_configure_window_aux(raw, m_window, XCB_CONFIG_WINDOW_STACK_MODE, &values);
 }
 
 void DockWindow::handle(const xcb_generic_event_t* event)

@@ -27,8 +27,8 @@ public:
     void setBlursBehind(bool);
     void map();
     void unmap();
-    void raise() { restack(XCB_STACK_MODE_ABOVE); }
-    void lower() { restack(XCB_STACK_MODE_BELOW); }
+    /// Under all windows of its monitor, or back above them.
+    void setLowered(bool);
 
     /// For an event of this window: window managers may put it somewhere else at any time.
     void handle(const xcb_generic_event_t*);
@@ -40,7 +40,6 @@ private:
     void describe();
     void setSizeHints();
     void configure();
-    void restack(xcb_stack_mode_t);
     void setAtoms(xcb_atom_t property, std::initializer_list<xcb_atom_t>);
     void setCardinals(xcb_atom_t property, const std::uint32_t* values, std::uint32_t count);
     void setText(xcb_atom_t property, xcb_atom_t type, std::string_view);
