@@ -93,6 +93,7 @@ BackBuffer::~BackBuffer()
 void BackBuffer::resize(int width, int height)
 {
     m_surface.reset();
+    m_shared.reset();
     m_rows = {};
     if (width <= 0 || height <= 0)
         return;
@@ -100,6 +101,8 @@ void BackBuffer::resize(int width, int height)
     CairoSurface surface{cairo_image_surface_create(format, width, height)};
     if (cairo_surface_status(surface.get()) == CAIRO_STATUS_SUCCESS)
         m_surface = std::move(surface);
+    if (m_surface && m_isNativeFormat)
+        m_shared = SharedPixels::create(m_connection, width, height);
 }
 
 void BackBuffer::copyTo(xcb_window_t window, const Rect& pixels)
@@ -115,19 +118,44 @@ void BackBuffer::copyTo(xcb_window_t window, const Rect& pixels)
     int y = static_cast<int>(part.y);
     int width = static_cast<int>(part.width);
     int height = static_cast<int>(part.height);
-    if (m_isNativeFormat)
+    if (m_shared)
+        share(window, x, y, width, height);
+    else if (m_isNativeFormat)
         put(window, x, y, width, height);
     else
         draw(window, x, y, width, height);
 }
 
+xcb_gcontext_t BackBuffer::graphicsContext(xcb_window_t window)
+{
+    if (!m_context) {
+        m_context = xcb_generate_id(m_connection.raw());
+        xcb_create_gc(m_connection.raw(), m_context, window, 0, nullptr);
+    }
+    return m_context;
+}
+
+void BackBuffer::share(xcb_window_t window, int x, int y, int width, int height)
+{
+    cairo_surface_flush(m_surface.get());
+    auto stride = cairo_image_surface_get_stride(m_surface.get());
+    auto* pixels = cairo_image_surface_get_data(m_surface.get());
+    for (int row = y; row < y + height; ++row)
+        std::memcpy(m_shared->row(row) + x * 4, pixels + row * stride + x * 4,
+            static_cast<std::size_t>(width) * 4);
+    xcb_shm_put_image(m_connection.raw(), window, graphicsContext(window),
+        static_cast<std::uint16_t>(m_shared->width()),
+        static_cast<std::uint16_t>(m_shared->height()), static_cast<std::uint16_t>(x),
+        static_cast<std::uint16_t>(y), static_cast<std::uint16_t>(width),
+        static_cast<std::uint16_t>(height), static_cast<std::int16_t>(x),
+        static_cast<std::int16_t>(y), m_visual.depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 0,
+        m_shared->segment(), 0);
+}
+
 void BackBuffer::put(xcb_window_t window, int x, int y, int width, int height)
 {
     auto* raw = m_connection.raw();
-    if (!m_context) {
-        m_context = xcb_generate_id(raw);
-        xcb_create_gc(raw, m_context, window, 0, nullptr);
-    }
+    auto context = graphicsContext(window);
     cairo_surface_flush(m_surface.get());
     auto stride = static_cast<std::size_t>(cairo_image_surface_get_stride(m_surface.get()));
     auto* pixels = cairo_image_surface_get_data(m_surface.get());
@@ -142,7 +170,7 @@ void BackBuffer::put(xcb_window_t window, int x, int y, int width, int height)
         for (int row = 0; row < rows; ++row)
             std::memcpy(m_rows.data() + rowBytes * static_cast<std::size_t>(row),
                 pixels + stride * static_cast<std::size_t>(y + from + row) + x * 4, rowBytes);
-        xcb_put_image(raw, XCB_IMAGE_FORMAT_Z_PIXMAP, window, m_context,
+        xcb_put_image(raw, XCB_IMAGE_FORMAT_Z_PIXMAP, window, context,
             static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(rows),
             static_cast<std::int16_t>(x), static_cast<std::int16_t>(y + from), 0, m_visual.depth,
             static_cast<std::uint32_t>(m_rows.size()), m_rows.data());

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include <xcb/xcb.h>
 
 #include "Hosts/X11/Surface/CairoHandles.h"
+#include "Hosts/X11/Surface/SharedPixels.h"
 #include "Quorvel/Platform/Geometry.h"
 
 namespace quorvel::x11 {
@@ -23,8 +25,9 @@ struct WindowVisual {
     static WindowVisual withAlpha(Connection&);
 };
 
-/// What a window shows, kept on this side: a part of it is painted, then sent at once. The server
-/// has it whole or not at all, so nothing flickers, and exposed parts need no painting.
+/// What a window shows, kept on this side: a part of it is painted, then sent at once, so nothing
+/// flickers, and exposed parts need no painting. The server reads shared memory whenever it gets to
+/// it, so only finished pictures are copied there.
 class BackBuffer {
 public:
     BackBuffer(Connection&, const WindowVisual&);
@@ -38,14 +41,17 @@ public:
     void copyTo(xcb_window_t, const Rect& pixels);
 
 private:
+    void share(xcb_window_t, int x, int y, int width, int height);
     void put(xcb_window_t, int x, int y, int width, int height);
     void draw(xcb_window_t, int x, int y, int width, int height);
+    xcb_gcontext_t graphicsContext(xcb_window_t);
 
     Connection& m_connection;
     WindowVisual m_visual;
     bool m_isNativeFormat;
     xcb_gcontext_t m_context = 0;
     CairoSurface m_surface;
+    std::unique_ptr<SharedPixels> m_shared; ///< null: pixels are sent
     std::vector<std::uint8_t> m_rows; ///< the rows of a part, one after the other
 };
 

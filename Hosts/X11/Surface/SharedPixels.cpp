@@ -1,0 +1,62 @@
+#include "Hosts/X11/Surface/SharedPixels.h"
+
+#include <cstdlib>
+
+#include <sys/ipc.h>
+#include <sys/shm.h>
+
+#include "Hosts/X11/Connection.h"
+
+namespace quorvel::x11 {
+
+std::unique_ptr<SharedPixels> SharedPixels::create(Connection& connection, int width, int height)
+{
+    auto* extension = xcb_get_extension_data(connection.raw(), &xcb_shm_id);
+    if (!extension || !extension->present)
+        return nullptr;
+    auto size = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4;
+    int memory = shmget(IPC_PRIVATE, size, IPC_CREAT | 0600);
+    if (memory < 0)
+        return nullptr;
+
+    std::unique_ptr<SharedPixels> pixels;
+    if (auto* data = shmat(memory, nullptr, 0); data != reinterpret_cast<void*>(-1)) {
+        pixels.reset(new SharedPixels{connection, width, height, static_cast<std::uint8_t*>(data)});
+        if (!pixels->attach(memory))
+            pixels.reset();
+    }
+    // Marked now, it goes with the last of us two, even if this program is killed.
+    shmctl(memory, IPC_RMID, nullptr);
+    return pixels;
+}
+
+SharedPixels::SharedPixels(Connection& connection, int width, int height, std::uint8_t* data)
+    : m_connection(connection)
+    , m_width(width)
+    , m_height(height)
+    , m_data(data)
+{
+}
+
+SharedPixels::~SharedPixels()
+{
+    if (m_segment)
+        xcb_shm_detach(m_connection.raw(), m_segment);
+    shmdt(m_data);
+}
+
+/// A server on the other end of a network has the extension too, but not our memory.
+bool SharedPixels::attach(int memory)
+{
+    auto segment = xcb_generate_id(m_connection.raw());
+    auto* error = xcb_request_check(m_connection.raw(),
+        xcb_shm_attach_checked(
+            m_connection.raw(), segment, static_cast<std::uint32_t>(memory), true));
+    bool isAttached = !error && !xcb_connection_has_error(m_connection.raw());
+    std::free(error);
+    if (isAttached)
+        m_segment = segment;
+    return isAttached;
+}
+
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include <xcb/shm.h>
+
+namespace quorvel::x11 {
+
+class Connection;
+
+/// Rows of 32-bit pixels in memory that the X server sees as well: a whole bar gets there in a
+/// hundredth of the time that sending it takes.
+class SharedPixels {
+public:
+    /// Null where the server is another machine's or does not share memory.
+    static std::unique_ptr<SharedPixels> create(Connection&, int width, int height);
+    ~SharedPixels();
+    SharedPixels(const SharedPixels&) = delete;
+    SharedPixels& operator=(const SharedPixels&) = delete;
+
+    std::uint8_t* row(int y) const { return m_data + static_cast<std::ptrdiff_t>(y) * m_width * 4; }
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+    xcb_shm_seg_t segment() const { return m_segment; }
+
+private:
+    SharedPixels(Connection&, int width, int height, std::uint8_t* data);
+    bool attach(int memory);
+
+    Connection& m_connection;
+    const int m_width;
+    const int m_height;
+    std::uint8_t* const m_data;
+    xcb_shm_seg_t m_segment = 0; ///< 0: the server does not have it
+};
+
+}
