@@ -141,6 +141,9 @@ void QuorvelApp::wireObserverManager(Runtime& runtime)
     manager.onObserverAdded = [&runtime](ProcessID pid) {
         runtime.windowStore().handleObserverAttached(pid);
         runtime.windowStore().addWindowsForPID(pid);
+        // It may have come to the front before it could be asked for its focus.
+        if (runtime.m_platform.workspace.frontmostApplication() == pid)
+            runtime.windowStore().handleAppActivated(pid);
         runtime.m_refreshAfterAttach[pid]
             = runtime.m_platform.dispatch.main().after(kRefreshAfterAttach, [&runtime, pid] {
                   runtime.axManager().refreshWindows({pid});

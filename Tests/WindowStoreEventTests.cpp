@@ -217,13 +217,17 @@ TEST_F(WindowStoreEvents, aMovedWindowHasItsNewFrameAndAnUnreadableOneKeepsItsOl
     store.handleAXEvent(event(inbox, ax::windowResized));
     EXPECT_EQ(store.window(inbox)->frame, (Rect{50, 60, 640, 480}));
     EXPECT_EQ(changes, 2);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0U) << "it stayed on its screen";
 
     desktop.move(inbox, {0, 0});
     desktop.window(inbox).faults.wrongAttributes["AXSize"] = Point{1, 1};
     store.handleAXEvent(event(inbox, ax::windowMoved));
     EXPECT_EQ(store.window(inbox)->frame, (Rect{50, 60, 640, 480}));
     EXPECT_EQ(changes, 2);
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "it stayed on its screen";
+
+    desktop.window(inbox).faults = {};
+    desktop.advance(seconds(0.3));
+    EXPECT_EQ(store.window(inbox)->frame, (Rect{0, 0, 640, 480})) << "looked at again";
 }
 
 TEST_F(WindowStoreEvents, aWindowThatCrossesToAnotherScreenHasItsSpacesReadAgainOnceItRests)

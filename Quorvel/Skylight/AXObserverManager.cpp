@@ -211,10 +211,16 @@ void AXObserverManager::refreshWindowObservations(ProcessID pid)
 
 void AXObserverManager::observeWindow(PIDState& state, WindowID id, const AXElement& window)
 {
-    if (!state.observedWindows.try_emplace(id, window).second)
+    if (state.observedWindows.contains(id))
         return;
-    for (auto notification : windowNotifications)
-        state.observer->addNotification(window, notification);
+    bool isHeard = false;
+    for (auto notification : windowNotifications) {
+        auto result = state.observer->addNotification(window, notification);
+        isHeard |= result == AXError::success || result == AXError::notificationAlreadyRegistered;
+    }
+    // A window that could not be listened to at all is tried again with the next refresh.
+    if (isHeard)
+        state.observedWindows.emplace(id, window);
 }
 
 void AXObserverManager::removeObserver(ProcessID pid)

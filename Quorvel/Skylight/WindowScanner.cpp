@@ -136,6 +136,9 @@ bool WindowScanner::admit(const CGWindowInfo& window, const AXWindowMetadataByID
     candidate.isAXConfirmed = admission.isConfirmed;
     if (isKnown)
         candidate.isMinimized = metadata->second.isMinimized;
+    // The lists of the spaces leave minimised windows out.
+    if (candidate.spaces.empty() && candidate.isMinimized.value_or(false))
+        candidate.spaces = querySpaces(id, mainConnection());
     return result.candidates.emplace(id, std::move(candidate)).second;
 }
 

@@ -11,6 +11,8 @@ namespace quorvel {
 void WindowStore::handleAXEvent(const AXWindowEvent& event)
 {
     ++m_debugEventSequence;
+    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    m_scanner.calls().setMessagingTimeout(event.element);
     auto& name = event.notification;
     if (name == ax::windowCreated)
         handleWindowCreated(event);
@@ -36,8 +38,6 @@ std::optional<WindowID> WindowStore::resolveWindowID(const AXWindowEvent& event)
 
 void WindowStore::handleWindowCreated(const AXWindowEvent& event)
 {
-    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
-    m_scanner.calls().setMessagingTimeout(event.element);
     auto metadata = m_scanner.readMetadata(event.pid, event.element);
     if (auto id = resolveWindowID(event))
         admitCreatedWindow(event, *id, metadata);
@@ -68,6 +68,8 @@ void WindowStore::admitCreatedWindow(
         .isAXConfirmed = true,
         .isMinimized = metadata.isMinimized,
     };
+    if (candidate.spaces.empty() && candidate.isMinimized.value_or(false))
+        candidate.spaces = m_scanner.querySpaces(id, m_scanner.mainConnection());
     if (auto* window = tracked(id)) {
         m_reconcileStateByWindowID.insert_or_assign(id, Active{});
         if (updateTracked(*window, candidate))
@@ -94,7 +96,12 @@ void WindowStore::handleTitleChanged(const AXWindowEvent& event)
         return;
     }
     auto title = m_scanner.readTitle(event.pid, event.element);
-    if (!title || *title == window->windowTitle)
+    if (!title) {
+        // Too busy to say; its next title may be long in coming.
+        scheduleDeferredScan(event.pid);
+        return;
+    }
+    if (*title == window->windowTitle)
         return;
     window->windowTitle = std::move(*title);
     notifyChange();
@@ -109,8 +116,10 @@ void WindowStore::handleFrameChanged(const AXWindowEvent& event)
         return;
     }
     auto frame = m_scanner.readFrame(event.pid, event.element);
-    if (!frame)
+    if (!frame) {
+        scheduleDeferredScan(event.pid);
         return;
+    }
     auto before = window->frame;
     if (*frame != before) {
         window->frame = *frame;
@@ -158,6 +167,9 @@ void WindowStore::handleFocusedWindowChanged(const AXWindowEvent& event)
         m_trace.line(
             "focusedChanged direct pid={} windowID={}", raw(event.pid), raw(*event.windowID));
         setFocusedWindow(*event.windowID);
+        // A window that has the focus and no chip may have been missed.
+        if (!tracked(event.windowID))
+            scheduleDeferredScan(event.pid);
         return;
     }
     auto& calls = m_scanner.calls();
