@@ -162,7 +162,8 @@ void DisplayWindow::placeWindow(const Rect& pixels)
         m_visual = m_canBlur ? WindowVisual::withAlpha(m_context.connection)
                              : WindowVisual::ofRoot(m_context.connection);
         m_buffer = std::make_unique<BackBuffer>(m_context.connection, m_visual);
-        m_window = std::make_unique<DockWindow>(m_context.connection, m_visual, pixels);
+        m_window = std::make_unique<DockWindow>(
+            m_context.connection, m_context.dispatch, m_visual, pixels);
     } else if (pixels == m_window->frame() && !m_buffer->isEmpty()) {
         return;
     }

@@ -20,6 +20,8 @@ constexpr std::uint32_t kAddState = 1;
 constexpr std::uint32_t kFromApplication = 1;
 /// A manager that insists on another place gets its way in the end.
 constexpr int kMostCorrections = 8;
+constexpr auto kFirstPatience = seconds(0.5);
+constexpr auto kLongestPatience = seconds(60);
 constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY
     | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_POINTER_MOTION
     | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
@@ -33,8 +35,10 @@ std::string hostName()
 
 }
 
-DockWindow::DockWindow(Connection& connection, const WindowVisual& visual, const Rect& frame)
+DockWindow::DockWindow(
+    Connection& connection, Dispatch& dispatch, const WindowVisual& visual, const Rect& frame)
     : m_connection(connection)
+    , m_dispatch(dispatch)
     , m_window(xcb_generate_id(connection.raw()))
     , m_colormap(visual.colormap)
     , m_frame(frame)
@@ -172,13 +176,24 @@ void DockWindow::map()
     if (std::exchange(m_isMapped, true))
         return;
     m_corrections = 0;
+    requestMap(kFirstPatience);
+}
+
+/// openbox loses the requests that come while it starts, so they are made again, less and less
+/// often, until one is heard.
+void DockWindow::requestMap(Duration patience)
+{
     xcb_map_window(m_connection.raw(), m_window);
+    if (patience > kLongestPatience)
+        return;
+    m_mapAgain = m_dispatch.main().after(patience, [this, patience] { requestMap(2 * patience); });
 }
 
 void DockWindow::unmap()
 {
     if (!std::exchange(m_isMapped, false))
         return;
+    m_mapAgain.cancel();
     xcb_unmap_window(m_connection.raw(), m_window);
     // A window manager hears of a withdrawal only this way.
     xcb_unmap_notify_event_t event{};
@@ -216,6 +231,8 @@ void DockWindow::handle(const xcb_generic_event_t* event)
 {
     switch (event->response_type & 0x7f) {
     case XCB_MAP_NOTIFY:
+        m_mapAgain.cancel();
+        [[fallthrough]];
     case XCB_REPARENT_NOTIFY:
         m_corrections = 0; // a window manager has just taken it, perhaps a new one
         m_place.ask();

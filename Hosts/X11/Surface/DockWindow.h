@@ -5,6 +5,7 @@
 #include "Hosts/X11/Surface/BackBuffer.h"
 #include "Hosts/X11/Surface/Strut.h"
 #include "Hosts/X11/Surface/WindowPlace.h"
+#include "Quorvel/Platform/Dispatch.h"
 
 namespace quorvel::x11 {
 
@@ -12,7 +13,7 @@ namespace quorvel::x11 {
 /// Pixels of the X screen. Destroying it takes its strut back.
 class DockWindow {
 public:
-    DockWindow(Connection&, const WindowVisual&, const Rect& frame);
+    DockWindow(Connection&, Dispatch&, const WindowVisual&, const Rect& frame);
     ~DockWindow();
     DockWindow(const DockWindow&) = delete;
     DockWindow& operator=(const DockWindow&) = delete;
@@ -40,11 +41,13 @@ private:
     void describe();
     void setSizeHints();
     void configure();
+    void requestMap(Duration patience);
     void setAtoms(xcb_atom_t property, std::initializer_list<xcb_atom_t>);
     void setCardinals(xcb_atom_t property, const std::uint32_t* values, std::uint32_t count);
     void setText(xcb_atom_t property, xcb_atom_t type, std::string_view);
 
     Connection& m_connection;
+    Dispatch& m_dispatch;
     const xcb_window_t m_window;
     xcb_colormap_t m_colormap;
     Rect m_frame;
@@ -53,6 +56,7 @@ private:
     bool m_isMapped = false;
     WindowPlaceQuery m_place;
     int m_corrections = 0;
+    WorkItem m_mapAgain;
 };
 
 }
