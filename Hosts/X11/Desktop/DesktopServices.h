@@ -19,12 +19,11 @@ class Icons;
 class Monitors;
 struct PanelEnvironment;
 
-/// The services answered from the mirror of the desktop. The constructor waits for the first look at
-/// the desktop, so that everything that is there is known when it returns. Main thread.
+/// The services answered from the mirror of the desktop. The constructor waits for the first look
+/// at the desktop, so that everything that is there is known when it returns. Main thread.
 class DesktopServices {
 public:
-    DesktopServices(
-        Connection&, Dispatch&, Monitors&, PanelEnvironment&, DesktopEntries&, Icons&);
+    DesktopServices(Connection&, Dispatch&, Monitors&, PanelEnvironment&, DesktopEntries&, Icons&);
     ~DesktopServices();
     DesktopServices(const DesktopServices&) = delete;
     DesktopServices& operator=(const DesktopServices&) = delete;

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include <xcb/xcb.h>
+
+#include "Quorvel/Platform/Published.h"
+
+namespace quorvel::x11 {
+
+class Connection;
+
+/// Tells when the pointer's buttons are released, even while another client holds the pointer.
+/// Listens only while somebody waits. Main thread.
+class ButtonRelease {
+public:
+    explicit ButtonRelease(Connection&);
+
+    /// Whether a button is pressed, from the mask of a pointer query.
+    static bool isPressed(std::uint32_t pointerMask);
+
+    /// Starts to wait; false where the server cannot tell.
+    bool wait();
+    bool isWaiting() const { return m_isWaiting; }
+    /// True if the event ends the wait.
+    bool handle(const xcb_generic_event_t*);
+
+private:
+    void select(bool isOn) const;
+    bool isStillPressed() const;
+
+    Connection& m_connection;
+    std::optional<std::uint8_t> m_extension; ///< the major code by which generic events name it
+    bool m_isWaiting = false;
+};
+
+}

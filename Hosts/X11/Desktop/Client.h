@@ -1,0 +1,157 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include <xcb/xcb.h>
+
+#include "Hosts/X11/Desktop/Properties.h"
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Geometry.h"
+#include "Quorvel/Platform/Identifiers.h"
+
+namespace quorvel::x11 {
+
+inline constexpr std::uint32_t kEveryDesktop = 0xFFFFFFFF;
+
+enum class WindowType {
+    normal,
+    dialog,
+    utility,
+    splash,
+    toolbar,
+    menu,
+    notification,
+    dock,
+    desktop
+};
+
+/// Groups of facts about a client that are read together.
+enum class Facet : std::uint32_t {
+    netName = 1 << 0,
+    wmName = 1 << 1,
+    windowClass = 1 << 2,
+    applicationID = 1 << 3,
+    process = 1 << 4,
+    type = 1 << 5,
+    state = 1 << 6,
+    desktop = 1 << 7,
+    parent = 1 << 8,
+    hints = 1 << 9,
+    frameExtents = 1 << 10,
+    gtkExtents = 1 << 11,
+    opacity = 1 << 12,
+    place = 1 << 13,
+    strut = 1 << 14,
+};
+
+class Facets {
+public:
+    constexpr Facets() = default;
+    constexpr Facets(Facet facet) : m_bits(static_cast<std::uint32_t>(facet)) { }
+
+    constexpr bool contains(Facet facet) const
+    {
+        return (m_bits & static_cast<std::uint32_t>(facet)) != 0;
+    }
+    constexpr bool isEmpty() const { return m_bits == 0; }
+    constexpr Facets operator|(Facets other) const { return Facets{m_bits | other.m_bits}; }
+    constexpr Facets operator&(Facets other) const { return Facets{m_bits & other.m_bits}; }
+    constexpr Facets without(Facets other) const { return Facets{m_bits & ~other.m_bits}; }
+    constexpr Facets& operator|=(Facets other) { return *this = *this | other; }
+
+private:
+    constexpr explicit Facets(std::uint32_t bits) : m_bits(bits) { }
+    std::uint32_t m_bits = 0;
+};
+
+constexpr Facets operator|(Facet a, Facet b)
+{
+    return Facets{a} | b;
+}
+
+/// What the window manager says of a client; not to be believed while there is none.
+inline constexpr Facets kManagerFacets
+    = Facet::state | Facet::desktop | Facet::frameExtents | Facet::place;
+/// What is asked when a client is first seen.
+inline constexpr Facets kFirstFacets = Facet::netName | Facet::wmName | Facet::windowClass
+    | Facet::applicationID | Facet::process | Facet::type | Facet::state | Facet::desktop
+    | Facet::parent | Facet::hints | Facet::frameExtents | Facet::gtkExtents | Facet::opacity
+    | Facet::place;
+
+struct ClientState {
+    bool isHidden = false;
+    bool isShaded = false;
+    bool isModal = false;
+    bool isFullScreen = false;
+    bool isMaximizedVertically = false;
+    bool skipsTaskbar = false;
+    bool demandsAttention = false;
+
+    friend bool operator==(const ClientState&, const ClientState&) = default;
+};
+
+/// A managed client as its properties say, before any of it is put into the model's words. Pixels,
+/// origin at the top left of the X screen.
+struct Client {
+    xcb_window_t window = XCB_WINDOW_NONE;
+    WindowID id{};
+    Facets stale = kFirstFacets;
+
+    std::optional<std::string> netName;
+    std::optional<std::string> wmName;
+    WindowClass windowClass;
+    std::optional<std::string> applicationID;
+    std::optional<std::uint32_t> serverProcess; ///< from the X server
+    std::optional<std::uint32_t> claimedProcess; ///< `_NET_WM_PID`
+    std::optional<std::string> machine;
+    std::optional<WindowType> type; ///< absent: the client names none that is known
+    ClientState state;
+    std::optional<std::uint32_t> desktop;
+    std::optional<xcb_window_t> parent; ///< `WM_TRANSIENT_FOR` as it stands
+    bool isUrgent = false;
+    Extents frameExtents;
+    Extents gtkExtents;
+    double opacity = 1;
+    Rect place; ///< of the client itself, without its frame
+    Extents strut; ///< what a dock keeps free at the edges of the X screen
+
+    /// The ancestor below the root: it moves when the user moves the window.
+    xcb_window_t topLevel = XCB_WINDOW_NONE;
+    bool isAncestryStale = true;
+
+    Instant firstSeen;
+    bool isAnnounced = false;
+    bool isDirty = true; ///< something was read since it was last put into the model's words
+    bool isGone = false; ///< destroyed, or never there
+    bool isUnmapped = false;
+    std::optional<Instant> leavesAt; ///< off the manager's list, but perhaps only with the manager
+    std::string bundleIdentifier; ///< empty: to be found again
+    bool hasProcessEnded = false;
+    std::uint64_t activation = 0; ///< grows with each activation on the desktop; 0: never active
+    bool wasHidden = false;
+    /// Marked as hidden by showing the desktop, which does not make it minimised.
+    bool isHiddenByShowingDesktop = false;
+    /// Until then it is open whether a hidden window is minimised.
+    std::optional<Instant> minimizedSettlesAt;
+    bool isMinimized = false;
+    /// The size last asked for and the frame it was asked at: not asked twice.
+    std::optional<std::pair<Size, Rect>> askedSize;
+
+    std::string title() const { return netName ? *netName : wmName.value_or(std::string{}); }
+
+    Rect frame() const
+    {
+        double left = double(frameExtents.left) - gtkExtents.left;
+        double top = double(frameExtents.top) - gtkExtents.top;
+        double right = double(frameExtents.right) - gtkExtents.right;
+        double bottom = double(frameExtents.bottom) - gtkExtents.bottom;
+        return {place.x - left, place.y - top, std::max(0.0, place.width + left + right),
+            std::max(0.0, place.height + top + bottom)};
+    }
+};
+
+}

@@ -1,0 +1,278 @@
+#include "Hosts/X11/Desktop/Clients.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Desktop/RequestBatch.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+/// A client may nest its frames as deep as it likes.
+constexpr int kDeepestAncestry = 8;
+/// A second question that an answer led to; no answer leads further.
+constexpr int kReadPasses = 3;
+
+}
+
+Clients::Clients(Connection& connection) : m_connection(connection), m_reader(connection)
+{
+}
+
+bool Clients::handle(const xcb_generic_event_t* event)
+{
+    switch (event->response_type & 0x7f) {
+    case XCB_PROPERTY_NOTIFY: {
+        auto* change = reinterpret_cast<const xcb_property_notify_event_t*>(event);
+        return markStale(find(change->window), m_reader.facetsOf(change->atom));
+    }
+    case XCB_CONFIGURE_NOTIFY: {
+        auto* change = reinterpret_cast<const xcb_configure_notify_event_t*>(event);
+        return configured(change->event, change->window);
+    }
+    case XCB_REPARENT_NOTIFY: {
+        auto* change = reinterpret_cast<const xcb_reparent_notify_event_t*>(event);
+        auto* client = find(change->window);
+        if (client && change->event == change->window)
+            client->isAncestryStale = m_needsAncestry = true;
+        return configured(change->event, change->window);
+    }
+    case XCB_UNMAP_NOTIFY: {
+        auto* change = reinterpret_cast<const xcb_unmap_notify_event_t*>(event);
+        if (auto* client = find(change->window))
+            client->isUnmapped = true;
+        return false;
+    }
+    case XCB_MAP_NOTIFY: {
+        auto* change = reinterpret_cast<const xcb_map_notify_event_t*>(event);
+        if (auto* client = find(change->window))
+            client->isUnmapped = false;
+        return false;
+    }
+    case XCB_DESTROY_NOTIFY:
+        return destroyed(reinterpret_cast<const xcb_destroy_notify_event_t*>(event)->window);
+    default:
+        return false;
+    }
+}
+
+bool Clients::configured(xcb_window_t event, xcb_window_t window)
+{
+    if (event != window)
+        return false;
+    if (auto* client = find(window))
+        return markStale(client, Facet::place);
+    auto framed = m_clientByTopLevel.find(window);
+    return framed != m_clientByTopLevel.end() && markStale(find(framed->second), Facet::place);
+}
+
+bool Clients::destroyed(xcb_window_t window)
+{
+    if (m_clientByTopLevel.erase(window) > 0)
+        m_connection.forgetWindow(window);
+    auto* client = find(window);
+    if (!client)
+        return false;
+    m_connection.forgetWindow(window);
+    client->isGone = m_hasGone = true;
+    return true;
+}
+
+bool Clients::markStale(Client* client, Facets facets)
+{
+    if (!client || facets.isEmpty())
+        return false;
+    client->stale |= facets;
+    m_stale.push_back(client);
+    return true;
+}
+
+void Clients::follow(const std::vector<xcb_window_t>& list, Instant now)
+{
+    std::unordered_set<xcb_window_t> listed{list.begin(), list.end()};
+    for (auto& [number, client] : m_byNumber) {
+        if (listed.contains(client->window)) {
+            client->leavesAt.reset();
+            continue;
+        }
+        // A window that its own client unmapped is withdrawn. One that is minimised or on another
+        // desktop is unmapped as well, and tells nothing.
+        bool isWithdrawn = client->isUnmapped && !client->state.isHidden;
+        if (isWithdrawn)
+            client->isGone = m_hasGone = true;
+        else if (!client->leavesAt)
+            client->leavesAt = now + kLeaveGrace;
+    }
+    for (auto window : list) {
+        auto* known = find(window);
+        if (!known || known->isGone)
+            add(window, now);
+    }
+}
+
+void Clients::add(xcb_window_t window, Instant now)
+{
+    if (find(window))
+        return; // it was destroyed, and the manager has not noticed yet
+    m_connection.addEventMask(
+        window, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    auto client = std::make_unique<Client>();
+    client->window = window;
+    client->id = takeNumber();
+    client->firstSeen = now;
+    m_needsAncestry = true;
+    m_stale.push_back(client.get());
+    m_byWindow[window] = client.get();
+    m_byNumber.emplace(client->id, std::move(client));
+    markChildrenDirty(window);
+}
+
+void Clients::markChildrenDirty(xcb_window_t parent)
+{
+    for (auto& [number, client] : m_byNumber) {
+        if (client->parent == parent)
+            client->isDirty = true;
+    }
+}
+
+void Clients::cancelLeaving()
+{
+    for (auto& [number, client] : m_byNumber)
+        client->leavesAt.reset();
+}
+
+void Clients::settleLeaving(Instant now)
+{
+    for (auto& [number, client] : m_byNumber) {
+        if (client->leavesAt && now >= *client->leavesAt)
+            client->isGone = m_hasGone = true;
+    }
+}
+
+bool Clients::read(Facets wanted)
+{
+    bool hasRead = false;
+    for (int pass = 0; pass < kReadPasses && !m_stale.empty(); ++pass) {
+        RequestBatch batch{m_connection.raw()};
+        auto stale = std::exchange(m_stale, {});
+        for (auto* client : stale)
+            m_reader.request(batch, *client, wanted);
+        hasRead |= !batch.isEmpty();
+        batch.finish();
+        for (auto* client : stale) {
+            if (client->isGone) {
+                m_hasGone = true;
+                m_connection.forgetWindow(client->window);
+            } else if (!client->stale.isEmpty()) {
+                m_stale.push_back(client);
+            }
+        }
+    }
+    return hasRead;
+}
+
+void Clients::readAncestry()
+{
+    struct Walk {
+        Client* client;
+        xcb_window_t ancestor;
+        xcb_window_t parent;
+    };
+    std::vector<Walk> walks;
+    for (auto& [number, client] : m_byNumber) {
+        if (std::exchange(client->isAncestryStale, false))
+            walks.push_back({client.get(), client->window, XCB_WINDOW_NONE});
+    }
+    m_needsAncestry = false;
+
+    for (int depth = 0; depth < kDeepestAncestry && !walks.empty(); ++depth) {
+        RequestBatch batch{m_connection.raw()};
+        for (auto& walk : walks)
+            batch.parent(walk.ancestor, [&](auto parent) { walk.parent = parent.value_or(0); });
+        batch.finish();
+        std::erase_if(walks, [&](Walk& walk) {
+            bool isTop = walk.parent == m_connection.root();
+            if (!isTop)
+                walk.ancestor = walk.parent;
+            else
+                setTopLevel(*walk.client, walk.ancestor);
+            return isTop || walk.parent == XCB_WINDOW_NONE;
+        });
+    }
+}
+
+void Clients::setTopLevel(Client& client, xcb_window_t topLevel)
+{
+    if (client.topLevel == topLevel)
+        return;
+    m_clientByTopLevel.erase(client.topLevel);
+    client.topLevel = topLevel;
+    if (topLevel == client.window)
+        return;
+    m_clientByTopLevel[topLevel] = client.window;
+    m_connection.addEventMask(topLevel, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    markStale(&client, Facet::place); // it may have moved before this program listened
+}
+
+Client* Clients::find(xcb_window_t window)
+{
+    auto found = m_byWindow.find(window);
+    return found == m_byWindow.end() ? nullptr : found->second;
+}
+
+Client* Clients::find(WindowID number)
+{
+    auto found = m_byNumber.find(number);
+    return found == m_byNumber.end() ? nullptr : found->second.get();
+}
+
+Client* Clients::parentOf(const Client& client)
+{
+    if (!client.parent || *client.parent == client.window)
+        return nullptr;
+    auto* parent = find(*client.parent);
+    return parent && !parent->isGone ? parent : nullptr;
+}
+
+void Clients::forEach(const std::function<void(Client&)>& function)
+{
+    for (auto& [number, client] : m_byNumber)
+        function(*client);
+}
+
+void Clients::removeGone(const std::function<void(Client&)>& function)
+{
+    if (!std::exchange(m_hasGone, false))
+        return;
+    std::vector<Client*> gone;
+    for (auto& [number, client] : m_byNumber) {
+        if (client->isGone)
+            gone.push_back(client.get());
+    }
+    for (auto* client : gone) {
+        function(*client);
+        std::erase(m_stale, client);
+        m_clientByTopLevel.erase(client->topLevel);
+        m_byWindow.erase(client->window);
+        markChildrenDirty(client->window);
+        m_byNumber.erase(client->id);
+    }
+}
+
+void Clients::markAllStale(Facets facets)
+{
+    for (auto& [number, client] : m_byNumber) {
+        client->isAncestryStale = m_needsAncestry = true;
+        markStale(client.get(), facets);
+    }
+}
+
+void Clients::markAllDirty()
+{
+    for (auto& [number, client] : m_byNumber)
+        client->isDirty = true;
+}
+
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Hosts/X11/Monitors.h"
+
+namespace quorvel::x11 {
+
+/// Which monitors show a full-screen window on top of the active space. Dialogs and tool windows
+/// above it change nothing.
+std::map<DisplayNumber, bool> coveredMonitors(
+    const DesktopModel&, const std::vector<Monitor>&, const Coordinates&);
+
+}

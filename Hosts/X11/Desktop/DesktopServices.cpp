@@ -1,0 +1,67 @@
+#include "Hosts/X11/Desktop/DesktopServices.h"
+
+#include "Hosts/X11/Desktop/Mirror.h"
+#include "Hosts/X11/Desktop/ObserverRegistry.h"
+#include "Hosts/X11/Desktop/WindowRequests.h"
+#include "Hosts/X11/Desktop/X11Accessibility.h"
+#include "Hosts/X11/Desktop/X11Displays.h"
+#include "Hosts/X11/Desktop/X11ScreenCapture.h"
+#include "Hosts/X11/Desktop/X11WindowServer.h"
+#include "Hosts/X11/Desktop/X11Workspace.h"
+
+namespace quorvel::x11 {
+
+struct DesktopServices::Parts {
+    Parts(Connection& connection, Dispatch& dispatch, Monitors& monitors,
+        PanelEnvironment& environment, DesktopEntries& entries, Icons& icons)
+        : observers(model)
+        , mirror(connection, dispatch, monitors, environment, entries, model, observers)
+        , requests(connection, monitors, mirror.clients(), mirror.root(), model)
+        , accessibility(model, observers, requests, dispatch)
+        , windowServer(model, mirror, requests, environment)
+        , displays(connection, monitors, mirror)
+        , workspace(connection, model, mirror, requests, entries, icons)
+    {
+    }
+
+    SharedModel model;
+    ObserverRegistry observers;
+    Mirror mirror;
+    WindowRequests requests;
+    X11Accessibility accessibility;
+    X11WindowServer windowServer;
+    X11Displays displays;
+    X11Workspace workspace;
+    X11ScreenCapture screenCapture;
+};
+
+DesktopServices::DesktopServices(Connection& connection, Dispatch& dispatch, Monitors& monitors,
+    PanelEnvironment& environment, DesktopEntries& entries, Icons& icons)
+    : m_parts(std::make_unique<Parts>(connection, dispatch, monitors, environment, entries, icons))
+{
+}
+
+DesktopServices::~DesktopServices() = default;
+
+Accessibility& DesktopServices::accessibility()
+{
+    return m_parts->accessibility;
+}
+WindowServer& DesktopServices::windowServer()
+{
+    return m_parts->windowServer;
+}
+Displays& DesktopServices::displays()
+{
+    return m_parts->displays;
+}
+Workspace& DesktopServices::workspace()
+{
+    return m_parts->workspace;
+}
+ScreenCapture& DesktopServices::screenCapture()
+{
+    return m_parts->screenCapture;
+}
+
+}

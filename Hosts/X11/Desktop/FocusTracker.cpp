@@ -1,0 +1,26 @@
+#include "Hosts/X11/Desktop/FocusTracker.h"
+
+namespace quorvel::x11 {
+
+void FocusTracker::update(const Active& active, Instant now)
+{
+    m_isOwnWindowActive = std::holds_alternative<Own>(active);
+    if (auto* window = std::get_if<WindowID>(&active))
+        m_window = *window;
+    if (m_isOwnWindowActive || std::holds_alternative<WindowID>(active) || !m_window) {
+        m_settlesAt.reset();
+        return;
+    }
+
+    bool isNone = std::holds_alternative<None>(active);
+    if (!m_settlesAt)
+        m_settlesAt = now + (isNone ? Duration{kNoneSettles} : Duration{kUnknownSettles});
+    else if (isNone)
+        m_settlesAt = std::min(*m_settlesAt, Instant{now + kNoneSettles});
+    if (now < *m_settlesAt)
+        return;
+    m_window.reset();
+    m_settlesAt.reset();
+}
+
+}

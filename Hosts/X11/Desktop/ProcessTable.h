@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "Hosts/X11/Desktop/Client.h"
+#include "Hosts/X11/Desktop/ProcessEnd.h"
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Published.h"
+
+namespace quorvel::x11 {
+
+class DesktopEntries;
+
+/// The pairs of process and application that own windows.
+///
+/// The first application of a process is known by the process's number. Further applications of the
+/// same process, and clients whose process is unknown, get private negative numbers. A pair with a
+/// process of its own lives as long as the process, every other as long as it has windows. Main
+/// thread.
+class ProcessTable {
+public:
+    /// A killed client's windows are destroyed a moment later: so long its windows keep their pair.
+    static constexpr auto kEndGrace = std::chrono::milliseconds{100};
+
+    struct Pair {
+        ProcessID pid{};
+        std::optional<std::uint32_t> process; ///< absent: unknown, or ended
+        std::string bundleIdentifier;
+        std::string name;
+        std::set<WindowID> windows;
+        bool isLaunched = false;
+        bool endsWithLastWindow = true;
+    };
+
+    ProcessTable(Dispatch&, const DesktopEntries&);
+
+    /// The process behind the client, if it is known and runs on this machine.
+    std::optional<std::uint32_t> processOf(const Client&) const;
+    /// The application of the client; the same for every client of one class and process.
+    std::string bundleIdentifierOf(const Client&) const;
+
+    /// The pair of this process and application; made at first use. `clientBase` tells X clients
+    /// apart whose process is unknown.
+    Pair& pairFor(std::optional<std::uint32_t> process, std::uint32_t clientBase,
+        const std::string& bundleIdentifier, const Client&);
+    Pair* find(ProcessID);
+    /// Names may have changed with the installed applications.
+    void refreshNames();
+    /// Takes out the pairs that have ended.
+    std::vector<Pair> takeEnded();
+    /// A private number that belongs to no pair.
+    ProcessID takePrivateNumber() { return ProcessID{--m_lastPrivate}; }
+
+    /// The process has ended and its windows had time to go.
+    Signal<std::uint32_t> processDidEnd;
+
+private:
+    using Key = std::tuple<std::optional<std::uint32_t>, std::uint32_t, std::string>;
+    struct Process {
+        std::unique_ptr<ProcessEnd> watch;
+        WorkItem grace;
+        bool isWatched = false;
+    };
+
+    std::string nameFor(const std::string& bundleIdentifier, const Client*) const;
+    bool watch(std::uint32_t process);
+    void processEnded(std::uint32_t process);
+    void forgetProcess(std::uint32_t process);
+
+    Dispatch& m_dispatch;
+    const DesktopEntries& m_entries;
+    std::string m_machine;
+    std::int32_t m_lastPrivate = -1; ///< -1 is no process anywhere
+    std::map<Key, ProcessID> m_byKey;
+    std::map<ProcessID, Pair> m_pairs;
+    std::map<std::uint32_t, Process> m_processes;
+};
+
+}

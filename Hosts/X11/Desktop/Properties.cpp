@@ -1,0 +1,263 @@
+#include "Hosts/X11/Desktop/Properties.h"
+
+#include <algorithm>
+#include <cstring>
+#include <unordered_set>
+
+#include "Hosts/X11/Desktop/CompoundText.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+/// Frames and shadows are never wider; what claims more would push windows off every screen.
+constexpr std::uint32_t kLargestExtent = 4096;
+constexpr std::uint32_t kUrgencyHint = 1u << 8;
+
+std::string_view bytesOf(const RawProperty& property)
+{
+    return {reinterpret_cast<const char*>(property.data.data()), property.data.size()};
+}
+
+std::string_view upToNul(std::string_view bytes)
+{
+    return bytes.substr(0, bytes.find('\0'));
+}
+
+struct CodePoint {
+    std::uint32_t least;
+    std::size_t length;
+    std::uint32_t bits;
+};
+
+/// What the first byte of a sequence promises; length 0 where no sequence begins.
+CodePoint promised(unsigned char lead)
+{
+    if (lead < 0x80)
+        return {0, 1, lead};
+    if (lead >= 0xC2 && lead < 0xE0)
+        return {0x80, 2, lead & 0x1Fu};
+    if (lead >= 0xE0 && lead < 0xF0)
+        return {0x800, 3, lead & 0x0Fu};
+    if (lead >= 0xF0 && lead < 0xF5)
+        return {0x10000, 4, lead & 0x07u};
+    return {0, 0, 0};
+}
+
+/// The length of the valid sequence at the start of `bytes`; 0 if it is invalid.
+std::size_t sequenceLength(std::string_view bytes)
+{
+    auto code = promised(static_cast<unsigned char>(bytes.front()));
+    if (code.length == 0 || code.length > bytes.size())
+        return 0;
+    for (std::size_t i = 1; i < code.length; ++i) {
+        auto byte = static_cast<unsigned char>(bytes[i]);
+        if ((byte & 0xC0) != 0x80)
+            return 0;
+        code.bits = code.bits << 6 | (byte & 0x3Fu);
+    }
+    bool isSurrogate = code.bits >= 0xD800 && code.bits < 0xE000;
+    return code.bits < code.least || code.bits > 0x10FFFF || isSurrogate ? 0 : code.length;
+}
+
+std::vector<std::string_view> splitAtNul(std::string_view bytes, std::size_t maximumCount)
+{
+    std::vector<std::string_view> parts;
+    while (!bytes.empty() && parts.size() < maximumCount) {
+        auto part = upToNul(bytes);
+        parts.push_back(part);
+        bytes.remove_prefix(std::min(bytes.size(), part.size() + 1));
+    }
+    return parts;
+}
+
+std::string textOfType(
+    std::string_view bytes, xcb_atom_t type, const TextTypes& types, std::size_t maximum)
+{
+    if (type == types.utf8String)
+        return cleanedUtf8(bytes, maximum);
+    if (type == types.compoundText)
+        return cleanedUtf8(decodeCompoundText(upToNul(bytes)), maximum);
+    return utf8FromLatin1(bytes, maximum);
+}
+
+bool isText(const RawProperty& property, const TextTypes& types)
+{
+    return property.format == 8
+        && (property.type == types.utf8String || property.type == types.compoundText
+            || property.type == XCB_ATOM_STRING);
+}
+
+bool isWordList(const RawProperty& property, xcb_atom_t type)
+{
+    return property.type == type && property.format == 32;
+}
+
+}
+
+std::uint32_t RawProperty::word(std::size_t index) const
+{
+    std::uint32_t value = 0;
+    if (index < words())
+        std::memcpy(&value, data.data() + index * 4, 4);
+    return value;
+}
+
+std::string cleanedUtf8(std::string_view bytes, std::size_t maximum)
+{
+    bytes = upToNul(bytes);
+    std::string result;
+    result.reserve(std::min(bytes.size(), maximum));
+    while (!bytes.empty()) {
+        auto length = sequenceLength(bytes);
+        auto piece = length > 0 ? bytes.substr(0, length) : kReplacement;
+        if (result.size() + piece.size() > maximum)
+            break;
+        result += piece;
+        bytes.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+    return result;
+}
+
+std::string utf8FromLatin1(std::string_view bytes, std::size_t maximum)
+{
+    std::string result;
+    for (char c : upToNul(bytes)) {
+        auto byte = static_cast<unsigned char>(c);
+        if (result.size() + (byte < 0x80 ? 1 : 2) > maximum)
+            break;
+        if (byte >= 0x80)
+            result += static_cast<char>(0xC0 | byte >> 6);
+        result += static_cast<char>(byte < 0x80 ? byte : 0x80 | (byte & 0x3F));
+    }
+    return result;
+}
+
+std::optional<std::string> decodeText(
+    const RawProperty& property, const TextTypes& types, std::size_t maximum)
+{
+    if (!isText(property, types))
+        return std::nullopt;
+    return textOfType(bytesOf(property), property.type, types, maximum);
+}
+
+std::vector<std::string> decodeTexts(
+    const RawProperty& property, const TextTypes& types, std::size_t maximumCount)
+{
+    std::vector<std::string> texts;
+    if (!isText(property, types))
+        return texts;
+    for (auto part : splitAtNul(bytesOf(property), maximumCount))
+        texts.push_back(textOfType(part, property.type, types, limits::titleBytes));
+    return texts;
+}
+
+std::optional<std::uint32_t> decodeCardinal(const RawProperty& property)
+{
+    if (!isWordList(property, XCB_ATOM_CARDINAL) || property.words() == 0)
+        return std::nullopt;
+    return property.word(0);
+}
+
+std::optional<xcb_window_t> decodeWindow(const RawProperty& property)
+{
+    if (!isWordList(property, XCB_ATOM_WINDOW) || property.words() == 0)
+        return std::nullopt;
+    return property.word(0);
+}
+
+std::vector<xcb_atom_t> decodeAtoms(const RawProperty& property)
+{
+    std::vector<xcb_atom_t> atoms;
+    if (!isWordList(property, XCB_ATOM_ATOM))
+        return atoms;
+    auto count = std::min<std::size_t>(property.words(), limits::atoms);
+    for (std::size_t i = 0; i < count; ++i)
+        atoms.push_back(property.word(i));
+    return atoms;
+}
+
+std::vector<xcb_window_t> decodeWindows(const RawProperty& property)
+{
+    std::vector<xcb_window_t> windows;
+    if (!isWordList(property, XCB_ATOM_WINDOW))
+        return windows;
+    std::unordered_set<xcb_window_t> seen;
+    auto count = std::min<std::size_t>(property.words(), limits::windows);
+    windows.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        auto window = property.word(i);
+        if (window != XCB_WINDOW_NONE && seen.insert(window).second)
+            windows.push_back(window);
+    }
+    return windows;
+}
+
+std::optional<WindowClass> decodeClass(const RawProperty& property, const TextTypes& types)
+{
+    auto texts = decodeTexts(property, types, 2);
+    if (texts.empty())
+        return std::nullopt;
+    texts.resize(2);
+    return WindowClass{std::move(texts[0]), std::move(texts[1])};
+}
+
+bool decodeUrgency(const RawProperty& property)
+{
+    return isWordList(property, XCB_ATOM_WM_HINTS) && (property.word(0) & kUrgencyHint) != 0;
+}
+
+std::optional<Extents> decodeExtents(const RawProperty& property)
+{
+    if (!isWordList(property, XCB_ATOM_CARDINAL) || property.words() < 4)
+        return std::nullopt;
+    auto side = [&](std::size_t index) {
+        auto value = property.word(index);
+        return value > kLargestExtent ? 0 : value;
+    };
+    return Extents{side(0), side(1), side(2), side(3)};
+}
+
+std::optional<Extents> decodeStrut(const RawProperty& property)
+{
+    return decodeExtents(property);
+}
+
+std::vector<IconPixels> decodeIcons(const RawProperty& property)
+{
+    std::vector<IconPixels> icons;
+    if (!isWordList(property, XCB_ATOM_CARDINAL))
+        return icons;
+
+    std::size_t at = 0;
+    while (at + 2 < property.words()) {
+        std::uint64_t width = property.word(at);
+        std::uint64_t height = property.word(at + 1);
+        at += 2;
+        if (width == 0 || height == 0 || width > property.words() || height > property.words())
+            break; // nothing behind an absurd size can be found
+        auto pixels = width * height;
+        if (pixels > property.words() - at)
+            break;
+        if (width <= limits::iconSide && height <= limits::iconSide) {
+            IconPixels icon{static_cast<int>(width), static_cast<int>(height), {}};
+            icon.argb.resize(pixels);
+            std::memcpy(icon.argb.data(), property.data.data() + at * 4, pixels * 4);
+            icons.push_back(std::move(icon));
+        }
+        at += pixels;
+        // A property of thousands of 1 x 1 pictures is nonsense too.
+        if (icons.size() >= limits::atoms)
+            break;
+    }
+    return icons;
+}
+
+double decodeOpacity(const RawProperty& property)
+{
+    auto value = decodeCardinal(property);
+    return value ? *value / 4294967295.0 : 1;
+}
+
+}

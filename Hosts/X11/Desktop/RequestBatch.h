@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include <xcb/xcb.h>
+
+#include "Hosts/X11/Desktop/Properties.h"
+
+namespace quorvel::x11 {
+
+/// A window's place on the X screen in pixels, without its frame.
+struct WindowPlace {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+};
+
+/// Questions to the server that go out together: each call sends, `finish` reads all answers in the
+/// order of the questions, so that any number of them costs one round trip. A window that is gone
+/// answers with "absent". Main thread.
+class RequestBatch {
+public:
+    explicit RequestBatch(xcb_connection_t* connection) : m_connection(connection) { }
+    /// Forgets the answers that nobody read.
+    ~RequestBatch();
+    RequestBatch(const RequestBatch&) = delete;
+    RequestBatch& operator=(const RequestBatch&) = delete;
+
+    using OnProperty = std::function<void(const RawProperty&)>;
+    using OnPlace = std::function<void(std::optional<WindowPlace>)>;
+    using OnSize = std::function<void(std::optional<Size>)>;
+    using OnWindow = std::function<void(std::optional<xcb_window_t>)>;
+    using OnNumber = std::function<void(std::optional<std::uint32_t>)>;
+
+    void property(xcb_window_t, xcb_atom_t, std::uint32_t maximumWords, OnProperty);
+    /// Where the window's corner lies on the root.
+    void place(xcb_window_t, xcb_window_t root, OnPlace);
+    void size(xcb_window_t, OnSize);
+    void parent(xcb_window_t, OnWindow);
+    /// The process behind the client that made the window, where it runs on this machine.
+    void clientProcess(xcb_window_t, OnNumber);
+    void selectionOwner(xcb_atom_t selection, OnWindow);
+    /// The pointer's button and modifier mask.
+    void pointerMask(xcb_window_t root, OnNumber);
+
+    bool isEmpty() const { return m_pending.empty(); }
+    void finish();
+
+private:
+    struct Pending {
+        unsigned sequence;
+        std::function<void(void* reply)> handle; ///< null where the server answered with an error
+    };
+
+    template <typename Cookie> void add(Cookie cookie, std::function<void(void*)> handle)
+    {
+        m_pending.push_back({cookie.sequence, std::move(handle)});
+    }
+
+    xcb_connection_t* m_connection;
+    std::vector<Pending> m_pending;
+};
+
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include <xcb/xcb.h>
+
+#include "Quorvel/Platform/Published.h"
+
+namespace quorvel::x11 {
+
+class Connection;
+
+/// The server's present time, which managers compare with the user's last input: asked for with an
+/// empty change of a property of our own, and told in the event that follows. Main thread.
+class ServerTime {
+public:
+    explicit ServerTime(Connection&);
+    ~ServerTime();
+    ServerTime(const ServerTime&) = delete;
+    ServerTime& operator=(const ServerTime&) = delete;
+
+    /// Calls back once, in a later turn.
+    void ask(std::function<void(xcb_timestamp_t)>);
+
+private:
+    void handle(const xcb_generic_event_t*);
+
+    Connection& m_connection;
+    xcb_window_t m_window;
+    std::vector<std::function<void(xcb_timestamp_t)>> m_waiting;
+    Subscription m_events;
+};
+
+}

@@ -1,0 +1,84 @@
+#include "Hosts/X11/Desktop/Translation.h"
+
+#include <algorithm>
+
+namespace quorvel::x11 {
+
+namespace {
+
+/// Above and below what users work in; any number but 0 keeps a window off the bar.
+constexpr std::int32_t kDockLayer = 20;
+constexpr std::int32_t kDesktopLayer = -20;
+
+bool coversItsMonitor(const Rect& frame, const std::vector<Monitor>& monitors)
+{
+    return std::ranges::any_of(
+        monitors, [&](const Monitor& monitor) { return frame.contains(monitor.pixels); });
+}
+
+std::int32_t layerOf(const Client& client)
+{
+    if (client.type == WindowType::dock)
+        return kDockLayer;
+    return isDesktopElement(client) ? kDesktopLayer : 0;
+}
+
+}
+
+bool isStandardWindow(const Client& client, bool hasParent)
+{
+    if (client.state.skipsTaskbar)
+        return false;
+    if (client.type == WindowType::normal)
+        return true;
+    bool isDialogLike = !client.type || client.type == WindowType::dialog;
+    return isDialogLike && !hasParent;
+}
+
+bool isDesktopElement(const Client& client)
+{
+    return client.type == WindowType::desktop;
+}
+
+bool speaksForParent(const Client& client, bool hasParent)
+{
+    if (!hasParent)
+        return false;
+    return !client.type || client.type == WindowType::dialog || client.type == WindowType::utility
+        || client.type == WindowType::splash;
+}
+
+std::optional<SpaceID> spaceOf(const Client& client, const TranslationContext& context)
+{
+    if (!context.hasDesktops)
+        return SpaceID{1};
+    auto desktop = client.desktop.value_or(context.currentDesktop);
+    if (desktop == kEveryDesktop)
+        return std::nullopt;
+    return SpaceID{std::uint64_t{std::min(desktop, context.desktopCount - 1)} + 1};
+}
+
+WindowRecord recordOf(const Client& client, bool hasParent, const TranslationContext& context)
+{
+    auto frame = client.frame();
+    auto& state = client.state;
+    bool coversMonitor = coversItsMonitor(frame, context.monitors);
+    WindowRecord record;
+    record.id = client.id;
+    record.native = client.window;
+    record.title = client.title();
+    record.isStandard = isStandardWindow(client, hasParent);
+    record.isModal = state.isModal;
+    record.isMinimized = client.isMinimized;
+    record.isDesktopElement = isDesktopElement(client);
+    record.isFullScreen = state.isFullScreen;
+    record.canResize = !state.isFullScreen && !state.isMaximizedVertically && !coversMonitor;
+    record.asksForAttention = state.demandsAttention || client.isUrgent;
+    record.layer = layerOf(client);
+    record.alpha = client.opacity;
+    record.frame = context.coordinates.toPoints(frame);
+    record.space = spaceOf(client, context);
+    return record;
+}
+
+}

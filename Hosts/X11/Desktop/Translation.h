@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Hosts/X11/Desktop/Client.h"
+#include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Hosts/X11/Monitors.h"
+
+namespace quorvel::x11 {
+
+/// What a client's facts mean depends on.
+struct TranslationContext {
+    const Coordinates& coordinates;
+    const std::vector<Monitor>& monitors;
+    std::uint32_t desktopCount = 1;
+    std::uint32_t currentDesktop = 0;
+    bool hasDesktops = true;
+};
+
+/// A client's type, where it names none: a window with a parent is a dialog, as managers have it.
+bool isStandardWindow(const Client&, bool hasParent);
+bool isDesktopElement(const Client&);
+/// Whether it counts as its parent when it is focused.
+bool speaksForParent(const Client&, bool hasParent);
+
+/// The space of the client; absent for every space. A number beyond the count is clamped: managers
+/// change the count and the windows' desktops one after the other.
+std::optional<SpaceID> spaceOf(const Client&, const TranslationContext&);
+
+/// The client in the model's words, without its owner.
+WindowRecord recordOf(const Client&, bool hasParent, const TranslationContext&);
+
+}

@@ -1,0 +1,140 @@
+#include "Hosts/X11/Desktop/WindowManagerWatch.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include <xcb/xfixes.h>
+
+#include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Desktop/RequestBatch.h"
+
+namespace quorvel::x11 {
+
+WindowManagerWatch::WindowManagerWatch(Connection& connection, Dispatch& dispatch)
+    : m_connection(connection)
+    , m_dispatch(dispatch)
+{
+    auto* extension = xcb_get_extension_data(connection.raw(), &xcb_xfixes_id);
+    if (!extension || !extension->present)
+        return;
+
+    m_selectionEvent = extension->first_event + XCB_XFIXES_SELECTION_NOTIFY;
+    // The server sends no events of the extension to who has not asked for its version.
+    auto cookie = xcb_xfixes_query_version(connection.raw(), 5, 0);
+    xcb_discard_reply(connection.raw(), cookie.sequence);
+    xcb_xfixes_select_selection_input(connection.raw(), connection.root(), connection.atoms().wmS0,
+        XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER
+            | XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY
+            | XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+}
+
+bool WindowManagerWatch::handle(const xcb_generic_event_t* event)
+{
+    auto kind = event->response_type & 0x7f;
+    if (kind == XCB_PROPERTY_NOTIFY) {
+        auto* change = reinterpret_cast<const xcb_property_notify_event_t*>(event);
+        return handle(*change);
+    }
+    if (kind == XCB_DESTROY_NOTIFY) {
+        auto* destroyed = reinterpret_cast<const xcb_destroy_notify_event_t*>(event);
+        if (destroyed->window != m_checkWindow || m_checkWindow == XCB_WINDOW_NONE)
+            return false;
+        m_connection.forgetWindow(m_checkWindow);
+        managerDidGo();
+        return true;
+    }
+    if (!isManagerSelectionLost(event))
+        return false;
+    managerDidGo();
+    return true;
+}
+
+bool WindowManagerWatch::handle(const xcb_property_notify_event_t& change)
+{
+    if (change.window != m_connection.root() && change.window != m_candidate)
+        return false;
+    if (change.atom == m_connection.atoms().netClientList)
+        m_listChangedAt = m_dispatch.now();
+    if (change.atom != m_connection.atoms().netSupportingWmCheck)
+        return false;
+    m_isCheckStale = true;
+    return true;
+}
+
+bool WindowManagerWatch::isManagerSelectionLost(const xcb_generic_event_t* event) const
+{
+    if (m_selectionEvent == 0 || (event->response_type & 0x7f) != m_selectionEvent)
+        return false;
+    auto* change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t*>(event);
+    return change->selection == m_connection.atoms().wmS0 && change->owner == XCB_WINDOW_NONE;
+}
+
+void WindowManagerWatch::update()
+{
+    if (std::exchange(m_isCheckStale, false))
+        verify();
+    auto due = deadline();
+    if (due && m_dispatch.now() >= *due)
+        m_state = State::present;
+}
+
+std::optional<Instant> WindowManagerWatch::deadline() const
+{
+    if (m_state != State::returning)
+        return std::nullopt;
+    return std::clamp<Instant>(
+        m_listChangedAt + kListRest, m_cameAt + kEarliestThaw, m_cameAt + kLatestThaw);
+}
+
+void WindowManagerWatch::verify()
+{
+    auto window = readCheckWindow();
+    bool isFirstLook = std::exchange(m_isFirstLook, false);
+    if (window == XCB_WINDOW_NONE || (window == m_checkWindow && m_state == State::present))
+        return;
+    managerDidCome(window);
+    if (isFirstLook)
+        m_state = State::present; // it was there before this program
+}
+
+xcb_window_t WindowManagerWatch::readCheckWindow()
+{
+    auto atom = m_connection.atoms().netSupportingWmCheck;
+    std::optional<xcb_window_t> window;
+    RequestBatch onRoot{m_connection.raw()};
+    onRoot.property(
+        m_connection.root(), atom, 1, [&](const RawProperty& raw) { window = decodeWindow(raw); });
+    onRoot.finish();
+    if (!window || *window == XCB_WINDOW_NONE)
+        return XCB_WINDOW_NONE;
+
+    // Listened to before it is asked, so that nothing goes unnoticed in between: some managers name
+    // the window on the root before the window names itself.
+    m_candidate = *window;
+    m_connection.addEventMask(
+        *window, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+    std::optional<xcb_window_t> itself;
+    RequestBatch onWindow{m_connection.raw()};
+    onWindow.property(
+        *window, atom, 1, [&](const RawProperty& raw) { itself = decodeWindow(raw); });
+    onWindow.finish();
+    if (itself == window)
+        return *window;
+    m_connection.forgetWindow(*window);
+    return XCB_WINDOW_NONE;
+}
+
+void WindowManagerWatch::managerDidGo()
+{
+    m_state = State::absent;
+    m_checkWindow = XCB_WINDOW_NONE;
+}
+
+void WindowManagerWatch::managerDidCome(xcb_window_t window)
+{
+    m_checkWindow = window;
+    m_state = State::returning;
+    m_cameAt = m_listChangedAt = m_dispatch.now();
+}
+
+}

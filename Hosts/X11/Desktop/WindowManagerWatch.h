@@ -1,0 +1,58 @@
+#pragma once
+
+#include <optional>
+
+#include <xcb/xcb.h>
+
+#include "Quorvel/Platform/Dispatch.h"
+
+namespace quorvel::x11 {
+
+class Connection;
+
+/// Whether there is a window manager whose words count.
+///
+/// A manager is there once the check property of the root names a window that names itself. It is
+/// gone when that window is destroyed or nobody owns `WM_S0`; what it wrote on the root may remain.
+/// A successor rebuilds its list client by client, so its words count only when the list has come
+/// to rest. Main thread.
+class WindowManagerWatch {
+public:
+    static constexpr auto kListRest = std::chrono::milliseconds{100};
+    static constexpr auto kEarliestThaw = std::chrono::milliseconds{500};
+    static constexpr auto kLatestThaw = std::chrono::milliseconds{1500};
+
+    enum class State { absent, returning, present };
+
+    WindowManagerWatch(Connection&, Dispatch&);
+
+    State state() const { return m_state; }
+    bool isPresent() const { return m_state == State::present; }
+    /// True if something about the manager has to be looked at again.
+    bool handle(const xcb_generic_event_t*);
+    /// Looks at what changed; at most two round trips, none while nothing did.
+    void update();
+    /// When `update` has to be called again without an event.
+    std::optional<Instant> deadline() const;
+
+private:
+    void verify();
+    bool handle(const xcb_property_notify_event_t&);
+    xcb_window_t readCheckWindow();
+    void managerDidGo();
+    void managerDidCome(xcb_window_t);
+    bool isManagerSelectionLost(const xcb_generic_event_t*) const;
+
+    Connection& m_connection;
+    Dispatch& m_dispatch;
+    State m_state = State::absent;
+    xcb_window_t m_checkWindow = XCB_WINDOW_NONE;
+    xcb_window_t m_candidate = XCB_WINDOW_NONE; ///< named on the root, perhaps not yet by itself
+    bool m_isCheckStale = true;
+    bool m_isFirstLook = true;
+    std::uint8_t m_selectionEvent = 0; ///< 0: the server tells nothing of selections
+    Instant m_cameAt;
+    Instant m_listChangedAt;
+};
+
+}

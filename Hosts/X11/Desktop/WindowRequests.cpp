@@ -1,0 +1,195 @@
+#include "Hosts/X11/Desktop/WindowRequests.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Desktop/Clients.h"
+#include "Hosts/X11/Desktop/RootState.h"
+#include "Hosts/X11/Monitors.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+constexpr std::uint32_t kSourcePager = 2; ///< the user's own wish, not an application's
+constexpr std::uint32_t kIconicState = 3;
+constexpr std::uint32_t kNorthWestGravity = 1;
+constexpr std::uint32_t kWidthAndHeight = 1u << 10 | 1u << 11;
+constexpr double kLargestSide = 32767;
+
+std::uint32_t side(double pixels)
+{
+    return static_cast<std::uint32_t>(std::clamp(std::round(pixels), 1.0, kLargestSide));
+}
+
+}
+
+WindowRequests::WindowRequests(Connection& connection, Monitors& monitors, Clients& clients,
+    const RootState& root, SharedModel& model)
+    : m_connection(connection)
+    , m_monitors(monitors)
+    , m_clients(clients)
+    , m_root(root)
+    , m_model(model)
+    , m_time(connection)
+{
+}
+
+void WindowRequests::activate(WindowID window)
+{
+    m_wishes.activation = window;
+    m_wishes.minimized.erase(window);
+    wish();
+}
+
+void WindowRequests::activateApplication(ProcessID pid)
+{
+    m_wishes.applicationActivation = pid;
+    wish();
+}
+
+void WindowRequests::minimize(WindowID window)
+{
+    m_wishes.minimized[window] = true;
+    if (m_wishes.activation == window)
+        m_wishes.activation.reset();
+    wish();
+}
+
+void WindowRequests::close(WindowID window)
+{
+    m_wishes.closed.push_back(window);
+    wish();
+}
+
+void WindowRequests::resize(WindowID window, Size size)
+{
+    m_wishes.sizes[window] = size;
+    wish();
+}
+
+void WindowRequests::sendToWantedSpaces()
+{
+    m_wishes.hasSpaces = true;
+    wish();
+}
+
+void WindowRequests::wish()
+{
+    // The server's answer comes in a later turn, when all that belongs together has been wished.
+    if (std::exchange(m_isAsking, true))
+        return;
+    m_time.ask([this](xcb_timestamp_t time) { send(time); });
+}
+
+void WindowRequests::send(xcb_timestamp_t time)
+{
+    m_isAsking = false;
+    auto wishes = std::exchange(m_wishes, {});
+    if (wishes.hasSpaces)
+        sendSpaces();
+    for (auto& [window, size] : wishes.sizes)
+        sendSize(window, size);
+    for (auto& [window, isWanted] : wishes.minimized) {
+        if (auto* client = m_clients.find(window); client && isWanted)
+            message(client->window, m_connection.atoms().wmChangeState, {kIconicState});
+    }
+    for (auto window : wishes.closed) {
+        if (auto* client = m_clients.find(window))
+            message(client->window, m_connection.atoms().netCloseWindow, {time, kSourcePager});
+    }
+
+    auto activation = wishes.activation;
+    if (!activation && wishes.applicationActivation)
+        activation = windowToActivate(*wishes.applicationActivation);
+    if (activation)
+        sendActivation(time, *activation);
+    xcb_flush(m_connection.raw());
+}
+
+void WindowRequests::sendActivation(xcb_timestamp_t time, WindowID window)
+{
+    auto* client = m_clients.find(window);
+    if (!client)
+        return;
+    // Alone, the activation of a window of another desktop is refused by some managers, and others
+    // drag the window here.
+    auto& atoms = m_connection.atoms();
+    auto desktop = client->desktop.value_or(kEveryDesktop);
+    bool isElsewhere = desktop != kEveryDesktop && desktop < m_root.desktopCount()
+        && desktop != m_root.currentDesktop();
+    if (isElsewhere)
+        message(m_connection.root(), atoms.netCurrentDesktop, {desktop, time});
+    message(client->window, atoms.netActiveWindow, {kSourcePager, time, XCB_WINDOW_NONE});
+}
+
+void WindowRequests::sendSize(WindowID window, Size points)
+{
+    auto* client = m_clients.find(window);
+    if (!client)
+        return;
+    auto frame = client->frame();
+    if (client->askedSize == std::pair{points, frame})
+        return; // the client did not honour it
+    client->askedSize = {points, frame};
+
+    auto pixels = m_monitors.coordinates().toPixels(Rect::from({}, points)).size();
+    double width = pixels.width - (frame.width - client->place.width);
+    double height = pixels.height - (frame.height - client->place.height);
+    message(client->window, m_connection.atoms().netMoveResizeWindow,
+        {kNorthWestGravity | kWidthAndHeight | kSourcePager << 12, 0, 0, side(width),
+            side(height)});
+}
+
+void WindowRequests::sendSpaces()
+{
+    auto wanted
+        = m_model.write([](DesktopModel& model) { return std::exchange(model.wantedSpaces, {}); });
+    for (auto& [window, spaces] : wanted) {
+        auto* client = m_clients.find(window);
+        if (!client || spaces.empty())
+            continue;
+        // A manager knows one desktop or all; of several, the one that was added last.
+        bool isEvery = spaces.size() > 1 && spaces.size() >= m_root.desktopCount();
+        auto desktop = isEvery ? kEveryDesktop : static_cast<std::uint32_t>(raw(spaces.back()) - 1);
+        if (client->desktop != desktop)
+            message(client->window, m_connection.atoms().netWmDesktop, {desktop, kSourcePager});
+    }
+}
+
+std::optional<WindowID> WindowRequests::windowToActivate(ProcessID pid) const
+{
+    std::vector<WindowID> candidates = m_model.read([&](const DesktopModel& model) {
+        std::vector<WindowID> found;
+        for (auto& [id, window] : model.windows) {
+            if (window.owner == pid && window.layer == 0 && window.isOn(model.activeSpace))
+                found.push_back(id);
+        }
+        return found;
+    });
+    const Client* last = nullptr;
+    for (auto id : candidates) {
+        auto* client = m_clients.find(id);
+        if (client && (!last || client->activation > last->activation))
+            last = client;
+    }
+    return last ? std::optional{last->id} : std::nullopt;
+}
+
+void WindowRequests::message(
+    xcb_window_t window, xcb_atom_t type, std::array<std::uint32_t, 5> data) const
+{
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = type;
+    std::ranges::copy(data, event.data.data32);
+    xcb_send_event(m_connection.raw(), 0, m_connection.root(),
+        XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+        reinterpret_cast<const char*>(&event));
+}
+
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <optional>
+
+#include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Hosts/X11/Desktop/ServerTime.h"
+
+namespace quorvel::x11 {
+
+class Clients;
+class Connection;
+class Monitors;
+class RootState;
+
+/// What this program asks the window manager for. The requests of one turn are collected and leave
+/// together with a fresh time of the server, because managers refuse old ones: the last wish per
+/// window counts, and raising a window makes the activation of its application needless. Main
+/// thread.
+class WindowRequests {
+public:
+    WindowRequests(Connection&, Monitors&, Clients&, const RootState&, SharedModel&);
+
+    /// Raises, focuses and restores the window, with a switch to its space if need be.
+    void activate(WindowID);
+    /// Activates the window of the application that was active last on the current space, if any.
+    void activateApplication(ProcessID);
+    void minimize(WindowID);
+    void close(WindowID);
+    /// Of the window with its frame, in points.
+    void resize(WindowID, Size);
+    /// The spaces that the model wants for the window, as far as a manager can be told.
+    void sendToWantedSpaces();
+
+private:
+    struct Wishes {
+        std::optional<WindowID> activation;
+        std::optional<ProcessID> applicationActivation;
+        std::map<WindowID, bool> minimized; ///< false: the wish was taken back
+        std::map<WindowID, Size> sizes;
+        std::vector<WindowID> closed;
+        bool hasSpaces = false;
+    };
+
+    void wish();
+    void send(xcb_timestamp_t);
+    void sendActivation(xcb_timestamp_t, WindowID);
+    void sendSize(WindowID, Size);
+    void sendSpaces();
+    std::optional<WindowID> windowToActivate(ProcessID) const;
+    void message(xcb_window_t, xcb_atom_t type, std::array<std::uint32_t, 5> data) const;
+
+    Connection& m_connection;
+    Monitors& m_monitors;
+    Clients& m_clients;
+    const RootState& m_root;
+    SharedModel& m_model;
+    Wishes m_wishes;
+    bool m_isAsking = false;
+    ServerTime m_time;
+};
+
+}

@@ -1,0 +1,271 @@
+#include "Hosts/X11/Desktop/X11Accessibility.h"
+
+#include "Hosts/X11/Desktop/Elements.h"
+#include "Hosts/X11/Desktop/WindowRequests.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+constexpr std::string_view kApplicationRole = "AXApplication";
+constexpr std::string_view kUnknownRole = "AXUnknown";
+
+AXReply answer(AXValue value)
+{
+    return {AXError::success, std::move(value)};
+}
+
+AXReply answer(std::optional<WindowID> window)
+{
+    return window ? answer(elementOf(*window)) : AXReply{AXError::noValue, {}};
+}
+
+AXReply windowsOf(const DesktopModel& model, ProcessID pid)
+{
+    std::vector<AXElement> elements;
+    for (auto& [id, window] : model.windows) {
+        if (window.owner == pid)
+            elements.push_back(elementOf(id));
+    }
+    return answer(std::move(elements));
+}
+
+AXReply attributeOf(
+    const DesktopModel& model, const ApplicationRecord& application, std::string_view attribute)
+{
+    if (attribute == ax::windows)
+        return windowsOf(model, application.pid);
+    if (attribute == ax::focusedWindow || attribute == ax::mainWindow)
+        return answer(application.focusedWindow);
+    if (attribute == ax::frontmost)
+        return answer(model.frontmost == application.pid);
+    if (attribute == ax::title)
+        return answer(application.name);
+    if (attribute == ax::role)
+        return answer(std::string{kApplicationRole});
+    return {AXError::attributeUnsupported, {}};
+}
+
+AXReply subroleOf(const WindowRecord& window)
+{
+    if (!window.isStandard)
+        return {AXError::noValue, {}};
+    return answer(std::string{ax::standardWindowSubrole});
+}
+
+bool isFocused(const DesktopModel& model, const WindowRecord& window)
+{
+    auto* application = model.application(window.owner);
+    return application && model.frontmost == window.owner
+        && application->focusedWindow == window.id;
+}
+
+AXReply attributeOf(
+    const DesktopModel& model, const WindowRecord& window, std::string_view attribute)
+{
+    if (attribute == ax::title)
+        return answer(window.title);
+    if (attribute == ax::role)
+        return answer(std::string{window.isStandard ? ax::windowRole : kUnknownRole});
+    if (attribute == ax::subrole)
+        return subroleOf(window);
+    if (attribute == ax::modal)
+        return answer(window.isModal);
+    if (attribute == ax::minimized)
+        return answer(window.isMinimized);
+    if (attribute == ax::position)
+        return answer(window.frame.origin());
+    if (attribute == ax::size)
+        return answer(window.frame.size());
+    if (attribute == ax::windowNumber)
+        return answer(static_cast<double>(raw(window.id)));
+    if (attribute == ax::closeButton)
+        return answer(closeButtonOf(window.id));
+    if (attribute == ax::main || attribute == ax::focused)
+        return answer(isFocused(model, window));
+    return {AXError::attributeUnsupported, {}};
+}
+
+}
+
+X11Accessibility::X11Accessibility(const SharedModel& model, ObserverRegistry& observers,
+    WindowRequests& requests, Dispatch& dispatch)
+    : m_model(model)
+    , m_observers(observers)
+    , m_requests(requests)
+    , m_dispatch(dispatch)
+    , m_mainThread(std::this_thread::get_id())
+    , m_weakRequests(requests)
+{
+}
+
+AXElement X11Accessibility::application(ProcessID pid) const
+{
+    return elementOf(pid);
+}
+
+AXReply X11Accessibility::copyAttribute(const AXElement& element, std::string_view attribute)
+{
+    if (auto pid = applicationIn(element))
+        return applicationAttribute(*pid, attribute);
+    if (auto window = windowIn(element, ElementKind::window))
+        return windowAttribute(*window, attribute);
+    return {AXError::attributeUnsupported, {}};
+}
+
+AXReply X11Accessibility::applicationAttribute(ProcessID pid, std::string_view attribute) const
+{
+    return m_model.read([&](const DesktopModel& model) -> AXReply {
+        auto* application = model.application(pid);
+        return application ? attributeOf(model, *application, attribute)
+                           : AXReply{AXError::invalidElement, {}};
+    });
+}
+
+AXReply X11Accessibility::windowAttribute(WindowID id, std::string_view attribute) const
+{
+    return m_model.read([&](const DesktopModel& model) -> AXReply {
+        auto* window = model.window(id);
+        return window ? attributeOf(model, *window, attribute)
+                      : AXReply{AXError::invalidElement, {}};
+    });
+}
+
+AXError X11Accessibility::setAttribute(
+    const AXElement& element, std::string_view attribute, const AXValue& value)
+{
+    if (auto pid = applicationIn(element))
+        return setApplicationAttribute(*pid, attribute, value);
+    if (auto window = windowIn(element, ElementKind::window))
+        return setWindowAttribute(*window, attribute, value);
+    return AXError::attributeUnsupported;
+}
+
+AXError X11Accessibility::setApplicationAttribute(
+    ProcessID pid, std::string_view attribute, const AXValue& value)
+{
+    if (attribute == ax::focusedWindow || attribute == ax::mainWindow) {
+        auto* element = std::get_if<AXElement>(&value);
+        auto window = element ? windowIn(*element, ElementKind::window) : std::nullopt;
+        constexpr bool wanted = true;
+        return window ? activate(*window, &wanted) : AXError::illegalArgument;
+    }
+    if (attribute != ax::frontmost)
+        return AXError::attributeUnsupported;
+
+    auto* isWanted = std::get_if<bool>(&value);
+    if (!isWanted)
+        return AXError::illegalArgument;
+    bool isThere = m_model.read(
+        [&](const DesktopModel& model) { return model.application(pid) != nullptr; });
+    if (!isThere)
+        return AXError::invalidElement;
+    if (!*isWanted)
+        return AXError::success;
+    return request([pid](WindowRequests& requests) { requests.activateApplication(pid); });
+}
+
+AXError X11Accessibility::setWindowAttribute(
+    WindowID window, std::string_view attribute, const AXValue& value)
+{
+    if (attribute == ax::minimized)
+        return setMinimized(window, std::get_if<bool>(&value));
+    if (attribute == ax::main || attribute == ax::focused)
+        return activate(window, std::get_if<bool>(&value));
+    if (attribute == ax::size)
+        return setSize(window, std::get_if<Size>(&value));
+    return AXError::attributeUnsupported;
+}
+
+AXError X11Accessibility::setMinimized(WindowID window, const bool* isWanted)
+{
+    // A window is restored by activating it; the manager knows no other request for that.
+    if (!isWanted || !*isWanted) {
+        constexpr bool wanted = true;
+        return activate(window, isWanted ? &wanted : nullptr);
+    }
+    if (!exists(window))
+        return AXError::invalidElement;
+    return request([window](WindowRequests& requests) { requests.minimize(window); });
+}
+
+AXError X11Accessibility::activate(WindowID window, const bool* isWanted)
+{
+    if (!isWanted)
+        return AXError::illegalArgument;
+    if (!exists(window))
+        return AXError::invalidElement;
+    if (!*isWanted)
+        return AXError::success;
+    return request([window](WindowRequests& requests) { requests.activate(window); });
+}
+
+AXError X11Accessibility::setSize(WindowID id, const Size* size)
+{
+    if (!size || size->isEmpty())
+        return AXError::illegalArgument;
+    auto error = m_model.read([&](const DesktopModel& model) {
+        auto* window = model.window(id);
+        if (!window)
+            return AXError::invalidElement;
+        return window->canResize ? AXError::success : AXError::attributeUnsupported;
+    });
+    if (error != AXError::success)
+        return error;
+    return request([id, wanted = *size](WindowRequests& requests) { requests.resize(id, wanted); });
+}
+
+AXError X11Accessibility::performAction(const AXElement& element, std::string_view action)
+{
+    constexpr bool wanted = true;
+    auto window = windowIn(element, ElementKind::window);
+    if (window && action == ax::raiseAction)
+        return activate(*window, &wanted);
+    auto closing = windowIn(element, ElementKind::closeButton);
+    if (!closing || action != ax::pressAction)
+        return AXError::actionUnsupported;
+    if (!exists(*closing))
+        return AXError::invalidElement;
+    return request([id = *closing](WindowRequests& requests) { requests.close(id); });
+}
+
+AXError X11Accessibility::request(std::function<void(WindowRequests&)> work)
+{
+    if (std::this_thread::get_id() == m_mainThread) {
+        work(m_requests);
+        return AXError::success;
+    }
+    m_dispatch.main().async([weak = m_weakRequests.reference(), work = std::move(work)] {
+        if (auto* requests = weak.get())
+            work(*requests);
+    });
+    return AXError::success;
+}
+
+bool X11Accessibility::exists(WindowID window) const
+{
+    return m_model.read([&](const DesktopModel& model) { return model.window(window) != nullptr; });
+}
+
+Accessibility::WindowIDResolver X11Accessibility::windowIDResolver() const
+{
+    return [](const AXElement& element, WindowID& number) {
+        auto window = windowIn(element, ElementKind::window);
+        if (!window)
+            return AXError::illegalArgument;
+        number = *window;
+        return AXError::success;
+    };
+}
+
+std::pair<AXError, std::unique_ptr<AXObserver>> X11Accessibility::createObserver(
+    ProcessID pid, RunLoopThread& thread, Callback callback)
+{
+    bool isThere = m_model.read(
+        [&](const DesktopModel& model) { return model.application(pid) != nullptr; });
+    if (!isThere)
+        return {AXError::cannotComplete, nullptr};
+    return {AXError::success, m_observers.makeObserver(pid, thread, std::move(callback))};
+}
+
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <thread>
+
+#include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Hosts/X11/Desktop/ObserverRegistry.h"
+#include "Quorvel/Platform/Accessibility.h"
+#include "Quorvel/Platform/WeakOwner.h"
+
+namespace quorvel::x11 {
+
+class WindowRequests;
+
+/// The applications' trees as the mirror knows them. No question waits for an application; what is
+/// set becomes a request to the window manager, from any thread through the main one.
+class X11Accessibility final : public Accessibility {
+public:
+    /// On the main thread.
+    X11Accessibility(const SharedModel&, ObserverRegistry&, WindowRequests&, Dispatch&);
+
+    bool isTrusted() const override { return true; }
+    void promptForTrust() override { }
+
+    AXElement application(ProcessID) const override;
+    void setMessagingTimeout(const AXElement&, float) override { }
+    AXReply copyAttribute(const AXElement&, std::string_view attribute) override;
+    AXError setAttribute(const AXElement&, std::string_view attribute, const AXValue&) override;
+    AXError performAction(const AXElement&, std::string_view action) override;
+    WindowIDResolver windowIDResolver() const override;
+    std::pair<AXError, std::unique_ptr<AXObserver>> createObserver(
+        ProcessID, RunLoopThread&, Callback) override;
+
+private:
+    AXReply applicationAttribute(ProcessID, std::string_view attribute) const;
+    AXReply windowAttribute(WindowID, std::string_view attribute) const;
+    AXError setApplicationAttribute(ProcessID, std::string_view attribute, const AXValue&);
+    AXError setWindowAttribute(WindowID, std::string_view attribute, const AXValue&);
+    AXError setSize(WindowID, const Size*);
+    AXError setMinimized(WindowID, const bool*);
+    AXError activate(WindowID, const bool*);
+    AXError request(std::function<void(WindowRequests&)>);
+    bool exists(WindowID) const;
+
+    const SharedModel& m_model;
+    ObserverRegistry& m_observers;
+    WindowRequests& m_requests;
+    Dispatch& m_dispatch;
+    std::thread::id m_mainThread;
+    WeakOwner<WindowRequests> m_weakRequests;
+};
+
+}

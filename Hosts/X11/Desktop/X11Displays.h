@@ -1,0 +1,47 @@
+#pragma once
+
+#include <mutex>
+
+#include "Hosts/X11/Monitors.h"
+#include "Quorvel/Platform/Displays.h"
+
+namespace quorvel::x11 {
+
+class Connection;
+class Mirror;
+
+/// The monitors as screens. What other threads ask is a copy behind a lock.
+class X11Displays final : public Displays {
+public:
+    X11Displays(Connection&, Monitors&, Mirror&);
+
+    std::vector<Screen> screens() const override;
+    DisplayNumber mainDisplay() const override;
+    std::vector<DisplayNumber> activeDisplays(std::size_t limit) const override;
+    std::optional<std::string> identifier(DisplayNumber) const override;
+    Point pointerLocation() const override;
+    std::optional<DisplayNumber> displayAt(Point globalTopLeft) const override;
+    Rect toNative(const Rect& globalTopLeft) const override;
+
+private:
+    struct Layout {
+        std::vector<Monitor> monitors;
+        Coordinates coordinates;
+        std::vector<Screen> screens;
+    };
+
+    void update();
+    Layout makeLayout();
+    Rect visiblePixels(const Rect& monitor);
+    Layout layout() const;
+
+    Connection& m_connection;
+    Monitors& m_monitors;
+    Mirror& m_mirror;
+    mutable std::mutex m_mutex;
+    Layout m_layout;
+    Subscription m_monitorsChanged;
+    Subscription m_reservationsChanged;
+};
+
+}

@@ -1,0 +1,194 @@
+#include "Hosts/X11/Desktop/X11WindowServer.h"
+
+#include <algorithm>
+
+#include "Hosts/X11/Desktop/Mirror.h"
+#include "Hosts/X11/Desktop/WindowRequests.h"
+#include "Hosts/X11/PanelEnvironment.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+constexpr std::string_view kDisplayIdentifier = "Main";
+constexpr std::int64_t kOrdinarySpace = 0;
+
+ManagedSpace managed(SpaceID space)
+{
+    return {raw(space), raw(space), kOrdinarySpace};
+}
+
+CGWindowInfo infoOf(const DesktopModel& model, const WindowRecord& window)
+{
+    CGWindowInfo info;
+    info.windowNumber = window.id;
+    info.ownerPID = window.owner;
+    info.layer = window.layer;
+    info.bounds = window.frame;
+    info.alpha = static_cast<float>(window.alpha);
+    info.windowName = window.title;
+    if (auto* application = model.application(window.owner))
+        info.ownerName = application->name;
+    return info;
+}
+
+}
+
+X11WindowServer::X11WindowServer(
+    SharedModel& model, Mirror& mirror, WindowRequests& requests, PanelEnvironment& environment)
+    : m_model(model)
+    , m_requests(requests)
+    , m_environment(environment)
+{
+    m_spacesChanged = mirror.spacesDidChange.subscribe([this] { spacesDidChange.emit(); });
+    m_spacesOfWindowsChanged
+        = mirror.spacesOfWindowsDidChange.subscribe([this] { spacesOfWindowsDidChange.emit(); });
+}
+
+void X11WindowServer::enumerateWindows(
+    std::uint32_t options, const std::function<void(const CGWindowInfo&)>& visitor) const
+{
+    bool excludesDesktop = (options & kWindowListExcludeDesktopElements) != 0;
+    m_model.read([&](const DesktopModel& model) {
+        // Newest first: a window stays in its place when others are raised, and a new one is on
+        // top.
+        for (auto entry = model.windows.rbegin(); entry != model.windows.rend(); ++entry) {
+            if (!excludesDesktop || !entry->second.isDesktopElement)
+                visitor(infoOf(model, entry->second));
+        }
+    });
+}
+
+std::optional<std::uint32_t> X11WindowServer::nativeWindowNumber(WindowID id) const
+{
+    return m_model.read([&](const DesktopModel& model) -> std::optional<std::uint32_t> {
+        auto* window = model.window(id);
+        return window ? std::optional{window->native} : std::nullopt;
+    });
+}
+
+std::optional<std::vector<ManagedDisplay>> X11WindowServer::managedDisplaySpaces(ConnectionID) const
+{
+    return m_model.read([](const DesktopModel& model) {
+        std::vector<ManagedDisplay> displays;
+        // Without a window manager there is nothing to put a bar on.
+        if (model.spaceNames.empty())
+            return std::optional{displays};
+        ManagedDisplay display;
+        display.identifier = std::string{kDisplayIdentifier};
+        for (auto space : model.spaces())
+            display.spaces.push_back(managed(space));
+        display.currentSpace = managed(model.activeSpace);
+        displays.push_back(std::move(display));
+        return std::optional{displays};
+    });
+}
+
+std::vector<WindowID> X11WindowServer::windowsOfSpaces(
+    ConnectionID, const std::vector<SpaceID>& spaces, std::uint32_t) const
+{
+    return m_model.read([&](const DesktopModel& model) {
+        std::vector<WindowID> windows;
+        for (auto& [id, window] : model.windows) {
+            bool isOnOne
+                = std::ranges::any_of(spaces, [&](SpaceID space) { return window.isOn(space); });
+            if (isOnOne)
+                windows.push_back(id);
+        }
+        return windows;
+    });
+}
+
+std::optional<std::vector<SpaceID>> X11WindowServer::spacesOfWindows(
+    ConnectionID, std::uint32_t, const std::vector<WindowID>& windows) const
+{
+    return m_model.read([&](const DesktopModel& model) {
+        std::vector<SpaceID> spaces;
+        for (auto id : windows) {
+            auto* window = model.window(id);
+            if (!window)
+                continue;
+            for (auto space : model.spacesOf(*window)) {
+                if (std::ranges::count(spaces, space) == 0)
+                    spaces.push_back(space);
+            }
+        }
+        return std::optional{spaces};
+    });
+}
+
+SpaceID X11WindowServer::activeSpace(ConnectionID) const
+{
+    return m_model.read([](const DesktopModel& model) { return model.activeSpace; });
+}
+
+std::optional<std::string> X11WindowServer::spaceName(SpaceID space) const
+{
+    return m_model.read([&](const DesktopModel& model) -> std::optional<std::string> {
+        auto index = raw(space) - 1; // space 0 wraps and is beyond every count
+        if (index >= model.spaceNames.size() || model.spaceNames[index].empty())
+            return std::nullopt;
+        return model.spaceNames[index];
+    });
+}
+
+void X11WindowServer::addWindowsToSpaces(
+    ConnectionID, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+{
+    changeSpaces(windows, spaces, [](std::vector<SpaceID>& wanted, SpaceID space) {
+        std::erase(wanted, space);
+        wanted.push_back(space);
+    });
+}
+
+void X11WindowServer::removeWindowsFromSpaces(
+    ConnectionID, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+{
+    changeSpaces(windows, spaces,
+        [](std::vector<SpaceID>& wanted, SpaceID space) { std::erase(wanted, space); });
+}
+
+void X11WindowServer::changeSpaces(
+    const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces, const Change& change)
+{
+    m_model.write([&](DesktopModel& model) {
+        for (auto id : windows) {
+            auto* window = model.window(id);
+            if (!window)
+                continue;
+            auto wanted = model.spacesOf(*window);
+            for (auto space : spaces) {
+                if (raw(space) >= 1 && raw(space) <= model.spaceNames.size())
+                    change(wanted, space);
+            }
+            model.wantedSpaces[id] = std::move(wanted);
+        }
+    });
+    m_requests.sendToWantedSpaces();
+}
+
+void X11WindowServer::setEdgeReservation(ConnectionID, SpaceID space, ScreenEdge, double height)
+{
+    auto reservations = m_environment.edgeReservations.value();
+    if (height > 0)
+        reservations[space] = height;
+    else
+        reservations.erase(space);
+    m_environment.edgeReservations.set(std::move(reservations));
+}
+
+void X11WindowServer::setDockRectangle(ConnectionID, const DockRectangle& dock)
+{
+    auto heights = m_environment.dockHeights.value();
+    heights[dock.display] = dock.rect.height;
+    m_environment.dockHeights.set(std::move(heights));
+}
+
+void X11WindowServer::clearDockRectangle(ConnectionID, DisplayNumber display)
+{
+    auto heights = m_environment.dockHeights.value();
+    heights.erase(display);
+    m_environment.dockHeights.set(std::move(heights));
+}
+
+}

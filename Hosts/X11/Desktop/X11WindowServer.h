@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Quorvel/Platform/WindowServer.h"
+
+namespace quorvel::x11 {
+
+class Mirror;
+class WindowRequests;
+struct PanelEnvironment;
+
+/// Windows and spaces as the mirror knows them. Desktops are common to all monitors: there is one
+/// managed display.
+class X11WindowServer final : public WindowServer {
+public:
+    X11WindowServer(SharedModel&, Mirror&, WindowRequests&, PanelEnvironment&);
+
+    ConnectionID mainConnection() const override { return 1; }
+    void enumerateWindows(std::uint32_t options,
+        const std::function<void(const CGWindowInfo&)>& visitor) const override;
+    std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
+
+    std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const override;
+    std::vector<WindowID> windowsOfSpaces(
+        ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const override;
+    std::optional<std::vector<SpaceID>> spacesOfWindows(
+        ConnectionID, std::uint32_t mask, const std::vector<WindowID>&) const override;
+    SpaceID activeSpace(ConnectionID) const override;
+    std::optional<std::string> spaceName(SpaceID) const override;
+    bool displaysHaveSeparateSpaces() const override { return false; }
+
+    void addWindowsToSpaces(
+        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void removeWindowsFromSpaces(
+        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void setEdgeReservation(ConnectionID, SpaceID, ScreenEdge, double height) override;
+    void setDockRectangle(ConnectionID, const DockRectangle&) override;
+    void clearDockRectangle(ConnectionID, DisplayNumber) override;
+
+private:
+    using Change = std::function<void(std::vector<SpaceID>& wanted, SpaceID)>;
+    void changeSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&, const Change&);
+
+    SharedModel& m_model;
+    WindowRequests& m_requests;
+    PanelEnvironment& m_environment;
+    Subscription m_spacesChanged;
+    Subscription m_spacesOfWindowsChanged;
+};
+
+}

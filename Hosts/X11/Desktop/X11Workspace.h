@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Hosts/X11/Desktop/SleepWatch.h"
+#include "Quorvel/Platform/Workspace.h"
+
+namespace quorvel::x11 {
+
+class Connection;
+class DesktopEntries;
+class Icons;
+class Mirror;
+class WindowRequests;
+
+/// Applications as the mirror knows them, with what the desktop files say of them. Main thread.
+class X11Workspace final : public Workspace {
+public:
+    X11Workspace(
+        Connection&, const SharedModel&, Mirror&, WindowRequests&, DesktopEntries&, Icons&);
+
+    void enumerateRunningApplications(
+        const std::function<void(const RunningApplication&)>& visitor) const override;
+    std::optional<RunningApplication> runningApplication(ProcessID) const override;
+    std::optional<ProcessID> frontmostApplication() const override;
+
+    std::optional<ApplicationURL> applicationURL(std::string_view bundleIdentifier) const override;
+    Image icon(const ApplicationURL&) const override;
+    Image runningApplicationIcon(ProcessID) const override;
+    Image genericApplicationIcon() const override;
+
+    bool isSelfActive() const override;
+    /// Only windows are active here: one of ours takes the focus when the user gives it.
+    void activateSelf() override { }
+    bool activateCooperatively(ProcessID) override;
+    bool activateDirectly(ProcessID) override;
+
+private:
+    Image windowIcon(ProcessID) const;
+
+    Connection& m_connection;
+    const SharedModel& m_model;
+    Mirror& m_mirror;
+    WindowRequests& m_requests;
+    DesktopEntries& m_entries;
+    Icons& m_icons;
+    SleepWatch m_sleep;
+    std::vector<Subscription> m_subscriptions;
+};
+
+}

@@ -1,0 +1,218 @@
+#include "Hosts/X11/Monitors.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <set>
+#include <span>
+#include <string_view>
+#include <utility>
+
+#include <fmt/format.h>
+#include <xcb/randr.h>
+
+#include "Hosts/X11/Connection.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+constexpr double kDotsPerInchAtScale1 = 96;
+constexpr double kLargestScale = 2;
+constexpr std::uint32_t kResourceWords = 16384;
+constexpr std::size_t kEdidHeader = 128;
+
+template <typename T> using Reply = std::unique_ptr<T, decltype(&std::free)>;
+
+template <typename T> Reply<T> owned(T* reply)
+{
+    return {reply, &std::free};
+}
+
+bool hasRandr(xcb_connection_t* connection)
+{
+    auto* extension = xcb_get_extension_data(connection, &xcb_randr_id);
+    return extension && extension->present;
+}
+
+/// The value of "Xft.dpi:" in the display's resources.
+std::optional<double> dotsPerInch(std::string_view resources)
+{
+    constexpr std::string_view key = "Xft.dpi:";
+    while (!resources.empty()) {
+        auto line = resources.substr(0, resources.find('\n'));
+        resources.remove_prefix(std::min(resources.size(), line.size() + 1));
+        if (!line.starts_with(key))
+            continue;
+        line.remove_prefix(key.size());
+        line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+        double value = 0;
+        auto end = std::from_chars(line.data(), line.data() + line.size(), value);
+        if (end.ec == std::errc{})
+            return value;
+    }
+    return std::nullopt;
+}
+
+double scaleFrom(const xcb_get_property_reply_t* resources)
+{
+    if (!resources || resources->format != 8)
+        return 1;
+    std::string_view text{static_cast<const char*>(xcb_get_property_value(resources)),
+        static_cast<std::size_t>(xcb_get_property_value_length(resources))};
+    auto dots = dotsPerInch(text);
+    return dots ? std::clamp(*dots / kDotsPerInchAtScale1, 1.0, kLargestScale) : 1;
+}
+
+/// Maker, model, serial number and week of a monitor, which stay when it is plugged in elsewhere.
+std::optional<std::string> identifierFromEdid(std::span<const std::uint8_t> edid)
+{
+    constexpr std::uint8_t header[] = {0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0};
+    if (edid.size() < kEdidHeader || !std::ranges::equal(edid.first(8), header))
+        return std::nullopt;
+    std::string text = "EDID-";
+    for (auto byte : edid.subspan(8, 10))
+        text += fmt::format("{:02X}", byte);
+    return text;
+}
+
+std::optional<std::string> identifierFrom(const xcb_randr_get_output_property_reply_t* reply)
+{
+    if (!reply || reply->format != 8)
+        return std::nullopt;
+    return identifierFromEdid({xcb_randr_get_output_property_data(reply),
+        static_cast<std::size_t>(xcb_randr_get_output_property_data_length(reply))});
+}
+
+/// One monitor of the server's answer with the two questions that it leads to.
+struct Asked {
+    const xcb_randr_monitor_info_t* info;
+    xcb_get_atom_name_cookie_t name;
+    std::optional<xcb_randr_get_output_property_cookie_t> edid;
+};
+
+std::string nameOf(xcb_connection_t* connection, xcb_get_atom_name_cookie_t cookie)
+{
+    auto reply = owned(xcb_get_atom_name_reply(connection, cookie, nullptr));
+    if (!reply)
+        return "monitor";
+    return {xcb_get_atom_name_name(reply.get()),
+        static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get()))};
+}
+
+std::vector<Asked> askAbout(
+    xcb_connection_t* connection, const xcb_randr_get_monitors_reply_t* reply, xcb_atom_t edid)
+{
+    std::vector<Asked> asked;
+    auto entry = xcb_randr_get_monitors_monitors_iterator(reply);
+    for (; entry.rem > 0; xcb_randr_monitor_info_next(&entry)) {
+        asked.push_back({entry.data, xcb_get_atom_name(connection, entry.data->name), {}});
+        bool hasOutput = xcb_randr_monitor_info_outputs_length(entry.data) > 0;
+        if (hasOutput && edid != XCB_ATOM_NONE) {
+            asked.back().edid = xcb_randr_get_output_property(connection,
+                *xcb_randr_monitor_info_outputs(entry.data), edid, XCB_ATOM_ANY, 0, kEdidHeader / 4,
+                0, 0);
+        }
+    }
+    return asked;
+}
+
+/// The primary one first, the others in the server's order.
+std::vector<Monitor> monitorsFrom(
+    xcb_connection_t* connection, const xcb_randr_get_monitors_reply_t* reply, xcb_atom_t edidAtom)
+{
+    std::vector<Monitor> monitors;
+    std::set<std::string> taken;
+    for (auto& asked : askAbout(connection, reply, edidAtom)) {
+        auto name = nameOf(connection, asked.name);
+        std::optional<std::string> edid;
+        if (asked.edid) {
+            edid = identifierFrom(
+                owned(xcb_randr_get_output_property_reply(connection, *asked.edid, nullptr)).get());
+        }
+        auto identifier = edid.value_or(name);
+        // Two monitors of one model may give the same number.
+        if (!taken.insert(identifier).second)
+            taken.insert(identifier += "-" + name);
+        auto& info = *asked.info;
+        Monitor monitor{DisplayNumber{info.name}, std::move(identifier),
+            {double(info.x), double(info.y), double(info.width), double(info.height)}};
+        monitors.insert(info.primary ? monitors.begin() : monitors.end(), std::move(monitor));
+    }
+    return monitors;
+}
+
+}
+
+Monitors::Monitors(Connection& connection) : m_connection(connection)
+{
+    connection.addEventMask(
+        connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
+    std::optional<std::uint8_t> randrEvent;
+    if (hasRandr(connection.raw())) {
+        randrEvent = xcb_get_extension_data(connection.raw(), &xcb_randr_id)->first_event;
+        xcb_randr_select_input(connection.raw(), connection.root(),
+            XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE
+                | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+    }
+    m_events = connection.event.subscribe([this, randrEvent](const xcb_generic_event_t* event) {
+        int kind = event->response_type & 0x7f;
+        if (kind == XCB_CONFIGURE_NOTIFY) {
+            auto* change = reinterpret_cast<const xcb_configure_notify_event_t*>(event);
+            m_isStale |= change->window == m_connection.root();
+        } else if (kind == XCB_PROPERTY_NOTIFY) {
+            auto* change = reinterpret_cast<const xcb_property_notify_event_t*>(event);
+            m_isStale |= change->window == m_connection.root()
+                && change->atom == m_connection.atoms().resourceManager;
+        } else if (randrEvent) {
+            m_isStale |= kind == *randrEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY
+                || kind == *randrEvent + XCB_RANDR_NOTIFY;
+        }
+    });
+    m_turnEnded = connection.turnEnded.subscribe([this] {
+        if (!std::exchange(m_isStale, false))
+            return;
+        auto before = std::tuple{m_list, m_coordinates, m_screenPixels};
+        read();
+        if (before != std::tuple{m_list, m_coordinates, m_screenPixels})
+            changed.emit();
+    });
+    read();
+}
+
+void Monitors::read()
+{
+    auto* raw = m_connection.raw();
+    auto root = m_connection.root();
+    bool knowsMonitors = hasRandr(raw);
+    constexpr std::string_view edidName = "EDID";
+    auto edidCookie = xcb_intern_atom(raw, 1, edidName.size(), edidName.data());
+    auto sizeCookie = xcb_get_geometry(raw, root);
+    auto resourcesCookie = xcb_get_property(
+        raw, 0, root, m_connection.atoms().resourceManager, XCB_ATOM_STRING, 0, kResourceWords);
+    std::optional<xcb_randr_get_monitors_cookie_t> monitorsCookie;
+    if (knowsMonitors)
+        monitorsCookie = xcb_randr_get_monitors(raw, root, 1);
+
+    auto edid = owned(xcb_intern_atom_reply(raw, edidCookie, nullptr));
+    auto size = owned(xcb_get_geometry_reply(raw, sizeCookie, nullptr));
+    auto resources = owned(xcb_get_property_reply(raw, resourcesCookie, nullptr));
+    if (size)
+        m_screenPixels = {double(size->width), double(size->height)};
+    m_list.clear();
+    if (monitorsCookie) {
+        if (auto reply = owned(xcb_randr_get_monitors_reply(raw, *monitorsCookie, nullptr)))
+            m_list = monitorsFrom(raw, reply.get(), edid ? edid->atom : xcb_atom_t{XCB_ATOM_NONE});
+    } else {
+        m_list.push_back({DisplayNumber{1}, "screen", Rect::from({}, m_screenPixels)});
+    }
+    m_coordinates.scale = scaleFrom(resources.get());
+    // While no monitor is connected, frames keep the place they had.
+    if (!m_list.empty())
+        m_coordinates.primaryPixels = m_list.front().pixels;
+}
+
+}
