@@ -66,10 +66,15 @@ TEST_P(WindowManagerRestart, leavesEveryChipAndThePanelInPlace)
     ASSERT_TRUE(before && before->visiblePanel());
     const auto& panel = *before->visiblePanel();
     ASSERT_EQ(panel.chips.size(), 4u);
-    const auto holdsStill = [&] {
+    const auto holdsStill = [&]() -> testing::AssertionResult {
         const auto now = bar.state();
-        return now && now->visiblePanel() && now->visiblePanel()->chips == panel.chips
-            && now->visiblePanel()->frame == panel.frame;
+        const auto* const shown = now ? now->visiblePanel() : nullptr;
+        if (!shown)
+            return testing::AssertionFailure() << "no panel";
+        if (shown->chips != panel.chips)
+            return testing::AssertionFailure()
+                << "chips " << testing::PrintToString(shown->chips) << " on space " << shown->space;
+        return testing::AssertionResult(shown->frame == panel.frame) << "the panel has moved";
     };
 
     endManager();

@@ -111,6 +111,17 @@ bool Desktop::hasWindowManager()
         && number(m_connection.root(), "_NET_CURRENT_DESKTOP");
 }
 
+bool Desktop::managerAnswers()
+{
+    if (m_probe == XCB_NONE) {
+        m_probe = xcb_generate_id(m_connection.get());
+        xcb_create_window(m_connection.get(), XCB_COPY_FROM_PARENT, m_probe, m_connection.root(), 0,
+            0, 100, 100, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    }
+    send(m_probe, "_NET_REQUEST_FRAME_EXTENTS", {});
+    return !m_connection.numbers(m_probe, "_NET_FRAME_EXTENTS").empty();
+}
+
 void Desktop::activate(xcb_window_t window)
 {
     send(window, "_NET_ACTIVE_WINDOW", {kPager, XCB_CURRENT_TIME, XCB_NONE});

@@ -33,6 +33,9 @@ public:
     Frame frame(xcb_window_t);
     /// The window of a running manager, as it announces itself.
     bool hasWindowManager();
+    /// Whether the manager has come to its event loop and answers a request. Ask again until then;
+    /// it may have missed the first.
+    bool managerAnswers();
 
     void activate(xcb_window_t);
     void minimise(xcb_window_t);
@@ -47,6 +50,7 @@ private:
     void send(xcb_window_t, const std::string& message, const std::vector<std::uint32_t>& data);
 
     Connection m_connection;
+    xcb_window_t m_probe = XCB_NONE;
 };
 
 }

@@ -12,10 +12,12 @@ public:
     explicit Pointer(const std::string& display) : m_connection(display) { }
 
     void moveTo(int x, int y);
-    /// Moves to the middle, presses and releases.
+    /// Moves to the middle, presses, releases, and returns when the release has been delivered.
     void click(const Frame&, Button = Button::primary);
 
 private:
+    bool isPressed();
+
     Connection m_connection;
 };
 

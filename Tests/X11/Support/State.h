@@ -22,6 +22,12 @@ struct State {
         Frame frame;
         bool isMinimized = false;
         std::vector<std::uint64_t> spaces;
+        friend std::ostream& operator<<(std::ostream& out, const Window& window)
+        {
+            return out << window.id << ' ' << window.title
+                       << (window.isMinimized ? " minimised" : "") << " on "
+                       << testing::PrintToString(window.spaces);
+        }
     };
     struct Item {
         std::string id;
@@ -38,6 +44,10 @@ struct State {
         std::string id;
         Frame frame;
         friend bool operator==(const Chip&, const Chip&) = default;
+        friend std::ostream& operator<<(std::ostream& out, const Chip& chip)
+        {
+            return out << chip.id << " at " << chip.frame.x << ',' << chip.frame.y;
+        }
     };
     struct Panel {
         std::uint64_t space = 0;

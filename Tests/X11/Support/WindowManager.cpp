@@ -43,7 +43,8 @@ void WindowManager::beginReplace()
 
 void WindowManager::waitUntilManaging()
 {
-    EXPECT_TRUE(eventually(20s, [this] { return isManaging(); }))
+    // A window that is opened while openbox starts may stay unmanaged.
+    EXPECT_TRUE(eventually(20s, [this] { return isManaging() && m_desktop.managerAnswers(); }))
         << readFile(m_server.folder() / "manager.log");
 }
 
