@@ -1,16 +1,16 @@
-#include <csignal>
-
 #include "Hosts/MacOS/Cocoa.h"
-#include "Hosts/MacOS/Invocation.h"
+#include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/MacApplication.h"
 #include "Hosts/MacOS/MacSurfaces.h"
 #include "Hosts/MacOS/MacWorkspace.h"
 #include "Hosts/MacOS/ScreenWatcher.h"
+#include "Hosts/MacOS/System/FdSource.h"
 #include "Hosts/MacOS/System/MacAccessibility.h"
 #include "Hosts/MacOS/System/MacDispatch.h"
 #include "Hosts/MacOS/System/MacScreenCapture.h"
 #include "Hosts/MacOS/System/MacWindowServer.h"
 #include "Hosts/MacOS/TextLine.h"
+#include "Hosts/Posix/Invocation.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Quorvel.h"
 
@@ -23,6 +23,14 @@ MacWindowServer::DisplaySpaces displaySpaces()
 {
     return NSScreen.screensHaveSeparateSpaces ? MacWindowServer::DisplaySpaces::separate
                                               : MacWindowServer::DisplaySpaces::shared;
+}
+
+/// A user has one screen session, so its displays share one bar. The temporary folder is the
+/// user's own here.
+std::optional<posix::ControlAddress> barAddress(std::string& problem)
+{
+    const std::string folder = fromSystem(NSTemporaryDirectory());
+    return posix::ControlAddress::forDisplay("screen", folder.c_str(), "/tmp", problem);
 }
 
 int runBar(ControlChannel& control, Trace& trace)
@@ -60,12 +68,8 @@ int runBar(ControlChannel& control, Trace& trace)
 int main(int count, char** values)
 {
     @autoreleasepool {
-        // A client that hangs up must not end us. A handler, not "ignore", which the programs that
-        // are started from here would inherit.
-        struct sigaction action { };
-        action.sa_handler = [](int) {};
-        action.sa_flags = SA_RESTART;
-        sigaction(SIGPIPE, &action, nullptr);
-        return quorvel::invoke({values + 1, values + count}, quorvel::runBar);
+        quorvel::posix::surviveBrokenPipes();
+        return quorvel::posix::invoke({values + 1, values + count},
+            {quorvel::barAddress, quorvel::watchFd, quorvel::runBar});
     }
 }

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Hosts/Posix/ControlAddress.h"
+#include "Hosts/Posix/FdWatch.h"
+#include "Quorvel/Platform/ControlChannel.h"
+#include "Quorvel/Platform/Trace.h"
+
+namespace quorvel::posix {
+
+/// What a host adds to the road from the command line to the running bar.
+struct InvocationHost {
+    /// Absent with a one-line problem.
+    std::function<std::optional<ControlAddress>(std::string& problem)> address;
+    /// Watches a descriptor on the host's main loop; used before `run` too.
+    WatchFd watch;
+    /// Runs the bar to its end; returns the exit status.
+    std::function<int(ControlChannel&, Trace&)> run;
+};
+
+/// Does what the arguments (without the program's name) ask for: prints something, hands a request
+/// to the running bar, or becomes the bar. Returns the exit status. Main thread.
+int invoke(const std::vector<std::string>& arguments, const InvocationHost&);
+
+/// Makes a write to a peer that has gone fail instead of ending the process. A handler, not
+/// "ignore", which the programs started from the bar would inherit.
+void surviveBrokenPipes();
+
+/// "quorvel: " and the problem, on standard error; returns exit status 1.
+int failWith(const std::string& problem);
+
+}
