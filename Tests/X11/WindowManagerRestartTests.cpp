@@ -73,7 +73,8 @@ TEST_P(WindowManagerRestart, leavesEveryChipAndThePanelInPlace)
             return testing::AssertionFailure() << "no panel";
         if (shown->chips != panel.chips)
             return testing::AssertionFailure()
-                << "chips " << testing::PrintToString(shown->chips) << " on space " << shown->space;
+                << "chips " << testing::PrintToString(shown->chips) << " on space " << shown->space
+                << " of " << testing::PrintToString(now->windows);
         return testing::AssertionResult(shown->frame == panel.frame) << "the panel has moved";
     };
 
