@@ -34,6 +34,7 @@ Runtime::Runtime(const Platform& platform) : m_platform(platform)
 
 Runtime::~Runtime()
 {
+    m_platform.control.setHandler({});
     s_current = nullptr;
 }
 
@@ -226,7 +227,6 @@ void QuorvelApp::observeHints(Runtime& runtime)
     runtime.keep(server.spacesDidChange.subscribe([&runtime] {
         runtime.windowStore().refreshSpaces();
         runtime.m_barManager->syncPanels();
-        runtime.m_barManager->viewModel().refresh();
     }));
 }
 
@@ -237,7 +237,7 @@ void QuorvelApp::answerRequests(Runtime& runtime)
             if (arguments == std::vector<std::string>{"--quit"}) {
                 // On the next turn, when the reply is on its way.
                 runtime.m_platform.dispatch.main().async(
-                    [&runtime] { runtime.m_platform.application.terminate(); });
+                    [&application = runtime.m_platform.application] { application.terminate(); });
                 return {};
             }
             if (arguments != std::vector<std::string>{"--state"})

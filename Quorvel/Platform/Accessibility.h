@@ -100,8 +100,9 @@ inline constexpr std::string_view windowDeminiaturized = "AXWindowDeminiaturized
 inline constexpr std::string_view elementDestroyed = "AXUIElementDestroyed";
 }
 
-/// The registrations of one process. Made, used and destroyed on its run loop's thread; destroying
-/// it ends every registration, and no callback follows.
+/// The registrations of one process. Made and used on its run loop's thread, and destroyed there
+/// or, once that thread has ended, anywhere. Destroying it ends every registration; no callback
+/// follows.
 class AXObserver {
 public:
     virtual ~AXObserver() = default;

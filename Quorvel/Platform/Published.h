@@ -29,6 +29,7 @@ public:
 
     [[nodiscard]] Subscription subscribe(Subscriber subscriber) const
     {
+        prune();
         auto entry = std::make_shared<Subscriber>(std::move(subscriber));
         m_subscribers.push_back(entry);
         return Subscription{std::move(entry)};
@@ -36,7 +37,7 @@ public:
 
     void emit(const Arguments&... arguments) const
     {
-        std::erase_if(m_subscribers, [](const auto& entry) { return entry.expired(); });
+        prune();
         auto current = m_subscribers;
         for (auto& entry : current) {
             if (auto subscriber = entry.lock())
@@ -45,6 +46,11 @@ public:
     }
 
 private:
+    void prune() const
+    {
+        std::erase_if(m_subscribers, [](const auto& entry) { return entry.expired(); });
+    }
+
     mutable std::vector<std::weak_ptr<Subscriber>> m_subscribers;
 };
 

@@ -32,10 +32,25 @@ private:
     Sink m_sink;
 };
 
-/// An absent value as the trace prints it.
-template <typename Identifier> std::string orNil(const std::optional<Identifier>& identifier)
+/// An identifier as the trace prints it; "nil" for none. Composed only if the line is.
+template <typename Identifier> struct OrNil {
+    std::optional<Identifier> identifier;
+};
+
+template <typename Identifier> OrNil<Identifier> orNil(const std::optional<Identifier>& identifier)
 {
-    return identifier ? fmt::format("{}", raw(*identifier)) : std::string{"nil"};
+    return {identifier};
 }
 
 }
+
+template <typename Identifier>
+struct fmt::formatter<quorvel::OrNil<Identifier>> : fmt::formatter<std::string_view> {
+    template <typename Context>
+    auto format(const quorvel::OrNil<Identifier>& value, Context& context) const
+    {
+        if (!value.identifier)
+            return fmt::format_to(context.out(), "nil");
+        return fmt::format_to(context.out(), "{}", quorvel::raw(*value.identifier));
+    }
+};

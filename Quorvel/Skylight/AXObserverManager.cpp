@@ -108,7 +108,8 @@ void AXObserverManager::observe(ProcessID pid)
     if (!m_thread)
         return;
     m_wantedPIDs.insert(pid);
-    m_thread->perform([this, pid] { addObserver(pid); });
+    auto attempt = attemptFor(pid);
+    m_thread->perform([this, pid, attempt] { addObserver(pid, attempt); });
 }
 
 void AXObserverManager::stopObserving(ProcessID pid)
@@ -125,16 +126,27 @@ void AXObserverManager::refreshWindows(const std::set<ProcessID>& pids)
         return;
     for (auto pid : pids) {
         m_wantedPIDs.insert(pid);
-        m_thread->perform([this, pid] {
-            if (m_pidStates.contains(pid))
-                refreshWindowObservations(pid);
-            else
-                addObserver(pid);
-        });
+        auto attempt = attemptFor(pid);
+        m_thread->perform([this, pid, attempt] { attachOrRefresh(pid, attempt); });
     }
 }
 
-void AXObserverManager::addObserver(ProcessID pid)
+void AXObserverManager::attachOrRefresh(ProcessID pid, Attempt attempt)
+{
+    if (m_pidStates.contains(pid))
+        refreshWindowObservations(pid, attempt);
+    else
+        addObserver(pid, attempt);
+}
+
+AXObserverManager::Attempt AXObserverManager::attemptFor(ProcessID pid) const
+{
+    auto retry = m_retries.find(pid);
+    bool isWaiting = retry != m_retries.end() && retry->second.isPending();
+    return isWaiting ? Attempt::extra : Attempt::counted;
+}
+
+void AXObserverManager::addObserver(ProcessID pid, Attempt attempt)
 {
     if (m_pidStates.contains(pid))
         return;
@@ -142,12 +154,13 @@ void AXObserverManager::addObserver(ProcessID pid)
     auto application = m_calls.application(pid);
     auto observer = registerApplication(pid, application);
     if (!observer) {
-        scheduleRetry(pid);
+        if (attempt == Attempt::counted)
+            scheduleRetry(pid);
         return;
     }
     m_pidStates.insert_or_assign(pid, PIDState{std::move(observer), application, {}});
-    refreshWindowObservations(pid);
     m_retryCount.erase(pid);
+    refreshWindowObservations(pid, Attempt::counted);
     m_callbackQueue.async([weak = m_weak.reference(), pid] {
         auto* self = weak.get();
         if (self && self->m_wantedPIDs.contains(pid) && self->onObserverAdded)
@@ -159,7 +172,7 @@ std::unique_ptr<AXObserver> AXObserverManager::registerApplication(
     ProcessID pid, const AXElement& application)
 {
     auto [error, observer] = m_accessibility.createObserver(
-        pid, *m_thread, [this, pid](const AXElement& element, std::string_view notification) {
+        pid, *m_runLoop, [this, pid](const AXElement& element, std::string_view notification) {
             handleNotification(pid, element, notification);
         });
     if (error != AXError::success || !observer)
@@ -192,35 +205,40 @@ void AXObserverManager::attachAfter(ProcessID pid, Duration delay)
         return;
     m_retries[pid] = m_callbackQueue.after(delay, [this, pid] {
         if (m_thread)
-            m_thread->perform([this, pid] { addObserver(pid); });
+            m_thread->perform([this, pid] { attachOrRefresh(pid, Attempt::counted); });
     });
 }
 
-void AXObserverManager::refreshWindowObservations(ProcessID pid)
+void AXObserverManager::refreshWindowObservations(ProcessID pid, Attempt attempt)
 {
     AXCalls::Scan hungOnlyOnce(m_calls);
     auto state = m_pidStates.find(pid);
     auto windows = m_calls.windows(pid);
-    if (state == m_pidStates.end() || !windows)
+    if (state == m_pidStates.end())
         return;
-    for (auto& window : *windows) {
+    bool isComplete = windows.has_value();
+    for (auto& window : windows.value_or(std::vector<AXElement>{})) {
         if (auto id = m_calls.windowID(pid, window))
-            observeWindow(state->second, *id, window);
+            isComplete &= observeWindow(state->second, *id, window);
     }
+    if (isComplete)
+        m_retryCount.erase(pid);
+    else if (attempt == Attempt::counted)
+        scheduleRetry(pid);
 }
 
-void AXObserverManager::observeWindow(PIDState& state, WindowID id, const AXElement& window)
+bool AXObserverManager::observeWindow(PIDState& state, WindowID id, const AXElement& window)
 {
     if (state.observedWindows.contains(id))
-        return;
+        return true;
     bool isHeard = false;
     for (auto notification : windowNotifications) {
         auto result = state.observer->addNotification(window, notification);
         isHeard |= result == AXError::success || result == AXError::notificationAlreadyRegistered;
     }
-    // A window that could not be listened to at all is tried again with the next refresh.
     if (isHeard)
         state.observedWindows.emplace(id, window);
+    return isHeard;
 }
 
 void AXObserverManager::removeObserver(ProcessID pid)
@@ -233,6 +251,7 @@ void AXObserverManager::removeObserver(ProcessID pid)
     for (auto notification : applicationNotifications)
         observer->removeNotification(application, notification);
     for (auto& [id, window] : observedWindows) {
+        m_debounceState.cancel(id);
         for (auto notification : windowNotifications)
             observer->removeNotification(window, notification);
     }
@@ -260,8 +279,8 @@ void AXObserverManager::handleNotification(
         id = resolveWindowIDFromObservedWindows(pid, element);
     auto state = m_pidStates.find(pid);
     if (id && state != m_pidStates.end()) {
-        if (notification == ax::windowCreated)
-            observeWindow(state->second, *id, element);
+        if (notification == ax::windowCreated && !observeWindow(state->second, *id, element))
+            scheduleRetry(pid);
         if (notification == ax::elementDestroyed) {
             state->second.observedWindows.erase(*id);
             m_debounceState.cancel(*id);
@@ -274,7 +293,7 @@ void AXObserverManager::deliver(AXWindowEvent event)
 {
     auto call = [weak = m_weak.reference(), event] {
         auto* self = weak.get();
-        if (self && self->onEvent)
+        if (self && self->m_thread && self->onEvent)
             self->onEvent(event);
     };
     if (event.windowID && isDebounced(event.notification)) {

@@ -108,18 +108,26 @@ private:
         std::map<WindowID, AXElement> observedWindows;
     };
 
+    /// An attempt beside the one that a retry waits for is not counted, or it would use that one
+    /// up.
+    enum class Attempt { counted, extra };
+
     // On the observer thread.
-    void addObserver(ProcessID);
+    void addObserver(ProcessID, Attempt);
     std::unique_ptr<AXObserver> registerApplication(ProcessID, const AXElement& application);
-    void refreshWindowObservations(ProcessID);
+    void attachOrRefresh(ProcessID, Attempt);
+    /// Tried again like attaching if a window could not be listened to.
+    void refreshWindowObservations(ProcessID, Attempt);
     void removeObserver(ProcessID);
-    void observeWindow(PIDState&, WindowID, const AXElement&);
+    /// False if none of its notifications could be registered.
+    bool observeWindow(PIDState&, WindowID, const AXElement&);
     void handleNotification(ProcessID, const AXElement&, std::string_view notification);
     std::optional<WindowID> resolveWindowIDFromObservedWindows(ProcessID, const AXElement&);
     void scheduleRetry(ProcessID);
     void deliver(AXWindowEvent);
 
     // On the callback queue.
+    Attempt attemptFor(ProcessID) const;
     void attachAfter(ProcessID, Duration delay);
 
     Dispatch& m_dispatch;

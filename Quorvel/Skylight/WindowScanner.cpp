@@ -129,8 +129,7 @@ bool WindowScanner::admit(const CGWindowInfo& window, const AXWindowMetadataByID
     bool isKnown = metadata != metadataByID.end();
     ScannedWindowCandidate candidate;
     candidate.appName = window.ownerName.value_or("Unknown");
-    candidate.title = isKnown && metadata->second.title ? metadata->second.title
-                                                        : readTitleFromAX(*window.ownerPID, id);
+    candidate.title = isKnown ? metadata->second.title : readTitleFromAX(*window.ownerPID, id);
     candidate.frame = *window.bounds;
     candidate.spaces = moment.spaces.spaces(id);
     candidate.isAXConfirmed = admission.isConfirmed;

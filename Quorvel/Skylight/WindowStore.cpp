@@ -121,7 +121,7 @@ bool WindowStore::updateOrAdmit(ProcessID pid, const PIDWindowScan& scan, bool& 
     bool hasChanged = false;
     for (auto& [id, candidate] : scan.candidates) {
         if (auto* window = tracked(id)) {
-            hasChanged |= updateTracked(*window, candidate);
+            hasChanged |= updateTracked(*window, pid, candidate);
             m_reconcileStateByWindowID.insert_or_assign(id, Active{});
         }
     }
@@ -130,9 +130,11 @@ bool WindowStore::updateOrAdmit(ProcessID pid, const PIDWindowScan& scan, bool& 
     return hasChanged || added > 0;
 }
 
-bool WindowStore::updateTracked(TrackedWindow& window, const ScannedWindowCandidate& candidate)
+bool WindowStore::updateTracked(
+    TrackedWindow& window, ProcessID pid, const ScannedWindowCandidate& candidate)
 {
     auto before = window;
+    window.pid = pid;
     window.appName = candidate.appName;
     window.bundleIdentifier = candidate.bundleID;
     window.windowTitle = candidate.title.value_or(window.windowTitle);
@@ -352,14 +354,18 @@ int WindowStore::discoverNewWindowsForTrackedPIDs()
     AXCalls::Scan hungOnlyOnce(m_scanner.calls());
     auto moment = m_scanner.lookAtAll();
     int total = 0;
+    bool hasChanged = false;
     for (auto pid : trackedPIDs()) {
         auto scan = m_scanner.scan(pid, moment);
         auto [added, isUnconfirmed] = admitNewWindows(pid, scan);
         total += added;
         if (isUnconfirmed || hasUnpublishedWindow(scan))
             scheduleDeferredScan(pid);
+        // A window whose end nobody announced is noticed here and gone after the usual grace.
+        hasChanged |= removeMissingWindows(pid, scan);
+        scheduleMissingFollowUp(pid);
     }
-    if (total > 0)
+    if (total > 0 || hasChanged)
         notifyChange();
     return total;
 }

@@ -101,7 +101,8 @@ private:
     using ScansByPID = std::map<ProcessID, PIDWindowScan>;
 
     int reconcileWindowsForPID(ProcessID);
-    bool updateTracked(TrackedWindow&, const ScannedWindowCandidate&);
+    /// A window may come under another process: X11 finds out late whose it is.
+    bool updateTracked(TrackedWindow&, ProcessID, const ScannedWindowCandidate&);
     void track(WindowID, ProcessID, const ScannedWindowCandidate&);
     /// Tracks what is new in the scan; true in `second` when something must be looked at again.
     std::pair<int, bool> admitNewWindows(ProcessID, const PIDWindowScan&);
@@ -134,9 +135,10 @@ private:
     void handleFocusedWindowChanged(const AXWindowEvent&);
     void admitCreatedWindow(const AXWindowEvent&, WindowID, const AXWindowMetadata&);
     void setFocusedWindow(WindowID);
+    /// A burst, unless the process can have no window on the bar.
+    void scanForUntracked(ProcessID);
 
     TrackedWindow* tracked(const std::optional<WindowID>&);
-    std::optional<WindowID> resolveWindowID(const AXWindowEvent&);
     std::set<WindowID> trackedWindowIDs(ProcessID) const;
     bool hasTrackedWindows(ProcessID) const;
     bool hasMissingTrackedWindows(ProcessID) const;

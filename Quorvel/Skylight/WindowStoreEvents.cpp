@@ -8,11 +8,14 @@
 
 namespace quorvel {
 
-void WindowStore::handleAXEvent(const AXWindowEvent& event)
+void WindowStore::handleAXEvent(const AXWindowEvent& announced)
 {
     ++m_debugEventSequence;
     AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    auto event = announced;
     m_scanner.calls().setMessagingTimeout(event.element);
+    if (!event.windowID && event.notification != ax::focusedWindowChanged)
+        event.windowID = m_scanner.calls().windowID(event.pid, event.element);
     auto& name = event.notification;
     if (name == ax::windowCreated)
         handleWindowCreated(event);
@@ -30,17 +33,18 @@ void WindowStore::handleAXEvent(const AXWindowEvent& event)
         handleFocusedWindowChanged(event);
 }
 
-std::optional<WindowID> WindowStore::resolveWindowID(const AXWindowEvent& event)
+void WindowStore::scanForUntracked(ProcessID pid)
 {
-    auto id = m_scanner.calls().windowID(event.pid, event.element);
-    return id ? id : event.windowID;
+    auto application = m_workspace.runningApplication(pid);
+    if (application && application->activationPolicy == ActivationPolicy::regular)
+        scheduleDeferredScan(pid);
 }
 
 void WindowStore::handleWindowCreated(const AXWindowEvent& event)
 {
     auto metadata = m_scanner.readMetadata(event.pid, event.element);
-    if (auto id = resolveWindowID(event))
-        admitCreatedWindow(event, *id, metadata);
+    if (event.windowID)
+        admitCreatedWindow(event, *event.windowID, metadata);
     ensureLifecycleMonitoringForWindowActivity(event.pid);
 }
 
@@ -48,7 +52,8 @@ void WindowStore::admitCreatedWindow(
     const AXWindowEvent& event, WindowID id, const AXWindowMetadata& metadata)
 {
     if (!isDockEligibleAXWindow(metadata)) {
-        m_trace.line("ignored-non-standard-ax-window role={}", sanitizeLogField(metadata.role));
+        if (m_trace.isOn())
+            m_trace.line("ignored-non-standard-ax-window role={}", sanitizeLogField(metadata.role));
         return;
     }
     auto moment = m_scanner.lookAt(event.pid);
@@ -72,7 +77,7 @@ void WindowStore::admitCreatedWindow(
         candidate.spaces = m_scanner.querySpaces(id, m_scanner.mainConnection());
     if (auto* window = tracked(id)) {
         m_reconcileStateByWindowID.insert_or_assign(id, Active{});
-        if (updateTracked(*window, candidate))
+        if (updateTracked(*window, event.pid, candidate))
             notifyChange();
     } else if (!candidate.spaces.empty()) {
         track(id, event.pid, candidate);
@@ -112,7 +117,7 @@ void WindowStore::handleFrameChanged(const AXWindowEvent& event)
     auto* window = tracked(event.windowID);
     if (!window) {
         // It may have grown large enough for the bar.
-        scheduleDeferredScan(event.pid);
+        scanForUntracked(event.pid);
         return;
     }
     auto frame = m_scanner.readFrame(event.pid, event.element);
@@ -136,7 +141,7 @@ std::optional<std::size_t> WindowStore::indexOfScreenContaining(const Rect& wind
         return {};
     auto flipped = windowFrame.flipped(screens.front().frame.height);
     auto found = std::find_if(screens.begin(), screens.end(),
-        [&](const Screen& screen) { return screen.frame.contains(flipped); });
+        [&](const Screen& screen) { return screen.frame.contains(flipped.centre()); });
     if (found == screens.end())
         return {};
     return static_cast<std::size_t>(found - screens.begin());
@@ -145,11 +150,10 @@ std::optional<std::size_t> WindowStore::indexOfScreenContaining(const Rect& wind
 void WindowStore::handleMinimized(const AXWindowEvent& event, bool isMinimized)
 {
     auto* window = tracked(event.windowID);
-    if (!window)
-        return;
-    bool hasChanged = window->isMinimized != isMinimized;
-    window->isMinimized = isMinimized;
-    if (isMinimized && m_focusedWindowID == event.windowID) {
+    bool hasChanged = window && window->isMinimized != isMinimized;
+    if (window)
+        window->isMinimized = isMinimized;
+    if (isMinimized && event.windowID && m_focusedWindowID == event.windowID) {
         m_focusedWindowID.reset();
         hasChanged = true;
     }
@@ -169,7 +173,7 @@ void WindowStore::handleFocusedWindowChanged(const AXWindowEvent& event)
         setFocusedWindow(*event.windowID);
         // A window that has the focus and no chip may have been missed.
         if (!tracked(event.windowID))
-            scheduleDeferredScan(event.pid);
+            scanForUntracked(event.pid);
         return;
     }
     auto& calls = m_scanner.calls();

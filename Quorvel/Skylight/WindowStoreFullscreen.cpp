@@ -65,7 +65,8 @@ bool WindowStore::trackOnSpace(
         return false;
     candidate->second.spaces = m_scanner.querySpaces(id, m_scanner.mainConnection());
     if (auto* window = tracked(id)) {
-        hasChanged |= updateTracked(*window, candidate->second);
+        hasChanged |= updateTracked(*window, *pid, candidate->second);
+        m_reconcileStateByWindowID.insert_or_assign(id, Active{});
     } else {
         track(id, *pid, candidate->second);
         hasChanged = true;
