@@ -79,7 +79,7 @@ Json spaceJson(const BarManager& manager, const SpaceWindows::Info& space)
     };
 }
 
-Json panelJson(const Platform& platform, const BarManager& manager, const BarPanel& panel)
+Json panelJson(const Platform& platform, const BarPanel& panel)
 {
     auto screens = platform.displays.screens();
     double primaryHeight = screens.empty() ? 0 : screens.front().frame.height;
@@ -91,7 +91,7 @@ Json panelJson(const Platform& platform, const BarManager& manager, const BarPan
         chips.push_back({{"id", id}, {"frame", inPanel(rect)}});
     return {
         {"space", raw(panel.spaceID())},
-        {"screen", orNull(manager.screenIndex(panel.spaceID()))},
+        {"screen", panel.screenIndex()},
         {"visible", panel.surface().isVisible()},
         {"frame", frameJson(platform, frame)},
         {"menuButton", inPanel(panel.content()->menuButtonFrame())},
@@ -113,7 +113,7 @@ std::string stateReport(
         spaces.push_back(spaceJson(manager, space));
     Json panels = Json::array();
     for (auto& [space, panel] : manager.panels())
-        panels.push_back(panelJson(platform, manager, *panel));
+        panels.push_back(panelJson(platform, *panel));
     Json state{
         {"version", kVersion},
         {"activeSpace", raw(model.activeSpaceID.value())},

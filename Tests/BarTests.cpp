@@ -150,6 +150,24 @@ TEST_F(BarTest, targetsHoldStillUnderThePointer)
     EXPECT_LT(chipFrame(notes)->x, before.x);
 }
 
+TEST_F(BarTest, aWindowThatComesBackUnderThePointerIsSeenAgain)
+{
+    auto before = *chipFrame(draft);
+    panel().movePointer(before.centre());
+    desktop.moveToSpace(draft, SpaceID{2});
+    desktop.activateSpace(SpaceID{2});
+    desktop.activateSpace(SpaceID{1});
+    settle();
+    EXPECT_FALSE(chipFrame(draft));
+
+    desktop.moveToSpace(draft, SpaceID{1});
+    desktop.activateSpace(SpaceID{2});
+    desktop.activateSpace(SpaceID{1});
+    settle();
+    EXPECT_EQ(chipFrame(draft), before);
+    EXPECT_NE(panel().render().text("Draft"), nullptr);
+}
+
 TEST_F(BarTest, chipsShrinkToFitAndNeverBelowTheirIcon)
 {
     for (int i = 0; i < 37; ++i)
@@ -170,6 +188,8 @@ TEST_F(BarTest, rightToLeftMirrorsTheBar)
     desktop.program().setAppearance(appearance);
     desktop.drain();
     EXPECT_GT(chipFrame(inbox)->x, chipFrame(draft)->x);
+    auto drawn = panel().render();
+    EXPECT_LT(drawn.text("Inbox")->rect.maxX(), drawn.drawn<DrawnImage>().front().rect.x);
     EXPECT_LE(chipFrame(inbox)->maxX(), panel().bounds().maxX());
     panel().click({panel().bounds().maxX() - 1, 10});
     EXPECT_TRUE(desktop.surfaces().menu());
@@ -203,9 +223,19 @@ TEST_F(BarTest, aHungApplicationsChipIsDarkAgainAfterTheOneRetry)
     desktop.application(mail).faults.isHung = false;
     desktop.window(draft).faults.isListed = false;
     desktop.advance(seconds(0.16));
-    desktop.retitle(notes, "Notes, changed");
-    desktop.advance(seconds(0.5));
     EXPECT_FALSE(chip(draft)->isFocused);
+}
+
+TEST_F(BarTest, aSecondClickEndsTheRetryOfTheFirst)
+{
+    desktop.window(notes).faults.isListed = false;
+    clickChip(notes);
+    clickChip(draft);
+    desktop.window(notes).faults.isListed = true;
+    desktop.advance(seconds(1));
+
+    EXPECT_TRUE(chip(draft)->isFocused);
+    EXPECT_EQ(desktop.workspace().frontmostApplication(), mail);
 }
 
 TEST_F(BarTest, anotherApplicationThatTakesTheFocusEndsTheWait)
@@ -239,6 +269,25 @@ TEST_F(BarTest, thePanelLiesAlongTheBottomAndTellsTheWindowServer)
 {
     EXPECT_EQ(panel().frame(), (Rect{0, 0, 1440, 36}));
     EXPECT_THAT(desktop.windowServer().dockRectangles(), SizeIs(1));
+}
+
+TEST_F(BarTest, aBarIsThereAgainWithTheFirstScreenAndOnTheRightOne)
+{
+    auto displays = desktop.model().displays;
+    desktop.setDisplays({});
+    desktop.drain();
+    desktop.setDisplays(displays);
+    desktop.drain();
+    EXPECT_EQ(panel().frame(), (Rect{0, 0, 1440, 36}));
+
+    displays.front().number = DisplayNumber{99};
+    displays.front().frame = {0, 0, 1280, 800};
+    desktop.setDisplays(displays);
+    desktop.drain();
+    EXPECT_EQ(panel().frame(), (Rect{0, 0, 1280, 36}));
+    EXPECT_EQ(panel().options().display, DisplayNumber{99});
+    EXPECT_THAT(desktop.windowServer().dockRectangles(),
+        ElementsAre(testing::Pair(DisplayNumber{99}, Rect{0, 764, 1280, 36})));
 }
 
 TEST(BarSizeTest, everySizeHasItsColumnOfTheTable)

@@ -43,39 +43,53 @@ void BarManager::setupSpaceChangeObserver()
 
 void BarManager::syncPanels()
 {
-    auto spaces = m_spaceWindows.getSpaces(m_platform.windowServer.mainConnection());
-    std::set<SpaceID> wanted;
-    for (auto& info : spaces) {
-        if (info.spaceType == kFullscreenSpaceType)
-            continue;
-        wanted.insert(info.spaceID);
-        if (!m_panels.contains(info.spaceID))
-            createPanel(info);
-    }
-    std::erase_if(m_panels, [&](auto& entry) { return !wanted.contains(entry.first); });
+    placePanels();
+    applyDockRectRegistrations();
+    m_viewModel.refresh();
+}
+
+void BarManager::repositionPanels()
+{
+    placePanels();
     applyDockRectRegistrations();
 }
 
-std::optional<std::size_t> BarManager::screenIndexFor(
-    const SpaceWindows::Info& info, const std::vector<Screen>& screens) const
+std::map<SpaceID, BarManager::Place> BarManager::wantedPlaces() const
 {
-    auto screen = m_spaceWindows.screen(info.displayIdentifier, screens);
-    if (!screen)
-        screen = m_spaceWindows.screen("MAIN", screens);
-    auto found = screen ? std::find(screens.begin(), screens.end(), *screen) : screens.begin();
-    if (found == screens.end())
-        return {};
-    return static_cast<std::size_t>(found - screens.begin());
+    std::map<SpaceID, Place> places;
+    auto screens = m_platform.displays.screens();
+    if (screens.empty())
+        return places;
+    for (auto& info : m_spaceWindows.getSpaces(m_platform.windowServer.mainConnection())) {
+        if (info.spaceType == kFullscreenSpaceType)
+            continue;
+        auto screen = m_spaceWindows.screen(info.displayIdentifier, screens);
+        if (!screen)
+            screen = m_spaceWindows.screen("MAIN", screens);
+        auto found = screen ? std::find(screens.begin(), screens.end(), *screen) : screens.begin();
+        auto index = static_cast<std::size_t>(found - screens.begin());
+        places.emplace(info.spaceID, Place{index, *found});
+    }
+    return places;
 }
 
-std::optional<std::size_t> BarManager::screenIndex(SpaceID space) const
+void BarManager::placePanels()
 {
-    auto spaces = m_spaceWindows.getSpaces(m_platform.windowServer.mainConnection());
-    auto info = std::find_if(
-        spaces.begin(), spaces.end(), [&](auto& candidate) { return candidate.spaceID == space; });
-    if (info == spaces.end())
-        return {};
-    return screenIndexFor(*info, m_platform.displays.screens());
+    auto places = wantedPlaces();
+    std::erase_if(m_panels, [&](auto& entry) {
+        auto place = places.find(entry.first);
+        // A panel belongs to its display for life.
+        return place == places.end()
+            || entry.second->display() != place->second.screen.number.value_or(DisplayNumber{})
+            || entry.second->screenIndex() != place->second.screenIndex;
+    });
+    for (auto& [space, place] : places) {
+        auto panel = m_panels.find(space);
+        if (panel == m_panels.end())
+            createPanel(space, place);
+        else
+            panel->second->surface().setFrame(panelFrame(place.screen));
+    }
 }
 
 Rect BarManager::panelFrame(const Screen& screen) const
@@ -84,19 +98,15 @@ Rect BarManager::panelFrame(const Screen& screen) const
     return {frame.x, frame.y, frame.width, barHeight(m_metrics.barSize)};
 }
 
-void BarManager::createPanel(const SpaceWindows::Info& info)
+void BarManager::createPanel(SpaceID space, const Place& place)
 {
-    auto screens = m_platform.displays.screens();
-    auto index = screenIndexFor(info, screens);
-    if (!index)
-        return;
-    auto& screen = screens[*index];
     auto panel = std::make_unique<BarPanel>(m_platform.surfaces,
-        PanelOptions{info.spaceID, screen.number.value_or(DisplayNumber{}), "Quorvel"});
+        PanelOptions{space, place.screen.number.value_or(DisplayNumber{}), "Quorvel"},
+        place.screenIndex);
     panel->setContent(makeBarContentView(*panel));
-    panel->surface().setFrame(panelFrame(screen));
+    panel->surface().setFrame(panelFrame(place.screen));
     panel->surface().orderFront();
-    m_panels.emplace(info.spaceID, std::move(panel));
+    m_panels.emplace(space, std::move(panel));
 }
 
 std::unique_ptr<BarContentView> BarManager::makeBarContentView(BarPanel& panel)
@@ -108,7 +118,7 @@ std::unique_ptr<BarContentView> BarManager::makeBarContentView(BarPanel& panel)
         .dispatch = m_platform.dispatch,
         .appearance = m_platform.application.appearance(),
         .spaceID = panel.spaceID(),
-        .screenIndex = isPerScreen ? screenIndex(panel.spaceID()) : std::nullopt,
+        .screenIndex = isPerScreen ? std::optional{panel.screenIndex()} : std::nullopt,
         .metrics = m_metrics,
         .isOpaque = panel.isOpaque(),
     });
@@ -125,16 +135,6 @@ void BarManager::showMenu(BarPanel& panel)
         [&application = m_platform.application] { application.terminate(); }});
     m_platform.surfaces.popUpMenu(
         panel.surface(), std::move(menu), panel.content()->menuButtonFrame());
-}
-
-void BarManager::repositionPanels()
-{
-    auto screens = m_platform.displays.screens();
-    for (auto& [space, panel] : m_panels) {
-        if (auto index = screenIndex(space))
-            panel->surface().setFrame(panelFrame(screens[*index]));
-    }
-    applyDockRectRegistrations();
 }
 
 void BarManager::updateActiveSpacePanelVisibility()
@@ -158,12 +158,15 @@ std::map<DisplayNumber, BarManager::DockRectRegistration> BarManager::coveredScr
 {
     std::map<DisplayNumber, DockRectRegistration> covered;
     auto screens = m_platform.displays.screens();
-    for (auto& [space, panel] : m_panels) {
-        auto index = screenIndex(space);
-        if (!index || !screens[*index].number)
-            continue;
-        covered.insert_or_assign(*screens[*index].number,
-            DockRectRegistration{screens[*index].frame, barHeight(m_metrics.barSize)});
+    for (auto& screen : screens) {
+        bool hasBar = screen.number
+            && std::any_of(m_panels.begin(), m_panels.end(),
+                [&](auto& entry) { return entry.second->display() == *screen.number; });
+        if (hasBar) {
+            covered.emplace(*screen.number,
+                DockRectRegistration{screen.frame.flipped(screens.front().frame.height),
+                    barHeight(m_metrics.barSize)});
+        }
     }
     return covered;
 }
@@ -177,14 +180,14 @@ void BarManager::applyDockRectRegistrations()
         if (!wanted.contains(display))
             server.clearDockRectangle(connection, display);
     }
-    auto screens = m_platform.displays.screens();
     for (auto& [display, registration] : wanted) {
         auto applied = m_appliedDockRectRegistrations.find(display);
         if (applied != m_appliedDockRectRegistrations.end() && applied->second == registration)
             continue;
-        auto& frame = registration.screenFrame;
-        Rect bar{frame.x, frame.y, frame.width, registration.barHeight};
-        server.setDockRectangle(connection, {display, bar.flipped(screens.front().frame.height)});
+        auto& screen = registration.screenFrame;
+        double height = registration.barHeight;
+        server.setDockRectangle(
+            connection, {display, {screen.x, screen.maxY() - height, screen.width, height}});
     }
     m_appliedDockRectRegistrations = std::move(wanted);
 }

@@ -27,9 +27,6 @@ public:
     BarViewModel& viewModel() { return m_viewModel; }
     const BarViewModel& viewModel() const { return m_viewModel; }
     const std::map<SpaceID, std::unique_ptr<BarPanel>>& panels() const { return m_panels; }
-    /// The screen that the space's bar lies on.
-    std::optional<std::size_t> screenIndex(SpaceID) const;
-
     /// A panel for each space that is there, none for one that is gone.
     void syncPanels();
     /// Places every panel on its screen anew.
@@ -42,18 +39,26 @@ public:
 
 private:
     struct DockRectRegistration {
-        Rect screenFrame;
+        Rect screenFrame; ///< global top-left origin, as the window server takes it
         double barHeight = 0;
 
         friend bool operator==(const DockRectRegistration&, const DockRectRegistration&) = default;
     };
 
-    void createPanel(const SpaceWindows::Info&);
+    /// Where the bar of a space belongs.
+    struct Place {
+        std::size_t screenIndex = 0;
+        Screen screen;
+    };
+
+    /// Makes, replaces, moves and closes panels until each ordinary space has one in its place.
+    void placePanels();
+    /// By space; empty while there is no screen.
+    std::map<SpaceID, Place> wantedPlaces() const;
+    void createPanel(SpaceID, const Place&);
     std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
     void setupSpaceChangeObserver();
     void showMenu(BarPanel&);
-    std::optional<std::size_t> screenIndexFor(
-        const SpaceWindows::Info&, const std::vector<Screen>&) const;
     std::map<DisplayNumber, DockRectRegistration> coveredScreensForBar() const;
     Rect panelFrame(const Screen&) const;
 

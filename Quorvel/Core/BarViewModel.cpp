@@ -1,6 +1,7 @@
 #include "Quorvel/Core/BarViewModel.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Workspace.h"
@@ -40,12 +41,11 @@ void BarViewModel::refresh()
     spaces.set(m_spaceWindows.getSpaces(connection));
     activeSpaceID.set(m_windowServer.activeSpace(connection));
 
-    std::optional<WindowID> effective;
-    auto reason = resolveFocus(effective);
-    m_trace.line("refresh focus store={} pendingIn={} effective={} reason={}",
-        orNil(m_windowStore.focusedWindowID()), orNil(m_pendingFocusedWindowID), orNil(effective),
-        reason);
-    publish(effective);
+    auto focus = resolveFocus();
+    m_trace.line("refresh focus store={} pendingIn={} effective={} reason={}{}",
+        orNil(m_windowStore.focusedWindowID()), orNil(m_pendingFocusedWindowID),
+        orNil(focus.effective), focus.reason, focus.keys);
+    publish(focus.effective);
 }
 
 void BarViewModel::publish(std::optional<WindowID> focused)
@@ -57,35 +57,40 @@ void BarViewModel::publish(std::optional<WindowID> focused)
         items[space].assign(chipsOfSpace.begin(), chipsOfSpace.end());
     chipsBySpace.set(std::move(chips));
     displayItemsBySpace.set(std::move(items));
+    didRefresh.emit();
 }
 
-std::string BarViewModel::resolveFocus(std::optional<WindowID>& effective)
+BarViewModel::FocusDecision BarViewModel::resolveFocus()
 {
     auto store = m_windowStore.focusedWindowID();
-    effective = store;
-    auto drop = [&](std::string reason) {
-        m_pendingFocusedWindowID.reset();
-        m_pendingExpiry = {};
-        return reason;
+    auto follow = [&](std::string_view reason, std::string keys = {}) {
+        dropPendingFocus();
+        return FocusDecision{store, reason, std::move(keys)};
     };
-    if (m_hasPendingExpired)
-        return drop("pending-expired");
+    if (std::exchange(m_hasPendingExpired, false))
+        return follow("pending-expired");
     if (!m_pendingFocusedWindowID)
-        return "store(no-pending)";
+        return follow("store(no-pending)");
     if (m_pendingFocusedWindowID == store)
-        return drop("pending-confirmed");
-    auto* pendingWindow = m_windowStore.window(*m_pendingFocusedWindowID);
-    if (!pendingWindow)
-        return drop("pending-abandoned-missing-window");
+        return follow("pending-confirmed");
+    auto* pending = m_windowStore.window(*m_pendingFocusedWindowID);
+    if (!pending)
+        return follow("pending-abandoned-missing-window");
 
-    auto* storeWindow = store ? m_windowStore.window(*store) : nullptr;
-    auto pendingKey = groupKey(*pendingWindow);
-    auto storeKey = storeWindow ? groupKey(*storeWindow) : "nil";
-    auto keys = m_trace.isOn() ? fmt::format(" pk={} sk={}", pendingKey, storeKey) : std::string{};
-    if (storeWindow && storeKey != pendingKey)
-        return drop("pending-abandoned-different-app" + keys);
-    effective = m_pendingFocusedWindowID;
-    return "pending-preserved-same-app" + keys;
+    auto* focused = store ? m_windowStore.window(*store) : nullptr;
+    std::string keys;
+    if (m_trace.isOn())
+        keys
+            = fmt::format(" pk={} sk={}", groupKey(*pending), focused ? groupKey(*focused) : "nil");
+    if (focused && groupKey(*focused) != groupKey(*pending))
+        return follow("pending-abandoned-different-app", std::move(keys));
+    return {m_pendingFocusedWindowID, "pending-preserved-same-app", std::move(keys)};
+}
+
+void BarViewModel::dropPendingFocus()
+{
+    m_pendingFocusedWindowID.reset();
+    m_pendingExpiry = {};
 }
 
 void BarViewModel::setPendingFocus(WindowID id)
@@ -94,7 +99,6 @@ void BarViewModel::setPendingFocus(WindowID id)
     m_pendingExpiry = m_dispatch.main().after(kPendingFocusExpiry, [this] {
         m_hasPendingExpired = true;
         refresh();
-        m_hasPendingExpired = false;
     });
 }
 
@@ -128,20 +132,27 @@ ChipData BarViewModel::makeChip(const TrackedWindow& window)
 
 Image BarViewModel::icon(const TrackedWindow& window)
 {
-    auto& bundleIdentifier = window.bundleIdentifier;
-    if (bundleIdentifier) {
-        if (auto cached = m_iconCache.find(*bundleIdentifier); cached != m_iconCache.end())
-            return cached->second;
-        auto url = m_workspace.applicationURL(*bundleIdentifier);
+    Image found;
+    if (!window.bundleIdentifier) {
+        found = findIcon(window);
+    } else if (auto known = m_iconCache.find(*window.bundleIdentifier);
+               known != m_iconCache.end()) {
+        found = known->second;
+    } else {
+        // "None" is remembered too: to look for an icon may mean to ask the window.
+        found = m_iconCache[*window.bundleIdentifier] = findIcon(window);
+    }
+    return found ? found : m_workspace.genericApplicationIcon();
+}
+
+Image BarViewModel::findIcon(const TrackedWindow& window)
+{
+    if (window.bundleIdentifier) {
+        auto url = m_workspace.applicationURL(*window.bundleIdentifier);
         if (auto icon = url ? m_workspace.icon(*url) : nullptr)
-            return m_iconCache[*bundleIdentifier] = icon;
+            return icon;
     }
-    if (auto icon = m_workspace.runningApplicationIcon(window.pid)) {
-        if (bundleIdentifier)
-            m_iconCache[*bundleIdentifier] = icon;
-        return icon;
-    }
-    return m_workspace.genericApplicationIcon();
+    return m_workspace.runningApplicationIcon(window.pid);
 }
 
 std::vector<DisplayItem> BarViewModel::displayItems(

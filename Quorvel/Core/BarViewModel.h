@@ -39,6 +39,9 @@ public:
     Published<SpaceID> activeSpaceID;
     Published<std::optional<WindowID>> focusedWindowID;
 
+    /// After each refresh, published or not: what depends on more than the chips looks again.
+    Signal<> didRefresh;
+
     /// Computes everything anew. What comes out equal is not published.
     void refresh();
 
@@ -56,13 +59,23 @@ private:
     static constexpr Duration kPendingFocusExpiry = seconds(2);
     static constexpr Duration kActivationRetry = seconds(0.15);
 
-    std::string resolveFocus(std::optional<WindowID>& effective);
+    /// The window to show as focused, and why.
+    struct FocusDecision {
+        std::optional<WindowID> effective;
+        std::string_view reason;
+        std::string keys; ///< for the trace
+    };
+
+    FocusDecision resolveFocus();
+    void dropPendingFocus();
     void setPendingFocus(WindowID);
     /// The chips and items of the store's windows, with this one focused.
     void publish(std::optional<WindowID> focused);
     ChipsBySpace makeChips();
     ChipData makeChip(const TrackedWindow&);
     Image icon(const TrackedWindow&);
+    /// Null if the application has no icon of its own.
+    Image findIcon(const TrackedWindow&);
     bool isOnScreen(const DisplayItem&, const std::vector<Screen>&, std::size_t index) const;
 
     std::optional<AXElement> findAXWindow(ProcessID, const AXElement& application, WindowID);

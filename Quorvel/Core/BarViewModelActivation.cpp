@@ -47,6 +47,8 @@ void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore
     if (!window)
         return;
     ++m_debugEventSequence;
+    AXCalls::Scan hungOnlyOnce(m_calls);
+    m_activationRetry = {};
     if (m_trace.isOn()) {
         m_trace.line(
             "activateWindow begin id={} pid={} key={} spaces={} storeFocused={} pendingBefore={}",
@@ -112,10 +114,11 @@ void BarViewModel::requestApplicationActivation(ProcessID pid)
         return front ? raw(*front) : -1;
     };
     bool wasSelfActive = m_workspace.isSelfActive();
+    int frontmostBefore = m_trace.isOn() ? frontmost() : -1;
     bool isAccepted = m_workspace.activateCooperatively(pid);
     m_trace.line("activateWindow app.activate mode=cooperative pid={} accepted={} "
                  "selfActiveBefore={} frontmostBefore={}",
-        raw(pid), isAccepted, wasSelfActive, frontmost());
+        raw(pid), isAccepted, wasSelfActive, frontmostBefore);
     if (isAccepted)
         return;
     // A yielded activation counts only from the active application, so become that first.
@@ -138,8 +141,10 @@ void BarViewModel::retryActivation(
     m_trace.line(
         "activateWindow failed resolve AX window after retry id={} pid={}", raw(id), raw(pid));
     m_windowStore.scheduleDeferredScan(pid);
-    m_pendingFocusedWindowID.reset();
-    m_pendingExpiry = {};
+    if (m_pendingFocusedWindowID == id)
+        dropPendingFocus();
+    // The chip was lit when the click came; nothing else would darken it.
+    refresh();
 }
 
 void BarViewModel::minimizeWindow(WindowID id)
@@ -147,10 +152,11 @@ void BarViewModel::minimizeWindow(WindowID id)
     auto* window = m_windowStore.window(id);
     if (!window)
         return;
+    AXCalls::Scan hungOnlyOnce(m_calls);
     auto pid = window->pid;
     if (m_pendingFocusedWindowID == id) {
-        m_pendingFocusedWindowID.reset();
-        m_pendingExpiry = {};
+        dropPendingFocus();
+        m_activationRetry = {};
     }
     if (focusedWindowID.value() == id)
         publish(std::nullopt);
@@ -163,6 +169,7 @@ void BarViewModel::closeWindow(WindowID id)
     auto* window = m_windowStore.window(id);
     if (!window)
         return;
+    AXCalls::Scan hungOnlyOnce(m_calls);
     auto pid = window->pid;
     auto element = findAXWindow(pid, m_calls.application(pid), id);
     if (!element)

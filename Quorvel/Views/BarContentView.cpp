@@ -30,7 +30,10 @@ BarContentView::BarContentView(Inputs inputs) : m_inputs(std::move(inputs)), m_w
     m_row = &addChild(std::make_unique<ChipsRow>(m_inputs.metrics));
     m_row->onChipClick
         = [this](const ChipData& data, ChipView::Click click) { chipClicked(data, click); };
-    m_items = m_inputs.viewModel.displayItemsBySpace.subscribe([this](auto&) { itemsDidChange(); });
+    // Which windows lie on one screen may change without any chip changing.
+    m_items = m_inputs.screenIndex
+        ? m_inputs.viewModel.didRefresh.subscribe([this] { itemsDidChange(); })
+        : m_inputs.viewModel.displayItemsBySpace.subscribe([this](auto&) { itemsDidChange(); });
     m_appearance = m_inputs.appearance.subscribe([this](auto&) { appearanceDidChange(); });
     appearanceDidChange();
     itemsDidChange();
@@ -40,7 +43,11 @@ BarContentView::~BarContentView() = default;
 
 void BarContentView::itemsDidChange()
 {
-    m_row->setItems(m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex));
+    auto items = m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex);
+    if (items == m_shownItems)
+        return;
+    m_shownItems = std::move(items);
+    m_row->setItems(m_shownItems);
 }
 
 void BarContentView::appearanceDidChange()

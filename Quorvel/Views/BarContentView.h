@@ -58,6 +58,7 @@ private:
     MenuButton* m_menuButton = nullptr;
     ChipsRow* m_row = nullptr;
     Rect m_divider;
+    std::vector<DisplayItem> m_shownItems;
     Subscription m_items;
     Subscription m_appearance;
     WeakOwner<BarContentView> m_weak;

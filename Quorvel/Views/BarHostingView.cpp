@@ -75,8 +75,10 @@ void BarHostingView::pointerEvent(const PointerEvent& event)
         press(event);
     else if (event.action == PointerAction::released)
         release(event);
-    else if (event.action == PointerAction::cancelled)
+    else if (event.action == PointerAction::cancelled) {
         cancelPress();
+        updateHover();
+    }
 }
 
 void BarHostingView::press(const PointerEvent& event)

@@ -2,8 +2,9 @@
 
 namespace quorvel {
 
-BarPanel::BarPanel(Surfaces& surfaces, const PanelOptions& options)
-    : m_spaceID(options.space)
+BarPanel::BarPanel(Surfaces& surfaces, const PanelOptions& options, std::size_t screenIndex)
+    : m_options(options)
+    , m_screenIndex(screenIndex)
     , m_surface(surfaces.createPanel(options, m_hostingView))
 {
     m_blursBehind = m_surface->setBlursBehind(true);

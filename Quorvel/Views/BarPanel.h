@@ -12,11 +12,14 @@ namespace quorvel {
 /// One bar on the screen: a surface of the platform and the view on it. Main thread.
 class BarPanel {
 public:
-    BarPanel(Surfaces&, const PanelOptions&);
+    BarPanel(Surfaces&, const PanelOptions&, std::size_t screenIndex);
 
     PanelSurface& surface() { return *m_surface; }
     const PanelSurface& surface() const { return *m_surface; }
-    SpaceID spaceID() const { return m_spaceID; }
+    SpaceID spaceID() const { return m_options.space; }
+    DisplayNumber display() const { return m_options.display; }
+    /// In the list of screens.
+    std::size_t screenIndex() const { return m_screenIndex; }
     /// Nothing shows through the panel.
     bool isOpaque() const { return !m_blursBehind; }
 
@@ -24,7 +27,8 @@ public:
     const BarContentView* content() const { return m_content; }
 
 private:
-    SpaceID m_spaceID;
+    PanelOptions m_options;
+    std::size_t m_screenIndex;
     BarHostingView m_hostingView;
     BarContentView* m_content = nullptr;
     std::unique_ptr<PanelSurface> m_surface; ///< last: it calls the hosting view

@@ -85,6 +85,12 @@ void ChipView::setDark(bool isDark)
         invalidate();
 }
 
+void ChipView::setRightToLeft(bool isRightToLeft)
+{
+    if (std::exchange(m_isRightToLeft, isRightToLeft) != isRightToLeft)
+        invalidate();
+}
+
 void ChipView::setHovered(bool isHovered)
 {
     if (std::exchange(m_isHovered, isHovered) != isHovered)
@@ -137,6 +143,10 @@ ChipView::Parts ChipView::parts() const
         parts.title = {left, face.y, width, face.height};
     else
         parts.icon = face.centred(icon);
+    if (m_isRightToLeft) {
+        parts.icon.x = face.width - parts.icon.maxX();
+        parts.title.x = face.width - parts.title.maxX();
+    }
     double mark = face.width * Style::focusMarkWidth;
     parts.focusMark = {(face.width - mark) / 2, face.maxY() - Style::focusMarkHeight, mark,
         Style::focusMarkHeight};

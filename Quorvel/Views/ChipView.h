@@ -19,6 +19,7 @@ public:
     const ChipData& data() const { return m_data; }
     void setData(ChipData);
     void setDark(bool);
+    void setRightToLeft(bool);
 
     std::function<void(const ChipData&, Click)> onClick;
 
@@ -51,6 +52,7 @@ private:
     BarMetrics m_metrics;
     ChipData m_data;
     bool m_isDark = true;
+    bool m_isRightToLeft = false;
     bool m_isHovered = false;
     bool m_isPressed = false;
 };

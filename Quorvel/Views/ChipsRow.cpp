@@ -9,27 +9,24 @@ namespace quorvel {
 
 void ChipsRow::setItems(const std::vector<DisplayItem>& items)
 {
-    updateChips(items);
-    settle();
-}
-
-void ChipsRow::settle()
-{
+    bool hasNew = updateChips(items);
     auto slots = wantedSlots();
-    if (slots == m_slots)
+    if (!hasNew && slots == m_slots)
         return;
     m_slots = std::move(slots);
     layout();
 }
 
-void ChipsRow::updateChips(const std::vector<DisplayItem>& items)
+bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
 {
     std::set<std::string> present;
+    bool hasNew = false;
     m_order.clear();
     for (auto& item : items) {
         auto& data = std::get<ChipData>(item);
         auto id = displayItemID(item);
         auto known = m_chips.find(id);
+        hasNew |= known == m_chips.end();
         auto& chip = known == m_chips.end() ? makeChip(id) : *known->second;
         chip.setData(data);
         present.insert(id);
@@ -41,12 +38,14 @@ void ChipsRow::updateChips(const std::vector<DisplayItem>& items)
         removeChild(*entry.second);
         return true;
     });
+    return hasNew;
 }
 
 ChipView& ChipsRow::makeChip(const std::string& id)
 {
     auto& chip = addChild(std::make_unique<ChipView>(m_metrics));
     chip.setDark(m_isDark);
+    chip.setRightToLeft(m_isRightToLeft);
     chip.onClick = [this](const ChipData& data, ChipView::Click click) {
         if (onChipClick)
             onChipClick(data, click);
@@ -60,6 +59,9 @@ std::vector<std::string> ChipsRow::wantedSlots() const
     if (!m_isHeld)
         return m_order;
     auto slots = m_slots;
+    // The empty slots at the end are in nobody's way.
+    while (!slots.empty() && !m_chips.contains(slots.back()))
+        slots.pop_back();
     for (auto& id : m_order) {
         if (std::find(slots.begin(), slots.end(), id) == slots.end())
             slots.push_back(id);
@@ -70,7 +72,8 @@ std::vector<std::string> ChipsRow::wantedSlots() const
 void ChipsRow::pointerExited()
 {
     m_isHeld = false;
-    settle();
+    m_slots = m_order;
+    layout();
 }
 
 void ChipsRow::setDark(bool isDark)
@@ -82,8 +85,11 @@ void ChipsRow::setDark(bool isDark)
 
 void ChipsRow::setRightToLeft(bool isRightToLeft)
 {
-    if (std::exchange(m_isRightToLeft, isRightToLeft) != isRightToLeft)
-        layout();
+    if (std::exchange(m_isRightToLeft, isRightToLeft) == isRightToLeft)
+        return;
+    for (auto& [id, chip] : m_chips)
+        chip->setRightToLeft(isRightToLeft);
+    layout();
 }
 
 void ChipsRow::layout()
@@ -91,9 +97,12 @@ void ChipsRow::layout()
     if (m_slots.empty())
         return;
     auto count = static_cast<double>(m_slots.size());
-    double room = (bounds().width + m_metrics.chipSpacing) / count - m_metrics.chipSpacing;
-    double width = std::clamp(
-        std::floor(room), ChipView::iconWidth(m_metrics), ChipView::fullWidth(m_metrics));
+    double room
+        = std::floor((bounds().width + m_metrics.chipSpacing) / count - m_metrics.chipSpacing);
+    if (!m_isHeld || m_chipWidth > room)
+        m_chipWidth
+            = std::clamp(room, ChipView::iconWidth(m_metrics), ChipView::fullWidth(m_metrics));
+    double width = m_chipWidth;
     double x = 0;
     for (auto& id : m_slots) {
         if (auto chip = m_chips.find(id); chip != m_chips.end())

@@ -13,7 +13,8 @@
 namespace quorvel {
 
 /// The row of chips. Targets hold still: while the pointer is over the row, a chip that goes leaves
-/// an empty slot and a new one comes last; the row closes up when the pointer leaves.
+/// an empty slot and a new one comes last; the row closes up when the pointer leaves. Only a row
+/// without room for a new chip shrinks under the pointer.
 class ChipsRow final : public View {
 public:
     explicit ChipsRow(const BarMetrics& metrics) : m_metrics(metrics) { }
@@ -33,16 +34,16 @@ private:
     void layout() override;
     bool clipsChildren() const override { return true; }
 
-    void updateChips(const std::vector<DisplayItem>&);
+    /// True if a chip was made, which has no place yet.
+    bool updateChips(const std::vector<DisplayItem>&);
     std::vector<std::string> wantedSlots() const;
-    /// Lays the slots out anew if others are wanted.
-    void settle();
     ChipView& makeChip(const std::string& id);
 
     BarMetrics m_metrics;
     bool m_isDark = true;
     bool m_isRightToLeft = false;
     bool m_isHeld = false;
+    double m_chipWidth = 0;
     std::vector<std::string> m_order; ///< of the newest items
     std::vector<std::string> m_slots; ///< as laid out; some may be empty while held
     std::map<std::string, ChipView*> m_chips;
