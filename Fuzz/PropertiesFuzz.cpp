@@ -1,0 +1,72 @@
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+
+#include <glib.h>
+
+#include "Hosts/X11/Desktop/Properties.h"
+
+namespace {
+
+using namespace quorvel::x11;
+
+constexpr TextTypes kTypes{.utf8String = 300, .compoundText = 301};
+
+void expect(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+void expectClean(const std::string& text)
+{
+    expect(text.size() <= limits::titleBytes);
+    expect(g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr));
+}
+
+void readTexts(const RawProperty& property)
+{
+    if (auto text = decodeText(property, kTypes))
+        expectClean(*text);
+    for (auto& text : decodeTexts(property, kTypes, limits::desktops))
+        expectClean(text);
+    if (auto names = decodeClass(property, kTypes)) {
+        expectClean(names->instance);
+        expectClean(names->name);
+    }
+}
+
+void readWords(const RawProperty& property)
+{
+    decodeCardinal(property);
+    decodeWindow(property);
+    decodeAtoms(property);
+    decodeUrgency(property);
+    decodeExtents(property);
+    decodeStrut(property);
+    auto opacity = decodeOpacity(property);
+    expect(opacity >= 0 && opacity <= 1);
+    for (auto window : decodeWindows(property))
+        expect(window != XCB_WINDOW_NONE);
+    for (auto& icon : decodeIcons(property)) {
+        auto pixels = static_cast<std::size_t>(icon.width) * static_cast<std::size_t>(icon.height);
+        expect(pixels == icon.argb.size() && pixels > 0);
+    }
+}
+
+}
+
+// The first byte chooses the type, the second the format; the rest is the value.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    constexpr xcb_atom_t types[]{kTypes.utf8String, kTypes.compoundText, XCB_ATOM_STRING,
+        XCB_ATOM_CARDINAL, XCB_ATOM_ATOM, XCB_ATOM_WINDOW, XCB_ATOM_WM_HINTS, 1000};
+    constexpr std::uint8_t formats[]{8, 16, 32, 0};
+    if (size < 2)
+        return 0;
+    RawProperty property{types[data[0] % std::size(types)], formats[data[1] % std::size(formats)],
+        std::as_bytes(std::span{data + 2, size - 2})};
+    readTexts(property);
+    readWords(property);
+    return 0;
+}
