@@ -69,7 +69,7 @@ int main(int count, char** values)
 {
     @autoreleasepool {
         quorvel::posix::surviveBrokenPipes();
-        return quorvel::posix::invoke({values + 1, values + count},
-            {quorvel::barAddress, quorvel::watchFd, quorvel::runBar});
+        return quorvel::posix::invoke(
+            {values + 1, values + count}, {quorvel::barAddress, quorvel::watchFd, quorvel::runBar});
     }
 }
