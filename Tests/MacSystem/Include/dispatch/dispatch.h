@@ -1,0 +1,3 @@
+#pragma once
+
+// Queues and timers are not simulated: the tests run on virtual time.

@@ -1,0 +1,3 @@
+#pragma once
+
+// Threads and their quality of service are not simulated.

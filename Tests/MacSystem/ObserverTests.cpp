@@ -1,0 +1,174 @@
+#include <gmock/gmock.h>
+
+#include "Quorvel/Skylight/AXObserverManager.h"
+#include "Tests/MacSystem/Support/MacFixture.h"
+
+namespace quorvel::test {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+struct MacObserverTest : MacFixture {
+    MacAccessibility accessibility{PrivateSymbols::load()};
+    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "com.example.mail"});
+    WindowID inbox = desktop.open(mail);
+    std::vector<std::string> heard;
+    std::unique_ptr<RunLoopThread> thread
+        = mac.dispatch().startThread("observers", QualityOfService::userInitiated);
+
+    void onThread(const Work& work)
+    {
+        thread->perform(work);
+        desktop.drain();
+    }
+    std::unique_ptr<AXObserver> observe(ProcessID pid, AXError expected = AXError::success)
+    {
+        std::unique_ptr<AXObserver> observer;
+        onThread([&] {
+            auto [error, made] = accessibility.createObserver(
+                pid, *thread, [this](const AXElement& element, std::string_view notification) {
+                    EXPECT_NE(systemElement(element), nullptr);
+                    heard.emplace_back(notification);
+                });
+            EXPECT_EQ(error, expected);
+            observer = std::move(made);
+        });
+        return observer;
+    }
+    AXError listen(AXObserver& observer, std::string_view notification)
+    {
+        AXError error{};
+        onThread([&] {
+            error = observer.addNotification(accessibility.application(mail), notification);
+        });
+        return error;
+    }
+    void end(std::unique_ptr<AXObserver> observer)
+    {
+        onThread([&] { observer.reset(); });
+    }
+};
+
+}
+
+TEST_F(MacObserverTest, aRegistrationIsHeardUntilItIsRemoved)
+{
+    auto observer = observe(mail);
+    ASSERT_TRUE(observer);
+    EXPECT_EQ(listen(*observer, ax::windowMiniaturized), AXError::success);
+    EXPECT_EQ(listen(*observer, ax::windowMiniaturized), AXError::notificationAlreadyRegistered);
+    desktop.minimise(inbox);
+    desktop.drain();
+    EXPECT_THAT(heard, ElementsAre("AXWindowMiniaturized"));
+
+    onThread([&] {
+        const auto app = accessibility.application(mail);
+        EXPECT_EQ(observer->removeNotification(app, ax::windowMiniaturized), AXError::success);
+        EXPECT_EQ(observer->removeNotification(app, ax::windowMiniaturized),
+            AXError::notificationNotRegistered);
+        EXPECT_EQ(observer->addNotification({}, ax::titleChanged), AXError::illegalArgument);
+    });
+    desktop.restore(inbox);
+    desktop.minimise(inbox);
+    desktop.drain();
+    EXPECT_EQ(heard.size(), 1u);
+    end(std::move(observer));
+}
+
+TEST_F(MacObserverTest, aNotificationThatComesAfterItsObserverReachesNobody)
+{
+    auto observer = observe(mail);
+    listen(*observer, ax::titleChanged);
+    const auto late = mac.lastRegistration;
+    auto successor = observe(mail);
+    listen(*successor, ax::titleChanged);
+    const auto fresh = mac.lastRegistration;
+    EXPECT_NE(late.context, fresh.context);
+    end(std::move(observer));
+
+    const auto name = text("AXTitleChanged");
+    const auto element = accessibility.application(mail);
+    const auto tell = [&](const SimulatedMac::Registration& to, CFTypeRef notification) {
+        to.callback(
+            nullptr, systemElement(element), static_cast<CFStringRef>(notification), to.context);
+    };
+    tell(late, name.get());
+    EXPECT_THAT(heard, IsEmpty());
+    tell(fresh, nullptr);
+    fresh.callback(nullptr, nullptr, static_cast<CFStringRef>(name.get()), fresh.context);
+    EXPECT_THAT(heard, IsEmpty()) << "a notification without a name or an element";
+    tell(fresh, name.get());
+    EXPECT_EQ(heard.size(), 1u);
+    end(std::move(successor));
+    EXPECT_EQ(desktop.accessibility().observersOf(mail), 0u);
+}
+
+TEST_F(MacObserverTest, aCallbackMayEndItsOwnObserver)
+{
+    std::unique_ptr<AXObserver> observer;
+    int calls = 0;
+    onThread([&] {
+        auto made
+            = accessibility.createObserver(mail, *thread, [&](const AXElement&, std::string_view) {
+                  observer.reset();
+                  ++calls; // what the callback captured is still there
+              });
+        observer = std::move(made.second);
+        observer->addNotification(accessibility.application(mail), ax::windowMiniaturized);
+    });
+    desktop.minimise(inbox);
+    desktop.restore(inbox);
+    desktop.minimise(inbox);
+    desktop.drain();
+
+    EXPECT_EQ(calls, 1);
+}
+
+TEST_F(MacObserverTest, anObserverThatCannotBeMadeLeavesNothingBehind)
+{
+    desktop.application(mail).faults.failingObservers = 1;
+    EXPECT_FALSE(observe(mail, AXError::cannotComplete));
+    EXPECT_FALSE(observe(ProcessID{9999}, AXError::failure));
+
+    auto observer = observe(mail);
+    desktop.application(mail).faults.failingRegistrations = {"AXTitleChanged"};
+    EXPECT_EQ(listen(*observer, ax::titleChanged), AXError::notificationUnsupported);
+    desktop.crash(mail);
+    EXPECT_EQ(listen(*observer, ax::windowMoved), AXError::invalidElement);
+    end(std::move(observer));
+}
+
+TEST_F(MacObserverTest, theManagerAttachesOnceTheApplicationAnswersAndHearsItsWindows)
+{
+    desktop.application(mail).faults.failingObservers = 2;
+    std::vector<std::pair<std::string, std::optional<WindowID>>> events;
+    std::vector<ProcessID> attached;
+    AXObserverManager manager{mac.dispatch(), accessibility, desktop.dispatch().main()};
+    manager.onEvent = [&](const AXWindowEvent& event) {
+        events.emplace_back(event.notification, event.windowID);
+    };
+    manager.onObserverAdded = [&](ProcessID pid) { attached.push_back(pid); };
+    manager.start();
+    manager.observe(mail);
+    desktop.advance(seconds(0.6));
+    EXPECT_THAT(attached, IsEmpty());
+    desktop.advance(seconds(1));
+    EXPECT_THAT(attached, ElementsAre(mail));
+
+    const auto draft = desktop.open(mail, {.takesFocus = false});
+    desktop.drain();
+    desktop.minimise(draft);
+    desktop.close(draft); // its element knows no number any more
+    desktop.drain();
+    EXPECT_THAT(events,
+        ElementsAre(testing::Pair("AXWindowCreated", draft),
+            testing::Pair("AXWindowMiniaturized", draft),
+            testing::Pair("AXUIElementDestroyed", draft)));
+
+    manager.stop();
+    EXPECT_EQ(desktop.accessibility().observersOf(mail), 0u);
+}
+
+}

@@ -1,0 +1,180 @@
+#include <gmock/gmock.h>
+
+#include "Quorvel/Skylight/SpaceWindows.h"
+#include "Tests/MacSystem/Support/MacFixture.h"
+
+namespace quorvel::test {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+struct MacSpacesTest : MacFixture {
+    static std::vector<SpaceID> idsOf(const std::vector<SpaceWindows::Info>& spaces)
+    {
+        std::vector<SpaceID> ids;
+        for (const auto& space : spaces)
+            ids.push_back(space.spaceID);
+        return ids;
+    }
+};
+
+}
+
+TEST_F(MacSpacesTest, spacesKeepTheirPlacesWhateverTheirEntriesLack)
+{
+    mac.answer("CopyManagedDisplaySpaces",
+        array({dictionary({{"Display Identifier", text("A")},
+                   {"Current Space", dictionary({{"ManagedSpaceID", number(4)}})},
+                   {"Spaces",
+                       array({dictionary({{"id64", number(3, kCFNumberSInt8Type)},
+                                  {"ManagedSpaceID", number(9)}, {"type", number(4)}}),
+                           dictionary({{"ManagedSpaceID", number(4, kCFNumberSInt32Type)}}), null(),
+                           dictionary({{"id64", text("5")}, {"ManagedSpaceID", truth(true)}}),
+                           dictionary({{"id64", number(-1)}, {"type", text("4")}})})}}),
+            text("no display"),
+            dictionary({{"Display Identifier", number(77, kCFNumberSInt16Type)},
+                {"Spaces", dictionary({})}, {"Current Space", number(3)}}),
+            dictionary({{"Display Identifier", truth(true)}})}));
+
+    const auto displays = makeWindowServer().managedDisplaySpaces(1);
+
+    ASSERT_TRUE(displays);
+    ASSERT_EQ(displays->size(), 4u);
+    const auto& first = displays->front();
+    EXPECT_EQ(std::get<std::string>(first.identifier), "A");
+    ASSERT_EQ(first.spaces.size(), 5u);
+    EXPECT_EQ(first.spaces[0].id64, 3u);
+    EXPECT_EQ(first.spaces[0].managedSpaceID, 9u);
+    EXPECT_EQ(first.spaces[0].type, 4);
+    EXPECT_EQ(first.spaces[1].id64, std::nullopt);
+    EXPECT_EQ(first.spaces[1].managedSpaceID, 4u);
+    EXPECT_EQ(first.spaces[2].managedSpaceID, std::nullopt);
+    EXPECT_EQ(first.spaces[3].id64, std::nullopt);
+    EXPECT_EQ(first.spaces[3].managedSpaceID, std::nullopt);
+    EXPECT_EQ(first.spaces[4].id64, ~std::uint64_t{0});
+    EXPECT_EQ(first.spaces[4].type, std::nullopt);
+    ASSERT_TRUE(first.currentSpace);
+    EXPECT_EQ(first.currentSpace->managedSpaceID, 4u);
+    EXPECT_TRUE(std::holds_alternative<std::monostate>(displays->at(1).identifier));
+    EXPECT_EQ(std::get<std::int64_t>(displays->at(2).identifier), 77);
+    EXPECT_THAT(displays->at(2).spaces, IsEmpty());
+    EXPECT_FALSE(displays->at(2).currentSpace);
+    EXPECT_TRUE(std::holds_alternative<std::monostate>(displays->at(3).identifier));
+}
+
+TEST_F(MacSpacesTest, aSpaceIsKnownByItsOlderNumberWhereTheNewerIsMissing)
+{
+    mac.answer("CopyManagedDisplaySpaces",
+        array({dictionary({{"Display Identifier", text("Main")},
+            {"Current Space", dictionary({{"ManagedSpaceID", number(12)}})},
+            {"Spaces",
+                array({dictionary({{"ManagedSpaceID", number(12)}}),
+                    dictionary({{"id64", number(7)}, {"type", number(4)}})})}})}));
+    auto server = makeWindowServer();
+    const SpaceWindows spaces{server, desktop.displays()};
+
+    EXPECT_THAT(idsOf(spaces.getSpaces(1)), ElementsAre(SpaceID{12}, SpaceID{7}));
+    EXPECT_THAT(spaces.getActiveSpaceIDs(1), ElementsAre(SpaceID{12}));
+    EXPECT_EQ(spaces.getSpaces(1).back().spaceType, kFullscreenSpaceType);
+}
+
+TEST_F(MacSpacesTest, anAnswerThatIsNoListIsAFailureAndForeignEntriesAreLeftOut)
+{
+    const auto server = makeWindowServer();
+    for (const auto& wrong : {Value{}, null(), dictionary({}), number(3)}) {
+        for (const auto* call :
+            {"CopyManagedDisplaySpaces", "CopySpacesForWindows", "CopyWindowsWithOptionsAndTags"})
+            mac.answer(call, wrong);
+        EXPECT_EQ(server.managedDisplaySpaces(1).has_value(), false);
+        EXPECT_EQ(server.spacesOfWindows(1, kAllSpacesMask, {WindowID{1}}), std::nullopt);
+        EXPECT_THAT(server.windowsOfSpaces(1, {SpaceID{1}}, 2), IsEmpty());
+    }
+
+    const auto mixed = array({number(8, kCFNumberSInt8Type), null(), truth(true), text("9"),
+        number(std::int64_t{1} << 40), number(10)});
+    mac.answer("CopySpacesForWindows", mixed);
+    mac.answer("CopyWindowsWithOptionsAndTags", array({truth(true), number(11), text("12")}));
+    EXPECT_THAT(*server.spacesOfWindows(1, kAllSpacesMask, {WindowID{1}}),
+        ElementsAre(SpaceID{8}, SpaceID{1ULL << 40}, SpaceID{10}));
+    EXPECT_THAT(server.windowsOfSpaces(1, {SpaceID{1}}, 2), ElementsAre(WindowID{11}));
+}
+
+TEST_F(MacSpacesTest, callsThatTheSystemLacksAnswerWithNothing)
+{
+    const auto window = desktop.open(desktop.launch());
+    MacWindowServer server{PrivateSymbols{}, MacWindowServer::DisplaySpaces::shared};
+
+    EXPECT_EQ(server.mainConnection(), 0);
+    EXPECT_FALSE(server.managedDisplaySpaces(0).has_value());
+    EXPECT_THAT(server.windowsOfSpaces(0, {SpaceID{1}}, 2), IsEmpty());
+    EXPECT_FALSE(server.spacesOfWindows(0, kAllSpacesMask, {window}).has_value());
+    EXPECT_EQ(server.activeSpace(0), SpaceID{});
+    server.addWindowsToSpaces(0, {window}, {SpaceID{2}});
+    server.removeWindowsFromSpaces(0, {window}, {SpaceID{1}});
+    server.setEdgeReservation(0, SpaceID{1}, ScreenEdge::bottom, 40);
+    EXPECT_FALSE(server.moveOwnWindow(window, SpaceID{2}));
+    EXPECT_THAT(windowsOf(server), testing::SizeIs(1)) << "the list itself is public";
+    EXPECT_THAT(desktop.window(window).spaces, ElementsAre(SpaceID{1}));
+
+    SpaceWindows{server, desktop.displays()}.moveWindowExclusively(window, SpaceID{2});
+    EXPECT_THAT(desktop.window(window).spaces, ElementsAre(SpaceID{1}));
+}
+
+TEST_F(MacSpacesTest, aPrivateCallIsFoundUnderItsOlderNameWhereSkyLightHasItNot)
+{
+    const auto window = desktop.open(desktop.launch());
+    mac.removeSymbol("SLSMoveWindowsToManagedSpace");
+    EXPECT_TRUE(makeWindowServer().moveOwnWindow(window, SpaceID{2}));
+    EXPECT_THAT(desktop.window(window).spaces, ElementsAre(SpaceID{2}));
+    mac.removeSymbol("CGSMoveWindowsToManagedSpace");
+    EXPECT_FALSE(makeWindowServer().moveOwnWindow(window, SpaceID{3}));
+
+    mac.removeSkyLight();
+    auto server = makeWindowServer();
+    EXPECT_EQ(server.mainConnection(), FakeWindowServer::kConnection);
+    EXPECT_EQ(server.activeSpace(server.mainConnection()), SpaceID{1});
+    server.setEdgeReservation(server.mainConnection(), SpaceID{3}, ScreenEdge::bottom, 40);
+    EXPECT_EQ(desktop.windowServer().edgeReservations().at(SpaceID{3}), 40);
+}
+
+TEST_F(MacSpacesTest, aMovedWindowIsOnItsNewSpaceBeforeItLeavesTheOld)
+{
+    const auto window = desktop.open(desktop.launch(), {.spaces = {SpaceID{1}, SpaceID{2}}});
+    auto server = makeWindowServer();
+    const SpaceWindows spaces{server, desktop.displays()};
+    using Change = FakeWindowServer::SpaceChange;
+
+    spaces.moveWindowExclusively(window, SpaceID{3});
+
+    const auto connection = server.mainConnection();
+    EXPECT_THAT(
+        *server.spacesOfWindows(connection, kAllSpacesMask, {window}), ElementsAre(SpaceID{3}));
+    EXPECT_THAT(
+        server.windowsOfSpaces(connection, {SpaceID{3}}, kSpaceWindowOptions), ElementsAre(window));
+    ASSERT_FALSE(desktop.windowServer().moves().empty());
+    EXPECT_EQ(desktop.windowServer().moves().front(),
+        (FakeWindowServer::Moved{Change::add, window, SpaceID{3}}));
+}
+
+TEST_F(MacSpacesTest, displaysThatCannotBeReadAreAbsent)
+{
+    MacDisplays displays;
+    EXPECT_EQ(displays.identifier(DisplayNumber{1}), "37D8832A-2D66-02CA-B9F7-8F30A301B230");
+    EXPECT_EQ(displays.identifier(DisplayNumber{9}), std::nullopt);
+    EXPECT_EQ(displays.mainDisplay(), DisplayNumber{1});
+    EXPECT_THAT(displays.activeDisplays(8), ElementsAre(DisplayNumber{1}));
+    EXPECT_EQ(displays.displayAt({10, 10}), DisplayNumber{1});
+    EXPECT_EQ(displays.displayAt({-10, 10}), std::nullopt);
+    desktop.model().pointer = {3, 4};
+    EXPECT_EQ(displays.pointerLocation(), (Point{3, 4}));
+
+    mac.failDisplayCalls(true);
+    mac.setPointerReadable(false);
+    EXPECT_THAT(displays.activeDisplays(8), IsEmpty());
+    EXPECT_EQ(displays.displayAt({10, 10}), std::nullopt);
+    EXPECT_EQ(displays.pointerLocation(), Point{});
+}
+
+}

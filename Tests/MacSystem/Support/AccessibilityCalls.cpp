@@ -1,0 +1,348 @@
+#include <algorithm>
+#include <cstring>
+
+#include "Tests/MacSystem/Support/SimulatedMac.h"
+
+namespace quorvel::test {
+
+namespace {
+
+/// Each reference is an object of its own with its own timeout; references to the same thing are
+/// equal.
+struct Element final : Object {
+    explicit Element(AXElement fake) : Object(TypeID::element), element(std::move(fake)) { }
+    std::string description() const override { return "element " + std::to_string(element.token); }
+    bool equals(const Object& other) const override
+    {
+        const auto* same = dynamic_cast<const Element*>(&other);
+        return same && same->element == element;
+    }
+    std::size_t hash() const override { return element.token; }
+    void dispose() override { element = {}; }
+
+    AXElement element;
+};
+
+struct Structure final : Object {
+    Structure(AXValueType structureType, const void* value)
+        : Object(TypeID::axValue)
+        , kind(structureType)
+    {
+        std::memcpy(&bytes, value, sizeOf(kind));
+    }
+    static std::size_t sizeOf(AXValueType type)
+    {
+        return type == kAXValueTypeCGRect ? sizeof(CGRect)
+            : type == kAXValueTypeAXError ? sizeof(::AXError)
+                                          : sizeof(CGPoint);
+    }
+    std::string description() const override { return "structure of kind " + std::to_string(kind); }
+
+    AXValueType kind;
+    CGRect bytes{};
+};
+
+struct Source final : Object {
+    Source() : Object(TypeID::runLoopSource) { }
+    std::string description() const override { return "run loop source"; }
+
+    CFRunLoopRef runLoop = nullptr; ///< not null while it is in one
+};
+
+struct RunLoop final : Object {
+    explicit RunLoop(std::string name) : Object(TypeID::runLoop), label(std::move(name)) { }
+    std::string description() const override { return "run loop of " + label; }
+
+    std::string label;
+};
+
+FakeAccessibility& accessibility()
+{
+    return SimulatedMac::current().desktop().accessibility();
+}
+
+AXUIElementRef createElement(const AXElement& element)
+{
+    accessibility().setMessagingTimeout(element, SimulatedMac::current().defaultTimeout);
+    return create<AXUIElementRef, Element>(element);
+}
+
+::AXError result(AXError error)
+{
+    return static_cast<::AXError>(error);
+}
+
+/// The system's observer over one of the fake desktop's.
+struct Observer final : Object {
+    explicit Observer(AXObserverCallback function)
+        : Object(TypeID::observer)
+        , callback(function) { }
+    std::string description() const override { return "observer"; }
+    void dispose() override
+    {
+        fake.reset();
+        source = {};
+    }
+
+    void deliver(const AXElement& about, std::string_view notification);
+
+    struct Registration {
+        AXElement element;
+        std::string notification;
+        void* context;
+    };
+
+    AXObserverCallback callback;
+    std::unique_ptr<AXObserver> fake;
+    Value source = Value::adopt(create<CFRunLoopSourceRef, Source>());
+    std::vector<Registration> registrations;
+};
+
+void Observer::deliver(const AXElement& about, std::string_view notification)
+{
+    const auto runLoop = expectObject<Source>(source.get()).runLoop;
+    if (!runLoop)
+        return; // nobody serves the source
+    if (runLoop != CFRunLoopGetCurrent())
+        Heap::shared().note("a notification came on another thread than its source's");
+    const auto found = std::ranges::find_if(registrations,
+        [&](const Registration& entry) { return entry.notification == notification; });
+    if (found == registrations.end())
+        return;
+    const auto element = Value::adopt(createElement(about));
+    const auto name = text(notification);
+    callback(reinterpret_cast<AXObserverRef>(static_cast<Object*>(this)),
+        static_cast<AXUIElementRef>(element.get()), static_cast<CFStringRef>(name.get()),
+        found->context);
+}
+
+struct ValueMaker {
+    Value operator()(std::monostate) const { return null(); }
+    Value operator()(bool value) const { return truth(value); }
+    Value operator()(double value) const
+    {
+        const auto whole = static_cast<std::int32_t>(std::clamp(value, -1e9, 1e9));
+        return whole == value ? number(whole, kCFNumberSInt32Type) : real(value);
+    }
+    Value operator()(const std::string& value) const { return text(value); }
+    Value operator()(const Point& value) const
+    {
+        return axValue(kAXValueTypeCGPoint, {{value.x, value.y}, {}});
+    }
+    Value operator()(const Size& value) const
+    {
+        return axValue(kAXValueTypeCGSize, {{value.width, value.height}, {}});
+    }
+    Value operator()(const AXElement& value) const { return Value::adopt(createElement(value)); }
+    Value operator()(const std::vector<AXElement>& elements) const
+    {
+        std::vector<Value> values;
+        for (const auto& element : elements)
+            values.push_back((*this)(element));
+        return array(std::move(values));
+    }
+};
+
+/// What an application makes of a value that was set.
+AXValue received(CFTypeRef value)
+{
+    if (value == kCFBooleanTrue || value == kCFBooleanFalse)
+        return value == kCFBooleanTrue;
+    if (CFGetTypeID(value) == CFStringGetTypeID())
+        return utf8(static_cast<CFStringRef>(value));
+    if (CFGetTypeID(value) == CFNumberGetTypeID()) {
+        double number = 0;
+        CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberDoubleType, &number);
+        return number;
+    }
+    if (auto* element = objectAs<Element>(value))
+        return element->element;
+    auto* structure = objectAs<Structure>(value);
+    if (!structure)
+        return {};
+    const auto [x, y] = structure->bytes.origin;
+    return structure->kind == kAXValueTypeCGPoint ? AXValue{Point{x, y}} : AXValue{Size{x, y}};
+}
+
+}
+
+Value axValue(AXValueType type, const CGRect& bytes)
+{
+    return Value::adopt(AXValueCreate(type, &bytes));
+}
+
+CFRunLoopRef SimulatedMac::runLoop()
+{
+    const auto label = m_desktop.dispatch().currentLabel();
+    auto& runLoop = m_runLoops[label];
+    if (!runLoop)
+        runLoop = Value::adopt(create<CFRunLoopRef, RunLoop>(label));
+    return static_cast<CFRunLoopRef>(const_cast<void*>(runLoop.get()));
+}
+
+}
+
+using namespace quorvel::test;
+using quorvel::raw;
+
+const CFStringRef kAXTrustedCheckOptionPrompt = CFSTR("AXTrustedCheckOptionPrompt");
+
+CFRunLoopRef CFRunLoopGetCurrent()
+{
+    return SimulatedMac::current().runLoop();
+}
+
+void CFRunLoopAddSource(CFRunLoopRef runLoop, CFRunLoopSourceRef source, CFRunLoopMode)
+{
+    expectObject<Source>(source).runLoop = runLoop;
+}
+
+void CFRunLoopRemoveSource(CFRunLoopRef runLoop, CFRunLoopSourceRef ref, CFRunLoopMode)
+{
+    auto& source = expectObject<Source>(ref);
+    if (source.runLoop != runLoop)
+        Heap::shared().note("a source was taken from a run loop that has it not");
+    source.runLoop = nullptr;
+}
+
+CFTypeID AXValueGetTypeID()
+{
+    return static_cast<CFTypeID>(TypeID::axValue);
+}
+
+AXValueRef AXValueCreate(AXValueType type, const void* value)
+{
+    return create<AXValueRef, Structure>(type, value);
+}
+
+Boolean AXValueGetValue(AXValueRef ref, AXValueType type, void* value)
+{
+    const auto& structure = expectObject<Structure>(ref);
+    if (structure.kind != type)
+        return false;
+    std::memcpy(value, &structure.bytes, Structure::sizeOf(type));
+    return true;
+}
+
+Boolean AXIsProcessTrusted()
+{
+    return accessibility().isTrusted();
+}
+
+Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options)
+{
+    if (CFDictionaryGetValue(options, kAXTrustedCheckOptionPrompt) == kCFBooleanTrue)
+        accessibility().promptForTrust();
+    return AXIsProcessTrusted();
+}
+
+CFTypeID AXUIElementGetTypeID()
+{
+    return static_cast<CFTypeID>(TypeID::element);
+}
+
+AXUIElementRef AXUIElementCreateSystemWide()
+{
+    return create<AXUIElementRef, Element>(quorvel::AXElement{});
+}
+
+AXUIElementRef AXUIElementCreateApplication(pid_t pid)
+{
+    return createElement(accessibility().application(quorvel::ProcessID{pid}));
+}
+
+AXError AXUIElementSetMessagingTimeout(AXUIElementRef ref, float seconds)
+{
+    const auto& element = expectObject<Element>(ref).element;
+    if (element.token == 0) // stands for the whole system
+        SimulatedMac::current().defaultTimeout = seconds;
+    else
+        accessibility().setMessagingTimeout(element, seconds);
+    return kAXErrorSuccess;
+}
+
+AXError AXUIElementCopyAttributeValue(AXUIElementRef ref, CFStringRef attribute, CFTypeRef* value)
+{
+    const auto name = utf8(attribute);
+    const auto reply = accessibility().copyAttribute(expectObject<Element>(ref).element, name);
+    if (reply.error != quorvel::AXError::success)
+        return result(reply.error);
+    const auto* answer = SimulatedMac::current().answerFor(name);
+    const auto given = answer ? *answer : std::visit(ValueMaker{}, reply.value);
+    if (given)
+        CFRetain(given.get());
+    *value = given.get();
+    return kAXErrorSuccess;
+}
+
+AXError AXUIElementSetAttributeValue(AXUIElementRef ref, CFStringRef attribute, CFTypeRef value)
+{
+    return result(accessibility().setAttribute(
+        expectObject<Element>(ref).element, utf8(attribute), received(value)));
+}
+
+AXError AXUIElementPerformAction(AXUIElementRef ref, CFStringRef action)
+{
+    return result(accessibility().performAction(expectObject<Element>(ref).element, utf8(action)));
+}
+
+AXError simulatedGetWindow(AXUIElementRef ref, CGWindowID* number)
+{
+    const auto resolve = accessibility().windowIDResolver();
+    quorvel::WindowID window{};
+    if (!resolve)
+        return kAXErrorFailure;
+    const auto error = resolve(expectObject<Element>(ref).element, window);
+    if (error == quorvel::AXError::success)
+        *number = raw(window);
+    return result(error);
+}
+
+AXError AXObserverCreate(pid_t pid, AXObserverCallback callback, AXObserverRef* out)
+{
+    auto* thread = SimulatedMac::current().thread();
+    if (!thread) {
+        Heap::shared().note("an observer was made away from the run loops");
+        return kAXErrorFailure;
+    }
+    const auto observer = create<AXObserverRef, Observer>(callback);
+    auto& object = expectObject<Observer>(observer);
+    auto [error, fake] = accessibility().createObserver(quorvel::ProcessID{pid}, *thread,
+        [&object](const auto& about, auto notification) { object.deliver(about, notification); });
+    object.fake = std::move(fake);
+    if (error == quorvel::AXError::success)
+        *out = observer;
+    else
+        CFRelease(observer);
+    return result(error);
+}
+
+AXError AXObserverAddNotification(
+    AXObserverRef ref, AXUIElementRef element, CFStringRef notification, void* context)
+{
+    auto& observer = expectObject<Observer>(ref);
+    const auto& about = expectObject<Element>(element).element;
+    const auto error = observer.fake->addNotification(about, utf8(notification));
+    if (error == quorvel::AXError::success) {
+        observer.registrations.push_back({about, utf8(notification), context});
+        SimulatedMac::current().lastRegistration = {observer.callback, context};
+    }
+    return result(error);
+}
+
+AXError AXObserverRemoveNotification(
+    AXObserverRef ref, AXUIElementRef element, CFStringRef notification)
+{
+    auto& observer = expectObject<Observer>(ref);
+    const auto& about = expectObject<Element>(element).element;
+    std::erase_if(observer.registrations, [&](const auto& entry) {
+        return entry.element == about && entry.notification == utf8(notification);
+    });
+    return result(observer.fake->removeNotification(about, utf8(notification)));
+}
+
+CFRunLoopSourceRef AXObserverGetRunLoopSource(AXObserverRef ref)
+{
+    return static_cast<CFRunLoopSourceRef>(
+        const_cast<void*>(expectObject<Observer>(ref).source.get()));
+}

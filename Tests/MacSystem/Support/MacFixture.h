@@ -1,0 +1,32 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "Hosts/MacOS/System/AccessibilityElement.h"
+#include "Hosts/MacOS/System/MacAccessibility.h"
+#include "Hosts/MacOS/System/MacDisplays.h"
+#include "Hosts/MacOS/System/MacWindowServer.h"
+#include "Tests/MacSystem/Support/SimulatedMac.h"
+
+namespace quorvel::test {
+
+/// The macOS host's own services on a simulated system. What they leak fails the test.
+struct MacFixture : testing::Test {
+    LeakCheck leaks;
+    FakeDesktop desktop;
+    SimulatedMac mac{desktop};
+
+    MacWindowServer makeWindowServer() const
+    {
+        return {PrivateSymbols::load(), MacWindowServer::DisplaySpaces::separate};
+    }
+    static std::vector<CGWindowInfo> windowsOf(const WindowServer& server)
+    {
+        std::vector<CGWindowInfo> windows;
+        server.enumerateWindows(kWindowListExcludeDesktopElements,
+            [&](const CGWindowInfo& info) { windows.push_back(info); });
+        return windows;
+    }
+};
+
+}

@@ -1,0 +1,93 @@
+#include <gmock/gmock.h>
+
+#include "Tests/MacSystem/Support/MacFixture.h"
+
+namespace quorvel::test {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+struct MacWindowListTest : MacFixture {
+    void answerWindows(std::vector<Value> entries)
+    {
+        mac.answer("CGWindowListCopyWindowInfo", array(std::move(entries)));
+    }
+    CGWindowInfo onlyWindow() const
+    {
+        const auto windows = windowsOf(makeWindowServer());
+        EXPECT_EQ(windows.size(), 1u);
+        return windows.empty() ? CGWindowInfo{} : windows.front();
+    }
+};
+
+}
+
+TEST_F(MacWindowListTest, anEntryIsReadInWhateverWidthItsNumbersCome)
+{
+    answerWindows({dictionary({{"kCGWindowNumber", number(-1, kCFNumberSInt32Type)},
+        {"kCGWindowOwnerPID", number(501, kCFNumberSInt16Type)}, {"kCGWindowLayer", real(3)},
+        {"kCGWindowAlpha", number(1, kCFNumberSInt8Type)},
+        {"kCGWindowBounds", rectangle(-1440, 25.5, 800, 600)},
+        {"kCGWindowOwnerName", text("Écran 😀")}, {"kCGWindowName", text("")}})});
+
+    const CGWindowInfo expected{.windowNumber = WindowID{0xFFFFFFFF},
+        .ownerPID = ProcessID{501},
+        .layer = 3,
+        .bounds = Rect{-1440, 25.5, 800, 600},
+        .alpha = 1,
+        .ownerName = "Écran 😀",
+        .windowName = ""};
+    EXPECT_EQ(onlyWindow(), expected);
+}
+
+TEST_F(MacWindowListTest, valuesOfTheWrongTypeAreAbsent)
+{
+    answerWindows({dictionary({{"kCGWindowNumber", text("7")}, {"kCGWindowOwnerPID", truth(true)},
+        {"kCGWindowLayer", truth(false)}, {"kCGWindowAlpha", null()},
+        {"kCGWindowBounds", array({number(1), number(2), number(3), number(4)})},
+        {"kCGWindowOwnerName", number(5)}, {"kCGWindowName", dictionary({})}})});
+
+    EXPECT_EQ(onlyWindow(), CGWindowInfo{});
+}
+
+TEST_F(MacWindowListTest, anEntryMayLackEveryKey)
+{
+    answerWindows({dictionary({}), null(), number(7), array({}), dictionary({})});
+
+    // What is no dictionary is no window.
+    EXPECT_THAT(windowsOf(makeWindowServer()), ElementsAre(CGWindowInfo{}, CGWindowInfo{}));
+}
+
+TEST_F(MacWindowListTest, numbersThatDoNotFitAreAbsentWhereHalfOfThemWouldBeWrong)
+{
+    answerWindows({dictionary(
+        {{"kCGWindowOwnerPID", number(std::int64_t{1} << 32 | 501)}, {"kCGWindowLayer", real(0.5)},
+            {"kCGWindowBounds",
+                dictionary({{"X", real(0)}, {"Y", real(0)}, {"Width", text("800")},
+                    {"Height", real(600)}})}})});
+
+    EXPECT_EQ(onlyWindow(), CGWindowInfo{});
+}
+
+TEST_F(MacWindowListTest, halfOfASurrogatePairDoesNotLoseTheTitle)
+{
+    answerWindows({dictionary({{"kCGWindowName",
+        utf16(u"a\xD83D"
+              u"b")}})});
+
+    EXPECT_EQ(onlyWindow().windowName, "a?b");
+}
+
+TEST_F(MacWindowListTest, withoutAListThereAreNoWindows)
+{
+    desktop.open(desktop.launch());
+    EXPECT_EQ(windowsOf(makeWindowServer()).size(), 1u);
+    mac.answer("CGWindowListCopyWindowInfo", {}); // nobody is logged in at the screen
+    EXPECT_THAT(windowsOf(makeWindowServer()), IsEmpty());
+    mac.answer("CGWindowListCopyWindowInfo", dictionary({}));
+    EXPECT_THAT(windowsOf(makeWindowServer()), IsEmpty());
+}
+
+}
