@@ -27,6 +27,11 @@ TEST(LeakCheck, tellsWhatWasNotReleasedAndWhatWasReleasedTwice)
     }
     EXPECT_THAT(heap.takeReport(), IsEmpty()) << "a list releases what is in it";
 
+    CFRetain(array({text("b")}).get());
+    EXPECT_THAT(heap.takeReport(),
+        ElementsAre(HasSubstr("string \"b\""), HasSubstr("not released: array of 1")))
+        << "and keeps it while it is leaked itself";
+
     CFRelease(kCFBooleanTrue);
     EXPECT_THAT(heap.takeReport(), ElementsAre(HasSubstr("unequally often: true")));
 }

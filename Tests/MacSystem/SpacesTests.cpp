@@ -125,6 +125,10 @@ TEST_F(MacSpacesTest, callsThatTheSystemLacksAnswerWithNothing)
 TEST_F(MacSpacesTest, aPrivateCallIsFoundUnderItsOlderNameWhereSkyLightHasItNot)
 {
     const auto window = desktop.open(desktop.launch());
+    mac.removeSymbol("CGSMainConnectionID");
+    EXPECT_EQ(makeWindowServer().mainConnection(), FakeWindowServer::kConnection);
+    mac.removeSymbol("SLSMainConnectionID");
+    EXPECT_EQ(makeWindowServer().mainConnection(), 0);
     mac.removeSymbol("SLSMoveWindowsToManagedSpace");
     EXPECT_TRUE(makeWindowServer().moveOwnWindow(window, SpaceID{2}));
     EXPECT_THAT(desktop.window(window).spaces, ElementsAre(SpaceID{2}));
@@ -133,9 +137,8 @@ TEST_F(MacSpacesTest, aPrivateCallIsFoundUnderItsOlderNameWhereSkyLightHasItNot)
 
     mac.removeSkyLight();
     auto server = makeWindowServer();
-    EXPECT_EQ(server.mainConnection(), FakeWindowServer::kConnection);
-    EXPECT_EQ(server.activeSpace(server.mainConnection()), SpaceID{1});
-    server.setEdgeReservation(server.mainConnection(), SpaceID{3}, ScreenEdge::bottom, 40);
+    EXPECT_EQ(server.activeSpace(1), SpaceID{1});
+    server.setEdgeReservation(1, SpaceID{3}, ScreenEdge::bottom, 40);
     EXPECT_EQ(desktop.windowServer().edgeReservations().at(SpaceID{3}), 40);
 }
 

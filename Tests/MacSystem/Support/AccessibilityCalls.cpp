@@ -171,6 +171,11 @@ Value axValue(AXValueType type, const CGRect& bytes)
     return Value::adopt(AXValueCreate(type, &bytes));
 }
 
+AXUIElementRef SimulatedMac::createWindowElement(WindowID id)
+{
+    return createElement(accessibility().windowElement(id));
+}
+
 CFRunLoopRef SimulatedMac::runLoop()
 {
     const auto label = m_desktop.dispatch().currentLabel();

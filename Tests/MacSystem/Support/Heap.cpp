@@ -50,9 +50,13 @@ std::vector<std::string> Heap::takeReport()
     }
     if (m_pools != 0)
         note("autorelease pools are not balanced");
+    auto faults = std::exchange(m_faults, {});
+    for (const auto& object : m_objects)
+        object->dispose(); // what is left holds others: let go before any memory goes
     m_objects.clear();
+    m_faults.clear();
     m_pools = 0;
-    return std::exchange(m_faults, {});
+    return faults;
 }
 
 LeakCheck::~LeakCheck()

@@ -20,6 +20,11 @@ struct MacFixture : testing::Test {
     {
         return {PrivateSymbols::load(), MacWindowServer::DisplaySpaces::separate};
     }
+    static AXElement windowElement(WindowID id)
+    {
+        const auto ref = SimulatedMac::createWindowElement(id);
+        return makeElement(CFRef<AXUIElementRef>::adopt(ref));
+    }
     static std::vector<CGWindowInfo> windowsOf(const WindowServer& server)
     {
         std::vector<CGWindowInfo> windows;

@@ -30,6 +30,9 @@ public:
     /// The desktop's, with an eye on which thread runs.
     Dispatch& dispatch() { return m_dispatch; }
 
+    /// As a notification would bring it.
+    static AXUIElementRef createWindowElement(WindowID);
+
     // Knobs.
     /// What the call, or the accessibility attribute, of this name answers; empty is null.
     void answer(const std::string& name, Value value) { m_answers[name] = std::move(value); }
