@@ -47,8 +47,12 @@ bool Clients::handle(const xcb_generic_event_t* event)
     }
     case XCB_MAP_NOTIFY: {
         auto* change = reinterpret_cast<const xcb_map_notify_event_t*>(event);
-        if (auto* client = find(change->window))
-            client->isUnmapped = false;
+        auto* client = find(change->window);
+        if (!client)
+            return false;
+        client->isUnmapped = false;
+        if (client->leavesAt)
+            *client->leavesAt += kLeaveGrace; // it was the manager that left
         return false;
     }
     case XCB_DESTROY_NOTIFY:
@@ -100,10 +104,8 @@ void Clients::follow(const std::vector<xcb_window_t>& list, Instant now)
         // A window that its own client unmapped is withdrawn. One that is minimised or on another
         // desktop is unmapped as well, and tells nothing.
         bool isWithdrawn = client->isUnmapped && !client->state.isHidden;
-        if (isWithdrawn)
-            client->isGone = m_hasGone = true;
-        else if (!client->leavesAt)
-            client->leavesAt = now + kLeaveGrace;
+        if (!client->leavesAt)
+            client->leavesAt = now + (isWithdrawn ? kWithdrawGrace : kLeaveGrace);
     }
     for (auto window : list) {
         auto* known = find(window);

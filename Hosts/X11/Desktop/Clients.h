@@ -21,6 +21,9 @@ public:
     /// rather than its window: so long it is kept.
     static constexpr auto kLeaveGrace = std::chrono::milliseconds{100};
 
+    /// openbox unmaps each client when it leaves, and maps it again a moment later.
+    static constexpr auto kWithdrawGrace = std::chrono::milliseconds{50};
+
     explicit Clients(Connection&);
 
     /// Takes note of what an event says of a client; true if anything has to be read or dropped.
