@@ -93,7 +93,8 @@ bool Clients::markStale(Client* client, Facets facets)
     return true;
 }
 
-void Clients::follow(const std::vector<xcb_window_t>& list, Instant now)
+void Clients::follow(
+    const std::vector<xcb_window_t>& list, std::uint32_t currentDesktop, Instant now)
 {
     std::unordered_set<xcb_window_t> listed{list.begin(), list.end()};
     for (auto& [number, client] : m_byNumber) {
@@ -103,7 +104,9 @@ void Clients::follow(const std::vector<xcb_window_t>& list, Instant now)
         }
         // A window that its own client unmapped is withdrawn. One that is minimised or on another
         // desktop is unmapped as well, and tells nothing.
-        bool isWithdrawn = client->isUnmapped && !client->state.isHidden;
+        auto desktop = client->desktop.value_or(currentDesktop);
+        bool isHere = desktop == currentDesktop || desktop == kEveryDesktop;
+        bool isWithdrawn = client->isUnmapped && isHere && !client->state.isHidden;
         if (!client->leavesAt)
             client->leavesAt = now + (isWithdrawn ? kWithdrawGrace : kLeaveGrace);
     }

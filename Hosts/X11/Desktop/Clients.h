@@ -29,7 +29,7 @@ public:
     /// Takes note of what an event says of a client; true if anything has to be read or dropped.
     bool handle(const xcb_generic_event_t*);
     /// Follows the manager's list: new clients are added, those that left are marked as gone.
-    void follow(const std::vector<xcb_window_t>& list, Instant now);
+    void follow(const std::vector<xcb_window_t>& list, std::uint32_t currentDesktop, Instant now);
     /// While there is no manager, nobody leaves by missing from a list.
     void cancelLeaving();
     /// Clients whose time to leave has come are marked as gone.

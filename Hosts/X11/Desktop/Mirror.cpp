@@ -131,7 +131,7 @@ void Mirror::readAll()
         batch.finish();
         m_root.setKeepsLastWords(true);
         if (m_root.takeListDidChange())
-            m_clients.follow(m_root.clients(), now);
+            m_clients.follow(m_root.clients(), m_root.currentDesktop(), now);
     }
     m_clients.settleLeaving(now);
     auto wanted = kFirstFacets | Facet::strut;
