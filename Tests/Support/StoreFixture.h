@@ -2,17 +2,13 @@
 
 #include <algorithm>
 
-#include <gtest/gtest.h>
-
 #include "Quorvel/Skylight/WindowStore.h"
-#include "Tests/Support/FakeDesktop.h"
+#include "Tests/Support/StoreHost.h"
 
 namespace quorvel::test {
 
 /// A window store on a desktop, without anything around it: the test calls what the runtime would.
-struct StoreFixture : testing::Test {
-    FakeDesktop desktop;
-    Platform platform = desktop.platform();
+struct StoreFixture : StoreHost {
     WindowStore store{platform.dispatch, platform.accessibility, platform.windowServer,
         platform.displays, platform.workspace, platform.trace};
     int changes = 0;
@@ -43,8 +39,7 @@ struct StoreFixture : testing::Test {
 
     AXWindowEvent event(WindowID id, std::string_view notification)
     {
-        return {std::string{notification}, desktop.window(id).pid,
-            desktop.accessibility().windowElement(id), id};
+        return {std::string{notification}, desktop.window(id).pid, windowElement(id), id};
     }
 
     /// When the windows were listed, in seconds since `start`.
