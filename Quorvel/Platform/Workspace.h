@@ -35,6 +35,7 @@ class Workspace {
 public:
     virtual ~Workspace() = default;
 
+    /// The visitor must not call the platform: a lock may be held.
     virtual void enumerateRunningApplications(
         const std::function<void(const RunningApplication&)>& visitor) const = 0;
     /// Absent once the process is gone.

@@ -41,9 +41,10 @@ X11Workspace::X11Workspace(Connection& connection, const SharedModel& model, Mir
 void X11Workspace::enumerateRunningApplications(
     const std::function<void(const RunningApplication&)>& visitor) const
 {
-    auto applications = m_model.read([](const DesktopModel& model) { return model.applications; });
-    for (auto& [pid, application] : applications)
-        visitor(application.running());
+    m_model.read([&](const DesktopModel& model) {
+        for (auto& [pid, application] : model.applications)
+            visitor(application.running());
+    });
 }
 
 std::optional<RunningApplication> X11Workspace::runningApplication(ProcessID pid) const
