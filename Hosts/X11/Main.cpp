@@ -42,7 +42,7 @@ int runBar(ControlChannel& control, Trace& trace)
     Monitors monitors{*connection};
     PanelEnvironment environment;
     DesktopEntries entries{dispatch};
-    Icons icons{dispatch, entries};
+    Icons icons{entries};
     X11Application application{*connection};
     X11Surfaces surfaces{*connection, dispatch, monitors, environment, application.appearance()};
     DesktopServices desktop{*connection, dispatch, monitors, environment, entries, icons};

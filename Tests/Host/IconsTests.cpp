@@ -94,7 +94,7 @@ protected:
     test::InstalledApplications installed;
     test::VirtualDispatch dispatch;
     DesktopEntries entries{dispatch};
-    Icons icons{dispatch, entries};
+    Icons icons{entries};
 };
 
 TEST_F(IconFiles, usesTheFileMadeForTheSizeElseTheNextLargerOne)
@@ -203,7 +203,7 @@ TEST_F(IconFiles, thereIsAlwaysAGenericPicture)
     EXPECT_EQ(icons.generic(), drawn);
 
     png("system/icons/hicolor/32/apps/application-x-executable.png", 32, kGreen);
-    EXPECT_EQ(middle((Icons{dispatch, entries}.generic()), 32), kGreen);
+    EXPECT_EQ(middle((Icons{entries}.generic()), 32), kGreen);
 }
 
 TEST_F(IconFiles, windowPixelsAreScaledFromTheNextLargerSizeAndKeepTheirProportions)

@@ -34,7 +34,7 @@ private:
 
 }
 
-Icons::Icons(Dispatch&, DesktopEntries& entries)
+Icons::Icons(DesktopEntries& entries)
     : m_entries(entries)
     , m_entriesChanged(entries.changed.subscribe([this] { forget(); }))
 {

@@ -7,7 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Image.h"
 #include "Quorvel/Platform/Published.h"
 
@@ -27,7 +26,7 @@ struct IconPixels {
 /// looked for when a name is asked, and read when a picture is first drawn. Main thread.
 class Icons {
 public:
-    Icons(Dispatch&, DesktopEntries&);
+    explicit Icons(DesktopEntries&);
     ~Icons();
     Icons(const Icons&) = delete;
     Icons& operator=(const Icons&) = delete;
