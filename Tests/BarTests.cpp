@@ -290,6 +290,29 @@ TEST_F(BarTest, aBarIsThereAgainWithTheFirstScreenAndOnTheRightOne)
         ElementsAre(testing::Pair(DisplayNumber{99}, Rect{0, 764, 1280, 36})));
 }
 
+TEST_F(BarTest, thePointerIsFollowedOnlyWhileThereIsAChoiceOfDisplays)
+{
+    auto one = desktop.model().displays;
+    auto two = one;
+    two.push_back(
+        {.number = DisplayNumber{2}, .identifier = "second", .frame = {1440, 0, 1440, 900}});
+    auto change = [&](const std::vector<FakeDisplay>& displays) {
+        desktop.setDisplays(displays);
+        desktop.advance(seconds(1));
+        return desktop.dispatch().pendingTimers();
+    };
+    desktop.model().pointer = {2000, 100};
+
+    EXPECT_EQ(change(two), 1u);
+    EXPECT_EQ(runtime->barManager()->pointerDisplay(), DisplayNumber{2});
+    EXPECT_EQ(change(one), 0u);
+    EXPECT_EQ(runtime->barManager()->pointerDisplay(), DisplayNumber{1}) << "the other is gone";
+    EXPECT_EQ(change(two), 1u);
+    desktop.program().terminate();
+    desktop.drain();
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
 TEST(BarSizeTest, everySizeHasItsColumnOfTheTable)
 {
     for (auto size : kAllBarSizes) {

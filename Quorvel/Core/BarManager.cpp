@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Quorvel/Core/MouseDisplayTracker.h"
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Surfaces.h"
@@ -43,8 +44,7 @@ void BarManager::setupSpaceChangeObserver()
 
 void BarManager::syncPanels()
 {
-    placePanels();
-    applyDockRectRegistrations();
+    repositionPanels();
     m_viewModel.refresh();
 }
 
@@ -52,6 +52,25 @@ void BarManager::repositionPanels()
 {
     placePanels();
     applyDockRectRegistrations();
+    trackPointerDisplay();
+}
+
+void BarManager::trackPointerDisplay()
+{
+    bool isNeeded = m_platform.displays.screens().size() > 1;
+    if (!isNeeded) {
+        m_mouseDisplayTracker.reset();
+    } else if (!m_mouseDisplayTracker) {
+        m_mouseDisplayTracker
+            = std::make_unique<MouseDisplayTracker>(m_platform.dispatch, m_platform.displays);
+        m_mouseDisplayTracker->start();
+    }
+}
+
+std::optional<DisplayNumber> BarManager::pointerDisplay() const
+{
+    return m_mouseDisplayTracker ? m_mouseDisplayTracker->preferredDisplayID()
+                                 : m_platform.displays.mainDisplay();
 }
 
 std::map<SpaceID, BarManager::Place> BarManager::wantedPlaces() const
@@ -149,6 +168,7 @@ void BarManager::updateActiveSpacePanelVisibility()
 void BarManager::closeAllPanels()
 {
     clearDockRectRegistrations();
+    m_mouseDisplayTracker.reset();
     m_panels.clear();
 }
 

@@ -14,6 +14,7 @@ namespace quorvel {
 
 class BarPanel;
 class BarContentView;
+class MouseDisplayTracker;
 struct PanelOptions;
 
 /// Owns the bars: one panel for every ordinary space, which the window server shows with its space.
@@ -33,6 +34,8 @@ public:
     void repositionPanels();
     void updateActiveSpacePanelVisibility();
     void closeAllPanels();
+    /// The display that the pointer is on, where what belongs to the pointer opens.
+    std::optional<DisplayNumber> pointerDisplay() const;
 
     void applyDockRectRegistrations();
     void clearDockRectRegistrations();
@@ -56,6 +59,8 @@ private:
     /// By space; empty while there is no screen.
     std::map<SpaceID, Place> wantedPlaces() const;
     void createPanel(SpaceID, const Place&);
+    /// Only while there is a choice of displays: it samples without pause.
+    void trackPointerDisplay();
     std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
     void setupSpaceChangeObserver();
     void showMenu(BarPanel&);
@@ -69,6 +74,7 @@ private:
     BarViewModel m_viewModel;
     std::map<SpaceID, std::unique_ptr<BarPanel>> m_panels;
     std::map<DisplayNumber, DockRectRegistration> m_appliedDockRectRegistrations;
+    std::unique_ptr<MouseDisplayTracker> m_mouseDisplayTracker; ///< null with one display
     Subscription m_activeSpaceChange;
 };
 
