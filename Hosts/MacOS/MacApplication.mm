@@ -1,7 +1,10 @@
 #include "Hosts/MacOS/MacApplication.h"
 
 #include <csignal>
+#include <cstdio>
 #include <unistd.h>
+
+#include <fmt/format.h>
 
 /// Hears when the system ends the program (log-out, shutdown): then `run` never returns.
 @interface QVApplicationDelegate : NSObject <NSApplicationDelegate>
@@ -107,6 +110,16 @@ void MacApplication::setActivationPolicy(ActivationPolicy policy)
 }
 
 ProcessID MacApplication::processID() const { return ProcessID{getpid()}; }
+
+std::optional<int> MacApplication::operatingSystemMajorVersion() const
+{
+    return static_cast<int>(NSProcessInfo.processInfo.operatingSystemVersion.majorVersion);
+}
+
+void MacApplication::warn(std::string_view text)
+{
+    fmt::print(stderr, "quorvel: {}\n", text);
+}
 
 int MacApplication::run()
 {

@@ -1,6 +1,7 @@
 #include "Hosts/MacOS/Cocoa.h"
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/MacApplication.h"
+#include "Hosts/MacOS/MacLoginItem.h"
 #include "Hosts/MacOS/MacSurfaces.h"
 #include "Hosts/MacOS/MacWorkspace.h"
 #include "Hosts/MacOS/ScreenWatcher.h"
@@ -11,6 +12,7 @@
 #include "Hosts/MacOS/System/MacWindowServer.h"
 #include "Hosts/MacOS/TextLine.h"
 #include "Hosts/Posix/Invocation.h"
+#include "Hosts/Posix/PosixFiles.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Quorvel.h"
 
@@ -33,6 +35,15 @@ std::optional<posix::ControlAddress> barAddress(std::string& problem)
     return posix::ControlAddress::forDisplay("screen", folder.c_str(), "/tmp", problem);
 }
 
+std::optional<std::string> applicationSupportFolder()
+{
+    NSURL* folder = [NSFileManager.defaultManager URLsForDirectory:NSApplicationSupportDirectory
+                                                         inDomains:NSUserDomainMask].firstObject;
+    if (!folder.path)
+        return std::nullopt;
+    return fromSystem(folder.path);
+}
+
 int runBar(ControlChannel& control, Trace& trace)
 {
     const PrivateSymbols symbols = PrivateSymbols::load();
@@ -46,6 +57,8 @@ int runBar(ControlChannel& control, Trace& trace)
     MacScreenCapture screenCapture;
     MacSurfaces surfaces{windowServer, dispatch.main()};
     CoreTextText text;
+    posix::PosixFiles files{{applicationSupportFolder(), /*keepsRejectedFiles=*/false}};
+    MacLoginItem loginItem;
     return QuorvelApp::main({
         .dispatch = dispatch,
         .accessibility = accessibility,
@@ -57,6 +70,8 @@ int runBar(ControlChannel& control, Trace& trace)
         .surfaces = surfaces,
         .text = text,
         .control = control,
+        .files = files,
+        .loginItem = loginItem,
         .trace = trace,
     });
 }

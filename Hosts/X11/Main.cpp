@@ -4,8 +4,11 @@
 #include <string>
 
 #include "Hosts/Posix/Invocation.h"
+#include "Hosts/Posix/PosixFiles.h"
 #include "Hosts/X11/Applications/DesktopEntries.h"
 #include "Hosts/X11/Applications/Icons.h"
+#include "Hosts/X11/Applications/X11LoginItem.h"
+#include "Hosts/X11/Applications/XdgFolders.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/DesktopServices.h"
 #include "Hosts/X11/FdSource.h"
@@ -46,6 +49,8 @@ int runBar(ControlChannel& control, Trace& trace)
     X11Application application{*connection};
     X11Surfaces surfaces{*connection, dispatch, monitors, environment, application.appearance()};
     DesktopServices desktop{*connection, dispatch, monitors, environment, entries, icons};
+    posix::PosixFiles files{{configurationFolder(), /*keepsRejectedFiles=*/true}};
+    X11LoginItem loginItem{files, X11LoginItem::userFile(), X11LoginItem::runningProgram()};
     return QuorvelApp::main({
         .dispatch = dispatch,
         .accessibility = desktop.accessibility(),
@@ -57,6 +62,8 @@ int runBar(ControlChannel& control, Trace& trace)
         .surfaces = surfaces,
         .text = surfaces.text(),
         .control = control,
+        .files = files,
+        .loginItem = loginItem,
         .trace = trace,
     });
 }

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include <fmt/format.h>
 #include <glib-unix.h>
 #include <unistd.h>
 
@@ -84,6 +85,11 @@ X11Application::~X11Application()
 ProcessID X11Application::processID() const
 {
     return static_cast<ProcessID>(getpid());
+}
+
+void X11Application::warn(std::string_view text)
+{
+    fmt::print(stderr, "quorvel: {}\n", text);
 }
 
 int X11Application::run()

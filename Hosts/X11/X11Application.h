@@ -20,6 +20,8 @@ public:
 
     void setActivationPolicy(ActivationPolicy) override { }
     ProcessID processID() const override;
+    std::optional<int> operatingSystemMajorVersion() const override { return std::nullopt; }
+    void warn(std::string_view) override;
     int run() override;
     void terminate() override;
     const Published<Appearance>& appearance() const override { return m_appearance; }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "Quorvel/Platform/Published.h"
 #include "Quorvel/Platform/Workspace.h"
@@ -24,6 +26,10 @@ public:
 
     virtual void setActivationPolicy(ActivationPolicy) = 0;
     virtual ProcessID processID() const = 0;
+    /// Absent where the look of the system does not go by its version.
+    virtual std::optional<int> operatingSystemMajorVersion() const = 0;
+    /// Tells whoever started the program, on standard error: one line.
+    virtual void warn(std::string_view) = 0;
     /// Runs the event loop until `terminate`; returns the exit status.
     virtual int run() = 0;
     /// Emits `willTerminate` and ends the loop.

@@ -7,6 +7,8 @@ class Application;
 class ControlChannel;
 class Dispatch;
 class Displays;
+class Files;
+class LoginItem;
 class ScreenCapture;
 class Surfaces;
 class Text;
@@ -41,6 +43,8 @@ struct Platform {
     Surfaces& surfaces;
     Text& text;
     ControlChannel& control;
+    Files& files;
+    LoginItem& loginItem;
     Trace& trace;
 };
 

@@ -9,6 +9,8 @@
 #include "Tests/Support/DesktopModel.h"
 #include "Tests/Support/FakeAccessibility.h"
 #include "Tests/Support/FakeDisplays.h"
+#include "Tests/Support/FakeFiles.h"
+#include "Tests/Support/FakeLoginItem.h"
 #include "Tests/Support/FakeProgram.h"
 #include "Tests/Support/FakeSurfaces.h"
 #include "Tests/Support/FakeWindowServer.h"
@@ -82,6 +84,8 @@ public:
     FakeProgram& program() { return m_program; }
     FakeSurfaces& surfaces() { return m_surfaces; }
     FakeControlChannel& control() { return m_control; }
+    FakeFiles& files() { return m_files; }
+    FakeLoginItem& loginItem() { return m_loginItem; }
     Trace& trace() { return m_trace; }
 
     // What is there. The references live as long as what they name.
@@ -142,6 +146,8 @@ private:
     FakeSurfaces m_surfaces{*this};
     FakeText m_text;
     FakeControlChannel m_control;
+    FakeFiles m_files;
+    FakeLoginItem m_loginItem;
     Trace m_trace;
     std::int32_t m_nextPID = 501;
     std::uint32_t m_nextWindow = 1001;

@@ -23,15 +23,19 @@ public:
 
     void setActivationPolicy(ActivationPolicy policy) override { m_policies.push_back(policy); }
     ProcessID processID() const override { return kPID; }
+    std::optional<int> operatingSystemMajorVersion() const override { return m_systemVersion; }
+    void warn(std::string_view text) override { m_warnings.emplace_back(text); }
     int run() override;
     void terminate() override;
     const Published<Appearance>& appearance() const override { return m_appearance; }
 
     /// What happens while the event loop runs.
     void whenRunning(std::function<void()> script) { m_script = std::move(script); }
+    void setSystemVersion(std::optional<int> major) { m_systemVersion = major; }
     void setAppearance(Appearance appearance) { m_appearance.set(appearance); }
 
     const std::vector<ActivationPolicy>& policies() const { return m_policies; }
+    const std::vector<std::string>& warnings() const { return m_warnings; }
     bool didRun() const { return m_didRun; }
     bool isTerminated() const { return m_isTerminated; }
 
@@ -40,6 +44,8 @@ private:
     Published<Appearance> m_appearance;
     std::function<void()> m_script;
     std::vector<ActivationPolicy> m_policies;
+    std::optional<int> m_systemVersion = 14;
+    std::vector<std::string> m_warnings;
     bool m_didRun = false;
     bool m_isTerminated = false;
 };

@@ -13,7 +13,8 @@ struct StoreHost : MacFixture {
     MacDisplays macDisplays;
     Platform platform{mac.dispatch(), macAccessibility, macWindowServer, macDisplays,
         desktop.workspace(), desktop.screenCapture(), desktop.program(), desktop.surfaces(),
-        desktop.platform().text, desktop.control(), desktop.trace()};
+        desktop.platform().text, desktop.control(), desktop.files(), desktop.loginItem(),
+        desktop.trace()};
     Subscription screensChanged = desktop.displays().parametersDidChange.subscribe(
         [this] { macDisplays.setScreens(desktop.displays().screens()); });
 

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace quorvel {
+
+/// The user's disk, as far as the program keeps something there. Paths are absolute. Calls block
+/// for as long as the disk takes; any of them may fail, and then nothing has changed. From any
+/// thread.
+class Files {
+public:
+    virtual ~Files() = default;
+
+    /// Where programs keep what they remember for the user, each in a folder of its own. Absent if
+    /// the system names none.
+    virtual std::optional<std::string> applicationSupportFolder() const = 0;
+    /// Whether users of this system expect a file that could not be understood to be kept beside
+    /// the new one instead of being overwritten.
+    virtual bool keepsRejectedFiles() const = 0;
+
+    /// With the folders above it. It may be there already.
+    virtual std::error_code createFolder(const std::string& path) = 0;
+    /// Whether anything at all is there.
+    virtual bool exists(const std::string& path) const = 0;
+    /// The bytes of a regular file of at most `limit` bytes; absent for anything else.
+    virtual std::optional<std::string> read(const std::string& path, std::size_t limit) const = 0;
+    /// Whoever reads meanwhile, or after a crash or a power cut at any moment, finds the old bytes
+    /// or the new ones; on success the new ones are on the disk. A link is followed.
+    virtual std::error_code writeAtomically(const std::string& path, const std::string& bytes) = 0;
+    /// Fails with `file_exists` rather than replace something.
+    virtual std::error_code rename(const std::string& from, const std::string& to) = 0;
+    virtual std::error_code remove(const std::string& path) = 0;
+    /// The names in the folder, sorted; empty if it cannot be read.
+    virtual std::vector<std::string> list(const std::string& folder) const = 0;
+};
+
+}
