@@ -353,6 +353,26 @@ TEST_F(AXObserverManagerTest, aWindowThatCouldNotBeListenedToIsTriedAgainWithThe
     EXPECT_TRUE(isFullyRegistered(fresh));
 }
 
+TEST_F(AXObserverManagerTest, aWindowMadeWhileItsApplicationWasBusyIsListenedToHoweverLongThatWas)
+{
+    attach();
+    auto half = desktop.open(mail);
+    desktop.application(mail).faults.failingMessages = 1; // answers in the middle of registering
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(isFullyRegistered(half));
+
+    auto late = desktop.open(mail);
+    desktop.application(mail).faults.isHung = true;
+    desktop.advance(seconds(120));
+    desktop.application(mail).faults.isHung = false;
+    desktop.advance(seconds(9));
+
+    EXPECT_TRUE(isFullyRegistered(late));
+    EXPECT_EQ(heard.back().notification, ax::windowCreated) << "what it did meanwhile was not told";
+    EXPECT_EQ(heard.back().window, late);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
 TEST_F(AXObserverManagerTest, stoppingEndsEverythingAndItCanStartAgain)
 {
     attach();

@@ -36,8 +36,12 @@ AXReply AXCalls::copyAttribute(ProcessID pid, const AXElement& element, std::str
     if (m_hungInScan.contains(pid))
         return {AXError::cannotComplete, {}};
     auto reply = m_accessibility.copyAttribute(element, attribute);
-    if (reply.error == AXError::cannotComplete && m_scanDepth > 0)
+    if (reply.error != AXError::cannotComplete)
+        return reply;
+    if (m_scanDepth > 0)
         m_hungInScan.insert(pid);
+    if (onTimeOut)
+        onTimeOut(pid);
     return reply;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -30,6 +31,12 @@ public:
     private:
         AXCalls& m_calls;
     };
+
+    /// A process did not answer in time: at most once a scan, from inside the call.
+    std::function<void(ProcessID)> onTimeOut;
+
+    /// Whether the process did not answer in this scan.
+    bool hasTimedOut(ProcessID pid) const { return m_hungInScan.contains(pid); }
 
     AXElement application(ProcessID) const;
     AXReply copyAttribute(ProcessID, const AXElement&, std::string_view attribute);

@@ -155,12 +155,12 @@ void AXObserverManager::addObserver(ProcessID pid, Attempt attempt)
     auto observer = registerApplication(pid, application);
     if (!observer) {
         if (attempt == Attempt::counted)
-            scheduleRetry(pid);
+            scheduleRetry(pid, Patience::limited);
         return;
     }
     m_pidStates.insert_or_assign(pid, PIDState{std::move(observer), application, {}});
     m_retryCount.erase(pid);
-    refreshWindowObservations(pid, Attempt::counted);
+    refreshWindowObservations(pid, Attempt::first);
     m_callbackQueue.async([weak = m_weak.reference(), pid] {
         auto* self = weak.get();
         if (self && self->m_wantedPIDs.contains(pid) && self->onObserverAdded)
@@ -185,13 +185,14 @@ std::unique_ptr<AXObserver> AXObserverManager::registerApplication(
     return std::move(observer);
 }
 
-void AXObserverManager::scheduleRetry(ProcessID pid)
+void AXObserverManager::scheduleRetry(ProcessID pid, Patience patience)
 {
     auto& failed = m_retryCount[pid];
-    if (failed >= retryDelays.size()) {
+    if (failed >= retryDelays.size() && patience == Patience::limited) {
         m_retryCount.erase(pid);
         return;
     }
+    failed = std::min(failed, retryDelays.size() - 1);
     auto delay = retryDelays[failed++];
     m_callbackQueue.async([weak = m_weak.reference(), pid, delay] {
         if (auto* self = weak.get())
@@ -218,13 +219,18 @@ void AXObserverManager::refreshWindowObservations(ProcessID pid, Attempt attempt
         return;
     bool isComplete = windows.has_value();
     for (auto& window : windows.value_or(std::vector<AXElement>{})) {
-        if (auto id = m_calls.windowID(pid, window))
-            isComplete &= observeWindow(state->second, *id, window);
+        auto id = m_calls.windowID(pid, window);
+        if (!id || state->second.observedWindows.contains(*id))
+            continue;
+        bool isHeard = observeWindow(state->second, *id, window);
+        isComplete &= isHeard;
+        if (isHeard && attempt != Attempt::first)
+            deliver({std::string{ax::windowCreated}, pid, window, id});
     }
     if (isComplete)
         m_retryCount.erase(pid);
-    else if (attempt == Attempt::counted)
-        scheduleRetry(pid);
+    else if (attempt != Attempt::extra)
+        scheduleRetry(pid, m_calls.hasTimedOut(pid) ? Patience::endless : Patience::limited);
 }
 
 bool AXObserverManager::observeWindow(PIDState& state, WindowID id, const AXElement& window)
@@ -234,6 +240,9 @@ bool AXObserverManager::observeWindow(PIDState& state, WindowID id, const AXElem
     bool isHeard = false;
     for (auto notification : windowNotifications) {
         auto result = state.observer->addNotification(window, notification);
+        // Too busy: the rest would fail alike, and all of them are asked for again.
+        if (result == AXError::cannotComplete)
+            return false;
         isHeard |= result == AXError::success || result == AXError::notificationAlreadyRegistered;
     }
     if (isHeard)
@@ -280,7 +289,7 @@ void AXObserverManager::handleNotification(
     auto state = m_pidStates.find(pid);
     if (id && state != m_pidStates.end()) {
         if (notification == ax::windowCreated && !observeWindow(state->second, *id, element))
-            scheduleRetry(pid);
+            scheduleRetry(pid, Patience::endless);
         if (notification == ax::elementDestroyed) {
             state->second.observedWindows.erase(*id);
             m_debounceState.cancel(*id);

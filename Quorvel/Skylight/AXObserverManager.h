@@ -108,22 +108,26 @@ private:
         std::map<WindowID, AXElement> observedWindows;
     };
 
-    /// An attempt beside the one that a retry waits for is not counted, or it would use that one
-    /// up.
-    enum class Attempt { counted, extra };
+    /// The first is part of attaching. One beside the one that a retry waits for is not counted, or
+    /// it would use that one up.
+    enum class Attempt { first, counted, extra };
+
+    /// A process that is attached and hangs is asked until it answers: nobody polls it.
+    enum class Patience { limited, endless };
 
     // On the observer thread.
     void addObserver(ProcessID, Attempt);
     std::unique_ptr<AXObserver> registerApplication(ProcessID, const AXElement& application);
     void attachOrRefresh(ProcessID, Attempt);
-    /// Tried again like attaching if a window could not be listened to.
+    /// Tried again like attaching if a window could not be listened to. A window that is listened
+    /// to only now is announced: what it did until now, nobody told.
     void refreshWindowObservations(ProcessID, Attempt);
     void removeObserver(ProcessID);
     /// False if none of its notifications could be registered.
     bool observeWindow(PIDState&, WindowID, const AXElement&);
     void handleNotification(ProcessID, const AXElement&, std::string_view notification);
     std::optional<WindowID> resolveWindowIDFromObservedWindows(ProcessID, const AXElement&);
-    void scheduleRetry(ProcessID);
+    void scheduleRetry(ProcessID, Patience);
     void deliver(AXWindowEvent);
 
     // On the callback queue.
