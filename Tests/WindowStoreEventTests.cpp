@@ -306,6 +306,56 @@ TEST_F(WindowStoreEvents, whatABusyApplicationCouldNotTellIsReadAgainSoon)
     EXPECT_EQ(store.window(inbox)->windowTitle, "Inbox (4)");
 }
 
+TEST_F(WindowStoreEvents, aWindowOutgrownOrTooSmallComesAndGoes)
+{
+    auto tell = [&](Size size) {
+        desktop.resize(inbox, size);
+        store.handleAXEvent(event(inbox, ax::windowResized));
+        desktop.advance(seconds(3));
+        return isTracked(inbox);
+    };
+
+    EXPECT_FALSE(tell({300, 39}));
+    EXPECT_TRUE(tell({300, 40}));
+    EXPECT_FALSE(tell({39, 300}));
+}
+
+TEST_F(WindowStoreEvents, aDialogIsOnTheBarOnlyWhileItIsMinimised)
+{
+    auto dialog = desktop.open(mail, {.subrole = "AXDialog"});
+    auto tell = [&](std::string_view name) {
+        store.handleAXEvent(event(dialog, name));
+        desktop.advance(seconds(3));
+        return isTracked(dialog);
+    };
+
+    EXPECT_FALSE(tell(ax::windowCreated));
+    desktop.minimise(dialog);
+    EXPECT_TRUE(tell(ax::windowMiniaturized));
+    desktop.restore(dialog);
+    EXPECT_FALSE(tell(ax::windowDeminiaturized));
+}
+
+TEST_F(WindowStoreEvents, whatANewWindowCannotTellYetIsReadSoon)
+{
+    auto id = desktop.open(mail, {.title = "Reply"});
+    desktop.window(id).faults.missingAttributes = {"AXTitle", "AXMinimized"};
+    store.handleAXEvent(event(id, ax::windowCreated));
+    auto nowhere = desktop.open(mail);
+    desktop.window(nowhere).isInSpaceLists = false;
+    store.handleAXEvent(event(nowhere, ax::windowCreated));
+    desktop.advance(seconds(1.5));
+    desktop.window(id).faults = {};
+    desktop.window(id).isMinimized = true;
+    desktop.window(nowhere).isInSpaceLists = true;
+
+    desktop.advance(seconds(1));
+
+    EXPECT_EQ(store.window(id)->windowTitle, "Reply");
+    EXPECT_TRUE(store.window(id)->isMinimized);
+    EXPECT_TRUE(isTracked(nowhere));
+}
+
 TEST_F(WindowStoreEvents, unknownNotificationsDoNothing)
 {
     store.handleAXEvent(event(inbox, "AXSelectedTextChanged"));

@@ -134,6 +134,69 @@ TEST_F(WindowStoreSchedule, whatTheBurstLeavesMissingIsSettledAfterwards)
     expectScans({0.3, 0.8, 2.0, 3.0});
 }
 
+TEST_F(WindowStoreSchedule, aWindowMisjudgedForAMomentIsBackWhicheverScansThatWas)
+{
+    auto& faults = desktop.window(inbox).faults;
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(0.7));
+    faults.wrongAttributes["AXSubrole"] = std::string{"AXDialog"};
+    desktop.advance(seconds(1.4));
+    ASSERT_FALSE(isTracked(inbox)) << "missed by the last two scans";
+    faults = {};
+
+    desktop.advance(seconds(1));
+
+    EXPECT_TRUE(isTracked(inbox));
+    desktop.advance(seconds(20));
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+TEST_F(WindowStoreSchedule, aMinimisedWindowIsAdmittedThoughItsApplicationCouldNotListItAtFirst)
+{
+    auto id = desktop.open(mail, {.isMinimized = true});
+    desktop.application(mail).faults.missingAttributes = {"AXWindows"};
+    store.addWindowsForPID(mail);
+    desktop.application(mail).faults = {};
+
+    desktop.advance(seconds(0.3));
+
+    EXPECT_TRUE(isTracked(id));
+}
+
+// MARK: Processes that do not answer
+
+TEST_F(WindowStoreSchedule, aProcessThatHungIsReadOnceItAnswersAndLeftAloneThen)
+{
+    desktop.activate(mail);
+    desktop.window(inbox).title = "Inbox (1)"; // right before it hung
+    desktop.application(mail).faults.isHung = true;
+    store.handleAppActivated(mail);
+    desktop.advance(seconds(60));
+    auto whileHung = scans();
+    desktop.application(mail).faults = {};
+
+    desktop.advance(seconds(10));
+
+    EXPECT_EQ(store.window(inbox)->windowTitle, "Inbox (1)");
+    EXPECT_EQ(store.focusedWindowID(), inbox);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+    EXPECT_EQ(whileHung.size(), 7u) << "after 2.5 and 5 s, then every 10 s: each costs 0.05 s";
+}
+
+TEST_F(WindowStoreSchedule, theFocusOfAnUnobservedProcessIsPolledToo)
+{
+    auto draft = desktop.open(mail);
+    desktop.activate(mail);
+    store.startLifecycleMonitoring(mail, seconds(0.9));
+    desktop.advance(seconds(1));
+    ASSERT_EQ(store.focusedWindowID(), draft);
+    desktop.focus(inbox);
+
+    desktop.advance(seconds(2.5));
+
+    EXPECT_EQ(store.focusedWindowID(), inbox);
+}
+
 // MARK: The life cycle
 
 TEST_F(WindowStoreSchedule, anUnobservedProcessIsPolledLessAndLessButNeverForgotten)
@@ -259,7 +322,7 @@ TEST_F(WindowStoreSchedule, aCreatedWindowStartsOrRefreshesMonitoring)
     desktop.advance(seconds(10));
 
     EXPECT_TRUE(isTracked(late));
-    expectScans({1.1, 1.9, 2.7});
+    expectScans({1.1, 1.9, 2.0, 2.7, 2.8, 3.3, 4.5}); // and two bursts, each for an announcement
 }
 
 TEST_F(WindowStoreSchedule, aTickThatFindsItsProcessGoneRemovesTheWindows)

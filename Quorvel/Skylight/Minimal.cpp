@@ -28,14 +28,16 @@ std::set<ProcessID> dockEligibleOwnerPIDs(const Workspace& workspace, Duration)
     return pids;
 }
 
+bool isLargeEnough(const Rect& frame)
+{
+    return frame.width >= kMinimumWindowExtent && frame.height >= kMinimumWindowExtent;
+}
+
 WindowFilter windowFilter(const CGWindowInfo& window)
 {
     if (window.layer != 0)
         return WindowFilter::layerNotZero;
-    // Written so that a width that is no number fails too.
-    if (!window.bounds
-        || !(window.bounds->width >= kMinimumWindowExtent
-            && window.bounds->height >= kMinimumWindowExtent))
+    if (!window.bounds || !isLargeEnough(*window.bounds))
         return WindowFilter::boundsTooSmall;
     if (window.alpha && !(*window.alpha > 0))
         return WindowFilter::fullyTransparent;

@@ -51,6 +51,8 @@ inline constexpr std::array<std::string_view, 6> kSystemBundleIdentifiers{
 
 /// Windows narrower or lower than this many points are never on the bar.
 inline constexpr double kMinimumWindowExtent = 40;
+/// False too for a frame whose extent is no number.
+bool isLargeEnough(const Rect& frame);
 
 /// The processes whose windows may be on the bar, computed afresh whatever `cacheTTL` is.
 std::set<ProcessID> dockEligibleOwnerPIDs(const Workspace&, Duration cacheTTL = {});

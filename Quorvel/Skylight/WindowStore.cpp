@@ -25,6 +25,7 @@ WindowStore::WindowStore(Dispatch& dispatch, Accessibility& accessibility,
     , m_trace(trace)
     , m_scanner(accessibility, windowServer, displays, workspace, trace)
 {
+    m_scanner.calls().onTimeOut = [this](ProcessID pid) { lookAgainOnceItAnswers(pid); };
 }
 
 const TrackedWindow* WindowStore::window(WindowID id) const
@@ -162,6 +163,9 @@ void WindowStore::track(WindowID id, ProcessID pid, const ScannedWindowCandidate
             .spaceIDs = candidate.spaces,
         });
     m_reconcileStateByWindowID.insert_or_assign(id, Active{});
+    // Nobody announces what it could not tell yet.
+    if (!candidate.title || !candidate.isMinimized)
+        scheduleFreshDeferredScan(pid);
 }
 
 std::pair<int, bool> WindowStore::admitNewWindows(ProcessID pid, const PIDWindowScan& scan)
@@ -170,12 +174,17 @@ std::pair<int, bool> WindowStore::admitNewWindows(ProcessID pid, const PIDWindow
     int added = 0;
     bool isUnconfirmed = false;
     for (auto& [id, candidate] : scan.candidates) {
-        if (m_windows.contains(id) || candidate.spaces.empty())
+        if (m_windows.contains(id))
             continue;
+        // The lists of the spaces leave minimised windows out, and only the application can tell
+        // that a window is one: so what it could not confirm is looked at again even off all
+        // spaces.
         if (requiresAX && !candidate.isAXConfirmed) {
             isUnconfirmed = true;
             continue;
         }
+        if (candidate.spaces.empty())
+            continue;
         track(id, pid, candidate);
         ++added;
     }
@@ -193,8 +202,11 @@ bool WindowStore::removeMissingWindows(ProcessID pid, const PIDWindowScan& scan)
         } else if (!scan.isDockEligibleOwner) {
             forget(id);
             hasChanged = true;
-        } else {
-            hasChanged |= noteMissed(id) == Missed::removed;
+        } else if (noteMissed(id) == Missed::removed) {
+            hasChanged = true;
+            // Still listed, so its application may have misjudged it only for a moment.
+            if (scan.listedWindowIDs.contains(id))
+                scheduleFreshDeferredScan(pid);
         }
     }
     return hasChanged;
@@ -303,6 +315,7 @@ void WindowStore::removeWindows(ProcessID pid)
     cancelLifecycleMonitoring(pid);
     m_pendingScans.erase(pid);
     m_missingFollowUpByPID.erase(pid);
+    m_unansweredByPID.erase(pid);
     m_observerAttachedPIDs.erase(pid);
     auto ids = trackedWindowIDs(pid);
     for (auto id : ids)

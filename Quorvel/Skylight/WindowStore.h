@@ -41,6 +41,7 @@ struct PIDLifecycleState {
 ///   burst: 0.3, 0.8 and 2.0 s) and, while it settles, at intervals that back off (the life cycle);
 /// - a window that a scan misses is removed only when a second scan misses it too and 0.45 s have
 ///   passed since the first; destroyed windows and ended processes go at once;
+/// - a process that did not answer is looked at again until it does;
 /// - a process that is known already must show a new window in its accessibility tree before the
 ///   window is believed.
 ///
@@ -97,6 +98,12 @@ private:
         bool isRequestedAgain = false;
     };
 
+    /// The next look at a process that did not answer.
+    struct UnansweredFollowUp {
+        Duration delay{};
+        WorkItem work;
+    };
+
     enum class Missed { kept, removed };
     using ScansByPID = std::map<ProcessID, PIDWindowScan>;
 
@@ -118,13 +125,19 @@ private:
     bool trackOnSpace(WindowID, const WindowScanner::Moment&, ScansByPID&, bool& hasChanged);
     std::optional<WindowID> bestActivationCandidate(const std::vector<WindowID>&) const;
 
+    /// The windows, and the focus if it is the frontmost process.
+    void lookAt(ProcessID);
     void runDeferredScan(ProcessID, bool isLast);
+    /// A whole burst from now on: the remaining scans of one under way may come too early.
+    void scheduleFreshDeferredScan(ProcessID);
     void endDeferredScanBurst(ProcessID);
     void scheduleLifecycleTick(ProcessID, Duration delay);
     void runLifecycleTick(ProcessID);
     void cancelLifecycleMonitoring(ProcessID);
     void ensureLifecycleMonitoringForWindowActivity(ProcessID);
     void scheduleMissingFollowUp(ProcessID);
+    void lookAgainOnceItAnswers(ProcessID);
+    void runUnansweredFollowUp(ProcessID);
     void scheduleCrossScreenSpacesRefresh();
 
     void handleWindowCreated(const AXWindowEvent&);
@@ -163,6 +176,7 @@ private:
     std::map<ProcessID, DeferredScanBurst> m_pendingScans;
     std::map<ProcessID, WorkItem> m_lifecycleWorkByPID;
     std::map<ProcessID, WorkItem> m_missingFollowUpByPID;
+    std::map<ProcessID, UnansweredFollowUp> m_unansweredByPID;
     WorkItem m_pendingCrossScreenRefresh;
 };
 

@@ -37,7 +37,7 @@ void WindowStore::scanForUntracked(ProcessID pid)
 {
     auto application = m_workspace.runningApplication(pid);
     if (application && application->activationPolicy == ActivationPolicy::regular)
-        scheduleDeferredScan(pid);
+        scheduleFreshDeferredScan(pid);
 }
 
 void WindowStore::handleWindowCreated(const AXWindowEvent& event)
@@ -45,6 +45,9 @@ void WindowStore::handleWindowCreated(const AXWindowEvent& event)
     auto metadata = m_scanner.readMetadata(event.pid, event.element);
     if (event.windowID)
         admitCreatedWindow(event, *event.windowID, metadata);
+    // Announced before the window server lists it, or while nobody knows its space.
+    if (isDockEligibleAXWindow(metadata) && !tracked(event.windowID))
+        scanForUntracked(event.pid);
     ensureLifecycleMonitoringForWindowActivity(event.pid);
 }
 
@@ -103,7 +106,7 @@ void WindowStore::handleTitleChanged(const AXWindowEvent& event)
     auto title = m_scanner.readTitle(event.pid, event.element);
     if (!title) {
         // Too busy to say; its next title may be long in coming.
-        scheduleDeferredScan(event.pid);
+        scheduleFreshDeferredScan(event.pid);
         return;
     }
     if (*title == window->windowTitle)
@@ -122,9 +125,11 @@ void WindowStore::handleFrameChanged(const AXWindowEvent& event)
     }
     auto frame = m_scanner.readFrame(event.pid, event.element);
     if (!frame) {
-        scheduleDeferredScan(event.pid);
+        scheduleFreshDeferredScan(event.pid);
         return;
     }
+    if (!isLargeEnough(*frame))
+        scheduleDeferredScan(event.pid);
     auto before = window->frame;
     if (*frame != before) {
         window->frame = *frame;
@@ -150,6 +155,12 @@ std::optional<std::size_t> WindowStore::indexOfScreenContaining(const Rect& wind
 void WindowStore::handleMinimized(const AXWindowEvent& event, bool isMinimized)
 {
     auto* window = tracked(event.windowID);
+    // Some windows belong on the bar only while they are minimised.
+    if (!window)
+        scanForUntracked(event.pid);
+    else if (!isMinimized
+        && !isDockEligibleAXWindow(m_scanner.readMetadata(event.pid, event.element)))
+        scheduleFreshDeferredScan(event.pid);
     bool hasChanged = window && window->isMinimized != isMinimized;
     if (window)
         window->isMinimized = isMinimized;

@@ -20,6 +20,9 @@ constexpr Duration kObservedMonitoring = seconds(12);
 constexpr Duration kSoon = seconds(0.2);
 constexpr int kStableScans = 2;
 
+constexpr Duration kFirstUnansweredFollowUp = seconds(2.5);
+constexpr Duration kLastUnansweredFollowUp = seconds(10);
+
 Duration backedOff(Duration interval)
 {
     auto longer = static_cast<double>(interval.count()) * kUnobservedBackOff;
@@ -61,13 +64,27 @@ void WindowStore::scheduleDeferredScan(ProcessID pid)
     work.push_back(m_dispatch.main().after(kBurstEnd, [this, pid] { endDeferredScanBurst(pid); }));
 }
 
+void WindowStore::scheduleFreshDeferredScan(ProcessID pid)
+{
+    if (auto burst = m_pendingScans.find(pid); burst != m_pendingScans.end())
+        burst->second.isRequestedAgain = true;
+    else
+        scheduleDeferredScan(pid);
+}
+
+void WindowStore::lookAt(ProcessID pid)
+{
+    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    int candidates = reconcileWindowsForPID(pid);
+    if (candidates >= 1 && m_workspace.frontmostApplication() == pid)
+        handleAppActivated(pid);
+}
+
 void WindowStore::runDeferredScan(ProcessID pid, bool isLast)
 {
     if (!m_pendingScans.contains(pid))
         return;
-    int candidates = reconcileWindowsForPID(pid);
-    if (candidates >= 1 && m_workspace.frontmostApplication() == pid)
-        handleAppActivated(pid);
+    lookAt(pid);
     auto burst = m_pendingScans.find(pid);
     if (isLast && burst != m_pendingScans.end())
         burst->second.hasScannedLast = true;
@@ -84,6 +101,28 @@ void WindowStore::endDeferredScanBurst(ProcessID pid)
         scheduleDeferredScan(pid);
     else
         scheduleMissingFollowUp(pid);
+}
+
+// MARK: Processes that do not answer
+
+void WindowStore::lookAgainOnceItAnswers(ProcessID pid)
+{
+    auto& followUp = m_unansweredByPID[pid];
+    if (followUp.work.isPending())
+        return;
+    followUp.delay
+        = std::clamp(followUp.delay * 2, kFirstUnansweredFollowUp, kLastUnansweredFollowUp);
+    followUp.work
+        = m_dispatch.main().after(followUp.delay, [this, pid] { runUnansweredFollowUp(pid); });
+}
+
+void WindowStore::runUnansweredFollowUp(ProcessID pid)
+{
+    if (m_workspace.runningApplication(pid))
+        lookAt(pid);
+    auto followUp = m_unansweredByPID.find(pid);
+    if (followUp != m_unansweredByPID.end() && !followUp->second.work.isPending())
+        m_unansweredByPID.erase(followUp);
 }
 
 // MARK: Life cycle
@@ -147,7 +186,11 @@ void WindowStore::runLifecycleTick(ProcessID pid)
         removeWindows(pid);
         return;
     }
-    reconcileWindowsForPID(pid);
+    // Nobody else tells where the focus of an unobserved process is.
+    if (m_observerAttachedPIDs.contains(pid))
+        reconcileWindowsForPID(pid);
+    else
+        lookAt(pid);
     auto entry = m_lifecycleByPID.find(pid);
     if (entry == m_lifecycleByPID.end())
         return;
