@@ -126,7 +126,7 @@ void QuorvelApp::startMainRuntime(Application& app)
     runtime.m_barManager->syncPanels();
     runtime.m_barManager->repositionPanels();
     runtime.keep(platform.displays.parametersDidChange.subscribe(
-        [&runtime] { runtime.m_barManager->repositionPanels(); }));
+        [&runtime] { runtime.m_barManager->syncPanels(); }));
     wireObserverManager(runtime);
     observeWorkspace(runtime);
     observeHints(runtime);

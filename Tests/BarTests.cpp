@@ -290,6 +290,28 @@ TEST_F(BarTest, aBarIsThereAgainWithTheFirstScreenAndOnTheRightOne)
         ElementsAre(testing::Pair(DisplayNumber{99}, Rect{0, 764, 1280, 36})));
 }
 
+TEST_F(BarTest, aDisplayThatMovesAwayFromAWindowTakesItsChipAlong)
+{
+    auto displays = desktop.model().displays;
+    displays.push_back({.number = DisplayNumber{2},
+        .identifier = "second",
+        .frame = {1440, 0, 1440, 900},
+        .spaces = {{SpaceID{11}}},
+        .current = SpaceID{11}});
+    desktop.setDisplays(displays);
+    auto id = desktop.open(mail, {.frame = {1500, 100, 200, 200}, .spaces = {SpaceID{11}}});
+    settle();
+    auto chips
+        = [&] { return runtime->barManager()->panels().at(SpaceID{11})->content()->chipFrames(); };
+    ASSERT_THAT(chips(), SizeIs(1)) << raw(id);
+
+    displays.front().frame.width = displays.back().frame.x = 2000;
+    desktop.setDisplays(displays);
+    desktop.drain();
+
+    EXPECT_THAT(chips(), IsEmpty());
+}
+
 TEST_F(BarTest, thePointerIsFollowedOnlyWhileThereIsAChoiceOfDisplays)
 {
     auto one = desktop.model().displays;
