@@ -18,6 +18,9 @@ A taskbar along the bottom of the screen.
 
 To the running bar:
   --state          print its windows, spaces and panels as JSON
+  --get [FIELD]    print its settings, or one of them, as JSON
+  --set FIELD=VALUE
+                   change a setting: VALUE is JSON or plain text, null clears
   --quit           end it
 
   --help           show this text
@@ -31,7 +34,21 @@ ControlReply mistake(const std::string& text)
 
 bool isRequest(std::string_view argument)
 {
-    return argument == "--state" || argument == "--quit";
+    return argument == "--state" || argument == "--quit" || argument == "--get"
+        || argument == "--set";
+}
+
+/// Whether the argument belongs to the request before it.
+bool continues(const std::vector<std::string>& request, std::string_view argument)
+{
+    return request.size() == 1
+        && (request[0] == "--set" || (request[0] == "--get" && !argument.starts_with('-')));
+}
+
+bool isComplete(const std::vector<std::string>& request)
+{
+    return request.empty() || request[0] != "--set"
+        || (request.size() == 2 && request[1].find('=') != std::string::npos);
 }
 
 }
@@ -42,6 +59,10 @@ std::variant<CommandLine, ControlReply> CommandLine::parse(
     constexpr std::string_view traceTo = "--trace=";
     CommandLine line;
     for (auto& argument : arguments) {
+        if (continues(line.request, argument)) {
+            line.request.push_back(argument);
+            continue;
+        }
         if (argument == "--help")
             return ControlReply{0, std::string{kHelp}, ""};
         if (argument == "--version")
@@ -59,6 +80,8 @@ std::variant<CommandLine, ControlReply> CommandLine::parse(
             return mistake("unexpected argument '" + argument + "'");
         }
     }
+    if (!isComplete(line.request))
+        return mistake("--set takes FIELD=VALUE");
     if (line.action == Action::ask && (line.replace || line.traceFile))
         return mistake(line.request.front() + " goes alone");
     return line;

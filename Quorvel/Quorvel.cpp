@@ -3,12 +3,14 @@
 #include <cassert>
 
 #include "Quorvel/Core/BarManager.h"
+#include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Accessibility.h"
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Platform/ControlChannel.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/ScreenCapture.h"
 #include "Quorvel/Platform/WindowServer.h"
+#include "Quorvel/SettingsRequest.h"
 #include "Quorvel/Skylight/AXObserverManager.h"
 #include "Quorvel/Skylight/WindowStore.h"
 #include "Quorvel/StateReport.h"
@@ -42,6 +44,20 @@ Runtime& Runtime::current()
 {
     assert(s_current);
     return *s_current;
+}
+
+UserSettings& Runtime::userSettings()
+{
+    if (!m_userSettings) {
+        m_userSettings = std::make_unique<UserSettings>(m_platform.files, m_platform.loginItem,
+            m_platform.application, m_platform.dispatch, m_platform.trace);
+    }
+    return *m_userSettings;
+}
+
+UserSettings& UserSettings::shared()
+{
+    return Runtime::current().userSettings();
 }
 
 WindowStore& Runtime::windowStore()
@@ -105,6 +121,7 @@ void QuorvelApp::launch(Runtime& runtime)
 {
     auto& platform = runtime.m_platform;
     platform.application.setActivationPolicy(ActivationPolicy::accessory);
+    runtime.userSettings();
     answerRequests(runtime);
     runtime.m_coordinator = std::make_unique<LaunchCoordinator>(platform);
     if (runtime.m_coordinator->arePermissionsGranted())
@@ -121,8 +138,8 @@ void QuorvelApp::startMainRuntime(Application& app)
     runtime.m_lastBootstrap.clear();
     // The bar must have windows before its first layout.
     runtime.windowStore().populate();
-    runtime.m_barManager = std::make_unique<BarManager>(
-        platform, runtime.windowStore(), BarMetrics::of(BarSize::medium));
+    runtime.m_barManager
+        = std::make_unique<BarManager>(platform, runtime.windowStore(), UserSettings::shared());
     runtime.m_barManager->syncPanels();
     runtime.m_barManager->repositionPanels();
     runtime.keep(platform.displays.parametersDidChange.subscribe(
@@ -240,6 +257,8 @@ void QuorvelApp::answerRequests(Runtime& runtime)
                     [&application = runtime.m_platform.application] { application.terminate(); });
                 return {};
             }
+            if (isSettingsRequest(arguments))
+                return answerSettingsRequest(runtime.userSettings(), arguments);
             if (arguments != std::vector<std::string>{"--state"})
                 return {1, "", "quorvel: the running bar does not know this request\n"};
             if (!runtime.barManager())

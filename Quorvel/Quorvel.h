@@ -18,6 +18,7 @@ namespace quorvel {
 class AXObserverManager;
 class BarManager;
 class LaunchCoordinator;
+class UserSettings;
 class WindowStore;
 
 /// The long-lived objects of one running program. `main` owns it; the static accessors of
@@ -32,6 +33,7 @@ public:
     static Runtime& current();
 
     const Platform& platform() const { return m_platform; }
+    UserSettings& userSettings();
     WindowStore& windowStore();
     AXObserverManager& axManager();
     /// Null until the main runtime has started.
@@ -43,6 +45,7 @@ private:
     void keep(Subscription subscription) { m_subscriptions.push_back(std::move(subscription)); }
 
     Platform m_platform;
+    std::unique_ptr<UserSettings> m_userSettings;
     std::unique_ptr<WindowStore> m_windowStore;
     std::unique_ptr<AXObserverManager> m_axManager;
     std::unique_ptr<BarManager> m_barManager;

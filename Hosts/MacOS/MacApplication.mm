@@ -116,10 +116,7 @@ std::optional<int> MacApplication::operatingSystemMajorVersion() const
     return static_cast<int>(NSProcessInfo.processInfo.operatingSystemVersion.majorVersion);
 }
 
-void MacApplication::warn(std::string_view text)
-{
-    fmt::print(stderr, "quorvel: {}\n", text);
-}
+void MacApplication::warn(std::string_view text) { fmt::print(stderr, "quorvel: {}\n", text); }
 
 int MacApplication::run()
 {

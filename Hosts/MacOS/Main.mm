@@ -38,7 +38,8 @@ std::optional<posix::ControlAddress> barAddress(std::string& problem)
 std::optional<std::string> applicationSupportFolder()
 {
     NSURL* folder = [NSFileManager.defaultManager URLsForDirectory:NSApplicationSupportDirectory
-                                                         inDomains:NSUserDomainMask].firstObject;
+                                                         inDomains:NSUserDomainMask]
+                        .firstObject;
     if (!folder.path)
         return std::nullopt;
     return fromSystem(folder.path);

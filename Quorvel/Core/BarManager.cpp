@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Quorvel/Core/MouseDisplayTracker.h"
+#include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Surfaces.h"
@@ -13,17 +14,19 @@
 
 namespace quorvel {
 
-BarManager::BarManager(
-    const Platform& platform, WindowStore& windowStore, const BarMetrics& metrics)
+BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserSettings& settings)
     : m_platform(platform)
     , m_windowStore(windowStore)
     , m_spaceWindows(platform.windowServer, platform.displays)
-    , m_metrics(metrics)
+    , m_settings(settings)
+    , m_pinStore(settings)
+    , m_metrics(BarMetrics::of(settings.barSize()))
     , m_viewModel(windowStore, platform.dispatch, platform.accessibility, platform.windowServer,
           platform.displays, platform.workspace, platform.trace)
 {
     m_windowStore.onChange = [this] { m_viewModel.refresh(); };
     setupSpaceChangeObserver();
+    m_settingsChange = settings.data().subscribe([this](auto&) { barSizeMayHaveChanged(); });
 }
 
 BarManager::~BarManager()
@@ -38,6 +41,17 @@ void BarManager::setupSpaceChangeObserver()
         m_viewModel.refresh();
         updateActiveSpacePanelVisibility();
     });
+}
+
+void BarManager::barSizeMayHaveChanged()
+{
+    auto metrics = BarMetrics::of(m_settings.barSize());
+    if (metrics == m_metrics)
+        return;
+    m_metrics = metrics;
+    for (auto& [space, panel] : m_panels)
+        panel->setContent(makeBarContentView(*panel));
+    repositionPanels();
 }
 
 // MARK: Panels

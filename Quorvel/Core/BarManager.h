@@ -7,6 +7,7 @@
 
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/BarViewModel.h"
+#include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Skylight/SpaceWindows.h"
 
@@ -22,9 +23,10 @@ struct PanelOptions;
 /// thread.
 class BarManager {
 public:
-    BarManager(const Platform&, WindowStore&, const BarMetrics&);
+    BarManager(const Platform&, WindowStore&, UserSettings&);
     ~BarManager();
 
+    PinStore& pinStore() { return m_pinStore; }
     BarViewModel& viewModel() { return m_viewModel; }
     const BarViewModel& viewModel() const { return m_viewModel; }
     const std::map<SpaceID, std::unique_ptr<BarPanel>>& panels() const { return m_panels; }
@@ -63,6 +65,7 @@ private:
     void trackPointerDisplay();
     std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
     void setupSpaceChangeObserver();
+    void barSizeMayHaveChanged();
     void showMenu(BarPanel&);
     std::map<DisplayNumber, DockRectRegistration> coveredScreensForBar() const;
     Rect panelFrame(const Screen&) const;
@@ -70,12 +73,15 @@ private:
     Platform m_platform;
     WindowStore& m_windowStore;
     SpaceWindows m_spaceWindows;
+    UserSettings& m_settings;
+    PinStore m_pinStore;
     BarMetrics m_metrics;
     BarViewModel m_viewModel;
     std::map<SpaceID, std::unique_ptr<BarPanel>> m_panels;
     std::map<DisplayNumber, DockRectRegistration> m_appliedDockRectRegistrations;
     std::unique_ptr<MouseDisplayTracker> m_mouseDisplayTracker; ///< null with one display
     Subscription m_activeSpaceChange;
+    Subscription m_settingsChange;
 };
 
 }

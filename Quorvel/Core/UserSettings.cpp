@@ -1,0 +1,157 @@
+#include "Quorvel/Core/UserSettings.h"
+
+#include <fmt/format.h>
+
+#include "Quorvel/Core/UserSettingsCoding.h"
+#include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Files.h"
+#include "Quorvel/Platform/Trace.h"
+
+namespace quorvel {
+
+namespace {
+
+constexpr std::string_view kFolderName = "Quorvel";
+constexpr std::string_view kFileName = "settings.json";
+constexpr std::size_t kLargestFile = 4 * 1024 * 1024;
+constexpr int kMostRejectedFiles = 100;
+
+std::string locate(const Files& files)
+{
+    auto support = files.applicationSupportFolder();
+    return support ? fmt::format("{}/{}/{}", *support, kFolderName, kFileName) : std::string{};
+}
+
+std::string rejectedName(const std::string& path, int number)
+{
+    return number == 1 ? path + ".rejected" : fmt::format("{}.rejected-{}", path, number);
+}
+
+}
+
+UserSettings::UserSettings(Files& files, LoginItem& loginItem, Application& application,
+    Dispatch& dispatch, const Trace& trace)
+    : m_files(files)
+    , m_application(application)
+    , m_dispatch(dispatch)
+    , m_trace(trace)
+    , m_loginItem(loginItem)
+    , m_fileURL(locate(files))
+{
+    createFolder();
+    load();
+    m_willTerminate = application.willTerminate.subscribe([this] {
+        m_saveDebounceWork = {};
+        if (m_hasUnsavedChanges)
+            saveNow();
+    });
+}
+
+// MARK: Loading
+
+void UserSettings::load()
+{
+    auto defaults = UserSettingsData::defaults(m_application.operatingSystemMajorVersion());
+    if (auto stored = storedData(defaults)) {
+        m_data.set(std::move(*stored));
+        reconcileRunAtLoginState();
+        return;
+    }
+    // Nothing says what the user wants, so a login item that is there is not taken away.
+    defaults.runAtLogin = m_loginItem.isEnabled();
+    m_data.set(std::move(defaults));
+}
+
+std::optional<UserSettingsData> UserSettings::storedData(const UserSettingsData& defaults)
+{
+    if (m_fileURL.empty() || !m_files.exists(m_fileURL))
+        return std::nullopt;
+    std::optional<UserSettingsData> stored;
+    if (auto bytes = m_files.read(m_fileURL, kLargestFile))
+        stored = decodeUserSettings(*bytes, defaults);
+    m_isFileRejected = !stored;
+    if (m_isFileRejected && m_files.keepsRejectedFiles())
+        m_application.warn(m_fileURL + " cannot be used; the defaults hold");
+    return stored;
+}
+
+void UserSettings::reconcileRunAtLoginState()
+{
+    setRunAtLogin(runAtLogin());
+}
+
+// MARK: Fields
+
+BarSize UserSettings::barSize() const
+{
+    return barSizeFrom(value().barSize).value_or(BarSize::medium);
+}
+
+BarTheme UserSettings::theme() const
+{
+    return barThemeFrom(value().theme)
+        .value_or(defaultBarTheme(m_application.operatingSystemMajorVersion()));
+}
+
+SpaceScrollUpBehavior UserSettings::scrollUpSpaceSwitch() const
+{
+    return spaceScrollUpBehaviorFrom(value().scrollUpSpaceSwitch)
+        .value_or(SpaceScrollUpBehavior::left);
+}
+
+void UserSettings::setRunAtLogin(bool isWanted)
+{
+    set(&UserSettingsData::runAtLogin, m_loginItem.setEnabled(isWanted));
+}
+
+void UserSettings::setData(UserSettingsData data)
+{
+    if (data == value())
+        return;
+    scheduleSave(); // first, because an observer may end the program
+    m_data.set(std::move(data));
+}
+
+// MARK: Saving
+
+void UserSettings::createFolder()
+{
+    if (!m_fileURL.empty())
+        m_files.createFolder(m_fileURL.substr(0, m_fileURL.size() - kFileName.size() - 1));
+}
+
+void UserSettings::scheduleSave()
+{
+    m_hasUnsavedChanges = true;
+    m_saveDebounceWork = m_dispatch.main().after(saveDebounceInterval, [this] { saveNow(); });
+}
+
+void UserSettings::saveNow()
+{
+    if (m_fileURL.empty() || !putRejectedFileAside())
+        return;
+    createFolder();
+    auto error = m_files.writeAtomically(m_fileURL, encodeUserSettings(value()));
+    m_hasUnsavedChanges = static_cast<bool>(error);
+    if (error)
+        m_trace.line("settings save failed error={}", error.value());
+}
+
+bool UserSettings::putRejectedFileAside()
+{
+    if (!m_isFileRejected || !m_files.keepsRejectedFiles())
+        return true;
+    for (int number = 1; number <= kMostRejectedFiles; ++number) {
+        auto name = rejectedName(m_fileURL, number);
+        auto error = m_files.rename(m_fileURL, name);
+        if (error == std::errc::file_exists)
+            continue;
+        m_isFileRejected = error && error != std::errc::no_such_file_or_directory;
+        if (!error)
+            m_application.warn(m_fileURL + " is overwritten; what it held is kept as " + name);
+        return !m_isFileRejected;
+    }
+    return false;
+}
+
+}

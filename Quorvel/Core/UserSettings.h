@@ -1,0 +1,118 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "Quorvel/Core/LoginItemController.h"
+#include "Quorvel/Core/UserSettingsData.h"
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Published.h"
+
+namespace quorvel {
+
+class Application;
+class Files;
+class Trace;
+
+/// The one store of the user's preferences: a record in memory that observers watch, written as a
+/// file a short while after each change and on quitting. A failure to read or to write it is never
+/// shown; the record in memory stays. Main thread.
+class UserSettings {
+public:
+    static constexpr Duration saveDebounceInterval = seconds(0.5);
+
+    UserSettings(Files&, LoginItem&, Application&, Dispatch&, const Trace&);
+    UserSettings(const UserSettings&) = delete;
+    UserSettings& operator=(const UserSettings&) = delete;
+
+    /// The running program's. Only where the program is wired together.
+    static UserSettings& shared();
+
+    const Published<UserSettingsData>& data() const { return m_data; }
+    /// A record that is equal changes nothing: no observer is called, nothing is written.
+    void setData(UserSettingsData);
+    /// The file's path; empty if the system names no place for it.
+    const std::string& fileURL() const { return m_fileURL; }
+
+    // A text that this version does not know reads as the default.
+    BarSize barSize() const;
+    void setBarSize(BarSize size) { setText(&UserSettingsData::barSize, rawValue(size)); }
+    BarTheme theme() const;
+    void setTheme(BarTheme theme) { setText(&UserSettingsData::theme, rawValue(theme)); }
+    SpaceScrollUpBehavior scrollUpSpaceSwitch() const;
+    void setScrollUpSpaceSwitch(SpaceScrollUpBehavior behavior)
+    {
+        setText(&UserSettingsData::scrollUpSpaceSwitch, rawValue(behavior));
+    }
+
+    std::optional<std::uint32_t> hotkeyKeyCode() const { return value().hotkeyKeyCode; }
+    void setHotkeyKeyCode(std::optional<std::uint32_t> code)
+    {
+        set(&UserSettingsData::hotkeyKeyCode, code);
+    }
+    std::optional<std::uint32_t> hotkeyModifiers() const { return value().hotkeyModifiers; }
+    void setHotkeyModifiers(std::optional<std::uint32_t> modifiers)
+    {
+        set(&UserSettingsData::hotkeyModifiers, modifiers);
+    }
+
+    bool groupWindowsByApp() const { return value().groupWindowsByApp; }
+    void setGroupWindowsByApp(bool isOn) { set(&UserSettingsData::groupWindowsByApp, isOn); }
+    bool showChipTitles() const { return value().showChipTitles; }
+    void setShowChipTitles(bool isOn) { set(&UserSettingsData::showChipTitles, isOn); }
+    bool showWindowNamesInChips() const { return value().showWindowNamesInChips; }
+    void setShowWindowNamesInChips(bool isOn)
+    {
+        set(&UserSettingsData::showWindowNamesInChips, isOn);
+    }
+    bool hideDock() const { return value().hideDock; }
+    void setHideDock(bool isOn) { set(&UserSettingsData::hideDock, isOn); }
+    bool showOnAllDisplays() const { return value().showOnAllDisplays; }
+    void setShowOnAllDisplays(bool isOn) { set(&UserSettingsData::showOnAllDisplays, isOn); }
+    bool runAtLogin() const { return value().runAtLogin; }
+    /// Stores what the system says afterwards, which may not be what was asked for.
+    void setRunAtLogin(bool isWanted);
+
+    const std::vector<PinnedAppRecord>& pinnedApps() const { return value().pinnedApps; }
+    void setPinnedApps(std::vector<PinnedAppRecord> pins)
+    {
+        set(&UserSettingsData::pinnedApps, std::move(pins));
+    }
+
+private:
+    const UserSettingsData& value() const { return m_data.value(); }
+    template <typename Value> void set(Value UserSettingsData::*field, Value value)
+    {
+        auto changed = m_data.value();
+        changed.*field = std::move(value);
+        setData(std::move(changed));
+    }
+    void setText(std::string UserSettingsData::*field, std::string_view text)
+    {
+        set(field, std::string{text});
+    }
+
+    void load();
+    /// Absent if there is no file, or none that can be used.
+    std::optional<UserSettingsData> storedData(const UserSettingsData& defaults);
+    void reconcileRunAtLoginState();
+    void createFolder();
+    void scheduleSave();
+    void saveNow();
+    /// False if the file that could not be read has to stay where it is.
+    bool putRejectedFileAside();
+
+    Files& m_files;
+    Application& m_application;
+    Dispatch& m_dispatch;
+    const Trace& m_trace;
+    LoginItemController m_loginItem;
+    std::string m_fileURL;
+    Published<UserSettingsData> m_data;
+    bool m_hasUnsavedChanges = false;
+    bool m_isFileRejected = false; ///< what is on the disk is not of ours yet
+    Subscription m_willTerminate;
+    WorkItem m_saveDebounceWork;
+};
+
+}

@@ -1,0 +1,192 @@
+#include "Quorvel/Core/UserSettingsCoding.h"
+
+#include <cmath>
+#include <concepts>
+#include <limits>
+#include <utility>
+
+#include <nlohmann/json.hpp>
+
+namespace quorvel {
+
+namespace {
+
+using Json = nlohmann::json; // its objects are sorted
+
+constexpr int kIndent = 2;
+/// The record itself has three levels.
+constexpr int kDeepestNesting = 8;
+
+/// Discarded if the bytes are no JSON or nested deeper than anything of ours.
+Json parse(std::string_view bytes)
+{
+    bool isTooDeep = false;
+    auto json = Json::parse(
+        bytes,
+        [&](int depth, Json::parse_event_t, Json&) {
+            isTooDeep = isTooDeep || depth > kDeepestNesting;
+            return !isTooDeep;
+        },
+        false);
+    return isTooDeep ? Json(Json::value_t::discarded) : json;
+}
+
+// MARK: Values; false for a value of another type
+
+bool read(const Json& json, std::string& into)
+{
+    if (json.is_string())
+        into = json.get<std::string>();
+    return json.is_string();
+}
+
+bool read(const Json& json, bool& into)
+{
+    if (json.is_boolean())
+        into = json.get<bool>();
+    return json.is_boolean();
+}
+
+/// JSON has one kind of number: 49.0 is 49.
+std::optional<std::int64_t> wholeNumber(const Json& json)
+{
+    constexpr double limit = 9.2e18; // every double below fits
+    if (json.is_number_unsigned()) {
+        auto number = json.get<std::uint64_t>();
+        return std::in_range<std::int64_t>(number)
+            ? std::optional{static_cast<std::int64_t>(number)}
+            : std::nullopt;
+    }
+    if (json.is_number_integer())
+        return json.get<std::int64_t>();
+    if (!json.is_number_float())
+        return std::nullopt;
+    auto number = json.get<double>();
+    if (!(std::abs(number) < limit) || std::trunc(number) != number)
+        return std::nullopt;
+    return static_cast<std::int64_t>(number);
+}
+
+template <std::integral Integer> bool read(const Json& json, Integer& into)
+{
+    auto number = wholeNumber(json);
+    if (!number || !std::in_range<Integer>(*number))
+        return false;
+    into = static_cast<Integer>(*number);
+    return true;
+}
+
+template <typename Value> bool read(const Json& json, std::optional<Value>& into)
+{
+    if (json.is_null()) {
+        into.reset();
+        return true;
+    }
+    Value value{};
+    if (!read(json, value))
+        return false;
+    into = value;
+    return true;
+}
+
+bool read(const Json& json, PinnedAppRecord& into)
+{
+    if (!json.is_object())
+        return false;
+    auto id = json.find("id");
+    auto destinations = json.find("d");
+    return id != json.end() && destinations != json.end() && read(*id, into.id)
+        && read(*destinations, into.destinationsRaw);
+}
+
+bool read(const Json& json, std::vector<PinnedAppRecord>& into)
+{
+    if (!json.is_array())
+        return false;
+    std::vector<PinnedAppRecord> records;
+    for (auto& element : json) {
+        if (!read(element, records.emplace_back()))
+            return false;
+    }
+    into = std::move(records);
+    return true;
+}
+
+template <typename Value> Json write(const Value& value)
+{
+    return value;
+}
+
+template <typename Value> Json write(const std::optional<Value>& value)
+{
+    return value ? Json(*value) : Json();
+}
+
+Json write(const std::vector<PinnedAppRecord>& records)
+{
+    auto list = Json::array();
+    for (auto& record : records)
+        list.push_back({{"id", record.id}, {"d", record.destinationsRaw}});
+    return list;
+}
+
+/// Identifiers come from other programs' files and may hold anything; one bad text must not keep
+/// the rest from being stored.
+std::string text(const Json& json, int indent)
+{
+    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+}
+
+std::string encodeUserSettings(const UserSettingsData& data, AbsentValues absentValues)
+{
+    auto json = Json::object();
+    UserSettingsData::forEachField(data, [&](const char* name, auto& field) {
+        auto value = write(field);
+        if (!value.is_null() || absentValues == AbsentValues::asNull)
+            json[name] = std::move(value);
+    });
+    return text(json, kIndent) + "\n";
+}
+
+std::optional<UserSettingsData> decodeUserSettings(
+    std::string_view bytes, const UserSettingsData& defaults)
+{
+    auto json = parse(bytes);
+    if (!json.is_object())
+        return std::nullopt;
+    auto data = defaults;
+    bool isSound = true;
+    UserSettingsData::forEachField(data, [&](const char* name, auto& field) {
+        auto found = json.find(name);
+        if (found != json.end() && !found->is_null())
+            isSound = read(*found, field) && isSound;
+    });
+    return isSound ? std::optional{std::move(data)} : std::nullopt;
+}
+
+std::optional<std::string> encodeUserSetting(const UserSettingsData& data, std::string_view name)
+{
+    std::optional<std::string> encoded;
+    UserSettingsData::forEachField(data, [&](std::string_view candidate, auto& field) {
+        if (candidate == name)
+            encoded = text(write(field), -1);
+    });
+    return encoded;
+}
+
+bool decodeUserSetting(UserSettingsData& data, std::string_view name, std::string_view value)
+{
+    auto json = parse(value);
+    if (json.is_discarded())
+        json = std::string{value};
+    bool isSet = false;
+    UserSettingsData::forEachField(data, [&](std::string_view candidate, auto& field) {
+        if (candidate == name)
+            isSet = read(json, field);
+    });
+    return isSet;
+}
+
+}

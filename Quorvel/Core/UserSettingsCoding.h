@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "Quorvel/Core/UserSettingsData.h"
+
+namespace quorvel {
+
+enum class AbsentValues { omitted, asNull };
+
+/// The record as indented JSON with its keys in alphabetical order.
+std::string encodeUserSettings(const UserSettingsData&, AbsentValues = AbsentValues::omitted);
+
+/// A key that is missing or null keeps its default. Absent if the bytes are no JSON object or one
+/// of the keys has a value of another type: JSON's types, so that a boolean is no number.
+std::optional<UserSettingsData> decodeUserSettings(
+    std::string_view bytes, const UserSettingsData& defaults);
+
+/// One field as JSON, "null" for an absent value; absent if there is no such field.
+std::optional<std::string> encodeUserSetting(const UserSettingsData&, std::string_view name);
+
+/// Sets one field from JSON, or from bare text where that is no JSON; "null" clears an optional
+/// one. False, and nothing is set, if there is no such field or it has another type.
+bool decodeUserSetting(UserSettingsData&, std::string_view name, std::string_view value);
+
+}
