@@ -18,7 +18,7 @@ namespace quorvel::posix {
 namespace {
 
 constexpr mode_t kPermissionBits = 0777;
-constexpr int kMostAttempts = 8;
+constexpr int kMostAttempts = 1000;
 
 std::error_code lastError()
 {
@@ -54,14 +54,14 @@ bool lock(int file)
 /// waited for the lock: then it is opened anew.
 UniqueFd openNew(const std::string& path)
 {
-    UniqueFd file;
     for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
-        file = UniqueFd{
+        UniqueFd file{
             ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666)};
         if (!file || !lock(file.get()) || isNamed(file.get(), path))
-            break;
+            return file;
     }
-    return file;
+    errno = EBUSY; // never the file itself, which has its final name
+    return UniqueFd{};
 }
 
 bool writeAll(int file, std::string_view bytes)
