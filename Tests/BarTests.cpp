@@ -226,6 +226,31 @@ TEST_F(BarTest, aHungApplicationsChipIsDarkAgainAfterTheOneRetry)
     EXPECT_FALSE(chip(draft)->isFocused);
 }
 
+TEST_F(BarTest, aHungApplicationWithManyWindowsLeavesTheBarAliveForTheOthers)
+{
+    for (int i = 0; i < 50; ++i)
+        desktop.open(mail);
+    settle();
+    desktop.application(mail).faults.isHung = true;
+    panel().forgetPaints();
+    desktop.accessibility().forgetMessages();
+
+    desktop.wake();
+    desktop.activateSpace(SpaceID{2});
+    desktop.activateSpace(SpaceID{1});
+    desktop.retitle(notes, "Changed");
+    auto before = desktop.dispatch().now();
+    desktop.drain();
+    auto onMain = std::ranges::count_if(desktop.accessibility().messages(),
+        [&](auto& message) { return message.pid == mail && message.thread == "main"; });
+    EXPECT_EQ(onMain, 4) << "two looks for the wake, one for each change of space";
+    EXPECT_LE(desktop.dispatch().now() - before, seconds(0.35)) << "with the observers' three";
+    desktop.advance(seconds(0.3));
+
+    EXPECT_EQ(chip(notes)->windowTitle, "Changed");
+    EXPECT_THAT(panel().paints(), Not(IsEmpty()));
+}
+
 TEST_F(BarTest, aSecondClickEndsTheRetryOfTheFirst)
 {
     desktop.window(notes).faults.isListed = false;

@@ -183,6 +183,20 @@ TEST_F(WindowStoreSchedule, aProcessThatHungIsReadOnceItAnswersAndLeftAloneThen)
     EXPECT_EQ(whileHung.size(), 7u) << "after 2.5 and 5 s, then every 10 s: each costs 0.05 s";
 }
 
+TEST_F(WindowStoreSchedule, whatTheFirstLookAfterAHangMissesIsSettledAfterwards)
+{
+    desktop.application(mail).faults.isHung = true;
+    store.addWindowsForPID(mail);
+    desktop.window(inbox).isModal = true;
+    desktop.application(mail).faults = {};
+
+    desktop.advance(seconds(4));
+
+    EXPECT_FALSE(isTracked(inbox));
+    desktop.advance(seconds(20));
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
 TEST_F(WindowStoreSchedule, theFocusOfAnUnobservedProcessIsPolledToo)
 {
     auto draft = desktop.open(mail);

@@ -118,8 +118,10 @@ void WindowStore::lookAgainOnceItAnswers(ProcessID pid)
 
 void WindowStore::runUnansweredFollowUp(ProcessID pid)
 {
-    if (m_workspace.runningApplication(pid))
+    if (m_workspace.runningApplication(pid)) {
         lookAt(pid);
+        scheduleMissingFollowUp(pid);
+    }
     auto followUp = m_unansweredByPID.find(pid);
     if (followUp != m_unansweredByPID.end() && !followUp->second.work.isPending())
         m_unansweredByPID.erase(followUp);

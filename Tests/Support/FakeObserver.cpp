@@ -64,6 +64,9 @@ void FakeObserver::notify(
 {
     if (!isRegistered(about, notification) && !isRegistered(application, notification))
         return;
+    // An element that is gone takes what was asked about it along.
+    if (notification == ax::elementDestroyed)
+        std::erase_if(m_registrations, [&](auto& each) { return each.first == about; });
     std::weak_ptr<const Accessibility::Callback> callback = m_callback;
     m_thread.perform([callback, about, name = std::string{notification}] {
         if (auto alive = callback.lock())
