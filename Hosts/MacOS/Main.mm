@@ -8,6 +8,7 @@
 #include "Hosts/MacOS/System/FdSource.h"
 #include "Hosts/MacOS/System/MacAccessibility.h"
 #include "Hosts/MacOS/System/MacDispatch.h"
+#include "Hosts/MacOS/System/MacLaunchServices.h"
 #include "Hosts/MacOS/System/MacScreenCapture.h"
 #include "Hosts/MacOS/System/MacWindowServer.h"
 #include "Hosts/MacOS/TextLine.h"
@@ -60,6 +61,7 @@ int runBar(ControlChannel& control, Trace& trace)
     CoreTextText text;
     posix::PosixFiles files{{applicationSupportFolder(), /*keepsRejectedFiles=*/false}};
     MacLoginItem loginItem;
+    MacLaunchServices launchServices{symbols};
     return QuorvelApp::main({
         .dispatch = dispatch,
         .accessibility = accessibility,
@@ -73,6 +75,7 @@ int runBar(ControlChannel& control, Trace& trace)
         .control = control,
         .files = files,
         .loginItem = loginItem,
+        .launchServices = launchServices,
         .trace = trace,
     });
 }

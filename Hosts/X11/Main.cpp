@@ -64,6 +64,7 @@ int runBar(ControlChannel& control, Trace& trace)
         .control = control,
         .files = files,
         .loginItem = loginItem,
+        .launchServices = desktop.launchServices(),
         .trace = trace,
     });
 }

@@ -8,6 +8,7 @@ class ControlChannel;
 class Dispatch;
 class Displays;
 class Files;
+class LaunchServices;
 class LoginItem;
 class ScreenCapture;
 class Surfaces;
@@ -45,6 +46,7 @@ struct Platform {
     ControlChannel& control;
     Files& files;
     LoginItem& loginItem;
+    LaunchServices& launchServices;
     Trace& trace;
 };
 

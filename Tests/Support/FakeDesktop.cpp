@@ -17,7 +17,7 @@ FakeDesktop::FakeDesktop()
 Platform FakeDesktop::platform()
 {
     return {m_dispatch, m_accessibility, m_windowServer, m_displays, m_workspace, m_screenCapture,
-        m_program, m_surfaces, m_text, m_control, m_files, m_loginItem, m_trace};
+        m_program, m_surfaces, m_text, m_control, m_files, m_loginItem, m_launchServices, m_trace};
 }
 
 FakeApplication& FakeDesktop::application(ProcessID pid)

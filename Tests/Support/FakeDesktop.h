@@ -10,6 +10,7 @@
 #include "Tests/Support/FakeAccessibility.h"
 #include "Tests/Support/FakeDisplays.h"
 #include "Tests/Support/FakeFiles.h"
+#include "Tests/Support/FakeLaunchServices.h"
 #include "Tests/Support/FakeLoginItem.h"
 #include "Tests/Support/FakeProgram.h"
 #include "Tests/Support/FakeSurfaces.h"
@@ -86,6 +87,7 @@ public:
     FakeControlChannel& control() { return m_control; }
     FakeFiles& files() { return m_files; }
     FakeLoginItem& loginItem() { return m_loginItem; }
+    FakeLaunchServices& launchServices() { return m_launchServices; }
     Trace& trace() { return m_trace; }
 
     // What is there. The references live as long as what they name.
@@ -148,6 +150,7 @@ private:
     FakeControlChannel m_control;
     FakeFiles m_files;
     FakeLoginItem m_loginItem;
+    FakeLaunchServices m_launchServices{m_dispatch};
     Trace m_trace;
     std::int32_t m_nextPID = 501;
     std::uint32_t m_nextWindow = 1001;

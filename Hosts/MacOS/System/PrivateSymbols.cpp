@@ -42,6 +42,8 @@ PrivateSymbols PrivateSymbols::load()
     look(s.spaceSetEdgeReservation, skyLight, "SLSSpaceSetEdgeReservation",
         "CGSSpaceSetEdgeReservation");
     look(s.axElementGetWindow, RTLD_DEFAULT, "_AXUIElementGetWindow");
+    look(s.copyRunningApplicationArray, RTLD_DEFAULT, "_LSCopyRunningApplicationArray");
+    look(s.copyApplicationInformation, RTLD_DEFAULT, "_LSCopyApplicationInformation");
     return s;
 }
 

@@ -32,6 +32,12 @@ struct PrivateSymbols {
 
     ::AXError (*axElementGetWindow)(AXUIElementRef, CGWindowID*) = nullptr;
 
+    /// Serial numbers, objects of a type without a name.
+    CFArrayRef (*copyRunningApplicationArray)(int session) = nullptr;
+    /// Everything that is known, if no keys are named.
+    CFDictionaryRef (*copyApplicationInformation)(int session, CFTypeRef serial, CFArrayRef keys)
+        = nullptr;
+
     static PrivateSymbols load();
 };
 

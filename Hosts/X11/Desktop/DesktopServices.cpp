@@ -5,6 +5,7 @@
 #include "Hosts/X11/Desktop/WindowRequests.h"
 #include "Hosts/X11/Desktop/X11Accessibility.h"
 #include "Hosts/X11/Desktop/X11Displays.h"
+#include "Hosts/X11/Desktop/X11LaunchServices.h"
 #include "Hosts/X11/Desktop/X11ScreenCapture.h"
 #include "Hosts/X11/Desktop/X11WindowServer.h"
 #include "Hosts/X11/Desktop/X11Workspace.h"
@@ -21,6 +22,7 @@ struct DesktopServices::Parts {
         , windowServer(model, mirror, requests, environment)
         , displays(connection, monitors, mirror)
         , workspace(connection, model, mirror, requests, entries, icons)
+        , launchServices(model)
     {
     }
 
@@ -33,6 +35,7 @@ struct DesktopServices::Parts {
     X11Displays displays;
     X11Workspace workspace;
     X11ScreenCapture screenCapture;
+    X11LaunchServices launchServices;
 };
 
 DesktopServices::DesktopServices(Connection& connection, Dispatch& dispatch, Monitors& monitors,
@@ -62,6 +65,10 @@ Workspace& DesktopServices::workspace()
 ScreenCapture& DesktopServices::screenCapture()
 {
     return m_parts->screenCapture;
+}
+LaunchServices& DesktopServices::launchServices()
+{
+    return m_parts->launchServices;
 }
 
 }

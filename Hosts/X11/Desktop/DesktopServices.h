@@ -6,6 +6,7 @@ namespace quorvel {
 class Accessibility;
 class Dispatch;
 class Displays;
+class LaunchServices;
 class ScreenCapture;
 class WindowServer;
 class Workspace;
@@ -33,6 +34,7 @@ public:
     Displays& displays();
     Workspace& workspace();
     ScreenCapture& screenCapture();
+    LaunchServices& launchServices();
 
 private:
     struct Parts;

@@ -173,6 +173,22 @@ void spaceSetEdgeReservation(
     server().setEdgeReservation(connection, SpaceID{space}, static_cast<ScreenEdge>(edge), height);
 }
 
+/// Serial numbers are texts here, and information is looked up by their description.
+CFArrayRef copyRunningApplicationArray(int session)
+{
+    if (session != -2)
+        return nullptr;
+    return give<CFArrayRef>("CopyRunningApplicationArray", [] { return array({}); });
+}
+
+CFDictionaryRef copyApplicationInformation(int session, CFTypeRef serial, CFArrayRef keys)
+{
+    const auto* text = objectAs<Object>(serial);
+    if (session != -2 || keys || !text)
+        return nullptr;
+    return give<CFDictionaryRef>(text->description().c_str(), [] { return Value{}; });
+}
+
 template <typename Function> void* address(Function* function)
 {
     return reinterpret_cast<void*>(function);
@@ -201,6 +217,10 @@ void* SimulatedMac::symbol(bool isInSkyLight, const std::string& name) const
         return nullptr;
     if (!isInSkyLight && name == "_AXUIElementGetWindow")
         return address(simulatedGetWindow);
+    if (!isInSkyLight && name == "_LSCopyRunningApplicationArray")
+        return address(copyRunningApplicationArray);
+    if (!isInSkyLight && name == "_LSCopyApplicationInformation")
+        return address(copyApplicationInformation);
     if (!name.starts_with(isInSkyLight ? "SLS" : "CGS"))
         return nullptr;
     const auto found = privateCalls().find(name.substr(3));

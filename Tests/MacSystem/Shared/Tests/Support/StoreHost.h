@@ -14,7 +14,7 @@ struct StoreHost : MacFixture {
     Platform platform{mac.dispatch(), macAccessibility, macWindowServer, macDisplays,
         desktop.workspace(), desktop.screenCapture(), desktop.program(), desktop.surfaces(),
         desktop.platform().text, desktop.control(), desktop.files(), desktop.loginItem(),
-        desktop.trace()};
+        desktop.launchServices(), desktop.trace()};
     Subscription screensChanged = desktop.displays().parametersDidChange.subscribe(
         [this] { macDisplays.setScreens(desktop.displays().screens()); });
 
