@@ -5,23 +5,13 @@
 
 #include <glib.h>
 
+#include "Hosts/X11/SourceTime.h"
 #include "Hosts/X11/ThreadQueue.h"
 #include "Hosts/X11/WorkSchedule.h"
 
 namespace quorvel::x11 {
 
 namespace {
-
-/// A source's time in microseconds, never before the instant.
-gint64 readyTime(std::optional<Instant> due)
-{
-    if (!due)
-        return -1;
-    if (*due == Instant::min())
-        return 0;
-    auto nanoseconds = due->time_since_epoch().count();
-    return std::max<gint64>(0, nanoseconds / 1000 + (nanoseconds % 1000 > 0));
-}
 
 class LoopThread final : public RunLoopThread {
 public:
@@ -47,14 +37,16 @@ class GLibDispatch::MainQueue final : public Queue {
 public:
     MainQueue()
     {
-        static GSourceFuncs functions{
-            nullptr, nullptr, &MainQueue::dispatch, nullptr, nullptr, nullptr};
+        static GSourceFuncs functions{&MainQueue::prepare, &MainQueue::check, &MainQueue::dispatch,
+            nullptr, nullptr, nullptr};
         m_source = reinterpret_cast<Source*>(g_source_new(&functions, sizeof(Source)));
         m_source->queue = this;
         g_source_set_static_name(m_source, "main queue");
-        // Setting the ready time from another thread wakes the loop if it sleeps.
-        m_schedule = std::make_shared<WorkSchedule>(
-            [source = m_source](auto due) { g_source_set_ready_time(source, readyTime(due)); });
+        // The loop's own thread looks before it sleeps; waking it would cost it a turn for nothing.
+        m_schedule = std::make_shared<WorkSchedule>([owner = std::this_thread::get_id()](auto) {
+            if (std::this_thread::get_id() != owner)
+                g_main_context_wakeup(nullptr);
+        });
         g_source_attach(m_source, nullptr);
     }
 
@@ -80,6 +72,17 @@ private:
     struct Source : GSource {
         MainQueue* queue;
     };
+
+    static gboolean prepare(GSource* source, gint* timeout)
+    {
+        return isDueOrSleeps(static_cast<Source*>(source)->queue->m_schedule->nextDue(), *timeout);
+    }
+
+    static gboolean check(GSource* source)
+    {
+        auto due = static_cast<Source*>(source)->queue->m_schedule->nextDue();
+        return due && *due <= WorkSchedule::now();
+    }
 
     static gboolean dispatch(GSource* source, GSourceFunc, gpointer)
     {

@@ -180,7 +180,7 @@ void WorkSchedule::runTurn()
     m_isInTurn = false;
     m_toldDue.reset();
     if (m_hook)
-        m_hook(m_toldDue = nextDue());
+        m_hook(m_toldDue = nextDueLocked());
 }
 
 bool WorkSchedule::waitAndRun()
@@ -231,6 +231,12 @@ void WorkSchedule::stop()
 
 std::optional<Instant> WorkSchedule::nextDue() const
 {
+    std::lock_guard lock{m_mutex};
+    return nextDueLocked();
+}
+
+std::optional<Instant> WorkSchedule::nextDueLocked() const
+{
     if (!m_ready.empty())
         return Instant::min();
     if (m_later.empty())
@@ -244,7 +250,7 @@ void WorkSchedule::nextDueMayHaveChanged()
         m_condition.notify_one();
     if (!m_hook || m_isInTurn)
         return; // the end of the turn tells
-    auto due = nextDue();
+    auto due = nextDueLocked();
     if (due != m_toldDue)
         m_hook(m_toldDue = due);
 }

@@ -16,13 +16,16 @@ namespace quorvel::x11 {
 /// queue either waits here or is told by the hook. All calls from any thread.
 class WorkSchedule : public std::enable_shared_from_this<WorkSchedule> {
 public:
-    /// Told under the lock when the next work is due at another time than before; `Instant::min()`
-    /// means at once, absent means never.
+    /// Told under the lock when the next work is due at another time than before, in the manner of
+    /// `nextDue`.
     using NextDueHook = std::function<void(std::optional<Instant>)>;
 
     explicit WorkSchedule(NextDueHook hook = {});
 
     static Instant now();
+
+    /// When the next work is due; `Instant::min()` means at once, absent means never.
+    std::optional<Instant> nextDue() const;
 
     void post(Work);
     WorkItem at(Instant due, Work);
@@ -55,7 +58,7 @@ private:
     bool takeReady(Ready&);
     void run(Ready&, std::unique_lock<std::mutex>&);
     void finish(const std::shared_ptr<Timed>&, Work&);
-    std::optional<Instant> nextDue() const;
+    std::optional<Instant> nextDueLocked() const;
     void nextDueMayHaveChanged();
 
     mutable std::mutex m_mutex;

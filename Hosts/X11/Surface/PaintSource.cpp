@@ -1,17 +1,40 @@
 #include "Hosts/X11/Surface/PaintSource.h"
 
+#include <chrono>
 #include <utility>
+
+#include <glib.h>
+
+#include "Hosts/X11/SourceTime.h"
+#include "Hosts/X11/WorkSchedule.h"
 
 namespace quorvel::x11 {
 
+namespace {
+
+constexpr auto kShortestFrame = std::chrono::milliseconds{8};
+
+}
+
 struct PaintSource::Source : GSource {
     PaintSource* owner;
+
+    static gboolean prepare(GSource* source, gint* timeout)
+    {
+        return isDueOrSleeps(static_cast<Source*>(source)->owner->due(), *timeout);
+    }
+
+    static gboolean check(GSource* source)
+    {
+        auto due = static_cast<Source*>(source)->owner->due();
+        return due && *due <= WorkSchedule::now();
+    }
 
     static gboolean dispatch(GSource* source, GSourceFunc, gpointer)
     {
         auto* owner = static_cast<Source*>(source)->owner;
         owner->m_isRequested = false;
-        g_source_set_ready_time(source, -1);
+        owner->m_earliestNext = WorkSchedule::now() + kShortestFrame;
         owner->m_paint();
         return G_SOURCE_CONTINUE;
     }
@@ -19,7 +42,8 @@ struct PaintSource::Source : GSource {
 
 PaintSource::PaintSource(std::function<void()> paint) : m_paint(std::move(paint))
 {
-    static GSourceFuncs functions{nullptr, nullptr, &Source::dispatch, nullptr, nullptr, nullptr};
+    static GSourceFuncs functions{
+        &Source::prepare, &Source::check, &Source::dispatch, nullptr, nullptr, nullptr};
     m_source = reinterpret_cast<Source*>(g_source_new(&functions, sizeof(Source)));
     m_source->owner = this;
     g_source_set_static_name(m_source, "paint");
@@ -36,9 +60,12 @@ PaintSource::~PaintSource()
 
 void PaintSource::request()
 {
-    if (std::exchange(m_isRequested, true))
-        return;
-    g_source_set_ready_time(m_source, 0);
+    m_isRequested = true;
+}
+
+std::optional<Instant> PaintSource::due() const
+{
+    return m_isRequested ? std::optional{m_earliestNext} : std::nullopt;
 }
 
 }

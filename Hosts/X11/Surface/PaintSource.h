@@ -1,12 +1,14 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
-#include <glib.h>
+#include "Quorvel/Platform/Dispatch.h"
 
 namespace quorvel::x11 {
 
-/// Runs once, after what the loop has ready now, however often it is asked for. Main thread.
+/// Runs once, after what the loop has ready now, however often it is asked for; at once after a
+/// pause, and then no faster than anybody could see. Main thread.
 class PaintSource {
 public:
     explicit PaintSource(std::function<void()> paint);
@@ -18,8 +20,11 @@ public:
 
 private:
     struct Source;
+    std::optional<Instant> due() const;
+
     Source* m_source;
     std::function<void()> m_paint;
+    Instant m_earliestNext = Instant::min();
     bool m_isRequested = false;
 };
 
