@@ -24,7 +24,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_viewModel(windowStore, platform.dispatch, platform.accessibility, platform.windowServer,
           platform.displays, platform.workspace, platform.trace)
 {
-    m_windowStore.onChange = [this] { m_viewModel.refresh(); };
+    m_windowStore.onChange = [this] { windowsDidChange(); };
     setupSpaceChangeObserver();
     m_settingsChange = settings.data().subscribe([this](auto&) { barSizeMayHaveChanged(); });
 }
@@ -35,10 +35,23 @@ BarManager::~BarManager()
     closeAllPanels();
 }
 
+void BarManager::windowsDidChange()
+{
+    // Twenty windows that close at once are one pass over the chips.
+    if (!m_refresh.isPending())
+        m_refresh = m_platform.dispatch.main().after(Duration::zero(), [this] { refreshNow(); });
+}
+
+void BarManager::refreshNow()
+{
+    m_refresh = {};
+    m_viewModel.refresh();
+}
+
 void BarManager::setupSpaceChangeObserver()
 {
     m_activeSpaceChange = m_platform.workspace.activeSpaceDidChange.subscribe([this] {
-        m_viewModel.refresh();
+        refreshNow();
         updateActiveSpacePanelVisibility();
     });
 }
@@ -59,7 +72,7 @@ void BarManager::barSizeMayHaveChanged()
 void BarManager::syncPanels()
 {
     repositionPanels();
-    m_viewModel.refresh();
+    refreshNow();
 }
 
 void BarManager::repositionPanels()

@@ -64,6 +64,9 @@ private:
     /// Only while there is a choice of displays: it samples without pause.
     void trackPointerDisplay();
     std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
+    /// Refreshes the model once in the next turn, however many windows change in this one.
+    void windowsDidChange();
+    void refreshNow();
     void setupSpaceChangeObserver();
     void barSizeMayHaveChanged();
     void showMenu(BarPanel&);
@@ -82,6 +85,7 @@ private:
     std::unique_ptr<MouseDisplayTracker> m_mouseDisplayTracker; ///< null with one display
     Subscription m_activeSpaceChange;
     Subscription m_settingsChange;
+    WorkItem m_refresh;
 };
 
 }
