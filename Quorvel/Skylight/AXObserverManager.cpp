@@ -200,6 +200,15 @@ void AXObserverManager::scheduleRetry(ProcessID pid, Patience patience)
     });
 }
 
+void AXObserverManager::requestRetry(ProcessID pid)
+{
+    m_callbackQueue.async([weak = m_weak.reference(), pid] {
+        auto* self = weak.get();
+        if (self && self->attemptFor(pid) == Attempt::counted)
+            self->attachAfter(pid, retryDelays.front());
+    });
+}
+
 void AXObserverManager::attachAfter(ProcessID pid, Duration delay)
 {
     if (!m_wantedPIDs.contains(pid))
@@ -227,6 +236,7 @@ void AXObserverManager::refreshWindowObservations(ProcessID pid, Attempt attempt
         if (isHeard && attempt != Attempt::first)
             deliver({std::string{ax::windowCreated}, pid, window, id});
     }
+    isComplete &= !m_calls.hasTimedOut(pid);
     if (isComplete)
         m_retryCount.erase(pid);
     else if (attempt != Attempt::extra)
@@ -289,7 +299,7 @@ void AXObserverManager::handleNotification(
     auto state = m_pidStates.find(pid);
     if (id && state != m_pidStates.end()) {
         if (notification == ax::windowCreated && !observeWindow(state->second, *id, element))
-            scheduleRetry(pid, Patience::endless);
+            requestRetry(pid);
         if (notification == ax::elementDestroyed) {
             state->second.observedWindows.erase(*id);
             m_debounceState.cancel(*id);

@@ -128,6 +128,8 @@ private:
     void handleNotification(ProcessID, const AXElement&, std::string_view notification);
     std::optional<WindowID> resolveWindowIDFromObservedWindows(ProcessID, const AXElement&);
     void scheduleRetry(ProcessID, Patience);
+    /// One more attempt, unless one is waited for: news of a busy process must not push it away.
+    void requestRetry(ProcessID);
     void deliver(AXWindowEvent);
 
     // On the callback queue.

@@ -107,6 +107,11 @@ void WindowStore::endDeferredScanBurst(ProcessID pid)
 
 void WindowStore::lookAgainOnceItAnswers(ProcessID pid)
 {
+    auto application = m_workspace.runningApplication(pid);
+    bool mayHaveChips = application && !application->isTerminated
+        && application->activationPolicy == ActivationPolicy::regular;
+    if (!mayHaveChips)
+        return;
     auto& followUp = m_unansweredByPID[pid];
     if (followUp.work.isPending())
         return;
