@@ -97,6 +97,11 @@ void ClientReader::requestIdentity(RequestBatch& batch, Client& client, Facets f
     if (!facets.contains(Facet::process))
         return;
 
+    // A list may name a window that has ended, and these questions find another one that was given
+    // its number since: nobody listens to that one, which will be listed in its turn.
+    batch.eventMask(client.window, [&](auto mask) {
+        client.isGone |= (mask.value_or(0) & XCB_EVENT_MASK_STRUCTURE_NOTIFY) == 0;
+    });
     if (m_hasClientProcesses)
         batch.clientProcess(client.window, [&](auto pid) { client.serverProcess = pid; });
     batch.property(client.window, atoms.netWmPid, 1,

@@ -79,7 +79,6 @@ bool Clients::destroyed(xcb_window_t window)
     auto* client = find(window);
     if (!client)
         return false;
-    m_connection.forgetWindow(window);
     client->isGone = m_hasGone = true;
     return true;
 }
@@ -167,12 +166,10 @@ bool Clients::read(Facets wanted)
         hasRead |= !batch.isEmpty();
         batch.finish();
         for (auto* client : stale) {
-            if (client->isGone) {
+            if (client->isGone)
                 m_hasGone = true;
-                m_connection.forgetWindow(client->window);
-            } else if (!client->stale.isEmpty()) {
+            else if (!client->stale.isEmpty())
                 m_stale.push_back(client);
-            }
         }
     }
     return hasRead;
@@ -259,7 +256,8 @@ void Clients::removeGone(const std::function<void(Client&)>& function)
     for (auto* client : gone) {
         function(*client);
         std::erase(m_stale, client);
-        m_clientByTopLevel.erase(client->topLevel);
+        if (m_clientByTopLevel.erase(client->topLevel) > 0)
+            m_connection.forgetWindow(client->topLevel);
         m_byWindow.erase(client->window);
         markChildrenDirty(client->window);
         m_byNumber.erase(client->id);

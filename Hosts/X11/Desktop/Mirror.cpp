@@ -22,6 +22,13 @@ namespace {
 constexpr int kLongestParentChain = 16;
 constexpr std::string_view kDesktopIdentifier = "x11.desktop";
 
+/// Else it is announced as destroyed and created anew: nobody looks again at what it is.
+bool isOfSameKind(const WindowRecord& a, const WindowRecord& b)
+{
+    return a.isStandard == b.isStandard && a.isModal == b.isModal && a.layer == b.layer
+        && (a.alpha > 0) == (b.alpha > 0);
+}
+
 }
 
 Mirror::Mirror(Connection& connection, Dispatch& dispatch, Monitors& monitors,
@@ -73,12 +80,15 @@ void Mirror::handle(const xcb_generic_event_t* event)
     bool concernsClients = m_clients.handle(event);
     bool endsMove = m_buttons.handle(event);
     m_needsUpdate |= concernsManager || concernsClients || endsMove;
-    if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY)
+    auto type = event->response_type & 0x7f;
+    m_isUrgent |= type == XCB_DESTROY_NOTIFY && concernsClients;
+    if (type != XCB_PROPERTY_NOTIFY)
         return;
 
     auto* change = reinterpret_cast<const xcb_property_notify_event_t*>(event);
     if (change->window == m_connection.root()) {
         m_needsUpdate |= m_root.propertyDidChange(change->atom);
+        m_isUrgent |= change->atom == m_connection.atoms().netClientList;
     } else if (change->atom == m_connection.atoms().netWmIcon) {
         auto* client = m_clients.find(change->window);
         if (!client || client->bundleIdentifier.empty())
@@ -90,8 +100,14 @@ void Mirror::handle(const xcb_generic_event_t* event)
 
 void Mirror::turnEnded()
 {
-    if (m_needsUpdate)
+    if (!m_needsUpdate)
+        return;
+    auto due = m_lastUpdate + kPace;
+    auto now = m_dispatch.now();
+    if (m_isUrgent || now >= due)
         update();
+    else if (!m_paced.isPending())
+        m_paced = m_dispatch.main().after(due - now, [this] { update(); });
 }
 
 void Mirror::scheduleUpdate()
@@ -102,7 +118,8 @@ void Mirror::scheduleUpdate()
 
 void Mirror::update()
 {
-    m_needsUpdate = false;
+    m_needsUpdate = m_isUrgent = false;
+    m_paced = {};
     readAll();
     translateSpaces();
     translateClients();
@@ -115,6 +132,7 @@ void Mirror::update()
             announce();
         }
     }
+    m_lastUpdate = m_dispatch.now();
     if (!m_needsUpdate)
         scheduleNext();
 }
@@ -266,9 +284,7 @@ void Mirror::noteDifference(const WindowRecord& before, const WindowRecord& afte
 {
     m_changes.spacesOfWindows |= before.space != after.space;
     notePresence(before, after);
-    bool isSameElement = before.owner == after.owner && before.isStandard == after.isStandard
-        && before.isModal == after.isModal && before.layer == after.layer;
-    if (!isSameElement)
+    if (before.owner != after.owner || !isOfSameKind(before, after))
         return;
     if (before.title != after.title)
         notifyWindow(after, ax::titleChanged);
@@ -289,8 +305,7 @@ void Mirror::notePresence(const WindowRecord& before, const WindowRecord& after)
         if (auto* pair = m_processes.find(before.owner))
             pair->windows.erase(after.id);
     }
-    if (!isOtherOwner && before.isStandard == after.isStandard && before.isModal == after.isModal
-        && before.layer == after.layer)
+    if (!isOtherOwner && isOfSameKind(before, after))
         return;
     notifyWindow(before, ax::elementDestroyed);
     noteNew(after);
@@ -327,6 +342,9 @@ void Mirror::reportMoves()
 void Mirror::remove(Client& client)
 {
     m_moves.erase(client.id);
+    // Withdrawn, it still exists; but its end will not be seen, and its number may come back.
+    if (!isOwn(client.window))
+        m_connection.forgetWindow(client.window);
     auto window = m_model.write([&](DesktopModel& model) {
         model.wantedSpaces.erase(client.id);
         auto node = model.windows.extract(client.id);
@@ -399,7 +417,8 @@ void Mirror::setFocus(ProcessID frontmost, std::optional<WindowID> window)
     });
     if (isOtherProcess)
         m_activated = frontmost;
-    if (isOtherWindow && knownWindow != window)
+    // It may be known already as the one to follow a window that was closed.
+    if (isOtherWindow && (knownWindow != window || !isOtherProcess))
         notifyApplication(frontmost, *window, ax::focusedWindowChanged);
 }
 

@@ -35,6 +35,9 @@ class Mirror {
 public:
     /// A window whose desktop stays unknown for so long counts as on the current one.
     static constexpr auto kDesktopWait = std::chrono::milliseconds{250};
+    /// The manager tells of one new window in a dozen pieces. That it is there, or gone, is
+    /// followed at once; what else comes right after an update waits for the rest.
+    static constexpr auto kPace = std::chrono::milliseconds{8};
 
     Mirror(Connection&, Dispatch&, Monitors&, PanelEnvironment&, DesktopEntries&, SharedModel&,
         ObserverRegistry&);
@@ -133,7 +136,9 @@ private:
     std::uint64_t m_lastActivation = 0;
     std::optional<WindowID> m_lastFocused;
     std::optional<ProcessID> m_activated;
+    Instant m_lastUpdate = Instant::min();
     bool m_needsUpdate = true;
+    bool m_isUrgent = false;
     bool m_wasPresent = false;
     bool m_isCoverageStale = true;
 
@@ -143,6 +148,7 @@ private:
     Subscription m_entriesChanged;
     Subscription m_processEnded;
     WorkItem m_next;
+    WorkItem m_paced;
 };
 
 }

@@ -82,6 +82,14 @@ void RequestBatch::clientProcess(xcb_window_t window, OnNumber handle)
     });
 }
 
+void RequestBatch::eventMask(xcb_window_t window, OnNumber handle)
+{
+    add(xcb_get_window_attributes(m_connection, window), [handle = std::move(handle)](void* data) {
+        auto* reply = static_cast<const xcb_get_window_attributes_reply_t*>(data);
+        handle(reply ? std::optional{reply->your_event_mask} : std::nullopt);
+    });
+}
+
 void RequestBatch::selectionOwner(xcb_atom_t selection, OnWindow handle)
 {
     add(xcb_get_selection_owner(m_connection, selection), [handle = std::move(handle)](void* data) {
