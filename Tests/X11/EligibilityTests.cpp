@@ -1,3 +1,6 @@
+#include <functional>
+#include <vector>
+
 #include "Tests/X11/Support/DesktopFixture.h"
 
 namespace quorvel::x11tests {
@@ -59,10 +62,51 @@ TEST_P(Eligibility, followsTypeParentAndSkipTaskbar)
     for (const auto window : {skipped, dock, dialog})
         EXPECT_FALSE(hasChip(window)) << desktop.title(window);
 
-    desktop.addStates(orphan, "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER");
+    desktop.setState(orphan, "SKIP_TASKBAR", true);
     EXPECT_TRUE(losesChip(orphan));
     for (const auto window : {skipped, dock, dialog})
         EXPECT_FALSE(hasChip(window)) << desktop.title(window);
+}
+
+// Faults: a window judged once and for all, or again only when something else happens to it.
+TEST_P(Eligibility, comesAndGoesWithEachPropertyThatDecidesIt)
+{
+    const auto window = client.open({.title = "changing", .isDecorated = false});
+    const auto parent = client.open({.title = "parent"});
+    ASSERT_TRUE(getsChip(window));
+    const auto setOpacity = [&](std::uint32_t opacity) {
+        client.connection().setNumbers(window, "_NET_WM_WINDOW_OPACITY", "CARDINAL", {opacity});
+        client.connection().sync();
+    };
+    const auto becomesDialogOf = [&](xcb_window_t owner) {
+        client.setParent(window, owner);
+        client.setType(window, "_NET_WM_WINDOW_TYPE_DIALOG");
+    };
+    struct Property {
+        const char* name;
+        std::function<void()> refuse;
+        std::function<void()> admit;
+    };
+    const std::vector<Property> properties{
+        {"skip taskbar", [&] { desktop.setState(window, "SKIP_TASKBAR", true); },
+            [&] { desktop.setState(window, "SKIP_TASKBAR", false); }},
+        {"modal", [&] { desktop.setState(window, "MODAL", true); },
+            [&] { desktop.setState(window, "MODAL", false); }},
+        {"type", [&] { client.setType(window, "_NET_WM_WINDOW_TYPE_UTILITY"); },
+            [&] { client.setType(window, "_NET_WM_WINDOW_TYPE_NORMAL"); }},
+        {"size", [&] { client.resize(window, 39, 200); }, [&] { client.resize(window, 40, 200); }},
+        {"opacity", [&] { setOpacity(0); }, [&] { setOpacity(0xFFFFFFFF); }},
+        {"parent", [&] { becomesDialogOf(parent); }, [&] { becomesDialogOf(XCB_NONE); }},
+    };
+
+    for (const auto& property : properties) {
+        property.refuse();
+        EXPECT_TRUE(eventually(3s, [&] { return !hasChip(window); })) << property.name;
+        property.admit();
+        // xfwm4 adds it to what is no normal window, and does not take it away.
+        desktop.setState(window, "SKIP_TASKBAR", false);
+        EXPECT_TRUE(getsChip(window, 3s)) << property.name;
+    }
 }
 
 // Fault: a window of all desktops only where it was opened.

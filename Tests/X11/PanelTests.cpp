@@ -25,7 +25,7 @@ TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
     EXPECT_EQ(panel.bottom(), 800);
     EXPECT_EQ(panel.width, 1280);
 
-    desktop.addStates(window, "_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ");
+    desktop.maximise(window);
     EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == panel.y; }))
         << desktop.frame(window).bottom() << ", the panel begins at " << panel.y;
 

@@ -1,9 +1,13 @@
 #include "Tests/X11/Support/Client.h"
 
+#include <array>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 
+#include <poll.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -15,7 +19,7 @@ namespace quorvel::x11tests {
 xcb_window_t Client::open(const WindowOptions& options)
 {
     auto* const connection = m_connection.get();
-    const auto window = xcb_generate_id(connection);
+    const auto window = options.number ? *options.number : xcb_generate_id(connection);
     const auto& frame = options.frame;
     const std::uint32_t white = 0xFFFFFF;
     xcb_create_window(connection, XCB_COPY_FROM_PARENT, window, m_connection.root(),
@@ -25,38 +29,63 @@ xcb_window_t Client::open(const WindowOptions& options)
     describe(window, options);
     xcb_map_window(connection, window);
     m_connection.sync();
+    m_windows.push_back(window);
     return window;
 }
 
 void Client::describe(xcb_window_t window, const WindowOptions& options)
 {
     setTitle(window, options.title);
-    const std::string instance = "sample";
-    m_connection.setText(window, "WM_CLASS", "STRING",
-        instance + std::string(1, '\0') + options.applicationClass + std::string(1, '\0'));
+    setClass(window, options.applicationClass);
     if (!options.isDecorated) {
         constexpr std::uint32_t kDecorationsGiven = 2;
         m_connection.setNumbers(
             window, "_MOTIF_WM_HINTS", "_MOTIF_WM_HINTS", {kDecorationsGiven, 0, 0, 0, 0});
     }
     if (options.type)
-        m_connection.setNumbers(
-            window, "_NET_WM_WINDOW_TYPE", "ATOM", {m_connection.atom(*options.type)});
+        setType(window, *options.type);
     if (options.state)
         m_connection.setNumbers(
             window, "_NET_WM_STATE", "ATOM", {m_connection.atom(*options.state)});
     if (options.parent)
-        m_connection.setNumbers(window, "WM_TRANSIENT_FOR", "WINDOW", {*options.parent});
+        setParent(window, *options.parent);
     if (options.desktop)
         m_connection.setNumbers(window, "_NET_WM_DESKTOP", "CARDINAL", {*options.desktop});
     if (options.pid)
         m_connection.setNumbers(window, "_NET_WM_PID", "CARDINAL", {*options.pid});
+    if (options.machine)
+        m_connection.setText(window, "WM_CLIENT_MACHINE", "STRING", *options.machine);
+    if (options.answersClose)
+        m_connection.setNumbers(
+            window, "WM_PROTOCOLS", "ATOM", {m_connection.atom("WM_DELETE_WINDOW")});
 }
 
 void Client::setTitle(xcb_window_t window, const std::string& title)
 {
     m_connection.setText(window, "WM_NAME", "STRING", title);
     m_connection.setText(window, "_NET_WM_NAME", "UTF8_STRING", title);
+    xcb_flush(m_connection.get());
+}
+
+void Client::setClass(xcb_window_t window, const std::string& applicationClass)
+{
+    const std::string end(1, '\0');
+    m_connection.setText(window, "WM_CLASS", "STRING", "sample" + end + applicationClass + end);
+    xcb_flush(m_connection.get());
+}
+
+void Client::setType(xcb_window_t window, const std::string& type)
+{
+    m_connection.setNumbers(window, "_NET_WM_WINDOW_TYPE", "ATOM", {m_connection.atom(type)});
+    xcb_flush(m_connection.get());
+}
+
+void Client::setParent(xcb_window_t window, xcb_window_t parent)
+{
+    if (parent == XCB_NONE)
+        xcb_delete_property(m_connection.get(), window, m_connection.atom("WM_TRANSIENT_FOR"));
+    else
+        m_connection.setNumbers(window, "WM_TRANSIENT_FOR", "WINDOW", {parent});
     xcb_flush(m_connection.get());
 }
 
@@ -69,28 +98,124 @@ void Client::resize(xcb_window_t window, int width, int height)
     m_connection.sync();
 }
 
+void Client::place(xcb_window_t window, const Frame& frame)
+{
+    const std::uint32_t place[]{
+        static_cast<std::uint32_t>(frame.x), static_cast<std::uint32_t>(frame.y)};
+    xcb_configure_window(
+        m_connection.get(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, place);
+    resize(window, frame.width, frame.height);
+}
+
+void Client::unmap(xcb_window_t window)
+{
+    xcb_unmap_window(m_connection.get(), window);
+    m_connection.sync();
+}
+
 void Client::destroy(xcb_window_t window)
 {
     xcb_destroy_window(m_connection.get(), window);
     m_connection.sync();
+    std::erase(m_windows, window);
+}
+
+void Client::answerCloseRequests()
+{
+    while (auto* const event = xcb_poll_for_event(m_connection.get())) {
+        const auto* const message = reinterpret_cast<xcb_client_message_event_t*>(event);
+        if ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE
+            && message->data.data32[0] == m_connection.atom("WM_DELETE_WINDOW"))
+            destroy(message->window);
+        std::free(event);
+    }
+}
+
+namespace {
+
+/// Asks for an answer instead of work.
+constexpr char kAnswer = 0;
+
+ClientProcess::Worker openingWindows(const std::string& title, int windows)
+{
+    return [=](Client& client, char) {
+        for (int i = 0; i < windows; ++i)
+            client.open({.title = title + " " + std::to_string(i)});
+    };
+}
+
 }
 
 ClientProcess::ClientProcess(const XServer& server, const std::string& title, int windows)
-    : m_pid(fork())
+    : ClientProcess(server, openingWindows(title, windows))
 {
-    if (m_pid != 0)
+    order('o');
+}
+
+ClientProcess::ClientProcess(const XServer& server, Worker worker)
+{
+    int ends[2] = {-1, -1};
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0)
         return;
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    Client client(server);
-    for (int i = 0; i < windows; ++i)
-        client.open({.title = title + " " + std::to_string(i)});
-    for (;;)
-        pause();
+    m_pid = fork();
+    if (m_pid == 0) {
+        close(ends[0]);
+        work(ends[1], server, worker);
+    }
+    close(ends[1]);
+    m_orders = ends[0];
 }
 
 ClientProcess::~ClientProcess()
 {
     kill();
+    close(m_orders);
+}
+
+void ClientProcess::work(int orders, const XServer& server, const Worker& worker)
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    Client client(server);
+    std::array<pollfd, 2> sources{
+        {{orders, POLLIN, 0}, {xcb_get_file_descriptor(client.connection().get()), POLLIN, 0}}};
+    while (!client.connection().isCut() && poll(sources.data(), sources.size(), -1) > 0) {
+        char order = kAnswer;
+        if (sources[0].revents != 0) {
+            if (read(orders, &order, 1) != 1)
+                break;
+            if (order != kAnswer)
+                worker(client, order);
+        }
+        client.answerCloseRequests();
+        client.connection().sync();
+        if (sources[0].revents != 0 && order == kAnswer && write(orders, &order, 1) != 1)
+            break;
+    }
+    _exit(0);
+}
+
+void ClientProcess::order(char order) const
+{
+    send(m_orders, &order, 1, MSG_NOSIGNAL);
+}
+
+bool ClientProcess::finish() const
+{
+    order(kAnswer);
+    char answer = 0;
+    return recv(m_orders, &answer, 1, 0) == 1;
+}
+
+void ClientProcess::stop() const
+{
+    ::kill(m_pid, SIGSTOP);
+    siginfo_t info;
+    waitid(P_PID, static_cast<id_t>(m_pid), &info, WSTOPPED | WEXITED | WNOWAIT);
+}
+
+void ClientProcess::resume() const
+{
+    ::kill(m_pid, SIGCONT);
 }
 
 void ClientProcess::kill()

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,10 @@ struct Frame {
 
     int bottom() const { return y + height; }
     friend bool operator==(const Frame&, const Frame&) = default;
+    friend std::ostream& operator<<(std::ostream& out, const Frame& frame)
+    {
+        return out << frame.width << 'x' << frame.height << '+' << frame.x << '+' << frame.y;
+    }
 };
 
 /// A connection to the X server, with its atoms by name.

@@ -4,12 +4,17 @@
 #include <cstdlib>
 #include <memory>
 
+#include <xcb/res.h>
+
+#include "Tests/X11/Support/Eventually.h"
+
 namespace quorvel::x11tests {
 
 namespace {
 
 constexpr std::uint32_t kPager = 2;
 constexpr std::uint32_t kIconicState = 3;
+constexpr int kSmallestOnTaskbar = 40;
 
 struct Free {
     void operator()(void* reply) const { std::free(reply); }
@@ -24,14 +29,59 @@ std::vector<xcb_window_t> Desktop::clients()
 
 std::vector<xcb_window_t> Desktop::taskbarClients()
 {
-    const auto isElsewhere = [this](xcb_window_t window) {
-        const auto types = m_connection.numbers(window, "_NET_WM_WINDOW_TYPE");
-        return hasState(window, "_NET_WM_STATE_SKIP_TASKBAR")
-            || (!types.empty() && types[0] != m_connection.atom("_NET_WM_WINDOW_TYPE_NORMAL"));
-    };
     auto windows = clients();
-    std::erase_if(windows, isElsewhere);
+    std::erase_if(windows, [this](xcb_window_t window) { return !isOnTaskbar(window); });
     return windows;
+}
+
+bool Desktop::isOnTaskbar(xcb_window_t client)
+{
+    if (hasState(client, "_NET_WM_STATE_SKIP_TASKBAR") || hasState(client, "_NET_WM_STATE_MODAL"))
+        return false;
+    const auto place = frame(client);
+    if (place.width < kSmallestOnTaskbar || place.height < kSmallestOnTaskbar)
+        return false;
+    const auto type = typeOf(client);
+    return type == "NORMAL" || ((type.empty() || type == "DIALOG") && !parentOf(client));
+}
+
+std::optional<xcb_window_t> Desktop::parentOf(xcb_window_t client)
+{
+    const auto parent = number(client, "WM_TRANSIENT_FOR");
+    const auto all = clients();
+    const bool isManaged = parent && std::find(all.begin(), all.end(), *parent) != all.end();
+    return isManaged && parent != client ? parent : std::nullopt;
+}
+
+std::string Desktop::typeOf(xcb_window_t client)
+{
+    const auto types = m_connection.numbers(client, "_NET_WM_WINDOW_TYPE");
+    for (const std::string name : {"NORMAL", "DIALOG", "UTILITY", "SPLASH", "TOOLBAR", "DOCK"}) {
+        if (!types.empty() && types[0] == m_connection.atom("_NET_WM_WINDOW_TYPE_" + name))
+            return name;
+    }
+    return {};
+}
+
+std::string Desktop::applicationClass(xcb_window_t window)
+{
+    const auto names = m_connection.text(window, "WM_CLASS");
+    const auto second = names.find('\0') + 1;
+    return names.substr(second, names.find('\0', second) - second);
+}
+
+std::optional<pid_t> Desktop::processOf(xcb_window_t window)
+{
+    const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    const auto cookie = xcb_res_query_client_ids(m_connection.get(), 1, &spec);
+    const std::unique_ptr<xcb_res_query_client_ids_reply_t, Free> reply{
+        xcb_res_query_client_ids_reply(m_connection.get(), cookie, nullptr)};
+    if (!reply)
+        return std::nullopt;
+    const auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
+    if (ids.rem == 0 || xcb_res_client_id_value_value_length(ids.data) == 0)
+        return std::nullopt;
+    return static_cast<pid_t>(*xcb_res_client_id_value_value(ids.data));
 }
 
 std::optional<xcb_window_t> Desktop::clientTitled(const std::string& wanted)
@@ -62,6 +112,40 @@ bool Desktop::isHidden(xcb_window_t window)
 xcb_window_t Desktop::activeWindow()
 {
     return number(m_connection.root(), "_NET_ACTIVE_WINDOW").value_or(XCB_NONE);
+}
+
+std::uint32_t Desktop::resourcesOf(pid_t process)
+{
+    auto* const connection = m_connection.get();
+    const std::unique_ptr<xcb_res_query_clients_reply_t, Free> clients{
+        xcb_res_query_clients_reply(connection, xcb_res_query_clients(connection), nullptr)};
+    const int count = clients ? xcb_res_query_clients_clients_length(clients.get()) : 0;
+    std::uint32_t resources = 0;
+    for (int i = 0; i < count; ++i) {
+        const auto base = xcb_res_query_clients_clients(clients.get())[i].resource_base;
+        if (processOf(base) != process)
+            continue;
+        const auto cookie = xcb_res_query_client_resources(connection, base);
+        const std::unique_ptr<xcb_res_query_client_resources_reply_t, Free> reply{
+            xcb_res_query_client_resources_reply(connection, cookie, nullptr)};
+        const int types = reply ? xcb_res_query_client_resources_types_length(reply.get()) : 0;
+        for (int j = 0; j < types; ++j)
+            resources += xcb_res_query_client_resources_types(reply.get())[j].count;
+    }
+    return resources;
+}
+
+std::optional<xcb_window_t> Desktop::focusedClient()
+{
+    constexpr int kDeepestNesting = 16;
+    std::optional focused = activeWindow();
+    for (int i = 0; i < kDeepestNesting && focused && !isOnTaskbar(*focused); ++i) {
+        const auto type = typeOf(*focused);
+        const bool speaksForParent
+            = type.empty() || type == "DIALOG" || type == "UTILITY" || type == "SPLASH";
+        focused = speaksForParent ? parentOf(*focused) : std::nullopt;
+    }
+    return focused;
 }
 
 std::uint32_t Desktop::currentDesktop()
@@ -103,6 +187,19 @@ Frame Desktop::frame(xcb_window_t window)
         geometry->width + extent(0) + extent(1), geometry->height + extent(2) + extent(3)};
 }
 
+std::string Desktop::picture(const Frame& frame)
+{
+    const auto cookie = xcb_get_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP,
+        m_connection.root(), static_cast<std::int16_t>(frame.x), static_cast<std::int16_t>(frame.y),
+        static_cast<std::uint16_t>(frame.width), static_cast<std::uint16_t>(frame.height), ~0U);
+    const std::unique_ptr<xcb_get_image_reply_t, Free> reply{
+        xcb_get_image_reply(m_connection.get(), cookie, nullptr)};
+    if (!reply)
+        return {};
+    const auto* const pixels = reinterpret_cast<const char*>(xcb_get_image_data(reply.get()));
+    return {pixels, static_cast<std::size_t>(xcb_get_image_data_length(reply.get()))};
+}
+
 bool Desktop::hasWindowManager()
 {
     // The property outlives its manager; the window it names does not.
@@ -120,6 +217,14 @@ bool Desktop::managerAnswers()
     }
     send(m_probe, "_NET_REQUEST_FRAME_EXTENTS", {});
     return !m_connection.numbers(m_probe, "_NET_FRAME_EXTENTS").empty();
+}
+
+testing::AssertionResult Desktop::finishRequests()
+{
+    xcb_delete_property(m_connection.get(), m_probe, m_connection.atom("_NET_FRAME_EXTENTS"));
+    if (eventually(10s, [this] { return managerAnswers(); }))
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "the window manager does not answer";
 }
 
 void Desktop::activate(xcb_window_t window)
@@ -147,11 +252,18 @@ void Desktop::switchTo(std::uint32_t desktop)
     send(m_connection.root(), "_NET_CURRENT_DESKTOP", {desktop, XCB_CURRENT_TIME});
 }
 
-void Desktop::addStates(xcb_window_t window, const std::string& first, const std::string& second)
+void Desktop::setState(xcb_window_t window, const std::string& state, bool isOn)
+{
+    send(window, "_NET_WM_STATE",
+        {isOn ? 1U : 0U, m_connection.atom("_NET_WM_STATE_" + state), XCB_ATOM_NONE, kPager});
+}
+
+void Desktop::maximise(xcb_window_t window)
 {
     constexpr std::uint32_t kAdd = 1;
     send(window, "_NET_WM_STATE",
-        {kAdd, m_connection.atom(first), m_connection.atom(second), kPager});
+        {kAdd, m_connection.atom("_NET_WM_STATE_MAXIMIZED_VERT"),
+            m_connection.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), kPager});
 }
 
 bool Desktop::hasState(xcb_window_t window, const std::string& state)

@@ -27,6 +27,13 @@ public:
         pointer.moveTo(5, 5);
     }
 
+    /// Whether the bar agrees with what there is once everything has been done that was begun.
+    testing::AssertionResult settles(const Bar& bar)
+    {
+        auto finished = desktop.finishRequests();
+        return finished ? bar.agreesWith(desktop, 3s) : finished;
+    }
+
     XServer server;
     Desktop desktop{server.display()};
     WindowManager manager;

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <numeric>
+#include <set>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -39,6 +42,7 @@ State::Window windowFrom(const Json& json)
         .xid = optional<xcb_window_t>(json.at("xid")),
         .pid = json.at("pid"),
         .app = json.at("app"),
+        .bundle = json.at("bundle"),
         .title = json.at("title"),
         .frame = frameFrom(json.at("frame")),
         .isMinimized = json.at("minimized"),
@@ -93,11 +97,13 @@ testing::AssertionResult agreesOn(const State& state, Desktop& desktop, xcb_wind
     const auto fault = [&] { return testing::AssertionFailure() << "client " << client << ": "; };
     const auto* const window = state.windowOf(client);
     if (!window)
-        return fault() << "missing (" << desktop.title(client) << ")";
+        return fault() << "missing: " << desktop.title(client) << " of " << desktop.frame(client);
     if (window->title != desktop.title(client))
         return fault() << "titled " << window->title << ", not " << desktop.title(client);
     if (window->isMinimized != desktop.isHidden(client))
         return fault() << "minimised is " << window->isMinimized;
+    if (!window->isMinimized && window->frame != desktop.frame(client))
+        return fault() << "at " << window->frame << ", not " << desktop.frame(client);
     const auto spaces = expectedSpaces(desktop, client);
     if (window->spaces != spaces || state.spacesShowing(client) != spaces)
         return fault() << "on space " << testing::PrintToString(window->spaces) << ", shown on "
@@ -137,16 +143,41 @@ testing::AssertionResult showsItems(const State& state)
     return testing::AssertionSuccess();
 }
 
+/// Windows are of one application if they have the class and the process in common. The first
+/// application of a process goes by the number of the process. Of clients from the network the
+/// server knows no process.
+testing::AssertionResult agreesOnApplications(
+    const State& state, Desktop& desktop, const std::vector<xcb_window_t>& clients)
+{
+    std::map<std::pair<pid_t, std::string>, std::int64_t> numbers;
+    std::set<std::int64_t> distinct;
+    for (const auto client : clients) {
+        const auto* const window = state.windowOf(client);
+        const auto process = desktop.processOf(client);
+        if (!process)
+            continue;
+        const auto [known, isNew]
+            = numbers.try_emplace({*process, desktop.applicationClass(client)}, window->pid);
+        const bool isOfProcess = window->pid < 0 || window->pid == process;
+        if (known->second != window->pid || distinct.insert(window->pid).second != isNew
+            || !isOfProcess)
+            return testing::AssertionFailure()
+                << window->title << " of process " << *process << " and class "
+                << desktop.applicationClass(client) << " is put under " << window->pid;
+    }
+    return testing::AssertionSuccess();
+}
+
 testing::AssertionResult agreesOnFocus(const State& state, Desktop& desktop)
 {
-    const auto active = desktop.activeWindow();
-    const auto* const window = state.windowOf(active);
+    const auto focused = desktop.focusedClient();
+    const auto* const window = focused ? state.windowOf(*focused) : nullptr;
     for (const auto& client : state.windows) {
         const auto* const item = client.xid ? state.itemOf(*client.xid) : nullptr;
         if (item && item->isFocused != (&client == window))
             return testing::AssertionFailure()
                 << client.title << (item->isFocused ? " is" : " is not") << " lit, active is "
-                << desktop.title(active);
+                << desktop.title(desktop.activeWindow());
     }
     if (window && state.focusedWindow != window->id)
         return testing::AssertionFailure() << "the focus is not on " << window->title;
@@ -228,13 +259,16 @@ testing::AssertionResult agrees(const State& state, Desktop& desktop)
     const auto clients = desktop.taskbarClients();
     if (state.activeSpace != std::uint64_t{desktop.currentDesktop()} + 1)
         return testing::AssertionFailure() << "active space " << state.activeSpace.value_or(0);
-    if (state.windows.size() != clients.size())
-        return testing::AssertionFailure()
-            << state.windows.size() << " windows instead of " << clients.size();
     for (const auto client : clients) {
         if (auto result = agreesOn(state, desktop, client); !result)
             return result;
     }
+    for (const auto& window : state.windows) {
+        if (!window.xid || std::find(clients.begin(), clients.end(), *window.xid) == clients.end())
+            return testing::AssertionFailure() << "not on the taskbar: " << window;
+    }
+    if (auto result = agreesOnApplications(state, desktop, clients); !result)
+        return result;
     if (auto result = showsItems(state); !result)
         return result;
     return agreesOnFocus(state, desktop);

@@ -18,6 +18,7 @@ struct State {
         std::optional<xcb_window_t> xid;
         std::int64_t pid = 0;
         std::string app;
+        std::string bundle;
         std::string title;
         Frame frame;
         bool isMinimized = false;
@@ -75,8 +76,9 @@ struct State {
     std::vector<Panel> panels;
 };
 
-/// Whether the bar shows just what the window manager says of its clients: which there are, their
-/// titles, desktops and minimised state, the current desktop and the active window.
+/// Whether the bar shows just what the server and the window manager say of the clients: which
+/// there are, whose they are, their titles, places, desktops and minimised state, the current
+/// desktop and the active window.
 testing::AssertionResult agrees(const State&, Desktop&);
 
 }

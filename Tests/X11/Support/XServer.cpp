@@ -73,7 +73,7 @@ void XServer::startServer()
     const auto line = folder() / "display";
     m_server
         = std::make_unique<Process>(std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen",
-                                        "0", "1280x800x24", "-nolisten", "tcp", "-noreset"},
+                                        "0", "1280x800x24", "-listen", "tcp", "-noreset"},
             m_environment, Outputs{line, folder() / "server.log"});
     m_display = ":" + waitForLine(line);
     m_environment["DISPLAY"] = m_display;

@@ -28,6 +28,8 @@ public:
     XServer();
 
     const std::string& display() const { return m_display; }
+    /// The same display for clients that come over the network: their process is not known.
+    std::string networkDisplay() const { return "localhost" + m_display; }
     const Environment& environment() const { return m_environment; }
     const std::filesystem::path& folder() const { return m_folder.path(); }
     /// Where the bar looks for its settings.
