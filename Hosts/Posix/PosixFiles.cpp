@@ -50,7 +50,7 @@ std::optional<std::string> readUpTo(int file, std::size_t limit)
 
 std::error_code PosixFiles::createFolder(const std::string& path)
 {
-    // The user's own, as the base directory specification asks.
+    // For the user alone, as XDG wants its folders.
     if (::mkdir(path.c_str(), 0700) == 0 || isFolder(path))
         return {};
     auto parentEnd = path.find_last_of('/');
