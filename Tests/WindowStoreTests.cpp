@@ -378,6 +378,25 @@ TEST_F(WindowStoreTest, whatCannotBeReadKeepsItsLastKnownState)
     EXPECT_TRUE(store.window(id)->isMinimized);
 }
 
+// Fault: what a window did not get to say counts as said, and its chip comes and goes.
+TEST_F(WindowStoreTest, anApplicationThatHangsInTheMiddleOfAnAnswerKeepsItsChips)
+{
+    for (int i = 0; i < 3; ++i)
+        desktop.open(mail, {.title = "Window", .isMinimized = i == 1});
+    store.populate();
+    auto before = store.windows();
+    auto& faults = desktop.application(mail).faults;
+
+    for (int answers = 0; answers < 20; ++answers) {
+        for (int scan = 0; scan < 3; ++scan) {
+            faults.isHung = false;
+            faults.messagesUntilHang = answers;
+            scanAfter(mail, seconds(0.5));
+        }
+        EXPECT_EQ(store.windows(), before) << answers << " answers";
+    }
+}
+
 TEST_F(WindowStoreTest, aHungApplicationAmongHealthyOnesCostsOneTimeoutALookWhateverTheOccasion)
 {
     for (int i = 0; i < 50; ++i)

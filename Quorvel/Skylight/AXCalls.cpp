@@ -36,13 +36,28 @@ AXReply AXCalls::copyAttribute(ProcessID pid, const AXElement& element, std::str
     if (m_hungInScan.contains(pid))
         return {AXError::cannotComplete, {}};
     auto reply = m_accessibility.copyAttribute(element, attribute);
-    if (reply.error != AXError::cannotComplete)
-        return reply;
+    noteTimeOut(pid, reply.error);
+    return reply;
+}
+
+AXError AXCalls::addNotification(
+    ProcessID pid, AXObserver& observer, const AXElement& element, std::string_view notification)
+{
+    if (m_hungInScan.contains(pid))
+        return AXError::cannotComplete;
+    auto error = observer.addNotification(element, notification);
+    noteTimeOut(pid, error);
+    return error;
+}
+
+void AXCalls::noteTimeOut(ProcessID pid, AXError error)
+{
+    if (error != AXError::cannotComplete)
+        return;
     if (m_scanDepth > 0)
         m_hungInScan.insert(pid);
     if (onTimeOut)
         onTimeOut(pid);
-    return reply;
 }
 
 std::optional<std::vector<AXElement>> AXCalls::windows(ProcessID pid)

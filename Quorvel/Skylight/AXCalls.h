@@ -40,6 +40,8 @@ public:
 
     AXElement application(ProcessID) const;
     AXReply copyAttribute(ProcessID, const AXElement&, std::string_view attribute);
+    AXError addNotification(
+        ProcessID, AXObserver&, const AXElement&, std::string_view notification);
     /// The elements in "AXWindows", their timeouts set; absent when the list cannot be read.
     std::optional<std::vector<AXElement>> windows(ProcessID);
     /// By the private resolver, else by "AXWindowNumber".
@@ -56,6 +58,8 @@ public:
     void setMessagingTimeout(const AXElement&) const;
 
 private:
+    void noteTimeOut(ProcessID, AXError);
+
     Accessibility& m_accessibility;
     Accessibility::WindowIDResolver m_axGetWindow;
     int m_scanDepth = 0;

@@ -231,7 +231,7 @@ void AXObserverManager::refreshWindowObservations(ProcessID pid, Attempt attempt
         auto id = m_calls.windowID(pid, window);
         if (!id || state->second.observedWindows.contains(*id))
             continue;
-        bool isHeard = observeWindow(state->second, *id, window);
+        bool isHeard = observeWindow(pid, state->second, *id, window);
         isComplete &= isHeard;
         if (isHeard && attempt != Attempt::first)
             deliver({std::string{ax::windowCreated}, pid, window, id});
@@ -243,13 +243,14 @@ void AXObserverManager::refreshWindowObservations(ProcessID pid, Attempt attempt
         scheduleRetry(pid, m_calls.hasTimedOut(pid) ? Patience::endless : Patience::limited);
 }
 
-bool AXObserverManager::observeWindow(PIDState& state, WindowID id, const AXElement& window)
+bool AXObserverManager::observeWindow(
+    ProcessID pid, PIDState& state, WindowID id, const AXElement& window)
 {
     if (state.observedWindows.contains(id))
         return true;
     bool isHeard = false;
     for (auto notification : windowNotifications) {
-        auto result = state.observer->addNotification(window, notification);
+        auto result = m_calls.addNotification(pid, *state.observer, window, notification);
         // Too busy: the rest would fail alike, and all of them are asked for again.
         if (result == AXError::cannotComplete)
             return false;
@@ -298,7 +299,7 @@ void AXObserverManager::handleNotification(
         id = resolveWindowIDFromObservedWindows(pid, element);
     auto state = m_pidStates.find(pid);
     if (id && state != m_pidStates.end()) {
-        if (notification == ax::windowCreated && !observeWindow(state->second, *id, element))
+        if (notification == ax::windowCreated && !observeWindow(pid, state->second, *id, element))
             requestRetry(pid);
         if (notification == ax::elementDestroyed) {
             state->second.observedWindows.erase(*id);

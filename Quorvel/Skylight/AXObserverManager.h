@@ -124,7 +124,7 @@ private:
     void refreshWindowObservations(ProcessID, Attempt);
     void removeObserver(ProcessID);
     /// False if none of its notifications could be registered.
-    bool observeWindow(PIDState&, WindowID, const AXElement&);
+    bool observeWindow(ProcessID, PIDState&, WindowID, const AXElement&);
     void handleNotification(ProcessID, const AXElement&, std::string_view notification);
     std::optional<WindowID> resolveWindowIDFromObservedWindows(ProcessID, const AXElement&);
     void scheduleRetry(ProcessID, Patience);

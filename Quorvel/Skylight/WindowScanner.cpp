@@ -157,8 +157,14 @@ std::pair<AXWindowMetadataByID, bool> WindowScanner::copyAXWindowMetadataByID(Pr
     if (!elements)
         return {std::move(metadataByID), false};
     for (auto& element : *elements) {
-        if (auto id = m_calls.windowID(pid, element))
-            metadataByID.insert_or_assign(*id, readMetadata(pid, element));
+        auto id = m_calls.windowID(pid, element);
+        if (!id)
+            continue;
+        auto metadata = readMetadata(pid, element);
+        // Half an answer would make a window of another kind of it, and take its chip away.
+        if (m_calls.hasTimedOut(pid))
+            break;
+        metadataByID.insert_or_assign(*id, std::move(metadata));
     }
     return {std::move(metadataByID), true};
 }

@@ -116,6 +116,10 @@ AXError FakeAccessibility::fault(const Target& to, float timeout)
     if (!to.application || to.application->faults.isDead || (to.window && !to.windowState))
         return AXError::invalidElement;
     auto& faults = to.application->faults;
+    if (faults.messagesUntilHang && --*faults.messagesUntilHang < 0) {
+        faults.messagesUntilHang.reset();
+        faults.isHung = true;
+    }
     if (faults.isHung) {
         m_desktop.dispatch().spend(std::chrono::microseconds{std::lround(timeout * 1e6F)});
         return AXError::cannotComplete;
