@@ -290,12 +290,6 @@ TEST_F(BarTest, panelsFollowTheSpaces)
     EXPECT_EQ(model().activeSpaceID.value(), SpaceID{2});
 }
 
-TEST_F(BarTest, thePanelLiesAlongTheBottomAndTellsTheWindowServer)
-{
-    EXPECT_EQ(panel().frame(), (Rect{0, 0, 1440, 36}));
-    EXPECT_THAT(desktop.windowServer().dockRectangles(), SizeIs(1));
-}
-
 TEST_F(BarTest, aBarIsThereAgainWithTheFirstScreenAndOnTheRightOne)
 {
     auto displays = desktop.model().displays;
@@ -358,21 +352,6 @@ TEST_F(BarTest, thePointerIsFollowedOnlyWhileThereIsAChoiceOfDisplays)
     desktop.program().terminate();
     desktop.drain();
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
-}
-
-TEST(BarSizeTest, everySizeHasItsColumnOfTheTable)
-{
-    for (auto size : kAllBarSizes) {
-        auto metrics = BarMetrics::of(size);
-        EXPECT_EQ(metrics.barSize, size);
-        EXPECT_EQ(barSizeFrom(rawValue(size)), size);
-        EXPECT_EQ(metrics.chipSpacing, metrics.iconTextSpacing);
-        EXPECT_EQ(metrics.chipSpacing, metrics.cornerRadius);
-        EXPECT_EQ(metrics.chipHorizontalPadding, metrics.barHorizontalPadding);
-        EXPECT_LT(metrics.chipHeight, barHeight(size));
-    }
-    EXPECT_FALSE(barSizeFrom("Medium"));
-    EXPECT_EQ(BarMetrics::of(BarSize::xl).titleMaxWidth, 180);
 }
 
 }

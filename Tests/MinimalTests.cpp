@@ -62,17 +62,6 @@ TEST(WindowFilter, numbersThatAreNoneAreNotLargeEnough)
     EXPECT_EQ(windowFilter(info), WindowFilter::fullyTransparent);
 }
 
-TEST(AXEligibility, asksForRoleThenModalThenMinimisedThenSubrole)
-{
-    EXPECT_TRUE(isDockEligibleAXWindow(window("AXWindow")));
-    EXPECT_TRUE(isDockEligibleAXWindow(window("AXWindow", "AXStandardWindow", false, false)));
-    EXPECT_FALSE(isDockEligibleAXWindow(window("AXWindow", "AXFloatingWindow", false, false)));
-    EXPECT_TRUE(isDockEligibleAXWindow(window("AXWindow", "AXFloatingWindow", false, true)));
-    EXPECT_FALSE(isDockEligibleAXWindow(window("AXWindow", "AXStandardWindow", true, true)));
-    EXPECT_FALSE(isDockEligibleAXWindow(window({}, "AXStandardWindow", false, true)));
-    EXPECT_FALSE(isDockEligibleAXWindow(window("AXSheet", "AXStandardWindow")));
-}
-
 TEST(AXEligibility, theReasonFollowsTheSameOrder)
 {
     EXPECT_EQ(axIneligibilityReason(window({}, "X", true)), "ax-role-not-window role=nil");
@@ -85,25 +74,6 @@ TEST(AXEligibility, theReasonFollowsTheSameOrder)
         axIneligibilityReason(window("AXWindow", "AXStandardWindow")), "ax-not-dock-eligible");
     EXPECT_EQ(axIneligibilityReason(window("AXWindow", "AXDialog")),
         "ax-subrole-not-standard subrole=AXDialog");
-}
-
-TEST(Admission, onlyAWindowThatAReadListLacksIsRejectedSoftly)
-{
-    AXWindowMetadataByID listed{
-        {WindowID{1}, window("AXWindow")}, {WindowID{2}, window("AXSheet")}};
-
-    auto unreadable = cgWindowAXAdmission(WindowID{1}, {}, false);
-    EXPECT_FALSE(unreadable.rejectionReason);
-    EXPECT_FALSE(unreadable.isConfirmed);
-    auto confirmed = cgWindowAXAdmission(WindowID{1}, listed, true);
-    EXPECT_FALSE(confirmed.rejectionReason);
-    EXPECT_TRUE(confirmed.isConfirmed);
-    auto ineligible = cgWindowAXAdmission(WindowID{2}, listed, true);
-    EXPECT_EQ(ineligible.rejectionReason, "ax-role-not-window role=AXSheet");
-    EXPECT_FALSE(ineligible.isSoft);
-    auto missing = cgWindowAXAdmission(WindowID{3}, listed, true);
-    EXPECT_EQ(missing.rejectionReason, "missing-from-ax-window-list");
-    EXPECT_TRUE(missing.isSoft);
 }
 
 TEST(SanitizeLogField, keepsAForeignTextOnItsLine)

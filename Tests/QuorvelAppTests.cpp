@@ -85,24 +85,6 @@ TEST_F(QuorvelAppTest, theRuntimeWaitsForTheSecondPermissionAndStartsOnce)
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "nobody looks for permissions any more";
 }
 
-TEST_F(QuorvelAppTest, aCoordinatorThatIsToldTwiceStartsOnce)
-{
-    desktop.drain();
-    runtime = std::make_unique<Runtime>(desktop.platform());
-    LaunchCoordinator coordinator{desktop.platform()};
-    desktop.screenCapture().setAllowed(false);
-    coordinator.startMainRuntimeIfPossible();
-    EXPECT_FALSE(isRunning());
-
-    desktop.screenCapture().setAllowed(true);
-    coordinator.startMainRuntimeIfPossible();
-    auto panelsMade = desktop.surfaces().panelsMade();
-    coordinator.startMainRuntimeIfPossible();
-
-    EXPECT_TRUE(isRunning());
-    EXPECT_EQ(desktop.surfaces().panelsMade(), panelsMade);
-}
-
 // MARK: Applications come and go
 
 TEST_F(QuorvelAppTest, everyProcessWithAWindowIsObservedFromTheStart)

@@ -35,11 +35,6 @@ struct WindowStoreEvents : StoreFixture {
 
 }
 
-TEST_F(WindowStoreEvents, populateResolvesTheFocusOfTheFrontmostApplication)
-{
-    EXPECT_EQ(store.focusedWindowID(), draft);
-}
-
 TEST_F(WindowStoreEvents, focusEventsOfABackgroundApplicationAreIgnored)
 {
     store.handleAXEvent(event(feed, ax::focusedWindowChanged));
@@ -110,6 +105,12 @@ TEST_F(WindowStoreEvents, theFocusMayNameAWindowThatIsNotTracked)
 
 TEST_F(WindowStoreEvents, minimisingTheFocusedWindowLeavesNoFocusUntilTheNextEvent)
 {
+    store.handleAXEvent(event(inbox, ax::windowMiniaturized));
+    store.handleAXEvent(event(inbox, ax::windowMiniaturized));
+    EXPECT_EQ(store.focusedWindowID(), draft) << "another's";
+    EXPECT_EQ(changes, 1) << "the same again is no change";
+    changes = 0;
+
     store.handleAXEvent(event(draft, ax::windowMiniaturized));
     EXPECT_TRUE(store.window(draft)->isMinimized);
     EXPECT_EQ(store.focusedWindowID(), std::nullopt);
@@ -120,15 +121,6 @@ TEST_F(WindowStoreEvents, minimisingTheFocusedWindowLeavesNoFocusUntilTheNextEve
     EXPECT_EQ(store.focusedWindowID(), std::nullopt);
     store.handleAXEvent(event(draft, ax::focusedWindowChanged));
     EXPECT_EQ(store.focusedWindowID(), draft);
-}
-
-TEST_F(WindowStoreEvents, minimisingAnotherWindowKeepsTheFocus)
-{
-    store.handleAXEvent(event(inbox, ax::windowMiniaturized));
-
-    EXPECT_EQ(store.focusedWindowID(), draft);
-    store.handleAXEvent(event(inbox, ax::windowMiniaturized));
-    EXPECT_EQ(changes, 1) << "the same again is no change";
 }
 
 TEST_F(WindowStoreEvents, aCreatedWindowIsTrackedAtOnceIfEverybodyKnowsIt)
@@ -354,14 +346,6 @@ TEST_F(WindowStoreEvents, whatANewWindowCannotTellYetIsReadSoon)
     EXPECT_EQ(store.window(id)->windowTitle, "Reply");
     EXPECT_TRUE(store.window(id)->isMinimized);
     EXPECT_TRUE(isTracked(nowhere));
-}
-
-TEST_F(WindowStoreEvents, unknownNotificationsDoNothing)
-{
-    store.handleAXEvent(event(inbox, "AXSelectedTextChanged"));
-
-    EXPECT_EQ(changes, 0);
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
 }
 
 }

@@ -226,17 +226,6 @@ TEST_F(WindowStoreSchedule, anUnobservedProcessIsPolledLessAndLessButNeverForgot
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 1u);
 }
 
-TEST_F(WindowStoreSchedule, changesDoNotSpeedUpTheUnobservedPoll)
-{
-    store.startLifecycleMonitoring(mail, seconds(0.9));
-    desktop.advance(seconds(1));
-    desktop.open(mail);
-    desktop.advance(seconds(3));
-
-    expectScans({0.9, 2.115, 3.75525});
-    EXPECT_EQ(store.windows().size(), 2u);
-}
-
 TEST_F(WindowStoreSchedule, anObservedProcessIsLeftAloneAfterTwoTicksThatAgree)
 {
     store.startLifecycleMonitoring(mail, seconds(2.6));

@@ -241,24 +241,6 @@ TEST_F(WindowStoreTest, discoveryLooksAtTrackedProcessesOnly)
 
 // MARK: What is kept and what goes
 
-TEST_F(WindowStoreTest, aWindowMissedOnceAndSeenAgainIsNeverRemoved)
-{
-    auto id = desktop.open(mail);
-    store.populate();
-    changes = 0;
-
-    for (int round = 0; round < 5; ++round) {
-        hide(id);
-        scanAfter(mail, seconds(0.5));
-        EXPECT_TRUE(isTracked(id));
-        show(id);
-        scanAfter(mail, seconds(0.5));
-    }
-
-    EXPECT_TRUE(isTracked(id));
-    EXPECT_EQ(changes, 0);
-}
-
 TEST_F(WindowStoreTest, aMissingWindowGoesWithTheFirstScanFrom450MillisecondsOn)
 {
     auto id = desktop.open(mail);

@@ -43,7 +43,7 @@ public:
         m_source->queue = this;
         g_source_set_static_name(m_source, "main queue");
         // The loop's own thread looks before it sleeps; waking it would cost it a turn for nothing.
-        m_schedule = std::make_shared<WorkSchedule>([owner = std::this_thread::get_id()](auto) {
+        m_schedule = std::make_shared<WorkSchedule>([owner = std::this_thread::get_id()] {
             if (std::this_thread::get_id() != owner)
                 g_main_context_wakeup(nullptr);
         });

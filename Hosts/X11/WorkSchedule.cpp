@@ -178,9 +178,7 @@ void WorkSchedule::runTurn()
     for (auto count = m_ready.size(); count > 0 && !m_ready.empty(); --count)
         run(taken, lock);
     m_isInTurn = false;
-    m_toldDue.reset();
-    if (m_hook)
-        m_hook(m_toldDue = nextDueLocked());
+    m_toldDue = nextDueLocked();
 }
 
 bool WorkSchedule::waitAndRun()
@@ -249,10 +247,10 @@ void WorkSchedule::nextDueMayHaveChanged()
     if (m_waiting > 0)
         m_condition.notify_one();
     if (!m_hook || m_isInTurn)
-        return; // the end of the turn tells
+        return; // whoever runs the turn looks after it
     auto due = nextDueLocked();
-    if (due != m_toldDue)
-        m_hook(m_toldDue = due);
+    if (std::exchange(m_toldDue, due) != due)
+        m_hook();
 }
 
 }

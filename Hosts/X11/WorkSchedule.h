@@ -16,9 +16,8 @@ namespace quorvel::x11 {
 /// queue either waits here or is told by the hook. All calls from any thread.
 class WorkSchedule : public std::enable_shared_from_this<WorkSchedule> {
 public:
-    /// Told under the lock when the next work is due at another time than before, in the manner of
-    /// `nextDue`.
-    using NextDueHook = std::function<void(std::optional<Instant>)>;
+    /// Called under the lock when `nextDue` says another time than before.
+    using NextDueHook = std::function<void()>;
 
     explicit WorkSchedule(NextDueHook hook = {});
 
