@@ -2,6 +2,7 @@
 
 #include <cassert>
 
+#include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Core/BarManager.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Accessibility.h"
@@ -58,6 +59,20 @@ UserSettings& Runtime::userSettings()
 UserSettings& UserSettings::shared()
 {
     return Runtime::current().userSettings();
+}
+
+BadgeService& Runtime::badgeService()
+{
+    if (!m_badgeService) {
+        m_badgeService = std::make_unique<BadgeService>(
+            m_platform.dispatch, m_platform.launchServices, m_platform.trace);
+    }
+    return *m_badgeService;
+}
+
+BadgeService& BadgeService::shared()
+{
+    return Runtime::current().badgeService();
 }
 
 WindowStore& Runtime::windowStore()
@@ -138,8 +153,8 @@ void QuorvelApp::startMainRuntime(Application& app)
     runtime.m_lastBootstrap.clear();
     // The bar must have windows before its first layout.
     runtime.windowStore().populate();
-    runtime.m_barManager
-        = std::make_unique<BarManager>(platform, runtime.windowStore(), UserSettings::shared());
+    runtime.m_barManager = std::make_unique<BarManager>(
+        platform, runtime.windowStore(), UserSettings::shared(), BadgeService::shared());
     runtime.m_barManager->syncPanels();
     runtime.m_barManager->repositionPanels();
     runtime.keep(platform.displays.parametersDidChange.subscribe(
@@ -206,6 +221,8 @@ void QuorvelApp::applicationDidActivate(Runtime& runtime, const RunningApplicati
 {
     auto pid = application.pid;
     auto& store = runtime.windowStore();
+    if (application.bundleIdentifier)
+        runtime.badgeService().clearAttention(*application.bundleIdentifier);
     store.handleAppActivated(pid);
     bool isExcluded
         = application.bundleIdentifier && isSystemBundleIdentifier(*application.bundleIdentifier);

@@ -16,6 +16,7 @@
 namespace quorvel {
 
 class AXObserverManager;
+class BadgeService;
 class BarManager;
 class LaunchCoordinator;
 class UserSettings;
@@ -34,6 +35,7 @@ public:
 
     const Platform& platform() const { return m_platform; }
     UserSettings& userSettings();
+    BadgeService& badgeService();
     WindowStore& windowStore();
     AXObserverManager& axManager();
     /// Null until the main runtime has started.
@@ -46,6 +48,7 @@ private:
 
     Platform m_platform;
     std::unique_ptr<UserSettings> m_userSettings;
+    std::unique_ptr<BadgeService> m_badgeService;
     std::unique_ptr<WindowStore> m_windowStore;
     std::unique_ptr<AXObserverManager> m_axManager;
     std::unique_ptr<BarManager> m_barManager;

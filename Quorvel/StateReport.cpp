@@ -51,19 +51,29 @@ Json windowJson(const Platform& platform, const TrackedWindow& window)
 
 Json itemJson(const DisplayItem& item)
 {
-    auto& chip = std::get<ChipData>(item);
-    return {
+    auto* group = std::get_if<GroupedChipData>(&item);
+    auto* chip = std::get_if<ChipData>(&item);
+    Json windows = Json::array();
+    for (auto id : group ? group->windowIDs : std::vector{chip->id})
+        windows.push_back(raw(id));
+    Json report{
         {"id", displayItemID(item)},
-        {"kind", "single"},
-        {"app", chip.appName},
-        {"bundle", orNull(chip.bundleIdentifier)},
-        {"title", chip.windowTitle},
-        {"windows", Json::array({raw(chip.id)})},
-        {"focused", chip.isFocused},
-        {"minimized", chip.isMinimized},
-        {"badge", nullptr},
-        {"attention", false},
+        {"kind", group ? "group" : "single"},
     };
+    std::visit(
+        [&](auto& data) {
+            report["app"] = data.appName;
+            report["bundle"] = orNull(data.bundleIdentifier);
+            report["title"] = group ? group->displayTitle : chip->windowTitle;
+            report["windows"] = std::move(windows);
+            report["focused"] = data.isFocused;
+            report["minimized"] = chip && chip->isMinimized;
+            report["badge"] = orNull(data.badge);
+            report["attention"] = data.wantsAttention;
+            report["progress"] = orNull(data.progress);
+        },
+        item);
+    return report;
 }
 
 Json spaceJson(const BarManager& manager, const SpaceWindows::Info& space)

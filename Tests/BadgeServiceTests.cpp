@@ -24,6 +24,7 @@ struct BadgeServiceTest : testing::Test {
 
     BadgeServiceTest()
     {
+        system.setAvailable(true);
         service.emplace(desktop.dispatch(), system, desktop.trace());
         system.applications = {{"mail", {.name = "Mail", .serial = "0x0-0x1", .pid = 431}},
             {"chat", {.name = "Chat", .serial = "0x0-0x2", .pid = 432}}};

@@ -418,6 +418,7 @@ struct ChurnRound final : BarFixture {
         // unless the window server gives hints.
         if (!desktop.givesSpaceHints())
             switchSpace();
+        runtime->userSettings().setGroupWindowsByApp(oneIn(2));
         settle();
         desktop.accessibility().forgetMessages();
         desktop.windowServer().forgetListings();
@@ -492,18 +493,29 @@ struct ChurnRound final : BarFixture {
             }
         }
         EXPECT_EQ(desktop.surfaces().panels().size(), panels);
+        BarViewModel fromNothing(runtime->windowStore(), runtime->userSettings(),
+            runtime->badgeService(), desktop.platform());
+        EXPECT_EQ(model().chipsBySpace.value(), fromNothing.chipsBySpace.value());
     }
     void expectBar(SpaceID space, const FakeDisplay& display,
         const std::map<WindowID, TrackedWindow>& expected)
     {
         std::set<WindowID> items;
-        std::set<std::string> chips;
+        std::map<std::string, std::vector<WindowID>> onScreen; // by group
         for (auto& [id, window] : expected) {
             if (!window.spaceIDs.contains(space))
                 continue;
             items.insert(id);
             if (isOnScreen(window, display))
-                chips.insert(displayItemID(id));
+                onScreen[groupKey(window)].push_back(id);
+        }
+        std::set<std::string> chips;
+        for (auto& [key, ids] : onScreen) {
+            if (ids.size() > 1 && runtime->userSettings().groupWindowsByApp())
+                chips.insert(groupItemID(key));
+            else
+                std::ranges::transform(ids, std::inserter(chips, chips.end()),
+                    [](WindowID id) { return displayItemID(id); });
         }
         std::set<WindowID> shownItems;
         if (auto found = model().chipsBySpace.value().find(space);

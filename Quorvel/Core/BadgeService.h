@@ -35,6 +35,9 @@ public:
     /// Waits for a poll that is running.
     ~BadgeService();
 
+    /// The running program's. Only where the program is wired together.
+    static BadgeService& shared();
+
     /// Begins to poll, if it has not yet.
     void start();
     /// The user has come to the application: its request is withdrawn and not shown. Nothing

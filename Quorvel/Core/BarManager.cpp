@@ -14,15 +14,15 @@
 
 namespace quorvel {
 
-BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserSettings& settings)
+BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserSettings& settings,
+    BadgeService& badgeService)
     : m_platform(platform)
     , m_windowStore(windowStore)
     , m_spaceWindows(platform.windowServer, platform.displays)
     , m_settings(settings)
     , m_pinStore(settings)
     , m_metrics(BarMetrics::of(settings.barSize()))
-    , m_viewModel(windowStore, platform.dispatch, platform.accessibility, platform.windowServer,
-          platform.displays, platform.workspace, platform.trace)
+    , m_viewModel(windowStore, settings, badgeService, platform)
 {
     m_windowStore.onChange = [this] { windowsDidChange(); };
     setupSpaceChangeObserver();
@@ -162,6 +162,7 @@ std::unique_ptr<BarContentView> BarManager::makeBarContentView(BarPanel& panel)
     auto view = std::make_unique<BarContentView>(BarContentView::Inputs{
         .viewModel = m_viewModel,
         .dispatch = m_platform.dispatch,
+        .text = m_platform.text,
         .appearance = m_platform.application.appearance(),
         .spaceID = panel.spaceID(),
         .screenIndex = isPerScreen ? std::optional{panel.screenIndex()} : std::nullopt,
@@ -169,6 +170,9 @@ std::unique_ptr<BarContentView> BarManager::makeBarContentView(BarPanel& panel)
         .isOpaque = panel.isOpaque(),
     });
     view->onMenuTapped = [this, &panel] { showMenu(panel); };
+    view->onChipMenuRequested = [this, &panel](Menu menu, const Rect& anchor) {
+        m_platform.surfaces.popUpMenu(panel.surface(), std::move(menu), anchor);
+    };
     return view;
 }
 

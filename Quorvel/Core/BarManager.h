@@ -14,6 +14,7 @@
 namespace quorvel {
 
 class BarPanel;
+class BadgeService;
 class BarContentView;
 class MouseDisplayTracker;
 struct PanelOptions;
@@ -23,7 +24,7 @@ struct PanelOptions;
 /// thread.
 class BarManager {
 public:
-    BarManager(const Platform&, WindowStore&, UserSettings&);
+    BarManager(const Platform&, WindowStore&, UserSettings&, BadgeService&);
     ~BarManager();
 
     PinStore& pinStore() { return m_pinStore; }

@@ -3,39 +3,84 @@
 #include <algorithm>
 #include <utility>
 
+#include "Quorvel/Core/BadgeService.h"
+#include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/WindowStore.h"
 
 namespace quorvel {
 
-std::string groupKey(const TrackedWindow& window)
+namespace {
+
+/// What a map knows under a key that may be missing.
+template <typename Value>
+std::optional<Value> lookUp(
+    const std::map<std::string, Value>& map, const std::optional<std::string>& key)
 {
-    return window.bundleIdentifier.value_or(window.appName);
+    if (!key || map.empty())
+        return std::nullopt;
+    auto found = map.find(*key);
+    return found == map.end() ? std::nullopt : std::optional{found->second};
 }
 
-BarViewModel::BarViewModel(WindowStore& windowStore, Dispatch& dispatch,
-    Accessibility& accessibility, WindowServer& windowServer, Displays& displays,
-    Workspace& workspace, const Trace& trace)
-    : m_windowStore(windowStore)
-    , m_dispatch(dispatch)
-    , m_accessibility(accessibility)
-    , m_windowServer(windowServer)
-    , m_displays(displays)
-    , m_workspace(workspace)
-    , m_trace(trace)
-    , m_spaceWindows(windowServer, displays)
-    , m_calls(accessibility)
+/// True if the value was another one.
+template <typename Value> bool assign(Value& target, const Value& value)
 {
-    m_iconChanges = workspace.iconDidChange.subscribe([this](const std::string& bundleIdentifier) {
-        m_iconCache.erase(bundleIdentifier);
-        refresh();
-    });
+    if (target == value)
+        return false;
+    target = value;
+    return true;
+}
+
+}
+
+const std::string& groupKey(const TrackedWindow& window)
+{
+    return window.bundleIdentifier ? *window.bundleIdentifier : window.appName;
+}
+
+BarViewModel::BarViewModel(WindowStore& windowStore, UserSettings& settings,
+    BadgeService& badgeService, const Platform& platform)
+    : m_windowStore(windowStore)
+    , m_settings(settings)
+    , m_badgeService(badgeService)
+    , m_dispatch(platform.dispatch)
+    , m_accessibility(platform.accessibility)
+    , m_windowServer(platform.windowServer)
+    , m_displays(platform.displays)
+    , m_workspace(platform.workspace)
+    , m_trace(platform.trace)
+    , m_spaceWindows(platform.windowServer, platform.displays)
+    , m_calls(platform.accessibility)
+    , m_icons(platform.workspace)
+    , m_groups(platform.trace)
+{
+    subscribe();
+    m_badgeService.start();
     refresh();
+}
+
+void BarViewModel::subscribe()
+{
+    auto later = [this](auto&) { refreshSoon(); };
+    m_subscriptions.push_back(m_settings.data().subscribe(later));
+    m_subscriptions.push_back(m_badgeService.badgesByBundleID().subscribe(later));
+    m_subscriptions.push_back(m_badgeService.progressByBundleID().subscribe(later));
+    m_subscriptions.push_back(m_badgeService.attentionByBundleID().subscribe(later));
+    m_subscriptions.push_back(m_badgeService.attentionWindows().subscribe(later));
+    m_subscriptions.push_back(m_icons.didChange.subscribe([this] { refresh(); }));
+}
+
+void BarViewModel::refreshSoon()
+{
+    if (!m_refresh.isPending())
+        m_refresh = m_dispatch.main().after(Duration::zero(), [this] { refresh(); });
 }
 
 void BarViewModel::refresh()
 {
+    m_refresh = {};
     ++m_debugEventSequence;
     auto connection = m_windowServer.mainConnection();
     spaces.set(m_spaceWindows.getSpaces(connection));
@@ -50,13 +95,12 @@ void BarViewModel::refresh()
 
 void BarViewModel::publish(std::optional<WindowID> focused)
 {
+    // To come to a window is to have seen what it asked for.
+    if (focused && m_badgeService.attentionWindows().value().contains(*focused))
+        m_badgeService.clearAttention(*focused);
     focusedWindowID.set(focused);
-    auto chips = makeChips();
-    ItemsBySpace items;
-    for (auto& [space, chipsOfSpace] : chips)
-        items[space].assign(chipsOfSpace.begin(), chipsOfSpace.end());
-    chipsBySpace.set(std::move(chips));
-    displayItemsBySpace.set(std::move(items));
+    findBundlesWithAttentionWindows();
+    updateItems(updateChips());
     didRefresh.emit();
 }
 
@@ -102,58 +146,168 @@ void BarViewModel::setPendingFocus(WindowID id)
     });
 }
 
-BarViewModel::ChipsBySpace BarViewModel::makeChips()
+// MARK: Chips
+
+std::set<SpaceID> BarViewModel::updateChips()
 {
-    ChipsBySpace chips;
-    for (auto& info : spaces.value()) {
-        auto windows = m_windowStore.windows(info.spaceID);
-        if (windows.empty())
-            continue;
-        auto& chipsOfSpace = chips[info.spaceID];
-        chipsOfSpace.reserve(windows.size());
-        for (auto* window : windows)
-            chipsOfSpace.push_back(makeChip(*window));
-    }
-    return chips;
+    std::set<SpaceID> changed;
+    auto windows = m_windowStore.windowsBySpace();
+    chipsBySpace.update([&](ChipsBySpace& chips) {
+        std::set<SpaceID> present;
+        for (auto& info : spaces.value()) {
+            auto found = windows.find(info.spaceID);
+            if (found == windows.end())
+                continue;
+            present.insert(info.spaceID);
+            if (updateChips(chips[info.spaceID], found->second))
+                changed.insert(info.spaceID);
+        }
+        auto gone
+            = std::erase_if(chips, [&](auto& entry) { return !present.contains(entry.first); });
+        return gone > 0 || !changed.empty();
+    });
+    return changed;
 }
 
-ChipData BarViewModel::makeChip(const TrackedWindow& window)
+bool BarViewModel::updateChips(
+    std::vector<ChipData>& chips, const std::vector<const TrackedWindow*>& windows)
 {
-    return {
-        .id = window.windowID,
-        .appName = window.appName,
-        .bundleIdentifier = window.bundleIdentifier,
-        .windowTitle = window.windowTitle,
-        .icon = icon(window),
-        .isFocused = focusedWindowID.value() == window.windowID,
-        .isMinimized = window.isMinimized,
+    bool hasChanged = chips.size() != windows.size();
+    chips.resize(windows.size());
+    for (std::size_t i = 0; i < windows.size(); ++i)
+        hasChanged |= updateChip(chips[i], *windows[i]);
+    return hasChanged;
+}
+
+bool BarViewModel::updateChip(ChipData& chip, const TrackedWindow& window)
+{
+    bool hasChanged = assign(chip.id, window.windowID);
+    hasChanged |= assign(chip.appName, window.appName);
+    hasChanged |= assign(chip.bundleIdentifier, window.bundleIdentifier);
+    hasChanged |= assign(chip.windowTitle, window.windowTitle);
+    hasChanged |= assign(chip.icon, m_icons.icon(window));
+    hasChanged |= assign(chip.isFocused, focusedWindowID.value() == window.windowID);
+    hasChanged |= assign(chip.isMinimized, window.isMinimized);
+    hasChanged |= assign(
+        chip.badge, lookUp(m_badgeService.badgesByBundleID().value(), window.bundleIdentifier));
+    hasChanged |= assign(chip.progress,
+        lookUp(m_badgeService.progressByBundleID().value(), window.bundleIdentifier));
+    hasChanged |= assign(chip.wantsAttention, wantsAttention(window));
+    return hasChanged;
+}
+
+void BarViewModel::findBundlesWithAttentionWindows()
+{
+    m_bundlesWithAttentionWindows.clear();
+    for (auto id : m_badgeService.attentionWindows().value()) {
+        auto* window = m_windowStore.window(id);
+        if (window && window->bundleIdentifier)
+            m_bundlesWithAttentionWindows.insert(*window->bundleIdentifier);
+    }
+}
+
+bool BarViewModel::wantsAttention(const TrackedWindow& window) const
+{
+    if (m_badgeService.attentionWindows().value().contains(window.windowID))
+        return true;
+    // Where a window with a chip asks, the others of its application do not.
+    return window.bundleIdentifier
+        && m_badgeService.attentionByBundleID().value().contains(*window.bundleIdentifier)
+        && !m_bundlesWithAttentionWindows.contains(*window.bundleIdentifier);
+}
+
+// MARK: Items
+
+void BarViewModel::updateItems(const std::set<SpaceID>& changedSpaces)
+{
+    bool regroups = std::exchange(m_isGrouped, m_settings.groupWindowsByApp()) != m_isGrouped;
+    // The trace tells of each grouping, whether it changed anything or not.
+    bool isAll = std::exchange(m_areItemsStale, false) || regroups || m_trace.isOn();
+    displayItemsBySpace.update([&](ItemsBySpace& items) {
+        auto& chips = chipsBySpace.value();
+        bool hasChanged
+            = std::erase_if(items, [&](auto& entry) { return !chips.contains(entry.first); }) > 0;
+        for (auto& [space, chipsOfSpace] : chips) {
+            if (isAll || changedSpaces.contains(space))
+                hasChanged |= assign(items[space], makeItems(space, chipsOfSpace));
+        }
+        return hasChanged;
+    });
+}
+
+std::vector<DisplayItem> BarViewModel::makeItems(SpaceID space, const std::vector<ChipData>& chips)
+{
+    auto items = m_isGrouped ? m_groups.group(space, chips, focusedWindowID.value())
+                             : std::vector<DisplayItem>{chips.begin(), chips.end()};
+    return m_order.apply(space, std::move(items));
+}
+
+void BarViewModel::moveChip(
+    const std::string& id, const std::optional<std::string>& before, SpaceID space)
+{
+    auto items = displayItemsBySpace.value().find(space);
+    auto chips = chipsBySpace.value().find(space);
+    if (items == displayItemsBySpace.value().end() || chips == chipsBySpace.value().end())
+        return;
+    auto canonical = [&](const std::string& given) {
+        return canonicalDisplayItemID(given, items->second, chips->second);
     };
+    auto moved = canonical(id);
+    auto target = before ? std::optional{canonical(*before)} : std::nullopt;
+    if (moved == target || !m_order.move(space, moved, target, items->second))
+        return;
+    m_areItemsStale = true;
+    refresh();
 }
 
-Image BarViewModel::icon(const TrackedWindow& window)
+std::set<std::string> BarViewModel::bundleIDsWithWindows(SpaceID space) const
 {
-    Image found;
-    if (!window.bundleIdentifier) {
-        found = findIcon(window);
-    } else if (auto known = m_iconCache.find(*window.bundleIdentifier);
-               known != m_iconCache.end()) {
-        found = known->second;
-    } else {
-        // "None" is remembered too: to look for an icon may mean to ask the window.
-        found = m_iconCache[*window.bundleIdentifier] = findIcon(window);
+    std::set<std::string> bundleIDs;
+    if (auto found = chipsBySpace.value().find(space); found != chipsBySpace.value().end()) {
+        for (auto& chip : found->second) {
+            if (chip.bundleIdentifier)
+                bundleIDs.insert(*chip.bundleIdentifier);
+        }
     }
-    return found ? found : m_workspace.genericApplicationIcon();
+    return bundleIDs;
 }
 
-Image BarViewModel::findIcon(const TrackedWindow& window)
+const ChipData* BarViewModel::chip(SpaceID space, WindowID id) const
 {
-    if (window.bundleIdentifier) {
-        auto url = m_workspace.applicationURL(*window.bundleIdentifier);
-        if (auto icon = url ? m_workspace.icon(*url) : nullptr)
-            return icon;
-    }
-    return m_workspace.runningApplicationIcon(window.pid);
+    auto chips = chipsBySpace.value().find(space);
+    if (chips == chipsBySpace.value().end())
+        return nullptr;
+    auto found = std::find_if(
+        chips->second.begin(), chips->second.end(), [&](auto& chip) { return chip.id == id; });
+    return found == chips->second.end() ? nullptr : &*found;
 }
+
+std::vector<WindowID> BarViewModel::walkingOrder(SpaceID space, const GroupedChipData& group) const
+{
+    std::vector<WindowID> order;
+    std::vector<WindowID> minimized;
+    auto chips = chipsBySpace.value().find(space);
+    if (chips == chipsBySpace.value().end())
+        return order;
+    for (auto& chip : chips->second) {
+        if (std::find(group.windowIDs.begin(), group.windowIDs.end(), chip.id)
+            != group.windowIDs.end())
+            (chip.isMinimized ? minimized : order).push_back(chip.id);
+    }
+    order.insert(order.end(), minimized.begin(), minimized.end());
+    return order;
+}
+
+WindowID BarViewModel::nextWindow(SpaceID space, const GroupedChipData& group) const
+{
+    auto order = walkingOrder(space, group);
+    auto focused = std::find(order.begin(), order.end(), focusedWindowID.value());
+    if (focused == order.end())
+        return group.windowIDs.front();
+    return std::next(focused) == order.end() ? order.front() : *std::next(focused);
+}
+
+// MARK: One screen of several
 
 std::vector<DisplayItem> BarViewModel::displayItems(
     SpaceID space, std::optional<std::size_t> screenIndex) const
@@ -161,19 +315,45 @@ std::vector<DisplayItem> BarViewModel::displayItems(
     auto found = displayItemsBySpace.value().find(space);
     if (found == displayItemsBySpace.value().end())
         return {};
-    auto items = found->second;
     if (!screenIndex)
-        return items;
+        return found->second;
     auto screens = m_displays.screens();
-    if (screens.size() > 1 && *screenIndex < screens.size())
-        std::erase_if(items, [&](auto& item) { return !isOnScreen(item, screens, *screenIndex); });
+    if (screens.size() <= 1 || *screenIndex >= screens.size())
+        return found->second;
+    std::vector<DisplayItem> items;
+    for (auto& item : found->second) {
+        if (auto kept = onScreen(space, item, screens, *screenIndex))
+            items.push_back(std::move(*kept));
+    }
     return items;
 }
 
-bool BarViewModel::isOnScreen(
-    const DisplayItem& item, const std::vector<Screen>& screens, std::size_t index) const
+std::optional<DisplayItem> BarViewModel::onScreen(SpaceID space, const DisplayItem& item,
+    const std::vector<Screen>& screens, std::size_t index) const
 {
-    auto* window = m_windowStore.window(std::get<ChipData>(item).id);
+    if (auto* single = std::get_if<ChipData>(&item))
+        return isOnScreen(single->id, screens, index) ? std::optional{item} : std::nullopt;
+
+    auto group = std::get<GroupedChipData>(item);
+    std::erase_if(group.windowIDs, [&](WindowID id) { return !isOnScreen(id, screens, index); });
+    if (group.windowIDs.empty())
+        return std::nullopt;
+    if (group.windowIDs.size() == 1) {
+        auto* only = chip(space, group.windowIDs.front());
+        return only ? std::optional<DisplayItem>{*only} : std::nullopt;
+    }
+    group.windowCount = static_cast<int>(group.windowIDs.size());
+    group.isFocused = std::any_of(group.windowIDs.begin(), group.windowIDs.end(), [&](WindowID id) {
+        auto* kept = chip(space, id);
+        return kept && kept->isFocused;
+    });
+    return group;
+}
+
+bool BarViewModel::isOnScreen(
+    WindowID id, const std::vector<Screen>& screens, std::size_t index) const
+{
+    auto* window = m_windowStore.window(id);
     if (!window || window->isMinimized)
         return true;
     return window->frame.flipped(screens.front().frame.height).intersects(screens[index].frame);

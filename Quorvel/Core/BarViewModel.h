@@ -2,12 +2,17 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "Quorvel/Core/ApplicationIcons.h"
+#include "Quorvel/Core/ChipGroups.h"
+#include "Quorvel/Core/ChipOrder.h"
 #include "Quorvel/Core/DisplayItem.h"
 #include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Platform/Published.h"
 #include "Quorvel/Platform/Trace.h"
 #include "Quorvel/Skylight/AXCalls.h"
@@ -15,8 +20,11 @@
 
 namespace quorvel {
 
+class BadgeService;
+class UserSettings;
 class WindowStore;
 class Workspace;
+struct Screen;
 struct TrackedWindow;
 
 /// What the bars show, computed from the tracked windows, and what a click does to a window.
@@ -30,10 +38,12 @@ public:
 
     enum class FocusBeforeActivation { no, yes };
 
-    BarViewModel(WindowStore&, Dispatch&, Accessibility&, WindowServer&, Displays&, Workspace&,
-        const Trace&);
+    /// Starts the badge service.
+    BarViewModel(WindowStore&, UserSettings&, BadgeService&, const Platform&);
 
+    /// Of each space that has a tracked window, in the store's order.
     Published<ChipsBySpace> chipsBySpace;
+    /// The same windows as the bar draws them: grouped, and in the user's order.
     Published<ItemsBySpace> displayItemsBySpace;
     Published<std::vector<SpaceWindows::Info>> spaces;
     Published<SpaceID> activeSpaceID;
@@ -42,15 +52,32 @@ public:
     /// After each refresh, published or not: what depends on more than the chips looks again.
     Signal<> didRefresh;
 
-    /// Computes everything anew. What comes out equal is not published.
+    /// Computes everything anew; chips and items that come out equal are not made again.
     void refresh();
 
     /// The items of a bar on one screen; without an index, or with one screen only, all of the
     /// space.
     std::vector<DisplayItem> displayItems(
         SpaceID, std::optional<std::size_t> filteredToScreenIndex) const;
+    /// Puts an item in front of another one, or last. Items of windows that have been folded into a
+    /// group since are the group's.
+    void moveChip(const std::string& id, const std::optional<std::string>& before, SpaceID);
+    std::set<std::string> bundleIDsWithWindows(SpaceID) const;
+
+    /// Null if the window has no chip there.
+    const ChipData* chip(SpaceID, WindowID) const;
+    /// The group's windows, those that are not minimised first, each in the order of the chips.
+    std::vector<WindowID> walkingOrder(SpaceID, const GroupedChipData&) const;
+    /// The one after the focused window; the representative if none of them has the focus.
+    WindowID nextWindow(SpaceID, const GroupedChipData&) const;
+
+    /// Null if no such application is stored.
+    Image icon(const std::string& bundleIdentifier) const { return m_icons.icon(bundleIdentifier); }
 
     void activateWindow(WindowID, FocusBeforeActivation);
+    /// Gives the window the focus without activating its application. The context is for the trace.
+    /// True if every request that counts was taken.
+    bool focusWindowWithAXOnly(WindowID, std::string_view context);
     void minimizeWindow(WindowID);
     void closeWindow(WindowID);
 
@@ -66,18 +93,30 @@ private:
         std::string keys; ///< for the trace
     };
 
+    void subscribe();
+    /// In the next turn, once for all that happens in this one.
+    void refreshSoon();
     FocusDecision resolveFocus();
     void dropPendingFocus();
     void setPendingFocus(WindowID);
     /// The chips and items of the store's windows, with this one focused.
     void publish(std::optional<WindowID> focused);
-    ChipsBySpace makeChips();
-    ChipData makeChip(const TrackedWindow&);
-    Image icon(const TrackedWindow&);
-    /// Null if the application has no icon of its own.
-    Image findIcon(const TrackedWindow&);
-    bool isOnScreen(const DisplayItem&, const std::vector<Screen>&, std::size_t index) const;
 
+    /// The spaces whose chips are others now.
+    std::set<SpaceID> updateChips();
+    bool updateChips(std::vector<ChipData>&, const std::vector<const TrackedWindow*>&);
+    bool updateChip(ChipData&, const TrackedWindow&);
+    void updateItems(const std::set<SpaceID>& changedSpaces);
+    std::vector<DisplayItem> makeItems(SpaceID, const std::vector<ChipData>&);
+    void findBundlesWithAttentionWindows();
+    bool wantsAttention(const TrackedWindow&) const;
+
+    std::optional<DisplayItem> onScreen(
+        SpaceID, const DisplayItem&, const std::vector<Screen>&, std::size_t index) const;
+    bool isOnScreen(WindowID, const std::vector<Screen>&, std::size_t index) const;
+
+    /// From now on the window stands for its group on every space it is on.
+    void preferInItsGroups(const TrackedWindow&);
     std::optional<AXElement> findAXWindow(ProcessID, const AXElement& application, WindowID);
     void focusThroughApplication(WindowID, ProcessID, const AXElement& application);
     void applyFocusAndRaise(const AXElement&, WindowID, bool isMinimized);
@@ -85,6 +124,8 @@ private:
     void retryActivation(WindowID, ProcessID, const AXElement& application, bool isMinimized);
 
     WindowStore& m_windowStore;
+    UserSettings& m_settings;
+    BadgeService& m_badgeService;
     Dispatch& m_dispatch;
     Accessibility& m_accessibility;
     WindowServer& m_windowServer;
@@ -94,17 +135,23 @@ private:
     SpaceWindows m_spaceWindows;
     AXCalls m_calls;
 
-    std::map<std::string, Image, std::less<>> m_iconCache;
+    ApplicationIcons m_icons;
+    ChipOrder m_order;
+    ChipGroups m_groups;
+    bool m_isGrouped = false; ///< the items that were made last
+    bool m_areItemsStale = false;
+    std::set<std::string> m_bundlesWithAttentionWindows;
     std::optional<WindowID> m_pendingFocusedWindowID;
     bool m_hasPendingExpired = false;
     std::uint64_t m_debugEventSequence = 0;
 
-    Subscription m_iconChanges;
+    std::vector<Subscription> m_subscriptions;
+    WorkItem m_refresh;
     WorkItem m_pendingExpiry;
     WorkItem m_activationRetry;
 };
 
 /// The bundle identifier, else the application's name.
-std::string groupKey(const TrackedWindow&);
+const std::string& groupKey(const TrackedWindow&);
 
 }

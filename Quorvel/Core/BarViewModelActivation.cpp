@@ -1,6 +1,10 @@
 // What a click does to a window: activate, minimise, close.
 
 #include "Quorvel/Core/BarViewModel.h"
+
+#include <algorithm>
+
+#include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/WindowStore.h"
 
@@ -58,6 +62,11 @@ void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore
     // The store may drop the window while applications are being asked.
     auto pid = window->pid;
     bool isMinimized = window->isMinimized;
+    preferInItsGroups(*window);
+    if (auto& bundleID = window->bundleIdentifier) {
+        m_trace.line("activateWindow clearAttention bundleID={}", *bundleID);
+        m_badgeService.clearAttention(*bundleID);
+    }
     setPendingFocus(id);
     auto application = m_calls.application(pid);
     if (focusBefore == FocusBeforeActivation::yes)
@@ -78,6 +87,15 @@ void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore
     publish(id);
     m_trace.line(
         "activateWindow end id={} focusedWindowID={}", raw(id), orNil(focusedWindowID.value()));
+}
+
+void BarViewModel::preferInItsGroups(const TrackedWindow& window)
+{
+    for (auto space : window.spaceIDs) {
+        if (raw(space) != 0)
+            m_groups.prefer(space, groupKey(window), window.windowID);
+    }
+    m_areItemsStale = true;
 }
 
 void BarViewModel::focusThroughApplication(WindowID id, ProcessID pid, const AXElement& application)
@@ -145,6 +163,43 @@ void BarViewModel::retryActivation(
         dropPendingFocus();
     // The chip was lit when the click came; nothing else would darken it.
     refresh();
+}
+
+bool BarViewModel::focusWindowWithAXOnly(WindowID id, std::string_view context)
+{
+    auto* window = m_windowStore.window(id);
+    if (!window)
+        return false;
+    AXCalls::Scan hungOnlyOnce(m_calls);
+    auto pid = window->pid;
+    bool isMinimized = window->isMinimized;
+    auto application = m_calls.application(pid);
+    m_trace.line("AX-only focus begin context={} id={} pid={} app={}", context, raw(id), raw(pid),
+        window->appName);
+    setPendingFocus(id);
+    auto element = findAXWindow(pid, application, id);
+    if (!element) {
+        m_trace.line("AX-only focus failed resolve AX window context={} id={} pid={}", context,
+            raw(id), raw(pid));
+        m_windowStore.scheduleDeferredScan(pid);
+        return false;
+    }
+    auto frontmost = m_accessibility.setAttribute(application, ax::frontmost, true);
+    auto focusedWindow = m_accessibility.setAttribute(application, ax::focusedWindow, *element);
+    auto mainWindow = m_accessibility.setAttribute(application, ax::mainWindow, *element);
+    auto unminimize = isMinimized ? m_accessibility.setAttribute(*element, ax::minimized, false)
+                                  : AXError::success;
+    auto main = m_accessibility.setAttribute(*element, ax::main, true);
+    auto focused = m_accessibility.setAttribute(*element, ax::focused, true);
+    auto raise = m_accessibility.performAction(*element, ax::raiseAction);
+    publish(id);
+    m_trace.line("AX-only focus end context={} id={} frontmost={} focusedWindow={} mainWindow={} "
+                 "unminimize={} main={} focused={} raise={}",
+        context, raw(id), code(frontmost), code(focusedWindow), code(mainWindow), code(unminimize),
+        code(main), code(focused), code(raise));
+    // Whether the application came to the front shows elsewhere.
+    auto counting = {focusedWindow, mainWindow, unminimize, main, focused, raise};
+    return std::ranges::all_of(counting, [](auto error) { return error == AXError::success; });
 }
 
 void BarViewModel::minimizeWindow(WindowID id)

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "Quorvel/Platform/Identifiers.h"
 #include "Quorvel/Platform/Image.h"
@@ -18,15 +19,43 @@ struct ChipData {
     Image icon;
     bool isFocused = false;
     bool isMinimized = false;
+    std::optional<std::string> badge;
+    bool wantsAttention = false;
+    /// From 0 to 1.
+    std::optional<double> progress;
 
     friend bool operator==(const ChipData&, const ChipData&) = default;
 };
 
-/// What the bar draws as one chip.
-using DisplayItem = std::variant<ChipData>;
+/// One chip for the windows of one application on one space; always two or more.
+struct GroupedChipData {
+    std::string id;
+    std::string appName;
+    std::optional<std::string> bundleIdentifier;
+    std::string displayTitle;
+    Image icon;
+    int windowCount = 0;
+    /// The representative first, the others in the order of the chips.
+    std::vector<WindowID> windowIDs;
+    bool isFocused = false;
+    std::optional<std::string> badge;
+    bool wantsAttention = false;
+    std::optional<double> progress;
 
+    friend bool operator==(const GroupedChipData&, const GroupedChipData&) = default;
+};
+
+/// What the bar draws as one chip.
+using DisplayItem = std::variant<ChipData, GroupedChipData>;
+
+/// The bundle identifier, else the application's name.
+const std::string& groupKey(const ChipData&);
 /// "s-" and the window's number.
 std::string displayItemID(WindowID);
+/// "group-" and the group's key.
+std::string groupItemID(std::string_view groupKey);
 std::string displayItemID(const DisplayItem&);
+bool isFocused(const DisplayItem&);
+bool wantsAttention(const DisplayItem&);
 
 }

@@ -71,6 +71,13 @@ public:
         m_changed.emit();
     }
 
+    /// Changes the value where it lies. `change` says whether it did, and calls nobody.
+    template <typename Change> void update(Change&& change)
+    {
+        if (std::forward<Change>(change)(m_value))
+            m_changed.emit();
+    }
+
     [[nodiscard]] Subscription subscribe(std::function<void(const Value&)> subscriber) const
     {
         return m_changed.subscribe(

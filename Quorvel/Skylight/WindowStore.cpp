@@ -44,6 +44,16 @@ std::vector<const TrackedWindow*> WindowStore::windows(SpaceID space) const
     return windows;
 }
 
+std::map<SpaceID, std::vector<const TrackedWindow*>> WindowStore::windowsBySpace() const
+{
+    std::map<SpaceID, std::vector<const TrackedWindow*>> windows;
+    for (auto& [id, window] : m_windows) {
+        for (auto space : window.spaceIDs)
+            windows[space].push_back(&window);
+    }
+    return windows;
+}
+
 std::set<ProcessID> WindowStore::trackedPIDs() const
 {
     std::set<ProcessID> pids;

@@ -59,6 +59,8 @@ public:
     std::optional<WindowID> focusedWindowID() const { return m_focusedWindowID; }
     /// In ascending order of their numbers; valid until the store changes.
     std::vector<const TrackedWindow*> windows(SpaceID) const;
+    /// The same for every space with a window, in one pass.
+    std::map<SpaceID, std::vector<const TrackedWindow*>> windowsBySpace() const;
     std::set<ProcessID> trackedPIDs() const;
     /// Tracks what is on the space of a full-screen window and names the window to activate there.
     std::optional<WindowID> trackSoleWindow(SpaceID);

@@ -1,6 +1,7 @@
 #include "Quorvel/Views/BarContentView.h"
 
 #include "Quorvel/Views/BarBackground.h"
+#include "Quorvel/Views/ChipMenu.h"
 #include "Quorvel/Views/ChipsRow.h"
 #include "Quorvel/Views/MenuButton.h"
 
@@ -27,9 +28,10 @@ BarContentView::BarContentView(Inputs inputs) : m_inputs(std::move(inputs)), m_w
         if (onMenuTapped)
             onMenuTapped();
     };
-    m_row = &addChild(std::make_unique<ChipsRow>(m_inputs.metrics));
+    m_row
+        = &addChild(std::make_unique<ChipsRow>(m_inputs.metrics, m_inputs.text, m_inputs.dispatch));
     m_row->onChipClick
-        = [this](const ChipData& data, ChipView::Click click) { chipClicked(data, click); };
+        = [this](const ChipView& chip, ChipView::Click click) { chipClicked(chip, click); };
     // Which windows lie on one screen may change without any chip changing.
     m_items = m_inputs.screenIndex
         ? m_inputs.viewModel.didRefresh.subscribe([this] { itemsDidChange(); })
@@ -43,11 +45,7 @@ BarContentView::~BarContentView() = default;
 
 void BarContentView::itemsDidChange()
 {
-    auto items = m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex);
-    if (items == m_shownItems)
-        return;
-    m_shownItems = std::move(items);
-    m_row->setItems(m_shownItems);
+    m_row->setItems(m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex));
 }
 
 void BarContentView::appearanceDidChange()
@@ -55,6 +53,7 @@ void BarContentView::appearanceDidChange()
     bool isDark = m_inputs.appearance.value().isDark;
     m_menuButton->setDark(isDark);
     m_row->setDark(isDark);
+    m_row->setReducesMotion(m_inputs.appearance.value().reduceMotion);
     layout();
     invalidate();
 }
@@ -111,21 +110,52 @@ void BarContentView::onNextTurn(std::function<void(BarViewModel&)> action)
     });
 }
 
-void BarContentView::chipClicked(const ChipData& data, ChipView::Click click)
+void BarContentView::chipClicked(const ChipView& chip, ChipView::Click click)
 {
-    if (click == ChipView::Click::primary)
-        handlePrimaryChipTap(data.id, data.isFocused);
-    else
-        onNextTurn([id = data.id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
+    auto* group = std::get_if<GroupedChipData>(&chip.item());
+    auto* single = std::get_if<ChipData>(&chip.item());
+    if (click == ChipView::Click::secondary) {
+        showMenu(chip);
+    } else if (click == ChipView::Click::middle) {
+        auto id = single ? single->id : group->windowIDs.front();
+        onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
+    } else if (single) {
+        handlePrimaryChipTap(single->id, single->isFocused);
+    } else {
+        handleGroupedChipTap(*group);
+    }
+}
+
+void BarContentView::showMenu(const ChipView& chip)
+{
+    if (!onChipMenuRequested)
+        return;
+    onChipMenuRequested(
+        chipMenu(chip.item(), m_inputs.viewModel, m_inputs.spaceID,
+            [weak = m_weak.reference()](const std::function<void(BarViewModel&)>& action) {
+                if (auto* self = weak.get())
+                    action(self->m_inputs.viewModel);
+            }),
+        chip.frameInRoot());
 }
 
 void BarContentView::handlePrimaryChipTap(WindowID id, bool isFocused)
 {
-    onNextTurn([id, isFocused](BarViewModel& viewModel) {
-        if (isFocused)
-            viewModel.minimizeWindow(id);
-        else
-            viewModel.activateWindow(id, BarViewModel::FocusBeforeActivation::no);
+    if (isFocused)
+        onNextTurn([id](BarViewModel& viewModel) { viewModel.minimizeWindow(id); });
+    else
+        activateWindowDeferred(id);
+}
+
+void BarContentView::handleGroupedChipTap(const GroupedChipData& group)
+{
+    activateWindowDeferred(m_inputs.viewModel.nextWindow(m_inputs.spaceID, group));
+}
+
+void BarContentView::activateWindowDeferred(WindowID id)
+{
+    onNextTurn([id](BarViewModel& viewModel) {
+        viewModel.activateWindow(id, BarViewModel::FocusBeforeActivation::no);
     });
 }
 

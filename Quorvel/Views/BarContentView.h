@@ -24,6 +24,7 @@ public:
     struct Inputs {
         BarViewModel& viewModel;
         Dispatch& dispatch;
+        const Text& text;
         const Published<Appearance>& appearance;
         SpaceID spaceID{};
         /// Absent while one bar stands for every screen.
@@ -37,6 +38,8 @@ public:
     ~BarContentView() override;
 
     std::function<void()> onMenuTapped;
+    /// Opens a menu beside a chip (points of the bar, origin top left).
+    std::function<void(Menu, const Rect&)> onChipMenuRequested;
 
     /// In points of the bar, origin top left.
     Rect menuButtonFrame() const;
@@ -44,13 +47,17 @@ public:
     std::vector<std::pair<std::string, Rect>> chipFrames() const;
 
     void handlePrimaryChipTap(WindowID, bool isFocused);
+    /// Another application's group: its representative. The focused group: its next window.
+    void handleGroupedChipTap(const GroupedChipData&);
 
 private:
     void paint(Canvas&) const override;
     void layout() override;
     void itemsDidChange();
     void appearanceDidChange();
-    void chipClicked(const ChipData&, ChipView::Click);
+    void chipClicked(const ChipView&, ChipView::Click);
+    void showMenu(const ChipView&);
+    void activateWindowDeferred(WindowID);
     /// Runs on the next turn of the main loop, unless the view has gone by then.
     void onNextTurn(std::function<void(BarViewModel&)>);
 
@@ -58,7 +65,6 @@ private:
     MenuButton* m_menuButton = nullptr;
     ChipsRow* m_row = nullptr;
     Rect m_divider;
-    std::vector<DisplayItem> m_shownItems;
     Subscription m_items;
     Subscription m_appearance;
     WeakOwner<BarContentView> m_weak;

@@ -1,5 +1,6 @@
 #include "Quorvel/Views/ChipView.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace quorvel {
@@ -15,18 +16,32 @@ struct Style {
     Color focusedHoveredFill;
     Color edge;
     Color focusMark;
+    Color countFill;
+    Color countText;
+    Color progress;
+    Color attention;
 
     static constexpr double minimizedOpacity = 0.5;
     static constexpr double minimumTitleWidth = 22;
     static constexpr double focusMarkHeight = 2;
     static constexpr double focusMarkWidth = 0.4; ///< share of the chip's width
     static constexpr double edgeWidth = 1;
+    static constexpr double countHeight = 0.52; ///< share of the chip's height
+    static constexpr double badgeHeight = 0.62; ///< share of the icon's size
+    static constexpr double badgeOverhang = 0.3; ///< share of the badge's height
+    static constexpr double badgeMaximumWidth = 2.4; ///< of the badge's height
+    static constexpr double pillTextSize = 0.76; ///< share of the pill's height
+    static constexpr double pillPadding = 0.3; ///< share of the pill's height
+    static constexpr double attentionRest = 0.25; ///< strength at the weakest of a pulse
+    static constexpr Color badge{0.88, 0.19, 0.18};
+    static constexpr Color badgeText = Color::grey(1);
 
     static const Style& of(bool isDark);
 };
 
 constexpr Color kAccent{0.30, 0.60, 1.0};
 constexpr Color kAccentOnLight{0.05, 0.42, 0.87};
+constexpr Color kAttention{1.0, 0.58, 0.08};
 
 const Style& Style::of(bool isDark)
 {
@@ -39,6 +54,10 @@ const Style& Style::of(bool isDark)
         .focusedHoveredFill = Color::grey(1, 0.24),
         .edge = Color::grey(1, 0.09),
         .focusMark = kAccent,
+        .countFill = Color::grey(1, 0.16),
+        .countText = Color::grey(0.93),
+        .progress = kAccent.withAlpha(0.32),
+        .attention = kAttention.withAlpha(0.55),
     };
     static constexpr Style light{
         .text = Color::grey(0.1),
@@ -49,8 +68,32 @@ const Style& Style::of(bool isDark)
         .focusedHoveredFill = Color::grey(1, 1),
         .edge = Color::grey(0, 0.10),
         .focusMark = kAccentOnLight,
+        .countFill = Color::grey(0, 0.10),
+        .countText = Color::grey(0.1),
+        .progress = kAccentOnLight.withAlpha(0.22),
+        .attention = kAttention.withAlpha(0.6),
     };
     return isDark ? dark : light;
+}
+
+/// What both kinds of item have under the same name.
+template <typename Member> decltype(auto) fieldOf(const DisplayItem& item, Member member)
+{
+    return std::visit([&](auto& data) -> decltype(auto) { return member(data); }, item);
+}
+
+bool isMinimized(const DisplayItem& item)
+{
+    auto* single = std::get_if<ChipData>(&item);
+    return single && single->isMinimized;
+}
+
+std::string_view title(const DisplayItem& item)
+{
+    if (auto* group = std::get_if<GroupedChipData>(&item))
+        return group->displayTitle;
+    auto& chip = std::get<ChipData>(item);
+    return chip.windowTitle.empty() ? chip.appName : chip.windowTitle;
 }
 
 /// Text sizes follow the chip's height, as the rest of the metrics do.
@@ -71,12 +114,18 @@ double ChipView::iconWidth(const BarMetrics& metrics)
     return 2 * metrics.chipHorizontalPadding + metrics.iconSize;
 }
 
-void ChipView::setData(ChipData data)
+void ChipView::setItem(const DisplayItem& item)
 {
-    if (data == m_data)
+    if (item == m_item)
         return;
-    m_data = std::move(data);
+    m_item = item;
     invalidate();
+}
+
+void ChipView::setPulse(double strength)
+{
+    if (std::exchange(m_pulse, strength) != strength && wantsAttention(m_item))
+        invalidate();
 }
 
 void ChipView::setDark(bool isDark)
@@ -119,14 +168,39 @@ void ChipView::released(PointerButton button, bool isInside)
     if (!isInside || !onClick)
         return;
     if (button == PointerButton::primary)
-        onClick(m_data, Click::primary);
+        onClick(*this, Click::primary);
     else if (button == PointerButton::middle)
-        onClick(m_data, Click::middle);
+        onClick(*this, Click::middle);
+    else if (button == PointerButton::secondary)
+        onClick(*this, Click::secondary);
 }
 
-std::string_view ChipView::title() const
+std::string ChipView::count() const
 {
-    return m_data.windowTitle.empty() ? m_data.appName : m_data.windowTitle;
+    auto* group = std::get_if<GroupedChipData>(&m_item);
+    return group ? std::to_string(group->windowCount) : std::string{};
+}
+
+double ChipView::pillWidth(std::string_view text, double height) const
+{
+    TextStyle style{.size = height * Style::pillTextSize,
+        .weight = FontWeight::semibold,
+        .color = Style::badgeText};
+    return std::max(height, m_text.measure(text, style).width + 2 * Style::pillPadding * height);
+}
+
+Rect ChipView::badgeRect(const Rect& icon) const
+{
+    auto& badge = fieldOf(
+        m_item, [](auto& data) -> auto& { return data.badge; });
+    if (!badge)
+        return {};
+    double height = m_metrics.iconSize * Style::badgeHeight;
+    double overhang = height * Style::badgeOverhang;
+    double width = std::min(pillWidth(*badge, height), height * Style::badgeMaximumWidth);
+    // Never past the chip: beyond it lies the next one.
+    double x = std::min(icon.maxX() + overhang - width, bounds().width - width);
+    return {std::max(0.0, x), icon.y - overhang, width, height};
 }
 
 ChipView::Parts ChipView::parts() const
@@ -137,15 +211,30 @@ ChipView::Parts ChipView::parts() const
     Size icon{m_metrics.iconSize, m_metrics.iconSize};
     double padding = m_metrics.chipHorizontalPadding;
     parts.icon = Rect{padding, face.y, icon.width, face.height}.centred(icon);
+
+    auto countText = count();
+    double countHeight = face.height * Style::countHeight;
+    double countWidth = countText.empty() ? 0 : pillWidth(countText, countHeight);
     double left = parts.icon.maxX() + m_metrics.iconTextSpacing;
-    double width = face.width - padding - left;
-    if (width >= Style::minimumTitleWidth)
-        parts.title = {left, face.y, width, face.height};
-    else
+    double right = face.width - padding;
+    if (countWidth > 0)
+        right -= countWidth + m_metrics.iconTextSpacing;
+    if (right - left >= Style::minimumTitleWidth) {
+        parts.title = {left, face.y, right - left, face.height};
+        parts.count = {face.width - padding - countWidth, face.y + (face.height - countHeight) / 2,
+            countWidth, countHeight};
+    } else {
         parts.icon = face.centred(icon);
+        // On the icon's lower corner, as far out as the chip allows.
+        parts.count = {std::min(parts.icon.maxX() + countWidth / 3, face.width) - countWidth,
+            face.maxY() - countHeight, countWidth, countHeight};
+    }
+    if (countWidth == 0)
+        parts.count = {};
+    parts.badge = badgeRect(parts.icon);
     if (m_isRightToLeft) {
-        parts.icon.x = face.width - parts.icon.maxX();
-        parts.title.x = face.width - parts.title.maxX();
+        for (auto* part : {&parts.icon, &parts.title, &parts.count, &parts.badge})
+            part->x = face.width - part->maxX();
     }
     double mark = face.width * Style::focusMarkWidth;
     parts.focusMark = {(face.width - mark) / 2, face.maxY() - Style::focusMarkHeight, mark,
@@ -153,27 +242,75 @@ ChipView::Parts ChipView::parts() const
     return parts;
 }
 
+void ChipView::paintFace(Canvas& canvas, const Parts& layout) const
+{
+    auto& style = Style::of(m_isDark);
+    bool isFocusShown = isFocused(m_item);
+    auto fill = m_isPressed ? style.pressedFill : m_isHovered ? style.hoveredFill : style.fill;
+    if (isFocusShown && !m_isPressed)
+        fill = m_isHovered ? style.focusedHoveredFill : style.focusedFill;
+    canvas.fillRounded(layout.face, m_metrics.chipCornerRadius, fill);
+    paintProgress(canvas, layout);
+    if (wantsAttention(m_item)) {
+        double strength = Style::attentionRest + (1 - Style::attentionRest) * m_pulse;
+        canvas.fillRounded(layout.face, m_metrics.chipCornerRadius,
+            style.attention.withAlpha(style.attention.alpha * strength));
+    }
+    if (isFocusShown || m_isHovered)
+        canvas.strokeRounded(layout.face, m_metrics.chipCornerRadius, Style::edgeWidth, style.edge);
+}
+
+void ChipView::paintProgress(Canvas& canvas, const Parts& layout) const
+{
+    auto progress = fieldOf(m_item, [](auto& data) { return data.progress; });
+    if (!progress)
+        return;
+    auto done = layout.face;
+    done.width *= std::clamp(*progress, 0.0, 1.0);
+    if (m_isRightToLeft)
+        done.x = layout.face.maxX() - done.width;
+    canvas.save();
+    canvas.clip(done);
+    canvas.fillRounded(layout.face, m_metrics.chipCornerRadius, Style::of(m_isDark).progress);
+    canvas.restore();
+}
+
+void ChipView::paintPill(Canvas& canvas, const Rect& rect, std::string_view text, const Color& fill,
+    const Color& ink) const
+{
+    canvas.fillRounded(rect, rect.height / 2, fill);
+    canvas.drawText(text, rect,
+        {.size = rect.height * Style::pillTextSize,
+            .weight = FontWeight::semibold,
+            .color = ink,
+            .alignment = TextAlignment::centre});
+}
+
 void ChipView::paint(Canvas& canvas) const
 {
     auto& style = Style::of(m_isDark);
     auto layout = parts();
-    auto fill = m_isPressed ? style.pressedFill : m_isHovered ? style.hoveredFill : style.fill;
-    if (m_data.isFocused && !m_isPressed)
-        fill = m_isHovered ? style.focusedHoveredFill : style.focusedFill;
-    canvas.fillRounded(layout.face, m_metrics.chipCornerRadius, fill);
-    if (m_data.isFocused || m_isHovered)
-        canvas.strokeRounded(layout.face, m_metrics.chipCornerRadius, Style::edgeWidth, style.edge);
-
-    if (m_data.isMinimized)
+    paintFace(canvas, layout);
+    bool isDimmed = isMinimized(m_item);
+    if (isDimmed)
         canvas.beginOpacity(Style::minimizedOpacity);
-    canvas.drawImage(m_data.icon, layout.icon);
+    canvas.drawImage(fieldOf(
+                         m_item, [](auto& data) -> auto& { return data.icon; }),
+        layout.icon);
     if (!layout.title.isEmpty()) {
-        canvas.drawText(title(), layout.title,
+        canvas.drawText(title(m_item), layout.title,
             {.size = titleSize(m_metrics), .weight = FontWeight::regular, .color = style.text});
     }
-    if (m_data.isMinimized)
+    if (isDimmed)
         canvas.endOpacity();
-    if (m_data.isFocused)
+    if (!layout.count.isEmpty())
+        paintPill(canvas, layout.count, count(), style.countFill, style.countText);
+    if (!layout.badge.isEmpty()) {
+        auto& badge = fieldOf(
+            m_item, [](auto& data) -> auto& { return data.badge; });
+        paintPill(canvas, layout.badge, *badge, Style::badge, Style::badgeText);
+    }
+    if (isFocused(m_item))
         canvas.fillRounded(layout.focusMark, Style::focusMarkHeight / 2, style.focusMark);
 }
 

@@ -2,10 +2,19 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 #include <utility>
 
 namespace quorvel {
+
+ChipsRow::ChipsRow(const BarMetrics& metrics, const Text& text, Dispatch& dispatch)
+    : m_metrics(metrics)
+    , m_text(text)
+    , m_pulse(dispatch, [this](double strength) {
+        for (auto& id : m_asking)
+            m_chips.at(id)->setPulse(strength);
+    })
+{
+}
 
 void ChipsRow::setItems(const std::vector<DisplayItem>& items)
 {
@@ -20,15 +29,17 @@ void ChipsRow::setItems(const std::vector<DisplayItem>& items)
 bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
 {
     std::set<std::string> present;
+    std::set<std::string> asking;
     bool hasNew = false;
     m_order.clear();
     for (auto& item : items) {
-        auto& data = std::get<ChipData>(item);
         auto id = displayItemID(item);
         auto known = m_chips.find(id);
         hasNew |= known == m_chips.end();
         auto& chip = known == m_chips.end() ? makeChip(id) : *known->second;
-        chip.setData(data);
+        chip.setItem(item);
+        if (wantsAttention(item))
+            asking.insert(id);
         present.insert(id);
         m_order.push_back(std::move(id));
     }
@@ -38,17 +49,28 @@ bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
         removeChild(*entry.second);
         return true;
     });
+    updatePulse(std::move(asking));
     return hasNew;
+}
+
+void ChipsRow::updatePulse(std::set<std::string> asking)
+{
+    bool hasNew = !std::includes(m_asking.begin(), m_asking.end(), asking.begin(), asking.end());
+    m_asking = std::move(asking);
+    if (m_asking.empty())
+        m_pulse.stop();
+    else if (hasNew)
+        m_pulse.start(m_reducesMotion);
 }
 
 ChipView& ChipsRow::makeChip(const std::string& id)
 {
-    auto& chip = addChild(std::make_unique<ChipView>(m_metrics));
+    auto& chip = addChild(std::make_unique<ChipView>(m_metrics, m_text));
     chip.setDark(m_isDark);
     chip.setRightToLeft(m_isRightToLeft);
-    chip.onClick = [this](const ChipData& data, ChipView::Click click) {
+    chip.onClick = [this](const ChipView& clicked, ChipView::Click click) {
         if (onChipClick)
-            onChipClick(data, click);
+            onChipClick(clicked, click);
     };
     m_chips.emplace(id, &chip);
     return chip;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "Quorvel/Core/BarManager.h"
+#include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Quorvel.h"
 #include "Quorvel/Skylight/WindowStore.h"
 #include "Quorvel/Views/BarPanel.h"
@@ -18,9 +19,11 @@ struct BarFixture : testing::Test {
     FakeDesktop desktop;
     std::unique_ptr<Runtime> runtime;
 
+    /// A chip for each window.
     void start()
     {
         runtime = std::make_unique<Runtime>(desktop.platform());
+        runtime->userSettings().setGroupWindowsByApp(false);
         QuorvelApp::launch(*runtime);
         settle();
     }

@@ -57,7 +57,7 @@ private:
     void expectOwnQueue() const;
 
     VirtualDispatch& m_dispatch;
-    bool m_isAvailable = true;
+    bool m_isAvailable = false;
     Duration m_toolDelay{};
     std::map<std::string, Answer> m_answers;
     std::vector<Arguments> m_runs;

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "Quorvel/Platform/Image.h"
+#include "Quorvel/Platform/Published.h"
+#include "Quorvel/Platform/Workspace.h"
+
+namespace quorvel {
+
+struct TrackedWindow;
+
+/// The icons of applications, looked up once each by bundle identifier. Main thread.
+class ApplicationIcons {
+public:
+    explicit ApplicationIcons(Workspace&);
+
+    /// The stored application's, else what the running process shows, else the generic one.
+    Image icon(const TrackedWindow&);
+    /// Null if no such application is stored.
+    Image icon(const std::string& bundleIdentifier) const;
+
+    /// An icon that was handed out may be another now.
+    Signal<> didChange;
+
+private:
+    Image findIcon(const TrackedWindow&) const;
+
+    Workspace& m_workspace;
+    std::map<std::string, Image, std::less<>> m_iconCache; ///< null: it has none of its own
+    Subscription m_changes;
+};
+
+}

@@ -1,0 +1,138 @@
+#include "Quorvel/Core/ChipGroups.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+#include "Quorvel/Platform/Trace.h"
+
+namespace quorvel {
+
+namespace {
+
+std::string preferredKeyOf(SpaceID space, std::string_view groupKey)
+{
+    return fmt::format("{}|{}", raw(space), groupKey);
+}
+
+const ChipData* chipOf(const std::vector<const ChipData*>& bucket, std::optional<WindowID> id)
+{
+    auto found
+        = std::find_if(bucket.begin(), bucket.end(), [&](auto* chip) { return chip->id == id; });
+    return found == bucket.end() ? nullptr : *found;
+}
+
+/// The bucket's windows, that of the representative first.
+std::vector<WindowID> ordered(
+    const std::vector<const ChipData*>& bucket, const ChipData* representative)
+{
+    std::vector<WindowID> ids;
+    ids.reserve(bucket.size());
+    if (representative)
+        ids.push_back(representative->id);
+    for (auto* chip : bucket) {
+        if (chip != representative)
+            ids.push_back(chip->id);
+    }
+    return ids;
+}
+
+std::string joined(const std::vector<WindowID>& ids)
+{
+    std::string text;
+    for (auto id : ids)
+        text += (text.empty() ? "" : ",") + std::to_string(raw(id));
+    return text;
+}
+
+}
+
+std::vector<DisplayItem> ChipGroups::group(
+    SpaceID space, const std::vector<ChipData>& chips, std::optional<WindowID> focused)
+{
+    std::vector<Bucket> buckets;
+    std::unordered_map<std::string_view, std::size_t> bucketByKey;
+    for (auto& chip : chips) {
+        auto [known, isNew] = bucketByKey.try_emplace(groupKey(chip), buckets.size());
+        if (isNew)
+            buckets.emplace_back();
+        buckets[known->second].push_back(&chip);
+    }
+
+    std::vector<DisplayItem> items;
+    items.reserve(buckets.size());
+    for (auto& bucket : buckets) {
+        auto key = preferredKeyOf(space, groupKey(*bucket.front()));
+        items.push_back(bucket.size() == 1 ? single(key, space, *bucket.front())
+                                           : grouped(key, space, bucket, focused));
+    }
+    return items;
+}
+
+void ChipGroups::prefer(SpaceID space, std::string_view groupKey, WindowID window)
+{
+    m_preferredWindowIDByGroupKey.insert_or_assign(preferredKeyOf(space, groupKey), window);
+}
+
+DisplayItem ChipGroups::single(const std::string& preferredKey, SpaceID space, const ChipData& chip)
+{
+    if (auto dropped = m_preferredWindowIDByGroupKey.extract(preferredKey))
+        m_trace.line("group space={} key={} downgraded-single clearPreferred={}", raw(space),
+            groupKey(chip), raw(dropped.mapped()));
+    return chip;
+}
+
+DisplayItem ChipGroups::grouped(const std::string& preferredKey, SpaceID space,
+    const Bucket& bucket, std::optional<WindowID> focused)
+{
+    auto* focusedChip = focused ? chipOf(bucket, focused) : nullptr;
+    follow(preferredKey, space, bucket, focusedChip);
+    auto preferredID = preferred(preferredKey);
+    auto* representative = focusedChip ? focusedChip : chipOf(bucket, preferredID);
+    auto& title = representative ? *representative : *bucket.front();
+    auto ids = ordered(bucket, representative);
+    if (m_trace.isOn())
+        m_trace.line("group space={} key={} focused={} preferred={} titleChip={} ordered={}",
+            raw(space), groupKey(title), orNil(focused), orNil(preferredID), raw(title.id),
+            joined(ids));
+    return GroupedChipData{
+        .id = groupItemID(groupKey(title)),
+        .appName = title.appName,
+        .bundleIdentifier = title.bundleIdentifier,
+        .displayTitle = title.windowTitle.empty() ? title.appName : title.windowTitle,
+        .icon = title.icon,
+        .windowCount = static_cast<int>(bucket.size()),
+        .windowIDs = std::move(ids),
+        .isFocused = focusedChip != nullptr,
+        .badge = title.badge,
+        // Where windows ask for themselves, one that asks is enough.
+        .wantsAttention = std::ranges::any_of(bucket, &ChipData::wantsAttention),
+        .progress = title.progress,
+    };
+}
+
+void ChipGroups::follow(
+    const std::string& preferredKey, SpaceID space, const Bucket& bucket, const ChipData* focused)
+{
+    auto old = preferred(preferredKey);
+    if (focused) {
+        if (old == focused->id)
+            return;
+        m_preferredWindowIDByGroupKey.insert_or_assign(preferredKey, focused->id);
+        m_trace.line("group space={} key={} preferredFromFocused old={} new={}", raw(space),
+            groupKey(*focused), orNil(old), raw(focused->id));
+    } else if (old && !chipOf(bucket, old)) {
+        m_preferredWindowIDByGroupKey.erase(preferredKey);
+        m_trace.line("group space={} key={} preferredMissing remove={}", raw(space),
+            groupKey(*bucket.front()), raw(*old));
+    }
+}
+
+std::optional<WindowID> ChipGroups::preferred(const std::string& preferredKey) const
+{
+    auto found = m_preferredWindowIDByGroupKey.find(preferredKey);
+    return found == m_preferredWindowIDByGroupKey.end() ? std::nullopt
+                                                        : std::optional{found->second};
+}
+
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Quorvel/Core/DisplayItem.h"
+
+namespace quorvel {
+
+class Trace;
+
+/// Folds the chips of one application on one space into one, and remembers for each such group the
+/// window that stands for it: the last that had the focus, until it closes or stands alone. Main
+/// thread.
+class ChipGroups {
+public:
+    explicit ChipGroups(const Trace& trace) : m_trace(trace) { }
+
+    /// Single chips and groups, in the order in which their applications come first.
+    std::vector<DisplayItem> group(
+        SpaceID, const std::vector<ChipData>&, std::optional<WindowID> focused);
+
+    /// From now on this window stands for its group on the space.
+    void prefer(SpaceID, std::string_view groupKey, WindowID);
+
+private:
+    using Bucket = std::vector<const ChipData*>;
+
+    DisplayItem single(const std::string& preferredKey, SpaceID, const ChipData&);
+    DisplayItem grouped(
+        const std::string& preferredKey, SpaceID, const Bucket&, std::optional<WindowID> focused);
+    void follow(const std::string& preferredKey, SpaceID, const Bucket&, const ChipData* focused);
+    std::optional<WindowID> preferred(const std::string& preferredKey) const;
+
+    const Trace& m_trace;
+    std::map<std::string, WindowID> m_preferredWindowIDByGroupKey;
+};
+
+}

@@ -1,0 +1,102 @@
+#include "Quorvel/Core/ChipOrder.h"
+
+#include <algorithm>
+#include <charconv>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+namespace quorvel {
+
+namespace {
+
+std::vector<std::string> idsOf(const std::vector<DisplayItem>& items)
+{
+    std::vector<std::string> ids;
+    ids.reserve(items.size());
+    for (auto& item : items)
+        ids.push_back(displayItemID(item));
+    return ids;
+}
+
+bool contains(const std::vector<std::string>& ids, const std::string& id)
+{
+    return std::find(ids.begin(), ids.end(), id) != ids.end();
+}
+
+/// The number in "s-4711".
+std::optional<WindowID> windowIn(std::string_view id)
+{
+    constexpr std::string_view prefix = "s-";
+    if (!id.starts_with(prefix))
+        return std::nullopt;
+    std::uint32_t number = 0;
+    auto* end = id.data() + id.size();
+    auto [rest, error] = std::from_chars(id.data() + prefix.size(), end, number);
+    return error == std::errc{} && rest == end ? std::optional{WindowID{number}} : std::nullopt;
+}
+
+}
+
+std::vector<DisplayItem> ChipOrder::apply(SpaceID space, std::vector<DisplayItem> items) const
+{
+    auto stored = m_chipOrderBySpace.find(space);
+    if (stored == m_chipOrderBySpace.end() || stored->second.empty())
+        return items;
+    auto ids = idsOf(items);
+    std::unordered_map<std::string_view, std::size_t> placeByID;
+    for (std::size_t i = 0; i < ids.size(); ++i)
+        placeByID.try_emplace(ids[i], i);
+
+    std::vector<DisplayItem> ordered;
+    ordered.reserve(items.size());
+    std::unordered_set<std::string_view> emitted;
+    for (auto& id : stored->second) {
+        auto place = placeByID.find(id);
+        if (place != placeByID.end() && emitted.insert(place->first).second)
+            ordered.push_back(std::move(items[place->second]));
+    }
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        if (!emitted.contains(ids[i]))
+            ordered.push_back(std::move(items[i]));
+    }
+    return ordered;
+}
+
+bool ChipOrder::move(SpaceID space, const std::string& id, const std::optional<std::string>& before,
+    const std::vector<DisplayItem>& displayed)
+{
+    auto ids = idsOf(displayed);
+    auto order = m_chipOrderBySpace[space];
+    std::erase_if(order, [&](auto& stored) { return !contains(ids, stored); });
+    for (auto& shown : ids) {
+        if (!contains(order, shown))
+            order.push_back(shown);
+    }
+    if (std::erase(order, id) == 0)
+        return false;
+    auto target = before ? std::find(order.begin(), order.end(), *before) : order.end();
+    order.insert(target, id);
+    m_chipOrderBySpace[space] = std::move(order);
+    return true;
+}
+
+std::string canonicalDisplayItemID(const std::string& id, const std::vector<DisplayItem>& displayed,
+    const std::vector<ChipData>& chips)
+{
+    auto isDisplayed = [&](const std::string& wanted) {
+        return std::any_of(displayed.begin(), displayed.end(),
+            [&](auto& item) { return displayItemID(item) == wanted; });
+    };
+    auto window = windowIn(id);
+    if (!window || isDisplayed(id))
+        return id;
+    auto chip = std::find_if(
+        chips.begin(), chips.end(), [&](auto& candidate) { return candidate.id == *window; });
+    if (chip == chips.end())
+        return id;
+    auto group = groupItemID(groupKey(*chip));
+    return isDisplayed(group) ? group : id;
+}
+
+}

@@ -1,0 +1,421 @@
+#include <gmock/gmock.h>
+
+#include "Quorvel/Core/BadgeService.h"
+#include "Quorvel/Core/UserSettings.h"
+#include "Tests/Support/BarFixture.h"
+
+namespace quorvel::test {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+namespace {
+
+constexpr SpaceID kSpace{1};
+
+struct BarViewModelTest : BarFixture {
+    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "mail"});
+    ProcessID editor = desktop.launch({.name = "Editor", .bundleIdentifier = "editor"});
+    WindowID inbox = desktop.open(mail, {.title = "Inbox"});
+    WindowID notes = desktop.open(editor, {.title = "Notes"});
+    WindowID draft = desktop.open(mail, {.title = "Draft"});
+    std::vector<std::string> lines;
+
+    BarViewModelTest()
+    {
+        desktop.launchServices().setAvailable(true);
+        focusOn(mail, inbox);
+        start();
+        leave();
+    }
+
+    void focusOn(ProcessID pid, WindowID window)
+    {
+        desktop.focus(window);
+        desktop.activate(pid);
+        desktop.advance(seconds(0.1));
+    }
+    UserSettings& settings() { return runtime->userSettings(); }
+    void group(bool isOn = true)
+    {
+        settings().setGroupWindowsByApp(isOn);
+        desktop.drain();
+    }
+    std::vector<std::string> ids(SpaceID space = kSpace)
+    {
+        std::vector<std::string> found;
+        for (auto& item : model().displayItems(space, std::nullopt))
+            found.push_back(displayItemID(item));
+        return found;
+    }
+    static std::string s(WindowID id) { return displayItemID(id); }
+    GroupedChipData mailGroup(std::optional<std::size_t> screen = std::nullopt)
+    {
+        for (auto& item : model().displayItems(kSpace, screen)) {
+            if (displayItemID(item) == "group-mail")
+                return std::get<GroupedChipData>(item);
+        }
+        return {};
+    }
+    /// In the bar of the first space.
+    Rect frameOf(const std::string& id)
+    {
+        for (auto& [chip, frame] :
+            runtime->barManager()->panels().at(kSpace)->content()->chipFrames()) {
+            if (chip == id)
+                return frame;
+        }
+        return {};
+    }
+    void click(const std::string& id, PointerButton button = PointerButton::primary)
+    {
+        panel().click(frameOf(id).centre(), button);
+        desktop.advance(seconds(0.3));
+    }
+    void trace()
+    {
+        desktop.trace().setSink([this](std::string_view line) { lines.emplace_back(line); });
+    }
+    std::vector<std::string> takeLines() { return std::exchange(lines, {}); }
+    std::vector<std::string> linesWith(std::string_view start)
+    {
+        std::vector<std::string> found;
+        std::ranges::copy_if(takeLines(), std::back_inserter(found),
+            [&](auto& line) { return line.starts_with(start); });
+        return found;
+    }
+};
+
+}
+
+// MARK: Groups
+
+// Faults: the group forgets its window when the focus leaves it, or keeps one that is gone.
+TEST_F(BarViewModelTest, aGroupStandsForTheWindowThatLastHadTheFocus)
+{
+    group();
+    focusOn(mail, draft);
+    EXPECT_THAT(ids(), ElementsAre("group-mail", s(notes)));
+    EXPECT_THAT(mailGroup().windowIDs, ElementsAre(draft, inbox));
+    EXPECT_TRUE(mailGroup().isFocused);
+
+    focusOn(editor, notes);
+    EXPECT_THAT(mailGroup().windowIDs, ElementsAre(draft, inbox));
+    EXPECT_EQ(mailGroup().displayTitle, "Draft");
+    EXPECT_FALSE(mailGroup().isFocused);
+
+    auto third = desktop.open(mail, {.title = "", .takesFocus = false});
+    settle();
+    desktop.close(draft);
+    settle();
+    EXPECT_THAT(mailGroup().windowIDs, ElementsAre(inbox, third)) << "no window is remembered";
+    EXPECT_EQ(mailGroup().displayTitle, "Inbox");
+    focusOn(mail, third);
+    EXPECT_EQ(mailGroup().displayTitle, "Mail") << "without a title, the application's name";
+
+    focusOn(editor, notes);
+    desktop.close(inbox);
+    settle();
+    EXPECT_THAT(ids(), ElementsAre(s(notes), s(third)));
+    desktop.open(mail, {.title = "New", .takesFocus = false});
+    settle();
+    EXPECT_EQ(mailGroup().windowIDs.front(), third) << "forgotten when it stood alone";
+}
+
+TEST_F(BarViewModelTest, theTraceTellsEachStepOfTheGrouping)
+{
+    trace();
+    group();
+    auto key = "group space=1 key=mail";
+    EXPECT_THAT(linesWith("group "),
+        ElementsAre(fmt::format("{} preferredFromFocused old=nil new={}", key, raw(inbox)),
+            fmt::format("{0} focused={1} preferred={1} titleChip={1} ordered={1},{2}", key,
+                raw(inbox), raw(draft))));
+
+    focusOn(editor, notes);
+    takeLines();
+    desktop.close(inbox);
+    settle();
+    EXPECT_THAT(lines,
+        testing::Contains(fmt::format("{} downgraded-single clearPreferred={}", key, raw(inbox))));
+}
+
+// Faults: a click on a group always brings the same window; a minimised window comes in between.
+TEST_F(BarViewModelTest, clicksWalkThroughTheFocusedGroup)
+{
+    auto late = desktop.open(mail, {.title = "Late", .takesFocus = false});
+    desktop.minimise(draft);
+    settle();
+    group();
+    focusOn(editor, notes);
+
+    click("group-mail");
+    EXPECT_EQ(model().focusedWindowID.value(), inbox) << "its representative";
+    click("group-mail");
+    EXPECT_EQ(model().focusedWindowID.value(), late) << "the minimised one is last";
+    click("group-mail");
+    EXPECT_EQ(model().focusedWindowID.value(), draft);
+    EXPECT_FALSE(chip(draft)->isMinimized);
+    click("group-mail");
+    EXPECT_EQ(model().focusedWindowID.value(), late) << "in the order of the chips again";
+
+    click("group-mail", PointerButton::middle);
+    settle();
+    EXPECT_FALSE(chip(late));
+    EXPECT_TRUE(chip(inbox) && chip(draft)) << "only the representative closes";
+}
+
+TEST_F(BarViewModelTest, theMenuOfAGroupReachesEachOfItsWindowsAndAll)
+{
+    group();
+    focusOn(editor, notes);
+    click("group-mail", PointerButton::secondary);
+    EXPECT_THAT(desktop.surfaces().menuTitles(),
+        ElementsAre("Inbox", "Draft", "", "Minimise All", "Close All"));
+    desktop.surfaces().chooseMenuItem("Draft");
+    desktop.advance(seconds(0.3));
+    EXPECT_EQ(model().focusedWindowID.value(), draft);
+
+    click("group-mail", PointerButton::secondary);
+    desktop.surfaces().chooseMenuItem("Minimise All");
+    settle();
+    EXPECT_TRUE(chip(inbox)->isMinimized && chip(draft)->isMinimized);
+
+    click(s(notes), PointerButton::secondary);
+    EXPECT_THAT(desktop.surfaces().menuTitles(), ElementsAre("Minimise", "Close"));
+    desktop.surfaces().chooseMenuItem("Close");
+    settle();
+    EXPECT_FALSE(chip(notes));
+}
+
+// MARK: The user's order
+
+// Faults: the order is lost when chips come and go, or when windows are grouped.
+TEST_F(BarViewModelTest, theUsersOrderOutlivesTheChips)
+{
+    model().moveChip(s(draft), s(inbox), kSpace);
+    EXPECT_THAT(ids(), ElementsAre(s(draft), s(inbox), s(notes)));
+    auto late = desktop.open(editor, {.title = "Late"});
+    settle();
+    EXPECT_THAT(ids(), ElementsAre(s(draft), s(inbox), s(notes), s(late))) << "new ones are last";
+    model().moveChip(s(late), s(late), kSpace);
+    model().moveChip("s-99", s(inbox), kSpace);
+    model().moveChip(s(draft), "s-99", kSpace);
+    EXPECT_THAT(ids(), ElementsAre(s(inbox), s(notes), s(late), s(draft)));
+
+    desktop.moveToSpace(notes, SpaceID{2});
+    desktop.activateSpace(SpaceID{2});
+    desktop.moveToSpace(notes, kSpace);
+    desktop.activateSpace(kSpace);
+    settle();
+    EXPECT_THAT(ids(), ElementsAre(s(inbox), s(notes), s(late), s(draft)))
+        << "who comes back is in its place";
+
+    group();
+    EXPECT_THAT(ids(), ElementsAre("group-mail", "group-editor"));
+    model().moveChip(s(inbox), std::nullopt, kSpace);
+    EXPECT_THAT(ids(), ElementsAre("group-editor", "group-mail")) << "a folded window is its group";
+    model().moveChip("s-", "s-12x", kSpace);
+    EXPECT_THAT(ids(), ElementsAre("group-editor", "group-mail"));
+    group(false);
+    EXPECT_THAT(ids(), ElementsAre(s(inbox), s(notes), s(draft), s(late)))
+        << "what was not moved since is in the windows' order";
+}
+
+// MARK: One bar of several
+
+// Faults: a group on each bar with windows of the other; the wrong one lit.
+TEST_F(BarViewModelTest, aGroupIsDividedAmongTheScreens)
+{
+    auto displays = desktop.model().displays;
+    displays.push_back(
+        {.number = DisplayNumber{2}, .identifier = "second", .frame = {1440, 0, 1440, 900}});
+    desktop.setDisplays(displays);
+    auto third = desktop.open(mail, {.title = "Third"});
+    desktop.place(draft, {1500, 100, 400, 400});
+    settle();
+    group();
+    focusOn(mail, draft);
+
+    auto onSecond = model().displayItems(kSpace, 1);
+    ASSERT_EQ(onSecond.size(), 1U);
+    EXPECT_EQ(std::get<ChipData>(onSecond.front()).id, draft);
+    EXPECT_THAT(mailGroup(0).windowIDs, ElementsAre(inbox, third));
+    EXPECT_EQ(mailGroup(0).windowCount, 2);
+    EXPECT_FALSE(mailGroup(0).isFocused);
+
+    desktop.minimise(third);
+    settle();
+    EXPECT_THAT(mailGroup(1).windowIDs, testing::UnorderedElementsAre(draft, third))
+        << "a minimised window is on every bar";
+    EXPECT_EQ(model().displayItems(kSpace, 7), model().displayItems(kSpace, std::nullopt));
+}
+
+// MARK: Badges, progress, attention
+
+TEST_F(BarViewModelTest, badgesProgressAndAttentionReachTheirChips)
+{
+    auto& system = desktop.launchServices();
+    system.statuses = {{"mail", "3", 0.25}};
+    system.applications = {{"mail", {.name = "Mail", .serial = "0x0-0x1", .pid = raw(mail)}},
+        {"editor",
+            {.name = "Editor", .serial = "0x0-0x2", .pid = raw(editor), .wantsAttention = true}}};
+    desktop.advance(BadgeService::pollInterval);
+    EXPECT_EQ(chip(inbox)->badge, "3");
+    EXPECT_EQ(chip(draft)->progress, 0.25);
+    EXPECT_FALSE(chip(notes)->badge);
+    EXPECT_TRUE(chip(notes)->wantsAttention);
+    EXPECT_THAT(panel().render().texts(), testing::Contains("3"));
+
+    click(s(notes));
+    EXPECT_FALSE(chip(notes)->wantsAttention);
+    focusOn(mail, inbox);
+    settle();
+    system.applications["editor"].wantsAttention = true;
+    settle();
+    ASSERT_TRUE(chip(notes)->wantsAttention);
+    focusOn(editor, notes);
+    desktop.drain();
+    EXPECT_FALSE(chip(notes)->wantsAttention) << "without a click, too";
+
+    // Where windows ask, only they pulse, and only their own visit counts.
+    focusOn(editor, notes);
+    system.requests = {{inbox, "mail"}, {draft, "mail"}};
+    settle();
+    focusOn(mail, inbox);
+    desktop.drain();
+    EXPECT_FALSE(chip(inbox)->wantsAttention);
+    EXPECT_TRUE(chip(draft)->wantsAttention);
+    group();
+    EXPECT_TRUE(mailGroup().wantsAttention);
+}
+
+// Faults: a request that nobody answers keeps the machine awake; a pulse under reduced motion.
+TEST_F(BarViewModelTest, aPulseComesToRest)
+{
+    desktop.launchServices().requests = {{notes, "editor"}};
+    settle();
+    settle();
+    panel().forgetPaints();
+    desktop.advance(seconds(60));
+    EXPECT_THAT(panel().paints(), IsEmpty());
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 1U) << "the next poll";
+
+    desktop.launchServices().requests = {{notes, "editor"}, {draft, "mail"}};
+    desktop.advance(BadgeService::pollInterval + seconds(2));
+    panel().forgetPaints();
+    desktop.advance(seconds(1));
+    EXPECT_GT(panel().paints().size(), 10U);
+    for (auto& paint : panel().paints())
+        EXPECT_LE(paint.damage.width, 2 * frameOf(s(notes)).width + 10) << "the chips that ask";
+
+    auto appearance = desktop.program().appearance().value();
+    appearance.reduceMotion = true;
+    desktop.program().setAppearance(appearance);
+    desktop.launchServices().requests.push_back({inbox, "mail"});
+    desktop.focus(draft);
+    desktop.advance(BadgeService::pollInterval);
+    panel().forgetPaints();
+    desktop.advance(seconds(1));
+    EXPECT_THAT(panel().paints(), IsEmpty());
+}
+
+// MARK: Activation
+
+// The order is what counts: windows of other applications flash when it is another one.
+TEST_F(BarViewModelTest, theTraceTellsEachStepOfAnActivation)
+{
+    desktop.minimise(notes);
+    settle();
+    desktop.application(editor).faults.refusesActivation = true;
+    trace();
+    click(s(notes));
+    std::vector<std::string> steps;
+    for (auto& line : takeLines()) {
+        if (line.starts_with("activateWindow "))
+            steps.push_back(line.substr(sizeof "activateWindow"));
+    }
+    auto id = raw(notes);
+    auto pid = raw(editor);
+    ASSERT_EQ(steps.size(), 6U);
+    EXPECT_EQ(steps[0],
+        fmt::format("begin id={} pid={} key=editor spaces=1 storeFocused={} pendingBefore=nil", id,
+            pid, raw(inbox)));
+    EXPECT_EQ(steps[1], "clearAttention bundleID=editor");
+    EXPECT_EQ(steps[2],
+        fmt::format("app.activate mode=cooperative pid={} accepted=false selfActiveBefore=false "
+                    "frontmostBefore={}",
+            pid, raw(mail)));
+    EXPECT_THAT(steps[3],
+        AllOf(StartsWith(fmt::format("app.activate mode=direct-after-self-activate pid={} "
+                                     "accepted=false selfActiveAfter=true frontmostAfter=",
+                  pid)),
+            EndsWith(std::to_string(raw(mail)))));
+    EXPECT_EQ(
+        steps[4], fmt::format("AX focus/raise sent id={} unminimize=0 main=0 focus=0 raise=0", id));
+    EXPECT_EQ(steps[5], fmt::format("end id={0} focusedWindowID={0}", id));
+}
+
+TEST_F(BarViewModelTest, focusThroughAccessibilityAloneActivatesNobody)
+{
+    group();
+    focusOn(editor, notes);
+    auto before = desktop.workspace().activations();
+    EXPECT_TRUE(model().focusWindowWithAXOnly(draft, "test"));
+    EXPECT_EQ(model().focusedWindowID.value(), draft);
+    EXPECT_EQ(desktop.workspace().activations(), before);
+    EXPECT_FALSE(model().focusWindowWithAXOnly(WindowID{99}, "test"));
+
+    focusOn(editor, notes);
+    desktop.window(inbox).faults.ignoredRequests = {"AXFrontmost"};
+    EXPECT_TRUE(model().focusWindowWithAXOnly(inbox, "test"));
+    desktop.application(mail).faults.isHung = true;
+    trace();
+    EXPECT_FALSE(model().focusWindowWithAXOnly(draft, "test"));
+    EXPECT_THAT(linesWith("AX-only"),
+        ElementsAre(HasSubstr(fmt::format(
+                        "begin context=test id={} pid={} app=Mail", raw(draft), raw(mail))),
+            fmt::format("AX-only focus failed resolve AX window context=test id={} pid={}",
+                raw(draft), raw(mail))));
+}
+
+// MARK: What is reused
+
+// Faults: a chip or an item that is not made again though it changed.
+TEST_F(BarViewModelTest, aRefreshThatReusesIsEqualToOneFromNothing)
+{
+    auto compare = [&](const char* after) {
+        settle();
+        BarViewModel fresh(
+            runtime->windowStore(), settings(), runtime->badgeService(), desktop.platform());
+        EXPECT_EQ(model().chipsBySpace.value(), fresh.chipsBySpace.value()) << after;
+        EXPECT_EQ(model().displayItemsBySpace.value(), fresh.displayItemsBySpace.value()) << after;
+    };
+    for (bool isGrouped : {false, true}) {
+        group(isGrouped);
+        compare("grouping");
+        focusOn(editor, notes);
+        focusOn(mail, inbox);
+        compare("focus");
+        desktop.retitle(draft, isGrouped ? "One" : "Two");
+        compare("title");
+        desktop.launchServices().statuses = {{"mail", isGrouped ? "5" : "6", 0.5}};
+        compare("badge");
+        desktop.moveToSpace(notes, SpaceID{2});
+        desktop.activateSpace(SpaceID{2});
+        compare("space");
+        desktop.moveToSpace(notes, kSpace);
+        desktop.activateSpace(kSpace);
+        compare("back");
+        desktop.close(desktop.open(editor));
+        compare("closed");
+        desktop.workspace().iconDidChange.emit("mail");
+        compare("icon");
+    }
+}
+
+}
