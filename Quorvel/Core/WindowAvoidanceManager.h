@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <set>
+#include <vector>
+
+#include "Quorvel/Platform/Accessibility.h"
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Skylight/SpaceWindows.h"
+
+namespace quorvel {
+
+class WindowStore;
+struct TrackedWindow;
+
+/// Keeps windows from reaching under a bar: it shortens those that do, never moves one and never
+/// makes one taller. A window that would become too short is left as it is. Main thread; the
+/// applications are asked on a queue of its own, where they may take their time.
+class WindowAvoidanceManager {
+public:
+    /// What the owner of the bars tells.
+    struct Bars {
+        std::function<std::set<SpaceID>()> getPanels; ///< the spaces that have a bar
+        /// The screens that show a bar beside those of their spaces.
+        std::function<std::vector<std::size_t>()> getMirrorScreenIndices;
+        std::function<std::vector<SpaceWindows::Info>()> getSpaces;
+    };
+
+    static constexpr double kLowestHeight = 100;
+    /// Between window and bar, so that the window's edge can still be gripped.
+    static constexpr double resizeCursorClearance = 1;
+
+    WindowAvoidanceManager(
+        const WindowStore&, Dispatch&, Accessibility&, WindowServer&, Displays&, Bars);
+    /// Waits for the application that is being asked.
+    ~WindowAvoidanceManager();
+
+    void setBarHeight(double height) { m_barHeight = height; }
+
+    /// Replaces the adjustment that is waiting, if any.
+    void scheduleAdjustment(Duration debounce);
+    void adjustNow();
+
+private:
+    struct Resize {
+        WindowID windowID{};
+        ProcessID pid{};
+        double newHeight = 0;
+    };
+    class Resizer;
+
+    std::vector<Resize> findOverlaps() const;
+    Screen screenOf(const SpaceWindows::Info&, const std::vector<Screen>&) const;
+    void shortenOn(const Screen&, double firstScreenHeight,
+        const std::vector<const TrackedWindow*>& candidates, std::vector<Resize>&) const;
+
+    const WindowStore& m_windowStore;
+    Dispatch& m_dispatch;
+    Accessibility& m_accessibility;
+    WindowServer& m_windowServer;
+    Displays& m_displays;
+    SpaceWindows m_spaceWindows;
+    Bars m_bars;
+    double m_barHeight = 0;
+    WorkItem m_pendingWork;
+    WorkItem m_pendingResizes; ///< the newest list; it replaces one that nobody has begun with
+    std::unique_ptr<Queue> m_resizeQueue; ///< last: it is drained before what its work uses goes
+};
+
+}
