@@ -1,10 +1,7 @@
 #include "Hosts/X11/ColorScheme.h"
 
-#include <cstdlib>
-#include <string>
+#include <string_view>
 #include <utility>
-
-#include <unistd.h>
 
 namespace quorvel::x11 {
 
@@ -17,15 +14,6 @@ constexpr char kNamespace[] = "org.freedesktop.appearance";
 constexpr char kKey[] = "color-scheme";
 
 enum Preference : guint32 { noPreference, prefersDark, prefersLight };
-
-/// GIO would start a bus of its own where there is none.
-bool hasSessionBus()
-{
-    if (std::getenv("DBUS_SESSION_BUS_ADDRESS"))
-        return true;
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    return runtime && access((std::string{runtime} + "/bus").c_str(), R_OK | W_OK) == 0;
-}
 
 /// The value inside any number of variants.
 GVariant* unwrapped(GVariant* value)
@@ -43,54 +31,22 @@ GVariant* unwrapped(GVariant* value)
 ColorScheme::ColorScheme(Changed changed)
     : m_changed(std::move(changed))
     , m_cancellable(g_cancellable_new())
+    , m_bus([this](GDBusConnection* bus) { watch(bus); })
 {
-    if (!hasSessionBus())
-        return;
-    // The bus costs a thread and some libraries: not before the bar is on the screen.
-    m_start = g_idle_add_full(
-        G_PRIORITY_LOW,
-        [](gpointer self) -> gboolean {
-            static_cast<ColorScheme*>(self)->m_start = 0;
-            static_cast<ColorScheme*>(self)->connect();
-            return G_SOURCE_REMOVE;
-        },
-        this, nullptr);
 }
 
 ColorScheme::~ColorScheme()
 {
-    if (m_start)
-        g_source_remove(m_start);
     g_cancellable_cancel(m_cancellable);
     g_object_unref(m_cancellable);
     if (m_name)
         g_bus_unwatch_name(m_name);
     if (m_signal)
-        g_dbus_connection_signal_unsubscribe(m_bus, m_signal);
-    g_clear_object(&m_bus);
-}
-
-void ColorScheme::connect()
-{
-    g_bus_get(G_BUS_TYPE_SESSION, m_cancellable, &ColorScheme::onConnected, this);
-}
-
-void ColorScheme::onConnected(GObject*, GAsyncResult* result, gpointer self)
-{
-    GError* error = nullptr;
-    auto* bus = g_bus_get_finish(result, &error);
-    bool isCancelled = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
-    g_clear_error(&error);
-    if (isCancelled) // and with it whoever asked
-        return;
-    if (bus)
-        static_cast<ColorScheme*>(self)->watch(bus);
+        g_dbus_connection_signal_unsubscribe(m_bus.connection(), m_signal);
 }
 
 void ColorScheme::watch(GDBusConnection* bus)
 {
-    m_bus = bus;
-    g_dbus_connection_set_exit_on_close(bus, false); // the bar outlives its session bus
     m_signal = g_dbus_connection_signal_subscribe(bus, kPortal, kInterface, "SettingChanged", kPath,
         kNamespace, G_DBUS_SIGNAL_FLAGS_NONE, &ColorScheme::onSignal, this, nullptr);
     // The portal is asked when it is there, never started for this.
@@ -104,7 +60,7 @@ void ColorScheme::watch(GDBusConnection* bus)
 
 void ColorScheme::read()
 {
-    g_dbus_connection_call(m_bus, kPortal, kPath, kInterface, "Read",
+    g_dbus_connection_call(m_bus.connection(), kPortal, kPath, kInterface, "Read",
         g_variant_new("(ss)", kNamespace, kKey), G_VARIANT_TYPE("(v)"),
         G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, m_cancellable, &ColorScheme::onRead, this);
 }

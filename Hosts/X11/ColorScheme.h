@@ -5,6 +5,8 @@
 
 #include <gio/gio.h>
 
+#include "Hosts/X11/SessionBus.h"
+
 namespace quorvel::x11 {
 
 /// Whether the desktop wants dark programs, from the settings portal on the session bus. Nothing
@@ -20,22 +22,19 @@ public:
     ColorScheme& operator=(const ColorScheme&) = delete;
 
 private:
-    void connect();
     void watch(GDBusConnection*);
     void read();
     void take(GVariant* value);
 
-    static void onConnected(GObject*, GAsyncResult*, gpointer);
     static void onRead(GObject*, GAsyncResult*, gpointer);
     static void onSignal(
         GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*, gpointer);
 
     Changed m_changed;
     GCancellable* m_cancellable;
-    GDBusConnection* m_bus = nullptr;
-    guint m_start = 0;
     guint m_signal = 0;
     guint m_name = 0;
+    SessionBus m_bus;
 };
 
 }
