@@ -1,5 +1,6 @@
 #include "Hosts/X11/Desktop/DesktopServices.h"
 
+#include "Hosts/X11/Applications/LauncherBus.h"
 #include "Hosts/X11/Desktop/Mirror.h"
 #include "Hosts/X11/Desktop/ObserverRegistry.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
@@ -23,6 +24,10 @@ struct DesktopServices::Parts {
         , displays(connection, monitors, mirror)
         , workspace(connection, model, mirror, requests, entries, icons)
         , launchServices(model)
+        , launcherBus(launchServices.entries(), entries,
+              [this] { launchServices.answersMayHaveChanged.emit(); })
+        , attentionChanged(mirror.attentionDidChange.subscribe(
+              [this] { launchServices.answersMayHaveChanged.emit(); }))
     {
     }
 
@@ -36,6 +41,8 @@ struct DesktopServices::Parts {
     X11Workspace workspace;
     X11ScreenCapture screenCapture;
     X11LaunchServices launchServices;
+    LauncherBus launcherBus;
+    Subscription attentionChanged;
 };
 
 DesktopServices::DesktopServices(Connection& connection, Dispatch& dispatch, Monitors& monitors,

@@ -265,6 +265,7 @@ ProcessID Mirror::assign(Client& client)
 
 void Mirror::noteNew(const WindowRecord& window)
 {
+    m_changes.attention |= window.asksForAttention;
     noteLaunch(window);
     notifyApplication(window.owner, window.id, ax::windowCreated);
 }
@@ -283,6 +284,7 @@ void Mirror::noteLaunch(const WindowRecord& window)
 void Mirror::noteDifference(const WindowRecord& before, const WindowRecord& after)
 {
     m_changes.spacesOfWindows |= before.space != after.space;
+    m_changes.attention |= before.asksForAttention != after.asksForAttention;
     notePresence(before, after);
     if (before.owner != after.owner || !isOfSameKind(before, after))
         return;
@@ -357,6 +359,7 @@ void Mirror::remove(Client& client)
     if (auto* pair = m_processes.find(window->owner))
         pair->windows.erase(client.id);
     m_changes.reservations |= client.type == WindowType::dock;
+    m_changes.attention |= window->asksForAttention;
     notifyWindow(*window, ax::elementDestroyed);
 }
 
@@ -514,6 +517,8 @@ void Mirror::announce()
         applicationDidActivate.emit(*changes.activated);
     if (changes.reservations)
         reservationsDidChange.emit();
+    if (changes.attention)
+        attentionDidChange.emit();
     for (auto& application : changes.terminated)
         applicationDidTerminate.emit(application);
 }

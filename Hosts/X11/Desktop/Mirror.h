@@ -57,6 +57,8 @@ public:
     Signal<RunningApplication> applicationDidActivate;
     Signal<RunningApplication> applicationDidTerminate;
     Signal<std::string> iconDidChange;
+    /// Other windows than before ask for attention.
+    Signal<> attentionDidChange;
     /// Docks of other programs keep other parts of the screen free.
     Signal<> reservationsDidChange;
 
@@ -70,6 +72,7 @@ private:
         bool spaces = false;
         bool spacesOfWindows = false;
         bool activeSpace = false;
+        bool attention = false;
         bool reservations = false;
     };
 

@@ -15,4 +15,10 @@ std::vector<AttentionRequest> X11LaunchServices::attentionRequests() const
     });
 }
 
+std::optional<ToolResult> X11LaunchServices::runTool(
+    const std::string& path, const std::vector<std::string>& arguments)
+{
+    return path.ends_with("/lsappinfo") ? m_tool.run(arguments) : std::nullopt;
+}
+
 }

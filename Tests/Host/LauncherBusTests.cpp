@@ -1,0 +1,222 @@
+#include "Hosts/X11/Applications/LauncherBus.h"
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <memory>
+
+#include <gio/gio.h>
+#include <gtest/gtest.h>
+
+#include "Hosts/X11/Applications/DesktopEntries.h"
+#include "Tests/Host/fixtures/InstalledApplications.h"
+#include "Tests/Support/VirtualDispatch.h"
+
+namespace quorvel::x11 {
+namespace {
+
+using namespace std::literals;
+
+struct Release {
+    void operator()(gpointer object) const { g_object_unref(object); }
+};
+template <typename Type> using Owned = std::unique_ptr<Type, Release>;
+
+/// Lets what comes from the bus come in until the condition holds.
+bool eventually(const std::function<bool()>& holds)
+{
+    const auto deadline = std::chrono::steady_clock::now() + 20s;
+    const auto ticks = g_timeout_add(
+        10, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    while (!holds() && std::chrono::steady_clock::now() < deadline)
+        g_main_context_iteration(nullptr, true);
+    g_source_remove(ticks);
+    return holds();
+}
+
+/// A session bus that the environment names while this lives.
+class Bus {
+public:
+    Bus()
+        : m_daemon(g_subprocess_new(static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_PIPE
+                                        | G_SUBPROCESS_FLAGS_STDERR_SILENCE),
+            nullptr, "dbus-daemon", "--session", "--nofork", "--print-address", nullptr))
+    {
+        const Owned<GDataInputStream> output{
+            g_data_input_stream_new(g_subprocess_get_stdout_pipe(m_daemon.get()))};
+        g_filter_input_stream_set_close_base_stream(G_FILTER_INPUT_STREAM(output.get()), false);
+        char* line = g_data_input_stream_read_line(output.get(), nullptr, nullptr, nullptr);
+        m_address = line ? line : "";
+        g_free(line);
+        g_setenv("DBUS_SESSION_BUS_ADDRESS", m_address.c_str(), true);
+    }
+    ~Bus()
+    {
+        end();
+        g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    }
+
+    void stop() { g_subprocess_send_signal(m_daemon.get(), SIGSTOP); }
+    void end()
+    {
+        g_subprocess_force_exit(m_daemon.get());
+        g_subprocess_wait(m_daemon.get(), nullptr, nullptr);
+    }
+    Owned<GDBusConnection> connect() const
+    {
+        const auto flags
+            = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
+                | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+        return Owned<GDBusConnection>{g_dbus_connection_new_for_address_sync(
+            m_address.c_str(), flags, nullptr, nullptr, nullptr)};
+    }
+
+private:
+    Owned<GSubprocess> m_daemon;
+    std::string m_address;
+};
+
+/// An application with an entry at the launcher.
+class Sender {
+public:
+    explicit Sender(const Bus& bus) : m_connection(bus.connect()) { }
+
+    void say(const char* arguments)
+    {
+        g_dbus_connection_emit_signal(m_connection.get(), nullptr, "/com/example/Sender",
+            "com.canonical.Unity.LauncherEntry", "Update", g_variant_new_parsed(arguments),
+            nullptr);
+        g_dbus_connection_flush_sync(m_connection.get(), nullptr, nullptr);
+    }
+    /// What the bus answers to a question about the name that applications look for.
+    std::string ask(const char* member)
+    {
+        auto* answer = g_dbus_connection_call_sync(m_connection.get(), "org.freedesktop.DBus",
+            "/org/freedesktop/DBus", "org.freedesktop.DBus", member,
+            g_variant_new("(s)", "com.canonical.Unity"), nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
+            nullptr, nullptr);
+        if (!answer)
+            return {};
+        char* text = g_variant_print(answer, false);
+        std::string result{text};
+        g_free(text);
+        g_variant_unref(answer);
+        return result;
+    }
+    bool takeName()
+    {
+        auto* answer = g_dbus_connection_call_sync(m_connection.get(), "org.freedesktop.DBus",
+            "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+            g_variant_new("(su)", "com.canonical.Unity", 1u), nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
+            nullptr, nullptr);
+        if (answer)
+            g_variant_unref(answer);
+        return ownsName();
+    }
+    bool ownsName()
+    {
+        return ask("GetNameOwner")
+            == "('"s + g_dbus_connection_get_unique_name(m_connection.get()) + "',)";
+    }
+
+private:
+    Owned<GDBusConnection> m_connection;
+};
+
+class LauncherBusTest : public testing::Test {
+protected:
+    /// Returns once the bus listens: it asks for the name after that.
+    void listen(Sender& witness)
+    {
+        bus.emplace(entries, installed, [this] { ++changes; });
+        ASSERT_TRUE(eventually([&] { return witness.ask("NameHasOwner") == "(true,)"; }));
+    }
+    std::string label() const
+    {
+        const auto all = entries.statuses();
+        return all.size() == 1 ? *all[0].bundleIdentifier + ' ' + all[0].label.value_or("") : "";
+    }
+
+    test::InstalledApplications applications;
+    test::VirtualDispatch dispatch;
+    Bus daemon;
+    DesktopEntries installed{dispatch};
+    LauncherEntries entries;
+    int changes = 0;
+    std::optional<LauncherBus> bus;
+};
+
+// Faults: identifiers unlike those of windows, an entry that stays when its sender has gone, a
+// change that nobody is told of.
+TEST_F(LauncherBusTest, showsWhatSendersSayWhileTheyAreThere)
+{
+    applications.install("org.example.Mail", "");
+    std::optional<Sender> sender{daemon};
+    listen(*sender);
+    sender->say("('application://mail.desktop', {'count': <int64 3>, 'count-visible': <true>})");
+    ASSERT_TRUE(eventually([&] { return label() == "org.example.Mail 3"; }));
+    EXPECT_EQ(changes, 1);
+
+    sender->say("('application://mail.desktop', {'count': <int64 3>})");
+    sender->say("('application://mail.desktop', 7)");
+    sender->say("('application://mail.desktop', {'count': <int64 4>})");
+    ASSERT_TRUE(eventually([&] { return label() == "org.example.Mail 4"; }));
+    EXPECT_EQ(changes, 2);
+
+    sender.reset();
+    EXPECT_TRUE(eventually([&] { return entries.statuses().empty(); }));
+    EXPECT_EQ(changes, 3);
+}
+
+// Faults: the name taken from who has it, not given to who wants it, kept by a bar that is gone.
+TEST_F(LauncherBusTest, hasTheNameThatApplicationsLookForIfNobodyElseHas)
+{
+    std::optional<Sender> owner{daemon};
+    Sender other{daemon};
+    ASSERT_TRUE(owner->takeName());
+    listen(other);
+    // Nothing tells when the bus listens: the name has an owner already.
+    ASSERT_TRUE(eventually([&] {
+        other.say("('mail', {'urgent': <true>})");
+        return entries.asking().contains("mail");
+    }));
+    EXPECT_TRUE(owner->ownsName());
+
+    owner.reset();
+    EXPECT_TRUE(
+        eventually([&] { return other.ask("NameHasOwner") == "(true,)" && !other.ownsName(); }));
+    bus.reset();
+    EXPECT_TRUE(eventually([&] { return other.ask("NameHasOwner") == "(false,)"; }));
+}
+
+TEST_F(LauncherBusTest, showsNothingOnceTheBusHasGone)
+{
+    Sender sender{daemon};
+    listen(sender);
+    sender.say("('mail', {'urgent': <true>})");
+    ASSERT_TRUE(eventually([&] { return entries.asking().contains("mail"); }));
+
+    daemon.end();
+    EXPECT_TRUE(eventually([&] { return entries.statuses().empty(); }));
+    EXPECT_EQ(changes, 2) << "told once";
+}
+
+// Fault: whoever starts or ends waits for the answer of a bus that does not answer.
+TEST_F(LauncherBusTest, isNotHeldUpByABusThatHangs)
+{
+    Sender sender{daemon};
+    listen(sender);
+    sender.say("('mail', {'urgent': <true>})");
+    ASSERT_TRUE(eventually([&] { return entries.asking().contains("mail"); }));
+    daemon.stop();
+
+    const auto start = std::chrono::steady_clock::now();
+    bus.reset();
+    bus.emplace(entries, installed, [] {});
+    while (g_main_context_iteration(nullptr, false)) { }
+    bus.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s) << "GIO waits for 25";
+}
+
+}
+}
