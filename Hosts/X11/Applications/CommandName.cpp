@@ -3,27 +3,29 @@
 #include <vector>
 
 #include "Hosts/X11/Applications/DesktopEntryFile.h"
+#include "Hosts/X11/Applications/DesktopEntryIndex.h"
 
 namespace quorvel::x11 {
 namespace {
 
 constexpr std::size_t kMostWords = 64;
 
-/// Splits a command line at blanks outside of double quotes.
+/// Splits a command line at blanks outside of quotes. Single quotes are not meant to be there, and
+/// are there.
 std::vector<std::string> wordsOf(std::string_view exec)
 {
     std::vector<std::string> words;
     std::string word;
-    bool isQuoted = false;
+    char quote = 0;
     bool hasWord = false;
     for (std::size_t i = 0; i < exec.size() && words.size() < kMostWords; ++i) {
         const char letter = exec[i];
-        if (letter == '"') {
-            isQuoted = !isQuoted;
+        if (quote ? letter == quote : letter == '"' || letter == '\'') {
+            quote = quote ? 0 : letter;
             hasWord = true;
-        } else if (letter == '\\' && isQuoted && i + 1 < exec.size()) {
+        } else if (letter == '\\' && quote == '"' && i + 1 < exec.size()) {
             word += exec[++i];
-        } else if ((letter == ' ' || letter == '\t') && !isQuoted) {
+        } else if ((letter == ' ' || letter == '\t') && !quote) {
             if (hasWord)
                 words.push_back(std::move(word));
             word.clear();
@@ -49,24 +51,43 @@ bool isAssignment(std::string_view word)
     return equals != std::string_view::npos && equals > 0 && word.find('/') > equals;
 }
 
-/// What stands before the program when a command line sets its environment.
+bool isOneOf(std::string_view name, std::span<const std::string_view> names)
+{
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+bool isNumber(std::string_view word)
+{
+    return !word.empty() && word.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+/// What stands before the program when a command line sets the environment or the circumstances in
+/// which it runs.
 bool isPreamble(std::string_view word)
 {
-    return isAssignment(word) || word.starts_with('-') || baseName(word) == "env";
+    constexpr std::array<std::string_view, 14> runners{"env", "exec", "command", "nice", "ionice",
+        "nohup", "setsid", "time", "dbus-launch", "dbus-run-session", "prime-run", "gamemoderun",
+        "mangohud", "firejail"};
+    return isAssignment(word) || word.starts_with('-') || isNumber(word)
+        || isOneOf(baseName(word), runners);
+}
+
+/// A file that carries its whole application, named with version and machine.
+std::string bundledName(std::string_view name)
+{
+    const auto plain = withoutVersion(name);
+    return std::string{plain.substr(0, std::min(plain.find("-x86_64"), plain.find("-aarch64")))};
 }
 
 std::string withoutScriptEnding(std::string name)
 {
+    if (constexpr std::string_view ending = ".AppImage"; name.ends_with(ending))
+        return bundledName(name.substr(0, name.size() - ending.size()));
     for (const std::string_view ending : {".py", ".sh", ".pl", ".jar", ".js", ".rb", ".exe"}) {
         if (name.size() > ending.size() && name.ends_with(ending))
             return name.substr(0, name.size() - ending.size());
     }
     return name;
-}
-
-bool isOneOf(std::string_view name, std::span<const std::string_view> names)
-{
-    return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 /// Java's windows have the main class as their class, with hyphens for the dots.
@@ -88,16 +109,46 @@ std::string javaName(std::span<const std::string> arguments)
     return {};
 }
 
-/// The file that an interpreter is given. What follows -c or -m is no file.
-std::string scriptName(std::span<const std::string> arguments)
+/// A shell's script on the command line: what its first program is, after the likes of "cd".
+std::string inlineScriptName(std::string_view script)
 {
-    for (const auto& argument : arguments) {
+    constexpr std::array<std::string_view, 8> notTheProgram{
+        "cd", "export", "unset", "test", "[", "sleep", "umask", "."};
+    while (!script.empty()) {
+        const auto end = std::min(script.find_first_of(";&|\n"), script.size());
+        auto name = commandName(script.substr(0, end));
+        if (!name.empty() && !isOneOf(name, notTheProgram))
+            return name;
+        script.remove_prefix(std::min(end + 1, script.size()));
+    }
+    return {};
+}
+
+/// The file that an interpreter is given. What follows -m is no file, and what follows -c is only
+/// read where it is a shell's.
+std::string scriptName(std::string_view interpreter, std::span<const std::string> arguments)
+{
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const auto& argument = arguments[i];
+        const bool isInline = argument.starts_with('-') && argument.ends_with('c');
+        if (isInline && interpreter.ends_with("sh") && i + 1 < arguments.size())
+            return inlineScriptName(arguments[i + 1]);
         if (argument == "-c" || argument == "-m" || argument.starts_with('%'))
             return {};
         if (!argument.starts_with('-'))
             return withoutScriptEnding(baseName(argument));
     }
     return {};
+}
+
+/// The application that a package manager runs; a branch may follow its name.
+std::string packageName(std::span<const std::string> arguments)
+{
+    if (arguments.empty() || arguments.front() != "run")
+        return {};
+    const auto named = std::ranges::find_if(
+        arguments.begin() + 1, arguments.end(), [](auto& word) { return !word.starts_with('-'); });
+    return named == arguments.end() ? std::string{} : named->substr(0, named->find('/'));
 }
 
 }
@@ -126,10 +177,10 @@ std::string commandName(std::string_view exec)
     auto program = baseName(rest.front());
     if (!isInterpreter(program))
         return withoutScriptEnding(std::move(program));
-    if (program == "flatpak" || program == "snap")
-        return {}; // its id is the file's name already
     const auto arguments = rest.subspan(1);
-    return program.starts_with("java") ? javaName(arguments) : scriptName(arguments);
+    if (program == "flatpak" || program == "snap")
+        return packageName(arguments);
+    return program.starts_with("java") ? javaName(arguments) : scriptName(program, arguments);
 }
 
 }

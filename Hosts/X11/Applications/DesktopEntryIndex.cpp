@@ -1,7 +1,9 @@
 #include "Hosts/X11/Applications/DesktopEntryIndex.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <tuple>
 #include <utility>
 
 #include "Hosts/X11/Applications/FileReading.h"
@@ -14,6 +16,8 @@ constexpr int kDeepestFolder = 6;
 constexpr std::size_t kMostEntries = 20000;
 constexpr std::size_t kMostFolders = 500;
 constexpr std::string_view kEnding = ".desktop";
+/// Shorter, it is too little to go by.
+constexpr std::size_t kShortestCompactName = 3;
 
 char similarLetter(char letter)
 {
@@ -22,6 +26,59 @@ char similarLetter(char letter)
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
+bool isDigit(char letter)
+{
+    return letter >= '0' && letter <= '9';
+}
+
+bool isSeparator(char letter)
+{
+    return letter == '-' || letter == '_' || letter == ' ';
+}
+
+/// "2.10", "v1.0.3".
+bool isVersion(std::string_view word)
+{
+    if (word.starts_with('v'))
+        word.remove_prefix(1);
+    return !word.empty() && isDigit(word.front()) && word.find('.') != std::string_view::npos
+        && word.find_first_not_of("0123456789.") == std::string_view::npos;
+}
+
+/// Applications write their name in one word, in several, or with a version behind it.
+std::string compactName(std::string_view name)
+{
+    auto compact = similarName(withoutVersion(name));
+    std::erase_if(compact, [](char letter) {
+        return (letter >= 0 && letter < '0') || (letter > '9' && letter < 'a')
+            || (letter > 'z' && letter <= '~');
+    });
+    return compact;
+}
+
+}
+
+std::string_view withoutVersion(std::string_view name)
+{
+    for (std::size_t i = 1; i < name.size(); ++i) {
+        if (!isSeparator(name[i]))
+            continue;
+        const auto word = name.substr(i + 1);
+        if (isVersion(word.substr(0, word.find_first_of("-_ "))))
+            return name.substr(0, i);
+    }
+    return name;
+}
+
+std::string_view lastPart(std::string_view name)
+{
+    constexpr std::array<std::string_view, 6> generic{
+        "app", "application", "client", "desktop", "devel", "main"};
+    const auto dot = name.rfind('.');
+    if (dot == std::string_view::npos)
+        return {};
+    const auto part = name.substr(dot + 1);
+    return std::ranges::count(generic, similarName(part)) > 0 ? std::string_view{} : part;
 }
 
 std::string similarName(std::string_view name)
@@ -46,8 +103,10 @@ DesktopEntryIndex::DesktopEntryIndex(
     std::span<const std::string> folders, std::span<const std::string> languages)
     : m_languages(languages)
 {
-    for (const auto& folder : folders)
+    for (const auto& folder : folders) {
         list(folder, {}, 0);
+        ++m_listedFolder;
+    }
 }
 
 void DesktopEntryIndex::list(const std::string& folder, const std::string& idPrefix, int depth)
@@ -72,14 +131,19 @@ void DesktopEntryIndex::add(std::string id, std::string path)
 {
     if (m_entries.size() >= kMostEntries || m_entries.contains(id))
         return;
-    const auto position = m_entries.emplace(std::move(id), Entry{{}, {}}).first;
+    const auto position = m_entries.emplace(std::move(id), Entry{{}, {}, 0}).first;
     const auto& key = position->first;
-    position->second = Entry{key, std::move(path)};
+    position->second = Entry{key, std::move(path), m_listedFolder};
 
     const auto similar = similarName(key);
     m_bySimilarId[similar].push_back(&position->second);
-    if (const auto dot = similar.rfind('.'); dot != std::string::npos)
-        m_byLastPart[similar.substr(dot + 1)].push_back(&position->second);
+    const std::string part{lastPart(similar)};
+    if (!part.empty())
+        m_byLastPart[part].push_back(&position->second);
+    for (const auto& name : std::set{compactName(key), compactName(part)}) {
+        if (name.size() >= kShortestCompactName)
+            m_byCompactName[name].push_back(&position->second);
+    }
 }
 
 void DesktopEntryIndex::readAll() const
@@ -111,6 +175,11 @@ const DesktopEntryIndex::Entry* DesktopEntryIndex::withSimilarId(std::string_vie
 const DesktopEntryIndex::Entry* DesktopEntryIndex::withLastPart(std::string_view name) const
 {
     return onlyOf(usable(m_byLastPart, name));
+}
+
+const DesktopEntryIndex::Entry* DesktopEntryIndex::withCompactName(std::string_view name) const
+{
+    return onlyOf(usable(m_byCompactName, compactName(name)));
 }
 
 const DesktopEntryIndex::Entry* DesktopEntryIndex::declaringClass(
@@ -155,7 +224,7 @@ const DesktopEntryIndex::Entry* DesktopEntryIndex::onlyOf(Entries entries) const
     return entries.size() == 1 ? entries.front() : nullptr;
 }
 
-/// Of several that all say yes, the one of that very name, else the first that menus show.
+/// Of several that all say yes: one that menus show, of that very name, of the user's own.
 const DesktopEntryIndex::Entry* DesktopEntryIndex::bestOf(
     Entries entries, std::string_view name) const
 {
@@ -163,13 +232,10 @@ const DesktopEntryIndex::Entry* DesktopEntryIndex::bestOf(
         return nullptr;
     const auto similar = similarName(name);
     const auto rank = [&](const Entry* entry) {
-        if (similarName(entry->id()) == similar)
-            return 0;
-        return read(*entry)->isNoDisplay ? 2 : 1;
+        return std::tuple{read(*entry)->isNoDisplay, similarName(entry->id()) != similar,
+            entry->folder(), entry->id()};
     };
-    return *std::min_element(entries.begin(), entries.end(), [&](auto* a, auto* b) {
-        return std::pair{rank(a), a->id()} < std::pair{rank(b), b->id()};
-    });
+    return *std::ranges::min_element(entries, {}, rank);
 }
 
 }

@@ -19,16 +19,24 @@ class DesktopEntryIndex {
 public:
     class Entry {
     public:
-        Entry(std::string_view id, std::string path) : m_id(id), m_path(std::move(path)) { }
+        Entry(std::string_view id, std::string path, int folder)
+            : m_id(id)
+            , m_path(std::move(path))
+            , m_folder(folder)
+        {
+        }
 
         std::string_view id() const { return m_id; }
         const std::string& path() const { return m_path; }
+        /// Which of the folders it is in; the user's own comes first.
+        int folder() const { return m_folder; }
         /// Null when it counts as absent.
         const DesktopEntryFile* read(std::span<const std::string> languages) const;
 
     private:
         std::string_view m_id; ///< the key under which the index has it
         std::string m_path;
+        int m_folder;
         mutable bool m_isRead = false;
         mutable std::optional<DesktopEntryFile> m_file;
     };
@@ -41,6 +49,8 @@ public:
     const Entry* withSimilarId(std::string_view id) const;
     /// The only one whose reverse domain name ends in this.
     const Entry* withLastPart(std::string_view name) const;
+    /// The only one whose id, or the end of it, has these letters and digits, versions aside.
+    const Entry* withCompactName(std::string_view name) const;
     /// One that declares this class for its windows.
     const Entry* declaringClass(std::string_view windowClass) const;
     const Entry* declaringSimilarClass(std::string_view windowClass) const;
@@ -63,10 +73,12 @@ private:
     const Entry* bestOf(Entries, std::string_view name) const;
 
     std::span<const std::string> m_languages;
+    int m_listedFolder = 0;
     std::set<std::string> m_folders;
     std::map<std::string, Entry, std::less<>> m_entries; ///< by id
     Table m_bySimilarId;
     Table m_byLastPart;
+    Table m_byCompactName;
     mutable bool m_areAllRead = false;
     mutable Table m_byClass;
     mutable Table m_byCommand;
@@ -74,5 +86,12 @@ private:
 
 /// One spelling of names that differ in letter case, or in blanks for hyphens.
 std::string similarName(std::string_view name);
+
+/// The name up to a version such as "-2.10"; a number without a dot may be part of the name.
+std::string_view withoutVersion(std::string_view name);
+
+/// What stands behind the last dot, where a name is a reverse domain name that says something
+/// there: "org.example.desktop" does not. Else empty.
+std::string_view lastPart(std::string_view name);
 
 }
