@@ -383,6 +383,26 @@ TEST_F(BarViewModelTest, focusThroughAccessibilityAloneActivatesNobody)
                 raw(draft), raw(mail))));
 }
 
+// MARK: Stored applications
+
+TEST_F(BarViewModelTest, aStoredApplicationHasANameAndCanBeOpened)
+{
+    auto& infos = desktop.bundles().infos;
+    EXPECT_EQ(model().appName("mail"), "Mail") << "of its file";
+    infos[{"/Applications/Mail.app", "CFBundleName"}] = "Post";
+    EXPECT_EQ(model().appName("mail"), "Post");
+    infos[{"/Applications/Mail.app", "CFBundleDisplayName"}] = "Letters";
+    EXPECT_EQ(model().appName("mail"), "Letters");
+    EXPECT_EQ(model().appName("gone"), "gone");
+    EXPECT_TRUE(model().icon("mail"));
+    EXPECT_FALSE(model().icon("gone"));
+
+    model().launchApp("gone");
+    model().launchApp("mail");
+    EXPECT_THAT(desktop.workspace().opened(), ElementsAre("/Applications/Mail.app"));
+    EXPECT_THAT(model().bundleIDsWithWindows(kSpace), ElementsAre("editor", "mail"));
+}
+
 // MARK: What is reused
 
 // Faults: a chip or an item that is not made again though it changed.

@@ -23,6 +23,8 @@ public:
     Image runningApplicationIcon(ProcessID) const override;
     Image genericApplicationIcon() const override;
 
+    void openApplication(const ApplicationURL&) override;
+
     bool isSelfActive() const override;
     void activateSelf() override;
     bool activateCooperatively(ProcessID) override;

@@ -109,6 +109,16 @@ Image MacWorkspace::genericApplicationIcon() const
     return type ? makeImage([NSWorkspace.sharedWorkspace iconForContentType:type]) : nullptr;
 }
 
+void MacWorkspace::openApplication(const ApplicationURL& url)
+{
+    if (NSString* path = toSystem(url.path)) {
+        [NSWorkspace.sharedWorkspace
+            openApplicationAtURL:[NSURL fileURLWithPath:path]
+                   configuration:[NSWorkspaceOpenConfiguration configuration]
+               completionHandler:nil];
+    }
+}
+
 bool MacWorkspace::isSelfActive() const { return NSApp.active; }
 
 void MacWorkspace::activateSelf() { [NSApp activateIgnoringOtherApps:YES]; }

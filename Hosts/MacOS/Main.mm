@@ -1,6 +1,7 @@
 #include "Hosts/MacOS/Cocoa.h"
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/MacApplication.h"
+#include "Hosts/MacOS/MacBundles.h"
 #include "Hosts/MacOS/MacLoginItem.h"
 #include "Hosts/MacOS/MacSurfaces.h"
 #include "Hosts/MacOS/MacWorkspace.h"
@@ -56,6 +57,7 @@ int runBar(ControlChannel& control, Trace& trace)
     MacDisplays displays;
     const ScreenWatcher screenWatcher{displays};
     MacWorkspace workspace;
+    MacBundles bundles;
     MacScreenCapture screenCapture;
     MacSurfaces surfaces{windowServer, dispatch.main()};
     CoreTextText text;
@@ -68,6 +70,7 @@ int runBar(ControlChannel& control, Trace& trace)
         .windowServer = windowServer,
         .displays = displays,
         .workspace = workspace,
+        .bundles = bundles,
         .screenCapture = screenCapture,
         .application = application,
         .surfaces = surfaces,

@@ -70,11 +70,13 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-/// Each line is written out at once, so that the log is whole when something crashes.
+/// Each line begins with the seconds of a clock that never jumps, and is written out at once, so
+/// that the log is whole when something crashes.
 void traceTo(std::FILE* file, Trace& trace)
 {
     trace.setSink([file](std::string_view line) {
-        fmt::print(file, "{}\n", line);
+        std::chrono::duration<double> now = std::chrono::steady_clock::now().time_since_epoch();
+        fmt::print(file, "{:.6f} {}\n", now.count(), line);
         std::fflush(file);
     });
 }

@@ -7,6 +7,7 @@
 #include "Hosts/Posix/PosixFiles.h"
 #include "Hosts/X11/Applications/DesktopEntries.h"
 #include "Hosts/X11/Applications/Icons.h"
+#include "Hosts/X11/Applications/X11Bundles.h"
 #include "Hosts/X11/Applications/X11LoginItem.h"
 #include "Hosts/X11/Applications/XdgFolders.h"
 #include "Hosts/X11/Connection.h"
@@ -49,6 +50,7 @@ int runBar(ControlChannel& control, Trace& trace)
     X11Application application{*connection};
     X11Surfaces surfaces{*connection, dispatch, monitors, environment, application.appearance()};
     DesktopServices desktop{*connection, dispatch, monitors, environment, entries, icons};
+    X11Bundles bundles{entries};
     posix::PosixFiles files{{configurationFolder(), /*keepsRejectedFiles=*/true}};
     X11LoginItem loginItem{files, X11LoginItem::userFile(), X11LoginItem::runningProgram()};
     return QuorvelApp::main({
@@ -57,6 +59,7 @@ int runBar(ControlChannel& control, Trace& trace)
         .windowServer = desktop.windowServer(),
         .displays = desktop.displays(),
         .workspace = desktop.workspace(),
+        .bundles = bundles,
         .screenCapture = desktop.screenCapture(),
         .application = application,
         .surfaces = surfaces,

@@ -1,10 +1,12 @@
 #include "Quorvel/Core/BarViewModel.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 #include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Core/UserSettings.h"
+#include "Quorvel/Platform/Bundles.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/WindowStore.h"
@@ -50,6 +52,7 @@ BarViewModel::BarViewModel(WindowStore& windowStore, UserSettings& settings,
     , m_windowServer(platform.windowServer)
     , m_displays(platform.displays)
     , m_workspace(platform.workspace)
+    , m_bundles(platform.bundles)
     , m_trace(platform.trace)
     , m_spaceWindows(platform.windowServer, platform.displays)
     , m_calls(platform.accessibility)
@@ -98,6 +101,8 @@ void BarViewModel::publish(std::optional<WindowID> focused)
     // To come to a window is to have seen what it asked for.
     if (focused && m_badgeService.attentionWindows().value().contains(*focused))
         m_badgeService.clearAttention(*focused);
+    if (focused != focusedWindowID.value())
+        m_trace.line("published focus id={}", orNil(focused));
     focusedWindowID.set(focused);
     findBundlesWithAttentionWindows();
     updateItems(updateChips());
@@ -305,6 +310,26 @@ WindowID BarViewModel::nextWindow(SpaceID space, const GroupedChipData& group) c
     if (focused == order.end())
         return group.windowIDs.front();
     return std::next(focused) == order.end() ? order.front() : *std::next(focused);
+}
+
+// MARK: Stored applications
+
+std::string BarViewModel::appName(const std::string& bundleIdentifier) const
+{
+    auto url = m_workspace.applicationURL(bundleIdentifier);
+    if (!url)
+        return bundleIdentifier;
+    for (auto key : {"CFBundleDisplayName", "CFBundleName"}) {
+        if (auto name = m_bundles.infoString(*url, key))
+            return *name;
+    }
+    return std::filesystem::path{url->path}.stem().string();
+}
+
+void BarViewModel::launchApp(const std::string& bundleID)
+{
+    if (auto url = m_workspace.applicationURL(bundleID))
+        m_workspace.openApplication(*url);
 }
 
 // MARK: One screen of several

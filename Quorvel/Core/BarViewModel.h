@@ -73,6 +73,10 @@ public:
 
     /// Null if no such application is stored.
     Image icon(const std::string& bundleIdentifier) const { return m_icons.icon(bundleIdentifier); }
+    /// The stored application's own name for itself, else its file's, else the identifier.
+    std::string appName(const std::string& bundleIdentifier) const;
+    /// Nothing happens if no such application is stored.
+    void launchApp(const std::string& bundleID);
 
     void activateWindow(WindowID, FocusBeforeActivation);
     /// Gives the window the focus without activating its application. The context is for the trace.
@@ -131,6 +135,7 @@ private:
     WindowServer& m_windowServer;
     Displays& m_displays;
     Workspace& m_workspace;
+    const Bundles& m_bundles;
     const Trace& m_trace;
     SpaceWindows m_spaceWindows;
     AXCalls m_calls;

@@ -209,6 +209,7 @@ void BarViewModel::minimizeWindow(WindowID id)
         return;
     AXCalls::Scan hungOnlyOnce(m_calls);
     auto pid = window->pid;
+    m_trace.line("minimizeWindow begin id={} pid={}", raw(id), raw(pid));
     if (m_pendingFocusedWindowID == id) {
         dropPendingFocus();
         m_activationRetry = {};

@@ -4,6 +4,7 @@ namespace quorvel {
 
 class Accessibility;
 class Application;
+class Bundles;
 class ControlChannel;
 class Dispatch;
 class Displays;
@@ -39,6 +40,7 @@ struct Platform {
     WindowServer& windowServer;
     Displays& displays;
     Workspace& workspace;
+    Bundles& bundles;
     ScreenCapture& screenCapture;
     Application& application;
     Surfaces& surfaces;

@@ -49,6 +49,9 @@ public:
     virtual Image runningApplicationIcon(ProcessID) const = 0;
     virtual Image genericApplicationIcon() const = 0;
 
+    /// Starts the application, or brings the running one to the front.
+    virtual void openApplication(const ApplicationURL&) = 0;
+
     /// Whether this program is the active application.
     virtual bool isSelfActive() const = 0;
     virtual void activateSelf() = 0;

@@ -16,8 +16,9 @@ FakeDesktop::FakeDesktop()
 
 Platform FakeDesktop::platform()
 {
-    return {m_dispatch, m_accessibility, m_windowServer, m_displays, m_workspace, m_screenCapture,
-        m_program, m_surfaces, m_text, m_control, m_files, m_loginItem, m_launchServices, m_trace};
+    return {m_dispatch, m_accessibility, m_windowServer, m_displays, m_workspace, m_bundles,
+        m_screenCapture, m_program, m_surfaces, m_text, m_control, m_files, m_loginItem,
+        m_launchServices, m_trace};
 }
 
 FakeApplication& FakeDesktop::application(ProcessID pid)

@@ -81,6 +81,7 @@ public:
     FakeWindowServer& windowServer() { return m_windowServer; }
     FakeDisplays& displays() { return m_displays; }
     FakeWorkspace& workspace() { return m_workspace; }
+    FakeBundles& bundles() { return m_bundles; }
     FakeScreenCapture& screenCapture() { return m_screenCapture; }
     FakeProgram& program() { return m_program; }
     FakeSurfaces& surfaces() { return m_surfaces; }
@@ -143,6 +144,7 @@ private:
     FakeWindowServer m_windowServer{*this};
     FakeDisplays m_displays{*this};
     FakeWorkspace m_workspace{*this};
+    FakeBundles m_bundles;
     FakeScreenCapture m_screenCapture;
     FakeProgram m_program{m_dispatch};
     FakeSurfaces m_surfaces{*this};

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "Quorvel/Platform/Bundles.h"
 #include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel::test {
@@ -14,6 +15,18 @@ class FakeDesktop;
 struct FakeImage final : PlatformImage {
     explicit FakeImage(std::string text) : name(std::move(text)) { }
     std::string name;
+};
+
+/// What stored applications say of themselves.
+struct FakeBundles final : Bundles {
+    std::optional<std::string> infoString(
+        const ApplicationURL& url, std::string_view key) const override
+    {
+        auto found = infos.find({url.path, std::string{key}});
+        return found == infos.end() ? std::nullopt : std::optional{found->second};
+    }
+
+    std::map<std::pair<std::string, std::string>, std::string> infos; ///< by path and key
 };
 
 /// The running and the installed applications.
@@ -29,6 +42,7 @@ public:
     Image icon(const ApplicationURL&) const override;
     Image runningApplicationIcon(ProcessID) const override;
     Image genericApplicationIcon() const override;
+    void openApplication(const ApplicationURL& url) override { m_opened.push_back(url.path); }
     bool isSelfActive() const override { return m_isSelfActive; }
     void activateSelf() override { m_isSelfActive = true; }
     bool activateCooperatively(ProcessID) override;
@@ -47,6 +61,7 @@ public:
         friend bool operator==(const Activated&, const Activated&) = default;
     };
     const std::vector<Activated>& activations() const { return m_activations; }
+    const std::vector<std::string>& opened() const { return m_opened; }
     /// Icons that were looked up; a cache should keep this low.
     int iconLookups() const { return m_iconLookups; }
 
@@ -58,6 +73,7 @@ private:
     bool m_isSelfActive = false;
     std::map<std::string, std::string, std::less<>> m_installed;
     std::vector<Activated> m_activations;
+    std::vector<std::string> m_opened;
     mutable std::map<std::string, Image> m_images;
     mutable int m_iconLookups = 0;
 };

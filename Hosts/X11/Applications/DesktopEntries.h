@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Hosts/X11/Applications/DesktopEntryFile.h"
 #include "Hosts/X11/Applications/WindowIdentity.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Published.h"
@@ -38,6 +39,8 @@ public:
     std::optional<std::string> path(std::string_view bundleIdentifier) const;
     /// In the user's language.
     std::optional<std::string> name(std::string_view bundleIdentifier) const;
+    /// In the user's language. Also for a file elsewhere.
+    std::optional<std::string> nameInFile(std::string_view desktopFilePath) const;
     /// What the file names as its icon: a name to look up, or a path. Also for a file elsewhere.
     std::optional<std::string> icon(std::string_view desktopFilePath) const;
 
@@ -46,6 +49,7 @@ public:
 
 private:
     DesktopEntryIndex& index() const;
+    std::optional<DesktopEntryFile> readEntry(std::string_view path) const;
     void fileDidChange(std::string_view path);
     bool concernsApplications(std::string_view path) const;
     void refresh();

@@ -24,6 +24,7 @@ X11Workspace::X11Workspace(Connection& connection, const SharedModel& model, Mir
     , m_requests(requests)
     , m_entries(entries)
     , m_icons(icons)
+    , m_time(connection)
     , m_sleep([this] { didWake.emit(); })
 {
     m_subscriptions.push_back(mirror.applicationDidLaunch.subscribe(
@@ -103,6 +104,34 @@ Image X11Workspace::windowIcon(ProcessID pid) const
 Image X11Workspace::genericApplicationIcon() const
 {
     return m_icons.generic();
+}
+
+void X11Workspace::openApplication(const ApplicationURL& url)
+{
+    if (auto window = lastActiveWindow(url))
+        m_requests.activate(*window);
+    else
+        m_time.ask([this, path = url.path](auto time) { m_launcher.launch(path, time); });
+}
+
+std::optional<WindowID> X11Workspace::lastActiveWindow(const ApplicationURL& url) const
+{
+    std::vector<std::pair<WindowID, std::string>> candidates;
+    m_model.read([&](const DesktopModel& model) {
+        for (auto& [id, window] : model.windows) {
+            auto* owner = model.application(window.owner);
+            if (owner && window.isStandard && window.layer == 0)
+                candidates.emplace_back(id, owner->bundleIdentifier);
+        }
+    });
+    const Client* last = nullptr;
+    for (auto& [id, bundleIdentifier] : candidates) {
+        auto* client = m_mirror.clients().find(id);
+        if (client && (!last || client->activation > last->activation)
+            && m_entries.path(bundleIdentifier) == url.path)
+            last = client;
+    }
+    return last ? std::optional{last->id} : std::nullopt;
 }
 
 bool X11Workspace::isSelfActive() const

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "Hosts/X11/Applications/ApplicationLauncher.h"
 #include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Hosts/X11/Desktop/ServerTime.h"
 #include "Hosts/X11/Desktop/SleepWatch.h"
 #include "Quorvel/Platform/Workspace.h"
 
@@ -28,6 +30,9 @@ public:
     Image runningApplicationIcon(ProcessID) const override;
     Image genericApplicationIcon() const override;
 
+    /// An application with a window is brought to the front, on whatever space it is.
+    void openApplication(const ApplicationURL&) override;
+
     bool isSelfActive() const override;
     /// Only windows are active here: one of ours takes the focus when the user gives it.
     void activateSelf() override { }
@@ -36,6 +41,7 @@ public:
 
 private:
     Image windowIcon(ProcessID) const;
+    std::optional<WindowID> lastActiveWindow(const ApplicationURL&) const;
 
     Connection& m_connection;
     const SharedModel& m_model;
@@ -43,6 +49,8 @@ private:
     WindowRequests& m_requests;
     DesktopEntries& m_entries;
     Icons& m_icons;
+    ApplicationLauncher m_launcher;
+    ServerTime m_time;
     SleepWatch m_sleep;
     std::vector<Subscription> m_subscriptions;
 };

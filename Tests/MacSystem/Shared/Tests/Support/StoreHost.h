@@ -12,9 +12,9 @@ struct StoreHost : MacFixture {
     MacWindowServer macWindowServer = makeWindowServer();
     MacDisplays macDisplays;
     Platform platform{mac.dispatch(), macAccessibility, macWindowServer, macDisplays,
-        desktop.workspace(), desktop.screenCapture(), desktop.program(), desktop.surfaces(),
-        desktop.platform().text, desktop.control(), desktop.files(), desktop.loginItem(),
-        desktop.launchServices(), desktop.trace()};
+        desktop.workspace(), desktop.bundles(), desktop.screenCapture(), desktop.program(),
+        desktop.surfaces(), desktop.platform().text, desktop.control(), desktop.files(),
+        desktop.loginItem(), desktop.launchServices(), desktop.trace()};
     Subscription screensChanged = desktop.displays().parametersDidChange.subscribe(
         [this] { macDisplays.setScreens(desktop.displays().screens()); });
 
