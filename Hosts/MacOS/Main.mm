@@ -4,13 +4,13 @@
 #include "Hosts/MacOS/MacBundles.h"
 #include "Hosts/MacOS/MacLoginItem.h"
 #include "Hosts/MacOS/MacSurfaces.h"
+#include "Hosts/MacOS/MacWindowCapture.h"
 #include "Hosts/MacOS/MacWorkspace.h"
 #include "Hosts/MacOS/ScreenWatcher.h"
 #include "Hosts/MacOS/System/FdSource.h"
 #include "Hosts/MacOS/System/MacAccessibility.h"
 #include "Hosts/MacOS/System/MacDispatch.h"
 #include "Hosts/MacOS/System/MacLaunchServices.h"
-#include "Hosts/MacOS/System/MacScreenCapture.h"
 #include "Hosts/MacOS/System/MacWindowServer.h"
 #include "Hosts/MacOS/TextLine.h"
 #include "Hosts/Posix/Invocation.h"
@@ -58,7 +58,7 @@ int runBar(ControlChannel& control, Trace& trace)
     const ScreenWatcher screenWatcher{displays};
     MacWorkspace workspace;
     MacBundles bundles;
-    MacScreenCapture screenCapture;
+    MacWindowCapture screenCapture;
     MacSurfaces surfaces{windowServer, dispatch.main()};
     CoreTextText text;
     posix::PosixFiles files{{applicationSupportFolder(), /*keepsRejectedFiles=*/false}};

@@ -1,16 +1,72 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "Quorvel/Platform/Geometry.h"
+#include "Quorvel/Platform/Identifiers.h"
+#include "Quorvel/Platform/Image.h"
+
 namespace quorvel {
 
-/// Pictures of other applications' windows. Main thread.
+/// What a host hangs on a window that it can capture.
+struct CaptureNative {
+    virtual ~CaptureNative() = default;
+};
+
+struct ShareableWindow {
+    WindowID windowID{};
+    Rect frame; ///< points
+    std::shared_ptr<const CaptureNative> native;
+};
+
+/// The windows that can be captured, as they were when they were asked for.
+struct ShareableContent {
+    std::vector<ShareableWindow> windows;
+};
+
+/// The pixels that a picture gets. The window is scaled to them; the pointer is not in it.
+struct CaptureConfiguration {
+    int width = 1;
+    int height = 1;
+
+    friend bool operator==(const CaptureConfiguration&, const CaptureConfiguration&) = default;
+};
+
+/// A still picture of a window.
+struct WindowPicture {
+    Image image;
+    Size size; ///< points; as many as it has pixels
+
+    std::size_t bytes() const { return static_cast<std::size_t>(size.width * size.height) * 4; }
+};
+
+/// Pictures of other applications' windows. Permissions on the main thread; the rest from any
+/// thread, and it returns at once: the answer comes on any thread, perhaps inside the call. Systems
+/// are known to answer twice, never, or after the asker has gone.
 class ScreenCapture {
 public:
+    /// Null when the question failed.
+    using ContentHandler = std::function<void(std::shared_ptr<const ShareableContent>)>;
+    /// Absent when the capture failed.
+    using PictureHandler = std::function<void(std::optional<WindowPicture>)>;
+
     virtual ~ScreenCapture() = default;
 
     /// Whether the user lets this program record the screen; never asks.
     virtual bool preflightAccess() const = 0;
     /// Shows the system's own question, where there is one; true if access is given.
     virtual bool requestAccess() = 0;
+
+    /// Every window, on whatever space; slow on some systems.
+    virtual void getShareableContent(ContentHandler) = 0;
+    /// That window alone, without what covers it. Fails where the system has no picture of it, as
+    /// X11 has none of windows that are minimised or on another space.
+    virtual void captureImage(const ShareableWindow&, const CaptureConfiguration&, PictureHandler)
+        = 0;
 };
 
 }

@@ -13,6 +13,7 @@
 #include "Tests/Support/FakeLaunchServices.h"
 #include "Tests/Support/FakeLoginItem.h"
 #include "Tests/Support/FakeProgram.h"
+#include "Tests/Support/FakeScreenCapture.h"
 #include "Tests/Support/FakeSurfaces.h"
 #include "Tests/Support/FakeWindowServer.h"
 #include "Tests/Support/FakeWorkspace.h"
@@ -145,7 +146,7 @@ private:
     FakeDisplays m_displays{*this};
     FakeWorkspace m_workspace{*this};
     FakeBundles m_bundles;
-    FakeScreenCapture m_screenCapture;
+    FakeScreenCapture m_screenCapture{*this};
     FakeProgram m_program{m_dispatch};
     FakeSurfaces m_surfaces{*this};
     FakeText m_text;

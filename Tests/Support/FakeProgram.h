@@ -8,7 +8,6 @@
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Platform/Canvas.h"
 #include "Quorvel/Platform/ControlChannel.h"
-#include "Quorvel/Platform/ScreenCapture.h"
 
 namespace quorvel::test {
 
@@ -48,23 +47,6 @@ private:
     std::vector<std::string> m_warnings;
     bool m_didRun = false;
     bool m_isTerminated = false;
-};
-
-class FakeScreenCapture final : public ScreenCapture {
-public:
-    bool preflightAccess() const override { return m_isAllowed; }
-    bool requestAccess() override
-    {
-        ++m_requests;
-        return m_isAllowed;
-    }
-
-    void setAllowed(bool value) { m_isAllowed = value; }
-    int requests() const { return m_requests; }
-
-private:
-    bool m_isAllowed = true;
-    int m_requests = 0;
 };
 
 class FakeControlChannel final : public ControlChannel {

@@ -1,13 +1,13 @@
 #include "Hosts/X11/Desktop/DesktopServices.h"
 
 #include "Hosts/X11/Applications/LauncherBus.h"
+#include "Hosts/X11/Capture/X11ScreenCapture.h"
 #include "Hosts/X11/Desktop/Mirror.h"
 #include "Hosts/X11/Desktop/ObserverRegistry.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
 #include "Hosts/X11/Desktop/X11Accessibility.h"
 #include "Hosts/X11/Desktop/X11Displays.h"
 #include "Hosts/X11/Desktop/X11LaunchServices.h"
-#include "Hosts/X11/Desktop/X11ScreenCapture.h"
 #include "Hosts/X11/Desktop/X11WindowServer.h"
 #include "Hosts/X11/Desktop/X11Workspace.h"
 
@@ -23,6 +23,7 @@ struct DesktopServices::Parts {
         , windowServer(model, mirror, requests, environment)
         , displays(connection, monitors, mirror)
         , workspace(connection, model, mirror, requests, entries, icons)
+        , screenCapture(model, dispatch)
         , launchServices(model)
         , launcherBus(launchServices.entries(), entries,
               [this] { launchServices.answersMayHaveChanged.emit(); })

@@ -19,7 +19,7 @@ struct WindowPlace {
 
 /// Questions to the server that go out together: each call sends, `finish` reads all answers in the
 /// order of the questions, so that any number of them costs one round trip. A window that is gone
-/// answers with "absent". Main thread.
+/// answers with "absent". One thread.
 class RequestBatch {
 public:
     explicit RequestBatch(xcb_connection_t* connection) : m_connection(connection) { }

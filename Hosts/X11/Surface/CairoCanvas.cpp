@@ -6,6 +6,7 @@
 #include <pango/pangocairo.h>
 
 #include "Hosts/X11/IconImage.h"
+#include "Hosts/X11/PixelPicture.h"
 #include "Hosts/X11/Surface/SymbolPaths.h"
 #include "Hosts/X11/Surface/TextShaper.h"
 
@@ -34,6 +35,21 @@ double textStart(const Rect& box, const ShapedLine& line, TextAlignment alignmen
         return box.x + (box.width - line.width) / 2;
     bool isRight = (alignment == TextAlignment::trailing) != line.isRightToLeft;
     return isRight ? box.maxX() - line.width : box.x;
+}
+
+void drawPicture(cairo_t* cairo, const PixelPicture& picture, const Rect& box)
+{
+    if (box.isEmpty() || picture.width() < 1 || picture.height() < 1)
+        return;
+    cairo_save(cairo);
+    cairo_translate(cairo, box.x, box.y);
+    cairo_scale(cairo, box.width / picture.width(), box.height / picture.height());
+    cairo_set_source_surface(cairo, picture.surface(), 0, 0);
+    // At the edges, what lies outside the picture must not shine through.
+    cairo_pattern_set_extend(cairo_get_source(cairo), CAIRO_EXTEND_PAD);
+    cairo_rectangle(cairo, 0, 0, picture.width(), picture.height());
+    cairo_fill(cairo);
+    cairo_restore(cairo);
 }
 
 }
@@ -135,6 +151,8 @@ void CairoCanvas::fillGradient(
 
 void CairoCanvas::drawImage(const Image& image, const Rect& rect)
 {
+    if (auto* picture = dynamic_cast<const PixelPicture*>(image.get()))
+        return drawPicture(m_cairo.get(), *picture, toPixels(rect));
     auto* icon = dynamic_cast<const IconImage*>(image.get());
     if (!icon || rect.isEmpty())
         return;

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Hosts/MacOS/System/MacScreenCapture.h"
+
+namespace quorvel {
+
+/// Captures through ScreenCaptureKit, which is loaded with the first of them. Before macOS 14 it
+/// takes no still pictures: there the window server's own call does. Answers come on the system's
+/// queues, or never.
+class MacWindowCapture final : public MacScreenCapture {
+public:
+    void getShareableContent(ContentHandler) override;
+    void captureImage(const ShareableWindow&, const CaptureConfiguration&, PictureHandler) override;
+};
+
+}

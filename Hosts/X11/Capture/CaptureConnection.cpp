@@ -1,0 +1,107 @@
+#include "Hosts/X11/Capture/CaptureConnection.h"
+
+#include <bit>
+
+namespace quorvel::x11 {
+
+namespace {
+
+/// Pixmaps of windows came with this version.
+constexpr std::uint32_t kCompositeMinor = 2;
+
+xcb_screen_t* screenOf(xcb_connection_t* connection, int number)
+{
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; screens.rem > 0; --number, xcb_screen_next(&screens)) {
+        if (number == 0)
+            return screens.data;
+    }
+    return nullptr;
+}
+
+bool hasOurByteOrder(xcb_connection_t* connection)
+{
+    const bool isLittle = xcb_get_setup(connection)->image_byte_order == XCB_IMAGE_ORDER_LSB_FIRST;
+    return isLittle == (std::endian::native == std::endian::little);
+}
+
+bool hasComposite(xcb_connection_t* connection)
+{
+    const auto* extension = xcb_get_extension_data(connection, &xcb_composite_id);
+    if (!extension || !extension->present)
+        return false;
+    const ReplyPointer<xcb_composite_query_version_reply_t> version{
+        xcb_composite_query_version_reply(
+            connection, xcb_composite_query_version(connection, 0, kCompositeMinor), nullptr)};
+    return version && (version->major_version > 0 || version->minor_version >= kCompositeMinor);
+}
+
+}
+
+std::unique_ptr<CaptureConnection> CaptureConnection::open()
+{
+    int number = 0;
+    auto* connection = xcb_connect(nullptr, &number);
+    xcb_screen_t* screen = nullptr;
+    if (!xcb_connection_has_error(connection) && hasOurByteOrder(connection)
+        && hasComposite(connection))
+        screen = screenOf(connection, number);
+    if (!screen) {
+        xcb_disconnect(connection);
+        return nullptr;
+    }
+    return std::unique_ptr<CaptureConnection>{new CaptureConnection{connection, screen}};
+}
+
+CaptureConnection::CaptureConnection(xcb_connection_t* connection, xcb_screen_t* screen)
+    : m_connection(connection)
+    , m_screen(screen)
+    , m_atoms(Atoms::intern(connection))
+{
+}
+
+CaptureConnection::~CaptureConnection()
+{
+    xcb_disconnect(m_connection);
+}
+
+bool CaptureConnection::succeeds(xcb_void_cookie_t cookie) const
+{
+    const ReplyPointer<xcb_generic_error_t> error{xcb_request_check(m_connection, cookie)};
+    return !error && !xcb_connection_has_error(m_connection);
+}
+
+bool CaptureConnection::canRead(std::uint8_t depth) const
+{
+    if (depth != 24 && depth != 32)
+        return false;
+    auto formats = xcb_setup_pixmap_formats_iterator(xcb_get_setup(m_connection));
+    for (; formats.rem > 0; xcb_format_next(&formats)) {
+        if (formats.data->depth == depth)
+            return formats.data->bits_per_pixel == 32;
+    }
+    return false;
+}
+
+bool CaptureConnection::hasUsualColours(xcb_visualid_t wanted) const
+{
+    auto depths = xcb_screen_allowed_depths_iterator(m_screen);
+    for (; depths.rem > 0; xcb_depth_next(&depths)) {
+        auto visuals = xcb_depth_visuals_iterator(depths.data);
+        for (; visuals.rem > 0; xcb_visualtype_next(&visuals)) {
+            const auto& visual = *visuals.data;
+            if (visual.visual_id == wanted)
+                return visual.red_mask == 0xFF0000 && visual.green_mask == 0xFF00
+                    && visual.blue_mask == 0xFF;
+        }
+    }
+    return false;
+}
+
+void CaptureConnection::dropEvents() const
+{
+    while (auto* event = xcb_poll_for_event(m_connection))
+        std::free(event);
+}
+
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+#include <optional>
+
+#include <xcb/composite.h>
+#include <xcb/xcb.h>
+
+#include "Hosts/X11/Atoms.h"
+
+namespace quorvel::x11 {
+
+struct FreeReply {
+    void operator()(void* reply) const { std::free(reply); }
+};
+template <typename Reply> using ReplyPointer = std::unique_ptr<Reply, FreeReply>;
+
+/// The connection over which pictures come, so that the bar's own never waits for one. One thread.
+class CaptureConnection {
+public:
+    /// Null where the server cannot keep windows as pictures, or gives pixels that we cannot read.
+    static std::unique_ptr<CaptureConnection> open();
+    ~CaptureConnection();
+    CaptureConnection(const CaptureConnection&) = delete;
+    CaptureConnection& operator=(const CaptureConnection&) = delete;
+
+    xcb_connection_t* raw() const { return m_connection; }
+    xcb_window_t root() const { return m_screen->root; }
+    const xcb_screen_t& screen() const { return *m_screen; }
+    const Atoms& atoms() const { return m_atoms; }
+
+    /// Whether the request was carried out. Waits for the server.
+    bool succeeds(xcb_void_cookie_t) const;
+    /// Whether a pixel of this depth is 32 bits wide.
+    bool canRead(std::uint8_t depth) const;
+    /// Whether red, green and blue lie where cairo has them.
+    bool hasUsualColours(xcb_visualid_t) const;
+    /// Forgets what the server told without being asked: every client is told of some things.
+    void dropEvents() const;
+
+private:
+    CaptureConnection(xcb_connection_t*, xcb_screen_t*);
+
+    xcb_connection_t* m_connection;
+    xcb_screen_t* m_screen;
+    Atoms m_atoms;
+};
+
+}

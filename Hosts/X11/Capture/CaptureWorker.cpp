@@ -1,0 +1,71 @@
+#include "Hosts/X11/Capture/CaptureWorker.h"
+
+#include <iterator>
+#include <utility>
+
+namespace quorvel::x11 {
+
+void CaptureWorker::capture(xcb_window_t client, const CaptureConfiguration& configuration,
+    ScreenCapture::PictureHandler handler)
+{
+    if (!connect())
+        return handler({});
+    keepConnected();
+    m_connection->dropEvents();
+    m_waiting.push_back({client, configuration, std::move(handler), nullptr, {}});
+    beginWaiting();
+}
+
+bool CaptureWorker::connect()
+{
+    if (m_connection)
+        return true;
+    m_connection = CaptureConnection::open();
+    if (m_connection)
+        m_reader = std::make_unique<PixmapReader>(*m_connection);
+    return m_connection != nullptr;
+}
+
+void CaptureWorker::keepConnected()
+{
+    m_disconnect = m_queue.after(kIdleTime, [this] {
+        m_reader.reset();
+        m_connection.reset();
+    });
+}
+
+void CaptureWorker::beginWaiting()
+{
+    while (!m_waiting.empty() && m_repainting.size() < kRepaintingAtOnce) {
+        auto job = std::move(m_waiting.front());
+        m_waiting.pop_front();
+        begin(std::move(job));
+    }
+}
+
+void CaptureWorker::begin(Job job)
+{
+    job.capture = std::make_unique<WindowCapture>(*m_connection, job.client);
+    const auto progress = job.capture->begin();
+    if (progress == WindowCapture::Progress::failed)
+        return job.handler({});
+    if (progress == WindowCapture::Progress::ready)
+        return finish(std::move(job));
+    const auto at = m_repainting.insert(m_repainting.end(), std::move(job));
+    at->repainted = m_queue.after(kRepaintTime, [this, at] {
+        auto repainted = std::move(*at);
+        m_repainting.erase(at);
+        finish(std::move(repainted));
+        beginWaiting();
+    });
+}
+
+void CaptureWorker::finish(Job job)
+{
+    auto picture = job.capture->finish(*m_reader, job.configuration);
+    job.capture.reset();
+    keepConnected();
+    job.handler(std::move(picture));
+}
+
+}

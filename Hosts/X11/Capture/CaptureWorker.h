@@ -1,0 +1,56 @@
+#pragma once
+
+#include <deque>
+#include <list>
+#include <memory>
+
+#include <xcb/xcb.h>
+
+#include "Hosts/X11/Capture/CaptureConnection.h"
+#include "Hosts/X11/Capture/PixmapReader.h"
+#include "Hosts/X11/Capture/WindowCapture.h"
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/ScreenCapture.h"
+
+namespace quorvel::x11 {
+
+/// Takes pictures one after another; while one waits for its client, the next ones begin. Lives on
+/// its queue.
+class CaptureWorker {
+public:
+    /// What a client gets to draw the part of its window that was covered.
+    static constexpr Duration kRepaintTime = seconds(0.06);
+    /// While they wait, the server keeps each in its full size.
+    static constexpr std::size_t kRepaintingAtOnce = 4;
+    /// When nothing was captured for so long, nothing is kept for it.
+    static constexpr Duration kIdleTime = seconds(3);
+
+    explicit CaptureWorker(Queue& queue) : m_queue(queue) { }
+
+    void capture(xcb_window_t client, const CaptureConfiguration&, ScreenCapture::PictureHandler);
+
+private:
+    struct Job {
+        xcb_window_t client = XCB_WINDOW_NONE;
+        CaptureConfiguration configuration;
+        ScreenCapture::PictureHandler handler;
+        std::unique_ptr<WindowCapture> capture;
+        WorkItem repainted;
+    };
+    using Jobs = std::list<Job>;
+
+    bool connect();
+    void keepConnected();
+    void beginWaiting();
+    void begin(Job);
+    void finish(Job);
+
+    Queue& m_queue;
+    std::unique_ptr<CaptureConnection> m_connection;
+    std::unique_ptr<PixmapReader> m_reader;
+    std::deque<Job> m_waiting;
+    Jobs m_repainting;
+    WorkItem m_disconnect;
+};
+
+}

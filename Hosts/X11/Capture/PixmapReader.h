@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+
+#include <xcb/shm.h>
+#include <xcb/xcb.h>
+
+namespace quorvel::x11 {
+
+class CaptureConnection;
+
+/// Reads pixels of 32 bits in bands of a few megabytes: a window as large as the screen needs no
+/// more memory than a small one, and the server has its other clients' turn between two bands.
+class PixmapReader {
+public:
+    static constexpr std::size_t kBandBytes = 4U << 20;
+
+    explicit PixmapReader(CaptureConnection&);
+    ~PixmapReader();
+    PixmapReader(const PixmapReader&) = delete;
+    PixmapReader& operator=(const PixmapReader&) = delete;
+
+    struct Area {
+        int x = 0;
+        int y = 0;
+        int width = 0;
+        int height = 0;
+    };
+    using OnRow = std::function<void(std::span<const std::uint32_t>)>;
+    /// Row by row from the top; false if the server did not give all of them.
+    bool read(xcb_pixmap_t, const Area&, const OnRow&);
+
+private:
+    void shareMemory();
+    bool readBand(xcb_pixmap_t, const Area&, const OnRow&);
+    bool readShared(xcb_pixmap_t, const Area&, const OnRow&);
+
+    CaptureConnection& m_connection;
+    void* m_memory = nullptr;
+    xcb_shm_seg_t m_segment = 0; ///< 0: the server is another machine's
+};
+
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+
+#include <xcb/xcb.h>
+
+#include "Hosts/X11/Capture/PixmapReader.h"
+#include "Quorvel/Platform/ScreenCapture.h"
+
+namespace quorvel::x11 {
+
+/// One picture of one client, decoration included.
+///
+/// A server draws windows right onto the screen, where others cover them; what is covered is
+/// nowhere. Only a window that is redirected has its picture to itself, which lasts while the
+/// window is mapped. A compositor redirects every window for itself. Without one this redirects the
+/// window for as long as the capture takes: the server then asks the client to draw what was
+/// covered.
+class WindowCapture {
+public:
+    enum class Progress { failed, waitsForClient, ready };
+
+    WindowCapture(CaptureConnection&, xcb_window_t client);
+    ~WindowCapture();
+    WindowCapture(const WindowCapture&) = delete;
+    WindowCapture& operator=(const WindowCapture&) = delete;
+
+    Progress begin();
+    /// Absent when the window has gone or nobody may look at it.
+    std::optional<WindowPicture> finish(PixmapReader&, const CaptureConfiguration& largest);
+
+private:
+    using Area = PixmapReader::Area;
+
+    bool findTopLevel();
+    bool isViewable(xcb_window_t) const;
+    bool redirect();
+    bool namePixmap();
+    bool isFullyShown() const;
+    /// The client and its decoration, without the shadow that some draw around themselves.
+    std::optional<Area> areaInTopLevel() const;
+
+    CaptureConnection& m_connection;
+    const xcb_window_t m_client;
+    xcb_window_t m_topLevel = XCB_WINDOW_NONE; ///< the ancestor below the root
+    bool m_isRedirected = false; ///< by us
+    xcb_pixmap_t m_pixmap = XCB_PIXMAP_NONE;
+};
+
+}

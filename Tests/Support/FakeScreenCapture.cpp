@@ -1,0 +1,57 @@
+#include "Tests/Support/FakeScreenCapture.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "Tests/Support/FakeDesktop.h"
+
+namespace quorvel::test {
+
+void FakeScreenCapture::answer(
+    const Manner& manner, const std::function<void(bool succeeded)>& handler)
+{
+    if (manner.answers == Answers::never)
+        return;
+    auto give = [handler, answers = manner.answers] {
+        handler(answers != Answers::withFailure);
+        if (answers == Answers::twice)
+            handler(true);
+    };
+    if (manner.delay == Duration::zero())
+        give();
+    else
+        m_late.push_back(m_desktop.dispatch().world().after(manner.delay, give));
+}
+
+void FakeScreenCapture::getShareableContent(ContentHandler handler)
+{
+    ++m_contentRequests;
+    auto content = std::make_shared<ShareableContent>();
+    for (auto& [id, window] : m_desktop.model().windows)
+        content->windows.push_back({id, window->frame, nullptr});
+    answer(m_content, [handler = std::move(handler), content, this](bool succeeded) {
+        handler(succeeded && m_isAllowed ? content : nullptr);
+    });
+}
+
+void FakeScreenCapture::captureImage(const ShareableWindow& window,
+    const CaptureConfiguration& configuration, PictureHandler handler)
+{
+    m_captured.push_back({window.windowID, configuration});
+    answer(m_captures,
+        [this, id = window.windowID, configuration, handler = std::move(handler)](bool succeeded) {
+            if (!succeeded || !m_isAllowed || !m_desktop.model().window(id))
+                return handler({});
+            handler(WindowPicture{std::make_shared<FakePicture>(id, m_desktop.dispatch().now()),
+                {double(configuration.width), double(configuration.height)}});
+        });
+}
+
+std::vector<WindowID> FakeScreenCapture::capturedWindows() const
+{
+    std::vector<WindowID> windows;
+    std::ranges::transform(m_captured, std::back_inserter(windows), &Captured::window);
+    return windows;
+}
+
+}
