@@ -4,6 +4,7 @@
 
 #include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Core/BarManager.h"
+#include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Accessibility.h"
 #include "Quorvel/Platform/Application.h"
@@ -73,6 +74,20 @@ BadgeService& Runtime::badgeService()
 BadgeService& BadgeService::shared()
 {
     return Runtime::current().badgeService();
+}
+
+ThumbnailService& Runtime::thumbnailService()
+{
+    if (!m_thumbnailService) {
+        m_thumbnailService = std::make_unique<ThumbnailService>(
+            m_platform.dispatch, m_platform.screenCapture, m_platform.displays);
+    }
+    return *m_thumbnailService;
+}
+
+ThumbnailService& ThumbnailService::shared()
+{
+    return Runtime::current().thumbnailService();
 }
 
 WindowStore& Runtime::windowStore()

@@ -19,6 +19,7 @@ class AXObserverManager;
 class BadgeService;
 class BarManager;
 class LaunchCoordinator;
+class ThumbnailService;
 class UserSettings;
 class WindowStore;
 
@@ -36,6 +37,7 @@ public:
     const Platform& platform() const { return m_platform; }
     UserSettings& userSettings();
     BadgeService& badgeService();
+    ThumbnailService& thumbnailService();
     WindowStore& windowStore();
     AXObserverManager& axManager();
     /// Null until the main runtime has started.
@@ -49,6 +51,7 @@ private:
     Platform m_platform;
     std::unique_ptr<UserSettings> m_userSettings;
     std::unique_ptr<BadgeService> m_badgeService;
+    std::unique_ptr<ThumbnailService> m_thumbnailService;
     std::unique_ptr<WindowStore> m_windowStore;
     std::unique_ptr<AXObserverManager> m_axManager;
     std::unique_ptr<BarManager> m_barManager;

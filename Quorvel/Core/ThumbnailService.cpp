@@ -1,0 +1,42 @@
+#include "Quorvel/Core/ThumbnailService.h"
+
+#include <utility>
+
+#include "Quorvel/Core/ThumbnailCaptures.h"
+
+namespace quorvel {
+
+ThumbnailService::ThumbnailService(
+    Dispatch& dispatch, ScreenCapture& screenCapture, const Displays& displays)
+    : m_captures(std::make_shared<ThumbnailCaptures>(dispatch, screenCapture, displays))
+{
+}
+
+ThumbnailService::~ThumbnailService() = default;
+
+Subscription ThumbnailService::thumbnail(WindowID id, Completion completion)
+{
+    auto asker = std::make_shared<Completion>(std::move(completion));
+    const std::weak_ptr<Completion> weak = asker;
+    m_captures->thumbnail(
+        id, [weak] { return !weak.expired(); },
+        [weak, &main = m_captures->dispatch().main()](std::optional<WindowPicture> picture) {
+            main.async([weak, picture = std::move(picture)] {
+                if (auto asking = weak.lock())
+                    (*asking)(picture);
+            });
+        });
+    return Subscription{std::move(asker)};
+}
+
+std::optional<WindowPicture> ThumbnailService::cached(WindowID id) const
+{
+    return m_captures->staleCachedImage(id);
+}
+
+void ThumbnailService::prefetch(const std::vector<WindowID>& ids)
+{
+    m_captures->prefetch(ids);
+}
+
+}
