@@ -30,6 +30,8 @@ struct DesktopServices::Parts {
         , attentionChanged(mirror.attentionDidChange.subscribe(
               [this] { launchServices.answersMayHaveChanged.emit(); }))
     {
+        requests.onActivationAsked
+            = [this](std::optional<WindowID> window) { mirror.expectFocus(window); };
     }
 
     SharedModel model;

@@ -47,6 +47,8 @@ public:
     ProcessTable& processes() { return m_processes; }
     /// Whether this program made the window.
     bool isOwn(xcb_window_t) const;
+    /// The manager is being asked to activate this window, or to take the focus from one.
+    void expectFocus(std::optional<WindowID> window) { m_focus.expect(window, m_dispatch.now()); }
     bool isSelfActive() const { return m_focus.isOwnWindowActive(); }
 
     /// Announcements, in this order within a turn; the model says it already.

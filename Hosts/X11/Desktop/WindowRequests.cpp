@@ -41,6 +41,8 @@ void WindowRequests::activate(WindowID window)
 {
     m_wishes.activation = window;
     m_wishes.minimized.erase(window);
+    if (onActivationAsked)
+        onActivationAsked(window);
     wish();
 }
 
@@ -55,6 +57,8 @@ void WindowRequests::minimize(WindowID window)
     m_wishes.minimized[window] = true;
     if (m_wishes.activation == window)
         m_wishes.activation.reset();
+    if (onActivationAsked)
+        onActivationAsked(std::nullopt);
     wish();
 }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 
@@ -22,6 +23,9 @@ class RootState;
 class WindowRequests {
 public:
     WindowRequests(Connection&, Monitors&, Clients&, const RootState&, SharedModel&);
+
+    /// Called when the activation of a window is asked for, or, without one, no longer wanted.
+    std::function<void(std::optional<WindowID>)> onActivationAsked;
 
     /// Raises, focuses and restores the window, with a switch to its space if need be.
     void activate(WindowID);
