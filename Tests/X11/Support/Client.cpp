@@ -55,6 +55,8 @@ void Client::describe(xcb_window_t window, const WindowOptions& options)
         m_connection.setNumbers(window, "_NET_WM_PID", "CARDINAL", {*options.pid});
     if (options.machine)
         m_connection.setText(window, "WM_CLIENT_MACHINE", "STRING", *options.machine);
+    if (options.userTime)
+        m_connection.setNumbers(window, "_NET_WM_USER_TIME", "CARDINAL", {*options.userTime});
     if (options.answersClose)
         m_connection.setNumbers(
             window, "WM_PROTOCOLS", "ATOM", {m_connection.atom("WM_DELETE_WINDOW")});

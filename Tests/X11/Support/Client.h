@@ -25,6 +25,7 @@ struct WindowOptions {
     std::optional<std::uint32_t> pid = {}; ///< of _NET_WM_PID
     std::optional<std::string> machine = {}; ///< of WM_CLIENT_MACHINE
     std::optional<xcb_window_t> number = {}; ///< one that it had before
+    std::optional<std::uint32_t> userTime = {}; ///< 0: it wants no focus when it comes
     bool answersClose = false; ///< else a manager that closes the window cuts the connection
 };
 

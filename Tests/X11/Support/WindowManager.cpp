@@ -1,12 +1,37 @@
 #include "Tests/X11/Support/WindowManager.h"
 
+#include <filesystem>
+#include <fstream>
+
 #include "Tests/X11/Support/Eventually.h"
 
 namespace quorvel::x11tests {
 
+namespace {
+
+/// Its own taskbar lies where ours does.
+void writeSettingsOfIcewm(const std::filesystem::path& home)
+{
+    const auto folder = home / "config" / "icewm";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "preferences") << "ShowTaskBar=0\n";
+}
+
+}
+
 std::string nameOf(ManagerKind kind)
 {
-    return kind == ManagerKind::openbox ? "openbox" : "xfwm4";
+    switch (kind) {
+    case ManagerKind::openbox:
+        return "openbox";
+    case ManagerKind::xfwm4:
+        return "xfwm4";
+    case ManagerKind::metacity:
+        return "metacity";
+    case ManagerKind::icewm:
+        return "icewm";
+    }
+    return {};
 }
 
 WindowManager::WindowManager(const XServer& server, Desktop& desktop, ManagerKind kind)
@@ -53,6 +78,10 @@ std::unique_ptr<Process> WindowManager::launch(const std::vector<std::string>& a
     std::vector<std::string> command{nameOf(m_kind)};
     if (m_kind == ManagerKind::xfwm4)
         command.emplace_back("--compositor=off");
+    if (m_kind == ManagerKind::metacity)
+        command.emplace_back("--no-composite");
+    if (m_kind == ManagerKind::icewm)
+        writeSettingsOfIcewm(m_server.folder());
     command.insert(command.end(), arguments.begin(), arguments.end());
     const auto log = m_server.folder() / "manager.log";
     return std::make_unique<Process>(command, m_server.environment(), Outputs{{}, log});

@@ -9,7 +9,7 @@
 
 namespace quorvel::x11tests {
 
-enum class ManagerKind { openbox, xfwm4 };
+enum class ManagerKind { openbox, xfwm4, metacity, icewm };
 /// Prints the parameter in the names of tests.
 std::string nameOf(ManagerKind);
 

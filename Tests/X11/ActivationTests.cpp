@@ -1,0 +1,123 @@
+#include <array>
+#include <cstdlib>
+
+#include <xcb/xtest.h>
+
+#include "Tests/X11/Support/DesktopFixture.h"
+
+namespace quorvel::x11tests {
+
+/// A user who types in one window and then clicks another's chip. Managers let no window come
+/// between, unless the request says that the user wants it, and when.
+class Activation : public UnderEachManager {
+protected:
+    void SetUp() override
+    {
+        target = application.open({.title = "target", .applicationClass = "Target"});
+        other = otherApplication.open({.title = "other", .frame = {250, 150, 300, 200}});
+        ASSERT_TRUE(bar.appears());
+        ASSERT_TRUE(settles(bar));
+    }
+
+    testing::AssertionResult becomesActive(xcb_window_t window)
+    {
+        auto active = eventually(
+            2s, [&] { return desktop.activeWindow() == window && !desktop.isHidden(window); });
+        return active ? bar.agreesWith(desktop, 2s) : active << " for " << desktop.title(window);
+    }
+    void typeInOther()
+    {
+        desktop.activate(other);
+        ASSERT_TRUE(becomesActive(other));
+        auto* const connection = otherApplication.connection().get();
+        const std::uint32_t keys = XCB_EVENT_MASK_KEY_PRESS;
+        xcb_change_window_attributes(connection, other, XCB_CW_EVENT_MASK, &keys);
+        otherApplication.connection().sync();
+        // The focus follows the active window a moment later.
+        ASSERT_TRUE(eventually(2s, [&] { return pressKey(), takeKeyPress(); }));
+    }
+    /// Clicks the target's chip as the user would, with the keys still warm.
+    void clickTarget()
+    {
+        clickChip(bar, target);
+        EXPECT_TRUE(becomesActive(target));
+    }
+
+    Client application{server};
+    Client otherApplication{server};
+    Bar bar{server};
+    xcb_window_t target = XCB_NONE;
+    xcb_window_t other = XCB_NONE;
+
+private:
+    void pressKey()
+    {
+        constexpr std::uint8_t kLetter = 38;
+        auto& connection = desktop.connection();
+        for (const auto event : {XCB_KEY_PRESS, XCB_KEY_RELEASE})
+            xcb_test_fake_input(connection.get(), static_cast<std::uint8_t>(event), kLetter,
+                XCB_CURRENT_TIME, connection.root(), 0, 0, 0);
+        connection.sync();
+    }
+    /// What a toolkit does: it tells the manager when its user was last busy.
+    bool takeKeyPress()
+    {
+        bool isTaken = false;
+        auto& connection = otherApplication.connection();
+        connection.sync();
+        while (auto* const event = xcb_poll_for_event(connection.get())) {
+            if ((event->response_type & 0x7f) == XCB_KEY_PRESS) {
+                const auto time = reinterpret_cast<xcb_key_press_event_t*>(event)->time;
+                connection.setNumbers(other, "_NET_WM_USER_TIME", "CARDINAL", {time});
+                connection.sync();
+                isTaken = true;
+            }
+            std::free(event);
+        }
+        return isTaken;
+    }
+};
+
+// Faults: a request without a time, with a stale one or as an application's own, which managers
+// answer with a window that blinks; a window that is made active and not shown.
+TEST_P(Activation, bringsAWindowToTheFrontWhileTheUserTypesElsewhere)
+{
+    typeInOther();
+    clickTarget();
+
+    desktop.minimise(target);
+    ASSERT_TRUE(eventually(2s, [&] { return desktop.isHidden(target); }));
+    typeInOther();
+    clickTarget();
+
+    typeInOther();
+    desktop.setState(target, "_NET_WM_STATE_SHADED", true);
+    ASSERT_TRUE(settles(bar));
+    clickTarget();
+    desktop.setState(target, "_NET_WM_STATE_SHADED", false);
+
+    desktop.moveToDesktop(target, kAllDesktops);
+    typeInOther();
+    clickTarget();
+}
+
+// Fault: a window that asked for no focus when it came gets none when the user asks for it.
+TEST_P(Activation, bringsAWindowToTheFrontThatHasJustCome)
+{
+    typeInOther();
+    const auto late
+        = application.open({.title = "late", .applicationClass = "Target", .userTime = 0});
+    ASSERT_TRUE(eventually(2s, [&] {
+        const auto state = bar.state();
+        return state && state->chipOf(late);
+    }));
+    clickChip(bar, late);
+    EXPECT_TRUE(becomesActive(late));
+}
+
+INSTANTIATE_TEST_SUITE_P(, Activation,
+    testing::Values(
+        ManagerKind::openbox, ManagerKind::xfwm4, ManagerKind::metacity, ManagerKind::icewm),
+    managerName);
+
+}
