@@ -9,7 +9,8 @@ namespace quorvel {
 
 class MacWindowServer;
 
-/// A borderless panel at the Dock's level, on one space only.
+/// A borderless panel at the Dock's level, on one space only. A proxy on the space of a full-screen
+/// window lies among ordinary windows, has nothing to see and lets clicks through.
 ///
 /// No public call puts a window on a given space: it lands on the active one when it is ordered in,
 /// and is moved afterwards, which the window server lets a program do with its own windows.
@@ -24,6 +25,8 @@ public:
     Rect frame() const override;
     void orderFront() override;
     void orderOut() override;
+    void setCanBecomeKey(bool) override;
+    void makeKeyAndOrderFront() override;
     bool isVisible() const override;
     double scale() const override;
     void invalidate(const Rect&) override;

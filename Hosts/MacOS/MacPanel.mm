@@ -4,13 +4,15 @@
 #include "Hosts/MacOS/System/MacWindowServer.h"
 
 @interface QVPanel : NSPanel
+@property (nonatomic) BOOL mayBecomeKey;
 @end
 
 @implementation QVPanel
 
+// A borderless window could not by itself.
 - (BOOL)canBecomeKeyWindow
 {
-    return NO;
+    return self.mayBecomeKey;
 }
 
 - (BOOL)canBecomeMainWindow
@@ -48,10 +50,16 @@ QVPanel* makePanel(const PanelOptions& options)
     panel.movable = NO;
     panel.acceptsMouseMovedEvents = YES;
     panel.animationBehavior = NSWindowAnimationBehaviorNone;
-    panel.level = CGWindowLevelForKey(kCGDockWindowLevelKey);
+    const bool isProxy = options.kind == PanelKind::fullscreenProxy;
+    panel.level = CGWindowLevelForKey(isProxy ? kCGNormalWindowLevelKey : kCGDockWindowLevelKey);
     // Stationary: Mission Control hides windows above the normal level otherwise.
     panel.collectionBehavior = NSWindowCollectionBehaviorStationary
-        | NSWindowCollectionBehaviorIgnoresCycle | NSWindowCollectionBehaviorFullScreenNone;
+        | NSWindowCollectionBehaviorIgnoresCycle
+        | (isProxy ? NSWindowCollectionBehaviorFullScreenAuxiliary
+                   : NSWindowCollectionBehaviorFullScreenNone);
+    // Set even to NO, it would end the pass of clicks through what is transparent.
+    if (isProxy)
+        panel.ignoresMouseEvents = YES;
     if (NSString* title = toSystem(options.title))
         panel.title = title;
     return panel;
@@ -103,6 +111,14 @@ void MacPanel::orderOut()
 {
     [m_view cancelPress];
     [m_panel orderOut:nil];
+}
+
+void MacPanel::setCanBecomeKey(bool canBecomeKey) { m_panel.mayBecomeKey = canBecomeKey; }
+
+void MacPanel::makeKeyAndOrderFront()
+{
+    orderFront();
+    [m_panel makeKeyWindow];
 }
 
 bool MacPanel::isVisible() const { return m_panel.visible && m_panel.onActiveSpace; }

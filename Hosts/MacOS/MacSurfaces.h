@@ -19,6 +19,7 @@ public:
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
     void popUpMenu(PanelSurface&, Menu, const Rect& anchor) override;
+    Subscription monitorPointer(PointerScope, std::function<void()>) override;
 
 private:
     const MacWindowServer& m_windowServer;

@@ -86,6 +86,25 @@ std::unique_ptr<PanelSurface> MacSurfaces::createPanel(
     return std::make_unique<MacPanel>(m_windowServer, options, client);
 }
 
+Subscription MacSurfaces::monitorPointer(PointerScope scope, std::function<void()> handler)
+{
+    id monitor = nil;
+    if (scope == PointerScope::ownWindows) {
+        monitor = [NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskMouseMoved
+                                                        handler:^NSEvent*(NSEvent* event) {
+                                                            handler();
+                                                            return event;
+                                                        }];
+    } else {
+        monitor = [NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskMouseMoved
+                                                         handler:^(NSEvent*) { handler(); }];
+    }
+    if (!monitor)
+        return {};
+    return Subscription{std::shared_ptr<void>{(__bridge_retained void*)monitor,
+        [](void* object) { [NSEvent removeMonitor:(__bridge_transfer id)object]; }}};
+}
+
 void MacSurfaces::popUpMenu(PanelSurface& surface, Menu menu, const Rect& anchor)
 {
     [m_menu cancel];

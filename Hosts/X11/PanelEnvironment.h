@@ -8,7 +8,7 @@
 namespace quorvel::x11 {
 
 /// What the panels' windows must know of the desktop: written by the mirror and the window server,
-/// read by the surfaces. Main thread.
+/// read by the surfaces, which ask for a space through it. Main thread.
 struct PanelEnvironment {
     Published<SpaceID> activeSpace;
     /// Monitors whose top window is full screen: the panel lies under it.
@@ -17,6 +17,8 @@ struct PanelEnvironment {
     Published<std::map<DisplayNumber, double>> dockHeights;
     /// Points to keep free at the bottom of every display while this space is the current one.
     Published<std::map<SpaceID, double>> edgeReservations;
+    /// A panel of another space wants to be seen.
+    Signal<SpaceID> spaceWanted;
 };
 
 }

@@ -8,6 +8,7 @@
 #include "Quorvel/Platform/Canvas.h"
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
+#include "Quorvel/Platform/Published.h"
 
 namespace quorvel {
 
@@ -42,11 +43,21 @@ public:
     virtual void surfaceDidResize(Size) = 0;
 };
 
+enum class PanelKind {
+    bar,
+    /// Lies unseen on the space of a full-screen window, and takes no clicks.
+    fullscreenProxy,
+};
+
 struct PanelOptions {
     SpaceID space{}; ///< the panel is seen while this space is the current one
     DisplayNumber display{};
     std::string title; ///< for tools and screen readers
+    PanelKind kind = PanelKind::bar;
 };
+
+/// Whose the window is that the pointer moves over.
+enum class PointerScope { ownWindows, otherPrograms };
 
 /// A strip of screen without a frame, above ordinary windows, below full-screen ones, which never
 /// takes the focus on a click. Destroying it takes it off the screen.
@@ -59,6 +70,10 @@ public:
     virtual Rect frame() const = 0;
     virtual void orderFront() = 0;
     virtual void orderOut() = 0;
+    /// Whether it may take the keyboard; it may not at first.
+    virtual void setCanBecomeKey(bool) = 0;
+    /// Orders it in and takes the keyboard, if it may. The system follows a key panel to its space.
+    virtual void makeKeyAndOrderFront() = 0;
     /// Ordered in, and its space is the current one.
     virtual bool isVisible() const = 0;
     virtual double scale() const = 0;
@@ -86,6 +101,10 @@ public:
     /// Opens a menu beside `anchor` (points in the panel) and returns; the chosen entry's action
     /// runs on the main queue after the menu has gone. A second call replaces the first menu.
     virtual void popUpMenu(PanelSurface&, Menu, const Rect& anchor) = 0;
+
+    /// Calls the handler whenever the pointer moves, after the views have heard of it. Never called
+    /// where the system does not tell.
+    [[nodiscard]] virtual Subscription monitorPointer(PointerScope, std::function<void()>) = 0;
 };
 
 }

@@ -57,6 +57,17 @@ struct DockRectangle {
     Rect rect; ///< points, global top-left origin
 };
 
+/// The keys that the system itself listens to for one of its own actions.
+struct SymbolicHotKey {
+    std::uint16_t keyCode = 0; ///< virtual key code of the key table
+    std::uint64_t modifierFlags = 0;
+
+    friend bool operator==(const SymbolicHotKey&, const SymbolicHotKey&) = default;
+};
+
+enum class KeyAction { down, up };
+enum class PointerPost { moved, pressed, dragged, released };
+
 /// The window server: which windows there are and on which spaces. Queries from any thread; signals
 /// on the main thread. A call that the system lacks answers with nothing.
 class WindowServer {
@@ -97,6 +108,17 @@ public:
     /// Tells the window server that the bar lies there, so that maximised windows end above it.
     virtual void setDockRectangle(ConnectionID, const DockRectangle&) = 0;
     virtual void clearDockRectangle(ConnectionID, DisplayNumber) = 0;
+
+    /// By the system's number of the action. Absent where there is no such hot key, or no keys.
+    virtual std::optional<SymbolicHotKey> symbolicHotKey(int identifier) const = 0;
+    virtual bool isSymbolicHotKeyEnabled(int identifier) const = 0;
+    /// The user's own setting, which outlives the program. False where the system refuses.
+    virtual bool setSymbolicHotKeyEnabled(int identifier, bool isEnabled) = 0;
+    /// As if the user had done it, whatever program has the keyboard or lies under the pointer.
+    virtual void postKeyEvent(std::uint16_t keyCode, KeyAction, std::uint64_t modifierFlags) = 0;
+    virtual bool canPostPointerEvents() const = 0;
+    /// Of the primary button. Points, global top-left origin.
+    virtual void postPointerEvent(PointerPost, Point) = 0;
 
     /// Hints that some systems give: windows changed their spaces; spaces came, went or were
     /// renamed.

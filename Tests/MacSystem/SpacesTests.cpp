@@ -114,6 +114,9 @@ TEST_F(MacSpacesTest, callsThatTheSystemLacksAnswerWithNothing)
     server.addWindowsToSpaces(0, {window}, {SpaceID{2}});
     server.removeWindowsFromSpaces(0, {window}, {SpaceID{1}});
     server.setEdgeReservation(0, SpaceID{1}, ScreenEdge::bottom, 40);
+    EXPECT_FALSE(server.symbolicHotKey(118));
+    EXPECT_FALSE(server.isSymbolicHotKeyEnabled(118));
+    EXPECT_FALSE(server.setSymbolicHotKeyEnabled(118, true));
     EXPECT_FALSE(server.moveOwnWindow(window, SpaceID{2}));
     EXPECT_THAT(windowsOf(server), testing::SizeIs(1)) << "the list itself is public";
     EXPECT_THAT(desktop.window(window).spaces, ElementsAre(SpaceID{1}));
@@ -140,6 +143,38 @@ TEST_F(MacSpacesTest, aPrivateCallIsFoundUnderItsOlderNameWhereSkyLightHasItNot)
     EXPECT_EQ(server.activeSpace(1), SpaceID{1});
     server.setEdgeReservation(1, SpaceID{3}, ScreenEdge::bottom, 40);
     EXPECT_EQ(desktop.windowServer().edgeReservations().at(SpaceID{3}), 40);
+}
+
+TEST_F(MacSpacesTest, theKeysOfADesktopAreReadEnabledAndPostedAsTheUserWouldPressThem)
+{
+    constexpr std::uint64_t control = 0x40000;
+    desktop.windowServer().setDesktopHotKey(
+        119, {.keys = {19, control}, .isEnabled = false}, SpaceID{2});
+    desktop.windowServer().setDesktopHotKey(
+        120, {.keys = {0xFFFF, 0}, .isEnabled = false, .canBeEnabled = false}, SpaceID{3});
+    auto server = makeWindowServer();
+
+    EXPECT_EQ(server.symbolicHotKey(119), (SymbolicHotKey{19, control}));
+    EXPECT_EQ(server.symbolicHotKey(120), std::nullopt) << "an action without keys";
+    EXPECT_EQ(server.symbolicHotKey(121), std::nullopt);
+    EXPECT_FALSE(server.isSymbolicHotKeyEnabled(119));
+    EXPECT_TRUE(server.setSymbolicHotKeyEnabled(119, true));
+    EXPECT_TRUE(server.isSymbolicHotKeyEnabled(119));
+    EXPECT_FALSE(server.setSymbolicHotKeyEnabled(120, true));
+
+    server.postKeyEvent(19, KeyAction::down, control);
+    server.postKeyEvent(19, KeyAction::up, 0);
+    EXPECT_THAT(desktop.windowServer().postedKeys(),
+        ElementsAre(FakeWindowServer::PostedKey{19, KeyAction::down, control},
+            FakeWindowServer::PostedKey{19, KeyAction::up, 0}));
+    EXPECT_EQ(server.activeSpace(1), SpaceID{2});
+
+    const std::vector<std::pair<PointerPost, Point>> hand{{PointerPost::moved, {1, 2}},
+        {PointerPost::pressed, {1, 2}}, {PointerPost::dragged, {3, 4}},
+        {PointerPost::released, {5, 6}}};
+    for (const auto& [post, at] : hand)
+        server.postPointerEvent(post, at);
+    EXPECT_EQ(desktop.windowServer().postedPointer(), hand);
 }
 
 TEST_F(MacSpacesTest, aMovedWindowIsOnItsNewSpaceBeforeItLeavesTheOld)

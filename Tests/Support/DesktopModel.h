@@ -29,6 +29,21 @@ struct FakeDisplay {
     double scale = 1;
     std::vector<FakeSpace> spaces{};
     SpaceID current{};
+
+    FakeDisplay rotated() const
+    {
+        auto turned = *this;
+        std::swap(turned.frame.width, turned.frame.height);
+        turned.visibleFrame = {};
+        return turned;
+    }
+    FakeDisplay at(Point bottomLeft) const
+    {
+        auto moved = *this;
+        moved.frame = Rect::from(bottomLeft, frame.size());
+        moved.visibleFrame = {};
+        return moved;
+    }
 };
 
 /// How a window's accessibility element lies.
@@ -96,6 +111,7 @@ struct GhostWindow {
 /// The truth about the desktop. The services tell it, or lie about it.
 struct DesktopModel {
     std::vector<FakeDisplay> displays;
+    std::optional<DisplayNumber> mainDisplay; ///< absent: the first
     bool displaysHaveSeparateSpaces = true;
     std::map<ProcessID, FakeApplication> applications;
     std::map<WindowID, std::unique_ptr<FakeWindow>> windows;

@@ -216,6 +216,11 @@ void FakeDesktop::activateSpace(SpaceID space)
     if (!display || display->current == space)
         return;
     display->current = space;
+    if (auto* held = m_held ? m_model.window(m_held->window) : nullptr) {
+        if (std::ranges::any_of(
+                held->spaces, [&](SpaceID id) { return m_model.displayOfSpace(id) == display; }))
+            held->spaces = {space};
+    }
     post([this] { m_workspace.activeSpaceDidChange.emit(); });
 }
 
@@ -223,6 +228,35 @@ void FakeDesktop::setDisplays(std::vector<FakeDisplay> displays)
 {
     m_model.displays = std::move(displays);
     post([this] { m_displays.parametersDidChange.emit(); });
+}
+
+void FakeDesktop::handPointer(PointerPost post, Point at)
+{
+    constexpr double titleBarHeight = 28;
+    m_model.pointer = at;
+    if (post == PointerPost::pressed) {
+        auto top = std::ranges::find_if(m_model.stacking, [&](WindowID id) {
+            auto& candidate = window(id);
+            return !candidate.isMinimized && candidate.frame.contains(at)
+                && std::ranges::any_of(
+                    candidate.spaces, [&](SpaceID space) { return m_model.isCurrent(space); });
+        });
+        if (top != m_model.stacking.end() && at.y < window(*top).frame.y + titleBarHeight)
+            m_held = Held{*top, at};
+        return;
+    }
+    if (!m_held || !m_model.window(m_held->window))
+        return m_held.reset();
+    auto from = std::exchange(m_held->from, at);
+    auto& held = window(m_held->window);
+    if (post == PointerPost::dragged)
+        move(held.id, held.frame.origin().translated(at.x - from.x, at.y - from.y));
+    if (post != PointerPost::released)
+        return;
+    if (auto display = m_displays.displayAt(held.frame.centre());
+        display && m_model.displaysHaveSeparateSpaces)
+        held.spaces = {m_model.display(*display)->current};
+    m_held.reset();
 }
 
 void FakeDesktop::wake()

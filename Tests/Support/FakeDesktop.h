@@ -122,8 +122,20 @@ public:
     // Spaces, displays, sleep.
     void activateSpace(SpaceID);
     void setDisplays(std::vector<FakeDisplay>);
+    /// The displays that are there, and one more beside them, above or below.
+    void addDisplay(FakeDisplay display)
+    {
+        auto displays = m_model.displays;
+        displays.push_back(std::move(display));
+        setDisplays(std::move(displays));
+    }
+    /// Which of them is the main one; it need not be the first, nor at the origin.
+    void setMainDisplay(DisplayNumber number) { m_model.mainDisplay = number; }
     void setSeparateSpaces(bool value) { m_model.displaysHaveSeparateSpaces = value; }
     void wake();
+    /// The hand at the pointer: a window that is held by its title bar goes along, across displays
+    /// and to the space that is shown meanwhile.
+    void handPointer(PointerPost, Point globalTopLeft);
     /// Whether the window server hints at changes of spaces, as X11 does and the Mac does not.
     void setGivesSpaceHints(bool value) { m_givesSpaceHints = value; }
     bool givesSpaceHints() const { return m_givesSpaceHints; }
@@ -158,6 +170,11 @@ private:
     std::int32_t m_nextPID = 501;
     std::uint32_t m_nextWindow = 1001;
     bool m_givesSpaceHints = false;
+    struct Held {
+        WindowID window{};
+        Point from; ///< the pointer's last place
+    };
+    std::optional<Held> m_held;
     std::vector<WorkItem> m_arrivals; // last: they name the desktop
 };
 

@@ -16,7 +16,10 @@ std::vector<Screen> FakeDisplays::screens() const
 
 DisplayNumber FakeDisplays::mainDisplay() const
 {
-    auto& displays = m_desktop.model().displays;
+    auto& model = m_desktop.model();
+    if (model.mainDisplay && model.display(*model.mainDisplay))
+        return *model.mainDisplay;
+    auto& displays = model.displays;
     return displays.empty() ? DisplayNumber{} : displays.front().number;
 }
 

@@ -48,6 +48,13 @@ void FakePanel::orderOut()
     leave();
 }
 
+void FakePanel::makeKeyAndOrderFront()
+{
+    orderFront();
+    if (m_canBecomeKey && m_surfaces.followsKeyPanels())
+        m_desktop.activateSpace(m_options.space);
+}
+
 bool FakePanel::isVisible() const
 {
     return m_isOrderedIn && m_desktop.model().isCurrent(m_options.space);
@@ -116,6 +123,7 @@ void FakePanel::movePointer(Point at)
     m_desktop.model().pointer
         = {m_frame.x + at.x, m_desktop.model().flipHeight() - m_frame.maxY() + at.y};
     send(std::exchange(m_hasPointer, true) ? PointerAction::moved : PointerAction::entered, at);
+    m_surfaces.pointerDidMove(PointerScope::ownWindows);
 }
 
 void FakePanel::leave()
@@ -173,11 +181,38 @@ std::vector<FakePanel*> FakeSurfaces::visiblePanels() const
     return visible;
 }
 
+Subscription FakeSurfaces::monitorPointer(PointerScope scope, std::function<void()> handler)
+{
+    return m_pointerMoved[scope].subscribe(std::move(handler));
+}
+
+template <typename Condition> FakePanel* FakeSurfaces::find(Condition condition) const
+{
+    auto found = std::ranges::find_if(
+        m_panels, [&](const FakePanel* panel) { return condition(panel->options()); });
+    return found == m_panels.end() ? nullptr : *found;
+}
+
 FakePanel* FakeSurfaces::panel(SpaceID space) const
 {
-    auto found = std::ranges::find(
-        m_panels, space, [](const FakePanel* panel) { return panel->options().space; });
-    return found == m_panels.end() ? nullptr : *found;
+    return find([&](const PanelOptions& options) {
+        return options.kind == PanelKind::bar && options.space == space;
+    });
+}
+
+FakePanel* FakeSurfaces::panel(SpaceID space, DisplayNumber display) const
+{
+    return find([&](const PanelOptions& options) {
+        return options.kind == PanelKind::bar && options.space == space
+            && options.display == display;
+    });
+}
+
+FakePanel* FakeSurfaces::fullscreenProxy(SpaceID space) const
+{
+    return find([&](const PanelOptions& options) {
+        return options.kind == PanelKind::fullscreenProxy && options.space == space;
+    });
 }
 
 std::vector<std::string> FakeSurfaces::menuTitles() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,6 +31,8 @@ public:
     Rect frame() const override { return m_frame; }
     void orderFront() override;
     void orderOut() override;
+    void setCanBecomeKey(bool canBecomeKey) override { m_canBecomeKey = canBecomeKey; }
+    void makeKeyAndOrderFront() override;
     bool isVisible() const override;
     double scale() const override;
     void invalidate(const Rect&) override;
@@ -37,6 +40,7 @@ public:
 
     const PanelOptions& options() const { return m_options; }
     bool isOrderedIn() const { return m_isOrderedIn; }
+    bool canBecomeKey() const { return m_canBecomeKey; }
     bool blursBehind() const { return m_blursBehind; }
     Rect bounds() const { return Rect::from({}, m_frame.size()); }
 
@@ -67,6 +71,7 @@ private:
     SurfaceClient& m_client;
     Rect m_frame;
     bool m_isOrderedIn = false;
+    bool m_canBecomeKey = false;
     bool m_blursBehind = false;
     bool m_hasPointer = false;
     std::vector<Rect> m_damage; // disjoint, painted at the next frame
@@ -82,12 +87,16 @@ public:
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
     void popUpMenu(PanelSurface&, Menu, const Rect& anchor) override;
+    Subscription monitorPointer(PointerScope, std::function<void()>) override;
 
     /// In the order made.
     const std::vector<FakePanel*>& panels() const { return m_panels; }
     std::vector<FakePanel*> visiblePanels() const;
-    /// Null if there is none for that space.
+    /// The space's bar; null if there is none.
     FakePanel* panel(SpaceID) const;
+    /// Its bar on that display.
+    FakePanel* panel(SpaceID, DisplayNumber) const;
+    FakePanel* fullscreenProxy(SpaceID) const;
     int panelsMade() const { return m_panelsMade; }
 
     struct OpenMenu {
@@ -103,15 +112,22 @@ public:
 
     void setBlurAvailable(bool value) { m_hasBlur = value; }
     bool hasBlur() const { return m_hasBlur; }
+    void pointerDidMove(PointerScope scope) { m_pointerMoved[scope].emit(); }
+    /// Whether the system shows the space of a panel that takes the keyboard.
+    void setFollowsKeyPanels(bool value) { m_followsKeyPanels = value; }
+    bool followsKeyPanels() const { return m_followsKeyPanels; }
 
 private:
     friend class FakePanel;
+    template <typename Condition> FakePanel* find(Condition) const;
 
     FakeDesktop& m_desktop;
     std::vector<FakePanel*> m_panels;
     int m_panelsMade = 0;
     std::optional<OpenMenu> m_menu;
     bool m_hasBlur = true;
+    bool m_followsKeyPanels = true;
+    std::map<PointerScope, Signal<>> m_pointerMoved;
 };
 
 }

@@ -142,7 +142,7 @@ void FakeWindowServer::addWindowsToSpaces(
     for (auto id : windows) {
         for (auto space : spaces) {
             m_moves.push_back({SpaceChange::add, id, space});
-            if (auto* window = m_desktop.model().window(id))
+            if (auto* window = m_desktop.model().window(id); window && !m_refusesMoves)
                 window->spaces.insert(space);
         }
     }
@@ -155,7 +155,7 @@ void FakeWindowServer::removeWindowsFromSpaces(
     for (auto id : windows) {
         for (auto space : spaces) {
             m_moves.push_back({SpaceChange::remove, id, space});
-            if (auto* window = m_desktop.model().window(id))
+            if (auto* window = m_desktop.model().window(id); window && !m_refusesMoves)
                 window->spaces.erase(space);
         }
     }
@@ -178,12 +178,56 @@ void FakeWindowServer::setEdgeReservation(ConnectionID, SpaceID space, ScreenEdg
 
 void FakeWindowServer::setDockRectangle(ConnectionID, const DockRectangle& rectangle)
 {
+    ++m_dockRectangleCalls;
     m_dockRectangles[rectangle.display] = rectangle.rect;
 }
 
 void FakeWindowServer::clearDockRectangle(ConnectionID, DisplayNumber display)
 {
+    ++m_dockRectangleCalls;
     m_dockRectangles.erase(display);
+}
+
+std::optional<SymbolicHotKey> FakeWindowServer::symbolicHotKey(int identifier) const
+{
+    auto found = m_hotKeys.find(identifier);
+    return found == m_hotKeys.end() ? std::nullopt : std::optional{found->second.key.keys};
+}
+
+bool FakeWindowServer::isSymbolicHotKeyEnabled(int identifier) const
+{
+    auto found = m_hotKeys.find(identifier);
+    return found != m_hotKeys.end() && found->second.key.isEnabled;
+}
+
+bool FakeWindowServer::setSymbolicHotKeyEnabled(int identifier, bool isEnabled)
+{
+    auto found = m_hotKeys.find(identifier);
+    if (found == m_hotKeys.end() || !found->second.key.canBeEnabled)
+        return false;
+    found->second.key.isEnabled = isEnabled;
+    return true;
+}
+
+void FakeWindowServer::postKeyEvent(std::uint16_t keyCode, KeyAction action, std::uint64_t flags)
+{
+    m_postedKeys.push_back({keyCode, action, flags});
+    if (action != KeyAction::down)
+        return;
+    for (auto& [identifier, entry] : m_hotKeys) {
+        if (entry.key.isEnabled && entry.key.keys == SymbolicHotKey{keyCode, flags})
+            return m_desktop.activateSpace(entry.space);
+    }
+}
+
+void FakeWindowServer::postPointerEvent(PointerPost post, Point at)
+{
+    m_postedPointer.emplace_back(post, at);
+    if (post == PointerPost::pressed)
+        m_isButtonDown = true;
+    else if (post == PointerPost::released)
+        m_isButtonDown = false;
+    m_desktop.handPointer(post, at);
 }
 
 }

@@ -37,6 +37,12 @@ public:
     void setEdgeReservation(ConnectionID, SpaceID, ScreenEdge, double height) override;
     void setDockRectangle(ConnectionID, const DockRectangle&) override;
     void clearDockRectangle(ConnectionID, DisplayNumber) override;
+    std::optional<SymbolicHotKey> symbolicHotKey(int identifier) const override;
+    bool isSymbolicHotKeyEnabled(int identifier) const override;
+    bool setSymbolicHotKeyEnabled(int identifier, bool) override;
+    void postKeyEvent(std::uint16_t keyCode, KeyAction, std::uint64_t modifierFlags) override;
+    bool canPostPointerEvents() const override { return m_canPostPointerEvents; }
+    void postPointerEvent(PointerPost, Point) override;
 
     // Knobs.
     /// Entries that the list gives beside the real ones.
@@ -53,7 +59,34 @@ public:
         m_distortion = std::move(distortion);
     }
 
+    /// Windows stay where they are, and nobody is told; only a hand at the pointer moves them.
+    void refuseMoves(bool value) { m_refusesMoves = value; }
+    void setCanPostPointerEvents(bool value) { m_canPostPointerEvents = value; }
+
+    struct FakeHotKey {
+        SymbolicHotKey keys;
+        bool isEnabled = true;
+        bool canBeEnabled = true;
+    };
+    /// A key that the system acts on at once: it shows the space.
+    void setDesktopHotKey(int identifier, FakeHotKey key, SpaceID space)
+    {
+        m_hotKeys[identifier] = {key, space};
+    }
+
     // What the program did.
+    struct PostedKey {
+        std::uint16_t keyCode = 0;
+        KeyAction action{};
+        std::uint64_t modifierFlags = 0;
+        friend bool operator==(const PostedKey&, const PostedKey&) = default;
+    };
+    const std::vector<PostedKey>& postedKeys() const { return m_postedKeys; }
+    const std::vector<std::pair<PointerPost, Point>>& postedPointer() const
+    {
+        return m_postedPointer;
+    }
+    bool isPostedButtonDown() const { return m_isButtonDown; }
     enum class SpaceChange { add, remove };
     struct Moved {
         SpaceChange change{};
@@ -64,6 +97,8 @@ public:
     const std::vector<Moved>& moves() const { return m_moves; }
     const std::map<SpaceID, double>& edgeReservations() const { return m_edgeReservations; }
     const std::map<DisplayNumber, Rect>& dockRectangles() const { return m_dockRectangles; }
+    /// How often a rectangle was set or cleared.
+    int dockRectangleCalls() const { return m_dockRectangleCalls; }
     /// When the window list was taken.
     const std::vector<Instant>& listings() const { return m_listings; }
     void forgetListings() { m_listings.clear(); }
@@ -72,7 +107,19 @@ private:
     CGWindowInfo entry(const FakeWindow&) const;
     void announceMoves() const;
 
+    struct DesktopKey {
+        FakeHotKey key;
+        SpaceID space{};
+    };
+
     FakeDesktop& m_desktop;
+    std::map<int, DesktopKey> m_hotKeys;
+    std::vector<PostedKey> m_postedKeys;
+    std::vector<std::pair<PointerPost, Point>> m_postedPointer;
+    bool m_canPostPointerEvents = true;
+    bool m_isButtonDown = false;
+    bool m_refusesMoves = false;
+    int m_dockRectangleCalls = 0;
     std::vector<CGWindowInfo> m_strayEntries;
     Duration m_closeDelay{};
     bool m_failsSpaceLists = false;

@@ -23,6 +23,21 @@ template <typename Identifier> std::vector<Identifier> identifiersFrom(CFArrayRe
     return identifiers;
 }
 
+CGEventType eventType(PointerPost post)
+{
+    switch (post) {
+    case PointerPost::pressed:
+        return kCGEventLeftMouseDown;
+    case PointerPost::dragged:
+        return kCGEventLeftMouseDragged;
+    case PointerPost::released:
+        return kCGEventLeftMouseUp;
+    case PointerPost::moved:
+        break;
+    }
+    return kCGEventMouseMoved;
+}
+
 }
 
 MacWindowServer::MacWindowServer(const PrivateSymbols& symbols, DisplaySpaces displaySpaces)
@@ -142,6 +157,52 @@ void MacWindowServer::setDockRectangle(ConnectionID, const DockRectangle&)
 
 void MacWindowServer::clearDockRectangle(ConnectionID, DisplayNumber)
 {
+}
+
+std::optional<SymbolicHotKey> MacWindowServer::symbolicHotKey(int identifier) const
+{
+    constexpr int noKey = 0xFFFF; // what an action without keys has
+    int character = 0;
+    int keyCode = 0;
+    int modifiers = 0;
+    if (!m_symbols.getSymbolicHotKeyValue
+        || m_symbols.getSymbolicHotKeyValue(identifier, &character, &keyCode, &modifiers)
+            != kCGErrorSuccess
+        || keyCode < 0 || keyCode >= noKey)
+        return {};
+    return SymbolicHotKey{
+        static_cast<std::uint16_t>(keyCode), static_cast<std::uint32_t>(modifiers)};
+}
+
+bool MacWindowServer::isSymbolicHotKeyEnabled(int identifier) const
+{
+    return m_symbols.isSymbolicHotKeyEnabled && m_symbols.isSymbolicHotKeyEnabled(identifier);
+}
+
+bool MacWindowServer::setSymbolicHotKeyEnabled(int identifier, bool isEnabled)
+{
+    return m_symbols.setSymbolicHotKeyEnabled
+        && m_symbols.setSymbolicHotKeyEnabled(identifier, isEnabled) == kCGErrorSuccess;
+}
+
+void MacWindowServer::postKeyEvent(
+    std::uint16_t keyCode, KeyAction action, std::uint64_t modifierFlags)
+{
+    const auto event = CFRef<CGEventRef>::adopt(
+        CGEventCreateKeyboardEvent(nullptr, keyCode, action == KeyAction::down));
+    if (!event)
+        return;
+    // A new event carries the modifiers that are held at the moment.
+    CGEventSetFlags(event.get(), static_cast<CGEventFlags>(modifierFlags));
+    CGEventPost(kCGHIDEventTap, event.get());
+}
+
+void MacWindowServer::postPointerEvent(PointerPost post, Point at)
+{
+    const auto event = CFRef<CGEventRef>::adopt(CGEventCreateMouseEvent(
+        nullptr, eventType(post), CGPointMake(at.x, at.y), kCGMouseButtonLeft));
+    if (event)
+        CGEventPost(kCGHIDEventTap, event.get());
 }
 
 bool MacWindowServer::moveOwnWindow(WindowID window, SpaceID space) const

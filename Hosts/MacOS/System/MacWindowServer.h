@@ -40,6 +40,13 @@ public:
     void setDockRectangle(ConnectionID, const DockRectangle&) override;
     void clearDockRectangle(ConnectionID, DisplayNumber) override;
 
+    std::optional<SymbolicHotKey> symbolicHotKey(int identifier) const override;
+    bool isSymbolicHotKeyEnabled(int identifier) const override;
+    bool setSymbolicHotKeyEnabled(int identifier, bool isEnabled) override;
+    void postKeyEvent(std::uint16_t keyCode, KeyAction, std::uint64_t modifierFlags) override;
+    bool canPostPointerEvents() const override { return true; }
+    void postPointerEvent(PointerPost, Point) override;
+
     /// Puts a window of this program on one space; false where the system has no call for it.
     bool moveOwnWindow(WindowID, SpaceID) const;
 

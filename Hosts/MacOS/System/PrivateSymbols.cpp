@@ -41,6 +41,12 @@ PrivateSymbols PrivateSymbols::load()
         "CGSMoveWindowsToManagedSpace");
     look(s.spaceSetEdgeReservation, skyLight, "SLSSpaceSetEdgeReservation",
         "CGSSpaceSetEdgeReservation");
+    look(s.getSymbolicHotKeyValue, skyLight, "SLSGetSymbolicHotKeyValue",
+        "CGSGetSymbolicHotKeyValue");
+    look(s.isSymbolicHotKeyEnabled, skyLight, "SLSIsSymbolicHotKeyEnabled",
+        "CGSIsSymbolicHotKeyEnabled");
+    look(s.setSymbolicHotKeyEnabled, skyLight, "SLSSetSymbolicHotKeyEnabled",
+        "CGSSetSymbolicHotKeyEnabled");
     look(s.axElementGetWindow, RTLD_DEFAULT, "_AXUIElementGetWindow");
     look(s.copyRunningApplicationArray, RTLD_DEFAULT, "_LSCopyRunningApplicationArray");
     look(s.copyApplicationInformation, RTLD_DEFAULT, "_LSCopyApplicationInformation");

@@ -30,6 +30,13 @@ struct PrivateSymbols {
         Connection, std::uint64_t space, int edge, double, double, double, double height)
         = nullptr;
 
+    // The keys of the system's own actions, the Dock's among them. The numbers may be written with
+    // fewer bytes than they have, so they must be zero before.
+    CGError (*getSymbolicHotKeyValue)(int hotKey, int* character, int* keyCode, int* modifiers)
+        = nullptr;
+    bool (*isSymbolicHotKeyEnabled)(int hotKey) = nullptr;
+    CGError (*setSymbolicHotKeyEnabled)(int hotKey, bool isEnabled) = nullptr;
+
     ::AXError (*axElementGetWindow)(AXUIElementRef, CGWindowID*) = nullptr;
 
     /// Serial numbers, objects of a type without a name.

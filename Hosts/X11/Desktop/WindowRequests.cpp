@@ -74,6 +74,12 @@ void WindowRequests::resize(WindowID window, Size size)
     wish();
 }
 
+void WindowRequests::switchTo(SpaceID space)
+{
+    m_wishes.space = space;
+    wish();
+}
+
 void WindowRequests::sendToWantedSpaces()
 {
     m_wishes.hasSpaces = true;
@@ -94,6 +100,8 @@ void WindowRequests::send(xcb_timestamp_t time)
     auto wishes = std::exchange(m_wishes, {});
     if (wishes.hasSpaces)
         sendSpaces();
+    if (wishes.space)
+        sendSwitch(time, *wishes.space);
     for (auto& [window, size] : wishes.sizes)
         sendSize(window, size);
     for (auto& [window, isWanted] : wishes.minimized) {
@@ -127,6 +135,15 @@ void WindowRequests::sendActivation(xcb_timestamp_t time, WindowID window)
     if (isElsewhere)
         message(m_connection.root(), atoms.netCurrentDesktop, {desktop, time});
     message(client->window, atoms.netActiveWindow, {kSourcePager, time, XCB_WINDOW_NONE});
+}
+
+void WindowRequests::sendSwitch(xcb_timestamp_t time, SpaceID space)
+{
+    auto desktop = raw(space) - 1; // space 0 wraps and is beyond every count
+    if (desktop >= m_root.desktopCount())
+        return;
+    message(m_connection.root(), m_connection.atoms().netCurrentDesktop,
+        {static_cast<std::uint32_t>(desktop), time});
 }
 
 void WindowRequests::sendSize(WindowID window, Size points)

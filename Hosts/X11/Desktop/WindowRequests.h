@@ -35,6 +35,8 @@ public:
     void close(WindowID);
     /// Of the window with its frame, in points.
     void resize(WindowID, Size);
+    /// Makes the space the current one; a space that is not there is ignored.
+    void switchTo(SpaceID);
     /// The spaces that the model wants for the window, as far as a manager can be told.
     void sendToWantedSpaces();
 
@@ -45,6 +47,7 @@ private:
         std::map<WindowID, bool> minimized; ///< false: the wish was taken back
         std::map<WindowID, Size> sizes;
         std::vector<WindowID> closed;
+        std::optional<SpaceID> space;
         bool hasSpaces = false;
     };
 
@@ -52,6 +55,7 @@ private:
     void send(xcb_timestamp_t);
     void sendActivation(xcb_timestamp_t, WindowID);
     void sendSize(WindowID, Size);
+    void sendSwitch(xcb_timestamp_t, SpaceID);
     void sendSpaces();
     std::optional<WindowID> windowToActivate(ProcessID) const;
     void message(xcb_window_t, xcb_atom_t type, std::array<std::uint32_t, 5> data) const;

@@ -43,6 +43,8 @@ X11WindowServer::X11WindowServer(
     m_spacesChanged = mirror.spacesDidChange.subscribe([this] { spacesDidChange.emit(); });
     m_spacesOfWindowsChanged
         = mirror.spacesOfWindowsDidChange.subscribe([this] { spacesOfWindowsDidChange.emit(); });
+    m_spaceWanted
+        = environment.spaceWanted.subscribe([this](SpaceID space) { m_requests.switchTo(space); });
 }
 
 void X11WindowServer::enumerateWindows(

@@ -37,6 +37,14 @@ public:
     void setDockRectangle(ConnectionID, const DockRectangle&) override;
     void clearDockRectangle(ConnectionID, DisplayNumber) override;
 
+    // X11 has no keys of the system, and a manager moves windows without a hand at the pointer.
+    std::optional<SymbolicHotKey> symbolicHotKey(int) const override { return {}; }
+    bool isSymbolicHotKeyEnabled(int) const override { return false; }
+    bool setSymbolicHotKeyEnabled(int, bool) override { return false; }
+    void postKeyEvent(std::uint16_t, KeyAction, std::uint64_t) override { }
+    bool canPostPointerEvents() const override { return false; }
+    void postPointerEvent(PointerPost, Point) override { }
+
 private:
     using Change = std::function<void(std::vector<SpaceID>& wanted, SpaceID)>;
     void changeSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&, const Change&);
@@ -46,6 +54,7 @@ private:
     PanelEnvironment& m_environment;
     Subscription m_spacesChanged;
     Subscription m_spacesOfWindowsChanged;
+    Subscription m_spaceWanted;
 };
 
 }

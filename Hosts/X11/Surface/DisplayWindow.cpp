@@ -218,6 +218,13 @@ void DisplayWindow::invalidate(const X11Panel& panel, const Rect& points)
     m_paint.request();
 }
 
+void DisplayWindow::requestSpace(SpaceID space) const
+{
+    auto& environment = m_context.environment;
+    if (space != environment.activeSpace.value())
+        environment.spaceWanted.emit(space);
+}
+
 void DisplayWindow::handle(const xcb_generic_event_t* event)
 {
     if (!m_window || eventWindow(event) != m_window->id())
@@ -236,7 +243,8 @@ void DisplayWindow::handle(const xcb_generic_event_t* event)
 
 void DisplayWindow::endTurn()
 {
-    m_pointer.endTurn();
+    if (m_pointer.endTurn() && onPointerMoved)
+        onPointerMoved();
     if (m_window)
         m_window->endTurn();
 }

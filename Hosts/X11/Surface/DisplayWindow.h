@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -29,11 +30,17 @@ public:
     /// A panel, the current space or the monitors changed.
     void update();
     void invalidate(const X11Panel&, const Rect& points);
+    /// Unless it is the current one already.
+    void requestSpace(SpaceID) const;
 
     bool isCurrent(const X11Panel&) const;
+    bool hasPanels() const { return !m_panels.empty(); }
     bool canBlur() const { return m_canBlur; }
     double scale() const;
     Rect toPixels(const Rect& screenPoints) const;
+
+    /// After the panel has heard of a move of the pointer.
+    std::function<void()> onPointerMoved;
 
     void repaintAll();
     /// A menu takes the pointer away.

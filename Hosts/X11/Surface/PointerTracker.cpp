@@ -89,9 +89,11 @@ void PointerTracker::handle(const xcb_generic_event_t* event)
     }
 }
 
-void PointerTracker::endTurn()
+bool PointerTracker::endTurn()
 {
+    bool hasMoved = m_motion.has_value();
     deliverMotion();
+    return hasMoved;
 }
 
 void PointerTracker::cancel()

@@ -17,7 +17,8 @@ public:
     void setClient(SurfaceClient*);
     /// For an event of this window.
     void handle(const xcb_generic_event_t*);
-    void endTurn();
+    /// Whether the pointer has moved since.
+    bool endTurn();
     /// Ends what the client knows of the pointer, as when a menu takes it.
     void cancel();
 

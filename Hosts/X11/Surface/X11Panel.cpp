@@ -40,6 +40,13 @@ void X11Panel::orderOut()
     m_window.update();
 }
 
+void X11Panel::makeKeyAndOrderFront()
+{
+    orderFront();
+    if (m_canBecomeKey)
+        m_window.requestSpace(m_options.space);
+}
+
 bool X11Panel::isVisible() const
 {
     return m_isOrderedIn && m_window.isCurrent(*this);

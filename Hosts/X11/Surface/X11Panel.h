@@ -17,6 +17,9 @@ public:
     Rect frame() const override { return m_frame; }
     void orderFront() override;
     void orderOut() override;
+    void setCanBecomeKey(bool canBecomeKey) override { m_canBecomeKey = canBecomeKey; }
+    /// Its desktop becomes the current one. The focus stays with the programs.
+    void makeKeyAndOrderFront() override;
     bool isVisible() const override;
     double scale() const override;
     void invalidate(const Rect&) override;
@@ -36,6 +39,7 @@ private:
     SurfaceClient& m_client;
     Rect m_frame; ///< points, bottom-left origin
     bool m_isOrderedIn = false;
+    bool m_canBecomeKey = false;
     bool m_blursBehind = false;
 };
 

@@ -78,10 +78,26 @@ bool X11Surfaces::canBlur()
 std::unique_ptr<PanelSurface> X11Surfaces::createPanel(
     const PanelOptions& options, SurfaceClient& client)
 {
-    auto& window = m_windows[options.display];
-    if (!window)
-        window = std::make_unique<DisplayWindow>(m_context, options.display, canBlur());
-    return std::make_unique<X11Panel>(*window, options, client);
+    return std::make_unique<X11Panel>(windowOf(options.display), options, client);
+}
+
+DisplayWindow& X11Surfaces::windowOf(DisplayNumber display)
+{
+    // Displays that have gone do not come back under their number.
+    std::erase_if(m_windows, [](auto& entry) { return !entry.second->hasPanels(); });
+    auto& window = m_windows[display];
+    if (!window) {
+        window = std::make_unique<DisplayWindow>(m_context, display, canBlur());
+        window->onPointerMoved = [this] { m_pointerMoved.emit(); };
+    }
+    return *window;
+}
+
+/// What happens over other programs' windows is theirs.
+Subscription X11Surfaces::monitorPointer(PointerScope scope, std::function<void()> handler)
+{
+    return scope == PointerScope::ownWindows ? m_pointerMoved.subscribe(std::move(handler))
+                                             : Subscription{};
 }
 
 void X11Surfaces::popUpMenu(PanelSurface& surface, Menu menu, const Rect& anchor)

@@ -20,17 +20,20 @@ public:
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
     void popUpMenu(PanelSurface&, Menu, const Rect& anchor) override;
+    Subscription monitorPointer(PointerScope, std::function<void()>) override;
 
     Text& text() { return m_text; }
 
 private:
     bool canBlur();
+    DisplayWindow& windowOf(DisplayNumber);
     void closeMenu(std::function<void()> action);
 
     TextShaper m_shaper;
     SurfaceContext m_context;
     PangoText m_text;
     std::optional<bool> m_canBlur;
+    Signal<> m_pointerMoved;
     std::map<DisplayNumber, std::unique_ptr<DisplayWindow>> m_windows;
     std::unique_ptr<MenuWindow> m_menu;
     WorkItem m_menuEnd;

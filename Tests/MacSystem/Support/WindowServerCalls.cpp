@@ -14,6 +14,8 @@ struct Event final : Object {
     std::string description() const override { return "event"; }
 
     Point location;
+    std::function<void(const Event&)> post;
+    std::uint64_t flags = 0x100; ///< what is held while it is made
 };
 
 FakeDesktop& desktop()
@@ -173,6 +175,28 @@ void spaceSetEdgeReservation(
     server().setEdgeReservation(connection, SpaceID{space}, static_cast<ScreenEdge>(edge), height);
 }
 
+// A real system writes the key code with two bytes.
+CGError getSymbolicHotKeyValue(int hotKey, int* character, int* keyCode, int* modifiers)
+{
+    const auto key = server().symbolicHotKey(hotKey);
+    if (!key)
+        return kCGErrorFailure;
+    *reinterpret_cast<std::uint16_t*>(character) = 0xFFFF;
+    *reinterpret_cast<std::uint16_t*>(keyCode) = key->keyCode;
+    *modifiers = static_cast<int>(key->modifierFlags);
+    return kCGErrorSuccess;
+}
+
+bool isSymbolicHotKeyEnabled(int hotKey)
+{
+    return server().isSymbolicHotKeyEnabled(hotKey);
+}
+
+CGError setSymbolicHotKeyEnabled(int hotKey, bool isEnabled)
+{
+    return server().setSymbolicHotKeyEnabled(hotKey, isEnabled) ? kCGErrorSuccess : kCGErrorFailure;
+}
+
 /// Serial numbers are texts here, and information is looked up by their description.
 CFArrayRef copyRunningApplicationArray(int session)
 {
@@ -205,7 +229,10 @@ const std::map<std::string, void*>& privateCalls()
         {"AddWindowsToSpaces", address(addWindowsToSpaces)},
         {"RemoveWindowsFromSpaces", address(removeWindowsFromSpaces)},
         {"MoveWindowsToManagedSpace", address(moveWindowsToManagedSpace)},
-        {"SpaceSetEdgeReservation", address(spaceSetEdgeReservation)}};
+        {"SpaceSetEdgeReservation", address(spaceSetEdgeReservation)},
+        {"GetSymbolicHotKeyValue", address(getSymbolicHotKeyValue)},
+        {"IsSymbolicHotKeyEnabled", address(isSymbolicHotKeyEnabled)},
+        {"SetSymbolicHotKeyEnabled", address(setSymbolicHotKeyEnabled)}};
     return calls;
 }
 
@@ -301,6 +328,41 @@ CGPoint CGEventGetLocation(CGEventRef event)
 {
     const auto location = expectObject<Event>(event).location;
     return CGPointMake(location.x, location.y);
+}
+
+CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode keyCode, bool isDown)
+{
+    const auto event = create<CGEventRef, Event>(quorvel::Point{});
+    expectObject<Event>(event).post = [keyCode, isDown](const Event& self) {
+        server().postKeyEvent(
+            keyCode, isDown ? quorvel::KeyAction::down : quorvel::KeyAction::up, self.flags);
+    };
+    return event;
+}
+
+CGEventRef CGEventCreateMouseEvent(CGEventSourceRef, CGEventType type, CGPoint point, CGMouseButton)
+{
+    using quorvel::PointerPost;
+    const auto event = create<CGEventRef, Event>(quorvel::Point{point.x, point.y});
+    expectObject<Event>(event).post = [type](const Event& self) {
+        const auto post = type == kCGEventLeftMouseDown ? PointerPost::pressed
+            : type == kCGEventLeftMouseUp               ? PointerPost::released
+            : type == kCGEventLeftMouseDragged          ? PointerPost::dragged
+                                                        : PointerPost::moved;
+        server().postPointerEvent(post, self.location);
+    };
+    return event;
+}
+
+void CGEventSetFlags(CGEventRef event, CGEventFlags flags)
+{
+    expectObject<Event>(event).flags = flags;
+}
+
+void CGEventPost(CGEventTapLocation, CGEventRef event)
+{
+    const auto& posted = expectObject<Event>(event);
+    posted.post(posted);
 }
 
 bool CGPreflightScreenCaptureAccess()

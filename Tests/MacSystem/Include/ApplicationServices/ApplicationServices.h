@@ -42,6 +42,20 @@ using CGEventRef = struct CGEventObject*;
 using CGEventSourceRef = struct CGEventSourceObject*;
 CGEventRef CGEventCreate(CGEventSourceRef);
 CGPoint CGEventGetLocation(CGEventRef);
+using CGKeyCode = std::uint16_t;
+enum CGEventFlags : std::uint64_t {};
+enum CGEventType : std::uint32_t {
+    kCGEventLeftMouseDown = 1,
+    kCGEventLeftMouseUp = 2,
+    kCGEventMouseMoved = 5,
+    kCGEventLeftMouseDragged = 6,
+};
+enum CGMouseButton : std::uint32_t { kCGMouseButtonLeft = 0 };
+enum CGEventTapLocation : std::uint32_t { kCGHIDEventTap = 0 };
+CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode, bool isDown);
+CGEventRef CGEventCreateMouseEvent(CGEventSourceRef, CGEventType, CGPoint, CGMouseButton);
+void CGEventSetFlags(CGEventRef, CGEventFlags);
+void CGEventPost(CGEventTapLocation, CGEventRef);
 bool CGPreflightScreenCaptureAccess();
 bool CGRequestScreenCaptureAccess();
 
