@@ -124,6 +124,8 @@ std::string stateReport(
     Json panels = Json::array();
     for (auto& [space, panel] : manager.panels())
         panels.push_back(panelJson(platform, *panel));
+    for (auto& [key, panel] : manager.mirrorPanels())
+        panels.push_back(panelJson(platform, *panel));
     Json state{
         {"version", kVersion},
         {"activeSpace", raw(model.activeSpaceID.value())},

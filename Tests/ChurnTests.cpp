@@ -492,7 +492,10 @@ struct ChurnRound final : BarFixture {
                 expectBar(space, display, expected);
             }
         }
-        EXPECT_EQ(desktop.surfaces().panels().size(), panels);
+        auto isBar = [](auto* shown) { return shown->options().kind == PanelKind::bar; };
+        EXPECT_EQ(
+            static_cast<std::size_t>(std::ranges::count_if(desktop.surfaces().panels(), isBar)),
+            panels);
         BarViewModel fromNothing(runtime->windowStore(), runtime->userSettings(),
             runtime->badgeService(), desktop.platform());
         EXPECT_EQ(model().chipsBySpace.value(), fromNothing.chipsBySpace.value());

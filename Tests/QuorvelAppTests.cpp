@@ -165,6 +165,7 @@ TEST_F(QuorvelAppTest, anEndedApplicationLeavesNothingBehind)
 
     EXPECT_FALSE(chip(feed));
     EXPECT_EQ(desktop.accessibility().observersOf(news), 0u);
+    desktop.advance(seconds(0.1)); // whether a window lies under the bar is looked at last
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
 }
 

@@ -1,7 +1,9 @@
 #include "Quorvel/Core/BarManager.h"
 
 #include <algorithm>
+#include <cstdlib>
 
+#include "Quorvel/Core/CursorOwnershipLog.h"
 #include "Quorvel/Core/MouseDisplayTracker.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Application.h"
@@ -14,6 +16,23 @@
 
 namespace quorvel {
 
+namespace {
+
+/// A switch for who looks into the program, not for its user.
+bool isSwitchedOn(const char* variable)
+{
+    const char* value = std::getenv(variable);
+    return value && std::string_view{value} == "1";
+}
+
+BarReservations::EdgeReservation edgeReservation()
+{
+    return isSwitchedOn("QUORVEL_EDGE_RESERVATION") ? BarReservations::EdgeReservation::on
+                                                    : BarReservations::EdgeReservation::off;
+}
+
+}
+
 BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserSettings& settings,
     BadgeService& badgeService)
     : m_platform(platform)
@@ -22,11 +41,27 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_settings(settings)
     , m_pinStore(settings)
     , m_metrics(BarMetrics::of(settings.barSize()))
+    , m_lastAppliedBarSize(settings.barSize())
     , m_viewModel(windowStore, settings, badgeService, platform)
+    , m_panels(platform, settings)
+    , m_reservations(platform, edgeReservation())
+    , m_navigation(platform, windowStore, m_viewModel, settings, m_panels)
+    , m_moves(platform, windowStore, m_viewModel, m_navigation)
+    , m_avoidanceManager(windowStore, platform.dispatch, platform.accessibility,
+          platform.windowServer, platform.displays, barsToAvoid())
 {
+    if (isSwitchedOn("QUORVEL_CURSOR_OWNERSHIP_LOG")) {
+        m_cursorOwnershipLog = std::make_unique<CursorOwnershipLog>(
+            platform.surfaces, platform.displays, m_panels, platform.trace);
+    }
+    m_panels.onContentNeeded = [this](BarPanel& panel) { fill(panel); };
+    m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
     setupSpaceChangeObserver();
-    m_settingsChange = settings.data().subscribe([this](auto&) { barSizeMayHaveChanged(); });
+    m_settingsChange = settings.data().subscribe([this](auto&) { handleSettingsChanged(); });
+    // What is announced right at the start puts nearer adjustments off, but not this one.
+    m_avoidanceAfterStart = platform.dispatch.main().after(
+        kAvoidanceAfterStart, [this] { m_avoidanceManager.scheduleAdjustment(Duration::zero()); });
 }
 
 BarManager::~BarManager()
@@ -35,11 +70,30 @@ BarManager::~BarManager()
     closeAllPanels();
 }
 
+WindowAvoidanceManager::Bars BarManager::barsToAvoid()
+{
+    return {
+        .getPanels =
+            [this] {
+                std::set<SpaceID> spaces;
+                for (auto& [space, panel] : m_panels.panels())
+                    spaces.insert(space);
+                return spaces;
+            },
+        .getMirrorScreenIndices = [this] { return m_panels.mirrorScreens(); },
+        .getSpaces
+        = [this] { return m_spaceWindows.getSpaces(m_platform.windowServer.mainConnection()); },
+    };
+}
+
+// MARK: What happens
+
 void BarManager::windowsDidChange()
 {
     // Twenty windows that close at once are one pass over the chips.
     if (!m_refresh.isPending())
         m_refresh = m_platform.dispatch.main().after(Duration::zero(), [this] { refreshNow(); });
+    m_avoidanceManager.scheduleAdjustment(kAvoidanceAfterChange);
 }
 
 void BarManager::refreshNow()
@@ -53,119 +107,101 @@ void BarManager::setupSpaceChangeObserver()
     m_activeSpaceChange = m_platform.workspace.activeSpaceDidChange.subscribe([this] {
         refreshNow();
         updateActiveSpacePanelVisibility();
+        m_moves.spaceDidChange();
+        m_navigation.spaceDidChange();
     });
 }
 
-void BarManager::barSizeMayHaveChanged()
+void BarManager::handleSettingsChanged()
 {
-    auto metrics = BarMetrics::of(m_settings.barSize());
-    if (metrics == m_metrics)
+    auto size = m_settings.barSize();
+    if (size != m_lastAppliedBarSize) {
+        applyMetrics(BarMetrics::of(size));
+        m_lastAppliedBarSize = size;
+    }
+    syncMirrorPanels();
+    applyDockRectRegistrations();
+    m_avoidanceManager.scheduleAdjustment(Duration::zero());
+}
+
+void BarManager::applyMetrics(const BarMetrics& metrics)
+{
+    if (metrics.barSize == m_metrics.barSize)
         return;
     m_metrics = metrics;
-    for (auto& [space, panel] : m_panels)
-        panel->setContent(makeBarContentView(*panel));
+    m_avoidanceManager.setBarHeight(barHeight(metrics.barSize));
+    m_panels.rebuildContentViews();
     repositionPanels();
+    applyEdgeReservationsIfNeeded();
+    m_avoidanceManager.scheduleAdjustment(Duration::zero());
 }
 
 // MARK: Panels
 
 void BarManager::syncPanels()
 {
-    repositionPanels();
+    placePanels();
+    applyEdgeReservationsIfNeeded();
     refreshNow();
+    m_avoidanceManager.scheduleAdjustment(Duration::zero());
 }
 
 void BarManager::repositionPanels()
 {
     placePanels();
-    applyDockRectRegistrations();
-    trackPointerDisplay();
-}
-
-void BarManager::trackPointerDisplay()
-{
-    bool isNeeded = m_platform.displays.screens().size() > 1;
-    if (!isNeeded) {
-        m_mouseDisplayTracker.reset();
-    } else if (!m_mouseDisplayTracker) {
-        m_mouseDisplayTracker
-            = std::make_unique<MouseDisplayTracker>(m_platform.dispatch, m_platform.displays);
-        m_mouseDisplayTracker->start();
-    }
-}
-
-std::optional<DisplayNumber> BarManager::pointerDisplay() const
-{
-    return m_mouseDisplayTracker ? m_mouseDisplayTracker->preferredDisplayID()
-                                 : m_platform.displays.mainDisplay();
-}
-
-std::map<SpaceID, BarManager::Place> BarManager::wantedPlaces() const
-{
-    std::map<SpaceID, Place> places;
-    auto screens = m_platform.displays.screens();
-    if (screens.empty())
-        return places;
-    for (auto& info : m_spaceWindows.getSpaces(m_platform.windowServer.mainConnection())) {
-        if (info.spaceType == kFullscreenSpaceType)
-            continue;
-        auto screen = m_spaceWindows.screen(info.displayIdentifier, screens);
-        if (!screen)
-            screen = m_spaceWindows.screen("MAIN", screens);
-        auto found = screen ? std::find(screens.begin(), screens.end(), *screen) : screens.begin();
-        auto index = static_cast<std::size_t>(found - screens.begin());
-        places.emplace(info.spaceID, Place{index, *found});
-    }
-    return places;
+    m_avoidanceManager.scheduleAdjustment(kAvoidanceAfterChange);
 }
 
 void BarManager::placePanels()
 {
-    auto places = wantedPlaces();
-    std::erase_if(m_panels, [&](auto& entry) {
-        auto place = places.find(entry.first);
-        // A panel belongs to its display for life.
-        return place == places.end()
-            || entry.second->display() != place->second.screen.number.value_or(DisplayNumber{})
-            || entry.second->screenIndex() != place->second.screenIndex;
-    });
-    for (auto& [space, place] : places) {
-        auto panel = m_panels.find(space);
-        if (panel == m_panels.end())
-            createPanel(space, place);
-        else
-            panel->second->surface().setFrame(panelFrame(place.screen));
-    }
+    m_panels.place();
+    applyDockRectRegistrations();
+    trackPointerDisplay();
 }
 
-Rect BarManager::panelFrame(const Screen& screen) const
+void BarManager::syncMirrorPanels()
 {
-    auto& frame = screen.frame;
-    return {frame.x, frame.y, frame.width, barHeight(m_metrics.barSize)};
+    m_panels.syncMirrorPanels();
 }
 
-void BarManager::createPanel(SpaceID space, const Place& place)
+void BarManager::updateActiveSpacePanelVisibility()
 {
-    auto panel = std::make_unique<BarPanel>(m_platform.surfaces,
-        PanelOptions{space, place.screen.number.value_or(DisplayNumber{}), "Quorvel"},
-        place.screenIndex);
-    panel->setContent(makeBarContentView(*panel));
-    panel->surface().setFrame(panelFrame(place.screen));
-    panel->surface().orderFront();
-    m_panels.emplace(space, std::move(panel));
+    m_panels.orderFront(m_spaceWindows.getActiveSpaceIDs(m_platform.windowServer.mainConnection()));
+}
+
+void BarManager::closeAllPanels()
+{
+    m_reservations.clearDockRectRegistrations();
+    m_reservations.clearSystemReservations();
+    m_mouseDisplayTracker.reset();
+    m_panels.closeAll();
+}
+
+void BarManager::setHoverKeyingSuppressed(bool isSuppressed)
+{
+    m_isHoverKeyingSuppressed = isSuppressed;
+    for (auto* bar : m_panels.bars())
+        bar->setHoverKeyingSuppressed(isSuppressed);
+}
+
+void BarManager::fill(BarPanel& panel)
+{
+    panel.setHoverKeyingSuppressed(m_isHoverKeyingSuppressed);
+    panel.onScroll = [this, space = panel.spaceID()](
+                         const ScrollEvent& event) { handleScrollEvent(event, space); };
+    panel.setContent(makeBarContentView(panel));
 }
 
 std::unique_ptr<BarContentView> BarManager::makeBarContentView(BarPanel& panel)
 {
-    // Without separate spaces one bar stands for every screen, so it leaves no window out.
-    bool isPerScreen = m_platform.windowServer.displaysHaveSeparateSpaces();
+    // Where one bar stands for every screen it leaves no window out.
     auto view = std::make_unique<BarContentView>(BarContentView::Inputs{
         .viewModel = m_viewModel,
         .dispatch = m_platform.dispatch,
         .text = m_platform.text,
         .appearance = m_platform.application.appearance(),
         .spaceID = panel.spaceID(),
-        .screenIndex = isPerScreen ? std::optional{panel.screenIndex()} : std::nullopt,
+        .screenIndex = m_panels.isPerScreen() ? std::optional{panel.screenIndex()} : std::nullopt,
         .metrics = m_metrics,
         .isOpaque = panel.isOpaque(),
     });
@@ -187,68 +223,79 @@ void BarManager::showMenu(BarPanel& panel)
         panel.surface(), std::move(menu), panel.content()->menuButtonFrame());
 }
 
-void BarManager::updateActiveSpacePanelVisibility()
+// MARK: The pointer's display
+
+void BarManager::trackPointerDisplay()
 {
-    auto connection = m_platform.windowServer.mainConnection();
-    for (auto space : m_spaceWindows.getActiveSpaceIDs(connection)) {
-        if (auto panel = m_panels.find(space); panel != m_panels.end())
-            panel->second->surface().orderFront();
+    bool isNeeded = m_platform.displays.screens().size() > 1;
+    if (!isNeeded) {
+        m_mouseDisplayTracker.reset();
+    } else if (!m_mouseDisplayTracker) {
+        m_mouseDisplayTracker
+            = std::make_unique<MouseDisplayTracker>(m_platform.dispatch, m_platform.displays);
+        m_mouseDisplayTracker->start();
     }
 }
 
-void BarManager::closeAllPanels()
+std::optional<DisplayNumber> BarManager::pointerDisplay() const
 {
-    clearDockRectRegistrations();
-    m_mouseDisplayTracker.reset();
-    m_panels.clear();
+    return m_mouseDisplayTracker ? m_mouseDisplayTracker->preferredDisplayID()
+                                 : m_platform.displays.mainDisplay();
+}
+
+std::optional<std::size_t> BarManager::preferredMouseScreenIndex() const
+{
+    auto screens = m_platform.displays.screens();
+    auto found = std::ranges::find(screens, pointerDisplay(), &Screen::number);
+    if (found == screens.end())
+        return {};
+    return static_cast<std::size_t>(found - screens.begin());
 }
 
 // MARK: Window-server registrations
 
-std::map<DisplayNumber, BarManager::DockRectRegistration> BarManager::coveredScreensForBar() const
+std::vector<Screen> BarManager::coveredScreensForBar() const
 {
-    std::map<DisplayNumber, DockRectRegistration> covered;
     auto screens = m_platform.displays.screens();
-    for (auto& screen : screens) {
-        bool hasBar = screen.number
-            && std::any_of(m_panels.begin(), m_panels.end(),
-                [&](auto& entry) { return entry.second->display() == *screen.number; });
-        if (hasBar) {
-            covered.emplace(*screen.number,
-                DockRectRegistration{screen.frame.flipped(screens.front().frame.height),
-                    barHeight(m_metrics.barSize)});
-        }
+    std::vector<Screen> covered;
+    for (auto index : m_panels.coveredScreens()) {
+        if (index < screens.size())
+            covered.push_back(screens[index]);
     }
     return covered;
 }
 
 void BarManager::applyDockRectRegistrations()
 {
-    auto& server = m_platform.windowServer;
-    auto connection = server.mainConnection();
-    auto wanted = coveredScreensForBar();
-    for (auto& [display, registration] : m_appliedDockRectRegistrations) {
-        if (!wanted.contains(display))
-            server.clearDockRectangle(connection, display);
-    }
-    for (auto& [display, registration] : wanted) {
-        auto applied = m_appliedDockRectRegistrations.find(display);
-        if (applied != m_appliedDockRectRegistrations.end() && applied->second == registration)
-            continue;
-        auto& screen = registration.screenFrame;
-        double height = registration.barHeight;
-        server.setDockRectangle(
-            connection, {display, {screen.x, screen.maxY() - height, screen.width, height}});
-    }
-    m_appliedDockRectRegistrations = std::move(wanted);
+    m_reservations.applyDockRectRegistrations(coveredScreensForBar(), barHeight(m_metrics.barSize));
 }
 
-void BarManager::clearDockRectRegistrations()
+void BarManager::applyEdgeReservationsIfNeeded()
 {
-    auto connection = m_platform.windowServer.mainConnection();
-    for (auto& [display, registration] : m_appliedDockRectRegistrations)
-        m_platform.windowServer.clearDockRectangle(connection, display);
-    m_appliedDockRectRegistrations.clear();
+    m_reservations.applyEdgeReservationsIfNeeded(
+        barsToAvoid().getPanels(), barHeight(m_metrics.barSize));
+}
+
+// MARK: Spaces
+
+void BarManager::handleScrollEvent(const ScrollEvent& event, SpaceID from)
+{
+    m_navigation.handleScrollEvent(event, from);
+}
+
+void BarManager::switchToAdjacentSpace(Direction direction, SpaceID from)
+{
+    m_navigation.switchToAdjacentSpace(direction, from);
+}
+
+void BarManager::switchToSpace(SpaceID space, std::optional<ProcessID> yieldingBack)
+{
+    m_navigation.switchToSpace(space, yieldingBack);
+}
+
+void BarManager::moveWindowToSpaceByDragging(WindowID window, SpaceID from, SpaceID to)
+{
+    m_moves.moveWindowToSpaceByDragging(window, from, to);
 }
 
 }

@@ -1,27 +1,28 @@
 #pragma once
 
-#include <map>
 #include <memory>
 #include <optional>
-#include <set>
+#include <vector>
 
+#include "Quorvel/Core/BarPanels.h"
+#include "Quorvel/Core/BarReservations.h"
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Core/PinStore.h"
+#include "Quorvel/Core/SpaceNavigation.h"
+#include "Quorvel/Core/WindowAvoidanceManager.h"
+#include "Quorvel/Core/WindowMoves.h"
 #include "Quorvel/Platform/Platform.h"
-#include "Quorvel/Skylight/SpaceWindows.h"
 
 namespace quorvel {
 
-class BarPanel;
 class BadgeService;
 class BarContentView;
+class CursorOwnershipLog;
 class MouseDisplayTracker;
-struct PanelOptions;
 
-/// Owns the bars: one panel for every ordinary space, which the window server shows with its space.
-/// Keeps them in step with spaces and screens, and tells the window server where they lie. Main
-/// thread.
+/// Owns the bars and what they act through, and keeps them in step: with the spaces and screens,
+/// the settings, and the windows that are under them. Main thread.
 class BarManager {
 public:
     BarManager(const Platform&, WindowStore&, UserSettings&, BadgeService&);
@@ -30,49 +31,49 @@ public:
     PinStore& pinStore() { return m_pinStore; }
     BarViewModel& viewModel() { return m_viewModel; }
     const BarViewModel& viewModel() const { return m_viewModel; }
-    const std::map<SpaceID, std::unique_ptr<BarPanel>>& panels() const { return m_panels; }
-    /// A panel for each space that is there, none for one that is gone.
+    const BarPanels::BySpace& panels() const { return m_panels.panels(); }
+    const BarPanels::Mirrors& mirrorPanels() const { return m_panels.mirrorPanels(); }
+    const BarPanels::BySpace& fullscreenPanels() const { return m_panels.fullscreenPanels(); }
+
+    /// After spaces, screens or both have changed: a panel for each space that is there, none for
+    /// one that is gone, and the model of today.
     void syncPanels();
     /// Places every panel on its screen anew.
     void repositionPanels();
+    void syncMirrorPanels();
     void updateActiveSpacePanelVisibility();
     void closeAllPanels();
-    /// The display that the pointer is on, where what belongs to the pointer opens.
+    /// In the list of screens, the one the pointer is on, where what belongs to it opens.
+    std::optional<std::size_t> preferredMouseScreenIndex() const;
     std::optional<DisplayNumber> pointerDisplay() const;
 
-    void applyDockRectRegistrations();
-    void clearDockRectRegistrations();
+    void handleScrollEvent(const ScrollEvent&, SpaceID from);
+    void switchToAdjacentSpace(Direction, SpaceID from);
+    void switchToSpace(SpaceID, std::optional<ProcessID> yieldingBack = {});
+    void moveWindowToSpaceByDragging(WindowID, SpaceID from, SpaceID to);
+    /// While something else needs the keyboard, a bar does not take it from under the pointer.
+    void setHoverKeyingSuppressed(bool);
 
 private:
-    struct DockRectRegistration {
-        Rect screenFrame; ///< global top-left origin, as the window server takes it
-        double barHeight = 0;
+    static constexpr Duration kAvoidanceAfterStart = seconds(0.5);
+    static constexpr Duration kAvoidanceAfterChange = seconds(0.1);
 
-        friend bool operator==(const DockRectRegistration&, const DockRectRegistration&) = default;
-    };
-
-    /// Where the bar of a space belongs.
-    struct Place {
-        std::size_t screenIndex = 0;
-        Screen screen;
-    };
-
-    /// Makes, replaces, moves and closes panels until each ordinary space has one in its place.
-    void placePanels();
-    /// By space; empty while there is no screen.
-    std::map<SpaceID, Place> wantedPlaces() const;
-    void createPanel(SpaceID, const Place&);
-    /// Only while there is a choice of displays: it samples without pause.
-    void trackPointerDisplay();
-    std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
+    void setupSpaceChangeObserver();
     /// Refreshes the model once in the next turn, however many windows change in this one.
     void windowsDidChange();
     void refreshNow();
-    void setupSpaceChangeObserver();
-    void barSizeMayHaveChanged();
+    void handleSettingsChanged();
+    void applyMetrics(const BarMetrics&);
+    void placePanels();
+    std::vector<Screen> coveredScreensForBar() const;
+    void applyDockRectRegistrations();
+    void applyEdgeReservationsIfNeeded();
+    /// Only while there is a choice of displays: it samples without pause.
+    void trackPointerDisplay();
+    void fill(BarPanel&);
+    std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
     void showMenu(BarPanel&);
-    std::map<DisplayNumber, DockRectRegistration> coveredScreensForBar() const;
-    Rect panelFrame(const Screen&) const;
+    WindowAvoidanceManager::Bars barsToAvoid();
 
     Platform m_platform;
     WindowStore& m_windowStore;
@@ -80,13 +81,20 @@ private:
     UserSettings& m_settings;
     PinStore m_pinStore;
     BarMetrics m_metrics;
+    BarSize m_lastAppliedBarSize;
     BarViewModel m_viewModel;
-    std::map<SpaceID, std::unique_ptr<BarPanel>> m_panels;
-    std::map<DisplayNumber, DockRectRegistration> m_appliedDockRectRegistrations;
+    BarPanels m_panels;
+    BarReservations m_reservations;
+    SpaceNavigation m_navigation;
+    WindowMoves m_moves;
+    WindowAvoidanceManager m_avoidanceManager;
     std::unique_ptr<MouseDisplayTracker> m_mouseDisplayTracker; ///< null with one display
+    std::unique_ptr<CursorOwnershipLog> m_cursorOwnershipLog; ///< null unless asked for
+    bool m_isHoverKeyingSuppressed = false;
     Subscription m_activeSpaceChange;
     Subscription m_settingsChange;
     WorkItem m_refresh;
+    WorkItem m_avoidanceAfterStart;
 };
 
 }

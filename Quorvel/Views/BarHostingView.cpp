@@ -65,10 +65,13 @@ void BarHostingView::viewsDidMove()
 
 void BarHostingView::pointerEvent(const PointerEvent& event)
 {
+    bool wasHovered = m_pointer.has_value();
     if (event.action == PointerAction::exited)
         m_pointer.reset();
     else if (event.action != PointerAction::cancelled)
         m_pointer = event.location;
+    if (m_pointer.has_value() != wasHovered && onHoverChanged)
+        onHoverChanged(!wasHovered);
     updateHover();
 
     if (event.action == PointerAction::pressed)

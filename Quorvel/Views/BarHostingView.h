@@ -23,6 +23,8 @@ public:
     View* content() const { return m_content.get(); }
 
     std::function<void(const ScrollEvent&)> onScroll;
+    /// The pointer came over the surface or left it.
+    std::function<void(bool)> onHoverChanged;
 
 private:
     void paint(Canvas&, const Rect& damage) override;

@@ -7,8 +7,34 @@ BarPanel::BarPanel(Surfaces& surfaces, const PanelOptions& options, std::size_t 
     , m_screenIndex(screenIndex)
     , m_surface(surfaces.createPanel(options, m_hostingView))
 {
-    m_blursBehind = m_surface->setBlursBehind(true);
+    // A proxy has nothing to see.
+    m_blursBehind = options.kind == PanelKind::bar && m_surface->setBlursBehind(true);
     m_hostingView.attach(*m_surface);
+    m_hostingView.onScroll = [this](const ScrollEvent& event) {
+        if (onScroll)
+            onScroll(event);
+    };
+    m_hostingView.onHoverChanged = [this](bool isHovered) {
+        m_isHovered = isHovered;
+        updateKeying();
+    };
+}
+
+void BarPanel::setAllowBecomeKey(bool isAllowed)
+{
+    m_allowBecomeKey = isAllowed;
+    updateKeying();
+}
+
+void BarPanel::setHoverKeyingSuppressed(bool isSuppressed)
+{
+    m_isHoverKeyingSuppressed = isSuppressed;
+    updateKeying();
+}
+
+void BarPanel::updateKeying()
+{
+    m_surface->setCanBecomeKey(m_allowBecomeKey || (m_isHovered && !m_isHoverKeyingSuppressed));
 }
 
 void BarPanel::setContent(std::unique_ptr<BarContentView> content)

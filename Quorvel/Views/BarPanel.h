@@ -23,16 +23,28 @@ public:
     /// Nothing shows through the panel.
     bool isOpaque() const { return !m_blursBehind; }
 
+    std::function<void(const ScrollEvent&)> onScroll;
+
+    /// For a switch of space, which follows the key panel, whatever is suppressed.
+    void setAllowBecomeKey(bool);
+    /// Else the panel may take the keyboard while the pointer is over it.
+    void setHoverKeyingSuppressed(bool);
+
     void setContent(std::unique_ptr<BarContentView>);
     const BarContentView* content() const { return m_content; }
 
 private:
+    void updateKeying();
+
     PanelOptions m_options;
     std::size_t m_screenIndex;
     BarHostingView m_hostingView;
     BarContentView* m_content = nullptr;
     std::unique_ptr<PanelSurface> m_surface; ///< last: it calls the hosting view
     bool m_blursBehind = false;
+    bool m_allowBecomeKey = false;
+    bool m_isHovered = false;
+    bool m_isHoverKeyingSuppressed = false;
 };
 
 }

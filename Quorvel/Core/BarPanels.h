@@ -1,0 +1,97 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/Surfaces.h"
+#include "Quorvel/Skylight/SpaceWindows.h"
+
+namespace quorvel {
+
+class BarPanel;
+class UserSettings;
+struct Platform;
+
+/// Names the bar of a space on a screen that has no spaces of its own.
+struct MirrorKey {
+    SpaceID spaceID{};
+    std::size_t screenIndex = 0; ///< in the list of screens
+
+    friend auto operator<=>(const MirrorKey&, const MirrorKey&) = default;
+};
+
+/// The panels on the screens, each where it belongs: one bar for every ordinary space on the
+/// display of the space, mirrors of them on the further screens if the user wants bars there, and a
+/// proxy for each full-screen space, through which the space can be reached. A panel belongs to its
+/// display for life: if its space comes to another one, it is made anew. Main thread.
+class BarPanels {
+public:
+    using BySpace = std::map<SpaceID, std::unique_ptr<BarPanel>>;
+    using Mirrors = std::map<MirrorKey, std::unique_ptr<BarPanel>>;
+
+    BarPanels(const Platform&, const UserSettings&);
+    ~BarPanels();
+
+    /// Fills a bar that is new, or whose content has to be made anew.
+    std::function<void(BarPanel&)> onContentNeeded;
+
+    const BySpace& panels() const { return m_panels; }
+    const BySpace& fullscreenPanels() const { return m_fullscreenPanels; }
+    const Mirrors& mirrorPanels() const { return m_mirrorPanels; }
+    /// A bar of the space, on its own display first; null if there is none.
+    BarPanel* panel(SpaceID) const;
+    /// The proxy of a full-screen space; null if there is none.
+    BarPanel* fullscreenPanel(SpaceID) const;
+    std::vector<BarPanel*> bars() const;
+    /// Each screen's bar shows the windows of this screen only; else one bar stands for all.
+    bool isPerScreen() const { return m_isPerScreen; }
+    /// The screens that show a bar, in the order of the list of screens.
+    std::vector<std::size_t> coveredScreens() const;
+    std::vector<std::size_t> mirrorScreens() const;
+
+    /// Makes, moves and closes panels until each is in its place.
+    void place();
+    void syncMirrorPanels();
+    void rebuildContentViews();
+    void orderFront(const std::vector<SpaceID>&);
+    void closeAll();
+
+private:
+    struct Spot {
+        SpaceID space{};
+        std::size_t screenIndex = 0;
+        Screen screen;
+        PanelKind kind = PanelKind::bar;
+    };
+    using Spots = std::map<SpaceID, Spot>;
+
+    /// Where the spaces' panels belong; empty while there is no screen.
+    Spots spots(
+        const std::vector<SpaceWindows::Info>&, const std::vector<Screen>&, PanelKind) const;
+    Spot spot(const SpaceWindows::Info&, const std::vector<Screen>&, PanelKind) const;
+    std::map<MirrorKey, Spot> mirrorSpots(const Spots&, const std::vector<Screen>&) const;
+    bool needsMirror(std::size_t index, const Spots&, const std::vector<Screen>&) const;
+    void syncFullscreenProxyPanels(
+        const std::vector<SpaceWindows::Info>& spaces, const std::vector<Screen>&);
+    void placeMirrors(const Spots&, const std::vector<Screen>&);
+    template <typename Panels, typename WantedSpots> void placeAll(Panels&, const WantedSpots&);
+    std::unique_ptr<BarPanel> createPanel(const Spot&);
+    Rect frame(const Spot&) const;
+    Rect barFrame(const Screen&) const;
+
+    Surfaces& m_surfaces;
+    WindowServer& m_windowServer;
+    Displays& m_displays;
+    const UserSettings& m_settings;
+    SpaceWindows m_spaceWindows;
+    bool m_isPerScreen = false;
+    BySpace m_panels;
+    BySpace m_fullscreenPanels;
+    Mirrors m_mirrorPanels;
+};
+
+}

@@ -1,0 +1,38 @@
+#include "Quorvel/Core/DesktopShortcuts.h"
+
+namespace quorvel {
+
+namespace {
+
+constexpr int kMostDesktops = 16;
+constexpr int kBeforeFirstIdentifier = 117;
+
+}
+
+DesktopShortcuts::~DesktopShortcuts()
+{
+    for (int identifier : m_enabled)
+        m_windowServer.setSymbolicHotKeyEnabled(identifier, false);
+}
+
+std::optional<SymbolicHotKey> DesktopShortcuts::desktopSwitchShortcut(int desktopNumber)
+{
+    if (desktopNumber < 1 || desktopNumber > kMostDesktops)
+        return {};
+    int identifier = kBeforeFirstIdentifier + desktopNumber;
+    auto keys = m_windowServer.symbolicHotKey(identifier);
+    if (!keys || m_windowServer.isSymbolicHotKeyEnabled(identifier))
+        return keys;
+    if (!m_windowServer.setSymbolicHotKeyEnabled(identifier, true))
+        return {};
+    m_enabled.insert(identifier);
+    return keys;
+}
+
+void DesktopShortcuts::press(const SymbolicHotKey& keys)
+{
+    m_windowServer.postKeyEvent(keys.keyCode, KeyAction::down, keys.modifierFlags);
+    m_windowServer.postKeyEvent(keys.keyCode, KeyAction::up, 0);
+}
+
+}

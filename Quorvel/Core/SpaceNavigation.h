@@ -1,0 +1,86 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "Quorvel/Core/DesktopShortcuts.h"
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Surfaces.h"
+#include "Quorvel/Platform/Trace.h"
+#include "Quorvel/Skylight/SpaceWindows.h"
+
+namespace quorvel {
+
+class BarPanel;
+class BarPanels;
+class BarViewModel;
+class UserSettings;
+class WindowStore;
+class Workspace;
+struct Platform;
+struct TrackedWindow;
+
+enum class Direction { left, right };
+
+/// Brings the user to another space: by the system's own keys where there are any, else by letting
+/// a panel of that space take the keyboard, since the system follows it. Main thread.
+class SpaceNavigation {
+public:
+    /// One notch of a wheel, or one swipe with all its events, is one step.
+    static constexpr Duration kScrollLock = seconds(0.38);
+    /// How long a switch may take before it counts as refused.
+    static constexpr Duration kSwitchPatience = seconds(1);
+
+    SpaceNavigation(
+        const Platform&, WindowStore&, BarViewModel&, const UserSettings&, const BarPanels&);
+
+    void handleScrollEvent(const ScrollEvent&, SpaceID from);
+    /// To the next space of the same display; the first and the last one have no neighbour beyond.
+    void switchToAdjacentSpace(Direction, SpaceID from);
+    /// Afterwards this application has the focus again, if the switch has taken it.
+    void switchToSpace(SpaceID, std::optional<ProcessID> yieldingBack = {});
+    /// Desktops as the system counts them, from 1: the ordinary spaces of all displays.
+    std::optional<int> missionControlDesktopNumber(SpaceID) const;
+    std::optional<SymbolicHotKey> desktopSwitchShortcut(SpaceID);
+    bool isCurrent(SpaceID) const;
+
+    /// A display shows another space.
+    void spaceDidChange();
+    bool isScrollSwitchLocked() const { return m_scrollUnlockWork.isPending(); }
+
+private:
+    struct PendingFullscreenAXActivation {
+        WindowID windowID{};
+        SpaceID targetSpaceID{};
+    };
+
+    const SpaceWindows::Info* info(SpaceID) const;
+    void lockScrollSwitching();
+    void switchToFullscreenSpace(SpaceID);
+    void completeFullscreenProxySwitch(WindowID);
+    /// The system follows the panel to its space.
+    void becomeKey(BarPanel&, std::optional<ProcessID> previousApp);
+    void handlePostSwitchYield();
+    std::optional<ProcessID> applicationToYieldTo(ProcessID previous) const;
+    const TrackedWindow* frontWindow(SpaceID) const;
+
+    Dispatch& m_dispatch;
+    WindowServer& m_windowServer;
+    Workspace& m_workspace;
+    const Trace& m_trace;
+    SpaceWindows m_spaceWindows;
+    DesktopShortcuts m_shortcuts;
+    WindowStore& m_windowStore;
+    BarViewModel& m_viewModel;
+    const UserSettings& m_settings;
+    const BarPanels& m_panels;
+    SpaceID m_targetSpaceID{};
+    std::optional<ProcessID> m_pendingPreviousApp;
+    std::optional<PendingFullscreenAXActivation> m_pendingFullscreenAXActivation;
+    Instant m_switchStartTime;
+    WorkItem m_scrollUnlockWork; ///< pending: scrolling is ignored
+    WorkItem m_yieldWork;
+    WorkItem m_pendingFullscreenProxyCleanupWork;
+};
+
+}

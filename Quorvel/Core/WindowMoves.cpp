@@ -1,0 +1,240 @@
+#include "Quorvel/Core/WindowMoves.h"
+
+#include <algorithm>
+
+#include "Quorvel/Core/BarViewModel.h"
+#include "Quorvel/Core/SpaceNavigation.h"
+#include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Platform/Workspace.h"
+#include "Quorvel/Skylight/WindowStore.h"
+
+namespace quorvel {
+
+namespace {
+
+/// Right of the title bar's buttons and below the edge that resizes.
+constexpr Point kGrip{78, 8};
+/// Further than a hand trembles: less is a click, not a drag.
+constexpr double kNudge = 6;
+/// Under the menu bar, and clear of the next display.
+constexpr double kDropInset = 40;
+
+Point gripOf(const TrackedWindow& window)
+{
+    return window.frame.origin().translated(
+        std::min(kGrip.x, window.frame.width / 2), std::min(kGrip.y, window.frame.height / 2));
+}
+
+Point clamped(Point point, const Rect& area)
+{
+    return {std::clamp(point.x, area.x, area.maxX()), std::clamp(point.y, area.y, area.maxY())};
+}
+
+}
+
+WindowMoves::WindowMoves(const Platform& platform, WindowStore& windowStore,
+    BarViewModel& viewModel, SpaceNavigation& navigation)
+    : m_dispatch(platform.dispatch)
+    , m_windowServer(platform.windowServer)
+    , m_displays(platform.displays)
+    , m_workspace(platform.workspace)
+    , m_spaceWindows(platform.windowServer, platform.displays)
+    , m_windowStore(windowStore)
+    , m_viewModel(viewModel)
+    , m_navigation(navigation)
+{
+}
+
+WindowMoves::~WindowMoves()
+{
+    abandon();
+}
+
+void WindowMoves::moveWindowToSpaceByDragging(WindowID window, SpaceID from, SpaceID to)
+{
+    auto source = info(from);
+    auto target = info(to);
+    if (from == to || !source || !target || target->spaceType == kFullscreenSpaceType
+        || !m_windowStore.window(window))
+        return;
+    abandon();
+    if (moveDirectly(window, to))
+        return m_windowStore.refreshSpaces();
+    if (!m_windowServer.canPostPointerEvents() || !m_navigation.isCurrent(from))
+        return; // nobody can take hold of a window that is not on the screen
+    m_previousApp = m_workspace.frontmostApplication();
+    m_pointerBefore = m_displays.pointerLocation();
+    if (source->displayIndex == target->displayIndex)
+        beginWindowMoveDrag(window, from, to);
+    else
+        beginSilicaWindowMove(window, from, to);
+}
+
+/// The window server says nothing of a refusal; only the window's spaces tell.
+bool WindowMoves::moveDirectly(WindowID window, SpaceID target) const
+{
+    m_spaceWindows.moveWindowExclusively(window, target);
+    auto spaces
+        = m_windowServer.spacesOfWindows(m_windowServer.mainConnection(), kAllSpacesMask, {window});
+    return spaces && *spaces == std::vector{target};
+}
+
+void WindowMoves::raise(WindowID window, Work next)
+{
+    m_viewModel.activateWindow(window, BarViewModel::FocusBeforeActivation::no);
+    m_raiseWork = m_dispatch.main().after(kRaisePause, std::move(next));
+}
+
+// MARK: Carried to another space of its display
+
+void WindowMoves::beginWindowMoveDrag(WindowID id, SpaceID source, SpaceID target)
+{
+    if (!m_navigation.desktopSwitchShortcut(target))
+        return; // a panel that became key would take the window out of the hand
+    auto grip = gripOf(*m_windowStore.window(id));
+    m_pendingWindowMoveDrag
+        = PendingWindowMoveDrag{id, source, target, grip, grip.translated(kNudge, 0)};
+    raise(id, [this] { holdAndSwitch(); });
+}
+
+void WindowMoves::holdAndSwitch()
+{
+    auto& drag = *m_pendingWindowMoveDrag;
+    if (!m_navigation.isCurrent(drag.sourceSpaceID) || !isOnTop(drag.windowID, drag.mouseDownPoint))
+        return abandon();
+    post(PointerPost::pressed, drag.mouseDownPoint);
+    post(PointerPost::dragged, drag.dropPoint);
+    m_pendingWindowMoveDragTimeoutWork = m_dispatch.main().after(
+        kMoveTimeout, [this] { finishPendingWindowMoveDrag(m_previousApp); });
+    m_navigation.switchToSpace(drag.targetSpaceID, m_previousApp);
+}
+
+void WindowMoves::finishPendingWindowMoveDrag(std::optional<ProcessID> previousApp)
+{
+    auto drag = *std::exchange(m_pendingWindowMoveDrag, std::nullopt);
+    m_pendingWindowMoveDragTimeoutWork.cancel();
+    post(PointerPost::released, drag.dropPoint);
+    settle(drag.windowID, previousApp);
+}
+
+// MARK: Dragged to another display
+
+void WindowMoves::beginSilicaWindowMove(WindowID id, SpaceID source, SpaceID target)
+{
+    auto from = displayOf(source);
+    auto to = displayOf(target);
+    if (!from || !to)
+        return;
+    auto grip = gripOf(*m_windowStore.window(id));
+    auto drop = clamped(grip.translated(to->x - from->x, to->y - from->y),
+        to->inset(std::min(kDropInset, to->width / 2), std::min(kDropInset, to->height / 2)));
+    m_pendingSilicaWindowMove = PendingSilicaWindowMove{id, target, grip, drop};
+    m_pendingWindowMoveDragTimeoutWork
+        = m_dispatch.main().after(kMoveTimeout, [this] { abandon(); });
+    if (m_navigation.isCurrent(target))
+        return raise(id, [this, id] { finishSilicaWindowMove(id, m_previousApp); });
+    m_navigation.switchToSpace(target, m_previousApp);
+}
+
+void WindowMoves::finishSilicaWindowMove(WindowID id, std::optional<ProcessID> previousApp)
+{
+    auto move = *std::exchange(m_pendingSilicaWindowMove, std::nullopt);
+    if (!isOnTop(id, move.mouseDownPoint))
+        return abandon();
+    m_pendingWindowMoveDragTimeoutWork.cancel();
+    auto& from = move.mouseDownPoint;
+    auto& to = move.dropPoint;
+    post(PointerPost::pressed, from);
+    post(PointerPost::dragged, from.translated(kNudge, 0));
+    post(PointerPost::dragged, {(from.x + to.x) / 2, (from.y + to.y) / 2});
+    post(PointerPost::dragged, to);
+    post(PointerPost::released, to);
+    settle(id, previousApp);
+}
+
+// MARK: Both
+
+void WindowMoves::spaceDidChange()
+{
+    if (m_pendingWindowMoveDrag && m_heldAt
+        && m_navigation.isCurrent(m_pendingWindowMoveDrag->targetSpaceID))
+        finishPendingWindowMoveDrag(m_previousApp);
+    if (m_pendingSilicaWindowMove
+        && m_navigation.isCurrent(m_pendingSilicaWindowMove->targetSpaceID)
+        && !m_raiseWork.isPending()) {
+        auto id = m_pendingSilicaWindowMove->windowID;
+        raise(id, [this, id] { finishSilicaWindowMove(id, m_previousApp); });
+    }
+}
+
+/// The moved window keeps the focus; if it has closed meanwhile, whoever had it before.
+void WindowMoves::settle(WindowID window, std::optional<ProcessID> previousApp)
+{
+    post(PointerPost::moved, m_pointerBefore);
+    m_windowStore.refreshSpaces();
+    if (m_windowStore.window(window))
+        m_viewModel.activateWindow(window, BarViewModel::FocusBeforeActivation::no);
+    else if (previousApp && !m_workspace.activateCooperatively(*previousApp))
+        m_workspace.activateDirectly(*previousApp);
+}
+
+void WindowMoves::abandon()
+{
+    if (m_heldAt) {
+        post(PointerPost::released, *m_heldAt);
+        post(PointerPost::moved, m_pointerBefore);
+    }
+    m_pendingWindowMoveDrag.reset();
+    m_pendingSilicaWindowMove.reset();
+    m_pendingWindowMoveDragTimeoutWork.cancel();
+    m_raiseWork.cancel();
+}
+
+/// A press on whatever lies above the window would move, or do, something else.
+bool WindowMoves::isOnTop(WindowID window, Point at) const
+{
+    std::optional<WindowID> top;
+    auto current = m_spaceWindows.getActiveSpaceIDs(m_windowServer.mainConnection());
+    m_windowServer.enumerateWindows(
+        kWindowListExcludeDesktopElements, [&](const CGWindowInfo& entry) {
+            bool isThere = entry.bounds && entry.bounds->contains(at) && entry.windowNumber;
+            auto* tracked = isThere ? m_windowStore.window(*entry.windowNumber) : nullptr;
+            bool isSeen = tracked && !tracked->isMinimized
+                && std::ranges::find_first_of(tracked->spaceIDs, current)
+                    != tracked->spaceIDs.end();
+            if (!top && isSeen)
+                top = entry.windowNumber;
+        });
+    return top == window;
+}
+
+void WindowMoves::post(PointerPost post, Point at)
+{
+    if (post == PointerPost::pressed || post == PointerPost::dragged)
+        m_heldAt = at;
+    else if (post == PointerPost::released)
+        m_heldAt.reset();
+    m_windowServer.postPointerEvent(post, at);
+}
+
+std::optional<SpaceWindows::Info> WindowMoves::info(SpaceID space) const
+{
+    for (auto& candidate : m_viewModel.spaces.value()) {
+        if (candidate.spaceID == space)
+            return candidate;
+    }
+    return {};
+}
+
+/// Global top-left origin, as the pointer's place.
+std::optional<Rect> WindowMoves::displayOf(SpaceID space) const
+{
+    auto known = info(space);
+    auto screens = m_displays.screens();
+    auto screen = known ? m_spaceWindows.screen(known->displayIdentifier, screens) : std::nullopt;
+    if (!screen)
+        return {};
+    return screen->frame.flipped(screens.front().frame.height);
+}
+
+}

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <optional>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Skylight/SpaceWindows.h"
+
+namespace quorvel {
+
+class BarViewModel;
+class SpaceNavigation;
+class WindowStore;
+class Workspace;
+struct Platform;
+struct TrackedWindow;
+
+/// Moves a window to another space. The window server is asked first; where it does so only for a
+/// window's own program, the window is carried: held by its title bar while the display switches to
+/// the space, or dragged across to the other display. One move at a time; a new one ends the old,
+/// and the button is never left pressed. Main thread.
+class WindowMoves {
+public:
+    /// Until the window that was raised lies on top.
+    static constexpr Duration kRaisePause = seconds(0.1);
+    static constexpr Duration kMoveTimeout = seconds(1.5);
+
+    WindowMoves(const Platform&, WindowStore&, BarViewModel&, SpaceNavigation&);
+    ~WindowMoves();
+
+    void moveWindowToSpaceByDragging(WindowID, SpaceID from, SpaceID to);
+    /// A display shows another space.
+    void spaceDidChange();
+
+private:
+    struct PendingWindowMoveDrag {
+        WindowID windowID{};
+        SpaceID sourceSpaceID{};
+        SpaceID targetSpaceID{};
+        Point mouseDownPoint;
+        Point dropPoint;
+    };
+    struct PendingSilicaWindowMove {
+        WindowID windowID{};
+        SpaceID targetSpaceID{};
+        Point mouseDownPoint;
+        Point dropPoint;
+    };
+
+    bool moveDirectly(WindowID, SpaceID) const;
+    /// Brings the window to the front and goes on once it lies there.
+    void raise(WindowID, Work next);
+    void beginWindowMoveDrag(WindowID, SpaceID source, SpaceID target);
+    void holdAndSwitch();
+    void finishPendingWindowMoveDrag(std::optional<ProcessID> previousApp);
+    void beginSilicaWindowMove(WindowID, SpaceID source, SpaceID target);
+    void finishSilicaWindowMove(WindowID, std::optional<ProcessID> previousApp);
+    void settle(WindowID, std::optional<ProcessID> previousApp);
+    void abandon();
+    bool isOnTop(WindowID, Point) const;
+    void post(PointerPost, Point);
+    std::optional<SpaceWindows::Info> info(SpaceID) const;
+    std::optional<Rect> displayOf(SpaceID) const;
+
+    Dispatch& m_dispatch;
+    WindowServer& m_windowServer;
+    Displays& m_displays;
+    Workspace& m_workspace;
+    SpaceWindows m_spaceWindows;
+    WindowStore& m_windowStore;
+    BarViewModel& m_viewModel;
+    SpaceNavigation& m_navigation;
+    std::optional<PendingWindowMoveDrag> m_pendingWindowMoveDrag;
+    std::optional<PendingSilicaWindowMove> m_pendingSilicaWindowMove;
+    std::optional<ProcessID> m_previousApp;
+    std::optional<Point> m_heldAt; ///< where the button is down
+    Point m_pointerBefore;
+    WorkItem m_raiseWork;
+    WorkItem m_pendingWindowMoveDragTimeoutWork;
+};
+
+}
