@@ -46,9 +46,10 @@ std::optional<WindowID> WindowStore::trackSoleWindow(SpaceID space)
         if (trackOnSpace(id, moment, scans, hasChanged))
             candidates.push_back(id);
     }
+    auto best = bestActivationCandidate(candidates);
     if (hasChanged)
         notifyChange();
-    return bestActivationCandidate(candidates);
+    return best;
 }
 
 bool WindowStore::trackOnSpace(
