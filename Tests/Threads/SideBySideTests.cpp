@@ -4,19 +4,11 @@
 #include <csignal>
 #include <cstdlib>
 
-#include <glib.h>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "Hosts/X11/Applications/DesktopEntries.h"
-#include "Hosts/X11/Applications/Icons.h"
-#include "Hosts/X11/Connection.h"
-#include "Hosts/X11/Desktop/DesktopServices.h"
-#include "Hosts/X11/GLibDispatch.h"
-#include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/PanelEnvironment.h"
 #include "Quorvel/Core/MouseDisplayTracker.h"
 #include "Quorvel/Platform/WindowServer.h"
 #include "Quorvel/Platform/Workspace.h"
@@ -24,13 +16,12 @@
 #include "Quorvel/Skylight/Minimal.h"
 #include "Quorvel/Skylight/SpaceWindows.h"
 #include "Tests/X11/Support/Client.h"
+#include "Tests/X11/Support/HostServices.h"
 #include "Tests/X11/Support/WindowManager.h"
 
 namespace quorvel::x11tests {
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 /// An application whose windows come, change and go without pause, until it dies of a sudden.
 class RestlessApplication {
@@ -62,17 +53,7 @@ private:
     pid_t m_pid;
 };
 
-/// The services of the X11 host as the bar has them.
-struct Host {
-    std::string problem;
-    x11::GLibDispatch dispatch;
-    std::unique_ptr<x11::Connection> connection = x11::Connection::open(problem);
-    x11::Monitors monitors{*connection};
-    x11::PanelEnvironment environment;
-    x11::DesktopEntries entries{dispatch};
-    x11::Icons icons{entries};
-    x11::DesktopServices services{*connection, dispatch, monitors, environment, entries, icons};
-
+struct Host : HostServices {
     /// How many windows applications have now, asked in every way there is.
     int ask()
     {
@@ -105,17 +86,6 @@ struct Host {
         displays.displayAt(displays.pointerLocation());
         displays.screens();
         return count;
-    }
-    /// Turns of the real loop until the condition holds; false if it never does.
-    bool runUntil(const std::function<bool()>& isDone)
-    {
-        auto end = Clock::now() + std::chrono::seconds(60);
-        auto guard = g_timeout_add(
-            5, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-        while (!isDone() && Clock::now() < end)
-            g_main_context_iteration(nullptr, true);
-        g_source_remove(guard);
-        return isDone();
     }
 };
 

@@ -29,6 +29,7 @@ struct DesktopServices::Parts {
               [this] { launchServices.answersMayHaveChanged.emit(); })
         , attentionChanged(mirror.attentionDidChange.subscribe(
               [this] { launchServices.answersMayHaveChanged.emit(); }))
+        , focusLost(mirror.focusWasLost.subscribe([this] { requests.focusWasLost(); }))
     {
         requests.onActivationAsked
             = [this](std::optional<WindowID> window) { mirror.expectFocus(window); };
@@ -46,6 +47,7 @@ struct DesktopServices::Parts {
     X11LaunchServices launchServices;
     LauncherBus launcherBus;
     Subscription attentionChanged;
+    Subscription focusLost;
 };
 
 DesktopServices::DesktopServices(Connection& connection, Dispatch& dispatch, Monitors& monitors,

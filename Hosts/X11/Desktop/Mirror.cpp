@@ -411,7 +411,7 @@ void Mirror::setFocus(ProcessID frontmost, std::optional<WindowID> window)
         m_touched.insert(frontmost);
     }
     if (!window)
-        m_lastFocused.reset();
+        m_changes.focusLost |= std::exchange(m_lastFocused, std::nullopt).has_value();
 
     auto [isOtherProcess, knownWindow] = m_model.write([&](DesktopModel& model) {
         bool isOther = std::exchange(model.frontmost, frontmost) != frontmost;
@@ -519,6 +519,8 @@ void Mirror::announce()
         reservationsDidChange.emit();
     if (changes.attention)
         attentionDidChange.emit();
+    if (changes.focusLost)
+        focusWasLost.emit();
     for (auto& application : changes.terminated)
         applicationDidTerminate.emit(application);
 }

@@ -59,6 +59,8 @@ public:
     Signal<RunningApplication> applicationDidActivate;
     Signal<RunningApplication> applicationDidTerminate;
     Signal<std::string> iconDidChange;
+    /// For a while now no window has had the focus.
+    Signal<> focusWasLost;
     /// Other windows than before ask for attention.
     Signal<> attentionDidChange;
     /// Docks of other programs keep other parts of the screen free.
@@ -75,6 +77,7 @@ private:
         bool spacesOfWindows = false;
         bool activeSpace = false;
         bool attention = false;
+        bool focusLost = false;
         bool reservations = false;
     };
 

@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::uint32_t kSourcePager = 2; ///< the user's own wish, not an application's
 constexpr std::uint32_t kIconicState = 3;
+constexpr xcb_timestamp_t kFarActivationCounts = 1000; ///< milliseconds
 constexpr std::uint32_t kNorthWestGravity = 1;
 constexpr std::uint32_t kWidthAndHeight = 1u << 10 | 1u << 11;
 constexpr double kLargestSide = 32767;
@@ -44,6 +45,25 @@ void WindowRequests::activate(WindowID window)
     if (onActivationAsked)
         onActivationAsked(window);
     wish();
+}
+
+void WindowRequests::focusWasLost()
+{
+    // xfwm4 takes the focus from all windows when it switches, later than the time of the request
+    // that follows, which it then cannot fulfil for a window that was minimised.
+    const auto last = std::exchange(m_farActivation, std::nullopt);
+    if (!last)
+        return;
+    m_time.ask([this, last = *last](xcb_timestamp_t time) {
+        auto* client = m_clients.find(last.window);
+        const bool isShown = client && !client->state.isHidden && !m_isAsking
+            && client->desktop == m_root.currentDesktop();
+        if (!isShown || time - last.time > kFarActivationCounts)
+            return;
+        message(client->window, m_connection.atoms().netActiveWindow,
+            {kSourcePager, time, XCB_WINDOW_NONE});
+        xcb_flush(m_connection.raw());
+    });
 }
 
 void WindowRequests::activateApplication(ProcessID pid)
@@ -97,6 +117,7 @@ void WindowRequests::wish()
 void WindowRequests::send(xcb_timestamp_t time)
 {
     m_isAsking = false;
+    m_farActivation.reset();
     auto wishes = std::exchange(m_wishes, {});
     if (wishes.hasSpaces)
         sendSpaces();
@@ -132,8 +153,10 @@ void WindowRequests::sendActivation(xcb_timestamp_t time, WindowID window)
     auto desktop = client->desktop.value_or(kEveryDesktop);
     bool isElsewhere = desktop != kEveryDesktop && desktop < m_root.desktopCount()
         && desktop != m_root.currentDesktop();
-    if (isElsewhere)
+    if (isElsewhere) {
         message(m_connection.root(), atoms.netCurrentDesktop, {desktop, time});
+        m_farActivation = {window, time};
+    }
     message(client->window, atoms.netActiveWindow, {kSourcePager, time, XCB_WINDOW_NONE});
 }
 

@@ -29,6 +29,8 @@ public:
 
     /// Raises, focuses and restores the window, with a switch to its space if need be.
     void activate(WindowID);
+    /// No window has the focus. If that is the answer to an activation, it is asked for once more.
+    void focusWasLost();
     /// Activates the window of the application that was active last on the current space, if any.
     void activateApplication(ProcessID);
     void minimize(WindowID);
@@ -65,7 +67,14 @@ private:
     Clients& m_clients;
     const RootState& m_root;
     SharedModel& m_model;
+    /// A window of another space that was activated, and when.
+    struct FarActivation {
+        WindowID window;
+        xcb_timestamp_t time;
+    };
+
     Wishes m_wishes;
+    std::optional<FarActivation> m_farActivation;
     bool m_isAsking = false;
     ServerTime m_time;
 };
