@@ -360,6 +360,37 @@ TEST_F(BarViewModelTest, theTraceTellsEachStepOfAnActivation)
     EXPECT_EQ(steps[5], fmt::format("end id={0} focusedWindowID={0}", id));
 }
 
+TEST_F(BarViewModelTest, theTraceTellsWhyAChipIsLit)
+{
+    trace();
+    auto reasons = [this] {
+        std::vector<std::string> found;
+        for (auto& line : linesWith("refresh focus ")) {
+            auto reason = line.substr(line.find("reason=") + 7);
+            if (found.empty() || found.back() != reason)
+                found.push_back(reason);
+        }
+        return found;
+    };
+    desktop.window(draft).faults.ignoredRequests = {"AXMain", "AXFocused", "AXRaise"};
+    click(s(draft));
+    desktop.retitle(notes, "Other");
+    desktop.advance(seconds(2));
+    EXPECT_THAT(
+        reasons(), ElementsAre("pending-preserved-same-app pk=mail sk=mail", "pending-expired"));
+    click(s(draft));
+    desktop.activate(editor);
+    desktop.advance(seconds(0.1));
+    EXPECT_THAT(reasons(), testing::Contains("pending-abandoned-different-app pk=mail sk=editor"));
+    click(s(draft));
+    desktop.close(draft);
+    settle();
+    EXPECT_THAT(reasons(), testing::Contains("pending-abandoned-missing-window"));
+    focusOn(editor, notes);
+    click(s(inbox));
+    EXPECT_THAT(reasons(), testing::Contains("pending-confirmed"));
+}
+
 TEST_F(BarViewModelTest, focusThroughAccessibilityAloneActivatesNobody)
 {
     group();
@@ -435,6 +466,8 @@ TEST_F(BarViewModelTest, aRefreshThatReusesIsEqualToOneFromNothing)
         compare("closed");
         desktop.workspace().iconDidChange.emit("mail");
         compare("icon");
+        desktop.launchServices().requests = {{isGrouped ? draft : inbox, "mail"}};
+        compare("attention");
     }
 }
 

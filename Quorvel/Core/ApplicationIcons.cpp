@@ -24,7 +24,12 @@ Image ApplicationIcons::icon(const TrackedWindow& window)
         // "None" is remembered too: to look for an icon may mean to ask the window.
         found = m_iconCache[*window.bundleIdentifier] = findIcon(window);
     }
-    return found ? found : m_workspace.genericApplicationIcon();
+    if (found)
+        return found;
+    // One handle for all, so that a chip with it does not look changed.
+    if (!m_generic)
+        m_generic = m_workspace.genericApplicationIcon();
+    return m_generic;
 }
 
 Image ApplicationIcons::icon(const std::string& bundleIdentifier) const

@@ -29,6 +29,7 @@ private:
 
     Workspace& m_workspace;
     std::map<std::string, Image, std::less<>> m_iconCache; ///< null: it has none of its own
+    Image m_generic;
     Subscription m_changes;
 };
 

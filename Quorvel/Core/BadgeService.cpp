@@ -84,15 +84,20 @@ void BadgeService::pollOnHint()
 
 void BadgeService::fetchAndPublish()
 {
+    const auto now = m_dispatch.now();
+    const auto records = fetchRecords();
     Poll poll;
     fetchStatuses(poll);
-    poll.suppressed = fetchAttention();
+    poll.suppressed = fetchAttention(records, now);
+    poll.attention = m_ledger.attentionByBundleID();
+    poll.attentionWindows = m_ledger.attentionWindows();
     onMain([poll = std::move(poll)](BadgeService& self) {
         self.traceSuppressed(poll.suppressed);
         self.m_badgesByBundleID.set(poll.badges);
         self.m_progressByBundleID.set(poll.progress);
+        self.m_attentionWindows.set(poll.attentionWindows);
+        self.m_attentionByBundleID.set(poll.attention);
     });
-    publishAttention();
 }
 
 void BadgeService::fetchStatuses(Poll& poll) const
@@ -108,10 +113,9 @@ void BadgeService::fetchStatuses(Poll& poll) const
 }
 
 /// Output is read whatever the exit status: the tool's is no measure of what it printed.
-std::vector<AttentionLedger::Suppressed> BadgeService::fetchAttention()
+std::vector<AttentionLedger::Suppressed> BadgeService::fetchAttention(
+    const std::vector<AppRecord>& records, Instant now)
 {
-    const auto now = m_dispatch.now();
-    const auto records = fetchRecords();
     const auto found = runLSAppInfo({"find", "kLSApplicationDesiresAttentionKey=true"});
     const auto asns = parseFindOutputASNs(found ? found->standardOutput : std::string{});
     std::set<std::string> runningBundleIDs;

@@ -75,12 +75,15 @@ private:
         std::map<std::string, std::string> badges;
         std::map<std::string, double> progress;
         std::vector<AttentionLedger::Suppressed> suppressed;
+        std::set<std::string> attention;
+        std::set<WindowID> attentionWindows;
     };
 
     // On the queue.
     void fetchAndPublish();
     void fetchStatuses(Poll&) const;
-    std::vector<AttentionLedger::Suppressed> fetchAttention();
+    std::vector<AttentionLedger::Suppressed> fetchAttention(
+        const std::vector<AppRecord>&, Instant now);
     std::vector<AppRecord> fetchRecords() const;
     std::optional<LSAppInfoResult> runLSAppInfo(std::vector<std::string> arguments) const;
     void clearAttentionOnQueue(const std::string& bundleID);

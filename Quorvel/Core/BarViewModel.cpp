@@ -9,6 +9,7 @@
 #include "Quorvel/Platform/Bundles.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Workspace.h"
+#include "Quorvel/Skylight/Minimal.h"
 #include "Quorvel/Skylight/WindowStore.h"
 
 namespace quorvel {
@@ -72,7 +73,7 @@ void BarViewModel::subscribe()
     m_subscriptions.push_back(m_badgeService.progressByBundleID().subscribe(later));
     m_subscriptions.push_back(m_badgeService.attentionByBundleID().subscribe(later));
     m_subscriptions.push_back(m_badgeService.attentionWindows().subscribe(later));
-    m_subscriptions.push_back(m_icons.didChange.subscribe([this] { refresh(); }));
+    m_subscriptions.push_back(m_icons.didChange.subscribe([this] { refreshSoon(); }));
 }
 
 void BarViewModel::refreshSoon()
@@ -129,8 +130,8 @@ BarViewModel::FocusDecision BarViewModel::resolveFocus()
     auto* focused = store ? m_windowStore.window(*store) : nullptr;
     std::string keys;
     if (m_trace.isOn())
-        keys
-            = fmt::format(" pk={} sk={}", groupKey(*pending), focused ? groupKey(*focused) : "nil");
+        keys = fmt::format(" pk={} sk={}", sanitizeLogField(groupKey(*pending)),
+            focused ? sanitizeLogField(groupKey(*focused)) : "nil");
     if (focused && groupKey(*focused) != groupKey(*pending))
         return follow("pending-abandoned-different-app", std::move(keys));
     return {m_pendingFocusedWindowID, "pending-preserved-same-app", std::move(keys)};
@@ -282,9 +283,9 @@ const ChipData* BarViewModel::chip(SpaceID space, WindowID id) const
     auto chips = chipsBySpace.value().find(space);
     if (chips == chipsBySpace.value().end())
         return nullptr;
-    auto found = std::find_if(
-        chips->second.begin(), chips->second.end(), [&](auto& chip) { return chip.id == id; });
-    return found == chips->second.end() ? nullptr : &*found;
+    // They stand in the order of their numbers.
+    auto found = std::ranges::lower_bound(chips->second, id, {}, &ChipData::id);
+    return found == chips->second.end() || found->id != id ? nullptr : &*found;
 }
 
 std::vector<WindowID> BarViewModel::walkingOrder(SpaceID space, const GroupedChipData& group) const
@@ -294,9 +295,9 @@ std::vector<WindowID> BarViewModel::walkingOrder(SpaceID space, const GroupedChi
     auto chips = chipsBySpace.value().find(space);
     if (chips == chipsBySpace.value().end())
         return order;
+    std::set<WindowID> grouped(group.windowIDs.begin(), group.windowIDs.end());
     for (auto& chip : chips->second) {
-        if (std::find(group.windowIDs.begin(), group.windowIDs.end(), chip.id)
-            != group.windowIDs.end())
+        if (grouped.contains(chip.id))
             (chip.isMinimized ? minimized : order).push_back(chip.id);
     }
     order.insert(order.end(), minimized.begin(), minimized.end());
@@ -368,10 +369,12 @@ std::optional<DisplayItem> BarViewModel::onScreen(SpaceID space, const DisplayIt
         return only ? std::optional<DisplayItem>{*only} : std::nullopt;
     }
     group.windowCount = static_cast<int>(group.windowIDs.size());
-    group.isFocused = std::any_of(group.windowIDs.begin(), group.windowIDs.end(), [&](WindowID id) {
+    group.isFocused = group.wantsAttention = false;
+    for (auto id : group.windowIDs) {
         auto* kept = chip(space, id);
-        return kept && kept->isFocused;
-    });
+        group.isFocused |= kept && kept->isFocused;
+        group.wantsAttention |= kept && kept->wantsAttention;
+    }
     return group;
 }
 

@@ -15,6 +15,7 @@
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Platform/Published.h"
 #include "Quorvel/Platform/Trace.h"
+#include "Quorvel/Platform/WeakOwner.h"
 #include "Quorvel/Skylight/AXCalls.h"
 #include "Quorvel/Skylight/SpaceWindows.h"
 
@@ -84,6 +85,12 @@ public:
     bool focusWindowWithAXOnly(WindowID, std::string_view context);
     void minimizeWindow(WindowID);
     void closeWindow(WindowID);
+    /// An application that does not answer is waited for once, not once for each window.
+    void minimizeWindows(const std::vector<WindowID>&);
+    void closeWindows(const std::vector<WindowID>&);
+
+    /// For what happens later, when the model may be gone.
+    WeakReference<BarViewModel> weakReference() const { return m_weak.reference(); }
 
 private:
     /// How long a window that refuses the focus is shown as if it had it.
@@ -154,6 +161,7 @@ private:
     WorkItem m_refresh;
     WorkItem m_pendingExpiry;
     WorkItem m_activationRetry;
+    WeakOwner<BarViewModel> m_weak{*this};
 };
 
 /// The bundle identifier, else the application's name.

@@ -6,6 +6,7 @@
 
 #include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Platform/Workspace.h"
+#include "Quorvel/Skylight/Minimal.h"
 #include "Quorvel/Skylight/WindowStore.h"
 
 namespace quorvel {
@@ -56,15 +57,17 @@ void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore
     if (m_trace.isOn()) {
         m_trace.line(
             "activateWindow begin id={} pid={} key={} spaces={} storeFocused={} pendingBefore={}",
-            raw(id), raw(window->pid), groupKey(*window), joined(window->spaceIDs),
-            orNil(m_windowStore.focusedWindowID()), orNil(m_pendingFocusedWindowID));
+            raw(id), raw(window->pid), sanitizeLogField(groupKey(*window)),
+            joined(window->spaceIDs), orNil(m_windowStore.focusedWindowID()),
+            orNil(m_pendingFocusedWindowID));
     }
     // The store may drop the window while applications are being asked.
     auto pid = window->pid;
     bool isMinimized = window->isMinimized;
     preferInItsGroups(*window);
     if (auto& bundleID = window->bundleIdentifier) {
-        m_trace.line("activateWindow clearAttention bundleID={}", *bundleID);
+        if (m_trace.isOn())
+            m_trace.line("activateWindow clearAttention bundleID={}", sanitizeLogField(*bundleID));
         m_badgeService.clearAttention(*bundleID);
     }
     setPendingFocus(id);
@@ -171,11 +174,14 @@ bool BarViewModel::focusWindowWithAXOnly(WindowID id, std::string_view context)
     if (!window)
         return false;
     AXCalls::Scan hungOnlyOnce(m_calls);
+    m_activationRetry = {};
     auto pid = window->pid;
     bool isMinimized = window->isMinimized;
     auto application = m_calls.application(pid);
-    m_trace.line("AX-only focus begin context={} id={} pid={} app={}", context, raw(id), raw(pid),
-        window->appName);
+    if (m_trace.isOn()) {
+        m_trace.line("AX-only focus begin context={} id={} pid={} app={}", context, raw(id),
+            raw(pid), sanitizeLogField(window->appName));
+    }
     setPendingFocus(id);
     auto element = findAXWindow(pid, application, id);
     if (!element) {
@@ -230,8 +236,25 @@ void BarViewModel::closeWindow(WindowID id)
     auto element = findAXWindow(pid, m_calls.application(pid), id);
     if (!element)
         return;
-    if (auto button = m_calls.read<AXElement>(pid, *element, ax::closeButton))
-        m_accessibility.performAction(*button, ax::pressAction);
+    auto button = m_calls.read<AXElement>(pid, *element, ax::closeButton);
+    if (!button)
+        return;
+    m_calls.setMessagingTimeout(*button);
+    m_accessibility.performAction(*button, ax::pressAction);
+}
+
+void BarViewModel::minimizeWindows(const std::vector<WindowID>& ids)
+{
+    AXCalls::Scan hungOnlyOnce(m_calls);
+    for (auto id : ids)
+        minimizeWindow(id);
+}
+
+void BarViewModel::closeWindows(const std::vector<WindowID>& ids)
+{
+    AXCalls::Scan hungOnlyOnce(m_calls);
+    for (auto id : ids)
+        closeWindow(id);
 }
 
 }

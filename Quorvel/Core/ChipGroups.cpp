@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Quorvel/Platform/Trace.h"
+#include "Quorvel/Skylight/Minimal.h"
 
 namespace quorvel {
 
@@ -76,9 +77,10 @@ void ChipGroups::prefer(SpaceID space, std::string_view groupKey, WindowID windo
 
 DisplayItem ChipGroups::single(const std::string& preferredKey, SpaceID space, const ChipData& chip)
 {
-    if (auto dropped = m_preferredWindowIDByGroupKey.extract(preferredKey))
+    auto dropped = m_preferredWindowIDByGroupKey.extract(preferredKey);
+    if (dropped && m_trace.isOn())
         m_trace.line("group space={} key={} downgraded-single clearPreferred={}", raw(space),
-            groupKey(chip), raw(dropped.mapped()));
+            sanitizeLogField(groupKey(chip)), raw(dropped.mapped()));
     return chip;
 }
 
@@ -93,8 +95,8 @@ DisplayItem ChipGroups::grouped(const std::string& preferredKey, SpaceID space,
     auto ids = ordered(bucket, representative);
     if (m_trace.isOn())
         m_trace.line("group space={} key={} focused={} preferred={} titleChip={} ordered={}",
-            raw(space), groupKey(title), orNil(focused), orNil(preferredID), raw(title.id),
-            joined(ids));
+            raw(space), sanitizeLogField(groupKey(title)), orNil(focused), orNil(preferredID),
+            raw(title.id), joined(ids));
     return GroupedChipData{
         .id = groupItemID(groupKey(title)),
         .appName = title.appName,
@@ -119,12 +121,14 @@ void ChipGroups::follow(
         if (old == focused->id)
             return;
         m_preferredWindowIDByGroupKey.insert_or_assign(preferredKey, focused->id);
-        m_trace.line("group space={} key={} preferredFromFocused old={} new={}", raw(space),
-            groupKey(*focused), orNil(old), raw(focused->id));
+        if (m_trace.isOn())
+            m_trace.line("group space={} key={} preferredFromFocused old={} new={}", raw(space),
+                sanitizeLogField(groupKey(*focused)), orNil(old), raw(focused->id));
     } else if (old && !chipOf(bucket, old)) {
         m_preferredWindowIDByGroupKey.erase(preferredKey);
-        m_trace.line("group space={} key={} preferredMissing remove={}", raw(space),
-            groupKey(*bucket.front()), raw(*old));
+        if (m_trace.isOn())
+            m_trace.line("group space={} key={} preferredMissing remove={}", raw(space),
+                sanitizeLogField(groupKey(*bucket.front())), raw(*old));
     }
 }
 

@@ -102,7 +102,6 @@ void PinStore::movePinnedApp(
 
 void PinStore::assign(Records records)
 {
-    m_pinnedApps.set(records);
     m_settings.setPinnedApps(std::move(records));
 }
 

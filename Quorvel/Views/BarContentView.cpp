@@ -21,7 +21,7 @@ struct Style {
 
 }
 
-BarContentView::BarContentView(Inputs inputs) : m_inputs(std::move(inputs)), m_weak(*this)
+BarContentView::BarContentView(Inputs inputs) : m_inputs(std::move(inputs))
 {
     m_menuButton = &addChild(std::make_unique<MenuButton>(m_inputs.metrics));
     m_menuButton->onTapped = [this] {
@@ -104,10 +104,12 @@ std::vector<std::pair<std::string, Rect>> BarContentView::chipFrames() const
 
 void BarContentView::onNextTurn(std::function<void(BarViewModel&)> action)
 {
-    m_inputs.dispatch.main().async([weak = m_weak.reference(), action = std::move(action)] {
-        if (auto* self = weak.get())
-            action(self->m_inputs.viewModel);
-    });
+    // The view may be made anew before that.
+    m_inputs.dispatch.main().async(
+        [weak = m_inputs.viewModel.weakReference(), action = std::move(action)] {
+            if (auto* viewModel = weak.get())
+                action(*viewModel);
+        });
 }
 
 void BarContentView::chipClicked(const ChipView& chip, ChipView::Click click)
@@ -131,12 +133,7 @@ void BarContentView::showMenu(const ChipView& chip)
     if (!onChipMenuRequested)
         return;
     onChipMenuRequested(
-        chipMenu(chip.item(), m_inputs.viewModel, m_inputs.spaceID,
-            [weak = m_weak.reference()](const std::function<void(BarViewModel&)>& action) {
-                if (auto* self = weak.get())
-                    action(self->m_inputs.viewModel);
-            }),
-        chip.frameInRoot());
+        chipMenu(chip.item(), m_inputs.viewModel, m_inputs.spaceID), chip.frameInRoot());
 }
 
 void BarContentView::handlePrimaryChipTap(WindowID id, bool isFocused)

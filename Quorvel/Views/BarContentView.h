@@ -9,7 +9,6 @@
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Platform/Application.h"
-#include "Quorvel/Platform/WeakOwner.h"
 #include "Quorvel/Views/ChipView.h"
 #include "Quorvel/Views/Kit/View.h"
 
@@ -58,7 +57,7 @@ private:
     void chipClicked(const ChipView&, ChipView::Click);
     void showMenu(const ChipView&);
     void activateWindowDeferred(WindowID);
-    /// Runs on the next turn of the main loop, unless the view has gone by then.
+    /// Runs on the next turn of the main loop, unless the model has gone by then.
     void onNextTurn(std::function<void(BarViewModel&)>);
 
     Inputs m_inputs;
@@ -67,7 +66,6 @@ private:
     Rect m_divider;
     Subscription m_items;
     Subscription m_appearance;
-    WeakOwner<BarContentView> m_weak;
 };
 
 }

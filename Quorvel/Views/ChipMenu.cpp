@@ -8,59 +8,66 @@ namespace quorvel {
 
 namespace {
 
-MenuItem entry(std::string title, const PerformOnModel& perform, ModelAction action)
+template <typename Action>
+MenuItem entry(std::string title, const BarViewModel& model, Action action)
 {
-    return {std::move(title), true, [perform, action = std::move(action)] { perform(action); }};
+    return {std::move(title), true, [weak = model.weakReference(), action = std::move(action)] {
+                if (auto* current = weak.get())
+                    action(*current);
+            }};
 }
 
-MenuItem activateEntry(std::string title, WindowID id, const PerformOnModel& perform)
+MenuItem activateEntry(std::string title, WindowID id, const BarViewModel& model)
 {
-    return entry(std::move(title), perform, [id](BarViewModel& model) {
-        model.activateWindow(id, BarViewModel::FocusBeforeActivation::no);
+    return entry(std::move(title), model, [id](BarViewModel& current) {
+        current.activateWindow(id, BarViewModel::FocusBeforeActivation::no);
     });
 }
 
-Menu windowMenu(const ChipData& chip, const PerformOnModel& perform)
+/// Never empty, for that would be a separator.
+std::string entryTitle(const ChipData& chip)
+{
+    for (auto* title : {&chip.windowTitle, &chip.appName}) {
+        if (!title->empty())
+            return *title;
+    }
+    return "Window";
+}
+
+Menu windowMenu(const ChipData& chip, const BarViewModel& model)
 {
     auto id = chip.id;
     return {
         chip.isMinimized
-            ? activateEntry("Restore", id, perform)
-            : entry("Minimise", perform, [id](BarViewModel& model) { model.minimizeWindow(id); }),
-        entry("Close", perform, [id](BarViewModel& model) { model.closeWindow(id); }),
+            ? activateEntry("Restore", id, model)
+            : entry("Minimise", model, [id](BarViewModel& current) { current.minimizeWindow(id); }),
+        entry("Close", model, [id](BarViewModel& current) { current.closeWindow(id); }),
     };
 }
 
-Menu groupMenu(const GroupedChipData& group, const BarViewModel& model, SpaceID space,
-    const PerformOnModel& perform)
+Menu groupMenu(const GroupedChipData& group, const BarViewModel& model, SpaceID space)
 {
     Menu menu;
-    auto ids = group.windowIDs;
     for (auto id : model.walkingOrder(space, group)) {
-        auto* chip = model.chip(space, id);
-        menu.push_back(activateEntry(
-            chip->windowTitle.empty() ? chip->appName : chip->windowTitle, id, perform));
+        if (auto* chip = model.chip(space, id))
+            menu.push_back(activateEntry(entryTitle(*chip), id, model));
     }
     menu.push_back({});
-    menu.push_back(entry("Minimise All", perform, [ids](BarViewModel& current) {
-        for (auto id : ids)
-            current.minimizeWindow(id);
-    }));
-    menu.push_back(entry("Close All", perform, [ids](BarViewModel& current) {
-        for (auto id : ids)
-            current.closeWindow(id);
-    }));
+    auto ids = group.windowIDs;
+    menu.push_back(entry(
+        "Minimise All", model, [ids](BarViewModel& current) { current.minimizeWindows(ids); }));
+    menu.push_back(
+        entry("Close All", model, [ids](BarViewModel& current) { current.closeWindows(ids); }));
     return menu;
 }
 
 }
 
-Menu chipMenu(
-    const DisplayItem& item, const BarViewModel& model, SpaceID space, PerformOnModel perform)
+Menu chipMenu(const DisplayItem& item, const BarViewModel& model, SpaceID space)
 {
     if (auto* group = std::get_if<GroupedChipData>(&item))
-        return groupMenu(*group, model, space, perform);
-    return windowMenu(std::get<ChipData>(item), perform);
+        return groupMenu(*group, model, space);
+    return windowMenu(std::get<ChipData>(item), model);
 }
 
 }

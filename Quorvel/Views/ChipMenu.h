@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include "Quorvel/Core/DisplayItem.h"
 #include "Quorvel/Platform/Surfaces.h"
 
@@ -9,12 +7,7 @@ namespace quorvel {
 
 class BarViewModel;
 
-/// Runs an action on the model if it is still there.
-using ModelAction = std::function<void(BarViewModel&)>;
-using PerformOnModel = std::function<void(const ModelAction&)>;
-
-/// What the menu of a chip on this space offers. Its actions reach the model through `perform`
-/// only.
-Menu chipMenu(const DisplayItem&, const BarViewModel&, SpaceID, PerformOnModel perform);
+/// What the menu of a chip on this space offers. Its actions do nothing once the model is gone.
+Menu chipMenu(const DisplayItem&, const BarViewModel&, SpaceID);
 
 }
