@@ -252,6 +252,16 @@ void Desktop::switchTo(std::uint32_t desktop)
     send(m_connection.root(), "_NET_CURRENT_DESKTOP", {desktop, XCB_CURRENT_TIME});
 }
 
+void Desktop::setDesktopCount(std::uint32_t count)
+{
+    send(m_connection.root(), "_NET_NUMBER_OF_DESKTOPS", {count});
+}
+
+std::vector<xcb_window_t> Desktop::stacking()
+{
+    return m_connection.numbers(m_connection.root(), "_NET_CLIENT_LIST_STACKING");
+}
+
 void Desktop::setState(xcb_window_t window, const std::string& state, bool isOn)
 {
     send(window, "_NET_WM_STATE",

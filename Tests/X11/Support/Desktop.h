@@ -43,6 +43,8 @@ public:
     Frame workArea();
     /// Place and size with the manager's decoration, in pixels of the screen.
     Frame frame(xcb_window_t);
+    /// The managed windows from the lowest to the highest.
+    std::vector<xcb_window_t> stacking();
     /// What the screen shows there.
     std::string picture(const Frame&);
     /// The window of a running manager, as it announces itself.
@@ -58,6 +60,7 @@ public:
     void close(xcb_window_t);
     void moveToDesktop(xcb_window_t, std::uint32_t desktop);
     void switchTo(std::uint32_t desktop);
+    void setDesktopCount(std::uint32_t);
     void setState(xcb_window_t, const std::string& state, bool isOn);
     void maximise(xcb_window_t);
 

@@ -4,7 +4,13 @@
 
 namespace quorvel::x11tests {
 
-enum class Button : std::uint8_t { primary = 1, middle = 2, secondary = 3 };
+enum class Button : std::uint8_t {
+    primary = 1,
+    middle = 2,
+    secondary = 3,
+    wheelUp = 4,
+    wheelDown = 5,
+};
 
 /// The user's hand: events that the server cannot tell from a mouse's.
 class Pointer {

@@ -115,30 +115,50 @@ testing::AssertionResult agreesOn(const State& state, Desktop& desktop, xcb_wind
     return testing::AssertionSuccess();
 }
 
-/// Each item of the active space has its chip, from left to right, inside the panel.
+/// The panel's chips stand from left to right inside it.
+testing::AssertionResult isInOrder(const State::Panel& panel)
+{
+    int edge = panel.frame.x;
+    for (const auto& chip : panel.chips) {
+        if (chip.frame.x < edge || chip.frame.width <= 0 || chip.frame.y < panel.frame.y
+            || chip.frame.bottom() > panel.frame.bottom())
+            return testing::AssertionFailure() << "chip " << chip.id << " is out of place";
+        edge = chip.frame.x + chip.frame.width;
+    }
+    return testing::AssertionSuccess();
+}
+
+/// Each item of the active space has a chip on one of the panels, or on several if its window lies
+/// on several screens, and on each panel they stand in the order of the items.
 testing::AssertionResult showsItems(const State& state)
 {
-    const auto* const panel = state.visiblePanel();
-    if (!panel || panel->space != state.activeSpace)
-        return testing::AssertionFailure() << "no panel on the active space";
     const auto space = std::find_if(state.spaces.begin(), state.spaces.end(),
-        [&](const auto& candidate) { return candidate.id == panel->space; });
+        [&](const auto& candidate) { return candidate.id == state.activeSpace; });
     std::vector<std::string> items;
     if (space != state.spaces.end()) {
         for (const auto& item : space->items)
             items.push_back(item.id);
     }
-    std::vector<std::string> chips;
-    int edge = panel->frame.x;
-    for (const auto& chip : panel->chips) {
-        chips.push_back(chip.id);
-        if (chip.frame.x < edge || chip.frame.width <= 0 || chip.frame.y < panel->frame.y
-            || chip.frame.bottom() > panel->frame.bottom())
-            return testing::AssertionFailure() << "chip " << chip.id << " is out of place";
-        edge = chip.frame.x + chip.frame.width;
+    std::set<std::string> shown;
+    for (const auto& panel : state.panels) {
+        if (!panel.isVisible)
+            continue;
+        if (panel.space != state.activeSpace)
+            return testing::AssertionFailure() << "a panel of space " << panel.space;
+        if (auto result = isInOrder(panel); !result)
+            return result;
+        auto at = items.begin();
+        for (const auto& chip : panel.chips) {
+            at = std::find(at, items.end(), chip.id);
+            if (at == items.end())
+                return testing::AssertionFailure() << "chip " << chip.id << " is in no order";
+            shown.insert(chip.id);
+        }
     }
-    if (chips != items)
-        return testing::AssertionFailure() << "chips " << testing::PrintToString(chips)
+    if (!state.visiblePanel())
+        return testing::AssertionFailure() << "no panel on the active space";
+    if (shown != std::set<std::string>(items.begin(), items.end()))
+        return testing::AssertionFailure() << "chips " << testing::PrintToString(shown)
                                            << ", items " << testing::PrintToString(items);
     return testing::AssertionSuccess();
 }
