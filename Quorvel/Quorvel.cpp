@@ -235,6 +235,9 @@ void QuorvelApp::bootstrap(Runtime& runtime, ProcessID pid)
 void QuorvelApp::applicationDidActivate(Runtime& runtime, const RunningApplication& application)
 {
     auto pid = application.pid;
+    // A question to ourselves would wait for the very thread that asks.
+    if (pid == runtime.m_platform.application.processID())
+        return;
     auto& store = runtime.windowStore();
     if (application.bundleIdentifier)
         runtime.badgeService().clearAttention(*application.bundleIdentifier);

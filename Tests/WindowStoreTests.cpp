@@ -272,6 +272,15 @@ TEST_F(WindowStoreTest, oneMissIsNotEnoughHoweverLongItIsAgo)
     scanAfter(mail, seconds(5));
 
     EXPECT_TRUE(isTracked(id)) << "the count must start anew once the window was seen";
+
+    // Changes of space follow each other faster than the look that a miss asks for.
+    show(id);
+    for (bool isHidden : {true, false, true}) {
+        isHidden ? hide(id) : show(id);
+        desktop.advance(seconds(0.3));
+        store.discoverNewWindowsForTrackedPIDs();
+        EXPECT_TRUE(isTracked(id));
+    }
 }
 
 TEST_F(WindowStoreTest, aWindowThatItsApplicationDoesNotListStaysWhileTheWindowServerHasIt)

@@ -37,12 +37,13 @@ void PermissionsGate::show()
 
 void PermissionsGate::check()
 {
+    // Whoever is told may find a permission gone again, and then this goes on looking; or it ends
+    // this object, so that the call is the last.
+    m_poll = m_dispatch.main().after(kPollInterval, [this] { check(); });
     if (m_accessibility.isTrusted() && m_screenCapture.preflightAccess()) {
         auto granted = m_granted;
         granted();
-        return;
     }
-    m_poll = m_dispatch.main().after(kPollInterval, [this] { check(); });
 }
 
 }

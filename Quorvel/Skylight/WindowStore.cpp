@@ -131,10 +131,8 @@ bool WindowStore::updateOrAdmit(ProcessID pid, const PIDWindowScan& scan, bool& 
 {
     bool hasChanged = false;
     for (auto& [id, candidate] : scan.candidates) {
-        if (auto* window = tracked(id)) {
+        if (auto* window = tracked(id))
             hasChanged |= updateTracked(*window, pid, candidate);
-            m_reconcileStateByWindowID.insert_or_assign(id, Active{});
-        }
     }
     auto [added, isUnconfirmed] = admitNewWindows(pid, scan);
     needsRescan |= isUnconfirmed;
@@ -205,9 +203,7 @@ bool WindowStore::removeMissingWindows(ProcessID pid, const PIDWindowScan& scan)
 {
     bool hasChanged = false;
     for (auto id : trackedWindowIDs(pid)) {
-        if (scan.candidates.contains(id))
-            continue;
-        if (scan.softlyRejectedWindowIDs.contains(id)) {
+        if (scan.candidates.contains(id) || scan.softlyRejectedWindowIDs.contains(id)) {
             m_reconcileStateByWindowID.insert_or_assign(id, Active{});
         } else if (!scan.isDockEligibleOwner) {
             forget(id);

@@ -124,7 +124,8 @@ private:
     void populateProcess(ProcessID, const WindowScanner::Moment&);
 
     /// False for a window that does not belong on the bar.
-    bool trackOnSpace(WindowID, const WindowScanner::Moment&, ScansByPID&, bool& hasChanged);
+    bool trackOnSpace(
+        WindowID, SpaceID, const WindowScanner::Moment&, ScansByPID&, bool& hasChanged);
     std::optional<WindowID> bestActivationCandidate(const std::vector<WindowID>&) const;
 
     /// The windows, and the focus if it is the frontmost process.

@@ -43,7 +43,7 @@ std::optional<WindowID> WindowStore::trackSoleWindow(SpaceID space)
     std::vector<WindowID> candidates;
     bool hasChanged = false;
     for (auto id : uniquePreservingOrder(listed)) {
-        if (trackOnSpace(id, moment, scans, hasChanged))
+        if (trackOnSpace(id, space, moment, scans, hasChanged))
             candidates.push_back(id);
     }
     auto best = bestActivationCandidate(candidates);
@@ -52,8 +52,8 @@ std::optional<WindowID> WindowStore::trackSoleWindow(SpaceID space)
     return best;
 }
 
-bool WindowStore::trackOnSpace(
-    WindowID id, const WindowScanner::Moment& moment, ScansByPID& scans, bool& hasChanged)
+bool WindowStore::trackOnSpace(WindowID id, SpaceID space, const WindowScanner::Moment& moment,
+    ScansByPID& scans, bool& hasChanged)
 {
     auto pid = ownerOf(id, moment);
     if (!pid)
@@ -64,7 +64,10 @@ bool WindowStore::trackOnSpace(
     auto candidate = found.find(id);
     if (candidate == found.end())
         return false;
-    candidate->second.spaces = m_scanner.querySpaces(id, m_scanner.mainConnection());
+    auto& spaces = candidate->second.spaces;
+    spaces = m_scanner.querySpaces(id, m_scanner.mainConnection());
+    if (spaces.empty())
+        spaces = {space}; // where it was found
     if (auto* window = tracked(id)) {
         hasChanged |= updateTracked(*window, *pid, candidate->second);
         m_reconcileStateByWindowID.insert_or_assign(id, Active{});
