@@ -1,0 +1,96 @@
+#include <memory>
+
+#include <gio/gio.h>
+#include <nlohmann/json.hpp>
+
+#include "Tests/X11/Support/DesktopFixture.h"
+
+namespace quorvel::x11tests {
+
+/// An application on the session bus of the desktop.
+class LauncherSender {
+public:
+    explicit LauncherSender(const XServer& server)
+    {
+        const auto flags
+            = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
+                | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+        m_connection = g_dbus_connection_new_for_address_sync(
+            server.environment().at("DBUS_SESSION_BUS_ADDRESS").c_str(), flags, nullptr, nullptr,
+            nullptr);
+    }
+    LauncherSender(const LauncherSender&) = delete;
+    LauncherSender& operator=(const LauncherSender&) = delete;
+    ~LauncherSender()
+    {
+        g_dbus_connection_close_sync(m_connection, nullptr, nullptr);
+        g_object_unref(m_connection);
+    }
+
+    void say(const char* arguments)
+    {
+        g_dbus_connection_emit_signal(m_connection, nullptr, "/com/example/Sender",
+            "com.canonical.Unity.LauncherEntry", "Update", g_variant_new_parsed(arguments),
+            nullptr);
+        g_dbus_connection_flush_sync(m_connection, nullptr, nullptr);
+    }
+
+private:
+    GDBusConnection* m_connection;
+};
+
+class LauncherEntryChips : public UnderEachManager {
+protected:
+    /// The first chip of the first space, as the bar describes it.
+    nlohmann::json chip()
+    {
+        const auto result = runProgram(server.environment(), server.folder(), {"--state"});
+        const auto state = nlohmann::json::parse(result.output, nullptr, false);
+        return state.is_object() ? state["spaces"][0]["items"][0] : nlohmann::json{};
+    }
+    /// Sooner than the next time when the bar asks without a hint.
+    testing::AssertionResult soonShows(const char* what, const nlohmann::json& value)
+    {
+        return eventually(3s, [&] { return chip()[what] == value; });
+    }
+};
+
+// Faults: nobody listens, or only every few seconds; an entry that outlives its sender; a window
+// that asks for attention and is seen at the next poll only.
+TEST_P(LauncherEntryChips, showWhatApplicationsSayAtOnceAndAsLongAsTheyAreThere)
+{
+    Client client{server};
+    const auto window = client.open({.title = "one"});
+    Client other{server};
+    const auto focused = other.open({.title = "two", .applicationClass = "Other"});
+    Bar bar{server};
+    ASSERT_TRUE(bar.appears());
+    desktop.activate(focused);
+    ASSERT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == focused; }));
+    ASSERT_TRUE(settles(bar));
+
+    auto sender = std::make_unique<LauncherSender>(server);
+    const auto* update = "('application://Sample.desktop', {'count': <int64 7>, 'count-visible':"
+                         "<true>, 'progress': <0.5>, 'progress-visible': <true>})";
+    // The bar may not have come to the bus yet.
+    ASSERT_TRUE(eventually(10s, [&] {
+        sender->say(update);
+        return chip()["badge"] == "7";
+    }));
+    EXPECT_EQ(chip()["progress"], 0.5);
+    sender->say("('application://Sample.desktop', {'count': <int64 8>})");
+    EXPECT_TRUE(soonShows("badge", "8"));
+    sender.reset();
+    EXPECT_TRUE(soonShows("badge", nullptr));
+    EXPECT_TRUE(soonShows("progress", nullptr));
+
+    constexpr std::uint32_t kUrgent = 256;
+    client.connection().setNumbers(
+        window, "WM_HINTS", "WM_HINTS", {kUrgent, 0, 0, 0, 0, 0, 0, 0, 0});
+    client.connection().sync();
+    EXPECT_TRUE(soonShows("attention", true));
+}
+
+QUORVEL_UNDER_EACH_MANAGER(LauncherEntryChips);
+
+}
