@@ -364,7 +364,6 @@ TEST_F(BarManagerTest, anotherSizeMovesEachBarOnceAndTheSameSizeNone)
     EXPECT_EQ(server().dockRectangleCalls(), calls + 1);
     EXPECT_EQ(server().dockRectangles().at(kFirst), (Rect{0, 846, 1440, 54}));
 
-    auto picture = panel().render().texts();
     runtime->userSettings().setShowChipTitles(false);
     runtime->userSettings().setBarSize(BarSize::xl);
     desktop.drain();
