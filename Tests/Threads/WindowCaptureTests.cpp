@@ -5,12 +5,15 @@
 #include <future>
 #include <thread>
 
+#include <glib.h>
 #include <gtest/gtest.h>
 #include <xcb/composite.h>
 
 #include "Hosts/X11/Capture/X11ScreenCapture.h"
 #include "Hosts/X11/GLibDispatch.h"
 #include "Hosts/X11/PixelPicture.h"
+#include "Quorvel/Core/ThumbnailService.h"
+#include "Quorvel/Platform/Displays.h"
 #include "Tests/X11/Support/Client.h"
 #include "Tests/X11/Support/Eventually.h"
 #include "Tests/X11/Support/WindowManager.h"
@@ -42,6 +45,15 @@ struct Pixels {
         bool isOpaque = cairo_image_surface_get_format(surface) == CAIRO_FORMAT_RGB24;
         return reinterpret_cast<const std::uint32_t*>(row)[x] | (isOpaque ? 0xFF000000 : 0);
     }
+};
+
+struct OneDisplay final : Displays {
+    std::vector<Screen> screens() const override { return {Screen{}}; }
+    DisplayNumber mainDisplay() const override { return {}; }
+    std::vector<DisplayNumber> activeDisplays(std::size_t) const override { return {}; }
+    std::optional<std::string> identifier(DisplayNumber) const override { return {}; }
+    Point pointerLocation() const override { return {}; }
+    std::optional<DisplayNumber> displayAt(Point) const override { return {}; }
 };
 
 /// Windows that the server itself paints, with what it knows of their background.
@@ -287,6 +299,41 @@ TEST_F(WindowCaptureTest, windowsMayDieAndChangeUnderTheCapture)
     expectTwoColours(steady);
     EXPECT_TRUE(eventually(10s, [&] { return desktop.resourcesOf(getpid()) <= before; }))
         << desktop.resourcesOf(getpid()) << " resources instead of " << before;
+}
+
+// Pictures come on the capture's thread while the main thread asks for more, gives up and ends.
+TEST_F(WindowCaptureTest, theServiceMayEndWhileItsPicturesCome)
+{
+    const OneDisplay displays;
+    xcb_composite_redirect_subwindows(x, client.root(), XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    std::vector<WindowID> ids;
+    for (std::uint32_t i = 1; i <= 12; ++i) {
+        auto window = createTwoColoured({int(10 * i), int(20 * i), 400, 300});
+        ids.push_back(WindowID{i});
+        model.write([&](x11::DesktopModel& desktop) {
+            auto& record = desktop.windows[WindowID{i}];
+            record.id = WindowID{i};
+            record.native = window;
+            record.frame = {0, 0, 400, 300};
+        });
+    }
+    auto guard = g_timeout_add(
+        1, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    for (std::size_t wanted = 0; wanted <= ids.size(); wanted += 4) {
+        ThumbnailService service{dispatch, *capture, displays};
+        std::vector<Subscription> asked;
+        std::size_t answered = 0;
+        service.prefetch(ids);
+        for (auto id : ids)
+            asked.push_back(service.thumbnail(id, [&](auto picture) { answered += !!picture; }));
+        EXPECT_TRUE(eventually(20s, [&] {
+            g_main_context_iteration(nullptr, true);
+            service.cached(ids.back());
+            return answered >= wanted;
+        }));
+        asked.resize(answered / 2);
+    }
+    g_source_remove(guard);
 }
 
 TEST_F(WindowCaptureTest, thePictureHasTheDecorationAndNotTheShadow)
