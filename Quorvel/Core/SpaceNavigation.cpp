@@ -152,8 +152,9 @@ void SpaceNavigation::switchToFullscreenSpace(SpaceID target)
     m_switchStartTime = m_dispatch.now();
     m_targetSpaceID = target;
     m_pendingFullscreenAXActivation.reset();
-    if (auto* window = frontWindow(target))
-        m_pendingFullscreenAXActivation = {window->windowID, target};
+    // It may be the first that is heard of the window.
+    if (auto window = m_windowStore.trackSoleWindow(target))
+        m_pendingFullscreenAXActivation = {*window, target};
     becomeKey(*proxy, {});
     m_pendingFullscreenProxyCleanupWork = m_dispatch.main().after(
         kSwitchPatience, [this] { m_pendingFullscreenAXActivation.reset(); });
