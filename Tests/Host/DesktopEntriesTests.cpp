@@ -9,6 +9,7 @@
 
 #include "Hosts/X11/Applications/DesktopEntryFile.h"
 #include "Hosts/X11/Applications/DirectoryMonitors.h"
+#include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Support/VirtualDispatch.h"
 
@@ -23,18 +24,6 @@ std::optional<DesktopEntryFile> parse(
     std::string_view bytes, std::vector<std::string> languages = {})
 {
     return parseDesktopEntry(bytes, languages);
-}
-
-/// Lets the system's file events come in until the condition holds.
-bool eventually(const std::function<bool()>& holds)
-{
-    const auto deadline = std::chrono::steady_clock::now() + 20s;
-    const auto ticks = g_timeout_add(
-        10, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-    while (!holds() && std::chrono::steady_clock::now() < deadline)
-        g_main_context_iteration(nullptr, true);
-    g_source_remove(ticks);
-    return holds();
 }
 
 TEST(DesktopEntryFile, readsWhatOtherProgramsReadAndNoActionsIntoIt)

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "Hosts/X11/Applications/DesktopEntries.h"
+#include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Support/VirtualDispatch.h"
 
@@ -21,18 +22,6 @@ struct Release {
     void operator()(gpointer object) const { g_object_unref(object); }
 };
 template <typename Type> using Owned = std::unique_ptr<Type, Release>;
-
-/// Lets what comes from the bus come in until the condition holds.
-bool eventually(const std::function<bool()>& holds)
-{
-    const auto deadline = std::chrono::steady_clock::now() + 20s;
-    const auto ticks = g_timeout_add(
-        10, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-    while (!holds() && std::chrono::steady_clock::now() < deadline)
-        g_main_context_iteration(nullptr, true);
-    g_source_remove(ticks);
-    return holds();
-}
 
 /// A session bus that the environment names while this lives.
 class Bus {

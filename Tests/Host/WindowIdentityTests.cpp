@@ -71,7 +71,7 @@ constexpr Installed kInstalled[]{
     {"vendor-maps", "Exec=bash -lc '/opt/maps/maps --gpu'\n"},
     {"chat_chat", "Exec=env HINT=/x/chat_chat.desktop /snap/bin/chat %U\n"},
     {"radio-store", "Exec=/usr/bin/flatpak run --branch=stable org.example.Radio\n"},
-    {"AppImageKit-5", "Exec=/home/u/Apps/Modeller-3.1.4-x86_64.AppImage %U\n"},
+    {"AppImageKit-5", "Exec=/opt/apps/Modeller-3.1.4-x86_64.AppImage %U\n"},
     {"vendor-slow", "Exec=nice -n 10 slowly\n"},
     // Several for one class.
     {"a-mail-handler", "StartupWMClass=Mail\nNoDisplay=true\n"},
