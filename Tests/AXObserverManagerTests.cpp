@@ -115,19 +115,6 @@ TEST_F(AXObserverManagerTest, aTitleThatNeverRestsIsStillTold)
             at(2.55, ax::titleChanged, inbox), at(2.55, ax::windowMoved, inbox)));
 }
 
-TEST_F(AXObserverManagerTest, focusAndMinimisingAreNeverDelayed)
-{
-    attach();
-    desktop.focus(inbox);
-    desktop.minimise(draft);
-    desktop.restore(draft);
-    desktop.drain();
-
-    EXPECT_THAT(heard,
-        ElementsAre(at(0, ax::focusedWindowChanged, inbox), at(0, ax::windowMiniaturized, draft),
-            at(0, ax::windowDeminiaturized, draft), at(0, ax::focusedWindowChanged, draft)));
-}
-
 TEST_F(AXObserverManagerTest, aWindowThatCannotBeNamedIsToldWithoutANumberAndWithoutDelay)
 {
     desktop.window(inbox).faults.hasWindowNumber = false;
@@ -137,52 +124,6 @@ TEST_F(AXObserverManagerTest, aWindowThatCannotBeNamedIsToldWithoutANumberAndWit
     desktop.drain();
 
     EXPECT_THAT(heard, ElementsAre(at(0, ax::focusedWindowChanged, std::nullopt)));
-}
-
-TEST_F(AXObserverManagerTest, withoutTheResolverTheNumberAttributeNamesWindows)
-{
-    desktop.accessibility().setResolverAvailable(false);
-    AXObserverManager other{desktop.dispatch(), desktop.accessibility(), desktop.dispatch().main()};
-    std::vector<std::optional<WindowID>> windows;
-    other.onEvent = [&](const AXWindowEvent& event) { windows.push_back(event.windowID); };
-    other.start();
-    other.observe(mail);
-    desktop.drain();
-    desktop.minimise(inbox);
-    desktop.drain();
-
-    EXPECT_THAT(windows, ElementsAre(inbox));
-}
-
-TEST_F(AXObserverManagerTest, aNewWindowIsListenedToFromItsCreationOn)
-{
-    attach();
-    auto fresh = desktop.open(mail, {.accessibilityDelay = seconds(0.3), .takesFocus = false});
-    desktop.advance(seconds(0.3));
-
-    EXPECT_TRUE(isFullyRegistered(fresh));
-    desktop.minimise(fresh);
-    desktop.drain();
-    EXPECT_THAT(heard,
-        ElementsAre(at(0.3, ax::windowCreated, fresh), at(0.3, ax::windowMiniaturized, fresh)));
-}
-
-TEST_F(AXObserverManagerTest, refreshingFindsWindowsWhoseCreationWasNotTold)
-{
-    desktop.application(mail).faults.swallowedNotifications.insert("AXWindowCreated");
-    attach();
-    auto fresh = desktop.open(mail);
-    desktop.drain();
-    EXPECT_FALSE(isFullyRegistered(fresh));
-    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
-
-    manager.observe(mail);
-    manager.refreshWindows({mail, news});
-    desktop.drain();
-
-    EXPECT_TRUE(isFullyRegistered(fresh));
-    EXPECT_EQ(desktop.accessibility().observersOf(mail), 1u);
-    EXPECT_THAT(attached, ElementsAre(mail, news)) << "what is not attached yet is attached";
 }
 
 TEST_F(AXObserverManagerTest, aDestroyedWindowIsNamedAndItsPendingEventsDie)
@@ -217,22 +158,6 @@ TEST_F(AXObserverManagerTest, aProcessThatNeverAnswersIsTriedSixTimesAndThenLeft
     EXPECT_EQ(attempts().size(), 8u);
 }
 
-TEST_F(AXObserverManagerTest, anApplicationThatIsStillStartingIsAttachedOnceItAnswers)
-{
-    auto slow = desktop.launch(
-        {.bundleIdentifier = "com.example.slow", .startsAnsweringAfter = seconds(1)});
-    auto window = desktop.open(slow);
-    manager.observe(slow);
-    desktop.advance(seconds(1.4));
-    EXPECT_THAT(attached, IsEmpty());
-    EXPECT_EQ(desktop.accessibility().observersOf(slow), 0u) << "what was made is torn down";
-    desktop.advance(seconds(10));
-
-    EXPECT_THAT(attached, ElementsAre(slow));
-    EXPECT_TRUE(isFullyRegistered(window));
-    EXPECT_EQ(attempts().size(), 3u);
-}
-
 TEST_F(AXObserverManagerTest, successClearsTheCountOfFailures)
 {
     desktop.application(mail).faults.failingObservers = 3;
@@ -261,33 +186,6 @@ TEST_F(AXObserverManagerTest, oneNotificationOfTheApplicationThatFailsFailsTheAt
     desktop.advance(seconds(0.5));
     EXPECT_THAT(attached, ElementsAre(mail)) << "one of a window is skipped";
     EXPECT_TRUE(desktop.accessibility().isRegistered(inbox, ax::windowMoved));
-}
-
-TEST_F(AXObserverManagerTest, aDetachedProcessIsHeardNoMore)
-{
-    attach();
-    desktop.retitle(inbox, "Pending");
-    desktop.minimise(inbox);
-    manager.stopObserving(mail);
-    desktop.drain();
-    heard.clear();
-    desktop.minimise(draft);
-    desktop.drain();
-
-    EXPECT_THAT(heard, IsEmpty());
-    EXPECT_EQ(desktop.accessibility().observersOf(mail), 0u);
-}
-
-TEST_F(AXObserverManagerTest, detachingEndsTheRetries)
-{
-    desktop.application(mail).faults.failingObservers = 1000;
-    attach();
-    desktop.advance(seconds(0.2));
-    manager.stopObserving(mail);
-    desktop.advance(seconds(100));
-
-    EXPECT_EQ(attempts().size(), 1u);
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
 }
 
 TEST_F(AXObserverManagerTest, aHungApplicationDelaysNobodyElsesEventsForLong)
@@ -371,20 +269,6 @@ TEST_F(AXObserverManagerTest, stoppingEndsEverythingAndItCanStartAgain)
     desktop.minimise(draft);
     desktop.drain();
     EXPECT_EQ(heard.size(), 1u);
-}
-
-TEST_F(AXObserverManagerTest, withoutTheUsersTrustItGivesUpAndComesBackWhenAsked)
-{
-    desktop.accessibility().setTrusted(false);
-    attach();
-    desktop.advance(seconds(100));
-    EXPECT_THAT(attached, IsEmpty());
-    desktop.accessibility().setTrusted(true);
-
-    manager.refreshWindows({mail});
-    desktop.drain();
-
-    EXPECT_THAT(attached, ElementsAre(mail));
 }
 
 }

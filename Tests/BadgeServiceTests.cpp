@@ -142,19 +142,6 @@ TEST_F(BadgeServiceTest, anAcknowledgedRequestShowsAgainOnlyWhenItWasGoneMeanwhi
     EXPECT_THAT(attention(), ElementsAre("chat", "mail")) << "the acknowledgement is used up";
 }
 
-TEST_F(BadgeServiceTest, anApplicationThatQuitsIsForgotten)
-{
-    ignoreWithdrawals();
-    setAsking("mail", true);
-    start();
-    acknowledge("mail");
-    const auto mail = system.applications.extract("mail").mapped();
-    nextPoll();
-    system.applications["mail"] = mail;
-    nextPoll();
-    EXPECT_THAT(attention(), ElementsAre("mail"));
-}
-
 TEST_F(BadgeServiceTest, aRequestIsWithdrawnByProcessAndByNameOnlyIfThatFails)
 {
     acknowledge("absent");

@@ -265,17 +265,6 @@ TEST_F(BarManagerTest, furtherScreensHaveBarsOfTheirOwnWindowsIfTheUserWantsThem
     EXPECT_THAT(titles(kFirst), ElementsAre("Inbox", "There"));
 }
 
-TEST_F(BarManagerTest, withSeparateSpacesEachDisplayHasItsBarsWhateverTheSettingSays)
-{
-    desktop.addDisplay(second());
-    start();
-    showOnAllDisplays(true);
-    EXPECT_THAT(surfaces().panels(), SizeIs(5));
-    desktop.model().pointer = {1500, 100};
-    desktop.advance(seconds(0.1));
-    EXPECT_EQ(manager().preferredMouseScreenIndex(), 1u);
-}
-
 namespace {
 
 /// Displays that come, go, turn and change places: beside each other, stacked, mirrored.

@@ -126,24 +126,6 @@ TEST_F(BarViewModelTest, aGroupStandsForTheWindowThatLastHadTheFocus)
     EXPECT_EQ(mailGroup().windowIDs.front(), third) << "forgotten when it stood alone";
 }
 
-TEST_F(BarViewModelTest, theTraceTellsEachStepOfTheGrouping)
-{
-    trace();
-    group();
-    auto key = "group space=1 key=mail";
-    EXPECT_THAT(linesWith("group "),
-        ElementsAre(fmt::format("{} preferredFromFocused old=nil new={}", key, raw(inbox)),
-            fmt::format("{0} focused={1} preferred={1} titleChip={1} ordered={1},{2}", key,
-                raw(inbox), raw(draft))));
-
-    focusOn(editor, notes);
-    takeLines();
-    desktop.close(inbox);
-    settle();
-    EXPECT_THAT(lines,
-        testing::Contains(fmt::format("{} downgraded-single clearPreferred={}", key, raw(inbox))));
-}
-
 // Faults: a click on a group always brings the same window; a minimised window comes in between.
 TEST_F(BarViewModelTest, clicksWalkThroughTheFocusedGroup)
 {

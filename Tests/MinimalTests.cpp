@@ -20,34 +20,6 @@ CGWindowInfo ordinary()
         .windowName = {}};
 }
 
-AXWindowMetadata window(std::optional<std::string> role, std::optional<std::string> subrole = {},
-    std::optional<bool> isModal = {}, std::optional<bool> isMinimized = {})
-{
-    return {.title = "Title",
-        .role = std::move(role),
-        .subrole = std::move(subrole),
-        .isModal = isModal,
-        .isMinimized = isMinimized};
-}
-
-std::string reason(const CGWindowInfo& info)
-{
-    return rejectionReason(windowFilter(info), info);
-}
-
-}
-
-TEST(WindowFilter, namesTheFirstRuleThatFailsAndTheOffendingValue)
-{
-    auto info = ordinary();
-    info.alpha = 0.0F;
-    EXPECT_EQ(reason(info), "fully-transparent alpha=0.000");
-    info.bounds = Rect{0, 0, 39.999, 400};
-    EXPECT_TRUE(reason(info).starts_with("bounds-too-small size=39.999")) << reason(info);
-    EXPECT_NE(reason(info).find("400.000"), std::string::npos) << reason(info);
-    info.layer = 3;
-    EXPECT_EQ(reason(info), "layer-not-zero layer=3");
-    EXPECT_EQ(windowFilter(ordinary()), WindowFilter::passed);
 }
 
 TEST(WindowFilter, numbersThatAreNoneAreNotLargeEnough)
@@ -60,20 +32,6 @@ TEST(WindowFilter, numbersThatAreNoneAreNotLargeEnough)
     EXPECT_EQ(windowFilter(info), WindowFilter::fullyTransparent);
     info.alpha = -1.0F;
     EXPECT_EQ(windowFilter(info), WindowFilter::fullyTransparent);
-}
-
-TEST(AXEligibility, theReasonFollowsTheSameOrder)
-{
-    EXPECT_EQ(axIneligibilityReason(window({}, "X", true)), "ax-role-not-window role=nil");
-    EXPECT_EQ(
-        axIneligibilityReason(window("AXSheet", {}, true)), "ax-role-not-window role=AXSheet");
-    EXPECT_EQ(axIneligibilityReason(window("AXWindow", "X", true, true)), "ax-modal-window");
-    EXPECT_EQ(axIneligibilityReason(window("AXWindow", "X", {}, true)), "ax-minimized-window");
-    EXPECT_EQ(axIneligibilityReason(window("AXWindow")), "ax-not-dock-eligible");
-    EXPECT_EQ(
-        axIneligibilityReason(window("AXWindow", "AXStandardWindow")), "ax-not-dock-eligible");
-    EXPECT_EQ(axIneligibilityReason(window("AXWindow", "AXDialog")),
-        "ax-subrole-not-standard subrole=AXDialog");
 }
 
 TEST(SanitizeLogField, keepsAForeignTextOnItsLine)

@@ -37,17 +37,6 @@ struct MouseDisplayTrackerTest : testing::Test {
 
 }
 
-TEST_F(MouseDisplayTrackerTest, followsThePointerAtOnceWhileItSamples)
-{
-    EXPECT_FALSE(tracker.preferredDisplayID());
-    tracker.start();
-    tracker.start();
-    pointAt(onLeft, 0.1);
-    EXPECT_EQ(tracker.preferredDisplayID(), left);
-    pointAt(onRight, 0.017);
-    EXPECT_EQ(tracker.preferredDisplayID(), right);
-}
-
 TEST_F(MouseDisplayTrackerTest, aVisitTooShortNeverBecomesTheSettledDisplay)
 {
     tracker.start();

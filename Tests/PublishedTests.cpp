@@ -47,24 +47,6 @@ TEST(Signal, aSubscriberMayDropItselfWhileItRuns)
     EXPECT_EQ(calls, 7);
 }
 
-TEST(Published, tellsOnlyRealChangesAndAfterTheValueIsStored)
-{
-    Published<int> value{1};
-    std::vector<int> seen;
-    auto subscription = value.subscribe([&](int now) {
-        EXPECT_EQ(value.value(), now);
-        seen.push_back(now);
-    });
-
-    value.set(1);
-    value.set(2);
-    value.set(2);
-    subscription = {};
-    value.set(3);
-
-    EXPECT_EQ(seen, std::vector{2});
-}
-
 TEST(Published, aValueSetInsideTheCallIsWhatLaterSubscribersSee)
 {
     Published<int> value{0};

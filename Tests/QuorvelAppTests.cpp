@@ -87,17 +87,6 @@ TEST_F(QuorvelAppTest, theRuntimeWaitsForTheSecondPermissionAndStartsOnce)
 
 // MARK: Applications come and go
 
-TEST_F(QuorvelAppTest, everyProcessWithAWindowIsObservedFromTheStart)
-{
-    auto idle = desktop.launch({.bundleIdentifier = "com.example.idle"});
-    launchOnly();
-    desktop.drain();
-
-    EXPECT_EQ(desktop.accessibility().observersOf(mail), 1u);
-    EXPECT_EQ(desktop.accessibility().observersOf(idle), 0u);
-    EXPECT_TRUE(desktop.accessibility().isRegistered(inbox, ax::titleChanged));
-}
-
 TEST_F(QuorvelAppTest, aLaunchedApplicationIsObservedScannedAndPolled)
 {
     launchOnly();
@@ -149,24 +138,6 @@ TEST_F(QuorvelAppTest, windowsMadeRightAfterAttachingAreListenedToAfterTheFollow
     desktop.advance(seconds(0.1));
 
     EXPECT_TRUE(desktop.accessibility().isRegistered(quiet, ax::titleChanged));
-}
-
-TEST_F(QuorvelAppTest, anEndedApplicationLeavesNothingBehind)
-{
-    launchOnly();
-    settle();
-    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
-    auto feed = desktop.open(news);
-    desktop.advance(seconds(1));
-    EXPECT_TRUE(chip(feed));
-
-    desktop.crash(news);
-    desktop.drain();
-
-    EXPECT_FALSE(chip(feed));
-    EXPECT_EQ(desktop.accessibility().observersOf(news), 0u);
-    desktop.advance(seconds(0.1)); // whether a window lies under the bar is looked at last
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
 }
 
 // MARK: Activation
@@ -295,21 +266,6 @@ TEST_F(QuorvelAppTest, hintsOfTheWindowServerAreFollowed)
     EXPECT_EQ(model().spaces.value().size(), 4u);
 }
 
-TEST_F(QuorvelAppTest, panelsFollowTheirScreen)
-{
-    launchOnly();
-    settle();
-    auto displays = desktop.model().displays;
-    displays.front().frame = {0, 0, 1920, 1080};
-    displays.front().visibleFrame = {0, 0, 1920, 1055};
-    desktop.setDisplays(displays);
-    desktop.drain();
-
-    EXPECT_EQ(panel().frame().width, 1920);
-    EXPECT_EQ(panel().frame().y, 0);
-    EXPECT_EQ(desktop.windowServer().dockRectangles().at(DisplayNumber{1}).maxY(), 1080);
-}
-
 TEST_F(QuorvelAppTest, unpluggingEveryMonitorAndPluggingOneAgainBringsTheBarBack)
 {
     launchOnly();
@@ -370,18 +326,6 @@ TEST_F(QuorvelAppTest, aRuntimeCanGoAtAnyMomentAndAnotherTakesItsPlace)
         EXPECT_THAT(desktop.windowServer().dockRectangles(), IsEmpty());
         desktop.advance(seconds(5));
     }
-}
-
-TEST_F(QuorvelAppTest, mainRunsTheEventLoopWithTheBarUp)
-{
-    desktop.drain();
-    bool hadBar = false;
-    desktop.program().whenRunning([&] { hadBar = Runtime::current().barManager() != nullptr; });
-
-    EXPECT_EQ(QuorvelApp::main(desktop.platform()), 0);
-
-    EXPECT_TRUE(hadBar);
-    EXPECT_THAT(desktop.surfaces().panels(), IsEmpty());
 }
 
 }

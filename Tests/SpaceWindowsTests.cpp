@@ -87,14 +87,6 @@ TEST_F(SpaceWindowsTest, theLongIdentifierGoesFirstAndSpacesWithoutAnyAreLeftOut
     EXPECT_EQ(spaces.getActiveSpaceIDs(kConnection), std::vector{SpaceID{5}});
 }
 
-TEST_F(SpaceWindowsTest, aWindowServerThatAnswersNothingMeansNoSpaces)
-{
-    desktop.windowServer().failSpaceLists(true);
-
-    EXPECT_TRUE(ids().empty());
-    EXPECT_TRUE(spaces.getActiveSpaceIDs(kConnection).empty());
-}
-
 TEST_F(SpaceWindowsTest, identifiersMatchInAnyLetterCaseAndAliasesMeanTheMainDisplay)
 {
     EXPECT_EQ(spaces.displayNumber("37D8832A-AAAA"), DisplayNumber{1});

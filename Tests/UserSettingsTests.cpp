@@ -10,7 +10,6 @@ namespace quorvel::test {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 namespace {
@@ -186,15 +185,6 @@ TEST_F(UserSettingsTest, quittingSavesAtOnceAndOnlyWhatHasChanged)
     quitting.setHideDock(true);
     EXPECT_THAT(other.files().bytes(kFile).value_or(""), HasSubstr("\"hideDock\": true"));
     EXPECT_EQ(other.dispatch().pendingTimers(), 0U);
-}
-
-TEST_F(UserSettingsTest, aStoreThatGoesTakesItsSaveAlong)
-{
-    start().setHideDock(true);
-    settings.reset();
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0U);
-    settle();
-    EXPECT_EQ(desktop.files().writes(), 0);
 }
 
 // MARK: When the disk fails

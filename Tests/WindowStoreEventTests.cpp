@@ -6,9 +6,6 @@
 
 namespace quorvel::test {
 
-using testing::Contains;
-using testing::StartsWith;
-
 namespace {
 
 struct WindowStoreEvents : StoreFixture {
@@ -33,25 +30,6 @@ struct WindowStoreEvents : StoreFixture {
     }
 };
 
-}
-
-TEST_F(WindowStoreEvents, focusEventsOfABackgroundApplicationAreIgnored)
-{
-    store.handleAXEvent(event(feed, ax::focusedWindowChanged));
-
-    EXPECT_EQ(store.focusedWindowID(), draft);
-    EXPECT_EQ(changes, 0);
-    EXPECT_THAT(traced, Contains(StartsWith("focusedChanged ignored pid=502")));
-}
-
-TEST_F(WindowStoreEvents, focusEventsOfTheFrontmostApplicationMoveTheFocusOnce)
-{
-    store.handleAXEvent(event(inbox, ax::focusedWindowChanged));
-    store.handleAXEvent(event(inbox, ax::focusedWindowChanged));
-
-    EXPECT_EQ(store.focusedWindowID(), inbox);
-    EXPECT_EQ(changes, 1);
-    EXPECT_THAT(traced, Contains("focusedChanged direct pid=501 windowID=1001"));
 }
 
 TEST_F(WindowStoreEvents, aFocusEventWithoutAWindowIsAnsweredByTheApplication)
@@ -91,18 +69,6 @@ TEST_F(WindowStoreEvents, anActivationThatCannotBeResolvedLeavesTheFocus)
     EXPECT_EQ(changes, 0);
 }
 
-TEST_F(WindowStoreEvents, theFocusMayNameAWindowThatIsNotTracked)
-{
-    auto dialog = desktop.open(news, {.subrole = "AXDialog"});
-    desktop.activate(news);
-
-    store.handleAppActivated(news);
-
-    EXPECT_EQ(store.focusedWindowID(), dialog);
-    EXPECT_FALSE(isTracked(dialog));
-    EXPECT_TRUE(hasTraced("handleAppActivated resolved focused=1004"));
-}
-
 TEST_F(WindowStoreEvents, minimisingTheFocusedWindowLeavesNoFocusUntilTheNextEvent)
 {
     store.handleAXEvent(event(inbox, ax::windowMiniaturized));
@@ -121,21 +87,6 @@ TEST_F(WindowStoreEvents, minimisingTheFocusedWindowLeavesNoFocusUntilTheNextEve
     EXPECT_EQ(store.focusedWindowID(), std::nullopt);
     store.handleAXEvent(event(draft, ax::focusedWindowChanged));
     EXPECT_EQ(store.focusedWindowID(), draft);
-}
-
-TEST_F(WindowStoreEvents, aCreatedWindowIsTrackedAtOnceIfEverybodyKnowsIt)
-{
-    auto fresh = desktop.open(mail, {.title = "Fresh", .spaces = {SpaceID{2}}});
-
-    store.handleAXEvent(event(fresh, ax::windowCreated));
-
-    ASSERT_TRUE(isTracked(fresh));
-    EXPECT_EQ(store.window(fresh)->windowTitle, "Fresh");
-    EXPECT_EQ(store.window(fresh)->spaceIDs, std::set{SpaceID{2}});
-    EXPECT_EQ(changes, 1);
-    store.handleAXEvent(event(fresh, ax::windowCreated)); // announced twice
-    EXPECT_EQ(changes, 1);
-    EXPECT_EQ(store.windows().size(), 4u);
 }
 
 TEST_F(WindowStoreEvents, aCreatedWindowGoesThroughTheSameFilters)
@@ -157,48 +108,6 @@ TEST_F(WindowStoreEvents, aCreatedWindowGoesThroughTheSameFilters)
     EXPECT_EQ(store.windows().size(), 3u);
     EXPECT_EQ(changes, 0);
     EXPECT_TRUE(hasTraced("ignored-non-standard-ax-window role=AXSheet"));
-}
-
-TEST_F(WindowStoreEvents, aDestroyedWindowGoesAtOnceAndOnlyItself)
-{
-    auto gone = event(inbox, ax::elementDestroyed);
-    desktop.close(inbox);
-
-    store.handleAXEvent(gone);
-    EXPECT_FALSE(isTracked(inbox));
-    EXPECT_EQ(store.windows().size(), 2u);
-    EXPECT_EQ(changes, 1);
-
-    store.handleAXEvent(gone);
-    gone.windowID.reset();
-    store.handleAXEvent(gone);
-    EXPECT_EQ(changes, 1);
-}
-
-TEST_F(WindowStoreEvents, aTitleIsReadAgainAndOnlyADifferentOneIsAChange)
-{
-    store.handleAXEvent(event(inbox, ax::titleChanged));
-    EXPECT_EQ(changes, 0);
-    desktop.retitle(inbox, "Inbox (3)");
-    store.handleAXEvent(event(inbox, ax::titleChanged));
-    EXPECT_EQ(store.window(inbox)->windowTitle, "Inbox (3)");
-    EXPECT_EQ(changes, 1);
-
-    desktop.window(inbox).faults.missingAttributes.insert("AXTitle");
-    store.handleAXEvent(event(inbox, ax::titleChanged));
-    EXPECT_EQ(store.window(inbox)->windowTitle, "Inbox (3)");
-    EXPECT_EQ(changes, 1);
-}
-
-TEST_F(WindowStoreEvents, aTitleOfAnUnknownWindowBringsADeferredScan)
-{
-    auto fresh = desktop.open(mail);
-
-    store.handleAXEvent(event(fresh, ax::titleChanged));
-    EXPECT_FALSE(isTracked(fresh));
-    desktop.advance(seconds(0.3));
-
-    EXPECT_TRUE(isTracked(fresh));
 }
 
 TEST_F(WindowStoreEvents, aMovedWindowHasItsNewFrameAndAnUnreadableOneKeepsItsOld)

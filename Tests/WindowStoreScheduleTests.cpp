@@ -8,8 +8,6 @@
 
 namespace quorvel::test {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Pointwise;
 
 namespace {
@@ -65,32 +63,6 @@ TEST_F(WindowStoreSchedule, aRequestAfterTheLastScanStartsANewBurstWhenThisOneEn
     expectScans({0.3, 0.8, 2.0, 2.8, 3.3, 4.5});
 }
 
-TEST_F(WindowStoreSchedule, burstsOfDifferentProcessesDoNotShareTheirScans)
-{
-    auto other = desktop.launch({.bundleIdentifier = "com.example.other"});
-    store.scheduleDeferredScan(mail);
-    desktop.advance(seconds(0.1));
-    store.scheduleDeferredScan(other);
-    desktop.advance(seconds(5));
-
-    expectScans({0.3, 0.4, 0.8, 0.9, 2.0, 2.1});
-}
-
-TEST_F(WindowStoreSchedule, aWindowThatItsApplicationPublishesLateIsAdmittedByTheBurst)
-{
-    auto late = desktop.open(mail, {.accessibilityDelay = seconds(0.5)});
-
-    EXPECT_EQ(store.addWindowsForPID(mail), 0);
-    desktop.advance(seconds(0.7));
-    EXPECT_FALSE(isTracked(late));
-    desktop.advance(seconds(0.1));
-
-    EXPECT_TRUE(isTracked(late));
-    EXPECT_EQ(changes, 1);
-    desktop.advance(seconds(20));
-    expectScans({0, 0.3, 0.8, 2.0});
-}
-
 TEST_F(WindowStoreSchedule, aWindowThatIsNeverPublishedDoesNotKeepTheProgramBusy)
 {
     auto never = desktop.open(mail);
@@ -102,21 +74,6 @@ TEST_F(WindowStoreSchedule, aWindowThatIsNeverPublishedDoesNotKeepTheProgramBusy
     EXPECT_FALSE(isTracked(never));
     expectScans({0, 0.3, 0.8, 2.0});
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
-}
-
-TEST_F(WindowStoreSchedule, aScanOfTheFrontmostApplicationResolvesTheFocus)
-{
-    auto other = desktop.launch({.bundleIdentifier = "com.example.other"});
-    auto window = desktop.open(other, {.serverDelay = seconds(0.5)});
-    desktop.activate(other);
-    store.scheduleDeferredScan(mail);
-    store.scheduleDeferredScan(other);
-
-    desktop.advance(seconds(0.3));
-    EXPECT_EQ(store.focusedWindowID(), std::nullopt) << "no candidate yet, and mail is behind";
-    desktop.advance(seconds(0.5));
-
-    EXPECT_EQ(store.focusedWindowID(), window);
 }
 
 TEST_F(WindowStoreSchedule, whatTheBurstLeavesMissingIsSettledAfterwards)
@@ -132,35 +89,6 @@ TEST_F(WindowStoreSchedule, whatTheBurstLeavesMissingIsSettledAfterwards)
     EXPECT_FALSE(isTracked(inbox));
     desktop.advance(seconds(20));
     expectScans({0.3, 0.8, 2.0, 3.0});
-}
-
-TEST_F(WindowStoreSchedule, aWindowMisjudgedForAMomentIsBackWhicheverScansThatWas)
-{
-    auto& faults = desktop.window(inbox).faults;
-    store.scheduleDeferredScan(mail);
-    desktop.advance(seconds(0.7));
-    faults.wrongAttributes["AXSubrole"] = std::string{"AXDialog"};
-    desktop.advance(seconds(1.4));
-    ASSERT_FALSE(isTracked(inbox)) << "missed by the last two scans";
-    faults = {};
-
-    desktop.advance(seconds(1));
-
-    EXPECT_TRUE(isTracked(inbox));
-    desktop.advance(seconds(20));
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
-}
-
-TEST_F(WindowStoreSchedule, aMinimisedWindowIsAdmittedThoughItsApplicationCouldNotListItAtFirst)
-{
-    auto id = desktop.open(mail, {.isMinimized = true});
-    desktop.application(mail).faults.missingAttributes = {"AXWindows"};
-    store.addWindowsForPID(mail);
-    desktop.application(mail).faults = {};
-
-    desktop.advance(seconds(0.3));
-
-    EXPECT_TRUE(isTracked(id));
 }
 
 // MARK: Processes that do not answer
@@ -181,20 +109,6 @@ TEST_F(WindowStoreSchedule, aProcessThatHungIsReadOnceItAnswersAndLeftAloneThen)
     EXPECT_EQ(store.focusedWindowID(), inbox);
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
     EXPECT_EQ(whileHung.size(), 7u) << "after 2.5 and 5 s, then every 10 s: each costs 0.05 s";
-}
-
-TEST_F(WindowStoreSchedule, whatTheFirstLookAfterAHangMissesIsSettledAfterwards)
-{
-    desktop.application(mail).faults.isHung = true;
-    store.addWindowsForPID(mail);
-    desktop.window(inbox).isModal = true;
-    desktop.application(mail).faults = {};
-
-    desktop.advance(seconds(4));
-
-    EXPECT_FALSE(isTracked(inbox));
-    desktop.advance(seconds(20));
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
 }
 
 TEST_F(WindowStoreSchedule, theFocusOfAnUnobservedProcessIsPolledToo)
@@ -236,28 +150,6 @@ TEST_F(WindowStoreSchedule, anObservedProcessIsLeftAloneAfterTwoTicksThatAgree)
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
 }
 
-TEST_F(WindowStoreSchedule, aProcessObservedBeforeItIsMonitoredIsPolledAsObserved)
-{
-    store.handleObserverAttached(mail);
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "attaching alone monitors nothing";
-    store.startLifecycleMonitoring(mail, seconds(0.5));
-    desktop.advance(seconds(30));
-
-    expectScans({0.5, 1.3});
-}
-
-TEST_F(WindowStoreSchedule, aChangeStartsTheCountOfAgreeingTicksAnew)
-{
-    store.startLifecycleMonitoring(mail, seconds(2.6));
-    store.handleObserverAttached(mail);
-    desktop.advance(seconds(0.5));
-    auto second = desktop.open(mail);
-    desktop.advance(seconds(30));
-
-    expectScans({0.2, 1.0, 1.8, 2.6});
-    EXPECT_TRUE(isTracked(second));
-}
-
 TEST_F(WindowStoreSchedule, aRestlessObservedProcessIsPolledForTwelveSeconds)
 {
     store.startLifecycleMonitoring(mail, seconds(2.6));
@@ -275,29 +167,6 @@ TEST_F(WindowStoreSchedule, aRestlessObservedProcessIsPolledForTwelveSeconds)
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
 }
 
-TEST_F(WindowStoreSchedule, theTwelveSecondsCountFromTheStartOfMonitoringNotFromAttaching)
-{
-    store.startLifecycleMonitoring(mail, seconds(2.6));
-    desktop.advance(seconds(11.9));
-    desktop.windowServer().forgetListings();
-    store.handleObserverAttached(mail);
-    desktop.advance(seconds(30));
-
-    expectScans({12.1});
-}
-
-TEST_F(WindowStoreSchedule, aMissingWindowKeepsTheObservedPollGoingUntilItIsSettled)
-{
-    store.startLifecycleMonitoring(mail, seconds(2.6));
-    store.handleObserverAttached(mail);
-    hide(inbox);
-    desktop.advance(seconds(30));
-
-    // Missed at 0.2, removed at 1.0, which is a change, then two ticks agree.
-    expectScans({0.2, 1.0, 1.8, 2.6});
-    EXPECT_FALSE(isTracked(inbox));
-}
-
 TEST_F(WindowStoreSchedule, aWindowMissedByTheLastTickOfAllIsSettledAfterwards)
 {
     store.startLifecycleMonitoring(mail, seconds(2.6));
@@ -310,22 +179,6 @@ TEST_F(WindowStoreSchedule, aWindowMissedByTheLastTickOfAllIsSettledAfterwards)
     expectScans({12.1, 12.6});
     EXPECT_FALSE(isTracked(inbox));
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
-}
-
-TEST_F(WindowStoreSchedule, aCreatedWindowStartsOrRefreshesMonitoring)
-{
-    store.handleObserverAttached(mail);
-    auto late = desktop.open(mail, {.serverDelay = seconds(1.1)});
-    store.handleAXEvent(event(late, ax::windowCreated));
-    EXPECT_FALSE(isTracked(late)) << "the window server does not know it yet";
-    desktop.windowServer().forgetListings();
-    desktop.advance(seconds(0.9)); // ticks at 0.2
-    store.handleAXEvent(event(late, ax::windowCreated)); // ticks at 1.1 instead of 1.0
-    desktop.windowServer().forgetListings();
-    desktop.advance(seconds(10));
-
-    EXPECT_TRUE(isTracked(late));
-    expectScans({1.1, 1.9, 2.0, 2.7, 2.8, 3.3, 4.5}); // and two bursts, each for an announcement
 }
 
 TEST_F(WindowStoreSchedule, aTickThatFindsItsProcessGoneRemovesTheWindows)
@@ -362,18 +215,6 @@ TEST_F(WindowStoreSchedule, bootstrapIsNeededOnlyForAProcessWithoutAnyTrace)
     EXPECT_TRUE(store.needsObserverBootstrap(fresh));
     store.handleObserverAttached(fresh);
     EXPECT_FALSE(store.needsObserverBootstrap(fresh)) << "it is observed";
-}
-
-TEST_F(WindowStoreSchedule, aStoreThatGoesTakesItsDelayedWorkAlong)
-{
-    auto own = std::make_unique<WindowStore>(platform.dispatch, platform.accessibility,
-        platform.windowServer, platform.displays, platform.workspace, platform.trace);
-    own->populate();
-    own->scheduleDeferredScan(mail);
-    own->startLifecycleMonitoring(mail, seconds(1));
-    own.reset();
-
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
 }
 
 }

@@ -102,30 +102,6 @@ TEST_F(WindowStoreTest, onlyRegularApplicationsWithABundleOfTheUserOwnWindows)
     EXPECT_TRUE(isTracked(regular));
 }
 
-TEST_F(WindowStoreTest, aTrackedWindowTellsWhatEachSourceKnowsBest)
-{
-    auto id = desktop.open(
-        mail, {.title = "Inbox", .frame = {10, 20, 300, 400}, .spaces = {SpaceID{1}, SpaceID{3}}});
-    desktop.window(id).distortEntry = [](CGWindowInfo& info) { info.windowName = "stale"; };
-    auto minimised
-        = desktop.open(mail, {.title = "Draft", .spaces = {SpaceID{2}}, .isMinimized = true});
-
-    store.populate();
-
-    EXPECT_EQ(*store.window(id),
-        (TrackedWindow{.windowID = id,
-            .pid = mail,
-            .appName = "Mail",
-            .bundleIdentifier = "com.example.mail",
-            .windowTitle = "Inbox",
-            .frame = {10, 20, 300, 400},
-            .isMinimized = false,
-            .spaceIDs = {SpaceID{1}, SpaceID{3}}}));
-    // The space lists leave out minimised windows; only the question about the window itself tells.
-    EXPECT_TRUE(store.window(minimised)->isMinimized);
-    EXPECT_EQ(store.window(minimised)->spaceIDs, std::set{SpaceID{2}});
-}
-
 TEST_F(WindowStoreTest, windowsOnASpaceComeInTheOrderOfTheirNumbers)
 {
     auto first = desktop.open(mail, {.spaces = {SpaceID{1}}});
@@ -197,48 +173,6 @@ TEST_F(WindowStoreTest, anApplicationThatCannotBeAskedIsBelievedOnlyWhileItIsUnk
     EXPECT_TRUE(isTracked(late)) << "the deferred scan must admit it once it is confirmed";
 }
 
-TEST_F(WindowStoreTest, anAttachedObserverAloneMakesAProcessKnown)
-{
-    desktop.application(mail).faults.missingAttributes.insert("AXWindows");
-    auto id = desktop.open(mail);
-
-    store.handleObserverAttached(mail);
-
-    EXPECT_EQ(store.addWindowsForPID(mail), 0);
-    EXPECT_FALSE(isTracked(id));
-}
-
-TEST_F(WindowStoreTest, aWindowOnNoSpaceIsNotAdmittedUntilItIsOnOne)
-{
-    desktop.open(mail);
-    store.populate();
-    auto id = desktop.open(mail);
-    desktop.window(id).spaces.clear();
-
-    EXPECT_EQ(store.discoverNewWindowsForTrackedPIDs(), 0);
-    desktop.window(id).spaces = {SpaceID{2}};
-    EXPECT_EQ(store.discoverNewWindowsForTrackedPIDs(), 1);
-
-    EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{2}});
-}
-
-TEST_F(WindowStoreTest, discoveryLooksAtTrackedProcessesOnly)
-{
-    desktop.open(mail);
-    store.populate();
-    auto stranger = desktop.open(desktop.launch({.bundleIdentifier = "com.example.other"}));
-    auto second = desktop.open(mail);
-    changes = 0;
-
-    EXPECT_EQ(store.discoverNewWindowsForTrackedPIDs(), 1);
-
-    EXPECT_TRUE(isTracked(second));
-    EXPECT_FALSE(isTracked(stranger));
-    EXPECT_EQ(changes, 1);
-    EXPECT_EQ(store.discoverNewWindowsForTrackedPIDs(), 0);
-    EXPECT_EQ(changes, 1);
-}
-
 // MARK: What is kept and what goes
 
 TEST_F(WindowStoreTest, aMissingWindowGoesWithTheFirstScanFrom450MillisecondsOn)
@@ -283,40 +217,6 @@ TEST_F(WindowStoreTest, oneMissIsNotEnoughHoweverLongItIsAgo)
     }
 }
 
-TEST_F(WindowStoreTest, aWindowThatItsApplicationDoesNotListStaysWhileTheWindowServerHasIt)
-{
-    auto id = desktop.open(mail);
-    store.populate();
-    desktop.window(id).faults.isListed = false;
-
-    for (int i = 0; i < 10; ++i)
-        scanAfter(mail, seconds(0.5));
-    EXPECT_TRUE(isTracked(id));
-
-    hide(id);
-    scanAfter(mail, seconds(0.5));
-    EXPECT_TRUE(isTracked(id)) << "it was present until now, so this is the first miss";
-    scanAfter(mail, seconds(0.5));
-    EXPECT_FALSE(isTracked(id));
-}
-
-TEST_F(WindowStoreTest, aWindowThatIsNoLongerEligibleGoesByTheRuleOfTheMissing)
-{
-    auto becomesModal = desktop.open(mail);
-    auto shrinks = desktop.open(mail);
-    auto stays = desktop.open(mail);
-    store.populate();
-    desktop.window(becomesModal).isModal = true;
-    desktop.resize(shrinks, {300, 20});
-
-    scanAfter(mail, seconds(0.5));
-    EXPECT_EQ(store.windows().size(), 3u);
-    scanAfter(mail, seconds(0.5));
-
-    EXPECT_EQ(store.windows().size(), 1u);
-    EXPECT_TRUE(isTracked(stays));
-}
-
 TEST_F(WindowStoreTest, aProcessThatMayOwnNoWindowsLosesThemAtOnce)
 {
     auto id = desktop.open(mail);
@@ -326,47 +226,6 @@ TEST_F(WindowStoreTest, aProcessThatMayOwnNoWindowsLosesThemAtOnce)
     scanAfter(mail, seconds(0.1));
 
     EXPECT_FALSE(isTracked(id));
-}
-
-TEST_F(WindowStoreTest, aScanUpdatesWhatChangedAndSaysSoOnce)
-{
-    auto id = desktop.open(mail, {.title = "Old"});
-    store.populate();
-    changes = 0;
-
-    scanAfter(mail, seconds(0.1));
-    EXPECT_EQ(changes, 0) << "nothing changed";
-    auto& window = desktop.window(id);
-    window.title = "New";
-    window.frame = {5, 6, 700, 500};
-    window.spaces = {SpaceID{2}};
-    desktop.open(mail);
-    scanAfter(mail, seconds(0.1));
-
-    EXPECT_EQ(changes, 1);
-    EXPECT_EQ(store.window(id)->windowTitle, "New");
-    EXPECT_EQ(store.window(id)->frame, (Rect{5, 6, 700, 500}));
-    EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{2}});
-    EXPECT_EQ(store.windows().size(), 2u);
-}
-
-TEST_F(WindowStoreTest, whatCannotBeReadKeepsItsLastKnownState)
-{
-    auto id = desktop.open(mail, {.title = "Inbox", .isMinimized = true});
-    store.populate();
-    desktop.window(id).faults.missingAttributes = {"AXTitle", "AXMinimized"};
-    desktop.window(id).subrole.reset();
-    scanAfter(mail, seconds(0.1));
-    EXPECT_EQ(store.window(id)->windowTitle, "Inbox");
-    EXPECT_TRUE(store.window(id)->isMinimized);
-
-    desktop.application(mail).faults.isHung = true;
-    scanAfter(mail, seconds(1));
-    scanAfter(mail, seconds(1));
-
-    ASSERT_TRUE(isTracked(id));
-    EXPECT_EQ(store.window(id)->windowTitle, "Inbox");
-    EXPECT_TRUE(store.window(id)->isMinimized);
 }
 
 // Fault: what a window did not get to say counts as said, and its chip comes and goes.
@@ -483,36 +342,6 @@ TEST_F(WindowStoreTest, spaceCallsThatAnswerNothingLoseNoWindow)
         scanAfter(mail, seconds(1));
 
     EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{1}});
-}
-
-TEST_F(WindowStoreTest, aMinimisedWindowKeepsItsSpaceThroughScansAndRefreshes)
-{
-    auto id = desktop.open(mail, {.spaces = {SpaceID{2}}});
-    store.populate();
-    desktop.minimise(id); // the space lists leave it out from now on
-    scanAfter(mail, seconds(0.5));
-    store.refreshSpaces();
-
-    EXPECT_TRUE(store.window(id)->isMinimized);
-    EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{2}});
-}
-
-TEST_F(WindowStoreTest, resyncReadsTheMinimisedStateAgainOfEveryTrackedWindow)
-{
-    auto a = desktop.open(mail);
-    auto b = desktop.open(mail, {.isMinimized = true});
-    store.populate();
-    changes = 0;
-    desktop.window(a).isMinimized = true; // nobody was told
-    desktop.window(b).isMinimized = false;
-
-    store.resyncMinimizedWindows();
-
-    EXPECT_TRUE(store.window(a)->isMinimized);
-    EXPECT_FALSE(store.window(b)->isMinimized);
-    EXPECT_EQ(changes, 1);
-    store.resyncMinimizedWindows();
-    EXPECT_EQ(changes, 1);
 }
 
 }
