@@ -2,6 +2,8 @@
 
 #include <csignal>
 
+#include "Hosts/Posix/ControlAddress.h"
+#include "Hosts/Posix/ControlClient.h"
 #include "Tests/X11/Support/Eventually.h"
 
 namespace quorvel::x11tests {
@@ -19,6 +21,18 @@ std::filesystem::path freshLog(const std::filesystem::path& folder)
 {
     static int count = 0;
     return folder / ("bar-" + std::to_string(++count) + ".log");
+}
+
+/// What the running bar answers; a process for each question would cost more than the bar itself.
+ControlReply askForState(const XServer& server)
+{
+    std::string problem;
+    const auto& folder = server.environment().at("XDG_RUNTIME_DIR");
+    const auto address
+        = posix::ControlAddress::forDisplay(server.display(), folder.c_str(), folder, problem);
+    const auto reply
+        = address ? posix::requestOfBar(*address, {"--state"}, 10s) : std::optional<ControlReply>{};
+    return reply.value_or(ControlReply{1, "", "no bar listens: " + problem});
 }
 
 bool hasSanitizerReport(const std::string& log)
@@ -51,8 +65,8 @@ Bar::~Bar()
 testing::AssertionResult Bar::appears()
 {
     const auto isVisible = [this] {
-        const auto answer = runProgram(m_server.environment(), m_server.folder(), {"--state"});
-        if (answer.status != 0)
+        const auto answer = askForState(m_server);
+        if (answer.exitStatus != 0)
             return testing::AssertionFailure() << "no state: " << answer.error << log();
         const auto current = State::parse(answer.output);
         if (!current || !current->visiblePanel())
@@ -69,9 +83,9 @@ std::string Bar::log() const
 
 std::optional<State> Bar::state() const
 {
-    const auto answer = runProgram(m_server.environment(), m_server.folder(), {"--state"});
-    EXPECT_EQ(answer.status, 0) << answer.error << log();
-    return answer.status == 0 ? State::parse(answer.output) : std::nullopt;
+    const auto answer = askForState(m_server);
+    EXPECT_EQ(answer.exitStatus, 0) << answer.error << log();
+    return answer.exitStatus == 0 ? State::parse(answer.output) : std::nullopt;
 }
 
 testing::AssertionResult Bar::agreesWith(Desktop& desktop, std::chrono::milliseconds deadline) const
