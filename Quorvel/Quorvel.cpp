@@ -168,8 +168,8 @@ void QuorvelApp::startMainRuntime(Application& app)
     runtime.m_lastBootstrap.clear();
     // The bar must have windows before its first layout.
     runtime.windowStore().populate();
-    runtime.m_barManager = std::make_unique<BarManager>(
-        platform, runtime.windowStore(), UserSettings::shared(), BadgeService::shared());
+    runtime.m_barManager = std::make_unique<BarManager>(platform, runtime.windowStore(),
+        UserSettings::shared(), BadgeService::shared(), ThumbnailService::shared());
     runtime.m_barManager->syncPanels();
     runtime.m_barManager->repositionPanels();
     runtime.keep(platform.displays.parametersDidChange.subscribe(

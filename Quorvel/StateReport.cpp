@@ -8,6 +8,7 @@
 #include "Quorvel/Skylight/WindowStore.h"
 #include "Quorvel/Version.h"
 #include "Quorvel/Views/BarPanel.h"
+#include "Quorvel/Views/ThumbnailPopup.h"
 
 namespace quorvel {
 
@@ -89,24 +90,80 @@ Json spaceJson(const BarManager& manager, const SpaceWindows::Info& space)
     };
 }
 
+/// From the places of screens and panels to those of pointers.
+class Places {
+public:
+    explicit Places(const Platform& platform) : m_platform(platform)
+    {
+        auto screens = platform.displays.screens();
+        m_primaryHeight = screens.empty() ? 0 : screens.front().frame.height;
+    }
+
+    Json onScreen(const Rect& bottomLeft) const
+    {
+        return frameJson(m_platform, bottomLeft.flipped(m_primaryHeight));
+    }
+    Json inPanel(const BarPanel& panel, const Rect& rect) const
+    {
+        auto frame = panel.surface().frame().flipped(m_primaryHeight);
+        return frameJson(m_platform, rect.translated(frame.x, frame.y));
+    }
+
+private:
+    const Platform& m_platform;
+    double m_primaryHeight;
+};
+
+Json popupJson(const Places& places, const ThumbnailPopup* popup)
+{
+    if (!popup)
+        return nullptr;
+    Json cards = Json::array();
+    for (auto& card : popup->cardPlaces()) {
+        cards.push_back({{"window", raw(card.window)}, {"frame", places.onScreen(card.frame)},
+            {"close", places.onScreen(card.closeButton)}});
+    }
+    return {{"frame", places.onScreen(popup->frame())}, {"cards", std::move(cards)}};
+}
+
 Json panelJson(const Platform& platform, const BarPanel& panel)
 {
-    auto screens = platform.displays.screens();
-    double primaryHeight = screens.empty() ? 0 : screens.front().frame.height;
-    auto frame = panel.surface().frame().flipped(primaryHeight);
-    auto inPanel
-        = [&](const Rect& rect) { return frameJson(platform, rect.translated(frame.x, frame.y)); };
-    Json chips = Json::array();
-    for (auto& [id, rect] : panel.content()->chipFrames())
-        chips.push_back({{"id", id}, {"frame", inPanel(rect)}});
+    Places places{platform};
+    auto& content = *panel.content();
+    auto named = [&](const char* key, auto& frames) {
+        Json list = Json::array();
+        for (auto& [id, rect] : frames)
+            list.push_back({{key, id}, {"frame", places.inPanel(panel, rect)}});
+        return list;
+    };
+    Json cells = Json::array();
+    for (auto& [space, rect] : content.spaceCellFrames())
+        cells.push_back({{"space", raw(space)}, {"frame", places.inPanel(panel, rect)}});
+    auto chips = content.chipFrames();
+    auto pins = content.pinFrames();
     return {
         {"space", raw(panel.spaceID())},
         {"screen", panel.screenIndex()},
         {"visible", panel.surface().isVisible()},
-        {"frame", frameJson(platform, frame)},
-        {"menuButton", inPanel(panel.content()->menuButtonFrame())},
-        {"chips", std::move(chips)},
+        {"frame", places.onScreen(panel.surface().frame())},
+        {"menuButton", places.inPanel(panel, content.menuButtonFrame())},
+        {"pins", named("bundle", pins)},
+        {"chips", named("id", chips)},
+        {"spaceCells", std::move(cells)},
+        {"spaceList", places.inPanel(panel, content.spaceListButtonFrame())},
+        {"showDesktop", places.inPanel(panel, content.showDesktopButtonFrame())},
+        {"popup", popupJson(places, content.thumbnailPopup())},
     };
+}
+
+Json menuJson(const Platform& platform)
+{
+    Json entries = Json::array();
+    for (auto& entry : platform.surfaces.openMenuEntries()) {
+        entries.push_back({{"title", entry.title}, {"enabled", entry.isEnabled},
+            {"frame", frameJson(platform, entry.frame)}});
+    }
+    return entries;
 }
 
 }
@@ -133,6 +190,7 @@ std::string stateReport(
         {"windows", std::move(windows)},
         {"spaces", std::move(spaces)},
         {"panels", std::move(panels)},
+        {"menu", menuJson(platform)},
     };
     // Titles come from other programs and may hold anything.
     return state.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -70,7 +70,7 @@ struct BarManagerTest : BarFixture {
     /// The titles on the bar of the first space that lies on this display.
     std::vector<std::string> titles(DisplayNumber display)
     {
-        return surfaces().panel(SpaceID{1}, display)->render().texts();
+        return chipTexts(*surfaces().panel(SpaceID{1}, display));
     }
     void showOnAllDisplays(bool value)
     {
@@ -408,8 +408,8 @@ TEST_F(BarManagerTest, aWindowGoesWhereItIsSentAndTheUserStays)
     desktop.drain();
     EXPECT_EQ(spacesOf(inbox), std::set{SpaceID{2}});
     EXPECT_EQ(current(), SpaceID{1});
-    EXPECT_THAT(panel(SpaceID{1}).render().texts(), IsEmpty());
-    EXPECT_THAT(panel(SpaceID{2}).render().texts(), ElementsAre("Inbox"));
+    EXPECT_THAT(chipTexts(SpaceID{1}), IsEmpty());
+    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Inbox"));
     EXPECT_THAT(whereTheButtonWent(), IsEmpty());
 }
 
@@ -424,7 +424,7 @@ TEST_F(BarManagerTest, whereTheServerRefusesTheWindowIsCarriedByItsTitleBar)
 
     EXPECT_EQ(spacesOf(inbox), std::set{SpaceID{2}});
     EXPECT_EQ(current(), SpaceID{2});
-    EXPECT_THAT(panel(SpaceID{2}).render().texts(), ElementsAre("Inbox"));
+    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Inbox"));
     EXPECT_FALSE(server().isPostedButtonDown());
     EXPECT_EQ(desktop.model().pointer, (Point{7, 9}));
 
@@ -481,7 +481,7 @@ TEST_F(BarManagerTest, toAnotherDisplayTheWindowIsDraggedOnceTheSpaceIsShown)
     EXPECT_EQ(spacesOf(inbox), std::set{SpaceID{12}});
     EXPECT_EQ(current(), SpaceID{1});
     EXPECT_FALSE(server().isPostedButtonDown());
-    EXPECT_THAT(surfaces().panel(SpaceID{12})->render().texts(), ElementsAre("Inbox"));
+    EXPECT_THAT(chipTexts(SpaceID{12}), ElementsAre("Inbox"));
 }
 
 // MARK: The pointer and the keyboard
@@ -490,7 +490,7 @@ TEST_F(BarManagerTest, aBarMayTakeTheKeyboardOnlyUnderThePointer)
 {
     start();
     EXPECT_FALSE(panel().canBecomeKey());
-    panel().movePointer(kOnBar);
+    panel().movePointer({5, 10});
     EXPECT_TRUE(panel().canBecomeKey());
     manager().setHoverKeyingSuppressed(true);
     EXPECT_FALSE(panel().canBecomeKey());

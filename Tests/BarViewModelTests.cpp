@@ -157,7 +157,8 @@ TEST_F(BarViewModelTest, theMenuOfAGroupReachesEachOfItsWindowsAndAll)
     focusOn(editor, notes);
     click("group-mail", PointerButton::secondary);
     EXPECT_THAT(desktop.surfaces().menuTitles(),
-        ElementsAre("Inbox", "Draft", "", "Minimise All", "Close All"));
+        ElementsAre("Inbox", "Draft", "", "New Window", "", "Minimise All", "Move to Space",
+            "Close All", "", "Pin to Bar", "Quit"));
     desktop.surfaces().chooseMenuItem("Draft");
     desktop.advance(seconds(0.3));
     EXPECT_EQ(model().focusedWindowID.value(), draft);
@@ -168,7 +169,9 @@ TEST_F(BarViewModelTest, theMenuOfAGroupReachesEachOfItsWindowsAndAll)
     EXPECT_TRUE(chip(inbox)->isMinimized && chip(draft)->isMinimized);
 
     click(s(notes), PointerButton::secondary);
-    EXPECT_THAT(desktop.surfaces().menuTitles(), ElementsAre("Minimise", "Close"));
+    EXPECT_THAT(desktop.surfaces().menuTitles(),
+        ElementsAre(
+            "New Window", "", "Minimise", "Move to Space", "Close", "", "Pin to Bar", "Quit"));
     desktop.surfaces().chooseMenuItem("Close");
     settle();
     EXPECT_FALSE(chip(notes));
@@ -251,7 +254,7 @@ TEST_F(BarViewModelTest, badgesProgressAndAttentionReachTheirChips)
     EXPECT_EQ(chip(draft)->progress, 0.25);
     EXPECT_FALSE(chip(notes)->badge);
     EXPECT_TRUE(chip(notes)->wantsAttention);
-    EXPECT_THAT(panel().render().texts(), testing::Contains("3"));
+    EXPECT_THAT(chipTexts(), testing::Contains("3"));
 
     click(s(notes));
     EXPECT_FALSE(chip(notes)->wantsAttention);

@@ -55,7 +55,7 @@ TEST_F(QuorvelAppTest, withBothPermissionsTheBarHasItsWindowsBeforeAnyTimePasses
     EXPECT_TRUE(isRunning());
     EXPECT_EQ(desktop.accessibility().prompts(), 0);
     EXPECT_EQ(desktop.screenCapture().requests(), 0);
-    EXPECT_THAT(panel().render().texts(), ElementsAre("Inbox"));
+    EXPECT_THAT(chipTexts(), ElementsAre("Inbox"));
     for (auto policy : desktop.program().policies())
         EXPECT_EQ(policy, ActivationPolicy::accessory);
     EXPECT_THAT(desktop.program().policies(), Not(IsEmpty()));
@@ -247,7 +247,7 @@ TEST_F(QuorvelAppTest, aSpaceChangeShowsTheBarOfThatSpaceWithItsWindows)
     EXPECT_TRUE(panel(SpaceID{2}).isVisible());
     EXPECT_FALSE(panel(SpaceID{1}).isVisible());
     EXPECT_EQ(model().activeSpaceID.value(), SpaceID{2});
-    EXPECT_THAT(panel(SpaceID{2}).render().texts(), ElementsAre("Elsewhere"));
+    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Elsewhere"));
 }
 
 TEST_F(QuorvelAppTest, hintsOfTheWindowServerAreFollowed)
@@ -281,7 +281,7 @@ TEST_F(QuorvelAppTest, unpluggingEveryMonitorAndPluggingOneAgainBringsTheBarBack
     ASSERT_TRUE(desktop.surfaces().panel(SpaceID{1}));
     EXPECT_TRUE(panel().isVisible());
     EXPECT_EQ(panel().frame().width, 1440);
-    EXPECT_THAT(panel().render().texts(), ElementsAre("Inbox"));
+    EXPECT_THAT(chipTexts(), ElementsAre("Inbox"));
 }
 
 // MARK: Requests, the end

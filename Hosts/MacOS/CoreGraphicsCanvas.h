@@ -15,13 +15,16 @@ public:
     void save() override;
     void restore() override;
     void translate(double dx, double dy) override;
+    void magnify(double factor, Point about) override;
     void clip(const Rect&) override;
+    void clipRounded(const Rect&, double radius) override;
     void beginOpacity(double opacity) override;
     void endOpacity() override;
 
     void fill(const Rect&, const Color&) override;
     void fillRounded(const Rect&, double radius, const Color&) override;
     void strokeRounded(const Rect&, double radius, double width, const Color&) override;
+    void fillPolygon(const std::vector<Point>&, const Color&) override;
     void fillGradient(const Rect&, GradientDirection, const std::vector<GradientStop>&) override;
     void drawImage(const Image&, const Rect&) override;
     void drawText(std::string_view utf8, const Rect&, const TextStyle&) override;

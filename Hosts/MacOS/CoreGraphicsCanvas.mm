@@ -51,6 +51,18 @@ NSString* symbolName(Symbol symbol)
     switch (symbol) {
     case Symbol::menuGrid:
         return @"square.grid.2x2";
+    case Symbol::close:
+        return @"xmark";
+    case Symbol::chevronLeft:
+        return @"chevron.left";
+    case Symbol::chevronRight:
+        return @"chevron.right";
+    case Symbol::chevronUp:
+        return @"chevron.up";
+    case Symbol::showDesktop:
+        return @"macwindow";
+    case Symbol::checkmark:
+        return @"checkmark";
     }
     return @"questionmark";
 }
@@ -93,7 +105,20 @@ void CoreGraphicsCanvas::translate(double dx, double dy)
     CGContextTranslateCTM(m_context, dx, dy);
 }
 
+void CoreGraphicsCanvas::magnify(double factor, Point about)
+{
+    CGContextTranslateCTM(m_context, about.x, about.y);
+    CGContextScaleCTM(m_context, factor, factor);
+    CGContextTranslateCTM(m_context, -about.x, -about.y);
+}
+
 void CoreGraphicsCanvas::clip(const Rect& rect) { CGContextClipToRect(m_context, toSystem(rect)); }
+
+void CoreGraphicsCanvas::clipRounded(const Rect& rect, double radius)
+{
+    CGContextAddPath(m_context, makeRoundedPath(rect, radius).get());
+    CGContextClip(m_context);
+}
 
 void CoreGraphicsCanvas::beginOpacity(double opacity)
 {
@@ -133,6 +158,17 @@ void CoreGraphicsCanvas::strokeRounded(
     CGContextSetLineWidth(m_context, width);
     CGContextAddPath(m_context, makeRoundedPath(middle, radius - width / 2).get());
     CGContextStrokePath(m_context);
+}
+
+void CoreGraphicsCanvas::fillPolygon(const std::vector<Point>& corners, const Color& color)
+{
+    if (corners.empty())
+        return;
+    CGContextSetFillColorWithColor(m_context, toSystem(color).get());
+    CGContextMoveToPoint(m_context, corners.front().x, corners.front().y);
+    for (const Point& corner : corners)
+        CGContextAddLineToPoint(m_context, corner.x, corner.y);
+    CGContextFillPath(m_context);
 }
 
 void CoreGraphicsCanvas::fillGradient(

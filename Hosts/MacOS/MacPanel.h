@@ -10,7 +10,8 @@ namespace quorvel {
 class MacWindowServer;
 
 /// A borderless panel at the Dock's level, on one space only. A proxy on the space of a full-screen
-/// window lies among ordinary windows, has nothing to see and lets clicks through.
+/// window lies among ordinary windows, has nothing to see and lets clicks through; a popup lies
+/// above them all, whatever the space.
 ///
 /// No public call puts a window on a given space: it lands on the active one when it is ordered in,
 /// and is moved afterwards, which the window server lets a program do with its own windows.
@@ -30,13 +31,19 @@ public:
     bool isVisible() const override;
     double scale() const override;
     void invalidate(const Rect&) override;
-    bool setBlursBehind(bool) override;
+    bool setBlursBehind(const std::optional<VisualEffect>&) override;
+
+    Duration frameInterval() const override;
+    bool takeKeyboard() override;
+    void releaseKeyboard() override;
+    void accessibleTreeDidChange() override { }
 
     QVSurfaceView* view() const { return m_view; }
 
 private:
     const MacWindowServer& m_windowServer;
     SpaceID m_space;
+    bool m_isPopup; ///< on every space
     QVPanel* m_panel;
     QVSurfaceView* m_view;
     NSVisualEffectView* m_blur = nil;

@@ -5,6 +5,7 @@
 
 @interface QVPanel : NSPanel
 @property (nonatomic) BOOL mayBecomeKey;
+@property (nonatomic, copy) void (^onKeyChanged)(BOOL isKey);
 @end
 
 @implementation QVPanel
@@ -13,6 +14,20 @@
 - (BOOL)canBecomeKeyWindow
 {
     return self.mayBecomeKey;
+}
+
+- (void)becomeKeyWindow
+{
+    [super becomeKeyWindow];
+    if (self.onKeyChanged)
+        self.onKeyChanged(YES);
+}
+
+- (void)resignKeyWindow
+{
+    [super resignKeyWindow];
+    if (self.onKeyChanged)
+        self.onKeyChanged(NO);
 }
 
 - (BOOL)canBecomeMainWindow
@@ -31,6 +46,31 @@
 namespace quorvel {
 
 namespace {
+
+CGWindowLevelKey levelOf(PanelKind kind)
+{
+    switch (kind) {
+    case PanelKind::fullscreenProxy:
+        return kCGNormalWindowLevelKey;
+    case PanelKind::popup:
+        return kCGPopUpMenuWindowLevelKey;
+    case PanelKind::bar:
+        break;
+    }
+    return kCGDockWindowLevelKey;
+}
+
+NSWindowCollectionBehavior behaviorOf(PanelKind kind)
+{
+    if (kind == PanelKind::popup)
+        return NSWindowCollectionBehaviorCanJoinAllSpaces | NSWindowCollectionBehaviorTransient
+            | NSWindowCollectionBehaviorIgnoresCycle
+            | NSWindowCollectionBehaviorFullScreenAuxiliary;
+    // Stationary: Mission Control hides windows above the normal level otherwise.
+    return NSWindowCollectionBehaviorStationary | NSWindowCollectionBehaviorIgnoresCycle
+        | (kind == PanelKind::fullscreenProxy ? NSWindowCollectionBehaviorFullScreenAuxiliary
+                                              : NSWindowCollectionBehaviorFullScreenNone);
+}
 
 QVPanel* makePanel(const PanelOptions& options)
 {
@@ -51,12 +91,8 @@ QVPanel* makePanel(const PanelOptions& options)
     panel.acceptsMouseMovedEvents = YES;
     panel.animationBehavior = NSWindowAnimationBehaviorNone;
     const bool isProxy = options.kind == PanelKind::fullscreenProxy;
-    panel.level = CGWindowLevelForKey(isProxy ? kCGNormalWindowLevelKey : kCGDockWindowLevelKey);
-    // Stationary: Mission Control hides windows above the normal level otherwise.
-    panel.collectionBehavior = NSWindowCollectionBehaviorStationary
-        | NSWindowCollectionBehaviorIgnoresCycle
-        | (isProxy ? NSWindowCollectionBehaviorFullScreenAuxiliary
-                   : NSWindowCollectionBehaviorFullScreenNone);
+    panel.level = CGWindowLevelForKey(levelOf(options.kind));
+    panel.collectionBehavior = behaviorOf(options.kind);
     // Set even to NO, it would end the pass of clicks through what is transparent.
     if (isProxy)
         panel.ignoresMouseEvents = YES;
@@ -81,14 +117,18 @@ MacPanel::MacPanel(
     const MacWindowServer& windowServer, const PanelOptions& options, SurfaceClient& client)
     : m_windowServer(windowServer)
     , m_space(options.space)
+    , m_isPopup(options.kind == PanelKind::popup)
     , m_panel(makePanel(options))
     , m_view([[QVSurfaceView alloc] initWithFrame:m_panel.contentView.bounds client:&client])
 {
     [m_panel.contentView addSubview:m_view];
+    QVSurfaceView* view = m_view;
+    m_panel.onKeyChanged = ^(BOOL isKey) { [view panelIsKey:isKey]; };
 }
 
 MacPanel::~MacPanel()
 {
+    m_panel.onKeyChanged = nil;
     [m_view detach];
     [m_panel orderOut:nil];
     [m_panel close];
@@ -102,7 +142,7 @@ void MacPanel::orderFront()
 {
     [m_panel orderFrontRegardless];
     // The number is that of the server's window only while there is one.
-    if (m_panel.windowNumber > 0)
+    if (!m_isPopup && m_panel.windowNumber > 0)
         m_windowServer.moveOwnWindow(
             WindowID{static_cast<std::uint32_t>(m_panel.windowNumber)}, m_space);
 }
@@ -127,16 +167,56 @@ double MacPanel::scale() const { return m_panel.backingScaleFactor; }
 
 void MacPanel::invalidate(const Rect& rect) { [m_view setNeedsDisplayInRect:toSystem(rect)]; }
 
-bool MacPanel::setBlursBehind(bool blurs)
+Duration MacPanel::frameInterval() const
 {
-    if (blurs && !m_blur) {
+    NSScreen* screen = m_panel.screen ? m_panel.screen : NSScreen.mainScreen;
+    const NSInteger rate = screen.maximumFramesPerSecond;
+    return seconds(1.0 / static_cast<double>(rate > 0 ? rate : 60));
+}
+
+/// A panel that does not activate its program can be the key window, and the active program remains
+/// what it is.
+bool MacPanel::takeKeyboard()
+{
+    m_view.wantsKeyboard = YES;
+    m_panel.mayBecomeKey = YES;
+    [m_panel makeFirstResponder:m_view];
+    if (m_panel.keyWindow)
+        [m_view panelIsKey:YES];
+    else
+        [m_panel makeKeyWindow];
+    return m_panel.keyWindow;
+}
+
+void MacPanel::releaseKeyboard()
+{
+    if (!m_view.wantsKeyboard)
+        return;
+    [m_view panelIsKey:NO];
+    m_panel.mayBecomeKey = NO;
+    if (!m_panel.keyWindow)
+        return;
+    // A window gives the keyboard up only when it goes off the screen.
+    [m_panel orderOut:nil];
+    orderFront();
+}
+
+bool MacPanel::setBlursBehind(const std::optional<VisualEffect>& effect)
+{
+    if (effect && !m_blur) {
         m_blur = makeBlur(m_panel.contentView.bounds);
         [m_panel.contentView addSubview:m_blur positioned:NSWindowBelow relativeTo:m_view];
-    } else if (!blurs && m_blur) {
+    } else if (!effect && m_blur) {
         [m_blur removeFromSuperview];
         m_blur = nil;
     }
-    return blurs;
+    if (effect) {
+        m_blur.material = static_cast<NSVisualEffectMaterial>(effect->material);
+        m_blur.blendingMode = static_cast<NSVisualEffectBlendingMode>(effect->blendingMode);
+        m_blur.state = static_cast<NSVisualEffectState>(effect->state);
+        m_blur.alphaValue = effect->opacity;
+    }
+    return true;
 }
 
 }

@@ -18,7 +18,11 @@ public:
     MacSurfaces& operator=(const MacSurfaces&) = delete;
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
-    void popUpMenu(PanelSurface&, Menu, const Rect& anchor) override;
+    void popUpMenu(
+        PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed) override;
+    void closeMenu() override;
+    /// Menus are the system's.
+    std::vector<MenuEntry> openMenuEntries() const override { return {}; }
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
 
 private:

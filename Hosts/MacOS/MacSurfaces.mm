@@ -5,67 +5,103 @@
 
 /// One menu while it is open: the system's, and what each of its entries does.
 @interface QVMenuTarget : NSObject
-- (instancetype)initWithMenu:(quorvel::Menu)menu queue:(quorvel::Queue*)queue;
+- (instancetype)initWithMenu:(quorvel::Menu)menu
+                    onClosed:(std::function<void()>)onClosed
+                       queue:(quorvel::Queue*)queue;
 - (void)openBeside:(NSRect)anchor of:(NSView*)view;
 - (void)cancel;
 @end
 
 @implementation QVMenuTarget {
-    quorvel::Menu _items;
+    std::vector<quorvel::Work> _actions;
+    quorvel::Work _chosen;
+    quorvel::Work _onClosed;
     quorvel::Queue* _queue;
     NSMenu* _menu;
+    BOOL _isOpen;
     BOOL _isCancelled;
+    BOOL _hasClosed;
 }
 
-- (instancetype)initWithMenu:(quorvel::Menu)menu queue:(quorvel::Queue*)queue
+- (instancetype)initWithMenu:(quorvel::Menu)menu
+                    onClosed:(std::function<void()>)onClosed
+                       queue:(quorvel::Queue*)queue
 {
     self = [super init];
     if (self) {
-        _items = std::move(menu);
+        _onClosed = std::move(onClosed);
         _queue = queue;
-        _menu = [[NSMenu alloc] initWithTitle:@""];
-        _menu.autoenablesItems = NO;
-        for (std::size_t index = 0; index < _items.size(); ++index)
-            [_menu addItem:[self entryAt:index]];
+        _menu = [self makeMenu:menu];
     }
     return self;
 }
 
-- (NSMenuItem*)entryAt:(std::size_t)index
+- (NSMenu*)makeMenu:(const quorvel::Menu&)items
 {
-    const quorvel::MenuItem& item = _items[index];
-    if (item.title.empty())
-        return [NSMenuItem separatorItem];
+    NSMenu* menu = [[NSMenu alloc] initWithTitle:@""];
+    menu.autoenablesItems = NO;
+    for (const quorvel::MenuItem& item : items)
+        [menu addItem:item.title.empty() ? [NSMenuItem separatorItem] : [self makeEntry:item]];
+    return menu;
+}
+
+- (NSMenuItem*)makeEntry:(const quorvel::MenuItem&)item
+{
     NSString* title = quorvel::toSystem(item.title);
     NSMenuItem* entry = [[NSMenuItem alloc] initWithTitle:title ? title : @""
                                                    action:@selector(choose:)
                                             keyEquivalent:@""];
     entry.target = self;
     entry.enabled = item.isEnabled;
-    entry.tag = static_cast<NSInteger>(index);
+    entry.state = item.isChecked ? NSControlStateValueOn : NSControlStateValueOff;
+    entry.tag = static_cast<NSInteger>(_actions.size());
+    _actions.push_back(item.action);
+    if (!item.submenu.empty())
+        entry.submenu = [self makeMenu:item.submenu];
     return entry;
 }
 
 - (void)openBeside:(NSRect)anchor of:(NSView*)view
 {
-    if (_isCancelled || !view.window)
-        return;
-    // Flipped: this is the upper left corner, where the menu of a bar at the bottom edge ends.
-    const NSPoint above = NSMakePoint(NSMinX(anchor), NSMinY(anchor) - _menu.size.height);
-    [_menu popUpMenuPositioningItem:nil atLocation:above inView:view];
+    if (!_isCancelled && view.window) {
+        // Flipped: this is the upper left corner, where the menu of a bar at the bottom edge ends.
+        const NSPoint above = NSMakePoint(NSMinX(anchor), NSMinY(anchor) - _menu.size.height);
+        _isOpen = YES;
+        [_menu popUpMenuPositioningItem:nil atLocation:above inView:view];
+        _isOpen = NO;
+    }
+    [self close];
 }
 
 - (void)cancel
 {
     _isCancelled = YES;
     [_menu cancelTrackingWithoutAnimation];
+    if (!_isOpen)
+        [self close];
+}
+
+- (void)close
+{
+    if (_hasClosed)
+        return;
+    _hasClosed = YES;
+    if (_onClosed)
+        _queue->async(std::move(_onClosed));
+    if (_chosen)
+        _queue->async(std::move(_chosen));
 }
 
 - (void)choose:(NSMenuItem*)entry
 {
     const auto index = static_cast<std::size_t>(entry.tag);
-    if (!_isCancelled && index < _items.size() && _items[index].action)
-        _queue->async(_items[index].action);
+    if (_isCancelled || index >= _actions.size() || !_actions[index])
+        return;
+    // Nobody says whether this comes before the menu's call returns.
+    if (_hasClosed)
+        _queue->async(_actions[index]);
+    else
+        _chosen = _actions[index];
 }
 
 @end
@@ -105,11 +141,20 @@ Subscription MacSurfaces::monitorPointer(PointerScope scope, std::function<void(
         [](void* object) { [NSEvent removeMonitor:(__bridge_transfer id)object]; }}};
 }
 
-void MacSurfaces::popUpMenu(PanelSurface& surface, Menu menu, const Rect& anchor)
+void MacSurfaces::closeMenu()
 {
     [m_menu cancel];
+    m_menu = nil;
+}
+
+void MacSurfaces::popUpMenu(
+    PanelSurface& surface, Menu menu, const Rect& anchor, std::function<void()> onClosed)
+{
+    closeMenu();
     QVSurfaceView* view = static_cast<MacPanel&>(surface).view();
-    QVMenuTarget* target = [[QVMenuTarget alloc] initWithMenu:std::move(menu) queue:&m_mainQueue];
+    QVMenuTarget* target = [[QVMenuTarget alloc] initWithMenu:std::move(menu)
+                                                     onClosed:std::move(onClosed)
+                                                        queue:&m_mainQueue];
     m_menu = target;
     const NSRect place = toSystem(anchor);
     // An open menu runs a loop of its own inside the call. Begun from the main queue that would

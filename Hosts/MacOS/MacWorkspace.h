@@ -24,6 +24,13 @@ public:
     Image genericApplicationIcon() const override;
 
     void openApplication(const ApplicationURL&) override;
+    void openNewInstance(const ApplicationURL&) override;
+    void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
+    void openFile(const std::string& path) override;
+    /// Bundles say nothing of the kind.
+    std::vector<ApplicationAction> actions(const ApplicationURL&) const override { return {}; }
+    void perform(const ApplicationAction&, const ApplicationURL&) override { }
+    void requestTermination(ProcessID) override;
 
     bool isSelfActive() const override;
     void activateSelf() override;

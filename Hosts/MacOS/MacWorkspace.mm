@@ -119,6 +119,40 @@ void MacWorkspace::openApplication(const ApplicationURL& url)
     }
 }
 
+void MacWorkspace::openNewInstance(const ApplicationURL& url)
+{
+    if (NSString* path = toSystem(url.path)) {
+        NSWorkspaceOpenConfiguration* configuration = [NSWorkspaceOpenConfiguration configuration];
+        configuration.createsNewApplicationInstance = YES;
+        [NSWorkspace.sharedWorkspace openApplicationAtURL:[NSURL fileURLWithPath:path]
+                                            configuration:configuration
+                                        completionHandler:nil];
+    }
+}
+
+void MacWorkspace::openFiles(const std::vector<std::string>& paths, const ApplicationURL& url)
+{
+    NSMutableArray<NSURL*>* files = [NSMutableArray array];
+    for (const std::string& each : paths) {
+        if (NSString* file = toSystem(each))
+            [files addObject:[NSURL fileURLWithPath:file]];
+    }
+    if (NSString* application = toSystem(url.path)) {
+        [NSWorkspace.sharedWorkspace openURLs:files
+                         withApplicationAtURL:[NSURL fileURLWithPath:application]
+                                configuration:[NSWorkspaceOpenConfiguration configuration]
+                            completionHandler:nil];
+    }
+}
+
+void MacWorkspace::openFile(const std::string& path)
+{
+    if (NSString* file = toSystem(path))
+        [NSWorkspace.sharedWorkspace openURL:[NSURL fileURLWithPath:file]];
+}
+
+void MacWorkspace::requestTermination(ProcessID pid) { [findApplication(pid) terminate]; }
+
 bool MacWorkspace::isSelfActive() const { return NSApp.active; }
 
 void MacWorkspace::activateSelf() { [NSApp activateIgnoringOtherApps:YES]; }

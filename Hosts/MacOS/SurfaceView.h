@@ -11,4 +11,7 @@
 - (void)detach;
 /// Ends a press whose release will not come.
 - (void)cancelPress;
+/// Whether keys are the client's while the panel is the key window.
+@property (nonatomic) BOOL wantsKeyboard;
+- (void)panelIsKey:(BOOL)isKey;
 @end

@@ -2,9 +2,12 @@
 
 #include <optional>
 
+#include <Carbon/Carbon.h>
+
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/CoreGraphicsCanvas.h"
 
+using quorvel::DropAction;
 using quorvel::PointerAction;
 using quorvel::PointerButton;
 
@@ -24,6 +27,52 @@ PointerButton buttonOf(NSEvent* event)
     }
 }
 
+/// By place on the keyboard; what types no character is at the same place on all of them.
+std::optional<quorvel::Key> keyOf(NSEvent* event)
+{
+    using quorvel::Key;
+    switch (event.keyCode) {
+    case kVK_LeftArrow:
+        return Key::left;
+    case kVK_RightArrow:
+        return Key::right;
+    case kVK_UpArrow:
+        return Key::up;
+    case kVK_DownArrow:
+        return Key::down;
+    case kVK_Home:
+        return Key::home;
+    case kVK_End:
+        return Key::end;
+    case kVK_Tab:
+        return event.modifierFlags & NSEventModifierFlagShift ? Key::backTab : Key::tab;
+    case kVK_Return:
+    case kVK_ANSI_KeypadEnter:
+        return Key::enter;
+    case kVK_Space:
+        return Key::space;
+    case kVK_Escape:
+        return Key::escape;
+    default:
+        return std::nullopt;
+    }
+}
+
+std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
+{
+    NSArray<NSURL*>* urls =
+        [drag.draggingPasteboard readObjectsForClasses:@[ NSURL.class ]
+                                               options:@{
+                                                   NSPasteboardURLReadingFileURLsOnlyKey : @YES
+                                               }];
+    std::vector<std::string> paths;
+    for (NSURL* url in urls) {
+        if (const char* path = url.fileSystemRepresentation)
+            paths.emplace_back(path);
+    }
+    return paths;
+}
+
 }
 
 @implementation QVSurfaceView {
@@ -31,6 +80,7 @@ PointerButton buttonOf(NSEvent* event)
     NSTrackingArea* _trackingArea;
     // The button of the press under way. What is held at its end may be another modifier.
     std::optional<PointerButton> _pressed;
+    BOOL _hasKeyboard;
 }
 
 - (instancetype)initWithFrame:(NSRect)frame client:(quorvel::SurfaceClient*)client
@@ -41,6 +91,7 @@ PointerButton buttonOf(NSEvent* event)
         self.wantsLayer = YES;
         self.layerContentsRedrawPolicy = NSViewLayerContentsRedrawOnSetNeedsDisplay;
         self.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
+        [self registerForDraggedTypes:@[ NSPasteboardTypeFileURL ]];
     }
     return self;
 }
@@ -152,7 +203,7 @@ PointerButton buttonOf(NSEvent* event)
 
 - (void)move:(NSEvent*)event
 {
-    [self send:PointerAction::moved event:event button:PointerButton::none];
+    [self send:PointerAction::moved event:event button:_pressed.value_or(PointerButton::none)];
 }
 
 - (void)mouseEntered:(NSEvent*)event
@@ -213,6 +264,63 @@ PointerButton buttonOf(NSEvent* event)
 - (void)otherMouseUp:(NSEvent*)event
 {
     [self release:event ifOneOf:{PointerButton::middle}];
+}
+
+- (BOOL)acceptsFirstResponder
+{
+    return self.wantsKeyboard;
+}
+
+- (void)panelIsKey:(BOOL)isKey
+{
+    const BOOL hasKeyboard = isKey && self.wantsKeyboard;
+    if (!isKey)
+        self.wantsKeyboard = NO;
+    if (hasKeyboard == _hasKeyboard)
+        return;
+    _hasKeyboard = hasKeyboard;
+    if (_client)
+        _client->keyboardDidChange(hasKeyboard);
+}
+
+- (void)keyDown:(NSEvent*)event
+{
+    const auto key = keyOf(event);
+    if (_client && _hasKeyboard && key)
+        _client->keyPressed(*key);
+    else
+        [super keyDown:event];
+}
+
+- (NSDragOperation)drag:(id<NSDraggingInfo>)drag action:(DropAction)action
+{
+    if (!_client)
+        return NSDragOperationNone;
+    const NSPoint location = [self convertPoint:drag.draggingLocation fromView:nil];
+    const bool isTaken = _client->dropEvent({action, quorvel::fromSystem(location),
+        action == DropAction::dropped ? pathsOf(drag) : std::vector<std::string>{}});
+    return isTaken ? NSDragOperationGeneric : NSDragOperationNone;
+}
+
+- (NSDragOperation)draggingEntered:(id<NSDraggingInfo>)drag
+{
+    return [self drag:drag action:DropAction::entered];
+}
+
+- (NSDragOperation)draggingUpdated:(id<NSDraggingInfo>)drag
+{
+    return [self drag:drag action:DropAction::moved];
+}
+
+- (void)draggingExited:(id<NSDraggingInfo>)drag
+{
+    if (_client)
+        _client->dropEvent({DropAction::exited, {}, {}});
+}
+
+- (BOOL)performDragOperation:(id<NSDraggingInfo>)drag
+{
+    return [self drag:drag action:DropAction::dropped] != NSDragOperationNone;
 }
 
 - (void)scrollWheel:(NSEvent*)event

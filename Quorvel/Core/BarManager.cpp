@@ -5,13 +5,13 @@
 
 #include "Quorvel/Core/CursorOwnershipLog.h"
 #include "Quorvel/Core/MouseDisplayTracker.h"
+#include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Surfaces.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/WindowStore.h"
-#include "Quorvel/Version.h"
 #include "Quorvel/Views/BarPanel.h"
 
 namespace quorvel {
@@ -34,11 +34,12 @@ BarReservations::EdgeReservation edgeReservation()
 }
 
 BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserSettings& settings,
-    BadgeService& badgeService)
+    BadgeService& badgeService, ThumbnailService& thumbnailService)
     : m_platform(platform)
     , m_windowStore(windowStore)
     , m_spaceWindows(platform.windowServer, platform.displays)
     , m_settings(settings)
+    , m_thumbnailService(thumbnailService)
     , m_pinStore(settings)
     , m_metrics(BarMetrics::of(settings.barSize()))
     , m_lastAppliedBarSize(settings.barSize())
@@ -58,6 +59,8 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
     setupSpaceChangeObserver();
+    m_minimizing = m_viewModel.willMinimizeWindows.subscribe(
+        [this](const std::vector<WindowID>& windows) { m_thumbnailService.prefetch(windows); });
     m_settingsChange = settings.data().subscribe([this](auto&) { handleSettingsChanged(); });
     // What is announced right at the start puts nearer adjustments off, but not this one.
     m_avoidanceAfterStart = platform.dispatch.main().after(
@@ -194,33 +197,48 @@ void BarManager::fill(BarPanel& panel)
 
 std::unique_ptr<BarContentView> BarManager::makeBarContentView(BarPanel& panel)
 {
-    // Where one bar stands for every screen it leaves no window out.
     auto view = std::make_unique<BarContentView>(BarContentView::Inputs{
         .viewModel = m_viewModel,
-        .dispatch = m_platform.dispatch,
-        .text = m_platform.text,
-        .appearance = m_platform.application.appearance(),
+        .pinStore = m_pinStore,
+        .settings = m_settings,
+        .thumbnailService = m_thumbnailService,
+        .platform = m_platform,
+        .surface = panel.surface(),
         .spaceID = panel.spaceID(),
+        .display = panel.display(),
+        // Where one bar stands for every screen it leaves no window out.
         .screenIndex = m_panels.isPerScreen() ? std::optional{panel.screenIndex()} : std::nullopt,
         .metrics = m_metrics,
-        .isOpaque = panel.isOpaque(),
     });
     view->onMenuTapped = [this, &panel] { showMenu(panel); };
-    view->onChipMenuRequested = [this, &panel](Menu menu, const Rect& anchor) {
-        m_platform.surfaces.popUpMenu(panel.surface(), std::move(menu), anchor);
+    view->onMenuRequested
+        = [this, &panel](Menu menu, const Rect& anchor, std::function<void()> onClosed) {
+              m_platform.surfaces.popUpMenu(
+                  panel.surface(), std::move(menu), anchor, std::move(onClosed));
+          };
+    view->onSpaceSwitchRequested = [this](SpaceID space) { switchToSpace(space); };
+    view->onMoveWindowToSpaceRequested
+        = [this, from = panel.spaceID()](
+              WindowID window, SpaceID to) { moveWindowToSpaceByDragging(window, from, to); };
+    // Over the chips a click must not take the keyboard from the program that has it.
+    view->onChipsAreaHoverChanged = [this, &panel](bool isHovered) {
+        panel.setHoverKeyingSuppressed(isHovered || m_isHoverKeyingSuppressed);
     };
+    view->onThumbnailWillShow = [this, &panel] { dismissPopupsExcept(panel); };
     return view;
+}
+
+void BarManager::dismissPopupsExcept(const BarPanel& panel)
+{
+    for (auto* bar : m_panels.bars()) {
+        if (bar != &panel && bar->content())
+            bar->content()->dismissThumbnailPopupImmediate();
+    }
 }
 
 void BarManager::showMenu(BarPanel& panel)
 {
-    Menu menu;
-    menu.push_back({std::string{"Quorvel "} + kVersion, false, {}});
-    menu.push_back({});
-    menu.push_back({"Quit Quorvel", true,
-        [&application = m_platform.application] { application.terminate(); }});
-    m_platform.surfaces.popUpMenu(
-        panel.surface(), std::move(menu), panel.content()->menuButtonFrame());
+    panel.content()->showBarMenu(panel.content()->menuButtonFrame());
 }
 
 // MARK: The pointer's display
@@ -285,12 +303,31 @@ void BarManager::handleScrollEvent(const ScrollEvent& event, SpaceID from)
 
 void BarManager::switchToAdjacentSpace(Direction direction, SpaceID from)
 {
+    prefetchCurrentSpaces();
     m_navigation.switchToAdjacentSpace(direction, from);
 }
 
 void BarManager::switchToSpace(SpaceID space, std::optional<ProcessID> yieldingBack)
 {
+    prefetchCurrentSpaces();
     m_navigation.switchToSpace(space, yieldingBack);
+}
+
+/// Windows that are left behind cannot be captured from elsewhere on every system.
+void BarManager::prefetchCurrentSpaces()
+{
+    for (auto space : m_spaceWindows.getActiveSpaceIDs(m_platform.windowServer.mainConnection())) {
+        std::vector<WindowID> windows;
+        auto& chips = m_viewModel.chipsBySpace.value();
+        if (auto found = chips.find(space); found != chips.end()) {
+            for (auto& chip : found->second) {
+                if (windows.size() < kPicturesBeforeLeaving && !chip.isMinimized
+                    && !m_thumbnailService.cached(chip.id))
+                    windows.push_back(chip.id);
+            }
+        }
+        m_thumbnailService.prefetch(windows);
+    }
 }
 
 void BarManager::moveWindowToSpaceByDragging(WindowID window, SpaceID from, SpaceID to)

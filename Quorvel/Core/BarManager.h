@@ -20,12 +20,13 @@ class BadgeService;
 class BarContentView;
 class CursorOwnershipLog;
 class MouseDisplayTracker;
+class ThumbnailService;
 
 /// Owns the bars and what they act through, and keeps them in step: with the spaces and screens,
 /// the settings, and the windows that are under them. Main thread.
 class BarManager {
 public:
-    BarManager(const Platform&, WindowStore&, UserSettings&, BadgeService&);
+    BarManager(const Platform&, WindowStore&, UserSettings&, BadgeService&, ThumbnailService&);
     ~BarManager();
 
     PinStore& pinStore() { return m_pinStore; }
@@ -57,6 +58,8 @@ public:
 private:
     static constexpr Duration kAvoidanceAfterStart = seconds(0.5);
     static constexpr Duration kAvoidanceAfterChange = seconds(0.1);
+    /// More would hold up the switch that the user waits for.
+    static constexpr std::size_t kPicturesBeforeLeaving = 4;
 
     void setupSpaceChangeObserver();
     /// Refreshes the model once in the next turn, however many windows change in this one.
@@ -73,12 +76,15 @@ private:
     void fill(BarPanel&);
     std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
     void showMenu(BarPanel&);
+    void dismissPopupsExcept(const BarPanel&);
+    void prefetchCurrentSpaces();
     WindowAvoidanceManager::Bars barsToAvoid();
 
     Platform m_platform;
     WindowStore& m_windowStore;
     SpaceWindows m_spaceWindows;
     UserSettings& m_settings;
+    ThumbnailService& m_thumbnailService;
     PinStore m_pinStore;
     BarMetrics m_metrics;
     BarSize m_lastAppliedBarSize;
@@ -93,6 +99,7 @@ private:
     bool m_isHoverKeyingSuppressed = false;
     Subscription m_activeSpaceChange;
     Subscription m_settingsChange;
+    Subscription m_minimizing;
     WorkItem m_refresh;
     WorkItem m_avoidanceAfterStart;
 };

@@ -50,6 +50,8 @@ public:
     Published<SpaceID> activeSpaceID;
     Published<std::optional<WindowID>> focusedWindowID;
 
+    /// Windows are about to be minimised by the bar, and can be captured for the last time.
+    Signal<std::vector<WindowID>> willMinimizeWindows;
     /// After each refresh, published or not: what depends on more than the chips looks again.
     Signal<> didRefresh;
 
@@ -88,6 +90,8 @@ public:
     /// An application that does not answer is waited for once, not once for each window.
     void minimizeWindows(const std::vector<WindowID>&);
     void closeWindows(const std::vector<WindowID>&);
+    /// Asks the window's application to end.
+    void quitApplicationOf(WindowID);
 
     /// For what happens later, when the model may be gone.
     WeakReference<BarViewModel> weakReference() const { return m_weak.reference(); }

@@ -216,6 +216,7 @@ void BarViewModel::minimizeWindow(WindowID id)
     AXCalls::Scan hungOnlyOnce(m_calls);
     auto pid = window->pid;
     m_trace.line("minimizeWindow begin id={} pid={}", raw(id), raw(pid));
+    willMinimizeWindows.emit({id});
     if (m_pendingFocusedWindowID == id) {
         dropPendingFocus();
         m_activationRetry = {};
@@ -255,6 +256,12 @@ void BarViewModel::closeWindows(const std::vector<WindowID>& ids)
     AXCalls::Scan hungOnlyOnce(m_calls);
     for (auto id : ids)
         closeWindow(id);
+}
+
+void BarViewModel::quitApplicationOf(WindowID id)
+{
+    if (auto* window = m_windowStore.window(id))
+        m_workspace.requestTermination(window->pid);
 }
 
 }

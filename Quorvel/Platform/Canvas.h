@@ -24,7 +24,15 @@ struct TextStyle {
 };
 
 /// The system's symbols on the Mac; vector paths of the same meaning elsewhere.
-enum class Symbol { menuGrid };
+enum class Symbol {
+    menuGrid,
+    close,
+    chevronLeft,
+    chevronRight,
+    chevronUp,
+    showDesktop,
+    checkmark,
+};
 
 enum class GradientDirection { topToBottom, leadingToTrailing };
 
@@ -44,7 +52,10 @@ public:
     virtual void save() = 0;
     virtual void restore() = 0;
     virtual void translate(double dx, double dy) = 0;
+    /// Around this point; nothing but the size of what is drawn until `restore` changes.
+    virtual void magnify(double factor, Point about) = 0;
     virtual void clip(const Rect&) = 0;
+    virtual void clipRounded(const Rect&, double radius) = 0;
     /// What is drawn until the matching `endOpacity` is composed as one, at this opacity.
     virtual void beginOpacity(double opacity) = 0;
     virtual void endOpacity() = 0;
@@ -53,6 +64,8 @@ public:
     virtual void fillRounded(const Rect&, double radius, const Color&) = 0;
     /// A line of `width` just inside the edge.
     virtual void strokeRounded(const Rect&, double radius, double width, const Color&) = 0;
+    /// The corners in order; edges are smooth.
+    virtual void fillPolygon(const std::vector<Point>&, const Color&) = 0;
     virtual void fillGradient(const Rect&, GradientDirection, const std::vector<GradientStop>&) = 0;
     virtual void drawImage(const Image&, const Rect&) = 0;
     /// One line, centred vertically in the rectangle; line breaks and controls are shown as spaces.

@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "Quorvel/Platform/AccessibleTree.h"
 #include "Quorvel/Platform/Canvas.h"
+#include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
 #include "Quorvel/Platform/Published.h"
@@ -31,6 +33,18 @@ struct ScrollEvent {
     bool isDirectionInverted = false;
 };
 
+enum class DropAction { entered, moved, exited, dropped };
+
+/// Files that are dragged over a surface from another program.
+struct DropEvent {
+    DropAction action = DropAction::moved;
+    Point location; ///< as of a pointer event
+    std::vector<std::string> paths; ///< absolute; with `dropped` only
+};
+
+/// What leads through a surface without the pointer.
+enum class Key { left, right, up, down, home, end, tab, backTab, enter, space, menu, escape };
+
 /// What a surface shows and who hears its events. Main thread; must outlive the surface.
 class SurfaceClient {
 public:
@@ -41,16 +55,42 @@ public:
     virtual void pointerEvent(const PointerEvent&) = 0;
     virtual void scrollEvent(const ScrollEvent&) = 0;
     virtual void surfaceDidResize(Size) = 0;
+    /// Whether a drop there would be taken.
+    virtual bool dropEvent(const DropEvent&) { return false; }
+    /// Only while the surface has the keyboard.
+    virtual void keyPressed(Key) { }
+    /// The surface got the keyboard, or has lost it for whatever reason.
+    virtual void keyboardDidChange(bool /*hasKeyboard*/) { }
+    /// What a screen reader is told; null: nothing. Lives as long as the client.
+    virtual AccessibleElement* accessibleRoot() { return nullptr; }
+};
+
+/// What lies behind a panel, in the numbers of the platform's visual-effect view. Systems that know
+/// fewer kinds take the nearest.
+struct VisualEffect {
+    static constexpr int kHUDWindow = 13; ///< material
+    static constexpr int kBehindWindow = 0; ///< blending mode
+    static constexpr int kActive = 1; ///< state: lit, whoever is in front
+
+    int material = kHUDWindow;
+    int blendingMode = kBehindWindow;
+    int state = kActive;
+    double opacity = 1;
+
+    friend bool operator==(const VisualEffect&, const VisualEffect&) = default;
 };
 
 enum class PanelKind {
     bar,
     /// Lies unseen on the space of a full-screen window, and takes no clicks.
     fullscreenProxy,
+    /// Lies above the bars, whatever the space, and starts out transparent. Takes the pointer,
+    /// never the keyboard.
+    popup,
 };
 
 struct PanelOptions {
-    SpaceID space{}; ///< the panel is seen while this space is the current one
+    SpaceID space{}; ///< the panel is seen while this space is the current one; of no popup
     DisplayNumber display{};
     std::string title; ///< for tools and screen readers
     PanelKind kind = PanelKind::bar;
@@ -79,18 +119,35 @@ public:
     virtual double scale() const = 0;
     /// Paints this part once before the next frame, however often it is asked for.
     virtual void invalidate(const Rect&) = 0;
-    /// Shows the desktop blurred behind the whole panel; false where nothing can, then paint
-    /// opaque.
-    virtual bool setBlursBehind(bool) = 0;
+    /// Shows the desktop blurred behind the whole panel, or no longer; false where nothing can,
+    /// then paint opaque.
+    virtual bool setBlursBehind(const std::optional<VisualEffect>&) = 0;
+    /// From one frame of its display to the next; what moves is drawn that often.
+    virtual Duration frameInterval() const = 0;
+    /// Keys go to the client instead of the program that has the focus, which keeps it. True if the
+    /// system agreed; `keyboardDidChange` tells of the end.
+    virtual bool takeKeyboard() = 0;
+    virtual void releaseKeyboard() = 0;
+    /// Names, states or members of the accessible tree are others now.
+    virtual void accessibleTreeDidChange() = 0;
 };
 
 struct MenuItem {
     std::string title; ///< empty: a separator
     bool isEnabled = true;
     std::function<void()> action;
+    bool isChecked = false;
+    std::vector<MenuItem> submenu{}; ///< of an entry that opens another menu instead of acting
 };
 
 using Menu = std::vector<MenuItem>;
+
+/// An entry that is on the screen.
+struct MenuEntry {
+    std::string title;
+    bool isEnabled = true;
+    Rect frame; ///< points, origin at the top left of the first screen
+};
 
 /// Panels and menus. Main thread.
 class Surfaces {
@@ -100,7 +157,12 @@ public:
     virtual std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) = 0;
     /// Opens a menu beside `anchor` (points in the panel) and returns; the chosen entry's action
     /// runs on the main queue after the menu has gone. A second call replaces the first menu.
-    virtual void popUpMenu(PanelSurface&, Menu, const Rect& anchor) = 0;
+    /// `onClosed` comes on the main queue once for each menu, before the action.
+    virtual void popUpMenu(PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed)
+        = 0;
+    virtual void closeMenu() = 0;
+    /// Of the open menu and its submenus, without separators; empty where the system draws menus.
+    virtual std::vector<MenuEntry> openMenuEntries() const = 0;
 
     /// Calls the handler whenever the pointer moves, after the views have heard of it. Never called
     /// where the system does not tell.

@@ -120,6 +120,9 @@ public:
     /// Of the primary button. Points, global top-left origin.
     virtual void postPointerEvent(PointerPost, Point) = 0;
 
+    /// Moves all windows away from the desktop, or back.
+    virtual void toggleShowingDesktop() = 0;
+
     /// Hints that some systems give: windows changed their spaces; spaces came, went or were
     /// renamed.
     Signal<> spacesOfWindowsDidChange;

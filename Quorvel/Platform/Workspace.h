@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Quorvel/Platform/Identifiers.h"
 #include "Quorvel/Platform/Image.h"
@@ -30,6 +31,14 @@ struct ApplicationURL {
     friend bool operator==(const ApplicationURL&, const ApplicationURL&) = default;
 };
 
+/// An action that a stored application offers beside being opened, such as a new window.
+struct ApplicationAction {
+    std::string identifier;
+    std::string title; ///< in the user's language
+
+    friend bool operator==(const ApplicationAction&, const ApplicationAction&) = default;
+};
+
 /// Running and installed applications. Main thread.
 class Workspace {
 public:
@@ -51,6 +60,16 @@ public:
 
     /// Starts the application, or brings the running one to the front.
     virtual void openApplication(const ApplicationURL&) = 0;
+    virtual void openNewInstance(const ApplicationURL&) = 0;
+    /// Absolute paths, with this application.
+    virtual void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) = 0;
+    /// With whatever the system opens it.
+    virtual void openFile(const std::string& path) = 0;
+    /// What the application itself offers to begin with; empty where applications do not say.
+    virtual std::vector<ApplicationAction> actions(const ApplicationURL&) const = 0;
+    virtual void perform(const ApplicationAction&, const ApplicationURL&) = 0;
+    /// Asks the application to end; it may ask its user back.
+    virtual void requestTermination(ProcessID) = 0;
 
     /// Whether this program is the active application.
     virtual bool isSelfActive() const = 0;

@@ -1,9 +1,23 @@
 #include "Quorvel/Views/BarContentView.h"
 
+#include <algorithm>
+#include <array>
+
+#include "Quorvel/Core/PinStore.h"
+#include "Quorvel/Core/ThumbnailService.h"
+#include "Quorvel/Core/UserSettings.h"
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/Files.h"
+#include "Quorvel/Platform/WindowServer.h"
+#include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Views/BarBackground.h"
+#include "Quorvel/Views/BarMenu.h"
 #include "Quorvel/Views/ChipMenu.h"
 #include "Quorvel/Views/ChipsRow.h"
 #include "Quorvel/Views/MenuButton.h"
+#include "Quorvel/Views/ShowDesktopButton.h"
+#include "Quorvel/Views/SpaceSwitcher.h"
+#include "Quorvel/Views/ThumbnailPopup.h"
 
 namespace quorvel {
 
@@ -11,90 +25,262 @@ namespace {
 
 struct Style {
     static constexpr double dividerHeight = 0.7; ///< share of the menu button's height
-    static constexpr double dividerOpacity = 0.3;
     static constexpr double dividerWidth = 1;
-    static constexpr double edgeHeight = 1;
-    static constexpr double edgeOpacity = 0.12;
-
-    static constexpr Color ink(bool isDark) { return Color::grey(isDark ? 1 : 0); }
+    static constexpr double mostForSpaces = 0.35; ///< share of the bar's width
 };
+
+/// What shows the load of the system, the first that is installed.
+constexpr std::array kActivityMonitors{"com.apple.ActivityMonitor", "org.gnome.SystemMonitor",
+    "gnome-system-monitor", "org.kde.plasma-systemmonitor", "org.kde.ksysguard",
+    "xfce4-taskmanager", "mate-system-monitor", "io.missioncenter.MissionCenter", "lxtask"};
+constexpr const char* kActivityMonitorPath = "/System/Applications/Utilities/Activity Monitor.app";
+
+std::optional<ApplicationURL> activityMonitor(const Workspace& workspace)
+{
+    for (auto* identifier : kActivityMonitors) {
+        if (auto url = workspace.applicationURL(identifier))
+            return url;
+    }
+    return {};
+}
+
+std::string countText(int windows)
+{
+    return std::to_string(windows) + (windows == 1 ? " window" : " windows");
+}
 
 }
 
-BarContentView::BarContentView(Inputs inputs) : m_inputs(std::move(inputs))
+BarContentView::BarContentView(Inputs inputs)
+    : m_inputs(std::move(inputs))
+    , m_hover(m_inputs.platform.dispatch, m_inputs.platform.surfaces)
 {
-    m_menuButton = &addChild(std::make_unique<MenuButton>(m_inputs.metrics));
+    auto& metrics = m_inputs.metrics;
+    m_background = &addChild(std::make_unique<BarBackground>());
+    m_menuButton = &addChild(std::make_unique<MenuButton>(metrics));
+    m_spaceSwitcher = &addChild(std::make_unique<SpaceSwitcher>(metrics));
+    m_showDesktopButton = &addChild(std::make_unique<ShowDesktopButton>(metrics));
+    // Last: what is dragged out of the row lies above the rest.
+    m_row = &addChild(
+        std::make_unique<ChipsRow>(metrics, m_inputs.platform.text, m_inputs.platform.dispatch));
+    m_row->setFrameInterval(m_inputs.surface.frameInterval());
+
     m_menuButton->onTapped = [this] {
         if (onMenuTapped)
             onMenuTapped();
     };
-    m_row
-        = &addChild(std::make_unique<ChipsRow>(m_inputs.metrics, m_inputs.text, m_inputs.dispatch));
-    m_row->onChipClick
-        = [this](const ChipView& chip, ChipView::Click click) { chipClicked(chip, click); };
+    m_menuButton->onSecondaryTapped = [this] { showBarMenu(m_menuButton->frameInRoot()); };
+    m_showDesktopButton->onTapped = [this] { triggerShowDesktop(); };
+    m_spaceSwitcher->onSpaceSwitchRequested = [this](SpaceID space) {
+        if (onSpaceSwitchRequested)
+            onSpaceSwitchRequested(space);
+    };
+    m_spaceSwitcher->onListRequested = [this] { showSpaceList(); };
+    m_hover.onPrefetch = [this](const HoverTarget& target) { prefetchThumbnails(target); };
+    m_hover.onShow = [this](const HoverTarget& target) { showThumbnailPopup(target); };
+    m_hover.onDismiss = [this] { hideThumbnailPopup(); };
+    connectRow();
+
+    auto& viewModel = m_inputs.viewModel;
+    m_subscriptions.push_back(m_inputs.platform.application.appearance().subscribe(
+        [this](auto&) { appearanceDidChange(); }));
+    m_subscriptions.push_back(
+        m_inputs.settings.data().subscribe([this](auto&) { settingsDidChange(); }));
+    m_subscriptions.push_back(
+        m_inputs.pinStore.pinnedApps().subscribe([this](auto&) { pinsDidChange(); }));
+    m_subscriptions.push_back(viewModel.spaces.subscribe([this](auto&) { spacesDidChange(); }));
+    m_subscriptions.push_back(viewModel.chipsBySpace.subscribe([this](auto&) {
+        spacesDidChange();
+        pinsDidChange();
+    }));
     // Which windows lie on one screen may change without any chip changing.
-    m_items = m_inputs.screenIndex
-        ? m_inputs.viewModel.didRefresh.subscribe([this] { itemsDidChange(); })
-        : m_inputs.viewModel.displayItemsBySpace.subscribe([this](auto&) { itemsDidChange(); });
-    m_appearance = m_inputs.appearance.subscribe([this](auto&) { appearanceDidChange(); });
+    m_subscriptions.push_back(m_inputs.screenIndex
+            ? viewModel.didRefresh.subscribe([this] { itemsDidChange(); })
+            : viewModel.displayItemsBySpace.subscribe([this](auto&) { itemsDidChange(); }));
     appearanceDidChange();
+    settingsDidChange();
+    spacesDidChange();
+    pinsDidChange();
     itemsDidChange();
 }
 
 BarContentView::~BarContentView() = default;
 
+void BarContentView::connectRow()
+{
+    m_row->onHoverChanged = [this](bool isHovered) {
+        if (onChipsAreaHoverChanged)
+            onChipsAreaHoverChanged(isHovered);
+    };
+    m_row->onChipClick
+        = [this](const ChipView& chip, ChipView::Click click) { chipClicked(chip, click); };
+    m_row->onChipHover
+        = [this](const ChipView& chip, bool isHovered) { chipHovered(chip, isHovered); };
+    m_row->onChipFilesOver
+        = [this](const ChipView& chip, bool areOver) { filesOverChip(chip, areOver); };
+    m_row->onChipDragged = [this](const ChipView&, Point point) { chipDragged(point); };
+    m_row->onChipDropped
+        = [this](const ChipView& chip, Point point) { return chipDropped(chip, point); };
+    m_row->onChipDragEnded = [this] { m_spaceSwitcher->setDropTarget({}); };
+    m_row->onChipMoved = [this](const std::string& id, std::optional<std::string> before) {
+        m_inputs.viewModel.moveChip(id, before, m_inputs.spaceID);
+    };
+    m_row->onPinClick = [this](const PinView& pin) { pinTapped(pin.pin().bundleID); };
+    m_row->onPinMenu = [this](const PinView& pin) {
+        openMenu(pinMenu(pin.pin().bundleID, menuContext()), pin.frameInRoot());
+    };
+    m_row->onPinFiles = [this](const PinView& pin, std::vector<std::string> paths) {
+        if (auto url = m_inputs.platform.workspace.applicationURL(pin.pin().bundleID))
+            m_inputs.platform.workspace.openFiles(paths, *url);
+    };
+    m_row->onPinMoved = [this](const std::string& bundleID, const ReorderDrag& drag) {
+        pinMoved(bundleID, drag);
+    };
+}
+
+// MARK: What it shows
+
 void BarContentView::itemsDidChange()
 {
     m_row->setItems(m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex));
+    updateThumbnailPopup();
+    m_inputs.surface.accessibleTreeDidChange();
+}
+
+void BarContentView::pinsDidChange()
+{
+    auto withWindows = m_inputs.viewModel.bundleIDsWithWindows(m_inputs.spaceID);
+    std::erase_if(m_launching, [&](auto& entry) { return withWindows.contains(entry.first); });
+    std::vector<PinData> pins;
+    for (auto& id : m_inputs.pinStore.pinnedAppIDs(PinDestination::bar)) {
+        if (!withWindows.contains(id))
+            pins.push_back({id, m_inputs.viewModel.appName(id), m_inputs.viewModel.icon(id),
+                m_launching.contains(id)});
+    }
+    m_row->setPins(pins);
+}
+
+std::vector<SpaceCellData> BarContentView::spaceCells() const
+{
+    auto& spaces = m_inputs.viewModel.spaces.value();
+    auto own = std::ranges::find(spaces, m_inputs.spaceID, &SpaceWindows::Info::spaceID);
+    std::vector<SpaceCellData> cells;
+    if (own == spaces.end())
+        return cells;
+    int number = 0;
+    for (auto& space : spaces) {
+        if (space.displayIdentifier != own->displayIdentifier)
+            continue;
+        bool isFullscreen = space.spaceType == kFullscreenSpaceType;
+        number += isFullscreen ? 0 : 1;
+        SpaceCellData cell;
+        cell.id = space.spaceID;
+        cell.label = isFullscreen ? "\u25A2" : std::to_string(number);
+        cell.name = isFullscreen ? "Full Screen" : "Desktop " + std::to_string(number);
+        if (auto name = m_inputs.platform.windowServer.spaceName(space.spaceID);
+            name && !name->empty())
+            cell.name = *name;
+        cell.isCurrent = space.spaceID == m_inputs.spaceID;
+        auto& chips = m_inputs.viewModel.chipsBySpace.value();
+        if (auto found = chips.find(space.spaceID); found != chips.end()) {
+            cell.windowCount = static_cast<int>(found->second.size());
+            cell.wantsAttention
+                = !cell.isCurrent && std::ranges::any_of(found->second, &ChipData::wantsAttention);
+        }
+        cells.push_back(std::move(cell));
+    }
+    return cells;
+}
+
+void BarContentView::spacesDidChange()
+{
+    auto cells = spaceCells();
+    bool isOtherCount = cells.size() != m_spaceSwitcher->spaces().size();
+    m_spaceSwitcher->setSpaces(cells);
+    if (isOtherCount)
+        layout();
+}
+
+void BarContentView::settingsDidChange()
+{
+    auto& settings = m_inputs.settings;
+    m_row->setTitle(!settings.showChipTitles()  ? ChipView::Title::none
+            : settings.showWindowNamesInChips() ? ChipView::Title::window
+                                                : ChipView::Title::application);
+    updateBackground();
 }
 
 void BarContentView::appearanceDidChange()
 {
-    bool isDark = m_inputs.appearance.value().isDark;
-    m_menuButton->setDark(isDark);
-    m_row->setDark(isDark);
-    m_row->setReducesMotion(m_inputs.appearance.value().reduceMotion);
+    auto& appearance = m_inputs.platform.application.appearance().value();
+    m_menuButton->setDark(appearance.isDark);
+    m_spaceSwitcher->setDark(appearance.isDark);
+    m_spaceSwitcher->setRightToLeft(appearance.isRightToLeft);
+    m_showDesktopButton->setDark(appearance.isDark);
+    m_row->setDark(appearance.isDark);
+    m_row->setReducesMotion(appearance.reduceMotion);
+    updateBackground();
     layout();
     invalidate();
+}
+
+void BarContentView::updateBackground()
+{
+    auto& appearance = m_inputs.platform.application.appearance().value();
+    auto theme = m_inputs.settings.theme();
+    m_background->setTheme(theme);
+    m_background->setAppearance(appearance);
+    bool isBlurred = m_inputs.surface.setBlursBehind(BarBackground::blur(theme, appearance));
+    m_background->setOpaque(!isBlurred);
 }
 
 void BarContentView::layout()
 {
     auto& metrics = m_inputs.metrics;
     auto whole = bounds();
-    // Up to the edges, so that the corner of the screen belongs to the button.
-    Rect button{0, 0, metrics.menuButtonWidth + metrics.barHorizontalPadding, whole.height};
-    double dividerHeight = metrics.menuButtonHeight * Style::dividerHeight;
-    Rect divider{
-        button.maxX(), (whole.height - dividerHeight) / 2, Style::dividerWidth, dividerHeight};
-    double left = divider.maxX() + metrics.scrollHorizontalPadding;
-    Rect row{
-        left, 0, std::max(0.0, whole.width - metrics.scrollHorizontalPadding - left), whole.height};
-    bool isMirrored = m_inputs.appearance.value().isRightToLeft;
+    bool isMirrored = isRightToLeft();
     auto place = [&](Rect rect) {
         if (isMirrored)
             rect.x = whole.width - rect.maxX();
         return rect;
     };
-    m_menuButton->setFrame(place(button));
-    m_divider = place(divider);
+    m_background->setFrame(whole);
+    // Up to the edges, so that the corners of the screen belong to the buttons.
+    double buttonWidth = metrics.menuButtonWidth + metrics.barHorizontalPadding;
+    double dividerHeight = metrics.menuButtonHeight * Style::dividerHeight;
+    auto divider = [&](double x) {
+        return Rect{x, (whole.height - dividerHeight) / 2, Style::dividerWidth, dividerHeight};
+    };
+    double left = buttonWidth + Style::dividerWidth + metrics.scrollHorizontalPadding;
+    double right = whole.width - buttonWidth;
+    double spaces = m_spaceSwitcher->wantedWidth(whole.width * Style::mostForSpaces);
+    double switcherLeft = right - spaces;
+    double trailingDivider = switcherLeft - metrics.scrollHorizontalPadding / 2;
+    double rowRight = trailingDivider - metrics.scrollHorizontalPadding;
+    m_menuButton->setFrame(place({0, 0, buttonWidth, whole.height}));
+    m_showDesktopButton->setFrame(place({right, 0, buttonWidth, whole.height}));
+    m_spaceSwitcher->setFrame(place({switcherLeft, 0, spaces, whole.height}));
+    m_background->setDividers({place(divider(buttonWidth)), place(divider(trailingDivider))});
     m_row->setRightToLeft(isMirrored);
-    m_row->setFrame(place(row));
+    m_row->setFrame(place({left, 0, std::max(0.0, rowRight - left), whole.height}));
+    invalidate();
 }
 
-void BarContentView::paint(Canvas& canvas) const
-{
-    bool isDark = m_inputs.appearance.value().isDark;
-    if (m_inputs.isOpaque)
-        canvas.fill(bounds(), opaqueBarColor(isDark));
-    auto ink = Style::ink(isDark);
-    canvas.fill({0, 0, bounds().width, Style::edgeHeight}, ink.withAlpha(Style::edgeOpacity));
-    canvas.fill(m_divider, ink.withAlpha(Style::dividerOpacity));
-}
+// MARK: Where things are
 
 Rect BarContentView::menuButtonFrame() const
 {
     return m_menuButton->frameInRoot();
+}
+
+Rect BarContentView::showDesktopButtonFrame() const
+{
+    return m_showDesktopButton->frameInRoot();
+}
+
+Rect BarContentView::spaceListButtonFrame() const
+{
+    return m_spaceSwitcher->listButtonFrame();
 }
 
 std::vector<std::pair<std::string, Rect>> BarContentView::chipFrames() const
@@ -102,10 +288,36 @@ std::vector<std::pair<std::string, Rect>> BarContentView::chipFrames() const
     return m_row->chipFrames();
 }
 
+std::vector<std::pair<std::string, Rect>> BarContentView::pinFrames() const
+{
+    return m_row->pinFrames();
+}
+
+std::vector<std::pair<SpaceID, Rect>> BarContentView::spaceCellFrames() const
+{
+    return m_spaceSwitcher->cellFrames();
+}
+
+AccessibleState BarContentView::accessibleState() const
+{
+    AccessibleState state;
+    state.role = AccessibleRole::panel;
+    state.name = "Quorvel";
+    return state;
+}
+
+Rect BarContentView::onScreen(const Rect& inBar) const
+{
+    auto panel = m_inputs.surface.frame();
+    return {panel.x + inBar.x, panel.maxY() - inBar.maxY(), inBar.width, inBar.height};
+}
+
+// MARK: Clicks
+
 void BarContentView::onNextTurn(std::function<void(BarViewModel&)> action)
 {
     // The view may be made anew before that.
-    m_inputs.dispatch.main().async(
+    m_inputs.platform.dispatch.main().async(
         [weak = m_inputs.viewModel.weakReference(), action = std::move(action)] {
             if (auto* viewModel = weak.get())
                 action(*viewModel);
@@ -116,9 +328,11 @@ void BarContentView::chipClicked(const ChipView& chip, ChipView::Click click)
 {
     auto* group = std::get_if<GroupedChipData>(&chip.item());
     auto* single = std::get_if<ChipData>(&chip.item());
+    m_hover.suppressForCurrentHover();
     if (click == ChipView::Click::secondary) {
-        showMenu(chip);
+        openMenu(chipMenu(chip.item(), menuContext()), chip.frameInRoot());
     } else if (click == ChipView::Click::middle) {
+        dismissThumbnailPopupImmediate();
         auto id = single ? single->id : group->windowIDs.front();
         onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
     } else if (single) {
@@ -128,20 +342,12 @@ void BarContentView::chipClicked(const ChipView& chip, ChipView::Click click)
     }
 }
 
-void BarContentView::showMenu(const ChipView& chip)
-{
-    if (!onChipMenuRequested)
-        return;
-    onChipMenuRequested(
-        chipMenu(chip.item(), m_inputs.viewModel, m_inputs.spaceID), chip.frameInRoot());
-}
-
 void BarContentView::handlePrimaryChipTap(WindowID id, bool isFocused)
 {
-    if (isFocused)
-        onNextTurn([id](BarViewModel& viewModel) { viewModel.minimizeWindow(id); });
-    else
-        activateWindowDeferred(id);
+    if (!isFocused)
+        return activateWindowDeferred(id);
+    dismissThumbnailPopupImmediate();
+    onNextTurn([id](BarViewModel& viewModel) { viewModel.minimizeWindow(id); });
 }
 
 void BarContentView::handleGroupedChipTap(const GroupedChipData& group)
@@ -151,9 +357,238 @@ void BarContentView::handleGroupedChipTap(const GroupedChipData& group)
 
 void BarContentView::activateWindowDeferred(WindowID id)
 {
+    dismissThumbnailPopupImmediate();
     onNextTurn([id](BarViewModel& viewModel) {
         viewModel.activateWindow(id, BarViewModel::FocusBeforeActivation::no);
     });
+}
+
+void BarContentView::filesOverChip(const ChipView& chip, bool areOver)
+{
+    m_springTimer = {};
+    if (!areOver)
+        return;
+    auto* group = std::get_if<GroupedChipData>(&chip.item());
+    auto id = group ? group->windowIDs.front() : std::get<ChipData>(chip.item()).id;
+    m_springTimer = m_inputs.platform.dispatch.main().after(
+        kSpringDelay, [this, id] { activateWindowDeferred(id); });
+}
+
+void BarContentView::pinTapped(const std::string& bundleID)
+{
+    dismissThumbnailPopupImmediate();
+    m_launching[bundleID]
+        = m_inputs.platform.dispatch.main().after(kLaunchPatience, [this, bundleID] {
+              m_launching.erase(bundleID);
+              pinsDidChange();
+          });
+    onNextTurn([bundleID](BarViewModel& viewModel) { viewModel.launchApp(bundleID); });
+    pinsDidChange();
+}
+
+void BarContentView::triggerShowDesktop()
+{
+    dismissThumbnailPopupImmediate();
+    m_inputs.platform.windowServer.toggleShowingDesktop();
+}
+
+void BarContentView::openActivityMonitor()
+{
+    auto& workspace = m_inputs.platform.workspace;
+    if (auto url = activityMonitor(workspace))
+        workspace.openApplication(*url);
+    else
+        workspace.openFile(kActivityMonitorPath);
+}
+
+void BarContentView::released(PointerButton button, bool isInside)
+{
+    if (button == PointerButton::secondary && isInside)
+        showBarMenu(m_menuButton->frameInRoot());
+}
+
+bool BarContentView::isRightToLeft() const
+{
+    return m_inputs.platform.application.appearance().value().isRightToLeft;
+}
+
+void BarContentView::scrollSideways(double distance)
+{
+    m_row->scrollBy(distance);
+}
+
+// MARK: Menus
+
+void BarContentView::openMenu(Menu menu, const Rect& anchor)
+{
+    if (!onMenuRequested)
+        return;
+    m_hover.setMenuOpen(true);
+    onMenuRequested(std::move(menu), anchor, [weak = m_weak.reference()] {
+        if (auto* view = weak.get())
+            view->m_hover.setMenuOpen(false);
+    });
+}
+
+ChipMenuContext BarContentView::menuContext()
+{
+    return {m_inputs.viewModel, m_inputs.pinStore, m_inputs.platform.workspace, m_inputs.spaceID,
+        m_spaceSwitcher->spaces(), onMoveWindowToSpaceRequested};
+}
+
+void BarContentView::showBarMenu(const Rect& anchor)
+{
+    std::function<void()> activity;
+    if (activityMonitor(m_inputs.platform.workspace)
+        || m_inputs.platform.files.exists(kActivityMonitorPath))
+        activity = [weak = m_weak.reference()] {
+            if (auto* view = weak.get())
+                view->openActivityMonitor();
+        };
+    openMenu(
+        barMenu(m_inputs.settings, m_inputs.platform.application, std::move(activity)), anchor);
+}
+
+void BarContentView::showSpaceList()
+{
+    Menu menu;
+    for (auto& space : m_spaceSwitcher->spaces()) {
+        auto title = space.name + "  \u2013  " + countText(space.windowCount);
+        if (space.wantsAttention)
+            title += "  \u2022";
+        menu.push_back({std::move(title), true,
+            [weak = m_weak.reference(), id = space.id] {
+                auto* view = weak.get();
+                if (view && view->onSpaceSwitchRequested)
+                    view->onSpaceSwitchRequested(id);
+            },
+            space.isCurrent});
+    }
+    openMenu(std::move(menu), spaceListButtonFrame());
+}
+
+// MARK: Dragging
+
+void BarContentView::chipDragged(Point point)
+{
+    m_hover.suppressForCurrentHover();
+    dismissThumbnailPopupImmediate();
+    auto space = m_spaceSwitcher->spaceAt(point);
+    m_spaceSwitcher->setDropTarget(space == m_inputs.spaceID ? std::nullopt : space);
+}
+
+bool BarContentView::chipDropped(const ChipView& chip, Point point)
+{
+    auto space = m_spaceSwitcher->spaceAt(point);
+    if (!space)
+        return false;
+    if (*space == m_inputs.spaceID || !onMoveWindowToSpaceRequested)
+        return true;
+    auto* group = std::get_if<GroupedChipData>(&chip.item());
+    for (auto id : group ? group->windowIDs : std::vector{std::get<ChipData>(chip.item()).id})
+        onMoveWindowToSpaceRequested(id, *space);
+    return true;
+}
+
+void BarContentView::pinMoved(const std::string& bundleID, const ReorderDrag& drag)
+{
+    auto before = drag.dropTargetID();
+    if (!before)
+        before = nextPinnedAppIDAfterVisibleEnd(
+            bundleID, drag.previewOrder(), m_inputs.pinStore.pinnedAppIDs(PinDestination::bar));
+    m_inputs.pinStore.movePinnedApp(bundleID, before, PinDestination::bar);
+}
+
+// MARK: Popups
+
+HoverTarget BarContentView::hoverTarget(const DisplayItem& item) const
+{
+    if (auto* group = std::get_if<GroupedChipData>(&item))
+        return {HoverTarget::Kind::group, group->id,
+            m_inputs.viewModel.walkingOrder(m_inputs.spaceID, *group)};
+    return {HoverTarget::Kind::single, displayItemID(item), {std::get<ChipData>(item).id}};
+}
+
+void BarContentView::chipHovered(const ChipView& chip, bool isHovered)
+{
+    m_hover.handleChipHover(isHovered, hoverTarget(chip.item()));
+}
+
+void BarContentView::prefetchThumbnails(const HoverTarget& target)
+{
+    m_inputs.thumbnailService.prefetch(target.windows);
+}
+
+std::vector<ChipData> BarContentView::chips(const std::vector<WindowID>& ids) const
+{
+    std::vector<ChipData> chips;
+    for (auto id : ids) {
+        if (auto* chip = m_inputs.viewModel.chip(m_inputs.spaceID, id))
+            chips.push_back(*chip);
+    }
+    return chips;
+}
+
+void BarContentView::showThumbnailPopup(const HoverTarget& target)
+{
+    auto frames = chipFrames();
+    auto frame = std::ranges::find(frames, target.chipID, &std::pair<std::string, Rect>::first);
+    auto screens = m_inputs.platform.displays.screens();
+    auto screen = std::ranges::find(screens, m_inputs.display, &Screen::number);
+    auto windows = chips(target.windows);
+    if (frame == frames.end() || screen == screens.end() || windows.empty())
+        return dismissThumbnailPopupImmediate();
+    if (onThumbnailWillShow)
+        onThumbnailWillShow();
+    bool isNew = !m_activeThumbnailPanel;
+    if (isNew) {
+        m_activeThumbnailPanel = std::make_unique<ThumbnailPopup>(ThumbnailPopup::Inputs{
+            m_inputs.platform.surfaces, m_inputs.platform.dispatch, m_inputs.thumbnailService,
+            m_inputs.platform.application.appearance(), m_inputs.display});
+        m_activeThumbnailPanel->onHoverChanged
+            = [this](bool isHovered) { m_hover.setPopupHovered(isHovered); };
+        m_activeThumbnailPanel->onWindowChosen
+            = [this](WindowID id) { activateWindowDeferred(id); };
+        m_activeThumbnailPanel->onWindowClosed = [this](WindowID id) {
+            onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
+        };
+    }
+    m_activeThumbnailPanel->show(
+        windows, onScreen(frame->second), screen->frame, isNew ? std::nullopt : m_lastPopupFrame);
+    m_lastPopupFrame = m_activeThumbnailPanel->frame();
+}
+
+void BarContentView::updateThumbnailPopup()
+{
+    if (!m_activeThumbnailPanel || !m_hover.thumbnailTargetID())
+        return;
+    auto items = m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex);
+    auto found = std::ranges::find_if(
+        items, [&](auto& item) { return displayItemID(item) == *m_hover.thumbnailTargetID(); });
+    if (found == items.end())
+        return dismissThumbnailPopupImmediate();
+    auto target = hoverTarget(*found);
+    auto before = m_activeThumbnailPanel->windows();
+    if (std::ranges::is_permutation(before, target.windows))
+        m_activeThumbnailPanel->update(chips(target.windows));
+    else
+        showThumbnailPopup(target);
+}
+
+void BarContentView::dismissThumbnailPopupImmediate()
+{
+    m_hover.dismissThumbnailPopupImmediate();
+}
+
+void BarContentView::hideThumbnailPopup()
+{
+    if (!m_activeThumbnailPanel)
+        return;
+    // A click on one of its cards may be what closes it.
+    m_closedThumbnailPanel = std::move(m_activeThumbnailPanel);
+    m_closedThumbnailPanel->hide();
+    m_afterClosing = m_inputs.platform.dispatch.main().after(
+        Duration::zero(), [this] { m_closedThumbnailPanel.reset(); });
 }
 
 }

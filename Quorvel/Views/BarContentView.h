@@ -2,8 +2,10 @@
 
 #include <functional>
 #include <map>
+#include <memory>
+#include <optional>
+#include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "Quorvel/Core/BarSize.h"
@@ -11,61 +13,136 @@
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Views/ChipView.h"
 #include "Quorvel/Views/Kit/View.h"
+#include "Quorvel/Views/ThumbnailHover.h"
 
 namespace quorvel {
 
+class BarBackground;
 class ChipsRow;
 class MenuButton;
+class PinStore;
+class PinView;
+class ReorderDrag;
+class ShowDesktopButton;
+class SpaceSwitcher;
+class ThumbnailPopup;
+class ThumbnailService;
+class UserSettings;
+struct ChipMenuContext;
+struct SpaceCellData;
 
-/// The content of one bar: menu button, divider, the chips of its space. Main thread.
+/// The content of one bar: menu button, pins and chips of its space, space switcher, show-desktop
+/// button; and what rests, clicks and drags on them mean. Main thread.
 class BarContentView final : public View {
 public:
     struct Inputs {
         BarViewModel& viewModel;
-        Dispatch& dispatch;
-        const Text& text;
-        const Published<Appearance>& appearance;
+        PinStore& pinStore;
+        UserSettings& settings;
+        ThumbnailService& thumbnailService;
+        const Platform& platform;
+        PanelSurface& surface;
         SpaceID spaceID{};
+        DisplayNumber display{};
         /// Absent while one bar stands for every screen.
         std::optional<std::size_t> screenIndex;
         BarMetrics metrics;
-        /// Nothing shows through, so the background must be painted.
-        bool isOpaque = true;
     };
+
+    /// How long files must rest on a chip before its window comes to the front.
+    static constexpr Duration kSpringDelay = seconds(0.5);
+    /// How long an application that was started is shown as starting.
+    static constexpr Duration kLaunchPatience = seconds(10);
 
     explicit BarContentView(Inputs);
     ~BarContentView() override;
 
     std::function<void()> onMenuTapped;
-    /// Opens a menu beside a chip (points of the bar, origin top left).
-    std::function<void(Menu, const Rect&)> onChipMenuRequested;
+    std::function<void(SpaceID)> onSpaceSwitchRequested;
+    std::function<void(WindowID, SpaceID to)> onMoveWindowToSpaceRequested;
+    std::function<void(bool isHovered)> onChipsAreaHoverChanged;
+    /// Just before a popup is shown.
+    std::function<void()> onThumbnailWillShow;
+    /// Opens a menu beside a rectangle (points of the bar, origin top left).
+    std::function<void(Menu, const Rect&, std::function<void()> onClosed)> onMenuRequested;
 
-    /// In points of the bar, origin top left.
+    // In points of the bar, origin top left.
     Rect menuButtonFrame() const;
+    Rect showDesktopButtonFrame() const;
+    Rect spaceListButtonFrame() const;
     /// By chip identifier, in the order of the row.
     std::vector<std::pair<std::string, Rect>> chipFrames() const;
+    /// By bundle identifier.
+    std::vector<std::pair<std::string, Rect>> pinFrames() const;
+    std::vector<std::pair<SpaceID, Rect>> spaceCellFrames() const;
+    /// Null while none is open.
+    const ThumbnailPopup* thumbnailPopup() const { return m_activeThumbnailPanel.get(); }
 
     void handlePrimaryChipTap(WindowID, bool isFocused);
     /// Another application's group: its representative. The focused group: its next window.
     void handleGroupedChipTap(const GroupedChipData&);
+    void activateWindowDeferred(WindowID);
+    void prefetchThumbnails(const HoverTarget&);
+    void dismissThumbnailPopupImmediate();
+    void openActivityMonitor();
+    void triggerShowDesktop();
+    void showBarMenu(const Rect& anchor);
+    void scrollSideways(double distance);
+    bool isRightToLeft() const;
+
+    bool takesPointer() const override { return true; }
+    void released(PointerButton, bool isInside) override;
+    std::string accessibleID() const override { return "bar"; }
+    AccessibleState accessibleState() const override;
 
 private:
-    void paint(Canvas&) const override;
     void layout() override;
+    void connectRow();
     void itemsDidChange();
+    void pinsDidChange();
+    void spacesDidChange();
+    void settingsDidChange();
     void appearanceDidChange();
+    void updateBackground();
+    std::vector<SpaceCellData> spaceCells() const;
+
     void chipClicked(const ChipView&, ChipView::Click);
-    void showMenu(const ChipView&);
-    void activateWindowDeferred(WindowID);
+    void chipHovered(const ChipView&, bool isHovered);
+    HoverTarget hoverTarget(const DisplayItem&) const;
+    void filesOverChip(const ChipView&, bool areOver);
+    void chipDragged(Point);
+    bool chipDropped(const ChipView&, Point);
+    void pinTapped(const std::string& bundleID);
+    void pinMoved(const std::string& bundleID, const ReorderDrag&);
+    void openMenu(Menu, const Rect& anchor);
+    void showSpaceList();
+    ChipMenuContext menuContext();
+
+    void showThumbnailPopup(const HoverTarget&);
+    void hideThumbnailPopup();
+    void updateThumbnailPopup();
+    std::vector<ChipData> chips(const std::vector<WindowID>&) const;
+    Rect onScreen(const Rect& inBar) const;
+
     /// Runs on the next turn of the main loop, unless the model has gone by then.
     void onNextTurn(std::function<void(BarViewModel&)>);
 
     Inputs m_inputs;
+    BarBackground* m_background = nullptr;
     MenuButton* m_menuButton = nullptr;
+    SpaceSwitcher* m_spaceSwitcher = nullptr;
+    ShowDesktopButton* m_showDesktopButton = nullptr;
     ChipsRow* m_row = nullptr;
-    Rect m_divider;
-    Subscription m_items;
-    Subscription m_appearance;
+    std::map<std::string, WorkItem> m_launching; ///< by bundle identifier
+    ThumbnailHover m_hover;
+    std::unique_ptr<ThumbnailPopup> m_activeThumbnailPanel;
+    /// Closed inside a call from itself; goes a turn later.
+    std::unique_ptr<ThumbnailPopup> m_closedThumbnailPanel;
+    std::optional<Rect> m_lastPopupFrame;
+    WorkItem m_afterClosing;
+    WorkItem m_springTimer;
+    std::vector<Subscription> m_subscriptions;
+    WeakOwner<BarContentView> m_weak{*this};
 };
 
 }

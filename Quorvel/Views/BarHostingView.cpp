@@ -54,8 +54,10 @@ void BarHostingView::viewNeedsPaint(const Rect& rect)
 void BarHostingView::viewWillVanish(const View& view)
 {
     std::erase_if(m_hovered, [&](auto* hovered) { return hovered->isWithin(view); });
-    if (m_pressed && m_pressed->isWithin(view))
-        m_pressed = nullptr;
+    for (auto* pointer : {&m_pressed, &m_filesOver, &m_keyFocused}) {
+        if (*pointer && (*pointer)->isWithin(view))
+            *pointer = nullptr;
+    }
 }
 
 void BarHostingView::viewsDidMove()
@@ -74,7 +76,9 @@ void BarHostingView::pointerEvent(const PointerEvent& event)
         onHoverChanged(!wasHovered);
     updateHover();
 
-    if (event.action == PointerAction::pressed)
+    if (event.action == PointerAction::moved && m_pressed)
+        m_pressed->dragged(event.location.translated(-m_pressPlace.x, -m_pressPlace.y));
+    else if (event.action == PointerAction::pressed)
         press(event);
     else if (event.action == PointerAction::released)
         release(event);
@@ -91,6 +95,7 @@ void BarHostingView::press(const PointerEvent& event)
         return;
     m_pressed = m_content ? m_content->hitTest(event.location) : nullptr;
     m_pressedButton = event.button;
+    m_pressPlace = event.location;
     if (m_pressed)
         m_pressed->pressed(event.button);
 }
@@ -145,6 +150,105 @@ void BarHostingView::scrollEvent(const ScrollEvent& event)
 {
     if (event.deltaY != 0 && onScroll)
         onScroll(event);
+    else if (event.deltaX != 0 && onScrollSideways)
+        onScrollSideways(isRightToLeft && isRightToLeft() ? event.deltaX : -event.deltaX);
+}
+
+bool BarHostingView::dropEvent(const DropEvent& event)
+{
+    View* target = nullptr;
+    if (m_content && event.action != DropAction::exited) {
+        auto path = m_content->pathTo(event.location);
+        auto found = std::find_if(
+            path.rbegin(), path.rend(), [](auto* view) { return view->takesFiles(); });
+        target = found == path.rend() ? nullptr : *found;
+    }
+    if (event.action != DropAction::dropped) {
+        setFilesOver(target);
+        return target;
+    }
+    setFilesOver(nullptr);
+    if (target)
+        target->filesDropped(event.paths);
+    return target;
+}
+
+void BarHostingView::setFilesOver(View* view)
+{
+    auto* before = std::exchange(m_filesOver, view);
+    if (before == view)
+        return;
+    if (before)
+        before->filesExited();
+    if (view)
+        view->filesEntered();
+}
+
+// MARK: The keyboard
+
+void BarHostingView::keyboardDidChange(bool hasKeyboard)
+{
+    if (!hasKeyboard)
+        setKeyFocused(nullptr);
+    else if (!m_keyFocused)
+        walk(1);
+}
+
+void BarHostingView::setKeyFocused(View* view)
+{
+    auto* before = std::exchange(m_keyFocused, view);
+    if (before && before != view)
+        before->setKeyFocused(false);
+    if (view)
+        view->setKeyFocused(true);
+}
+
+void BarHostingView::walk(int step)
+{
+    auto views = m_content ? m_content->accessibleViews() : std::vector<View*>{};
+    if (views.empty())
+        return;
+    auto found = std::find(views.begin(), views.end(), m_keyFocused);
+    auto count = static_cast<int>(views.size());
+    int now
+        = found == views.end() ? (step > 0 ? -1 : count) : static_cast<int>(found - views.begin());
+    setKeyFocused(views[static_cast<std::size_t>(((now + step) % count + count) % count)]);
+}
+
+void BarHostingView::keyPressed(Key key)
+{
+    bool isMirrored = isRightToLeft && isRightToLeft();
+    switch (key) {
+    case Key::left:
+        return walk(isMirrored ? 1 : -1);
+    case Key::right:
+        return walk(isMirrored ? -1 : 1);
+    case Key::up:
+    case Key::backTab:
+        return walk(-1);
+    case Key::down:
+    case Key::tab:
+        return walk(1);
+    case Key::home:
+        setKeyFocused(nullptr);
+        return walk(1);
+    case Key::end:
+        setKeyFocused(nullptr);
+        return walk(-1);
+    case Key::escape:
+        return m_surface->releaseKeyboard();
+    case Key::enter:
+    case Key::space:
+    case Key::menu:
+        break;
+    }
+    if (auto* view = m_keyFocused) {
+        m_surface->releaseKeyboard();
+        if (key == Key::menu)
+            view->showContextMenu();
+        else
+            view->performAccessibleAction(0);
+    }
 }
 
 }

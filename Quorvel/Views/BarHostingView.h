@@ -23,14 +23,24 @@ public:
     View* content() const { return m_content.get(); }
 
     std::function<void(const ScrollEvent&)> onScroll;
+    /// By so many points towards the trailing end.
+    std::function<void(double distance)> onScrollSideways;
     /// The pointer came over the surface or left it.
     std::function<void(bool)> onHoverChanged;
+    /// Whether the views run from right to left; unset: they do not.
+    std::function<bool()> isRightToLeft;
+    /// Where the pointer is, in points of the surface; absent while it is elsewhere.
+    const std::optional<Point>& pointer() const { return m_pointer; }
 
 private:
     void paint(Canvas&, const Rect& damage) override;
     void pointerEvent(const PointerEvent&) override;
     void scrollEvent(const ScrollEvent&) override;
     void surfaceDidResize(Size) override;
+    bool dropEvent(const DropEvent&) override;
+    void keyPressed(Key) override;
+    void keyboardDidChange(bool hasKeyboard) override;
+    AccessibleElement* accessibleRoot() override { return m_content.get(); }
 
     void viewNeedsPaint(const Rect&) override;
     void viewWillVanish(const View&) override;
@@ -41,12 +51,18 @@ private:
     void cancelPress();
     void updateHover();
     std::vector<View*> viewsUnderPointer() const;
+    void setFilesOver(View*);
+    void walk(int step);
+    void setKeyFocused(View*);
 
     PanelSurface* m_surface = nullptr;
     Size m_size;
     std::optional<Point> m_pointer; ///< absent while it is elsewhere
     std::vector<View*> m_hovered; ///< the views under the pointer, from the root to the leaf
     View* m_pressed = nullptr;
+    Point m_pressPlace;
+    View* m_filesOver = nullptr;
+    View* m_keyFocused = nullptr;
     PointerButton m_pressedButton = PointerButton::none;
     std::unique_ptr<View> m_content;
 };

@@ -7,17 +7,26 @@ BarPanel::BarPanel(Surfaces& surfaces, const PanelOptions& options, std::size_t 
     , m_screenIndex(screenIndex)
     , m_surface(surfaces.createPanel(options, m_hostingView))
 {
-    // A proxy has nothing to see.
-    m_blursBehind = options.kind == PanelKind::bar && m_surface->setBlursBehind(true);
     m_hostingView.attach(*m_surface);
     m_hostingView.onScroll = [this](const ScrollEvent& event) {
         if (onScroll)
             onScroll(event);
     };
+    m_hostingView.onScrollSideways = [this](double distance) {
+        if (m_content)
+            m_content->scrollSideways(distance);
+    };
     m_hostingView.onHoverChanged = [this](bool isHovered) {
         m_isHovered = isHovered;
         updateKeying();
     };
+}
+
+BarPanel::~BarPanel()
+{
+    // A surface that goes tells of the pointer that was over it.
+    m_hostingView.onHoverChanged = nullptr;
+    m_hostingView.setContent(nullptr);
 }
 
 void BarPanel::setAllowBecomeKey(bool isAllowed)
@@ -40,6 +49,7 @@ void BarPanel::updateKeying()
 void BarPanel::setContent(std::unique_ptr<BarContentView> content)
 {
     m_content = content.get();
+    m_hostingView.isRightToLeft = [this] { return m_content->isRightToLeft(); };
     m_hostingView.setContent(std::move(content));
 }
 

@@ -13,6 +13,9 @@ namespace quorvel {
 class BarPanel {
 public:
     BarPanel(Surfaces&, const PanelOptions&, std::size_t screenIndex);
+    ~BarPanel();
+    BarPanel(const BarPanel&) = delete;
+    BarPanel& operator=(const BarPanel&) = delete;
 
     PanelSurface& surface() { return *m_surface; }
     const PanelSurface& surface() const { return *m_surface; }
@@ -20,8 +23,6 @@ public:
     DisplayNumber display() const { return m_options.display; }
     /// In the list of screens.
     std::size_t screenIndex() const { return m_screenIndex; }
-    /// Nothing shows through the panel.
-    bool isOpaque() const { return !m_blursBehind; }
 
     std::function<void(const ScrollEvent&)> onScroll;
 
@@ -31,6 +32,7 @@ public:
     void setHoverKeyingSuppressed(bool);
 
     void setContent(std::unique_ptr<BarContentView>);
+    BarContentView* content() { return m_content; }
     const BarContentView* content() const { return m_content; }
 
 private:
@@ -41,7 +43,6 @@ private:
     BarHostingView m_hostingView;
     BarContentView* m_content = nullptr;
     std::unique_ptr<PanelSurface> m_surface; ///< last: it calls the hosting view
-    bool m_blursBehind = false;
     bool m_allowBecomeKey = false;
     bool m_isHovered = false;
     bool m_isHoverKeyingSuppressed = false;

@@ -1,8 +1,11 @@
 #include "Quorvel/Views/ChipMenu.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "Quorvel/Core/BarViewModel.h"
+#include "Quorvel/Core/PinStore.h"
+#include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel {
 
@@ -34,40 +37,131 @@ std::string entryTitle(const ChipData& chip)
     return "Window";
 }
 
-Menu windowMenu(const ChipData& chip, const BarViewModel& model)
+void separate(Menu& menu)
 {
-    auto id = chip.id;
-    return {
-        chip.isMinimized
-            ? activateEntry("Restore", id, model)
-            : entry("Minimise", model, [id](BarViewModel& current) { current.minimizeWindow(id); }),
-        entry("Close", model, [id](BarViewModel& current) { current.closeWindow(id); }),
-    };
+    if (!menu.empty() && !menu.back().title.empty())
+        menu.push_back({});
 }
 
-Menu groupMenu(const GroupedChipData& group, const BarViewModel& model, SpaceID space)
+/// What the application offers of its own, and another window of it.
+void addApplicationEntries(Menu& menu, const std::string& bundleID, const ChipMenuContext& context)
 {
-    Menu menu;
-    for (auto id : model.walkingOrder(space, group)) {
-        if (auto* chip = model.chip(space, id))
-            menu.push_back(activateEntry(entryTitle(*chip), id, model));
+    auto url = context.workspace.applicationURL(bundleID);
+    if (!url)
+        return;
+    bool offersWindow = false;
+    for (auto& action : context.workspace.actions(*url)) {
+        offersWindow |= action.identifier == "new-window";
+        menu.push_back(entry(action.title, context.viewModel,
+            [&workspace = context.workspace, action, url = *url](
+                BarViewModel&) { workspace.perform(action, url); }));
     }
-    menu.push_back({});
+    if (!offersWindow)
+        menu.push_back(entry("New Window", context.viewModel,
+            [&workspace = context.workspace, url = *url](
+                BarViewModel&) { workspace.openNewInstance(url); }));
+}
+
+/// Offered for what can be started again.
+void addPinEntry(Menu& menu, const std::string& bundleID, const ChipMenuContext& context)
+{
+    bool isPinned = context.pinStore.isPinned(bundleID, PinDestination::bar);
+    if (!isPinned && !context.workspace.applicationURL(bundleID))
+        return;
+    menu.push_back(entry(isPinned ? "Unpin from Bar" : "Pin to Bar", context.viewModel,
+        [&pins = context.pinStore, bundleID, isPinned](
+            BarViewModel&) { pins.setPin(bundleID, PinDestination::bar, !isPinned); }));
+}
+
+void addMoveEntry(Menu& menu, const std::vector<WindowID>& windows, const ChipMenuContext& context)
+{
+    if (context.spaces.size() < 2 || !context.onMoveWindowToSpace)
+        return;
+    MenuItem move{"Move to Space", true, {}};
+    for (auto& space : context.spaces) {
+        auto item = entry(space.name, context.viewModel,
+            [onMove = context.onMoveWindowToSpace, windows, to = space.id](BarViewModel&) {
+                for (auto id : windows)
+                    onMove(id, to);
+            });
+        item.isEnabled = space.id != context.spaceID;
+        item.isChecked = !item.isEnabled;
+        move.submenu.push_back(std::move(item));
+    }
+    menu.push_back(std::move(move));
+}
+
+void addFooter(Menu& menu, const std::optional<std::string>& bundleID, WindowID window,
+    const ChipMenuContext& context)
+{
+    separate(menu);
+    if (bundleID)
+        addPinEntry(menu, *bundleID, context);
+    menu.push_back(entry("Quit", context.viewModel,
+        [window](BarViewModel& current) { current.quitApplicationOf(window); }));
+}
+
+Menu windowMenu(const ChipData& chip, const ChipMenuContext& context)
+{
+    auto id = chip.id;
+    Menu menu;
+    if (chip.bundleIdentifier)
+        addApplicationEntries(menu, *chip.bundleIdentifier, context);
+    separate(menu);
+    menu.push_back(chip.isMinimized
+            ? activateEntry("Restore", id, context.viewModel)
+            : entry("Minimise", context.viewModel,
+                [id](BarViewModel& current) { current.minimizeWindow(id); }));
+    addMoveEntry(menu, {id}, context);
+    menu.push_back(entry(
+        "Close", context.viewModel, [id](BarViewModel& current) { current.closeWindow(id); }));
+    addFooter(menu, chip.bundleIdentifier, id, context);
+    return menu;
+}
+
+Menu groupMenu(const GroupedChipData& group, const ChipMenuContext& context)
+{
+    auto& model = context.viewModel;
+    Menu menu;
+    for (auto id : model.walkingOrder(context.spaceID, group)) {
+        auto* chip = model.chip(context.spaceID, id);
+        if (!chip)
+            continue;
+        menu.push_back(activateEntry(entryTitle(*chip), id, model));
+        menu.back().isChecked = chip->isFocused;
+    }
+    separate(menu);
+    if (group.bundleIdentifier)
+        addApplicationEntries(menu, *group.bundleIdentifier, context);
+    separate(menu);
     auto ids = group.windowIDs;
     menu.push_back(entry(
         "Minimise All", model, [ids](BarViewModel& current) { current.minimizeWindows(ids); }));
+    addMoveEntry(menu, ids, context);
     menu.push_back(
         entry("Close All", model, [ids](BarViewModel& current) { current.closeWindows(ids); }));
+    addFooter(menu, group.bundleIdentifier, ids.front(), context);
     return menu;
 }
 
 }
 
-Menu chipMenu(const DisplayItem& item, const BarViewModel& model, SpaceID space)
+Menu chipMenu(const DisplayItem& item, const ChipMenuContext& context)
 {
     if (auto* group = std::get_if<GroupedChipData>(&item))
-        return groupMenu(*group, model, space);
-    return windowMenu(std::get<ChipData>(item), model);
+        return groupMenu(*group, context);
+    return windowMenu(std::get<ChipData>(item), context);
+}
+
+Menu pinMenu(const std::string& bundleID, const ChipMenuContext& context)
+{
+    Menu menu;
+    menu.push_back(entry("Open", context.viewModel,
+        [bundleID](BarViewModel& current) { current.launchApp(bundleID); }));
+    addApplicationEntries(menu, bundleID, context);
+    separate(menu);
+    addPinEntry(menu, bundleID, context);
+    return menu;
 }
 
 }

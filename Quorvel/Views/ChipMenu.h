@@ -1,13 +1,32 @@
 #pragma once
 
+#include <functional>
+#include <vector>
+
 #include "Quorvel/Core/DisplayItem.h"
 #include "Quorvel/Platform/Surfaces.h"
+#include "Quorvel/Views/SpaceSwitcher.h"
 
 namespace quorvel {
 
 class BarViewModel;
+class PinStore;
+class Workspace;
 
-/// What the menu of a chip on this space offers. Its actions do nothing once the model is gone.
-Menu chipMenu(const DisplayItem&, const BarViewModel&, SpaceID);
+/// What the menus of chips and pins are made from, and what their entries act on. The services
+/// live as long as the model.
+struct ChipMenuContext {
+    BarViewModel& viewModel;
+    PinStore& pinStore;
+    Workspace& workspace;
+    SpaceID spaceID{};
+    std::vector<SpaceCellData> spaces; ///< of the display
+    std::function<void(WindowID, SpaceID to)> onMoveWindowToSpace;
+};
+
+/// What the menu of a chip offers. Its actions do nothing once the model is gone.
+Menu chipMenu(const DisplayItem&, const ChipMenuContext&);
+/// What the menu of a pinned application without a window offers.
+Menu pinMenu(const std::string& bundleID, const ChipMenuContext&);
 
 }

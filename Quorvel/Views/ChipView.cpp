@@ -1,7 +1,10 @@
 #include "Quorvel/Views/ChipView.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
+
+#include "Quorvel/Views/Kit/ButtonView.h"
 
 namespace quorvel {
 
@@ -88,14 +91,6 @@ bool isMinimized(const DisplayItem& item)
     return single && single->isMinimized;
 }
 
-std::string_view title(const DisplayItem& item)
-{
-    if (auto* group = std::get_if<GroupedChipData>(&item))
-        return group->displayTitle;
-    auto& chip = std::get<ChipData>(item);
-    return chip.windowTitle.empty() ? chip.appName : chip.windowTitle;
-}
-
 /// Text sizes follow the chip's height, as the rest of the metrics do.
 double titleSize(const BarMetrics& metrics)
 {
@@ -130,41 +125,61 @@ void ChipView::setPulse(double strength)
 
 void ChipView::setDark(bool isDark)
 {
-    if (std::exchange(m_isDark, isDark) != isDark)
-        invalidate();
+    set(m_isDark, isDark);
 }
 
 void ChipView::setRightToLeft(bool isRightToLeft)
 {
-    if (std::exchange(m_isRightToLeft, isRightToLeft) != isRightToLeft)
-        invalidate();
+    set(m_isRightToLeft, isRightToLeft);
 }
 
-void ChipView::setHovered(bool isHovered)
+// MARK: The pointer
+
+void ChipView::pointerEntered()
 {
-    if (std::exchange(m_isHovered, isHovered) != isHovered)
-        invalidate();
+    set(m_isHovered, true);
+    if (onHover)
+        onHover(*this, true);
 }
 
-void ChipView::setPressed(bool isPressed)
+void ChipView::pointerExited()
 {
-    if (std::exchange(m_isPressed, isPressed) != isPressed)
-        invalidate();
+    set(m_isHovered, false);
+    if (onHover)
+        onHover(*this, false);
 }
 
 void ChipView::pressed(PointerButton button)
 {
-    setPressed(button != PointerButton::secondary);
+    m_drag.pressed(button);
+    set(m_isPressed, button != PointerButton::secondary);
+}
+
+void ChipView::dragged(Point translation)
+{
+    if (!m_drag.dragged(translation))
+        return;
+    m_translation = translation;
+    set(m_isPressed, false);
+    if (onDrag)
+        onDrag(*this, DragPhase::moved, translation);
 }
 
 void ChipView::pressCancelled()
 {
-    setPressed(false);
+    set(m_isPressed, false);
+    if (m_drag.ended() && onDrag)
+        onDrag(*this, DragPhase::cancelled, m_translation);
 }
 
 void ChipView::released(PointerButton button, bool isInside)
 {
-    setPressed(false);
+    set(m_isPressed, false);
+    if (m_drag.ended()) {
+        if (onDrag)
+            onDrag(*this, DragPhase::dropped, m_translation);
+        return;
+    }
     if (!isInside || !onClick)
         return;
     if (button == PointerButton::primary)
@@ -173,6 +188,72 @@ void ChipView::released(PointerButton button, bool isInside)
         onClick(*this, Click::middle);
     else if (button == PointerButton::secondary)
         onClick(*this, Click::secondary);
+}
+
+void ChipView::filesEntered()
+{
+    set(m_hasFilesOver, true);
+    if (onFilesOver)
+        onFilesOver(*this, true);
+}
+
+void ChipView::filesExited()
+{
+    set(m_hasFilesOver, false);
+    if (onFilesOver)
+        onFilesOver(*this, false);
+}
+
+// MARK: For screen readers and the keyboard
+
+AccessibleState ChipView::accessibleState() const
+{
+    auto* group = std::get_if<GroupedChipData>(&m_item);
+    AccessibleState state{.role = AccessibleRole::toggleButton,
+        .name = fieldOf(m_item, [](auto& data) { return data.appName; }),
+        .progress = fieldOf(m_item, [](auto& data) { return data.progress; }),
+        .isSelected = isFocused(m_item),
+        .hasKeyFocus = m_hasKeyFocus,
+        .actions = {"Activate", "Show Menu", "Close"}};
+    auto* single = std::get_if<ChipData>(&m_item);
+    if (single && !single->windowTitle.empty() && single->windowTitle != single->appName)
+        state.name += ", " + single->windowTitle;
+    if (auto badge = fieldOf(m_item, [](auto& data) { return data.badge; }))
+        state.name += ", " + *badge + " unread";
+    if (group)
+        state.name += ", " + std::to_string(group->windowCount) + " windows";
+    if (isMinimized(m_item))
+        state.name += ", minimised";
+    if (isFocused(m_item))
+        state.name += ", focused";
+    if (wantsAttention(m_item))
+        state.name += ", wants attention";
+    return state;
+}
+
+bool ChipView::performAccessibleAction(std::size_t action)
+{
+    static constexpr Click clicks[] = {Click::primary, Click::secondary, Click::middle};
+    if (action >= std::size(clicks) || !onClick)
+        return false;
+    onClick(*this, clicks[action]);
+    return true;
+}
+
+void ChipView::showContextMenu()
+{
+    performAccessibleAction(1);
+}
+
+// MARK: What it looks like
+
+std::string_view ChipView::title() const
+{
+    auto* group = std::get_if<GroupedChipData>(&m_item);
+    auto* single = std::get_if<ChipData>(&m_item);
+    auto& window = group ? group->displayTitle : single->windowTitle;
+    auto& application = group ? group->appName : single->appName;
+    return m_title == Title::window && !window.empty() ? window : application;
 }
 
 std::string ChipView::count() const
@@ -219,7 +300,7 @@ ChipView::Parts ChipView::parts() const
     double right = face.width - padding;
     if (countWidth > 0)
         right -= countWidth + m_metrics.iconTextSpacing;
-    if (right - left >= Style::minimumTitleWidth) {
+    if (m_title != Title::none && right - left >= Style::minimumTitleWidth) {
         parts.title = {left, face.y, right - left, face.height};
         parts.count = {face.width - padding - countWidth, face.y + (face.height - countHeight) / 2,
             countWidth, countHeight};
@@ -288,6 +369,18 @@ void ChipView::paintPill(Canvas& canvas, const Rect& rect, std::string_view text
 
 void ChipView::paint(Canvas& canvas) const
 {
+    if (!m_isLifted)
+        return paintChip(canvas);
+    canvas.save();
+    canvas.magnify(kLiftedScale, bounds().centre());
+    canvas.beginOpacity(kLiftedOpacity);
+    paintChip(canvas);
+    canvas.endOpacity();
+    canvas.restore();
+}
+
+void ChipView::paintChip(Canvas& canvas) const
+{
     auto& style = Style::of(m_isDark);
     auto layout = parts();
     paintFace(canvas, layout);
@@ -298,7 +391,7 @@ void ChipView::paint(Canvas& canvas) const
                          m_item, [](auto& data) -> auto& { return data.icon; }),
         layout.icon);
     if (!layout.title.isEmpty()) {
-        canvas.drawText(title(m_item), layout.title,
+        canvas.drawText(title(), layout.title,
             {.size = titleSize(m_metrics), .weight = FontWeight::regular, .color = style.text});
     }
     if (isDimmed)
@@ -312,6 +405,8 @@ void ChipView::paint(Canvas& canvas) const
     }
     if (isFocused(m_item))
         canvas.fillRounded(layout.focusMark, Style::focusMarkHeight / 2, style.focusMark);
+    if (m_hasKeyFocus || m_hasFilesOver)
+        paintKeyFocus(canvas, layout.face, m_metrics.chipCornerRadius, m_isDark);
 }
 
 }

@@ -1,9 +1,14 @@
 #pragma once
 
 #include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/DisplayItem.h"
+#include "Quorvel/Views/DragSource.h"
 #include "Quorvel/Views/Kit/View.h"
 
 namespace quorvel {
@@ -14,6 +19,11 @@ namespace quorvel {
 class ChipView final : public View {
 public:
     enum class Click { primary, middle, secondary };
+    /// What of its text a chip shows.
+    enum class Title { none, application, window };
+
+    static constexpr double kLiftedOpacity = 0.82;
+    static constexpr double kLiftedScale = 1.05;
 
     ChipView(const BarMetrics& metrics, const Text& text) : m_metrics(metrics), m_text(text) { }
 
@@ -23,8 +33,15 @@ public:
     void setRightToLeft(bool);
     /// How strongly a request for attention shows now, from 0 to 1.
     void setPulse(double strength);
+    void setTitle(Title title) { set(m_title, title); }
+    /// It follows the pointer, above the others.
+    void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
 
     std::function<void(const ChipView&, Click)> onClick;
+    std::function<void(ChipView&, DragPhase, Point translation)> onDrag;
+    std::function<void(const ChipView&, bool isHovered)> onHover;
+    /// Files from elsewhere rest on the chip, or no longer do.
+    std::function<void(const ChipView&, bool areOver)> onFilesOver;
 
     /// The width at which a title has all the room that the size gives it.
     static double fullWidth(const BarMetrics&);
@@ -32,11 +49,25 @@ public:
     static double iconWidth(const BarMetrics&);
 
     bool takesPointer() const override { return true; }
-    void pointerEntered() override { setHovered(true); }
-    void pointerExited() override { setHovered(false); }
+    void pointerEntered() override;
+    void pointerExited() override;
     void pressed(PointerButton) override;
+    void dragged(Point translation) override;
     void released(PointerButton, bool isInside) override;
     void pressCancelled() override;
+
+    bool takesFiles() const override { return true; }
+    void filesEntered() override;
+    void filesExited() override;
+    void filesDropped(const std::vector<std::string>&) override { filesExited(); }
+
+    bool isAccessible() const override { return true; }
+    std::string accessibleID() const override { return displayItemID(m_item); }
+    /// "Mail, 3 unread, 2 windows, focused".
+    AccessibleState accessibleState() const override;
+    bool performAccessibleAction(std::size_t) override;
+    void setKeyFocused(bool isFocused) override { set(m_hasKeyFocus, isFocused); }
+    void showContextMenu() override;
 
 private:
     struct Parts {
@@ -49,6 +80,7 @@ private:
     };
 
     void paint(Canvas&) const override;
+    void paintChip(Canvas&) const;
     void paintFace(Canvas&, const Parts&) const;
     void paintProgress(Canvas&, const Parts&) const;
     void paintPill(Canvas&, const Rect&, std::string_view, const Color& fill, const Color&) const;
@@ -56,8 +88,12 @@ private:
     Rect badgeRect(const Rect& icon) const;
     double pillWidth(std::string_view, double height) const;
     std::string count() const;
-    void setHovered(bool);
-    void setPressed(bool);
+    std::string_view title() const;
+    template <typename Value> void set(Value& member, Value value)
+    {
+        if (std::exchange(member, value) != value)
+            invalidate();
+    }
 
     BarMetrics m_metrics;
     const Text& m_text;
@@ -66,6 +102,12 @@ private:
     bool m_isRightToLeft = false;
     bool m_isHovered = false;
     bool m_isPressed = false;
+    bool m_isLifted = false;
+    bool m_hasKeyFocus = false;
+    bool m_hasFilesOver = false;
+    Title m_title = Title::window;
+    DragSource m_drag;
+    Point m_translation;
     double m_pulse = 0;
 };
 

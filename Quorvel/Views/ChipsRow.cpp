@@ -4,25 +4,75 @@
 #include <cmath>
 #include <utility>
 
+#include "Quorvel/Views/ScrollArrow.h"
+
 namespace quorvel {
+
+namespace {
+
+constexpr double kScrollStep = 0.6; ///< of the row's width, for a click on an arrow
+constexpr Duration kScrollTime = seconds(0.2);
+
+/// Its windows keep one slot, alone or as a group.
+const std::string& application(const DisplayItem& item)
+{
+    return std::visit(
+        [](auto& data) -> const std::string& {
+            return data.bundleIdentifier ? *data.bundleIdentifier : data.appName;
+        },
+        item);
+}
+
+bool isGroup(std::string_view chipID)
+{
+    return chipID.starts_with(groupItemID(""));
+}
+
+}
 
 ChipsRow::ChipsRow(const BarMetrics& metrics, const Text& text, Dispatch& dispatch)
     : m_metrics(metrics)
     , m_text(text)
-    , m_pulse(dispatch, [this](double strength) {
-        for (auto& id : m_asking)
-            m_chips.at(id)->setPulse(strength);
-    })
+    , m_pulse(dispatch,
+          [this](double strength) {
+              for (auto& id : m_asking)
+                  m_chips.at(id)->setPulse(strength);
+          })
+    , m_motion(dispatch)
+    , m_scrolling(dispatch)
 {
+    m_backArrow = &addChild(std::make_unique<ScrollArrow>(ScrollArrow::Towards::left));
+    m_forwardArrow = &addChild(std::make_unique<ScrollArrow>(ScrollArrow::Towards::right));
+    auto step = [this](double direction) {
+        double sign = m_isRightToLeft ? -direction : direction;
+        double from = m_scroll;
+        double to = std::clamp(from + sign * std::max(m_chipWidth, bounds().width * kScrollStep),
+            0.0, maximumScroll());
+        m_scrolling.start(m_reducesMotion ? Duration::zero() : kScrollTime, m_frameInterval,
+            [this, from, to](double share) {
+                m_scroll = std::clamp(from + (to - from) * share, 0.0, maximumScroll());
+                placeAll();
+            });
+    };
+    m_backArrow->onTapped = [step] { step(-1); };
+    m_forwardArrow->onTapped = [step] { step(1); };
 }
+
+ChipsRow::~ChipsRow() = default;
+
+// MARK: What it shows
 
 void ChipsRow::setItems(const std::vector<DisplayItem>& items)
 {
     bool hasNew = updateChips(items);
     auto slots = wantedSlots();
+    for (auto& item : items)
+        m_applications[displayItemID(item)] = application(item);
     if (!hasNew && slots == m_slots)
         return;
     m_slots = std::move(slots);
+    std::erase_if(m_applications,
+        [&](auto& entry) { return std::ranges::find(m_slots, entry.first) == m_slots.end(); });
     layout();
 }
 
@@ -43,6 +93,8 @@ bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
         present.insert(id);
         m_order.push_back(std::move(id));
     }
+    if (m_drag && m_dragKind == DragKind::chip && !present.contains(m_drag->draggedID()))
+        abandonDrag();
     std::erase_if(m_chips, [&](auto& entry) {
         if (present.contains(entry.first))
             return false;
@@ -51,6 +103,36 @@ bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
     });
     updatePulse(std::move(asking));
     return hasNew;
+}
+
+void ChipsRow::setPins(const std::vector<PinData>& pins)
+{
+    m_wantedPins = pins;
+    if (!isHeld())
+        return updatePins();
+    // They neither come nor go, but what they say of themselves is today's.
+    for (auto& pin : pins) {
+        if (auto known = m_pins.find(pin.bundleID); known != m_pins.end())
+            known->second->setPin(pin);
+    }
+}
+
+void ChipsRow::updatePins()
+{
+    std::vector<std::string> order;
+    for (auto& pin : m_wantedPins) {
+        auto known = m_pins.find(pin.bundleID);
+        (known == m_pins.end() ? makePin(pin.bundleID) : *known->second).setPin(pin);
+        order.push_back(pin.bundleID);
+    }
+    std::erase_if(m_pins, [&](auto& entry) {
+        if (std::ranges::find(order, entry.first) != order.end())
+            return false;
+        removeChild(*entry.second);
+        return true;
+    });
+    if (std::exchange(m_pinOrder, order) != order)
+        layout();
 }
 
 void ChipsRow::updatePulse(std::set<std::string> asking)
@@ -68,33 +150,84 @@ ChipView& ChipsRow::makeChip(const std::string& id)
     auto& chip = addChild(std::make_unique<ChipView>(m_metrics, m_text));
     chip.setDark(m_isDark);
     chip.setRightToLeft(m_isRightToLeft);
+    chip.setTitle(m_title);
     chip.onClick = [this](const ChipView& clicked, ChipView::Click click) {
         if (onChipClick)
             onChipClick(clicked, click);
     };
+    chip.onHover = [this](const ChipView& hovered, bool isHovered) {
+        if (onChipHover && !m_drag)
+            onChipHover(hovered, isHovered);
+    };
+    chip.onFilesOver = [this](const ChipView& target, bool areOver) {
+        if (onChipFilesOver)
+            onChipFilesOver(target, areOver);
+    };
+    chip.onDrag = [this, id](ChipView& view, DragPhase phase, Point translation) {
+        dragItem(view, id, DragKind::chip, phase, translation);
+    };
     m_chips.emplace(id, &chip);
+    raiseChild(*m_backArrow);
+    raiseChild(*m_forwardArrow);
     return chip;
+}
+
+PinView& ChipsRow::makePin(const std::string& bundleID)
+{
+    auto& pin = addChild(std::make_unique<PinView>(m_metrics));
+    pin.setDark(m_isDark);
+    pin.onTapped = [this, &pin] {
+        if (onPinClick)
+            onPinClick(pin);
+    };
+    pin.onSecondaryTapped = [this, &pin] {
+        if (onPinMenu)
+            onPinMenu(pin);
+    };
+    pin.onFilesDropped = [this](const PinView& target, std::vector<std::string> paths) {
+        if (onPinFiles)
+            onPinFiles(target, std::move(paths));
+    };
+    pin.onDrag = [this, bundleID](PinView& view, DragPhase phase, Point translation) {
+        dragItem(view, bundleID, DragKind::pin, phase, translation);
+    };
+    m_pins.emplace(bundleID, &pin);
+    raiseChild(*m_backArrow);
+    raiseChild(*m_forwardArrow);
+    return pin;
 }
 
 std::vector<std::string> ChipsRow::wantedSlots() const
 {
-    if (!m_isHeld)
+    if (!isHeld())
         return m_order;
     auto slots = m_slots;
+    for (auto& id : m_order) {
+        if (std::ranges::find(slots, id) != slots.end())
+            continue;
+        auto& item = m_chips.at(id)->item();
+        auto vacated = std::ranges::find_if(slots, [&](auto& slot) {
+            auto known = m_applications.find(slot);
+            return !m_chips.contains(slot) && known != m_applications.end()
+                && known->second == application(item) && isGroup(slot) != isGroup(id);
+        });
+        if (vacated == slots.end())
+            slots.push_back(id);
+        else
+            *vacated = id;
+    }
     // The empty slots at the end are in nobody's way.
     while (!slots.empty() && !m_chips.contains(slots.back()))
         slots.pop_back();
-    for (auto& id : m_order) {
-        if (std::find(slots.begin(), slots.end(), id) == slots.end())
-            slots.push_back(id);
-    }
     return slots;
 }
 
-void ChipsRow::pointerExited()
+void ChipsRow::setTitle(ChipView::Title title)
 {
-    m_isHeld = false;
-    m_slots = m_order;
+    if (std::exchange(m_title, title) == title)
+        return;
+    for (auto& [id, chip] : m_chips)
+        chip->setTitle(title);
     layout();
 }
 
@@ -103,6 +236,10 @@ void ChipsRow::setDark(bool isDark)
     m_isDark = isDark;
     for (auto& [id, chip] : m_chips)
         chip->setDark(isDark);
+    for (auto& [id, pin] : m_pins)
+        pin->setDark(isDark);
+    m_backArrow->setDark(isDark);
+    m_forwardArrow->setDark(isDark);
 }
 
 void ChipsRow::setRightToLeft(bool isRightToLeft)
@@ -114,26 +251,127 @@ void ChipsRow::setRightToLeft(bool isRightToLeft)
     layout();
 }
 
+// MARK: The pointer
+
+void ChipsRow::pointerEntered()
+{
+    m_isHovered = true;
+    if (onHoverChanged)
+        onHoverChanged(true);
+}
+
+void ChipsRow::pointerExited()
+{
+    m_isHovered = false;
+    settle();
+    if (onHoverChanged)
+        onHoverChanged(false);
+}
+
+void ChipsRow::settle()
+{
+    if (isHeld())
+        return;
+    updatePins();
+    m_slots = m_order;
+    layout();
+}
+
+void ChipsRow::scrollBy(double distance)
+{
+    m_scrolling.stop();
+    auto scroll = std::clamp(m_scroll + distance, 0.0, maximumScroll());
+    if (std::exchange(m_scroll, scroll) != scroll)
+        placeAll();
+}
+
+// MARK: Where everything is
+
 void ChipsRow::layout()
 {
-    if (m_slots.empty())
-        return;
-    auto count = static_cast<double>(m_slots.size());
-    double room
-        = std::floor((bounds().width + m_metrics.chipSpacing) / count - m_metrics.chipSpacing);
-    if (!m_isHeld || m_chipWidth > room)
-        m_chipWidth
-            = std::clamp(room, ChipView::iconWidth(m_metrics), ChipView::fullWidth(m_metrics));
-    double width = m_chipWidth;
+    double pinWidth = ChipView::iconWidth(m_metrics);
     double x = 0;
+    m_places.clear();
+    for (auto& id : m_pinOrder) {
+        m_places[id] = x;
+        x += pinWidth + m_metrics.chipSpacing;
+    }
+    if (!m_pinOrder.empty() && !m_slots.empty())
+        x += m_metrics.chipSpacing;
+    if (!m_slots.empty()) {
+        auto count = static_cast<double>(m_slots.size());
+        double room = std::floor(
+            (bounds().width - x + m_metrics.chipSpacing) / count - m_metrics.chipSpacing);
+        bool hasTitle = m_title != ChipView::Title::none;
+        double most = hasTitle ? ChipView::fullWidth(m_metrics) : pinWidth;
+        if (!isHeld() || m_chipWidth > room || m_chipWidth > most)
+            m_chipWidth = std::clamp(room, pinWidth, most);
+        for (auto& id : m_slots) {
+            m_places[id] = x;
+            x += m_chipWidth + m_metrics.chipSpacing;
+        }
+    }
+    m_contentWidth = std::max(0.0, x - m_metrics.chipSpacing);
+    m_scroll = std::clamp(m_scroll, 0.0, maximumScroll());
+    placeAll();
+}
+
+void ChipsRow::placeAll()
+{
+    auto shownAt = [&](const std::string& id) {
+        auto moving = m_shown.find(id);
+        return moving == m_shown.end() ? m_places.at(id) : moving->second;
+    };
+    for (auto& id : m_pinOrder)
+        place(*m_pins.at(id), shownAt(id), ChipView::iconWidth(m_metrics));
     for (auto& id : m_slots) {
         if (auto chip = m_chips.find(id); chip != m_chips.end())
-            chip->second->setFrame(
-                {m_isRightToLeft ? bounds().width - x - width : x, 0, width, bounds().height});
-        x += width + m_metrics.chipSpacing;
+            place(*chip->second, shownAt(id), m_chipWidth);
     }
+    updateArrows();
     if (auto* host_ = host())
         host_->viewsDidMove();
+}
+
+void ChipsRow::place(View& view, double x, double width)
+{
+    double left = x - m_scroll;
+    view.setFrame(
+        {m_isRightToLeft ? bounds().width - left - width : left, 0, width, bounds().height});
+}
+
+void ChipsRow::updateArrows()
+{
+    bool hasBefore = m_scroll > 0;
+    bool hasAfter = m_scroll < maximumScroll();
+    if (m_isRightToLeft)
+        std::swap(hasBefore, hasAfter);
+    auto shown = [&](bool isShown, double x) {
+        return Rect{x, 0, isShown ? ScrollArrow::kWidth : 0, bounds().height};
+    };
+    m_backArrow->setFrame(shown(hasBefore, 0));
+    m_forwardArrow->setFrame(
+        shown(hasAfter, bounds().width - (hasAfter ? ScrollArrow::kWidth : 0)));
+}
+
+View* ChipsRow::view(const std::string& id) const
+{
+    if (auto chip = m_chips.find(id); chip != m_chips.end())
+        return chip->second;
+    auto pin = m_pins.find(id);
+    return pin == m_pins.end() ? nullptr : pin->second;
+}
+
+Rect ChipsRow::paintFrame() const
+{
+    // What is dragged may be anywhere on the bar.
+    return m_drag ? Rect{-1e6, -1e6, 2e6, 2e6} : frame();
+}
+
+Rect ChipsRow::visibleFrame(const View& view) const
+{
+    auto visible = view.frame().intersected(bounds());
+    return visible.isEmpty() ? Rect{} : visible.translated(frameInRoot().x, frameInRoot().y);
 }
 
 std::vector<std::pair<std::string, Rect>> ChipsRow::chipFrames() const
@@ -141,9 +379,136 @@ std::vector<std::pair<std::string, Rect>> ChipsRow::chipFrames() const
     std::vector<std::pair<std::string, Rect>> frames;
     for (auto& id : m_slots) {
         if (auto chip = m_chips.find(id); chip != m_chips.end())
-            frames.emplace_back(id, chip->second->frameInRoot());
+            frames.emplace_back(id, visibleFrame(*chip->second));
     }
     return frames;
+}
+
+std::vector<std::pair<std::string, Rect>> ChipsRow::pinFrames() const
+{
+    std::vector<std::pair<std::string, Rect>> frames;
+    for (auto& id : m_pinOrder)
+        frames.emplace_back(id, visibleFrame(*m_pins.at(id)));
+    return frames;
+}
+
+// MARK: Dragging
+
+void ChipsRow::dragItem(
+    View& view, const std::string& id, DragKind kind, DragPhase phase, Point translation)
+{
+    if (!m_drag && phase == DragPhase::moved)
+        beginDrag(view, id, kind);
+    if (!m_drag || m_drag->draggedID() != id)
+        return;
+    if (phase == DragPhase::moved)
+        moveDrag(view, translation);
+    else
+        endDrag(view, phase);
+}
+
+void ChipsRow::beginDrag(View& view, const std::string& id, DragKind kind)
+{
+    ReorderDrag::Frames frames;
+    std::vector<std::string> visible;
+    for (auto& other : kind == DragKind::chip ? m_slots : m_pinOrder) {
+        if (auto* sibling = this->view(other)) {
+            frames[other] = {m_places.at(other), 0, sibling->frame().width, bounds().height};
+            visible.push_back(other);
+        }
+    }
+    m_motion.stop();
+    m_shown.clear();
+    m_dragKind = kind;
+    m_drag.emplace(id, std::move(frames), std::move(visible));
+    raiseChild(view);
+    if (auto* chip = dynamic_cast<ChipView*>(&view))
+        chip->setLifted(true);
+    else
+        static_cast<PinView&>(view).setLifted(true);
+}
+
+void ChipsRow::moveDrag(View& view, Point translation)
+{
+    int before = m_drag->insertionIndex();
+    m_drag->setTranslation({m_isRightToLeft ? -translation.x : translation.x, translation.y});
+    auto& id = m_drag->draggedID();
+    m_shown[id] = m_drag->slotX(id);
+    if (m_drag->insertionIndex() != before) {
+        std::map<std::string, double> targets;
+        for (auto& other : m_drag->previewOrder()) {
+            if (other != id)
+                targets[other] = m_drag->slotX(other);
+        }
+        animateTo(std::move(targets), kMakeRoom);
+    }
+    place(view, m_shown[id], view.frame().width);
+    // The chip is a little larger than its frame.
+    view.invalidate(view.bounds().inset(-view.frame().width * 0.05, -2));
+    if (m_dragKind == DragKind::chip && onChipDragged)
+        onChipDragged(
+            static_cast<ChipView&>(view), view.frameInRoot().centre().translated(0, translation.y));
+}
+
+void ChipsRow::endDrag(View& view, DragPhase phase)
+{
+    auto drag = *std::exchange(m_drag, std::nullopt);
+    view.invalidate(view.bounds().inset(-view.frame().width * 0.05, -2));
+    bool isChip = m_dragKind == DragKind::chip;
+    auto point = view.frameInRoot().centre().translated(0, drag.translation().y);
+    if (isChip)
+        static_cast<ChipView&>(view).setLifted(false);
+    else
+        static_cast<PinView&>(view).setLifted(false);
+    bool isElsewhere = false;
+    if (isChip && phase == DragPhase::dropped && onChipDropped)
+        isElsewhere = onChipDropped(static_cast<ChipView&>(view), point);
+    if (phase == DragPhase::dropped && !isElsewhere) {
+        auto& order = isChip ? m_slots : m_pinOrder;
+        order = drag.previewOrder();
+        if (isChip && onChipMoved)
+            onChipMoved(drag.draggedID(), drag.dropTargetID());
+        else if (!isChip && onPinMoved)
+            onPinMoved(static_cast<PinView&>(view).pin().bundleID, drag);
+    }
+    if (isChip && onChipDragEnded)
+        onChipDragEnded();
+    layout();
+    std::map<std::string, double> targets;
+    for (auto& [id, x] : m_shown) {
+        if (m_places.contains(id))
+            targets[id] = m_places.at(id);
+    }
+    animateTo(std::move(targets), kFallIntoPlace);
+}
+
+void ChipsRow::abandonDrag()
+{
+    bool wasChip = m_dragKind == DragKind::chip;
+    m_drag.reset();
+    m_motion.stop();
+    m_shown.clear();
+    if (wasChip && onChipDragEnded)
+        onChipDragEnded();
+}
+
+void ChipsRow::animateTo(std::map<std::string, double> targets, Duration length)
+{
+    std::map<std::string, std::pair<double, double>> ways;
+    for (auto& [id, to] : targets) {
+        auto moving = m_shown.find(id);
+        ways[id] = {moving == m_shown.end() ? m_places[id] : moving->second, to};
+    }
+    m_motion.start(m_reducesMotion ? Duration::zero() : length, m_frameInterval,
+        [this, ways = std::move(ways)](double share) {
+            for (auto& [id, way] : ways)
+                m_shown[id] = way.first + (way.second - way.first) * share;
+            if (share == 1 && !m_drag)
+                m_shown.clear();
+            placeAll();
+            if (share == 1 && !m_drag)
+                settle();
+        });
 }
 
 }

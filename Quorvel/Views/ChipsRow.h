@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -10,51 +11,130 @@
 #include "Quorvel/Core/DisplayItem.h"
 #include "Quorvel/Views/AttentionPulse.h"
 #include "Quorvel/Views/ChipView.h"
+#include "Quorvel/Views/Kit/Animation.h"
 #include "Quorvel/Views/Kit/View.h"
+#include "Quorvel/Views/PinView.h"
+#include "Quorvel/Views/ReorderDrag.h"
 
 namespace quorvel {
 
-/// The row of chips. Targets hold still: while the pointer is over the row, a chip that goes leaves
-/// an empty slot and a new one comes last; the row closes up when the pointer leaves. Only a row
-/// without room for a new chip shrinks under the pointer.
+class ScrollArrow;
+
+/// The row of pins and chips. Targets hold still: while the pointer is over the row, a chip that
+/// goes leaves an empty slot, a new one comes last, and pins neither come nor go; an application
+/// whose windows become a group, or a single one, keeps its slot. The row closes up when the
+/// pointer leaves. Only a row without room for a new chip shrinks under the pointer.
+///
+/// Chips shrink down to their icons, which are told apart where titles of three letters are not;
+/// then the row scrolls, and an arrow stands at each end where there is more. Chips and pins are
+/// dragged each among their own kind.
 class ChipsRow final : public View {
 public:
+    /// How long the others take to make room, and the dropped one to fall into its place.
+    static constexpr Duration kMakeRoom = seconds(0.16);
+    static constexpr Duration kFallIntoPlace = seconds(0.12);
+
     ChipsRow(const BarMetrics&, const Text&, Dispatch&);
+    ~ChipsRow() override;
 
     void setItems(const std::vector<DisplayItem>&);
+    void setPins(const std::vector<PinData>&);
+    void setTitle(ChipView::Title);
     void setReducesMotion(bool value) { m_reducesMotion = value; }
+    void setFrameInterval(Duration interval) { m_frameInterval = interval; }
     void setDark(bool);
     void setRightToLeft(bool);
 
-    void pointerEntered() override { m_isHeld = true; }
+    void pointerEntered() override;
     void pointerExited() override;
+    /// By so many points towards the end of the row.
+    void scrollBy(double distance);
 
+    std::function<void(bool isHovered)> onHoverChanged;
     std::function<void(const ChipView&, ChipView::Click)> onChipClick;
+    std::function<void(const ChipView&, bool isHovered)> onChipHover;
+    std::function<void(const ChipView&, bool areOver)> onChipFilesOver;
+    std::function<void(const PinView&)> onPinClick;
+    std::function<void(const PinView&)> onPinMenu;
+    std::function<void(const PinView&, std::vector<std::string> paths)> onPinFiles;
+    /// A drag of a chip began or went on; the place of the pointer is the chip's middle, in the
+    /// root's coordinates.
+    std::function<void(const ChipView&, Point)> onChipDragged;
+    /// The chip was let go there. True: it was dropped on something else, and stays where it was.
+    std::function<bool(const ChipView&, Point)> onChipDropped;
+    std::function<void()> onChipDragEnded;
+    std::function<void(const std::string& id, std::optional<std::string> before)> onChipMoved;
+    /// The drag's identifiers are bundle identifiers.
+    std::function<void(const std::string& bundleID, const ReorderDrag&)> onPinMoved;
 
+    /// By identifier, in the order of the row; the part of each that is seen, empty where none is.
     std::vector<std::pair<std::string, Rect>> chipFrames() const;
+    std::vector<std::pair<std::string, Rect>> pinFrames() const;
 
 private:
+    struct Slot {
+        std::string id;
+        std::string application;
+    };
+    enum class DragKind { chip, pin };
+
     void layout() override;
-    bool clipsChildren() const override { return true; }
+    bool clipsChildren() const override { return !m_drag; }
+    Rect paintFrame() const override;
 
     /// True if a chip was made, which has no place yet.
     bool updateChips(const std::vector<DisplayItem>&);
     std::vector<std::string> wantedSlots() const;
     ChipView& makeChip(const std::string& id);
+    PinView& makePin(const std::string& bundleID);
+    void updatePins();
+    void settle();
+    bool isHeld() const { return m_isHovered || m_drag; }
     void updatePulse(std::set<std::string> asking);
+
+    void placeAll();
+    void place(View&, double x, double width);
+    void updateArrows();
+    double contentWidth() const { return m_contentWidth; }
+    double maximumScroll() const { return std::max(0.0, m_contentWidth - bounds().width); }
+    View* view(const std::string& id) const;
+    Rect visibleFrame(const View&) const;
+
+    void dragItem(View&, const std::string& id, DragKind, DragPhase, Point translation);
+    void beginDrag(View&, const std::string& id, DragKind);
+    void moveDrag(View&, Point translation);
+    void endDrag(View&, DragPhase);
+    void abandonDrag();
+    void animateTo(std::map<std::string, double> targets, Duration);
 
     BarMetrics m_metrics;
     const Text& m_text;
+    Duration m_frameInterval = seconds(1.0 / 60);
     bool m_isDark = true;
     bool m_isRightToLeft = false;
-    bool m_isHeld = false;
+    bool m_isHovered = false;
+    bool m_reducesMotion = false;
+    ChipView::Title m_title = ChipView::Title::window;
     double m_chipWidth = 0;
+    double m_contentWidth = 0;
+    double m_scroll = 0;
     std::vector<std::string> m_order; ///< of the newest items
     std::vector<std::string> m_slots; ///< as laid out; some may be empty while held
+    std::map<std::string, std::string> m_applications; ///< by the identifier of a slot
     std::map<std::string, ChipView*> m_chips;
-    bool m_reducesMotion = false;
+    std::vector<PinData> m_wantedPins;
+    std::vector<std::string> m_pinOrder; ///< as laid out, by identifier of the view
+    std::map<std::string, PinView*> m_pins;
+    std::map<std::string, double> m_places; ///< the left edge of each slot, as if never scrolled
+    std::map<std::string, double> m_shown; ///< where chips are on their way to their places
+    ScrollArrow* m_backArrow = nullptr;
+    ScrollArrow* m_forwardArrow = nullptr;
+    std::optional<ReorderDrag> m_drag;
+    DragKind m_dragKind{};
     std::set<std::string> m_asking; ///< the chips that want attention
     AttentionPulse m_pulse;
+    Animation m_motion;
+    Animation m_scrolling;
 };
 
 }

@@ -8,6 +8,7 @@
 
 #include "Hosts/X11/IconImage.h"
 #include "Hosts/X11/Monitors.h"
+#include "Hosts/X11/Surface/AlphaShape.h"
 #include "Hosts/X11/Surface/DamageRegion.h"
 #include "Hosts/X11/Surface/DisplayText.h"
 #include "Hosts/X11/Surface/MenuLayout.h"
@@ -138,6 +139,84 @@ TEST(CairoCanvas, strokesLieInsideTheEdge)
         EXPECT_EQ(paper.pixel(inside, inside), 0u);
         EXPECT_NE(paper.pixel(inside - 1, inside), 0u);
     }
+}
+
+// Faults: a magnification that moves its own centre, or that goes on after `restore`; an icon made
+// anew for each step of an animation; a clip whose corners are not round.
+TEST(CairoCanvas, magnifiesAboutAPointAndClipsRoundCorners)
+{
+    for (double scale : kScales) {
+        Paper paper{80, 80, scale};
+        auto icon = std::make_shared<SquareIcon>();
+        paper.canvas.save();
+        paper.canvas.translate(10, 10);
+        paper.canvas.magnify(2, {20, 20});
+        paper.canvas.drawImage(icon, {15, 15, 10, 10});
+        EXPECT_EQ(icon->asked, std::lround(10 * scale));
+        EXPECT_NEAR(paper.ink().centre().x, 30 * scale, 1);
+        EXPECT_NEAR(paper.ink().width, 20 * scale, 2);
+        paper.canvas.restore();
+
+        Paper round{40, 40, scale};
+        round.canvas.clipRounded({0, 0, 40, 40}, 10);
+        round.canvas.fill({0, 0, 40, 40}, kWhite);
+        EXPECT_EQ(round.pixel(0, 0), 0u);
+        EXPECT_EQ(round.pixel(int(20 * scale), 0), 0xffffffff);
+    }
+}
+
+// Faults: a symbol that is not drawn at all, that leaves its box, or that leans to one side.
+TEST(CairoCanvas, symbolsFillTheirBoxAndMirrorEachOther)
+{
+    for (double scale : kScales) {
+        for (auto symbol : {Symbol::menuGrid, Symbol::close, Symbol::chevronUp, Symbol::showDesktop,
+                 Symbol::checkmark}) {
+            Paper paper{30, 30, scale};
+            paper.canvas.drawSymbol(symbol, {5, 5, 16, 16}, kWhite);
+            EXPECT_GT(paper.ink().width, 8 * scale) << int(symbol);
+            EXPECT_TRUE((Rect{4 * scale, 4 * scale, 18 * scale, 18 * scale}.contains(paper.ink())));
+        }
+        Paper left{16, 16, scale};
+        Paper right{16, 16, scale};
+        left.canvas.drawSymbol(Symbol::chevronLeft, {0, 0, 16, 16}, kWhite);
+        right.canvas.drawSymbol(Symbol::chevronRight, {0, 0, 16, 16}, kWhite);
+        auto last = int(16 * scale) - 1;
+        EXPECT_FALSE(left.ink().isEmpty());
+        for (int y = 0; y <= last; ++y) {
+            for (int x = 0; x <= last; ++x)
+                EXPECT_NEAR(left.pixel(x, y) >> 24, right.pixel(last - x, y) >> 24, 8)
+                    << x << ',' << y;
+        }
+    }
+}
+
+// Faults: a corner of garbage, a hole that is closed, rows that overlap; the dark rim that a half
+// transparent edge has when it is shown as it is.
+TEST(AlphaShape, isWhatIsMoreThereThanNot)
+{
+    Paper paper{20, 20, 1};
+    paper.canvas.fillRounded({0, 0, 20, 16}, 6, kWhite);
+    paper.canvas.fill({8, 16, 4, 4}, kWhite.withAlpha(0.6));
+    paper.canvas.fill({0, 16, 4, 4}, kWhite.withAlpha(0.4)); // a shadow
+    auto shape = opaqueRectangles(paper.surface.get());
+    std::vector<std::vector<int>> covered(20, std::vector<int>(20));
+    for (auto& part : shape) {
+        for (int y = part.y; y < part.y + part.height; ++y) {
+            for (int x = part.x; x < part.x + part.width; ++x)
+                ++covered[std::size_t(y)][std::size_t(x)];
+        }
+    }
+    for (int y = 0; y < 20; ++y) {
+        for (int x = 0; x < 20; ++x)
+            EXPECT_EQ(covered[std::size_t(y)][std::size_t(x)], paper.pixel(x, y) >> 24 >= 128)
+                << x << ',' << y;
+    }
+    EXPECT_LE(shape.size(), 14u); // not one for each row
+
+    Paper flat{20, 20, 1};
+    flatten(paper.surface.get(), flat.surface.get(), {8, 16, 4, 4});
+    EXPECT_EQ(flat.pixel(8, 16), 0xffffffff);
+    EXPECT_EQ(flat.pixel(2, 2), 0u);
 }
 
 TEST(CairoCanvas, damageIsClearedAndNothingOutsideIsTouched)
@@ -306,7 +385,45 @@ TEST(MenuLayout, menusStayOnTheirMonitor)
     EXPECT_EQ(placeMenu({150, 300}, atBottom, monitor, true).maxX(), atBottom.maxX());
     EXPECT_EQ(placeMenu({150, 300}, {1050, 710, 50, 40}, monitor, false).maxX(), 1100);
     EXPECT_EQ(placeMenu({150, 300}, {200, 50, 160, 40}, monitor, false).y, 90); // a bar on top
-    EXPECT_EQ(placeMenu({150, 900}, atBottom, monitor, false).y, 50);
+    EXPECT_EQ(placeMenu({150, 900}, atBottom, monitor, false), (Rect{200, 50, 150, 660})); // cut
+
+    Rect row{200, 300, 140, 26};
+    EXPECT_EQ(placeSubmenu({150, 100}, row, 5, monitor, false), (Rect{340, 295, 150, 100}));
+    EXPECT_EQ(placeSubmenu({150, 100}, row, 5, monitor, true).x, 340); // no room on its side
+    EXPECT_EQ(placeSubmenu({150, 100}, {900, 720, 190, 26}, 5, monitor, false),
+        (Rect{750, 650, 150, 100}));
+}
+
+// Faults: a check mark over the title, a column for marks in menus without any, a mirrored menu
+// whose arrow points at the title.
+TEST(MenuLayout, marksAndArrowsHaveColumnsOfTheirOwn)
+{
+    std::string title(30, 'x');
+    Menu plain{{title, true, {}}};
+    Menu marked{{title, true, {}}, {"On", true, {}, true}, {"More", true, {}, false, plain}};
+    MenuStyle style;
+    auto without = MenuLayout{plain, PlainText{}, style}.size().width;
+    MenuLayout layout{marked, PlainText{}, style};
+    EXPECT_EQ(layout.size().width, without + style.markWidth + style.arrowWidth);
+    for (bool isRightToLeft : {false, true}) {
+        auto parts = layout.partsOf(0, isRightToLeft);
+        EXPECT_FALSE(parts.title.intersects(parts.mark));
+        EXPECT_FALSE(parts.title.intersects(parts.arrow));
+        EXPECT_EQ(parts.mark.x < parts.arrow.x, !isRightToLeft);
+        EXPECT_GE(parts.title.width, 300);
+    }
+}
+
+// Faults: a submenu that closes under a pointer that crosses the rows between, and one that stays
+// open for a pointer that goes elsewhere.
+TEST(MenuLayout, aPointerOnItsWayToASubmenuIsRecognised)
+{
+    Rect submenu{300, 100, 150, 200};
+    EXPECT_TRUE(headsFor({200, 110}, {220, 145}, submenu));
+    EXPECT_FALSE(headsFor({200, 110}, {200, 150}, submenu)); // straight down
+    EXPECT_FALSE(headsFor({200, 110}, {210, 170}, submenu)); // below it
+    EXPECT_FALSE(headsFor({200, 110}, {190, 112}, submenu)); // away
+    EXPECT_TRUE(headsFor({500, 110}, {480, 130}, submenu)); // from the other side
 }
 
 namespace {

@@ -43,6 +43,20 @@ struct BarFixture : testing::Test {
         }
         return {};
     }
+    /// What the chips of a bar say, without the cells of the spaces, which are drawn before them.
+    static std::vector<std::string> chipTexts(const FakePanel& panel)
+    {
+        auto texts = panel.render().texts();
+        auto cells = texts.begin();
+        for (int number = 1; cells != texts.end() && *cells == std::to_string(number); ++number)
+            ++cells;
+        texts.erase(texts.begin(), cells);
+        return texts;
+    }
+    std::vector<std::string> chipTexts(SpaceID space = SpaceID{1})
+    {
+        return chipTexts(panel(space));
+    }
     const ChipData* chip(WindowID window)
     {
         for (auto& [space, chips] : model().chipsBySpace.value()) {

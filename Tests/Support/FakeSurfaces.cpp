@@ -19,9 +19,10 @@ FakePanel::FakePanel(
 
 FakePanel::~FakePanel()
 {
+    leave();
     std::erase(m_surfaces.m_panels, this);
     if (m_surfaces.m_menu && m_surfaces.m_menu->panel == this)
-        m_surfaces.m_menu.reset();
+        m_surfaces.closeMenu();
 }
 
 void FakePanel::setFrame(const Rect& frame)
@@ -57,7 +58,8 @@ void FakePanel::makeKeyAndOrderFront()
 
 bool FakePanel::isVisible() const
 {
-    return m_isOrderedIn && m_desktop.model().isCurrent(m_options.space);
+    return m_isOrderedIn
+        && (m_options.kind == PanelKind::popup || m_desktop.model().isCurrent(m_options.space));
 }
 
 double FakePanel::scale() const
@@ -100,9 +102,9 @@ void FakePanel::paintDamage()
     }
 }
 
-bool FakePanel::setBlursBehind(bool value)
+bool FakePanel::setBlursBehind(const std::optional<VisualEffect>& effect)
 {
-    m_blursBehind = value && m_surfaces.hasBlur();
+    m_effect = m_surfaces.hasBlur() ? effect : std::nullopt;
     return m_surfaces.hasBlur();
 }
 
@@ -160,6 +162,35 @@ void FakePanel::scroll(Point at, double deltaY, bool isDirectionInverted)
         {.location = at, .deltaY = deltaY, .isDirectionInverted = isDirectionInverted});
 }
 
+void FakePanel::scrollSideways(Point at, double deltaX)
+{
+    m_client.scrollEvent({.location = at, .deltaX = deltaX});
+}
+
+bool FakePanel::takeKeyboard()
+{
+    if (!std::exchange(m_hasKeyboard, true))
+        m_client.keyboardDidChange(true);
+    return true;
+}
+
+void FakePanel::releaseKeyboard()
+{
+    if (std::exchange(m_hasKeyboard, false))
+        m_client.keyboardDidChange(false);
+}
+
+void FakePanel::pressKey(Key key)
+{
+    if (m_hasKeyboard)
+        m_client.keyPressed(key);
+}
+
+bool FakePanel::dragFiles(DropAction action, Point at, std::vector<std::string> paths)
+{
+    return m_client.dropEvent({action, at, std::move(paths)});
+}
+
 std::unique_ptr<PanelSurface> FakeSurfaces::createPanel(
     const PanelOptions& options, SurfaceClient& client)
 {
@@ -169,9 +200,57 @@ std::unique_ptr<PanelSurface> FakeSurfaces::createPanel(
     return std::make_unique<FakePanel>(m_desktop, *this, options, client);
 }
 
-void FakeSurfaces::popUpMenu(PanelSurface& panel, Menu menu, const Rect& anchor)
+void FakeSurfaces::popUpMenu(
+    PanelSurface& panel, Menu menu, const Rect& anchor, std::function<void()> onClosed)
 {
-    m_menu = OpenMenu{std::move(menu), anchor, &panel};
+    closeMenu();
+    m_menu = OpenMenu{std::move(menu), anchor, &panel, std::move(onClosed)};
+}
+
+void FakeSurfaces::closeMenu()
+{
+    if (auto menu = std::exchange(m_menu, std::nullopt); menu && menu->onClosed)
+        m_desktop.post(std::move(menu->onClosed));
+}
+
+namespace {
+
+void addEntries(const Menu& menu, std::vector<MenuEntry>& entries)
+{
+    for (auto& item : menu) {
+        if (!item.title.empty())
+            entries.push_back({item.title, item.isEnabled, {}});
+        addEntries(item.submenu, entries);
+    }
+}
+
+const MenuItem* findItem(const Menu& menu, std::string_view title)
+{
+    for (auto& item : menu) {
+        if (item.title == title)
+            return &item;
+        if (auto* found = findItem(item.submenu, title))
+            return found;
+    }
+    return nullptr;
+}
+
+}
+
+std::vector<MenuEntry> FakeSurfaces::openMenuEntries() const
+{
+    std::vector<MenuEntry> entries;
+    if (m_menu)
+        addEntries(m_menu->menu, entries);
+    return entries;
+}
+
+FakePanel* FakeSurfaces::popup() const
+{
+    auto found = std::ranges::find_if(m_panels, [](const FakePanel* panel) {
+        return panel->options().kind == PanelKind::popup && panel->isOrderedIn();
+    });
+    return found == m_panels.end() ? nullptr : *found;
 }
 
 std::vector<FakePanel*> FakeSurfaces::visiblePanels() const
@@ -227,11 +306,11 @@ bool FakeSurfaces::chooseMenuItem(std::string_view title)
 {
     if (!m_menu)
         return false;
-    auto found = std::ranges::find(m_menu->menu, title, &MenuItem::title);
-    if (found == m_menu->menu.end() || !found->isEnabled)
+    auto* found = findItem(m_menu->menu, title);
+    if (!found || !found->isEnabled || !found->action)
         return false;
     auto action = found->action;
-    m_menu.reset();
+    closeMenu();
     m_desktop.post(std::move(action));
     return true;
 }

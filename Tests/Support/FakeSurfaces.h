@@ -36,12 +36,17 @@ public:
     bool isVisible() const override;
     double scale() const override;
     void invalidate(const Rect&) override;
-    bool setBlursBehind(bool) override;
+    bool setBlursBehind(const std::optional<VisualEffect>&) override;
+    Duration frameInterval() const override { return seconds(1.0 / 60); }
+    bool takeKeyboard() override;
+    void releaseKeyboard() override;
+    void accessibleTreeDidChange() override { ++m_treeChanges; }
 
     const PanelOptions& options() const { return m_options; }
     bool isOrderedIn() const { return m_isOrderedIn; }
     bool canBecomeKey() const { return m_canBecomeKey; }
-    bool blursBehind() const { return m_blursBehind; }
+    const std::optional<VisualEffect>& effect() const { return m_effect; }
+    bool blursBehind() const { return m_effect.has_value(); }
     Rect bounds() const { return Rect::from({}, m_frame.size()); }
 
     /// The whole panel, drawn now for the test only.
@@ -60,6 +65,12 @@ public:
     void cancelPress(Point, PointerButton = PointerButton::primary);
     void click(Point, PointerButton = PointerButton::primary);
     void scroll(Point, double deltaY, bool isDirectionInverted = false);
+    void scrollSideways(Point, double deltaX);
+    void pressKey(Key);
+    bool hasKeyboard() const { return m_hasKeyboard; }
+    bool dragFiles(DropAction, Point, std::vector<std::string> paths = {});
+    AccessibleElement* accessibleRoot() const { return m_client.accessibleRoot(); }
+    int accessibleTreeChanges() const { return m_treeChanges; }
 
 private:
     void send(PointerAction, Point, PointerButton = PointerButton::none);
@@ -72,8 +83,10 @@ private:
     Rect m_frame;
     bool m_isOrderedIn = false;
     bool m_canBecomeKey = false;
-    bool m_blursBehind = false;
+    std::optional<VisualEffect> m_effect;
     bool m_hasPointer = false;
+    bool m_hasKeyboard = false;
+    int m_treeChanges = 0;
     std::vector<Rect> m_damage; // disjoint, painted at the next frame
     std::vector<Rect> m_frames;
     std::vector<Paint> m_paints;
@@ -86,7 +99,10 @@ public:
     explicit FakeSurfaces(FakeDesktop& desktop) : m_desktop(desktop) { }
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
-    void popUpMenu(PanelSurface&, Menu, const Rect& anchor) override;
+    void popUpMenu(
+        PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed) override;
+    void closeMenu() override;
+    std::vector<MenuEntry> openMenuEntries() const override;
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
 
     /// In the order made.
@@ -103,12 +119,15 @@ public:
         Menu menu;
         Rect anchor;
         const PanelSurface* panel = nullptr;
+        std::function<void()> onClosed;
     };
     const std::optional<OpenMenu>& menu() const { return m_menu; }
     std::vector<std::string> menuTitles() const;
     /// False if no open menu has such an enabled entry.
     bool chooseMenuItem(std::string_view title);
-    void dismissMenu() { m_menu.reset(); }
+    void dismissMenu() { closeMenu(); }
+    /// The popup that is on the screen; null if there is none.
+    FakePanel* popup() const;
 
     void setBlurAvailable(bool value) { m_hasBlur = value; }
     bool hasBlur() const { return m_hasBlur; }

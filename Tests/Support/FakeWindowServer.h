@@ -43,6 +43,9 @@ public:
     void postKeyEvent(std::uint16_t keyCode, KeyAction, std::uint64_t modifierFlags) override;
     bool canPostPointerEvents() const override { return m_canPostPointerEvents; }
     void postPointerEvent(PointerPost, Point) override;
+    void toggleShowingDesktop() override { m_isShowingDesktop = !m_isShowingDesktop; }
+
+    bool isShowingDesktop() const { return m_isShowingDesktop; }
 
     // Knobs.
     /// Entries that the list gives beside the real ones.
@@ -124,6 +127,7 @@ private:
     Duration m_closeDelay{};
     bool m_failsSpaceLists = false;
     bool m_failsSpacesOfWindows = false;
+    bool m_isShowingDesktop = false;
     bool m_failsWindowsOfSpaces = false;
     std::function<void(std::vector<ManagedDisplay>&)> m_distortion;
     std::vector<Moved> m_moves;

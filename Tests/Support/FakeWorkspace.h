@@ -43,12 +43,33 @@ public:
     Image runningApplicationIcon(ProcessID) const override;
     Image genericApplicationIcon() const override;
     void openApplication(const ApplicationURL& url) override { m_opened.push_back(url.path); }
+    void openNewInstance(const ApplicationURL& url) override
+    {
+        m_opened.push_back("new " + url.path);
+    }
+    void openFiles(const std::vector<std::string>& paths, const ApplicationURL& url) override
+    {
+        for (auto& path : paths)
+            m_opened.push_back(path + " with " + url.path);
+    }
+    void openFile(const std::string& path) override { m_opened.push_back(path); }
+    std::vector<ApplicationAction> actions(const ApplicationURL&) const override
+    {
+        return m_actions;
+    }
+    void perform(const ApplicationAction& action, const ApplicationURL& url) override
+    {
+        m_opened.push_back(action.identifier + " of " + url.path);
+    }
+    void requestTermination(ProcessID pid) override { m_terminated.push_back(pid); }
     bool isSelfActive() const override { return m_isSelfActive; }
     void activateSelf() override { m_isSelfActive = true; }
     bool activateCooperatively(ProcessID) override;
     bool activateDirectly(ProcessID) override;
 
     // Knobs.
+    /// Of every application.
+    void setActions(std::vector<ApplicationAction> actions) { m_actions = std::move(actions); }
     void install(std::string bundleIdentifier, std::string path);
     void uninstall(const std::string& bundleIdentifier) { m_installed.erase(bundleIdentifier); }
     void setSelfActive(bool value) { m_isSelfActive = value; }
@@ -62,6 +83,7 @@ public:
     };
     const std::vector<Activated>& activations() const { return m_activations; }
     const std::vector<std::string>& opened() const { return m_opened; }
+    const std::vector<ProcessID>& terminated() const { return m_terminated; }
     /// Icons that were looked up; a cache should keep this low.
     int iconLookups() const { return m_iconLookups; }
 
@@ -74,6 +96,8 @@ private:
     std::map<std::string, std::string, std::less<>> m_installed;
     std::vector<Activated> m_activations;
     std::vector<std::string> m_opened;
+    std::vector<ApplicationAction> m_actions;
+    std::vector<ProcessID> m_terminated;
     mutable std::map<std::string, Image> m_images;
     mutable int m_iconLookups = 0;
 };

@@ -21,13 +21,26 @@ void RecordingCanvas::restore()
 
 void RecordingCanvas::translate(double dx, double dy)
 {
-    state().dx += dx;
-    state().dy += dy;
+    state().dx += dx * state().factor;
+    state().dy += dy * state().factor;
+}
+
+void RecordingCanvas::magnify(double factor, Point about)
+{
+    translate(about.x * (1 - factor), about.y * (1 - factor));
+    m_states.back().factor *= factor;
+}
+
+Rect RecordingCanvas::toSurface(const Rect& rect) const
+{
+    auto& state = m_states.back();
+    return {rect.x * state.factor + state.dx, rect.y * state.factor + state.dy,
+        rect.width * state.factor, rect.height * state.factor};
 }
 
 void RecordingCanvas::clip(const Rect& rect)
 {
-    state().clip = state().clip.intersected(rect.translated(state().dx, state().dy));
+    state().clip = state().clip.intersected(toSurface(rect));
 }
 
 void RecordingCanvas::beginOpacity(double opacity)
@@ -54,7 +67,7 @@ void RecordingCanvas::pop(bool isOpacityGroup)
 
 template <typename Drawn> void RecordingCanvas::record(const Rect& rect, Drawn drawn)
 {
-    drawn.rect = rect.translated(state().dx, state().dy);
+    drawn.rect = toSurface(rect);
     drawn.visible = drawn.rect.intersected(state().clip);
     drawn.opacity = state().opacity;
     m_operations.push_back(std::move(drawn));
@@ -75,6 +88,16 @@ void RecordingCanvas::strokeRounded(
 {
     record(rect,
         DrawnStroke{.rect = {}, .visible = {}, .radius = radius, .width = width, .color = color});
+}
+
+void RecordingCanvas::fillPolygon(const std::vector<Point>& corners, const Color& color)
+{
+    Rect around;
+    for (auto& corner : corners) {
+        Rect point{corner.x, corner.y, 0, 0};
+        around = &corner == &corners.front() ? point : around.united(point);
+    }
+    record(around, DrawnPolygon{.rect = {}, .visible = {}, .color = color});
 }
 
 void RecordingCanvas::fillGradient(

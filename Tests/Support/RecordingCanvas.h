@@ -31,6 +31,12 @@ struct DrawnGradient {
     std::vector<GradientStop> stops;
     double opacity = 1;
 };
+struct DrawnPolygon {
+    Rect rect; ///< around its corners
+    Rect visible;
+    Color color;
+    double opacity = 1;
+};
 struct DrawnImage {
     Rect rect;
     Rect visible;
@@ -52,8 +58,8 @@ struct DrawnSymbol {
     double opacity = 1;
 };
 
-using DrawOperation
-    = std::variant<DrawnFill, DrawnStroke, DrawnGradient, DrawnImage, DrawnText, DrawnSymbol>;
+using DrawOperation = std::variant<DrawnFill, DrawnStroke, DrawnGradient, DrawnPolygon, DrawnImage,
+    DrawnText, DrawnSymbol>;
 
 /// A canvas that remembers instead of drawing. Rounded rectangles without a radius are plain fills.
 class RecordingCanvas final : public Canvas {
@@ -64,12 +70,15 @@ public:
     void save() override;
     void restore() override;
     void translate(double dx, double dy) override;
+    void magnify(double factor, Point about) override;
     void clip(const Rect&) override;
+    void clipRounded(const Rect& rect, double) override { clip(rect); }
     void beginOpacity(double opacity) override;
     void endOpacity() override;
     void fill(const Rect&, const Color&) override;
     void fillRounded(const Rect&, double radius, const Color&) override;
     void strokeRounded(const Rect&, double radius, double width, const Color&) override;
+    void fillPolygon(const std::vector<Point>&, const Color&) override;
     void fillGradient(const Rect&, GradientDirection, const std::vector<GradientStop>&) override;
     void drawImage(const Image&, const Rect&) override;
     void drawText(std::string_view utf8, const Rect&, const TextStyle&) override;
@@ -98,6 +107,7 @@ private:
     struct State {
         double dx = 0;
         double dy = 0;
+        double factor = 1;
         Rect clip;
         double opacity = 1;
         bool isOpacityGroup = false;
@@ -105,6 +115,7 @@ private:
 
     State& state() { return m_states.back(); }
     void pop(bool isOpacityGroup);
+    Rect toSurface(const Rect&) const;
     template <typename Drawn> void record(const Rect& rect, Drawn drawn);
 
     double m_scale;

@@ -73,6 +73,9 @@ class ClickStorms : public UnderEachManager { };
 // older than it; another chip flashes on the way.
 TEST_P(ClickStorms, bringTheClickedWindowAndLightNoOtherOnTheWay)
 {
+    // So that all chips are within reach.
+    std::ofstream(server.settingsFile()) << R"({"groupWindowsByApp": false, "barSize": "small"})";
+    desktop.setDesktopCount(1);
     std::vector<std::unique_ptr<ClientProcess>> applications;
     for (int i = 0; i < kApplications; ++i) {
         applications.push_back(std::make_unique<ClientProcess>(server, [i](Client& client, char) {

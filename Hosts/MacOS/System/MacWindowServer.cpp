@@ -205,6 +205,12 @@ void MacWindowServer::postPointerEvent(PointerPost post, Point at)
         CGEventPost(kCGHIDEventTap, event.get());
 }
 
+void MacWindowServer::toggleShowingDesktop()
+{
+    if (m_symbols.coreDockSendNotification)
+        m_symbols.coreDockSendNotification(CFSTR("com.apple.showdesktop.awake"), 0);
+}
+
 bool MacWindowServer::moveOwnWindow(WindowID window, SpaceID space) const
 {
     if (!m_symbols.moveWindowsToManagedSpace)

@@ -46,6 +46,7 @@ public:
     void postKeyEvent(std::uint16_t keyCode, KeyAction, std::uint64_t modifierFlags) override;
     bool canPostPointerEvents() const override { return true; }
     void postPointerEvent(PointerPost, Point) override;
+    void toggleShowingDesktop() override;
 
     /// Puts a window of this program on one space; false where the system has no call for it.
     bool moveOwnWindow(WindowID, SpaceID) const;

@@ -47,6 +47,7 @@ PrivateSymbols PrivateSymbols::load()
         "CGSIsSymbolicHotKeyEnabled");
     look(s.setSymbolicHotKeyEnabled, skyLight, "SLSSetSymbolicHotKeyEnabled",
         "CGSSetSymbolicHotKeyEnabled");
+    look(s.coreDockSendNotification, RTLD_DEFAULT, "CoreDockSendNotification");
     look(s.axElementGetWindow, RTLD_DEFAULT, "_AXUIElementGetWindow");
     look(s.copyRunningApplicationArray, RTLD_DEFAULT, "_LSCopyRunningApplicationArray");
     look(s.copyApplicationInformation, RTLD_DEFAULT, "_LSCopyApplicationInformation");

@@ -37,6 +37,9 @@ struct PrivateSymbols {
     bool (*isSymbolicHotKeyEnabled)(int hotKey) = nullptr;
     CGError (*setSymbolicHotKeyEnabled)(int hotKey, bool isEnabled) = nullptr;
 
+    /// One of the Dock's own actions; the number is always 0.
+    CGError (*coreDockSendNotification)(CFStringRef name, int) = nullptr;
+
     ::AXError (*axElementGetWindow)(AXUIElementRef, CGWindowID*) = nullptr;
 
     /// Serial numbers, objects of a type without a name.

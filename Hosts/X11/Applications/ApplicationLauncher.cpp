@@ -1,43 +1,100 @@
 #include "Hosts/X11/Applications/ApplicationLauncher.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <memory>
 
 #include <fmt/format.h>
 #include <gio/gdesktopappinfo.h>
 #include <unistd.h>
 
+#include "Hosts/X11/Applications/DesktopEntryFile.h"
+
 namespace quorvel::x11 {
 
 namespace {
 
-struct Unref {
-    void operator()(void* object) const { g_object_unref(object); }
-};
+template <typename Type> using Owned = std::unique_ptr<Type, UnrefObject>;
+using DesktopFile = Owned<GDesktopAppInfo>;
 
-template <typename Type> using Owned = std::unique_ptr<Type, Unref>;
+DesktopFile read(const std::string& path)
+{
+    return DesktopFile{g_desktop_app_info_new_from_filename(path.c_str())};
+}
+
+void tellFailure(const std::string& what, GError* error)
+{
+    std::fprintf(stderr, "quorvel: cannot start %s: %s\n", what.c_str(),
+        error ? error->message : "the desktop file names no program");
+    g_clear_error(&error);
+}
 
 }
 
-void ApplicationLauncher::launch(const std::string& desktopFilePath, std::uint32_t time)
+LaunchContext ApplicationLauncher::makeContext(std::uint32_t time)
 {
-    Owned<GDesktopAppInfo> application{
-        g_desktop_app_info_new_from_filename(desktopFilePath.c_str())};
-    if (!application) {
-        std::fprintf(stderr, "quorvel: cannot start %s\n", desktopFilePath.c_str());
-        return;
-    }
-    Owned<GAppLaunchContext> context{g_app_launch_context_new()};
+    LaunchContext context{g_app_launch_context_new()};
     auto id = nextStartupID(time);
     // Both names of the same: the older of X11, the newer that toolkits read first.
     g_app_launch_context_setenv(context.get(), "DESKTOP_STARTUP_ID", id.c_str());
     g_app_launch_context_setenv(context.get(), "XDG_ACTIVATION_TOKEN", id.c_str());
+    return context;
+}
+
+void ApplicationLauncher::launch(
+    const std::string& desktopFilePath, std::uint32_t time, const std::vector<std::string>& files)
+{
+    auto application = read(desktopFilePath);
+    if (!application)
+        return tellFailure(desktopFilePath, nullptr);
+    GList* list = nullptr;
+    for (auto& file : files)
+        list = g_list_append(list, g_file_new_for_path(file.c_str()));
     GError* error = nullptr;
-    if (!g_app_info_launch(G_APP_INFO(application.get()), nullptr, context.get(), &error)) {
-        std::fprintf(
-            stderr, "quorvel: cannot start %s: %s\n", desktopFilePath.c_str(), error->message);
-        g_error_free(error);
+    if (!g_app_info_launch(G_APP_INFO(application.get()), list, makeContext(time).get(), &error))
+        tellFailure(desktopFilePath, error);
+    g_list_free_full(list, g_object_unref);
+}
+
+std::vector<ApplicationAction> ApplicationLauncher::actions(const std::string& desktopFilePath)
+{
+    std::vector<ApplicationAction> actions;
+    auto application = read(desktopFilePath);
+    if (!application)
+        return actions;
+    for (auto* action = g_desktop_app_info_list_actions(application.get()); *action; ++action) {
+        std::unique_ptr<char, decltype(&g_free)> title{
+            g_desktop_app_info_get_action_name(application.get(), *action), &g_free};
+        // A menu would take a nameless entry for a separator.
+        if (title && *title)
+            actions.push_back({*action, validUtf8(title.get())});
     }
+    return actions;
+}
+
+void ApplicationLauncher::perform(
+    const std::string& desktopFilePath, const std::string& action, std::uint32_t time)
+{
+    // GIO ends the program for an action that is not there.
+    auto offered = actions(desktopFilePath);
+    auto isOffered = [&](auto& candidate) { return candidate.identifier == action; };
+    if (auto application = read(desktopFilePath);
+        application && std::any_of(offered.begin(), offered.end(), isOffered))
+        g_desktop_app_info_launch_action(
+            application.get(), action.c_str(), makeContext(time).get());
+}
+
+void ApplicationLauncher::openFile(const std::string& path)
+{
+    Owned<GFile> file{g_file_new_for_path(path.c_str())};
+    std::unique_ptr<char, decltype(&g_free)> uri{g_file_get_uri(file.get()), &g_free};
+    g_app_info_launch_default_for_uri_async(
+        uri.get(), nullptr, nullptr,
+        [](GObject*, GAsyncResult* result, void*) {
+            GError* error = nullptr;
+            if (!g_app_info_launch_default_for_uri_finish(result, &error))
+                tellFailure("a file", error);
+        },
+        nullptr);
 }
 
 /// Unique in the session; the time comes last, where window managers look for it.

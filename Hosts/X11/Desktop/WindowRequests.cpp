@@ -47,6 +47,13 @@ void WindowRequests::activate(WindowID window)
     wish();
 }
 
+void WindowRequests::toggleShowingDesktop()
+{
+    message(m_connection.root(), m_connection.atoms().netShowingDesktop,
+        {m_root.isShowingDesktop() ? 0u : 1u});
+    xcb_flush(m_connection.raw());
+}
+
 void WindowRequests::focusWasLost()
 {
     // xfwm4 takes the focus from all windows when it switches, later than the time of the request

@@ -39,6 +39,7 @@ public:
     void resize(WindowID, Size);
     /// Makes the space the current one; a space that is not there is ignored.
     void switchTo(SpaceID);
+    void toggleShowingDesktop();
     /// The spaces that the model wants for the window, as far as a manager can be told.
     void sendToWantedSpaces();
 

@@ -193,4 +193,9 @@ void X11WindowServer::clearDockRectangle(ConnectionID, DisplayNumber display)
     m_environment.dockHeights.set(std::move(heights));
 }
 
+void X11WindowServer::toggleShowingDesktop()
+{
+    m_requests.toggleShowingDesktop();
+}
+
 }

@@ -44,6 +44,7 @@ public:
     void postKeyEvent(std::uint16_t, KeyAction, std::uint64_t) override { }
     bool canPostPointerEvents() const override { return false; }
     void postPointerEvent(PointerPost, Point) override { }
+    void toggleShowingDesktop() override;
 
 private:
     using Change = std::function<void(std::vector<SpaceID>& wanted, SpaceID)>;

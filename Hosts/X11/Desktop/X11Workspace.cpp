@@ -111,7 +111,37 @@ void X11Workspace::openApplication(const ApplicationURL& url)
     if (auto window = lastActiveWindow(url))
         m_requests.activate(*window);
     else
-        m_time.ask([this, path = url.path](auto time) { m_launcher.launch(path, time); });
+        openNewInstance(url);
+}
+
+void X11Workspace::openNewInstance(const ApplicationURL& url)
+{
+    m_time.ask([this, path = url.path](auto time) { m_launcher.launch(path, time); });
+}
+
+void X11Workspace::openFiles(const std::vector<std::string>& paths, const ApplicationURL& url)
+{
+    m_time.ask([this, paths, path = url.path](auto time) { m_launcher.launch(path, time, paths); });
+}
+
+std::vector<ApplicationAction> X11Workspace::actions(const ApplicationURL& url) const
+{
+    return ApplicationLauncher::actions(url.path);
+}
+
+void X11Workspace::perform(const ApplicationAction& action, const ApplicationURL& url)
+{
+    m_time.ask([this, id = action.identifier, path = url.path](
+                   auto time) { m_launcher.perform(path, id, time); });
+}
+
+void X11Workspace::requestTermination(ProcessID pid)
+{
+    auto* pair = m_mirror.processes().find(pid);
+    if (!pair)
+        return;
+    for (auto window : pair->windows)
+        m_requests.close(window);
 }
 
 std::optional<WindowID> X11Workspace::lastActiveWindow(const ApplicationURL& url) const

@@ -32,6 +32,13 @@ public:
 
     /// An application with a window is brought to the front, on whatever space it is.
     void openApplication(const ApplicationURL&) override;
+    void openNewInstance(const ApplicationURL&) override;
+    void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
+    void openFile(const std::string& path) override { ApplicationLauncher::openFile(path); }
+    std::vector<ApplicationAction> actions(const ApplicationURL&) const override;
+    void perform(const ApplicationAction&, const ApplicationURL&) override;
+    /// Each of its windows is asked to close: X11 knows no other way to say it.
+    void requestTermination(ProcessID) override;
 
     bool isSelfActive() const override;
     /// Only windows are active here: one of ours takes the focus when the user gives it.

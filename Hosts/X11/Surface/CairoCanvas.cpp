@@ -14,6 +14,8 @@ namespace quorvel::x11 {
 
 namespace {
 
+constexpr double kSmallestFactor = 0.001;
+
 void addRectangle(cairo_t* cairo, const Rect& rect)
 {
     cairo_rectangle(cairo, rect.x, rect.y, rect.width, rect.height);
@@ -68,26 +70,41 @@ CairoCanvas::~CairoCanvas() = default;
 void CairoCanvas::save()
 {
     cairo_save(m_cairo.get());
-    m_savedOrigins.push_back(m_origin);
+    m_saved.push_back(m_transform);
 }
 
 void CairoCanvas::restore()
 {
-    if (m_savedOrigins.empty())
+    if (m_saved.empty())
         return;
     cairo_restore(m_cairo.get());
-    m_origin = m_savedOrigins.back();
-    m_savedOrigins.pop_back();
+    m_transform = m_saved.back();
+    m_saved.pop_back();
 }
 
 void CairoCanvas::translate(double dx, double dy)
 {
-    m_origin = m_origin.translated(dx, dy);
+    double factor = m_transform.factor;
+    m_transform.origin = m_transform.origin.translated(dx * factor, dy * factor);
+}
+
+void CairoCanvas::magnify(double factor, Point about)
+{
+    // A factor of 0 would leave nothing to invert.
+    factor = std::max(factor, kSmallestFactor);
+    translate(about.x * (1 - factor), about.y * (1 - factor));
+    m_transform.factor *= factor;
 }
 
 void CairoCanvas::clip(const Rect& rect)
 {
     addRectangle(m_cairo.get(), toWholePixels(rect));
+    cairo_clip(m_cairo.get());
+}
+
+void CairoCanvas::clipRounded(const Rect& rect, double radius)
+{
+    addRoundedPath(m_cairo.get(), toWholePixels(rect), radius * pixelsPerPoint());
     cairo_clip(m_cairo.get());
 }
 
@@ -116,20 +133,30 @@ void CairoCanvas::fill(const Rect& rect, const Color& color)
 void CairoCanvas::fillRounded(const Rect& rect, double radius, const Color& color)
 {
     setColor(color);
-    addRoundedPath(m_cairo.get(), toWholePixels(rect), radius * m_scale);
+    addRoundedPath(m_cairo.get(), toWholePixels(rect), radius * pixelsPerPoint());
     cairo_fill(m_cairo.get());
 }
 
 void CairoCanvas::strokeRounded(const Rect& rect, double radius, double width, const Color& color)
 {
     auto outer = toWholePixels(rect);
-    double line = std::max(1.0, std::round(width * m_scale));
+    double line = std::max(1.0, std::round(width * pixelsPerPoint()));
     setColor(color);
     cairo_set_fill_rule(m_cairo.get(), CAIRO_FILL_RULE_EVEN_ODD);
-    addRoundedPath(m_cairo.get(), outer, radius * m_scale);
-    addRoundedPath(m_cairo.get(), outer.inset(line, line), radius * m_scale - line);
+    addRoundedPath(m_cairo.get(), outer, radius * pixelsPerPoint());
+    addRoundedPath(m_cairo.get(), outer.inset(line, line), radius * pixelsPerPoint() - line);
     cairo_fill(m_cairo.get());
     cairo_set_fill_rule(m_cairo.get(), CAIRO_FILL_RULE_WINDING);
+}
+
+void CairoCanvas::fillPolygon(const std::vector<Point>& corners, const Color& color)
+{
+    setColor(color);
+    for (auto& corner : corners) {
+        auto [x, y] = toPixels(corner);
+        cairo_line_to(m_cairo.get(), x, y); // the first one moves there
+    }
+    cairo_fill(m_cairo.get());
 }
 
 void CairoCanvas::fillGradient(
@@ -153,12 +180,14 @@ void CairoCanvas::drawImage(const Image& image, const Rect& rect)
 {
     if (auto* picture = dynamic_cast<const PixelPicture*>(image.get()))
         return drawPicture(m_cairo.get(), *picture, toPixels(rect));
-    auto* icon = dynamic_cast<const IconImage*>(image.get());
-    if (!icon || rect.isEmpty())
-        return;
-    auto pixels = toPixels(rect);
+    if (auto* icon = dynamic_cast<const IconImage*>(image.get()); icon && !rect.isEmpty())
+        drawMagnified(rect, [&](const Rect& pixels) { drawIcon(*icon, pixels); });
+}
+
+void CairoCanvas::drawIcon(const IconImage& icon, const Rect& pixels)
+{
     int side = std::max(1, static_cast<int>(std::lround(std::min(pixels.width, pixels.height))));
-    auto* surface = icon->rendered(side);
+    auto* surface = icon.rendered(side);
     if (!surface)
         return;
     auto corner = pixels.centred({static_cast<double>(side), static_cast<double>(side)});
@@ -168,16 +197,21 @@ void CairoCanvas::drawImage(const Image& image, const Rect& rect)
 
 void CairoCanvas::drawText(std::string_view utf8, const Rect& rect, const TextStyle& style)
 {
-    auto box = toPixels(rect);
-    if (utf8.empty() || box.isEmpty())
-        return;
+    if (!utf8.empty() && !rect.isEmpty())
+        drawMagnified(rect, [&](const Rect& pixels) { drawLine(utf8, pixels, style); });
+}
+
+void CairoCanvas::drawLine(std::string_view utf8, const Rect& box, const TextStyle& style)
+{
     auto line = m_shaper.shape(utf8, style, m_scale, box.width);
     auto metrics = m_shaper.metrics(style.size, style.weight, m_scale);
     double baseline = box.y + (box.height - metrics.height()) / 2 + metrics.ascent;
 
     cairo_save(m_cairo.get());
     if (style.elide == Elide::none) {
-        addRectangle(m_cairo.get(), toWholePixels(rect));
+        auto [x, width] = snapped(box.x, box.width);
+        auto [y, height] = snapped(box.y, box.height);
+        addRectangle(m_cairo.get(), {x, y, width, height});
         cairo_clip(m_cairo.get());
     }
     setColor(style.color);
@@ -188,11 +222,24 @@ void CairoCanvas::drawText(std::string_view utf8, const Rect& rect, const TextSt
     cairo_new_path(m_cairo.get());
 }
 
+/// Fonts and icons are kept for each size, so those of all sizes on the way to another are not
+/// made.
+template <typename Draw> void CairoCanvas::drawMagnified(const Rect& points, Draw draw)
+{
+    auto pixels = toPixels(points);
+    if (!isMagnified())
+        return draw(pixels);
+    cairo_save(m_cairo.get());
+    cairo_translate(m_cairo.get(), pixels.x, pixels.y);
+    cairo_scale(m_cairo.get(), m_transform.factor, m_transform.factor);
+    draw(Rect{0, 0, points.width * m_scale, points.height * m_scale});
+    cairo_restore(m_cairo.get());
+}
+
 void CairoCanvas::drawSymbol(Symbol symbol, const Rect& rect, const Color& color)
 {
     setColor(color);
-    addSymbolPath(m_cairo.get(), symbol, toPixels(rect));
-    cairo_fill(m_cairo.get());
+    paintSymbol(m_cairo.get(), symbol, toPixels(rect));
 }
 
 void CairoCanvas::beginDamage(const Rect& points)
@@ -208,19 +255,27 @@ void CairoCanvas::endDamage()
 {
     while (!m_opacities.empty())
         endOpacity();
-    while (!m_savedOrigins.empty())
+    while (!m_saved.empty())
         restore();
+}
+
+Point CairoCanvas::toPixels(Point point) const
+{
+    auto& [origin, factor] = m_transform;
+    return {(point.x * factor + origin.x) * m_scale, (point.y * factor + origin.y) * m_scale};
 }
 
 Rect CairoCanvas::toPixels(const Rect& points) const
 {
-    return {(points.x + m_origin.x) * m_scale, (points.y + m_origin.y) * m_scale,
-        points.width * m_scale, points.height * m_scale};
+    double factor = pixelsPerPoint();
+    return Rect::from(toPixels(points.origin()), {points.width * factor, points.height * factor});
 }
 
 Rect CairoCanvas::toWholePixels(const Rect& points) const
 {
     auto pixels = toPixels(points);
+    if (isMagnified())
+        return pixels;
     auto [x, width] = snapped(pixels.x, pixels.width);
     auto [y, height] = snapped(pixels.y, pixels.height);
     return {x, y, width, height};

@@ -8,6 +8,7 @@
 namespace quorvel::x11 {
 
 class TextShaper;
+struct IconImage;
 
 /// Draws into a cairo surface of device pixels. Edges of rectangles lie on whole pixels at any
 /// scale, so that lines and gaps are equally sharp everywhere.
@@ -21,13 +22,16 @@ public:
     void save() override;
     void restore() override;
     void translate(double dx, double dy) override;
+    void magnify(double factor, Point about) override;
     void clip(const Rect&) override;
+    void clipRounded(const Rect&, double radius) override;
     void beginOpacity(double opacity) override;
     void endOpacity() override;
 
     void fill(const Rect&, const Color&) override;
     void fillRounded(const Rect&, double radius, const Color&) override;
     void strokeRounded(const Rect&, double radius, double width, const Color&) override;
+    void fillPolygon(const std::vector<Point>&, const Color&) override;
     void fillGradient(const Rect&, GradientDirection, const std::vector<GradientStop>&) override;
     void drawImage(const Image&, const Rect&) override;
     void drawText(std::string_view utf8, const Rect&, const TextStyle&) override;
@@ -38,18 +42,31 @@ public:
     void endDamage();
 
 private:
-    /// What in points lies where on the surface.
+    /// How the points of what is drawn now lie on the surface.
+    struct Transform {
+        Point origin; ///< in points of the surface
+        double factor = 1;
+    };
+
+    bool isMagnified() const { return m_transform.factor != 1; }
+    double pixelsPerPoint() const { return m_scale * m_transform.factor; }
+    Point toPixels(Point) const;
     Rect toPixels(const Rect& points) const;
-    /// The same on whole pixels; what has a size keeps at least one.
+    /// The same on whole pixels; what has a size keeps at least one. What is magnified is on its
+    /// way from one size to another and would stagger, so it stays where it is.
     Rect toWholePixels(const Rect& points) const;
+    /// Draws in device pixels of the usual size, from the rectangle's corner as the origin.
+    template <typename Draw> void drawMagnified(const Rect& points, Draw draw);
+    void drawIcon(const IconImage&, const Rect& pixels);
+    void drawLine(std::string_view utf8, const Rect& pixels, const TextStyle&);
     void setColor(const Color&);
 
     const double m_scale;
     TextShaper& m_shaper;
     const bool m_isRightToLeft;
-    Cairo m_cairo; ///< in device pixels; the origin in points is kept here
-    Point m_origin;
-    std::vector<Point> m_savedOrigins;
+    Cairo m_cairo; ///< in device pixels; how points lie on them is kept here
+    Transform m_transform;
+    std::vector<Transform> m_saved;
     std::vector<double> m_opacities;
 };
 

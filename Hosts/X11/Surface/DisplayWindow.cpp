@@ -8,49 +8,19 @@
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/PanelEnvironment.h"
 #include "Hosts/X11/Surface/CairoCanvas.h"
+#include "Hosts/X11/Surface/EventWindow.h"
+#include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/X11Panel.h"
 
 namespace quorvel::x11 {
 
 namespace {
 
-Rect wholePixels(const Rect& rect)
-{
-    double left = std::round(rect.x);
-    double top = std::round(rect.y);
-    return {left, top, std::max(1.0, std::round(rect.maxX()) - left),
-        std::max(1.0, std::round(rect.maxY()) - top)};
-}
-
 template <typename Map, typename Key>
 typename Map::mapped_type valueOr(const Map& map, Key key, typename Map::mapped_type fallback)
 {
     auto found = map.find(key);
     return found == map.end() ? fallback : found->second;
-}
-
-/// The window whose event this is; 0 for events that are none of ours.
-xcb_window_t eventWindow(const xcb_generic_event_t* event)
-{
-    switch (event->response_type & 0x7f) {
-    case XCB_EXPOSE:
-        return reinterpret_cast<const xcb_expose_event_t*>(event)->window;
-    case XCB_MAP_NOTIFY:
-        return reinterpret_cast<const xcb_map_notify_event_t*>(event)->window;
-    case XCB_REPARENT_NOTIFY:
-        return reinterpret_cast<const xcb_reparent_notify_event_t*>(event)->window;
-    case XCB_CONFIGURE_NOTIFY:
-        return reinterpret_cast<const xcb_configure_notify_event_t*>(event)->window;
-    case XCB_ENTER_NOTIFY:
-    case XCB_LEAVE_NOTIFY:
-    case XCB_MOTION_NOTIFY:
-    case XCB_BUTTON_PRESS:
-    case XCB_BUTTON_RELEASE:
-        // All of them have the window at the same place.
-        return reinterpret_cast<const xcb_button_press_event_t*>(event)->event;
-    default:
-        return XCB_WINDOW_NONE;
-    }
 }
 
 }
@@ -97,13 +67,7 @@ bool DisplayWindow::isCurrent(const X11Panel& panel) const
 
 double DisplayWindow::scale() const
 {
-    return m_context.monitors.coordinates().scale;
-}
-
-Rect DisplayWindow::toPixels(const Rect& screenPoints) const
-{
-    auto& coordinates = m_context.monitors.coordinates();
-    return wholePixels(coordinates.toPixels(screenPoints.flipped(coordinates.primaryHeight())));
+    return m_context.scale();
 }
 
 X11Panel* DisplayWindow::panelOfCurrentSpace() const
@@ -133,6 +97,7 @@ void DisplayWindow::show(X11Panel& panel)
         return;
     placeWindow(panel.framePixels());
     if (m_shown != &panel || m_paintedScale != scale()) {
+        takeAway(&panel);
         m_shown = &panel;
         m_paintedScale = scale();
         m_pointer.setScale(m_paintedScale);
@@ -147,8 +112,16 @@ void DisplayWindow::show(X11Panel& panel)
     updateStacking();
 }
 
+/// A panel that is no longer seen gives the keyboard back.
+void DisplayWindow::takeAway(const X11Panel* successor)
+{
+    if (m_shown && m_shown != successor)
+        m_shown->releaseKeyboard();
+}
+
 void DisplayWindow::hide()
 {
+    takeAway(nullptr);
     m_pointer.setClient(nullptr);
     m_shown = nullptr;
     m_window.reset(); // and with it the strut
@@ -218,6 +191,16 @@ void DisplayWindow::invalidate(const X11Panel& panel, const Rect& points)
     m_paint.request();
 }
 
+xcb_window_t DisplayWindow::windowOf(const X11Panel& panel) const
+{
+    return m_window && m_shown == &panel ? m_window->id() : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+Duration DisplayWindow::frameInterval() const
+{
+    return m_context.frames.of(m_display);
+}
+
 void DisplayWindow::requestSpace(SpaceID space) const
 {
     auto& environment = m_context.environment;
@@ -230,7 +213,7 @@ void DisplayWindow::handle(const xcb_generic_event_t* event)
     if (!m_window || eventWindow(event) != m_window->id())
         return;
     if ((event->response_type & 0x7f) == XCB_EXPOSE) {
-        auto& part = *reinterpret_cast<const xcb_expose_event_t*>(event);
+        auto& part = as<xcb_expose_event_t>(event);
         if (m_hasContent)
             m_buffer->copyTo(m_window->id(),
                 {static_cast<double>(part.x), static_cast<double>(part.y),

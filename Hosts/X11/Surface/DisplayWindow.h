@@ -34,10 +34,13 @@ public:
     void requestSpace(SpaceID) const;
 
     bool isCurrent(const X11Panel&) const;
+    /// The one that shows the panel now; 0 if none does.
+    xcb_window_t windowOf(const X11Panel&) const;
     bool hasPanels() const { return !m_panels.empty(); }
     bool canBlur() const { return m_canBlur; }
     double scale() const;
-    Rect toPixels(const Rect& screenPoints) const;
+    Duration frameInterval() const;
+    const SurfaceContext& context() const { return m_context; }
 
     /// After the panel has heard of a move of the pointer.
     std::function<void()> onPointerMoved;
@@ -50,6 +53,7 @@ private:
     X11Panel* panelOfCurrentSpace() const;
     bool hasOrderedInPanel() const;
     void show(X11Panel&);
+    void takeAway(const X11Panel* successor);
     void hide();
     void placeWindow(const Rect& pixels);
     void updateStrut();

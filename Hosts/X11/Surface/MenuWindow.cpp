@@ -1,10 +1,8 @@
 #include "Hosts/X11/Surface/MenuWindow.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <utility>
-
-#include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
@@ -16,15 +14,10 @@ namespace quorvel::x11 {
 namespace {
 
 constexpr MenuStyle kStyle;
-constexpr int kMostGrabAttempts = 20;
-constexpr auto kGrabAgainAfter = seconds(0.02);
-/// A hand that holds the mouse still moves it by less, in points.
-constexpr double kStillHand = 3;
+constexpr double kStripHeight = 18;
 constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY
     | XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE
     | XCB_EVENT_MASK_KEY_PRESS;
-constexpr std::uint16_t kPointerMask
-    = XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
 
 struct Colors {
     Color background;
@@ -46,216 +39,130 @@ Colors colors(const Appearance& appearance)
         Color::grey(0.85), accent, Color::grey(1)};
 }
 
-const Rect& monitorAt(const Monitors& monitors, const Rect& anchor)
+Rect placed(const MenuWindow::Place& place, Size points, double scale)
 {
-    for (auto& monitor : monitors.list()) {
-        if (monitor.pixels.contains(anchor.centre()))
-            return monitor.pixels;
-    }
-    return monitors.coordinates().primaryPixels;
-}
-
-Rect menuPixels(const SurfaceContext& context, Size points, const Rect& anchor)
-{
-    double scale = context.monitors.coordinates().scale;
-    Size size{std::round(points.width * scale), std::round(points.height * scale)};
-    auto place = placeMenu(size, anchor, monitorAt(context.monitors, anchor),
-        context.appearance.value().isRightToLeft);
-    return {std::round(place.x), std::round(place.y), size.width, size.height};
+    auto frame = place({std::round(points.width * scale), std::round(points.height * scale)});
+    return {std::round(frame.x), std::round(frame.y), std::max(1.0, std::round(frame.width)),
+        std::max(1.0, std::round(frame.height))};
 }
 
 }
 
-MenuWindow::MenuWindow(const SurfaceContext& context, Menu menu, const Rect& anchor, Ended ended)
+MenuWindow::MenuWindow(const SurfaceContext& context, const Menu& menu, const Place& place)
     : m_context(context)
-    , m_menu(std::move(menu))
-    , m_ended(std::move(ended))
-    , m_scale(context.monitors.coordinates().scale)
+    , m_menu(menu)
+    , m_scale(context.scale())
     , m_layout(m_menu, PangoText{context.shaper, m_scale}, kStyle)
-    , m_keys(context.connection)
+    , m_frame(placed(place, m_layout.size(), m_scale))
     , m_paint([this] { paint(); })
     , m_buffer(context.connection, WindowVisual::ofRoot(context.connection))
+    , m_window(xcb_generate_id(context.connection.raw()))
 {
-    createWindow(menuPixels(m_context, m_layout.size(), anchor));
-    m_events = m_context.connection.event.subscribe([this](auto* event) { handle(event); });
+    createWindow();
     paint(); // before it is seen: the first exposure finds the picture ready
     xcb_map_window(m_context.connection.raw(), m_window);
-    grab();
 }
 
 MenuWindow::~MenuWindow()
 {
-    auto* raw = m_context.connection.raw();
-    xcb_ungrab_pointer(raw, XCB_CURRENT_TIME);
-    xcb_ungrab_keyboard(raw, XCB_CURRENT_TIME);
-    xcb_destroy_window(raw, m_window);
+    xcb_destroy_window(m_context.connection.raw(), m_window);
     m_context.connection.forgetWindow(m_window);
-    xcb_flush(raw);
+    xcb_flush(m_context.connection.raw());
 }
 
-void MenuWindow::createWindow(const Rect& pixels)
+void MenuWindow::createWindow()
 {
     auto& connection = m_context.connection;
     auto& atoms = connection.atoms();
-    m_window = xcb_generate_id(connection.raw());
     xcb_create_window_value_list_t values{};
     values.background_pixmap = XCB_BACK_PIXMAP_NONE;
     values.override_redirect = 1;
     xcb_create_window_aux(connection.raw(), XCB_COPY_FROM_PARENT, m_window, connection.root(),
-        static_cast<std::int16_t>(pixels.x), static_cast<std::int16_t>(pixels.y),
-        static_cast<std::uint16_t>(pixels.width), static_cast<std::uint16_t>(pixels.height), 0,
+        static_cast<std::int16_t>(m_frame.x), static_cast<std::int16_t>(m_frame.y),
+        static_cast<std::uint16_t>(m_frame.width), static_cast<std::uint16_t>(m_frame.height), 0,
         XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
         XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT, &values);
     connection.addEventMask(m_window, kEventMask);
     xcb_change_property(connection.raw(), XCB_PROP_MODE_REPLACE, m_window, atoms.netWmWindowType,
         XCB_ATOM_ATOM, 32, 1, &atoms.netWmWindowTypePopupMenu);
-    m_buffer.resize(static_cast<int>(pixels.width), static_cast<int>(pixels.height));
+    m_buffer.resize(static_cast<int>(m_frame.width), static_cast<int>(m_frame.height));
 }
 
-/// A window manager may still hold the pointer for the click that opened the menu: try again for a
-/// moment. A menu that gets no hold of it could not be closed by a click outside, so it goes.
-void MenuWindow::grab()
+std::optional<std::size_t> MenuWindow::rowAt(Point at) const
 {
-    if (grabPointer()) {
-        auto cookie = xcb_grab_keyboard_unchecked(m_context.connection.raw(), false, m_window,
-            XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-        xcb_discard_reply(m_context.connection.raw(), cookie.sequence);
-        return;
-    }
-    m_nextGrab = m_context.dispatch.main().after(kGrabAgainAfter, [this] {
-        if (++m_grabAttempts < kMostGrabAttempts)
-            grab();
-        else
-            end();
-    });
+    if (!m_frame.contains(at) || stripAt(at) != 0)
+        return std::nullopt;
+    return m_layout.rowAt({(at.x - m_frame.x) / m_scale, (at.y - m_frame.y) / m_scale + m_offset});
 }
 
-bool MenuWindow::grabPointer()
+std::optional<std::size_t> MenuWindow::rowBeside(std::optional<std::size_t> row, int step) const
 {
-    auto* raw = m_context.connection.raw();
-    auto* reply = xcb_grab_pointer_reply(raw,
-        xcb_grab_pointer(raw, false, m_window, kPointerMask, XCB_GRAB_MODE_ASYNC,
-            XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
-        nullptr);
-    bool isGrabbed = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    std::free(reply);
-    return isGrabbed;
+    return m_layout.rowBeside(row, step);
 }
 
-void MenuWindow::handle(const xcb_generic_event_t* event)
+Rect MenuWindow::rowFrame(std::size_t row) const
 {
-    auto toPoint = [this](auto& input) {
-        return Point{input.event_x / m_scale, input.event_y / m_scale};
-    };
-    switch (event->response_type & 0x7f) {
-    case XCB_EXPOSE: {
-        auto& part = *reinterpret_cast<const xcb_expose_event_t*>(event);
-        if (part.window == m_window)
-            m_buffer.copyTo(m_window,
-                {static_cast<double>(part.x), static_cast<double>(part.y),
-                    static_cast<double>(part.width), static_cast<double>(part.height)});
-        break;
-    }
-    case XCB_MOTION_NOTIFY: {
-        auto& input = *reinterpret_cast<const xcb_motion_notify_event_t*>(event);
-        if (input.event == m_window)
-            motion(toPoint(input));
-        break;
-    }
-    case XCB_BUTTON_PRESS: {
-        auto& input = *reinterpret_cast<const xcb_button_press_event_t*>(event);
-        if (input.event == m_window)
-            press(toPoint(input));
-        break;
-    }
-    case XCB_BUTTON_RELEASE: {
-        auto& input = *reinterpret_cast<const xcb_button_release_event_t*>(event);
-        if (input.event == m_window)
-            release(toPoint(input));
-        break;
-    }
-    case XCB_KEY_PRESS: {
-        auto& input = *reinterpret_cast<const xcb_key_press_event_t*>(event);
-        if (input.event == m_window)
-            key(input.detail);
-        break;
-    }
-    case XCB_UNMAP_NOTIFY:
-        if (reinterpret_cast<const xcb_unmap_notify_event_t*>(event)->window == m_window)
-            end();
-        break;
-    default:
-        break;
-    }
-}
-
-void MenuWindow::motion(Point at)
-{
-    if (!m_firstMotion)
-        m_firstMotion = at;
-    m_hasPointerMoved = m_hasPointerMoved
-        || std::hypot(at.x - m_firstMotion->x, at.y - m_firstMotion->y) > kStillHand;
-    highlight(m_layout.rowAt(at));
-}
-
-void MenuWindow::press(Point at)
-{
-    if (!Rect::from({}, m_layout.size()).contains(at))
-        return end();
-    m_hasPointerMoved = true;
-    highlight(m_layout.rowAt(at));
-}
-
-void MenuWindow::release(Point at)
-{
-    if (m_hasPointerMoved)
-        choose(m_layout.rowAt(at));
-}
-
-void MenuWindow::key(xcb_keycode_t code)
-{
-    switch (m_keys.symbol(code)) {
-    case XKB_KEY_Escape:
-        return end();
-    case XKB_KEY_Up:
-    case XKB_KEY_KP_Up:
-        return highlight(m_layout.rowBeside(m_highlighted, -1));
-    case XKB_KEY_Down:
-    case XKB_KEY_KP_Down:
-        return highlight(m_layout.rowBeside(m_highlighted, 1));
-    case XKB_KEY_Home:
-        return highlight(m_layout.rowBeside(std::nullopt, 1));
-    case XKB_KEY_End:
-        return highlight(m_layout.rowBeside(std::nullopt, -1));
-    case XKB_KEY_Return:
-    case XKB_KEY_KP_Enter:
-    case XKB_KEY_space:
-        return choose(m_highlighted);
-    default:
-        break;
-    }
+    auto& rect = m_layout.rows()[row];
+    return {m_frame.x + rect.x * m_scale, m_frame.y + (rect.y - m_offset) * m_scale,
+        rect.width * m_scale, rect.height * m_scale};
 }
 
 void MenuWindow::highlight(std::optional<std::size_t> row)
 {
-    if (row == m_highlighted)
-        return;
-    m_highlighted = row;
-    m_paint.request();
+    if (std::exchange(m_highlighted, row) != row)
+        m_paint.request();
 }
 
-void MenuWindow::choose(std::optional<std::size_t> row)
+void MenuWindow::reveal(std::size_t row)
 {
-    if (row)
-        end(m_menu[*row].action);
+    auto& rect = m_layout.rows()[row];
+    double height = m_frame.height / m_scale;
+    double top = m_offset + kStripHeight;
+    double bottom = m_offset + height - kStripHeight;
+    if (rect.y < top)
+        scroll(rect.y - top);
+    else if (rect.maxY() > bottom)
+        scroll(rect.maxY() - bottom);
 }
 
-void MenuWindow::end(std::function<void()> action)
+void MenuWindow::scroll(double distance)
 {
-    m_events = {};
-    m_nextGrab.cancel();
-    if (auto ended = std::exchange(m_ended, nullptr))
-        ended(std::move(action));
+    double most = std::max(0.0, m_layout.size().height - m_frame.height / m_scale);
+    double offset = std::clamp(m_offset + distance, 0.0, most);
+    if (std::exchange(m_offset, offset) != offset)
+        m_paint.request();
+}
+
+bool MenuWindow::hasMore(int side) const
+{
+    return side < 0 ? m_offset > 0
+                    : m_offset + m_frame.height / m_scale < m_layout.size().height - 0.5;
+}
+
+Rect MenuWindow::strip(int side) const
+{
+    double height = m_frame.height / m_scale;
+    return {0, side < 0 ? 0 : height - kStripHeight, m_frame.width / m_scale, kStripHeight};
+}
+
+int MenuWindow::stripAt(Point at) const
+{
+    Point inside{(at.x - m_frame.x) / m_scale, (at.y - m_frame.y) / m_scale};
+    for (int side : {-1, 1}) {
+        if (hasMore(side) && strip(side).contains(inside))
+            return side;
+    }
+    return 0;
+}
+
+void MenuWindow::addEntries(std::vector<MenuEntry>& entries) const
+{
+    for (std::size_t row = 0; row < m_menu.size(); ++row) {
+        auto seen = rowFrame(row).intersected(m_frame);
+        if (!m_menu[row].title.empty() && !seen.isEmpty())
+            entries.push_back({m_menu[row].title, m_menu[row].isEnabled,
+                m_context.monitors.coordinates().toPoints(seen)});
+    }
 }
 
 void MenuWindow::paint()
@@ -263,24 +170,28 @@ void MenuWindow::paint()
     if (m_buffer.isEmpty())
         return;
     auto palette = colors(m_context.appearance.value());
-    auto bounds = Rect::from({}, m_layout.size());
+    Rect bounds{0, 0, m_frame.width / m_scale, m_frame.height / m_scale};
     CairoCanvas canvas{m_buffer.surface(), m_scale, m_context.shaper};
     canvas.fill(bounds, palette.background);
-    canvas.strokeRounded(bounds, 0, 1, palette.border);
+    canvas.save();
+    canvas.translate(0, -m_offset);
     for (std::size_t row = 0; row < m_menu.size(); ++row)
         paintRow(canvas, row);
-    m_buffer.copyTo(m_window, {0, 0, bounds.width * m_scale + 1, bounds.height * m_scale + 1});
+    canvas.restore();
+    for (int side : {-1, 1})
+        paintStrip(canvas, side);
+    canvas.strokeRounded(bounds, 0, 1, palette.border);
+    m_buffer.copyTo(m_window, Rect::from({}, m_frame.size()));
 }
 
-void MenuWindow::paintRow(Canvas& canvas, std::size_t row)
+void MenuWindow::paintRow(Canvas& canvas, std::size_t row) const
 {
-    auto palette = colors(m_context.appearance.value());
+    auto& appearance = m_context.appearance.value();
+    auto palette = colors(appearance);
     auto& item = m_menu[row];
     auto& rect = m_layout.rows()[row];
-    if (item.title.empty()) {
-        Rect line{rect.x, rect.centre().y, rect.width, 0.5};
-        return canvas.fill(line, palette.separator);
-    }
+    if (item.title.empty())
+        return canvas.fill({rect.x, rect.centre().y, rect.width, 0.5}, palette.separator);
     bool isHighlighted = m_highlighted == row;
     if (isHighlighted)
         canvas.fillRounded(rect, kStyle.rowRadius, palette.highlight);
@@ -289,7 +200,27 @@ void MenuWindow::paintRow(Canvas& canvas, std::size_t row)
     style.color = !item.isEnabled ? palette.disabled
         : isHighlighted           ? palette.highlightedText
                                   : palette.text;
-    canvas.drawText(item.title, rect.inset(kStyle.textInset, 0), style);
+    auto parts = m_layout.partsOf(row, appearance.isRightToLeft);
+    style.alignment = TextAlignment::leading;
+    canvas.drawText(item.title, parts.title, style);
+    if (item.isChecked)
+        canvas.drawSymbol(Symbol::checkmark, parts.mark, style.color);
+    if (!item.submenu.empty())
+        canvas.drawSymbol(appearance.isRightToLeft ? Symbol::chevronLeft : Symbol::chevronRight,
+            parts.arrow, style.color);
+}
+
+/// A triangle on a ground that covers the row below it.
+void MenuWindow::paintStrip(Canvas& canvas, int side) const
+{
+    if (!hasMore(side))
+        return;
+    auto palette = colors(m_context.appearance.value());
+    auto rect = strip(side);
+    canvas.fill(rect, palette.background);
+    auto [x, y] = rect.centre();
+    canvas.fillPolygon(
+        {{x - 5, y - 2.5 * side}, {x + 5, y - 2.5 * side}, {x, y + 2.5 * side}}, palette.text);
 }
 
 }

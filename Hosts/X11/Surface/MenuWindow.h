@@ -2,61 +2,61 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 #include "Hosts/X11/Surface/BackBuffer.h"
-#include "Hosts/X11/Surface/MenuKeys.h"
 #include "Hosts/X11/Surface/MenuLayout.h"
 #include "Hosts/X11/Surface/PaintSource.h"
 #include "Hosts/X11/Surface/SurfaceContext.h"
-#include "Quorvel/Platform/Dispatch.h"
 
 namespace quorvel::x11 {
 
-/// An open menu. It holds the pointer and the keyboard until an entry is chosen or anything else is
-/// done. Destroying it takes it off the screen.
+/// What one menu or submenu shows, and which of its rows is lit. Places are pixels of the X screen.
 class MenuWindow {
 public:
-    /// Called once, with the action to run if an entry was chosen; the menu may be destroyed then.
-    using Ended = std::function<void(std::function<void()> action)>;
+    using Place = std::function<Rect(Size pixels)>;
 
-    /// `anchor` in pixels of the X screen.
-    MenuWindow(const SurfaceContext&, Menu, const Rect& anchor, Ended);
+    /// The menu outlives the window.
+    MenuWindow(const SurfaceContext&, const Menu&, const Place&);
     ~MenuWindow();
     MenuWindow(const MenuWindow&) = delete;
     MenuWindow& operator=(const MenuWindow&) = delete;
 
-private:
-    void createWindow(const Rect& pixels);
-    void grab();
-    bool grabPointer();
-
-    void handle(const xcb_generic_event_t*);
-    void motion(Point);
-    void press(Point);
-    void release(Point);
-    void key(xcb_keycode_t);
+    xcb_window_t id() const { return m_window; }
+    const Rect& frame() const { return m_frame; }
+    const MenuItem& item(std::size_t row) const { return m_menu[row]; }
+    std::optional<std::size_t> rowAt(Point) const;
+    std::optional<std::size_t> rowBeside(std::optional<std::size_t> row, int step) const;
+    Rect rowFrame(std::size_t row) const;
+    std::optional<std::size_t> highlighted() const { return m_highlighted; }
     void highlight(std::optional<std::size_t> row);
-    void choose(std::optional<std::size_t> row);
-    void end(std::function<void()> action = {});
+    /// Scrolls until the row is seen whole.
+    void reveal(std::size_t row);
+    /// In points; nothing happens where all rows are seen, or the end is.
+    void scroll(double distance);
+    /// -1 over the strip that says there is more above, 1 over that below, 0 elsewhere.
+    int stripAt(Point) const;
+    void expose(const Rect& part) { m_buffer.copyTo(m_window, part); }
+    void addEntries(std::vector<MenuEntry>&) const;
 
+private:
+    void createWindow();
+    bool hasMore(int side) const;
+    Rect strip(int side) const;
     void paint();
-    void paintRow(Canvas&, std::size_t row);
+    void paintRow(Canvas&, std::size_t row) const;
+    void paintStrip(Canvas&, int side) const;
 
     SurfaceContext m_context;
-    const Menu m_menu;
-    Ended m_ended;
+    const Menu& m_menu;
     const double m_scale;
-    MenuLayout m_layout;
-    MenuKeys m_keys;
+    const MenuLayout m_layout;
+    const Rect m_frame;
     PaintSource m_paint;
     BackBuffer m_buffer;
-    xcb_window_t m_window = 0;
+    const xcb_window_t m_window;
     std::optional<std::size_t> m_highlighted;
-    std::optional<Point> m_firstMotion;
-    bool m_hasPointerMoved = false; ///< the click that opened it must not choose at once
-    int m_grabAttempts = 0;
-    WorkItem m_nextGrab;
-    Subscription m_events;
+    double m_offset = 0; ///< points of the rows that lie above what is seen
 };
 
 }

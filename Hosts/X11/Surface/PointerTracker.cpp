@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "Hosts/X11/Surface/EventWindow.h"
+
 namespace quorvel::x11 {
 
 namespace {
@@ -36,11 +38,6 @@ std::optional<ScrollEvent> scrollEvent(xcb_button_t detail, Point at)
     default:
         return std::nullopt;
     }
-}
-
-template <typename Event> const Event& as(const xcb_generic_event_t* event)
-{
-    return *reinterpret_cast<const Event*>(event);
 }
 
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Geometry.h"
 
 namespace quorvel {
 class Dispatch;
@@ -9,6 +10,7 @@ class Dispatch;
 namespace quorvel::x11 {
 
 class Connection;
+class FrameIntervals;
 class Monitors;
 class TextShaper;
 struct PanelEnvironment;
@@ -21,6 +23,12 @@ struct SurfaceContext {
     const PanelEnvironment& environment;
     const Published<Appearance>& appearance;
     TextShaper& shaper;
+    FrameIntervals& frames;
+
+    /// Pixels per point.
+    double scale() const;
+    /// A screen frame (points, bottom-left origin) on whole pixels of the X screen.
+    Rect toPixels(const Rect& screenPoints) const;
 };
 
 }

@@ -6,8 +6,8 @@
 
 namespace quorvel::x11 {
 
-/// Adds the symbol's shape to the current path, fitted into the rectangle of device pixels.
-void addSymbolPath(cairo_t*, Symbol, const Rect& pixels);
+/// Paints the symbol in the current colour, fitted into the rectangle of device pixels.
+void paintSymbol(cairo_t*, Symbol, const Rect& pixels);
 
 /// Adds a rectangle with round corners; the radius is cut to half the shorter side.
 void addRoundedPath(cairo_t*, const Rect&, double radius);

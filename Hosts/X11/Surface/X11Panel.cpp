@@ -8,6 +8,7 @@ X11Panel::X11Panel(DisplayWindow& window, const PanelOptions& options, SurfaceCl
     : m_window(window)
     , m_options(options)
     , m_client(client)
+    , m_keyboard(window.context().connection, client)
 {
     m_window.add(*this);
 }
@@ -62,16 +63,31 @@ void X11Panel::invalidate(const Rect& rect)
     m_window.invalidate(*this, rect);
 }
 
-bool X11Panel::setBlursBehind(bool blurs)
+bool X11Panel::setBlursBehind(const std::optional<VisualEffect>& effect)
 {
-    m_blursBehind = blurs && m_window.canBlur();
+    m_blursBehind = effect && m_window.canBlur();
     m_window.update();
-    return m_blursBehind;
+    return m_window.canBlur();
+}
+
+Duration X11Panel::frameInterval() const
+{
+    return m_window.frameInterval();
+}
+
+bool X11Panel::takeKeyboard()
+{
+    return m_keyboard.take(m_window.windowOf(*this));
 }
 
 Rect X11Panel::framePixels() const
 {
-    return m_window.toPixels(m_frame);
+    return m_window.context().toPixels(m_frame);
+}
+
+void X11Panel::cancelPointer()
+{
+    m_window.cancelPointer();
 }
 
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "Quorvel/Platform/Surfaces.h"
+#include "Hosts/X11/Surface/KeyboardGrab.h"
+#include "Hosts/X11/Surface/X11Surface.h"
 
 namespace quorvel::x11 {
 
@@ -8,7 +9,7 @@ class DisplayWindow;
 
 /// One space's panel of a display. It has no window of its own: the display's window shows it while
 /// its space is the current one.
-class X11Panel final : public PanelSurface {
+class X11Panel final : public X11Surface {
 public:
     X11Panel(DisplayWindow&, const PanelOptions&, SurfaceClient&);
     ~X11Panel() override;
@@ -23,15 +24,18 @@ public:
     bool isVisible() const override;
     double scale() const override;
     void invalidate(const Rect&) override;
-    bool setBlursBehind(bool) override;
+    bool setBlursBehind(const std::optional<VisualEffect>&) override;
+    Duration frameInterval() const override;
+    bool takeKeyboard() override;
+    void releaseKeyboard() override { m_keyboard.release(); }
+    void accessibleTreeDidChange() override { }
 
     const PanelOptions& options() const { return m_options; }
     SurfaceClient& client() const { return m_client; }
     bool isOrderedIn() const { return m_isOrderedIn; }
     bool blursBehind() const { return m_blursBehind; }
-    /// Where it lies on the X screen.
-    Rect framePixels() const;
-    DisplayWindow& window() const { return m_window; }
+    Rect framePixels() const override;
+    void cancelPointer() override;
 
 private:
     DisplayWindow& m_window;
@@ -41,6 +45,7 @@ private:
     bool m_isOrderedIn = false;
     bool m_canBecomeKey = false;
     bool m_blursBehind = false;
+    KeyboardGrab m_keyboard;
 };
 
 }

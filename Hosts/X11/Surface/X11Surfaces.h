@@ -4,7 +4,8 @@
 #include <memory>
 
 #include "Hosts/X11/Surface/DisplayWindow.h"
-#include "Hosts/X11/Surface/MenuWindow.h"
+#include "Hosts/X11/Surface/FrameIntervals.h"
+#include "Hosts/X11/Surface/MenuSession.h"
 #include "Hosts/X11/Surface/SurfaceContext.h"
 #include "Hosts/X11/Surface/TextShaper.h"
 #include "Quorvel/Platform/Surfaces.h"
@@ -19,7 +20,10 @@ public:
     ~X11Surfaces() override;
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
-    void popUpMenu(PanelSurface&, Menu, const Rect& anchor) override;
+    void popUpMenu(
+        PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed) override;
+    void closeMenu() override;
+    std::vector<MenuEntry> openMenuEntries() const override;
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
 
     Text& text() { return m_text; }
@@ -27,16 +31,17 @@ public:
 private:
     bool canBlur();
     DisplayWindow& windowOf(DisplayNumber);
-    void closeMenu(std::function<void()> action);
+    void tellClosed(std::shared_ptr<MenuSession>, std::function<void()> action);
 
     TextShaper m_shaper;
+    FrameIntervals m_frames;
     SurfaceContext m_context;
     PangoText m_text;
     std::optional<bool> m_canBlur;
     Signal<> m_pointerMoved;
     std::map<DisplayNumber, std::unique_ptr<DisplayWindow>> m_windows;
-    std::unique_ptr<MenuWindow> m_menu;
-    WorkItem m_menuEnd;
+    std::unique_ptr<MenuSession> m_menu;
+    std::function<void()> m_onMenuClosed;
     Subscription m_appearance;
 };
 

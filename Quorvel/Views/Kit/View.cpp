@@ -40,6 +40,34 @@ std::unique_ptr<View> View::removeChild(View& child)
     return removed;
 }
 
+void View::raiseChild(const View& child)
+{
+    auto found = std::find_if(m_children.begin(), m_children.end(),
+        [&](auto& candidate) { return candidate.get() == &child; });
+    if (found != m_children.end())
+        std::rotate(found, found + 1, m_children.end());
+}
+
+std::vector<View*> View::accessibleViews() const
+{
+    std::vector<View*> views;
+    for (auto& child : m_children) {
+        if (child->isAccessible()) {
+            views.push_back(child.get());
+            continue;
+        }
+        auto below = child->accessibleViews();
+        views.insert(views.end(), below.begin(), below.end());
+    }
+    return views;
+}
+
+std::vector<AccessibleElement*> View::accessibleChildren()
+{
+    auto views = accessibleViews();
+    return {views.begin(), views.end()};
+}
+
 void View::setFrame(const Rect& frame)
 {
     if (frame == m_frame)
@@ -87,6 +115,9 @@ void View::invalidate(const Rect& rect)
 
 void View::paintTree(Canvas& canvas, const Rect& damage) const
 {
+    double opacity = paintOpacity();
+    if (opacity < 1)
+        canvas.beginOpacity(opacity);
     paint(canvas);
     if (clipsChildren()) {
         canvas.save();
@@ -94,7 +125,7 @@ void View::paintTree(Canvas& canvas, const Rect& damage) const
     }
     for (auto& child : m_children) {
         auto& frame = child->m_frame;
-        if (!frame.intersects(damage))
+        if (!child->paintFrame().intersects(damage))
             continue;
         canvas.save();
         canvas.translate(frame.x, frame.y);
@@ -103,6 +134,8 @@ void View::paintTree(Canvas& canvas, const Rect& damage) const
     }
     if (clipsChildren())
         canvas.restore();
+    if (opacity < 1)
+        canvas.endOpacity();
 }
 
 std::vector<View*> View::pathTo(Point point)

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "Quorvel/Platform/AccessibleTree.h"
 #include "Quorvel/Platform/Canvas.h"
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Surfaces.h"
@@ -34,13 +36,17 @@ public:
 /// `paint` draws in the view's own coordinates, computes its rectangles by the same pure function
 /// as hit-testing, and makes no system call and reads no settings or time.
 ///
-/// The pointer goes to the deepest view under it that `takesPointer()`. A press is followed by
-/// exactly one `released` or `pressCancelled` on the same view, wherever the pointer is by then.
+/// The pointer goes to the deepest view under it that `takesPointer()`. A press is followed by any
+/// number of `dragged` and then exactly one `released` or `pressCancelled` on the same view,
+/// wherever the pointer is by then. Files from elsewhere go to the deepest view that takes them.
+///
+/// A view that means something says so in `accessibleState`; others are only holders of their
+/// children to a screen reader, and the walk with the keyboard passes them by.
 /// Actions go up through callbacks that the owner sets; nothing goes sideways. Main thread only.
-class View {
+class View : public AccessibleElement {
 public:
     View() = default;
-    virtual ~View();
+    ~View() override;
     View(const View&) = delete;
     View& operator=(const View&) = delete;
 
@@ -59,6 +65,8 @@ public:
         return added;
     }
     std::unique_ptr<View> removeChild(View&);
+    /// Above its siblings, for painting and for the pointer.
+    void raiseChild(const View&);
 
     void invalidate() { invalidate(bounds()); }
     void invalidate(const Rect&);
@@ -77,14 +85,38 @@ public:
     virtual void pointerEntered() { }
     virtual void pointerExited() { }
     virtual void pressed(PointerButton) { }
+    /// How far the pointer is from where the button went down.
+    virtual void dragged(Point /*translation*/) { }
     virtual void released(PointerButton, bool /*isInside*/) { }
     virtual void pressCancelled() { }
+
+    virtual bool takesFiles() const { return false; }
+    virtual void filesEntered() { }
+    virtual void filesExited() { }
+    virtual void filesDropped(const std::vector<std::string>& /*paths*/) { }
+
+    /// Whether it is something, and not only a holder of other views.
+    virtual bool isAccessible() const { return false; }
+    std::string accessibleID() const override { return {}; }
+    AccessibleState accessibleState() const override { return {}; }
+    Rect accessibleFrame() const override { return frameInRoot(); }
+    std::vector<AccessibleElement*> accessibleChildren() override;
+    bool performAccessibleAction(std::size_t) override { return false; }
+    /// The views below this one that mean something, in order.
+    std::vector<View*> accessibleViews() const;
+
+    virtual void setKeyFocused(bool) { }
+    virtual void showContextMenu() { }
 
 protected:
     virtual void paint(Canvas&) const { }
     virtual void layout() { }
+    /// The view and all below it are composed as one at this opacity.
+    virtual double paintOpacity() const { return 1; }
     /// Whether children are cut off at this view's bounds.
     virtual bool clipsChildren() const { return false; }
+    /// What it paints on, its children included, in the parent's coordinates.
+    virtual Rect paintFrame() const { return m_frame; }
 
     const std::vector<std::unique_ptr<View>>& children() const { return m_children; }
     ViewHost* host() const;

@@ -1,0 +1,144 @@
+#include "Hosts/X11/Surface/PopupWindow.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <unistd.h>
+#include <xcb/shape.h>
+
+#include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Surface/AlphaShape.h"
+#include "Hosts/X11/Surface/Compositing.h"
+
+namespace quorvel::x11 {
+
+namespace {
+
+constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_ENTER_WINDOW
+    | XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_PRESS
+    | XCB_EVENT_MASK_BUTTON_RELEASE;
+
+constexpr std::uint8_t kDepthWithAlpha = 32;
+
+bool hasShapes(Connection& connection)
+{
+    auto* extension = xcb_get_extension_data(connection.raw(), &xcb_shape_id);
+    return extension && extension->present;
+}
+
+bool isEqual(const xcb_rectangle_t& a, const xcb_rectangle_t& b)
+{
+    return a.x == b.x && a.y == b.y && a.width == b.width && a.height == b.height;
+}
+
+}
+
+PopupWindow::PopupWindow(Connection& connection, const std::string& title)
+    : m_connection(connection)
+    , m_visual(isCompositing(connection) ? WindowVisual::withAlpha(connection)
+                                         : WindowVisual::ofRoot(connection))
+    , m_buffer(connection, m_visual)
+    , m_window(xcb_generate_id(connection.raw()))
+{
+    create(title);
+}
+
+PopupWindow::~PopupWindow()
+{
+    xcb_destroy_window(m_connection.raw(), m_window);
+    if (m_visual.colormap)
+        xcb_free_colormap(m_connection.raw(), m_visual.colormap);
+    m_connection.forgetWindow(m_window);
+    xcb_flush(m_connection.raw());
+}
+
+void PopupWindow::create(const std::string& title)
+{
+    auto* raw = m_connection.raw();
+    auto& atoms = m_connection.atoms();
+    // What a transparent window gains in size is nothing until it is painted; any colour of an
+    // opaque one would be seen for a moment.
+    xcb_create_window_value_list_t values{};
+    values.background_pixel = 0;
+    values.border_pixel = 0;
+    values.bit_gravity = XCB_GRAVITY_NORTH_WEST;
+    values.override_redirect = 1;
+    values.colormap = m_visual.colormap;
+    std::uint32_t mask = XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY | XCB_CW_OVERRIDE_REDIRECT;
+    mask |= m_visual.colormap ? XCB_CW_BACK_PIXEL | XCB_CW_COLORMAP : std::uint32_t{};
+    xcb_create_window_aux(raw, m_visual.depth, m_window, m_connection.root(), 0, 0, 1, 1, 0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, m_visual.visual, mask, &values);
+    m_connection.addEventMask(m_window, kEventMask);
+    auto pid = static_cast<std::uint32_t>(getpid());
+    xcb_change_property(raw, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmWindowType, XCB_ATOM_ATOM,
+        32, 1, &atoms.netWmWindowTypeTooltip);
+    xcb_change_property(
+        raw, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmPid, XCB_ATOM_CARDINAL, 32, 1, &pid);
+    xcb_change_property(raw, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmName, atoms.utf8String, 8,
+        static_cast<std::uint32_t>(title.size()), title.data());
+}
+
+bool PopupWindow::setFrame(const Rect& frame)
+{
+    if (frame == m_frame)
+        return false;
+    bool isResized = frame.size() != m_frame.size();
+    m_frame = frame;
+    std::int32_t values[] = {static_cast<std::int32_t>(frame.x), static_cast<std::int32_t>(frame.y),
+        static_cast<std::int32_t>(frame.width), static_cast<std::int32_t>(frame.height)};
+    xcb_configure_window(m_connection.raw(), m_window,
+        XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH
+            | XCB_CONFIG_WINDOW_HEIGHT,
+        values);
+    if (!isResized)
+        return false;
+    int width = static_cast<int>(frame.width);
+    int height = static_cast<int>(frame.height);
+    m_buffer.resize(width, height);
+    if (m_visual.depth != kDepthWithAlpha)
+        m_picture.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
+    return true;
+}
+
+void PopupWindow::present(const std::vector<Rect>& parts)
+{
+    if (!picture() || m_buffer.isEmpty())
+        return;
+    for (auto& part : parts) {
+        cairo_rectangle_int_t pixels{static_cast<int>(part.x), static_cast<int>(part.y),
+            static_cast<int>(part.width), static_cast<int>(part.height)};
+        if (m_picture)
+            flatten(m_picture.get(), m_buffer.surface(), pixels);
+    }
+    if (!parts.empty())
+        shape();
+    if (!std::exchange(m_isMapped, true)) {
+        raise();
+        xcb_map_window(m_connection.raw(), m_window);
+    }
+    // All requests go out together, so that nobody sees one without the others.
+    for (auto& part : parts)
+        m_buffer.copyTo(m_window, part);
+    xcb_flush(m_connection.raw());
+}
+
+void PopupWindow::shape()
+{
+    auto rectangles = opaqueRectangles(picture());
+    if (!hasShapes(m_connection)
+        || (m_hasShape && std::ranges::equal(rectangles, m_shape, isEqual)))
+        return;
+    m_hasShape = true;
+    m_shape = std::move(rectangles);
+    xcb_shape_rectangles(m_connection.raw(), XCB_SHAPE_SO_SET,
+        m_picture ? XCB_SHAPE_SK_BOUNDING : XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_YX_BANDED,
+        m_window, 0, 0, static_cast<std::uint32_t>(m_shape.size()), m_shape.data());
+}
+
+void PopupWindow::raise()
+{
+    std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(m_connection.raw(), m_window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+}
+
+}

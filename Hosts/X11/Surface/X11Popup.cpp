@@ -1,0 +1,137 @@
+#include "Hosts/X11/Surface/X11Popup.h"
+
+#include <utility>
+
+#include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Monitors.h"
+#include "Hosts/X11/Surface/CairoCanvas.h"
+#include "Hosts/X11/Surface/EventWindow.h"
+#include "Hosts/X11/Surface/FrameIntervals.h"
+
+namespace quorvel::x11 {
+
+X11Popup::X11Popup(const SurfaceContext& context, const PanelOptions& options,
+    SurfaceClient& client, std::function<void()> onPointerMoved)
+    : m_context(context)
+    , m_options(options)
+    , m_client(client)
+    , m_onPointerMoved(std::move(onPointerMoved))
+    , m_paint([this] { paint(); })
+    , m_keyboard(context.connection, client)
+{
+    auto& connection = m_context.connection;
+    m_pointer.setClient(&m_client);
+    m_subscriptions.push_back(connection.event.subscribe([this](auto* event) { handle(event); }));
+    m_subscriptions.push_back(connection.turnEnded.subscribe([this] { endTurn(); }));
+    m_subscriptions.push_back(m_context.monitors.changed.subscribe([this] { repaintAll(); }));
+    m_subscriptions.push_back(m_context.appearance.subscribe([this](auto&) { repaintAll(); }));
+}
+
+X11Popup::~X11Popup() = default;
+
+void X11Popup::setFrame(const Rect& frame)
+{
+    if (frame == m_frame)
+        return;
+    bool isResized = frame.size() != m_frame.size();
+    m_frame = frame;
+    m_paint.request();
+    if (isResized)
+        m_client.surfaceDidResize(frame.size());
+}
+
+void X11Popup::orderFront()
+{
+    m_isOrderedIn = true;
+    if (m_window)
+        return m_window->raise();
+    m_window = std::make_unique<PopupWindow>(m_context.connection, m_options.title);
+    repaintAll();
+}
+
+void X11Popup::orderOut()
+{
+    m_isOrderedIn = false;
+    m_keyboard.release();
+    m_window.reset();
+    m_pointer.cancel();
+}
+
+void X11Popup::invalidate(const Rect& points)
+{
+    if (!m_window)
+        return; // it is painted whole when it comes up
+    double factor = scale();
+    m_damage.add(
+        {points.x * factor, points.y * factor, points.width * factor, points.height * factor});
+    m_paint.request();
+}
+
+Duration X11Popup::frameInterval() const
+{
+    return m_context.frames.of(m_options.display);
+}
+
+bool X11Popup::takeKeyboard()
+{
+    return m_window && m_keyboard.take(m_window->id());
+}
+
+void X11Popup::repaintAll()
+{
+    m_damage.add(Rect::from({}, framePixels().size()));
+    m_paint.request();
+}
+
+void X11Popup::handle(const xcb_generic_event_t* event)
+{
+    if (!m_window || eventWindow(event) != m_window->id())
+        return;
+    if ((event->response_type & 0x7f) == XCB_EXPOSE) {
+        auto& part = as<xcb_expose_event_t>(event);
+        return m_window->expose({static_cast<double>(part.x), static_cast<double>(part.y),
+            static_cast<double>(part.width), static_cast<double>(part.height)});
+    }
+    m_pointer.setScale(scale());
+    m_pointer.handle(event);
+}
+
+void X11Popup::endTurn()
+{
+    auto tell = m_onPointerMoved; // a client may do away with the popup when it hears of the motion
+    if (m_pointer.endTurn() && tell)
+        tell();
+}
+
+void X11Popup::paint()
+{
+    auto parts = m_damage.take();
+    if (!m_window || m_frame.isEmpty())
+        return;
+    auto pixels = framePixels();
+    auto bounds = Rect::from({}, pixels.size());
+    if (m_window->setFrame(pixels))
+        parts = {bounds};
+    if (!m_window->picture())
+        return;
+    for (auto& part : parts)
+        part = part.intersected(bounds);
+    std::erase_if(parts, [](auto& part) { return part.isEmpty(); });
+    for (auto& part : parts)
+        paintPart(part);
+    m_window->present(parts);
+}
+
+void X11Popup::paintPart(const Rect& pixels)
+{
+    double factor = scale();
+    Rect points{
+        pixels.x / factor, pixels.y / factor, pixels.width / factor, pixels.height / factor};
+    CairoCanvas canvas{
+        m_window->picture(), factor, m_context.shaper, m_context.appearance.value().isRightToLeft};
+    canvas.beginDamage(points);
+    m_client.paint(canvas, points);
+    canvas.endDamage();
+}
+
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "Hosts/X11/Surface/DamageRegion.h"
+#include "Hosts/X11/Surface/KeyboardGrab.h"
+#include "Hosts/X11/Surface/PaintSource.h"
+#include "Hosts/X11/Surface/PointerTracker.h"
+#include "Hosts/X11/Surface/PopupWindow.h"
+#include "Hosts/X11/Surface/SurfaceContext.h"
+#include "Hosts/X11/Surface/X11Surface.h"
+
+namespace quorvel::x11 {
+
+/// A surface above the bars with a window of its own, which exists only while it is ordered in.
+/// Where it lies and what it shows change together, once a turn, however often it is moved.
+class X11Popup final : public X11Surface {
+public:
+    X11Popup(const SurfaceContext&, const PanelOptions&, SurfaceClient&,
+        std::function<void()> onPointerMoved);
+    ~X11Popup() override;
+
+    void setFrame(const Rect&) override;
+    Rect frame() const override { return m_frame; }
+    void orderFront() override;
+    void orderOut() override;
+    void setCanBecomeKey(bool) override { }
+    void makeKeyAndOrderFront() override { orderFront(); }
+    bool isVisible() const override { return m_isOrderedIn; }
+    double scale() const override { return m_context.scale(); }
+    void invalidate(const Rect&) override;
+    bool setBlursBehind(const std::optional<VisualEffect>&) override { return false; }
+    Duration frameInterval() const override;
+    bool takeKeyboard() override;
+    void releaseKeyboard() override { m_keyboard.release(); }
+    void accessibleTreeDidChange() override { }
+
+    Rect framePixels() const override { return m_context.toPixels(m_frame); }
+    void cancelPointer() override { m_pointer.cancel(); }
+
+private:
+    void handle(const xcb_generic_event_t*);
+    void endTurn();
+    void repaintAll();
+    void paint();
+    void paintPart(const Rect& pixels);
+
+    SurfaceContext m_context;
+    const PanelOptions m_options;
+    SurfaceClient& m_client;
+    const std::function<void()> m_onPointerMoved;
+    Rect m_frame; ///< points, bottom-left origin
+    bool m_isOrderedIn = false;
+    PaintSource m_paint;
+    DamageRegion m_damage;
+    PointerTracker m_pointer;
+    std::unique_ptr<PopupWindow> m_window;
+    KeyboardGrab m_keyboard;
+    std::vector<Subscription> m_subscriptions;
+};
+
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Quorvel/Platform/Geometry.h"
+
+namespace quorvel {
+
+enum class AccessibleRole { panel, group, button, toggleButton, menuButton, popup };
+
+/// What one element of a surface says of itself.
+struct AccessibleState {
+    AccessibleRole role = AccessibleRole::group;
+    std::string name; ///< as it is read out: "Mail, 3 unread, 2 windows"
+    std::optional<double> progress; ///< from 0 to 1
+    bool isSelected = false; ///< the window that has the focus, the current space
+    bool hasKeyFocus = false;
+    /// In the words of the user: "Activate", "Close". The first one is what a click does.
+    std::vector<std::string> actions;
+
+    friend bool operator==(const AccessibleState&, const AccessibleState&) = default;
+};
+
+/// A view as assistive programs see it: plain values, asked for when somebody wants to know. Main
+/// thread. Pointers live until `PanelSurface::accessibleTreeDidChange`; an element is recognised by
+/// its identifier.
+class AccessibleElement {
+public:
+    virtual ~AccessibleElement() = default;
+
+    /// The same for the same thing, unique among its siblings.
+    virtual std::string accessibleID() const = 0;
+    virtual AccessibleState accessibleState() const = 0;
+    /// In the surface (points, origin top left).
+    virtual Rect accessibleFrame() const = 0;
+    virtual std::vector<AccessibleElement*> accessibleChildren() = 0;
+    /// By its place in the list of actions. False if there is none.
+    virtual bool performAccessibleAction(std::size_t) = 0;
+};
+
+}

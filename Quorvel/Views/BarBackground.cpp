@@ -1,0 +1,119 @@
+#include "Quorvel/Views/BarBackground.h"
+
+#include <utility>
+
+#include "Quorvel/Views/VisualEffectBlur.h"
+
+namespace quorvel {
+
+namespace {
+
+struct Style {
+    static constexpr double dividerOpacity = 0.3;
+    static constexpr double edgeOpacity = 0.12;
+};
+
+constexpr Color white(double opacity)
+{
+    return Color::grey(1, opacity);
+}
+constexpr Color black(double opacity)
+{
+    return Color::grey(0, opacity);
+}
+
+Rect topLine(const Rect& bar)
+{
+    return {bar.x, bar.y, bar.width, 1};
+}
+Rect bottomLine(const Rect& bar)
+{
+    return {bar.x, bar.maxY() - 1, bar.width, 1};
+}
+
+}
+
+void LonghornThemeBackground::paint(Canvas& canvas, const Rect& bar)
+{
+    canvas.fillGradient(bar, GradientDirection::topToBottom,
+        {{0, white(0.12)}, {0.5, white(0.05)}, {1, black(0.08)}});
+    canvas.fill(topLine(bar), white(0.18));
+    canvas.fill(bottomLine(bar), black(0.12));
+}
+
+void AeroThemeBackground::paint(Canvas& canvas, const Rect& bar)
+{
+    canvas.fillGradient({bar.x, bar.y, bar.width, bar.height / 2}, GradientDirection::topToBottom,
+        {{0, white(0.28)}, {0.5, white(0.08)}, {1, white(0)}});
+    canvas.fillGradient(
+        topLine(bar), GradientDirection::leadingToTrailing, {{0, white(0.45)}, {1, white(0.2)}});
+    canvas.fill(bottomLine(bar), black(0.25));
+}
+
+void BarBackground::setTheme(BarTheme theme)
+{
+    if (std::exchange(m_theme, theme) != theme)
+        invalidate();
+}
+
+void BarBackground::setAppearance(const Appearance& appearance)
+{
+    if (std::exchange(m_appearance, appearance) != appearance)
+        invalidate();
+}
+
+void BarBackground::setOpaque(bool isOpaque)
+{
+    if (std::exchange(m_isOpaque, isOpaque) != isOpaque)
+        invalidate();
+}
+
+std::optional<VisualEffect> BarBackground::blur(BarTheme theme, const Appearance& appearance)
+{
+    if (appearance.reduceTransparency)
+        return {};
+    switch (theme) {
+    case BarTheme::longhorn:
+        return VisualEffectBlur{}.effect(LonghornThemeBackground::blurOpacity);
+    case BarTheme::aero:
+        return VisualEffectBlur{}.effect(AeroThemeBackground::blurOpacity);
+    case BarTheme::frosted:
+        break;
+    }
+    return VisualEffectBlur{}.effect();
+}
+
+void BarBackground::setDividers(std::vector<Rect> dividers)
+{
+    if (m_dividers == dividers)
+        return;
+    m_dividers = std::move(dividers);
+    invalidate();
+}
+
+void BarBackground::paint(Canvas& canvas) const
+{
+    paintGround(canvas);
+    auto ink = Color::grey(m_appearance.isDark ? 1 : 0);
+    for (auto& divider : m_dividers)
+        canvas.fill(divider, ink.withAlpha(Style::dividerOpacity));
+}
+
+void BarBackground::paintGround(Canvas& canvas) const
+{
+    if (m_appearance.reduceTransparency) {
+        canvas.fill(bounds(), m_appearance.isDark ? Color::grey(0.1450980392156863) : white(0.92));
+        return;
+    }
+    if (m_isOpaque)
+        canvas.fill(bounds(), opaqueBarColor(m_appearance.isDark));
+    if (m_theme == BarTheme::longhorn)
+        LonghornThemeBackground::paint(canvas, bounds());
+    else if (m_theme == BarTheme::aero)
+        AeroThemeBackground::paint(canvas, bounds());
+    else if (m_isOpaque)
+        canvas.fill(
+            topLine(bounds()), Color::grey(m_appearance.isDark ? 1 : 0, Style::edgeOpacity));
+}
+
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel {
+
+class Application;
+class UserSettings;
+
+/// The menu of the bar itself. Changes of settings apply at once. Everything given outlives it.
+Menu barMenu(UserSettings&, Application&, std::function<void()> openActivityMonitor);
+
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+
+#include "Quorvel/Views/Kit/View.h"
+
+namespace quorvel {
+
+/// Something to click on. What it looks like is its own; how it takes the pointer and the keyboard
+/// is the same for all.
+class ButtonView : public View {
+public:
+    void setDark(bool isDark) { set(m_isDark, isDark); }
+
+    std::function<void()> onTapped;
+    std::function<void()> onSecondaryTapped;
+
+    bool takesPointer() const override { return true; }
+    void pointerEntered() override { set(m_isHovered, true); }
+    void pointerExited() override { set(m_isHovered, false); }
+    void pressed(PointerButton button) override
+    {
+        set(m_isPressed, button == PointerButton::primary);
+    }
+    void pressCancelled() override { set(m_isPressed, false); }
+    void released(PointerButton, bool isInside) override;
+
+    bool isAccessible() const override { return true; }
+    bool performAccessibleAction(std::size_t) override;
+    void setKeyFocused(bool isFocused) override { set(m_hasKeyFocus, isFocused); }
+    void showContextMenu() override
+    {
+        if (onSecondaryTapped)
+            onSecondaryTapped();
+    }
+
+protected:
+    bool isDark() const { return m_isDark; }
+    bool isHovered() const { return m_isHovered; }
+    bool isPressed() const { return m_isPressed; }
+    bool hasKeyFocus() const { return m_hasKeyFocus; }
+    /// The state of a button of this name with one action.
+    AccessibleState buttonState(std::string name, std::string action) const;
+    /// The usual ground: nothing at rest, more under the pointer and under the finger.
+    void paintFace(Canvas&, const Rect& face, double radius) const;
+    template <typename Value> void set(Value& member, Value value)
+    {
+        if (std::exchange(member, value) != value)
+            invalidate();
+    }
+
+private:
+    bool m_isDark = true;
+    bool m_isHovered = false;
+    bool m_isPressed = false;
+    bool m_hasKeyFocus = false;
+};
+
+/// The ring around what has the keyboard.
+void paintKeyFocus(Canvas&, const Rect& face, double radius, bool isDark);
+
+}

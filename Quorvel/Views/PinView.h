@@ -1,0 +1,60 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "Quorvel/Core/BarSize.h"
+#include "Quorvel/Views/DragSource.h"
+#include "Quorvel/Views/Kit/ButtonView.h"
+
+namespace quorvel {
+
+/// What the bar shows of a pinned application that has no window here.
+struct PinData {
+    std::string bundleID;
+    std::string name;
+    Image icon;
+    bool isLaunching = false; ///< it was started, and has no window yet
+
+    friend bool operator==(const PinData&, const PinData&) = default;
+};
+
+/// The chip of a pinned application without a window.
+class PinView final : public ButtonView {
+public:
+    explicit PinView(const BarMetrics& metrics) : m_metrics(metrics) { }
+
+    const PinData& pin() const { return m_pin; }
+    void setPin(const PinData& pin) { set(m_pin, pin); }
+    /// It follows the pointer, above the others.
+    void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
+
+    std::function<void(PinView&, DragPhase, Point translation)> onDrag;
+    std::function<void(const PinView&, std::vector<std::string> paths)> onFilesDropped;
+    std::function<void(const PinView&, bool isHovered)> onHover;
+
+    void pressed(PointerButton) override;
+    void dragged(Point translation) override;
+    void released(PointerButton, bool isInside) override;
+    void pressCancelled() override;
+
+    bool takesFiles() const override { return true; }
+    void filesEntered() override { set(m_hasFilesOver, true); }
+    void filesExited() override { set(m_hasFilesOver, false); }
+    void filesDropped(const std::vector<std::string>& paths) override;
+
+    std::string accessibleID() const override { return "pin-" + m_pin.bundleID; }
+    AccessibleState accessibleState() const override { return buttonState(m_pin.name, "Open"); }
+
+private:
+    void paint(Canvas&) const override;
+
+    BarMetrics m_metrics;
+    PinData m_pin;
+    DragSource m_drag;
+    Point m_translation;
+    bool m_isLifted = false;
+    bool m_hasFilesOver = false;
+};
+
+}

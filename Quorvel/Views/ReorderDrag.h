@@ -1,0 +1,55 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Quorvel/Platform/Geometry.h"
+
+namespace quorvel {
+
+/// An item of a row that follows the pointer, and where it would land among the others. The others
+/// make room: each has a slot in the preview order. The row runs from left to right here; one that
+/// is mirrored mirrors what it gives and gets. Values only; the row draws and animates.
+class ReorderDrag {
+public:
+    using Frames = std::map<std::string, Rect>;
+
+    /// The visible items in the order of the row, the dragged one among them, with a frame each.
+    ReorderDrag(std::string draggedID, Frames startFrames, std::vector<std::string> visibleIDs);
+
+    void setTranslation(Point);
+
+    const std::string& draggedID() const { return m_draggedID; }
+    Point translation() const { return m_translation; }
+    /// Among the others: 0 is before all of them.
+    int insertionIndex() const { return m_insertionIndex; }
+    /// The visible items as they would stand after a drop.
+    std::vector<std::string> previewOrder() const;
+    /// The left edge of an item's slot in the preview order; the dragged one is at the pointer.
+    double slotX(const std::string& id) const;
+    /// The item before which a drop here puts the dragged one; absent: at the end.
+    std::optional<std::string> dropTargetID() const;
+
+    /// A neighbour gives way once the moved frame covers its middle.
+    static int insertionIndex(double translationX, const std::string& draggedID,
+        const Frames& startFrames, const std::vector<std::string>& visibleIDs);
+    static std::optional<std::string> dropTargetID(
+        int insertionIndex, const std::string& draggedID, std::vector<std::string> visibleIDs);
+
+private:
+    std::string m_draggedID;
+    Frames m_startFrames;
+    std::vector<std::string> m_visibleIDs;
+    std::vector<double> m_slots; ///< left edges, in the order of the row
+    Point m_translation;
+    int m_insertionIndex = 0;
+};
+
+/// The pin that follows the last visible one in the full list, so that what is dropped behind the
+/// visible pins stays ahead of those that are not on this bar. Absent if there is none.
+std::optional<std::string> nextPinnedAppIDAfterVisibleEnd(const std::string& draggedID,
+    const std::vector<std::string>& visibleIDs, std::vector<std::string> fullList);
+
+}

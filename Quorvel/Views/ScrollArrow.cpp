@@ -1,0 +1,33 @@
+#include "Quorvel/Views/ScrollArrow.h"
+
+#include "Quorvel/Views/BarBackground.h"
+
+namespace quorvel {
+
+namespace {
+
+struct Style {
+    static constexpr double symbolSize = 12;
+    static constexpr double fade = 0.6; ///< share of the width over which the row fades out
+    static constexpr double faceRadius = 5;
+};
+
+}
+
+void ScrollArrow::paint(Canvas& canvas) const
+{
+    auto ground = opaqueBarColor(isDark());
+    bool isLeft = m_towards == Towards::left;
+    std::vector<GradientStop> stops{
+        {0, ground}, {1 - Style::fade, ground}, {1, ground.withAlpha(0)}};
+    if (!isLeft)
+        stops = {{0, ground.withAlpha(0)}, {Style::fade, ground}, {1, ground}};
+    canvas.fillGradient(bounds(), GradientDirection::leadingToTrailing, stops);
+    Rect face = bounds().centred({bounds().width - 6, bounds().height - 8});
+    paintFace(canvas, face, Style::faceRadius);
+    canvas.drawSymbol(isLeft ? Symbol::chevronLeft : Symbol::chevronRight,
+        bounds().centred({Style::symbolSize, Style::symbolSize}),
+        Color::grey(isDark() ? 0.9 : 0.15));
+}
+
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Quorvel/Views/Kit/ButtonView.h"
+
+namespace quorvel {
+
+/// Stands at the end of a row where there is more than is seen, over what it covers.
+class ScrollArrow final : public ButtonView {
+public:
+    enum class Towards { left, right };
+
+    explicit ScrollArrow(Towards towards) : m_towards(towards) { }
+
+    static constexpr double kWidth = 22;
+
+    bool isAccessible() const override { return false; }
+
+private:
+    void paint(Canvas&) const override;
+
+    Towards m_towards;
+};
+
+}

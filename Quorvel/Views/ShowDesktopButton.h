@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Quorvel/Core/BarSize.h"
+#include "Quorvel/Views/Kit/ButtonView.h"
+
+namespace quorvel {
+
+/// The button at the trailing end of the bar, which moves all windows out of the way and back.
+class ShowDesktopButton final : public ButtonView {
+public:
+    explicit ShowDesktopButton(const BarMetrics& metrics) : m_metrics(metrics) { }
+
+    std::string accessibleID() const override { return "show-desktop"; }
+    AccessibleState accessibleState() const override
+    {
+        return buttonState("Show Desktop", "Show Desktop");
+    }
+
+private:
+    void paint(Canvas&) const override;
+
+    BarMetrics m_metrics;
+};
+
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Quorvel/Views/SpaceSwitcher.h"
+
+namespace quorvel {
+
+/// The cell of one space.
+class SpaceCell final : public ButtonView {
+public:
+    explicit SpaceCell(const BarMetrics& metrics) : m_metrics(metrics) { }
+
+    const SpaceCellData& data() const { return m_data; }
+    void setData(const SpaceCellData& data) { set(m_data, data); }
+    void setDropTarget(bool isTarget) { set(m_isDropTarget, isTarget); }
+
+    std::string accessibleID() const override { return "space-" + std::to_string(raw(m_data.id)); }
+    AccessibleState accessibleState() const override;
+
+private:
+    void paint(Canvas&) const override;
+
+    BarMetrics m_metrics;
+    SpaceCellData m_data;
+    bool m_isDropTarget = false;
+};
+
+}

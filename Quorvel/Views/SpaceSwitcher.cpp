@@ -1,0 +1,166 @@
+#include "Quorvel/Views/SpaceSwitcher.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "Quorvel/Views/SpaceCell.h"
+
+namespace quorvel {
+
+namespace {
+
+struct Style {
+    static constexpr double cellWidth = 0.88; ///< of the chip's height
+    static constexpr double listButtonWidth = 0.62; ///< of the chip's height
+    static constexpr double symbolSize = 0.36; ///< of the chip's height
+    static constexpr double spacing = 2;
+};
+
+/// Opens the list of spaces.
+class SpaceListButton final : public ButtonView {
+public:
+    explicit SpaceListButton(const BarMetrics& metrics) : m_metrics(metrics) { }
+
+    std::string accessibleID() const override { return "space-list"; }
+    AccessibleState accessibleState() const override { return buttonState("Spaces", "Open"); }
+
+private:
+    void paint(Canvas& canvas) const override
+    {
+        auto face = bounds().centred({bounds().width, m_metrics.chipHeight * 0.82});
+        paintFace(canvas, face, 5);
+        double size = m_metrics.chipHeight * Style::symbolSize;
+        canvas.drawSymbol(
+            Symbol::chevronUp, face.centred({size, size}), Color::grey(isDark() ? 0.86 : 0.2));
+    }
+
+    BarMetrics m_metrics;
+};
+
+}
+
+SpaceSwitcher::SpaceSwitcher(const BarMetrics& metrics)
+    : m_metrics(metrics)
+    , m_listButton(&addChild(std::make_unique<SpaceListButton>(metrics)))
+{
+    m_listButton->onTapped = m_listButton->onSecondaryTapped = [this] {
+        if (onListRequested)
+            onListRequested();
+    };
+}
+
+SpaceSwitcher::~SpaceSwitcher() = default;
+
+void SpaceSwitcher::setSpaces(const std::vector<SpaceCellData>& spaces)
+{
+    if (std::exchange(m_spaces, spaces) == spaces)
+        return;
+    while (m_cells.size() > spaces.size()) {
+        removeChild(*m_cells.back());
+        m_cells.pop_back();
+    }
+    while (m_cells.size() < spaces.size()) {
+        auto& cell = addChild(std::make_unique<SpaceCell>(m_metrics));
+        cell.setDark(m_isDark);
+        cell.onTapped = [this, &cell] {
+            if (onSpaceSwitchRequested)
+                onSpaceSwitchRequested(cell.data().id);
+        };
+        cell.onSecondaryTapped = [this] {
+            if (onListRequested)
+                onListRequested();
+        };
+        m_cells.push_back(&cell);
+    }
+    for (std::size_t index = 0; index < spaces.size(); ++index)
+        m_cells[index]->setData(spaces[index]);
+    layout();
+}
+
+void SpaceSwitcher::setDark(bool isDark)
+{
+    m_isDark = isDark;
+    m_listButton->setDark(isDark);
+    for (auto* cell : m_cells)
+        cell->setDark(isDark);
+}
+
+void SpaceSwitcher::setRightToLeft(bool isRightToLeft)
+{
+    if (std::exchange(m_isRightToLeft, isRightToLeft) != isRightToLeft)
+        layout();
+}
+
+double SpaceSwitcher::cellWidth() const
+{
+    return std::round(m_metrics.chipHeight * Style::cellWidth);
+}
+
+double SpaceSwitcher::listButtonWidth() const
+{
+    return std::round(m_metrics.chipHeight * Style::listButtonWidth);
+}
+
+double SpaceSwitcher::wantedWidth(double available) const
+{
+    if (m_spaces.size() < 2)
+        return 0;
+    double all
+        = listButtonWidth() + static_cast<double>(m_spaces.size()) * (cellWidth() + Style::spacing);
+    return all <= available ? all : listButtonWidth() + cellWidth() + Style::spacing;
+}
+
+bool SpaceSwitcher::showsAll(double width) const
+{
+    return width >= static_cast<double>(m_spaces.size()) * (cellWidth() + Style::spacing);
+}
+
+void SpaceSwitcher::layout()
+{
+    bool isShown = m_spaces.size() > 1;
+    bool areAllShown = showsAll(bounds().width);
+    double x = 0;
+    auto place = [&](View& view, double width) {
+        view.setFrame({m_isRightToLeft ? bounds().width - x - width : x, 0, width,
+            width > 0 ? bounds().height : 0});
+        x += width > 0 ? width + Style::spacing : 0;
+    };
+    for (auto* cell : m_cells)
+        place(*cell, isShown && (areAllShown || cell->data().isCurrent) ? cellWidth() : 0);
+    place(*m_listButton, isShown ? listButtonWidth() : 0);
+    if (auto* host_ = host())
+        host_->viewsDidMove();
+}
+
+void SpaceSwitcher::setDropTarget(std::optional<SpaceID> space)
+{
+    for (auto* cell : m_cells)
+        cell->setDropTarget(cell->data().id == space);
+}
+
+std::optional<SpaceID> SpaceSwitcher::spaceAt(Point inRoot) const
+{
+    for (auto* cell : m_cells) {
+        if (cell->frameInRoot().contains(inRoot))
+            return cell->data().id;
+    }
+    return {};
+}
+
+std::vector<std::pair<SpaceID, Rect>> SpaceSwitcher::cellFrames() const
+{
+    std::vector<std::pair<SpaceID, Rect>> frames;
+    for (auto* cell : m_cells) {
+        if (!cell->frame().isEmpty())
+            frames.emplace_back(cell->data().id, cell->frameInRoot());
+    }
+    return frames;
+}
+
+Rect SpaceSwitcher::listButtonFrame() const
+{
+    return m_listButton->frameInRoot();
+}
+
+}

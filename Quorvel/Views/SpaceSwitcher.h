@@ -1,0 +1,67 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Quorvel/Core/BarSize.h"
+#include "Quorvel/Platform/Identifiers.h"
+#include "Quorvel/Views/Kit/ButtonView.h"
+
+namespace quorvel {
+
+/// What the switcher says of one space.
+struct SpaceCellData {
+    SpaceID id{};
+    std::string label; ///< short: it stands in the cell
+    std::string name;
+    int windowCount = 0;
+    bool isCurrent = false;
+    bool wantsAttention = false;
+
+    friend bool operator==(const SpaceCellData&, const SpaceCellData&) = default;
+};
+
+class SpaceCell;
+
+/// One cell for each space of the display, and a button that lists them by name. With one space
+/// there is nothing to switch, and the view has no width; where there is no room for all cells, the
+/// current one stands for them.
+class SpaceSwitcher final : public View {
+public:
+    explicit SpaceSwitcher(const BarMetrics&);
+    ~SpaceSwitcher() override;
+
+    void setSpaces(const std::vector<SpaceCellData>&);
+    void setDark(bool);
+    void setRightToLeft(bool);
+    /// With no more room than this.
+    double wantedWidth(double available) const;
+    /// A window is held over this cell; absent: over none.
+    void setDropTarget(std::optional<SpaceID>);
+    /// The space whose cell is at this place of the root.
+    std::optional<SpaceID> spaceAt(Point inRoot) const;
+
+    std::function<void(SpaceID)> onSpaceSwitchRequested;
+    std::function<void()> onListRequested;
+
+    const std::vector<SpaceCellData>& spaces() const { return m_spaces; }
+    std::vector<std::pair<SpaceID, Rect>> cellFrames() const;
+    Rect listButtonFrame() const;
+
+private:
+    void layout() override;
+    double cellWidth() const;
+    double listButtonWidth() const;
+    bool showsAll(double width) const;
+
+    BarMetrics m_metrics;
+    bool m_isDark = true;
+    bool m_isRightToLeft = false;
+    std::vector<SpaceCellData> m_spaces;
+    std::vector<SpaceCell*> m_cells;
+    ButtonView* m_listButton;
+};
+
+}

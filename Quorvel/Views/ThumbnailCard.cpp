@@ -1,0 +1,196 @@
+#include "Quorvel/Views/ThumbnailCard.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quorvel {
+
+namespace {
+
+struct Style {
+    Color text;
+    Color emptyFill;
+    Color edge;
+    Color focusedFill;
+
+    static constexpr double padding = 8;
+    static constexpr double headerHeight = 24;
+    static constexpr double gap = 6; ///< between header and picture
+    static constexpr double iconSize = 16;
+    static constexpr double titleSize = 12;
+    static constexpr double radius = 8;
+    static constexpr double pictureRadius = 5;
+    static constexpr double closeSize = 20;
+    static constexpr double largeIcon = 48; ///< where there is no picture
+    static constexpr double minimizedOpacity = 0.6;
+
+    static const Style& of(bool isDark);
+};
+
+const Style& Style::of(bool isDark)
+{
+    static constexpr Style dark{
+        Color::grey(0.94), Color::grey(1, 0.06), Color::grey(1, 0.12), Color::grey(1, 0.08)};
+    static constexpr Style light{
+        Color::grey(0.08), Color::grey(0, 0.05), Color::grey(0, 0.12), Color::grey(0, 0.05)};
+    return isDark ? dark : light;
+}
+
+class CloseButton final : public ButtonView {
+public:
+    std::string accessibleID() const override { return "close"; }
+    AccessibleState accessibleState() const override { return buttonState("Close", "Close"); }
+
+private:
+    void paint(Canvas& canvas) const override
+    {
+        if (isHovered() || isPressed()) {
+            Color red{0.88, 0.19, 0.18, isPressed() ? 0.8 : 1};
+            canvas.fillRounded(bounds(), 5, red);
+        }
+        auto ink = isHovered() ? Color::grey(1) : Color::grey(isDark() ? 0.8 : 0.25);
+        canvas.drawSymbol(Symbol::close, bounds().centred({10, 10}), ink);
+    }
+};
+
+}
+
+ThumbnailCard::ThumbnailCard(Size pictureSize)
+    : m_pictureSize(pictureSize)
+    , m_closeButton(&addChild(std::make_unique<CloseButton>()))
+{
+    m_closeButton->onTapped = [this] {
+        if (onCloseTapped)
+            onCloseTapped(m_chip.id);
+    };
+}
+
+Size ThumbnailCard::sizeFor(Size picture)
+{
+    return {picture.width + 2 * Style::padding,
+        picture.height + 2 * Style::padding + Style::headerHeight + Style::gap};
+}
+
+void ThumbnailCard::setPicture(std::optional<WindowPicture> picture)
+{
+    m_picture = std::move(picture);
+    invalidate();
+}
+
+void ThumbnailCard::setRightToLeft(bool isRightToLeft)
+{
+    if (std::exchange(m_isRightToLeft, isRightToLeft) != isRightToLeft)
+        layout();
+}
+
+void ThumbnailCard::setDark(bool isDark)
+{
+    ButtonView::setDark(isDark);
+    m_closeButton->setDark(isDark);
+}
+
+void ThumbnailCard::released(PointerButton button, bool isInside)
+{
+    if (isInside && button == PointerButton::middle && onMiddleTapped)
+        onMiddleTapped(m_chip.id);
+    ButtonView::released(button, isInside);
+}
+
+std::string ThumbnailCard::accessibleID() const
+{
+    return displayItemID(m_chip.id);
+}
+
+AccessibleState ThumbnailCard::accessibleState() const
+{
+    auto state
+        = buttonState(m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, "Activate");
+    state.isSelected = m_chip.isFocused;
+    state.actions.emplace_back("Close");
+    return state;
+}
+
+bool ThumbnailCard::performAccessibleAction(std::size_t action)
+{
+    if (action != 1)
+        return ButtonView::performAccessibleAction(action);
+    if (onCloseTapped)
+        onCloseTapped(m_chip.id);
+    return true;
+}
+
+Rect ThumbnailCard::mirrored(Rect rect) const
+{
+    if (m_isRightToLeft)
+        rect.x = bounds().width - rect.maxX();
+    return rect;
+}
+
+Rect ThumbnailCard::iconFrame() const
+{
+    return mirrored(
+        Rect{Style::padding, Style::padding, Style::iconSize, Style::headerHeight}.centred(
+            {Style::iconSize, Style::iconSize}));
+}
+
+Rect ThumbnailCard::titleFrame() const
+{
+    double left = Style::padding + Style::iconSize + Style::gap;
+    double right = bounds().width - Style::padding - Style::closeSize - Style::gap;
+    return mirrored({left, Style::padding, std::max(0.0, right - left), Style::headerHeight});
+}
+
+Rect ThumbnailCard::closeButtonFrame() const
+{
+    return m_closeButton->frameInRoot();
+}
+
+void ThumbnailCard::layout()
+{
+    Rect slot{bounds().width - Style::padding - Style::closeSize, Style::padding, Style::closeSize,
+        Style::headerHeight};
+    m_closeButton->setFrame(mirrored(slot.centred({Style::closeSize, Style::closeSize})));
+    invalidate();
+}
+
+/// As large as it fits, in the window's own shape.
+Rect ThumbnailCard::pictureFrame() const
+{
+    Rect room{Style::padding, Style::padding + Style::headerHeight + Style::gap,
+        m_pictureSize.width, m_pictureSize.height};
+    if (!m_picture || m_picture->size.isEmpty())
+        return room;
+    auto& size = m_picture->size;
+    double factor = std::min(room.width / size.width, room.height / size.height);
+    return room.centred({size.width * factor, size.height * factor});
+}
+
+void ThumbnailCard::paint(Canvas& canvas) const
+{
+    auto& style = Style::of(isDark());
+    if (m_chip.isFocused)
+        canvas.fillRounded(bounds(), Style::radius, style.focusedFill);
+    paintFace(canvas, bounds(), Style::radius);
+    canvas.drawImage(m_chip.icon, iconFrame());
+    canvas.drawText(m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, titleFrame(),
+        {.size = Style::titleSize, .weight = FontWeight::medium, .color = style.text});
+
+    auto frame = pictureFrame();
+    if (!m_picture || !m_picture->image) {
+        canvas.fillRounded(frame, Style::pictureRadius, style.emptyFill);
+        double size = std::min(Style::largeIcon, frame.height * 0.6);
+        canvas.drawImage(m_chip.icon, frame.centred({size, size}));
+        return;
+    }
+    if (m_chip.isMinimized)
+        canvas.beginOpacity(Style::minimizedOpacity);
+    canvas.save();
+    canvas.clipRounded(frame, Style::pictureRadius);
+    canvas.drawImage(m_picture->image, frame);
+    canvas.restore();
+    if (m_chip.isMinimized)
+        canvas.endOpacity();
+    canvas.strokeRounded(frame, Style::pictureRadius, 1, style.edge);
+}
+
+}

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Identifiers.h"
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel {
+
+/// What the pointer rests on: one window's chip, or a group's.
+struct HoverTarget {
+    enum class Kind { single, group };
+
+    Kind kind = Kind::single;
+    std::string chipID;
+    std::vector<WindowID> windows;
+
+    friend bool operator==(const HoverTarget&, const HoverTarget&) = default;
+};
+
+/// When a popup opens and closes. It opens once the pointer has rested on a chip, and closes a
+/// little after the pointer has left both the chip and the popup. Main thread.
+class ThumbnailHover {
+public:
+    static constexpr Duration kShowDelay = seconds(0.25);
+    static constexpr Duration kDismissDelay = seconds(0.2);
+
+    ThumbnailHover(Dispatch&, Surfaces&);
+
+    /// The captures may begin.
+    std::function<void(const HoverTarget&)> onPrefetch;
+    std::function<void(const HoverTarget&)> onShow;
+    std::function<void()> onDismiss;
+
+    void handleChipHover(bool isHovering, const HoverTarget&);
+    void setPopupHovered(bool);
+    void dismissThumbnailPopupImmediate();
+    /// No popup until the pointer leaves the chip: it was clicked or dragged.
+    void suppressForCurrentHover() { m_suppressThumbnailForCurrentHover = true; }
+    /// No popup beside an open menu.
+    void setMenuOpen(bool);
+
+    /// The chip the shown popup belongs to.
+    const std::optional<std::string>& thumbnailTargetID() const { return m_thumbnailTargetID; }
+
+private:
+    void restartShowTimer();
+    void startMouseStabilityMonitoring();
+    void startDismissTimer();
+    void show();
+
+    Dispatch& m_dispatch;
+    Surfaces& m_surfaces;
+    std::optional<std::string> m_thumbnailTargetID;
+    std::optional<HoverTarget> m_pendingHoverTarget;
+    bool m_isThumbnailPopupHovered = false;
+    bool m_suppressThumbnailForCurrentHover = false;
+    bool m_isMenuOpen = false;
+    Subscription m_mouseMovementMonitor;
+    WorkItem m_showTimer;
+    WorkItem m_dismissTimer;
+};
+
+}

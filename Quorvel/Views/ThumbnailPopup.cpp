@@ -1,0 +1,283 @@
+#include "Quorvel/Views/ThumbnailPopup.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "Quorvel/Core/ThumbnailService.h"
+
+namespace quorvel {
+
+namespace {
+
+struct Style {
+    Color ground;
+    Color edge;
+    Color text;
+
+    static constexpr double padding = 8;
+    static constexpr double spacing = 4; ///< between cards
+    static constexpr double radius = 12;
+    static constexpr double screenMargin = 8;
+    static constexpr double arrowHalfWidth = 9;
+    static constexpr double moreHeight = 22;
+    static constexpr double moreTextSize = 12;
+    static constexpr Duration fade = seconds(0.12);
+    static constexpr Duration move = seconds(0.16);
+
+    static const Style& of(bool isDark);
+};
+
+const Style& Style::of(bool isDark)
+{
+    static constexpr Style dark{Color::grey(0.16), Color::grey(1, 0.16), Color::grey(0.85)};
+    static constexpr Style light{Color::grey(0.975), Color::grey(0, 0.18), Color::grey(0.25)};
+    return isDark ? dark : light;
+}
+
+constexpr std::array kPictureSizes{
+    ThumbnailService::kPopupPictureSize, Size{180, 112.5}, Size{132, 82.5}};
+
+Size cardsSize(std::size_t columns, std::size_t rows, Size card)
+{
+    auto n = static_cast<double>(columns);
+    auto m = static_cast<double>(rows);
+    return {n * (card.width + Style::spacing) - Style::spacing,
+        m * (card.height + Style::spacing) - Style::spacing};
+}
+
+}
+
+// MARK: Where everything goes
+
+ThumbnailPopupLayout ThumbnailPopupLayout::of(
+    std::size_t windowCount, const Rect& chip, const Rect& screen, bool isRightToLeft)
+{
+    ThumbnailPopupLayout layout;
+    double room = screen.width - 2 * (Style::screenMargin + Style::padding);
+    double height = screen.maxY() - chip.maxY() - 2 * (Style::screenMargin + Style::padding)
+        - kArrowHeight - Style::moreHeight;
+    // The largest pictures with which all windows stand in one row, else as many rows as fit.
+    std::size_t columns = 1;
+    for (auto size : kPictureSizes) {
+        layout.pictureSize = size;
+        auto card = ThumbnailCard::sizeFor(size);
+        columns = std::max<std::size_t>(
+            1, static_cast<std::size_t>((room + Style::spacing) / (card.width + Style::spacing)));
+        if (columns >= windowCount)
+            break;
+    }
+    auto card = ThumbnailCard::sizeFor(layout.pictureSize);
+    auto mostRows = std::max<std::size_t>(1,
+        static_cast<std::size_t>(
+            std::max(0.0, height + Style::spacing) / (card.height + Style::spacing)));
+    columns = std::clamp<std::size_t>(windowCount, 1, columns);
+    auto rows = std::clamp<std::size_t>((windowCount + columns - 1) / columns, 1, mostRows);
+    auto shown = std::min(windowCount, columns * rows);
+    layout.hiddenCount = windowCount - shown;
+    auto inner = cardsSize(columns, rows, card);
+    for (std::size_t index = 0; index < shown; ++index) {
+        auto column = static_cast<double>(index % columns);
+        auto row = static_cast<double>(index / columns);
+        double x = column * (card.width + Style::spacing);
+        if (isRightToLeft)
+            x = inner.width - x - card.width;
+        layout.cards.push_back({Style::padding + x,
+            Style::padding + row * (card.height + Style::spacing), card.width, card.height});
+    }
+    Size whole{inner.width + 2 * Style::padding,
+        inner.height + 2 * Style::padding + (layout.hiddenCount > 0 ? Style::moreHeight : 0)
+            + kArrowHeight};
+    double left = std::max(screen.x + Style::screenMargin,
+        std::min(
+            chip.centre().x - whole.width / 2, screen.maxX() - Style::screenMargin - whole.width));
+    layout.frame = {std::round(left), chip.maxY(), whole.width, whole.height};
+    layout.arrowX = std::clamp(chip.centre().x - layout.frame.x,
+        Style::radius + Style::arrowHalfWidth, whole.width - Style::radius - Style::arrowHalfWidth);
+    return layout;
+}
+
+// MARK: What it looks like
+
+class ThumbnailPopup::Content final : public View {
+public:
+    explicit Content(const Published<Appearance>& appearance) : m_appearance(appearance) { }
+
+    void setLayout(const ThumbnailPopupLayout& layout)
+    {
+        m_arrowX = layout.arrowX;
+        m_hiddenCount = layout.hiddenCount;
+        invalidate();
+    }
+    void setOpacity(double opacity)
+    {
+        m_opacity = opacity;
+        invalidate();
+    }
+    std::string accessibleID() const override { return "popup"; }
+    AccessibleState accessibleState() const override
+    {
+        AccessibleState state;
+        state.role = AccessibleRole::popup;
+        state.name = "Windows";
+        return state;
+    }
+
+private:
+    void paint(Canvas& canvas) const override
+    {
+        auto& style = Style::of(m_appearance.value().isDark);
+        auto face = bounds();
+        face.height -= ThumbnailPopupLayout::kArrowHeight;
+        double tip = bounds().maxY() - 1;
+        auto arrow = [&](double inset, const Color& color) {
+            canvas.fillPolygon({{m_arrowX - Style::arrowHalfWidth + inset, face.maxY() - 1},
+                                   {m_arrowX + Style::arrowHalfWidth - inset, face.maxY() - 1},
+                                   {m_arrowX, tip - inset}},
+                color);
+        };
+        canvas.fillRounded(face, Style::radius, style.ground);
+        canvas.strokeRounded(face, Style::radius, 1, style.edge);
+        arrow(0, style.edge);
+        arrow(1, style.ground);
+        if (m_hiddenCount > 0) {
+            Rect more{
+                0, face.maxY() - Style::padding - Style::moreHeight, face.width, Style::moreHeight};
+            canvas.drawText(std::to_string(m_hiddenCount) + " more", more,
+                {.size = Style::moreTextSize,
+                    .color = style.text,
+                    .alignment = TextAlignment::centre});
+        }
+    }
+    double paintOpacity() const override { return m_opacity; }
+
+    const Published<Appearance>& m_appearance;
+    double m_arrowX = 0;
+    std::size_t m_hiddenCount = 0;
+    double m_opacity = 1;
+};
+
+// MARK: On the screen
+
+ThumbnailPopup::ThumbnailPopup(const Inputs& inputs)
+    : m_inputs(inputs)
+    , m_surface(inputs.surfaces.createPanel(
+          {.display = inputs.display, .title = "Windows", .kind = PanelKind::popup}, m_hostingView))
+    , m_animation(inputs.dispatch)
+{
+    m_hostingView.attach(*m_surface);
+    m_hostingView.onHoverChanged = [this](bool isHovered) {
+        if (onHoverChanged)
+            onHoverChanged(isHovered);
+    };
+}
+
+ThumbnailPopup::~ThumbnailPopup() = default;
+
+void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, const Rect& screen,
+    const std::optional<Rect>& animatingFrom)
+{
+    auto& appearance = m_inputs.appearance.value();
+    m_layout = ThumbnailPopupLayout::of(chips.size(), chip, screen, appearance.isRightToLeft);
+    makeCards(chips);
+    if (appearance.reduceMotion)
+        m_animation.stop();
+    m_surface->setFrame(m_layout.frame);
+    m_surface->orderFront();
+    if (appearance.reduceMotion)
+        return;
+    if (animatingFrom)
+        return animate(*animatingFrom);
+    m_animation.start(Style::fade, m_surface->frameInterval(),
+        [this](double share) { m_content->setOpacity(share); });
+}
+
+void ThumbnailPopup::hide()
+{
+    m_animation.stop();
+    m_surface->orderOut();
+}
+
+void ThumbnailPopup::animate(const Rect& from)
+{
+    auto to = m_layout.frame;
+    m_animation.start(Style::move, m_surface->frameInterval(), [this, from, to](double share) {
+        // The size is the new one from the start: only the place moves.
+        double x = from.centre().x + (to.centre().x - from.centre().x) * share - to.width / 2;
+        m_surface->setFrame({std::round(x), to.y, to.width, to.height});
+    });
+}
+
+void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
+{
+    auto& appearance = m_inputs.appearance.value();
+    m_pictures.clear();
+    m_cards.clear();
+    auto content = std::make_unique<Content>(m_inputs.appearance);
+    m_content = content.get();
+    m_content->setLayout(m_layout);
+    for (std::size_t index = 0; index < m_layout.cards.size(); ++index) {
+        auto& card = m_content->addChild(std::make_unique<ThumbnailCard>(m_layout.pictureSize));
+        card.setDark(appearance.isDark);
+        card.setRightToLeft(appearance.isRightToLeft);
+        card.setChip(chips[index]);
+        card.setFrame(m_layout.cards[index]);
+        card.onTapped = [this, id = chips[index].id] {
+            if (onWindowChosen)
+                onWindowChosen(id);
+        };
+        card.onCloseTapped = card.onMiddleTapped = [this](WindowID id) {
+            if (onWindowClosed)
+                onWindowClosed(id);
+        };
+        m_cards.push_back(&card);
+        askForPicture(card);
+    }
+    m_hostingView.setContent(std::move(content));
+}
+
+/// The one there is at once, the fresh one when it comes.
+void ThumbnailPopup::askForPicture(ThumbnailCard& card)
+{
+    auto id = card.chip().id;
+    card.setPicture(m_inputs.thumbnailService.cached(id));
+    m_pictures.push_back(m_inputs.thumbnailService.thumbnail(id, [&card](auto picture) {
+        if (picture)
+            card.setPicture(std::move(picture));
+    }));
+}
+
+void ThumbnailPopup::update(const std::vector<ChipData>& chips)
+{
+    for (auto* card : m_cards) {
+        auto chip = std::ranges::find(chips, card->chip().id, &ChipData::id);
+        if (chip != chips.end())
+            card->setChip(*chip);
+    }
+}
+
+std::vector<WindowID> ThumbnailPopup::windows() const
+{
+    std::vector<WindowID> windows;
+    for (auto* card : m_cards)
+        windows.push_back(card->chip().id);
+    return windows;
+}
+
+Rect ThumbnailPopup::onScreen(const Rect& inRoot) const
+{
+    auto frame = m_surface->frame();
+    return {frame.x + inRoot.x, frame.maxY() - inRoot.maxY(), inRoot.width, inRoot.height};
+}
+
+std::vector<ThumbnailPopup::CardPlace> ThumbnailPopup::cardPlaces() const
+{
+    std::vector<CardPlace> places;
+    for (auto* card : m_cards)
+        places.push_back(
+            {card->chip().id, onScreen(card->frameInRoot()), onScreen(card->closeButtonFrame())});
+    return places;
+}
+
+}

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Quorvel/Core/DisplayItem.h"
+#include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Surfaces.h"
+#include "Quorvel/Views/BarHostingView.h"
+#include "Quorvel/Views/Kit/Animation.h"
+#include "Quorvel/Views/ThumbnailCard.h"
+
+namespace quorvel {
+
+class ThumbnailService;
+
+/// Where a popup and its cards go; values only.
+struct ThumbnailPopupLayout {
+    static constexpr double kArrowHeight = 8;
+
+    Size pictureSize;
+    std::vector<Rect> cards; ///< in the popup, origin top left
+    std::size_t hiddenCount = 0; ///< windows for which there is no room
+    Rect frame; ///< on the screen, points, bottom-left origin
+    double arrowX = 0; ///< in the popup
+
+    /// Above the chip and wholly on its screen; all in points, bottom-left origin.
+    static ThumbnailPopupLayout of(
+        std::size_t windowCount, const Rect& chip, const Rect& screen, bool isRightToLeft);
+};
+
+/// The popup above a chip: a card with a live picture for each of its windows. Never takes the
+/// focus. Destroying it takes it off the screen. Main thread.
+class ThumbnailPopup {
+public:
+    struct Inputs {
+        Surfaces& surfaces;
+        Dispatch& dispatch;
+        ThumbnailService& thumbnailService;
+        const Published<Appearance>& appearance;
+        DisplayNumber display{};
+    };
+
+    explicit ThumbnailPopup(const Inputs&);
+    ~ThumbnailPopup();
+
+    /// Shows these windows above the chip (points, bottom-left origin); the first time it comes
+    /// from `animatingFrom`, if given, else it fades in.
+    void show(const std::vector<ChipData>&, const Rect& chip, const Rect& screen,
+        const std::optional<Rect>& animatingFrom);
+    void hide();
+    /// The same windows, as they are now.
+    void update(const std::vector<ChipData>&);
+
+    Rect frame() const { return m_layout.frame; }
+    std::vector<WindowID> windows() const;
+    /// With its close button; points, bottom-left origin.
+    struct CardPlace {
+        WindowID window{};
+        Rect frame;
+        Rect closeButton;
+    };
+    std::vector<CardPlace> cardPlaces() const;
+
+    std::function<void(WindowID)> onWindowChosen;
+    std::function<void(WindowID)> onWindowClosed;
+    std::function<void(bool isHovered)> onHoverChanged;
+
+private:
+    class Content;
+
+    void makeCards(const std::vector<ChipData>&);
+    void askForPicture(ThumbnailCard&);
+    void animate(const Rect& from);
+    Rect onScreen(const Rect& inRoot) const;
+
+    Inputs m_inputs;
+    BarHostingView m_hostingView;
+    std::unique_ptr<PanelSurface> m_surface;
+    Content* m_content = nullptr;
+    ThumbnailPopupLayout m_layout;
+    std::vector<ThumbnailCard*> m_cards;
+    std::vector<Subscription> m_pictures;
+    Animation m_animation;
+};
+
+}

@@ -1,0 +1,379 @@
+// What hovering, clicking, dragging and the keyboard do on the bar, through real pointer events.
+#include <gmock/gmock.h>
+
+#include "Quorvel/Core/PinStore.h"
+#include "Quorvel/Views/BarBackground.h"
+#include "Quorvel/Views/ReorderDrag.h"
+#include "Quorvel/Views/ThumbnailPopup.h"
+#include "Tests/Support/BarFixture.h"
+
+namespace quorvel::test {
+
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace {
+
+struct BarInteractionTest : BarFixture {
+    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "mail"});
+    ProcessID editor = desktop.launch({.name = "Editor", .bundleIdentifier = "editor"});
+    WindowID inbox = desktop.open(mail, {.title = "Inbox"});
+    WindowID draft = desktop.open(mail, {.title = "Draft"});
+    WindowID notes = desktop.open(editor, {.title = "Notes"});
+
+    BarInteractionTest()
+    {
+        for (auto* name : {"mail", "editor", "player", "browser"})
+            desktop.workspace().install(name, std::string{"/Applications/"} + name);
+        desktop.focus(inbox);
+        desktop.activate(mail);
+        start();
+    }
+    BarContentView& content(SpaceID space = SpaceID{1})
+    {
+        return *runtime->barManager()->panels().at(space)->content();
+    }
+    FakePanel* popup() { return desktop.surfaces().popup(); }
+    std::vector<std::string> chipIDs()
+    {
+        std::vector<std::string> ids;
+        for (auto& [id, frame] : content().chipFrames())
+            ids.push_back(id);
+        return ids;
+    }
+    std::vector<std::string> pinIDs()
+    {
+        std::vector<std::string> ids;
+        for (auto& [id, frame] : content().pinFrames())
+            ids.push_back(id);
+        return ids;
+    }
+    Point middleOf(WindowID window) { return chipFrame(window)->centre(); }
+    void pin(const std::string& id)
+    {
+        runtime->barManager()->pinStore().setPin(id, PinDestination::bar, true);
+    }
+    void drag(Point from, Point to)
+    {
+        panel().press(from);
+        panel().movePointer({(from.x + to.x) / 2, (from.y + to.y) / 2});
+        panel().movePointer(to);
+        panel().release(to);
+        desktop.advance(seconds(0.3));
+    }
+    /// In the popup, above the first card's picture.
+    void hoverUntilShown(WindowID window)
+    {
+        panel().movePointer(middleOf(window));
+        desktop.advance(seconds(0.25));
+    }
+};
+
+}
+
+// MARK: Popups
+
+// Faults: it opens while the pointer only passes, or never, or stays.
+TEST_F(BarInteractionTest, aPopupOpensAtRestAndClosesAfterThePointerHasLeft)
+{
+    panel().movePointer(middleOf(draft));
+    desktop.advance(seconds(0.2));
+    EXPECT_FALSE(popup());
+    panel().movePointer(middleOf(draft).translated(3, 0));
+    desktop.advance(seconds(0.2));
+    EXPECT_FALSE(popup()) << "it moved";
+    desktop.advance(seconds(0.05));
+    ASSERT_TRUE(popup());
+    EXPECT_EQ(popup()->frame().y, panel().frame().maxY());
+    EXPECT_THAT(popup()->render().texts(), Contains("Draft"));
+
+    panel().leave();
+    desktop.advance(seconds(0.1));
+    popup()->movePointer({20, 20});
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(popup()) << "the pointer is in it";
+    popup()->leave();
+    desktop.advance(seconds(0.2));
+    EXPECT_FALSE(popup());
+}
+
+TEST_F(BarInteractionTest, aPopupMovesToTheNextChipAndGoesWithAClickOrAMenu)
+{
+    hoverUntilShown(draft);
+    auto first = popup()->frame();
+    panel().movePointer(middleOf(notes));
+    desktop.advance(seconds(0.2));
+    EXPECT_TRUE(popup()) << "until the next one opens";
+    desktop.advance(seconds(0.5));
+    ASSERT_TRUE(popup());
+    EXPECT_THAT(popup()->render().texts(), Contains("Notes"));
+    EXPECT_GT(popup()->frame().x, first.x);
+
+    panel().click(middleOf(notes));
+    EXPECT_FALSE(popup());
+    desktop.advance(seconds(2));
+    EXPECT_FALSE(popup()) << "not before the pointer has left the chip";
+    leave();
+    hoverUntilShown(draft);
+    panel().click(middleOf(draft), PointerButton::secondary);
+    desktop.advance(seconds(1));
+    EXPECT_FALSE(popup());
+    EXPECT_TRUE(desktop.surfaces().menu());
+}
+
+TEST_F(BarInteractionTest, aGroupsPopupHasACardForEachWindow)
+{
+    runtime->userSettings().setGroupWindowsByApp(true);
+    settle();
+    auto frame = content().chipFrames().front().second;
+    panel().movePointer(frame.centre());
+    desktop.advance(seconds(0.25));
+    ASSERT_TRUE(popup());
+    ASSERT_THAT(content().thumbnailPopup()->cardPlaces(), SizeIs(2));
+    EXPECT_THAT(popup()->render().texts(), ElementsAre("Inbox", "Draft"));
+
+    desktop.close(draft);
+    settle();
+    auto card = content().thumbnailPopup();
+    EXPECT_FALSE(card) << "no group any longer";
+
+    leave();
+    hoverUntilShown(notes);
+    auto place = content().thumbnailPopup()->cardPlaces().front().frame;
+    auto at
+        = Point{place.centre().x - popup()->frame().x, popup()->frame().maxY() - place.centre().y};
+    popup()->click(at);
+    desktop.advance(seconds(0.5));
+    EXPECT_FALSE(popup());
+    EXPECT_TRUE(chip(notes)->isFocused);
+}
+
+TEST(ThumbnailPopupLayout, isWhollyOnTheScreenWhateverTheCountAndThePlace)
+{
+    constexpr Rect screen{1000, 0, 800, 600};
+    for (bool isRightToLeft : {false, true}) {
+        for (double x : {1000.0, 1400.0, 1760.0}) {
+            for (std::size_t count : {1u, 2u, 5u, 40u}) {
+                auto layout
+                    = ThumbnailPopupLayout::of(count, {x, 0, 40, 36}, screen, isRightToLeft);
+                EXPECT_TRUE(screen.contains(layout.frame)) << count << " at " << x;
+                EXPECT_EQ(layout.cards.size() + layout.hiddenCount, count);
+                for (auto& card : layout.cards)
+                    EXPECT_TRUE(Rect::from({}, layout.frame.size()).contains(card));
+                double tip = layout.frame.x + layout.arrowX;
+                EXPECT_NEAR(tip, x + 20, 22) << "the arrow is at the chip";
+            }
+        }
+    }
+}
+
+// MARK: Drags
+
+TEST_F(BarInteractionTest, aDraggedChipGoesWhereItIsDroppedAndStaysThere)
+{
+    auto id = [](WindowID window) { return displayItemID(window); };
+    ASSERT_THAT(chipIDs(), ElementsAre(id(inbox), id(draft), id(notes)));
+    drag(middleOf(notes), middleOf(inbox).translated(-10, 0));
+    EXPECT_THAT(chipIDs(), ElementsAre(id(notes), id(inbox), id(draft)));
+    EXPECT_FALSE(chip(notes)->isFocused) << "a drag is no click";
+    desktop.retitle(draft, "Other");
+    settle();
+    leave();
+    EXPECT_THAT(chipIDs(), ElementsAre(id(notes), id(inbox), id(draft)));
+    EXPECT_LT(chipFrame(notes)->x, chipFrame(inbox)->x);
+
+    // The window closes under the hand.
+    panel().press(middleOf(notes));
+    panel().movePointer(middleOf(draft));
+    desktop.close(notes);
+    settle();
+    panel().release(middleOf(draft));
+    settle();
+    EXPECT_THAT(chipIDs(), ElementsAre(id(inbox), id(draft)));
+}
+
+TEST_F(BarInteractionTest, aChipDroppedOnASpaceMovesItsWindowThere)
+{
+    auto cell = content().spaceCellFrames().at(1).second;
+    drag(middleOf(draft), cell.centre());
+    settle();
+    EXPECT_FALSE(chipFrame(draft));
+    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Draft"));
+}
+
+TEST_F(BarInteractionTest, pinsStandBeforeTheChipsWhileTheirApplicationHasNoWindow)
+{
+    for (auto* id : {"player", "mail", "browser"})
+        pin(id);
+    EXPECT_THAT(pinIDs(), ElementsAre("player", "browser"));
+    EXPECT_LT(content().pinFrames().back().second.x, chipFrame(inbox)->x);
+
+    panel().click(content().pinFrames().front().second.centre());
+    desktop.drain();
+    EXPECT_THAT(desktop.workspace().opened(), ElementsAre("/Applications/player"));
+    leave();
+
+    // Behind the last visible one is still before those that are not on this bar.
+    pin("editor");
+    auto pins = content().pinFrames();
+    drag(pins.front().second.centre(), pins.back().second.centre().translated(15, 0));
+    EXPECT_THAT(pinIDs(), ElementsAre("browser", "player"));
+    EXPECT_THAT(runtime->barManager()->pinStore().pinnedAppIDs(PinDestination::bar),
+        ElementsAre("mail", "browser", "player", "editor"));
+
+    panel().movePointer(middleOf(inbox));
+    auto player = desktop.launch({.name = "Player", .bundleIdentifier = "player"});
+    desktop.open(player, {.title = "Song"});
+    settle();
+    EXPECT_THAT(pinIDs(), SizeIs(2)) << "the pointer is over the row";
+    leave();
+    EXPECT_THAT(pinIDs(), ElementsAre("browser"));
+}
+
+TEST(ReorderDrag, countsThePlaceAmongTheOthers)
+{
+    const ReorderDrag::Frames frames{
+        {"a", {0, 0, 100, 30}}, {"b", {110, 0, 100, 30}}, {"c", {220, 0, 100, 30}}};
+    const std::vector<std::string> ids{"a", "b", "c"};
+    auto at = [&](const char* dragged, double x) {
+        return ReorderDrag::insertionIndex(x, dragged, frames, ids);
+    };
+    EXPECT_EQ(at("a", 0), 0);
+    EXPECT_EQ(at("a", 59), 0);
+    EXPECT_EQ(at("a", 61), 1);
+    EXPECT_EQ(at("a", 500), 2);
+    EXPECT_EQ(at("c", -61), 1);
+    EXPECT_EQ(at("b", -500), 0);
+    EXPECT_EQ(ReorderDrag::dropTargetID(-3, "b", ids), "a");
+    EXPECT_EQ(ReorderDrag::dropTargetID(1, "b", ids), "c");
+    EXPECT_EQ(ReorderDrag::dropTargetID(7, "b", ids), std::nullopt);
+    EXPECT_EQ(nextPinnedAppIDAfterVisibleEnd("a", {"a", "b"}, {"a", "b", "x", "y"}), "x");
+    EXPECT_EQ(nextPinnedAppIDAfterVisibleEnd("a", {"a"}, {"a", "x"}), std::nullopt);
+    EXPECT_EQ(nextPinnedAppIDAfterVisibleEnd("a", {"b"}, {"a", "x"}), std::nullopt);
+}
+
+// MARK: Spaces, desktop, files, keyboard
+
+TEST_F(BarInteractionTest, cellsAndTheListSwitchSpacesAndTheButtonShowsTheDesktop)
+{
+    panel().click(content().spaceCellFrames().at(2).second.centre());
+    desktop.advance(seconds(0.5));
+    EXPECT_TRUE(desktop.model().isCurrent(SpaceID{3}));
+    auto& there = panel(SpaceID{3});
+    there.click(content(SpaceID{3}).spaceListButtonFrame().centre());
+    desktop.drain();
+    EXPECT_THAT(desktop.surfaces().menuTitles(), SizeIs(3));
+    EXPECT_THAT(desktop.surfaces().menuTitles().front(), HasSubstr("3 windows"));
+    desktop.surfaces().chooseMenuItem(desktop.surfaces().menuTitles().front());
+    desktop.advance(seconds(0.5));
+    EXPECT_TRUE(desktop.model().isCurrent(SpaceID{1}));
+
+    panel().click(content().showDesktopButtonFrame().centre());
+    EXPECT_TRUE(desktop.windowServer().isShowingDesktop());
+}
+
+TEST_F(BarInteractionTest, filesThatRestOnAChipRaiseItsWindowAndOpenWithAPin)
+{
+    pin("player");
+    panel().dragFiles(DropAction::entered, middleOf(notes));
+    desktop.advance(seconds(0.4));
+    EXPECT_FALSE(chip(notes)->isFocused);
+    desktop.advance(seconds(0.6));
+    EXPECT_TRUE(chip(notes)->isFocused);
+    auto pinned = content().pinFrames().front().second.centre();
+    EXPECT_TRUE(panel().dragFiles(DropAction::moved, pinned));
+    panel().dragFiles(DropAction::dropped, pinned, {"/song"});
+    EXPECT_THAT(desktop.workspace().opened(), ElementsAre("/song with /Applications/player"));
+    EXPECT_FALSE(panel().dragFiles(DropAction::moved, {5, 10}));
+}
+
+TEST_F(BarInteractionTest, theKeyboardWalksTheBarAndPressesWhatIsFocused)
+{
+    panel().takeKeyboard();
+    for (int step = 0; step < 20; ++step) {
+        panel().pressKey(Key::right);
+        for (auto* element : panel().accessibleRoot()->accessibleChildren()) {
+            if (element->accessibleState().hasKeyFocus
+                && element->accessibleID() == displayItemID(notes)) {
+                panel().pressKey(Key::enter);
+                desktop.advance(seconds(0.5));
+                EXPECT_TRUE(chip(notes)->isFocused);
+                EXPECT_FALSE(panel().hasKeyboard());
+                return;
+            }
+        }
+    }
+    FAIL() << "no step led to the chip";
+}
+
+// MARK: What it says and looks like
+
+TEST_F(BarInteractionTest, aScreenReaderHearsWhatTheChipsShow)
+{
+    std::vector<std::string> names;
+    for (auto* element : panel().accessibleRoot()->accessibleChildren())
+        names.push_back(element->accessibleState().name);
+    EXPECT_THAT(names, Contains("Menu"));
+    EXPECT_THAT(names, Contains("Mail, Inbox, focused"));
+    EXPECT_THAT(names, Contains("Desktop 1, 3 windows"));
+    EXPECT_THAT(names, Contains("Show Desktop"));
+}
+
+TEST_F(BarInteractionTest, themesLieOverTheBlurUnlessTheUserWantsNoTransparency)
+{
+    auto& settings = runtime->userSettings();
+    settings.setTheme(BarTheme::aero);
+    desktop.drain();
+    EXPECT_EQ(panel().effect()->opacity, 0.85);
+    EXPECT_EQ(panel().effect()->material, 13);
+    EXPECT_THAT(panel().render().drawn<DrawnGradient>(), SizeIs(2));
+    settings.setTheme(BarTheme::longhorn);
+    desktop.drain();
+    EXPECT_EQ(panel().effect()->opacity, 0.78);
+    EXPECT_THAT(panel().render().drawn<DrawnGradient>(), SizeIs(1));
+
+    Appearance appearance{.isDark = true, .reduceTransparency = true};
+    desktop.program().setAppearance(appearance);
+    desktop.drain();
+    EXPECT_FALSE(panel().effect());
+    EXPECT_THAT(panel().render().drawn<DrawnGradient>(), IsEmpty());
+    EXPECT_EQ(panel().render().drawn<DrawnFill>().front().color, Color::grey(37.0 / 255));
+    appearance.isDark = false;
+    desktop.program().setAppearance(appearance);
+    desktop.drain();
+    EXPECT_EQ(panel().render().drawn<DrawnFill>().front().color, Color::grey(1, 0.92));
+}
+
+TEST_F(BarInteractionTest, titlesFollowTheSettings)
+{
+    auto& settings = runtime->userSettings();
+    settings.setShowWindowNamesInChips(false);
+    desktop.drain();
+    EXPECT_THAT(chipTexts(), ElementsAre("Mail", "Mail", "Editor"));
+    settings.setShowChipTitles(false);
+    desktop.drain();
+    EXPECT_THAT(chipTexts(), IsEmpty());
+}
+
+// Fault: sixty windows overlap, or lie where nobody can reach them.
+TEST_F(BarInteractionTest, moreChipsThanFitScroll)
+{
+    std::vector<WindowID> many;
+    for (int i = 0; i < 60; ++i)
+        many.push_back(desktop.open(editor, {.title = "Window"}));
+    settle();
+    EXPECT_TRUE(chipFrame(many.back())->isEmpty());
+    auto width = chipFrame(inbox)->width;
+    EXPECT_EQ(width, ChipView::iconWidth(BarMetrics::of(BarSize::medium)));
+    for (int i = 0; i < 100; ++i)
+        panel().scrollSideways(middleOf(inbox), -100);
+    EXPECT_EQ(chipFrame(many.back())->width, width);
+    EXPECT_TRUE(chipFrame(inbox)->isEmpty());
+    EXPECT_TRUE(desktop.model().isCurrent(SpaceID{1}));
+}
+
+}
