@@ -74,13 +74,13 @@ std::vector<ApplicationAction> ApplicationLauncher::actions(const std::string& d
 void ApplicationLauncher::perform(
     const std::string& desktopFilePath, const std::string& action, std::uint32_t time)
 {
-    // GIO ends the program for an action that is not there.
+    // The file may be another one since the menu was made.
     auto offered = actions(desktopFilePath);
     auto isOffered = [&](auto& candidate) { return candidate.identifier == action; };
-    if (auto application = read(desktopFilePath);
-        application && std::any_of(offered.begin(), offered.end(), isOffered))
-        g_desktop_app_info_launch_action(
-            application.get(), action.c_str(), makeContext(time).get());
+    auto application = read(desktopFilePath);
+    if (!application || std::none_of(offered.begin(), offered.end(), isOffered))
+        return tellFailure(desktopFilePath, nullptr);
+    g_desktop_app_info_launch_action(application.get(), action.c_str(), makeContext(time).get());
 }
 
 void ApplicationLauncher::openFile(const std::string& path)
