@@ -90,8 +90,10 @@ BarContentView::BarContentView(Inputs inputs)
         m_inputs.pinStore.pinnedApps().subscribe([this](auto&) { pinsDidChange(); }));
     m_subscriptions.push_back(viewModel.spaces.subscribe([this](auto&) { spacesDidChange(); }));
     m_subscriptions.push_back(viewModel.chipsBySpace.subscribe([this](auto&) {
-        spacesDidChange();
-        pinsDidChange();
+        if (!areCellsCurrent())
+            spacesDidChange();
+        if (!m_inputs.pinStore.pinnedApps().value().empty())
+            pinsDidChange();
     }));
     // Which windows lie on one screen may change without any chip changing.
     m_subscriptions.push_back(m_inputs.screenIndex
@@ -190,6 +192,21 @@ std::vector<SpaceCellData> BarContentView::spaceCells() const
         cells.push_back(std::move(cell));
     }
     return cells;
+}
+
+/// Most changes of chips are titles, of which the cells say nothing.
+bool BarContentView::areCellsCurrent() const
+{
+    auto& chips = m_inputs.viewModel.chipsBySpace.value();
+    return std::ranges::all_of(m_spaceSwitcher->spaces(), [&](const SpaceCellData& cell) {
+        auto found = chips.find(cell.id);
+        if (found == chips.end())
+            return cell.windowCount == 0;
+        bool asks
+            = !cell.isCurrent && std::ranges::any_of(found->second, &ChipData::wantsAttention);
+        return cell.windowCount == static_cast<int>(found->second.size())
+            && cell.wantsAttention == asks;
+    });
 }
 
 void BarContentView::spacesDidChange()

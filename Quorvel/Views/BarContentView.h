@@ -105,6 +105,7 @@ private:
     void appearanceDidChange();
     void updateBackground();
     std::vector<SpaceCellData> spaceCells() const;
+    bool areCellsCurrent() const;
 
     void chipClicked(const ChipView&, ChipView::Click);
     void chipHovered(const ChipView&, bool isHovered);

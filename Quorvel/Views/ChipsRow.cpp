@@ -167,8 +167,7 @@ ChipView& ChipsRow::makeChip(const std::string& id)
         dragItem(view, id, DragKind::chip, phase, translation);
     };
     m_chips.emplace(id, &chip);
-    raiseChild(*m_backArrow);
-    raiseChild(*m_forwardArrow);
+    raiseArrows();
     return chip;
 }
 
@@ -192,8 +191,7 @@ PinView& ChipsRow::makePin(const std::string& bundleID)
         dragItem(view, bundleID, DragKind::pin, phase, translation);
     };
     m_pins.emplace(bundleID, &pin);
-    raiseChild(*m_backArrow);
-    raiseChild(*m_forwardArrow);
+    raiseArrows();
     return pin;
 }
 
@@ -338,6 +336,13 @@ void ChipsRow::place(View& view, double x, double width)
     double left = x - m_scroll;
     view.setFrame(
         {m_isRightToLeft ? bounds().width - left - width : left, 0, width, bounds().height});
+}
+
+/// They cover what is below the ends of the row.
+void ChipsRow::raiseArrows()
+{
+    raiseChild(*m_backArrow);
+    raiseChild(*m_forwardArrow);
 }
 
 void ChipsRow::updateArrows()

@@ -95,7 +95,7 @@ private:
     void placeAll();
     void place(View&, double x, double width);
     void updateArrows();
-    double contentWidth() const { return m_contentWidth; }
+    void raiseArrows();
     double maximumScroll() const { return std::max(0.0, m_contentWidth - bounds().width); }
     View* view(const std::string& id) const;
     Rect visibleFrame(const View&) const;
