@@ -21,6 +21,7 @@ To the running bar:
   --get [FIELD]    print its settings, or one of them, as JSON
   --set FIELD=VALUE
                    change a setting: VALUE is JSON or plain text, null clears
+  --focus          give it the keyboard: arrows, Return, Menu, Escape
   --quit           end it
 
   --help           show this text
@@ -34,8 +35,8 @@ ControlReply mistake(const std::string& text)
 
 bool isRequest(std::string_view argument)
 {
-    return argument == "--state" || argument == "--quit" || argument == "--get"
-        || argument == "--set";
+    return argument == "--state" || argument == "--quit" || argument == "--focus"
+        || argument == "--get" || argument == "--set";
 }
 
 /// Whether the argument belongs to the request before it.

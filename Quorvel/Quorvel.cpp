@@ -26,6 +26,13 @@ constexpr Duration kBootstrapPause = seconds(1.5);
 
 Runtime* s_current = nullptr;
 
+ControlReply answerFocusRequest(BarManager& manager)
+{
+    if (manager.takeKeyboard())
+        return {};
+    return {1, "", "quorvel: another program holds the keyboard\n"};
+}
+
 }
 
 // MARK: Runtime
@@ -294,10 +301,13 @@ void QuorvelApp::answerRequests(Runtime& runtime)
             }
             if (isSettingsRequest(arguments))
                 return answerSettingsRequest(runtime.userSettings(), arguments);
-            if (arguments != std::vector<std::string>{"--state"})
+            bool asksForFocus = arguments == std::vector<std::string>{"--focus"};
+            if (!asksForFocus && arguments != std::vector<std::string>{"--state"})
                 return {1, "", "quorvel: the running bar does not know this request\n"};
             if (!runtime.barManager())
                 return {1, "", "quorvel: the bar is waiting for permissions\n"};
+            if (asksForFocus)
+                return answerFocusRequest(*runtime.barManager());
             return {0,
                 stateReport(runtime.m_platform, runtime.windowStore(), *runtime.barManager()), ""};
         });

@@ -153,6 +153,9 @@ Json panelJson(const Platform& platform, const BarPanel& panel)
         {"spaceList", places.inPanel(panel, content.spaceListButtonFrame())},
         {"showDesktop", places.inPanel(panel, content.showDesktopButtonFrame())},
         {"popup", popupJson(places, content.thumbnailPopup())},
+        {"keyFocus",
+            panel.keyFocusedView() ? Json(panel.keyFocusedView()->accessibleState().name)
+                                   : Json(nullptr)},
     };
 }
 

@@ -187,6 +187,19 @@ void BarManager::setHoverKeyingSuppressed(bool isSuppressed)
         bar->setHoverKeyingSuppressed(isSuppressed);
 }
 
+bool BarManager::takeKeyboard()
+{
+    auto screen = preferredMouseScreenIndex();
+    BarPanel* chosen = nullptr;
+    for (auto* bar : m_panels.bars()) {
+        bool isBetter
+            = !chosen || (bar->screenIndex() == screen && chosen->screenIndex() != screen);
+        if (isBetter && bar->surface().isVisible())
+            chosen = bar;
+    }
+    return chosen && chosen->surface().takeKeyboard();
+}
+
 void BarManager::fill(BarPanel& panel)
 {
     panel.setHoverKeyingSuppressed(m_isHoverKeyingSuppressed);

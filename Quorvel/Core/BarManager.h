@@ -54,6 +54,9 @@ public:
     void moveWindowToSpaceByDragging(WindowID, SpaceID from, SpaceID to);
     /// While something else needs the keyboard, a bar does not take it from under the pointer.
     void setHoverKeyingSuppressed(bool);
+    /// The bar where the pointer is takes the keyboard, to be walked with the arrow keys. False if
+    /// there is none, or the system does not give it.
+    bool takeKeyboard();
 
 private:
     static constexpr Duration kAvoidanceAfterStart = seconds(0.5);

@@ -434,6 +434,11 @@ void BarContentView::scrollSideways(double distance)
     m_row->scrollBy(distance);
 }
 
+View* BarContentView::preferredKeyView()
+{
+    return m_row->focusedChip();
+}
+
 // MARK: Menus
 
 void BarContentView::openMenu(Menu menu, const Rect& anchor)

@@ -88,6 +88,7 @@ public:
     void triggerShowDesktop();
     void showBarMenu(const Rect& anchor);
     void scrollSideways(double distance);
+    View* preferredKeyView() override;
     bool isRightToLeft() const;
 
     bool takesPointer() const override { return true; }

@@ -189,8 +189,11 @@ void BarHostingView::setFilesOver(View* view)
 void BarHostingView::keyboardDidChange(bool hasKeyboard)
 {
     if (!hasKeyboard)
-        setKeyFocused(nullptr);
-    else if (!m_keyFocused)
+        return setKeyFocused(nullptr);
+    if (m_keyFocused)
+        return;
+    setKeyFocused(m_content ? m_content->preferredKeyView() : nullptr);
+    if (!m_keyFocused)
         walk(1);
 }
 
@@ -199,8 +202,10 @@ void BarHostingView::setKeyFocused(View* view)
     auto* before = std::exchange(m_keyFocused, view);
     if (before && before != view)
         before->setKeyFocused(false);
-    if (view)
-        view->setKeyFocused(true);
+    if (!view)
+        return;
+    view->setKeyFocused(true);
+    view->scrollIntoView();
 }
 
 void BarHostingView::walk(int step)
@@ -217,24 +222,24 @@ void BarHostingView::walk(int step)
 
 void BarHostingView::keyPressed(Key key)
 {
-    bool isMirrored = isRightToLeft && isRightToLeft();
+    int forwards = isRightToLeft && isRightToLeft() ? -1 : 1;
     switch (key) {
     case Key::left:
-        return walk(isMirrored ? 1 : -1);
+        return walk(-1);
     case Key::right:
-        return walk(isMirrored ? -1 : 1);
+        return walk(1);
     case Key::up:
     case Key::backTab:
-        return walk(-1);
+        return walk(-forwards);
     case Key::down:
     case Key::tab:
-        return walk(1);
+        return walk(forwards);
     case Key::home:
         setKeyFocused(nullptr);
-        return walk(1);
+        return walk(forwards);
     case Key::end:
         setKeyFocused(nullptr);
-        return walk(-1);
+        return walk(-forwards);
     case Key::escape:
         return m_surface->releaseKeyboard();
     case Key::enter:

@@ -31,6 +31,8 @@ public:
     std::function<bool()> isRightToLeft;
     /// Where the pointer is, in points of the surface; absent while it is elsewhere.
     const std::optional<Point>& pointer() const { return m_pointer; }
+    /// Null while the keyboard is elsewhere.
+    const View* keyFocusedView() const { return m_keyFocused; }
 
 private:
     void paint(Canvas&, const Rect& damage) override;

@@ -34,6 +34,8 @@ public:
     void setContent(std::unique_ptr<BarContentView>);
     BarContentView* content() { return m_content; }
     const BarContentView* content() const { return m_content; }
+    /// The view that the keyboard has been walked to; null if it is elsewhere.
+    const View* keyFocusedView() const { return m_hostingView.keyFocusedView(); }
 
 private:
     void updateKeying();

@@ -12,6 +12,7 @@ namespace {
 
 constexpr double kScrollStep = 0.6; ///< of the row's width, for a click on an arrow
 constexpr Duration kScrollTime = seconds(0.2);
+constexpr double kDragScrollSpeed = 400; ///< points a second
 
 /// Its windows keep one slot, alone or as a group.
 const std::string& application(const DisplayItem& item)
@@ -33,6 +34,7 @@ bool isGroup(std::string_view chipID)
 ChipsRow::ChipsRow(const BarMetrics& metrics, const Text& text, Dispatch& dispatch)
     : m_metrics(metrics)
     , m_text(text)
+    , m_dispatch(dispatch)
     , m_pulse(dispatch,
           [this](double strength) {
               for (auto& id : m_asking)
@@ -283,6 +285,25 @@ void ChipsRow::scrollBy(double distance)
         placeAll();
 }
 
+View* ChipsRow::focusedChip() const
+{
+    auto found = std::ranges::find_if(
+        m_chips, [](auto& entry) { return isFocused(entry.second->item()); });
+    return found == m_chips.end() ? nullptr : found->second;
+}
+
+/// The arrows at the ends do not cover it either.
+void ChipsRow::reveal(const View& view)
+{
+    auto& frame = view.frame();
+    double leading = m_isRightToLeft ? bounds().width - frame.maxX() : frame.x;
+    double trailing = leading + frame.width;
+    if (leading < ScrollArrow::kWidth)
+        scrollBy(leading - ScrollArrow::kWidth);
+    else if (trailing > bounds().width - ScrollArrow::kWidth)
+        scrollBy(trailing - bounds().width + ScrollArrow::kWidth);
+}
+
 // MARK: Where everything is
 
 void ChipsRow::layout()
@@ -423,8 +444,10 @@ void ChipsRow::beginDrag(View& view, const std::string& id, DragKind kind)
         }
     }
     m_motion.stop();
+    m_scrolling.stop();
     m_shown.clear();
     m_dragKind = kind;
+    m_scrollBeforeDrag = m_scroll;
     m_drag.emplace(id, std::move(frames), std::move(visible));
     raiseChild(view);
     if (auto* chip = dynamic_cast<ChipView*>(&view))
@@ -436,7 +459,10 @@ void ChipsRow::beginDrag(View& view, const std::string& id, DragKind kind)
 void ChipsRow::moveDrag(View& view, Point translation)
 {
     int before = m_drag->insertionIndex();
-    m_drag->setTranslation({m_isRightToLeft ? -translation.x : translation.x, translation.y});
+    m_dragTranslation = translation;
+    m_drag->setTranslation(
+        {(m_isRightToLeft ? -translation.x : translation.x) + m_scroll - m_scrollBeforeDrag,
+            translation.y});
     auto& id = m_drag->draggedID();
     m_shown[id] = m_drag->slotX(id);
     if (m_drag->insertionIndex() != before) {
@@ -453,11 +479,32 @@ void ChipsRow::moveDrag(View& view, Point translation)
     if (m_dragKind == DragKind::chip && onChipDragged)
         onChipDragged(
             static_cast<ChipView&>(view), view.frameInRoot().centre().translated(0, translation.y));
+    scrollForDrag(view);
+}
+
+void ChipsRow::scrollForDrag(View& view)
+{
+    double leading = m_drag->slotX(m_drag->draggedID()) - m_scroll;
+    bool isAtStart = leading < 0 && m_scroll > 0;
+    bool isAtEnd = leading + view.frame().width > bounds().width && m_scroll < maximumScroll();
+    if (!isAtStart && !isAtEnd) {
+        m_dragScroll = {};
+        return;
+    }
+    if (m_dragScroll.isPending())
+        return;
+    m_dragScroll = m_dispatch.main().after(m_frameInterval, [this, &view, isAtStart] {
+        m_dragScroll = {};
+        double step = kDragScrollSpeed * std::chrono::duration<double>(m_frameInterval).count();
+        scrollBy(isAtStart ? -step : step);
+        moveDrag(view, m_dragTranslation);
+    });
 }
 
 void ChipsRow::endDrag(View& view, DragPhase phase)
 {
     auto drag = *std::exchange(m_drag, std::nullopt);
+    m_dragScroll = {};
     view.invalidate(view.bounds().inset(-view.frame().width * 0.05, -2));
     bool isChip = m_dragKind == DragKind::chip;
     auto point = view.frameInRoot().centre().translated(0, drag.translation().y);
@@ -491,6 +538,7 @@ void ChipsRow::abandonDrag()
 {
     bool wasChip = m_dragKind == DragKind::chip;
     m_drag.reset();
+    m_dragScroll = {};
     m_motion.stop();
     m_shown.clear();
     if (wasChip && onChipDragEnded)

@@ -49,6 +49,8 @@ public:
     void pointerExited() override;
     /// By so many points towards the end of the row.
     void scrollBy(double distance);
+    /// Null if no window here has the focus.
+    View* focusedChip() const;
 
     std::function<void(bool isHovered)> onHoverChanged;
     std::function<void(const ChipView&, ChipView::Click)> onChipClick;
@@ -92,6 +94,7 @@ private:
     bool isHeld() const { return m_isHovered || m_drag; }
     void updatePulse(std::set<std::string> asking);
 
+    void reveal(const View&) override;
     void placeAll();
     void place(View&, double x, double width);
     void updateArrows();
@@ -103,12 +106,15 @@ private:
     void dragItem(View&, const std::string& id, DragKind, DragPhase, Point translation);
     void beginDrag(View&, const std::string& id, DragKind);
     void moveDrag(View&, Point translation);
+    /// While the dragged one is held at an end of the row, what is beyond comes into sight.
+    void scrollForDrag(View&);
     void endDrag(View&, DragPhase);
     void abandonDrag();
     void animateTo(std::map<std::string, double> targets, Duration);
 
     BarMetrics m_metrics;
     const Text& m_text;
+    Dispatch& m_dispatch;
     Duration m_frameInterval = seconds(1.0 / 60);
     bool m_isDark = true;
     bool m_isRightToLeft = false;
@@ -131,10 +137,13 @@ private:
     ScrollArrow* m_forwardArrow = nullptr;
     std::optional<ReorderDrag> m_drag;
     DragKind m_dragKind{};
+    Point m_dragTranslation; ///< of the pointer
+    double m_scrollBeforeDrag = 0;
     std::set<std::string> m_asking; ///< the chips that want attention
     AttentionPulse m_pulse;
     Animation m_motion;
     Animation m_scrolling;
+    WorkItem m_dragScroll;
 };
 
 }

@@ -1,8 +1,10 @@
 #include "Hosts/X11/Surface/KeyboardGrab.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <utility>
 
+#include <xcb/xinput.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "Hosts/X11/Connection.h"
@@ -56,8 +58,10 @@ KeyboardGrab::KeyboardGrab(Connection& connection, SurfaceClient& client)
 /// Nobody is told: the client may be on its way out as well.
 KeyboardGrab::~KeyboardGrab()
 {
-    if (m_window != XCB_WINDOW_NONE)
-        xcb_ungrab_keyboard(m_connection.raw(), XCB_CURRENT_TIME);
+    if (m_window == XCB_WINDOW_NONE)
+        return;
+    listenForButtons(false);
+    xcb_ungrab_keyboard(m_connection.raw(), XCB_CURRENT_TIME);
 }
 
 bool KeyboardGrab::take(xcb_window_t window)
@@ -77,6 +81,7 @@ bool KeyboardGrab::take(xcb_window_t window)
     if (!isTaken)
         return false;
     m_window = window;
+    listenForButtons(true);
     m_keys.emplace(m_connection); // the layout may be another one than the last time
     m_events = m_connection.event.subscribe([this](auto* event) { handle(event); });
     m_client.keyboardDidChange(true);
@@ -111,15 +116,45 @@ void KeyboardGrab::handle(const xcb_generic_event_t* event)
         break;
     }
     default:
+        if (isButtonPress(event))
+            release();
         break;
     }
+}
+
+/// Raw events tell of presses on other programs' windows too.
+bool KeyboardGrab::isButtonPress(const xcb_generic_event_t* event) const
+{
+    if ((event->response_type & 0x7f) != XCB_GE_GENERIC)
+        return false;
+    auto* extension = xcb_get_extension_data(m_connection.raw(), &xcb_input_id);
+    auto& generic = as<xcb_ge_generic_event_t>(event);
+    return extension && generic.extension == extension->major_opcode
+        && generic.event_type == XCB_INPUT_RAW_BUTTON_PRESS;
+}
+
+void KeyboardGrab::listenForButtons(bool isOn) const
+{
+    auto* extension = xcb_get_extension_data(m_connection.raw(), &xcb_input_id);
+    if (!extension || !extension->present)
+        return;
+    struct {
+        xcb_input_event_mask_t head;
+        std::uint32_t mask;
+        // The masters' own selection is left to others.
+    } selection{{XCB_INPUT_DEVICE_ALL, 1}, 0};
+    if (isOn)
+        selection.mask = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
+    xcb_input_xi_select_events(m_connection.raw(), m_connection.root(), 1, &selection.head);
 }
 
 void KeyboardGrab::end()
 {
     m_events = {};
-    if (std::exchange(m_window, XCB_WINDOW_NONE) != XCB_WINDOW_NONE)
-        m_client.keyboardDidChange(false);
+    if (std::exchange(m_window, XCB_WINDOW_NONE) == XCB_WINDOW_NONE)
+        return;
+    listenForButtons(false);
+    m_client.keyboardDidChange(false);
 }
 
 }

@@ -16,8 +16,9 @@ class Connection;
 /// What a key leads to, if anything; `symbol` is that of its first level.
 std::optional<Key> keyFor(std::uint32_t symbol, bool isShifted);
 
-/// Leads all keys to one client for a while. The focus stays where it is: the programs' windows
-/// look as they did, and the window manager does not hear of it.
+/// Leads all keys to one client until it gives them back or a button of the pointer is pressed,
+/// wherever that is. The focus stays where it is: the programs' windows look as they did, and the
+/// window manager does not hear of it.
 class KeyboardGrab {
 public:
     KeyboardGrab(Connection&, SurfaceClient&);
@@ -31,6 +32,8 @@ public:
 
 private:
     void handle(const xcb_generic_event_t*);
+    bool isButtonPress(const xcb_generic_event_t*) const;
+    void listenForButtons(bool isOn) const;
     void end();
 
     Connection& m_connection;

@@ -50,16 +50,26 @@ void View::raiseChild(const View& child)
 
 std::vector<View*> View::accessibleViews() const
 {
+    std::vector<View*> ordered;
+    for (auto& child : m_children)
+        ordered.push_back(child.get());
+    std::ranges::stable_sort(ordered, {}, [](auto* child) { return child->frame().x; });
     std::vector<View*> views;
-    for (auto& child : m_children) {
+    for (auto* child : ordered) {
         if (child->isAccessible()) {
-            views.push_back(child.get());
+            views.push_back(child);
             continue;
         }
         auto below = child->accessibleViews();
         views.insert(views.end(), below.begin(), below.end());
     }
     return views;
+}
+
+void View::scrollIntoView()
+{
+    for (auto* holder = m_parent; holder; holder = holder->m_parent)
+        holder->reveal(*this);
 }
 
 std::vector<AccessibleElement*> View::accessibleChildren()

@@ -102,13 +102,19 @@ public:
     Rect accessibleFrame() const override { return frameInRoot(); }
     std::vector<AccessibleElement*> accessibleChildren() override;
     bool performAccessibleAction(std::size_t) override { return false; }
-    /// The views below this one that mean something, in order.
+    /// The views below this one that mean something, from left to right.
     std::vector<View*> accessibleViews() const;
 
     virtual void setKeyFocused(bool) { }
+    /// Where a walk with the keyboard begins; null: at the first view.
+    virtual View* preferredKeyView() { return nullptr; }
+    /// Asks all that hold the view to bring it into sight.
+    void scrollIntoView();
     virtual void showContextMenu() { }
 
 protected:
+    /// Brings a view below this one into sight.
+    virtual void reveal(const View&) { }
     virtual void paint(Canvas&) const { }
     virtual void layout() { }
     /// The view and all below it are composed as one at this opacity.
