@@ -42,8 +42,11 @@ void FakeScreenCapture::captureImage(const ShareableWindow& window,
         [this, id = window.windowID, configuration, handler = std::move(handler)](bool succeeded) {
             if (!succeeded || !m_isAllowed || !m_desktop.model().window(id))
                 return handler({});
-            handler(WindowPicture{std::make_shared<FakePicture>(id, m_desktop.dispatch().now()),
-                {double(configuration.width), double(configuration.height)}});
+            auto picture = makePicture
+                ? makePicture(id, configuration)
+                : std::make_shared<FakePicture>(id, m_desktop.dispatch().now());
+            handler(WindowPicture{
+                std::move(picture), {double(configuration.width), double(configuration.height)}});
         });
 }
 

@@ -38,6 +38,8 @@ public:
     void setAllowed(bool value) { m_isAllowed = value; }
     void setContent(Answers answers, Duration delay = {}) { m_content = {answers, delay}; }
     void setCaptures(Answers answers, Duration delay = {}) { m_captures = {answers, delay}; }
+    /// For pictures that a real canvas can draw.
+    std::function<Image(WindowID, const CaptureConfiguration&)> makePicture;
 
     // What the program did.
     struct Captured {

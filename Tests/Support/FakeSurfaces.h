@@ -51,6 +51,7 @@ public:
 
     /// The whole panel, drawn now for the test only.
     RecordingCanvas render() const;
+    void renderOn(Canvas& canvas, const Rect& damage) const { m_client.paint(canvas, damage); }
     /// What the program painted of its own accord.
     const std::vector<Paint>& paints() const { return m_paints; }
     void forgetPaints() { m_paints.clear(); }

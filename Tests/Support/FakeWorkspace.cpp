@@ -41,7 +41,7 @@ Image FakeWorkspace::image(const std::string& name) const
     ++m_iconLookups;
     auto& image = m_images[name];
     if (!image)
-        image = std::make_shared<FakeImage>(name);
+        image = makeIcon ? makeIcon() : std::make_shared<FakeImage>(name);
     return image;
 }
 

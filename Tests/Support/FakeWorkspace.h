@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -84,6 +85,8 @@ public:
     const std::vector<Activated>& activations() const { return m_activations; }
     const std::vector<std::string>& opened() const { return m_opened; }
     const std::vector<ProcessID>& terminated() const { return m_terminated; }
+    /// For icons that a real canvas can draw.
+    std::function<Image()> makeIcon;
     /// Icons that were looked up; a cache should keep this low.
     int iconLookups() const { return m_iconLookups; }
 
