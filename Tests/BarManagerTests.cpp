@@ -437,6 +437,28 @@ TEST_F(BarManagerTest, whereTheServerRefusesTheWindowIsCarriedByItsTitleBar)
     EXPECT_THAT(whereTheButtonWent(), SizeIs(events)) << "it is not there to take hold of";
 }
 
+// Fault: each window ends the move of the one before, and only the last one arrives.
+TEST_F(BarManagerTest, theWindowsOfAGroupAreCarriedOneAfterTheOther)
+{
+    server().refuseMoves(true);
+    server().setDesktopHotKey(118, {.keys = {18, 1}}, SpaceID{1});
+    server().setDesktopHotKey(119, {.keys = {19, 1}}, SpaceID{2});
+    auto draft = desktop.open(mail, {.title = "Draft"});
+    start();
+    runtime->userSettings().setGroupWindowsByApp(true);
+    desktop.drain();
+    auto& content = *manager().panels().at(SpaceID{1})->content();
+    auto group = content.chipFrames().front().second.centre();
+    auto cell = content.spaceCellFrames()[1].second.centre();
+    panel().press(group);
+    panel().movePointer(cell);
+    panel().release(cell);
+    desktop.advance(seconds(5));
+    EXPECT_EQ(spacesOf(inbox), std::set{SpaceID{2}});
+    EXPECT_EQ(spacesOf(draft), std::set{SpaceID{2}});
+    EXPECT_FALSE(server().isPostedButtonDown());
+}
+
 TEST_F(BarManagerTest, theButtonIsLetGoWhateverHappens)
 {
     server().refuseMoves(true);

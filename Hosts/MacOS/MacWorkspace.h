@@ -25,6 +25,8 @@ public:
 
     void openApplication(const ApplicationURL&) override;
     void openNewInstance(const ApplicationURL&) override;
+    /// A second process is not another window.
+    bool canOpenNewInstance(const ApplicationURL&) const override { return false; }
     void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
     void openFile(const std::string& path) override;
     /// Bundles say nothing of the kind.

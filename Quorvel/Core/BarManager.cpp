@@ -58,6 +58,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     m_panels.onContentNeeded = [this](BarPanel& panel) { fill(panel); };
     m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
+    m_navigation.onWillSwitch = [this] { prefetchCurrentSpaces(); };
     setupSpaceChangeObserver();
     m_minimizing = m_viewModel.willMinimizeWindows.subscribe(
         [this](const std::vector<WindowID>& windows) { m_thumbnailService.prefetch(windows); });
@@ -110,6 +111,7 @@ void BarManager::setupSpaceChangeObserver()
     m_activeSpaceChange = m_platform.workspace.activeSpaceDidChange.subscribe([this] {
         refreshNow();
         updateActiveSpacePanelVisibility();
+        dismissPopups();
         m_moves.spaceDidChange();
         m_navigation.spaceDidChange();
     });
@@ -231,20 +233,21 @@ std::unique_ptr<BarContentView> BarManager::makeBarContentView(BarPanel& panel)
           };
     view->onSpaceSwitchRequested = [this](SpaceID space) { switchToSpace(space); };
     view->onMoveWindowToSpaceRequested
-        = [this, from = panel.spaceID()](
-              WindowID window, SpaceID to) { moveWindowToSpaceByDragging(window, from, to); };
+        = [this, from = panel.spaceID()](const std::vector<WindowID>& windows, SpaceID to) {
+              m_moves.moveWindowsToSpace(windows, from, to);
+          };
     // Over the chips a click must not take the keyboard from the program that has it.
     view->onChipsAreaHoverChanged = [this, &panel](bool isHovered) {
         panel.setHoverKeyingSuppressed(isHovered || m_isHoverKeyingSuppressed);
     };
-    view->onThumbnailWillShow = [this, &panel] { dismissPopupsExcept(panel); };
+    view->onThumbnailWillShow = [this, &panel] { dismissPopups(&panel); };
     return view;
 }
 
-void BarManager::dismissPopupsExcept(const BarPanel& panel)
+void BarManager::dismissPopups(const BarPanel* exception)
 {
     for (auto* bar : m_panels.bars()) {
-        if (bar != &panel && bar->content())
+        if (bar != exception && bar->content())
             bar->content()->dismissThumbnailPopupImmediate();
     }
 }
@@ -316,13 +319,11 @@ void BarManager::handleScrollEvent(const ScrollEvent& event, SpaceID from)
 
 void BarManager::switchToAdjacentSpace(Direction direction, SpaceID from)
 {
-    prefetchCurrentSpaces();
     m_navigation.switchToAdjacentSpace(direction, from);
 }
 
 void BarManager::switchToSpace(SpaceID space, std::optional<ProcessID> yieldingBack)
 {
-    prefetchCurrentSpaces();
     m_navigation.switchToSpace(space, yieldingBack);
 }
 

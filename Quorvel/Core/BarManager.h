@@ -79,7 +79,7 @@ private:
     void fill(BarPanel&);
     std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
     void showMenu(BarPanel&);
-    void dismissPopupsExcept(const BarPanel&);
+    void dismissPopups(const BarPanel* exception = nullptr);
     void prefetchCurrentSpaces();
     WindowAvoidanceManager::Bars barsToAvoid();
 

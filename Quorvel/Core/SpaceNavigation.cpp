@@ -99,6 +99,8 @@ void SpaceNavigation::switchToSpace(SpaceID target, std::optional<ProcessID> yie
     auto* space = info(target);
     if (!space || isCurrent(target))
         return;
+    if (onWillSwitch)
+        onWillSwitch();
     if (space->spaceType == kFullscreenSpaceType)
         return switchToFullscreenSpace(target);
     auto* panel = m_panels.panel(target);

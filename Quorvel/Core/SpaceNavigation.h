@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -33,6 +34,9 @@ public:
 
     SpaceNavigation(
         const Platform&, WindowStore&, BarViewModel&, const UserSettings&, const BarPanels&);
+
+    /// Another space is about to be shown: the last moment for pictures of this one.
+    std::function<void()> onWillSwitch;
 
     void handleScrollEvent(const ScrollEvent&, SpaceID from);
     /// To the next space of the same display; the first and the last one have no neighbour beyond.

@@ -52,22 +52,51 @@ WindowMoves::~WindowMoves()
 
 void WindowMoves::moveWindowToSpaceByDragging(WindowID window, SpaceID from, SpaceID to)
 {
-    auto source = info(from);
+    moveWindowsToSpace({window}, from, to);
+}
+
+void WindowMoves::moveWindowsToSpace(const std::vector<WindowID>& windows, SpaceID from, SpaceID to)
+{
     auto target = info(to);
-    if (from == to || !source || !target || target->spaceType == kFullscreenSpaceType
-        || !m_windowStore.window(window))
+    if (from == to || !info(from) || !target || target->spaceType == kFullscreenSpaceType)
         return;
     abandon();
-    if (moveDirectly(window, to))
-        return m_windowStore.refreshSpaces();
-    if (!m_windowServer.canPostPointerEvents() || !m_navigation.isCurrent(from))
-        return; // nobody can take hold of a window that is not on the screen
+    m_waiting = {{windows.begin(), windows.end()}, from, to};
+    moveNext();
+}
+
+void WindowMoves::moveNext()
+{
+    while (!m_waiting.windows.empty()) {
+        auto window = m_waiting.windows.front();
+        bool isRefused = m_windowStore.window(window) && !moveDirectly(window, m_waiting.to);
+        bool isInReach = m_navigation.isCurrent(m_waiting.from);
+        bool canCarry = isRefused && m_windowServer.canPostPointerEvents();
+        if (canCarry && !isInReach && m_waiting.hasCarried) {
+            // The one before has taken the display along.
+            m_pendingWindowMoveDragTimeoutWork
+                = m_dispatch.main().after(kMoveTimeout, [this] { abandon(); });
+            return m_navigation.switchToSpace(m_waiting.from, {});
+        }
+        m_waiting.windows.pop_front();
+        if (canCarry && isInReach && begin(window, m_waiting.from, m_waiting.to)) {
+            m_waiting.hasCarried = true;
+            return;
+        }
+    }
+    m_windowStore.refreshSpaces();
+}
+
+bool WindowMoves::begin(WindowID window, SpaceID from, SpaceID to)
+{
+    auto source = info(from);
+    auto target = info(to);
+    if (!source || !target)
+        return false;
     m_previousApp = m_workspace.frontmostApplication();
     m_pointerBefore = m_displays.pointerLocation();
-    if (source->displayIndex == target->displayIndex)
-        beginWindowMoveDrag(window, from, to);
-    else
-        beginSilicaWindowMove(window, from, to);
+    return source->displayIndex == target->displayIndex ? beginWindowMoveDrag(window, from, to)
+                                                        : beginSilicaWindowMove(window, from, to);
 }
 
 /// The window server says nothing of a refusal; only the window's spaces tell.
@@ -87,14 +116,15 @@ void WindowMoves::raise(WindowID window, Work next)
 
 // MARK: Carried to another space of its display
 
-void WindowMoves::beginWindowMoveDrag(WindowID id, SpaceID source, SpaceID target)
+bool WindowMoves::beginWindowMoveDrag(WindowID id, SpaceID source, SpaceID target)
 {
     if (!m_navigation.desktopSwitchShortcut(target))
-        return; // a panel that became key would take the window out of the hand
+        return false; // a panel that became key would take the window out of the hand
     auto grip = gripOf(*m_windowStore.window(id));
     m_pendingWindowMoveDrag
         = PendingWindowMoveDrag{id, source, target, grip, grip.translated(kNudge, 0)};
     raise(id, [this] { holdAndSwitch(); });
+    return true;
 }
 
 void WindowMoves::holdAndSwitch()
@@ -119,12 +149,12 @@ void WindowMoves::finishPendingWindowMoveDrag(std::optional<ProcessID> previousA
 
 // MARK: Dragged to another display
 
-void WindowMoves::beginSilicaWindowMove(WindowID id, SpaceID source, SpaceID target)
+bool WindowMoves::beginSilicaWindowMove(WindowID id, SpaceID source, SpaceID target)
 {
     auto from = displayOf(source);
     auto to = displayOf(target);
     if (!from || !to)
-        return;
+        return false;
     auto grip = gripOf(*m_windowStore.window(id));
     auto drop = clamped(grip.translated(to->x - from->x, to->y - from->y),
         to->inset(std::min(kDropInset, to->width / 2), std::min(kDropInset, to->height / 2)));
@@ -132,8 +162,10 @@ void WindowMoves::beginSilicaWindowMove(WindowID id, SpaceID source, SpaceID tar
     m_pendingWindowMoveDragTimeoutWork
         = m_dispatch.main().after(kMoveTimeout, [this] { abandon(); });
     if (m_navigation.isCurrent(target))
-        return raise(id, [this, id] { finishSilicaWindowMove(id, m_previousApp); });
-    m_navigation.switchToSpace(target, m_previousApp);
+        raise(id, [this, id] { finishSilicaWindowMove(id, m_previousApp); });
+    else
+        m_navigation.switchToSpace(target, m_previousApp);
+    return true;
 }
 
 void WindowMoves::finishSilicaWindowMove(WindowID id, std::optional<ProcessID> previousApp)
@@ -165,6 +197,9 @@ void WindowMoves::spaceDidChange()
         auto id = m_pendingSilicaWindowMove->windowID;
         raise(id, [this, id] { finishSilicaWindowMove(id, m_previousApp); });
     }
+    if (!m_pendingWindowMoveDrag && !m_pendingSilicaWindowMove && !m_waiting.windows.empty()
+        && m_navigation.isCurrent(m_waiting.from))
+        moveNext();
 }
 
 /// The moved window keeps the focus; if it has closed meanwhile, whoever had it before.
@@ -176,6 +211,8 @@ void WindowMoves::settle(WindowID window, std::optional<ProcessID> previousApp)
         m_viewModel.activateWindow(window, BarViewModel::FocusBeforeActivation::no);
     else if (previousApp && !m_workspace.activateCooperatively(*previousApp))
         m_workspace.activateDirectly(*previousApp);
+    if (!m_waiting.windows.empty())
+        moveNext();
 }
 
 void WindowMoves::abandon()
@@ -184,6 +221,7 @@ void WindowMoves::abandon()
         post(PointerPost::released, *m_heldAt);
         post(PointerPost::moved, m_pointerBefore);
     }
+    m_waiting = {};
     m_pendingWindowMoveDrag.reset();
     m_pendingSilicaWindowMove.reset();
     m_pendingWindowMoveDragTimeoutWork.cancel();

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <deque>
 #include <optional>
+#include <vector>
 
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Skylight/SpaceWindows.h"
@@ -28,6 +30,8 @@ public:
     ~WindowMoves();
 
     void moveWindowToSpaceByDragging(WindowID, SpaceID from, SpaceID to);
+    /// One after the other; where they are carried, the display comes back for each.
+    void moveWindowsToSpace(const std::vector<WindowID>&, SpaceID from, SpaceID to);
     /// A display shows another space.
     void spaceDidChange();
 
@@ -46,13 +50,24 @@ private:
         Point dropPoint;
     };
 
+    /// The windows that wait for their move.
+    struct Waiting {
+        std::deque<WindowID> windows;
+        SpaceID from{};
+        SpaceID to{};
+        bool hasCarried = false;
+    };
+
+    void moveNext();
+    /// False if it is done already, or cannot be done.
+    bool begin(WindowID, SpaceID from, SpaceID to);
     bool moveDirectly(WindowID, SpaceID) const;
     /// Brings the window to the front and goes on once it lies there.
     void raise(WindowID, Work next);
-    void beginWindowMoveDrag(WindowID, SpaceID source, SpaceID target);
+    bool beginWindowMoveDrag(WindowID, SpaceID source, SpaceID target);
     void holdAndSwitch();
     void finishPendingWindowMoveDrag(std::optional<ProcessID> previousApp);
-    void beginSilicaWindowMove(WindowID, SpaceID source, SpaceID target);
+    bool beginSilicaWindowMove(WindowID, SpaceID source, SpaceID target);
     void finishSilicaWindowMove(WindowID, std::optional<ProcessID> previousApp);
     void settle(WindowID, std::optional<ProcessID> previousApp);
     void abandon();
@@ -69,6 +84,7 @@ private:
     WindowStore& m_windowStore;
     BarViewModel& m_viewModel;
     SpaceNavigation& m_navigation;
+    Waiting m_waiting;
     std::optional<PendingWindowMoveDrag> m_pendingWindowMoveDrag;
     std::optional<PendingSilicaWindowMove> m_pendingSilicaWindowMove;
     std::optional<ProcessID> m_previousApp;

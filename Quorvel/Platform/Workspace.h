@@ -61,6 +61,8 @@ public:
     /// Starts the application, or brings the running one to the front.
     virtual void openApplication(const ApplicationURL&) = 0;
     virtual void openNewInstance(const ApplicationURL&) = 0;
+    /// Whether starting the application once more gives the user a new window of it.
+    virtual bool canOpenNewInstance(const ApplicationURL&) const = 0;
     /// Absolute paths, with this application.
     virtual void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) = 0;
     /// With whatever the system opens it.

@@ -92,9 +92,11 @@ BarContentView::BarContentView(Inputs inputs)
     m_subscriptions.push_back(viewModel.chipsBySpace.subscribe([this](auto&) {
         if (!areCellsCurrent())
             spacesDidChange();
-        if (!m_inputs.pinStore.pinnedApps().value().empty())
+        if (!arePinsCurrent())
             pinsDidChange();
     }));
+    m_subscriptions.push_back(m_inputs.platform.windowServer.spacesDidChange.subscribe(
+        [this] { spacesDidChange(); })); // their names, of which the model knows nothing
     // Which windows lie on one screen may change without any chip changing.
     m_subscriptions.push_back(m_inputs.screenIndex
             ? viewModel.didRefresh.subscribe([this] { itemsDidChange(); })
@@ -120,9 +122,10 @@ void BarContentView::connectRow()
         = [this](const ChipView& chip, bool isHovered) { chipHovered(chip, isHovered); };
     m_row->onChipFilesOver
         = [this](const ChipView& chip, bool areOver) { filesOverChip(chip, areOver); };
-    m_row->onChipDragged = [this](const ChipView&, Point point) { chipDragged(point); };
+    m_row->onChipDragged
+        = [this](const ChipView& chip, Point pointer) { chipDragged(chip, pointer); };
     m_row->onChipDropped
-        = [this](const ChipView& chip, Point point) { return chipDropped(chip, point); };
+        = [this](const ChipView& chip, Point pointer) { return chipDropped(chip, pointer); };
     m_row->onChipDragEnded = [this] { m_spaceSwitcher->setDropTarget({}); };
     m_row->onChipMoved = [this](const std::string& id, std::optional<std::string> before) {
         m_inputs.viewModel.moveChip(id, before, m_inputs.spaceID);
@@ -149,16 +152,31 @@ void BarContentView::itemsDidChange()
     m_inputs.surface.accessibleTreeDidChange();
 }
 
+std::vector<std::string> BarContentView::wantedPins() const
+{
+    auto wanted = m_inputs.pinStore.pinnedAppIDs(PinDestination::bar);
+    if (!wanted.empty()) {
+        auto withWindows = m_inputs.viewModel.bundleIDsWithWindows(m_inputs.spaceID);
+        std::erase_if(wanted, [&](auto& id) { return withWindows.contains(id); });
+    }
+    return wanted;
+}
+
+/// Names and icons are looked up in files: not for each title that changes.
+bool BarContentView::arePinsCurrent() const
+{
+    return wantedPins() == m_pins;
+}
+
 void BarContentView::pinsDidChange()
 {
-    auto withWindows = m_inputs.viewModel.bundleIDsWithWindows(m_inputs.spaceID);
-    std::erase_if(m_launching, [&](auto& entry) { return withWindows.contains(entry.first); });
+    m_pins = wantedPins();
+    std::erase_if(m_launching,
+        [&](auto& entry) { return std::ranges::find(m_pins, entry.first) == m_pins.end(); });
     std::vector<PinData> pins;
-    for (auto& id : m_inputs.pinStore.pinnedAppIDs(PinDestination::bar)) {
-        if (!withWindows.contains(id))
-            pins.push_back({id, m_inputs.viewModel.appName(id), m_inputs.viewModel.icon(id),
-                m_launching.contains(id)});
-    }
+    for (auto& id : m_pins)
+        pins.push_back({id, m_inputs.viewModel.appName(id), m_inputs.viewModel.icon(id),
+            m_launching.contains(id)});
     m_row->setPins(pins);
 }
 
@@ -171,10 +189,10 @@ std::vector<SpaceCellData> BarContentView::spaceCells() const
         return cells;
     int number = 0;
     for (auto& space : spaces) {
+        bool isFullscreen = space.spaceType == kFullscreenSpaceType;
+        number += isFullscreen ? 0 : 1; // over all displays, as the system's own shortcuts count
         if (space.displayIdentifier != own->displayIdentifier)
             continue;
-        bool isFullscreen = space.spaceType == kFullscreenSpaceType;
-        number += isFullscreen ? 0 : 1;
         SpaceCellData cell;
         cell.id = space.spaceID;
         cell.label = isFullscreen ? "\u25A2" : std::to_string(number);
@@ -345,7 +363,8 @@ void BarContentView::chipClicked(const ChipView& chip, ChipView::Click click)
 {
     auto* group = std::get_if<GroupedChipData>(&chip.item());
     auto* single = std::get_if<ChipData>(&chip.item());
-    m_hover.suppressForCurrentHover();
+    if (chip.isHovered())
+        m_hover.suppressForCurrentHover(displayItemID(chip.item()));
     if (click == ChipView::Click::secondary) {
         openMenu(chipMenu(chip.item(), menuContext()), chip.frameInRoot());
     } else if (click == ChipView::Click::middle) {
@@ -394,12 +413,20 @@ void BarContentView::filesOverChip(const ChipView& chip, bool areOver)
 void BarContentView::pinTapped(const std::string& bundleID)
 {
     dismissThumbnailPopupImmediate();
+    onNextTurn([bundleID](BarViewModel& viewModel) { viewModel.launchApp(bundleID); });
+    // One that runs already only comes to the front.
+    auto& chips = m_inputs.viewModel.chipsBySpace.value();
+    bool isRunning = std::ranges::any_of(chips, [&](auto& entry) {
+        return std::ranges::find(entry.second, bundleID, &ChipData::bundleIdentifier)
+            != entry.second.end();
+    });
+    if (isRunning || !m_inputs.platform.workspace.applicationURL(bundleID))
+        return;
     m_launching[bundleID]
         = m_inputs.platform.dispatch.main().after(kLaunchPatience, [this, bundleID] {
               m_launching.erase(bundleID);
               pinsDidChange();
           });
-    onNextTurn([bundleID](BarViewModel& viewModel) { viewModel.launchApp(bundleID); });
     pinsDidChange();
 }
 
@@ -420,8 +447,11 @@ void BarContentView::openActivityMonitor()
 
 void BarContentView::released(PointerButton button, bool isInside)
 {
-    if (button == PointerButton::secondary && isInside)
-        showBarMenu(m_menuButton->frameInRoot());
+    if (button != PointerButton::secondary || !isInside)
+        return;
+    auto pointer = m_inputs.platform.displays.pointerLocation();
+    auto panel = m_inputs.surface.frame();
+    showBarMenu({pointer.x - panel.x, 0, 1, panel.height});
 }
 
 bool BarContentView::isRightToLeft() const
@@ -455,7 +485,11 @@ void BarContentView::openMenu(Menu menu, const Rect& anchor)
 ChipMenuContext BarContentView::menuContext()
 {
     return {m_inputs.viewModel, m_inputs.pinStore, m_inputs.platform.workspace, m_inputs.spaceID,
-        m_spaceSwitcher->spaces(), onMoveWindowToSpaceRequested};
+        m_spaceSwitcher->spaces(), onMoveWindowToSpaceRequested,
+        [weak = m_weak.reference()](const std::string& bundleID) {
+            if (auto* view = weak.get())
+                view->pinTapped(bundleID);
+        }};
 }
 
 void BarContentView::showBarMenu(const Rect& anchor)
@@ -491,24 +525,24 @@ void BarContentView::showSpaceList()
 
 // MARK: Dragging
 
-void BarContentView::chipDragged(Point point)
+void BarContentView::chipDragged(const ChipView& chip, Point pointer)
 {
-    m_hover.suppressForCurrentHover();
+    m_hover.suppressForCurrentHover(displayItemID(chip.item()));
     dismissThumbnailPopupImmediate();
-    auto space = m_spaceSwitcher->spaceAt(point);
+    auto space = m_spaceSwitcher->spaceAt(pointer);
     m_spaceSwitcher->setDropTarget(space == m_inputs.spaceID ? std::nullopt : space);
 }
 
-bool BarContentView::chipDropped(const ChipView& chip, Point point)
+bool BarContentView::chipDropped(const ChipView& chip, Point pointer)
 {
-    auto space = m_spaceSwitcher->spaceAt(point);
+    auto space = m_spaceSwitcher->spaceAt(pointer);
     if (!space)
         return false;
     if (*space == m_inputs.spaceID || !onMoveWindowToSpaceRequested)
         return true;
     auto* group = std::get_if<GroupedChipData>(&chip.item());
-    for (auto id : group ? group->windowIDs : std::vector{std::get<ChipData>(chip.item()).id})
-        onMoveWindowToSpaceRequested(id, *space);
+    onMoveWindowToSpaceRequested(
+        group ? group->windowIDs : std::vector{std::get<ChipData>(chip.item()).id}, *space);
     return true;
 }
 
@@ -588,7 +622,7 @@ void BarContentView::updateThumbnailPopup()
     auto found = std::ranges::find_if(
         items, [&](auto& item) { return displayItemID(item) == *m_hover.thumbnailTargetID(); });
     if (found == items.end())
-        return dismissThumbnailPopupImmediate();
+        return m_hover.targetDidVanish();
     auto target = hoverTarget(*found);
     auto before = m_activeThumbnailPanel->windows();
     if (std::ranges::is_permutation(before, target.windows))

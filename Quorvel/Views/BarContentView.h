@@ -59,7 +59,8 @@ public:
 
     std::function<void()> onMenuTapped;
     std::function<void(SpaceID)> onSpaceSwitchRequested;
-    std::function<void(WindowID, SpaceID to)> onMoveWindowToSpaceRequested;
+    /// A group's windows go together.
+    std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpaceRequested;
     std::function<void(bool isHovered)> onChipsAreaHoverChanged;
     /// Just before a popup is shown.
     std::function<void()> onThumbnailWillShow;
@@ -101,6 +102,8 @@ private:
     void connectRow();
     void itemsDidChange();
     void pinsDidChange();
+    std::vector<std::string> wantedPins() const;
+    bool arePinsCurrent() const;
     void spacesDidChange();
     void settingsDidChange();
     void appearanceDidChange();
@@ -112,8 +115,8 @@ private:
     void chipHovered(const ChipView&, bool isHovered);
     HoverTarget hoverTarget(const DisplayItem&) const;
     void filesOverChip(const ChipView&, bool areOver);
-    void chipDragged(Point);
-    bool chipDropped(const ChipView&, Point);
+    void chipDragged(const ChipView&, Point pointer);
+    bool chipDropped(const ChipView&, Point pointer);
     void pinTapped(const std::string& bundleID);
     void pinMoved(const std::string& bundleID, const ReorderDrag&);
     void openMenu(Menu, const Rect& anchor);
@@ -135,6 +138,7 @@ private:
     SpaceSwitcher* m_spaceSwitcher = nullptr;
     ShowDesktopButton* m_showDesktopButton = nullptr;
     ChipsRow* m_row = nullptr;
+    std::vector<std::string> m_pins; ///< bundle identifiers, as they were looked up
     std::map<std::string, WorkItem> m_launching; ///< by bundle identifier
     ThumbnailHover m_hover;
     std::unique_ptr<ThumbnailPopup> m_activeThumbnailPanel;

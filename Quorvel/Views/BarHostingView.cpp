@@ -21,6 +21,8 @@ void BarHostingView::setContent(std::unique_ptr<View> content)
 {
     cancelPress();
     m_hovered.clear();
+    m_filesOver = nullptr;
+    bool hadKeyboard = std::exchange(m_keyFocused, nullptr);
     if (m_content)
         m_content->setHost(nullptr);
     m_content = std::move(content);
@@ -30,6 +32,8 @@ void BarHostingView::setContent(std::unique_ptr<View> content)
     m_content->setFrame(Rect::from({}, m_size));
     viewNeedsPaint(m_content->bounds());
     updateHover();
+    if (hadKeyboard)
+        keyboardDidChange(true);
 }
 
 void BarHostingView::surfaceDidResize(Size size)
@@ -58,6 +62,8 @@ void BarHostingView::viewWillVanish(const View& view)
         if (*pointer && (*pointer)->isWithin(view))
             *pointer = nullptr;
     }
+    if (m_surface)
+        m_surface->accessibleTreeDidChange();
 }
 
 void BarHostingView::viewsDidMove()
@@ -77,7 +83,8 @@ void BarHostingView::pointerEvent(const PointerEvent& event)
     updateHover();
 
     if (event.action == PointerAction::moved && m_pressed)
-        m_pressed->dragged(event.location.translated(-m_pressPlace.x, -m_pressPlace.y));
+        m_pressed->dragged(
+            {event.location.translated(-m_pressPlace.x, -m_pressPlace.y), event.location});
     else if (event.action == PointerAction::pressed)
         press(event);
     else if (event.action == PointerAction::released)
@@ -165,12 +172,13 @@ bool BarHostingView::dropEvent(const DropEvent& event)
     }
     if (event.action != DropAction::dropped) {
         setFilesOver(target);
-        return target;
+        return target && target->acceptsFiles();
     }
     setFilesOver(nullptr);
-    if (target)
-        target->filesDropped(event.paths);
-    return target;
+    if (!target || !target->acceptsFiles())
+        return false;
+    target->filesDropped(event.paths);
+    return true;
 }
 
 void BarHostingView::setFilesOver(View* view)

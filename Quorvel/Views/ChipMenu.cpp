@@ -56,7 +56,7 @@ void addApplicationEntries(Menu& menu, const std::string& bundleID, const ChipMe
             [&workspace = context.workspace, action, url = *url](
                 BarViewModel&) { workspace.perform(action, url); }));
     }
-    if (!offersWindow)
+    if (!offersWindow && context.workspace.canOpenNewInstance(*url))
         menu.push_back(entry("New Window", context.viewModel,
             [&workspace = context.workspace, url = *url](
                 BarViewModel&) { workspace.openNewInstance(url); }));
@@ -80,10 +80,8 @@ void addMoveEntry(Menu& menu, const std::vector<WindowID>& windows, const ChipMe
     MenuItem move{"Move to Space", true, {}};
     for (auto& space : context.spaces) {
         auto item = entry(space.name, context.viewModel,
-            [onMove = context.onMoveWindowToSpace, windows, to = space.id](BarViewModel&) {
-                for (auto id : windows)
-                    onMove(id, to);
-            });
+            [onMove = context.onMoveWindowToSpace, windows, to = space.id](
+                BarViewModel&) { onMove(windows, to); });
         item.isEnabled = space.id != context.spaceID;
         item.isChecked = !item.isEnabled;
         move.submenu.push_back(std::move(item));
@@ -156,8 +154,7 @@ Menu chipMenu(const DisplayItem& item, const ChipMenuContext& context)
 Menu pinMenu(const std::string& bundleID, const ChipMenuContext& context)
 {
     Menu menu;
-    menu.push_back(entry("Open", context.viewModel,
-        [bundleID](BarViewModel& current) { current.launchApp(bundleID); }));
+    menu.push_back({"Open", true, [bundleID, launch = context.onLaunch] { launch(bundleID); }});
     addApplicationEntries(menu, bundleID, context);
     separate(menu);
     addPinEntry(menu, bundleID, context);

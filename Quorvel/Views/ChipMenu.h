@@ -21,7 +21,8 @@ struct ChipMenuContext {
     Workspace& workspace;
     SpaceID spaceID{};
     std::vector<SpaceCellData> spaces; ///< of the display
-    std::function<void(WindowID, SpaceID to)> onMoveWindowToSpace;
+    std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpace;
+    std::function<void(const std::string& bundleID)> onLaunch;
 };
 
 /// What the menu of a chip offers. Its actions do nothing once the model is gone.

@@ -155,21 +155,21 @@ void ChipView::pressed(PointerButton button)
     set(m_isPressed, button != PointerButton::secondary);
 }
 
-void ChipView::dragged(Point translation)
+void ChipView::dragged(const DragMove& move)
 {
-    if (!m_drag.dragged(translation))
+    if (!m_drag.dragged(move.translation))
         return;
-    m_translation = translation;
+    m_move = move;
     set(m_isPressed, false);
     if (onDrag)
-        onDrag(*this, DragPhase::moved, translation);
+        onDrag(*this, DragPhase::moved, move);
 }
 
 void ChipView::pressCancelled()
 {
     set(m_isPressed, false);
     if (m_drag.ended() && onDrag)
-        onDrag(*this, DragPhase::cancelled, m_translation);
+        onDrag(*this, DragPhase::cancelled, m_move);
 }
 
 void ChipView::released(PointerButton button, bool isInside)
@@ -177,7 +177,7 @@ void ChipView::released(PointerButton button, bool isInside)
     set(m_isPressed, false);
     if (m_drag.ended()) {
         if (onDrag)
-            onDrag(*this, DragPhase::dropped, m_translation);
+            onDrag(*this, DragPhase::dropped, m_move);
         return;
     }
     if (!isInside || !onClick)

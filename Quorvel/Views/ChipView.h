@@ -28,6 +28,7 @@ public:
     ChipView(const BarMetrics& metrics, const Text& text) : m_metrics(metrics), m_text(text) { }
 
     const DisplayItem& item() const { return m_item; }
+    bool isHovered() const { return m_isHovered; }
     void setItem(const DisplayItem&);
     void setDark(bool);
     void setRightToLeft(bool);
@@ -38,7 +39,7 @@ public:
     void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
 
     std::function<void(const ChipView&, Click)> onClick;
-    std::function<void(ChipView&, DragPhase, Point translation)> onDrag;
+    std::function<void(ChipView&, DragPhase, const DragMove&)> onDrag;
     std::function<void(const ChipView&, bool isHovered)> onHover;
     /// Files from elsewhere rest on the chip, or no longer do.
     std::function<void(const ChipView&, bool areOver)> onFilesOver;
@@ -52,14 +53,15 @@ public:
     void pointerEntered() override;
     void pointerExited() override;
     void pressed(PointerButton) override;
-    void dragged(Point translation) override;
+    void dragged(const DragMove&) override;
     void released(PointerButton, bool isInside) override;
     void pressCancelled() override;
 
     bool takesFiles() const override { return true; }
     void filesEntered() override;
     void filesExited() override;
-    void filesDropped(const std::vector<std::string>&) override { filesExited(); }
+    /// Which of its documents the window would open is its program's to say.
+    bool acceptsFiles() const override { return false; }
 
     bool isAccessible() const override { return true; }
     std::string accessibleID() const override { return displayItemID(m_item); }
@@ -107,7 +109,7 @@ private:
     bool m_hasFilesOver = false;
     Title m_title = Title::window;
     DragSource m_drag;
-    Point m_translation;
+    DragMove m_move;
     double m_pulse = 0;
 };
 

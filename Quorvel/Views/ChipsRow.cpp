@@ -113,9 +113,12 @@ void ChipsRow::setPins(const std::vector<PinData>& pins)
     if (!isHeld())
         return updatePins();
     // They neither come nor go, but what they say of themselves is today's.
-    for (auto& pin : pins) {
-        if (auto known = m_pins.find(pin.bundleID); known != m_pins.end())
-            known->second->setPin(pin);
+    for (auto& [id, view] : m_pins) {
+        auto wanted = std::ranges::find(pins, id, &PinData::bundleID);
+        if (wanted != pins.end())
+            view->setPin(*wanted);
+        else
+            view->setLaunching(false);
     }
 }
 
@@ -165,8 +168,8 @@ ChipView& ChipsRow::makeChip(const std::string& id)
         if (onChipFilesOver)
             onChipFilesOver(target, areOver);
     };
-    chip.onDrag = [this, id](ChipView& view, DragPhase phase, Point translation) {
-        dragItem(view, id, DragKind::chip, phase, translation);
+    chip.onDrag = [this, id](ChipView& view, DragPhase phase, const DragMove& move) {
+        dragItem(view, id, DragKind::chip, phase, move);
     };
     m_chips.emplace(id, &chip);
     raiseArrows();
@@ -189,8 +192,8 @@ PinView& ChipsRow::makePin(const std::string& bundleID)
         if (onPinFiles)
             onPinFiles(target, std::move(paths));
     };
-    pin.onDrag = [this, bundleID](PinView& view, DragPhase phase, Point translation) {
-        dragItem(view, bundleID, DragKind::pin, phase, translation);
+    pin.onDrag = [this, bundleID](PinView& view, DragPhase phase, const DragMove& move) {
+        dragItem(view, bundleID, DragKind::pin, phase, move);
     };
     m_pins.emplace(bundleID, &pin);
     raiseArrows();
@@ -248,6 +251,8 @@ void ChipsRow::setRightToLeft(bool isRightToLeft)
         return;
     for (auto& [id, chip] : m_chips)
         chip->setRightToLeft(isRightToLeft);
+    m_backArrow->setRightToLeft(isRightToLeft);
+    m_forwardArrow->setRightToLeft(isRightToLeft);
     layout();
 }
 
@@ -323,7 +328,7 @@ void ChipsRow::layout()
             (bounds().width - x + m_metrics.chipSpacing) / count - m_metrics.chipSpacing);
         bool hasTitle = m_title != ChipView::Title::none;
         double most = hasTitle ? ChipView::fullWidth(m_metrics) : pinWidth;
-        if (!isHeld() || m_chipWidth > room || m_chipWidth > most)
+        if (!isHeld() || m_chipWidth == 0 || m_chipWidth > room || m_chipWidth > most)
             m_chipWidth = std::clamp(room, pinWidth, most);
         for (auto& id : m_slots) {
             m_places[id] = x;
@@ -421,14 +426,14 @@ std::vector<std::pair<std::string, Rect>> ChipsRow::pinFrames() const
 // MARK: Dragging
 
 void ChipsRow::dragItem(
-    View& view, const std::string& id, DragKind kind, DragPhase phase, Point translation)
+    View& view, const std::string& id, DragKind kind, DragPhase phase, const DragMove& move)
 {
     if (!m_drag && phase == DragPhase::moved)
         beginDrag(view, id, kind);
     if (!m_drag || m_drag->draggedID() != id)
         return;
     if (phase == DragPhase::moved)
-        moveDrag(view, translation);
+        moveDrag(view, move);
     else
         endDrag(view, phase);
 }
@@ -450,19 +455,32 @@ void ChipsRow::beginDrag(View& view, const std::string& id, DragKind kind)
     m_scrollBeforeDrag = m_scroll;
     m_drag.emplace(id, std::move(frames), std::move(visible));
     raiseChild(view);
-    if (auto* chip = dynamic_cast<ChipView*>(&view))
-        chip->setLifted(true);
-    else
-        static_cast<PinView&>(view).setLifted(true);
+    setLifted(view, true);
 }
 
-void ChipsRow::moveDrag(View& view, Point translation)
+void ChipsRow::setLifted(View& view, bool isLifted)
+{
+    if (auto* chip = dynamic_cast<ChipView*>(&view))
+        chip->setLifted(isLifted);
+    else
+        static_cast<PinView&>(view).setLifted(isLifted);
+}
+
+/// What is lifted is a little larger than its frame.
+void ChipsRow::invalidateLifted(View& view)
+{
+    double share = (ChipView::kLiftedScale - 1) / 2;
+    auto& frame = view.frame();
+    view.invalidate(view.bounds().inset(
+        -std::ceil(frame.width * share) - 1, -std::ceil(frame.height * share) - 1));
+}
+
+void ChipsRow::moveDrag(View& view, const DragMove& move)
 {
     int before = m_drag->insertionIndex();
-    m_dragTranslation = translation;
-    m_drag->setTranslation(
-        {(m_isRightToLeft ? -translation.x : translation.x) + m_scroll - m_scrollBeforeDrag,
-            translation.y});
+    m_dragMove = move;
+    auto& [x, y] = move.translation;
+    m_drag->setTranslation({(m_isRightToLeft ? -x : x) + m_scroll - m_scrollBeforeDrag, y});
     auto& id = m_drag->draggedID();
     m_shown[id] = m_drag->slotX(id);
     if (m_drag->insertionIndex() != before) {
@@ -473,12 +491,11 @@ void ChipsRow::moveDrag(View& view, Point translation)
         }
         animateTo(std::move(targets), kMakeRoom);
     }
+    invalidateLifted(view);
     place(view, m_shown[id], view.frame().width);
-    // The chip is a little larger than its frame.
-    view.invalidate(view.bounds().inset(-view.frame().width * 0.05, -2));
+    invalidateLifted(view);
     if (m_dragKind == DragKind::chip && onChipDragged)
-        onChipDragged(
-            static_cast<ChipView&>(view), view.frameInRoot().centre().translated(0, translation.y));
+        onChipDragged(static_cast<ChipView&>(view), move.pointer);
     scrollForDrag(view);
 }
 
@@ -497,29 +514,26 @@ void ChipsRow::scrollForDrag(View& view)
         m_dragScroll = {};
         double step = kDragScrollSpeed * std::chrono::duration<double>(m_frameInterval).count();
         scrollBy(isAtStart ? -step : step);
-        moveDrag(view, m_dragTranslation);
+        moveDrag(view, m_dragMove);
     });
 }
 
 void ChipsRow::endDrag(View& view, DragPhase phase)
 {
+    invalidateLifted(view); // while it may still paint outside the row
     auto drag = *std::exchange(m_drag, std::nullopt);
     m_dragScroll = {};
-    view.invalidate(view.bounds().inset(-view.frame().width * 0.05, -2));
+    setLifted(view, false);
+    raiseArrows();
     bool isChip = m_dragKind == DragKind::chip;
-    auto point = view.frameInRoot().centre().translated(0, drag.translation().y);
-    if (isChip)
-        static_cast<ChipView&>(view).setLifted(false);
-    else
-        static_cast<PinView&>(view).setLifted(false);
-    bool isElsewhere = false;
-    if (isChip && phase == DragPhase::dropped && onChipDropped)
-        isElsewhere = onChipDropped(static_cast<ChipView&>(view), point);
+    bool isElsewhere = isChip && phase == DragPhase::dropped && onChipDropped
+        && onChipDropped(static_cast<ChipView&>(view), m_dragMove.pointer);
     if (phase == DragPhase::dropped && !isElsewhere) {
+        auto before = nextAfterDrop(drag);
         auto& order = isChip ? m_slots : m_pinOrder;
         order = drag.previewOrder();
         if (isChip && onChipMoved)
-            onChipMoved(drag.draggedID(), drag.dropTargetID());
+            onChipMoved(drag.draggedID(), before);
         else if (!isChip && onPinMoved)
             onPinMoved(static_cast<PinView&>(view).pin().bundleID, drag);
     }
@@ -534,13 +548,27 @@ void ChipsRow::endDrag(View& view, DragPhase phase)
     animateTo(std::move(targets), kFallIntoPlace);
 }
 
+/// The first of those behind it that is still there: some may have closed meanwhile.
+std::optional<std::string> ChipsRow::nextAfterDrop(const ReorderDrag& drag) const
+{
+    auto order = drag.previewOrder();
+    auto next = std::ranges::find(order, drag.draggedID());
+    next = std::find_if(next + 1, order.end(), [this](auto& id) { return view(id); });
+    return next == order.end() ? std::nullopt : std::optional{*next};
+}
+
+/// The dragged one is about to vanish.
 void ChipsRow::abandonDrag()
 {
+    if (auto* dragged = view(m_drag->draggedID()))
+        invalidateLifted(*dragged);
     bool wasChip = m_dragKind == DragKind::chip;
     m_drag.reset();
     m_dragScroll = {};
     m_motion.stop();
     m_shown.clear();
+    placeAll();
+    raiseArrows();
     if (wasChip && onChipDragEnded)
         onChipDragEnded();
 }

@@ -59,8 +59,7 @@ public:
     std::function<void(const PinView&)> onPinClick;
     std::function<void(const PinView&)> onPinMenu;
     std::function<void(const PinView&, std::vector<std::string> paths)> onPinFiles;
-    /// A drag of a chip began or went on; the place of the pointer is the chip's middle, in the
-    /// root's coordinates.
+    /// A drag of a chip began or went on; with the pointer there, in the root's coordinates.
     std::function<void(const ChipView&, Point)> onChipDragged;
     /// The chip was let go there. True: it was dropped on something else, and stays where it was.
     std::function<bool(const ChipView&, Point)> onChipDropped;
@@ -103,13 +102,16 @@ private:
     View* view(const std::string& id) const;
     Rect visibleFrame(const View&) const;
 
-    void dragItem(View&, const std::string& id, DragKind, DragPhase, Point translation);
+    void dragItem(View&, const std::string& id, DragKind, DragPhase, const DragMove&);
     void beginDrag(View&, const std::string& id, DragKind);
-    void moveDrag(View&, Point translation);
+    void moveDrag(View&, const DragMove&);
     /// While the dragged one is held at an end of the row, what is beyond comes into sight.
     void scrollForDrag(View&);
     void endDrag(View&, DragPhase);
     void abandonDrag();
+    static void invalidateLifted(View&);
+    static void setLifted(View&, bool isLifted);
+    std::optional<std::string> nextAfterDrop(const ReorderDrag&) const;
     void animateTo(std::map<std::string, double> targets, Duration);
 
     BarMetrics m_metrics;
@@ -137,7 +139,7 @@ private:
     ScrollArrow* m_forwardArrow = nullptr;
     std::optional<ReorderDrag> m_drag;
     DragKind m_dragKind{};
-    Point m_dragTranslation; ///< of the pointer
+    DragMove m_dragMove;
     double m_scrollBeforeDrag = 0;
     std::set<std::string> m_asking; ///< the chips that want attention
     AttentionPulse m_pulse;

@@ -21,14 +21,14 @@ void PinView::pressed(PointerButton button)
     ButtonView::pressed(button);
 }
 
-void PinView::dragged(Point translation)
+void PinView::dragged(const DragMove& move)
 {
-    if (!m_drag.dragged(translation))
+    if (!m_drag.dragged(move.translation))
         return;
-    m_translation = translation;
+    m_move = move;
     ButtonView::pressCancelled();
     if (onDrag)
-        onDrag(*this, DragPhase::moved, translation);
+        onDrag(*this, DragPhase::moved, move);
 }
 
 void PinView::released(PointerButton button, bool isInside)
@@ -36,14 +36,14 @@ void PinView::released(PointerButton button, bool isInside)
     if (!m_drag.ended())
         return ButtonView::released(button, isInside);
     if (onDrag)
-        onDrag(*this, DragPhase::dropped, m_translation);
+        onDrag(*this, DragPhase::dropped, m_move);
 }
 
 void PinView::pressCancelled()
 {
     ButtonView::pressCancelled();
     if (m_drag.ended() && onDrag)
-        onDrag(*this, DragPhase::cancelled, m_translation);
+        onDrag(*this, DragPhase::cancelled, m_move);
 }
 
 void PinView::filesDropped(const std::vector<std::string>& paths)

@@ -26,15 +26,15 @@ public:
 
     const PinData& pin() const { return m_pin; }
     void setPin(const PinData& pin) { set(m_pin, pin); }
+    void setLaunching(bool isLaunching) { set(m_pin.isLaunching, isLaunching); }
     /// It follows the pointer, above the others.
     void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
 
-    std::function<void(PinView&, DragPhase, Point translation)> onDrag;
+    std::function<void(PinView&, DragPhase, const DragMove&)> onDrag;
     std::function<void(const PinView&, std::vector<std::string> paths)> onFilesDropped;
-    std::function<void(const PinView&, bool isHovered)> onHover;
 
     void pressed(PointerButton) override;
-    void dragged(Point translation) override;
+    void dragged(const DragMove&) override;
     void released(PointerButton, bool isInside) override;
     void pressCancelled() override;
 
@@ -52,7 +52,7 @@ private:
     BarMetrics m_metrics;
     PinData m_pin;
     DragSource m_drag;
-    Point m_translation;
+    DragMove m_move;
     bool m_isLifted = false;
     bool m_hasFilesOver = false;
 };

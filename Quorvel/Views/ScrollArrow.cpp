@@ -20,7 +20,7 @@ void ScrollArrow::paint(Canvas& canvas) const
     bool isLeft = m_towards == Towards::left;
     std::vector<GradientStop> stops{
         {0, ground}, {1 - Style::fade, ground}, {1, ground.withAlpha(0)}};
-    if (!isLeft)
+    if (isLeft == m_isRightToLeft)
         stops = {{0, ground.withAlpha(0)}, {Style::fade, ground}, {1, ground}};
     canvas.fillGradient(bounds(), GradientDirection::leadingToTrailing, stops);
     Rect face = bounds().centred({bounds().width - 6, bounds().height - 8});

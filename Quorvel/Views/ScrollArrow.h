@@ -13,12 +13,16 @@ public:
 
     static constexpr double kWidth = 22;
 
+    /// A canvas mirrors what runs from the leading to the trailing end.
+    void setRightToLeft(bool isRightToLeft) { set(m_isRightToLeft, isRightToLeft); }
+
     bool isAccessible() const override { return false; }
 
 private:
     void paint(Canvas&) const override;
 
     Towards m_towards;
+    bool m_isRightToLeft = false;
 };
 
 }

@@ -13,13 +13,14 @@ ThumbnailHover::ThumbnailHover(Dispatch& dispatch, Surfaces& surfaces)
 void ThumbnailHover::handleChipHover(bool isHovering, const HoverTarget& target)
 {
     if (!isHovering) {
-        m_suppressThumbnailForCurrentHover = false;
+        m_suppressThumbnailForCurrentHover.reset();
         m_pendingHoverTarget.reset();
         m_mouseMovementMonitor = {};
         return startDismissTimer();
     }
-    if (m_suppressThumbnailForCurrentHover || m_isMenuOpen)
+    if (m_suppressThumbnailForCurrentHover == target.chipID || m_isMenuOpen)
         return;
+    m_suppressThumbnailForCurrentHover.reset();
     if (m_thumbnailTargetID == target.chipID) {
         m_dismissTimer = {};
         return;
@@ -83,6 +84,14 @@ void ThumbnailHover::dismissThumbnailPopupImmediate()
     m_dismissTimer = {};
     m_mouseMovementMonitor = {};
     m_pendingHoverTarget.reset();
+    m_isThumbnailPopupHovered = false;
+    if (std::exchange(m_thumbnailTargetID, std::nullopt) && onDismiss)
+        onDismiss();
+}
+
+void ThumbnailHover::targetDidVanish()
+{
+    m_dismissTimer = {};
     m_isThumbnailPopupHovered = false;
     if (std::exchange(m_thumbnailTargetID, std::nullopt) && onDismiss)
         onDismiss();

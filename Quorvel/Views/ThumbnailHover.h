@@ -40,7 +40,12 @@ public:
     void setPopupHovered(bool);
     void dismissThumbnailPopupImmediate();
     /// No popup until the pointer leaves the chip: it was clicked or dragged.
-    void suppressForCurrentHover() { m_suppressThumbnailForCurrentHover = true; }
+    void suppressForCurrentHover(std::string chipID)
+    {
+        m_suppressThumbnailForCurrentHover = std::move(chipID);
+    }
+    /// The chip has gone, and with it the popup. What the pointer rests on now may open its own.
+    void targetDidVanish();
     /// No popup beside an open menu.
     void setMenuOpen(bool);
 
@@ -58,7 +63,7 @@ private:
     std::optional<std::string> m_thumbnailTargetID;
     std::optional<HoverTarget> m_pendingHoverTarget;
     bool m_isThumbnailPopupHovered = false;
-    bool m_suppressThumbnailForCurrentHover = false;
+    std::optional<std::string> m_suppressThumbnailForCurrentHover; ///< the chip it holds for
     bool m_isMenuOpen = false;
     Subscription m_mouseMovementMonitor;
     WorkItem m_showTimer;

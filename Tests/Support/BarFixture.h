@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -47,10 +48,10 @@ struct BarFixture : testing::Test {
     static std::vector<std::string> chipTexts(const FakePanel& panel)
     {
         auto texts = panel.render().texts();
-        auto cells = texts.begin();
-        for (int number = 1; cells != texts.end() && *cells == std::to_string(number); ++number)
-            ++cells;
-        texts.erase(texts.begin(), cells);
+        auto isNumber = [](const std::string& text) {
+            return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+        };
+        texts.erase(texts.begin(), std::ranges::find_if_not(texts, isNumber));
         return texts;
     }
     std::vector<std::string> chipTexts(SpaceID space = SpaceID{1})

@@ -44,6 +44,7 @@ public:
     Image runningApplicationIcon(ProcessID) const override;
     Image genericApplicationIcon() const override;
     void openApplication(const ApplicationURL& url) override { m_opened.push_back(url.path); }
+    bool canOpenNewInstance(const ApplicationURL&) const override { return true; }
     void openNewInstance(const ApplicationURL& url) override
     {
         m_opened.push_back("new " + url.path);

@@ -55,6 +55,12 @@ void ApplicationLauncher::launch(
     g_list_free_full(list, g_object_unref);
 }
 
+bool ApplicationLauncher::opensManyWindows(const std::string& desktopFilePath)
+{
+    auto application = read(desktopFilePath);
+    return application && !g_desktop_app_info_get_boolean(application.get(), "SingleMainWindow");
+}
+
 std::vector<ApplicationAction> ApplicationLauncher::actions(const std::string& desktopFilePath)
 {
     std::vector<ApplicationAction> actions;

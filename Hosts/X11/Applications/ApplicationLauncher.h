@@ -23,6 +23,8 @@ public:
     /// the manager lets the first window come to the front. A failure is told on standard error.
     void launch(const std::string& desktopFilePath, std::uint32_t time,
         const std::vector<std::string>& files = {});
+    /// Unless the desktop file says that there is only ever one window.
+    static bool opensManyWindows(const std::string& desktopFilePath);
     /// What the desktop file offers beside being started, in the user's language.
     static std::vector<ApplicationAction> actions(const std::string& desktopFilePath);
     void perform(const std::string& desktopFilePath, const std::string& action, std::uint32_t time);

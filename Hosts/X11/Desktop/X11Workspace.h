@@ -33,6 +33,10 @@ public:
     /// An application with a window is brought to the front, on whatever space it is.
     void openApplication(const ApplicationURL&) override;
     void openNewInstance(const ApplicationURL&) override;
+    bool canOpenNewInstance(const ApplicationURL& url) const override
+    {
+        return ApplicationLauncher::opensManyWindows(url.path);
+    }
     void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
     void openFile(const std::string& path) override { ApplicationLauncher::openFile(path); }
     std::vector<ApplicationAction> actions(const ApplicationURL&) const override;

@@ -56,6 +56,8 @@ std::vector<View*> View::accessibleViews() const
     std::ranges::stable_sort(ordered, {}, [](auto* child) { return child->frame().x; });
     std::vector<View*> views;
     for (auto* child : ordered) {
+        if (child->frame().isEmpty())
+            continue;
         if (child->isAccessible()) {
             views.push_back(child);
             continue;

@@ -26,6 +26,12 @@ public:
     virtual void viewsDidMove() = 0;
 };
 
+/// The pointer with a button down.
+struct DragMove {
+    Point translation; ///< from where the button went down
+    Point pointer; ///< in the root view's coordinates
+};
+
 /// A rectangle that draws itself and takes the pointer: the small retained kit under every view.
 ///
 /// A view is owned by its parent and lives from `addChild` to `removeChild` (or its parent's end).
@@ -85,12 +91,13 @@ public:
     virtual void pointerEntered() { }
     virtual void pointerExited() { }
     virtual void pressed(PointerButton) { }
-    /// How far the pointer is from where the button went down.
-    virtual void dragged(Point /*translation*/) { }
+    virtual void dragged(const DragMove&) { }
     virtual void released(PointerButton, bool /*isInside*/) { }
     virtual void pressCancelled() { }
 
     virtual bool takesFiles() const { return false; }
+    /// Whether files may be let go here; else they may only rest here.
+    virtual bool acceptsFiles() const { return takesFiles(); }
     virtual void filesEntered() { }
     virtual void filesExited() { }
     virtual void filesDropped(const std::vector<std::string>& /*paths*/) { }
