@@ -72,7 +72,18 @@ namespace quorvel::x11 {
     X(netWmBypassCompositor, "_NET_WM_BYPASS_COMPOSITOR")                                          \
     X(motifWmHints, "_MOTIF_WM_HINTS")                                                             \
     X(kdeBlurBehind, "_KDE_NET_WM_BLUR_BEHIND_REGION")                                             \
-    X(xsettings, "_XSETTINGS_SETTINGS")
+    X(xsettings, "_XSETTINGS_SETTINGS")                                                            \
+    X(xdndAware, "XdndAware")                                                                      \
+    X(xdndTypeList, "XdndTypeList")                                                                \
+    X(xdndSelection, "XdndSelection")                                                              \
+    X(xdndEnter, "XdndEnter")                                                                      \
+    X(xdndPosition, "XdndPosition")                                                                \
+    X(xdndStatus, "XdndStatus")                                                                    \
+    X(xdndLeave, "XdndLeave")                                                                      \
+    X(xdndDrop, "XdndDrop")                                                                        \
+    X(xdndFinished, "XdndFinished")                                                                \
+    X(xdndActionCopy, "XdndActionCopy")                                                            \
+    X(textUriList, "text/uri-list")
 
 /// The server's numbers of the names this program uses, interned once in one round trip.
 struct Atoms {

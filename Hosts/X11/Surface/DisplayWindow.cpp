@@ -53,7 +53,7 @@ void DisplayWindow::add(X11Panel& panel)
 void DisplayWindow::remove(X11Panel& panel)
 {
     if (m_shown == &panel) {
-        m_pointer.setClient(nullptr);
+        setListener(nullptr);
         m_shown = nullptr;
     }
     std::erase(m_panels, &panel);
@@ -96,12 +96,13 @@ void DisplayWindow::show(X11Panel& panel)
     if (panel.frame().isEmpty())
         return;
     placeWindow(panel.framePixels());
+    m_drops->setPlace(m_window->frame().origin(), scale());
     if (m_shown != &panel || m_paintedScale != scale()) {
         takeAway(&panel);
         m_shown = &panel;
         m_paintedScale = scale();
         m_pointer.setScale(m_paintedScale);
-        m_pointer.setClient(&panel.client());
+        setListener(&panel.client());
         m_window->setTitle(panel.options().title);
         repaintAll();
     }
@@ -119,11 +120,19 @@ void DisplayWindow::takeAway(const X11Panel* successor)
         m_shown->releaseKeyboard();
 }
 
+void DisplayWindow::setListener(SurfaceClient* client)
+{
+    m_pointer.setClient(client);
+    if (m_drops)
+        m_drops->setClient(client);
+}
+
 void DisplayWindow::hide()
 {
     takeAway(nullptr);
-    m_pointer.setClient(nullptr);
+    setListener(nullptr);
     m_shown = nullptr;
+    m_drops.reset();
     m_window.reset(); // and with it the strut
     m_buffer.reset();
     m_hasContent = m_isLowered = m_blurs = false;
@@ -137,6 +146,8 @@ void DisplayWindow::placeWindow(const Rect& pixels)
         m_buffer = std::make_unique<BackBuffer>(m_context.connection, m_visual);
         m_window = std::make_unique<DockWindow>(
             m_context.connection, m_context.dispatch, m_visual, pixels);
+        m_drops = std::make_unique<DropTarget>(
+            m_context.connection, m_context.dispatch, m_window->id());
     } else if (pixels == m_window->frame() && !m_buffer->isEmpty()) {
         return;
     }

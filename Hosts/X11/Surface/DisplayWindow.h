@@ -7,6 +7,7 @@
 #include "Hosts/X11/Surface/BackBuffer.h"
 #include "Hosts/X11/Surface/DamageRegion.h"
 #include "Hosts/X11/Surface/DockWindow.h"
+#include "Hosts/X11/Surface/DropTarget.h"
 #include "Hosts/X11/Surface/PaintSource.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
 #include "Hosts/X11/Surface/SurfaceContext.h"
@@ -54,6 +55,8 @@ private:
     bool hasOrderedInPanel() const;
     void show(X11Panel&);
     void takeAway(const X11Panel* successor);
+    /// Who hears of the pointer and of files from now on.
+    void setListener(SurfaceClient*);
     void hide();
     void placeWindow(const Rect& pixels);
     void updateStrut();
@@ -76,6 +79,7 @@ private:
     WindowVisual m_visual;
     std::unique_ptr<BackBuffer> m_buffer;
     std::unique_ptr<DockWindow> m_window;
+    std::unique_ptr<DropTarget> m_drops; ///< as long as the window
     double m_paintedScale = 0;
     bool m_hasContent = false;
     bool m_isLowered = false;

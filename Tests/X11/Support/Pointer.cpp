@@ -16,13 +16,42 @@ void Pointer::moveTo(int x, int y)
     m_connection.sync();
 }
 
+void Pointer::press(Button button)
+{
+    change(XCB_BUTTON_PRESS, button);
+}
+
+void Pointer::release(Button button)
+{
+    change(XCB_BUTTON_RELEASE, button);
+}
+
+void Pointer::change(std::uint8_t event, Button button)
+{
+    xcb_test_fake_input(m_connection.get(), event, static_cast<std::uint8_t>(button),
+        XCB_CURRENT_TIME, m_connection.root(), 0, 0, 0);
+    m_connection.sync();
+}
+
+void Pointer::drag(const Frame& from, int toX, int toY)
+{
+    constexpr int kSteps = 8;
+    const int x = from.x + from.width / 2;
+    const int y = from.y + from.height / 2;
+    moveTo(from);
+    press(Button::primary);
+    EXPECT_TRUE(eventually(2s, [this] { return isPressed(); }));
+    for (int step = 1; step <= kSteps; ++step)
+        moveTo(x + (toX - x) * step / kSteps, y + (toY - y) * step / kSteps);
+    release(Button::primary);
+    EXPECT_TRUE(eventually(2s, [this] { return !isPressed(); }));
+}
+
 void Pointer::click(const Frame& frame, Button button)
 {
-    moveTo(frame.x + frame.width / 2, frame.y + frame.height / 2);
-    for (const auto event : {XCB_BUTTON_PRESS, XCB_BUTTON_RELEASE})
-        xcb_test_fake_input(m_connection.get(), static_cast<std::uint8_t>(event),
-            static_cast<std::uint8_t>(button), XCB_CURRENT_TIME, m_connection.root(), 0, 0, 0);
-    m_connection.sync();
+    moveTo(frame);
+    press(button);
+    release(button);
     // Window managers hold each press back until they have looked at it. The server keeps the
     // release as long, and delivers it where the pointer is by then.
     EXPECT_TRUE(eventually(2s, [this] { return !isPressed(); }));

@@ -18,10 +18,19 @@ public:
     explicit Pointer(const std::string& display) : m_connection(display) { }
 
     void moveTo(int x, int y);
+    void moveTo(const Frame& frame)
+    {
+        moveTo(frame.x + frame.width / 2, frame.y + frame.height / 2);
+    }
+    void press(Button);
+    void release(Button);
+    /// Presses on the one and releases on the other, by way of some places between.
+    void drag(const Frame& from, int toX, int toY);
     /// Moves to the middle, presses, releases, and returns when the release has been delivered.
     void click(const Frame&, Button = Button::primary);
 
 private:
+    void change(std::uint8_t event, Button);
     bool isPressed();
 
     Connection m_connection;

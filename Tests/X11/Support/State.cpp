@@ -68,12 +68,50 @@ State::Chip chipFrom(const Json& json)
     return {.id = json.at("id"), .frame = frameFrom(json.at("frame"))};
 }
 
+State::Chip pinFrom(const Json& json)
+{
+    return {.id = json.at("bundle"), .frame = frameFrom(json.at("frame"))};
+}
+
+State::Cell cellFrom(const Json& json)
+{
+    return {.space = json.at("space"), .frame = frameFrom(json.at("frame"))};
+}
+
+State::Card cardFrom(const Json& json)
+{
+    return {.window = json.at("window"),
+        .frame = frameFrom(json.at("frame")),
+        .closeButton = frameFrom(json.at("close"))};
+}
+
+std::optional<State::Popup> popupFrom(const Json& json)
+{
+    if (json.is_null())
+        return std::nullopt;
+    return State::Popup{
+        .frame = frameFrom(json.at("frame")), .cards = listFrom(json.at("cards"), cardFrom)};
+}
+
 State::Panel panelFrom(const Json& json)
 {
     return {.space = json.at("space"),
         .isVisible = json.at("visible"),
         .frame = frameFrom(json.at("frame")),
-        .chips = listFrom(json.at("chips"), chipFrom)};
+        .menuButton = frameFrom(json.at("menuButton")),
+        .showDesktop = frameFrom(json.at("showDesktop")),
+        .pins = listFrom(json.at("pins"), pinFrom),
+        .chips = listFrom(json.at("chips"), chipFrom),
+        .cells = listFrom(json.at("spaceCells"), cellFrom),
+        .popup = popupFrom(json.at("popup")),
+        .keyFocus = optional<std::string>(json.at("keyFocus"))};
+}
+
+State::MenuEntry entryFrom(const Json& json)
+{
+    return {.title = json.at("title"),
+        .isEnabled = json.at("enabled"),
+        .frame = frameFrom(json.at("frame"))};
 }
 
 bool shows(const State::Item& item, std::uint32_t window)
@@ -156,6 +194,7 @@ testing::AssertionResult showsItems(const State& state)
             if (at == items.end())
                 return testing::AssertionFailure() << "chip " << chip.id << " is in no order";
             shown.insert(chip.id);
+            ++at;
         }
     }
     if (!state.visiblePanel())
@@ -217,7 +256,8 @@ std::optional<State> State::parse(const std::string& json)
             .focusedWindow = optional<std::uint32_t>(root.at("focusedWindow")),
             .windows = listFrom(root.at("windows"), windowFrom),
             .spaces = listFrom(root.at("spaces"), spaceFrom),
-            .panels = listFrom(root.at("panels"), panelFrom)};
+            .panels = listFrom(root.at("panels"), panelFrom),
+            .menu = listFrom(root.at("menu"), entryFrom)};
     } catch (const Json::exception& error) {
         ADD_FAILURE() << error.what() << " in " << json;
         return std::nullopt;
@@ -236,6 +276,19 @@ const State::Panel* State::visiblePanel() const
     const auto found = std::find_if(
         panels.begin(), panels.end(), [](const auto& panel) { return panel.isVisible; });
     return found == panels.end() ? nullptr : &*found;
+}
+
+const State::Popup* State::popup() const
+{
+    const auto* const panel = visiblePanel();
+    return panel && panel->popup ? &*panel->popup : nullptr;
+}
+
+const State::MenuEntry* State::entryTitled(const std::string& title) const
+{
+    const auto found = std::find_if(
+        menu.begin(), menu.end(), [&](const auto& entry) { return entry.title == title; });
+    return found == menu.end() ? nullptr : &*found;
 }
 
 const State::Chip* State::chipOf(xcb_window_t xid) const

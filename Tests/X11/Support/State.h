@@ -50,11 +50,36 @@ struct State {
             return out << chip.id << " at " << chip.frame.x << ',' << chip.frame.y;
         }
     };
+    struct Cell {
+        std::uint64_t space = 0;
+        Frame frame;
+    };
+    /// A window's picture in a popup.
+    struct Card {
+        std::uint32_t window = 0;
+        Frame frame;
+        Frame closeButton;
+    };
+    struct Popup {
+        Frame frame;
+        std::vector<Card> cards;
+    };
     struct Panel {
         std::uint64_t space = 0;
         bool isVisible = false;
         Frame frame;
+        Frame menuButton;
+        Frame showDesktop;
+        std::vector<Chip> pins; ///< by bundle identifier
         std::vector<Chip> chips;
+        std::vector<Cell> cells; ///< of the space switcher
+        std::optional<Popup> popup;
+        std::optional<std::string> keyFocus; ///< what a screen reader calls it
+    };
+    struct MenuEntry {
+        std::string title;
+        bool isEnabled = false;
+        Frame frame;
     };
 
     /// Absent unless the text is JSON that says all of this.
@@ -66,6 +91,10 @@ struct State {
     /// The window's item on the active space; null when there is none.
     const Item* itemOf(xcb_window_t) const;
     const Panel* visiblePanel() const;
+    /// The popup of the visible panel; null when none is open.
+    const Popup* popup() const;
+    /// The first of that title in the open menu; null when there is none.
+    const MenuEntry* entryTitled(const std::string&) const;
     /// The numbers of the spaces on which the window has an item.
     std::vector<std::uint64_t> spacesShowing(xcb_window_t) const;
 
@@ -74,6 +103,7 @@ struct State {
     std::vector<Window> windows;
     std::vector<Space> spaces;
     std::vector<Panel> panels;
+    std::vector<MenuEntry> menu; ///< of the open menu and its submenus
 };
 
 /// Whether the bar shows just what the server and the window manager say of the clients: which

@@ -1,0 +1,117 @@
+#include <filesystem>
+#include <fstream>
+
+#include "Tests/X11/Support/DesktopFixture.h"
+#include "Tests/X11/Support/FileDrag.h"
+
+namespace quorvel::x11tests {
+
+class FileDrops : public UnderEachManager {
+protected:
+    /// An application that writes down what it is to open, and is pinned.
+    FileDrops()
+    {
+        const auto folder = server.folder() / "data" / "applications";
+        std::filesystem::create_directories(folder);
+        const auto script = server.folder() / "opener";
+        std::ofstream(script) << "#!/bin/sh\nprintf '%s\\n' \"$@\" >> '" << opened.string()
+                              << ".part'\nmv '" << opened.string() << ".part' '" << opened.string()
+                              << "'\n";
+        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+        std::ofstream(folder / "opener.desktop")
+            << "[Desktop Entry]\nType=Application\nName=Opener\nExec=" << script.string()
+            << " %F\n";
+        std::ofstream(server.settingsFile())
+            << R"({"groupWindowsByApp": false, "pinnedApps": [{"id": "opener", "d": 1}]})";
+    }
+
+    FileDrag::Options offering(std::vector<std::string> types)
+    {
+        FileDrag::Options options;
+        options.types = std::move(types);
+        return options;
+    }
+
+    const std::filesystem::path opened = server.folder() / "opened";
+    const std::string list = "file:///tmp/a%20b\r\nhttp://example.org/\r\nfile:///tmp/c\r\n";
+    Client client{server};
+};
+
+// Faults: a source that gets no answer, or another's; a window that does not come to the front; a
+// file that is opened under another name, twice or not at all; a mark that a dead source leaves.
+TEST_P(FileDrops, restOnChipsAndOpenWithPins)
+{
+    const auto first = client.open({.title = "first"});
+    const auto second = client.open({.title = "second"});
+    Bar bar(server);
+    ASSERT_TRUE(bar.appears());
+    ASSERT_TRUE(eventually(5s, [&] { return desktop.taskbarClients().size() == 2; }));
+    desktop.activate(second);
+    ASSERT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == second; }));
+    ASSERT_TRUE(settles(bar));
+    const auto state = bar.state();
+    ASSERT_TRUE(state && state->chipOf(first));
+    ASSERT_EQ(state->visiblePanel()->pins.size(), 1u);
+    const auto pin = state->visiblePanel()->pins[0].frame;
+
+    FileDrag files(server.display(), list);
+    EXPECT_EQ(files.moveTo(state->chipOf(first)->frame), false);
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == first; }));
+    EXPECT_EQ(files.moveTo(pin), true);
+    EXPECT_EQ(files.drop(), true);
+    EXPECT_TRUE(eventually(2s, [&] { return readFile(opened) == "/tmp/a b\n/tmp/c\n"; }))
+        << readFile(opened);
+
+    const auto atRest = desktop.picture(pin);
+    {
+        FileDrag dying(server.display(), list);
+        EXPECT_EQ(dying.moveTo(pin), true);
+        EXPECT_TRUE(eventually(2s, [&] { return desktop.picture(pin) != atRest; }));
+    }
+    EXPECT_TRUE(eventually(5s, [&] { return desktop.picture(pin) == atRest; }));
+
+    FileDrag text(server.display(), list, offering({"text/plain", "text/html", "STRING", "TEXT"}));
+    EXPECT_EQ(text.moveTo(pin), false);
+    text.leave();
+    FileDrag many(
+        server.display(), list, offering({"text/plain", "text/html", "STRING", "text/uri-list"}));
+    EXPECT_EQ(many.moveTo(pin), true);
+    EXPECT_EQ(many.moveTo(state->visiblePanel()->showDesktop), false);
+    EXPECT_EQ(many.drop(), false);
+    EXPECT_TRUE(bar.agreesWith(desktop, 1s));
+}
+
+// Faults: a bar that waits for a source, that takes half a list, or that opens what is no file.
+TEST_P(FileDrops, ofWhatIsNoListOfFilesAreRefused)
+{
+    Bar bar(server);
+    ASSERT_TRUE(bar.appears());
+    const auto state = bar.state();
+    ASSERT_TRUE(state);
+    ASSERT_EQ(state->visiblePanel()->pins.size(), 1u);
+    const auto pin = state->visiblePanel()->pins[0].frame;
+    std::string endless;
+    while (endless.size() < 300'000)
+        endless += "file:///tmp/a\r\n";
+
+    FileDrag::Options inPieces;
+    inPieces.isInPieces = true;
+    FileDrag::Options silent;
+    silent.answers = false;
+    const std::pair<std::string, FileDrag::Options> cases[]{
+        {"http://example.org/a\r\n", {}}, {endless, {}}, {list, inPieces}, {list, silent}};
+    for (const auto& [text, options] : cases) {
+        FileDrag files(server.display(), text, options);
+        EXPECT_EQ(files.moveTo(pin), true);
+        EXPECT_EQ(files.drop(), false) << text.substr(0, 80);
+    }
+    EXPECT_FALSE(std::filesystem::exists(opened));
+
+    FileDrag files(server.display(), list);
+    EXPECT_EQ(files.moveTo(pin), true);
+    EXPECT_EQ(files.drop(), true);
+}
+
+QUORVEL_UNDER_EACH_MANAGER(FileDrops);
+
+}
