@@ -5,6 +5,7 @@
 
 #include "Hosts/Posix/Invocation.h"
 #include "Hosts/Posix/PosixFiles.h"
+#include "Hosts/X11/Accessible/AccessibleExport.h"
 #include "Hosts/X11/Applications/DesktopEntries.h"
 #include "Hosts/X11/Applications/Icons.h"
 #include "Hosts/X11/Applications/X11Bundles.h"
@@ -49,6 +50,7 @@ int runBar(ControlChannel& control, Trace& trace)
     Icons icons{entries};
     X11Application application{*connection};
     X11Surfaces surfaces{*connection, dispatch, monitors, environment, application.appearance()};
+    AccessibleExport accessible{dispatch, surfaces.accessible(), environment};
     DesktopServices desktop{*connection, dispatch, monitors, environment, entries, icons};
     X11Bundles bundles{entries};
     posix::PosixFiles files{{configurationFolder(), /*keepsRejectedFiles=*/true}};

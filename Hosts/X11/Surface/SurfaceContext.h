@@ -9,6 +9,7 @@ class Dispatch;
 
 namespace quorvel::x11 {
 
+class AccessibleSurfaces;
 class Connection;
 class FrameIntervals;
 class Monitors;
@@ -24,6 +25,7 @@ struct SurfaceContext {
     const Published<Appearance>& appearance;
     TextShaper& shaper;
     FrameIntervals& frames;
+    AccessibleSurfaces& accessible;
 
     /// Pixels per point.
     double scale() const;

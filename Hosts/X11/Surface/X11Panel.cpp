@@ -1,5 +1,6 @@
 #include "Hosts/X11/Surface/X11Panel.h"
 
+#include "Hosts/X11/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Surface/DisplayWindow.h"
 
 namespace quorvel::x11 {
@@ -11,6 +12,7 @@ X11Panel::X11Panel(DisplayWindow& window, const PanelOptions& options, SurfaceCl
     , m_keyboard(window.context().connection, client)
 {
     m_window.add(*this);
+    m_accessible = m_window.context().accessible.add(*this, m_client);
 }
 
 X11Panel::~X11Panel()
@@ -33,12 +35,14 @@ void X11Panel::orderFront()
 {
     m_isOrderedIn = true;
     m_window.update();
+    accessibleTreeDidChange();
 }
 
 void X11Panel::orderOut()
 {
     m_isOrderedIn = false;
     m_window.update();
+    accessibleTreeDidChange();
 }
 
 void X11Panel::makeKeyAndOrderFront()
@@ -78,6 +82,11 @@ Duration X11Panel::frameInterval() const
 bool X11Panel::takeKeyboard()
 {
     return m_keyboard.take(m_window.windowOf(*this));
+}
+
+void X11Panel::accessibleTreeDidChange()
+{
+    m_window.context().accessible.changed.emit();
 }
 
 Rect X11Panel::framePixels() const

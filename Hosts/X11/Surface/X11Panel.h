@@ -28,7 +28,7 @@ public:
     Duration frameInterval() const override;
     bool takeKeyboard() override;
     void releaseKeyboard() override { m_keyboard.release(); }
-    void accessibleTreeDidChange() override { }
+    void accessibleTreeDidChange() override;
 
     const PanelOptions& options() const { return m_options; }
     SurfaceClient& client() const { return m_client; }
@@ -46,6 +46,7 @@ private:
     bool m_canBecomeKey = false;
     bool m_blursBehind = false;
     KeyboardGrab m_keyboard;
+    Subscription m_accessible;
 };
 
 }

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Hosts/X11/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/CairoCanvas.h"
@@ -46,6 +47,7 @@ void X11Popup::orderFront()
     if (m_window)
         return m_window->raise();
     m_window = std::make_unique<PopupWindow>(m_context.connection, m_options.title);
+    m_accessible = m_context.accessible.add(*this, m_client);
     repaintAll();
 }
 
@@ -53,6 +55,7 @@ void X11Popup::orderOut()
 {
     m_isOrderedIn = false;
     m_keyboard.release();
+    m_accessible = {};
     m_window.reset();
     m_pointer.cancel();
 }
@@ -75,6 +78,11 @@ Duration X11Popup::frameInterval() const
 bool X11Popup::takeKeyboard()
 {
     return m_window && m_keyboard.take(m_window->id());
+}
+
+void X11Popup::accessibleTreeDidChange()
+{
+    m_context.accessible.changed.emit();
 }
 
 void X11Popup::repaintAll()

@@ -35,7 +35,7 @@ public:
     Duration frameInterval() const override;
     bool takeKeyboard() override;
     void releaseKeyboard() override { m_keyboard.release(); }
-    void accessibleTreeDidChange() override { }
+    void accessibleTreeDidChange() override;
 
     Rect framePixels() const override { return m_context.toPixels(m_frame); }
     void cancelPointer() override { m_pointer.cancel(); }
@@ -59,6 +59,7 @@ private:
     std::unique_ptr<PopupWindow> m_window;
     KeyboardGrab m_keyboard;
     std::vector<Subscription> m_subscriptions;
+    Subscription m_accessible; ///< while it is ordered in
 };
 
 }

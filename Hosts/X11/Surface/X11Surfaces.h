@@ -3,6 +3,7 @@
 #include <map>
 #include <memory>
 
+#include "Hosts/X11/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Surface/DisplayWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/MenuSession.h"
@@ -27,6 +28,7 @@ public:
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
 
     Text& text() { return m_text; }
+    const AccessibleSurfaces& accessible() const { return m_accessible; }
 
 private:
     bool canBlur();
@@ -35,6 +37,7 @@ private:
 
     TextShaper m_shaper;
     FrameIntervals m_frames;
+    AccessibleSurfaces m_accessible;
     SurfaceContext m_context;
     PangoText m_text;
     std::optional<bool> m_canBlur;

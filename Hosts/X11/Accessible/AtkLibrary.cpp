@@ -1,0 +1,57 @@
+#include "Hosts/X11/Accessible/AtkLibrary.h"
+
+#include <optional>
+
+#include <dlfcn.h>
+
+namespace quorvel::x11 {
+
+namespace {
+
+/// Looks functions up and remembers whether all were there.
+class Symbols {
+public:
+    Symbols()
+    {
+        // The bridge links ATK, so one search finds the functions of both.
+        m_library = dlopen("libatk-bridge-2.0.so.0", RTLD_LAZY | RTLD_LOCAL);
+    }
+
+    template <typename Function> void find(const char* name, Function& function)
+    {
+        function = m_library ? reinterpret_cast<Function>(dlsym(m_library, name)) : nullptr;
+        m_areComplete = m_areComplete && function;
+    }
+    bool areComplete() const { return m_areComplete; }
+
+private:
+    void* m_library;
+    bool m_areComplete = true;
+};
+
+std::optional<AtkLibrary> loadLibrary()
+{
+    Symbols symbols;
+    AtkLibrary atk{};
+    symbols.find("atk_object_get_type", atk.objectType);
+    symbols.find("atk_component_get_type", atk.componentType);
+    symbols.find("atk_action_get_type", atk.actionType);
+    symbols.find("atk_window_get_type", atk.windowType);
+    symbols.find("atk_util_get_type", atk.utilType);
+    symbols.find("atk_state_set_new", atk.newStateSet);
+    symbols.find("atk_state_set_add_state", atk.addState);
+    symbols.find("atk_object_notify_state_change", atk.notifyStateChange);
+    symbols.find("atk_bridge_adaptor_init", atk.startBridge);
+    symbols.find("atk_bridge_adaptor_cleanup", atk.endBridge);
+    return symbols.areComplete() ? std::optional{atk} : std::nullopt;
+}
+
+}
+
+const AtkLibrary* AtkLibrary::load()
+{
+    static const auto library = loadLibrary();
+    return library ? &*library : nullptr;
+}
+
+}

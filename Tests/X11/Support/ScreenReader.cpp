@@ -1,0 +1,162 @@
+#include "Tests/X11/Support/ScreenReader.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+namespace quorvel::x11tests {
+
+namespace {
+
+constexpr char kBus[] = "org.freedesktop.DBus";
+constexpr char kBusPath[] = "/org/freedesktop/DBus";
+constexpr char kService[] = "org.a11y.Bus";
+
+std::string takeText(char* text)
+{
+    std::string copy = text ? text : "";
+    g_free(text);
+    return copy;
+}
+
+std::vector<ScreenReader::Element> childrenOf(AtspiAccessible* parent)
+{
+    std::vector<ScreenReader::Element> children;
+    const int count = atspi_accessible_get_child_count(parent, nullptr);
+    for (int index = 0; index < count; ++index) {
+        if (auto* child = atspi_accessible_get_child_at_index(parent, index, nullptr))
+            children.emplace_back(child);
+    }
+    return children;
+}
+
+ScreenReader::Element programNamed(const std::string& name)
+{
+    const ScreenReader::Element desktop{atspi_get_desktop(0)};
+    for (auto& program : childrenOf(desktop.get())) {
+        if (ScreenReader::name(program) == name)
+            return std::move(program);
+    }
+    return nullptr;
+}
+
+}
+
+ScreenReader::ScreenReader(const XServer& server)
+{
+    // The library finds the desktop by the environment.
+    for (const auto* variable : {"DBUS_SESSION_BUS_ADDRESS", "DISPLAY", "XDG_RUNTIME_DIR"})
+        setenv(variable, server.environment().at(variable).c_str(), 1);
+    const auto flags
+        = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
+            | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    m_session = g_dbus_connection_new_for_address_sync(
+        server.environment().at("DBUS_SESSION_BUS_ADDRESS").c_str(), flags, nullptr, nullptr,
+        nullptr);
+    // It keeps the switch, and would start a service for that.
+    auto* answer = call(kBus, kBusPath, kBus, "UpdateActivationEnvironment",
+        g_variant_new_parsed("({'GSETTINGS_BACKEND': 'memory'},)"));
+    g_clear_pointer(&answer, g_variant_unref);
+    answer = call(kService, "/org/a11y/bus", "org.freedesktop.DBus.Properties", "Set",
+        g_variant_new("(ssv)", "org.a11y.Status", "IsEnabled", g_variant_new_boolean(true)));
+    EXPECT_TRUE(answer) << "no accessibility service on the session bus";
+    g_clear_pointer(&answer, g_variant_unref);
+    EXPECT_EQ(atspi_init(), 0);
+}
+
+ScreenReader::~ScreenReader()
+{
+    atspi_exit();
+    g_dbus_connection_close_sync(m_session, nullptr, nullptr);
+    g_object_unref(m_session);
+}
+
+void ScreenReader::listen()
+{
+    while (g_main_context_iteration(nullptr, false)) { }
+}
+
+std::vector<ScreenReader::Element> ScreenReader::elementsOf(const std::string& program) const
+{
+    const auto application = programNamed(program);
+    if (!application)
+        return {};
+    for (auto& surface : childrenOf(application.get())) {
+        if (has(surface, ATSPI_STATE_SHOWING))
+            return childrenOf(surface.get());
+    }
+    return {};
+}
+
+ScreenReader::Element ScreenReader::find(const std::string& program, const std::string& text) const
+{
+    for (auto& element : elementsOf(program)) {
+        if (name(element).find(text) != std::string::npos)
+            return std::move(element);
+    }
+    return nullptr;
+}
+
+std::string ScreenReader::name(const Element& element)
+{
+    return takeText(atspi_accessible_get_name(element.get(), nullptr));
+}
+
+bool ScreenReader::has(const Element& element, AtspiStateType state)
+{
+    auto* states = atspi_accessible_get_state_set(element.get());
+    const bool isThere = states && atspi_state_set_contains(states, state);
+    g_clear_object(&states);
+    return isThere;
+}
+
+Frame ScreenReader::frame(const Element& element)
+{
+    auto* component = atspi_accessible_get_component_iface(element.get());
+    auto* extents = component
+        ? atspi_component_get_extents(component, ATSPI_COORD_TYPE_SCREEN, nullptr)
+        : nullptr;
+    const Frame frame
+        = extents ? Frame{extents->x, extents->y, extents->width, extents->height} : Frame{};
+    g_free(extents);
+    g_clear_object(&component);
+    return frame;
+}
+
+bool ScreenReader::perform(const Element& element, const std::string& name)
+{
+    auto* action = atspi_accessible_get_action_iface(element.get());
+    if (!action)
+        return false;
+    bool isDone = false;
+    const int count = atspi_action_get_n_actions(action, nullptr);
+    for (int index = 0; index < count && !isDone; ++index) {
+        if (takeText(atspi_action_get_action_name(action, index, nullptr)) == name)
+            isDone = atspi_action_do_action(action, index, nullptr);
+    }
+    g_object_unref(action);
+    return isDone;
+}
+
+void ScreenReader::killService()
+{
+    auto* answer
+        = call(kBus, kBusPath, kBus, "GetConnectionUnixProcessID", g_variant_new("(s)", kService));
+    ASSERT_TRUE(answer);
+    guint32 pid = 0;
+    g_variant_get(answer, "(u)", &pid);
+    g_variant_unref(answer);
+    ASSERT_GT(pid, 1u);
+    ::kill(static_cast<pid_t>(pid), SIGKILL);
+}
+
+GVariant* ScreenReader::call(const char* name, const char* path, const char* interface,
+    const char* member, GVariant* arguments) const
+{
+    return g_dbus_connection_call_sync(m_session, name, path, interface, member, arguments, nullptr,
+        G_DBUS_CALL_FLAGS_NONE, 10'000, nullptr, nullptr);
+}
+
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <atspi/atspi.h>
+#include <gio/gio.h>
+
+#include "Tests/X11/Support/Connection.h"
+#include "Tests/X11/Support/XServer.h"
+
+namespace quorvel::x11tests {
+
+/// An assistive program as users have it: it asks the desktop to show itself, finds the programs in
+/// the registry, and believes what it was once told until it hears of a change. One in a process.
+class ScreenReader {
+public:
+    struct Forget {
+        void operator()(gpointer object) const { g_object_unref(object); }
+    };
+    using Element = std::unique_ptr<AtspiAccessible, Forget>;
+
+    /// Switches assistive programs on, on the session bus.
+    explicit ScreenReader(const XServer&);
+    ScreenReader(const ScreenReader&) = delete;
+    ScreenReader& operator=(const ScreenReader&) = delete;
+    ~ScreenReader();
+
+    /// Takes in what has been announced.
+    static void listen();
+    /// What is on the surface of the program that is seen, in order; empty if there is none.
+    std::vector<Element> elementsOf(const std::string& program) const;
+    /// The one whose name contains the text; null if there is none.
+    Element find(const std::string& program, const std::string& text) const;
+
+    static std::string name(const Element&);
+    static bool has(const Element&, AtspiStateType);
+    static Frame frame(const Element&);
+    /// False if it has no such action, or is gone.
+    static bool perform(const Element&, const std::string& action);
+
+    /// Ends the accessibility service, and with it the bus and the registry, without a word.
+    void killService();
+
+private:
+    GVariant* call(const char* name, const char* path, const char* interface, const char* member,
+        GVariant* arguments) const;
+
+    GDBusConnection* m_session;
+};
+
+}
