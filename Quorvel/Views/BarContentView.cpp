@@ -178,6 +178,7 @@ void BarContentView::pinsDidChange()
         pins.push_back({id, m_inputs.viewModel.appName(id), m_inputs.viewModel.icon(id),
             m_launching.contains(id)});
     m_row->setPins(pins);
+    m_inputs.surface.accessibleTreeDidChange();
 }
 
 std::vector<SpaceCellData> BarContentView::spaceCells() const
@@ -234,6 +235,7 @@ void BarContentView::spacesDidChange()
     m_spaceSwitcher->setSpaces(cells);
     if (isOtherCount)
         layout();
+    m_inputs.surface.accessibleTreeDidChange();
 }
 
 void BarContentView::settingsDidChange()

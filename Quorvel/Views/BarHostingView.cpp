@@ -210,6 +210,8 @@ void BarHostingView::setKeyFocused(View* view)
     auto* before = std::exchange(m_keyFocused, view);
     if (before && before != view)
         before->setKeyFocused(false);
+    if (m_surface)
+        m_surface->accessibleTreeDidChange();
     if (!view)
         return;
     view->setKeyFocused(true);

@@ -235,6 +235,7 @@ void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
         askForPicture(card);
     }
     m_hostingView.setContent(std::move(content));
+    m_surface->accessibleTreeDidChange();
 }
 
 /// The one there is at once, the fresh one when it comes.
@@ -255,6 +256,7 @@ void ThumbnailPopup::update(const std::vector<ChipData>& chips)
         if (chip != chips.end())
             card->setChip(*chip);
     }
+    m_surface->accessibleTreeDidChange();
 }
 
 std::vector<WindowID> ThumbnailPopup::windows() const
