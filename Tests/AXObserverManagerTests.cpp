@@ -24,6 +24,7 @@ struct AXObserverManagerTest : testing::Test {
         desktop.dispatch(), desktop.accessibility(), desktop.dispatch().main()};
     std::vector<Heard> heard;
     std::vector<ProcessID> attached;
+    std::vector<ProcessID> failed;
     ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "com.example.mail"});
     WindowID inbox = desktop.open(mail);
     WindowID draft = desktop.open(mail);
@@ -38,6 +39,7 @@ struct AXObserverManagerTest : testing::Test {
             EXPECT_TRUE(desktop.dispatch().isOnMain());
             attached.push_back(pid);
         };
+        manager.onObserverFailed = [this](ProcessID pid) { failed.push_back(pid); };
         manager.start();
     }
     Duration now() { return desktop.dispatch().now() - VirtualDispatch::kStart; }
@@ -150,12 +152,17 @@ TEST_F(AXObserverManagerTest, aProcessThatNeverAnswersIsTriedSixTimesAndThenLeft
         ElementsAre(
             seconds(0), seconds(0.5), seconds(1.5), seconds(3.5), seconds(7.5), seconds(15.5)));
     EXPECT_THAT(attached, IsEmpty());
+    EXPECT_THAT(failed, ElementsAre(mail));
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
 
-    // A later request starts from the beginning.
+    // A later request starts from the beginning; one more beside it costs it no retry.
     manager.observe(mail);
+    manager.refreshWindows({mail});
     desktop.advance(seconds(0.5));
-    EXPECT_EQ(attempts().size(), 8u);
+    EXPECT_EQ(attempts().size(), 9u);
+    desktop.advance(seconds(100));
+    EXPECT_EQ(attempts().size(), 13u);
+    EXPECT_THAT(failed, ElementsAre(mail, mail));
 }
 
 TEST_F(AXObserverManagerTest, successClearsTheCountOfFailures)

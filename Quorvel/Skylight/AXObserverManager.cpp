@@ -99,6 +99,7 @@ void AXObserverManager::stop()
     m_debounceState.cancelAll();
     m_pidStates.clear();
     m_retryCount.clear();
+    m_awaitedRetries.clear();
     m_retries.clear();
     m_wantedPIDs.clear();
 }
@@ -108,8 +109,7 @@ void AXObserverManager::observe(ProcessID pid)
     if (!m_thread)
         return;
     m_wantedPIDs.insert(pid);
-    auto attempt = attemptFor(pid);
-    m_thread->perform([this, pid, attempt] { addObserver(pid, attempt); });
+    m_thread->perform([this, pid] { addObserver(pid); });
 }
 
 void AXObserverManager::stopObserving(ProcessID pid)
@@ -126,27 +126,19 @@ void AXObserverManager::refreshWindows(const std::set<ProcessID>& pids)
         return;
     for (auto pid : pids) {
         m_wantedPIDs.insert(pid);
-        auto attempt = attemptFor(pid);
-        m_thread->perform([this, pid, attempt] { attachOrRefresh(pid, attempt); });
+        m_thread->perform([this, pid] { attachOrRefresh(pid); });
     }
 }
 
-void AXObserverManager::attachOrRefresh(ProcessID pid, Attempt attempt)
+void AXObserverManager::attachOrRefresh(ProcessID pid)
 {
     if (m_pidStates.contains(pid))
-        refreshWindowObservations(pid, attempt);
+        refreshWindowObservations(pid, Occasion::later);
     else
-        addObserver(pid, attempt);
+        addObserver(pid);
 }
 
-AXObserverManager::Attempt AXObserverManager::attemptFor(ProcessID pid) const
-{
-    auto retry = m_retries.find(pid);
-    bool isWaiting = retry != m_retries.end() && retry->second.isPending();
-    return isWaiting ? Attempt::extra : Attempt::counted;
-}
-
-void AXObserverManager::addObserver(ProcessID pid, Attempt attempt)
+void AXObserverManager::addObserver(ProcessID pid)
 {
     if (m_pidStates.contains(pid))
         return;
@@ -154,13 +146,12 @@ void AXObserverManager::addObserver(ProcessID pid, Attempt attempt)
     auto application = m_calls.application(pid);
     auto observer = registerApplication(pid, application);
     if (!observer) {
-        if (attempt == Attempt::counted)
-            scheduleRetry(pid, Patience::limited);
+        scheduleRetry(pid, Patience::limited);
         return;
     }
     m_pidStates.insert_or_assign(pid, PIDState{std::move(observer), application, {}});
     m_retryCount.erase(pid);
-    refreshWindowObservations(pid, Attempt::first);
+    refreshWindowObservations(pid, Occasion::attaching);
     m_callbackQueue.async([weak = m_weak.reference(), pid] {
         auto* self = weak.get();
         if (self && self->m_wantedPIDs.contains(pid) && self->onObserverAdded)
@@ -187,39 +178,53 @@ std::unique_ptr<AXObserver> AXObserverManager::registerApplication(
 
 void AXObserverManager::scheduleRetry(ProcessID pid, Patience patience)
 {
+    if (m_awaitedRetries.contains(pid))
+        return;
     auto& failed = m_retryCount[pid];
     if (failed >= retryDelays.size() && patience == Patience::limited) {
         m_retryCount.erase(pid);
+        if (!m_pidStates.contains(pid))
+            announceFailure(pid);
         return;
     }
     failed = std::min(failed, retryDelays.size() - 1);
-    auto delay = retryDelays[failed++];
+    awaitRetry(pid, retryDelays[failed++]);
+}
+
+void AXObserverManager::awaitRetry(ProcessID pid, Duration delay)
+{
+    if (!m_awaitedRetries.insert(pid).second)
+        return;
     m_callbackQueue.async([weak = m_weak.reference(), pid, delay] {
         if (auto* self = weak.get())
-            self->attachAfter(pid, delay);
+            self->retryAfter(pid, delay);
     });
 }
 
-void AXObserverManager::requestRetry(ProcessID pid)
-{
-    m_callbackQueue.async([weak = m_weak.reference(), pid] {
-        auto* self = weak.get();
-        if (self && self->attemptFor(pid) == Attempt::counted)
-            self->attachAfter(pid, retryDelays.front());
-    });
-}
-
-void AXObserverManager::attachAfter(ProcessID pid, Duration delay)
+void AXObserverManager::retryAfter(ProcessID pid, Duration delay)
 {
     if (!m_wantedPIDs.contains(pid))
         return;
     m_retries[pid] = m_callbackQueue.after(delay, [this, pid] {
-        if (m_thread)
-            m_thread->perform([this, pid] { attachOrRefresh(pid, Attempt::counted); });
+        if (!m_thread)
+            return;
+        m_thread->perform([this, pid] {
+            m_awaitedRetries.erase(pid);
+            attachOrRefresh(pid);
+        });
     });
 }
 
-void AXObserverManager::refreshWindowObservations(ProcessID pid, Attempt attempt)
+void AXObserverManager::announceFailure(ProcessID pid)
+{
+    m_callbackQueue.async([weak = m_weak.reference(), pid] {
+        auto* self = weak.get();
+        if (self && self->m_wantedPIDs.contains(pid) && self->onObserverFailed)
+            self->onObserverFailed(pid);
+    });
+}
+
+void AXObserverManager::refreshWindowObservations(ProcessID pid, Occasion occasion)
 {
     AXCalls::Scan hungOnlyOnce(m_calls);
     auto state = m_pidStates.find(pid);
@@ -233,13 +238,13 @@ void AXObserverManager::refreshWindowObservations(ProcessID pid, Attempt attempt
             continue;
         bool isHeard = observeWindow(pid, state->second, *id, window);
         isComplete &= isHeard;
-        if (isHeard && attempt != Attempt::first)
+        if (isHeard && occasion != Occasion::attaching)
             deliver({std::string{ax::windowCreated}, pid, window, id});
     }
     isComplete &= !m_calls.hasTimedOut(pid);
     if (isComplete)
         m_retryCount.erase(pid);
-    else if (attempt != Attempt::extra)
+    else
         scheduleRetry(pid, m_calls.hasTimedOut(pid) ? Patience::endless : Patience::limited);
 }
 
@@ -264,6 +269,7 @@ bool AXObserverManager::observeWindow(
 void AXObserverManager::removeObserver(ProcessID pid)
 {
     m_retryCount.erase(pid);
+    m_awaitedRetries.erase(pid);
     auto state = m_pidStates.find(pid);
     if (state == m_pidStates.end())
         return;
@@ -300,7 +306,7 @@ void AXObserverManager::handleNotification(
     auto state = m_pidStates.find(pid);
     if (id && state != m_pidStates.end()) {
         if (notification == ax::windowCreated && !observeWindow(pid, state->second, *id, element))
-            requestRetry(pid);
+            awaitRetry(pid, retryDelays.front());
         if (notification == ax::elementDestroyed) {
             state->second.observedWindows.erase(*id);
             m_debounceState.cancel(*id);

@@ -63,7 +63,7 @@ private:
 /// Subscribes to the accessibility notifications of processes and hands them on as events.
 ///
 /// Every observer lives on one thread of its own, so that a slow or hung application never holds up
-/// the user interface; both callbacks come on the callback queue. Public operations on the main
+/// the user interface; all callbacks come on the callback queue. Public operations on the main
 /// thread, which must also destroy the manager.
 class AXObserverManager {
 public:
@@ -92,6 +92,8 @@ public:
 
     std::function<void(const AXWindowEvent&)> onEvent;
     std::function<void(ProcessID)> onObserverAdded;
+    /// Every attempt to attach has failed, and there is no further one.
+    std::function<void(ProcessID)> onObserverFailed;
 
     /// Returns once the observer thread's run loop is ready.
     void start();
@@ -108,33 +110,33 @@ private:
         std::map<WindowID, AXElement> observedWindows;
     };
 
-    /// The first is part of attaching. One beside the one that a retry waits for is not counted, or
-    /// it would use that one up.
-    enum class Attempt { first, counted, extra };
+    enum class Occasion { attaching, later };
 
     /// A process that is attached and hangs is asked until it answers: nobody polls it.
     enum class Patience { limited, endless };
 
     // On the observer thread.
-    void addObserver(ProcessID, Attempt);
+    void addObserver(ProcessID);
     std::unique_ptr<AXObserver> registerApplication(ProcessID, const AXElement& application);
-    void attachOrRefresh(ProcessID, Attempt);
+    void attachOrRefresh(ProcessID);
     /// Tried again like attaching if a window could not be listened to. A window that is listened
     /// to only now is announced: what it did until now, nobody told.
-    void refreshWindowObservations(ProcessID, Attempt);
+    void refreshWindowObservations(ProcessID, Occasion);
     void removeObserver(ProcessID);
     /// False if none of its notifications could be registered.
     bool observeWindow(ProcessID, PIDState&, WindowID, const AXElement&);
     void handleNotification(ProcessID, const AXElement&, std::string_view notification);
     std::optional<WindowID> resolveWindowIDFromObservedWindows(ProcessID, const AXElement&);
+    /// After a failure. One beside the retry that is waited for is not counted, or it would use
+    /// that one up.
     void scheduleRetry(ProcessID, Patience);
     /// One more attempt, unless one is waited for: news of a busy process must not push it away.
-    void requestRetry(ProcessID);
+    void awaitRetry(ProcessID, Duration delay);
+    void announceFailure(ProcessID);
     void deliver(AXWindowEvent);
 
     // On the callback queue.
-    Attempt attemptFor(ProcessID) const;
-    void attachAfter(ProcessID, Duration delay);
+    void retryAfter(ProcessID, Duration delay);
 
     Dispatch& m_dispatch;
     Queue& m_callbackQueue;
@@ -144,6 +146,7 @@ private:
     // The observer thread's own.
     std::map<ProcessID, PIDState> m_pidStates;
     std::map<ProcessID, std::size_t> m_retryCount;
+    std::set<ProcessID> m_awaitedRetries;
 
     // The callback queue's own.
     std::set<ProcessID> m_wantedPIDs;
