@@ -110,6 +110,22 @@ TEST_F(WindowStoreEvents, aCreatedWindowGoesThroughTheSameFilters)
     EXPECT_TRUE(hasTraced("ignored-non-standard-ax-window role=AXSheet"));
 }
 
+// Fault: a window that changes its process loses its chip, because the old one lets it go last.
+TEST_F(WindowStoreEvents, aWindowThatGoesToAnotherProcessStays)
+{
+    auto letGo = event(inbox, ax::elementDestroyed);
+    desktop.window(inbox).pid = news;
+
+    store.handleAXEvent(event(inbox, ax::windowCreated));
+    store.handleAXEvent(letGo);
+    desktop.advance(seconds(3));
+
+    ASSERT_TRUE(isTracked(inbox));
+    EXPECT_EQ(store.window(inbox)->pid, news);
+    store.handleAXEvent(event(inbox, ax::elementDestroyed));
+    EXPECT_FALSE(isTracked(inbox));
+}
+
 TEST_F(WindowStoreEvents, aMovedWindowHasItsNewFrameAndAnUnreadableOneKeepsItsOld)
 {
     desktop.move(inbox, {50, 60});

@@ -74,6 +74,21 @@ TEST_F(WindowStoreSchedule, aWindowThatIsNeverPublishedDoesNotKeepTheProgramBusy
     EXPECT_FALSE(isTracked(never));
     expectScans({0, 0.3, 0.8, 2.0});
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+
+    store.startLifecycleMonitoring(mail, seconds(1));
+    desktop.advance(seconds(60));
+    auto scansIn10Seconds = [&] {
+        desktop.windowServer().forgetListings();
+        desktop.advance(seconds(10));
+        return scans().size();
+    };
+    EXPECT_EQ(scansIn10Seconds(), 4u) << "a tick finds nothing that was not sought before";
+    auto another = desktop.open(mail);
+    desktop.window(another).faults.isListed = false;
+    EXPECT_EQ(scansIn10Seconds(), 7u) << "sought once";
+    desktop.window(never).faults.isListed = true;
+    desktop.advance(seconds(2.5));
+    EXPECT_TRUE(isTracked(never));
 }
 
 TEST_F(WindowStoreSchedule, whatTheBurstLeavesMissingIsSettledAfterwards)
@@ -179,6 +194,20 @@ TEST_F(WindowStoreSchedule, aWindowMissedByTheLastTickOfAllIsSettledAfterwards)
     expectScans({12.1, 12.6});
     EXPECT_FALSE(isTracked(inbox));
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+}
+
+// Fault: what happened between the first look and the observer is never seen.
+TEST_F(WindowStoreSchedule, aProcessIsLookedAtAgainWhenItIsObservedForTheFirstTime)
+{
+    desktop.window(inbox).title = "Meanwhile";
+    store.handleObserverAttached(mail);
+    desktop.advance(seconds(3));
+    EXPECT_EQ(store.window(inbox)->windowTitle, "Meanwhile");
+
+    desktop.windowServer().forgetListings();
+    store.handleObserverAttached(mail);
+    desktop.advance(seconds(3));
+    expectScans({});
 }
 
 TEST_F(WindowStoreSchedule, aTickThatFindsItsProcessGoneRemovesTheWindows)

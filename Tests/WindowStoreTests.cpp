@@ -245,6 +245,10 @@ TEST_F(WindowStoreTest, anApplicationThatHangsInTheMiddleOfAnAnswerKeepsItsChips
         }
         EXPECT_EQ(store.windows(), before) << answers << " answers";
     }
+    faults = {.isDead = true};
+    store.handleObserverAttached(mail);
+    desktop.advance(seconds(60));
+    EXPECT_EQ(store.windows(), before) << "it answers no more, but its windows are listed";
 }
 
 TEST_F(WindowStoreTest, aHungApplicationAmongHealthyOnesCostsOneTimeoutALookWhateverTheOccasion)
@@ -266,6 +270,8 @@ TEST_F(WindowStoreTest, aHungApplicationAmongHealthyOnesCostsOneTimeoutALookWhat
     EXPECT_EQ(cost([&] { store.handleAppActivated(mail); }), seconds(0.05));
     EXPECT_EQ(cost([&] { store.addWindowsForPID(mail); }), seconds(0.05));
     EXPECT_EQ(cost([&] { store.addWindowsForPID(mail); }), seconds(0.05)) << "each asks anew";
+    EXPECT_EQ(cost([&] { scanAfter(mail, Duration::zero()); }), seconds(0.05))
+        << "the windows and the focus of an unobserved process";
     EXPECT_EQ(cost([&] { store.refreshSpaces(); }), Duration::zero());
     EXPECT_EQ(cost([&] { store.discoverNewWindowsForTrackedPIDs(); }), seconds(0.05));
     EXPECT_EQ(cost([&] { store.resyncMinimizedWindows(); }), seconds(0.05));

@@ -62,6 +62,16 @@ std::set<ProcessID> WindowStore::trackedPIDs() const
     return pids;
 }
 
+std::set<WindowID> WindowStore::windowIDs(std::string_view bundleIdentifier) const
+{
+    std::set<WindowID> ids;
+    for (auto& [id, window] : m_windows) {
+        if (window.bundleIdentifier == bundleIdentifier)
+            ids.insert(ids.end(), id);
+    }
+    return ids;
+}
+
 std::set<WindowID> WindowStore::trackedWindowIDs(ProcessID pid) const
 {
     std::set<WindowID> ids;
@@ -108,35 +118,51 @@ bool WindowStore::requiresAXConfirmationForLiveAdmission(ProcessID pid) const
     return m_observerAttachedPIDs.contains(pid) || hasTrackedWindows(pid);
 }
 
-bool WindowStore::hasUnpublishedWindow(const PIDWindowScan& scan) const
+std::set<WindowID> WindowStore::unpublishedWindows(const PIDWindowScan& scan) const
 {
-    return std::any_of(scan.softlyRejectedWindowIDs.begin(), scan.softlyRejectedWindowIDs.end(),
-        [&](WindowID id) { return !m_windows.contains(id); });
+    auto ids = scan.softlyRejectedWindowIDs;
+    std::erase_if(ids, [&](WindowID id) { return m_windows.contains(id); });
+    return ids;
 }
 
 int WindowStore::reconcileWindowsForPID(ProcessID pid)
 {
     auto scan = m_scanner.scanWindows(pid);
-    bool needsRescan = hasUnpublishedWindow(scan);
-    bool hasChanged = updateOrAdmit(pid, scan, needsRescan);
+    bool hasChanged = updateTrackedWindows(pid, scan);
+    auto [added, unexplained] = admitNewWindows(pid, scan);
+    hasChanged |= added > 0;
     hasChanged |= removeMissingWindows(pid, scan);
     if (hasChanged)
         notifyChange();
-    if (needsRescan)
+    if (isWorthSeeking(pid, std::move(unexplained)))
         scheduleDeferredScan(pid);
     return static_cast<int>(scan.candidates.size());
 }
 
-bool WindowStore::updateOrAdmit(ProcessID pid, const PIDWindowScan& scan, bool& needsRescan)
+bool WindowStore::updateTrackedWindows(ProcessID pid, const PIDWindowScan& scan)
 {
     bool hasChanged = false;
     for (auto& [id, candidate] : scan.candidates) {
         if (auto* window = tracked(id))
             hasChanged |= updateTracked(*window, pid, candidate);
     }
-    auto [added, isUnconfirmed] = admitNewWindows(pid, scan);
-    needsRescan |= isUnconfirmed;
-    return hasChanged || added > 0;
+    return hasChanged;
+}
+
+bool WindowStore::isWorthSeeking(ProcessID pid, std::set<WindowID> unexplained)
+{
+    auto isGone = [&](WindowID id) { return !unexplained.contains(id); };
+    if (auto burst = m_pendingScans.find(pid); burst != m_pendingScans.end()) {
+        if (burst->second.sought)
+            std::erase_if(*burst->second.sought, isGone);
+        else
+            burst->second.sought = unexplained;
+    }
+    auto vain = m_soughtInVainByPID.find(pid);
+    if (vain == m_soughtInVainByPID.end())
+        return !unexplained.empty();
+    std::erase_if(vain->second, isGone);
+    return !std::ranges::includes(vain->second, unexplained);
 }
 
 bool WindowStore::updateTracked(
@@ -176,11 +202,10 @@ void WindowStore::track(WindowID id, ProcessID pid, const ScannedWindowCandidate
         scheduleFreshDeferredScan(pid);
 }
 
-std::pair<int, bool> WindowStore::admitNewWindows(ProcessID pid, const PIDWindowScan& scan)
+WindowStore::Admission WindowStore::admitNewWindows(ProcessID pid, const PIDWindowScan& scan)
 {
     bool requiresAX = requiresAXConfirmationForLiveAdmission(pid);
-    int added = 0;
-    bool isUnconfirmed = false;
+    Admission admission{.unexplained = unpublishedWindows(scan)};
     for (auto& [id, candidate] : scan.candidates) {
         if (m_windows.contains(id))
             continue;
@@ -188,15 +213,15 @@ std::pair<int, bool> WindowStore::admitNewWindows(ProcessID pid, const PIDWindow
         // that a window is one: so what it could not confirm is looked at again even off all
         // spaces.
         if (requiresAX && !candidate.isAXConfirmed) {
-            isUnconfirmed = true;
+            admission.unexplained.insert(id);
             continue;
         }
         if (candidate.spaces.empty())
             continue;
         track(id, pid, candidate);
-        ++added;
+        ++admission.added;
     }
-    return {added, isUnconfirmed};
+    return admission;
 }
 
 bool WindowStore::removeMissingWindows(ProcessID pid, const PIDWindowScan& scan)
@@ -256,7 +281,7 @@ void WindowStore::populate()
 void WindowStore::populateProcess(ProcessID pid, const WindowScanner::Moment& moment)
 {
     auto scan = m_scanner.scan(pid, moment);
-    bool needsRescan = hasUnpublishedWindow(scan);
+    bool needsRescan = !unpublishedWindows(scan).empty();
     for (auto& [id, candidate] : scan.candidates) {
         needsRescan |= !candidate.isAXConfirmed;
         if (candidate.spaces.empty())
@@ -308,10 +333,10 @@ bool WindowStore::needsObserverBootstrap(ProcessID pid) const
 int WindowStore::addWindowsForPID(ProcessID pid)
 {
     auto scan = m_scanner.scanWindows(pid);
-    auto [added, isUnconfirmed] = admitNewWindows(pid, scan);
+    auto [added, unexplained] = admitNewWindows(pid, scan);
     if (added > 0)
         notifyChange();
-    if (isUnconfirmed || hasUnpublishedWindow(scan))
+    if (!unexplained.empty())
         scheduleDeferredScan(pid);
     return added;
 }
@@ -322,6 +347,7 @@ void WindowStore::removeWindows(ProcessID pid)
     m_pendingScans.erase(pid);
     m_missingFollowUpByPID.erase(pid);
     m_unansweredByPID.erase(pid);
+    m_soughtInVainByPID.erase(pid);
     m_observerAttachedPIDs.erase(pid);
     auto ids = trackedWindowIDs(pid);
     for (auto id : ids)
@@ -376,9 +402,9 @@ int WindowStore::discoverNewWindowsForTrackedPIDs()
     bool hasChanged = false;
     for (auto pid : trackedPIDs()) {
         auto scan = m_scanner.scan(pid, moment);
-        auto [added, isUnconfirmed] = admitNewWindows(pid, scan);
+        auto [added, unexplained] = admitNewWindows(pid, scan);
         total += added;
-        if (isUnconfirmed || hasUnpublishedWindow(scan))
+        if (!unexplained.empty())
             scheduleDeferredScan(pid);
         // A window whose end nobody announced is noticed here and gone after the usual grace.
         hasChanged |= removeMissingWindows(pid, scan);

@@ -62,6 +62,7 @@ public:
     /// The same for every space with a window, in one pass.
     std::map<SpaceID, std::vector<const TrackedWindow*>> windowsBySpace() const;
     std::set<ProcessID> trackedPIDs() const;
+    std::set<WindowID> windowIDs(std::string_view bundleIdentifier) const;
     /// Tracks what is on the space of a full-screen window and names the window to activate there.
     std::optional<WindowID> trackSoleWindow(SpaceID);
 
@@ -73,6 +74,8 @@ public:
     void handleAppActivated(ProcessID);
     bool needsObserverBootstrap(ProcessID) const;
     void handleObserverAttached(ProcessID);
+    /// It cannot be listened to, so it is polled.
+    void handleObserverFailed(ProcessID);
     /// Admits the windows of the process; how many were added.
     int addWindowsForPID(ProcessID);
     /// The process has ended.
@@ -98,6 +101,14 @@ private:
         std::vector<WorkItem> work;
         bool hasScannedLast = false;
         bool isRequestedAgain = false;
+        /// What every scan since its start has found unexplained.
+        std::optional<std::set<WindowID>> sought;
+    };
+
+    struct Admission {
+        int added = 0;
+        /// Untracked windows that must be looked at again: unpublished or unconfirmed.
+        std::set<WindowID> unexplained;
     };
 
     /// The next look at a process that did not answer.
@@ -113,14 +124,16 @@ private:
     /// A window may come under another process: X11 finds out late whose it is.
     bool updateTracked(TrackedWindow&, ProcessID, const ScannedWindowCandidate&);
     void track(WindowID, ProcessID, const ScannedWindowCandidate&);
-    /// Tracks what is new in the scan; true in `second` when something must be looked at again.
-    std::pair<int, bool> admitNewWindows(ProcessID, const PIDWindowScan&);
-    bool updateOrAdmit(ProcessID, const PIDWindowScan&, bool& needsRescan);
+    bool updateTrackedWindows(ProcessID, const PIDWindowScan&);
+    /// Tracks what is new in the scan.
+    Admission admitNewWindows(ProcessID, const PIDWindowScan&);
+    /// False if a whole burst has looked for each of these windows in vain.
+    bool isWorthSeeking(ProcessID, std::set<WindowID> unexplained);
     bool removeMissingWindows(ProcessID, const PIDWindowScan&);
     Missed noteMissed(WindowID);
     void forget(WindowID);
     bool requiresAXConfirmationForLiveAdmission(ProcessID) const;
-    bool hasUnpublishedWindow(const PIDWindowScan&) const;
+    std::set<WindowID> unpublishedWindows(const PIDWindowScan&) const;
     void populateProcess(ProcessID, const WindowScanner::Moment&);
 
     /// False for a window that does not belong on the bar.
@@ -174,6 +187,8 @@ private:
     std::map<WindowID, ReconcileState> m_reconcileStateByWindowID;
     std::map<ProcessID, PIDLifecycleState> m_lifecycleByPID;
     std::set<ProcessID> m_observerAttachedPIDs;
+    /// Windows that a whole burst could not explain: no mere tick starts another for them.
+    std::map<ProcessID, std::set<WindowID>> m_soughtInVainByPID;
 
     // Delayed work: last, so that it is cancelled before anything it uses goes.
     std::map<ProcessID, DeferredScanBurst> m_pendingScans;

@@ -90,8 +90,14 @@ void WindowStore::admitCreatedWindow(
 
 void WindowStore::handleDestroyed(const AXWindowEvent& event)
 {
-    if (!tracked(event.windowID))
+    auto* window = tracked(event.windowID);
+    if (!window)
         return;
+    if (window->pid != event.pid) {
+        // It has gone to another process, which announced it before this one let it go.
+        scheduleDeferredScan(window->pid);
+        return;
+    }
     forget(*event.windowID);
     notifyChange();
 }

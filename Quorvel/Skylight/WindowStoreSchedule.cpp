@@ -86,8 +86,10 @@ void WindowStore::runDeferredScan(ProcessID pid, bool isLast)
         return;
     lookAt(pid);
     auto burst = m_pendingScans.find(pid);
-    if (isLast && burst != m_pendingScans.end())
-        burst->second.hasScannedLast = true;
+    if (!isLast || burst == m_pendingScans.end())
+        return;
+    burst->second.hasScannedLast = true;
+    m_soughtInVainByPID[pid] = burst->second.sought.value_or(std::set<WindowID>{});
 }
 
 void WindowStore::endDeferredScanBurst(ProcessID pid)
@@ -157,10 +159,14 @@ void WindowStore::scheduleLifecycleTick(ProcessID pid, Duration delay)
 
 void WindowStore::handleObserverAttached(ProcessID pid)
 {
-    m_observerAttachedPIDs.insert(pid);
+    bool isFirst = m_observerAttachedPIDs.insert(pid).second;
     auto entry = m_lifecycleByPID.find(pid);
-    if (entry == m_lifecycleByPID.end())
+    if (entry == m_lifecycleByPID.end()) {
+        // What it did since it was looked at, nobody told.
+        if (isFirst)
+            scheduleDeferredScan(pid);
         return;
+    }
     entry->second = PIDLifecycleState{
         .phase = PIDLifecyclePhase::runningObserved,
         .startedAt = entry->second.startedAt,
@@ -170,6 +176,12 @@ void WindowStore::handleObserverAttached(ProcessID pid)
         .lastTrackedWindowIDs = trackedWindowIDs(pid),
     };
     scheduleLifecycleTick(pid, kSoon);
+}
+
+void WindowStore::handleObserverFailed(ProcessID pid)
+{
+    if (!m_lifecycleByPID.contains(pid))
+        startLifecycleMonitoring(pid, kUnobservedInterval);
 }
 
 void WindowStore::ensureLifecycleMonitoringForWindowActivity(ProcessID pid)
