@@ -127,6 +127,17 @@ TEST_F(QuorvelAppTest, aSlowStarterHasItsChipAsSoonAsItShowsAWindow)
     EXPECT_EQ(desktop.accessibility().observersOf(slow), 1u);
 }
 
+TEST_F(QuorvelAppTest, anApplicationThatCannotBeObservedIsPolled)
+{
+    desktop.application(mail).faults.failingObservers = 1000;
+    launchOnly();
+    desktop.advance(seconds(20));
+    desktop.retitle(inbox, "Later");
+    desktop.advance(seconds(3));
+
+    EXPECT_THAT(chipTexts(), ElementsAre("Later"));
+}
+
 TEST_F(QuorvelAppTest, windowsMadeRightAfterAttachingAreListenedToAfterTheFollowUp)
 {
     desktop.application(mail).faults.swallowedNotifications.insert("AXWindowCreated");
