@@ -248,8 +248,8 @@ void QuorvelApp::applicationDidActivate(Runtime& runtime, const RunningApplicati
     if (pid == runtime.m_platform.application.processID())
         return;
     auto& store = runtime.windowStore();
-    if (application.bundleIdentifier)
-        runtime.badgeService().clearAttention(*application.bundleIdentifier);
+    if (auto& bundleID = application.bundleIdentifier)
+        runtime.badgeService().clearAttention(*bundleID, store.windowIDs(*bundleID));
     store.handleAppActivated(pid);
     bool isExcluded
         = application.bundleIdentifier && isSystemBundleIdentifier(*application.bundleIdentifier);

@@ -40,9 +40,9 @@ struct BadgeServiceTest : testing::Test {
     {
         system.applications.at(bundleID).wantsAttention = value;
     }
-    void acknowledge(const std::string& bundleID)
+    void acknowledge(const std::string& bundleID, std::set<WindowID> windowsWithChip = {})
     {
-        service->clearAttention(bundleID);
+        service->clearAttention(bundleID, std::move(windowsWithChip));
         desktop.drain();
     }
     std::set<std::string> attention() const { return service->attentionByBundleID().value(); }
@@ -210,7 +210,7 @@ TEST_F(BadgeServiceTest, aServiceThatIsGoneHearsNothingOfItsLastPoll)
     setAsking("mail", true);
     service->start();
     desktop.advance(BadgeService::firstPollDelay - seconds(0.1));
-    service->clearAttention("mail");
+    service->clearAttention("mail", {});
     service->clearAttention(WindowID{1});
     service.reset(); // the sanitizer sees what would still run
     desktop.advance(seconds(20));
@@ -229,7 +229,7 @@ TEST_F(BadgeServiceTest, whereWindowsAskOnlyTheirOwnActivationAcknowledges)
     EXPECT_THAT(shown.value(), ElementsAre(inbox, draft));
     EXPECT_THAT(attention(), ElementsAre("chat", "mail"));
 
-    acknowledge("mail");
+    acknowledge("mail", {inbox, draft});
     service->clearAttention(WindowID{99});
     service->clearAttention(inbox);
     desktop.drain();

@@ -303,6 +303,15 @@ TEST_F(BarViewModelTest, aPulseComesToRest)
     desktop.program().setAppearance(appearance);
     desktop.launchServices().requests.push_back({inbox, "mail"});
     desktop.focus(draft);
+
+    // A window without a chip asks for its application.
+    auto dialog = desktop.open(editor, {.subrole = "AXDialog", .takesFocus = false});
+    system.requests.push_back({dialog, "editor"});
+    settle();
+    EXPECT_TRUE(chip(notes)->wantsAttention);
+    focusOn(editor, notes);
+    settle();
+    EXPECT_FALSE(chip(notes)->wantsAttention);
     desktop.advance(BadgeService::pollInterval);
     panel().forgetPaints();
     desktop.advance(seconds(1));

@@ -156,10 +156,13 @@ void BadgeService::publishAttention()
     });
 }
 
-void BadgeService::clearAttention(const std::string& bundleID)
+void BadgeService::clearAttention(const std::string& bundleID, std::set<WindowID> windowsWithChip)
 {
-    if (m_launchServices.isAvailable())
-        m_queue->async([this, bundleID] { clearAttentionOnQueue(bundleID); });
+    if (!m_launchServices.isAvailable())
+        return;
+    m_queue->async([this, bundleID, windowsWithChip = std::move(windowsWithChip)] {
+        clearAttentionOnQueue(bundleID, windowsWithChip);
+    });
 }
 
 void BadgeService::clearAttention(WindowID id)
@@ -172,11 +175,19 @@ void BadgeService::clearAttention(WindowID id)
     });
 }
 
-void BadgeService::clearAttentionOnQueue(const std::string& bundleID)
+void BadgeService::clearAttentionOnQueue(
+    const std::string& bundleID, const std::set<WindowID>& windowsWithChip)
 {
-    const auto requests = m_launchServices.attentionRequests();
-    if (std::ranges::count(requests, bundleID, &AttentionRequest::bundleIdentifier) > 0)
-        return;
+    bool namesWindows = false;
+    for (auto& request : m_launchServices.attentionRequests()) {
+        if (request.bundleIdentifier != bundleID)
+            continue;
+        namesWindows = true;
+        if (!windowsWithChip.contains(request.window))
+            m_ledger.acknowledge(request.window);
+    }
+    if (namesWindows)
+        return publishAttention();
     m_ledger.acknowledge(bundleID, m_dispatch.now());
     // First, so that the chip does not wait for the tool.
     onMain([bundleID](BadgeService& self) {

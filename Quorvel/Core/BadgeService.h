@@ -40,9 +40,9 @@ public:
 
     /// Begins to poll, if it has not yet.
     void start();
-    /// The user has come to the application: its request is withdrawn and not shown. Nothing
-    /// happens to one whose windows ask for themselves.
-    void clearAttention(const std::string& bundleID);
+    /// The user has come to the application: its request is withdrawn and not shown. Of one whose
+    /// windows ask for themselves, only those without a chip have been answered by that.
+    void clearAttention(const std::string& bundleID, std::set<WindowID> windowsWithChip);
     /// The user has come to the window.
     void clearAttention(WindowID);
 
@@ -86,7 +86,8 @@ private:
         const std::vector<AppRecord>&, Instant now);
     std::vector<AppRecord> fetchRecords() const;
     std::optional<LSAppInfoResult> runLSAppInfo(std::vector<std::string> arguments) const;
-    void clearAttentionOnQueue(const std::string& bundleID);
+    void clearAttentionOnQueue(
+        const std::string& bundleID, const std::set<WindowID>& windowsWithChip);
     void clearWantsAttentionViaLSAppInfo(const std::string& bundleID);
     bool setWantsNoAttention(const std::string& application);
     void publishAttention();

@@ -68,7 +68,7 @@ void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore
     if (auto& bundleID = window->bundleIdentifier) {
         if (m_trace.isOn())
             m_trace.line("activateWindow clearAttention bundleID={}", sanitizeLogField(*bundleID));
-        m_badgeService.clearAttention(*bundleID);
+        m_badgeService.clearAttention(*bundleID, m_windowStore.windowIDs(*bundleID));
     }
     setPendingFocus(id);
     auto application = m_calls.application(pid);

@@ -176,7 +176,7 @@ TEST_F(LauncherEntriesTest, askForAttentionUntilTheUserHasComeAndAskAgainLater)
     EXPECT_THAT(attention(), ElementsAre("chat", "mail", "tray"));
 
     for (const auto* id : {"mail", "chat", "tray"})
-        service.clearAttention(id);
+        service.clearAttention(id, {});
     EXPECT_THAT(attention(), IsEmpty());
     EXPECT_THAT(system.entries().asking(), IsEmpty());
     say(":1.1", mail("'count': <int64 4>, 'urgent': <true>"));
