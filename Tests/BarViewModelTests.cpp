@@ -466,3 +466,26 @@ TEST_F(BarViewModelTest, aRefreshThatReusesIsEqualToOneFromNothing)
 }
 
 }
+// Faults: an icon that comes late is never shown; each change of a title looks for one.
+TEST_F(BarViewModelTest, aMissingIconIsLookedForWithEachNewWindow)
+{
+    auto& workspace = desktop.workspace();
+    auto generic = workspace.genericApplicationIcon();
+    Image icon;
+    workspace.makeIcon = [&] { return icon; };
+    auto late = desktop.launch({.name = "Late", .bundleIdentifier = "late"});
+    auto first = desktop.open(late);
+    settle();
+    EXPECT_EQ(chip(first)->icon, generic);
+    icon = std::make_shared<FakeImage>("late");
+    auto lookups = workspace.iconLookups();
+    desktop.retitle(first, "Other");
+    settle();
+    EXPECT_EQ(workspace.iconLookups(), lookups);
+
+    auto second = desktop.open(late);
+    settle();
+    EXPECT_EQ(chip(first)->icon, icon);
+    EXPECT_EQ(chip(second)->icon, icon);
+}
+

@@ -1,5 +1,7 @@
 #include "Quorvel/Core/ApplicationIcons.h"
 
+#include <utility>
+
 #include "Quorvel/Skylight/TrackedWindow.h"
 
 namespace quorvel {
@@ -10,26 +12,33 @@ ApplicationIcons::ApplicationIcons(Workspace& workspace) : m_workspace(workspace
         m_iconCache.erase(bundleIdentifier);
         didChange.emit();
     });
+    m_ends = workspace.didTerminate.subscribe(
+        [this](const RunningApplication& application) { m_iconsByPID.erase(application.pid); });
 }
 
 Image ApplicationIcons::icon(const TrackedWindow& window)
 {
-    Image found;
-    if (!window.bundleIdentifier) {
-        found = findIcon(window);
-    } else if (auto known = m_iconCache.find(*window.bundleIdentifier);
-               known != m_iconCache.end()) {
-        found = known->second;
-    } else {
-        // "None" is remembered too: to look for an icon may mean to ask the window.
-        found = m_iconCache[*window.bundleIdentifier] = findIcon(window);
+    auto& [icon, lookedUpFor] = known(window);
+    // An application may get its icon late, but to look for it may mean to ask its windows: so
+    // only a new window, which has a higher number, is reason enough.
+    if (!icon && lookedUpFor < window.windowID) {
+        bool hasWindowsWithout = std::exchange(lookedUpFor, window.windowID) != WindowID{};
+        icon = findIcon(window);
+        if (icon && hasWindowsWithout)
+            didChange.emit();
     }
-    if (found)
-        return found;
+    if (icon)
+        return icon;
     // One handle for all, so that a chip with it does not look changed.
     if (!m_generic)
         m_generic = m_workspace.genericApplicationIcon();
     return m_generic;
+}
+
+ApplicationIcons::Known& ApplicationIcons::known(const TrackedWindow& window)
+{
+    return window.bundleIdentifier ? m_iconCache[*window.bundleIdentifier]
+                                   : m_iconsByPID[window.pid];
 }
 
 Image ApplicationIcons::icon(const std::string& bundleIdentifier) const

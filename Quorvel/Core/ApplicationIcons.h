@@ -11,7 +11,8 @@ namespace quorvel {
 
 struct TrackedWindow;
 
-/// The icons of applications, looked up once each by bundle identifier. Main thread.
+/// The icons of applications, looked up once each by bundle identifier, or by process where there
+/// is none. Main thread.
 class ApplicationIcons {
 public:
     explicit ApplicationIcons(Workspace&);
@@ -25,12 +26,20 @@ public:
     Signal<> didChange;
 
 private:
+    struct Known {
+        Image icon; ///< null: it had none of its own
+        WindowID lookedUpFor{}; ///< the newest window then
+    };
+
+    Known& known(const TrackedWindow&);
     Image findIcon(const TrackedWindow&) const;
 
     Workspace& m_workspace;
-    std::map<std::string, Image, std::less<>> m_iconCache; ///< null: it has none of its own
+    std::map<std::string, Known, std::less<>> m_iconCache;
+    std::map<ProcessID, Known> m_iconsByPID; ///< of those without a bundle identifier
     Image m_generic;
     Subscription m_changes;
+    Subscription m_ends;
 };
 
 }

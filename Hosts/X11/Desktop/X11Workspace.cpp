@@ -1,5 +1,7 @@
 #include "Hosts/X11/Desktop/X11Workspace.h"
 
+#include <set>
+
 #include "Hosts/X11/Applications/DesktopEntries.h"
 #include "Hosts/X11/Applications/Icons.h"
 #include "Hosts/X11/Connection.h"
@@ -37,6 +39,19 @@ X11Workspace::X11Workspace(Connection& connection, const SharedModel& model, Mir
         mirror.activeSpaceDidChange.subscribe([this] { activeSpaceDidChange.emit(); }));
     m_subscriptions.push_back(mirror.iconDidChange.subscribe(
         [this](const std::string& bundleIdentifier) { iconDidChange.emit(bundleIdentifier); }));
+    m_subscriptions.push_back(entries.changed.subscribe([this] { entriesDidChange(); }));
+}
+
+/// An application may have been installed, with its icon, while it runs.
+void X11Workspace::entriesDidChange()
+{
+    std::set<std::string> running;
+    enumerateRunningApplications([&](const RunningApplication& application) {
+        if (application.bundleIdentifier)
+            running.insert(*application.bundleIdentifier);
+    });
+    for (auto& bundleIdentifier : running)
+        iconDidChange.emit(bundleIdentifier);
 }
 
 void X11Workspace::enumerateRunningApplications(

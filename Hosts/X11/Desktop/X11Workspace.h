@@ -51,6 +51,7 @@ public:
     bool activateDirectly(ProcessID) override;
 
 private:
+    void entriesDidChange();
     Image windowIcon(ProcessID) const;
     std::optional<WindowID> lastActiveWindow(const ApplicationURL&) const;
 
