@@ -204,9 +204,9 @@ void QuorvelApp::wireObserverManager(Runtime& runtime)
                   runtime.axManager().refreshWindows({pid});
                   runtime.m_refreshAfterAttach.erase(pid);
               });
+    };
     manager.onObserverFailed
         = [&runtime](ProcessID pid) { runtime.windowStore().handleObserverFailed(pid); };
-    };
     manager.start();
     for (auto pid : runtime.windowStore().trackedPIDs())
         manager.observe(pid);

@@ -211,6 +211,34 @@ TEST_F(BarViewModelTest, theUsersOrderOutlivesTheChips)
         << "what was not moved since is in the windows' order";
 }
 
+// Faults: the order of the chips or a pin goes with the monitor, or with a sleep.
+TEST_F(BarViewModelTest, orderAndPinsOutliveTheMonitorAndSleep)
+{
+    desktop.workspace().install("chess", "/Applications/Chess.app");
+    settings().setPinnedApps({{"chess", 1}});
+    model().moveChip(s(draft), s(inbox), kSpace);
+    settle();
+    auto shown = [&] {
+        std::vector<std::string> found;
+        auto* content = runtime->barManager()->panels().at(kSpace)->content();
+        for (auto& [id, frame] : content->pinFrames())
+            found.push_back(id);
+        for (auto& [id, frame] : content->chipFrames())
+            found.push_back(id);
+        return found;
+    };
+    ASSERT_THAT(shown(), ElementsAre("chess", s(draft), s(inbox), s(notes)));
+
+    auto displays = desktop.model().displays;
+    desktop.setDisplays({});
+    settle();
+    desktop.setDisplays(displays);
+    desktop.wake();
+    settle();
+
+    EXPECT_THAT(shown(), ElementsAre("chess", s(draft), s(inbox), s(notes)));
+}
+
 // MARK: One bar of several
 
 // Faults: a group on each bar with windows of the other; the wrong one lit.
@@ -275,6 +303,15 @@ TEST_F(BarViewModelTest, badgesProgressAndAttentionReachTheirChips)
     desktop.drain();
     EXPECT_FALSE(chip(inbox)->wantsAttention);
     EXPECT_TRUE(chip(draft)->wantsAttention);
+
+    // A window without a chip asks for its application.
+    auto dialog = desktop.open(editor, {.subrole = "AXDialog", .takesFocus = false});
+    system.requests.push_back({dialog, "editor"});
+    settle();
+    EXPECT_TRUE(chip(notes)->wantsAttention);
+    focusOn(editor, notes);
+    settle();
+    EXPECT_FALSE(chip(notes)->wantsAttention);
     group();
     EXPECT_TRUE(mailGroup().wantsAttention);
 }
@@ -303,15 +340,6 @@ TEST_F(BarViewModelTest, aPulseComesToRest)
     desktop.program().setAppearance(appearance);
     desktop.launchServices().requests.push_back({inbox, "mail"});
     desktop.focus(draft);
-
-    // A window without a chip asks for its application.
-    auto dialog = desktop.open(editor, {.subrole = "AXDialog", .takesFocus = false});
-    system.requests.push_back({dialog, "editor"});
-    settle();
-    EXPECT_TRUE(chip(notes)->wantsAttention);
-    focusOn(editor, notes);
-    settle();
-    EXPECT_FALSE(chip(notes)->wantsAttention);
     desktop.advance(BadgeService::pollInterval);
     panel().forgetPaints();
     desktop.advance(seconds(1));
@@ -319,6 +347,34 @@ TEST_F(BarViewModelTest, aPulseComesToRest)
 }
 
 // MARK: Activation
+
+// Faults: a window that is raised while it is minimised stays so; a click that finds the
+// application busy is lost.
+TEST_F(BarViewModelTest, aMinimisedWindowIsRestoredFirstIfNeedBeWithTheSecondAttempt)
+{
+    auto asked = [&] {
+        std::vector<std::string> names;
+        for (auto& message : desktop.accessibility().messages()) {
+            using Kind = AXMessage::Kind;
+            bool isRequest = message.kind == Kind::set || message.kind == Kind::action;
+            if (isRequest && message.window == notes)
+                names.push_back(message.name);
+        }
+        return names;
+    };
+    for (int failing : {0, 1}) {
+        desktop.minimise(notes);
+        focusOn(mail, inbox);
+        settle();
+        desktop.accessibility().forgetMessages();
+        desktop.application(editor).faults.failingMessages = failing;
+        clickChip(notes);
+        EXPECT_THAT(asked(), testing::SizeIs(failing ? 0 : 4));
+        desktop.advance(seconds(0.15));
+        EXPECT_THAT(asked(), ElementsAre("AXMinimized", "AXMain", "AXFocused", "AXRaise"));
+        EXPECT_FALSE(desktop.window(notes).isMinimized);
+    }
+}
 
 // The order is what counts: windows of other applications flash when it is another one.
 TEST_F(BarViewModelTest, theTraceTellsEachStepOfAnActivation)
@@ -428,6 +484,29 @@ TEST_F(BarViewModelTest, aStoredApplicationHasANameAndCanBeOpened)
     EXPECT_THAT(model().bundleIDsWithWindows(kSpace), ElementsAre("editor", "mail"));
 }
 
+// Faults: an icon that comes late is never shown; each change of a title looks for one.
+TEST_F(BarViewModelTest, aMissingIconIsLookedForWithEachNewWindow)
+{
+    auto& workspace = desktop.workspace();
+    auto generic = workspace.genericApplicationIcon();
+    Image icon;
+    workspace.makeIcon = [&] { return icon; };
+    auto late = desktop.launch({.name = "Late", .bundleIdentifier = "late"});
+    auto first = desktop.open(late);
+    settle();
+    EXPECT_EQ(chip(first)->icon, generic);
+    icon = std::make_shared<FakeImage>("late");
+    auto lookups = workspace.iconLookups();
+    desktop.retitle(first, "Other");
+    settle();
+    EXPECT_EQ(workspace.iconLookups(), lookups);
+
+    auto second = desktop.open(late);
+    settle();
+    EXPECT_EQ(chip(first)->icon, icon);
+    EXPECT_EQ(chip(second)->icon, icon);
+}
+
 // MARK: What is reused
 
 // Faults: a chip or an item that is not made again though it changed.
@@ -466,26 +545,3 @@ TEST_F(BarViewModelTest, aRefreshThatReusesIsEqualToOneFromNothing)
 }
 
 }
-// Faults: an icon that comes late is never shown; each change of a title looks for one.
-TEST_F(BarViewModelTest, aMissingIconIsLookedForWithEachNewWindow)
-{
-    auto& workspace = desktop.workspace();
-    auto generic = workspace.genericApplicationIcon();
-    Image icon;
-    workspace.makeIcon = [&] { return icon; };
-    auto late = desktop.launch({.name = "Late", .bundleIdentifier = "late"});
-    auto first = desktop.open(late);
-    settle();
-    EXPECT_EQ(chip(first)->icon, generic);
-    icon = std::make_shared<FakeImage>("late");
-    auto lookups = workspace.iconLookups();
-    desktop.retitle(first, "Other");
-    settle();
-    EXPECT_EQ(workspace.iconLookups(), lookups);
-
-    auto second = desktop.open(late);
-    settle();
-    EXPECT_EQ(chip(first)->icon, icon);
-    EXPECT_EQ(chip(second)->icon, icon);
-}
-

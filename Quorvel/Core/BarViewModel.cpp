@@ -346,22 +346,36 @@ std::vector<DisplayItem> BarViewModel::displayItems(
     auto screens = m_displays.screens();
     if (screens.size() <= 1 || *screenIndex >= screens.size())
         return found->second;
+    ScreenFilter filter{
+        screens, *screenIndex, isOnDisplayOf(space, screens[*screenIndex], screens)};
     std::vector<DisplayItem> items;
     for (auto& item : found->second) {
-        if (auto kept = onScreen(space, item, screens, *screenIndex))
+        if (auto kept = onScreen(space, item, filter))
             items.push_back(std::move(*kept));
     }
     return items;
 }
 
-std::optional<DisplayItem> BarViewModel::onScreen(SpaceID space, const DisplayItem& item,
-    const std::vector<Screen>& screens, std::size_t index) const
+bool BarViewModel::isOnDisplayOf(
+    SpaceID space, const Screen& screen, const std::vector<Screen>& screens) const
+{
+    auto info = std::ranges::find(spaces.value(), space, &SpaceWindows::Info::spaceID);
+    auto home = info == spaces.value().end()
+        ? std::nullopt
+        : m_spaceWindows.screen(info->displayIdentifier, screens);
+    if (!home)
+        home = m_spaceWindows.screen("MAIN", screens);
+    return screen == home.value_or(screens.front());
+}
+
+std::optional<DisplayItem> BarViewModel::onScreen(
+    SpaceID space, const DisplayItem& item, const ScreenFilter& filter) const
 {
     if (auto* single = std::get_if<ChipData>(&item))
-        return isOnScreen(single->id, screens, index) ? std::optional{item} : std::nullopt;
+        return isOnScreen(single->id, filter) ? std::optional{item} : std::nullopt;
 
     auto group = std::get<GroupedChipData>(item);
-    std::erase_if(group.windowIDs, [&](WindowID id) { return !isOnScreen(id, screens, index); });
+    std::erase_if(group.windowIDs, [&](WindowID id) { return !isOnScreen(id, filter); });
     if (group.windowIDs.empty())
         return std::nullopt;
     if (group.windowIDs.size() == 1) {
@@ -378,13 +392,15 @@ std::optional<DisplayItem> BarViewModel::onScreen(SpaceID space, const DisplayIt
     return group;
 }
 
-bool BarViewModel::isOnScreen(
-    WindowID id, const std::vector<Screen>& screens, std::size_t index) const
+bool BarViewModel::isOnScreen(WindowID id, const ScreenFilter& filter) const
 {
     auto* window = m_windowStore.window(id);
     if (!window || window->isMinimized)
         return true;
-    return window->frame.flipped(screens.front().frame.height).intersects(screens[index].frame);
+    auto frame = window->frame.flipped(filter.screens.front().frame.height);
+    auto meets = [&](const Screen& screen) { return frame.intersects(screen.frame); };
+    return meets(filter.screens[filter.index])
+        || (filter.isHome && std::ranges::none_of(filter.screens, meets));
 }
 
 }

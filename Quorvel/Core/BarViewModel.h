@@ -59,7 +59,7 @@ public:
     void refresh();
 
     /// The items of a bar on one screen; without an index, or with one screen only, all of the
-    /// space.
+    /// space. A window that meets no screen is on the bar of the space's own display.
     std::vector<DisplayItem> displayItems(
         SpaceID, std::optional<std::size_t> filteredToScreenIndex) const;
     /// Puts an item in front of another one, or last. Items of windows that have been folded into a
@@ -126,9 +126,16 @@ private:
     void findBundlesWithAttentionWindows();
     bool wantsAttention(const TrackedWindow&) const;
 
-    std::optional<DisplayItem> onScreen(
-        SpaceID, const DisplayItem&, const std::vector<Screen>&, std::size_t index) const;
-    bool isOnScreen(WindowID, const std::vector<Screen>&, std::size_t index) const;
+    /// One of several screens, and whether it takes the windows that meet none.
+    struct ScreenFilter {
+        const std::vector<Screen>& screens;
+        std::size_t index = 0;
+        bool isHome = false;
+    };
+
+    bool isOnDisplayOf(SpaceID, const Screen&, const std::vector<Screen>&) const;
+    std::optional<DisplayItem> onScreen(SpaceID, const DisplayItem&, const ScreenFilter&) const;
+    bool isOnScreen(WindowID, const ScreenFilter&) const;
 
     /// From now on the window stands for its group on every space it is on.
     void preferInItsGroups(const TrackedWindow&);
