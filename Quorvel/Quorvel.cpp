@@ -180,7 +180,7 @@ void QuorvelApp::startMainRuntime(Application& app)
     runtime.m_barManager->syncPanels();
     runtime.m_barManager->repositionPanels();
     runtime.keep(platform.displays.parametersDidChange.subscribe(
-        [&runtime] { runtime.m_barManager->syncPanels(); }));
+        [&runtime] { runtime.m_barManager->screensDidChange(); }));
     wireObserverManager(runtime);
     observeWorkspace(runtime);
     observeHints(runtime);

@@ -238,6 +238,11 @@ TEST_F(BarManagerTest, furtherScreensHaveBarsOfTheirOwnWindowsIfTheUserWantsThem
     EXPECT_THAT(surfaces().panels(), SizeIs(6));
     EXPECT_THAT(titles(kFirst), ElementsAre("Inbox"));
     EXPECT_THAT(titles(kSecond), ElementsAre("There"));
+    desktop.place(inbox, {9000, 9000, 400, 300});
+    settle();
+    EXPECT_THAT(titles(kFirst), ElementsAre("Inbox")) << "on no screen counts as on the first";
+    EXPECT_THAT(titles(kSecond), ElementsAre("There"));
+    desktop.place(inbox, {100, 100, 400, 300});
     EXPECT_EQ(surfaces().panel(SpaceID{2}, kSecond)->frame(), (Rect{1440, -200, 1000, 36}));
     EXPECT_THAT(server().dockRectangles(),
         UnorderedElementsAre(
@@ -263,6 +268,54 @@ TEST_F(BarManagerTest, furtherScreensHaveBarsOfTheirOwnWindowsIfTheUserWantsThem
     showOnAllDisplays(false);
     EXPECT_THAT(surfaces().panels(), SizeIs(3));
     EXPECT_THAT(titles(kFirst), ElementsAre("Inbox", "There"));
+}
+
+// Fault: what an unplugged monitor has left outside has no chip anywhere.
+TEST_F(BarManagerTest, aWindowOnNoScreenIsOnTheBarOfItsSpace)
+{
+    desktop.addDisplay(second());
+    desktop.open(mail, {.title = "Far", .frame = {-9000, 0, 400, 300}, .spaces = {SpaceID{11}}});
+    desktop.place(inbox, {9000, 9000, 400, 300});
+    start();
+
+    EXPECT_THAT(titles(kFirst), ElementsAre("Inbox"));
+    EXPECT_THAT(chipTexts(*surfaces().panel(SpaceID{11}, kSecond)), ElementsAre("Far"));
+}
+
+// Faults: one answer that does not come takes every bar down; spaces that follow their screen are
+// not seen; the question is repeated for ever.
+TEST_F(BarManagerTest, theBarsStayWhileNobodySaysWhichSpacesThereAre)
+{
+    start();
+    server().distortSpaces([](auto& displays) { displays.resize(1); });
+    desktop.addDisplay(second());
+    desktop.advance(seconds(0.4));
+    EXPECT_THAT(surfaces().panels(), SizeIs(3));
+    server().distortSpaces({});
+    desktop.advance(seconds(0.1));
+    EXPECT_THAT(surfaces().panels(), SizeIs(5)) << "looked at once more";
+
+    auto made = surfaces().panelsMade();
+    for (bool isEmpty : {false, true}) {
+        server().failSpaceLists(!isEmpty);
+        if (isEmpty)
+            server().distortSpaces([](auto& displays) { displays.clear(); });
+        desktop.wake();
+        desktop.advance(seconds(60));
+        EXPECT_THAT(titles(kFirst), ElementsAre("Inbox"));
+        EXPECT_EQ(desktop.dispatch().pendingTimers(), 1U) << "the pointer's display";
+    }
+    EXPECT_EQ(surfaces().panelsMade(), made);
+
+    server().distortSpaces({});
+    desktop.wake();
+    desktop.drain();
+    server().failSpaceLists(true);
+    desktop.setDisplays({second()});
+    desktop.advance(seconds(0.9));
+    server().failSpaceLists(false);
+    desktop.advance(seconds(0.2));
+    EXPECT_THAT(surfaces().panels(), SizeIs(2));
 }
 
 namespace {

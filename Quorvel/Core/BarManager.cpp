@@ -151,6 +151,17 @@ void BarManager::syncPanels()
     m_avoidanceManager.scheduleAdjustment(Duration::zero());
 }
 
+void BarManager::screensDidChange()
+{
+    syncPanels();
+    syncAgain();
+}
+
+void BarManager::syncAgain()
+{
+    m_syncAgain = m_platform.dispatch.main().after(kSyncAgain, [this] { syncPanels(); });
+}
+
 void BarManager::repositionPanels()
 {
     placePanels();
@@ -159,14 +170,18 @@ void BarManager::repositionPanels()
 
 void BarManager::placePanels()
 {
-    m_panels.place();
+    if (m_panels.place())
+        m_unansweredSyncs = 0;
+    else if (m_unansweredSyncs++ < kMostSyncsAgain)
+        syncAgain();
     applyDockRectRegistrations();
     trackPointerDisplay();
 }
 
 void BarManager::syncMirrorPanels()
 {
-    m_panels.syncMirrorPanels();
+    if (!m_panels.syncMirrorPanels())
+        syncAgain();
 }
 
 void BarManager::updateActiveSpacePanelVisibility()
@@ -179,6 +194,7 @@ void BarManager::closeAllPanels()
     m_reservations.clearDockRectRegistrations();
     m_reservations.clearSystemReservations();
     m_mouseDisplayTracker.reset();
+    m_syncAgain = {};
     m_panels.closeAll();
 }
 

@@ -39,6 +39,8 @@ public:
     /// After spaces, screens or both have changed: a panel for each space that is there, none for
     /// one that is gone, and the model of today.
     void syncPanels();
+    /// The same, and once more when the list of spaces has followed the screens.
+    void screensDidChange();
     /// Places every panel on its screen anew.
     void repositionPanels();
     void syncMirrorPanels();
@@ -61,6 +63,9 @@ public:
 private:
     static constexpr Duration kAvoidanceAfterStart = seconds(0.5);
     static constexpr Duration kAvoidanceAfterChange = seconds(0.1);
+    /// When the system did not say which spaces there are, or may say it late.
+    static constexpr Duration kSyncAgain = seconds(0.5);
+    static constexpr int kMostSyncsAgain = 20;
     /// More would hold up the switch that the user waits for.
     static constexpr std::size_t kPicturesBeforeLeaving = 4;
 
@@ -71,6 +76,7 @@ private:
     void handleSettingsChanged();
     void applyMetrics(const BarMetrics&);
     void placePanels();
+    void syncAgain();
     std::vector<Screen> coveredScreensForBar() const;
     void applyDockRectRegistrations();
     void applyEdgeReservationsIfNeeded();
@@ -105,6 +111,8 @@ private:
     Subscription m_minimizing;
     WorkItem m_refresh;
     WorkItem m_avoidanceAfterStart;
+    WorkItem m_syncAgain;
+    int m_unansweredSyncs = 0; ///< in a row
 };
 
 }

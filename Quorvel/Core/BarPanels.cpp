@@ -138,21 +138,27 @@ std::map<MirrorKey, BarPanels::Spot> BarPanels::mirrorSpots(
 
 // MARK: Placing
 
-void BarPanels::place()
+bool BarPanels::place()
 {
     auto screens = m_displays.screens();
     auto spaces = m_spaceWindows.getSpaces(m_windowServer.mainConnection());
+    if (spaces.empty() && !screens.empty())
+        return false;
     auto ordinary = spots(spaces, screens, PanelKind::bar);
     placeAll(m_panels, ordinary);
     syncFullscreenProxyPanels(spaces, screens);
     placeMirrors(ordinary, screens);
+    return true;
 }
 
-void BarPanels::syncMirrorPanels()
+bool BarPanels::syncMirrorPanels()
 {
     auto screens = m_displays.screens();
     auto spaces = m_spaceWindows.getSpaces(m_windowServer.mainConnection());
+    if (spaces.empty() && !screens.empty())
+        return false;
     placeMirrors(spots(spaces, screens, PanelKind::bar), screens);
+    return true;
 }
 
 void BarPanels::syncFullscreenProxyPanels(

@@ -53,9 +53,10 @@ public:
     std::vector<std::size_t> coveredScreens() const;
     std::vector<std::size_t> mirrorScreens() const;
 
-    /// Makes, moves and closes panels until each is in its place.
-    void place();
-    void syncMirrorPanels();
+    /// Makes, moves and closes panels until each is in its place. False if nothing is changed,
+    /// because the system does not say which spaces there are.
+    bool place();
+    bool syncMirrorPanels();
     void rebuildContentViews();
     void orderFront(const std::vector<SpaceID>&);
     void closeAll();

@@ -87,7 +87,10 @@ void BarViewModel::refresh()
     m_refresh = {};
     ++m_debugEventSequence;
     auto connection = m_windowServer.mainConnection();
-    spaces.set(m_spaceWindows.getSpaces(connection));
+    auto found = m_spaceWindows.getSpaces(connection);
+    // With a screen there is a space: no answer says nothing about the windows.
+    if (!found.empty() || m_displays.screens().empty())
+        spaces.set(std::move(found));
     activeSpaceID.set(m_windowServer.activeSpace(connection));
 
     auto focus = resolveFocus();
