@@ -184,8 +184,7 @@ void QuorvelApp::startMainRuntime(Application& app)
     wireObserverManager(runtime);
     observeWorkspace(runtime);
     observeHints(runtime);
-    runtime.keep(
-        app.willTerminate.subscribe([&runtime] { runtime.m_barManager->closeAllPanels(); }));
+    runtime.keep(app.willTerminate.subscribe([&runtime] { runtime.m_barManager->end(); }));
 }
 
 void QuorvelApp::wireObserverManager(Runtime& runtime)

@@ -198,6 +198,13 @@ void BarManager::closeAllPanels()
     m_panels.closeAll();
 }
 
+void BarManager::end()
+{
+    m_moves.end();
+    m_navigation.end();
+    closeAllPanels();
+}
+
 void BarManager::setHoverKeyingSuppressed(bool isSuppressed)
 {
     m_isHoverKeyingSuppressed = isSuppressed;

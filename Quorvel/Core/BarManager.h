@@ -46,6 +46,8 @@ public:
     void syncMirrorPanels();
     void updateActiveSpacePanelVisibility();
     void closeAllPanels();
+    /// The program is about to end, perhaps without destructors: the desktop is left as it was.
+    void end();
     /// In the list of screens, the one the pointer is on, where what belongs to it opens.
     std::optional<std::size_t> preferredMouseScreenIndex() const;
     std::optional<DisplayNumber> pointerDisplay() const;

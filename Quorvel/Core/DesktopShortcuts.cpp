@@ -1,5 +1,7 @@
 #include "Quorvel/Core/DesktopShortcuts.h"
 
+#include <utility>
+
 namespace quorvel {
 
 namespace {
@@ -9,9 +11,9 @@ constexpr int kBeforeFirstIdentifier = 117;
 
 }
 
-DesktopShortcuts::~DesktopShortcuts()
+void DesktopShortcuts::restore()
 {
-    for (int identifier : m_enabled)
+    for (int identifier : std::exchange(m_enabled, {}))
         m_windowServer.setSymbolicHotKeyEnabled(identifier, false);
 }
 

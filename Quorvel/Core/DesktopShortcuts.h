@@ -8,17 +8,19 @@
 namespace quorvel {
 
 /// The keys that the system itself has for "switch to desktop n". Those that the user had switched
-/// off are switched on when needed, and off again when this goes. Main thread.
+/// off are switched on when needed, and off again in the end. Main thread.
 class DesktopShortcuts {
 public:
     explicit DesktopShortcuts(WindowServer& windowServer) : m_windowServer(windowServer) { }
-    ~DesktopShortcuts();
+    ~DesktopShortcuts() { restore(); }
     DesktopShortcuts(const DesktopShortcuts&) = delete;
     DesktopShortcuts& operator=(const DesktopShortcuts&) = delete;
 
     /// Desktops count from 1. Absent where the system has no such keys or does not let us use them.
     std::optional<SymbolicHotKey> desktopSwitchShortcut(int desktopNumber);
     void press(const SymbolicHotKey&);
+    /// As the user had them.
+    void restore();
 
 private:
     WindowServer& m_windowServer;

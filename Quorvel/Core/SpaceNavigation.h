@@ -50,6 +50,8 @@ public:
 
     /// A display shows another space.
     void spaceDidChange();
+    /// Gives back what was changed of the system: the program may end without destructors.
+    void end() { m_shortcuts.restore(); }
     bool isScrollSwitchLocked() const { return m_scrollUnlockWork.isPending(); }
 
 private:

@@ -34,6 +34,8 @@ public:
     void moveWindowsToSpace(const std::vector<WindowID>&, SpaceID from, SpaceID to);
     /// A display shows another space.
     void spaceDidChange();
+    /// Lets go of whatever is held: the program may end without destructors.
+    void end() { abandon(); }
 
 private:
     struct PendingWindowMoveDrag {
