@@ -127,10 +127,11 @@ struct ChurnRound final : ChurnOperations {
                 shownItems.insert(each.id);
         }
         EXPECT_EQ(shownItems, items);
-        std::set<std::string> shownChips;
+        std::vector<std::string> shownChips;
         for (auto& [id, frame] : runtime->barManager()->panels().at(space)->content()->chipFrames())
-            shownChips.insert(id);
-        EXPECT_EQ(shownChips, chips);
+            shownChips.push_back(id);
+        std::ranges::sort(shownChips);
+        EXPECT_EQ(shownChips, std::vector(chips.begin(), chips.end()));
     }
     void expectNothingLeftBehind()
     {
