@@ -84,7 +84,14 @@ ControlReply get(const UserSettings& settings, const std::string& name)
     return encoded ? ControlReply{0, *encoded + "\n", ""} : noSuchSetting(name);
 }
 
-ControlReply set(UserSettings& settings, std::string_view name, std::string_view value)
+ControlReply setRunAtLogin(UserSettings& settings, bool isWanted)
+{
+    settings.setRunAtLogin(isWanted);
+    return settings.runAtLogin() == isWanted ? ControlReply{}
+                                             : refusal("the system refuses to change runAtLogin");
+}
+
+ControlReply change(UserSettings& settings, std::string_view name, std::string_view value)
 {
     auto data = settings.data().value();
     if (!encodeUserSetting(data, name))
@@ -93,14 +100,21 @@ ControlReply set(UserSettings& settings, std::string_view name, std::string_view
         return refusal(fmt::format("{} cannot be set", name));
     if (!decodeUserSetting(data, name, value) || hasUnknownText(data, name))
         return refusal(expectation(name));
-    if (name != "runAtLogin") {
-        settings.setData(std::move(data));
-        return {};
-    }
-    settings.setRunAtLogin(data.runAtLogin);
-    return settings.runAtLogin() == data.runAtLogin
-        ? ControlReply{}
-        : refusal("the system refuses to change runAtLogin");
+    if (name == "runAtLogin")
+        return setRunAtLogin(settings, data.runAtLogin);
+    settings.setData(std::move(data));
+    return {};
+}
+
+/// Who asks may end the bar next, or read the file.
+ControlReply set(UserSettings& settings, std::string_view name, std::string_view value)
+{
+    auto reply = change(settings, name, value);
+    if (reply.exitStatus != 0 || settings.saveChanges())
+        return reply;
+    return refusal(fmt::format("{} is changed, but {}", name,
+        settings.fileURL().empty() ? "there is no place to save it"
+                                   : settings.fileURL() + " cannot be written"));
 }
 
 }

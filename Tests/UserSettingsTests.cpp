@@ -250,6 +250,11 @@ TEST_F(UserSettingsTest, aRejectedFileIsKeptBesideTheNewOneWhereTheHostSaysSo)
     settings->setHideDock(true);
     settle();
     EXPECT_EQ(file(), "first") << "not overwritten while it cannot be kept";
+    disk.setFailing({FakeFiles::Step::write});
+    settings->setHideDock(false);
+    settle();
+    EXPECT_EQ(file(), "first") << "nor put aside while there is nothing in its place";
+    EXPECT_THAT(desktop.program().warnings(), SizeIs(1));
     disk.setFailing({});
     settings->setHotkeyKeyCode(1);
     settle();
@@ -372,6 +377,8 @@ TEST_F(SettingsInTheBar, aScriptReadsAndSetsThem)
     for (auto* assignment : {"barSize=large", "theme=\"aero\"", "groupWindowsByApp=false",
              "hotkeyKeyCode=49", "hotkeyModifiers=0", "runAtLogin=true"})
         EXPECT_EQ(ask({"--set", assignment})->exitStatus, 0) << assignment;
+    EXPECT_THAT(*desktop.files().bytes(FakeFiles::kSettingsFile), HasSubstr("\"large\""))
+        << "saved when the reply comes";
     auto& settings = runtime->userSettings();
     EXPECT_EQ(settings.barSize(), BarSize::large);
     EXPECT_EQ(settings.theme(), BarTheme::aero);
@@ -396,6 +403,11 @@ TEST_F(SettingsInTheBar, aScriptReadsAndSetsThem)
     expectRefusal("barSize", "FIELD=VALUE");
     desktop.loginItem().setRefuses(true);
     expectRefusal("runAtLogin=false", "refuses");
+    desktop.files().setFull(true);
+    auto reply = ask({"--set", "hideDock=true"});
+    EXPECT_EQ(reply->exitStatus, 1);
+    EXPECT_THAT(reply->error, HasSubstr("settings.json cannot be written"));
+    EXPECT_TRUE(settings.hideDock());
 }
 
 }

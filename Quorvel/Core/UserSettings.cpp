@@ -40,11 +40,7 @@ UserSettings::UserSettings(Files& files, LoginItem& loginItem, Application& appl
 {
     createFolder();
     load();
-    m_willTerminate = application.willTerminate.subscribe([this] {
-        m_saveDebounceWork = {};
-        if (m_hasUnsavedChanges)
-            saveNow();
-    });
+    m_willTerminate = application.willTerminate.subscribe([this] { saveChanges(); });
 }
 
 // MARK: Loading
@@ -126,32 +122,59 @@ void UserSettings::scheduleSave()
     m_saveDebounceWork = m_dispatch.main().after(saveDebounceInterval, [this] { saveNow(); });
 }
 
-void UserSettings::saveNow()
+bool UserSettings::saveChanges()
 {
-    if (m_fileURL.empty() || !putRejectedFileAside())
-        return;
-    createFolder();
-    auto error = m_files.writeAtomically(m_fileURL, encodeUserSettings(value()));
-    m_hasUnsavedChanges = static_cast<bool>(error);
-    if (error)
-        m_trace.line("settings save failed error={}", error.value());
+    m_saveDebounceWork = {};
+    if (m_hasUnsavedChanges)
+        saveNow();
+    return !m_hasUnsavedChanges;
 }
 
-bool UserSettings::putRejectedFileAside()
+void UserSettings::saveNow()
 {
-    if (!m_isFileRejected || !m_files.keepsRejectedFiles())
+    if (m_fileURL.empty())
+        return;
+    bool isKept = m_isFileRejected && m_files.keepsRejectedFiles();
+    bool isWritten = isKept ? replaceRejectedFile() : write();
+    m_hasUnsavedChanges = !isWritten;
+    m_isFileRejected &= !isWritten;
+}
+
+bool UserSettings::write()
+{
+    createFolder();
+    auto error = m_files.writeAtomically(m_fileURL, encodeUserSettings(value()));
+    if (error)
+        m_trace.line("settings save failed error={}", error.value());
+    return !error;
+}
+
+bool UserSettings::replaceRejectedFile()
+{
+    if (!m_files.exists(m_fileURL))
+        return write();
+    auto keptAs = putRejectedFileAside();
+    if (!keptAs)
+        return false;
+    if (write()) {
+        m_application.warn(m_fileURL + " is overwritten; what it held is kept as " + *keptAs);
         return true;
+    }
+    m_files.rename(*keptAs, m_fileURL);
+    return false;
+}
+
+std::optional<std::string> UserSettings::putRejectedFileAside()
+{
     for (int number = 1; number <= kMostRejectedFiles; ++number) {
         auto name = rejectedName(m_fileURL, number);
         auto error = m_files.rename(m_fileURL, name);
-        if (error == std::errc::file_exists)
-            continue;
-        m_isFileRejected = error && error != std::errc::no_such_file_or_directory;
         if (!error)
-            m_application.warn(m_fileURL + " is overwritten; what it held is kept as " + name);
-        return !m_isFileRejected;
+            return name;
+        if (error != std::errc::file_exists)
+            break;
     }
-    return false;
+    return std::nullopt;
 }
 
 }

@@ -31,6 +31,8 @@ public:
     const Published<UserSettingsData>& data() const { return m_data; }
     /// A record that is equal changes nothing: no observer is called, nothing is written.
     void setData(UserSettingsData);
+    /// Without waiting for further changes. False if the disk does not have everything.
+    bool saveChanges();
     /// The file's path; empty if the system names no place for it.
     const std::string& fileURL() const { return m_fileURL; }
 
@@ -99,8 +101,10 @@ private:
     void createFolder();
     void scheduleSave();
     void saveNow();
-    /// False if the file that could not be read has to stay where it is.
-    bool putRejectedFileAside();
+    bool write();
+    /// Where the file that could not be read is now; absent if it has to stay where it is.
+    std::optional<std::string> putRejectedFileAside();
+    bool replaceRejectedFile();
 
     Files& m_files;
     Application& m_application;
