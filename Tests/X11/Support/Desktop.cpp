@@ -187,6 +187,16 @@ Frame Desktop::frame(xcb_window_t window)
         geometry->width + extent(0) + extent(1), geometry->height + extent(2) + extent(3)};
 }
 
+xcb_window_t Desktop::windowAt(int x, int y)
+{
+    const auto root = m_connection.root();
+    const auto cookie = xcb_translate_coordinates(
+        m_connection.get(), root, root, static_cast<std::int16_t>(x), static_cast<std::int16_t>(y));
+    const std::unique_ptr<xcb_translate_coordinates_reply_t, Free> reply{
+        xcb_translate_coordinates_reply(m_connection.get(), cookie, nullptr)};
+    return reply ? reply->child : xcb_window_t{XCB_NONE};
+}
+
 std::string Desktop::picture(const Frame& frame)
 {
     const auto cookie = xcb_get_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP,

@@ -45,6 +45,8 @@ public:
     Frame frame(xcb_window_t);
     /// The managed windows from the lowest to the highest.
     std::vector<xcb_window_t> stacking();
+    /// The uppermost window there that takes the pointer, a manager's frame with what is in it.
+    xcb_window_t windowAt(int x, int y);
     /// What the screen shows there.
     std::string picture(const Frame&);
     /// The window of a running manager, as it announces itself.

@@ -1,0 +1,37 @@
+#include "Tests/X11/Support/Keyboard.h"
+
+#include <cstdlib>
+#include <memory>
+
+#include <gtest/gtest.h>
+#include <xcb/xtest.h>
+
+namespace quorvel::x11tests {
+
+std::uint8_t Keyboard::keyOf(std::uint32_t symbol)
+{
+    const auto* const setup = xcb_get_setup(m_connection.get());
+    const int first = setup->min_keycode;
+    const int count = setup->max_keycode - first + 1;
+    const auto cookie = xcb_get_keyboard_mapping(
+        m_connection.get(), setup->min_keycode, static_cast<std::uint8_t>(count));
+    const std::unique_ptr<xcb_get_keyboard_mapping_reply_t, decltype(&std::free)> map{
+        xcb_get_keyboard_mapping_reply(m_connection.get(), cookie, nullptr), &std::free};
+    for (int i = 0; map && i < count; ++i) {
+        if (xcb_get_keyboard_mapping_keysyms(map.get())[i * map->keysyms_per_keycode] == symbol)
+            return static_cast<std::uint8_t>(first + i);
+    }
+    ADD_FAILURE() << "no key for symbol " << symbol;
+    return 0;
+}
+
+void Keyboard::type(std::uint32_t symbol)
+{
+    const auto key = keyOf(symbol);
+    for (const auto event : {XCB_KEY_PRESS, XCB_KEY_RELEASE})
+        xcb_test_fake_input(m_connection.get(), static_cast<std::uint8_t>(event), key,
+            XCB_CURRENT_TIME, m_connection.root(), 0, 0, 0);
+    m_connection.sync();
+}
+
+}
