@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -51,9 +52,15 @@ public:
         display.frame = {0, 0, 1920, 1080};
         display.scale = kScale;
         m_desktop.workspace().makeIcon = [] { return stripes(64, 64); };
-        m_desktop.screenCapture().makePicture = [](WindowID, const CaptureConfiguration& size) {
-            return stripes(int(size.width), int(size.height));
-        };
+        // Drawing the windows is not the bar's work.
+        m_desktop.screenCapture().makePicture
+            = [pictures = std::map<std::pair<int, int>, Image>{}](
+                  WindowID, const CaptureConfiguration& size) mutable {
+                  auto& picture = pictures[{int(size.width), int(size.height)}];
+                  if (!picture)
+                      picture = stripes(int(size.width), int(size.height));
+                  return picture;
+              };
         m_pid = m_desktop.launch({.name = "Editor", .bundleIdentifier = "editor"});
         for (int i = 0; i < kWindows; ++i)
             m_windows.push_back(

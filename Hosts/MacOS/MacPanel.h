@@ -36,6 +36,7 @@ public:
     Duration frameInterval() const override;
     bool takeKeyboard() override;
     void releaseKeyboard() override;
+    void setOpacity(double opacity) override { m_panel.alphaValue = opacity; }
     void accessibleTreeDidChange() override { }
 
     QVSurfaceView* view() const { return m_view; }

@@ -17,7 +17,6 @@ public:
     void draw(CGContextRef, const Rect&) const;
 
 private:
-    bool isRightToLeft() const;
     CFRef<CTLineRef> fitted(double width) const;
     double startX(const Rect&, double width) const;
 

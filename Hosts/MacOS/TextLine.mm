@@ -78,12 +78,6 @@ void TextLine::draw(CGContextRef context, const Rect& rect) const
     CGContextRestoreGState(context);
 }
 
-/// The line's own direction: where its first character begins.
-bool TextLine::isRightToLeft() const
-{
-    return CTLineGetOffsetForStringIndex(m_line.get(), 0, nullptr) > m_width / 2;
-}
-
 CFRef<CTLineRef> TextLine::fitted(double width) const
 {
     if (!m_line || m_width <= width || m_style.elide == Elide::none)
@@ -97,7 +91,9 @@ CFRef<CTLineRef> TextLine::fitted(double width) const
 double TextLine::startX(const Rect& rect, double width) const
 {
     const double room = rect.width - width;
-    const bool isAtRight = (m_style.alignment == TextAlignment::trailing) != isRightToLeft();
+    const bool isRightToLeft
+        = NSApp.userInterfaceLayoutDirection == NSUserInterfaceLayoutDirectionRightToLeft;
+    const bool isAtRight = (m_style.alignment == TextAlignment::trailing) != isRightToLeft;
     if (m_style.alignment == TextAlignment::centre)
         return rect.x + room / 2;
     return isAtRight ? rect.x + room : rect.x;

@@ -42,7 +42,8 @@ struct GradientStop {
 };
 
 /// Draws on a surface in points, origin at its top left, y downwards. Main thread, inside paint
-/// only. Text runs in its own direction: `leading` is the right edge for right-to-left text.
+/// only. Text runs in its own direction, but `leading` and `trailing` are those of the interface:
+/// a title stands beside its icon in whatever language it is.
 class Canvas {
 public:
     virtual ~Canvas() = default;

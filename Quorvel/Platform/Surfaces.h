@@ -119,6 +119,9 @@ public:
     virtual double scale() const = 0;
     /// Paints this part once before the next frame, however often it is asked for.
     virtual void invalidate(const Rect&) = 0;
+    /// Of the whole panel, from 0 to 1, without painting it anew. Where nothing composes windows it
+    /// has no effect.
+    virtual void setOpacity(double) = 0;
     /// Shows the desktop blurred behind the whole panel, or no longer; false where nothing can,
     /// then paint opaque.
     virtual bool setBlursBehind(const std::optional<VisualEffect>&) = 0;

@@ -174,9 +174,13 @@ void BarContentView::pinsDidChange()
     std::erase_if(m_launching,
         [&](auto& entry) { return std::ranges::find(m_pins, entry.first) == m_pins.end(); });
     std::vector<PinData> pins;
-    for (auto& id : m_pins)
-        pins.push_back({id, m_inputs.viewModel.appName(id), m_inputs.viewModel.icon(id),
-            m_launching.contains(id)});
+    for (auto& id : m_pins) {
+        auto icon = m_inputs.viewModel.icon(id);
+        if (!icon)
+            icon = m_inputs.platform.workspace.genericApplicationIcon();
+        pins.push_back(
+            {id, m_inputs.viewModel.appName(id), std::move(icon), m_launching.contains(id)});
+    }
     m_row->setPins(pins);
     m_inputs.surface.accessibleTreeDidChange();
 }

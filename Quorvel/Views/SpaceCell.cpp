@@ -15,7 +15,6 @@ struct Style {
     static constexpr double radius = 5;
     static constexpr double attentionSize = 6;
     static constexpr Color attention{1.0, 0.58, 0.08};
-    static constexpr Color currentMark{0.30, 0.60, 1.0};
 
     static const Style& of(bool isDark);
 };

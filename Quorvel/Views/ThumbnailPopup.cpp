@@ -110,11 +110,6 @@ public:
         m_hiddenCount = layout.hiddenCount;
         invalidate();
     }
-    void setOpacity(double opacity)
-    {
-        m_opacity = opacity;
-        invalidate();
-    }
     std::string accessibleID() const override { return "popup"; }
     AccessibleState accessibleState() const override
     {
@@ -150,12 +145,10 @@ private:
                     .alignment = TextAlignment::centre});
         }
     }
-    double paintOpacity() const override { return m_opacity; }
 
     const Published<Appearance>& m_appearance;
     double m_arrowX = 0;
     std::size_t m_hiddenCount = 0;
-    double m_opacity = 1;
 };
 
 // MARK: On the screen
@@ -181,16 +174,16 @@ void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, 
     auto& appearance = m_inputs.appearance.value();
     m_layout = ThumbnailPopupLayout::of(chips.size(), chip, screen, appearance.isRightToLeft);
     makeCards(chips);
-    if (appearance.reduceMotion)
-        m_animation.stop();
+    m_animation.stop();
+    bool fadesIn = !appearance.reduceMotion && !animatingFrom;
+    m_surface->setOpacity(fadesIn ? 0 : 1);
     m_surface->setFrame(m_layout.frame);
     m_surface->orderFront();
-    if (appearance.reduceMotion)
-        return;
-    if (animatingFrom)
-        return animate(*animatingFrom);
-    m_animation.start(Style::fade, m_surface->frameInterval(),
-        [this](double share) { m_content->setOpacity(share); });
+    if (fadesIn)
+        m_animation.start(Style::fade, m_surface->frameInterval(),
+            [this](double share) { m_surface->setOpacity(share); });
+    else if (!appearance.reduceMotion)
+        animate(*animatingFrom);
 }
 
 void ThumbnailPopup::hide()

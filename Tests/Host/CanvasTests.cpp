@@ -26,12 +26,12 @@ constexpr double kScales[] = {1, 1.5, 2};
 /// A surface of points to draw on, and its pixels.
 class Paper {
 public:
-    Paper(double width, double height, double scale_)
+    Paper(double width, double height, double scale_, bool isRightToLeft = false)
         : scale(scale_)
         , surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32,
               static_cast<int>(std::ceil(width * scale_)),
               static_cast<int>(std::ceil(height * scale_))))
-        , canvas(surface.get(), scale_, shaper)
+        , canvas(surface.get(), scale_, shaper, isRightToLeft)
     {
     }
 
@@ -89,9 +89,10 @@ struct SquareIcon : IconImage {
     mutable CairoSurface surface;
 };
 
-Rect inkOfText(std::string_view text, const TextStyle& style, Rect box, double scale = 1)
+Rect inkOfText(std::string_view text, const TextStyle& style, Rect box, double scale = 1,
+    bool isRightToLeft = false)
 {
-    Paper paper{300, 60, scale};
+    Paper paper{300, 60, scale, isRightToLeft};
     paper.canvas.drawText(text, box, style);
     return paper.ink();
 }
@@ -269,14 +270,16 @@ TEST(CairoCanvas, titlesShareABaselineWhateverTheirLetters)
     EXPECT_NEAR(inkOfText("nnn", whiteText(), box, 2).width, 2 * plain.width, 3);
 }
 
-TEST(CairoCanvas, textAlignsByItsOwnDirectionAndEndsInAnEllipsis)
+TEST(CairoCanvas, textAlignsByTheInterfacesDirectionAndEndsInAnEllipsis)
 {
     Rect box{20, 0, 200, 40};
     EXPECT_NEAR(inkOfText("abc", whiteText(), box).x, 20, 2);
     EXPECT_NEAR(inkOfText("abc", whiteText(TextAlignment::trailing), box).maxX(), 220, 2);
     EXPECT_NEAR(inkOfText("abc", whiteText(TextAlignment::centre), box).centre().x, 120, 2);
-    EXPECT_NEAR(inkOfText("שלום", whiteText(), box).maxX(), 220, 2);
-    EXPECT_NEAR(inkOfText("שלום", whiteText(TextAlignment::trailing), box).x, 20, 2);
+    EXPECT_NEAR(inkOfText("שלום", whiteText(), box).x, 20, 2);
+    EXPECT_NEAR(inkOfText("abc", whiteText(), box, 1, true).maxX(), 220, 2);
+    EXPECT_NEAR(inkOfText("שלום", whiteText(), box, 1, true).maxX(), 220, 2);
+    EXPECT_NEAR(inkOfText("שלום", whiteText(TextAlignment::trailing), box, 1, true).x, 20, 2);
 
     Rect narrow{20, 0, 60, 40};
     std::string endless(1'000'000, 'w');

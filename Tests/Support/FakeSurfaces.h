@@ -37,6 +37,7 @@ public:
     double scale() const override;
     void invalidate(const Rect&) override;
     bool setBlursBehind(const std::optional<VisualEffect>&) override;
+    void setOpacity(double opacity) override { m_opacity = opacity; }
     Duration frameInterval() const override { return seconds(1.0 / 60); }
     bool takeKeyboard() override;
     void releaseKeyboard() override;
@@ -45,6 +46,7 @@ public:
     const PanelOptions& options() const { return m_options; }
     bool isOrderedIn() const { return m_isOrderedIn; }
     bool canBecomeKey() const { return m_canBecomeKey; }
+    double opacity() const { return m_opacity; }
     const std::optional<VisualEffect>& effect() const { return m_effect; }
     bool blursBehind() const { return m_effect.has_value(); }
     Rect bounds() const { return Rect::from({}, m_frame.size()); }
@@ -85,6 +87,7 @@ private:
     bool m_isOrderedIn = false;
     bool m_canBecomeKey = false;
     std::optional<VisualEffect> m_effect;
+    double m_opacity = 1;
     bool m_hasPointer = false;
     bool m_hasKeyboard = false;
     int m_treeChanges = 0;

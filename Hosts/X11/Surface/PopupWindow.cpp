@@ -1,6 +1,7 @@
 #include "Hosts/X11/Surface/PopupWindow.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include <unistd.h>
@@ -110,7 +111,8 @@ void PopupWindow::present(const std::vector<Rect>& parts)
         if (m_picture)
             flatten(m_picture.get(), m_buffer.surface(), pixels);
     }
-    if (!parts.empty())
+    // Inside, nothing is transparent.
+    if (std::ranges::any_of(parts, [this](auto& part) { return reachesEdge(part); }))
         shape();
     if (!std::exchange(m_isMapped, true)) {
         raise();
@@ -119,6 +121,20 @@ void PopupWindow::present(const std::vector<Rect>& parts)
     // All requests go out together, so that nobody sees one without the others.
     for (auto& part : parts)
         m_buffer.copyTo(m_window, part);
+    xcb_flush(m_connection.raw());
+}
+
+bool PopupWindow::reachesEdge(const Rect& part) const
+{
+    return part.x <= 0 || part.y <= 0 || part.maxX() >= m_frame.width
+        || part.maxY() >= m_frame.height;
+}
+
+void PopupWindow::setOpacity(double opacity)
+{
+    auto value = static_cast<std::uint32_t>(std::lround(opacity * 0xFFFFFFFFU));
+    xcb_change_property(m_connection.raw(), XCB_PROP_MODE_REPLACE, m_window,
+        m_connection.atoms().netWmWindowOpacity, XCB_ATOM_CARDINAL, 32, 1, &value);
     xcb_flush(m_connection.raw());
 }
 

@@ -25,10 +25,13 @@ public:
     /// Shows these parts of the picture; the window comes up with the first ones.
     void present(const std::vector<Rect>& parts);
     void raise();
+    /// Only a compositor does anything about it.
+    void setOpacity(double);
     void expose(const Rect& part) { m_buffer.copyTo(m_window, part); }
 
 private:
     void create(const std::string& title);
+    bool reachesEdge(const Rect& part) const;
     void shape();
 
     Connection& m_connection;

@@ -98,7 +98,6 @@ ShapedLine TextShaper::shape(
     PangoRectangle logical{};
     pango_layout_line_get_extents(shaped.line, nullptr, &logical);
     shaped.width = static_cast<double>(logical.width) / PANGO_SCALE;
-    shaped.isRightToLeft = shaped.line->resolved_dir == PANGO_DIRECTION_RTL;
     return shaped;
 }
 

@@ -21,7 +21,6 @@ struct LineMetrics {
 struct ShapedLine {
     PangoLayoutLine* line = nullptr;
     double width = 0; ///< pixels
-    bool isRightToLeft = false;
 };
 
 /// Shapes single lines with the interface font, through Pango. Main thread.

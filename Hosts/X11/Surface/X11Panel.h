@@ -27,6 +27,7 @@ public:
     bool setBlursBehind(const std::optional<VisualEffect>&) override;
     Duration frameInterval() const override;
     bool takeKeyboard() override;
+    void setOpacity(double) override { } // a bar never fades
     void releaseKeyboard() override { m_keyboard.release(); }
     void accessibleTreeDidChange() override;
 

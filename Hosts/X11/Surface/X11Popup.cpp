@@ -47,6 +47,8 @@ void X11Popup::orderFront()
     if (m_window)
         return m_window->raise();
     m_window = std::make_unique<PopupWindow>(m_context.connection, m_options.title);
+    if (m_opacity < 1)
+        m_window->setOpacity(m_opacity);
     m_accessible = m_context.accessible.add(*this, m_client);
     repaintAll();
 }
@@ -58,6 +60,12 @@ void X11Popup::orderOut()
     m_accessible = {};
     m_window.reset();
     m_pointer.cancel();
+}
+
+void X11Popup::setOpacity(double opacity)
+{
+    if (std::exchange(m_opacity, opacity) != opacity && m_window)
+        m_window->setOpacity(opacity);
 }
 
 void X11Popup::invalidate(const Rect& points)

@@ -31,6 +31,7 @@ public:
     bool isVisible() const override { return m_isOrderedIn; }
     double scale() const override { return m_context.scale(); }
     void invalidate(const Rect&) override;
+    void setOpacity(double) override;
     bool setBlursBehind(const std::optional<VisualEffect>&) override { return false; }
     Duration frameInterval() const override;
     bool takeKeyboard() override;
@@ -52,6 +53,7 @@ private:
     SurfaceClient& m_client;
     const std::function<void()> m_onPointerMoved;
     Rect m_frame; ///< points, bottom-left origin
+    double m_opacity = 1;
     bool m_isOrderedIn = false;
     PaintSource m_paint;
     DamageRegion m_damage;
