@@ -225,7 +225,7 @@ TEST_P(Monitors, desktopsComeAndGo)
 
 namespace {
 
-constexpr int kRounds = 20;
+constexpr int kRounds = 8;
 constexpr int kFullRounds = 200;
 
 const std::vector<std::vector<Frame>> kLayouts{
