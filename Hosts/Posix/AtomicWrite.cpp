@@ -2,8 +2,7 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
+#include <filesystem>
 #include <string_view>
 
 #include <fcntl.h>
@@ -19,17 +18,26 @@ namespace {
 
 constexpr mode_t kPermissionBits = 0777;
 constexpr int kMostAttempts = 1000;
+constexpr int kMostLinks = 40;
 
 std::error_code lastError()
 {
     return {errno, std::generic_category()};
 }
 
-/// The file that a link stands for: a user may keep the settings elsewhere and link to them.
+/// The file that a link stands for, which need not be there yet: a user may keep the settings
+/// elsewhere and link to them. Empty for links that lead in a circle.
 std::string followLinks(const std::string& path)
 {
-    std::unique_ptr<char, void (*)(void*)> resolved{::realpath(path.c_str(), nullptr), std::free};
-    return resolved ? resolved.get() : path;
+    std::filesystem::path target{path};
+    for (int links = 0; links <= kMostLinks; ++links) {
+        std::error_code error;
+        auto next = std::filesystem::read_symlink(target, error);
+        if (error)
+            return target.string();
+        target = target.parent_path() / next;
+    }
+    return {};
 }
 
 bool isNamed(int file, const std::string& path)
@@ -108,6 +116,8 @@ void keepPermissions(int file, const std::string& path)
 std::error_code writeAtomically(const std::string& path, const std::string& bytes)
 {
     const auto target = followLinks(path);
+    if (target.empty())
+        return std::make_error_code(std::errc::too_many_symbolic_link_levels);
     const auto temporary = target + ".new";
     auto file = openNew(temporary);
     if (!file)

@@ -160,6 +160,15 @@ TEST_F(SettingsFileTest, aLinkIsFollowedAndPermissionsAreKept)
     EXPECT_EQ(text("dotfiles/settings"), "new");
     EXPECT_EQ(fs::status(path("dotfiles/settings")).permissions(),
         fs::perms::owner_read | fs::perms::owner_write);
+
+    // To a file that is not there yet; in a circle.
+    fs::create_symlink("dotfiles/later", path("ahead"));
+    ASSERT_FALSE(files->writeAtomically(path("ahead"), "new"));
+    EXPECT_TRUE(fs::is_symlink(path("ahead")));
+    EXPECT_EQ(text("dotfiles/later"), "new");
+    fs::create_symlink("circle", path("circle"));
+    EXPECT_TRUE(files->writeAtomically(path("circle"), "new"));
+    EXPECT_TRUE(fs::is_symlink(path("circle")));
 }
 
 // Two bars of one user on two displays save at the same moment.
