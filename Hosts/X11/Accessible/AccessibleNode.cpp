@@ -182,10 +182,11 @@ AtkRole AccessibleNode::role() const
     return isSurface() ? ATK_ROLE_WINDOW : toSystem(element_->accessibleState().role);
 }
 
-const AccessibleNode::Description& AccessibleNode::description()
+const char* AccessibleNode::keep(std::string& kept, std::string answer)
 {
-    m_answer = describe();
-    return m_answer;
+    if (kept != answer)
+        kept = std::move(answer);
+    return kept.c_str();
 }
 
 AccessibleNode::Description AccessibleNode::describe() const
@@ -260,8 +261,8 @@ const char* AccessibleNode::actionName(std::size_t index)
         = element_ ? element_->accessibleState().actions : std::vector<std::string>{};
     if (index >= actions.size())
         return nullptr;
-    m_actionName = validText(actions[index]);
-    return m_actionName.c_str();
+    m_actionNames.resize(std::max(m_actionNames.size(), actions.size()));
+    return keep(m_actionNames[index], validText(actions[index]));
 }
 
 bool AccessibleNode::performAction(std::size_t index)

@@ -44,9 +44,11 @@ public:
     int indexInParent() const;
 
     AtkRole role() const;
-    /// Its texts are valid until the next call.
-    const Description& description();
-    /// By their place; valid until the next call. Null if there is none.
+    Description describe() const;
+    /// These stay valid as long as the answer is the same: the bridge holds one while it asks on.
+    const char* name() { return keep(m_name, describe().name); }
+    const char* text() { return keep(m_text, describe().text); }
+    /// By its place; null if there is none.
     const char* actionName(std::size_t index);
     std::size_t actionCount() const;
     bool performAction(std::size_t index);
@@ -58,12 +60,12 @@ public:
     void announceChanges();
 
 private:
+    static const char* keep(std::string& kept, std::string answer);
     bool isApplication() const { return !m_parent; }
     bool isSurface() const { return m_parent && m_parent->isApplication(); }
     const AccessibleSurfaces::Entry* surface() const;
     AccessibleElement* element() const;
     std::vector<std::string> childIDs() const;
-    Description describe() const;
     std::uint64_t statesOf(const AccessibleState&) const;
     bool isShowing(const Rect& place) const;
 
@@ -82,8 +84,9 @@ private:
     bool m_hasChildren = false; ///< somebody has asked for them
     bool m_isAnnouncing = false;
     Description m_told;
-    Description m_answer;
-    std::string m_actionName;
+    std::string m_name;
+    std::string m_text;
+    std::vector<std::string> m_actionNames;
     AtkObject* const m_object;
 };
 

@@ -24,13 +24,13 @@ AccessibleNode* nodeOf(gpointer object)
 const char* nameOf(AtkObject* object)
 {
     auto* node = nodeOf(object);
-    return node ? node->description().name.c_str() : "";
+    return node ? node->name() : "";
 }
 
 const char* descriptionOf(AtkObject* object)
 {
     auto* node = nodeOf(object);
-    return node ? node->description().text.c_str() : "";
+    return node ? node->text() : "";
 }
 
 AtkObject* parentOf(AtkObject* object)
@@ -79,7 +79,7 @@ AtkStateSet* refStatesOf(AtkObject* object)
         atk.addState(set, ATK_STATE_DEFUNCT);
         return set;
     }
-    const auto description = node->description();
+    const auto description = node->describe();
     for (int state = 0; state < ATK_STATE_LAST_DEFINED; ++state) {
         if (description.has(static_cast<AtkStateType>(state)))
             atk.addState(set, static_cast<AtkStateType>(state));
