@@ -1,5 +1,6 @@
 #include "Tests/X11/Support/ScreenReader.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <utility>
@@ -64,18 +65,38 @@ ScreenReader::ScreenReader(const XServer& server)
     EXPECT_TRUE(answer) << "no accessibility service on the session bus";
     g_clear_pointer(&answer, g_variant_unref);
     EXPECT_EQ(atspi_init(), 0);
+    m_listener = atspi_event_listener_new(&ScreenReader::onEvent, this, nullptr);
+    for (const auto* event : {"object:property-change:accessible-name",
+             "object:state-changed:checked", "object:children-changed"})
+        EXPECT_TRUE(atspi_event_listener_register(m_listener, event, nullptr));
 }
 
 ScreenReader::~ScreenReader()
 {
+    g_object_unref(m_listener);
     atspi_exit();
     g_dbus_connection_close_sync(m_session, nullptr, nullptr);
     g_object_unref(m_session);
 }
 
-void ScreenReader::listen()
+void ScreenReader::onEvent(AtspiEvent* event, void* self)
+{
+    const auto isOn = event->detail1 != 0 ? ":on" : ":off";
+    const std::string type = event->type;
+    const auto isText = G_VALUE_HOLDS_STRING(&event->any_data);
+    const char* text = isText ? g_value_get_string(&event->any_data) : nullptr;
+    static_cast<ScreenReader*>(self)->m_heard.push_back(
+        {type.starts_with("object:state-changed") ? type + isOn : type,
+            text ? text : takeText(atspi_accessible_get_name(event->source, nullptr))});
+    g_boxed_free(ATSPI_TYPE_EVENT, event);
+}
+
+bool ScreenReader::hasHeard(const std::string& event, const std::string& text)
 {
     while (g_main_context_iteration(nullptr, false)) { }
+    return std::ranges::any_of(m_heard, [&](auto& heard) {
+        return heard.type == event && heard.name.find(text) != std::string::npos;
+    });
 }
 
 std::vector<ScreenReader::Element> ScreenReader::elementsOf(const std::string& program) const

@@ -14,7 +14,7 @@
 namespace quorvel::x11tests {
 
 /// An assistive program as users have it: it asks the desktop to show itself, finds the programs in
-/// the registry, and believes what it was once told until it hears of a change. One in a process.
+/// the registry, and listens to what they announce. One in a process.
 class ScreenReader {
 public:
     struct Forget {
@@ -28,8 +28,8 @@ public:
     ScreenReader& operator=(const ScreenReader&) = delete;
     ~ScreenReader();
 
-    /// Takes in what has been announced.
-    static void listen();
+    /// Whether this was announced, by now, of something with this text in its name.
+    bool hasHeard(const std::string& event, const std::string& text);
     /// What is on the surface of the program that is seen, in order; empty if there is none.
     std::vector<Element> elementsOf(const std::string& program) const;
     /// The one whose name contains the text; null if there is none.
@@ -45,10 +45,18 @@ public:
     void killService();
 
 private:
+    struct Event {
+        std::string type;
+        std::string name; ///< of what it is about
+    };
+
+    static void onEvent(AtspiEvent*, void* self);
     GVariant* call(const char* name, const char* path, const char* interface, const char* member,
         GVariant* arguments) const;
 
     GDBusConnection* m_session;
+    AtspiEventListener* m_listener;
+    std::vector<Event> m_heard;
 };
 
 }
