@@ -220,10 +220,10 @@ void dragOfAChip(benchmark::State& state)
     }
 }
 
-/// Comes up over the group, goes when the pointer has left.
-void popupOfAGroup(benchmark::State& state)
+/// Comes up over the first chip, goes when the pointer has left.
+void popup(benchmark::State& state, bool isGrouped)
 {
-    Bar bar(true);
+    Bar bar(isGrouped);
     Frames frames(state);
     for (auto _ : state) {
         bar.panel().movePointer(bar.chips().front().second.centre());
@@ -251,7 +251,8 @@ void popupOfAGroup(benchmark::State& state)
 BENCHMARK(wholeBar)->Unit(benchmark::kMillisecond);
 BENCHMARK(oneChangedTitle)->Unit(benchmark::kMillisecond);
 BENCHMARK(dragOfAChip)->Unit(benchmark::kMillisecond)->UseManualTime();
-BENCHMARK(popupOfAGroup)->Unit(benchmark::kMillisecond)->UseManualTime();
+BENCHMARK_CAPTURE(popup, window, false)->Unit(benchmark::kMillisecond)->UseManualTime();
+BENCHMARK_CAPTURE(popup, group_of_fifty, true)->Unit(benchmark::kMillisecond)->UseManualTime();
 
 }
 

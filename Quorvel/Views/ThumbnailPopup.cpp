@@ -36,6 +36,8 @@ const Style& Style::of(bool isDark)
     return isDark ? dark : light;
 }
 
+constexpr std::size_t kPicturesAFrame = 8;
+
 constexpr std::array kPictureSizes{
     ThumbnailService::kPopupPictureSize, Size{180, 112.5}, Size{132, 82.5}};
 
@@ -205,6 +207,7 @@ void ThumbnailPopup::animate(const Rect& from)
 void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
 {
     auto& appearance = m_inputs.appearance.value();
+    m_filling = {};
     m_pictures.clear();
     m_cards.clear();
     auto content = std::make_unique<Content>(m_inputs.appearance);
@@ -225,10 +228,21 @@ void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
                 onWindowClosed(id);
         };
         m_cards.push_back(&card);
-        askForPicture(card);
     }
+    askForPictures();
     m_hostingView.setContent(std::move(content));
     m_surface->accessibleTreeDidChange();
+}
+
+/// A few each frame: to draw those of fifty windows takes longer than one.
+void ThumbnailPopup::askForPictures()
+{
+    auto end = std::min(m_cards.size(), m_pictures.size() + kPicturesAFrame);
+    while (m_pictures.size() < end)
+        askForPicture(*m_cards[m_pictures.size()]);
+    if (end < m_cards.size())
+        m_filling = m_inputs.dispatch.main().after(
+            m_surface->frameInterval(), [this] { askForPictures(); });
 }
 
 /// The one there is at once, the fresh one when it comes.

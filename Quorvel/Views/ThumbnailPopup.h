@@ -74,6 +74,7 @@ private:
     class Content;
 
     void makeCards(const std::vector<ChipData>&);
+    void askForPictures();
     void askForPicture(ThumbnailCard&);
     void animate(const Rect& from);
     Rect onScreen(const Rect& inRoot) const;
@@ -86,6 +87,7 @@ private:
     std::vector<ThumbnailCard*> m_cards;
     std::vector<Subscription> m_pictures;
     Animation m_animation;
+    WorkItem m_filling;
 };
 
 }
