@@ -222,6 +222,28 @@ TEST_F(BarInteractionTest, aChipDroppedOnASpaceMovesItsWindowThere)
     EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Draft"));
 }
 
+// Faults: a press where a chip was a moment ago closes the gap, so that the next one hits a
+// neighbour; a window that opens makes the chips of a full row narrower under the pointer.
+TEST_F(BarInteractionTest, nothingMovesUnderTheHandThatPressesAGapOrRestsOnAFullRow)
+{
+    auto gap = middleOf(inbox);
+    panel().movePointer(gap);
+    desktop.close(inbox);
+    settle();
+    auto place = chipFrame(draft);
+    panel().press(gap);
+    settle();
+    EXPECT_EQ(chipFrame(draft), place);
+    panel().release(gap);
+    for (int i = 0; i < 20; ++i)
+        desktop.open(editor, {.title = "New"});
+    settle();
+    EXPECT_EQ(chipFrame(draft), place);
+    leave();
+    EXPECT_NE(chipFrame(draft), place);
+    EXPECT_TRUE(chipFrame(draft));
+}
+
 TEST_F(BarInteractionTest, pinsStandBeforeTheChipsWhileTheirApplicationHasNoWindow)
 {
     for (auto* id : {"player", "mail", "browser"})

@@ -132,9 +132,11 @@ std::vector<View*> BarHostingView::viewsUnderPointer() const
     if (!m_pointer || !m_content)
         return views;
     views = m_content->pathTo(*m_pointer);
-    // While a button is down, only the pressed view and what holds it may look hovered.
+    // While a button is down, nothing else that could be pressed may look hovered. What only holds
+    // other views is under the pointer all the same: a row is still, pressed in a gap or not.
     if (m_pressed)
-        std::erase_if(views, [&](auto* view) { return !m_pressed->isWithin(*view); });
+        std::erase_if(
+            views, [&](auto* view) { return view->takesPointer() && !m_pressed->isWithin(*view); });
     return views;
 }
 

@@ -328,7 +328,8 @@ void ChipsRow::layout()
             (bounds().width - x + m_metrics.chipSpacing) / count - m_metrics.chipSpacing);
         bool hasTitle = m_title != ChipView::Title::none;
         double most = hasTitle ? ChipView::fullWidth(m_metrics) : pinWidth;
-        if (!isHeld() || m_chipWidth == 0 || m_chipWidth > room || m_chipWidth > most)
+        // A full row under the pointer goes on out of sight: what is aimed at must not move.
+        if (!isHeld() || m_chipWidth == 0 || m_chipWidth > most)
             m_chipWidth = std::clamp(room, pinWidth, most);
         for (auto& id : m_slots) {
             m_places[id] = x;
