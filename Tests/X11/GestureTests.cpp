@@ -77,6 +77,12 @@ protected:
             return testing::AssertionResult(now == titles) << testing::PrintToString(now);
         });
     }
+    bool isShowingDesktop()
+    {
+        auto& connection = desktop.connection();
+        return connection.numbers(connection.root(), "_NET_SHOWING_DESKTOP")
+            == std::vector<std::uint32_t>{1};
+    }
     /// Drops on the right part of another, so that it comes behind that one.
     void dragBehind(const Frame& what, const Frame& other)
     {
@@ -88,8 +94,9 @@ protected:
 };
 
 // Faults: a drag that clicks as well, drops a place off or is forgotten with the next window; pins
-// that fall back into the old order; another window that goes to the space, or none.
-TEST_P(Gestures, moveChipsPinsAndWindows)
+// that fall back into the old order; another window that goes to the space, or none; a desktop that
+// is not shown or not left again, with windows that pass for minimised.
+TEST_P(Gestures, moveChipsPinsAndWindowsAndShowTheDesktop)
 {
     const auto active = desktop.activeWindow();
     dragBehind(chip("a"), chip("c"));
@@ -117,20 +124,11 @@ TEST_P(Gestures, moveChipsPinsAndWindows)
     EXPECT_TRUE(stand({"", "b", "a", "d", "e"}));
     EXPECT_TRUE(settles(*bar));
     EXPECT_EQ(desktop.currentDesktop(), 0u);
-}
 
-// Faults: a desktop that is not shown, or not left again; windows that pass for minimised.
-TEST_P(Gestures, showTheDesktopAndLeaveItAgain)
-{
-    const auto isShowing = [&] {
-        return desktop.connection().numbers(desktop.connection().root(), "_NET_SHOWING_DESKTOP")
-            == std::vector<std::uint32_t>{1};
-    };
     for (const bool shows : {true, false}) {
         pointer.click(panel().showDesktop);
-        EXPECT_TRUE(eventually(2s, [&] { return isShowing() == shows; })) << shows;
-        const auto state = bar->state();
-        for (const auto& window : state->windows)
+        EXPECT_TRUE(eventually(2s, [&] { return isShowingDesktop() == shows; })) << shows;
+        for (const auto& window : bar->state()->windows)
             EXPECT_FALSE(window.isMinimized) << window.title;
     }
     pointer.moveTo(5, 5);

@@ -24,6 +24,9 @@ void Pointer::press(Button button)
 void Pointer::release(Button button)
 {
     change(XCB_BUTTON_RELEASE, button);
+    // Window managers hold each press back until they have looked at it. The server keeps the
+    // release as long, and delivers it where the pointer is by then.
+    EXPECT_TRUE(eventually(2s, [this] { return !isPressed(); }));
 }
 
 void Pointer::change(std::uint8_t event, Button button)
@@ -44,7 +47,6 @@ void Pointer::drag(const Frame& from, int toX, int toY)
     for (int step = 1; step <= kSteps; ++step)
         moveTo(x + (toX - x) * step / kSteps, y + (toY - y) * step / kSteps);
     release(Button::primary);
-    EXPECT_TRUE(eventually(2s, [this] { return !isPressed(); }));
 }
 
 void Pointer::click(const Frame& frame, Button button)
@@ -52,9 +54,6 @@ void Pointer::click(const Frame& frame, Button button)
     moveTo(frame);
     press(button);
     release(button);
-    // Window managers hold each press back until they have looked at it. The server keeps the
-    // release as long, and delivers it where the pointer is by then.
-    EXPECT_TRUE(eventually(2s, [this] { return !isPressed(); }));
 }
 
 bool Pointer::isPressed()

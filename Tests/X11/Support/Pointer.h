@@ -23,10 +23,11 @@ public:
         moveTo(frame.x + frame.width / 2, frame.y + frame.height / 2);
     }
     void press(Button);
+    /// Returns when the release has been delivered.
     void release(Button);
     /// Presses on the one and releases on the other, by way of some places between.
     void drag(const Frame& from, int toX, int toY);
-    /// Moves to the middle, presses, releases, and returns when the release has been delivered.
+    /// Moves to the middle, presses and releases.
     void click(const Frame&, Button = Button::primary);
 
 private:
