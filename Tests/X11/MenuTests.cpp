@@ -127,11 +127,42 @@ protected:
     std::unique_ptr<Bar> bar;
 };
 
-// Faults: a menu that a click outside or Escape does not close, that takes the focus, or whose keys
-// reach the window below; one entry too few or too many on the way; a submenu that opens no way
-// back.
-TEST_P(Menus, areWalkedByKeyboardAndLeftAgain)
+// Faults: a walk along the bar that begins elsewhere than at the window in use, that takes its
+// focus, or that goes on after a menu or a click has the keyboard; a menu that a click outside or
+// Escape does not close, that takes the focus, or whose keys reach the window below; one entry too
+// few or too many on the way; a submenu that opens no way back.
+TEST_P(Menus, andTheBarAreWalkedByKeyboardAndLeftAgain)
 {
+    focus();
+    EXPECT_TRUE(isOn("second"));
+    EXPECT_EQ(desktop.activeWindow(), windows[1]);
+    keyboard.type(XKB_KEY_Left);
+    EXPECT_TRUE(isOn("first"));
+    keyboard.type(XKB_KEY_Return);
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == windows[0]; }));
+    EXPECT_TRUE(isOn(""));
+    ASSERT_TRUE(settles(*bar));
+
+    focus();
+    EXPECT_TRUE(isOn("first"));
+    keyboard.type(XKB_KEY_Menu);
+    ASSERT_TRUE(eventually(2s, [&] { return !entries().empty(); }));
+    EXPECT_TRUE(isOn(""));
+    keyboard.type(XKB_KEY_Escape);
+    EXPECT_TRUE(isClosed());
+
+    focus();
+    EXPECT_TRUE(isOn("first"));
+    pointer.click(desktop.frame(windows[0]));
+    EXPECT_TRUE(isOn(""));
+    focus();
+    keyboard.type(XKB_KEY_Escape);
+    EXPECT_TRUE(isOn(""));
+    EXPECT_EQ(desktop.activeWindow(), windows[0]);
+    clickChip(*bar, windows[1]);
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == windows[1]; }));
+    ASSERT_TRUE(settles(*bar));
+
     openMenuOf(windows[0]);
     EXPECT_EQ(desktop.activeWindow(), windows[1]);
     pointer.click({600, 300, 10, 10});
@@ -166,38 +197,6 @@ TEST_P(Menus, areWalkedByKeyboardAndLeftAgain)
     EXPECT_TRUE(eventually(2s, [&] { return desktop.desktopOf(windows[1]) == 2u; }));
     pointer.moveTo(5, 5);
     EXPECT_TRUE(settles(*bar));
-}
-
-// Faults: a walk that begins elsewhere than at the window in use, that takes its focus, or that
-// goes on after a menu or a click has the keyboard.
-TEST_P(Menus, openOnAWalkAlongTheBar)
-{
-    focus();
-    EXPECT_TRUE(isOn("second"));
-    EXPECT_EQ(desktop.activeWindow(), windows[1]);
-    keyboard.type(XKB_KEY_Left);
-    EXPECT_TRUE(isOn("first"));
-    keyboard.type(XKB_KEY_Return);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == windows[0]; }));
-    EXPECT_TRUE(isOn(""));
-    ASSERT_TRUE(settles(*bar));
-
-    focus();
-    EXPECT_TRUE(isOn("first"));
-    keyboard.type(XKB_KEY_Menu);
-    ASSERT_TRUE(eventually(2s, [&] { return !entries().empty(); }));
-    EXPECT_TRUE(isOn(""));
-    keyboard.type(XKB_KEY_Escape);
-    EXPECT_TRUE(isClosed());
-
-    focus();
-    EXPECT_TRUE(isOn("first"));
-    pointer.click(desktop.frame(windows[0]));
-    EXPECT_TRUE(isOn(""));
-    focus();
-    keyboard.type(XKB_KEY_Escape);
-    EXPECT_TRUE(isOn(""));
-    EXPECT_EQ(desktop.activeWindow(), windows[0]);
 }
 
 // Faults: an entry that does another's work, or does it to another window; one that outlives its
