@@ -14,7 +14,8 @@ protected:
     Bar bar{server};
 };
 
-// Faults: no room kept, a strut measured from the wrong edge, room that is not given back.
+// Faults: no room kept, a strut measured from the wrong edge, room that is not given back; a film
+// that is made shorter for the bar, a window that is shortened only once.
 TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
 {
     const auto window = client.open({.title = "large"});
@@ -28,6 +29,23 @@ TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
     desktop.maximise(window);
     EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == panel.y; }))
         << desktop.frame(window).bottom() << ", the panel begins at " << panel.y;
+
+    desktop.setState(window, "FULLSCREEN", true);
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == 800; }));
+    const auto low = client.open({.title = "low", .frame = {100, 200, 400, 200}});
+    EXPECT_TRUE(bar.agreesWith(desktop, 1s));
+    const auto isShortened = [&] {
+        const auto frame = desktop.frame(low);
+        return frame.height > 250 && frame.bottom() <= panel.y;
+    };
+    for (const auto* time : {"first", "second"}) {
+        client.resize(low, 400, 700);
+        EXPECT_TRUE(eventually(2s, isShortened)) << time << ": " << desktop.frame(low).bottom();
+    }
+    EXPECT_EQ(desktop.frame(window).bottom(), 800);
+    client.destroy(low);
+    desktop.setState(window, "FULLSCREEN", false);
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == panel.y; }));
 
     bar.process().signal(SIGTERM);
     EXPECT_EQ(bar.process().waitForEnd(5s), 0);

@@ -225,6 +225,7 @@ void Mirror::translate(Client& client)
     client.isDirty = false;
     auto record = x11::recordOf(client, m_clients.parentOf(client) != nullptr, context());
     record.owner = assign(client);
+    forgetHonouredSize(client, record.frame.size());
     if (client.type == WindowType::dock)
         m_changes.reservations = true;
 
@@ -243,6 +244,16 @@ void Mirror::translate(Client& client)
     else
         noteNew(record);
     client.isAnnounced = true;
+}
+
+/// A client that has obeyed once can be asked again; one that has not would not end refusing.
+void Mirror::forgetHonouredSize(Client& client, Size size)
+{
+    auto& asked = client.askedSize;
+    if (!asked || client.frame() == asked->second)
+        return;
+    if (size.width <= asked->first.width && size.height <= asked->first.height)
+        asked.reset();
 }
 
 bool Mirror::isReady(Client& client)

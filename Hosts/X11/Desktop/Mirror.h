@@ -93,6 +93,7 @@ private:
     void translateSpaces();
     void translateClients();
     void translate(Client&);
+    static void forgetHonouredSize(Client&, Size points);
     bool isReady(Client&);
     ProcessID assign(Client&);
     void noteNew(const WindowRecord&);
