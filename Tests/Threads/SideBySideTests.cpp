@@ -1,20 +1,26 @@
 // What crosses threads, on real ones and on a real X server, so that the thread sanitizer sees it:
-// the observers, the tracker of the pointer, and questions to the mirror from every side.
+// the observers, the tracker of the pointer, windows that are shortened, badges, and questions to
+// the mirror from every side.
 #include <atomic>
 #include <csignal>
 #include <cstdlib>
+#include <optional>
 
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Core/MouseDisplayTracker.h"
+#include "Quorvel/Core/WindowAvoidanceManager.h"
+#include "Quorvel/Platform/LaunchServices.h"
 #include "Quorvel/Platform/WindowServer.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/AXObserverManager.h"
 #include "Quorvel/Skylight/Minimal.h"
 #include "Quorvel/Skylight/SpaceWindows.h"
+#include "Quorvel/Skylight/WindowStore.h"
 #include "Tests/X11/Support/Client.h"
 #include "Tests/X11/Support/HostServices.h"
 #include "Tests/X11/Support/WindowManager.h"
@@ -23,21 +29,31 @@ namespace quorvel::x11tests {
 
 namespace {
 
+constexpr int kTall = 1000; ///< reaches under the bar
+
 /// An application whose windows come, change and go without pause, until it dies of a sudden.
 class RestlessApplication {
 public:
-    explicit RestlessApplication(const XServer& server) : m_pid(fork())
+    /// How long its windows stay as they are, and how tall every fourth becomes.
+    struct Habits {
+        useconds_t pause = 20'000;
+        int height = 200;
+    };
+
+    explicit RestlessApplication(const XServer& server) : RestlessApplication(server, Habits{}) { }
+    RestlessApplication(const XServer& server, Habits habits) : m_pid(fork())
     {
         if (m_pid != 0)
             return;
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         Client client(server);
         for (int i = 0;; ++i) {
-            auto window = client.open({.title = "Window " + std::to_string(i)});
-            usleep(20'000);
+            auto window = client.open({.title = "Window " + std::to_string(i),
+                .state = "_NET_WM_STATE_DEMANDS_ATTENTION"});
+            usleep(habits.pause);
             client.setTitle(window, "Title " + std::to_string(i));
-            client.resize(window, 200 + i % 50, 200);
-            usleep(20'000);
+            client.resize(window, 200 + i % 50, i % 4 == 0 ? habits.height : 200);
+            usleep(habits.pause);
             client.destroy(window);
         }
     }
@@ -102,9 +118,10 @@ struct SideBySideTest : testing::Test {
         for (int i = 0; i < 3; ++i)
             applications.push_back(std::make_unique<RestlessApplication>(server));
     }
-    void replaceOne(std::size_t number)
+    void replaceOne(std::size_t number, RestlessApplication::Habits habits = {})
     {
-        applications[number % applications.size()] = std::make_unique<RestlessApplication>(server);
+        applications[number % applications.size()]
+            = std::make_unique<RestlessApplication>(server, habits);
     }
 };
 
@@ -166,6 +183,68 @@ TEST_F(SideBySideTest, everybodyMayAskWhileWindowsComeAndGoAndObserversStartAndS
     EXPECT_TRUE(host.runUntil([&] { return askers == 0; }));
     applications.clear();
     EXPECT_TRUE(host.runUntil([&] { return host.ask() == 0; })) << host.ask() << " windows left";
+}
+
+TEST_F(SideBySideTest, windowsAreShortenedAndBadgesPolledWhileApplicationsComeAndGo)
+{
+    Host host;
+    auto& services = host.services;
+    Trace trace;
+    WindowStore store{host.dispatch, services.accessibility(), services.windowServer(),
+        services.displays(), services.workspace(), trace};
+    const SpaceWindows spaces{services.windowServer(), services.displays()};
+    int shortened = 0;
+    int asking = 0;
+    int ended = 0;
+    // They end while applications are being asked.
+    std::optional<BadgeService> badges;
+    std::optional<WindowAvoidanceManager> avoidance;
+    const auto begin = [&] {
+        badges.emplace(host.dispatch, services.launchServices(), trace);
+        badges->start();
+        avoidance.emplace(store, host.dispatch, services.accessibility(), services.windowServer(),
+            services.displays(),
+            WindowAvoidanceManager::Bars{
+                [] { return std::set{SpaceID{1}}; },
+                [] { return std::vector<std::size_t>{}; },
+                [&] { return spaces.getSpaces(services.windowServer().mainConnection()); },
+            });
+        avoidance->setBarHeight(36);
+    };
+    begin();
+    store.onChange = [&] {
+        for (auto& [id, window] : store.windows())
+            shortened += window.frame.height > 250 && window.frame.height < kTall;
+        avoidance->scheduleAdjustment(Duration::zero());
+    };
+    auto launches
+        = services.workspace().didLaunch.subscribe([&](const RunningApplication& launched) {
+              store.addWindowsForPID(launched.pid);
+              store.startLifecycleMonitoring(launched.pid, seconds(0.1));
+          });
+    auto ends = services.workspace().didTerminate.subscribe([&](const RunningApplication& gone) {
+        store.removeWindows(gone.pid);
+        ++ended;
+    });
+
+    std::size_t turns = 0;
+    EXPECT_TRUE(host.runUntil([&] {
+        if (++turns % 200 == 0)
+            replaceOne(turns / 200, {.pause = 300'000, .height = kTall});
+        if (turns % 10 == 0) {
+            for (auto pid : store.trackedPIDs())
+                store.startLifecycleMonitoring(pid, Duration::zero());
+        }
+        if (turns % 20 == 0) {
+            services.launchServices().answersMayHaveChanged.emit();
+            asking += !badges->attentionByBundleID().value().empty();
+            badges->clearAttention("sample", {});
+        }
+        if (turns % 100 == 0)
+            begin();
+        return shortened > 5 && asking > 5 && ended > 3;
+    })) << shortened
+        << " shortened, " << asking << " asking, " << ended << " ended";
 }
 
 }
