@@ -36,8 +36,8 @@ public:
     Duration frameInterval() const override;
     bool takeKeyboard() override;
     void releaseKeyboard() override;
-    void setOpacity(double opacity) override { m_panel.alphaValue = opacity; }
-    void accessibleTreeDidChange() override { }
+    void setOpacity(double) override;
+    void accessibleTreeDidChange() override;
 
     QVSurfaceView* view() const { return m_view; }
 

@@ -201,6 +201,10 @@ void MacPanel::releaseKeyboard()
     orderFront();
 }
 
+void MacPanel::setOpacity(double opacity) { m_panel.alphaValue = opacity; }
+
+void MacPanel::accessibleTreeDidChange() { [m_view accessibleTreeDidChange]; }
+
 bool MacPanel::setBlursBehind(const std::optional<VisualEffect>& effect)
 {
     if (effect && !m_blur) {

@@ -83,6 +83,8 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
     BOOL _hasKeyboard;
 }
 
+@synthesize accessibleChildren = _accessibleChildren;
+
 - (instancetype)initWithFrame:(NSRect)frame client:(quorvel::SurfaceClient*)client
 {
     self = [super initWithFrame:frame];
@@ -99,6 +101,23 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 - (void)detach
 {
     _client = nullptr;
+}
+
+- (quorvel::AccessibleElement*)accessibleSource
+{
+    return _client ? _client->accessibleRoot() : nullptr;
+}
+
+- (NSView*)accessibleView
+{
+    return self;
+}
+
+- (QVAccessibleChildren*)accessibleChildren
+{
+    if (!_accessibleChildren)
+        _accessibleChildren = [[QVAccessibleChildren alloc] initWithParent:self];
+    return _accessibleChildren;
 }
 
 - (BOOL)isFlipped
