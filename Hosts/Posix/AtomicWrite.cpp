@@ -1,9 +1,12 @@
 #include "Hosts/Posix/AtomicWrite.h"
 
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
-#include <filesystem>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -25,17 +28,27 @@ std::error_code lastError()
     return {errno, std::generic_category()};
 }
 
+/// What the link says; absent for anything else.
+std::optional<std::string> readLink(const std::string& path)
+{
+    std::array<char, PATH_MAX> text{};
+    auto size = ::readlink(path.c_str(), text.data(), text.size());
+    if (size < 0)
+        return std::nullopt;
+    std::string target(text.data(), static_cast<std::size_t>(size));
+    bool isAbsolute = target.starts_with('/');
+    return isAbsolute ? target : path.substr(0, path.find_last_of('/') + 1) + target;
+}
+
 /// The file that a link stands for, which need not be there yet: a user may keep the settings
 /// elsewhere and link to them. Empty for links that lead in a circle.
-std::string followLinks(const std::string& path)
+std::string followLinks(std::string path)
 {
-    std::filesystem::path target{path};
     for (int links = 0; links <= kMostLinks; ++links) {
-        std::error_code error;
-        auto next = std::filesystem::read_symlink(target, error);
-        if (error)
-            return target.string();
-        target = target.parent_path() / next;
+        auto next = readLink(path);
+        if (!next)
+            return path;
+        path = std::move(*next);
     }
     return {};
 }
