@@ -22,6 +22,27 @@ std::string takeText(char* text)
     return copy;
 }
 
+GDBusConnection* connectTo(const char* address)
+{
+    const auto flags
+        = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
+            | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    return g_dbus_connection_new_for_address_sync(address, flags, nullptr, nullptr, nullptr);
+}
+
+/// 0 if nobody has the name.
+pid_t processOf(GDBusConnection* bus, const char* name)
+{
+    auto* answer
+        = g_dbus_connection_call_sync(bus, kBus, kBusPath, kBus, "GetConnectionUnixProcessID",
+            g_variant_new("(s)", name), nullptr, G_DBUS_CALL_FLAGS_NONE, 10'000, nullptr, nullptr);
+    guint32 pid = 0;
+    if (answer)
+        g_variant_get(answer, "(u)", &pid);
+    g_clear_pointer(&answer, g_variant_unref);
+    return static_cast<pid_t>(pid);
+}
+
 std::vector<ScreenReader::Element> childrenOf(AtspiAccessible* parent)
 {
     std::vector<ScreenReader::Element> children;
@@ -50,12 +71,7 @@ ScreenReader::ScreenReader(const XServer& server)
     // The library finds the desktop by the environment.
     for (const auto* variable : {"DBUS_SESSION_BUS_ADDRESS", "DISPLAY", "XDG_RUNTIME_DIR"})
         setenv(variable, server.environment().at(variable).c_str(), 1);
-    const auto flags
-        = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
-            | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    m_session = g_dbus_connection_new_for_address_sync(
-        server.environment().at("DBUS_SESSION_BUS_ADDRESS").c_str(), flags, nullptr, nullptr,
-        nullptr);
+    m_session = connectTo(server.environment().at("DBUS_SESSION_BUS_ADDRESS").c_str());
     // It keeps the switch, and would start a service for that.
     auto* answer = call(kBus, kBusPath, kBus, "UpdateActivationEnvironment",
         g_variant_new_parsed("({'GSETTINGS_BACKEND': 'memory'},)"));
@@ -163,14 +179,20 @@ bool ScreenReader::perform(const Element& element, const std::string& name)
 
 void ScreenReader::killService()
 {
-    auto* answer
-        = call(kBus, kBusPath, kBus, "GetConnectionUnixProcessID", g_variant_new("(s)", kService));
+    auto* answer = call(kService, "/org/a11y/bus", kService, "GetAddress", nullptr);
     ASSERT_TRUE(answer);
-    guint32 pid = 0;
-    g_variant_get(answer, "(u)", &pid);
+    const char* address = nullptr;
+    g_variant_get(answer, "(&s)", &address);
+    auto* bus = connectTo(address);
     g_variant_unref(answer);
-    ASSERT_GT(pid, 1u);
-    ::kill(static_cast<pid_t>(pid), SIGKILL);
+    ASSERT_TRUE(bus);
+    const auto busProcess = processOf(bus, kBus);
+    g_object_unref(bus);
+    const auto service = processOf(m_session, kService);
+    ASSERT_GT(service, 1);
+    ASSERT_GT(busProcess, 1);
+    ::kill(service, SIGKILL);
+    ::kill(busProcess, SIGKILL); // it would outlive the service
 }
 
 GVariant* ScreenReader::call(const char* name, const char* path, const char* interface,

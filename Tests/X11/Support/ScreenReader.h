@@ -41,7 +41,7 @@ public:
     /// False if it has no such action, or is gone.
     static bool perform(const Element&, const std::string& action);
 
-    /// Ends the accessibility service, and with it the bus and the registry, without a word.
+    /// Ends the accessibility service and its bus without a word; the registry goes with the bus.
     void killService();
 
 private:
