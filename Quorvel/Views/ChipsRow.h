@@ -23,7 +23,7 @@ class ScrollArrow;
 /// The row of pins and chips. Targets hold still: while the pointer is over the row, a chip that
 /// goes leaves an empty slot, a new one comes last, and pins neither come nor go; an application
 /// whose windows become a group, or a single one, keeps its slot. The row closes up when the
-/// pointer leaves. Only a row without room for a new chip shrinks under the pointer.
+/// pointer leaves; until then a row without room for a new chip goes on out of sight.
 ///
 /// Chips shrink down to their icons, which are told apart where titles of three letters are not;
 /// then the row scrolls, and an arrow stands at each end where there is more. Chips and pins are
