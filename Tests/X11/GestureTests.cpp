@@ -128,7 +128,8 @@ TEST_P(Gestures, moveChipsPinsAndWindowsAndShowTheDesktop)
     for (const bool shows : {true, false}) {
         pointer.click(panel().showDesktop);
         EXPECT_TRUE(eventually(2s, [&] { return isShowingDesktop() == shows; })) << shows;
-        for (const auto& window : bar->state()->windows)
+        const auto state = bar->state();
+        for (const auto& window : state->windows)
             EXPECT_FALSE(window.isMinimized) << window.title;
     }
     pointer.moveTo(5, 5);
