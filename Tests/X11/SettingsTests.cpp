@@ -51,7 +51,7 @@ TEST_F(Settings, aFileInPlaceOfTheFolderStopsNothing)
     std::ofstream(folder) << "in the way";
     Bar bar(server);
     ASSERT_TRUE(bar.appears());
-    EXPECT_EQ(run({"--set", "barSize=xl"}).status, 0);
+    EXPECT_EQ(run({"--set", "barSize=xl"}).status, 1) << "it is not saved";
     EXPECT_TRUE(barTakes(54));
     EXPECT_EQ(run({"--quit"}).status, 0);
     EXPECT_EQ(bar.process().waitForEnd(5s), 0);
