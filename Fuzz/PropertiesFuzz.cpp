@@ -1,6 +1,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <span>
+#include <vector>
 
 #include <glib.h>
 
@@ -12,12 +13,13 @@ using namespace quorvel::x11;
 
 /// A converter is a library that is loaded at its first use and dropped soon after: that would be
 /// most of the fuzzer's work.
-[[maybe_unused]] const bool kKeepsConverters = [] {
+[[maybe_unused]] const auto kConverters = [] {
+    std::vector<GIConv> kept;
     for (auto* encoding : {"ISO-8859-1", "ISO-8859-2", "ISO-8859-3", "ISO-8859-4", "ISO-8859-5",
              "ISO-8859-6", "ISO-8859-7", "ISO-8859-8", "ISO-8859-9", "ISO-8859-15", "SHIFT_JIS",
              "EUC-CN", "EUC-JP", "EUC-KR"})
-        g_iconv_open("UTF-8", encoding); // for as long as the fuzzer runs
-    return true;
+        kept.push_back(g_iconv_open("UTF-8", encoding));
+    return kept;
 }();
 
 constexpr TextTypes kTypes{.utf8String = 300, .compoundText = 301};

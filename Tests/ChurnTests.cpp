@@ -76,11 +76,15 @@ struct ChurnRound final : ChurnOperations {
         EXPECT_EQ(QuorvelApp::windowStore().focusedWindowID(), front->focusedWindow);
         EXPECT_TRUE(chip(*front->focusedWindow)->isFocused);
     }
+    /// Of the space's own display, which has what meets none.
     bool isOnScreen(const TrackedWindow& window, const FakeDisplay& display)
     {
         auto& model = desktop.model();
-        return model.displays.size() == 1 || window.isMinimized
-            || window.frame.intersects(display.frame.flipped(model.flipHeight()));
+        auto meets = [&](const FakeDisplay& each) {
+            return window.frame.intersects(each.frame.flipped(model.flipHeight()));
+        };
+        return model.displays.size() == 1 || window.isMinimized || meets(display)
+            || std::ranges::none_of(model.displays, meets);
     }
     void expectBars(const std::map<WindowID, TrackedWindow>& expected)
     {
