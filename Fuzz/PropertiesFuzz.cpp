@@ -13,12 +13,12 @@ using namespace quorvel::x11;
 
 /// A converter is a library that is loaded at its first use and dropped soon after: that would be
 /// most of the fuzzer's work.
-[[maybe_unused]] const auto kConverters = [] {
-    std::vector<GIConv> kept;
+[[maybe_unused]] const auto* const kConverters = [] {
+    auto* kept = new std::vector<GIConv>; // for as long as the fuzzer runs
     for (auto* encoding : {"ISO-8859-1", "ISO-8859-2", "ISO-8859-3", "ISO-8859-4", "ISO-8859-5",
              "ISO-8859-6", "ISO-8859-7", "ISO-8859-8", "ISO-8859-9", "ISO-8859-15", "SHIFT_JIS",
              "EUC-CN", "EUC-JP", "EUC-KR"})
-        kept.push_back(g_iconv_open("UTF-8", encoding));
+        kept->push_back(g_iconv_open("UTF-8", encoding));
     return kept;
 }();
 
