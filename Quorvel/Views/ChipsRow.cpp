@@ -378,6 +378,11 @@ void ChipsRow::updateArrows()
     bool hasAfter = m_scroll < maximumScroll();
     if (m_isRightToLeft)
         std::swap(hasBefore, hasAfter);
+    // Unless the user scrolls, none comes over a chip that the pointer may be on.
+    if (std::exchange(m_scrollOfArrows, m_scroll) == m_scroll && isHeld()) {
+        hasBefore &= !m_backArrow->frame().isEmpty();
+        hasAfter &= !m_forwardArrow->frame().isEmpty();
+    }
     auto shown = [&](bool isShown, double x) {
         return Rect{x, 0, isShown ? ScrollArrow::kWidth : 0, bounds().height};
     };

@@ -126,6 +126,7 @@ private:
     double m_chipWidth = 0;
     double m_contentWidth = 0;
     double m_scroll = 0;
+    double m_scrollOfArrows = 0; ///< when the arrows were placed
     std::vector<std::string> m_order; ///< of the newest items
     std::vector<std::string> m_slots; ///< as laid out; some may be empty while held
     std::map<std::string, std::string> m_applications; ///< by the identifier of a slot
