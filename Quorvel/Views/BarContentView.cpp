@@ -554,10 +554,11 @@ bool BarContentView::chipDropped(const ChipView& chip, Point pointer)
 
 void BarContentView::pinMoved(const std::string& bundleID, const ReorderDrag& drag)
 {
-    auto before = drag.dropTargetID();
+    auto pinned = m_inputs.pinStore.pinnedAppIDs(PinDestination::bar);
+    auto before = drag.dropTargetID(
+        [&](auto& id) { return std::ranges::find(pinned, id) != pinned.end(); });
     if (!before)
-        before = nextPinnedAppIDAfterVisibleEnd(
-            bundleID, drag.previewOrder(), m_inputs.pinStore.pinnedAppIDs(PinDestination::bar));
+        before = nextPinnedAppIDAfterVisibleEnd(bundleID, drag.previewOrder(), pinned);
     m_inputs.pinStore.movePinnedApp(bundleID, before, PinDestination::bar);
 }
 

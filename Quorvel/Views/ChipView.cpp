@@ -151,36 +151,26 @@ void ChipView::pointerExited()
 
 void ChipView::pressed(PointerButton button)
 {
-    m_drag.pressed(button);
+    drag.pressed(button);
     set(m_isPressed, button != PointerButton::secondary);
 }
 
 void ChipView::dragged(const DragMove& move)
 {
-    if (!m_drag.dragged(move.translation))
-        return;
-    m_move = move;
-    set(m_isPressed, false);
-    if (onDrag)
-        onDrag(*this, DragPhase::moved, move);
+    if (drag.dragged(move))
+        set(m_isPressed, false);
 }
 
 void ChipView::pressCancelled()
 {
     set(m_isPressed, false);
-    if (m_drag.ended() && onDrag)
-        onDrag(*this, DragPhase::cancelled, m_move);
+    drag.cancelled();
 }
 
 void ChipView::released(PointerButton button, bool isInside)
 {
     set(m_isPressed, false);
-    if (m_drag.ended()) {
-        if (onDrag)
-            onDrag(*this, DragPhase::dropped, m_move);
-        return;
-    }
-    if (!isInside || !onClick)
+    if (drag.released() || !isInside || !onClick)
         return;
     if (button == PointerButton::primary)
         onClick(*this, Click::primary);

@@ -39,7 +39,7 @@ public:
     void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
 
     std::function<void(const ChipView&, Click)> onClick;
-    std::function<void(ChipView&, DragPhase, const DragMove&)> onDrag;
+    DragSource drag;
     std::function<void(const ChipView&, bool isHovered)> onHover;
     /// Files from elsewhere rest on the chip, or no longer do.
     std::function<void(const ChipView&, bool areOver)> onFilesOver;
@@ -108,8 +108,6 @@ private:
     bool m_hasKeyFocus = false;
     bool m_hasFilesOver = false;
     Title m_title = Title::window;
-    DragSource m_drag;
-    DragMove m_move;
     double m_pulse = 0;
 };
 

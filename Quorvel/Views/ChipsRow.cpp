@@ -4,30 +4,11 @@
 #include <cmath>
 #include <utility>
 
-#include "Quorvel/Views/ScrollArrow.h"
-
 namespace quorvel {
 
 namespace {
 
-constexpr double kScrollStep = 0.6; ///< of the row's width, for a click on an arrow
-constexpr Duration kScrollTime = seconds(0.2);
 constexpr double kDragScrollSpeed = 400; ///< points a second
-
-/// Its windows keep one slot, alone or as a group.
-const std::string& application(const DisplayItem& item)
-{
-    return std::visit(
-        [](auto& data) -> const std::string& {
-            return data.bundleIdentifier ? *data.bundleIdentifier : data.appName;
-        },
-        item);
-}
-
-bool isGroup(std::string_view chipID)
-{
-    return chipID.starts_with(groupItemID(""));
-}
 
 }
 
@@ -35,29 +16,15 @@ ChipsRow::ChipsRow(const BarMetrics& metrics, const Text& text, Dispatch& dispat
     : m_metrics(metrics)
     , m_text(text)
     , m_dispatch(dispatch)
+    , m_scroll(*this, dispatch)
     , m_pulse(dispatch,
           [this](double strength) {
               for (auto& id : m_asking)
                   m_chips.at(id)->setPulse(strength);
           })
     , m_motion(dispatch)
-    , m_scrolling(dispatch)
 {
-    m_backArrow = &addChild(std::make_unique<ScrollArrow>(ScrollArrow::Towards::left));
-    m_forwardArrow = &addChild(std::make_unique<ScrollArrow>(ScrollArrow::Towards::right));
-    auto step = [this](double direction) {
-        double sign = m_isRightToLeft ? -direction : direction;
-        double from = m_scroll;
-        double to = std::clamp(from + sign * std::max(m_chipWidth, bounds().width * kScrollStep),
-            0.0, maximumScroll());
-        m_scrolling.start(m_reducesMotion ? Duration::zero() : kScrollTime, m_frameInterval,
-            [this, from, to](double share) {
-                m_scroll = std::clamp(from + (to - from) * share, 0.0, maximumScroll());
-                placeAll();
-            });
-    };
-    m_backArrow->onTapped = [step] { step(-1); };
-    m_forwardArrow->onTapped = [step] { step(1); };
+    m_scroll.onScrolled = [this] { placeAll(); };
 }
 
 ChipsRow::~ChipsRow() = default;
@@ -67,15 +34,9 @@ ChipsRow::~ChipsRow() = default;
 void ChipsRow::setItems(const std::vector<DisplayItem>& items)
 {
     bool hasNew = updateChips(items);
-    auto slots = wantedSlots();
-    for (auto& item : items)
-        m_applications[displayItemID(item)] = application(item);
-    if (!hasNew && slots == m_slots)
-        return;
-    m_slots = std::move(slots);
-    std::erase_if(m_applications,
-        [&](auto& entry) { return std::ranges::find(m_slots, entry.first) == m_slots.end(); });
-    layout();
+    bool isOther = m_slots.setItems(items, isHeld());
+    if (hasNew || isOther)
+        layout();
 }
 
 bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
@@ -83,7 +44,6 @@ bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
     std::set<std::string> present;
     std::set<std::string> asking;
     bool hasNew = false;
-    m_order.clear();
     for (auto& item : items) {
         auto id = displayItemID(item);
         auto known = m_chips.find(id);
@@ -92,8 +52,7 @@ bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
         chip.setItem(item);
         if (wantsAttention(item))
             asking.insert(id);
-        present.insert(id);
-        m_order.push_back(std::move(id));
+        present.insert(std::move(id));
     }
     if (m_drag && m_dragKind == DragKind::chip && !present.contains(m_drag->draggedID()))
         abandonDrag();
@@ -168,11 +127,11 @@ ChipView& ChipsRow::makeChip(const std::string& id)
         if (onChipFilesOver)
             onChipFilesOver(target, areOver);
     };
-    chip.onDrag = [this, id](ChipView& view, DragPhase phase, const DragMove& move) {
-        dragItem(view, id, DragKind::chip, phase, move);
+    chip.drag.onDrag = [this, id, &chip](DragPhase phase, const DragMove& move) {
+        dragItem(chip, id, DragKind::chip, phase, move);
     };
     m_chips.emplace(id, &chip);
-    raiseArrows();
+    m_scroll.raiseArrows();
     return chip;
 }
 
@@ -192,37 +151,12 @@ PinView& ChipsRow::makePin(const std::string& bundleID)
         if (onPinFiles)
             onPinFiles(target, std::move(paths));
     };
-    pin.onDrag = [this, bundleID](PinView& view, DragPhase phase, const DragMove& move) {
-        dragItem(view, bundleID, DragKind::pin, phase, move);
+    pin.drag.onDrag = [this, bundleID, &pin](DragPhase phase, const DragMove& move) {
+        dragItem(pin, bundleID, DragKind::pin, phase, move);
     };
     m_pins.emplace(bundleID, &pin);
-    raiseArrows();
+    m_scroll.raiseArrows();
     return pin;
-}
-
-std::vector<std::string> ChipsRow::wantedSlots() const
-{
-    if (!isHeld())
-        return m_order;
-    auto slots = m_slots;
-    for (auto& id : m_order) {
-        if (std::ranges::find(slots, id) != slots.end())
-            continue;
-        auto& item = m_chips.at(id)->item();
-        auto vacated = std::ranges::find_if(slots, [&](auto& slot) {
-            auto known = m_applications.find(slot);
-            return !m_chips.contains(slot) && known != m_applications.end()
-                && known->second == application(item) && isGroup(slot) != isGroup(id);
-        });
-        if (vacated == slots.end())
-            slots.push_back(id);
-        else
-            *vacated = id;
-    }
-    // The empty slots at the end are in nobody's way.
-    while (!slots.empty() && !m_chips.contains(slots.back()))
-        slots.pop_back();
-    return slots;
 }
 
 void ChipsRow::setTitle(ChipView::Title title)
@@ -241,8 +175,7 @@ void ChipsRow::setDark(bool isDark)
         chip->setDark(isDark);
     for (auto& [id, pin] : m_pins)
         pin->setDark(isDark);
-    m_backArrow->setDark(isDark);
-    m_forwardArrow->setDark(isDark);
+    m_scroll.setDark(isDark);
 }
 
 void ChipsRow::setRightToLeft(bool isRightToLeft)
@@ -251,9 +184,20 @@ void ChipsRow::setRightToLeft(bool isRightToLeft)
         return;
     for (auto& [id, chip] : m_chips)
         chip->setRightToLeft(isRightToLeft);
-    m_backArrow->setRightToLeft(isRightToLeft);
-    m_forwardArrow->setRightToLeft(isRightToLeft);
+    m_scroll.setRightToLeft(isRightToLeft);
     layout();
+}
+
+void ChipsRow::setReducesMotion(bool reducesMotion)
+{
+    m_reducesMotion = reducesMotion;
+    m_scroll.setReducesMotion(reducesMotion);
+}
+
+void ChipsRow::setFrameInterval(Duration interval)
+{
+    m_frameInterval = interval;
+    m_scroll.setFrameInterval(interval);
 }
 
 // MARK: The pointer
@@ -278,16 +222,8 @@ void ChipsRow::settle()
     if (isHeld())
         return;
     updatePins();
-    m_slots = m_order;
+    m_slots.settle();
     layout();
-}
-
-void ChipsRow::scrollBy(double distance)
-{
-    m_scrolling.stop();
-    auto scroll = std::clamp(m_scroll + distance, 0.0, maximumScroll());
-    if (std::exchange(m_scroll, scroll) != scroll)
-        placeAll();
 }
 
 View* ChipsRow::focusedChip() const
@@ -295,18 +231,6 @@ View* ChipsRow::focusedChip() const
     auto found = std::ranges::find_if(
         m_chips, [](auto& entry) { return isFocused(entry.second->item()); });
     return found == m_chips.end() ? nullptr : found->second;
-}
-
-/// The arrows at the ends do not cover it either.
-void ChipsRow::reveal(const View& view)
-{
-    auto& frame = view.frame();
-    double leading = m_isRightToLeft ? bounds().width - frame.maxX() : frame.x;
-    double trailing = leading + frame.width;
-    if (leading < ScrollArrow::kWidth)
-        scrollBy(leading - ScrollArrow::kWidth);
-    else if (trailing > bounds().width - ScrollArrow::kWidth)
-        scrollBy(trailing - bounds().width + ScrollArrow::kWidth);
 }
 
 // MARK: Where everything is
@@ -320,10 +244,10 @@ void ChipsRow::layout()
         m_places[id] = x;
         x += pinWidth + m_metrics.chipSpacing;
     }
-    if (!m_pinOrder.empty() && !m_slots.empty())
+    if (!m_pinOrder.empty() && !m_slots.slots().empty())
         x += m_metrics.chipSpacing;
-    if (!m_slots.empty()) {
-        auto count = static_cast<double>(m_slots.size());
+    if (!m_slots.slots().empty()) {
+        auto count = static_cast<double>(m_slots.slots().size());
         double room = std::floor(
             (bounds().width - x + m_metrics.chipSpacing) / count - m_metrics.chipSpacing);
         bool hasTitle = m_title != ChipView::Title::none;
@@ -331,13 +255,12 @@ void ChipsRow::layout()
         // A full row under the pointer goes on out of sight: what is aimed at must not move.
         if (!isHeld() || m_chipWidth == 0 || m_chipWidth > most)
             m_chipWidth = std::clamp(room, pinWidth, most);
-        for (auto& id : m_slots) {
+        for (auto& id : m_slots.slots()) {
             m_places[id] = x;
             x += m_chipWidth + m_metrics.chipSpacing;
         }
     }
-    m_contentWidth = std::max(0.0, x - m_metrics.chipSpacing);
-    m_scroll = std::clamp(m_scroll, 0.0, maximumScroll());
+    m_scroll.setContent(std::max(0.0, x - m_metrics.chipSpacing), m_chipWidth);
     placeAll();
 }
 
@@ -349,46 +272,20 @@ void ChipsRow::placeAll()
     };
     for (auto& id : m_pinOrder)
         place(*m_pins.at(id), shownAt(id), ChipView::iconWidth(m_metrics));
-    for (auto& id : m_slots) {
+    for (auto& id : m_slots.slots()) {
         if (auto chip = m_chips.find(id); chip != m_chips.end())
             place(*chip->second, shownAt(id), m_chipWidth);
     }
-    updateArrows();
+    m_scroll.placeArrows(isHeld());
     if (auto* host_ = host())
         host_->viewsDidMove();
 }
 
 void ChipsRow::place(View& view, double x, double width)
 {
-    double left = x - m_scroll;
+    double left = x - m_scroll.offset();
     view.setFrame(
         {m_isRightToLeft ? bounds().width - left - width : left, 0, width, bounds().height});
-}
-
-/// They cover what is below the ends of the row.
-void ChipsRow::raiseArrows()
-{
-    raiseChild(*m_backArrow);
-    raiseChild(*m_forwardArrow);
-}
-
-void ChipsRow::updateArrows()
-{
-    bool hasBefore = m_scroll > 0;
-    bool hasAfter = m_scroll < maximumScroll();
-    if (m_isRightToLeft)
-        std::swap(hasBefore, hasAfter);
-    // Unless the user scrolls, none comes over a chip that the pointer may be on.
-    if (std::exchange(m_scrollOfArrows, m_scroll) == m_scroll && isHeld()) {
-        hasBefore &= !m_backArrow->frame().isEmpty();
-        hasAfter &= !m_forwardArrow->frame().isEmpty();
-    }
-    auto shown = [&](bool isShown, double x) {
-        return Rect{x, 0, isShown ? ScrollArrow::kWidth : 0, bounds().height};
-    };
-    m_backArrow->setFrame(shown(hasBefore, 0));
-    m_forwardArrow->setFrame(
-        shown(hasAfter, bounds().width - (hasAfter ? ScrollArrow::kWidth : 0)));
 }
 
 View* ChipsRow::view(const std::string& id) const
@@ -414,7 +311,7 @@ Rect ChipsRow::visibleFrame(const View& view) const
 std::vector<std::pair<std::string, Rect>> ChipsRow::chipFrames() const
 {
     std::vector<std::pair<std::string, Rect>> frames;
-    for (auto& id : m_slots) {
+    for (auto& id : m_slots.slots()) {
         if (auto chip = m_chips.find(id); chip != m_chips.end())
             frames.emplace_back(id, visibleFrame(*chip->second));
     }
@@ -448,17 +345,17 @@ void ChipsRow::beginDrag(View& view, const std::string& id, DragKind kind)
 {
     ReorderDrag::Frames frames;
     std::vector<std::string> visible;
-    for (auto& other : kind == DragKind::chip ? m_slots : m_pinOrder) {
+    for (auto& other : kind == DragKind::chip ? m_slots.slots() : m_pinOrder) {
         if (auto* sibling = this->view(other)) {
             frames[other] = {m_places.at(other), 0, sibling->frame().width, bounds().height};
             visible.push_back(other);
         }
     }
     m_motion.stop();
-    m_scrolling.stop();
+    m_scroll.stop();
     m_shown.clear();
     m_dragKind = kind;
-    m_scrollBeforeDrag = m_scroll;
+    m_scrollBeforeDrag = m_scroll.offset();
     m_drag.emplace(id, std::move(frames), std::move(visible));
     raiseChild(view);
     setLifted(view, true);
@@ -486,17 +383,12 @@ void ChipsRow::moveDrag(View& view, const DragMove& move)
     int before = m_drag->insertionIndex();
     m_dragMove = move;
     auto& [x, y] = move.translation;
-    m_drag->setTranslation({(m_isRightToLeft ? -x : x) + m_scroll - m_scrollBeforeDrag, y});
+    m_drag->setTranslation(
+        {(m_isRightToLeft ? -x : x) + m_scroll.offset() - m_scrollBeforeDrag, y});
     auto& id = m_drag->draggedID();
-    m_shown[id] = m_drag->slotX(id);
-    if (m_drag->insertionIndex() != before) {
-        std::map<std::string, double> targets;
-        for (auto& other : m_drag->previewOrder()) {
-            if (other != id)
-                targets[other] = m_drag->slotX(other);
-        }
-        animateTo(std::move(targets), kMakeRoom);
-    }
+    m_shown[id] = m_drag->draggedX();
+    if (m_drag->insertionIndex() != before)
+        animateTo(m_drag->slotsOfOthers(), kMakeRoom);
     invalidateLifted(view);
     place(view, m_shown[id], view.frame().width);
     invalidateLifted(view);
@@ -507,9 +399,10 @@ void ChipsRow::moveDrag(View& view, const DragMove& move)
 
 void ChipsRow::scrollForDrag(View& view)
 {
-    double leading = m_drag->slotX(m_drag->draggedID()) - m_scroll;
-    bool isAtStart = leading < 0 && m_scroll > 0;
-    bool isAtEnd = leading + view.frame().width > bounds().width && m_scroll < maximumScroll();
+    double leading = m_drag->draggedX() - m_scroll.offset();
+    bool isAtStart = leading < 0 && m_scroll.offset() > 0;
+    bool isAtEnd
+        = leading + view.frame().width > bounds().width && m_scroll.offset() < m_scroll.maximum();
     if (!isAtStart && !isAtEnd) {
         m_dragScroll = {};
         return;
@@ -530,18 +423,20 @@ void ChipsRow::endDrag(View& view, DragPhase phase)
     auto drag = *std::exchange(m_drag, std::nullopt);
     m_dragScroll = {};
     setLifted(view, false);
-    raiseArrows();
+    m_scroll.raiseArrows();
     bool isChip = m_dragKind == DragKind::chip;
     bool isElsewhere = isChip && phase == DragPhase::dropped && onChipDropped
         && onChipDropped(static_cast<ChipView&>(view), m_dragMove.pointer);
     if (phase == DragPhase::dropped && !isElsewhere) {
-        auto before = nextAfterDrop(drag);
-        auto& order = isChip ? m_slots : m_pinOrder;
-        order = drag.previewOrder();
+        if (isChip)
+            m_slots.setSlots(drag.previewOrder());
+        else
+            m_pinOrder = drag.previewOrder();
         if (isChip && onChipMoved)
-            onChipMoved(drag.draggedID(), before);
+            onChipMoved(
+                drag.draggedID(), drag.dropTargetID([this](auto& id) { return this->view(id); }));
         else if (!isChip && onPinMoved)
-            onPinMoved(static_cast<PinView&>(view).pin().bundleID, drag);
+            onPinMoved(drag.draggedID(), drag);
     }
     if (isChip && onChipDragEnded)
         onChipDragEnded();
@@ -552,15 +447,6 @@ void ChipsRow::endDrag(View& view, DragPhase phase)
             targets[id] = m_places.at(id);
     }
     animateTo(std::move(targets), kFallIntoPlace);
-}
-
-/// The first of those behind it that is still there: some may have closed meanwhile.
-std::optional<std::string> ChipsRow::nextAfterDrop(const ReorderDrag& drag) const
-{
-    auto order = drag.previewOrder();
-    auto next = std::ranges::find(order, drag.draggedID());
-    next = std::find_if(next + 1, order.end(), [this](auto& id) { return view(id); });
-    return next == order.end() ? std::nullopt : std::optional{*next};
 }
 
 /// The dragged one is about to vanish.
@@ -574,7 +460,7 @@ void ChipsRow::abandonDrag()
     m_motion.stop();
     m_shown.clear();
     placeAll();
-    raiseArrows();
+    m_scroll.raiseArrows();
     if (wasChip && onChipDragEnded)
         onChipDragEnded();
 }

@@ -15,10 +15,10 @@
 #include "Quorvel/Views/Kit/View.h"
 #include "Quorvel/Views/PinView.h"
 #include "Quorvel/Views/ReorderDrag.h"
+#include "Quorvel/Views/RowScroll.h"
+#include "Quorvel/Views/RowSlots.h"
 
 namespace quorvel {
-
-class ScrollArrow;
 
 /// The row of pins and chips. Targets hold still: while the pointer is over the row, a chip that
 /// goes leaves an empty slot, a new one comes last, and pins neither come nor go; an application
@@ -40,15 +40,15 @@ public:
     void setItems(const std::vector<DisplayItem>&);
     void setPins(const std::vector<PinData>&);
     void setTitle(ChipView::Title);
-    void setReducesMotion(bool value) { m_reducesMotion = value; }
-    void setFrameInterval(Duration interval) { m_frameInterval = interval; }
+    void setReducesMotion(bool);
+    void setFrameInterval(Duration);
     void setDark(bool);
     void setRightToLeft(bool);
 
     void pointerEntered() override;
     void pointerExited() override;
     /// By so many points towards the end of the row.
-    void scrollBy(double distance);
+    void scrollBy(double distance) { m_scroll.scrollBy(distance); }
     /// Null if no window here has the focus.
     View* focusedChip() const;
 
@@ -73,10 +73,6 @@ public:
     std::vector<std::pair<std::string, Rect>> pinFrames() const;
 
 private:
-    struct Slot {
-        std::string id;
-        std::string application;
-    };
     enum class DragKind { chip, pin };
 
     void layout() override;
@@ -85,7 +81,6 @@ private:
 
     /// True if a chip was made, which has no place yet.
     bool updateChips(const std::vector<DisplayItem>&);
-    std::vector<std::string> wantedSlots() const;
     ChipView& makeChip(const std::string& id);
     PinView& makePin(const std::string& bundleID);
     void updatePins();
@@ -93,12 +88,9 @@ private:
     bool isHeld() const { return m_isHovered || m_drag; }
     void updatePulse(std::set<std::string> asking);
 
-    void reveal(const View&) override;
+    void reveal(const View& view) override { m_scroll.reveal(view.frame()); }
     void placeAll();
     void place(View&, double x, double width);
-    void updateArrows();
-    void raiseArrows();
-    double maximumScroll() const { return std::max(0.0, m_contentWidth - bounds().width); }
     View* view(const std::string& id) const;
     Rect visibleFrame(const View&) const;
 
@@ -111,7 +103,6 @@ private:
     void abandonDrag();
     static void invalidateLifted(View&);
     static void setLifted(View&, bool isLifted);
-    std::optional<std::string> nextAfterDrop(const ReorderDrag&) const;
     void animateTo(std::map<std::string, double> targets, Duration);
 
     BarMetrics m_metrics;
@@ -124,20 +115,14 @@ private:
     bool m_reducesMotion = false;
     ChipView::Title m_title = ChipView::Title::window;
     double m_chipWidth = 0;
-    double m_contentWidth = 0;
-    double m_scroll = 0;
-    double m_scrollOfArrows = 0; ///< when the arrows were placed
-    std::vector<std::string> m_order; ///< of the newest items
-    std::vector<std::string> m_slots; ///< as laid out; some may be empty while held
-    std::map<std::string, std::string> m_applications; ///< by the identifier of a slot
+    RowScroll m_scroll;
+    RowSlots m_slots;
     std::map<std::string, ChipView*> m_chips;
     std::vector<PinData> m_wantedPins;
     std::vector<std::string> m_pinOrder; ///< as laid out, by identifier of the view
     std::map<std::string, PinView*> m_pins;
     std::map<std::string, double> m_places; ///< the left edge of each slot, as if never scrolled
     std::map<std::string, double> m_shown; ///< where chips are on their way to their places
-    ScrollArrow* m_backArrow = nullptr;
-    ScrollArrow* m_forwardArrow = nullptr;
     std::optional<ReorderDrag> m_drag;
     DragKind m_dragKind{};
     DragMove m_dragMove;
@@ -145,7 +130,6 @@ private:
     std::set<std::string> m_asking; ///< the chips that want attention
     AttentionPulse m_pulse;
     Animation m_motion;
-    Animation m_scrolling;
     WorkItem m_dragScroll;
 };
 

@@ -1,42 +1,36 @@
 #pragma once
 
-#include <cmath>
-#include <utility>
+#include <functional>
 
-#include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Surfaces.h"
+#include "Quorvel/Views/Kit/View.h"
 
 namespace quorvel {
 
 enum class DragPhase { moved, dropped, cancelled };
 
-/// Tells a click of the primary button from a drag: a hand is never quite still.
+/// Tells a click of the primary button from a drag, for a hand is never quite still, and says how
+/// the drag goes on. A view passes its presses on to it.
 class DragSource {
 public:
     static constexpr double kStillHand = 4; ///< points
 
-    void pressed(PointerButton button)
-    {
-        m_isPressed = button == PointerButton::primary;
-        m_isDragging = false;
-    }
+    std::function<void(DragPhase, const DragMove&)> onDrag;
+
+    void pressed(PointerButton);
     /// True while this press is a drag.
-    bool dragged(Point translation)
-    {
-        m_isDragging = m_isDragging
-            || (m_isPressed && std::hypot(translation.x, translation.y) > kStillHand);
-        return m_isDragging;
-    }
-    /// Whether the press that ends here was a drag.
-    bool ended()
-    {
-        m_isPressed = false;
-        return std::exchange(m_isDragging, false);
-    }
+    bool dragged(const DragMove&);
+    /// Both: whether the press that ends here was a drag.
+    bool released() { return end(DragPhase::dropped); }
+    bool cancelled() { return end(DragPhase::cancelled); }
 
 private:
+    bool end(DragPhase);
+    void report(DragPhase);
+
     bool m_isPressed = false;
     bool m_isDragging = false;
+    DragMove m_move;
 };
 
 }

@@ -17,33 +17,26 @@ struct Style {
 
 void PinView::pressed(PointerButton button)
 {
-    m_drag.pressed(button);
+    drag.pressed(button);
     ButtonView::pressed(button);
 }
 
 void PinView::dragged(const DragMove& move)
 {
-    if (!m_drag.dragged(move.translation))
-        return;
-    m_move = move;
-    ButtonView::pressCancelled();
-    if (onDrag)
-        onDrag(*this, DragPhase::moved, move);
+    if (drag.dragged(move))
+        ButtonView::pressCancelled();
 }
 
 void PinView::released(PointerButton button, bool isInside)
 {
-    if (!m_drag.ended())
-        return ButtonView::released(button, isInside);
-    if (onDrag)
-        onDrag(*this, DragPhase::dropped, m_move);
+    if (!drag.released())
+        ButtonView::released(button, isInside);
 }
 
 void PinView::pressCancelled()
 {
     ButtonView::pressCancelled();
-    if (m_drag.ended() && onDrag)
-        onDrag(*this, DragPhase::cancelled, m_move);
+    drag.cancelled();
 }
 
 void PinView::filesDropped(const std::vector<std::string>& paths)

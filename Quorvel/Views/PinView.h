@@ -30,7 +30,7 @@ public:
     /// It follows the pointer, above the others.
     void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
 
-    std::function<void(PinView&, DragPhase, const DragMove&)> onDrag;
+    DragSource drag;
     std::function<void(const PinView&, std::vector<std::string> paths)> onFilesDropped;
 
     void pressed(PointerButton) override;
@@ -51,8 +51,6 @@ private:
 
     BarMetrics m_metrics;
     PinData m_pin;
-    DragSource m_drag;
-    DragMove m_move;
     bool m_isLifted = false;
     bool m_hasFilesOver = false;
 };

@@ -13,6 +13,7 @@ ReorderDrag::ReorderDrag(
 {
     for (auto& id : m_visibleIDs)
         m_slots.push_back(m_startFrames[id].x);
+    m_startX = m_startFrames[m_draggedID].x;
     setTranslation({});
 }
 
@@ -52,18 +53,24 @@ std::vector<std::string> ReorderDrag::previewOrder() const
     return order;
 }
 
-double ReorderDrag::slotX(const std::string& id) const
+std::map<std::string, double> ReorderDrag::slotsOfOthers() const
 {
-    if (id == m_draggedID)
-        return m_startFrames.at(id).x + m_translation.x;
     auto order = previewOrder();
-    auto found = std::find(order.begin(), order.end(), id);
-    return m_slots[static_cast<std::size_t>(found - order.begin())];
+    std::map<std::string, double> slots;
+    for (std::size_t index = 0; index < order.size(); ++index) {
+        if (order[index] != m_draggedID)
+            slots.emplace(std::move(order[index]), m_slots[index]);
+    }
+    return slots;
 }
 
-std::optional<std::string> ReorderDrag::dropTargetID() const
+std::optional<std::string> ReorderDrag::dropTargetID(
+    const std::function<bool(const std::string&)>& isThere) const
 {
-    return dropTargetID(m_insertionIndex, m_draggedID, m_visibleIDs);
+    auto order = previewOrder();
+    auto dragged = std::ranges::find(order, m_draggedID);
+    auto next = std::find_if(dragged + 1, order.end(), isThere);
+    return next == order.end() ? std::nullopt : std::optional{*next};
 }
 
 std::optional<std::string> ReorderDrag::dropTargetID(

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -27,10 +28,14 @@ public:
     int insertionIndex() const { return m_insertionIndex; }
     /// The visible items as they would stand after a drop.
     std::vector<std::string> previewOrder() const;
-    /// The left edge of an item's slot in the preview order; the dragged one is at the pointer.
-    double slotX(const std::string& id) const;
-    /// The item before which a drop here puts the dragged one; absent: at the end.
-    std::optional<std::string> dropTargetID() const;
+    /// The left edge of the dragged one, which is at the pointer.
+    double draggedX() const { return m_startX + m_translation.x; }
+    /// The left edges of the others' slots in the preview order.
+    std::map<std::string, double> slotsOfOthers() const;
+    /// The item before which a drop here puts the dragged one: the first behind it that is still
+    /// there, for some may have gone meanwhile. Absent: at the end.
+    std::optional<std::string> dropTargetID(
+        const std::function<bool(const std::string& id)>& isThere) const;
 
     /// A neighbour gives way once the moved frame covers its middle.
     static int insertionIndex(double translationX, const std::string& draggedID,
@@ -43,6 +48,7 @@ private:
     Frames m_startFrames;
     std::vector<std::string> m_visibleIDs;
     std::vector<double> m_slots; ///< left edges, in the order of the row
+    double m_startX = 0;
     Point m_translation;
     int m_insertionIndex = 0;
 };

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <functional>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Views/Kit/Animation.h"
+#include "Quorvel/Views/Kit/View.h"
+
+namespace quorvel {
+
+class ScrollArrow;
+
+/// How far a row is scrolled towards its end, and the arrows that stand where there is more. The
+/// row asks for the offset when it places its children. Main thread.
+class RowScroll {
+public:
+    /// The arrows become children of the row.
+    RowScroll(View& row, Dispatch&);
+
+    std::function<void()> onScrolled;
+
+    void setDark(bool);
+    void setRightToLeft(bool);
+    void setReducesMotion(bool value) { m_reducesMotion = value; }
+    void setFrameInterval(Duration interval) { m_frameInterval = interval; }
+    /// Points. An arrow goes at least one item on.
+    void setContent(double width, double itemWidth);
+
+    /// Points.
+    double offset() const { return m_offset; }
+    double maximum() const;
+    void scrollBy(double distance);
+    /// Brings what is there (in the row's coordinates) into sight, and out from below the arrows.
+    void reveal(const Rect&);
+    void stop() { m_motion.stop(); }
+
+    /// While the row is held no arrow comes over what the pointer may be on, unless the user
+    /// scrolls.
+    void placeArrows(bool isHeld);
+    /// They cover what is below the ends of the row.
+    void raiseArrows();
+
+private:
+    void step(double direction);
+    void scrollTo(double offset);
+
+    View& m_row;
+    ScrollArrow& m_backArrow;
+    ScrollArrow& m_forwardArrow;
+    Animation m_motion;
+    Duration m_frameInterval = seconds(1.0 / 60);
+    bool m_isRightToLeft = false;
+    bool m_reducesMotion = false;
+    double m_contentWidth = 0;
+    double m_itemWidth = 0;
+    double m_offset = 0;
+    double m_offsetOfArrows = 0; ///< when they were placed
+};
+
+}

@@ -1,0 +1,68 @@
+#include "Quorvel/Views/RowSlots.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace quorvel {
+
+namespace {
+
+/// Its windows keep one slot, alone or as a group.
+const std::string& application(const DisplayItem& item)
+{
+    return std::visit(
+        [](auto& data) -> const std::string& {
+            return data.bundleIdentifier ? *data.bundleIdentifier : data.appName;
+        },
+        item);
+}
+
+bool isGroup(std::string_view chipID)
+{
+    return chipID.starts_with(groupItemID(""));
+}
+
+}
+
+bool RowSlots::setItems(const std::vector<DisplayItem>& items, bool isHeld)
+{
+    m_order.clear();
+    for (auto& item : items)
+        m_order.push_back(displayItemID(item));
+    auto slots = isHeld ? heldSlots(items) : m_order;
+    for (auto& item : items)
+        m_applications[displayItemID(item)] = application(item);
+    if (slots == m_slots)
+        return false;
+    m_slots = std::move(slots);
+    std::set<std::string_view> present(m_slots.begin(), m_slots.end());
+    std::erase_if(m_applications, [&](auto& entry) { return !present.contains(entry.first); });
+    return true;
+}
+
+std::vector<std::string> RowSlots::heldSlots(const std::vector<DisplayItem>& items) const
+{
+    std::set<std::string_view> present(m_order.begin(), m_order.end());
+    std::set<std::string_view> placed(m_slots.begin(), m_slots.end());
+    auto slots = m_slots;
+    for (std::size_t index = 0; index < items.size(); ++index) {
+        auto& id = m_order[index];
+        if (placed.contains(id))
+            continue;
+        auto vacated = std::ranges::find_if(slots, [&](auto& slot) {
+            auto known = m_applications.find(slot);
+            return !present.contains(slot) && known != m_applications.end()
+                && known->second == application(items[index]) && isGroup(slot) != isGroup(id);
+        });
+        if (vacated == slots.end())
+            slots.push_back(id);
+        else
+            *vacated = id;
+    }
+    // The empty slots at the end are in nobody's way.
+    while (!slots.empty() && !present.contains(slots.back()))
+        slots.pop_back();
+    return slots;
+}
+
+}
