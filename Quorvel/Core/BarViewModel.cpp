@@ -269,9 +269,9 @@ void BarViewModel::moveChip(
     refresh();
 }
 
-std::set<std::string> BarViewModel::bundleIDsWithWindows(SpaceID space) const
+std::set<std::string_view> BarViewModel::bundleIDsWithWindows(SpaceID space) const
 {
-    std::set<std::string> bundleIDs;
+    std::set<std::string_view> bundleIDs;
     if (auto found = chipsBySpace.value().find(space); found != chipsBySpace.value().end()) {
         for (auto& chip : found->second) {
             if (chip.bundleIdentifier)

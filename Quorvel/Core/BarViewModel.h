@@ -65,7 +65,8 @@ public:
     /// Puts an item in front of another one, or last. Items of windows that have been folded into a
     /// group since are the group's.
     void moveChip(const std::string& id, const std::optional<std::string>& before, SpaceID);
-    std::set<std::string> bundleIDsWithWindows(SpaceID) const;
+    /// Valid until the next refresh.
+    std::set<std::string_view> bundleIDsWithWindows(SpaceID) const;
 
     /// Null if the window has no chip there.
     const ChipData* chip(SpaceID, WindowID) const;

@@ -16,8 +16,8 @@
 #include "Quorvel/Views/ChipsRow.h"
 #include "Quorvel/Views/MenuButton.h"
 #include "Quorvel/Views/ShowDesktopButton.h"
+#include "Quorvel/Views/SpaceCells.h"
 #include "Quorvel/Views/SpaceSwitcher.h"
-#include "Quorvel/Views/ThumbnailPopup.h"
 
 namespace quorvel {
 
@@ -54,6 +54,7 @@ std::string countText(int windows)
 BarContentView::BarContentView(Inputs inputs)
     : m_inputs(std::move(inputs))
     , m_hover(m_inputs.platform.dispatch, m_inputs.platform.surfaces)
+    , m_popups(m_inputs.platform, m_inputs.thumbnailService, m_inputs.display)
 {
     auto& metrics = m_inputs.metrics;
     m_background = &addChild(std::make_unique<BarBackground>());
@@ -78,7 +79,16 @@ BarContentView::BarContentView(Inputs inputs)
     m_spaceSwitcher->onListRequested = [this] { showSpaceList(); };
     m_hover.onPrefetch = [this](const HoverTarget& target) { prefetchThumbnails(target); };
     m_hover.onShow = [this](const HoverTarget& target) { showThumbnailPopup(target); };
-    m_hover.onDismiss = [this] { hideThumbnailPopup(); };
+    m_hover.onDismiss = [this] { m_popups.hide(); };
+    m_popups.onWillShow = [this] {
+        if (onThumbnailWillShow)
+            onThumbnailWillShow();
+    };
+    m_popups.onHoverChanged = [this](bool isHovered) { m_hover.setPopupHovered(isHovered); };
+    m_popups.onWindowChosen = [this](WindowID id) { activateWindowDeferred(id); };
+    m_popups.onWindowClosed = [this](WindowID id) {
+        onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
+    };
     connectRow();
 
     auto& viewModel = m_inputs.viewModel;
@@ -89,8 +99,8 @@ BarContentView::BarContentView(Inputs inputs)
     m_subscriptions.push_back(
         m_inputs.pinStore.pinnedApps().subscribe([this](auto&) { pinsDidChange(); }));
     m_subscriptions.push_back(viewModel.spaces.subscribe([this](auto&) { spacesDidChange(); }));
-    m_subscriptions.push_back(viewModel.chipsBySpace.subscribe([this](auto&) {
-        if (!areCellsCurrent())
+    m_subscriptions.push_back(viewModel.chipsBySpace.subscribe([this](auto& chips) {
+        if (!areCurrent(m_spaceSwitcher->spaces(), chips))
             spacesDidChange();
         if (!arePinsCurrent())
             pinsDidChange();
@@ -185,56 +195,9 @@ void BarContentView::pinsDidChange()
     m_inputs.surface.accessibleTreeDidChange();
 }
 
-std::vector<SpaceCellData> BarContentView::spaceCells() const
-{
-    auto& spaces = m_inputs.viewModel.spaces.value();
-    auto own = std::ranges::find(spaces, m_inputs.spaceID, &SpaceWindows::Info::spaceID);
-    std::vector<SpaceCellData> cells;
-    if (own == spaces.end())
-        return cells;
-    int number = 0;
-    for (auto& space : spaces) {
-        bool isFullscreen = space.spaceType == kFullscreenSpaceType;
-        number += isFullscreen ? 0 : 1; // over all displays, as the system's own shortcuts count
-        if (space.displayIdentifier != own->displayIdentifier)
-            continue;
-        SpaceCellData cell;
-        cell.id = space.spaceID;
-        cell.label = isFullscreen ? "\u25A2" : std::to_string(number);
-        cell.name = isFullscreen ? "Full Screen" : "Desktop " + std::to_string(number);
-        if (auto name = m_inputs.platform.windowServer.spaceName(space.spaceID);
-            name && !name->empty())
-            cell.name = *name;
-        cell.isCurrent = space.spaceID == m_inputs.spaceID;
-        auto& chips = m_inputs.viewModel.chipsBySpace.value();
-        if (auto found = chips.find(space.spaceID); found != chips.end()) {
-            cell.windowCount = static_cast<int>(found->second.size());
-            cell.wantsAttention
-                = !cell.isCurrent && std::ranges::any_of(found->second, &ChipData::wantsAttention);
-        }
-        cells.push_back(std::move(cell));
-    }
-    return cells;
-}
-
-/// Most changes of chips are titles, of which the cells say nothing.
-bool BarContentView::areCellsCurrent() const
-{
-    auto& chips = m_inputs.viewModel.chipsBySpace.value();
-    return std::ranges::all_of(m_spaceSwitcher->spaces(), [&](const SpaceCellData& cell) {
-        auto found = chips.find(cell.id);
-        if (found == chips.end())
-            return cell.windowCount == 0;
-        bool asks
-            = !cell.isCurrent && std::ranges::any_of(found->second, &ChipData::wantsAttention);
-        return cell.windowCount == static_cast<int>(found->second.size())
-            && cell.wantsAttention == asks;
-    });
-}
-
 void BarContentView::spacesDidChange()
 {
-    auto cells = spaceCells();
+    auto cells = spaceCells(m_inputs.viewModel, m_inputs.platform.windowServer, m_inputs.spaceID);
     bool isOtherCount = cells.size() != m_spaceSwitcher->spaces().size();
     m_spaceSwitcher->setSpaces(cells);
     if (isOtherCount)
@@ -596,34 +559,13 @@ void BarContentView::showThumbnailPopup(const HoverTarget& target)
 {
     auto frames = chipFrames();
     auto frame = std::ranges::find(frames, target.chipID, &std::pair<std::string, Rect>::first);
-    auto screens = m_inputs.platform.displays.screens();
-    auto screen = std::ranges::find(screens, m_inputs.display, &Screen::number);
-    auto windows = chips(target.windows);
-    if (frame == frames.end() || screen == screens.end() || windows.empty())
-        return dismissThumbnailPopupImmediate();
-    if (onThumbnailWillShow)
-        onThumbnailWillShow();
-    bool isNew = !m_activeThumbnailPanel;
-    if (isNew) {
-        m_activeThumbnailPanel = std::make_unique<ThumbnailPopup>(ThumbnailPopup::Inputs{
-            m_inputs.platform.surfaces, m_inputs.platform.dispatch, m_inputs.thumbnailService,
-            m_inputs.platform.application.appearance(), m_inputs.display});
-        m_activeThumbnailPanel->onHoverChanged
-            = [this](bool isHovered) { m_hover.setPopupHovered(isHovered); };
-        m_activeThumbnailPanel->onWindowChosen
-            = [this](WindowID id) { activateWindowDeferred(id); };
-        m_activeThumbnailPanel->onWindowClosed = [this](WindowID id) {
-            onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
-        };
-    }
-    m_activeThumbnailPanel->show(
-        windows, onScreen(frame->second), screen->frame, isNew ? std::nullopt : m_lastPopupFrame);
-    m_lastPopupFrame = m_activeThumbnailPanel->frame();
+    if (frame == frames.end() || !m_popups.show(chips(target.windows), onScreen(frame->second)))
+        dismissThumbnailPopupImmediate();
 }
 
 void BarContentView::updateThumbnailPopup()
 {
-    if (!m_activeThumbnailPanel || !m_hover.thumbnailTargetID())
+    if (!m_popups.popup() || !m_hover.thumbnailTargetID())
         return;
     auto items = m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex);
     auto found = std::ranges::find_if(
@@ -631,27 +573,13 @@ void BarContentView::updateThumbnailPopup()
     if (found == items.end())
         return m_hover.targetDidVanish();
     auto target = hoverTarget(*found);
-    auto before = m_activeThumbnailPanel->windows();
-    if (std::ranges::is_permutation(before, target.windows))
-        m_activeThumbnailPanel->update(chips(target.windows));
-    else
+    if (!m_popups.update(chips(target.windows)))
         showThumbnailPopup(target);
 }
 
 void BarContentView::dismissThumbnailPopupImmediate()
 {
     m_hover.dismissThumbnailPopupImmediate();
-}
-
-void BarContentView::hideThumbnailPopup()
-{
-    if (!m_activeThumbnailPanel)
-        return;
-    // A click on one of its cards may be what closes it.
-    m_closedThumbnailPanel = std::move(m_activeThumbnailPanel);
-    m_closedThumbnailPanel->hide();
-    m_afterClosing = m_inputs.platform.dispatch.main().after(
-        Duration::zero(), [this] { m_closedThumbnailPanel.reset(); });
 }
 
 }

@@ -14,6 +14,7 @@
 #include "Quorvel/Views/ChipView.h"
 #include "Quorvel/Views/Kit/View.h"
 #include "Quorvel/Views/ThumbnailHover.h"
+#include "Quorvel/Views/ThumbnailPresenter.h"
 
 namespace quorvel {
 
@@ -25,11 +26,9 @@ class PinView;
 class ReorderDrag;
 class ShowDesktopButton;
 class SpaceSwitcher;
-class ThumbnailPopup;
 class ThumbnailService;
 class UserSettings;
 struct ChipMenuContext;
-struct SpaceCellData;
 
 /// The content of one bar: menu button, pins and chips of its space, space switcher, show-desktop
 /// button; and what rests, clicks and drags on them mean. Main thread.
@@ -77,7 +76,7 @@ public:
     std::vector<std::pair<std::string, Rect>> pinFrames() const;
     std::vector<std::pair<SpaceID, Rect>> spaceCellFrames() const;
     /// Null while none is open.
-    const ThumbnailPopup* thumbnailPopup() const { return m_activeThumbnailPanel.get(); }
+    const ThumbnailPopup* thumbnailPopup() const { return m_popups.popup(); }
 
     void handlePrimaryChipTap(WindowID, bool isFocused);
     /// Another application's group: its representative. The focused group: its next window.
@@ -108,8 +107,6 @@ private:
     void settingsDidChange();
     void appearanceDidChange();
     void updateBackground();
-    std::vector<SpaceCellData> spaceCells() const;
-    bool areCellsCurrent() const;
 
     void chipClicked(const ChipView&, ChipView::Click);
     void chipHovered(const ChipView&, bool isHovered);
@@ -124,7 +121,6 @@ private:
     ChipMenuContext menuContext();
 
     void showThumbnailPopup(const HoverTarget&);
-    void hideThumbnailPopup();
     void updateThumbnailPopup();
     std::vector<ChipData> chips(const std::vector<WindowID>&) const;
     Rect onScreen(const Rect& inBar) const;
@@ -141,11 +137,7 @@ private:
     std::vector<std::string> m_pins; ///< bundle identifiers, as they were looked up
     std::map<std::string, WorkItem> m_launching; ///< by bundle identifier
     ThumbnailHover m_hover;
-    std::unique_ptr<ThumbnailPopup> m_activeThumbnailPanel;
-    /// Closed inside a call from itself; goes a turn later.
-    std::unique_ptr<ThumbnailPopup> m_closedThumbnailPanel;
-    std::optional<Rect> m_lastPopupFrame;
-    WorkItem m_afterClosing;
+    ThumbnailPresenter m_popups;
     WorkItem m_springTimer;
     std::vector<Subscription> m_subscriptions;
     WeakOwner<BarContentView> m_weak{*this};

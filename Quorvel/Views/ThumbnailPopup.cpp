@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
 #include "Quorvel/Core/ThumbnailService.h"
@@ -210,6 +211,8 @@ void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
     m_filling = {};
     m_pictures.clear();
     m_cards.clear();
+    m_windows.clear();
+    std::ranges::transform(chips, std::back_inserter(m_windows), &ChipData::id);
     auto content = std::make_unique<Content>(m_inputs.appearance);
     m_content = content.get();
     m_content->setLayout(m_layout);
@@ -256,22 +259,14 @@ void ThumbnailPopup::askForPicture(ThumbnailCard& card)
     }));
 }
 
-void ThumbnailPopup::update(const std::vector<ChipData>& chips)
+bool ThumbnailPopup::update(const std::vector<ChipData>& chips)
 {
-    for (auto* card : m_cards) {
-        auto chip = std::ranges::find(chips, card->chip().id, &ChipData::id);
-        if (chip != chips.end())
-            card->setChip(*chip);
-    }
-    m_surface->accessibleTreeDidChange();
-}
-
-std::vector<WindowID> ThumbnailPopup::windows() const
-{
-    std::vector<WindowID> windows;
+    if (!std::ranges::is_permutation(chips, m_windows, {}, &ChipData::id))
+        return false;
     for (auto* card : m_cards)
-        windows.push_back(card->chip().id);
-    return windows;
+        card->setChip(*std::ranges::find(chips, card->chip().id, &ChipData::id));
+    m_surface->accessibleTreeDidChange();
+    return true;
 }
 
 Rect ThumbnailPopup::onScreen(const Rect& inRoot) const

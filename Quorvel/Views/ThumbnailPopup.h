@@ -53,11 +53,10 @@ public:
     void show(const std::vector<ChipData>&, const Rect& chip, const Rect& screen,
         const std::optional<Rect>& animatingFrom);
     void hide();
-    /// The same windows, as they are now.
-    void update(const std::vector<ChipData>&);
+    /// True if it was made for just these windows, which are now as given; else nothing changes.
+    bool update(const std::vector<ChipData>&);
 
     Rect frame() const { return m_layout.frame; }
-    std::vector<WindowID> windows() const;
     /// With its close button; points, bottom-left origin.
     struct CardPlace {
         WindowID window{};
@@ -84,6 +83,7 @@ private:
     std::unique_ptr<PanelSurface> m_surface;
     Content* m_content = nullptr;
     ThumbnailPopupLayout m_layout;
+    std::vector<WindowID> m_windows; ///< those without room for a card, too
     std::vector<ThumbnailCard*> m_cards;
     std::vector<Subscription> m_pictures;
     Animation m_animation;
