@@ -263,6 +263,27 @@ TEST_F(BarInteractionTest, pinsStandBeforeTheChipsWhileTheirApplicationHasNoWind
     EXPECT_THAT(desktop.workspace().opened(), ElementsAre("/Applications/player"));
     leave();
 
+    // It is not said to start any longer once its window is there, wherever that is.
+    auto isStarting = [this](const std::string& id) {
+        auto said = content().accessibleViews();
+        return std::ranges::any_of(said, [&](View* view) {
+            return view->accessibleID() == "pin-" + id
+                && view->accessibleState().name.ends_with("starting");
+        });
+    };
+    auto browser = content().pinFrames().back().second.centre();
+    panel().click(browser);
+    desktop.drain();
+    EXPECT_TRUE(isStarting("browser"));
+    leave();
+    auto process = desktop.launch({.name = "Browser", .bundleIdentifier = "browser"});
+    auto page = desktop.open(process, {.title = "Page", .spaces = {SpaceID{2}}});
+    desktop.advance(seconds(2));
+    EXPECT_FALSE(isStarting("browser"));
+    desktop.close(page);
+    desktop.terminate(process);
+    settle();
+
     // Behind the last visible one is still before those that are not on this bar.
     pin("editor");
     auto pins = content().pinFrames();
@@ -461,10 +482,48 @@ TEST_F(BarInteractionTest, moreChipsThanFitScroll)
     panel().movePointer({from.x - 40, from.y});
     panel().movePointer({from.x - row, from.y});
     desktop.advance(seconds(20));
+    panel().movePointer({from.x + 60, from.y});
+    int outside = 0;
+    for (auto& icon : panel().render().drawn<DrawnImage>())
+        outside += icon.visible.maxX() > row ? 1 : 0;
+    EXPECT_EQ(outside, 1) << "the dragged one alone leaves the row";
+    panel().movePointer({from.x - row, from.y});
     panel().release({from.x - row, from.y});
     desktop.advance(seconds(0.3));
     EXPECT_EQ(chipIDs().front(), displayItemID(many.back()));
     EXPECT_FALSE(chipFrame(inbox)->isEmpty());
+}
+
+// Faults: in a row that is scrolled to its end the chips move when the last one closes; an arrow
+// goes from under the pointer, so that the next click meets a chip.
+TEST_F(BarInteractionTest, aScrolledRowHoldsStillUnderThePointer)
+{
+    std::vector<WindowID> many;
+    for (int i = 0; i < 60; ++i)
+        many.push_back(desktop.open(editor, {.title = "Window"}));
+    settle();
+    auto end = Point{middleOf(notes).x, 10};
+    for (auto& [id, frame] : content().chipFrames())
+        end.x = std::max(end.x, frame.maxX() - 5);
+    for (int i = 0; i < 10; ++i) {
+        panel().click(end);
+        desktop.advance(seconds(0.5));
+    }
+    EXPECT_FALSE(chipFrame(many.back())->isEmpty()) << "the arrow leads to the end";
+    EXPECT_FALSE(chip(many.back())->isFocused);
+
+    panel().movePointer(middleOf(many[50]));
+    auto place = chipFrame(many[50]);
+    desktop.close(many.back());
+    desktop.close(many[58]);
+    settle();
+    EXPECT_EQ(chipFrame(many[50]), place);
+    auto opened = desktop.open(editor, {.title = "New"});
+    settle();
+    EXPECT_EQ(chipFrame(many[50]), place);
+    EXPECT_GT(chipFrame(opened)->x, chipFrame(many[57])->x);
+    leave();
+    EXPECT_NE(chipFrame(many[50]), place);
 }
 
 }

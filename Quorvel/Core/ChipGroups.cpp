@@ -106,6 +106,7 @@ DisplayItem ChipGroups::grouped(const std::string& preferredKey, SpaceID space,
         .windowCount = static_cast<int>(bucket.size()),
         .windowIDs = std::move(ids),
         .isFocused = focusedChip != nullptr,
+        .isMinimized = std::ranges::all_of(bucket, &ChipData::isMinimized),
         .badge = title.badge,
         // Where windows ask for themselves, one that asks is enough.
         .wantsAttention = std::ranges::any_of(bucket, &ChipData::wantsAttention),

@@ -38,6 +38,7 @@ struct GroupedChipData {
     /// The representative first, the others in the order of the chips.
     std::vector<WindowID> windowIDs;
     bool isFocused = false;
+    bool isMinimized = false; ///< all of them are
     std::optional<std::string> badge;
     bool wantsAttention = false;
     std::optional<double> progress;

@@ -78,7 +78,7 @@ BarContentView::BarContentView(Inputs inputs)
     };
     m_spaceSwitcher->onListRequested = [this] { showSpaceList(); };
     m_hover.onPrefetch = [this](const HoverTarget& target) { prefetchThumbnails(target); };
-    m_hover.onShow = [this](const HoverTarget& target) { showThumbnailPopup(target); };
+    m_hover.onShow = [this](const HoverTarget& target) { showThumbnailPopup(target.chipID); };
     m_hover.onDismiss = [this] { m_popups.hide(); };
     m_popups.onWillShow = [this] {
         if (onThumbnailWillShow)
@@ -102,7 +102,7 @@ BarContentView::BarContentView(Inputs inputs)
     m_subscriptions.push_back(viewModel.chipsBySpace.subscribe([this](auto& chips) {
         if (!areCurrent(m_spaceSwitcher->spaces(), chips))
             spacesDidChange();
-        if (!arePinsCurrent())
+        if (!arePinsCurrent() || hasLaunched())
             pinsDidChange();
     }));
     m_subscriptions.push_back(m_inputs.platform.windowServer.spacesDidChange.subscribe(
@@ -123,6 +123,7 @@ BarContentView::~BarContentView() = default;
 void BarContentView::connectRow()
 {
     m_row->onHoverChanged = [this](bool isHovered) {
+        updateThumbnailPopup(); // the row may have closed up
         if (onChipsAreaHoverChanged)
             onChipsAreaHoverChanged(isHovered);
     };
@@ -147,6 +148,7 @@ void BarContentView::connectRow()
     m_row->onPinFiles = [this](const PinView& pin, std::vector<std::string> paths) {
         if (auto url = m_inputs.platform.workspace.applicationURL(pin.pin().bundleID))
             m_inputs.platform.workspace.openFiles(paths, *url);
+        markLaunching(pin.pin().bundleID);
     };
     m_row->onPinMoved = [this](const std::string& bundleID, const ReorderDrag& drag) {
         pinMoved(bundleID, drag);
@@ -181,8 +183,9 @@ bool BarContentView::arePinsCurrent() const
 void BarContentView::pinsDidChange()
 {
     m_pins = wantedPins();
-    std::erase_if(m_launching,
-        [&](auto& entry) { return std::ranges::find(m_pins, entry.first) == m_pins.end(); });
+    std::erase_if(m_launching, [&](auto& entry) {
+        return std::ranges::find(m_pins, entry.first) == m_pins.end() || isRunning(entry.first);
+    });
     std::vector<PinData> pins;
     for (auto& id : m_pins) {
         auto icon = m_inputs.viewModel.icon(id);
@@ -383,13 +386,13 @@ void BarContentView::pinTapped(const std::string& bundleID)
 {
     dismissThumbnailPopupImmediate();
     onNextTurn([bundleID](BarViewModel& viewModel) { viewModel.launchApp(bundleID); });
-    // One that runs already only comes to the front.
-    auto& chips = m_inputs.viewModel.chipsBySpace.value();
-    bool isRunning = std::ranges::any_of(chips, [&](auto& entry) {
-        return std::ranges::find(entry.second, bundleID, &ChipData::bundleIdentifier)
-            != entry.second.end();
-    });
-    if (isRunning || !m_inputs.platform.workspace.applicationURL(bundleID))
+    markLaunching(bundleID);
+}
+
+/// One that runs already only comes to the front.
+void BarContentView::markLaunching(const std::string& bundleID)
+{
+    if (isRunning(bundleID) || !m_inputs.platform.workspace.applicationURL(bundleID))
         return;
     m_launching[bundleID]
         = m_inputs.platform.dispatch.main().after(kLaunchPatience, [this, bundleID] {
@@ -397,6 +400,20 @@ void BarContentView::pinTapped(const std::string& bundleID)
               pinsDidChange();
           });
     pinsDidChange();
+}
+
+/// It has a window on some space.
+bool BarContentView::isRunning(const std::string& bundleID) const
+{
+    return std::ranges::any_of(m_inputs.viewModel.chipsBySpace.value(), [&](auto& entry) {
+        return std::ranges::find(entry.second, bundleID, &ChipData::bundleIdentifier)
+            != entry.second.end();
+    });
+}
+
+bool BarContentView::hasLaunched() const
+{
+    return std::ranges::any_of(m_launching, [this](auto& entry) { return isRunning(entry.first); });
 }
 
 void BarContentView::triggerShowDesktop()
@@ -498,25 +515,28 @@ void BarContentView::chipDragged(const ChipView& chip, Point pointer)
 {
     m_hover.suppressForCurrentHover(displayItemID(chip.item()));
     dismissThumbnailPopupImmediate();
-    auto space = m_spaceSwitcher->spaceAt(pointer);
-    m_spaceSwitcher->setDropTarget(space == m_inputs.spaceID ? std::nullopt : space);
+    auto* cell = m_spaceSwitcher->spaceAt(pointer);
+    bool isTarget = cell && !cell->isCurrent && !cell->isFullscreen;
+    m_spaceSwitcher->setDropTarget(isTarget ? std::optional{cell->id} : std::nullopt);
 }
 
 bool BarContentView::chipDropped(const ChipView& chip, Point pointer)
 {
-    auto space = m_spaceSwitcher->spaceAt(pointer);
-    if (!space)
+    auto* cell = m_spaceSwitcher->spaceAt(pointer);
+    if (!cell)
         return false;
-    if (*space == m_inputs.spaceID || !onMoveWindowToSpaceRequested)
+    if (cell->isCurrent || cell->isFullscreen || !onMoveWindowToSpaceRequested)
         return true;
     auto* group = std::get_if<GroupedChipData>(&chip.item());
     onMoveWindowToSpaceRequested(
-        group ? group->windowIDs : std::vector{std::get<ChipData>(chip.item()).id}, *space);
+        group ? group->windowIDs : std::vector{std::get<ChipData>(chip.item()).id}, cell->id);
     return true;
 }
 
 void BarContentView::pinMoved(const std::string& bundleID, const ReorderDrag& drag)
 {
+    if (!drag.isElsewhere())
+        return; // behind the last one means something else than where it is
     auto pinned = m_inputs.pinStore.pinnedAppIDs(PinDestination::bar);
     auto before = drag.dropTargetID(
         [&](auto& id) { return std::ranges::find(pinned, id) != pinned.end(); });
@@ -555,26 +575,35 @@ std::vector<ChipData> BarContentView::chips(const std::vector<WindowID>& ids) co
     return chips;
 }
 
-void BarContentView::showThumbnailPopup(const HoverTarget& target)
+std::optional<BarContentView::PopupContents> BarContentView::popupContents(
+    const std::string& chipID) const
 {
+    auto items = m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex);
+    auto item = std::ranges::find_if(items, [&](auto& i) { return displayItemID(i) == chipID; });
     auto frames = chipFrames();
-    auto frame = std::ranges::find(frames, target.chipID, &std::pair<std::string, Rect>::first);
-    if (frame == frames.end() || !m_popups.show(chips(target.windows), onScreen(frame->second)))
+    auto frame = std::ranges::find(frames, chipID, &std::pair<std::string, Rect>::first);
+    if (item == items.end() || frame == frames.end())
+        return {};
+    return PopupContents{chips(hoverTarget(*item).windows), onScreen(frame->second)};
+}
+
+void BarContentView::showThumbnailPopup(const std::string& chipID)
+{
+    auto contents = popupContents(chipID);
+    if (!contents || !m_popups.show(contents->windows, contents->chip))
         dismissThumbnailPopupImmediate();
 }
 
 void BarContentView::updateThumbnailPopup()
 {
-    if (!m_popups.popup() || !m_hover.thumbnailTargetID())
+    auto chipID = m_hover.thumbnailTargetID();
+    if (!m_popups.popup() || !chipID)
         return;
-    auto items = m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex);
-    auto found = std::ranges::find_if(
-        items, [&](auto& item) { return displayItemID(item) == *m_hover.thumbnailTargetID(); });
-    if (found == items.end())
+    auto contents = popupContents(*chipID);
+    if (!contents)
         return m_hover.targetDidVanish();
-    auto target = hoverTarget(*found);
-    if (!m_popups.update(chips(target.windows)))
-        showThumbnailPopup(target);
+    if (!m_popups.update(contents->windows, contents->chip))
+        showThumbnailPopup(*chipID);
 }
 
 void BarContentView::dismissThumbnailPopupImmediate()

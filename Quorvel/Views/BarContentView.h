@@ -115,12 +115,22 @@ private:
     void chipDragged(const ChipView&, Point pointer);
     bool chipDropped(const ChipView&, Point pointer);
     void pinTapped(const std::string& bundleID);
+    void markLaunching(const std::string& bundleID);
+    bool isRunning(const std::string& bundleID) const;
+    /// Whether one that was started has its window.
+    bool hasLaunched() const;
     void pinMoved(const std::string& bundleID, const ReorderDrag&);
     void openMenu(Menu, const Rect& anchor);
     void showSpaceList();
     ChipMenuContext menuContext();
 
-    void showThumbnailPopup(const HoverTarget&);
+    struct PopupContents {
+        std::vector<ChipData> windows;
+        Rect chip; ///< points, bottom-left origin
+    };
+    /// As things are now; absent if the chip has gone.
+    std::optional<PopupContents> popupContents(const std::string& chipID) const;
+    void showThumbnailPopup(const std::string& chipID);
     void updateThumbnailPopup();
     std::vector<ChipData> chips(const std::vector<WindowID>&) const;
     Rect onScreen(const Rect& inBar) const;

@@ -75,10 +75,13 @@ void addPinEntry(Menu& menu, const std::string& bundleID, const ChipMenuContext&
 
 void addMoveEntry(Menu& menu, const std::vector<WindowID>& windows, const ChipMenuContext& context)
 {
-    if (context.spaces.size() < 2 || !context.onMoveWindowToSpace)
+    if (std::ranges::count(context.spaces, false, &SpaceCellData::isFullscreen) < 2
+        || !context.onMoveWindowToSpace)
         return;
     MenuItem move{"Move to Space", true, {}};
     for (auto& space : context.spaces) {
+        if (space.isFullscreen)
+            continue;
         auto item = entry(space.name, context.viewModel,
             [onMove = context.onMoveWindowToSpace, windows, to = space.id](
                 BarViewModel&) { onMove(windows, to); });

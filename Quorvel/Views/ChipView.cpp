@@ -87,8 +87,14 @@ template <typename Member> decltype(auto) fieldOf(const DisplayItem& item, Membe
 
 bool isMinimized(const DisplayItem& item)
 {
-    auto* single = std::get_if<ChipData>(&item);
-    return single && single->isMinimized;
+    return fieldOf(item, [](auto& data) { return data.isMinimized; });
+}
+
+/// As it is read out. What is no number says that there is something, not how much.
+std::string badgeText(const std::string& badge)
+{
+    bool hasNumber = std::ranges::any_of(badge, [](char c) { return c >= '0' && c <= '9'; });
+    return hasNumber ? badge + " unread" : "unread";
 }
 
 /// Text sizes follow the chip's height, as the rest of the metrics do.
@@ -209,7 +215,7 @@ AccessibleState ChipView::accessibleState() const
     if (single && !single->windowTitle.empty() && single->windowTitle != single->appName)
         state.name += ", " + single->windowTitle;
     if (auto badge = fieldOf(m_item, [](auto& data) { return data.badge; }))
-        state.name += ", " + *badge + " unread";
+        state.name += ", " + badgeText(*badge);
     if (group)
         state.name += ", " + std::to_string(group->windowCount) + " windows";
     if (isMinimized(m_item))

@@ -81,6 +81,7 @@ private:
         Rect focusMark;
     };
 
+    bool isLifted() const override { return m_isLifted; }
     void paint(Canvas&) const override;
     void paintChip(Canvas&) const;
     void paintFace(Canvas&, const Parts&) const;

@@ -429,7 +429,7 @@ void ChipsRow::endDrag(View& view, DragPhase phase)
         && onChipDropped(static_cast<ChipView&>(view), m_dragMove.pointer);
     if (phase == DragPhase::dropped && !isElsewhere) {
         if (isChip)
-            m_slots.setSlots(drag.previewOrder());
+            m_slots.arrange(drag.previewOrder());
         else
             m_pinOrder = drag.previewOrder();
         if (isChip && onChipMoved)
@@ -440,6 +440,10 @@ void ChipsRow::endDrag(View& view, DragPhase phase)
     }
     if (isChip && onChipDragEnded)
         onChipDragEnded();
+    // What the pointer left during the drag has not been told yet.
+    if (auto* chip = isChip ? static_cast<ChipView*>(&view) : nullptr;
+        chip && !chip->isHovered() && onChipHover)
+        onChipHover(*chip, false);
     layout();
     std::map<std::string, double> targets;
     for (auto& [id, x] : m_shown) {

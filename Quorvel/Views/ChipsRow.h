@@ -76,7 +76,7 @@ private:
     enum class DragKind { chip, pin };
 
     void layout() override;
-    bool clipsChildren() const override { return !m_drag; }
+    bool clipsChildren() const override { return true; }
     Rect paintFrame() const override;
 
     /// True if a chip was made, which has no place yet.

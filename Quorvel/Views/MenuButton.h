@@ -11,7 +11,7 @@ public:
     explicit MenuButton(const BarMetrics& metrics) : m_metrics(metrics) { }
 
     std::string accessibleID() const override { return "menu"; }
-    AccessibleState accessibleState() const override { return buttonState("Menu", "Open"); }
+    AccessibleState accessibleState() const override { return menuButtonState("Menu"); }
 
 private:
     void paint(Canvas&) const override;

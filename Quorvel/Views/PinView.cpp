@@ -39,6 +39,15 @@ void PinView::pressCancelled()
     drag.cancelled();
 }
 
+AccessibleState PinView::accessibleState() const
+{
+    auto state = buttonState(m_pin.name, "Open");
+    state.actions.emplace_back("Show Menu");
+    if (m_pin.isLaunching)
+        state.name += ", starting";
+    return state;
+}
+
 void PinView::filesDropped(const std::vector<std::string>& paths)
 {
     if (onFilesDropped)

@@ -44,9 +44,10 @@ public:
     void filesDropped(const std::vector<std::string>& paths) override;
 
     std::string accessibleID() const override { return "pin-" + m_pin.bundleID; }
-    AccessibleState accessibleState() const override { return buttonState(m_pin.name, "Open"); }
+    AccessibleState accessibleState() const override;
 
 private:
+    bool isLifted() const override { return m_isLifted; }
     void paint(Canvas&) const override;
 
     BarMetrics m_metrics;

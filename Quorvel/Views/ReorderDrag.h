@@ -26,6 +26,8 @@ public:
     Point translation() const { return m_translation; }
     /// Among the others: 0 is before all of them.
     int insertionIndex() const { return m_insertionIndex; }
+    /// Whether a drop here changes the order.
+    bool isElsewhere() const { return previewOrder() != m_visibleIDs; }
     /// The visible items as they would stand after a drop.
     std::vector<std::string> previewOrder() const;
     /// The left edge of the dragged one, which is at the pointer.

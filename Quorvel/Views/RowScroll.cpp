@@ -24,6 +24,10 @@ RowScroll::RowScroll(View& row, Dispatch& dispatch)
 {
     m_backArrow.onTapped = [this] { step(-1); };
     m_forwardArrow.onTapped = [this] { step(1); };
+    m_backArrow.onPointerLeft = m_forwardArrow.onPointerLeft = [this] {
+        if (onScrolled)
+            onScrolled();
+    };
 }
 
 void RowScroll::setDark(bool isDark)
@@ -95,6 +99,9 @@ void RowScroll::placeArrows(bool isHeld)
         hasBefore &= !m_backArrow.frame().isEmpty();
         hasAfter &= !m_forwardArrow.frame().isEmpty();
     }
+    // A click too many on an arrow must not meet the chip below.
+    hasBefore |= m_backArrow.isHovered();
+    hasAfter |= m_forwardArrow.isHovered();
     auto row = m_row.bounds();
     auto place = [&](ScrollArrow& arrow, bool isShown, double x) {
         arrow.setFrame({x, 0, isShown ? ScrollArrow::kWidth : 0, row.height});

@@ -35,7 +35,7 @@ public:
     void stop() { m_motion.stop(); }
 
     /// While the row is held no arrow comes over what the pointer may be on, unless the user
-    /// scrolls.
+    /// scrolls; and none goes from under the pointer.
     void placeArrows(bool isHeld);
     /// They cover what is below the ends of the row.
     void raiseArrows();

@@ -40,6 +40,16 @@ bool RowSlots::setItems(const std::vector<DisplayItem>& items, bool isHeld)
     return true;
 }
 
+void RowSlots::arrange(std::vector<std::string> order)
+{
+    std::set<std::string_view> arranged(order.begin(), order.end());
+    for (auto& slot : m_slots) {
+        if (!arranged.contains(slot))
+            order.push_back(std::move(slot));
+    }
+    m_slots = std::move(order);
+}
+
 std::vector<std::string> RowSlots::heldSlots(const std::vector<DisplayItem>& items) const
 {
     std::set<std::string_view> present(m_order.begin(), m_order.end());
@@ -49,19 +59,20 @@ std::vector<std::string> RowSlots::heldSlots(const std::vector<DisplayItem>& ite
         auto& id = m_order[index];
         if (placed.contains(id))
             continue;
-        auto vacated = std::ranges::find_if(slots, [&](auto& slot) {
-            auto known = m_applications.find(slot);
-            return !present.contains(slot) && known != m_applications.end()
-                && known->second == application(items[index]) && isGroup(slot) != isGroup(id);
+        auto isEmpty = [&](auto& slot) { return !present.contains(slot); };
+        auto slot = std::ranges::find_if(slots, [&](auto& old) {
+            auto known = m_applications.find(old);
+            return isEmpty(old) && known != m_applications.end()
+                && known->second == application(items[index]) && isGroup(old) != isGroup(id);
         });
-        if (vacated == slots.end())
+        // Else last: in the first of the slots at the end that are empty.
+        if (slot == slots.end())
+            slot = std::find_if_not(slots.rbegin(), slots.rend(), isEmpty).base();
+        if (slot == slots.end())
             slots.push_back(id);
         else
-            *vacated = id;
+            *slot = id;
     }
-    // The empty slots at the end are in nobody's way.
-    while (!slots.empty() && !present.contains(slots.back()))
-        slots.pop_back();
     return slots;
 }
 

@@ -18,8 +18,8 @@ public:
     bool setItems(const std::vector<DisplayItem>&, bool isHeld);
     /// No longer held: just the items, in their own order.
     void settle() { m_slots = m_order; }
-    /// As the user has arranged them.
-    void setSlots(std::vector<std::string> slots) { m_slots = std::move(slots); }
+    /// As the user has arranged them; those that are not named come last.
+    void arrange(std::vector<std::string> order);
 
     /// Some may be empty while held.
     const std::vector<std::string>& slots() const { return m_slots; }

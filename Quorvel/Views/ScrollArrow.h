@@ -16,6 +16,15 @@ public:
     /// A canvas mirrors what runs from the leading to the trailing end.
     void setRightToLeft(bool isRightToLeft) { set(m_isRightToLeft, isRightToLeft); }
 
+    std::function<void()> onPointerLeft;
+
+    using ButtonView::isHovered;
+    void pointerExited() override
+    {
+        ButtonView::pointerExited();
+        if (onPointerLeft)
+            onPointerLeft();
+    }
     bool isAccessible() const override { return false; }
 
 private:

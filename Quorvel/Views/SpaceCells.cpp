@@ -39,6 +39,7 @@ std::vector<SpaceCellData> spaceCells(
         cell.name = isFullscreen ? "Full Screen" : "Desktop " + std::to_string(number);
         if (auto name = windowServer.spaceName(space.spaceID); name && !name->empty())
             cell.name = *name;
+        cell.isFullscreen = isFullscreen;
         cell.isCurrent = space.spaceID == current;
         count(cell, viewModel.chipsBySpace.value());
         cells.push_back(std::move(cell));

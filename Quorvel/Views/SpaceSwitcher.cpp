@@ -23,7 +23,7 @@ public:
     explicit SpaceListButton(const BarMetrics& metrics) : m_metrics(metrics) { }
 
     std::string accessibleID() const override { return "space-list"; }
-    AccessibleState accessibleState() const override { return buttonState("Spaces", "Open"); }
+    AccessibleState accessibleState() const override { return menuButtonState("Spaces"); }
 
 private:
     void paint(Canvas& canvas) const override
@@ -139,13 +139,13 @@ void SpaceSwitcher::setDropTarget(std::optional<SpaceID> space)
         cell->setDropTarget(cell->data().id == space);
 }
 
-std::optional<SpaceID> SpaceSwitcher::spaceAt(Point inRoot) const
+const SpaceCellData* SpaceSwitcher::spaceAt(Point inRoot) const
 {
     for (auto* cell : m_cells) {
         if (cell->frameInRoot().contains(inRoot))
-            return cell->data().id;
+            return &cell->data();
     }
-    return {};
+    return nullptr;
 }
 
 std::vector<std::pair<SpaceID, Rect>> SpaceSwitcher::cellFrames() const

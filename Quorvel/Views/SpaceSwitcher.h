@@ -18,6 +18,7 @@ struct SpaceCellData {
     std::string name;
     int windowCount = 0;
     bool isCurrent = false;
+    bool isFullscreen = false; ///< has the one window that made it, and takes no other
     bool wantsAttention = false;
 
     friend bool operator==(const SpaceCellData&, const SpaceCellData&) = default;
@@ -40,8 +41,8 @@ public:
     double wantedWidth(double available) const;
     /// A window is held over this cell; absent: over none.
     void setDropTarget(std::optional<SpaceID>);
-    /// The space whose cell is at this place of the root.
-    std::optional<SpaceID> spaceAt(Point inRoot) const;
+    /// The space whose cell is at this place of the root; null: none is.
+    const SpaceCellData* spaceAt(Point inRoot) const;
 
     std::function<void(SpaceID)> onSpaceSwitchRequested;
     std::function<void()> onListRequested;

@@ -21,13 +21,13 @@ void ThumbnailHover::handleChipHover(bool isHovering, const HoverTarget& target)
     if (m_suppressThumbnailForCurrentHover == target.chipID || m_isMenuOpen)
         return;
     m_suppressThumbnailForCurrentHover.reset();
+    if (onPrefetch)
+        onPrefetch(target);
     if (m_thumbnailTargetID == target.chipID) {
         m_dismissTimer = {};
         return;
     }
     m_pendingHoverTarget = target;
-    if (onPrefetch)
-        onPrefetch(target);
     restartShowTimer();
     startMouseStabilityMonitoring();
 }

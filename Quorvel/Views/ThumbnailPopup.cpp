@@ -96,9 +96,14 @@ ThumbnailPopupLayout ThumbnailPopupLayout::of(
         std::min(
             chip.centre().x - whole.width / 2, screen.maxX() - Style::screenMargin - whole.width));
     layout.frame = {std::round(left), chip.maxY(), whole.width, whole.height};
-    layout.arrowX = std::clamp(chip.centre().x - layout.frame.x,
-        Style::radius + Style::arrowHalfWidth, whole.width - Style::radius - Style::arrowHalfWidth);
+    layout.pointAt(chip);
     return layout;
+}
+
+void ThumbnailPopupLayout::pointAt(const Rect& chip)
+{
+    constexpr double least = Style::radius + Style::arrowHalfWidth;
+    arrowX = std::clamp(chip.centre().x - frame.x, least, frame.width - least);
 }
 
 // MARK: What it looks like
@@ -109,9 +114,10 @@ public:
 
     void setLayout(const ThumbnailPopupLayout& layout)
     {
-        m_arrowX = layout.arrowX;
-        m_hiddenCount = layout.hiddenCount;
-        invalidate();
+        bool isOtherArrow = std::exchange(m_arrowX, layout.arrowX) != layout.arrowX;
+        bool isOtherCount = std::exchange(m_hiddenCount, layout.hiddenCount) != layout.hiddenCount;
+        if (isOtherArrow || isOtherCount)
+            invalidate();
     }
     std::string accessibleID() const override { return "popup"; }
     AccessibleState accessibleState() const override
@@ -259,12 +265,14 @@ void ThumbnailPopup::askForPicture(ThumbnailCard& card)
     }));
 }
 
-bool ThumbnailPopup::update(const std::vector<ChipData>& chips)
+bool ThumbnailPopup::update(const std::vector<ChipData>& chips, const Rect& chip)
 {
     if (!std::ranges::is_permutation(chips, m_windows, {}, &ChipData::id))
         return false;
     for (auto* card : m_cards)
         card->setChip(*std::ranges::find(chips, card->chip().id, &ChipData::id));
+    m_layout.pointAt(chip);
+    m_content->setLayout(m_layout);
     m_surface->accessibleTreeDidChange();
     return true;
 }

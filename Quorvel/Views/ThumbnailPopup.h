@@ -28,6 +28,8 @@ struct ThumbnailPopupLayout {
     Rect frame; ///< on the screen, points, bottom-left origin
     double arrowX = 0; ///< in the popup
 
+    void pointAt(const Rect& chip);
+
     /// Above the chip and wholly on its screen; all in points, bottom-left origin.
     static ThumbnailPopupLayout of(
         std::size_t windowCount, const Rect& chip, const Rect& screen, bool isRightToLeft);
@@ -53,8 +55,9 @@ public:
     void show(const std::vector<ChipData>&, const Rect& chip, const Rect& screen,
         const std::optional<Rect>& animatingFrom);
     void hide();
-    /// True if it was made for just these windows, which are now as given; else nothing changes.
-    bool update(const std::vector<ChipData>&);
+    /// True if it was made for just these windows, which are now as given, with the arrow at the
+    /// chip; else nothing changes.
+    bool update(const std::vector<ChipData>&, const Rect& chip);
 
     Rect frame() const { return m_layout.frame; }
     /// With its close button; points, bottom-left origin.

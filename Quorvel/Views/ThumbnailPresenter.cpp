@@ -45,9 +45,9 @@ void ThumbnailPresenter::makePopup()
     m_activeThumbnailPanel->onWindowClosed = onWindowClosed;
 }
 
-bool ThumbnailPresenter::update(const std::vector<ChipData>& windows)
+bool ThumbnailPresenter::update(const std::vector<ChipData>& windows, const Rect& chip)
 {
-    return m_activeThumbnailPanel && m_activeThumbnailPanel->update(windows);
+    return m_activeThumbnailPanel && m_activeThumbnailPanel->update(windows, chip);
 }
 
 void ThumbnailPresenter::hide()

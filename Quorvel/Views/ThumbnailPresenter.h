@@ -32,8 +32,9 @@ public:
 
     /// Above the chip (points, bottom-left origin). False: there is nothing to show, or no screen.
     bool show(const std::vector<ChipData>&, const Rect& chip);
-    /// True if the popup shows just these windows, which are now as given.
-    bool update(const std::vector<ChipData>&);
+    /// True if the popup shows just these windows, which are now as given. It stays where it is,
+    /// for the pointer may be on it, but points at the chip.
+    bool update(const std::vector<ChipData>&, const Rect& chip);
     void hide();
 
     /// Null while none is open.

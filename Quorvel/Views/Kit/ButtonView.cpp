@@ -37,9 +37,10 @@ void ButtonView::released(PointerButton button, bool isInside)
 
 bool ButtonView::performAccessibleAction(std::size_t action)
 {
-    if (action != 0 || !onTapped)
+    auto& perform = action == 0 ? onTapped : onSecondaryTapped;
+    if (action > 1 || !perform)
         return false;
-    onTapped();
+    perform();
     return true;
 }
 
@@ -51,6 +52,13 @@ AccessibleState ButtonView::buttonState(std::string name, std::string action) co
         .isSelected = false,
         .hasKeyFocus = m_hasKeyFocus,
         .actions = {std::move(action)}};
+}
+
+AccessibleState ButtonView::menuButtonState(std::string name) const
+{
+    auto state = buttonState(std::move(name), "Open");
+    state.role = AccessibleRole::menuButton;
+    return state;
 }
 
 void ButtonView::paintFace(Canvas& canvas, const Rect& face, double radius) const

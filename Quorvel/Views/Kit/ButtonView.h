@@ -42,6 +42,8 @@ protected:
     bool hasKeyFocus() const { return m_hasKeyFocus; }
     /// The state of a button of this name with one action.
     AccessibleState buttonState(std::string name, std::string action) const;
+    /// The same for a button that opens a menu.
+    AccessibleState menuButtonState(std::string name) const;
     /// The usual ground: nothing at rest, more under the pointer and under the finger.
     void paintFace(Canvas&, const Rect& face, double radius) const;
     template <typename Value> void set(Value& member, Value value)

@@ -115,11 +115,9 @@ void View::invalidate(const Rect& rect)
         return;
     auto damage = rect;
     for (auto* view = this; view->m_parent; view = view->m_parent) {
-        if (view->m_parent->clipsChildren())
-            damage = damage.translated(view->m_frame.x, view->m_frame.y)
-                         .intersected(view->m_parent->bounds());
-        else
-            damage = damage.translated(view->m_frame.x, view->m_frame.y);
+        damage = damage.translated(view->m_frame.x, view->m_frame.y);
+        if (view->m_parent->clipsChildren() && !view->isLifted())
+            damage = damage.intersected(view->m_parent->bounds());
     }
     if (!damage.isEmpty())
         host_->viewNeedsPaint(damage);
@@ -135,19 +133,25 @@ void View::paintTree(Canvas& canvas, const Rect& damage) const
         canvas.save();
         canvas.clip(bounds());
     }
+    paintChildren(canvas, damage, false);
+    if (clipsChildren())
+        canvas.restore();
+    paintChildren(canvas, damage, true);
+    if (opacity < 1)
+        canvas.endOpacity();
+}
+
+void View::paintChildren(Canvas& canvas, const Rect& damage, bool areLifted) const
+{
     for (auto& child : m_children) {
         auto& frame = child->m_frame;
-        if (!child->paintFrame().intersects(damage))
+        if (child->isLifted() != areLifted || !child->paintFrame().intersects(damage))
             continue;
         canvas.save();
         canvas.translate(frame.x, frame.y);
         child->paintTree(canvas, damage.translated(-frame.x, -frame.y));
         canvas.restore();
     }
-    if (clipsChildren())
-        canvas.restore();
-    if (opacity < 1)
-        canvas.endOpacity();
 }
 
 std::vector<View*> View::pathTo(Point point)

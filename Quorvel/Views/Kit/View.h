@@ -128,6 +128,8 @@ protected:
     virtual double paintOpacity() const { return 1; }
     /// Whether children are cut off at this view's bounds.
     virtual bool clipsChildren() const { return false; }
+    /// Lifted out of a parent that cuts its children off, and above what is left in it.
+    virtual bool isLifted() const { return false; }
     /// What it paints on, its children included, in the parent's coordinates.
     virtual Rect paintFrame() const { return m_frame; }
 
@@ -136,6 +138,7 @@ protected:
 
 private:
     void adopt(std::unique_ptr<View>);
+    void paintChildren(Canvas&, const Rect& damage, bool areLifted) const;
 
     View* m_parent = nullptr;
     ViewHost* m_host = nullptr;
