@@ -32,6 +32,8 @@ public:
     const std::vector<xcb_window_t>& bottomToTop() const { return m_bottomToTop; }
     xcb_window_t activeWindow() const { return m_activeWindow; }
     bool isShowingDesktop() const { return m_isShowingDesktop; }
+    /// How often that has been read.
+    unsigned showingDesktopReads() const { return m_showingDesktopReads; }
     std::uint32_t currentDesktop() const { return m_currentDesktop.value_or(0); }
     /// At least 1; 1 for a manager without desktops.
     std::uint32_t desktopCount() const;
@@ -66,6 +68,7 @@ private:
     std::vector<xcb_window_t> m_bottomToTop;
     xcb_window_t m_activeWindow = XCB_WINDOW_NONE;
     bool m_isShowingDesktop = false;
+    unsigned m_showingDesktopReads = 0;
     std::optional<std::uint32_t> m_currentDesktop;
     std::optional<std::uint32_t> m_desktopCount;
     std::vector<std::string> m_desktopNames;

@@ -49,8 +49,12 @@ void WindowRequests::activate(WindowID window)
 
 void WindowRequests::toggleShowingDesktop()
 {
-    message(m_connection.root(), m_connection.atoms().netShowingDesktop,
-        {m_root.isShowingDesktop() ? 0u : 1u});
+    // What was asked for counts until the manager's answer has been read, or the second of two
+    // quick clicks would ask for the same.
+    bool isAsked = m_showingDesktop.reads == m_root.showingDesktopReads();
+    bool isShowing = isAsked ? m_showingDesktop.isAsked : m_root.isShowingDesktop();
+    m_showingDesktop = {!isShowing, m_root.showingDesktopReads()};
+    message(m_connection.root(), m_connection.atoms().netShowingDesktop, {isShowing ? 0u : 1u});
     xcb_flush(m_connection.raw());
 }
 

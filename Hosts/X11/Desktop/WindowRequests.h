@@ -67,6 +67,10 @@ private:
     Monitors& m_monitors;
     Clients& m_clients;
     const RootState& m_root;
+    struct {
+        bool isAsked = false;
+        unsigned reads = 0; ///< at that time
+    } m_showingDesktop;
     SharedModel& m_model;
     /// A window of another space that was activated, and when.
     struct FarActivation {

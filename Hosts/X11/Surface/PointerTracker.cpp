@@ -132,6 +132,8 @@ void PointerTracker::press(const xcb_button_press_event_t& event)
     if (button == PointerButton::none)
         return;
     enter(at); // a press may be the first that is heard of the pointer
+    if (m_pressed != PointerButton::none)
+        return; // the first button rules until it is let go
     m_pressed = button;
     send(PointerAction::pressed, at, button);
 }
