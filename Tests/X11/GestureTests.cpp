@@ -93,6 +93,30 @@ protected:
     std::unique_ptr<Bar> bar;
 };
 
+// Faults: with a second button the release of the first is lost, and the chip goes on being dragged
+// with none; the second of two quick clicks asks for what the first has asked for.
+TEST_P(Gestures, endWithTheButtonThatBeganThemAndCountEachClick)
+{
+    const auto window = client.windows()[1];
+    for (const auto second : {Button::middle, Button::secondary}) {
+        pointer.moveTo(chip("b"));
+        pointer.press(Button::primary);
+        pointer.press(second);
+        pointer.release(Button::primary);
+        pointer.release(second);
+        pointer.moveTo(chip("d"));
+        pointer.moveTo(5, 5);
+        EXPECT_TRUE(stand({"", "a", "b", "c", "d"}));
+        const bool wasMinimised = second == Button::secondary;
+        EXPECT_TRUE(eventually(2s, [&] { return desktop.isHidden(window) == wasMinimised; }));
+        EXPECT_TRUE(settles(*bar));
+    }
+
+    for (int i = 0; i < 3; ++i)
+        pointer.click(panel().showDesktop);
+    EXPECT_TRUE(eventually(2s, [&] { return isShowingDesktop(); }));
+}
+
 // Faults: a drag that clicks as well, drops a place off or is forgotten with the next window; pins
 // that fall back into the old order; another window that goes to the space, or none; a desktop that
 // is not shown or not left again, with windows that pass for minimised.

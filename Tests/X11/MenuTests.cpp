@@ -24,6 +24,9 @@ protected:
             << script.string()
             << "\nActions=write;\n[Desktop Action write]\nName=Write\nExec=" << script.string()
             << " --write\n";
+        std::ofstream(folder / "org.gnome.SystemMonitor.desktop")
+            << "[Desktop Entry]\nType=Application\nName=Monitor\nExec=" << script.string()
+            << " --monitor\n";
         bar = std::make_unique<Bar>(server);
     }
     void SetUp() override
@@ -71,8 +74,7 @@ protected:
     {
         const auto state = bar->state();
         ASSERT_TRUE(state && state->chipOf(window));
-        pointer.click(state->chipOf(window)->frame, Button::secondary);
-        ASSERT_TRUE(eventually(2s, [&] { return !entries().empty(); }));
+        openMenuAt(state->chipOf(window)->frame);
     }
     void point(const std::string& title)
     {
@@ -92,7 +94,7 @@ protected:
     void openSubmenu(const std::string& title)
     {
         const auto count = entries().size();
-        point(title);
+        ASSERT_NO_FATAL_FAILURE(point(title));
         ASSERT_TRUE(eventually(2s, [&] { return entries().size() > count; }));
     }
     /// With the arrow keys, from the first.
@@ -105,10 +107,23 @@ protected:
             keyboard.type(XKB_KEY_Down);
     }
 
-    void focus()
+    std::string ask(const std::vector<std::string>& arguments)
     {
-        const auto result = runProgram(server.environment(), server.folder(), {"--focus"});
-        ASSERT_EQ(result.status, 0) << result.error;
+        const auto result = runProgram(server.environment(), server.folder(), arguments);
+        EXPECT_EQ(result.status, 0) << result.error;
+        return result.output;
+    }
+    void focus() { ask({"--focus"}); }
+    void openMenuAt(const Frame& frame)
+    {
+        pointer.click(frame, Button::secondary);
+        ASSERT_TRUE(eventually(2s, [&] { return !entries().empty(); }));
+    }
+    /// Between the last chip and the switcher.
+    void openBarMenu()
+    {
+        const auto panel = *bar->state()->visiblePanel();
+        openMenuAt({panel.frame.width / 2, panel.frame.y, 2, panel.frame.height});
     }
     /// Whether the keyboard is on what is called so; nowhere: empty.
     testing::AssertionResult isOn(const std::string& name)
@@ -256,11 +271,86 @@ TEST_P(Menus, doWhatTheirEntriesSay)
     pointer.moveTo(5, 5);
     EXPECT_TRUE(eventually(2s, [&] { return bar->state()->visiblePanel()->pins.size() == 1; }));
 
-    const auto panel = *bar->state()->visiblePanel();
-    pointer.click({panel.frame.width / 2, panel.frame.y, 2, panel.frame.height}, Button::secondary);
-    ASSERT_TRUE(eventually(2s, [&] { return !entries().empty(); }));
+    openBarMenu();
     choose("Quit Quorvel");
     EXPECT_EQ(bar->process().waitForEnd(5s), 0);
+}
+
+// Faults: an entry that reaches one window of a group instead of all; a pin that opens nothing, or
+// is offered for what cannot be started again; a setting that waits for the next start; a list of
+// spaces that leads elsewhere.
+TEST_P(Menus, ofGroupsPinsAndTheBarDoWhatTheySay)
+{
+    ask({"--set", "groupWindowsByApp=true"});
+    ASSERT_TRUE(eventually(2s, [&] { return bar->state()->visiblePanel()->chips.size() == 1; }));
+    openMenuOf(windows[0]);
+    choose("first");
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == windows[0]; }));
+    openMenuOf(windows[0]);
+    choose("Pin to Bar");
+    ASSERT_TRUE(isClosed());
+    openMenuOf(windows[0]);
+    choose("Minimise All");
+    EXPECT_TRUE(eventually(
+        2s, [&] { return desktop.isHidden(windows[0]) && desktop.isHidden(windows[1]); }));
+    openMenuOf(windows[0]);
+    openSubmenu("Move to Space");
+    choose(entries().back());
+    EXPECT_TRUE(eventually(2s, [&] {
+        const auto desktops
+            = std::vector{desktop.desktopOf(windows[0]), desktop.desktopOf(windows[1])};
+        return desktops[0].value_or(0) > 0 && desktops[0] == desktops[1];
+    }));
+    const auto space = desktop.desktopOf(windows[0]).value_or(0);
+
+    const auto openPin = [this] {
+        pointer.moveTo(5, 5);
+        ASSERT_TRUE(eventually(2s, [&] { return bar->state()->visiblePanel()->pins.size() == 1; }));
+        openMenuAt(bar->state()->visiblePanel()->pins.front().frame);
+        choose("Open");
+    };
+    const auto goToFirst = [this] {
+        pointer.click(bar->state()->visiblePanel()->cells.front().frame);
+        EXPECT_TRUE(eventually(2s, [&] { return desktop.currentDesktop() == 0u; }));
+    };
+    openPin();
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.currentDesktop() == space; }))
+        << "it runs there";
+    goToFirst();
+
+    pointer.click(bar->state()->visiblePanel()->spaceList);
+    ASSERT_TRUE(eventually(2s, [&] { return entries().size() > space; }));
+    EXPECT_NE(entries()[space].find("2 windows"), std::string::npos) << entries()[space];
+    choose(entries()[space]);
+    ASSERT_TRUE(eventually(2s, [&] { return desktop.currentDesktop() == space; }));
+    ASSERT_TRUE(eventually(2s, [&] { return bar->state()->chipOf(windows[0]) != nullptr; }));
+    openMenuOf(windows[0]);
+    choose("Close All");
+    EXPECT_TRUE(eventually(2s, [&] { return !isThere(windows[0]) && !isThere(windows[1]); }));
+    goToFirst();
+    openPin();
+    EXPECT_TRUE(eventually(2s, [&] { return readFile(starts) == "started \n"; }));
+
+    openBarMenu();
+    choose("Activity Monitor");
+    EXPECT_TRUE(eventually(
+        2s, [&] { return readFile(starts).find("started --monitor") != std::string::npos; }));
+    const auto height = bar->state()->visiblePanel()->frame.height;
+    openBarMenu();
+    openSubmenu("Settings");
+    openSubmenu("Size");
+    choose("Largest");
+    EXPECT_TRUE(eventually(2s, [&] {
+        const auto* const panel = bar->state()->visiblePanel();
+        return panel && panel->frame.height > height;
+    }));
+    EXPECT_EQ(ask({"--get", "barSize"}), "\"xxl\"\n");
+
+    Client other{server};
+    const auto bare = other.open({.title = "bare", .applicationClass = "NoDesktopFile"});
+    ASSERT_TRUE(eventually(5s, [&] { return bar->state()->chipOf(bare) != nullptr; }));
+    openMenuOf(bare);
+    EXPECT_EQ(bar->state()->entryTitled("Pin to Bar"), nullptr);
 }
 
 QUORVEL_UNDER_EACH_MANAGER(Menus);

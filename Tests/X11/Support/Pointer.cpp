@@ -26,7 +26,7 @@ void Pointer::release(Button button)
     change(XCB_BUTTON_RELEASE, button);
     // Window managers hold each press back until they have looked at it. The server keeps the
     // release as long, and delivers it where the pointer is by then.
-    EXPECT_TRUE(eventually(2s, [this] { return !isPressed(); }));
+    EXPECT_TRUE(eventually(2s, [&] { return !isPressed(button); }));
 }
 
 void Pointer::change(std::uint8_t event, Button button)
@@ -43,7 +43,7 @@ void Pointer::drag(const Frame& from, int toX, int toY)
     const int y = from.y + from.height / 2;
     moveTo(from);
     press(Button::primary);
-    EXPECT_TRUE(eventually(2s, [this] { return isPressed(); }));
+    EXPECT_TRUE(eventually(2s, [this] { return isPressed(Button::primary); }));
     for (int step = 1; step <= kSteps; ++step)
         moveTo(x + (toX - x) * step / kSteps, y + (toY - y) * step / kSteps);
     release(Button::primary);
@@ -56,13 +56,13 @@ void Pointer::click(const Frame& frame, Button button)
     release(button);
 }
 
-bool Pointer::isPressed()
+bool Pointer::isPressed(Button button)
 {
-    constexpr auto kButtons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+    const auto mask = XCB_BUTTON_MASK_1 << (static_cast<unsigned>(button) - 1);
     const auto cookie = xcb_query_pointer(m_connection.get(), m_connection.root());
     const std::unique_ptr<xcb_query_pointer_reply_t, decltype(&std::free)> reply{
         xcb_query_pointer_reply(m_connection.get(), cookie, nullptr), &std::free};
-    return reply && (reply->mask & kButtons) != 0;
+    return reply && (reply->mask & mask) != 0;
 }
 
 }

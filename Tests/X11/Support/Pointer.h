@@ -32,7 +32,7 @@ public:
 
 private:
     void change(std::uint8_t event, Button);
-    bool isPressed();
+    bool isPressed(Button);
 
     Connection m_connection;
 };

@@ -100,6 +100,7 @@ State::Panel panelFrom(const Json& json)
         .frame = frameFrom(json.at("frame")),
         .menuButton = frameFrom(json.at("menuButton")),
         .showDesktop = frameFrom(json.at("showDesktop")),
+        .spaceList = frameFrom(json.at("spaceList")),
         .pins = listFrom(json.at("pins"), pinFrom),
         .chips = listFrom(json.at("chips"), chipFrom),
         .cells = listFrom(json.at("spaceCells"), cellFrom),
@@ -293,13 +294,12 @@ const State::MenuEntry* State::entryTitled(const std::string& title) const
 
 const State::Chip* State::chipOf(xcb_window_t xid) const
 {
-    const auto* const window = windowOf(xid);
+    const auto* const item = itemOf(xid);
     const auto* const panel = visiblePanel();
-    if (!window || !panel)
+    if (!item || !panel)
         return nullptr;
-    const auto id = "s-" + std::to_string(window->id);
-    const auto found = std::find_if(
-        panel->chips.begin(), panel->chips.end(), [&](const auto& chip) { return chip.id == id; });
+    const auto found = std::find_if(panel->chips.begin(), panel->chips.end(),
+        [&](const auto& chip) { return chip.id == item->id; });
     return found == panel->chips.end() ? nullptr : &*found;
 }
 

@@ -70,6 +70,7 @@ struct State {
         Frame frame;
         Frame menuButton;
         Frame showDesktop;
+        Frame spaceList;
         std::vector<Chip> pins; ///< by bundle identifier
         std::vector<Chip> chips;
         std::vector<Cell> cells; ///< of the space switcher
