@@ -87,8 +87,10 @@ bool Clients::markStale(Client* client, Facets facets)
 {
     if (!client || facets.isEmpty())
         return false;
+    bool isListed = !client->stale.isEmpty();
     client->stale |= facets;
-    m_stale.push_back(client);
+    if (!isListed)
+        m_stale.push_back(client);
     return true;
 }
 

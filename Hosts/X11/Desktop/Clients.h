@@ -67,7 +67,7 @@ private:
     std::map<WindowID, std::unique_ptr<Client>> m_byNumber;
     std::unordered_map<xcb_window_t, Client*> m_byWindow;
     std::unordered_map<xcb_window_t, xcb_window_t> m_clientByTopLevel;
-    std::vector<Client*> m_stale; ///< may hold a client twice
+    std::vector<Client*> m_stale; ///< those of which something is to be read
     bool m_needsAncestry = false;
     bool m_hasGone = false;
 };

@@ -102,11 +102,11 @@ void Mirror::turnEnded()
 {
     if (!m_needsUpdate)
         return;
-    auto due = m_lastUpdate + kPace;
+    auto due = (m_isUrgent ? m_lastUrgentUpdate : m_lastUpdate) + kPace;
     auto now = m_dispatch.now();
-    if (m_isUrgent || now >= due)
+    if (now >= due)
         update();
-    else if (!m_paced.isPending())
+    else if (m_isUrgent || !m_paced.isPending())
         m_paced = m_dispatch.main().after(due - now, [this] { update(); });
 }
 
@@ -118,7 +118,8 @@ void Mirror::scheduleUpdate()
 
 void Mirror::update()
 {
-    m_needsUpdate = m_isUrgent = false;
+    bool isUrgent = std::exchange(m_isUrgent, false);
+    m_needsUpdate = false;
     m_paced = {};
     readAll();
     translateSpaces();
@@ -133,6 +134,8 @@ void Mirror::update()
         }
     }
     m_lastUpdate = m_dispatch.now();
+    if (isUrgent)
+        m_lastUrgentUpdate = m_lastUpdate;
     if (!m_needsUpdate)
         scheduleNext();
 }

@@ -35,8 +35,9 @@ class Mirror {
 public:
     /// A window whose desktop stays unknown for so long counts as on the current one.
     static constexpr auto kDesktopWait = std::chrono::milliseconds{250};
-    /// The manager tells of one new window in a dozen pieces. That it is there, or gone, is
-    /// followed at once; what else comes right after an update waits for the rest.
+    /// The manager tells of one new window in a dozen pieces. That one is there, or gone, is
+    /// followed at once after a pause; what else comes right after an update waits for the rest,
+    /// and so do the windows of a row that open or close together.
     static constexpr auto kPace = std::chrono::milliseconds{8};
 
     Mirror(Connection&, Dispatch&, Monitors&, PanelEnvironment&, DesktopEntries&, SharedModel&,
@@ -146,6 +147,8 @@ private:
     std::optional<WindowID> m_lastFocused;
     std::optional<ProcessID> m_activated;
     Instant m_lastUpdate = Instant::min();
+    Instant m_lastUrgentUpdate
+        = Instant::min(); ///< the last that a new or vanished window asked for
     bool m_needsUpdate = true;
     bool m_isUrgent = false;
     bool m_wasPresent = false;
