@@ -3,9 +3,7 @@
 #include <functional>
 #include <optional>
 
-#include <gio/gio.h>
-
-#include "Hosts/X11/SessionBus.h"
+#include "Hosts/X11/BusService.h"
 
 namespace quorvel::x11 {
 
@@ -17,24 +15,14 @@ public:
     using Changed = std::function<void(std::optional<bool> prefersDark)>;
 
     explicit ColorScheme(Changed);
-    ~ColorScheme();
-    ColorScheme(const ColorScheme&) = delete;
-    ColorScheme& operator=(const ColorScheme&) = delete;
 
 private:
-    void watch(GDBusConnection*);
     void read();
+    void takeChange(GVariant* parameters);
     void take(GVariant* value);
 
-    static void onRead(GObject*, GAsyncResult*, gpointer);
-    static void onSignal(
-        GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*, gpointer);
-
     Changed m_changed;
-    GCancellable* m_cancellable;
-    guint m_signal = 0;
-    guint m_name = 0;
-    SessionBus m_bus;
+    BusService m_portal;
 };
 
 }

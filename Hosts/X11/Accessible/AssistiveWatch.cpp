@@ -26,18 +26,18 @@ bool isForcedByEnvironment()
         || isSwitchedOn("QT_LINUX_ACCESSIBILITY_ALWAYS_ON");
 }
 
-/// Takes the error. Whoever cancelled is gone, so nothing of it may be touched.
-bool wasCancelled(GError* error)
-{
-    const bool isCancelled = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
-    g_clear_error(&error);
-    return isCancelled;
-}
-
 bool says(GVariant* properties, const char* name)
 {
     gboolean value = false;
     return g_variant_lookup(properties, name, "b", &value) && value;
+}
+
+/// A member of a tuple, for as long as it is looked at.
+template <typename Look> void lookAt(GVariant* tuple, std::size_t index, Look look)
+{
+    auto* member = g_variant_get_child_value(tuple, index);
+    look(member);
+    g_variant_unref(member);
 }
 
 }
@@ -47,77 +47,40 @@ AssistiveWatch::AssistiveWatch(std::function<void()> onWanted, std::function<voi
     , m_onLost(std::move(onLost))
     , m_isForced(isForcedByEnvironment())
     , m_cancellable(g_cancellable_new())
-    , m_bus([this](GDBusConnection* bus) { watch(bus); })
 {
+    if (isSwitchedOn("NO_AT_BRIDGE")) // the bridge would refuse
+        return;
+    BusService::Listener listener{[this] { serviceDidAppear(); }, [this] { serviceDidVanish(); },
+        [this](GVariant* parameters) {
+            if (g_variant_is_of_type(parameters, G_VARIANT_TYPE("(sa{sv}as)")))
+                lookAt(parameters, 1, [this](auto* properties) { take(properties); });
+        }};
+    m_service.emplace(BusService::Names{kService, kPath, kProperties, "PropertiesChanged", kStatus},
+        std::move(listener),
+        m_isForced ? G_BUS_NAME_WATCHER_FLAGS_AUTO_START : G_BUS_NAME_WATCHER_FLAGS_NONE);
 }
 
 AssistiveWatch::~AssistiveWatch()
 {
     g_cancellable_cancel(m_cancellable);
     g_object_unref(m_cancellable);
-    if (m_name)
-        g_bus_unwatch_name(m_name);
-    if (m_signal)
-        g_dbus_connection_signal_unsubscribe(m_bus.connection(), m_signal);
 }
 
-void AssistiveWatch::watch(GDBusConnection* bus)
+void AssistiveWatch::serviceDidAppear()
 {
-    if (isSwitchedOn("NO_AT_BRIDGE")) // the bridge would refuse
-        return;
-    m_signal = g_dbus_connection_signal_subscribe(bus, kService, kProperties, "PropertiesChanged",
-        kPath, kStatus, G_DBUS_SIGNAL_FLAGS_NONE, &AssistiveWatch::onChanged, this, nullptr);
-    m_name = g_bus_watch_name_on_connection(bus, kService,
-        m_isForced ? G_BUS_NAME_WATCHER_FLAGS_AUTO_START : G_BUS_NAME_WATCHER_FLAGS_NONE,
-        &AssistiveWatch::onAppeared, &AssistiveWatch::onVanished, this, nullptr);
-}
-
-void AssistiveWatch::onAppeared(GDBusConnection*, const char*, const char*, gpointer self)
-{
-    auto* watch = static_cast<AssistiveWatch*>(self);
-    if (watch->m_isForced)
-        watch->askForAddress();
-    else
-        watch->readStatus();
-}
-
-void AssistiveWatch::onVanished(GDBusConnection*, const char*, gpointer self)
-{
-    static_cast<AssistiveWatch*>(self)->serviceDidVanish();
+    if (m_isForced)
+        return askForAddress();
+    m_service->call(
+        kProperties, "GetAll", g_variant_new("(s)", kStatus), "(a{sv})", [this](GVariant* reply) {
+            if (reply)
+                lookAt(reply, 0, [this](auto* properties) { take(properties); });
+        });
 }
 
 void AssistiveWatch::serviceDidVanish()
 {
     if (std::exchange(m_isWanted, false))
         m_onLost();
-}
-
-void AssistiveWatch::readStatus()
-{
-    g_dbus_connection_call(m_bus.connection(), kService, kPath, kProperties, "GetAll",
-        g_variant_new("(s)", kStatus), G_VARIANT_TYPE("(a{sv})"), G_DBUS_CALL_FLAGS_NO_AUTO_START,
-        -1, m_cancellable, &AssistiveWatch::onStatus, this);
-}
-
-void AssistiveWatch::onStatus(GObject* bus, GAsyncResult* result, gpointer self)
-{
-    auto* reply = g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, nullptr);
-    if (!reply)
-        return;
-    auto* properties = g_variant_get_child_value(reply, 0);
-    static_cast<AssistiveWatch*>(self)->take(properties);
-    g_variant_unref(properties);
-    g_variant_unref(reply);
-}
-
-void AssistiveWatch::onChanged(GDBusConnection*, const char*, const char*, const char*, const char*,
-    GVariant* parameters, gpointer self)
-{
-    if (!g_variant_is_of_type(parameters, G_VARIANT_TYPE("(sa{sv}as)")))
-        return;
-    auto* properties = g_variant_get_child_value(parameters, 1);
-    static_cast<AssistiveWatch*>(self)->take(properties);
-    g_variant_unref(properties);
 }
 
 /// What has been shown once stays shown: the readers that still run would lose the bar otherwise.
@@ -131,24 +94,15 @@ void AssistiveWatch::askForAddress()
 {
     if (std::exchange(m_isWanted, true))
         return;
-    g_dbus_connection_call(m_bus.connection(), kService, kPath, kService, "GetAddress", nullptr,
-        G_VARIANT_TYPE("(s)"), G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, m_cancellable,
-        &AssistiveWatch::onAddress, this);
-}
-
-void AssistiveWatch::onAddress(GObject* bus, GAsyncResult* result, gpointer self)
-{
-    GError* error = nullptr;
-    auto* reply = g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error);
-    if (!reply) {
-        if (!wasCancelled(error))
-            static_cast<AssistiveWatch*>(self)->m_isWanted = false;
-        return;
-    }
-    const char* address = nullptr;
-    g_variant_get(reply, "(&s)", &address);
-    static_cast<AssistiveWatch*>(self)->tryBus(address);
-    g_variant_unref(reply);
+    m_service->call(kService, "GetAddress", nullptr, "(s)", [this](GVariant* reply) {
+        const char* address = nullptr;
+        if (!reply) {
+            m_isWanted = false;
+            return;
+        }
+        g_variant_get(reply, "(&s)", &address);
+        tryBus(address);
+    });
 }
 
 /// The bridge waits for the bus when it connects. So that it need not wait long, or for ever, the

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
-#include <gio/gio.h>
-
-#include "Hosts/X11/SessionBus.h"
+#include "Hosts/X11/BusService.h"
 
 namespace quorvel::x11 {
 
@@ -21,19 +20,12 @@ public:
     AssistiveWatch& operator=(const AssistiveWatch&) = delete;
 
 private:
-    void watch(GDBusConnection*);
-    void readStatus();
+    void serviceDidAppear();
+    void serviceDidVanish();
     void take(GVariant* properties);
     void askForAddress();
     void tryBus(const char* address);
-    void serviceDidVanish();
 
-    static void onAppeared(GDBusConnection*, const char*, const char*, gpointer self);
-    static void onVanished(GDBusConnection*, const char*, gpointer self);
-    static void onStatus(GObject*, GAsyncResult*, gpointer self);
-    static void onChanged(
-        GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*, gpointer);
-    static void onAddress(GObject*, GAsyncResult*, gpointer self);
     static void onBus(GObject*, GAsyncResult*, gpointer self);
 
     std::function<void()> m_onWanted;
@@ -41,9 +33,7 @@ private:
     const bool m_isForced; ///< by the environment
     bool m_isWanted = false;
     GCancellable* m_cancellable;
-    guint m_name = 0;
-    guint m_signal = 0;
-    SessionBus m_bus;
+    std::optional<BusService> m_service;
 };
 
 }
