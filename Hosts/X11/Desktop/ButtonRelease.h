@@ -1,11 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 
 #include <xcb/xcb.h>
 
-#include "Quorvel/Platform/Published.h"
+#include "Hosts/X11/RawButtons.h"
 
 namespace quorvel::x11 {
 
@@ -27,11 +26,10 @@ public:
     bool handle(const xcb_generic_event_t*);
 
 private:
-    void select(bool isOn) const;
     bool isStillPressed() const;
 
     Connection& m_connection;
-    std::optional<std::uint8_t> m_extension; ///< the major code by which generic events name it
+    const RawButtons m_releases;
     bool m_isWaiting = false;
 };
 

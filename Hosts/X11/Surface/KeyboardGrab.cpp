@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <utility>
 
-#include <xcb/xinput.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "Hosts/X11/Connection.h"
@@ -52,6 +51,7 @@ std::optional<Key> keyFor(std::uint32_t symbol, bool isShifted)
 KeyboardGrab::KeyboardGrab(Connection& connection, SurfaceClient& client)
     : m_connection(connection)
     , m_client(client)
+    , m_presses(connection, XCB_INPUT_DEVICE_ALL, XCB_INPUT_RAW_BUTTON_PRESS)
 {
 }
 
@@ -60,7 +60,7 @@ KeyboardGrab::~KeyboardGrab()
 {
     if (m_window == XCB_WINDOW_NONE)
         return;
-    listenForButtons(false);
+    m_presses.listen(false);
     xcb_ungrab_keyboard(m_connection.raw(), XCB_CURRENT_TIME);
 }
 
@@ -81,7 +81,7 @@ bool KeyboardGrab::take(xcb_window_t window)
     if (!isTaken)
         return false;
     m_window = window;
-    listenForButtons(true);
+    m_presses.listen(true);
     m_keys.emplace(m_connection); // the layout may be another one than the last time
     m_events = m_connection.event.subscribe([this](auto* event) { handle(event); });
     m_client.keyboardDidChange(true);
@@ -116,36 +116,10 @@ void KeyboardGrab::handle(const xcb_generic_event_t* event)
         break;
     }
     default:
-        if (isButtonPress(event))
+        if (m_presses.areIn(event))
             release();
         break;
     }
-}
-
-/// Raw events tell of presses on other programs' windows too.
-bool KeyboardGrab::isButtonPress(const xcb_generic_event_t* event) const
-{
-    if ((event->response_type & 0x7f) != XCB_GE_GENERIC)
-        return false;
-    auto* extension = xcb_get_extension_data(m_connection.raw(), &xcb_input_id);
-    auto& generic = as<xcb_ge_generic_event_t>(event);
-    return extension && generic.extension == extension->major_opcode
-        && generic.event_type == XCB_INPUT_RAW_BUTTON_PRESS;
-}
-
-void KeyboardGrab::listenForButtons(bool isOn) const
-{
-    auto* extension = xcb_get_extension_data(m_connection.raw(), &xcb_input_id);
-    if (!extension || !extension->present)
-        return;
-    struct {
-        xcb_input_event_mask_t head;
-        std::uint32_t mask;
-        // The masters' own selection is left to others.
-    } selection{{XCB_INPUT_DEVICE_ALL, 1}, 0};
-    if (isOn)
-        selection.mask = XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
-    xcb_input_xi_select_events(m_connection.raw(), m_connection.root(), 1, &selection.head);
 }
 
 void KeyboardGrab::end()
@@ -153,7 +127,7 @@ void KeyboardGrab::end()
     m_events = {};
     if (std::exchange(m_window, XCB_WINDOW_NONE) == XCB_WINDOW_NONE)
         return;
-    listenForButtons(false);
+    m_presses.listen(false);
     m_client.keyboardDidChange(false);
 }
 

@@ -5,6 +5,7 @@
 
 #include <xcb/xcb.h>
 
+#include "Hosts/X11/RawButtons.h"
 #include "Hosts/X11/Surface/MenuKeys.h"
 #include "Quorvel/Platform/Published.h"
 #include "Quorvel/Platform/Surfaces.h"
@@ -32,12 +33,11 @@ public:
 
 private:
     void handle(const xcb_generic_event_t*);
-    bool isButtonPress(const xcb_generic_event_t*) const;
-    void listenForButtons(bool isOn) const;
     void end();
 
     Connection& m_connection;
     SurfaceClient& m_client;
+    const RawButtons m_presses; ///< the masters' own selection is left to others
     xcb_window_t m_window = XCB_WINDOW_NONE; ///< none while the keyboard is not held
     std::optional<MenuKeys> m_keys;
     Subscription m_events;

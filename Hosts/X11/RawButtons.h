@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include <xcb/xcb.h>
+#include <xcb/xinput.h>
+
+namespace quorvel::x11 {
+
+class Connection;
+
+/// One kind of raw event of the pointer's buttons: it tells of them on other programs' windows too,
+/// and while another client holds the pointer. Main thread.
+class RawButtons {
+public:
+    /// `devices` is one of the two numbers that mean many. What a client selects is one set for
+    /// each, so that two users with different numbers leave each other's alone.
+    RawButtons(Connection&, xcb_input_device_id_t devices, std::uint16_t eventType);
+
+    /// Whether the server has such events.
+    bool areKnown() const { return m_extension.has_value(); }
+    void listen(bool isOn) const;
+    bool areIn(const xcb_generic_event_t*) const;
+
+private:
+    Connection& m_connection;
+    const xcb_input_device_id_t m_devices;
+    const std::uint16_t m_eventType;
+    std::optional<std::uint8_t> m_extension; ///< the major code by which generic events name it
+};
+
+}
