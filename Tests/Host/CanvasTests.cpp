@@ -7,13 +7,11 @@
 #include <gtest/gtest.h>
 
 #include "Hosts/X11/IconImage.h"
-#include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/AlphaShape.h"
 #include "Hosts/X11/Surface/DamageRegion.h"
 #include "Hosts/X11/Surface/DisplayText.h"
 #include "Hosts/X11/Surface/MenuLayout.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
-#include "Hosts/X11/Surface/Strut.h"
 #include "Hosts/X11/Surface/TextShaper.h"
 
 namespace quorvel::x11 {
@@ -320,10 +318,11 @@ TEST(DisplayText, anyBytesBecomeOneLineOfText)
 
 TEST(DamageRegion, mergesWhatTouchesAndKeepsWhatIsApart)
 {
+    constexpr Rect bounds{0, 0, 10'000, 10'000};
     DamageRegion damage;
     damage.add({0, 0, 10.2, 10});
     damage.add({500, 0, 10, 10});
-    auto apart = damage.take();
+    auto apart = damage.take(bounds);
     ASSERT_EQ(apart.size(), 2u);
     EXPECT_EQ(apart[0], (Rect{0, 0, 11, 10}));
     EXPECT_TRUE(damage.isEmpty());
@@ -331,25 +330,11 @@ TEST(DamageRegion, mergesWhatTouchesAndKeepsWhatIsApart)
     damage.add({0, 0, 10, 10});
     damage.add({20, 0, 10, 10});
     damage.add({5, 0, 20, 10}); // joins the two others
-    EXPECT_EQ(damage.take(), std::vector{(Rect{0, 0, 30, 10})});
+    EXPECT_EQ(damage.take(bounds), std::vector{(Rect{0, 0, 30, 10})});
 
     for (int i = 0; i < 1000; ++i)
         damage.add({i * 100.0, (i % 7) * 100.0, 1, 1});
-    EXPECT_LE(damage.take().size(), 16u);
-}
-
-TEST(Strut, countsFromTheScreensEdgeAndSparesMonitorsBelow)
-{
-    Monitor left{DisplayNumber{1}, "left", {0, 0, 1000, 800}};
-    Monitor right{DisplayNumber{2}, "right", {1000, 0, 1200, 1000}};
-    Size screen{2200, 1000};
-    auto strut = Strut::atBottomOf(left.pixels, 40, {left, right}, screen);
-    EXPECT_EQ(strut, (Strut{240, 0, 999})); // with the 200 rows that the monitor does not reach
-    EXPECT_EQ(Strut::atBottomOf(right.pixels, 40, {left, right}, screen), (Strut{40, 1000, 2199}));
-
-    Monitor below{DisplayNumber{3}, "below", {300, 800, 500, 200}};
-    EXPECT_EQ(Strut::atBottomOf(left.pixels, 40, {left, right, below}, screen), Strut{});
-    EXPECT_EQ(Strut::atBottomOf(left.pixels, 0, {left}, screen), Strut{});
+    EXPECT_LE(damage.take(bounds).size(), 16u);
 }
 
 namespace {
@@ -362,22 +347,6 @@ public:
     }
 };
 
-}
-
-TEST(MenuLayout, keysWalkOverWhatCannotBeChosen)
-{
-    Menu menu{{"Off", false, {}}, {"Restore", true, {}}, {"", true, {}}, {"Close", true, {}}};
-    MenuLayout layout{menu, PlainText{}, MenuStyle{}};
-
-    EXPECT_EQ(layout.rowBeside(std::nullopt, 1), 1u);
-    EXPECT_EQ(layout.rowBeside(1, 1), 3u);
-    EXPECT_EQ(layout.rowBeside(3, 1), 1u);
-    EXPECT_EQ(layout.rowBeside(1, -1), 3u);
-    EXPECT_EQ(layout.rowAt(layout.rows()[3].centre()), 3u);
-    EXPECT_EQ(layout.rowAt(layout.rows()[0].centre()), std::nullopt);
-    EXPECT_EQ(layout.rowAt(layout.rows()[2].centre()), std::nullopt);
-    EXPECT_EQ((MenuLayout{{{"Off", false, {}}}, PlainText{}, MenuStyle{}}.rowBeside({}, 1)),
-        std::nullopt);
 }
 
 TEST(MenuLayout, menusStayOnTheirMonitor)

@@ -42,9 +42,18 @@ void DamageRegion::add(const Rect& pixels)
     m_rects.push_back(rect);
 }
 
-std::vector<Rect> DamageRegion::take()
+void DamageRegion::add(const Rect& points, double scale)
 {
-    return std::exchange(m_rects, {});
+    add({points.x * scale, points.y * scale, points.width * scale, points.height * scale});
+}
+
+std::vector<Rect> DamageRegion::take(const Rect& bounds)
+{
+    auto parts = std::exchange(m_rects, {});
+    for (auto& part : parts)
+        part = part.intersected(bounds);
+    std::erase_if(parts, [](auto& part) { return part.isEmpty(); });
+    return parts;
 }
 
 }

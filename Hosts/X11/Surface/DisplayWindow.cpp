@@ -7,9 +7,9 @@
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/PanelEnvironment.h"
-#include "Hosts/X11/Surface/CairoCanvas.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
+#include "Hosts/X11/Surface/PartPainter.h"
 #include "Hosts/X11/Surface/X11Panel.h"
 
 namespace quorvel::x11 {
@@ -196,9 +196,7 @@ void DisplayWindow::invalidate(const X11Panel& panel, const Rect& points)
 {
     if (&panel != m_shown)
         return; // it is painted whole when it comes into view
-    double factor = scale();
-    m_damage.add(
-        {points.x * factor, points.y * factor, points.width * factor, points.height * factor});
+    m_damage.add(points, scale());
     m_paint.request();
 }
 
@@ -224,11 +222,8 @@ void DisplayWindow::handle(const xcb_generic_event_t* event)
     if (!m_window || eventWindow(event) != m_window->id())
         return;
     if ((event->response_type & 0x7f) == XCB_EXPOSE) {
-        auto& part = as<xcb_expose_event_t>(event);
         if (m_hasContent)
-            m_buffer->copyTo(m_window->id(),
-                {static_cast<double>(part.x), static_cast<double>(part.y),
-                    static_cast<double>(part.width), static_cast<double>(part.height)});
+            m_buffer->copyTo(m_window->id(), exposedPart(as<xcb_expose_event_t>(event)));
         return;
     }
     m_window->handle(event);
@@ -245,29 +240,15 @@ void DisplayWindow::endTurn()
 
 void DisplayWindow::paint()
 {
-    auto parts = m_damage.take();
+    auto parts = m_damage.take(m_window ? Rect::from({}, m_window->frame().size()) : Rect{});
     if (!m_shown || !m_window || m_buffer->isEmpty())
         return;
-    auto bounds = Rect::from({}, m_window->frame().size());
     for (auto& part : parts) {
-        if (auto visible = part.intersected(bounds); !visible.isEmpty())
-            paintPart(visible);
+        paintPart(m_context, m_shown->client(), m_buffer->surface(), part);
+        m_buffer->copyTo(m_window->id(), part);
     }
     m_hasContent = true;
     xcb_flush(m_context.connection.raw());
-}
-
-void DisplayWindow::paintPart(const Rect& pixels)
-{
-    double factor = scale();
-    Rect points{
-        pixels.x / factor, pixels.y / factor, pixels.width / factor, pixels.height / factor};
-    CairoCanvas canvas{
-        m_buffer->surface(), factor, m_context.shaper, m_context.appearance.value().isRightToLeft};
-    canvas.beginDamage(points);
-    m_shown->client().paint(canvas, points);
-    canvas.endDamage();
-    m_buffer->copyTo(m_window->id(), pixels);
 }
 
 }

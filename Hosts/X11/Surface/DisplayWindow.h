@@ -65,7 +65,6 @@ private:
     void handle(const xcb_generic_event_t*);
     void endTurn();
     void paint();
-    void paintPart(const Rect& pixels);
 
     SurfaceContext m_context;
     const DisplayNumber m_display;

@@ -28,4 +28,10 @@ xcb_window_t eventWindow(const xcb_generic_event_t* event)
     }
 }
 
+Rect exposedPart(const xcb_expose_event_t& event)
+{
+    return {static_cast<double>(event.x), static_cast<double>(event.y),
+        static_cast<double>(event.width), static_cast<double>(event.height)};
+}
+
 }

@@ -5,9 +5,9 @@
 #include "Hosts/X11/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/Surface/CairoCanvas.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
+#include "Hosts/X11/Surface/PartPainter.h"
 
 namespace quorvel::x11 {
 
@@ -72,9 +72,7 @@ void X11Popup::invalidate(const Rect& points)
 {
     if (!m_window)
         return; // it is painted whole when it comes up
-    double factor = scale();
-    m_damage.add(
-        {points.x * factor, points.y * factor, points.width * factor, points.height * factor});
+    m_damage.add(points, scale());
     m_paint.request();
 }
 
@@ -103,11 +101,8 @@ void X11Popup::handle(const xcb_generic_event_t* event)
 {
     if (!m_window || eventWindow(event) != m_window->id())
         return;
-    if ((event->response_type & 0x7f) == XCB_EXPOSE) {
-        auto& part = as<xcb_expose_event_t>(event);
-        return m_window->expose({static_cast<double>(part.x), static_cast<double>(part.y),
-            static_cast<double>(part.width), static_cast<double>(part.height)});
-    }
+    if ((event->response_type & 0x7f) == XCB_EXPOSE)
+        return m_window->expose(exposedPart(as<xcb_expose_event_t>(event)));
     m_pointer.setScale(scale());
     m_pointer.handle(event);
 }
@@ -121,33 +116,18 @@ void X11Popup::endTurn()
 
 void X11Popup::paint()
 {
-    auto parts = m_damage.take();
-    if (!m_window || m_frame.isEmpty())
-        return;
     auto pixels = framePixels();
     auto bounds = Rect::from({}, pixels.size());
+    auto parts = m_damage.take(bounds);
+    if (!m_window || m_frame.isEmpty())
+        return;
     if (m_window->setFrame(pixels))
         parts = {bounds};
     if (!m_window->picture())
         return;
     for (auto& part : parts)
-        part = part.intersected(bounds);
-    std::erase_if(parts, [](auto& part) { return part.isEmpty(); });
-    for (auto& part : parts)
-        paintPart(part);
+        paintPart(m_context, m_client, m_window->picture(), part);
     m_window->present(parts);
-}
-
-void X11Popup::paintPart(const Rect& pixels)
-{
-    double factor = scale();
-    Rect points{
-        pixels.x / factor, pixels.y / factor, pixels.width / factor, pixels.height / factor};
-    CairoCanvas canvas{
-        m_window->picture(), factor, m_context.shaper, m_context.appearance.value().isRightToLeft};
-    canvas.beginDamage(points);
-    m_client.paint(canvas, points);
-    canvas.endDamage();
 }
 
 }

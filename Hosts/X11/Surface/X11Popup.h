@@ -46,7 +46,6 @@ private:
     void endTurn();
     void repaintAll();
     void paint();
-    void paintPart(const Rect& pixels);
 
     SurfaceContext m_context;
     const PanelOptions m_options;

@@ -1,0 +1,20 @@
+#include "Hosts/X11/Surface/PartPainter.h"
+
+#include "Hosts/X11/Surface/CairoCanvas.h"
+#include "Hosts/X11/Surface/SurfaceContext.h"
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel::x11 {
+
+void paintPart(const SurfaceContext& context, SurfaceClient& client, cairo_surface_t* picture,
+    const Rect& part)
+{
+    double factor = context.scale();
+    const Rect points{part.x / factor, part.y / factor, part.width / factor, part.height / factor};
+    CairoCanvas canvas{picture, factor, context.shaper, context.appearance.value().isRightToLeft};
+    canvas.beginDamage(points);
+    client.paint(canvas, points);
+    canvas.endDamage();
+}
+
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Hosts/X11/Surface/CairoHandles.h"
+#include "Quorvel/Platform/Geometry.h"
+
+namespace quorvel {
+class SurfaceClient;
+}
+
+namespace quorvel::x11 {
+
+struct SurfaceContext;
+
+/// Has the client paint this part of its picture anew. Pixels.
+void paintPart(const SurfaceContext&, SurfaceClient&, cairo_surface_t* picture, const Rect& part);
+
+}
