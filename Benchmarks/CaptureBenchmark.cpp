@@ -18,7 +18,7 @@
 #include "Hosts/X11/Capture/X11ScreenCapture.h"
 #include "Hosts/X11/GLibDispatch.h"
 #include "Quorvel/Core/ThumbnailService.h"
-#include "Quorvel/Platform/Displays.h"
+#include "Tests/Support/OneDisplay.h"
 
 namespace quorvel::test {
 
@@ -29,15 +29,6 @@ using Clock = std::chrono::steady_clock;
 constexpr std::uint32_t kWindows = 50;
 constexpr std::uint16_t kWidth = 3840;
 constexpr std::uint16_t kHeight = 2160;
-
-struct OneDisplay final : Displays {
-    std::vector<Screen> screens() const override { return {Screen{}}; }
-    DisplayNumber mainDisplay() const override { return {}; }
-    std::vector<DisplayNumber> activeDisplays(std::size_t) const override { return {}; }
-    std::optional<std::string> identifier(DisplayNumber) const override { return {}; }
-    Point pointerLocation() const override { return {}; }
-    std::optional<DisplayNumber> displayAt(Point) const override { return {}; }
-};
 
 /// Windows over the whole screen, each of a colour of its own.
 class Windows {

@@ -15,16 +15,6 @@ namespace {
 /// One turn hands out at most this many events, so that a flood cannot keep timers waiting.
 constexpr int kEventsPerTurn = 4096;
 
-xcb_screen_t* screenOf(xcb_connection_t* connection, int number)
-{
-    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (; screens.rem > 0; --number, xcb_screen_next(&screens)) {
-        if (number == 0)
-            return screens.data;
-    }
-    return nullptr;
-}
-
 xcb_timestamp_t inputTime(const xcb_generic_event_t* event)
 {
     switch (event->response_type & 0x7f) {
@@ -40,6 +30,16 @@ xcb_timestamp_t inputTime(const xcb_generic_event_t* event)
     }
 }
 
+}
+
+xcb_screen_t* screenOf(xcb_connection_t* connection, int number)
+{
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; screens.rem > 0; --number, xcb_screen_next(&screens)) {
+        if (number == 0)
+            return screens.data;
+    }
+    return nullptr;
 }
 
 struct Connection::Masks {

@@ -11,6 +11,9 @@
 
 namespace quorvel::x11 {
 
+/// The screen of this number, null if there is none.
+xcb_screen_t* screenOf(xcb_connection_t*, int number);
+
 /// The connection to the X server, as a source of GLib's main loop. Main thread.
 class Connection {
 public:

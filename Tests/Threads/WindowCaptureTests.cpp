@@ -13,7 +13,7 @@
 #include "Hosts/X11/GLibDispatch.h"
 #include "Hosts/X11/PixelPicture.h"
 #include "Quorvel/Core/ThumbnailService.h"
-#include "Quorvel/Platform/Displays.h"
+#include "Tests/Support/OneDisplay.h"
 #include "Tests/X11/Support/Client.h"
 #include "Tests/X11/Support/Eventually.h"
 #include "Tests/X11/Support/WindowManager.h"
@@ -45,15 +45,6 @@ struct Pixels {
         bool isOpaque = cairo_image_surface_get_format(surface) == CAIRO_FORMAT_RGB24;
         return reinterpret_cast<const std::uint32_t*>(row)[x] | (isOpaque ? 0xFF000000 : 0);
     }
-};
-
-struct OneDisplay final : Displays {
-    std::vector<Screen> screens() const override { return {Screen{}}; }
-    DisplayNumber mainDisplay() const override { return {}; }
-    std::vector<DisplayNumber> activeDisplays(std::size_t) const override { return {}; }
-    std::optional<std::string> identifier(DisplayNumber) const override { return {}; }
-    Point pointerLocation() const override { return {}; }
-    std::optional<DisplayNumber> displayAt(Point) const override { return {}; }
 };
 
 /// Windows that the server itself paints, with what it knows of their background.
@@ -304,7 +295,7 @@ TEST_F(WindowCaptureTest, windowsMayDieAndChangeUnderTheCapture)
 // Pictures come on the capture's thread while the main thread asks for more, gives up and ends.
 TEST_F(WindowCaptureTest, theServiceMayEndWhileItsPicturesCome)
 {
-    const OneDisplay displays;
+    const test::OneDisplay displays;
     xcb_composite_redirect_subwindows(x, client.root(), XCB_COMPOSITE_REDIRECT_AUTOMATIC);
     std::vector<WindowID> ids;
     for (std::uint32_t i = 1; i <= 12; ++i) {

@@ -2,22 +2,14 @@
 
 #include <bit>
 
+#include "Hosts/X11/Connection.h"
+
 namespace quorvel::x11 {
 
 namespace {
 
 /// Pixmaps of windows came with this version.
 constexpr std::uint32_t kCompositeMinor = 2;
-
-xcb_screen_t* screenOf(xcb_connection_t* connection, int number)
-{
-    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (; screens.rem > 0; --number, xcb_screen_next(&screens)) {
-        if (number == 0)
-            return screens.data;
-    }
-    return nullptr;
-}
 
 bool hasOurByteOrder(xcb_connection_t* connection)
 {
