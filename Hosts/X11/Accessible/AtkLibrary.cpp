@@ -2,36 +2,16 @@
 
 #include <optional>
 
-#include <dlfcn.h>
+#include "Hosts/X11/LibrarySymbols.h"
 
 namespace quorvel::x11 {
 
 namespace {
 
-/// Looks functions up and remembers whether all were there.
-class Symbols {
-public:
-    Symbols()
-    {
-        // The bridge links ATK, so one search finds the functions of both.
-        m_library = dlopen("libatk-bridge-2.0.so.0", RTLD_LAZY | RTLD_LOCAL);
-    }
-
-    template <typename Function> void find(const char* name, Function& function)
-    {
-        function = m_library ? reinterpret_cast<Function>(dlsym(m_library, name)) : nullptr;
-        m_areComplete = m_areComplete && function;
-    }
-    bool areComplete() const { return m_areComplete; }
-
-private:
-    void* m_library;
-    bool m_areComplete = true;
-};
-
 std::optional<AtkLibrary> loadLibrary()
 {
-    Symbols symbols;
+    // The bridge links ATK, so one search finds the functions of both.
+    LibrarySymbols symbols{"libatk-bridge-2.0.so.0"};
     AtkLibrary atk{};
     symbols.find("atk_object_get_type", atk.objectType);
     symbols.find("atk_component_get_type", atk.componentType);

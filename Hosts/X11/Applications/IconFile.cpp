@@ -4,9 +4,8 @@
 #include <cstring>
 #include <optional>
 
-#include <librsvg/rsvg.h>
-
 #include "Hosts/X11/Applications/FileReading.h"
+#include "Hosts/X11/Applications/RsvgLibrary.h"
 
 namespace quorvel::x11 {
 namespace {
@@ -53,11 +52,12 @@ SurfacePointer drawPng(std::string_view bytes, int pixels)
     return fitted(picture.get(), pixels);
 }
 
-bool renderDocument(RsvgHandle* handle, cairo_surface_t* square, int pixels)
+bool renderDocument(
+    const RsvgLibrary& rsvg, RsvgHandle* handle, cairo_surface_t* square, int pixels)
 {
     const RsvgRectangle viewport{0, 0, static_cast<double>(pixels), static_cast<double>(pixels)};
     cairo_t* context = cairo_create(square);
-    const bool isRendered = rsvg_handle_render_document(handle, context, &viewport, nullptr);
+    const bool isRendered = rsvg.render(handle, context, &viewport, nullptr);
     const bool isDrawn = isRendered && cairo_status(context) == CAIRO_STATUS_SUCCESS;
     cairo_destroy(context);
     return isDrawn;
@@ -66,12 +66,15 @@ bool renderDocument(RsvgHandle* handle, cairo_surface_t* square, int pixels)
 /// The handle gets no base address, so a document cannot pull in other files.
 SurfacePointer drawSvg(std::string_view bytes, int pixels)
 {
+    const auto* rsvg = RsvgLibrary::load();
+    if (!rsvg)
+        return nullptr;
     auto square = makeSquare(pixels);
-    RsvgHandle* handle = rsvg_handle_new_from_data(
-        reinterpret_cast<const guint8*>(bytes.data()), bytes.size(), nullptr);
+    RsvgHandle* handle
+        = rsvg->newFromData(reinterpret_cast<const guint8*>(bytes.data()), bytes.size(), nullptr);
     if (!handle)
         return nullptr;
-    const bool isDrawn = square && renderDocument(handle, square.get(), pixels);
+    const bool isDrawn = square && renderDocument(*rsvg, handle, square.get(), pixels);
     g_object_unref(handle);
     return isDrawn ? std::move(square) : nullptr;
 }
