@@ -222,6 +222,10 @@ bool BarManager::takeKeyboard()
         if (isBetter && bar->surface().isVisible())
             chosen = bar;
     }
+    for (auto* bar : m_panels.bars()) {
+        if (bar != chosen)
+            bar->surface().releaseKeyboard();
+    }
     return chosen && chosen->surface().takeKeyboard();
 }
 
