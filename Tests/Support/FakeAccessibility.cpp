@@ -9,10 +9,11 @@
 
 namespace quorvel::test {
 
-namespace {
-
 // A token says what the element stands for, and whose it is.
 enum class Part : std::uint64_t { application = 1, window = 2, closeButton = 3 };
+
+namespace {
+
 constexpr int kPartShift = 60;
 
 /// The timeout belongs to a reference, not to the thing: a fresh copy has the default again.

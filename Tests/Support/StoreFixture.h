@@ -1,14 +1,17 @@
 #pragma once
 
 #include <algorithm>
+#include <gtest/gtest.h>
 
 #include "Quorvel/Skylight/WindowStore.h"
-#include "Tests/Support/StoreHost.h"
+#include "Tests/Support/FakeDesktop.h"
 
 namespace quorvel::test {
 
 /// A window store on a desktop, without anything around it: the test calls what the runtime would.
-struct StoreFixture : StoreHost {
+struct StoreFixture : testing::Test {
+    FakeDesktop desktop;
+    Platform platform = desktop.platform();
     WindowStore store{platform.dispatch, platform.accessibility, platform.windowServer,
         platform.displays, platform.workspace, platform.trace};
     int changes = 0;
@@ -39,7 +42,8 @@ struct StoreFixture : StoreHost {
 
     AXWindowEvent event(WindowID id, std::string_view notification)
     {
-        return {std::string{notification}, desktop.window(id).pid, windowElement(id), id};
+        return {std::string{notification}, desktop.window(id).pid,
+            desktop.accessibility().windowElement(id), id};
     }
 
     /// When the windows were listed, in seconds since `start`.
