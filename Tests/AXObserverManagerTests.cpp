@@ -195,18 +195,6 @@ TEST_F(AXObserverManagerTest, oneNotificationOfTheApplicationThatFailsFailsTheAt
     EXPECT_TRUE(desktop.accessibility().isRegistered(inbox, ax::windowMoved));
 }
 
-TEST_F(AXObserverManagerTest, detachingEndsTheRetries)
-{
-    desktop.application(mail).faults.failingObservers = 1000;
-    attach();
-    desktop.advance(seconds(0.2));
-    manager.stopObserving(mail);
-    desktop.advance(seconds(100));
-
-    EXPECT_EQ(attempts().size(), 1u);
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
-}
-
 TEST_F(AXObserverManagerTest, aHungApplicationDelaysNobodyElsesEventsForLong)
 {
     auto news = desktop.launch({.bundleIdentifier = "com.example.news"});

@@ -270,18 +270,6 @@ TEST_F(BarManagerTest, furtherScreensHaveBarsOfTheirOwnWindowsIfTheUserWantsThem
     EXPECT_THAT(titles(kFirst), ElementsAre("Inbox", "There"));
 }
 
-// Fault: what an unplugged monitor has left outside has no chip anywhere.
-TEST_F(BarManagerTest, aWindowOnNoScreenIsOnTheBarOfItsSpace)
-{
-    desktop.addDisplay(second());
-    desktop.open(mail, {.title = "Far", .frame = {-9000, 0, 400, 300}, .spaces = {SpaceID{11}}});
-    desktop.place(inbox, {9000, 9000, 400, 300});
-    start();
-
-    EXPECT_THAT(titles(kFirst), ElementsAre("Inbox"));
-    EXPECT_THAT(chipTexts(*surfaces().panel(SpaceID{11}, kSecond)), ElementsAre("Far"));
-}
-
 // Faults: one answer that does not come takes every bar down; spaces that follow their screen are
 // not seen; the question is repeated for ever.
 TEST_F(BarManagerTest, theBarsStayWhileNobodySaysWhichSpacesThereAre)

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "Quorvel/Core/BarSize.h"
-#include "Quorvel/Version.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -31,18 +30,6 @@ struct BarTest : BarFixture {
 
 // MARK: The road from a window to pixels and back
 
-TEST_F(BarTest, eachWindowOfTheSpaceHasAChipAndNoOther)
-{
-    auto elsewhere = desktop.open(editor, {.title = "Elsewhere", .spaces = {SpaceID{2}}});
-    auto everywhere = desktop.open(
-        editor, {.title = "Everywhere", .spaces = {SpaceID{1}, SpaceID{2}, SpaceID{3}}});
-    settle();
-
-    EXPECT_THAT(chipTexts(SpaceID{1}), ElementsAre("Inbox", "Draft", "Notes", "Everywhere"));
-    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Elsewhere", "Everywhere"));
-    EXPECT_TRUE(chip(elsewhere) && chip(everywhere));
-}
-
 TEST_F(BarTest, aClickActivatesAndAClickOnTheFocusedMinimises)
 {
     clickChip(notes);
@@ -61,18 +48,6 @@ TEST_F(BarTest, aClickActivatesAndAClickOnTheFocusedMinimises)
     desktop.advance(seconds(0.5));
     EXPECT_FALSE(chip(notes)->isMinimized);
     EXPECT_TRUE(chip(notes)->isFocused);
-}
-
-TEST_F(BarTest, theMiddleButtonClosesAndOthersDoNothing)
-{
-    clickChip(draft, PointerButton::secondary);
-    settle();
-    EXPECT_TRUE(chip(draft));
-
-    clickChip(draft, PointerButton::middle);
-    settle();
-    EXPECT_FALSE(chip(draft));
-    EXPECT_TRUE(chip(inbox));
 }
 
 TEST_F(BarTest, aPressReleasedElsewhereIsNoClick)
@@ -98,19 +73,6 @@ TEST_F(BarTest, theVeryEdgesOfTheScreenBelongToTheTargets)
 
     panel().click({0, bottom});
     EXPECT_TRUE(desktop.surfaces().menu());
-}
-
-TEST_F(BarTest, theMenuTellsTheVersionAndQuits)
-{
-    panel().click({5, 10});
-    desktop.drain();
-    EXPECT_THAT(desktop.surfaces().menuTitles(),
-        ElementsAre("Quorvel " + std::string{kVersion}, "", "Settings", "", "Quit Quorvel"));
-    EXPECT_FALSE(desktop.program().isTerminated());
-    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Quit Quorvel"));
-    desktop.drain();
-    EXPECT_TRUE(desktop.program().isTerminated());
-    EXPECT_THAT(desktop.surfaces().panels(), IsEmpty());
 }
 
 // MARK: What is repainted
@@ -185,21 +147,6 @@ TEST_F(BarTest, rightToLeftMirrorsTheBar)
 
 // MARK: The pending focus
 
-TEST_F(BarTest, theClickedChipStaysLitWhileItsApplicationReportsAnotherOfItsWindows)
-{
-    desktop.window(draft).faults.ignoredRequests = {"AXMain", "AXFocused", "AXRaise"};
-    clickChip(draft);
-    EXPECT_TRUE(chip(draft)->isFocused);
-
-    desktop.retitle(notes, "Notes, changed");
-    desktop.advance(seconds(1));
-    EXPECT_TRUE(chip(draft)->isFocused) << "still waiting for its application";
-
-    desktop.advance(seconds(1.5));
-    EXPECT_FALSE(chip(draft)->isFocused) << "the wait has an end";
-    EXPECT_TRUE(chip(inbox)->isFocused);
-}
-
 TEST_F(BarTest, aHungApplicationsChipIsDarkAgainAfterTheOneRetry)
 {
     desktop.activate(editor);
@@ -251,73 +198,7 @@ TEST_F(BarTest, aSecondClickEndsTheRetryOfTheFirst)
     EXPECT_EQ(desktop.workspace().frontmostApplication(), mail);
 }
 
-TEST_F(BarTest, anotherApplicationThatTakesTheFocusEndsTheWait)
-{
-    desktop.window(draft).faults.ignoredRequests = {"AXMain", "AXFocused", "AXRaise"};
-    clickChip(draft);
-
-    desktop.activate(editor);
-    desktop.advance(seconds(0.1));
-
-    EXPECT_TRUE(chip(notes)->isFocused);
-    EXPECT_FALSE(chip(draft)->isFocused);
-}
-
 // MARK: Spaces and screens
-
-TEST_F(BarTest, panelsFollowTheSpaces)
-{
-    EXPECT_THAT(desktop.surfaces().panels(), SizeIs(3));
-    EXPECT_THAT(
-        desktop.surfaces().visiblePanels(), ElementsAre(desktop.surfaces().panel(SpaceID{1})));
-
-    desktop.activateSpace(SpaceID{2});
-    desktop.drain();
-    EXPECT_THAT(
-        desktop.surfaces().visiblePanels(), ElementsAre(desktop.surfaces().panel(SpaceID{2})));
-    EXPECT_EQ(model().activeSpaceID.value(), SpaceID{2});
-}
-
-TEST_F(BarTest, aBarIsThereAgainWithTheFirstScreenAndOnTheRightOne)
-{
-    auto displays = desktop.model().displays;
-    desktop.setDisplays({});
-    desktop.drain();
-    desktop.setDisplays(displays);
-    desktop.drain();
-    EXPECT_EQ(panel().frame(), (Rect{0, 0, 1440, 36}));
-
-    displays.front().number = DisplayNumber{99};
-    displays.front().frame = {0, 0, 1280, 800};
-    desktop.setDisplays(displays);
-    desktop.drain();
-    EXPECT_EQ(panel().frame(), (Rect{0, 0, 1280, 36}));
-    EXPECT_EQ(panel().options().display, DisplayNumber{99});
-    EXPECT_THAT(desktop.windowServer().dockRectangles(),
-        ElementsAre(testing::Pair(DisplayNumber{99}, Rect{0, 764, 1280, 36})));
-}
-
-TEST_F(BarTest, aDisplayThatMovesAwayFromAWindowTakesItsChipAlong)
-{
-    auto displays = desktop.model().displays;
-    displays.push_back({.number = DisplayNumber{2},
-        .identifier = "second",
-        .frame = {1440, 0, 1440, 900},
-        .spaces = {{SpaceID{11}}},
-        .current = SpaceID{11}});
-    desktop.setDisplays(displays);
-    auto id = desktop.open(mail, {.frame = {1500, 100, 200, 200}, .spaces = {SpaceID{11}}});
-    settle();
-    auto chips
-        = [&] { return runtime->barManager()->panels().at(SpaceID{11})->content()->chipFrames(); };
-    ASSERT_THAT(chips(), SizeIs(1)) << raw(id);
-
-    displays.front().frame.width = displays.back().frame.x = 2000;
-    desktop.setDisplays(displays);
-    desktop.drain();
-
-    EXPECT_THAT(chips(), IsEmpty());
-}
 
 TEST_F(BarTest, thePointerIsFollowedOnlyWhileThereIsAChoiceOfDisplays)
 {

@@ -107,26 +107,6 @@ TEST_F(QuorvelAppTest, aLaunchedApplicationIsObservedScannedAndPolled)
     EXPECT_TRUE(store().needsObserverBootstrap(agent));
 }
 
-TEST_F(QuorvelAppTest, aSlowStarterHasItsChipAsSoonAsItShowsAWindow)
-{
-    launchOnly();
-    settle();
-    auto slow = desktop.launch({.name = "Slow",
-        .bundleIdentifier = "com.example.slow",
-        .startsAnsweringAfter = seconds(3)});
-    desktop.advance(seconds(1));
-    auto window = desktop.open(slow, {.title = "Slow window"});
-    desktop.activate(slow);
-    desktop.advance(seconds(1.1));
-    EXPECT_TRUE(chip(window)) << "believed from the window server while it does not answer";
-
-    settle();
-    ASSERT_TRUE(chip(window));
-    EXPECT_EQ(chip(window)->windowTitle, "Slow window") << "known once it answers";
-    EXPECT_TRUE(chip(window)->isFocused);
-    EXPECT_EQ(desktop.accessibility().observersOf(slow), 1u);
-}
-
 TEST_F(QuorvelAppTest, anApplicationThatCannotBeObservedIsPolled)
 {
     desktop.application(mail).faults.failingObservers = 1000;
@@ -197,28 +177,6 @@ TEST_F(QuorvelAppTest, anUnknownApplicationIsBootstrappedAtMostOnceIn1500Millise
     EXPECT_THAT(scansSince(start), Pointwise(IsNear(), {0.3, 0.8, 2.3, 2.8}));
 }
 
-TEST_F(QuorvelAppTest, activationMovesTheFocusAndBackgroundEventsDoNot)
-{
-    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
-    auto feed = desktop.open(news);
-    auto other = desktop.open(news);
-    launchOnly();
-    settle();
-
-    desktop.activate(mail);
-    desktop.drain();
-    EXPECT_EQ(store().focusedWindowID(), inbox);
-    desktop.focus(feed); // behind
-    desktop.drain();
-    EXPECT_EQ(store().focusedWindowID(), inbox);
-    desktop.activate(news);
-    desktop.drain();
-    EXPECT_EQ(store().focusedWindowID(), feed);
-    desktop.focus(other);
-    desktop.drain();
-    EXPECT_EQ(store().focusedWindowID(), other);
-}
-
 // MARK: Wake, spaces, screens
 
 TEST_F(QuorvelAppTest, wakingCatchesUpWithWhatWasMissed)
@@ -275,24 +233,6 @@ TEST_F(QuorvelAppTest, hintsOfTheWindowServerAreFollowed)
     desktop.drain();
     EXPECT_TRUE(desktop.surfaces().panel(SpaceID{4}));
     EXPECT_EQ(model().spaces.value().size(), 4u);
-}
-
-TEST_F(QuorvelAppTest, unpluggingEveryMonitorAndPluggingOneAgainBringsTheBarBack)
-{
-    launchOnly();
-    settle();
-    auto displays = desktop.model().displays;
-    desktop.setDisplays({});
-    desktop.wake();
-    settle();
-    desktop.setDisplays(displays);
-    desktop.wake();
-    settle();
-
-    ASSERT_TRUE(desktop.surfaces().panel(SpaceID{1}));
-    EXPECT_TRUE(panel().isVisible());
-    EXPECT_EQ(panel().frame().width, 1440);
-    EXPECT_THAT(chipTexts(), ElementsAre("Inbox"));
 }
 
 // MARK: Requests, the end

@@ -89,27 +89,6 @@ TEST_F(WindowStoreEvents, minimisingTheFocusedWindowLeavesNoFocusUntilTheNextEve
     EXPECT_EQ(store.focusedWindowID(), draft);
 }
 
-TEST_F(WindowStoreEvents, aCreatedWindowGoesThroughTheSameFilters)
-{
-    auto sheet = desktop.open(mail, {.role = "AXSheet"});
-    auto modal = desktop.open(mail, {.isModal = true});
-    auto tiny = desktop.open(mail, {.frame = {0, 0, 39, 400}});
-    auto floating = desktop.open(mail, {.layer = 3});
-    auto nowhere = desktop.open(mail);
-    desktop.window(nowhere).spaces.clear();
-    auto ghostly = desktop.open(mail, {.alpha = 0});
-    auto accessory = desktop.launch(
-        {.bundleIdentifier = "com.example.acc", .policy = ActivationPolicy::accessory});
-    auto foreign = desktop.open(accessory);
-
-    for (auto id : {sheet, modal, tiny, floating, nowhere, ghostly, foreign})
-        store.handleAXEvent(event(id, ax::windowCreated));
-
-    EXPECT_EQ(store.windows().size(), 3u);
-    EXPECT_EQ(changes, 0);
-    EXPECT_TRUE(hasTraced("ignored-non-standard-ax-window role=AXSheet"));
-}
-
 // Fault: a window that changes its process loses its chip, because the old one lets it go last.
 TEST_F(WindowStoreEvents, aWindowThatGoesToAnotherProcessStays)
 {
@@ -221,56 +200,6 @@ TEST_F(WindowStoreEvents, whatABusyApplicationCouldNotTellIsReadAgainSoon)
     desktop.advance(seconds(3));
 
     EXPECT_EQ(store.window(inbox)->windowTitle, "Inbox (4)");
-}
-
-TEST_F(WindowStoreEvents, aWindowOutgrownOrTooSmallComesAndGoes)
-{
-    auto tell = [&](Size size) {
-        desktop.resize(inbox, size);
-        store.handleAXEvent(event(inbox, ax::windowResized));
-        desktop.advance(seconds(3));
-        return isTracked(inbox);
-    };
-
-    EXPECT_FALSE(tell({300, 39}));
-    EXPECT_TRUE(tell({300, 40}));
-    EXPECT_FALSE(tell({39, 300}));
-}
-
-TEST_F(WindowStoreEvents, aDialogIsOnTheBarOnlyWhileItIsMinimised)
-{
-    auto dialog = desktop.open(mail, {.subrole = "AXDialog"});
-    auto tell = [&](std::string_view name) {
-        store.handleAXEvent(event(dialog, name));
-        desktop.advance(seconds(3));
-        return isTracked(dialog);
-    };
-
-    EXPECT_FALSE(tell(ax::windowCreated));
-    desktop.minimise(dialog);
-    EXPECT_TRUE(tell(ax::windowMiniaturized));
-    desktop.restore(dialog);
-    EXPECT_FALSE(tell(ax::windowDeminiaturized));
-}
-
-TEST_F(WindowStoreEvents, whatANewWindowCannotTellYetIsReadSoon)
-{
-    auto id = desktop.open(mail, {.title = "Reply"});
-    desktop.window(id).faults.missingAttributes = {"AXTitle", "AXMinimized"};
-    store.handleAXEvent(event(id, ax::windowCreated));
-    auto nowhere = desktop.open(mail);
-    desktop.window(nowhere).isInSpaceLists = false;
-    store.handleAXEvent(event(nowhere, ax::windowCreated));
-    desktop.advance(seconds(1.5));
-    desktop.window(id).faults = {};
-    desktop.window(id).isMinimized = true;
-    desktop.window(nowhere).isInSpaceLists = true;
-
-    desktop.advance(seconds(1));
-
-    EXPECT_EQ(store.window(id)->windowTitle, "Reply");
-    EXPECT_TRUE(store.window(id)->isMinimized);
-    EXPECT_TRUE(isTracked(nowhere));
 }
 
 }

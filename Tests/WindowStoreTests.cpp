@@ -1,5 +1,7 @@
 #include "Quorvel/Skylight/WindowStore.h"
 
+#include <cmath>
+
 #include <gmock/gmock.h>
 
 #include "Tests/Support/StoreFixture.h"
@@ -30,7 +32,9 @@ TEST_F(WindowStoreTest, populateTakesTheUsersWindowsAndNothingElse)
         {{.title = "39 x 400", .frame = {0, 0, 39, 400}}, false},
         {{.title = "400 x 39", .frame = {0, 0, 400, 39}}, false},
         {{.title = "39.999 x 400", .frame = {0, 0, 39.999, 400}}, false},
+        {{.title = "no width", .frame = {0, 0, NAN, 400}}, false},
         {{.title = "transparent", .alpha = 0}, false},
+        {{.title = "no alpha", .alpha = NAN}, false},
         {{.title = "nearly transparent", .alpha = 0.01F}, true},
         {{.title = "floating", .layer = 3}, false},
         {{.title = "below", .layer = -1}, false},
@@ -293,48 +297,7 @@ TEST_F(WindowStoreTest, everyElementThatIsAskedHasTheShortTimeout)
         EXPECT_EQ(message.timeout, 0.05F) << message.name;
 }
 
-TEST_F(WindowStoreTest, endedProcessesLoseEverythingAtOnce)
-{
-    desktop.open(mail);
-    desktop.open(mail);
-    store.populate();
-    store.handleObserverAttached(mail);
-    store.startLifecycleMonitoring(mail, seconds(2.6));
-    store.scheduleDeferredScan(mail);
-    changes = 0;
-
-    store.removeWindows(mail);
-
-    EXPECT_TRUE(store.windows().empty());
-    EXPECT_EQ(changes, 1);
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
-    store.removeWindows(mail);
-    EXPECT_EQ(changes, 1) << "nothing was there";
-}
-
 // MARK: Spaces
-
-TEST_F(WindowStoreTest, refreshedSpacesFollowTheDesktopAndKeepWhatNobodyKnows)
-{
-    auto moved = desktop.open(mail);
-    auto unlisted = desktop.open(mail);
-    auto unknown = desktop.open(mail);
-    store.populate();
-    changes = 0;
-    desktop.moveToSpace(moved, SpaceID{2});
-    desktop.moveToSpace(unlisted, SpaceID{3});
-    desktop.window(unlisted).isInSpaceLists = false;
-    desktop.window(unknown).spaces.clear();
-
-    store.refreshSpaces();
-
-    EXPECT_EQ(store.window(moved)->spaceIDs, std::set{SpaceID{2}});
-    EXPECT_EQ(store.window(unlisted)->spaceIDs, std::set{SpaceID{3}}) << "must be asked for";
-    EXPECT_EQ(store.window(unknown)->spaceIDs, std::set{SpaceID{1}}) << "keeps its set";
-    EXPECT_EQ(changes, 1);
-    store.refreshSpaces();
-    EXPECT_EQ(changes, 1);
-}
 
 TEST_F(WindowStoreTest, spaceCallsThatAnswerNothingLoseNoWindow)
 {

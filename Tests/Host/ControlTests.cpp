@@ -115,24 +115,6 @@ TEST_F(ControlChannelTest, onlyAPrivateFolderOfOurOwnIsTrusted)
     EXPECT_NE(problem, "");
 }
 
-TEST_F(ControlChannelTest, oneProcessOwnsTheBarUntilItGoes)
-{
-    auto first = ControlLock::tryAcquire(address(":7.0"), problem);
-    ASSERT_TRUE(first);
-    EXPECT_FALSE(ControlLock::tryAcquire(address("unix:7"), problem));
-    EXPECT_EQ(problem, ""); // held by another is no failure
-    EXPECT_EQ(ControlLock::owner(address()), getpid());
-    EXPECT_TRUE(ControlLock::tryAcquire(address(":8"), problem));
-    EXPECT_FALSE(ControlLock::acquireWithin(address(), 20ms, problem));
-
-    std::thread leaving{[&] {
-        std::this_thread::sleep_for(10ms);
-        first.reset();
-    }};
-    EXPECT_TRUE(ControlLock::acquireWithin(address(), 10s, problem));
-    leaving.join();
-}
-
 TEST_F(ControlChannelTest, requestsReachTheHandlerAndItsReplyComesBackWhole)
 {
     EXPECT_FALSE(requestOfBar(address(), {"--state"}, 1s)); // no bar

@@ -8,7 +8,6 @@
 #include <sys/stat.h>
 
 #include "Hosts/X11/Applications/DesktopEntryFile.h"
-#include "Hosts/X11/Applications/DirectoryMonitors.h"
 #include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Support/VirtualDispatch.h"
@@ -139,39 +138,6 @@ TEST(DesktopEntries, findsWhatComesIntoFoldersThatDidNotExist)
     ASSERT_TRUE(eventually([&] { return dispatch.pendingTimers() > 0; }));
     dispatch.advance(DesktopEntries::kSettleTime);
     EXPECT_TRUE(entries.path("vendor-tool"));
-}
-
-/// Sees the events of a folder when it was made before, or after, whoever is tested.
-struct Witness {
-    explicit Witness(const std::string& folder) { m_monitors.watchOnly({folder}); }
-    std::string seen;
-
-private:
-    DirectoryMonitors m_monitors{[this](std::string_view path) { seen = path; }};
-};
-
-TEST(DesktopEntries, doesNotWaitForeverWhileFilesKeepChanging)
-{
-    InstalledApplications installed;
-    VirtualDispatch dispatch;
-    installed.install("old", "");
-    const Witness before{installed.path("user/applications")};
-    DesktopEntries entries{dispatch};
-    ASSERT_TRUE(entries.path("old"));
-    const Witness after{installed.path("user/applications")};
-    int changes = 0;
-    const auto subscription = entries.changed.subscribe([&] { ++changes; });
-
-    const auto start = dispatch.now();
-    for (int i = 0; changes == 0 && dispatch.now() - start < 2 * DesktopEntries::kLongestWait;
-         ++i) {
-        const auto file = installed.install("new" + std::to_string(i), "");
-        ASSERT_TRUE(eventually([&] { return before.seen == file && after.seen == file; }));
-        dispatch.advance(DesktopEntries::kSettleTime / 2);
-    }
-
-    EXPECT_EQ(dispatch.now() - start, DesktopEntries::kLongestWait);
-    EXPECT_EQ(changes, 1);
 }
 
 }

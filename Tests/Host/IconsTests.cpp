@@ -10,7 +10,6 @@
 
 #include "Hosts/X11/Applications/DesktopEntries.h"
 #include "Hosts/X11/Applications/IconTheme.h"
-#include "Hosts/X11/Applications/IconThemeFile.h"
 #include "Hosts/X11/IconImage.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Support/VirtualDispatch.h"
@@ -245,31 +244,6 @@ TEST_F(IconFiles, windowPixelsHaveStraightAlpha)
     const auto half = icons.fromPixels({filled(16, 16, 0x80FF4000)});
     EXPECT_EQ(middle(half, 16), 0x80802000u);
     EXPECT_EQ(middle(icons.fromPixels({filled(16, 16, 0x00FFFFFF)}), 16), 0u);
-}
-
-TEST_F(IconFiles, windowPixelsThatDoNotAddUpAreNoPicture)
-{
-    EXPECT_FALSE(icons.fromPixels({}));
-    EXPECT_FALSE(icons.fromPixels({{0, 0, {}}, {-1, -1, {kRed}}, {1 << 16, 1 << 16, {}}}));
-    EXPECT_FALSE(icons.fromPixels({{16, 16, std::vector<std::uint32_t>(255)}}));
-    EXPECT_EQ(middle(icons.fromPixels({{16, 16, {}}, filled(8, 8, kRed)}), 16), kRed);
-}
-
-TEST(IconThemeFile, givesEachFolderTheSizesItIsFor)
-{
-    using Folder = IconThemeFile::Folder;
-    const auto theme = IconThemeFile::parse(
-        "[Icon Theme]\nInherits= A ,,B/\n"
-        "Directories=f,t,s,none,zero,junk\nScaledDirectories=t2/\n"
-        "[f]\nSize=16\nType=Fixed\nThreshold=9\nContext=Applications\n[t]\nSize=32\n"
-        "[s]\nSize=48\nMinSize=8\nMaxSize=512\nType=Scalable\n"
-        "[t2]\nSize=32\nScale=2\nThreshold=4\n[zero]\nSize=0\n"
-        "[junk]\nSize=99999999999999\n[other]\nSize=3\n");
-
-    EXPECT_EQ(theme.parents(), (std::vector<std::string>{"A", "B"}));
-    EXPECT_EQ(theme.folders(),
-        (std::vector<Folder>{
-            {"f", 16, 16, 16, true}, {"t", 32, 30, 34}, {"s", 48, 8, 512}, {"t2", 64, 56, 72}}));
 }
 
 }

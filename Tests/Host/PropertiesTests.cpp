@@ -61,14 +61,6 @@ TEST(Properties, compoundTextIsReadInItsSets)
     EXPECT_EQ(decodeText(text("\x1b-H\xf9", kTypes.compoundText), kTypes), "ש");
 }
 
-TEST(Properties, brokenCompoundTextHarmsNobody)
-{
-    for (std::string_view bytes : {"\x1b", "\x1b%/", "\x1b%/1\xff\xff", "\x1b%G", "\x1b$(B\x46",
-             "\x1b%/1\x80\x88../../x\x02y", "\x1bQ", "\x1b%/1\x80\x80"})
-        EXPECT_TRUE(decodeText(text(bytes, kTypes.compoundText), kTypes));
-    EXPECT_EQ(decodeCompoundText("\x1bQx"), "\xef\xbf\xbdQx");
-}
-
 TEST(Properties, wordsOfAnotherTypeOrFormatAreAbsent)
 {
     Words one{{7}};

@@ -140,35 +140,4 @@ TEST_F(MacObserverTest, anObserverThatCannotBeMadeLeavesNothingBehind)
     end(std::move(observer));
 }
 
-TEST_F(MacObserverTest, theManagerAttachesOnceTheApplicationAnswersAndHearsItsWindows)
-{
-    desktop.application(mail).faults.failingObservers = 2;
-    std::vector<std::pair<std::string, std::optional<WindowID>>> events;
-    std::vector<ProcessID> attached;
-    AXObserverManager manager{mac.dispatch(), accessibility, desktop.dispatch().main()};
-    manager.onEvent = [&](const AXWindowEvent& event) {
-        events.emplace_back(event.notification, event.windowID);
-    };
-    manager.onObserverAdded = [&](ProcessID pid) { attached.push_back(pid); };
-    manager.start();
-    manager.observe(mail);
-    desktop.advance(seconds(0.6));
-    EXPECT_THAT(attached, IsEmpty());
-    desktop.advance(seconds(1));
-    EXPECT_THAT(attached, ElementsAre(mail));
-
-    const auto draft = desktop.open(mail, {.takesFocus = false});
-    desktop.drain();
-    desktop.minimise(draft);
-    desktop.close(draft); // its element knows no number any more
-    desktop.drain();
-    EXPECT_THAT(events,
-        ElementsAre(testing::Pair("AXWindowCreated", draft),
-            testing::Pair("AXWindowMiniaturized", draft),
-            testing::Pair("AXUIElementDestroyed", draft)));
-
-    manager.stop();
-    EXPECT_EQ(desktop.accessibility().observersOf(mail), 0u);
-}
-
 }

@@ -10,15 +10,7 @@ using testing::IsEmpty;
 
 namespace {
 
-struct MacSpacesTest : MacFixture {
-    static std::vector<SpaceID> idsOf(const std::vector<SpaceWindows::Info>& spaces)
-    {
-        std::vector<SpaceID> ids;
-        for (const auto& space : spaces)
-            ids.push_back(space.spaceID);
-        return ids;
-    }
-};
+struct MacSpacesTest : MacFixture { };
 
 }
 
@@ -62,22 +54,6 @@ TEST_F(MacSpacesTest, spacesKeepTheirPlacesWhateverTheirEntriesLack)
     EXPECT_THAT(displays->at(2).spaces, IsEmpty());
     EXPECT_FALSE(displays->at(2).currentSpace);
     EXPECT_TRUE(std::holds_alternative<std::monostate>(displays->at(3).identifier));
-}
-
-TEST_F(MacSpacesTest, aSpaceIsKnownByItsOlderNumberWhereTheNewerIsMissing)
-{
-    mac.answer("CopyManagedDisplaySpaces",
-        array({dictionary({{"Display Identifier", text("Main")},
-            {"Current Space", dictionary({{"ManagedSpaceID", number(12)}})},
-            {"Spaces",
-                array({dictionary({{"ManagedSpaceID", number(12)}}),
-                    dictionary({{"id64", number(7)}, {"type", number(4)}})})}})}));
-    auto server = makeWindowServer();
-    const SpaceWindows spaces{server, desktop.displays()};
-
-    EXPECT_THAT(idsOf(spaces.getSpaces(1)), ElementsAre(SpaceID{12}, SpaceID{7}));
-    EXPECT_THAT(spaces.getActiveSpaceIDs(1), ElementsAre(SpaceID{12}));
-    EXPECT_EQ(spaces.getSpaces(1).back().spaceType, kFullscreenSpaceType);
 }
 
 TEST_F(MacSpacesTest, anAnswerThatIsNoListIsAFailureAndForeignEntriesAreLeftOut)

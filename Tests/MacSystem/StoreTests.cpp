@@ -60,24 +60,6 @@ TEST_F(MacStoreTest, aScanTakesWhatTheWindowListAndTheApplicationAgreeOn)
     EXPECT_EQ(store.window(other)->windowTitle, "Elsewhere") << "told by the application";
 }
 
-TEST_F(MacStoreTest, windowsAreKnownByTheNumberAttributeWhereThePrivateCallIsMissing)
-{
-    const auto inbox = desktop.open(mail, {.title = "Inbox"});
-    mac.removeSymbol("_AXUIElementGetWindow");
-    MacAccessibility without{PrivateSymbols::load()};
-    WindowStore other{
-        mac.dispatch(), without, windowServer, displays, platform.workspace, platform.trace};
-    other.populate();
-    ASSERT_EQ(other.windows().size(), 1u);
-    EXPECT_EQ(other.window(inbox)->windowTitle, "Inbox");
-
-    mac.answer("AXWindowNumber", text("1001"));
-    WindowStore blind{
-        mac.dispatch(), without, windowServer, displays, platform.workspace, platform.trace};
-    blind.populate();
-    EXPECT_THAT(blind.windows(), IsEmpty()) << "a text is no number";
-}
-
 TEST_F(MacStoreTest, eventsFollowAnAttachThatNeededARetry)
 {
     const auto inbox = desktop.open(mail, {.title = "Inbox"});
@@ -117,20 +99,6 @@ TEST_F(MacStoreTest, aWindowMovedToAnotherSpaceIsThereAfterARefresh)
     store.refreshSpaces();
     EXPECT_EQ(store.window(inbox)->spaceIDs, std::set{SpaceID{3}})
         << "what cannot be read stays as it was";
-}
-
-TEST_F(MacStoreTest, aHungApplicationHoldsAScanUpForOneTimeout)
-{
-    for (int i = 0; i < 20; ++i)
-        desktop.open(mail);
-    store.populate();
-    desktop.application(mail).faults.isHung = true;
-    const auto before = desktop.dispatch().now();
-
-    store.addWindowsForPID(mail);
-
-    EXPECT_LE(desktop.dispatch().now() - before, seconds(0.05));
-    EXPECT_EQ(tracked().size(), 20u);
 }
 
 }
