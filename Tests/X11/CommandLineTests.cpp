@@ -15,22 +15,6 @@ protected:
     Desktop desktop{server.display()};
 };
 
-TEST_F(CommandLine, helpAndVersionNeedNoBar)
-{
-    const auto help = run({"--help"});
-    EXPECT_EQ(help.status, 0);
-    for (const auto* option : {"--version", "--replace", "--state", "--quit"})
-        EXPECT_NE(help.output.find(option), std::string::npos) << option;
-
-    const auto version = run({"--version"});
-    EXPECT_EQ(version.status, 0);
-    EXPECT_NE(version.output.find("0.1.0"), std::string::npos) << version.output;
-
-    const auto unknown = run({"--no-such-option"});
-    EXPECT_NE(unknown.status.value_or(0), 0);
-    EXPECT_NE(unknown.error.find("--no-such-option"), std::string::npos) << unknown.error;
-}
-
 // Faults: a script that takes silence for an empty bar, a program that hangs without a display.
 TEST_F(CommandLine, requestsFailClearlyWithoutABarOrADisplay)
 {

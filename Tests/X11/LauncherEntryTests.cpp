@@ -39,8 +39,10 @@ private:
     GDBusConnection* m_connection;
 };
 
-class LauncherEntryChips : public UnderEachManager {
+class LauncherEntryChips : public testing::Test, public DesktopFixture {
 protected:
+    LauncherEntryChips() : DesktopFixture(ManagerKind::openbox) { }
+
     /// The first chip of the first space, as the bar describes it.
     nlohmann::json chip()
     {
@@ -57,7 +59,7 @@ protected:
 
 // Faults: nobody listens, or only every few seconds; an entry that outlives its sender; a window
 // that asks for attention and is seen at the next poll only.
-TEST_P(LauncherEntryChips, showWhatApplicationsSayAtOnceAndAsLongAsTheyAreThere)
+TEST_F(LauncherEntryChips, showWhatApplicationsSayAtOnceAndAsLongAsTheyAreThere)
 {
     Client client{server};
     const auto window = client.open({.title = "one"});
@@ -90,7 +92,5 @@ TEST_P(LauncherEntryChips, showWhatApplicationsSayAtOnceAndAsLongAsTheyAreThere)
     client.connection().sync();
     EXPECT_TRUE(soonShows("attention", true));
 }
-
-QUORVEL_UNDER_EACH_MANAGER(LauncherEntryChips);
 
 }

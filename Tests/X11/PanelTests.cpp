@@ -14,8 +14,8 @@ protected:
     Bar bar{server};
 };
 
-// Faults: no room kept, a strut measured from the wrong edge, room that is not given back; a film
-// that is made shorter for the bar.
+// Faults: no room kept, a strut measured from the wrong edge or of the old height, room that is not
+// given back; a film that is made shorter for the bar.
 TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
 {
     const auto window = client.open({.title = "large"});
@@ -36,6 +36,10 @@ TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
     EXPECT_FALSE(eventually(500ms, [&] { return desktop.frame(window).bottom() != 800; }));
     desktop.setState(window, "FULLSCREEN", false);
     EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == panel.y; }));
+
+    const auto set = runProgram(server.environment(), server.folder(), {"--set", "barSize=xl"});
+    EXPECT_EQ(set.status, 0);
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.workArea().bottom() == 800 - 54; }));
 
     bar.process().signal(SIGTERM);
     EXPECT_EQ(bar.process().waitForEnd(5s), 0);
@@ -75,7 +79,7 @@ long wakeUpsWithin(pid_t pid, std::chrono::milliseconds span)
 // Fault: a timer that nobody needs, which keeps a laptop's processor awake.
 TEST_P(Panel, sleepsWhileNothingHappens)
 {
-    Terminal terminal(server, desktop, "quiet");
+    client.open({.title = "quiet"});
     ASSERT_TRUE(bar.agreesWith(desktop, 1s));
 
     // New windows are looked at again for up to 12 s.

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <chrono>
 
 #include "Tests/X11/Support/DesktopFixture.h"
@@ -121,32 +120,6 @@ TEST_P(Popups, comeAtRestStayWhileUsedAndLeadToTheirWindows)
     EXPECT_TRUE(closes());
     pointer.moveTo(5, 5);
     EXPECT_TRUE(settles(bar));
-}
-
-// Faults: a group's popup that lacks a window or shows one that has gone, a card that brings the
-// group's first window instead of its own.
-TEST_P(Popups, ofGroupsFollowTheirWindows)
-{
-    runProgram(server.environment(), server.folder(), {"--set", "groupWindowsByApp=true"});
-    windows.push_back(client.open({.title = "third", .answersClose = true}));
-    ASSERT_TRUE(eventually(5s, [&] {
-        const auto state = bar.state();
-        return state && state->visiblePanel()->chips.size() == 1
-            && state->itemOf(windows[2]) != nullptr
-            && state->itemOf(windows[2])->windows.size() == 3;
-    }));
-    pointer.moveTo(bar.state()->visiblePanel()->chips[0].frame);
-    ASSERT_TRUE(eventually(2s, [&] { return shown().size() == 3; }));
-
-    client.destroy(windows[0]);
-    ASSERT_TRUE(eventually(3s, [&] { return shown().size() == 2; }));
-    const auto second = numberOf(windows[1]);
-    const auto numbers = shown();
-    const auto place = std::find(numbers.begin(), numbers.end(), second);
-    ASSERT_NE(place, numbers.end());
-    pointer.click(card(static_cast<std::size_t>(place - numbers.begin())).frame);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == windows[1]; }));
-    EXPECT_TRUE(closes());
 }
 
 QUORVEL_UNDER_EACH_MANAGER(Popups);

@@ -75,24 +75,6 @@ TEST_P(ProcessIdentity, isTheServersAndNotTheClaimedOne)
     EXPECT_EQ(titles(), Titles{});
 }
 
-// Fault: processes of one application taken for one process, or the windows of all gone with one.
-TEST_P(ProcessIdentity, isOnePerProcessOfAnApplication)
-{
-    ClientProcess first(server, "first", 2);
-    ClientProcess second(server, "second", 2);
-    ASSERT_TRUE(first.finish() && second.finish());
-
-    auto all = windows();
-    for (const auto& [title, window] : all) {
-        EXPECT_EQ(window.pid, title.starts_with("first") ? first.pid() : second.pid()) << title;
-        EXPECT_EQ(window.bundle, "sample");
-        EXPECT_EQ(window.app, "Sample");
-    }
-
-    first.kill();
-    EXPECT_EQ(titles(), (Titles{"second 0", "second 1"}));
-}
-
 // Faults: the applications of one process mixed up; a window that changes its class counted twice
 // or left where it was; an application gone with the first window of the process.
 TEST_P(ProcessIdentity, isOnePerApplicationOfAProcess)

@@ -83,7 +83,7 @@ private:
     }
     std::string type()
     {
-        const std::array names{"NORMAL", "NORMAL", "DIALOG", "UTILITY", "SPLASH"};
+        const std::array names{"NORMAL", "NORMAL", "DIALOG", "UTILITY", "SPLASH", "DOCK"};
         return std::string("_NET_WM_WINDOW_TYPE_") + m_chance.from(names);
     }
 

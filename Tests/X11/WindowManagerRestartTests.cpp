@@ -7,12 +7,12 @@ namespace quorvel::x11tests {
 
 namespace {
 
-enum class Ending { terminated, killed, replaced };
+enum class Ending { killed, replaced };
 
 std::string caseName(const testing::TestParamInfo<std::tuple<ManagerKind, Ending>>& info)
 {
     const auto [kind, ending] = info.param;
-    const char* const names[]{"Terminated", "Killed", "Replaced"};
+    const char* const names[]{"Killed", "Replaced"};
     return nameOf(kind) + names[static_cast<int>(ending)];
 }
 
@@ -42,8 +42,6 @@ protected:
     void endManager()
     {
         switch (std::get<Ending>(GetParam())) {
-        case Ending::terminated:
-            return manager.end(SIGTERM);
         case Ending::killed:
             return manager.end(SIGKILL);
         case Ending::replaced:
@@ -104,7 +102,7 @@ TEST_P(WindowManagerRestart, leavesEveryChipAndThePanelInPlace)
 
 INSTANTIATE_TEST_SUITE_P(, WindowManagerRestart,
     testing::Combine(testing::Values(ManagerKind::openbox, ManagerKind::xfwm4),
-        testing::Values(Ending::terminated, Ending::killed, Ending::replaced)),
+        testing::Values(Ending::killed, Ending::replaced)),
     caseName);
 
 }

@@ -3,16 +3,12 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
 
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "Tests/X11/Support/Eventually.h"
 
 namespace quorvel::x11tests {
 
@@ -227,43 +223,6 @@ void ClientProcess::kill()
     ::kill(m_pid, SIGKILL);
     waitpid(m_pid, nullptr, 0);
     m_pid = -1;
-}
-
-namespace {
-
-std::filesystem::path makePipe(const std::filesystem::path& folder)
-{
-    static int count = 0;
-    auto path = folder / ("terminal-" + std::to_string(++count));
-    mkfifo(path.c_str(), 0600);
-    return path;
-}
-
-std::vector<std::string> terminalCommand(
-    const std::string& title, const std::filesystem::path& pipe)
-{
-    // Opened for both directions, the pipe never ends for the reader.
-    const auto script
-        = R"(exec 3<>"$1"; while read -r t <&3; do printf '\033]2;%s\007' "$t"; done)";
-    return {"xterm", "-T", title, "-geometry", "60x15", "-e", "bash", "-c", script, "_", pipe};
-}
-
-}
-
-Terminal::Terminal(const XServer& server, Desktop& desktop, const std::string& title)
-    : m_pipe(makePipe(server.folder()))
-    , m_process(terminalCommand(title, m_pipe), server.environment())
-{
-    const auto isListed = [&] {
-        m_window = desktop.clientTitled(title).value_or(XCB_NONE);
-        return m_window != XCB_NONE;
-    };
-    EXPECT_TRUE(eventually(10s, isListed)) << title;
-}
-
-void Terminal::setTitle(const std::string& title) const
-{
-    std::ofstream(m_pipe) << title << std::endl;
 }
 
 }

@@ -1,14 +1,11 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "Tests/X11/Support/Connection.h"
-#include "Tests/X11/Support/Desktop.h"
-#include "Tests/X11/Support/Process.h"
 #include "Tests/X11/Support/XServer.h"
 
 namespace quorvel::x11tests {
@@ -87,23 +84,6 @@ private:
 
     pid_t m_pid = -1;
     int m_orders = -1; ///< a socket
-};
-
-/// A terminal, as users have it.
-class Terminal {
-public:
-    /// Starts it and returns once the window manager lists its window.
-    Terminal(const XServer&, Desktop&, const std::string& title);
-
-    xcb_window_t window() const { return m_window; }
-    /// Lets the program inside change the title.
-    void setTitle(const std::string&) const;
-    bool isRunning() { return m_process.isRunning(); }
-
-private:
-    std::filesystem::path m_pipe;
-    Process m_process;
-    xcb_window_t m_window = XCB_NONE;
 };
 
 }
