@@ -106,7 +106,8 @@ void DisplayWindow::show(X11Panel& panel)
         m_window->setTitle(panel.options().title);
         repaintAll();
     }
-    if (std::exchange(m_blurs, panel.blursBehind()) != panel.blursBehind())
+    bool blurs = panel.blur().has_value();
+    if (std::exchange(m_blurs, blurs) != blurs)
         m_window->setBlursBehind(m_blurs);
     updateStrut();
     m_window->map();
@@ -244,7 +245,7 @@ void DisplayWindow::paint()
     if (!m_shown || !m_window || m_buffer->isEmpty())
         return;
     for (auto& part : parts) {
-        paintPart(m_context, m_shown->client(), m_buffer->surface(), part);
+        paintPart(m_context, m_shown->client(), m_buffer->surface(), part, m_shown->ground());
         m_buffer->copyTo(m_window->id(), part);
     }
     m_hasContent = true;

@@ -7,12 +7,14 @@
 namespace quorvel::x11 {
 
 void paintPart(const SurfaceContext& context, SurfaceClient& client, cairo_surface_t* picture,
-    const Rect& part)
+    const Rect& part, const Color& ground)
 {
     double factor = context.scale();
     const Rect points{part.x / factor, part.y / factor, part.width / factor, part.height / factor};
     CairoCanvas canvas{picture, factor, context.shaper, context.appearance.value().isRightToLeft};
     canvas.beginDamage(points);
+    if (ground.alpha > 0)
+        canvas.fill(points, ground);
     client.paint(canvas, points);
     canvas.endDamage();
 }

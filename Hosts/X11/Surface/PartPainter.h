@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Hosts/X11/Surface/CairoHandles.h"
+#include "Quorvel/Platform/Canvas.h"
 #include "Quorvel/Platform/Geometry.h"
 
 namespace quorvel {
@@ -11,7 +12,8 @@ namespace quorvel::x11 {
 
 struct SurfaceContext;
 
-/// Has the client paint this part of its picture anew. Pixels.
-void paintPart(const SurfaceContext&, SurfaceClient&, cairo_surface_t* picture, const Rect& part);
+/// Has the client paint this part (pixels) of its picture anew, over the ground.
+void paintPart(const SurfaceContext&, SurfaceClient&, cairo_surface_t* picture, const Rect& part,
+    const Color& ground = Color::grey(0, 0));
 
 }

@@ -1,5 +1,7 @@
 #include "Hosts/X11/Surface/X11Panel.h"
 
+#include <utility>
+
 #include "Hosts/X11/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Surface/DisplayWindow.h"
 
@@ -69,9 +71,20 @@ void X11Panel::invalidate(const Rect& rect)
 
 bool X11Panel::setBlursBehind(const std::optional<VisualEffect>& effect)
 {
-    m_blursBehind = effect && m_window.canBlur();
+    auto blur = m_window.canBlur() ? effect : std::nullopt;
+    if (std::exchange(m_blur, blur) != blur)
+        invalidate(Rect::from({}, m_frame.size()));
     m_window.update();
     return m_window.canBlur();
+}
+
+/// Compositors blur what is behind and no more; without a tint, text over a bright picture could
+/// not be read in a dark bar, nor over a dark one in a light bar.
+Color X11Panel::ground() const
+{
+    bool isDark = m_window.context().appearance.value().isDark;
+    auto tint = isDark ? Color::grey(0.13, 0.72) : Color::grey(0.95, 0.74);
+    return tint.withAlpha(m_blur ? tint.alpha * m_blur->opacity : 0);
 }
 
 Duration X11Panel::frameInterval() const

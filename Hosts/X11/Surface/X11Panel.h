@@ -34,7 +34,9 @@ public:
     const PanelOptions& options() const { return m_options; }
     SurfaceClient& client() const { return m_client; }
     bool isOrderedIn() const { return m_isOrderedIn; }
-    bool blursBehind() const { return m_blursBehind; }
+    const std::optional<VisualEffect>& blur() const { return m_blur; }
+    /// What lies under the content: over a blur, the tint of its material.
+    Color ground() const;
     Rect framePixels() const override;
     void cancelPointer() override;
 
@@ -45,7 +47,7 @@ private:
     Rect m_frame; ///< points, bottom-left origin
     bool m_isOrderedIn = false;
     bool m_canBecomeKey = false;
-    bool m_blursBehind = false;
+    std::optional<VisualEffect> m_blur; ///< as far as it can be had
     KeyboardGrab m_keyboard;
     Subscription m_accessible;
 };
