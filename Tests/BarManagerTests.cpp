@@ -40,7 +40,6 @@ struct BarManagerTest : BarFixture {
     FakeSurfaces& surfaces() { return desktop.surfaces(); }
     FakeWindowServer& server() { return desktop.windowServer(); }
     SpaceID current(std::size_t display = 0) { return desktop.model().displays[display].current; }
-    std::set<SpaceID> spacesOf(WindowID id) { return desktop.window(id).spaces; }
 
     /// To the right of the first, lower and taller, with spaces 11 and 12.
     FakeDisplay second() const
@@ -76,15 +75,6 @@ struct BarManagerTest : BarFixture {
     {
         runtime->userSettings().setShowOnAllDisplays(value);
         desktop.drain();
-    }
-    std::vector<Point> whereTheButtonWent()
-    {
-        std::vector<Point> points;
-        for (auto& [post, at] : desktop.windowServer().postedPointer()) {
-            if (post == PointerPost::pressed || post == PointerPost::released)
-                points.push_back(at);
-        }
-        return points;
     }
 };
 
@@ -438,113 +428,6 @@ TEST_F(BarManagerTest, windowsThatReachUnderABarAreShortened)
     EXPECT_EQ(bottom(low), 833);
     showOnAllDisplays(true);
     EXPECT_EQ(bottom(far), 1033) << "under the bar of the other screen";
-}
-
-// MARK: Windows to other spaces
-
-TEST_F(BarManagerTest, aWindowGoesWhereItIsSentAndTheUserStays)
-{
-    start();
-    manager().moveWindowToSpaceByDragging(inbox, SpaceID{1}, SpaceID{2});
-    desktop.drain();
-    EXPECT_EQ(spacesOf(inbox), std::set{SpaceID{2}});
-    EXPECT_EQ(current(), SpaceID{1});
-    EXPECT_THAT(chipTexts(SpaceID{1}), IsEmpty());
-    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Inbox"));
-    EXPECT_THAT(whereTheButtonWent(), IsEmpty());
-}
-
-TEST_F(BarManagerTest, whereTheServerRefusesTheWindowIsCarriedByItsTitleBar)
-{
-    server().refuseMoves(true);
-    server().setDesktopHotKey(119, {.keys = {19, 1}}, SpaceID{2});
-    desktop.model().pointer = {7, 9};
-    start();
-    manager().moveWindowToSpaceByDragging(inbox, SpaceID{1}, SpaceID{2});
-    desktop.advance(seconds(0.2));
-
-    EXPECT_EQ(spacesOf(inbox), std::set{SpaceID{2}});
-    EXPECT_EQ(current(), SpaceID{2});
-    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Inbox"));
-    EXPECT_FALSE(server().isPostedButtonDown());
-    EXPECT_EQ(desktop.model().pointer, (Point{7, 9}));
-
-    auto events = whereTheButtonWent().size();
-    manager().moveWindowToSpaceByDragging(inbox, SpaceID{2}, SpaceID{3});
-    desktop.advance(seconds(3));
-    EXPECT_THAT(whereTheButtonWent(), SizeIs(events)) << "no key leads there";
-    manager().moveWindowToSpaceByDragging(inbox, SpaceID{1}, SpaceID{2});
-    desktop.advance(seconds(3));
-    EXPECT_THAT(whereTheButtonWent(), SizeIs(events)) << "it is not there to take hold of";
-}
-
-// Fault: each window ends the move of the one before, and only the last one arrives.
-TEST_F(BarManagerTest, theWindowsOfAGroupAreCarriedOneAfterTheOther)
-{
-    server().refuseMoves(true);
-    server().setDesktopHotKey(118, {.keys = {18, 1}}, SpaceID{1});
-    server().setDesktopHotKey(119, {.keys = {19, 1}}, SpaceID{2});
-    auto draft = desktop.open(mail, {.title = "Draft"});
-    start();
-    runtime->userSettings().setGroupWindowsByApp(true);
-    desktop.drain();
-    auto& content = *manager().panels().at(SpaceID{1})->content();
-    auto group = content.chipFrames().front().second.centre();
-    auto cell = content.spaceCellFrames()[1].second.centre();
-    panel().press(group);
-    panel().movePointer(cell);
-    panel().release(cell);
-    desktop.advance(seconds(5));
-    EXPECT_EQ(spacesOf(inbox), std::set{SpaceID{2}});
-    EXPECT_EQ(spacesOf(draft), std::set{SpaceID{2}});
-    EXPECT_FALSE(server().isPostedButtonDown());
-}
-
-TEST_F(BarManagerTest, theButtonIsLetGoWhateverHappens)
-{
-    server().refuseMoves(true);
-    server().setDesktopHotKey(119, {.keys = {19, 1}}, SpaceID{1}); // a key that leads nowhere
-    start();
-    manager().moveWindowToSpaceByDragging(inbox, SpaceID{1}, SpaceID{2});
-    desktop.advance(seconds(0.2));
-    EXPECT_TRUE(server().isPostedButtonDown());
-    desktop.advance(seconds(1.5));
-    EXPECT_FALSE(server().isPostedButtonDown());
-
-    manager().moveWindowToSpaceByDragging(inbox, SpaceID{1}, SpaceID{2});
-    desktop.advance(seconds(0.2));
-    ASSERT_TRUE(server().isPostedButtonDown());
-    desktop.program().terminate();
-    EXPECT_FALSE(server().isPostedButtonDown());
-}
-
-// Fault: a press on the window that covers the one to be moved.
-TEST_F(BarManagerTest, aWindowThatDoesNotComeToTheFrontIsLeftAlone)
-{
-    server().refuseMoves(true);
-    server().setDesktopHotKey(119, {.keys = {19, 1}}, SpaceID{2});
-    desktop.window(inbox).faults.ignoredRequests = {"AXMain", "AXFocused", "AXRaise"};
-    desktop.open(editor, {.title = "Above"});
-    start();
-    manager().moveWindowToSpaceByDragging(inbox, SpaceID{1}, SpaceID{2});
-    desktop.advance(seconds(3));
-    EXPECT_THAT(whereTheButtonWent(), IsEmpty());
-    EXPECT_EQ(current(), SpaceID{1});
-}
-
-TEST_F(BarManagerTest, toAnotherDisplayTheWindowIsDraggedOnceTheSpaceIsShown)
-{
-    server().refuseMoves(true);
-    desktop.addDisplay(second());
-    start();
-    manager().moveWindowToSpaceByDragging(inbox, SpaceID{1}, SpaceID{12});
-    desktop.advance(seconds(0.5));
-
-    EXPECT_EQ(current(1), SpaceID{12});
-    EXPECT_EQ(spacesOf(inbox), std::set{SpaceID{12}});
-    EXPECT_EQ(current(), SpaceID{1});
-    EXPECT_FALSE(server().isPostedButtonDown());
-    EXPECT_THAT(chipTexts(SpaceID{12}), ElementsAre("Inbox"));
 }
 
 // MARK: The pointer and the keyboard
