@@ -30,6 +30,19 @@ const Style& Style::of(bool isDark)
 
 }
 
+/// How many windows there are is read out; seen is only whether there are any.
+void SpaceCell::setData(const SpaceCellData& data)
+{
+    auto seen = [](SpaceCellData value) {
+        value.windowCount = value.windowCount > 0 ? 1 : 0;
+        return value;
+    };
+    bool looksOther = seen(m_data) != seen(data);
+    m_data = data;
+    if (looksOther)
+        invalidate();
+}
+
 AccessibleState SpaceCell::accessibleState() const
 {
     auto state = buttonState(m_data.name, "Switch");

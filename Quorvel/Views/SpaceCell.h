@@ -10,7 +10,7 @@ public:
     explicit SpaceCell(const BarMetrics& metrics) : m_metrics(metrics) { }
 
     const SpaceCellData& data() const { return m_data; }
-    void setData(const SpaceCellData& data) { set(m_data, data); }
+    void setData(const SpaceCellData&);
     void setDropTarget(bool isTarget) { set(m_isDropTarget, isTarget); }
 
     std::string accessibleID() const override { return "space-" + std::to_string(raw(m_data.id)); }
