@@ -24,6 +24,7 @@ struct ChurnOperations : BarFixture {
     explicit ChurnOperations(std::uint32_t seed) : random(seed)
     {
         desktop.setGivesSpaceHints(oneIn(2));
+        desktop.windowServer().setCloseDelay(oneIn(2) ? seconds(0.15) : Duration::zero());
         start();
     }
     void TestBody() override { }

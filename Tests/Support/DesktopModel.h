@@ -68,7 +68,6 @@ struct FakeWindow {
     bool isModal = false;
     bool isMinimized = false;
     std::set<SpaceID> spaces{};
-    std::optional<std::uint32_t> nativeNumber{};
 
     Instant inAccessibilityFrom{};
     Instant inServerFrom{};

@@ -179,11 +179,7 @@ AXReply FakeAccessibility::applicationAttribute(
 
 bool FakeAccessibility::isListed(const FakeWindow& window) const
 {
-    if (!window.faults.isListed || window.inAccessibilityFrom > m_desktop.dispatch().now())
-        return false;
-    return !m_listsOnlyCurrentSpaces || window.isMinimized
-        || std::ranges::any_of(
-            window.spaces, [this](SpaceID id) { return m_desktop.model().isCurrent(id); });
+    return window.faults.isListed && window.inAccessibilityFrom <= m_desktop.dispatch().now();
 }
 
 AXReply FakeAccessibility::windowAttribute(

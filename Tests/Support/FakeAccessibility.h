@@ -48,8 +48,6 @@ public:
     // Knobs.
     void setTrusted(bool value) { m_isTrusted = value; }
     void setResolverAvailable(bool value) { m_hasResolver = value; }
-    /// Applications list only what is on a space that is shown, as they do on the Mac.
-    void setListsOnlyCurrentSpaces(bool value) { m_listsOnlyCurrentSpaces = value; }
 
     // What the program did.
     int prompts() const { return m_prompts; }
@@ -85,7 +83,6 @@ private:
     FakeDesktop& m_desktop;
     bool m_isTrusted = true;
     bool m_hasResolver = true;
-    bool m_listsOnlyCurrentSpaces = false;
     int m_prompts = 0;
     std::vector<AXMessage> m_messages;
     std::vector<Instant> m_observerAttempts;

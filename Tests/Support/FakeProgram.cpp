@@ -8,10 +8,6 @@ namespace quorvel::test {
 
 int FakeProgram::run()
 {
-    m_didRun = true;
-    m_dispatch.drain();
-    if (m_script)
-        m_script();
     m_dispatch.drain();
     return 0;
 }

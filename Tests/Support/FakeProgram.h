@@ -28,24 +28,19 @@ public:
     void terminate() override;
     const Published<Appearance>& appearance() const override { return m_appearance; }
 
-    /// What happens while the event loop runs.
-    void whenRunning(std::function<void()> script) { m_script = std::move(script); }
     void setSystemVersion(std::optional<int> major) { m_systemVersion = major; }
     void setAppearance(Appearance appearance) { m_appearance.set(appearance); }
 
     const std::vector<ActivationPolicy>& policies() const { return m_policies; }
     const std::vector<std::string>& warnings() const { return m_warnings; }
-    bool didRun() const { return m_didRun; }
     bool isTerminated() const { return m_isTerminated; }
 
 private:
     VirtualDispatch& m_dispatch;
     Published<Appearance> m_appearance;
-    std::function<void()> m_script;
     std::vector<ActivationPolicy> m_policies;
     std::optional<int> m_systemVersion = 14;
     std::vector<std::string> m_warnings;
-    bool m_didRun = false;
     bool m_isTerminated = false;
 };
 

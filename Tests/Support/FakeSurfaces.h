@@ -41,14 +41,13 @@ public:
     Duration frameInterval() const override { return seconds(1.0 / 60); }
     bool takeKeyboard() override;
     void releaseKeyboard() override;
-    void accessibleTreeDidChange() override { ++m_treeChanges; }
+    void accessibleTreeDidChange() override { }
 
     const PanelOptions& options() const { return m_options; }
     bool isOrderedIn() const { return m_isOrderedIn; }
     bool canBecomeKey() const { return m_canBecomeKey; }
     double opacity() const { return m_opacity; }
     const std::optional<VisualEffect>& effect() const { return m_effect; }
-    bool blursBehind() const { return m_effect.has_value(); }
     Rect bounds() const { return Rect::from({}, m_frame.size()); }
 
     /// The whole panel, drawn now for the test only.
@@ -73,7 +72,6 @@ public:
     bool hasKeyboard() const { return m_hasKeyboard; }
     bool dragFiles(DropAction, Point, std::vector<std::string> paths = {});
     AccessibleElement* accessibleRoot() const { return m_client.accessibleRoot(); }
-    int accessibleTreeChanges() const { return m_treeChanges; }
 
 private:
     void send(PointerAction, Point, PointerButton = PointerButton::none);
@@ -90,7 +88,6 @@ private:
     double m_opacity = 1;
     bool m_hasPointer = false;
     bool m_hasKeyboard = false;
-    int m_treeChanges = 0;
     std::vector<Rect> m_damage; // disjoint, painted at the next frame
     std::vector<Rect> m_frames;
     std::vector<Paint> m_paints;
@@ -129,12 +126,9 @@ public:
     std::vector<std::string> menuTitles() const;
     /// False if no open menu has such an enabled entry.
     bool chooseMenuItem(std::string_view title);
-    void dismissMenu() { closeMenu(); }
     /// The popup that is on the screen; null if there is none.
     FakePanel* popup() const;
 
-    void setBlurAvailable(bool value) { m_hasBlur = value; }
-    bool hasBlur() const { return m_hasBlur; }
     void pointerDidMove(PointerScope scope) { m_pointerMoved[scope].emit(); }
     /// Whether the system shows the space of a panel that takes the keyboard.
     void setFollowsKeyPanels(bool value) { m_followsKeyPanels = value; }
@@ -148,7 +142,6 @@ private:
     std::vector<FakePanel*> m_panels;
     int m_panelsMade = 0;
     std::optional<OpenMenu> m_menu;
-    bool m_hasBlur = true;
     bool m_followsKeyPanels = true;
     std::map<PointerScope, Signal<>> m_pointerMoved;
 };

@@ -61,12 +61,6 @@ void FakeWindowServer::enumerateWindows(
     }
 }
 
-std::optional<std::uint32_t> FakeWindowServer::nativeWindowNumber(WindowID id) const
-{
-    auto* window = m_desktop.model().window(id);
-    return window ? window->nativeNumber : std::nullopt;
-}
-
 std::optional<std::vector<ManagedDisplay>> FakeWindowServer::managedDisplaySpaces(
     ConnectionID) const
 {
@@ -89,8 +83,6 @@ std::vector<WindowID> FakeWindowServer::windowsOfSpaces(
     ConnectionID, const std::vector<SpaceID>& spaces, std::uint32_t options) const
 {
     std::vector<WindowID> found;
-    if (m_failsWindowsOfSpaces)
-        return found;
     bool leavesOutOrderedOut = options & kSpaceWindowOptions;
     for (auto id : m_desktop.model().stacking) {
         auto& window = m_desktop.window(id);

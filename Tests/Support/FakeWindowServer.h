@@ -21,7 +21,7 @@ public:
     ConnectionID mainConnection() const override { return kConnection; }
     void enumerateWindows(
         std::uint32_t options, const std::function<void(const CGWindowInfo&)>&) const override;
-    std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
+    std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override { return {}; }
     std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const override;
     std::vector<WindowID> windowsOfSpaces(
         ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const override;
@@ -41,7 +41,7 @@ public:
     bool isSymbolicHotKeyEnabled(int identifier) const override;
     bool setSymbolicHotKeyEnabled(int identifier, bool) override;
     void postKeyEvent(std::uint16_t keyCode, KeyAction, std::uint64_t modifierFlags) override;
-    bool canPostPointerEvents() const override { return m_canPostPointerEvents; }
+    bool canPostPointerEvents() const override { return true; }
     void postPointerEvent(PointerPost, Point) override;
     void toggleShowingDesktop() override { m_isShowingDesktop = !m_isShowingDesktop; }
 
@@ -55,7 +55,6 @@ public:
     Duration closeDelay() const { return m_closeDelay; }
     void failSpaceLists(bool value) { m_failsSpaceLists = value; }
     void failSpacesOfWindows(bool value) { m_failsSpacesOfWindows = value; }
-    void failWindowsOfSpaces(bool value) { m_failsWindowsOfSpaces = value; }
     /// Changes what the list of spaces says: missing identifiers, odd types.
     void distortSpaces(std::function<void(std::vector<ManagedDisplay>&)> distortion)
     {
@@ -64,7 +63,6 @@ public:
 
     /// Windows stay where they are, and nobody is told; only a hand at the pointer moves them.
     void refuseMoves(bool value) { m_refusesMoves = value; }
-    void setCanPostPointerEvents(bool value) { m_canPostPointerEvents = value; }
 
     struct FakeHotKey {
         SymbolicHotKey keys;
@@ -119,7 +117,6 @@ private:
     std::map<int, DesktopKey> m_hotKeys;
     std::vector<PostedKey> m_postedKeys;
     std::vector<std::pair<PointerPost, Point>> m_postedPointer;
-    bool m_canPostPointerEvents = true;
     bool m_isButtonDown = false;
     bool m_refusesMoves = false;
     int m_dockRectangleCalls = 0;
@@ -128,7 +125,6 @@ private:
     bool m_failsSpaceLists = false;
     bool m_failsSpacesOfWindows = false;
     bool m_isShowingDesktop = false;
-    bool m_failsWindowsOfSpaces = false;
     std::function<void(std::vector<ManagedDisplay>&)> m_distortion;
     std::vector<Moved> m_moves;
     std::map<SpaceID, double> m_edgeReservations;

@@ -55,10 +55,7 @@ public:
             m_opened.push_back(path + " with " + url.path);
     }
     void openFile(const std::string& path) override { m_opened.push_back(path); }
-    std::vector<ApplicationAction> actions(const ApplicationURL&) const override
-    {
-        return m_actions;
-    }
+    std::vector<ApplicationAction> actions(const ApplicationURL&) const override { return {}; }
     void perform(const ApplicationAction& action, const ApplicationURL& url) override
     {
         m_opened.push_back(action.identifier + " of " + url.path);
@@ -70,10 +67,7 @@ public:
     bool activateDirectly(ProcessID) override;
 
     // Knobs.
-    /// Of every application.
-    void setActions(std::vector<ApplicationAction> actions) { m_actions = std::move(actions); }
     void install(std::string bundleIdentifier, std::string path);
-    void uninstall(const std::string& bundleIdentifier) { m_installed.erase(bundleIdentifier); }
     void setSelfActive(bool value) { m_isSelfActive = value; }
 
     // What the program did.
@@ -100,7 +94,6 @@ private:
     std::map<std::string, std::string, std::less<>> m_installed;
     std::vector<Activated> m_activations;
     std::vector<std::string> m_opened;
-    std::vector<ApplicationAction> m_actions;
     std::vector<ProcessID> m_terminated;
     mutable std::map<std::string, Image> m_images;
     mutable int m_iconLookups = 0;

@@ -200,7 +200,6 @@ void VirtualDispatch::run(const std::shared_ptr<Item>& item)
     bool isRepeating = item->interval > Duration::zero();
     if (!isRepeating)
         item->dispatch = nullptr;
-    ++m_workDone;
     item->isBusy = true;
     m_running.push_back(item->queue);
     item->work();

@@ -39,7 +39,6 @@ public:
     /// Delayed and repeating work of the program; none means that it is idle.
     std::size_t pendingTimers() const;
     /// Work that was begun so far.
-    std::uint64_t workDone() const { return m_workDone; }
 
     /// What the world outside the program does later; not counted as the program's timers.
     Queue& world();
@@ -70,7 +69,6 @@ private:
 
     Instant m_now = kStart;
     std::uint64_t m_sequence = 0;
-    std::uint64_t m_workDone = 0;
     std::map<Key, std::shared_ptr<Item>> m_items;
     std::set<const RunLoopThread*> m_threads;
     std::vector<VirtualQueue*> m_running; // innermost last

@@ -341,8 +341,8 @@ TEST_P(Menus, ofGroupsPinsAndTheBarDoWhatTheySay)
     openSubmenu("Size");
     choose("Largest");
     EXPECT_TRUE(eventually(2s, [&] {
-        const auto* const panel = bar->state()->visiblePanel();
-        return panel && panel->frame.height > height;
+        const auto state = bar->state();
+        return state->visiblePanel() && state->visiblePanel()->frame.height > height;
     }));
     EXPECT_EQ(ask({"--get", "barSize"}), "\"xxl\"\n");
 

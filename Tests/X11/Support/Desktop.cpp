@@ -267,11 +267,6 @@ void Desktop::setDesktopCount(std::uint32_t count)
     send(m_connection.root(), "_NET_NUMBER_OF_DESKTOPS", {count});
 }
 
-std::vector<xcb_window_t> Desktop::stacking()
-{
-    return m_connection.numbers(m_connection.root(), "_NET_CLIENT_LIST_STACKING");
-}
-
 void Desktop::setState(xcb_window_t window, const std::string& state, bool isOn)
 {
     send(window, "_NET_WM_STATE",

@@ -43,8 +43,6 @@ public:
     Frame workArea();
     /// Place and size with the manager's decoration, in pixels of the screen.
     Frame frame(xcb_window_t);
-    /// The managed windows from the lowest to the highest.
-    std::vector<xcb_window_t> stacking();
     /// The uppermost window there that takes the pointer, a manager's frame with what is in it.
     xcb_window_t windowAt(int x, int y);
     /// What the screen shows there.

@@ -65,12 +65,6 @@ std::optional<bool> FileDrag::moveTo(const Frame& frame)
     return waitFor("XdndStatus");
 }
 
-void FileDrag::leave()
-{
-    send("XdndLeave", {});
-    m_target = XCB_NONE;
-}
-
 std::optional<bool> FileDrag::drop()
 {
     send("XdndDrop", {0, XCB_CURRENT_TIME});

@@ -31,7 +31,6 @@ public:
     /// Says that the pointer is there now, first of all that it has come. What the target answers:
     /// whether a drop would be taken there; absent: nothing.
     std::optional<bool> moveTo(const Frame&);
-    void leave();
     /// Drops, hands the list over, and waits for the end: whether it was taken; absent: no word.
     std::optional<bool> drop();
 
