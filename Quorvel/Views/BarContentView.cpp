@@ -1,15 +1,14 @@
 #include "Quorvel/Views/BarContentView.h"
 
 #include <algorithm>
-#include <array>
 
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Displays.h"
-#include "Quorvel/Platform/Files.h"
 #include "Quorvel/Platform/WindowServer.h"
 #include "Quorvel/Platform/Workspace.h"
+#include "Quorvel/Views/ActivityMonitor.h"
 #include "Quorvel/Views/BarBackground.h"
 #include "Quorvel/Views/BarMenu.h"
 #include "Quorvel/Views/ChipMenu.h"
@@ -28,21 +27,6 @@ struct Style {
     static constexpr double dividerWidth = 1;
     static constexpr double mostForSpaces = 0.35; ///< share of the bar's width
 };
-
-/// What shows the load of the system, the first that is installed.
-constexpr std::array kActivityMonitors{"com.apple.ActivityMonitor", "org.gnome.SystemMonitor",
-    "gnome-system-monitor", "org.kde.plasma-systemmonitor", "org.kde.ksysguard",
-    "xfce4-taskmanager", "mate-system-monitor", "io.missioncenter.MissionCenter", "lxtask"};
-constexpr const char* kActivityMonitorPath = "/System/Applications/Utilities/Activity Monitor.app";
-
-std::optional<ApplicationURL> activityMonitor(const Workspace& workspace)
-{
-    for (auto* identifier : kActivityMonitors) {
-        if (auto url = workspace.applicationURL(identifier))
-            return url;
-    }
-    return {};
-}
 
 std::string countText(int windows)
 {
@@ -424,11 +408,7 @@ void BarContentView::triggerShowDesktop()
 
 void BarContentView::openActivityMonitor()
 {
-    auto& workspace = m_inputs.platform.workspace;
-    if (auto url = activityMonitor(workspace))
-        workspace.openApplication(*url);
-    else
-        workspace.openFile(kActivityMonitorPath);
+    ActivityMonitor{m_inputs.platform}.open();
 }
 
 void BarContentView::released(PointerButton button, bool isInside)
@@ -481,8 +461,7 @@ ChipMenuContext BarContentView::menuContext()
 void BarContentView::showBarMenu(const Rect& anchor)
 {
     std::function<void()> activity;
-    if (activityMonitor(m_inputs.platform.workspace)
-        || m_inputs.platform.files.exists(kActivityMonitorPath))
+    if (ActivityMonitor{m_inputs.platform}.isInstalled())
         activity = [weak = m_weak.reference()] {
             if (auto* view = weak.get())
                 view->openActivityMonitor();
