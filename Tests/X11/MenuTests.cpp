@@ -316,6 +316,7 @@ TEST_P(Menus, ofGroupsPinsAndTheBarDoWhatTheySay)
     openPin();
     EXPECT_TRUE(eventually(2s, [&] { return desktop.currentDesktop() == space; }))
         << "it runs there";
+    ASSERT_TRUE(eventually(2s, [&] { return bar->state()->chipOf(windows[0]) != nullptr; }));
     goToFirst();
 
     pointer.click(bar->state()->visiblePanel()->spaceList);
