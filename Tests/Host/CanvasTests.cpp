@@ -494,6 +494,10 @@ TEST_F(PointerTrackerTest, aPressThatLosesItsViewIsCancelled)
     EXPECT_EQ(next.actions(), std::vector{Action::entered});
     input(XCB_BUTTON_RELEASE, 1);
     EXPECT_TRUE(next.heard.empty()); // the press was not its own
+
+    input(XCB_BUTTON_PRESS, 1);
+    input(XCB_BUTTON_PRESS, 3); // whose state says that the first is down no longer
+    EXPECT_EQ(next.actions(), (std::vector{Action::pressed, Action::cancelled, Action::pressed}));
 }
 
 }

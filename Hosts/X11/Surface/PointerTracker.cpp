@@ -24,6 +24,21 @@ PointerButton pointerButton(xcb_button_t detail)
     }
 }
 
+/// By the state of an event, which is that before it.
+bool isDown(PointerButton button, std::uint16_t state)
+{
+    switch (button) {
+    case PointerButton::primary:
+        return state & XCB_BUTTON_MASK_1;
+    case PointerButton::middle:
+        return state & XCB_BUTTON_MASK_2;
+    case PointerButton::secondary:
+        return state & XCB_BUTTON_MASK_3;
+    default:
+        return false;
+    }
+}
+
 std::optional<ScrollEvent> scrollEvent(xcb_button_t detail, Point at)
 {
     switch (detail) {
@@ -132,8 +147,11 @@ void PointerTracker::press(const xcb_button_press_event_t& event)
     if (button == PointerButton::none)
         return;
     enter(at); // a press may be the first that is heard of the pointer
-    if (m_pressed != PointerButton::none)
-        return; // the first button rules until it is let go
+    // The first button rules until it is let go, which somebody's grab may have kept from us.
+    if (m_pressed != PointerButton::none && isDown(m_pressed, event.state))
+        return;
+    if (auto lost = std::exchange(m_pressed, PointerButton::none); lost != PointerButton::none)
+        send(PointerAction::cancelled, at, lost);
     m_pressed = button;
     send(PointerAction::pressed, at, button);
 }

@@ -29,7 +29,7 @@ public:
 
     const std::string& display() const { return m_display; }
     /// The same display for clients that come over the network: their process is not known.
-    std::string networkDisplay() const { return "localhost" + m_display; }
+    std::string networkDisplay() const { return "127.0.0.1" + m_display; }
     const Environment& environment() const { return m_environment; }
     const std::filesystem::path& folder() const { return m_folder.path(); }
     /// Where the bar looks for its settings.
