@@ -327,9 +327,14 @@ TEST(ReorderDrag, countsThePlaceAmongTheOthers)
     EXPECT_EQ(at("a", 500), 2);
     EXPECT_EQ(at("c", -61), 1);
     EXPECT_EQ(at("b", -500), 0);
-    EXPECT_EQ(ReorderDrag::dropTargetID(-3, "b", ids), "a");
-    EXPECT_EQ(ReorderDrag::dropTargetID(1, "b", ids), "c");
-    EXPECT_EQ(ReorderDrag::dropTargetID(7, "b", ids), std::nullopt);
+
+    ReorderDrag drag{"c", frames, ids};
+    drag.setTranslation({-500, 0});
+    EXPECT_EQ(drag.dropTargetID([](auto&) { return true; }), "a");
+    EXPECT_EQ(drag.dropTargetID([](auto& id) { return id != "a"; }), "b") << "that one has gone";
+    drag.setTranslation({500, 0});
+    EXPECT_EQ(drag.dropTargetID([](auto&) { return true; }), std::nullopt);
+
     EXPECT_EQ(nextPinnedAppIDAfterVisibleEnd("a", {"a", "b"}, {"a", "b", "x", "y"}), "x");
     EXPECT_EQ(nextPinnedAppIDAfterVisibleEnd("a", {"a"}, {"a", "x"}), std::nullopt);
     EXPECT_EQ(nextPinnedAppIDAfterVisibleEnd("a", {"b"}, {"a", "x"}), std::nullopt);

@@ -73,14 +73,6 @@ std::optional<std::string> ReorderDrag::dropTargetID(
     return next == order.end() ? std::nullopt : std::optional{*next};
 }
 
-std::optional<std::string> ReorderDrag::dropTargetID(
-    int insertionIndex, const std::string& draggedID, std::vector<std::string> visibleIDs)
-{
-    std::erase(visibleIDs, draggedID);
-    auto index = static_cast<std::size_t>(std::max(0, insertionIndex));
-    return index < visibleIDs.size() ? std::optional{visibleIDs[index]} : std::nullopt;
-}
-
 std::optional<std::string> nextPinnedAppIDAfterVisibleEnd(const std::string& draggedID,
     const std::vector<std::string>& visibleIDs, std::vector<std::string> fullList)
 {

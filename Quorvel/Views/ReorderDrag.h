@@ -42,8 +42,6 @@ public:
     /// A neighbour gives way once the moved frame covers its middle.
     static int insertionIndex(double translationX, const std::string& draggedID,
         const Frames& startFrames, const std::vector<std::string>& visibleIDs);
-    static std::optional<std::string> dropTargetID(
-        int insertionIndex, const std::string& draggedID, std::vector<std::string> visibleIDs);
 
 private:
     std::string m_draggedID;
