@@ -15,8 +15,8 @@
 #include <glib.h>
 #include <xcb/xcb.h>
 
+#include "Hosts/Linux/Loop/GLibDispatch.h"
 #include "Hosts/X11/Capture/X11ScreenCapture.h"
-#include "Hosts/X11/GLibDispatch.h"
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Tests/Support/OneDisplay.h"
 
@@ -76,20 +76,20 @@ void pictures(benchmark::State& state)
     Windows windows;
     if (!windows.exists())
         return state.SkipWithError("no X server");
-    x11::GLibDispatch dispatch;
-    x11::SharedModel model;
+    xdg::GLibDispatch dispatch;
+    xdg::SharedModel model;
     std::vector<WindowID> ids;
     for (auto native : windows.open()) {
         WindowID id{std::uint32_t(ids.size() + 1)};
         ids.push_back(id);
-        model.write([&](x11::DesktopModel& desktop) {
+        model.write([&](xdg::DesktopModel& desktop) {
             auto& record = desktop.windows[id];
             record.id = id;
             record.native = native;
             record.frame = {0, 0, kWidth, kHeight};
         });
     }
-    x11::X11ScreenCapture capture{model, dispatch};
+    xdg::x11::X11ScreenCapture capture{model, dispatch};
     const OneDisplay displays;
     double longest = 0;
     double before = peakMemory();

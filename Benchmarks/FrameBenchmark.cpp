@@ -11,9 +11,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include "Hosts/X11/PixelPicture.h"
-#include "Hosts/X11/Surface/CairoCanvas.h"
-#include "Hosts/X11/Surface/TextShaper.h"
+#include "Hosts/Linux/Drawing/CairoCanvas.h"
+#include "Hosts/Linux/Drawing/PixelPicture.h"
+#include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Quorvel/Core/BarManager.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Quorvel.h"
@@ -40,7 +40,7 @@ Image stripes(int width, int height)
             row[x] = 0xFF000000U | std::uint32_t(x * 7) << 16 | std::uint32_t(y * 5);
     }
     cairo_surface_mark_dirty(surface);
-    return std::make_shared<x11::PixelPicture>(surface);
+    return std::make_shared<xdg::PixelPicture>(surface);
 }
 
 /// A bar of fifty chips on a 4K screen, whose paints are repeated on a real canvas.
@@ -99,8 +99,8 @@ public:
 private:
     struct Pixels {
         Size size;
-        x11::CairoSurface surface;
-        std::unique_ptr<x11::CairoCanvas> canvas;
+        xdg::CairoSurface surface;
+        std::unique_ptr<xdg::CairoCanvas> canvas;
     };
 
     std::size_t paintOnPixels(FakePanel& from, Pixels& pixels)
@@ -121,7 +121,7 @@ private:
             pixels.surface.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32,
                 int(pixels.size.width * kScale), int(pixels.size.height * kScale)));
             pixels.canvas
-                = std::make_unique<x11::CairoCanvas>(pixels.surface.get(), kScale, m_shaper);
+                = std::make_unique<xdg::CairoCanvas>(pixels.surface.get(), kScale, m_shaper);
         }
         pixels.canvas->beginDamage(damage);
         from.renderOn(*pixels.canvas, damage);
@@ -129,7 +129,7 @@ private:
     }
 
     FakeDesktop m_desktop;
-    x11::TextShaper m_shaper;
+    xdg::TextShaper m_shaper;
     ProcessID m_pid{};
     std::vector<WindowID> m_windows;
     std::unique_ptr<Runtime> m_runtime;

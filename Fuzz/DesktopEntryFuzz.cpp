@@ -5,8 +5,8 @@
 
 #include <glib.h>
 
-#include "Hosts/X11/Applications/DesktopEntryFile.h"
-#include "Hosts/X11/Applications/IconThemeFile.h"
+#include "Hosts/Linux/Applications/DesktopEntryFile.h"
+#include "Hosts/Linux/Applications/IconThemeFile.h"
 
 namespace {
 
@@ -18,7 +18,7 @@ void expect(bool holds)
 
 void readAsEntry(std::string_view bytes)
 {
-    using namespace quorvel::x11;
+    using namespace quorvel::xdg;
     static const std::vector<std::string> languages{"de_DE", "de"};
     const auto entry = parseDesktopEntry(bytes, languages);
     if (!entry)
@@ -33,7 +33,7 @@ void readAsEntry(std::string_view bytes)
 
 void readAsTheme(std::string_view bytes)
 {
-    using quorvel::x11::IconThemeFile;
+    using quorvel::xdg::IconThemeFile;
     const auto theme = IconThemeFile::parse(bytes);
     expect(theme.folders().size() <= IconThemeFile::kMostFolders);
     for (const auto& folder : theme.folders())

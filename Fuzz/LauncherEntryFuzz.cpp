@@ -4,12 +4,12 @@
 #include <string>
 #include <string_view>
 
-#include "Hosts/X11/Applications/LauncherEntries.h"
+#include "Hosts/Linux/Applications/LauncherEntries.h"
 
 namespace {
 
 using namespace quorvel;
-using namespace quorvel::x11;
+using namespace quorvel::xdg;
 
 void expect(bool holds)
 {

@@ -9,7 +9,8 @@
 
 namespace {
 
-using namespace quorvel::x11;
+using namespace quorvel::xdg;
+using namespace quorvel::xdg::x11;
 
 /// A converter is a library that is loaded at its first use and dropped soon after: that would be
 /// most of the fuzzer's work.

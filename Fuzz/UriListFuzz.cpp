@@ -5,11 +5,11 @@
 
 #include <fmt/format.h>
 
-#include "Hosts/X11/Surface/UriList.h"
+#include "Hosts/Linux/Drawing/UriList.h"
 
 namespace {
 
-using namespace quorvel::x11;
+using namespace quorvel::xdg;
 
 void expect(bool holds)
 {

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <iterator>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <xcb/xcb.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 // One line per atom: the member's name, then the server's.
 #define QUORVEL_ATOMS(X)                                                                           \

@@ -8,7 +8,7 @@
 #include <glib-unix.h>
 #include <glib.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "Hosts/X11/Atoms.h"
 #include "Quorvel/Platform/Published.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// The screen of this number, null if there is none.
 xcb_screen_t* screenOf(xcb_connection_t*, int number);

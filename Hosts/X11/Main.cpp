@@ -3,26 +3,26 @@
 #include <optional>
 #include <string>
 
+#include "Hosts/Linux/Accessible/AccessibleExport.h"
+#include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/Icons.h"
+#include "Hosts/Linux/Applications/X11Bundles.h"
+#include "Hosts/Linux/Applications/X11LoginItem.h"
+#include "Hosts/Linux/Applications/XdgFolders.h"
+#include "Hosts/Linux/Loop/FdSource.h"
+#include "Hosts/Linux/Loop/GLibDispatch.h"
+#include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/Posix/Invocation.h"
 #include "Hosts/Posix/PosixFiles.h"
-#include "Hosts/X11/Accessible/AccessibleExport.h"
-#include "Hosts/X11/Applications/DesktopEntries.h"
-#include "Hosts/X11/Applications/Icons.h"
-#include "Hosts/X11/Applications/X11Bundles.h"
-#include "Hosts/X11/Applications/X11LoginItem.h"
-#include "Hosts/X11/Applications/XdgFolders.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/DesktopServices.h"
-#include "Hosts/X11/FdSource.h"
-#include "Hosts/X11/GLibDispatch.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/PanelEnvironment.h"
 #include "Hosts/X11/Surface/X11Surfaces.h"
 #include "Hosts/X11/X11Application.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Quorvel.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 
@@ -84,5 +84,5 @@ int main(int count, char** values)
     std::setlocale(LC_ALL, "");
     posix::surviveBrokenPipes();
     return posix::invoke(
-        {values + 1, values + count}, {x11::addressOfDisplay, x11::watchFd, x11::runBar});
+        {values + 1, values + count}, {xdg::x11::addressOfDisplay, xdg::watchFd, xdg::x11::runBar});
 }

@@ -16,7 +16,7 @@
 
 #include "Hosts/X11/Connection.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

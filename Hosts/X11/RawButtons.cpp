@@ -2,7 +2,7 @@
 
 #include "Hosts/X11/Connection.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 RawButtons::RawButtons(
     Connection& connection, xcb_input_device_id_t devices, std::uint16_t eventType)

@@ -6,7 +6,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 

@@ -5,10 +5,10 @@
 
 #include <glib.h>
 
-#include "Hosts/X11/ColorScheme.h"
+#include "Hosts/Linux/Bus/ColorScheme.h"
 #include "Quorvel/Platform/Application.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 // Sizes that do not divide: each pixel of the source has to count once, in all four channels.
 TEST(BoxReduction, everyPixelCountsInOnePixelOfTheResult)

@@ -1,4 +1,4 @@
-#include "Hosts/X11/Surface/CairoCanvas.h"
+#include "Hosts/Linux/Drawing/CairoCanvas.h"
 
 #include <cmath>
 #include <functional>
@@ -6,15 +6,15 @@
 
 #include <gtest/gtest.h>
 
-#include "Hosts/X11/IconImage.h"
+#include "Hosts/Linux/Drawing/DamageRegion.h"
+#include "Hosts/Linux/Drawing/DisplayText.h"
+#include "Hosts/Linux/Drawing/IconImage.h"
+#include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Hosts/X11/Surface/AlphaShape.h"
-#include "Hosts/X11/Surface/DamageRegion.h"
-#include "Hosts/X11/Surface/DisplayText.h"
 #include "Hosts/X11/Surface/MenuLayout.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
-#include "Hosts/X11/Surface/TextShaper.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

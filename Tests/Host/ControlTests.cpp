@@ -10,10 +10,10 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 
+#include "Hosts/Linux/Loop/FdSource.h"
 #include "Hosts/Posix/ControlClient.h"
 #include "Hosts/Posix/ControlMessage.h"
 #include "Hosts/Posix/LocalSocket.h"
-#include "Hosts/X11/FdSource.h"
 
 namespace quorvel::posix {
 
@@ -42,7 +42,7 @@ protected:
     {
         auto lock = ControlLock::tryAcquire(address(), problem);
         EXPECT_TRUE(lock) << problem;
-        return lock ? ControlSocket::open(address(), std::move(*lock), x11::watchFd, problem)
+        return lock ? ControlSocket::open(address(), std::move(*lock), xdg::watchFd, problem)
                     : nullptr;
     }
 

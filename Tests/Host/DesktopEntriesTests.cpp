@@ -1,4 +1,4 @@
-#include "Hosts/X11/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/DesktopEntries.h"
 
 #include <chrono>
 #include <functional>
@@ -7,12 +7,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "Hosts/X11/Applications/DesktopEntryFile.h"
+#include "Hosts/Linux/Applications/DesktopEntryFile.h"
 #include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Support/VirtualDispatch.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 namespace {
 
 using namespace std::literals;

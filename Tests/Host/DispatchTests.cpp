@@ -1,4 +1,4 @@
-#include "Hosts/X11/GLibDispatch.h"
+#include "Hosts/Linux/Loop/GLibDispatch.h"
 
 #include <atomic>
 #include <chrono>
@@ -9,7 +9,7 @@
 #include <glib.h>
 #include <gtest/gtest.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "Hosts/X11/Desktop/FocusTracker.h"
+#include "Hosts/Linux/Desktop/FocusTracker.h"
 
 #include <gtest/gtest.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 using namespace std::chrono_literals;
 

@@ -1,4 +1,4 @@
-#include "Hosts/X11/Applications/Icons.h"
+#include "Hosts/Linux/Applications/Icons.h"
 
 #include <algorithm>
 #include <fstream>
@@ -8,13 +8,13 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "Hosts/X11/Applications/DesktopEntries.h"
-#include "Hosts/X11/Applications/IconTheme.h"
-#include "Hosts/X11/IconImage.h"
+#include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/IconTheme.h"
+#include "Hosts/Linux/Drawing/IconImage.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Support/VirtualDispatch.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 namespace {
 
 constexpr std::uint32_t kRed = 0xFFFF0000;

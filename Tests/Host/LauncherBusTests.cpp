@@ -1,4 +1,4 @@
-#include "Hosts/X11/Applications/LauncherBus.h"
+#include "Hosts/Linux/Applications/LauncherBus.h"
 
 #include <chrono>
 #include <csignal>
@@ -8,12 +8,12 @@
 #include <gio/gio.h>
 #include <gtest/gtest.h>
 
-#include "Hosts/X11/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Support/VirtualDispatch.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 namespace {
 
 using namespace std::literals;

@@ -1,15 +1,15 @@
-#include "Hosts/X11/Applications/LauncherEntries.h"
+#include "Hosts/Linux/Applications/LauncherEntries.h"
 
 #include <limits>
 #include <memory>
 
 #include <gmock/gmock.h>
 
-#include "Hosts/X11/Desktop/X11LaunchServices.h"
+#include "Hosts/Linux/Desktop/X11LaunchServices.h"
 #include "Quorvel/Core/BadgeService.h"
 #include "Tests/Support/VirtualDispatch.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 namespace {
 
 using Outcome = LauncherEntries::Outcome;

@@ -1,10 +1,10 @@
-#include "Hosts/X11/Applications/X11LoginItem.h"
+#include "Hosts/Linux/Applications/X11LoginItem.h"
 
 #include <gmock/gmock.h>
 
 #include "Tests/Support/FakeFiles.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

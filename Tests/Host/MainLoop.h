@@ -5,7 +5,7 @@
 
 #include <glib.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// Lets what the main loop hears of come in until the condition holds.
 inline bool eventually(const std::function<bool()>& holds)

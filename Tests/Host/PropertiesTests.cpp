@@ -6,7 +6,7 @@
 
 #include "Hosts/X11/Desktop/CompoundText.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 using testing::ElementsAre;
 using testing::IsEmpty;

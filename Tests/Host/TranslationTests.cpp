@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 // Faults: a film or a maximised window that is made shorter for the bar, and comes back, and so on;
 // a frame that is taken without its title bar or with its shadow.

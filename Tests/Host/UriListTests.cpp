@@ -1,8 +1,8 @@
-#include "Hosts/X11/Surface/UriList.h"
+#include "Hosts/Linux/Drawing/UriList.h"
 
 #include <gmock/gmock.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 using testing::ElementsAre;
 using testing::IsEmpty;

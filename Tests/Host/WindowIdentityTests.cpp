@@ -1,14 +1,14 @@
-#include "Hosts/X11/Applications/WindowIdentity.h"
+#include "Hosts/Linux/Applications/WindowIdentity.h"
 
 #include <glib.h>
 #include <gtest/gtest.h>
 
-#include "Hosts/X11/Applications/DesktopEntries.h"
-#include "Hosts/X11/Applications/DesktopEntryFile.h"
+#include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/DesktopEntryFile.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Support/VirtualDispatch.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 namespace {
 
 class WindowIdentities : public testing::Test {

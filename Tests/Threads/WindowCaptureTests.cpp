@@ -9,9 +9,9 @@
 #include <gtest/gtest.h>
 #include <xcb/composite.h>
 
+#include "Hosts/Linux/Drawing/PixelPicture.h"
+#include "Hosts/Linux/Loop/GLibDispatch.h"
 #include "Hosts/X11/Capture/X11ScreenCapture.h"
-#include "Hosts/X11/GLibDispatch.h"
-#include "Hosts/X11/PixelPicture.h"
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Tests/Support/OneDisplay.h"
 #include "Tests/X11/Support/Client.h"
@@ -36,7 +36,7 @@ struct Pixels {
     std::uint32_t at(int x, int y) const
     {
         auto* image
-            = dynamic_cast<const x11::PixelPicture*>(picture ? picture->image.get() : nullptr);
+            = dynamic_cast<const xdg::PixelPicture*>(picture ? picture->image.get() : nullptr);
         if (!image || x >= image->width() || y >= image->height())
             return 0;
         auto* surface = image->surface();
@@ -52,14 +52,14 @@ struct WindowCaptureTest : testing::Test {
     XServer server;
     Connection client{server.display()};
     xcb_connection_t* x = client.get();
-    x11::GLibDispatch dispatch;
-    x11::SharedModel model;
+    xdg::GLibDispatch dispatch;
+    xdg::SharedModel model;
     std::uint32_t lastNumber = 0;
 
     WindowCaptureTest()
     {
         setenv("DISPLAY", server.display().c_str(), 1);
-        capture = std::make_unique<x11::X11ScreenCapture>(model, dispatch);
+        capture = std::make_unique<xdg::x11::X11ScreenCapture>(model, dispatch);
     }
 
     xcb_window_t create(xcb_window_t parent, const Frame& frame, std::uint32_t colour)
@@ -83,7 +83,7 @@ struct WindowCaptureTest : testing::Test {
     std::future<Pixels> begin(xcb_window_t window, const CaptureConfiguration& configuration)
     {
         WindowID id{++lastNumber};
-        model.write([&](x11::DesktopModel& desktop) {
+        model.write([&](xdg::DesktopModel& desktop) {
             desktop.windows.clear();
             desktop.windows[id].id = id;
             desktop.windows[id].native = window;
@@ -142,7 +142,7 @@ struct WindowCaptureTest : testing::Test {
         return !error;
     }
 
-    std::unique_ptr<x11::X11ScreenCapture> capture; // last: its thread ends before the server
+    std::unique_ptr<xdg::x11::X11ScreenCapture> capture; // last: its thread ends before the server
 };
 
 }
@@ -301,7 +301,7 @@ TEST_F(WindowCaptureTest, theServiceMayEndWhileItsPicturesCome)
     for (std::uint32_t i = 1; i <= 12; ++i) {
         auto window = createTwoColoured({int(10 * i), int(20 * i), 400, 300});
         ids.push_back(WindowID{i});
-        model.write([&](x11::DesktopModel& desktop) {
+        model.write([&](xdg::DesktopModel& desktop) {
             auto& record = desktop.windows[WindowID{i}];
             record.id = WindowID{i};
             record.native = window;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// Shrinks a picture while its rows come in: each pixel becomes the average of those it stands for,
 /// so that thin lines fade rather than break up. Only the result is ever in memory as a whole.

@@ -9,7 +9,7 @@
 
 #include "Hosts/X11/Atoms.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 struct FreeReply {
     void operator()(void* reply) const { std::free(reply); }

@@ -3,7 +3,7 @@
 #include <iterator>
 #include <utility>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 void CaptureWorker::capture(xcb_window_t client, const CaptureConfiguration& configuration,
     ScreenCapture::PictureHandler handler)

@@ -12,7 +12,7 @@
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/ScreenCapture.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// Takes pictures one after another; while one waits for its client, the next ones begin. Lives on
 /// its queue.

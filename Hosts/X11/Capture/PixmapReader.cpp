@@ -7,7 +7,7 @@
 
 #include "Hosts/X11/Capture/CaptureConnection.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

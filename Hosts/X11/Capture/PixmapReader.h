@@ -7,7 +7,7 @@
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class CaptureConnection;
 

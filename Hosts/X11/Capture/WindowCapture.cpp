@@ -7,13 +7,13 @@
 
 #include <cairo/cairo.h>
 
+#include "Hosts/Linux/Drawing/PixelPicture.h"
 #include "Hosts/X11/Capture/BoxReduction.h"
 #include "Hosts/X11/Capture/CaptureConnection.h"
 #include "Hosts/X11/Desktop/Properties.h"
 #include "Hosts/X11/Desktop/RequestBatch.h"
-#include "Hosts/X11/PixelPicture.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

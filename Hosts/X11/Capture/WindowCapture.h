@@ -7,7 +7,7 @@
 #include "Hosts/X11/Capture/PixmapReader.h"
 #include "Quorvel/Platform/ScreenCapture.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// One picture of one client, decoration included.
 ///

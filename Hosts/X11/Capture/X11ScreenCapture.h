@@ -2,11 +2,11 @@
 
 #include <memory>
 
+#include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/X11/Capture/CaptureWorker.h"
-#include "Hosts/X11/Desktop/DesktopModel.h"
 #include "Quorvel/Platform/ScreenCapture.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// Pictures of windows through the Composite extension. An X client may look at every window: there
 /// is nothing to ask for. Minimised windows and those of other desktops are not mapped, so there is

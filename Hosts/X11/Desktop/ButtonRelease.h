@@ -6,7 +6,7 @@
 
 #include "Hosts/X11/RawButtons.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 

@@ -13,7 +13,7 @@
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 inline constexpr std::uint32_t kEveryDesktop = 0xFFFFFFFF;
 

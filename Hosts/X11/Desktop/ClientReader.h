@@ -2,7 +2,7 @@
 
 #include "Hosts/X11/Desktop/Client.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 class RequestBatch;

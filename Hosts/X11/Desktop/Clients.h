@@ -10,7 +10,7 @@
 #include "Hosts/X11/Desktop/Client.h"
 #include "Hosts/X11/Desktop/ClientReader.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 

@@ -7,7 +7,7 @@
 
 #include <glib.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

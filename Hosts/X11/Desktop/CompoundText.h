@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// Text in the encoding that Xlib's clients write when a title is not Latin-1 and they know no
 /// better: ISO 2022 with the character sets of the Compound Text standard, and UTF-8 segments.

@@ -3,10 +3,10 @@
 #include <map>
 #include <vector>
 
-#include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/X11/Monitors.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// Which monitors show a full-screen window on top of the active space. Dialogs and tool windows
 /// above it change nothing.

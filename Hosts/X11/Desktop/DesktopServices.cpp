@@ -1,17 +1,17 @@
 #include "Hosts/X11/Desktop/DesktopServices.h"
 
-#include "Hosts/X11/Applications/LauncherBus.h"
+#include "Hosts/Linux/Applications/LauncherBus.h"
+#include "Hosts/Linux/Desktop/ObserverRegistry.h"
+#include "Hosts/Linux/Desktop/X11LaunchServices.h"
 #include "Hosts/X11/Capture/X11ScreenCapture.h"
 #include "Hosts/X11/Desktop/Mirror.h"
-#include "Hosts/X11/Desktop/ObserverRegistry.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
 #include "Hosts/X11/Desktop/X11Accessibility.h"
 #include "Hosts/X11/Desktop/X11Displays.h"
-#include "Hosts/X11/Desktop/X11LaunchServices.h"
 #include "Hosts/X11/Desktop/X11WindowServer.h"
 #include "Hosts/X11/Desktop/X11Workspace.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 struct DesktopServices::Parts {
     Parts(Connection& connection, Dispatch& dispatch, Monitors& monitors,

@@ -12,13 +12,16 @@ class WindowServer;
 class Workspace;
 }
 
-namespace quorvel::x11 {
-
-class Connection;
+namespace quorvel::xdg {
 class DesktopEntries;
 class Icons;
-class Monitors;
 struct PanelEnvironment;
+}
+
+namespace quorvel::xdg::x11 {
+
+class Connection;
+class Monitors;
 
 /// The services answered from the mirror of the desktop. The constructor waits for the first look
 /// at the desktop, so that everything that is there is known when it returns. Main thread.

@@ -5,16 +5,16 @@
 
 #include <unistd.h>
 
-#include "Hosts/X11/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Desktop/ObserverRegistry.h"
+#include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/Coverage.h"
-#include "Hosts/X11/Desktop/ObserverRegistry.h"
 #include "Hosts/X11/Desktop/RequestBatch.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/PanelEnvironment.h"
 #include "Quorvel/Platform/Accessibility.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 
@@ -226,7 +226,7 @@ void Mirror::translate(Client& client)
         return;
 
     client.isDirty = false;
-    auto record = x11::recordOf(client, m_clients.parentOf(client) != nullptr, context());
+    auto record = xdg::x11::recordOf(client, m_clients.parentOf(client) != nullptr, context());
     record.owner = assign(client);
     forgetHonouredSize(client, record.frame.size());
     if (client.type == WindowType::dock)
@@ -391,11 +391,12 @@ FocusTracker::Active Mirror::activeClient()
     auto* focused = client;
     for (int i = 0; i < kLongestParentChain; ++i) {
         auto* parent = m_clients.parentOf(*focused);
-        if (x11::isStandardWindow(*focused, parent) || !speaksForParent(*focused, parent))
+        if (xdg::x11::isStandardWindow(*focused, parent) || !speaksForParent(*focused, parent))
             break;
         focused = parent;
     }
-    if (!x11::isStandardWindow(*focused, m_clients.parentOf(*focused)) || !focused->isAnnounced)
+    if (!xdg::x11::isStandardWindow(*focused, m_clients.parentOf(*focused))
+        || !focused->isAnnounced)
         focused = client;
     return focused->id;
 }

@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "Hosts/Linux/Desktop/DesktopModel.h"
+#include "Hosts/Linux/Desktop/FocusTracker.h"
 #include "Hosts/X11/Desktop/ButtonRelease.h"
 #include "Hosts/X11/Desktop/Clients.h"
-#include "Hosts/X11/Desktop/DesktopModel.h"
-#include "Hosts/X11/Desktop/FocusTracker.h"
 #include "Hosts/X11/Desktop/ProcessTable.h"
 #include "Hosts/X11/Desktop/RootState.h"
 #include "Hosts/X11/Desktop/ShowingDesktop.h"
@@ -18,12 +18,15 @@
 #include "Hosts/X11/Desktop/WindowManagerWatch.h"
 #include "Quorvel/Platform/Published.h"
 
-namespace quorvel::x11 {
-
+namespace quorvel::xdg {
 class DesktopEntries;
-class Monitors;
 class ObserverRegistry;
 struct PanelEnvironment;
+}
+
+namespace quorvel::xdg::x11 {
+
+class Monitors;
 
 /// Keeps the model like the desktop.
 ///

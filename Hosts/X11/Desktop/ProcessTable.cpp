@@ -6,10 +6,10 @@
 
 #include <fmt/format.h>
 
-#include "Hosts/X11/Applications/DesktopEntries.h"
-#include "Hosts/X11/Applications/WindowIdentity.h"
+#include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/WindowIdentity.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -9,14 +9,16 @@
 #include <tuple>
 #include <vector>
 
+#include "Hosts/Linux/Desktop/ProcessEnd.h"
 #include "Hosts/X11/Desktop/Client.h"
-#include "Hosts/X11/Desktop/ProcessEnd.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Published.h"
 
-namespace quorvel::x11 {
-
+namespace quorvel::xdg {
 class DesktopEntries;
+}
+
+namespace quorvel::xdg::x11 {
 
 /// The pairs of process and application that own windows.
 ///

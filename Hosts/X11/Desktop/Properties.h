@@ -10,11 +10,11 @@
 
 #include <xcb/xcb.h>
 
-#include "Hosts/X11/Applications/Icons.h"
+#include "Hosts/Linux/Applications/Icons.h"
 #include "Hosts/X11/Atoms.h"
 #include "Quorvel/Platform/Geometry.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// A property as the server hands it over. Any client may have written anything into it: each
 /// decoder below answers a wrong type, format or length with "absent" or the nearest sane value.

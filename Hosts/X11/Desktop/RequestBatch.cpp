@@ -5,7 +5,7 @@
 #include <xcb/res.h>
 #include <xcb/xcbext.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "Hosts/X11/Desktop/Properties.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// A window's place on the X screen in pixels, without its frame.
 struct WindowPlace {

@@ -7,7 +7,7 @@
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/RequestBatch.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 RootState::RootState(Connection& connection) : m_connection(connection)
 {

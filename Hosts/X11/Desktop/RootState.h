@@ -8,7 +8,7 @@
 
 #include <xcb/xcb.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 class RequestBatch;

@@ -4,7 +4,7 @@
 
 #include "Hosts/X11/Connection.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 ServerTime::ServerTime(Connection& connection)
     : m_connection(connection)

@@ -7,7 +7,7 @@
 
 #include "Quorvel/Platform/Published.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 

@@ -4,7 +4,7 @@
 
 #include "Hosts/X11/Desktop/Clients.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 void ShowingDesktop::update(bool isShowing, Clients& clients, Instant now)
 {

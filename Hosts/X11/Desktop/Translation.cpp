@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/X11/Desktop/Client.h"
-#include "Hosts/X11/Desktop/DesktopModel.h"
 #include "Hosts/X11/Monitors.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// What a client's facts mean depends on.
 struct TranslationContext {

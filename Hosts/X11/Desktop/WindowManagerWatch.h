@@ -6,7 +6,7 @@
 
 #include "Quorvel/Platform/Dispatch.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 

@@ -9,7 +9,7 @@
 #include "Hosts/X11/Desktop/RootState.h"
 #include "Hosts/X11/Monitors.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <map>
 #include <optional>
 
-#include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/X11/Desktop/ServerTime.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Clients;
 class Connection;

@@ -1,9 +1,9 @@
 #include "Hosts/X11/Desktop/X11Accessibility.h"
 
-#include "Hosts/X11/Desktop/Elements.h"
+#include "Hosts/Linux/Desktop/Elements.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -2,12 +2,12 @@
 
 #include <thread>
 
-#include "Hosts/X11/Desktop/DesktopModel.h"
-#include "Hosts/X11/Desktop/ObserverRegistry.h"
+#include "Hosts/Linux/Desktop/DesktopModel.h"
+#include "Hosts/Linux/Desktop/ObserverRegistry.h"
 #include "Quorvel/Platform/Accessibility.h"
 #include "Quorvel/Platform/WeakOwner.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class WindowRequests;
 

@@ -5,7 +5,7 @@
 #include "Hosts/X11/Monitors.h"
 #include "Quorvel/Platform/Displays.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 class Mirror;

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/X11/Desktop/Mirror.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
-#include "Hosts/X11/PanelEnvironment.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -1,13 +1,16 @@
 #pragma once
 
-#include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Quorvel/Platform/WindowServer.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg {
+struct PanelEnvironment;
+}
+
+namespace quorvel::xdg::x11 {
 
 class Mirror;
 class WindowRequests;
-struct PanelEnvironment;
 
 /// Windows and spaces as the mirror knows them. Desktops are common to all monitors: there is one
 /// managed display.

@@ -2,14 +2,14 @@
 
 #include <set>
 
-#include "Hosts/X11/Applications/DesktopEntries.h"
-#include "Hosts/X11/Applications/Icons.h"
+#include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/Icons.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/Mirror.h"
 #include "Hosts/X11/Desktop/RequestBatch.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

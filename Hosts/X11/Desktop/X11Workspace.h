@@ -1,16 +1,19 @@
 #pragma once
 
-#include "Hosts/X11/Applications/ApplicationLauncher.h"
-#include "Hosts/X11/Desktop/DesktopModel.h"
+#include "Hosts/Linux/Applications/ApplicationLauncher.h"
+#include "Hosts/Linux/Bus/SleepWatch.h"
+#include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/X11/Desktop/ServerTime.h"
-#include "Hosts/X11/Desktop/SleepWatch.h"
 #include "Quorvel/Platform/Workspace.h"
 
-namespace quorvel::x11 {
-
-class Connection;
+namespace quorvel::xdg {
 class DesktopEntries;
 class Icons;
+}
+
+namespace quorvel::xdg::x11 {
+
+class Connection;
 class Mirror;
 class WindowRequests;
 

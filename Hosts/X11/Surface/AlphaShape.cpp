@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

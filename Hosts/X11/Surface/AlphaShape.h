@@ -5,7 +5,7 @@
 #include <cairo/cairo.h>
 #include <xcb/xcb.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// The pixels of an ARGB surface that are more there than not, as rectangles that do not overlap,
 /// sorted by y and then by x. Rows that are equal share theirs.

@@ -6,11 +6,11 @@
 
 #include <xcb/xcb.h>
 
-#include "Hosts/X11/Surface/CairoHandles.h"
+#include "Hosts/Linux/Drawing/CairoHandles.h"
 #include "Hosts/X11/Surface/SharedPixels.h"
 #include "Quorvel/Platform/Geometry.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 

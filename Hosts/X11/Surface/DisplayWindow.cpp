@@ -4,15 +4,15 @@
 #include <cmath>
 #include <utility>
 
+#include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/PanelEnvironment.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/PartPainter.h"
 #include "Hosts/X11/Surface/X11Panel.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
+#include "Hosts/Linux/Drawing/DamageRegion.h"
 #include "Hosts/X11/Surface/BackBuffer.h"
-#include "Hosts/X11/Surface/DamageRegion.h"
 #include "Hosts/X11/Surface/DockWindow.h"
 #include "Hosts/X11/Surface/DropTarget.h"
 #include "Hosts/X11/Surface/PaintSource.h"
@@ -13,7 +13,7 @@
 #include "Hosts/X11/Surface/SurfaceContext.h"
 #include "Quorvel/Platform/Surfaces.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class X11Panel;
 

@@ -7,7 +7,7 @@
 #include "Hosts/X11/Surface/WindowPlace.h"
 #include "Quorvel/Platform/Dispatch.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// A bare window of type dock, on every desktop, and what window managers want to know of it.
 /// Pixels of the X screen. Destroying it takes its strut back.

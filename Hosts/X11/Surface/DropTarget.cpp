@@ -8,11 +8,11 @@
 
 #include <glib.h>
 
+#include "Hosts/Linux/Drawing/UriList.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Surface/EventWindow.h"
-#include "Hosts/X11/Surface/UriList.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "Quorvel/Platform/Published.h"
 #include "Quorvel/Platform/Surfaces.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 

@@ -1,6 +1,6 @@
 #include "Hosts/X11/Surface/EventWindow.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 xcb_window_t eventWindow(const xcb_generic_event_t* event)
 {

@@ -4,7 +4,7 @@
 
 #include "Quorvel/Platform/Geometry.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// The window whose event this is; 0 for events that no window of ours waits for.
 xcb_window_t eventWindow(const xcb_generic_event_t*);

@@ -6,7 +6,7 @@
 #include "Quorvel/Platform/Identifiers.h"
 #include "Quorvel/Platform/Published.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 class Monitors;

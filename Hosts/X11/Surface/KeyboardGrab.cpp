@@ -9,7 +9,7 @@
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 std::optional<Key> keyFor(std::uint32_t symbol, bool isShifted)
 {

@@ -4,7 +4,7 @@
 
 #include "Quorvel/Platform/Canvas.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

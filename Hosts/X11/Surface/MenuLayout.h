@@ -5,7 +5,7 @@
 
 #include "Quorvel/Platform/Surfaces.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 struct MenuStyle {
     double rowHeight = 26;

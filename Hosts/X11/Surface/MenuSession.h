@@ -10,7 +10,7 @@
 #include "Hosts/X11/Surface/SurfaceContext.h"
 #include "Quorvel/Platform/Dispatch.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// An open menu with its submenus. It holds the pointer and the keyboard until an entry is chosen
 /// or anything else is done. Destroying it takes all of it off the screen.

@@ -4,12 +4,12 @@
 #include <cmath>
 #include <utility>
 
+#include "Hosts/Linux/Drawing/CairoCanvas.h"
+#include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/Surface/CairoCanvas.h"
-#include "Hosts/X11/Surface/TextShaper.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "Hosts/X11/Surface/PaintSource.h"
 #include "Hosts/X11/Surface/SurfaceContext.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// What one menu or submenu shows, and which of its rows is lit. Places are pixels of the X screen.
 class MenuWindow {

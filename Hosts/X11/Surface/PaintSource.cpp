@@ -5,10 +5,10 @@
 
 #include <glib.h>
 
-#include "Hosts/X11/SourceTime.h"
-#include "Hosts/X11/WorkSchedule.h"
+#include "Hosts/Linux/Loop/SourceTime.h"
+#include "Hosts/Linux/Loop/WorkSchedule.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

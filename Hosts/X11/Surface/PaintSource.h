@@ -5,7 +5,7 @@
 
 #include "Quorvel/Platform/Dispatch.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// Runs once, after what the loop has ready now, however often it is asked for; at once after a
 /// pause, and then no faster than anybody could see. Main thread.

@@ -1,10 +1,10 @@
 #include "Hosts/X11/Surface/PartPainter.h"
 
-#include "Hosts/X11/Surface/CairoCanvas.h"
+#include "Hosts/Linux/Drawing/CairoCanvas.h"
 #include "Hosts/X11/Surface/SurfaceContext.h"
 #include "Quorvel/Platform/Surfaces.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 void paintPart(const SurfaceContext& context, SurfaceClient& client, cairo_surface_t* picture,
     const Rect& part, const Color& ground)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Hosts/X11/Surface/CairoHandles.h"
+#include "Hosts/Linux/Drawing/CairoHandles.h"
 #include "Quorvel/Platform/Canvas.h"
 #include "Quorvel/Platform/Geometry.h"
 
@@ -8,7 +8,7 @@ namespace quorvel {
 class SurfaceClient;
 }
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 struct SurfaceContext;
 

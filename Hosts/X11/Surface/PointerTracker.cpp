@@ -4,7 +4,7 @@
 
 #include "Hosts/X11/Surface/EventWindow.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

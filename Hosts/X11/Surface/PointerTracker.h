@@ -6,7 +6,7 @@
 
 #include "Quorvel/Platform/Surfaces.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// Turns one window's pointer events into those of the view in it. Motion is kept until the turn of
 /// the loop ends or another event needs its place, so a fast mouse costs one event per turn.

@@ -11,7 +11,7 @@
 #include "Hosts/X11/Surface/AlphaShape.h"
 #include "Hosts/X11/Surface/Compositing.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "Hosts/X11/Surface/BackBuffer.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// A window that no window manager touches, above all others and on every desktop. Where its
 /// picture is transparent there is no window for the pointer and, without a compositor, none for

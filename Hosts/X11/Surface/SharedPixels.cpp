@@ -7,7 +7,7 @@
 
 #include "Hosts/X11/Connection.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 std::unique_ptr<SharedPixels> SharedPixels::create(Connection& connection, int width, int height)
 {

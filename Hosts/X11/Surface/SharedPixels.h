@@ -5,7 +5,7 @@
 
 #include <xcb/shm.h>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class Connection;
 

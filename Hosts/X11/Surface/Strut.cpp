@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #include "Hosts/X11/Monitors.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// The strip at the bottom of the X screen that a window keeps for itself, in pixels; as window
 /// managers read it, it counts from the edge of the whole X screen.

@@ -7,14 +7,17 @@ namespace quorvel {
 class Dispatch;
 }
 
-namespace quorvel::x11 {
-
+namespace quorvel::xdg {
 class AccessibleSurfaces;
+class TextShaper;
+struct PanelEnvironment;
+}
+
+namespace quorvel::xdg::x11 {
+
 class Connection;
 class FrameIntervals;
 class Monitors;
-class TextShaper;
-struct PanelEnvironment;
 
 /// What every window of ours needs; all of it outlives them.
 struct SurfaceContext {

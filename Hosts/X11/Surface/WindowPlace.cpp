@@ -6,7 +6,7 @@
 
 #include "Hosts/X11/Connection.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 WindowPlaceQuery::WindowPlaceQuery(Connection& connection, xcb_window_t window)
     : m_connection(connection)

@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "Hosts/X11/Accessible/AccessibleSurfaces.h"
+#include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Surface/DisplayWindow.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 X11Panel::X11Panel(DisplayWindow& window, const PanelOptions& options, SurfaceClient& client)
     : m_window(window)

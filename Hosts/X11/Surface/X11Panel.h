@@ -3,7 +3,7 @@
 #include "Hosts/X11/Surface/KeyboardGrab.h"
 #include "Hosts/X11/Surface/X11Surface.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 class DisplayWindow;
 

@@ -2,14 +2,14 @@
 
 #include <utility>
 
-#include "Hosts/X11/Accessible/AccessibleSurfaces.h"
+#include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/PartPainter.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 X11Popup::X11Popup(const SurfaceContext& context, const PanelOptions& options,
     SurfaceClient& client, std::function<void()> onPointerMoved)

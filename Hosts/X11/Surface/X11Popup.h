@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "Hosts/X11/Surface/DamageRegion.h"
+#include "Hosts/Linux/Drawing/DamageRegion.h"
 #include "Hosts/X11/Surface/KeyboardGrab.h"
 #include "Hosts/X11/Surface/PaintSource.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
@@ -12,7 +12,7 @@
 #include "Hosts/X11/Surface/SurfaceContext.h"
 #include "Hosts/X11/Surface/X11Surface.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// A surface above the bars with a window of its own, which exists only while it is ordered in.
 /// Where it lies and what it shows change together, once a turn, however often it is moved.

@@ -1,14 +1,12 @@
 #pragma once
 
-#include "Quorvel/Platform/Surfaces.h"
+#include "Hosts/Linux/PlacedSurface.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// What menus need of any surface of this host.
-class X11Surface : public PanelSurface {
+class X11Surface : public PlacedSurface {
 public:
-    /// Where it lies on the X screen.
-    virtual Rect framePixels() const = 0;
     /// Something else takes the pointer now.
     virtual void cancelPointer() = 0;
 };

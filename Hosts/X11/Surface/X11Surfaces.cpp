@@ -8,7 +8,7 @@
 #include "Hosts/X11/Surface/X11Panel.h"
 #include "Hosts/X11/Surface/X11Popup.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monitors& monitors,
     const PanelEnvironment& environment, const Published<Appearance>& appearance)

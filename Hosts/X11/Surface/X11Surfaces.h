@@ -3,15 +3,15 @@
 #include <map>
 #include <memory>
 
-#include "Hosts/X11/Accessible/AccessibleSurfaces.h"
+#include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
+#include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Hosts/X11/Surface/DisplayWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/MenuSession.h"
 #include "Hosts/X11/Surface/SurfaceContext.h"
-#include "Hosts/X11/Surface/TextShaper.h"
 #include "Quorvel/Platform/Surfaces.h"
 
-namespace quorvel::x11 {
+namespace quorvel::xdg::x11 {
 
 /// Panels as one window per display, and menus. Main thread; outlives its panels.
 class X11Surfaces final : public Surfaces {

@@ -7,13 +7,13 @@
 
 #include <glib.h>
 
-#include "Hosts/X11/Applications/DesktopEntries.h"
-#include "Hosts/X11/Applications/Icons.h"
+#include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/Icons.h"
+#include "Hosts/Linux/Loop/GLibDispatch.h"
+#include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/DesktopServices.h"
-#include "Hosts/X11/GLibDispatch.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/PanelEnvironment.h"
 
 namespace quorvel::x11tests {
 
@@ -21,13 +21,14 @@ namespace quorvel::x11tests {
 /// names the display.
 struct HostServices {
     std::string problem;
-    x11::GLibDispatch dispatch;
-    std::unique_ptr<x11::Connection> connection = x11::Connection::open(problem);
-    x11::Monitors monitors{*connection};
-    x11::PanelEnvironment environment;
-    x11::DesktopEntries entries{dispatch};
-    x11::Icons icons{entries};
-    x11::DesktopServices services{*connection, dispatch, monitors, environment, entries, icons};
+    xdg::GLibDispatch dispatch;
+    std::unique_ptr<xdg::x11::Connection> connection = xdg::x11::Connection::open(problem);
+    xdg::x11::Monitors monitors{*connection};
+    xdg::PanelEnvironment environment;
+    xdg::DesktopEntries entries{dispatch};
+    xdg::Icons icons{entries};
+    xdg::x11::DesktopServices services{
+        *connection, dispatch, monitors, environment, entries, icons};
 
     /// Turns of the real loop until the condition holds; false if it never does.
     bool runUntil(const std::function<bool()>& isDone,

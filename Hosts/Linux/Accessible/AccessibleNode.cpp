@@ -1,0 +1,356 @@
+#include "Hosts/Linux/Accessible/AccessibleNode.h"
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_set>
+#include <utility>
+
+#include "Hosts/Linux/Accessible/AccessibleObject.h"
+
+namespace quorvel::xdg {
+
+namespace {
+
+constexpr std::uint64_t bit(AtkStateType state)
+{
+    return std::uint64_t{1} << state;
+}
+
+/// The bus cuts the connection of whoever sends other text.
+std::string validText(const std::string& text)
+{
+    auto* valid = g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
+    std::string copy{valid};
+    g_free(valid);
+    return copy;
+}
+
+AtkRole toSystem(AccessibleRole role)
+{
+    switch (role) {
+    case AccessibleRole::button:
+    case AccessibleRole::menuButton:
+        return ATK_ROLE_PUSH_BUTTON;
+    case AccessibleRole::toggleButton:
+        return ATK_ROLE_TOGGLE_BUTTON;
+    case AccessibleRole::panel:
+    case AccessibleRole::group:
+    case AccessibleRole::popup:
+        break;
+    }
+    return ATK_ROLE_PANEL;
+}
+
+std::uint64_t statesOfRole(const AccessibleState& state)
+{
+    if (state.role == AccessibleRole::menuButton)
+        return bit(ATK_STATE_HAS_POPUP);
+    if (state.role != AccessibleRole::toggleButton)
+        return 0;
+    return bit(ATK_STATE_CHECKABLE) | (state.isSelected ? bit(ATK_STATE_CHECKED) : 0);
+}
+
+AccessibleKind kindOf(const AccessibleNode& node)
+{
+    if (!node.parent())
+        return AccessibleKind::application;
+    return node.parent()->parent() ? AccessibleKind::element : AccessibleKind::surface;
+}
+
+bool hasKeyFocus(AccessibleElement& element)
+{
+    return element.accessibleState().hasKeyFocus
+        || std::ranges::any_of(
+            element.accessibleChildren(), [](auto* child) { return hasKeyFocus(*child); });
+}
+
+}
+
+AccessibleNode::AccessibleNode(const AtkLibrary& atk, const AccessibleSurfaces& surfaces)
+    : m_atk(atk)
+    , m_surfaces(surfaces)
+    , m_parent(nullptr)
+    , m_object(makeAccessibleObject(atk, AccessibleKind::application, *this))
+{
+    m_told = describe();
+}
+
+AccessibleNode::AccessibleNode(AccessibleNode& parent, std::string id)
+    : m_atk(parent.m_atk)
+    , m_surfaces(parent.m_surfaces)
+    , m_parent(&parent)
+    , m_id(std::move(id))
+    , m_object(makeAccessibleObject(m_atk, kindOf(*this), *this))
+{
+    m_told = describe();
+}
+
+AccessibleNode::~AccessibleNode()
+{
+    m_children.clear();
+    detachAccessibleObject(m_object);
+    m_atk.notifyStateChange(m_object, ATK_STATE_DEFUNCT, true);
+    g_object_unref(m_object);
+}
+
+// MARK: Looking it up
+
+const AccessibleSurfaces::Entry* AccessibleNode::surface() const
+{
+    if (isApplication())
+        return nullptr;
+    if (!isSurface())
+        return m_parent->surface();
+    auto& entries = m_surfaces.entries();
+    const auto found
+        = std::ranges::find(entries, m_id, [](auto& entry) { return std::to_string(entry.id); });
+    return found == entries.end() ? nullptr : &*found;
+}
+
+AccessibleElement* AccessibleNode::element() const
+{
+    if (isApplication())
+        return nullptr;
+    if (isSurface()) {
+        auto* entry = surface();
+        return entry ? entry->client->accessibleRoot() : nullptr;
+    }
+    auto* above = m_parent->element();
+    if (!above)
+        return nullptr;
+    const auto elements = above->accessibleChildren();
+    const auto isThis = [this](auto* element) { return element->accessibleID() == m_id; };
+    const auto place = static_cast<std::size_t>(indexInParent());
+    if (place < elements.size() && isThis(elements[place])) // as nearly always
+        return elements[place];
+    const auto found = std::ranges::find_if(elements, isThis);
+    return found == elements.end() ? nullptr : *found;
+}
+
+std::vector<std::string> AccessibleNode::childIDs() const
+{
+    std::vector<std::string> ids;
+    if (isApplication()) {
+        for (auto& entry : m_surfaces.entries()) {
+            if (entry.client->accessibleRoot())
+                ids.push_back(std::to_string(entry.id));
+        }
+        return ids;
+    }
+    auto* element_ = element();
+    if (!element_)
+        return ids;
+    std::unordered_set<std::string> seen;
+    for (auto* child : element_->accessibleChildren()) {
+        auto id = child->accessibleID();
+        if (seen.insert(id).second)
+            ids.push_back(std::move(id));
+    }
+    return ids;
+}
+
+const std::vector<std::unique_ptr<AccessibleNode>>& AccessibleNode::children()
+{
+    if (std::exchange(m_hasChildren, true)) {
+        announceChildren();
+    } else {
+        for (auto& id : childIDs())
+            m_children.push_back(std::make_unique<AccessibleNode>(*this, std::move(id)));
+    }
+    return m_children;
+}
+
+int AccessibleNode::indexInParent() const
+{
+    if (!m_parent)
+        return -1;
+    auto& siblings = m_parent->m_children;
+    const auto found = std::ranges::find(siblings, this, [](auto& node) { return node.get(); });
+    return found == siblings.end() ? -1 : static_cast<int>(found - siblings.begin());
+}
+
+// MARK: What it says
+
+AtkRole AccessibleNode::role() const
+{
+    if (isApplication())
+        return ATK_ROLE_APPLICATION;
+    auto* element_ = element();
+    if (!element_)
+        return ATK_ROLE_INVALID;
+    // Readers look for windows below the application. This one has neither title nor border.
+    return isSurface() ? ATK_ROLE_WINDOW : toSystem(element_->accessibleState().role);
+}
+
+const char* AccessibleNode::keep(std::string& kept, std::string answer)
+{
+    if (kept != answer)
+        kept = std::move(answer);
+    return kept.c_str();
+}
+
+AccessibleNode::Description AccessibleNode::describe() const
+{
+    constexpr auto usable = bit(ATK_STATE_ENABLED) | bit(ATK_STATE_SENSITIVE);
+    if (isApplication())
+        return {"Quorvel", {}, usable | bit(ATK_STATE_VISIBLE) | bit(ATK_STATE_SHOWING)};
+    auto* element_ = element();
+    if (!element_)
+        return {{}, {}, bit(ATK_STATE_DEFUNCT)};
+    const auto state = element_->accessibleState();
+    Description description{validText(state.name), {}, usable | statesOf(state)};
+    if (state.progress)
+        description.text = std::to_string(std::lround(*state.progress * 100)) + " %";
+    return description;
+}
+
+std::uint64_t AccessibleNode::statesOf(const AccessibleState& state) const
+{
+    auto states = statesOfRole(state);
+    const auto place = frame();
+    if (place && !place->isEmpty())
+        states |= bit(ATK_STATE_VISIBLE) | (isShowing(*place) ? bit(ATK_STATE_SHOWING) : 0);
+    if (isSurface())
+        return states | (hasKeyFocus(*element()) ? bit(ATK_STATE_ACTIVE) : 0);
+    states |= bit(ATK_STATE_FOCUSABLE) | bit(ATK_STATE_SELECTABLE);
+    if (state.hasKeyFocus)
+        states |= bit(ATK_STATE_FOCUSED);
+    if (state.isSelected)
+        states |= bit(ATK_STATE_SELECTED);
+    return states;
+}
+
+bool AccessibleNode::isShowing(const Rect& place) const
+{
+    auto* entry = surface();
+    return entry->surface->isVisible() && place.intersects(entry->surface->framePixels());
+}
+
+std::optional<Rect> AccessibleNode::surfaceFrame() const
+{
+    auto* entry = surface();
+    return entry ? std::optional{entry->surface->framePixels()} : std::nullopt;
+}
+
+std::optional<Rect> AccessibleNode::frame() const
+{
+    const auto surface_ = surfaceFrame();
+    if (!surface_ || isSurface())
+        return surface_;
+    auto* element_ = element();
+    if (!element_)
+        return std::nullopt;
+    const auto points = element_->accessibleFrame();
+    const double scale = surface()->surface->scale();
+    return Rect{surface_->x + points.x * scale, surface_->y + points.y * scale,
+        points.width * scale, points.height * scale};
+}
+
+// MARK: What it does
+
+std::size_t AccessibleNode::actionCount() const
+{
+    auto* element_ = element();
+    return element_ ? element_->accessibleState().actions.size() : 0;
+}
+
+const char* AccessibleNode::actionName(std::size_t index)
+{
+    auto* element_ = element();
+    const auto actions
+        = element_ ? element_->accessibleState().actions : std::vector<std::string>{};
+    if (index >= actions.size())
+        return nullptr;
+    m_actionNames.resize(std::max(m_actionNames.size(), actions.size()));
+    return keep(m_actionNames[index], validText(actions[index]));
+}
+
+bool AccessibleNode::performAction(std::size_t index)
+{
+    auto* element_ = element();
+    return element_ && element_->performAccessibleAction(index);
+}
+
+// MARK: What has changed
+
+void AccessibleNode::announceChanges()
+{
+    announceDescription();
+    announceChildren();
+    for (std::size_t index = 0; index < m_children.size(); ++index)
+        m_children[index]->announceChanges();
+}
+
+void AccessibleNode::announceDescription()
+{
+    const auto now = describe();
+    const auto before = std::exchange(m_told, now);
+    if (now.name != before.name)
+        g_object_notify(G_OBJECT(m_object), "accessible-name");
+    if (now.text != before.text)
+        g_object_notify(G_OBJECT(m_object), "accessible-description");
+    for (int index = 0; index < ATK_STATE_LAST_DEFINED; ++index) {
+        const auto state = static_cast<AtkStateType>(index);
+        if (now.has(state) != before.has(state))
+            m_atk.notifyStateChange(m_object, state, now.has(state));
+    }
+    // Readers follow the focus in the active window only.
+    if (isSurface() && now.has(ATK_STATE_ACTIVE) != before.has(ATK_STATE_ACTIVE))
+        g_signal_emit_by_name(m_object, now.has(ATK_STATE_ACTIVE) ? "activate" : "deactivate");
+}
+
+/// Whoever hears of one change may ask for the children before the next one is told.
+void AccessibleNode::announceChildren()
+{
+    if (!m_hasChildren || std::exchange(m_isAnnouncing, true))
+        return;
+    const auto ids = childIDs();
+    removeVanished(ids);
+    for (std::size_t index = 0; index < ids.size(); ++index)
+        placeAt(index, ids[index]);
+    m_isAnnouncing = false;
+}
+
+void AccessibleNode::removeVanished(const std::vector<std::string>& ids)
+{
+    const std::unordered_set<std::string> present{ids.begin(), ids.end()};
+    for (auto index = m_children.size(); index-- > 0;) {
+        if (present.contains(m_children[index]->m_id))
+            continue;
+        const auto vanished = take(index);
+        emitChildren("children-changed::remove", index, *vanished);
+    }
+}
+
+void AccessibleNode::placeAt(std::size_t index, const std::string& id)
+{
+    if (index < m_children.size() && m_children[index]->m_id == id)
+        return;
+    const auto found = std::ranges::find(m_children, id, [](auto& child) { return child->m_id; });
+    std::unique_ptr<AccessibleNode> child;
+    if (found == m_children.end()) {
+        child = std::make_unique<AccessibleNode>(*this, id);
+    } else { // there is no word for a child that moves
+        const auto before = static_cast<std::size_t>(found - m_children.begin());
+        child = take(before);
+        emitChildren("children-changed::remove", before, *child);
+    }
+    auto& placed = *child;
+    m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(index), std::move(child));
+    emitChildren("children-changed::add", index, placed);
+}
+
+std::unique_ptr<AccessibleNode> AccessibleNode::take(std::size_t index)
+{
+    auto child = std::move(m_children[index]);
+    m_children.erase(m_children.begin() + static_cast<std::ptrdiff_t>(index));
+    return child;
+}
+
+void AccessibleNode::emitChildren(
+    const char* signal, std::size_t index, const AccessibleNode& child)
+{
+    g_signal_emit_by_name(m_object, signal, static_cast<guint>(index), child.m_object);
+}
+
+}

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
+#include "Hosts/Linux/Accessible/AtkLibrary.h"
+#include "Quorvel/Platform/AccessibleTree.h"
+#include "Quorvel/Platform/Geometry.h"
+
+namespace quorvel::xdg {
+
+/// Something that assistive programs know of: the application, below it its surfaces, below those
+/// their elements. It keeps no element: each question looks it up anew, by the path of identifiers,
+/// and one that has gone answers as defunct does.
+///
+/// A node and its AtkObject are made when its parent is asked for its children, and the node lives
+/// until its parent finds it gone. Others may hold the object for longer.
+class AccessibleNode {
+public:
+    /// What of a node is told when it changes.
+    struct Description {
+        std::string name;
+        std::string text;
+        std::uint64_t states = 0; ///< a bit for each AtkStateType
+
+        bool has(AtkStateType state) const { return states >> state & 1; }
+        friend bool operator==(const Description&, const Description&) = default;
+    };
+
+    /// The application.
+    AccessibleNode(const AtkLibrary&, const AccessibleSurfaces&);
+    AccessibleNode(AccessibleNode& parent, std::string id);
+    ~AccessibleNode();
+    AccessibleNode(const AccessibleNode&) = delete;
+    AccessibleNode& operator=(const AccessibleNode&) = delete;
+
+    AtkObject* object() const { return m_object; }
+    AccessibleNode* parent() const { return m_parent; }
+    const std::vector<std::unique_ptr<AccessibleNode>>& children();
+    int indexInParent() const;
+
+    AtkRole role() const;
+    Description describe() const;
+    /// These stay valid as long as the answer is the same: the bridge holds one while it asks on.
+    const char* name() { return keep(m_name, describe().name); }
+    const char* text() { return keep(m_text, describe().text); }
+    /// By its place; null if there is none.
+    const char* actionName(std::size_t index);
+    std::size_t actionCount() const;
+    bool performAction(std::size_t index);
+    /// Pixels of the X screen; absent if it is gone.
+    std::optional<Rect> frame() const;
+    std::optional<Rect> surfaceFrame() const;
+
+    /// Tells of everything that differs from what was told before, here and below.
+    void announceChanges();
+
+private:
+    static const char* keep(std::string& kept, std::string answer);
+    bool isApplication() const { return !m_parent; }
+    bool isSurface() const { return m_parent && m_parent->isApplication(); }
+    const AccessibleSurfaces::Entry* surface() const;
+    AccessibleElement* element() const;
+    std::vector<std::string> childIDs() const;
+    std::uint64_t statesOf(const AccessibleState&) const;
+    bool isShowing(const Rect& place) const;
+
+    void announceChildren();
+    void removeVanished(const std::vector<std::string>& ids);
+    void placeAt(std::size_t index, const std::string& id);
+    std::unique_ptr<AccessibleNode> take(std::size_t index);
+    void emitChildren(const char* signal, std::size_t index, const AccessibleNode& child);
+    void announceDescription();
+
+    const AtkLibrary& m_atk;
+    const AccessibleSurfaces& m_surfaces;
+    AccessibleNode* const m_parent;
+    const std::string m_id;
+    std::vector<std::unique_ptr<AccessibleNode>> m_children;
+    bool m_hasChildren = false; ///< somebody has asked for them
+    bool m_isAnnouncing = false;
+    Description m_told;
+    std::string m_name;
+    std::string m_text;
+    std::vector<std::string> m_actionNames;
+    AtkObject* const m_object;
+};
+
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Hosts/Linux/Accessible/AtkLibrary.h"
+
+namespace quorvel::xdg {
+
+class AccessibleNode;
+
+enum class AccessibleKind { application, surface, element };
+
+/// The AtkObject that hands every question to a node; the caller owns a reference. Once detached it
+/// says that it is defunct.
+AtkObject* makeAccessibleObject(const AtkLibrary&, AccessibleKind, AccessibleNode&);
+void detachAccessibleObject(AtkObject*);
+
+}

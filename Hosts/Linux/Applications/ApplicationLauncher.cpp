@@ -1,0 +1,112 @@
+#include "Hosts/Linux/Applications/ApplicationLauncher.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include <fmt/format.h>
+#include <gio/gdesktopappinfo.h>
+#include <unistd.h>
+
+#include "Hosts/Linux/Applications/DesktopEntryFile.h"
+
+namespace quorvel::xdg {
+
+namespace {
+
+template <typename Type> using Owned = std::unique_ptr<Type, UnrefObject>;
+using DesktopFile = Owned<GDesktopAppInfo>;
+
+DesktopFile read(const std::string& path)
+{
+    return DesktopFile{g_desktop_app_info_new_from_filename(path.c_str())};
+}
+
+void tellFailure(const std::string& what, GError* error)
+{
+    std::fprintf(stderr, "quorvel: cannot start %s: %s\n", what.c_str(),
+        error ? error->message : "the desktop file names no program");
+    g_clear_error(&error);
+}
+
+}
+
+LaunchContext ApplicationLauncher::makeContext(std::uint32_t time)
+{
+    LaunchContext context{g_app_launch_context_new()};
+    auto id = nextStartupID(time);
+    // Both names of the same: the older of X11, the newer that toolkits read first.
+    g_app_launch_context_setenv(context.get(), "DESKTOP_STARTUP_ID", id.c_str());
+    g_app_launch_context_setenv(context.get(), "XDG_ACTIVATION_TOKEN", id.c_str());
+    return context;
+}
+
+void ApplicationLauncher::launch(
+    const std::string& desktopFilePath, std::uint32_t time, const std::vector<std::string>& files)
+{
+    auto application = read(desktopFilePath);
+    if (!application)
+        return tellFailure(desktopFilePath, nullptr);
+    GList* list = nullptr;
+    for (auto& file : files)
+        list = g_list_append(list, g_file_new_for_path(file.c_str()));
+    GError* error = nullptr;
+    if (!g_app_info_launch(G_APP_INFO(application.get()), list, makeContext(time).get(), &error))
+        tellFailure(desktopFilePath, error);
+    g_list_free_full(list, g_object_unref);
+}
+
+bool ApplicationLauncher::opensManyWindows(const std::string& desktopFilePath)
+{
+    auto application = read(desktopFilePath);
+    return application && !g_desktop_app_info_get_boolean(application.get(), "SingleMainWindow");
+}
+
+std::vector<ApplicationAction> ApplicationLauncher::actions(const std::string& desktopFilePath)
+{
+    std::vector<ApplicationAction> actions;
+    auto application = read(desktopFilePath);
+    if (!application)
+        return actions;
+    for (auto* action = g_desktop_app_info_list_actions(application.get()); *action; ++action) {
+        std::unique_ptr<char, decltype(&g_free)> title{
+            g_desktop_app_info_get_action_name(application.get(), *action), &g_free};
+        // A menu would take a nameless entry for a separator.
+        if (title && *title)
+            actions.push_back({*action, validUtf8(title.get())});
+    }
+    return actions;
+}
+
+void ApplicationLauncher::perform(
+    const std::string& desktopFilePath, const std::string& action, std::uint32_t time)
+{
+    // The file may be another one since the menu was made.
+    auto offered = actions(desktopFilePath);
+    auto isOffered = [&](auto& candidate) { return candidate.identifier == action; };
+    auto application = read(desktopFilePath);
+    if (!application || std::none_of(offered.begin(), offered.end(), isOffered))
+        return tellFailure(desktopFilePath, nullptr);
+    g_desktop_app_info_launch_action(application.get(), action.c_str(), makeContext(time).get());
+}
+
+void ApplicationLauncher::openFile(const std::string& path)
+{
+    Owned<GFile> file{g_file_new_for_path(path.c_str())};
+    std::unique_ptr<char, decltype(&g_free)> uri{g_file_get_uri(file.get()), &g_free};
+    g_app_info_launch_default_for_uri_async(
+        uri.get(), nullptr, nullptr,
+        [](GObject*, GAsyncResult* result, void*) {
+            GError* error = nullptr;
+            if (!g_app_info_launch_default_for_uri_finish(result, &error))
+                tellFailure("a file", error);
+        },
+        nullptr);
+}
+
+/// Unique in the session; the time comes last, where window managers look for it.
+std::string ApplicationLauncher::nextStartupID(std::uint32_t time)
+{
+    return fmt::format("quorvel-{}-{}_TIME{}", getpid(), ++m_launches, time);
+}
+
+}

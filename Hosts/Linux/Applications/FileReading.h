@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace quorvel::xdg {
+
+/// The bytes of a regular file of at most `limit` bytes, else absent. A pipe or device that
+/// somebody names as a file does not block.
+std::optional<std::string> readFile(const std::string& path, std::size_t limit);
+
+/// The first bytes of a regular file, fewer where it is shorter.
+std::optional<std::string> readStart(const std::string& path, std::size_t count);
+
+}

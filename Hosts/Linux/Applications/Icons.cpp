@@ -1,0 +1,99 @@
+#include "Hosts/Linux/Applications/Icons.h"
+
+#include <algorithm>
+
+#include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/DrawnIcon.h"
+#include "Hosts/Linux/Applications/IconFile.h"
+#include "Hosts/Linux/Applications/IconTheme.h"
+#include "Hosts/Linux/Applications/PixelIcon.h"
+
+namespace quorvel::xdg {
+namespace {
+
+constexpr const char* kGenericName = "application-x-executable";
+
+/// Files of one picture in several sizes.
+class FileIcon final : public RenderedIcon {
+public:
+    explicit FileIcon(std::vector<IconCandidate> files) : m_files(std::move(files)) { }
+
+protected:
+    SurfacePointer draw(int pixels) const override
+    {
+        for (const auto& file : sortedForSize(m_files, pixels)) {
+            if (auto surface = drawIconFile(file.path, pixels))
+                return surface;
+        }
+        return nullptr;
+    }
+
+private:
+    std::vector<IconCandidate> m_files;
+};
+
+}
+
+Icons::Icons(DesktopEntries& entries)
+    : m_entries(entries)
+    , m_entriesChanged(entries.changed.subscribe([this] { forget(); }))
+{
+}
+
+Icons::~Icons() = default;
+
+Image Icons::forEntry(std::string_view desktopFilePath)
+{
+    const auto icon = m_entries.icon(desktopFilePath);
+    return icon ? named(*icon) : Image{};
+}
+
+Image Icons::fromPixels(std::vector<IconPixels> sizes)
+{
+    return PixelIcon::from(sizes);
+}
+
+Image Icons::generic()
+{
+    if (!m_generic)
+        m_generic = named(kGenericName);
+    if (!m_generic)
+        m_generic = std::make_shared<DrawnIcon>();
+    return m_generic;
+}
+
+Image Icons::named(const std::string& nameOrPath)
+{
+    auto& known = m_images[nameOrPath];
+    if (auto image = known.lock())
+        return image;
+    auto image = makeNamed(nameOrPath);
+    if (image)
+        known = image;
+    else
+        m_images.erase(nameOrPath);
+    return image;
+}
+
+Image Icons::makeNamed(const std::string& nameOrPath)
+{
+    std::vector<IconCandidate> files;
+    if (!nameOrPath.starts_with('/')) {
+        if (!m_theme)
+            m_theme = std::make_unique<IconTheme>();
+        files = m_theme->find(nameOrPath);
+    } else if (isIconFile(nameOrPath)) {
+        files.push_back({nameOrPath});
+    }
+    return files.empty() ? Image{} : std::make_shared<FileIcon>(std::move(files));
+}
+
+/// New applications bring their icons: what was missing may be there now.
+void Icons::forget()
+{
+    m_theme.reset();
+    m_images.clear();
+    m_generic.reset();
+}
+
+}

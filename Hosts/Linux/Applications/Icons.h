@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Quorvel/Platform/Image.h"
+#include "Quorvel/Platform/Published.h"
+
+namespace quorvel::xdg {
+
+class DesktopEntries;
+class IconTheme;
+
+/// One size of a picture as `_NET_WM_ICON` carries it: rows from the top, straight alpha.
+struct IconPixels {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> argb;
+};
+
+/// Pictures of applications, as images that this host's canvas draws (`IconImage`). Files are
+/// looked for when a name is asked, and read when a picture is first drawn. Main thread.
+class Icons {
+public:
+    explicit Icons(DesktopEntries&);
+    ~Icons();
+    Icons(const Icons&) = delete;
+    Icons& operator=(const Icons&) = delete;
+
+    /// The icon that the desktop file names; empty when it names none or none is found.
+    Image forEntry(std::string_view desktopFilePath);
+    /// What a window gave; empty when no size of it is usable.
+    Image fromPixels(std::vector<IconPixels>);
+    /// The theme's picture of a program, else our own; never empty.
+    Image generic();
+
+private:
+    Image named(const std::string& nameOrPath);
+    Image makeNamed(const std::string& nameOrPath);
+    void forget();
+
+    DesktopEntries& m_entries;
+    std::unique_ptr<IconTheme> m_theme;
+    std::map<std::string, std::weak_ptr<const PlatformImage>> m_images; ///< by name or path
+    Image m_generic;
+    Subscription m_entriesChanged;
+};
+
+}

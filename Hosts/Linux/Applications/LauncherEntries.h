@@ -1,0 +1,62 @@
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Hosts/Linux/Applications/LauncherUpdate.h"
+#include "Quorvel/Platform/LaunchServices.h"
+
+namespace quorvel::xdg {
+
+/// What applications want shown at their launchers, as each sender on the bus has it. A sender may
+/// speak for several applications and several may speak for one: then the one that spoke last
+/// counts. Any thread.
+class LauncherEntries {
+public:
+    static constexpr std::size_t kMostEntries = 512;
+    static constexpr std::size_t kMostEntriesOfSender = 32;
+    /// A larger count is shown as more than this.
+    static constexpr std::int64_t kLargestCount = 9999;
+
+    /// Gives the bundle identifier that belongs to a desktop file's id.
+    using Matcher = std::function<std::string(const std::string& desktopID)>;
+
+    enum class Outcome { refused, unchanged, changed };
+
+    Outcome update(const std::string& sender, const LauncherUpdate&, const Matcher&);
+    /// The sender has left. These two tell whether anything is gone.
+    bool forget(const std::string& sender);
+    bool forgetAll();
+    /// Other applications may be installed now.
+    void rematch(const Matcher&);
+    /// The application's request for attention has been met. It has to take it back before it can
+    /// ask again.
+    void withdrawRequest(const std::string& bundleIdentifier);
+
+    /// In the order of speaking.
+    std::vector<ApplicationStatus> statuses() const;
+    /// The bundle identifiers of those that ask for attention.
+    std::set<std::string> asking() const;
+
+private:
+    struct Entry {
+        std::string sender;
+        std::string bundleIdentifier;
+        LauncherUpdate said;
+        bool isRequestMet = false;
+
+        bool apply(const LauncherUpdate&);
+        ApplicationStatus status() const;
+        bool asks() const { return said.isUrgent.value_or(false) && !isRequestMet; }
+    };
+
+    Entry* entryFor(const std::string& sender, const LauncherUpdate&, const Matcher&);
+
+    mutable std::mutex m_mutex;
+    std::vector<Entry> m_entries; ///< who spoke last comes last
+};
+
+}

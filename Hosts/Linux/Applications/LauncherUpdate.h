@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include <glib.h>
+
+namespace quorvel::xdg {
+
+/// What an application says that launchers should show of it. What it does not say, or says in a
+/// way that makes no sense, is absent.
+struct LauncherUpdate {
+    static constexpr std::size_t kLongestID = 256;
+    static constexpr std::size_t kMostProperties = 64;
+
+    std::string desktopID; ///< without ".desktop"
+    std::optional<std::int64_t> count = {};
+    std::optional<bool> isCountVisible = {};
+    std::optional<double> progress = {}; ///< finite
+    std::optional<bool> isProgressVisible = {};
+    std::optional<bool> isUrgent = {};
+
+    friend bool operator==(const LauncherUpdate&, const LauncherUpdate&) = default;
+};
+
+/// Absent if the signal is of another kind, or names no application.
+std::optional<LauncherUpdate> decodeLauncherUpdate(GVariant* parameters);
+
+/// The desktop file's id in a launcher's address, such as "application://org.example.Mail.desktop".
+/// Applications also write a path there.
+std::optional<std::string> desktopIDOf(std::string_view address);
+
+}

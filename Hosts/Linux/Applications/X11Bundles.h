@@ -1,0 +1,21 @@
+#pragma once
+
+#include "Quorvel/Platform/Bundles.h"
+
+namespace quorvel::xdg {
+
+class DesktopEntries;
+
+/// Desktop files under the names of bundles. Main thread.
+class X11Bundles final : public Bundles {
+public:
+    explicit X11Bundles(const DesktopEntries& entries) : m_entries(entries) { }
+
+    std::optional<std::string> infoString(
+        const ApplicationURL&, std::string_view key) const override;
+
+private:
+    const DesktopEntries& m_entries;
+};
+
+}

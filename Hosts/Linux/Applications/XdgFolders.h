@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quorvel::xdg {
+
+/// The user's data folder and then the system's, as the environment names them now; each once.
+std::vector<std::string> dataFolders();
+/// The same subfolder of each.
+std::vector<std::string> dataFolders(std::string_view subfolder);
+std::string configurationFolder();
+std::string homeFolder();
+
+}

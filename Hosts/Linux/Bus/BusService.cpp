@@ -1,0 +1,86 @@
+#include "Hosts/Linux/Bus/BusService.h"
+
+#include <memory>
+#include <utility>
+
+namespace quorvel::xdg {
+
+namespace {
+
+using Answered = std::function<void(GVariant*)>;
+
+void onReply(GObject* bus, GAsyncResult* result, gpointer data)
+{
+    const std::unique_ptr<Answered> answered{static_cast<Answered*>(data)};
+    GError* error = nullptr;
+    auto* reply = g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error);
+    if (wasCancelled(error))
+        return;
+    (*answered)(reply);
+    if (reply)
+        g_variant_unref(reply);
+}
+
+}
+
+bool wasCancelled(GError* error)
+{
+    const bool isCancelled = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
+    g_clear_error(&error);
+    return isCancelled;
+}
+
+BusService::BusService(const Names& names, Listener listener, GBusNameWatcherFlags watching)
+    : m_names(names)
+    , m_listener(std::move(listener))
+    , m_watching(watching)
+    , m_cancellable(g_cancellable_new())
+    , m_bus([this](GDBusConnection* bus) { watch(bus); })
+{
+}
+
+BusService::~BusService()
+{
+    g_cancellable_cancel(m_cancellable);
+    g_object_unref(m_cancellable);
+    if (m_name)
+        g_bus_unwatch_name(m_name);
+    if (m_signal)
+        g_dbus_connection_signal_unsubscribe(m_bus.connection(), m_signal);
+}
+
+void BusService::watch(GDBusConnection* bus)
+{
+    m_signal = g_dbus_connection_signal_subscribe(bus, m_names.service, m_names.signalInterface,
+        m_names.signal, m_names.path, m_names.firstArgument, G_DBUS_SIGNAL_FLAGS_NONE,
+        &BusService::onSignal, this, nullptr);
+    m_name = g_bus_watch_name_on_connection(bus, m_names.service, m_watching,
+        &BusService::onAppeared, &BusService::onVanished, this, nullptr);
+}
+
+void BusService::call(const char* interface, const char* method, GVariant* arguments,
+    const char* type, std::function<void(GVariant*)> answered)
+{
+    g_dbus_connection_call(m_bus.connection(), m_names.service, m_names.path, interface, method,
+        arguments, G_VARIANT_TYPE(type), G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, m_cancellable,
+        &onReply, new Answered{std::move(answered)});
+}
+
+void BusService::onAppeared(GDBusConnection*, const char*, const char*, gpointer self)
+{
+    static_cast<BusService*>(self)->m_listener.appeared();
+}
+
+void BusService::onVanished(GDBusConnection*, const char*, gpointer self)
+{
+    if (auto& vanished = static_cast<BusService*>(self)->m_listener.vanished)
+        vanished();
+}
+
+void BusService::onSignal(GDBusConnection*, const char*, const char*, const char*, const char*,
+    GVariant* parameters, gpointer self)
+{
+    static_cast<BusService*>(self)->m_listener.signalled(parameters);
+}
+
+}

@@ -1,0 +1,67 @@
+#include "Hosts/Linux/Bus/SleepWatch.h"
+
+#include <utility>
+
+#include <gio/gio.h>
+
+namespace quorvel::xdg {
+
+struct SleepWatch::Bus {
+    std::function<void()> onWake;
+    GCancellable* cancellable = g_cancellable_new();
+    GDBusConnection* connection = nullptr;
+    guint subscription = 0;
+
+    ~Bus()
+    {
+        g_cancellable_cancel(cancellable);
+        g_object_unref(cancellable);
+        if (!connection)
+            return;
+        g_dbus_connection_signal_unsubscribe(connection, subscription);
+        g_object_unref(connection);
+    }
+
+    static void connected(GObject*, GAsyncResult* result, gpointer data)
+    {
+        GError* error = nullptr;
+        auto* connection = g_bus_get_finish(result, &error);
+        if (!connection) {
+            // Cancelled means that the watch is gone: nothing of it may be touched.
+            g_error_free(error);
+            return;
+        }
+        static_cast<Bus*>(data)->listen(connection);
+    }
+
+    void listen(GDBusConnection* bus)
+    {
+        connection = bus;
+        // A lost system bus is no reason to leave.
+        g_dbus_connection_set_exit_on_close(bus, FALSE);
+        subscription = g_dbus_connection_signal_subscribe(bus, "org.freedesktop.login1",
+            "org.freedesktop.login1.Manager", "PrepareForSleep", "/org/freedesktop/login1", nullptr,
+            G_DBUS_SIGNAL_FLAGS_NONE, &Bus::prepareForSleep, this, nullptr);
+    }
+
+    static void prepareForSleep(GDBusConnection*, const gchar*, const gchar*, const gchar*,
+        const gchar*, GVariant* parameters, gpointer data)
+    {
+        if (!g_variant_is_of_type(parameters, G_VARIANT_TYPE("(b)")))
+            return;
+        gboolean isGoingToSleep = FALSE;
+        g_variant_get(parameters, "(b)", &isGoingToSleep);
+        if (!isGoingToSleep)
+            static_cast<Bus*>(data)->onWake();
+    }
+};
+
+SleepWatch::SleepWatch(std::function<void()> onWake) : m_bus(std::make_unique<Bus>())
+{
+    m_bus->onWake = std::move(onWake);
+    g_bus_get(G_BUS_TYPE_SYSTEM, m_bus->cancellable, &Bus::connected, m_bus.get());
+}
+
+SleepWatch::~SleepWatch() = default;
+
+}

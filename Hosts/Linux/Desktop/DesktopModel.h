@@ -1,0 +1,120 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "Quorvel/Platform/Geometry.h"
+#include "Quorvel/Platform/Identifiers.h"
+#include "Quorvel/Platform/Workspace.h"
+
+namespace quorvel::xdg {
+
+/// A managed client in the model's words.
+struct WindowRecord {
+    WindowID id{};
+    std::uint32_t native = 0; ///< the display server's own number
+    ProcessID owner{};
+    std::string title;
+    bool isStandard = false; ///< else its role is unknown
+    bool isModal = false;
+    bool isMinimized = false;
+    bool isDesktopElement = false;
+    bool isFullScreen = false;
+    bool canResize = true;
+    bool asksForAttention = false;
+    std::int32_t layer = 0;
+    double alpha = 1;
+    Rect frame; ///< points, global top-left origin
+    std::optional<SpaceID> space; ///< absent: on every space
+
+    bool isOn(SpaceID other) const { return !space || *space == other; }
+    friend bool operator==(const WindowRecord&, const WindowRecord&) = default;
+};
+
+/// A pair of process and application.
+struct ApplicationRecord {
+    ProcessID pid{};
+    std::string bundleIdentifier;
+    std::string name;
+    bool isRegular = false;
+    std::optional<WindowID> focusedWindow;
+
+    RunningApplication running(bool isTerminated = false) const
+    {
+        auto policy = isRegular ? ActivationPolicy::regular : ActivationPolicy::accessory;
+        return {pid, bundleIdentifier, name, policy, isTerminated};
+    }
+    friend bool operator==(const ApplicationRecord&, const ApplicationRecord&) = default;
+};
+
+/// What the services answer from.
+struct DesktopModel {
+    std::map<WindowID, WindowRecord> windows;
+    std::map<ProcessID, ApplicationRecord> applications;
+    std::vector<WindowID> frontToBack; ///< may name windows that are not there, and miss some
+    std::vector<std::string> spaceNames; ///< one per space, in order; empty: no manager yet
+    SpaceID activeSpace{};
+    std::optional<ProcessID> frontmost;
+    /// Where a window was sent during this turn; replaces its space until the manager has answered.
+    std::map<WindowID, std::vector<SpaceID>> wantedSpaces;
+
+    std::vector<SpaceID> spaces() const
+    {
+        std::vector<SpaceID> all;
+        for (std::size_t i = 1; i <= spaceNames.size(); ++i)
+            all.push_back(SpaceID{i});
+        return all;
+    }
+    const WindowRecord* window(WindowID id) const
+    {
+        auto found = windows.find(id);
+        return found == windows.end() ? nullptr : &found->second;
+    }
+    const ApplicationRecord* application(ProcessID pid) const
+    {
+        auto found = applications.find(pid);
+        return found == applications.end() ? nullptr : &found->second;
+    }
+    std::vector<SpaceID> spacesOf(const WindowRecord& window) const
+    {
+        if (auto wanted = wantedSpaces.find(window.id); wanted != wantedSpaces.end())
+            return wanted->second;
+        return window.space ? std::vector{*window.space} : spaces();
+    }
+};
+
+/// The one model behind its one lock. The main thread writes; any thread reads. The functions given
+/// must not call the platform.
+class SharedModel {
+public:
+    template <typename Function> auto read(Function&& function) const
+    {
+        std::scoped_lock lock{m_mutex};
+        return function(std::as_const(m_model));
+    }
+    template <typename Function> auto write(Function&& function)
+    {
+        std::scoped_lock lock{m_mutex};
+        return function(m_model);
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    DesktopModel m_model;
+};
+
+/// Something that observers may have registered for.
+struct DesktopNotification {
+    ProcessID owner{}; ///< whose observers hear it
+    std::optional<WindowID> registeredOn; ///< absent: on the application
+    WindowID window{}; ///< the element that comes with it
+    std::string_view name;
+};
+
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Hosts/Linux/Desktop/DesktopModel.h"
+#include "Quorvel/Platform/Accessibility.h"
+
+namespace quorvel::xdg {
+
+/// Who has registered for what. Observers live on their own threads; the main thread delivers.
+class ObserverRegistry {
+public:
+    explicit ObserverRegistry(const SharedModel& model) : m_model(model) { }
+
+    std::unique_ptr<AXObserver> makeObserver(ProcessID, RunLoopThread&, Accessibility::Callback);
+    /// Hands each observer what it has registered for, in order, on its thread.
+    void deliver(const std::vector<DesktopNotification>&);
+
+private:
+    class Observer;
+    using Registration = std::pair<std::uint64_t, std::string>; ///< token and notification
+    using Batch = std::vector<std::pair<AXElement, std::string_view>>;
+
+    /// Shared with the work on the way to the thread, which checks whether it has ended: it ends on
+    /// that thread, so nothing follows.
+    struct State {
+        ProcessID pid;
+        RunLoopThread& thread;
+        Accessibility::Callback callback;
+        std::set<Registration> registrations; ///< under the registry's lock
+        bool hasEnded = false; ///< on the observer's thread
+    };
+
+    AXError add(State&, const AXElement&, std::string_view notification);
+    AXError remove(State&, const AXElement&, std::string_view notification);
+    void end(const std::shared_ptr<State>&);
+    static Batch take(State&, const std::vector<DesktopNotification>&);
+    static void run(const std::shared_ptr<State>&, const Batch&);
+
+    const SharedModel& m_model;
+    std::mutex m_mutex;
+    std::multimap<ProcessID, std::shared_ptr<State>> m_observers;
+};
+
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+namespace quorvel::xdg {
+
+/// Tells once when a process has ended, without polling. Main thread.
+class ProcessEnd {
+public:
+    enum class Watch { running, ended, unavailable };
+
+    ~ProcessEnd();
+    ProcessEnd(const ProcessEnd&) = delete;
+    ProcessEnd& operator=(const ProcessEnd&) = delete;
+
+    /// Null with the reason in `watch` where there is nothing to wait for.
+    static std::unique_ptr<ProcessEnd> of(
+        std::uint32_t pid, Watch& watch, std::function<void()> onEnd);
+
+private:
+    ProcessEnd(int descriptor, std::function<void()> onEnd);
+
+    int m_descriptor;
+    unsigned m_source = 0;
+    std::function<void()> m_onEnd;
+};
+
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <vector>
+
+#include "Hosts/Linux/Drawing/CairoHandles.h"
+#include "Quorvel/Platform/Canvas.h"
+
+namespace quorvel::xdg {
+
+class TextShaper;
+struct IconImage;
+
+/// Draws into a cairo surface of device pixels. Edges of rectangles lie on whole pixels at any
+/// scale, so that lines and gaps are equally sharp everywhere.
+class CairoCanvas final : public Canvas {
+public:
+    CairoCanvas(cairo_surface_t*, double scale, TextShaper&, bool isRightToLeft = false);
+    ~CairoCanvas() override;
+
+    double scale() const override { return m_scale; }
+
+    void save() override;
+    void restore() override;
+    void translate(double dx, double dy) override;
+    void magnify(double factor, Point about) override;
+    void clip(const Rect&) override;
+    void clipRounded(const Rect&, double radius) override;
+    void beginOpacity(double opacity) override;
+    void endOpacity() override;
+
+    void fill(const Rect&, const Color&) override;
+    void fillRounded(const Rect&, double radius, const Color&) override;
+    void strokeRounded(const Rect&, double radius, double width, const Color&) override;
+    void fillPolygon(const std::vector<Point>&, const Color&) override;
+    void fillGradient(const Rect&, GradientDirection, const std::vector<GradientStop>&) override;
+    void drawImage(const Image&, const Rect&) override;
+    void drawText(std::string_view utf8, const Rect&, const TextStyle&) override;
+    void drawSymbol(Symbol, const Rect&, const Color&) override;
+
+    /// Makes the part of the surface transparent and confines what follows to it.
+    void beginDamage(const Rect& points);
+    void endDamage();
+
+private:
+    /// How the points of what is drawn now lie on the surface.
+    struct Transform {
+        Point origin; ///< in points of the surface
+        double factor = 1;
+    };
+
+    bool isMagnified() const { return m_transform.factor != 1; }
+    double pixelsPerPoint() const { return m_scale * m_transform.factor; }
+    Point toPixels(Point) const;
+    Rect toPixels(const Rect& points) const;
+    /// The same on whole pixels; what has a size keeps at least one. What is magnified is on its
+    /// way from one size to another and would stagger, so it stays where it is.
+    Rect toWholePixels(const Rect& points) const;
+    /// Draws in device pixels of the usual size, from the rectangle's corner as the origin.
+    template <typename Draw> void drawMagnified(const Rect& points, Draw draw);
+    void drawIcon(const IconImage&, const Rect& pixels);
+    void drawLine(std::string_view utf8, const Rect& pixels, const TextStyle&);
+    void setColor(const Color&);
+
+    const double m_scale;
+    TextShaper& m_shaper;
+    const bool m_isRightToLeft;
+    Cairo m_cairo; ///< in device pixels; how points lie on them is kept here
+    Transform m_transform;
+    std::vector<Transform> m_saved;
+    std::vector<double> m_opacities;
+};
+
+}

@@ -1,0 +1,125 @@
+#include "Hosts/Linux/Drawing/SymbolPaths.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace quorvel::xdg {
+
+namespace {
+
+struct GridStyle {
+    static constexpr int dots = 3;
+    static constexpr double gap = 0.55; ///< between two dots, in parts of a dot
+    static constexpr double rounding = 0.3;
+};
+
+/// Three by three rounded squares on whole pixels, all of one size.
+void addGrid(cairo_t* cairo, const Rect& box)
+{
+    double side = std::min(box.width, box.height);
+    double dot = std::max(1.0, std::floor(side / (GridStyle::dots + 2 * GridStyle::gap)));
+    double gap = std::max(1.0, std::floor((side - GridStyle::dots * dot) / 2));
+    double whole = GridStyle::dots * dot + 2 * gap;
+    double left = std::round(box.centre().x - whole / 2);
+    double top = std::round(box.centre().y - whole / 2);
+    for (int row = 0; row < GridStyle::dots; ++row) {
+        for (int column = 0; column < GridStyle::dots; ++column) {
+            Rect square{left + column * (dot + gap), top + row * (dot + gap), dot, dot};
+            addRoundedPath(cairo, square, dot * GridStyle::rounding);
+        }
+    }
+}
+
+struct LineStyle {
+    static constexpr double width = 0.11; ///< in parts of the side
+    static constexpr double thinnest = 1.25; ///< pixels; a thinner one would look grey
+    static constexpr double reach = 0.3; ///< from the centre to the end of a line
+};
+
+/// A line through these corners, which are given from the centre in parts of the reach. They lie on
+/// whole pixels from a common centre, so that what mirrors itself does so on the screen.
+void strokeLine(cairo_t* cairo, const Rect& box, std::initializer_list<Point> corners)
+{
+    double side = std::min(box.width, box.height);
+    double reach = std::max(1.0, std::round(side * LineStyle::reach));
+    double centreX = std::round(box.centre().x * 2) / 2;
+    double centreY = std::round(box.centre().y * 2) / 2;
+    for (auto& corner : corners)
+        cairo_line_to(cairo, centreX + corner.x * reach, centreY + corner.y * reach);
+    cairo_set_line_width(cairo, std::max(LineStyle::thinnest, side * LineStyle::width));
+    cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
+    cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
+    cairo_stroke(cairo);
+}
+
+struct DesktopStyle {
+    static constexpr double width = 0.82; ///< in parts of the side
+    static constexpr double height = 0.66;
+    static constexpr double line = 0.08;
+    static constexpr double bar = 0.2; ///< the strip at the bottom of the screen
+    static constexpr double rounding = 0.1;
+};
+
+/// The outline of a screen with a bar at its bottom, on whole pixels.
+void paintDesktop(cairo_t* cairo, const Rect& box)
+{
+    double side = std::min(box.width, box.height);
+    double line = std::max(1.0, std::round(side * DesktopStyle::line));
+    double width = std::max(3 * line, std::round(side * DesktopStyle::width));
+    double height = std::max(4 * line, std::round(side * DesktopStyle::height));
+    Rect outer{std::round(box.centre().x - width / 2), std::round(box.centre().y - height / 2),
+        width, height};
+    Rect inner = outer.inset(line, line);
+    inner.height -= std::max(0.0, std::round(side * DesktopStyle::bar) - line);
+    double radius = side * DesktopStyle::rounding;
+    cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
+    addRoundedPath(cairo, outer, radius);
+    addRoundedPath(cairo, inner, radius - line);
+    cairo_fill(cairo);
+    cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_WINDING);
+}
+
+}
+
+void paintSymbol(cairo_t* cairo, Symbol symbol, const Rect& pixels)
+{
+    switch (symbol) {
+    case Symbol::menuGrid:
+        addGrid(cairo, pixels);
+        return cairo_fill(cairo);
+    case Symbol::close:
+        strokeLine(cairo, pixels, {{-1, -1}, {1, 1}});
+        return strokeLine(cairo, pixels, {{1, -1}, {-1, 1}});
+    case Symbol::chevronLeft:
+        return strokeLine(cairo, pixels, {{0.5, -1}, {-0.5, 0}, {0.5, 1}});
+    case Symbol::chevronRight:
+        return strokeLine(cairo, pixels, {{-0.5, -1}, {0.5, 0}, {-0.5, 1}});
+    case Symbol::chevronUp:
+        return strokeLine(cairo, pixels, {{-1, 0.5}, {0, -0.5}, {1, 0.5}});
+    case Symbol::showDesktop:
+        return paintDesktop(cairo, pixels);
+    case Symbol::checkmark:
+        return strokeLine(cairo, pixels, {{-1, 0.1}, {-0.3, 0.8}, {1, -0.8}});
+    }
+}
+
+void addRoundedPath(cairo_t* cairo, const Rect& rect, double radius)
+{
+    if (rect.isEmpty())
+        return;
+    double r = std::min({radius, rect.width / 2, rect.height / 2});
+    if (r <= 0) {
+        cairo_rectangle(cairo, rect.x, rect.y, rect.width, rect.height);
+        return;
+    }
+    constexpr double quarter = std::numbers::pi / 2;
+    cairo_new_sub_path(cairo);
+    cairo_arc(cairo, rect.maxX() - r, rect.y + r, r, -quarter, 0);
+    cairo_arc(cairo, rect.maxX() - r, rect.maxY() - r, r, 0, quarter);
+    cairo_arc(cairo, rect.x + r, rect.maxY() - r, r, quarter, 2 * quarter);
+    cairo_arc(cairo, rect.x + r, rect.y + r, r, 2 * quarter, 3 * quarter);
+    cairo_close_path(cairo);
+}
+
+}

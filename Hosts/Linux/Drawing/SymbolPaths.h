@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cairo/cairo.h>
+
+#include "Quorvel/Platform/Canvas.h"
+
+namespace quorvel::xdg {
+
+/// Paints the symbol in the current colour, fitted into the rectangle of device pixels.
+void paintSymbol(cairo_t*, Symbol, const Rect& pixels);
+
+/// Adds a rectangle with round corners; the radius is cut to half the shorter side.
+void addRoundedPath(cairo_t*, const Rect&, double radius);
+
+}

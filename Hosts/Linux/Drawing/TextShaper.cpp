@@ -1,0 +1,111 @@
+#include "Hosts/Linux/Drawing/TextShaper.h"
+
+#include <cmath>
+
+#include <pango/pangocairo.h>
+
+#include "Hosts/Linux/Drawing/DisplayText.h"
+
+namespace quorvel::xdg {
+
+namespace {
+
+constexpr std::size_t kLongestMeasuredText = 1000;
+constexpr std::size_t kMostFonts = 24;
+/// Narrower than any letter is on average, in parts of the font's size.
+constexpr double kNarrowestLetter = 0.2;
+constexpr std::size_t kSpareLetters = 32;
+
+PangoWeight pangoWeight(FontWeight weight)
+{
+    switch (weight) {
+    case FontWeight::regular:
+        return PANGO_WEIGHT_NORMAL;
+    case FontWeight::medium:
+        return PANGO_WEIGHT_MEDIUM;
+    case FontWeight::semibold:
+        return PANGO_WEIGHT_SEMIBOLD;
+    }
+    return PANGO_WEIGHT_NORMAL;
+}
+
+/// As much of the text as can be seen: shaping a title of a megabyte would stop the bar.
+std::size_t longestVisibleText(double pixels, double maximumWidth)
+{
+    if (maximumWidth < 0)
+        return kLongestMeasuredText;
+    auto letters = std::min(maximumWidth / (kNarrowestLetter * std::max(pixels, 1.0)),
+        static_cast<double>(kLongestMeasuredText));
+    return kSpareLetters + static_cast<std::size_t>(letters);
+}
+
+}
+
+TextShaper::TextShaper()
+    : m_context(pango_font_map_create_context(pango_cairo_font_map_get_default()))
+    , m_layout(pango_layout_new(m_context.get()))
+{
+    pango_layout_set_single_paragraph_mode(m_layout.get(), true);
+    pango_layout_set_auto_dir(m_layout.get(), true);
+}
+
+const TextShaper::Font& TextShaper::font(double pixels, FontWeight weight)
+{
+    for (auto& font : m_fonts) {
+        if (font.pixels == pixels && font.weight == weight)
+            return font;
+    }
+    if (m_fonts.size() >= kMostFonts)
+        m_fonts.clear();
+    m_fonts.reserve(kMostFonts);
+    m_current = nullptr;
+
+    PangoFontHandle description{pango_font_description_from_string("Sans")};
+    pango_font_description_set_weight(description.get(), pangoWeight(weight));
+    pango_font_description_set_absolute_size(description.get(), pixels * PANGO_SCALE);
+    PangoMetricsHandle metrics{
+        pango_context_get_metrics(m_context.get(), description.get(), nullptr)};
+    LineMetrics line{
+        static_cast<double>(pango_font_metrics_get_ascent(metrics.get())) / PANGO_SCALE,
+        static_cast<double>(pango_font_metrics_get_descent(metrics.get())) / PANGO_SCALE};
+    return m_fonts.emplace_back(Font{pixels, weight, std::move(description), line});
+}
+
+LineMetrics TextShaper::metrics(double size, FontWeight weight, double scale)
+{
+    return font(size * scale, weight).metrics;
+}
+
+ShapedLine TextShaper::shape(
+    std::string_view text, const TextStyle& style, double scale, double maximumWidth)
+{
+    auto& chosen = font(style.size * scale, style.weight);
+    auto line = displayText(text, longestVisibleText(chosen.pixels, maximumWidth));
+    bool isElided = style.elide == Elide::tail && maximumWidth >= 0;
+
+    auto* layout = m_layout.get();
+    if (m_current != &chosen)
+        pango_layout_set_font_description(layout, chosen.description.get());
+    m_current = &chosen;
+    pango_layout_set_ellipsize(layout, isElided ? PANGO_ELLIPSIZE_END : PANGO_ELLIPSIZE_NONE);
+    // Rounded up with a little to spare, or a text in its own measured width loses its end.
+    pango_layout_set_width(
+        layout, isElided ? static_cast<int>(std::ceil(maximumWidth - 0.01)) * PANGO_SCALE : -1);
+    pango_layout_set_text(layout, line.data(), static_cast<int>(line.size()));
+
+    ShapedLine shaped;
+    shaped.line = pango_layout_get_line_readonly(layout, 0);
+    PangoRectangle logical{};
+    pango_layout_line_get_extents(shaped.line, nullptr, &logical);
+    shaped.width = static_cast<double>(logical.width) / PANGO_SCALE;
+    return shaped;
+}
+
+Size PangoText::measure(std::string_view utf8, const TextStyle& style) const
+{
+    auto line = m_shaper.shape(utf8, style, m_scale);
+    auto metrics = m_shaper.metrics(style.size, style.weight, m_scale);
+    return {std::ceil(line.width) / m_scale, std::ceil(metrics.height()) / m_scale};
+}
+
+}

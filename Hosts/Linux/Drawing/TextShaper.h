@@ -1,0 +1,64 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Hosts/Linux/Drawing/CairoHandles.h"
+#include "Quorvel/Platform/Canvas.h"
+
+namespace quorvel::xdg {
+
+/// Heights of a font in pixels: of the font itself, not of what a text has in it.
+struct LineMetrics {
+    double ascent = 0;
+    double descent = 0;
+
+    double height() const { return ascent + descent; }
+};
+
+/// One shaped line; lives until the next call of the shaper.
+struct ShapedLine {
+    PangoLayoutLine* line = nullptr;
+    double width = 0; ///< pixels
+};
+
+/// Shapes single lines with the interface font, through Pango. Main thread.
+class TextShaper {
+public:
+    TextShaper();
+
+    LineMetrics metrics(double size, FontWeight, double scale);
+    /// At most `maximumWidth` pixels wide when the style elides; without a limit when negative.
+    ShapedLine shape(
+        std::string_view text, const TextStyle&, double scale, double maximumWidth = -1);
+
+private:
+    /// A font at one size in pixels, made once.
+    struct Font {
+        double pixels;
+        FontWeight weight;
+        PangoFontHandle description;
+        LineMetrics metrics;
+    };
+    const Font& font(double pixels, FontWeight);
+
+    PangoContextHandle m_context;
+    PangoLayoutHandle m_layout;
+    std::vector<Font> m_fonts;
+    const Font* m_current = nullptr;
+};
+
+/// Measures for the views at the display's scale.
+class PangoText final : public Text {
+public:
+    PangoText(TextShaper& shaper, const double& scale) : m_shaper(shaper), m_scale(scale) { }
+
+    Size measure(std::string_view utf8, const TextStyle&) const override;
+
+private:
+    TextShaper& m_shaper;
+    const double& m_scale;
+};
+
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+
+#include "Quorvel/Platform/Dispatch.h"
+
+namespace quorvel::xdg {
+
+/// The work of one queue: what is ready, in order, and what becomes ready later. Whoever runs the
+/// queue either waits here or is told by the hook. All calls from any thread.
+class WorkSchedule : public std::enable_shared_from_this<WorkSchedule> {
+public:
+    /// Called under the lock when `nextDue` says another time than before.
+    using NextDueHook = std::function<void()>;
+
+    explicit WorkSchedule(NextDueHook hook = {});
+
+    static Instant now();
+
+    /// When the next work is due; `Instant::min()` means at once, absent means never.
+    std::optional<Instant> nextDue() const;
+
+    void post(Work);
+    WorkItem at(Instant due, Work);
+    /// From now on, each `interval`.
+    WorkItem every(Duration interval, Work);
+
+    /// Runs what is ready now and nothing that is added meanwhile. From one thread at a time.
+    void runTurn();
+    /// Waits until something is ready and runs it; false once stopped. From any number of threads.
+    bool waitAndRun();
+    /// Workers that wait in `waitAndRun` less the work that is ready for them.
+    int spareWorkers() const;
+
+    /// Drops all work and ends the waiting. Work that is running goes on.
+    void stop();
+
+private:
+    class Timed;
+    using DueKey = std::pair<Instant, std::uint64_t>; ///< equal times keep the order of asking
+
+    struct Ready {
+        Work work;
+        std::shared_ptr<Timed> timed; ///< its work is in there instead
+    };
+
+    WorkItem add(Instant due, std::optional<Duration> interval, Work);
+    void insert(const std::shared_ptr<Timed>&, Instant due);
+    void cancel(Timed&) noexcept;
+    void collectDue(Instant now);
+    bool takeReady(Ready&);
+    void run(Ready&, std::unique_lock<std::mutex>&);
+    void finish(const std::shared_ptr<Timed>&, Work&);
+    std::optional<Instant> nextDueLocked() const;
+    void nextDueMayHaveChanged();
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_condition;
+    NextDueHook m_hook;
+    std::deque<Ready> m_ready;
+    std::map<DueKey, std::shared_ptr<Timed>> m_later;
+    std::optional<Instant> m_toldDue;
+    std::uint64_t m_lastSerial = 0;
+    int m_waiting = 0;
+    bool m_isInTurn = false;
+    bool m_isStopped = false;
+};
+
+}
