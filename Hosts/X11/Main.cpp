@@ -6,8 +6,8 @@
 #include "Hosts/Linux/Accessible/AccessibleExport.h"
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Hosts/Linux/Applications/Icons.h"
-#include "Hosts/Linux/Applications/X11Bundles.h"
-#include "Hosts/Linux/Applications/X11LoginItem.h"
+#include "Hosts/Linux/Applications/DesktopBundles.h"
+#include "Hosts/Linux/Applications/AutostartItem.h"
 #include "Hosts/Linux/Applications/XdgFolders.h"
 #include "Hosts/Linux/Loop/FdSource.h"
 #include "Hosts/Linux/Loop/GLibDispatch.h"
@@ -52,9 +52,9 @@ int runBar(ControlChannel& control, Trace& trace)
     X11Surfaces surfaces{*connection, dispatch, monitors, environment, application.appearance()};
     AccessibleExport accessible{dispatch, surfaces.accessible(), environment};
     DesktopServices desktop{*connection, dispatch, monitors, environment, entries, icons};
-    X11Bundles bundles{entries};
+    DesktopBundles bundles{entries};
     posix::PosixFiles files{{configurationFolder(), /*keepsRejectedFiles=*/true}};
-    X11LoginItem loginItem{files, X11LoginItem::userFile(), X11LoginItem::runningProgram()};
+    AutostartItem loginItem{files, AutostartItem::userFile(), AutostartItem::runningProgram()};
     return QuorvelApp::main({
         .dispatch = dispatch,
         .accessibility = desktop.accessibility(),

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "Hosts/Linux/Desktop/X11LaunchServices.h"
+#include "Hosts/Linux/Desktop/DesktopLaunchServices.h"
 #include "Quorvel/Core/BadgeService.h"
 #include "Tests/Support/VirtualDispatch.h"
 
@@ -106,7 +106,7 @@ protected:
     static inline const LauncherEntries::Matcher asItIs = [](auto& id) { return id; };
     test::VirtualDispatch dispatch;
     SharedModel model;
-    X11LaunchServices system{model};
+    DesktopLaunchServices system{model};
     Trace trace;
     BadgeService service{dispatch, system, trace};
 };

@@ -1,4 +1,4 @@
-#include "Hosts/Linux/Applications/X11LoginItem.h"
+#include "Hosts/Linux/Applications/AutostartItem.h"
 
 #include <gmock/gmock.h>
 
@@ -16,7 +16,7 @@ constexpr char kFile[] = "/config/autostart/quorvel.desktop";
 
 struct LoginItemTest : testing::Test {
     test::FakeFiles files;
-    X11LoginItem item{files, kFile, "/bin/sh"};
+    AutostartItem item{files, kFile, "/bin/sh"};
 
     std::string file() { return files.bytes(kFile).value_or("none"); }
     Status statusWith(const std::string& lines)
@@ -63,7 +63,7 @@ TEST_F(LoginItemTest, whatTheUserHasWrittenSurvivesSwitchingOffAndOn)
     EXPECT_TRUE(item.registerItem());
     EXPECT_EQ(item.status(), Status::enabled) << "the program has moved";
 
-    X11LoginItem odd{files, kFile, "/opt/100% \"$x\\/bar"};
+    AutostartItem odd{files, kFile, "/opt/100% \"$x\\/bar"};
     files.put(kFile, "");
     EXPECT_TRUE(odd.registerItem());
     EXPECT_THAT(file(), HasSubstr(R"(Exec="/opt/100%% \\"\\$x\\\\/bar")"));

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
-#include <fmt/format.h>
 #include <gio/gdesktopappinfo.h>
-#include <unistd.h>
 
 #include "Hosts/Linux/Applications/DesktopEntryFile.h"
 
@@ -13,8 +12,12 @@ namespace quorvel::xdg {
 
 namespace {
 
+struct UnrefObject {
+    void operator()(void* object) const { g_object_unref(object); }
+};
 template <typename Type> using Owned = std::unique_ptr<Type, UnrefObject>;
 using DesktopFile = Owned<GDesktopAppInfo>;
+using LaunchContext = Owned<GAppLaunchContext>;
 
 DesktopFile read(const std::string& path)
 {
@@ -28,20 +31,19 @@ void tellFailure(const std::string& what, GError* error)
     g_clear_error(&error);
 }
 
-}
-
-LaunchContext ApplicationLauncher::makeContext(std::uint32_t time)
+LaunchContext makeContext(const std::string& token)
 {
     LaunchContext context{g_app_launch_context_new()};
-    auto id = nextStartupID(time);
     // Both names of the same: the older of X11, the newer that toolkits read first.
-    g_app_launch_context_setenv(context.get(), "DESKTOP_STARTUP_ID", id.c_str());
-    g_app_launch_context_setenv(context.get(), "XDG_ACTIVATION_TOKEN", id.c_str());
+    g_app_launch_context_setenv(context.get(), "DESKTOP_STARTUP_ID", token.c_str());
+    g_app_launch_context_setenv(context.get(), "XDG_ACTIVATION_TOKEN", token.c_str());
     return context;
 }
 
-void ApplicationLauncher::launch(
-    const std::string& desktopFilePath, std::uint32_t time, const std::vector<std::string>& files)
+}
+
+void ApplicationLauncher::launch(const std::string& desktopFilePath, const std::string& token,
+    const std::vector<std::string>& files)
 {
     auto application = read(desktopFilePath);
     if (!application)
@@ -50,7 +52,7 @@ void ApplicationLauncher::launch(
     for (auto& file : files)
         list = g_list_append(list, g_file_new_for_path(file.c_str()));
     GError* error = nullptr;
-    if (!g_app_info_launch(G_APP_INFO(application.get()), list, makeContext(time).get(), &error))
+    if (!g_app_info_launch(G_APP_INFO(application.get()), list, makeContext(token).get(), &error))
         tellFailure(desktopFilePath, error);
     g_list_free_full(list, g_object_unref);
 }
@@ -78,7 +80,7 @@ std::vector<ApplicationAction> ApplicationLauncher::actions(const std::string& d
 }
 
 void ApplicationLauncher::perform(
-    const std::string& desktopFilePath, const std::string& action, std::uint32_t time)
+    const std::string& desktopFilePath, const std::string& action, const std::string& token)
 {
     // The file may be another one since the menu was made.
     auto offered = actions(desktopFilePath);
@@ -86,7 +88,7 @@ void ApplicationLauncher::perform(
     auto application = read(desktopFilePath);
     if (!application || std::none_of(offered.begin(), offered.end(), isOffered))
         return tellFailure(desktopFilePath, nullptr);
-    g_desktop_app_info_launch_action(application.get(), action.c_str(), makeContext(time).get());
+    g_desktop_app_info_launch_action(application.get(), action.c_str(), makeContext(token).get());
 }
 
 void ApplicationLauncher::openFile(const std::string& path)
@@ -101,12 +103,6 @@ void ApplicationLauncher::openFile(const std::string& path)
                 tellFailure("a file", error);
         },
         nullptr);
-}
-
-/// Unique in the session; the time comes last, where window managers look for it.
-std::string ApplicationLauncher::nextStartupID(std::uint32_t time)
-{
-    return fmt::format("quorvel-{}-{}_TIME{}", getpid(), ++m_launches, time);
 }
 
 }

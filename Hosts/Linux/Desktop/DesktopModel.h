@@ -32,6 +32,7 @@ struct WindowRecord {
     double alpha = 1;
     Rect frame; ///< points, global top-left origin
     std::optional<SpaceID> space; ///< absent: on every space
+    std::uint64_t activation = 0; ///< grows with each activation on the desktop; 0: never active
 
     bool isOn(SpaceID other) const { return !space || *space == other; }
     friend bool operator==(const WindowRecord&, const WindowRecord&) = default;
@@ -80,6 +81,26 @@ struct DesktopModel {
     {
         auto found = applications.find(pid);
         return found == applications.end() ? nullptr : &found->second;
+    }
+    /// Of these, the window that was active last; absent if none ever was.
+    template <typename Windows> std::optional<WindowID> lastActive(const Windows& candidates) const
+    {
+        const WindowRecord* last = nullptr;
+        for (auto id : candidates) {
+            auto* candidate = window(id);
+            if (candidate && candidate->activation > (last ? last->activation : 0))
+                last = candidate;
+        }
+        return last ? std::optional{last->id} : std::nullopt;
+    }
+    std::vector<WindowID> windowsOf(ProcessID pid) const
+    {
+        std::vector<WindowID> all;
+        for (auto& [id, window] : windows) {
+            if (window.owner == pid)
+                all.push_back(id);
+        }
+        return all;
     }
     std::vector<SpaceID> spacesOf(const WindowRecord& window) const
     {

@@ -129,9 +129,6 @@ struct Client {
     bool isGone = false; ///< destroyed, or never there
     bool isUnmapped = false;
     std::optional<Instant> leavesAt; ///< off the manager's list, but perhaps only with the manager
-    std::string bundleIdentifier; ///< empty: to be found again
-    bool hasProcessEnded = false;
-    std::uint64_t activation = 0; ///< grows with each activation on the desktop; 0: never active
     bool wasHidden = false;
     /// Marked as hidden by showing the desktop, which does not make it minimised.
     bool isHiddenByShowingDesktop = false;

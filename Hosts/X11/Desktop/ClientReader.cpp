@@ -48,8 +48,6 @@ void ClientReader::request(RequestBatch& batch, Client& client, Facets wanted) c
     if (facets.isEmpty())
         return;
     client.isDirty = true;
-    if (!(facets & (Facet::windowClass | Facet::applicationID | Facet::process)).isEmpty())
-        client.bundleIdentifier.clear();
     client.stale = client.stale.without(facets);
     requestNames(batch, client, facets);
     requestIdentity(batch, client, facets);

@@ -1,15 +1,18 @@
 #include "Hosts/X11/Desktop/DesktopServices.h"
 
 #include "Hosts/Linux/Applications/LauncherBus.h"
+#include "Hosts/Linux/Desktop/DesktopAccessibility.h"
+#include "Hosts/Linux/Desktop/DesktopLaunchServices.h"
+#include "Hosts/Linux/Desktop/DesktopTracker.h"
+#include "Hosts/Linux/Desktop/DesktopWindowServer.h"
+#include "Hosts/Linux/Desktop/DesktopWorkspace.h"
 #include "Hosts/Linux/Desktop/ObserverRegistry.h"
-#include "Hosts/Linux/Desktop/X11LaunchServices.h"
 #include "Hosts/X11/Capture/X11ScreenCapture.h"
 #include "Hosts/X11/Desktop/Mirror.h"
+#include "Hosts/X11/Desktop/PropertyIcons.h"
+#include "Hosts/X11/Desktop/StartupTokens.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
-#include "Hosts/X11/Desktop/X11Accessibility.h"
 #include "Hosts/X11/Desktop/X11Displays.h"
-#include "Hosts/X11/Desktop/X11WindowServer.h"
-#include "Hosts/X11/Desktop/X11Workspace.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -17,34 +20,40 @@ struct DesktopServices::Parts {
     Parts(Connection& connection, Dispatch& dispatch, Monitors& monitors,
         PanelEnvironment& environment, DesktopEntries& entries, Icons& icons)
         : observers(model)
-        , mirror(connection, dispatch, monitors, environment, entries, model, observers)
+        , tracker(dispatch, entries, model, observers)
+        , mirror(connection, dispatch, monitors, environment, model, tracker)
         , requests(connection, monitors, mirror.clients(), mirror.root(), model)
         , accessibility(model, observers, requests, dispatch)
-        , windowServer(model, mirror, requests, environment)
+        , tokens(connection)
+        , windowIcons(connection, mirror.clients(), icons)
+        , windowServer(model, tracker, requests, environment)
         , displays(connection, monitors, mirror)
-        , workspace(connection, model, mirror, requests, entries, icons)
+        , workspace(model, tracker, requests, tokens, windowIcons, entries, icons)
         , screenCapture(model, dispatch)
         , launchServices(model)
         , launcherBus(launchServices.entries(), entries,
               [this] { launchServices.answersMayHaveChanged.emit(); })
-        , attentionChanged(mirror.attentionDidChange.subscribe(
+        , attentionChanged(tracker.attentionDidChange.subscribe(
               [this] { launchServices.answersMayHaveChanged.emit(); }))
-        , focusLost(mirror.focusWasLost.subscribe([this] { requests.focusWasLost(); }))
+        , focusLost(tracker.focusWasLost.subscribe([this] { requests.focusWasLost(); }))
     {
         requests.onActivationAsked
-            = [this](std::optional<WindowID> window) { mirror.expectFocus(window); };
+            = [this](std::optional<WindowID> window) { tracker.expectFocus(window); };
     }
 
     SharedModel model;
     ObserverRegistry observers;
+    DesktopTracker tracker;
     Mirror mirror;
     WindowRequests requests;
-    X11Accessibility accessibility;
-    X11WindowServer windowServer;
+    DesktopAccessibility accessibility;
+    StartupTokens tokens;
+    PropertyIcons windowIcons;
+    DesktopWindowServer windowServer;
     X11Displays displays;
-    X11Workspace workspace;
+    DesktopWorkspace workspace;
     X11ScreenCapture screenCapture;
-    X11LaunchServices launchServices;
+    DesktopLaunchServices launchServices;
     LauncherBus launcherBus;
     Subscription attentionChanged;
     Subscription focusLost;

@@ -3,16 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include <unistd.h>
-
-#include "Hosts/Linux/Applications/DesktopEntries.h"
-#include "Hosts/Linux/Desktop/ObserverRegistry.h"
+#include "Hosts/Linux/Desktop/DesktopTracker.h"
 #include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/Coverage.h"
 #include "Hosts/X11/Desktop/RequestBatch.h"
 #include "Hosts/X11/Monitors.h"
-#include "Quorvel/Platform/Accessibility.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -20,38 +16,22 @@ namespace {
 
 /// Parents that name each other in a circle end here.
 constexpr int kLongestParentChain = 16;
-constexpr std::string_view kDesktopIdentifier = "x11.desktop";
-
-/// Else it is announced as destroyed and created anew: nobody looks again at what it is.
-bool isOfSameKind(const WindowRecord& a, const WindowRecord& b)
-{
-    return a.isStandard == b.isStandard && a.isModal == b.isModal && a.layer == b.layer
-        && (a.alpha > 0) == (b.alpha > 0);
-}
 
 }
 
 Mirror::Mirror(Connection& connection, Dispatch& dispatch, Monitors& monitors,
-    PanelEnvironment& environment, DesktopEntries& entries, SharedModel& model,
-    ObserverRegistry& observers)
+    PanelEnvironment& environment, const SharedModel& model, DesktopTracker& tracker)
     : m_connection(connection)
     , m_dispatch(dispatch)
     , m_monitors(monitors)
     , m_environment(environment)
     , m_model(model)
-    , m_observers(observers)
+    , m_tracker(tracker)
     , m_root(connection)
     , m_manager(connection, dispatch)
     , m_clients(connection)
-    , m_processes(dispatch, entries)
     , m_buttons(connection)
-    , m_desktopProcess(m_processes.takePrivateNumber())
-    , m_rootNumber(m_clients.takeNumber())
 {
-    m_model.write([this](DesktopModel& desktop) {
-        desktop.applications[m_desktopProcess]
-            = {m_desktopProcess, std::string{kDesktopIdentifier}, "Desktop", false, m_rootNumber};
-    });
     connection.addEventMask(
         connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     m_events = connection.event.subscribe([this](auto* event) { handle(event); });
@@ -61,16 +41,7 @@ Mirror::Mirror(Connection& connection, Dispatch& dispatch, Monitors& monitors,
         m_isCoverageStale = true;
         scheduleUpdate();
     });
-    m_entriesChanged = entries.changed.subscribe([this] {
-        m_processes.refreshNames();
-        m_clients.forEach([this](Client& client) {
-            client.bundleIdentifier.clear();
-            client.isDirty = true;
-        });
-        scheduleUpdate();
-    });
-    m_processEnded = m_processes.processDidEnd.subscribe(
-        [this](std::uint32_t process) { processDidEnd(process); });
+    m_trackerHasNews = tracker.hasNews.subscribe([this] { scheduleUpdate(); });
     update();
 }
 
@@ -91,9 +62,9 @@ void Mirror::handle(const xcb_generic_event_t* event)
         m_isUrgent |= change->atom == m_connection.atoms().netClientList;
     } else if (change->atom == m_connection.atoms().netWmIcon) {
         auto* client = m_clients.find(change->window);
-        if (!client || client->bundleIdentifier.empty())
+        if (!client)
             return;
-        m_changes.icons.insert(client->bundleIdentifier);
+        m_tracker.iconDidChange(client->id);
         m_needsUpdate = true;
     }
 }
@@ -189,17 +160,8 @@ void Mirror::translateSpaces()
     auto names = m_root.desktopNames();
     names.resize(count);
     SpaceID active{std::uint64_t{std::min(m_root.currentDesktop(), count - 1)} + 1};
-    auto [spacesChanged, activeChanged] = m_model.write([&](DesktopModel& model) {
-        bool isOtherSpace = std::exchange(model.activeSpace, active) != active;
-        bool areOtherSpaces = model.spaceNames != names;
-        model.spaceNames = std::move(names);
-        return std::pair{areOtherSpaces, isOtherSpace};
-    });
-    if (spacesChanged)
+    if (m_tracker.setSpaces(std::move(names), active))
         m_clients.markAllDirty();
-    m_changes.spaces |= spacesChanged;
-    m_changes.activeSpace |= activeChanged;
-    m_isCoverageStale |= spacesChanged || activeChanged;
 }
 
 void Mirror::translateClients()
@@ -211,10 +173,10 @@ void Mirror::translateClients()
             translate(client);
     });
     if (m_manager.isPresent())
-        translateFocus();
-    translateApplications();
-    takeEndedApplications();
-    reportMoves();
+        m_tracker.setActive(activeClient());
+    // While the user drags, only the end counts.
+    if (m_tracker.hasMoves() && !m_buttons.isWaiting() && !m_buttons.wait())
+        m_tracker.reportMoves();
     translateStacking();
     updateCoverage();
 }
@@ -227,26 +189,11 @@ void Mirror::translate(Client& client)
 
     client.isDirty = false;
     auto record = xdg::x11::recordOf(client, m_clients.parentOf(client) != nullptr, context());
-    record.owner = assign(client);
     forgetHonouredSize(client, record.frame.size());
-    if (client.type == WindowType::dock)
-        m_changes.reservations = true;
-
-    auto before = m_model.write([&](DesktopModel& model) -> std::optional<WindowRecord> {
-        auto [slot, isNew] = model.windows.try_emplace(record.id, record);
-        if (isNew)
-            return std::nullopt;
-        return std::exchange(slot->second, record);
-    });
-    if (before && *before == record)
-        return;
-    m_isCoverageStale = true;
-    m_touched.insert(record.owner);
-    if (before)
-        noteDifference(*before, record);
-    else
-        noteNew(record);
+    m_reservationsDidChange |= client.type == WindowType::dock;
     client.isAnnounced = true;
+    auto clientMask = xcb_get_setup(m_connection.raw())->resource_id_mask;
+    m_tracker.setWindow(std::move(record), originOf(client, clientMask));
 }
 
 /// A client that has obeyed once can be asked again; one that has not would not end refusing.
@@ -266,115 +213,13 @@ bool Mirror::isReady(Client& client)
     return m_manager.isPresent() && m_dispatch.now() >= client.firstSeen + kDesktopWait;
 }
 
-ProcessID Mirror::assign(Client& client)
-{
-    if (client.bundleIdentifier.empty())
-        client.bundleIdentifier = m_processes.bundleIdentifierOf(client);
-    auto base = client.window & ~xcb_get_setup(m_connection.raw())->resource_id_mask;
-    auto& pair
-        = m_processes.pairFor(m_processes.processOf(client), base, client.bundleIdentifier, client);
-    pair.windows.insert(client.id);
-    return pair.pid;
-}
-
-void Mirror::noteNew(const WindowRecord& window)
-{
-    m_changes.attention |= window.asksForAttention;
-    noteLaunch(window);
-    notifyApplication(window.owner, window.id, ax::windowCreated);
-}
-
-void Mirror::noteLaunch(const WindowRecord& window)
-{
-    auto* pair = m_processes.find(window.owner);
-    bool counts = pair && window.isStandard && window.layer == 0
-        && raw(window.owner) != static_cast<std::int32_t>(getpid());
-    if (!counts || std::exchange(pair->isLaunched, true))
-        return;
-    auto record = recordOf(*pair);
-    m_changes.launched.push_back(record.running());
-}
-
-void Mirror::noteDifference(const WindowRecord& before, const WindowRecord& after)
-{
-    m_changes.spacesOfWindows |= before.space != after.space;
-    m_changes.attention |= before.asksForAttention != after.asksForAttention;
-    notePresence(before, after);
-    if (before.owner != after.owner || !isOfSameKind(before, after))
-        return;
-    if (before.title != after.title)
-        notifyWindow(after, ax::titleChanged);
-    if (before.isMinimized != after.isMinimized) {
-        notifyWindow(after, after.isMinimized ? ax::windowMiniaturized : ax::windowDeminiaturized);
-        // Whoever forgot the focus of a minimised window hears of it again.
-        if (!after.isMinimized && m_focus.window() == after.id)
-            notifyApplication(after.owner, after.id, ax::focusedWindowChanged);
-    }
-    noteGeometry(before, after);
-}
-
-void Mirror::notePresence(const WindowRecord& before, const WindowRecord& after)
-{
-    bool isOtherOwner = before.owner != after.owner;
-    if (isOtherOwner) {
-        m_touched.insert(before.owner);
-        if (auto* pair = m_processes.find(before.owner))
-            pair->windows.erase(after.id);
-    }
-    if (!isOtherOwner && isOfSameKind(before, after))
-        return;
-    notifyWindow(before, ax::elementDestroyed);
-    noteNew(after);
-}
-
-void Mirror::noteGeometry(const WindowRecord& before, const WindowRecord& after)
-{
-    bool moved = before.frame.origin() != after.frame.origin();
-    bool resized = before.frame.size() != after.frame.size();
-    if (!moved && !resized)
-        return;
-    auto& moves = m_moves[after.id];
-    moves.moved |= moved;
-    moves.resized |= resized;
-}
-
-void Mirror::reportMoves()
-{
-    // While the user drags, only the end counts.
-    if (m_moves.empty() || m_buttons.isWaiting() || m_buttons.wait())
-        return;
-    for (auto& [id, moves] : std::exchange(m_moves, {})) {
-        auto window = m_model.read([&](const DesktopModel& model) {
-            auto* found = model.window(id);
-            return found ? std::optional{*found} : std::nullopt;
-        });
-        if (window && moves.moved)
-            notifyWindow(*window, ax::windowMoved);
-        if (window && moves.resized)
-            notifyWindow(*window, ax::windowResized);
-    }
-}
-
 void Mirror::remove(Client& client)
 {
-    m_moves.erase(client.id);
     // Withdrawn, it still exists; but its end will not be seen, and its number may come back.
     if (!isOwn(client.window))
         m_connection.forgetWindow(client.window);
-    auto window = m_model.write([&](DesktopModel& model) {
-        model.wantedSpaces.erase(client.id);
-        auto node = model.windows.extract(client.id);
-        return node ? std::optional{std::move(node.mapped())} : std::nullopt;
-    });
-    if (!window)
-        return;
-    m_isCoverageStale = true;
-    m_touched.insert(window->owner);
-    if (auto* pair = m_processes.find(window->owner))
-        pair->windows.erase(client.id);
-    m_changes.reservations |= client.type == WindowType::dock;
-    m_changes.attention |= window->asksForAttention;
-    notifyWindow(*window, ax::elementDestroyed);
+    m_reservationsDidChange |= client.isAnnounced && client.type == WindowType::dock;
+    m_tracker.removeWindow(client.id);
 }
 
 FocusTracker::Active Mirror::activeClient()
@@ -401,93 +246,6 @@ FocusTracker::Active Mirror::activeClient()
     return focused->id;
 }
 
-void Mirror::translateFocus()
-{
-    m_focus.update(activeClient(), m_dispatch.now());
-    auto window = m_focus.window();
-    if (!window) {
-        setFocus(m_desktopProcess, std::nullopt);
-        return;
-    }
-    auto owner = m_model.read([&](const DesktopModel& model) {
-        auto* found = model.window(*window);
-        return found ? std::optional{found->owner} : std::nullopt;
-    });
-    if (owner)
-        setFocus(*owner, *window);
-}
-
-void Mirror::setFocus(ProcessID frontmost, std::optional<WindowID> window)
-{
-    bool isOtherWindow = window && std::exchange(m_lastFocused, window) != window;
-    if (isOtherWindow) {
-        if (auto* client = m_clients.find(*window))
-            client->activation = ++m_lastActivation;
-        m_touched.insert(frontmost);
-    }
-    if (!window)
-        m_changes.focusLost |= std::exchange(m_lastFocused, std::nullopt).has_value();
-
-    auto [isOtherProcess, knownWindow] = m_model.write([&](DesktopModel& model) {
-        bool isOther = std::exchange(model.frontmost, frontmost) != frontmost;
-        auto* application = model.application(frontmost);
-        return std::pair{isOther, application ? application->focusedWindow : std::nullopt};
-    });
-    if (isOtherProcess)
-        m_activated = frontmost;
-    // It may be known already as the one to follow a window that was closed.
-    if (isOtherWindow && (knownWindow != window || !isOtherProcess))
-        notifyApplication(frontmost, *window, ax::focusedWindowChanged);
-}
-
-void Mirror::translateApplications()
-{
-    for (auto pid : std::exchange(m_touched, {})) {
-        auto* pair = m_processes.find(pid);
-        if (!pair)
-            continue;
-        auto record = recordOf(*pair);
-        m_model.write([&](DesktopModel& model) { model.applications[pid] = std::move(record); });
-    }
-    if (auto pid = std::exchange(m_activated, std::nullopt)) {
-        m_changes.activated = m_model.read([&](const DesktopModel& model) {
-            auto* application = model.application(*pid);
-            return application ? std::optional{application->running()} : std::nullopt;
-        });
-    }
-}
-
-ApplicationRecord Mirror::recordOf(const ProcessTable::Pair& pair)
-{
-    ApplicationRecord record{pair.pid, pair.bundleIdentifier, pair.name, false, std::nullopt};
-    const Client* last = nullptr;
-    for (auto id : pair.windows) {
-        auto* client = m_clients.find(id);
-        if (client && client->activation > (last ? last->activation : 0))
-            last = client;
-    }
-    if (last)
-        record.focusedWindow = last->id;
-    bool isOurs = raw(pair.pid) == static_cast<std::int32_t>(getpid());
-    record.isRegular = !isOurs && m_model.read([&](const DesktopModel& model) {
-        return std::ranges::any_of(pair.windows, [&](WindowID id) {
-            auto* window = model.window(id);
-            return window && window->isStandard && window->layer == 0;
-        });
-    });
-    return record;
-}
-
-void Mirror::takeEndedApplications()
-{
-    for (auto& pair : m_processes.takeEnded()) {
-        auto record = recordOf(pair);
-        m_model.write([&](DesktopModel& model) { model.applications.erase(pair.pid); });
-        if (pair.isLaunched)
-            m_changes.terminated.push_back(record.running(true));
-    }
-}
-
 void Mirror::translateStacking()
 {
     if (!m_root.takeStackingDidChange())
@@ -498,13 +256,13 @@ void Mirror::translateStacking()
         if (auto* client = m_clients.find(*window))
             order.push_back(client->id);
     }
-    m_model.write([&](DesktopModel& model) { model.frontToBack = std::move(order); });
-    m_isCoverageStale = true;
+    m_tracker.setFrontToBack(std::move(order));
 }
 
 void Mirror::updateCoverage()
 {
-    if (!std::exchange(m_isCoverageStale, false))
+    bool isStale = m_tracker.takeLayoutDidChange();
+    if (!std::exchange(m_isCoverageStale, false) && !isStale)
         return;
     m_environment.isCovered.set(m_model.read([this](const DesktopModel& model) {
         return coveredMonitors(model, m_monitors.list(), m_monitors.coordinates());
@@ -513,31 +271,11 @@ void Mirror::updateCoverage()
 
 void Mirror::announce()
 {
-    auto changes = std::exchange(m_changes, {});
-    if (changes.activeSpace)
-        m_environment.activeSpace.set(
-            m_model.read([](const DesktopModel& model) { return model.activeSpace; }));
-    for (auto& application : changes.launched)
-        applicationDidLaunch.emit(application);
-    m_observers.deliver(changes.notifications);
-    for (auto& bundleIdentifier : changes.icons)
-        iconDidChange.emit(bundleIdentifier);
-    if (changes.spaces)
-        spacesDidChange.emit();
-    if (changes.spacesOfWindows)
-        spacesOfWindowsDidChange.emit();
-    if (changes.activeSpace)
-        activeSpaceDidChange.emit();
-    if (changes.activated)
-        applicationDidActivate.emit(*changes.activated);
-    if (changes.reservations)
+    m_environment.activeSpace.set(
+        m_model.read([](const DesktopModel& model) { return model.activeSpace; }));
+    m_tracker.announce();
+    if (std::exchange(m_reservationsDidChange, false))
         reservationsDidChange.emit();
-    if (changes.attention)
-        attentionDidChange.emit();
-    if (changes.focusLost)
-        focusWasLost.emit();
-    for (auto& application : changes.terminated)
-        applicationDidTerminate.emit(application);
 }
 
 void Mirror::scheduleNext()
@@ -547,7 +285,7 @@ void Mirror::scheduleNext()
         if (due && (!next || *due < *next))
             next = due;
     };
-    consider(m_focus.deadline());
+    consider(m_tracker.deadline());
     m_clients.forEach([&](const Client& client) {
         consider(client.leavesAt);
         consider(client.minimizedSettlesAt);
@@ -561,31 +299,10 @@ void Mirror::scheduleNext()
     }
 }
 
-void Mirror::processDidEnd(std::uint32_t process)
-{
-    m_clients.forEach([&](Client& client) {
-        if (m_processes.processOf(client) != process)
-            return;
-        client.hasProcessEnded = true;
-        client.isDirty = true;
-    });
-    scheduleUpdate();
-}
-
 bool Mirror::isOwn(xcb_window_t window) const
 {
     auto* setup = xcb_get_setup(m_connection.raw());
     return (window & ~setup->resource_id_mask) == setup->resource_id_base;
-}
-
-void Mirror::notifyWindow(const WindowRecord& window, std::string_view name)
-{
-    m_changes.notifications.push_back({window.owner, window.id, window.id, name});
-}
-
-void Mirror::notifyApplication(ProcessID pid, WindowID window, std::string_view name)
-{
-    m_changes.notifications.push_back({pid, std::nullopt, window, name});
 }
 
 }

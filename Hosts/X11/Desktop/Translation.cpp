@@ -1,6 +1,9 @@
 #include "Hosts/X11/Desktop/Translation.h"
 
 #include <algorithm>
+#include <climits>
+
+#include <unistd.h>
 
 namespace quorvel::xdg::x11 {
 
@@ -14,6 +17,26 @@ bool coversItsMonitor(const Rect& frame, const std::vector<Monitor>& monitors)
 {
     return std::ranges::any_of(
         monitors, [&](const Monitor& monitor) { return frame.contains(monitor.pixels); });
+}
+
+const std::string& thisMachine()
+{
+    static const std::string machine = [] {
+        char name[HOST_NAME_MAX + 1] = {};
+        return std::string{gethostname(name, HOST_NAME_MAX) == 0 ? name : ""};
+    }();
+    return machine;
+}
+
+std::optional<std::uint32_t> processOf(const Client& client)
+{
+    auto isPossible = [](std::uint32_t pid) { return pid > 0 && pid <= INT_MAX; };
+    if (client.serverProcess && isPossible(*client.serverProcess))
+        return client.serverProcess;
+    bool isLocal = client.machine && !thisMachine().empty() && *client.machine == thisMachine();
+    if (isLocal && client.claimedProcess && isPossible(*client.claimedProcess))
+        return client.claimedProcess;
+    return std::nullopt;
 }
 
 std::int32_t layerOf(const Client& client)
@@ -56,6 +79,12 @@ std::optional<SpaceID> spaceOf(const Client& client, const TranslationContext& c
     if (desktop == kEveryDesktop)
         return std::nullopt;
     return SpaceID{std::uint64_t{std::min(desktop, context.desktopCount - 1)} + 1};
+}
+
+WindowOrigin originOf(const Client& client, std::uint32_t clientMask)
+{
+    return {processOf(client), client.window & ~clientMask, client.applicationID,
+        client.windowClass.name, client.windowClass.instance};
 }
 
 WindowRecord recordOf(const Client& client, bool hasParent, const TranslationContext& context)

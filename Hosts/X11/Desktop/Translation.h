@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Hosts/Linux/Desktop/DesktopModel.h"
+#include "Hosts/Linux/Desktop/WindowOrigin.h"
 #include "Hosts/X11/Desktop/Client.h"
 #include "Hosts/X11/Monitors.h"
 
@@ -24,6 +25,10 @@ bool speaksForParent(const Client&, bool hasParent);
 /// The space of the client; absent for every space. A number beyond the count is clamped: managers
 /// change the count and the windows' desktops one after the other.
 std::optional<SpaceID> spaceOf(const Client&, const TranslationContext&);
+
+/// The process behind the client is believed only where it runs on this machine. `clientMask` are
+/// the bits of a resource's number that its client chooses.
+WindowOrigin originOf(const Client&, std::uint32_t clientMask);
 
 /// The client in the model's words, without its owner.
 WindowRecord recordOf(const Client&, bool hasParent, const TranslationContext&);

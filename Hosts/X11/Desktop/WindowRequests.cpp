@@ -216,21 +216,17 @@ void WindowRequests::sendSpaces()
 
 std::optional<WindowID> WindowRequests::windowToActivate(ProcessID pid) const
 {
-    std::vector<WindowID> candidates = m_model.read([&](const DesktopModel& model) {
-        std::vector<WindowID> found;
-        for (auto& [id, window] : model.windows) {
-            if (window.owner == pid && window.layer == 0 && window.isOn(model.activeSpace))
-                found.push_back(id);
+    return m_model.read([&](const DesktopModel& model) {
+        std::vector<WindowID> candidates;
+        for (auto id : model.windowsOf(pid)) {
+            auto* window = model.window(id);
+            if (window->layer == 0 && window->isOn(model.activeSpace))
+                candidates.push_back(id);
         }
-        return found;
+        auto last = model.lastActive(candidates);
+        bool isNoneKnown = !last && !candidates.empty();
+        return isNoneKnown ? std::optional{candidates.front()} : last;
     });
-    const Client* last = nullptr;
-    for (auto id : candidates) {
-        auto* client = m_clients.find(id);
-        if (client && (!last || client->activation > last->activation))
-            last = client;
-    }
-    return last ? std::optional{last->id} : std::nullopt;
 }
 
 void WindowRequests::message(

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "Hosts/Linux/Desktop/DesktopModel.h"
+#include "Hosts/Linux/Desktop/DesktopRequests.h"
 #include "Hosts/X11/Desktop/ServerTime.h"
 
 namespace quorvel::xdg::x11 {
@@ -20,28 +21,23 @@ class RootState;
 /// together with a fresh time of the server, because managers refuse old ones: the last wish per
 /// window counts, and raising a window makes the activation of its application needless. Main
 /// thread.
-class WindowRequests {
+class WindowRequests final : public DesktopRequests {
 public:
     WindowRequests(Connection&, Monitors&, Clients&, const RootState&, SharedModel&);
 
     /// Called when the activation of a window is asked for, or, without one, no longer wanted.
     std::function<void(std::optional<WindowID>)> onActivationAsked;
 
-    /// Raises, focuses and restores the window, with a switch to its space if need be.
-    void activate(WindowID);
+    void activate(WindowID) override;
     /// No window has the focus. If that is the answer to an activation, it is asked for once more.
     void focusWasLost();
-    /// Activates the window of the application that was active last on the current space, if any.
-    void activateApplication(ProcessID);
-    void minimize(WindowID);
-    void close(WindowID);
-    /// Of the window with its frame, in points.
-    void resize(WindowID, Size);
-    /// Makes the space the current one; a space that is not there is ignored.
-    void switchTo(SpaceID);
-    void toggleShowingDesktop();
-    /// The spaces that the model wants for the window, as far as a manager can be told.
-    void sendToWantedSpaces();
+    void activateApplication(ProcessID) override;
+    void minimize(WindowID) override;
+    void close(WindowID) override;
+    void resize(WindowID, Size) override;
+    void switchTo(SpaceID) override;
+    void toggleShowingDesktop() override;
+    void sendToWantedSpaces() override;
 
 private:
     struct Wishes {

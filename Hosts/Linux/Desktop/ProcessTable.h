@@ -10,16 +10,14 @@
 #include <vector>
 
 #include "Hosts/Linux/Desktop/ProcessEnd.h"
-#include "Hosts/X11/Desktop/Client.h"
+#include "Hosts/Linux/Desktop/WindowOrigin.h"
 #include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Identifiers.h"
 #include "Quorvel/Platform/Published.h"
 
 namespace quorvel::xdg {
+
 class DesktopEntries;
-}
-
-namespace quorvel::xdg::x11 {
-
 /// The pairs of process and application that own windows.
 ///
 /// The first application of a process is known by the process's number. Further applications of the
@@ -43,15 +41,11 @@ public:
 
     ProcessTable(Dispatch&, const DesktopEntries&);
 
-    /// The process behind the client, if it is known and runs on this machine.
-    std::optional<std::uint32_t> processOf(const Client&) const;
-    /// The application of the client; the same for every client of one class and process.
-    std::string bundleIdentifierOf(const Client&) const;
+    /// The application of the window; the same for every window of one class and process.
+    std::string bundleIdentifierOf(WindowID, const WindowOrigin&) const;
 
-    /// The pair of this process and application; made at first use. `clientBase` tells X clients
-    /// apart whose process is unknown.
-    Pair& pairFor(std::optional<std::uint32_t> process, std::uint32_t clientBase,
-        const std::string& bundleIdentifier, const Client&);
+    /// The pair of this window's process and application; made at first use.
+    Pair& pairFor(const WindowOrigin&, const std::string& bundleIdentifier);
     Pair* find(ProcessID);
     /// Names may have changed with the installed applications.
     void refreshNames();
@@ -71,14 +65,13 @@ private:
         bool isWatched = false;
     };
 
-    std::string nameFor(const std::string& bundleIdentifier, const Client*) const;
+    std::string nameFor(const std::string& bundleIdentifier, const WindowOrigin&) const;
     bool watch(std::uint32_t process);
     void processEnded(std::uint32_t process);
     void forgetProcess(std::uint32_t process);
 
     Dispatch& m_dispatch;
     const DesktopEntries& m_entries;
-    std::string m_machine;
     std::int32_t m_lastPrivate = -1; ///< -1 is no process anywhere
     std::map<Key, ProcessID> m_byKey;
     std::map<ProcessID, Pair> m_pairs;

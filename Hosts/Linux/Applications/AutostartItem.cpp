@@ -1,4 +1,4 @@
-#include "Hosts/Linux/Applications/X11LoginItem.h"
+#include "Hosts/Linux/Applications/AutostartItem.h"
 
 #include <memory>
 #include <optional>
@@ -97,12 +97,12 @@ void name(GKeyFile* keys, const std::string& program)
 
 }
 
-std::string X11LoginItem::userFile()
+std::string AutostartItem::userFile()
 {
     return configurationFolder() + "/autostart/quorvel.desktop";
 }
 
-std::string X11LoginItem::runningProgram()
+std::string AutostartItem::runningProgram()
 {
     char path[4096];
     auto length = ::readlink("/proc/self/exe", path, sizeof path);
@@ -114,7 +114,7 @@ std::string X11LoginItem::runningProgram()
     return program.empty() ? "quorvel" : program;
 }
 
-LoginItem::Status X11LoginItem::status() const
+LoginItem::Status AutostartItem::status() const
 {
     auto keys = load(m_files, m_path);
     if (!keys || !namesAProgram(keys.get()) || flag(keys.get(), kHidden).value_or(false)
@@ -123,7 +123,7 @@ LoginItem::Status X11LoginItem::status() const
     return Status::enabled;
 }
 
-bool X11LoginItem::registerItem()
+bool AutostartItem::registerItem()
 {
     auto keys = load(m_files, m_path);
     if (!keys)
@@ -135,7 +135,7 @@ bool X11LoginItem::registerItem()
     return save(m_files, m_path, keys.get());
 }
 
-bool X11LoginItem::unregisterItem()
+bool AutostartItem::unregisterItem()
 {
     auto keys = load(m_files, m_path);
     if (!keys)

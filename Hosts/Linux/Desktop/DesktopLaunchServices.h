@@ -9,9 +9,9 @@ namespace quorvel::xdg {
 
 /// What applications say at their launchers, and the windows that ask for attention by their state
 /// or their urgency hint. Nothing blocks.
-class X11LaunchServices final : public LaunchServices {
+class DesktopLaunchServices final : public LaunchServices {
 public:
-    explicit X11LaunchServices(const SharedModel& model) : m_model(model) { }
+    explicit DesktopLaunchServices(const SharedModel& model) : m_model(model) { }
 
     LauncherEntries& entries() { return m_entries; }
 

@@ -1,12 +1,12 @@
-#include "Hosts/X11/Desktop/X11WindowServer.h"
+#include "Hosts/Linux/Desktop/DesktopWindowServer.h"
 
 #include <algorithm>
 
+#include "Hosts/Linux/Desktop/DesktopRequests.h"
+#include "Hosts/Linux/Desktop/DesktopTracker.h"
 #include "Hosts/Linux/PanelEnvironment.h"
-#include "Hosts/X11/Desktop/Mirror.h"
-#include "Hosts/X11/Desktop/WindowRequests.h"
 
-namespace quorvel::xdg::x11 {
+namespace quorvel::xdg {
 
 namespace {
 
@@ -34,20 +34,20 @@ CGWindowInfo infoOf(const DesktopModel& model, const WindowRecord& window)
 
 }
 
-X11WindowServer::X11WindowServer(
-    SharedModel& model, Mirror& mirror, WindowRequests& requests, PanelEnvironment& environment)
+DesktopWindowServer::DesktopWindowServer(SharedModel& model, DesktopTracker& tracker,
+    DesktopRequests& requests, PanelEnvironment& environment)
     : m_model(model)
     , m_requests(requests)
     , m_environment(environment)
 {
-    m_spacesChanged = mirror.spacesDidChange.subscribe([this] { spacesDidChange.emit(); });
+    m_spacesChanged = tracker.spacesDidChange.subscribe([this] { spacesDidChange.emit(); });
     m_spacesOfWindowsChanged
-        = mirror.spacesOfWindowsDidChange.subscribe([this] { spacesOfWindowsDidChange.emit(); });
+        = tracker.spacesOfWindowsDidChange.subscribe([this] { spacesOfWindowsDidChange.emit(); });
     m_spaceWanted
         = environment.spaceWanted.subscribe([this](SpaceID space) { m_requests.switchTo(space); });
 }
 
-void X11WindowServer::enumerateWindows(
+void DesktopWindowServer::enumerateWindows(
     std::uint32_t options, const std::function<void(const CGWindowInfo&)>& visitor) const
 {
     bool excludesDesktop = (options & kWindowListExcludeDesktopElements) != 0;
@@ -61,7 +61,7 @@ void X11WindowServer::enumerateWindows(
     });
 }
 
-std::optional<std::uint32_t> X11WindowServer::nativeWindowNumber(WindowID id) const
+std::optional<std::uint32_t> DesktopWindowServer::nativeWindowNumber(WindowID id) const
 {
     return m_model.read([&](const DesktopModel& model) -> std::optional<std::uint32_t> {
         auto* window = model.window(id);
@@ -69,7 +69,8 @@ std::optional<std::uint32_t> X11WindowServer::nativeWindowNumber(WindowID id) co
     });
 }
 
-std::optional<std::vector<ManagedDisplay>> X11WindowServer::managedDisplaySpaces(ConnectionID) const
+std::optional<std::vector<ManagedDisplay>> DesktopWindowServer::managedDisplaySpaces(
+    ConnectionID) const
 {
     return m_model.read([](const DesktopModel& model) {
         std::vector<ManagedDisplay> displays;
@@ -86,7 +87,7 @@ std::optional<std::vector<ManagedDisplay>> X11WindowServer::managedDisplaySpaces
     });
 }
 
-std::vector<WindowID> X11WindowServer::windowsOfSpaces(
+std::vector<WindowID> DesktopWindowServer::windowsOfSpaces(
     ConnectionID, const std::vector<SpaceID>& spaces, std::uint32_t) const
 {
     return m_model.read([&](const DesktopModel& model) {
@@ -101,7 +102,7 @@ std::vector<WindowID> X11WindowServer::windowsOfSpaces(
     });
 }
 
-std::optional<std::vector<SpaceID>> X11WindowServer::spacesOfWindows(
+std::optional<std::vector<SpaceID>> DesktopWindowServer::spacesOfWindows(
     ConnectionID, std::uint32_t, const std::vector<WindowID>& windows) const
 {
     return m_model.read([&](const DesktopModel& model) {
@@ -119,12 +120,12 @@ std::optional<std::vector<SpaceID>> X11WindowServer::spacesOfWindows(
     });
 }
 
-SpaceID X11WindowServer::activeSpace(ConnectionID) const
+SpaceID DesktopWindowServer::activeSpace(ConnectionID) const
 {
     return m_model.read([](const DesktopModel& model) { return model.activeSpace; });
 }
 
-std::optional<std::string> X11WindowServer::spaceName(SpaceID space) const
+std::optional<std::string> DesktopWindowServer::spaceName(SpaceID space) const
 {
     return m_model.read([&](const DesktopModel& model) -> std::optional<std::string> {
         auto index = raw(space) - 1; // space 0 wraps and is beyond every count
@@ -134,7 +135,7 @@ std::optional<std::string> X11WindowServer::spaceName(SpaceID space) const
     });
 }
 
-void X11WindowServer::addWindowsToSpaces(
+void DesktopWindowServer::addWindowsToSpaces(
     ConnectionID, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
 {
     changeSpaces(windows, spaces, [](std::vector<SpaceID>& wanted, SpaceID space) {
@@ -143,14 +144,14 @@ void X11WindowServer::addWindowsToSpaces(
     });
 }
 
-void X11WindowServer::removeWindowsFromSpaces(
+void DesktopWindowServer::removeWindowsFromSpaces(
     ConnectionID, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
 {
     changeSpaces(windows, spaces,
         [](std::vector<SpaceID>& wanted, SpaceID space) { std::erase(wanted, space); });
 }
 
-void X11WindowServer::changeSpaces(
+void DesktopWindowServer::changeSpaces(
     const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces, const Change& change)
 {
     m_model.write([&](DesktopModel& model) {
@@ -169,7 +170,7 @@ void X11WindowServer::changeSpaces(
     m_requests.sendToWantedSpaces();
 }
 
-void X11WindowServer::setEdgeReservation(ConnectionID, SpaceID space, ScreenEdge, double height)
+void DesktopWindowServer::setEdgeReservation(ConnectionID, SpaceID space, ScreenEdge, double height)
 {
     auto reservations = m_environment.edgeReservations.value();
     if (height > 0)
@@ -179,21 +180,21 @@ void X11WindowServer::setEdgeReservation(ConnectionID, SpaceID space, ScreenEdge
     m_environment.edgeReservations.set(std::move(reservations));
 }
 
-void X11WindowServer::setDockRectangle(ConnectionID, const DockRectangle& dock)
+void DesktopWindowServer::setDockRectangle(ConnectionID, const DockRectangle& dock)
 {
     auto heights = m_environment.dockHeights.value();
     heights[dock.display] = dock.rect.height;
     m_environment.dockHeights.set(std::move(heights));
 }
 
-void X11WindowServer::clearDockRectangle(ConnectionID, DisplayNumber display)
+void DesktopWindowServer::clearDockRectangle(ConnectionID, DisplayNumber display)
 {
     auto heights = m_environment.dockHeights.value();
     heights.erase(display);
     m_environment.dockHeights.set(std::move(heights));
 }
 
-void X11WindowServer::toggleShowingDesktop()
+void DesktopWindowServer::toggleShowingDesktop()
 {
     m_requests.toggleShowingDesktop();
 }

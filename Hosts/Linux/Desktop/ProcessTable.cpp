@@ -1,4 +1,4 @@
-#include "Hosts/X11/Desktop/ProcessTable.h"
+#include "Hosts/Linux/Desktop/ProcessTable.h"
 
 #include <climits>
 
@@ -9,15 +9,9 @@
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Hosts/Linux/Applications/WindowIdentity.h"
 
-namespace quorvel::xdg::x11 {
+namespace quorvel::xdg {
 
 namespace {
-
-std::string thisMachine()
-{
-    char name[HOST_NAME_MAX + 1] = {};
-    return gethostname(name, HOST_NAME_MAX) == 0 ? name : "";
-}
 
 std::optional<std::string> executableOf(std::uint32_t process)
 {
@@ -37,39 +31,26 @@ std::optional<std::string> executableOf(std::uint32_t process)
 ProcessTable::ProcessTable(Dispatch& dispatch, const DesktopEntries& entries)
     : m_dispatch(dispatch)
     , m_entries(entries)
-    , m_machine(thisMachine())
 {
 }
 
-std::optional<std::uint32_t> ProcessTable::processOf(const Client& client) const
-{
-    if (client.hasProcessEnded)
-        return std::nullopt;
-    auto isPossible = [](std::uint32_t pid) { return pid > 0 && pid <= INT_MAX; };
-    if (client.serverProcess && isPossible(*client.serverProcess))
-        return client.serverProcess;
-    bool isLocal = client.machine && !m_machine.empty() && *client.machine == m_machine;
-    if (isLocal && client.claimedProcess && isPossible(*client.claimedProcess))
-        return client.claimedProcess;
-    return std::nullopt;
-}
-
-std::string ProcessTable::bundleIdentifierOf(const Client& client) const
+std::string ProcessTable::bundleIdentifierOf(WindowID window, const WindowOrigin& origin) const
 {
     WindowIdentity identity;
-    identity.gtkApplicationId = client.applicationID;
-    identity.wmClass = client.windowClass.name;
-    identity.wmInstance = client.windowClass.instance;
-    if (auto process = processOf(client))
-        identity.executableName = executableOf(*process);
-    identity.number = raw(client.id);
+    identity.gtkApplicationId = origin.applicationID;
+    identity.wmClass = origin.className;
+    identity.wmInstance = origin.instanceName;
+    if (origin.process)
+        identity.executableName = executableOf(*origin.process);
+    identity.number = raw(window);
     return m_entries.bundleIdentifier(identity);
 }
 
-ProcessTable::Pair& ProcessTable::pairFor(std::optional<std::uint32_t> process,
-    std::uint32_t clientBase, const std::string& bundleIdentifier, const Client& client)
+ProcessTable::Pair& ProcessTable::pairFor(
+    const WindowOrigin& origin, const std::string& bundleIdentifier)
 {
-    Key key{process, process ? 0 : clientBase, bundleIdentifier};
+    auto process = origin.process;
+    Key key{process, process ? 0 : origin.client, bundleIdentifier};
     if (auto known = m_byKey.find(key); known != m_byKey.end())
         return m_pairs.at(known->second);
 
@@ -81,7 +62,7 @@ ProcessTable::Pair& ProcessTable::pairFor(std::optional<std::uint32_t> process,
     pair.pid = pid;
     pair.process = process;
     pair.bundleIdentifier = bundleIdentifier;
-    pair.name = nameFor(bundleIdentifier, &client);
+    pair.name = nameFor(bundleIdentifier, origin);
     pair.endsWithLastWindow = !(isFirst && isWatched);
     return pair;
 }
@@ -92,13 +73,12 @@ ProcessTable::Pair* ProcessTable::find(ProcessID pid)
     return found == m_pairs.end() ? nullptr : &found->second;
 }
 
-std::string ProcessTable::nameFor(const std::string& bundleIdentifier, const Client* client) const
+std::string ProcessTable::nameFor(
+    const std::string& bundleIdentifier, const WindowOrigin& origin) const
 {
     if (auto name = m_entries.name(bundleIdentifier); name && !name->empty())
         return *name;
-    if (client && !client->windowClass.name.empty())
-        return client->windowClass.name;
-    return bundleIdentifier;
+    return origin.className.empty() ? bundleIdentifier : origin.className;
 }
 
 void ProcessTable::refreshNames()

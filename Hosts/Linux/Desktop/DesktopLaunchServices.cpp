@@ -1,8 +1,8 @@
-#include "Hosts/Linux/Desktop/X11LaunchServices.h"
+#include "Hosts/Linux/Desktop/DesktopLaunchServices.h"
 
 namespace quorvel::xdg {
 
-std::vector<AttentionRequest> X11LaunchServices::attentionRequests() const
+std::vector<AttentionRequest> DesktopLaunchServices::attentionRequests() const
 {
     return m_model.read([](const DesktopModel& model) {
         std::vector<AttentionRequest> requests;
@@ -15,7 +15,7 @@ std::vector<AttentionRequest> X11LaunchServices::attentionRequests() const
     });
 }
 
-std::optional<ToolResult> X11LaunchServices::runTool(
+std::optional<ToolResult> DesktopLaunchServices::runTool(
     const std::string& path, const std::vector<std::string>& arguments)
 {
     return path.ends_with("/lsappinfo") ? m_tool.run(arguments) : std::nullopt;

@@ -1,9 +1,9 @@
-#include "Hosts/X11/Desktop/X11Accessibility.h"
+#include "Hosts/Linux/Desktop/DesktopAccessibility.h"
 
+#include "Hosts/Linux/Desktop/DesktopRequests.h"
 #include "Hosts/Linux/Desktop/Elements.h"
-#include "Hosts/X11/Desktop/WindowRequests.h"
 
-namespace quorvel::xdg::x11 {
+namespace quorvel::xdg {
 
 namespace {
 
@@ -88,8 +88,8 @@ AXReply attributeOf(
 
 }
 
-X11Accessibility::X11Accessibility(const SharedModel& model, ObserverRegistry& observers,
-    WindowRequests& requests, Dispatch& dispatch)
+DesktopAccessibility::DesktopAccessibility(const SharedModel& model, ObserverRegistry& observers,
+    DesktopRequests& requests, Dispatch& dispatch)
     : m_model(model)
     , m_observers(observers)
     , m_requests(requests)
@@ -99,12 +99,12 @@ X11Accessibility::X11Accessibility(const SharedModel& model, ObserverRegistry& o
 {
 }
 
-AXElement X11Accessibility::application(ProcessID pid) const
+AXElement DesktopAccessibility::application(ProcessID pid) const
 {
     return elementOf(pid);
 }
 
-AXReply X11Accessibility::copyAttribute(const AXElement& element, std::string_view attribute)
+AXReply DesktopAccessibility::copyAttribute(const AXElement& element, std::string_view attribute)
 {
     if (auto pid = applicationIn(element))
         return applicationAttribute(*pid, attribute);
@@ -113,7 +113,7 @@ AXReply X11Accessibility::copyAttribute(const AXElement& element, std::string_vi
     return {AXError::attributeUnsupported, {}};
 }
 
-AXReply X11Accessibility::applicationAttribute(ProcessID pid, std::string_view attribute) const
+AXReply DesktopAccessibility::applicationAttribute(ProcessID pid, std::string_view attribute) const
 {
     return m_model.read([&](const DesktopModel& model) -> AXReply {
         auto* application = model.application(pid);
@@ -122,7 +122,7 @@ AXReply X11Accessibility::applicationAttribute(ProcessID pid, std::string_view a
     });
 }
 
-AXReply X11Accessibility::windowAttribute(WindowID id, std::string_view attribute) const
+AXReply DesktopAccessibility::windowAttribute(WindowID id, std::string_view attribute) const
 {
     return m_model.read([&](const DesktopModel& model) -> AXReply {
         auto* window = model.window(id);
@@ -131,7 +131,7 @@ AXReply X11Accessibility::windowAttribute(WindowID id, std::string_view attribut
     });
 }
 
-AXError X11Accessibility::setAttribute(
+AXError DesktopAccessibility::setAttribute(
     const AXElement& element, std::string_view attribute, const AXValue& value)
 {
     if (auto pid = applicationIn(element))
@@ -141,7 +141,7 @@ AXError X11Accessibility::setAttribute(
     return AXError::attributeUnsupported;
 }
 
-AXError X11Accessibility::setApplicationAttribute(
+AXError DesktopAccessibility::setApplicationAttribute(
     ProcessID pid, std::string_view attribute, const AXValue& value)
 {
     if (attribute == ax::focusedWindow || attribute == ax::mainWindow) {
@@ -162,10 +162,10 @@ AXError X11Accessibility::setApplicationAttribute(
         return AXError::invalidElement;
     if (!*isWanted)
         return AXError::success;
-    return request([pid](WindowRequests& requests) { requests.activateApplication(pid); });
+    return request([pid](DesktopRequests& requests) { requests.activateApplication(pid); });
 }
 
-AXError X11Accessibility::setWindowAttribute(
+AXError DesktopAccessibility::setWindowAttribute(
     WindowID window, std::string_view attribute, const AXValue& value)
 {
     if (attribute == ax::minimized)
@@ -177,7 +177,7 @@ AXError X11Accessibility::setWindowAttribute(
     return AXError::attributeUnsupported;
 }
 
-AXError X11Accessibility::setMinimized(WindowID window, const bool* isWanted)
+AXError DesktopAccessibility::setMinimized(WindowID window, const bool* isWanted)
 {
     // A window is restored by activating it; the manager knows no other request for that.
     if (!isWanted || !*isWanted) {
@@ -186,10 +186,10 @@ AXError X11Accessibility::setMinimized(WindowID window, const bool* isWanted)
     }
     if (!exists(window))
         return AXError::invalidElement;
-    return request([window](WindowRequests& requests) { requests.minimize(window); });
+    return request([window](DesktopRequests& requests) { requests.minimize(window); });
 }
 
-AXError X11Accessibility::activate(WindowID window, const bool* isWanted)
+AXError DesktopAccessibility::activate(WindowID window, const bool* isWanted)
 {
     if (!isWanted)
         return AXError::illegalArgument;
@@ -197,10 +197,10 @@ AXError X11Accessibility::activate(WindowID window, const bool* isWanted)
         return AXError::invalidElement;
     if (!*isWanted)
         return AXError::success;
-    return request([window](WindowRequests& requests) { requests.activate(window); });
+    return request([window](DesktopRequests& requests) { requests.activate(window); });
 }
 
-AXError X11Accessibility::setSize(WindowID id, const Size* size)
+AXError DesktopAccessibility::setSize(WindowID id, const Size* size)
 {
     if (!size || size->isEmpty())
         return AXError::illegalArgument;
@@ -212,10 +212,11 @@ AXError X11Accessibility::setSize(WindowID id, const Size* size)
     });
     if (error != AXError::success)
         return error;
-    return request([id, wanted = *size](WindowRequests& requests) { requests.resize(id, wanted); });
+    return request(
+        [id, wanted = *size](DesktopRequests& requests) { requests.resize(id, wanted); });
 }
 
-AXError X11Accessibility::performAction(const AXElement& element, std::string_view action)
+AXError DesktopAccessibility::performAction(const AXElement& element, std::string_view action)
 {
     constexpr bool wanted = true;
     auto window = windowIn(element, ElementKind::window);
@@ -226,10 +227,10 @@ AXError X11Accessibility::performAction(const AXElement& element, std::string_vi
         return AXError::actionUnsupported;
     if (!exists(*closing))
         return AXError::invalidElement;
-    return request([id = *closing](WindowRequests& requests) { requests.close(id); });
+    return request([id = *closing](DesktopRequests& requests) { requests.close(id); });
 }
 
-AXError X11Accessibility::request(std::function<void(WindowRequests&)> work)
+AXError DesktopAccessibility::request(std::function<void(DesktopRequests&)> work)
 {
     if (std::this_thread::get_id() == m_mainThread) {
         work(m_requests);
@@ -242,12 +243,12 @@ AXError X11Accessibility::request(std::function<void(WindowRequests&)> work)
     return AXError::success;
 }
 
-bool X11Accessibility::exists(WindowID window) const
+bool DesktopAccessibility::exists(WindowID window) const
 {
     return m_model.read([&](const DesktopModel& model) { return model.window(window) != nullptr; });
 }
 
-Accessibility::WindowIDResolver X11Accessibility::windowIDResolver() const
+Accessibility::WindowIDResolver DesktopAccessibility::windowIDResolver() const
 {
     return [](const AXElement& element, WindowID& number) {
         auto window = windowIn(element, ElementKind::window);
@@ -258,7 +259,7 @@ Accessibility::WindowIDResolver X11Accessibility::windowIDResolver() const
     };
 }
 
-std::pair<AXError, std::unique_ptr<AXObserver>> X11Accessibility::createObserver(
+std::pair<AXError, std::unique_ptr<AXObserver>> DesktopAccessibility::createObserver(
     ProcessID pid, RunLoopThread& thread, Callback callback)
 {
     bool isThere = m_model.read(

@@ -4,19 +4,16 @@
 #include "Quorvel/Platform/WindowServer.h"
 
 namespace quorvel::xdg {
+
 struct PanelEnvironment;
-}
+class DesktopRequests;
+class DesktopTracker;
 
-namespace quorvel::xdg::x11 {
-
-class Mirror;
-class WindowRequests;
-
-/// Windows and spaces as the mirror knows them. Desktops are common to all monitors: there is one
+/// Windows and spaces as the model knows them. Desktops are common to all monitors: there is one
 /// managed display.
-class X11WindowServer final : public WindowServer {
+class DesktopWindowServer final : public WindowServer {
 public:
-    X11WindowServer(SharedModel&, Mirror&, WindowRequests&, PanelEnvironment&);
+    DesktopWindowServer(SharedModel&, DesktopTracker&, DesktopRequests&, PanelEnvironment&);
 
     ConnectionID mainConnection() const override { return 1; }
     void enumerateWindows(std::uint32_t options,
@@ -40,7 +37,8 @@ public:
     void setDockRectangle(ConnectionID, const DockRectangle&) override;
     void clearDockRectangle(ConnectionID, DisplayNumber) override;
 
-    // X11 has no keys of the system, and a manager moves windows without a hand at the pointer.
+    // There are no keys of the system to press, and windows are moved without a hand at the
+    // pointer.
     std::optional<SymbolicHotKey> symbolicHotKey(int) const override { return {}; }
     bool isSymbolicHotKeyEnabled(int) const override { return false; }
     bool setSymbolicHotKeyEnabled(int, bool) override { return false; }
@@ -54,7 +52,7 @@ private:
     void changeSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&, const Change&);
 
     SharedModel& m_model;
-    WindowRequests& m_requests;
+    DesktopRequests& m_requests;
     PanelEnvironment& m_environment;
     Subscription m_spacesChanged;
     Subscription m_spacesOfWindowsChanged;

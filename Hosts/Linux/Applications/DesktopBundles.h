@@ -7,9 +7,9 @@ namespace quorvel::xdg {
 class DesktopEntries;
 
 /// Desktop files under the names of bundles. Main thread.
-class X11Bundles final : public Bundles {
+class DesktopBundles final : public Bundles {
 public:
-    explicit X11Bundles(const DesktopEntries& entries) : m_entries(entries) { }
+    explicit DesktopBundles(const DesktopEntries& entries) : m_entries(entries) { }
 
     std::optional<std::string> infoString(
         const ApplicationURL&, std::string_view key) const override;

@@ -7,16 +7,16 @@
 #include "Quorvel/Platform/Accessibility.h"
 #include "Quorvel/Platform/WeakOwner.h"
 
-namespace quorvel::xdg::x11 {
+namespace quorvel::xdg {
 
-class WindowRequests;
+class DesktopRequests;
 
-/// The applications' trees as the mirror knows them. No question waits for an application; what is
-/// set becomes a request to the window manager, from any thread through the main one.
-class X11Accessibility final : public Accessibility {
+/// The applications' trees as the model knows them. No question waits for an application; what is
+/// set becomes a request to the display server, from any thread through the main one.
+class DesktopAccessibility final : public Accessibility {
 public:
     /// On the main thread.
-    X11Accessibility(const SharedModel&, ObserverRegistry&, WindowRequests&, Dispatch&);
+    DesktopAccessibility(const SharedModel&, ObserverRegistry&, DesktopRequests&, Dispatch&);
 
     bool isTrusted() const override { return true; }
     void promptForTrust() override { }
@@ -38,15 +38,15 @@ private:
     AXError setSize(WindowID, const Size*);
     AXError setMinimized(WindowID, const bool*);
     AXError activate(WindowID, const bool*);
-    AXError request(std::function<void(WindowRequests&)>);
+    AXError request(std::function<void(DesktopRequests&)>);
     bool exists(WindowID) const;
 
     const SharedModel& m_model;
     ObserverRegistry& m_observers;
-    WindowRequests& m_requests;
+    DesktopRequests& m_requests;
     Dispatch& m_dispatch;
     std::thread::id m_mainThread;
-    WeakOwner<WindowRequests> m_weakRequests;
+    WeakOwner<DesktopRequests> m_weakRequests;
 };
 
 }

@@ -3,25 +3,22 @@
 #include "Hosts/Linux/Applications/ApplicationLauncher.h"
 #include "Hosts/Linux/Bus/SleepWatch.h"
 #include "Hosts/Linux/Desktop/DesktopModel.h"
-#include "Hosts/X11/Desktop/ServerTime.h"
 #include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel::xdg {
+
 class DesktopEntries;
 class Icons;
-}
+class DesktopTracker;
+class DesktopRequests;
+class LaunchTokens;
+class WindowIcons;
 
-namespace quorvel::xdg::x11 {
-
-class Connection;
-class Mirror;
-class WindowRequests;
-
-/// Applications as the mirror knows them, with what the desktop files say of them. Main thread.
-class X11Workspace final : public Workspace {
+/// Applications as the model knows them, with what the desktop files say of them. Main thread.
+class DesktopWorkspace final : public Workspace {
 public:
-    X11Workspace(
-        Connection&, const SharedModel&, Mirror&, WindowRequests&, DesktopEntries&, Icons&);
+    DesktopWorkspace(const SharedModel&, DesktopTracker&, DesktopRequests&, LaunchTokens&,
+        WindowIcons&, DesktopEntries&, Icons&);
 
     void enumerateRunningApplications(
         const std::function<void(const RunningApplication&)>& visitor) const override;
@@ -44,7 +41,7 @@ public:
     void openFile(const std::string& path) override { ApplicationLauncher::openFile(path); }
     std::vector<ApplicationAction> actions(const ApplicationURL&) const override;
     void perform(const ApplicationAction&, const ApplicationURL&) override;
-    /// Each of its windows is asked to close: X11 knows no other way to say it.
+    /// Each of its windows is asked to close: there is no other way to say it.
     void requestTermination(ProcessID) override;
 
     bool isSelfActive() const override;
@@ -56,16 +53,17 @@ public:
 private:
     void entriesDidChange();
     Image windowIcon(ProcessID) const;
+    std::vector<WindowID> windowsOf(ProcessID) const;
     std::optional<WindowID> lastActiveWindow(const ApplicationURL&) const;
 
-    Connection& m_connection;
     const SharedModel& m_model;
-    Mirror& m_mirror;
-    WindowRequests& m_requests;
+    DesktopTracker& m_tracker;
+    DesktopRequests& m_requests;
+    LaunchTokens& m_tokens;
+    WindowIcons& m_windowIcons;
     DesktopEntries& m_entries;
     Icons& m_icons;
     ApplicationLauncher m_launcher;
-    ServerTime m_time;
     SleepWatch m_sleep;
     std::vector<Subscription> m_subscriptions;
 };

@@ -12,10 +12,10 @@ namespace quorvel::xdg {
 
 /// The user's autostart file. A session starts what it names unless the file is gone or hidden;
 /// a file that the user has changed keeps everything but that.
-class X11LoginItem final : public LoginItem {
+class AutostartItem final : public LoginItem {
 public:
     /// `autostartFile` need not be there; `program` is what it starts.
-    X11LoginItem(Files& files, std::string autostartFile, std::string program)
+    AutostartItem(Files& files, std::string autostartFile, std::string program)
         : m_files(files)
         , m_path(std::move(autostartFile))
         , m_program(std::move(program))

@@ -1,0 +1,195 @@
+#include "Hosts/Linux/Desktop/DesktopWorkspace.h"
+
+#include <set>
+
+#include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/Icons.h"
+#include "Hosts/Linux/Desktop/DesktopRequests.h"
+#include "Hosts/Linux/Desktop/DesktopTracker.h"
+#include "Hosts/Linux/Desktop/LaunchTokens.h"
+#include "Hosts/Linux/Desktop/WindowIcons.h"
+
+namespace quorvel::xdg {
+
+namespace {
+
+/// The windows of an application that are asked for their icon; it is mostly the same in all.
+constexpr std::size_t kIconWindows = 3;
+
+}
+
+DesktopWorkspace::DesktopWorkspace(const SharedModel& model, DesktopTracker& tracker,
+    DesktopRequests& requests, LaunchTokens& tokens, WindowIcons& windowIcons,
+    DesktopEntries& entries, Icons& icons)
+    : m_model(model)
+    , m_tracker(tracker)
+    , m_requests(requests)
+    , m_tokens(tokens)
+    , m_windowIcons(windowIcons)
+    , m_entries(entries)
+    , m_icons(icons)
+    , m_sleep([this] { didWake.emit(); })
+{
+    m_subscriptions.push_back(tracker.applicationDidLaunch.subscribe(
+        [this](const RunningApplication& application) { didLaunch.emit(application); }));
+    m_subscriptions.push_back(tracker.applicationDidTerminate.subscribe(
+        [this](const RunningApplication& application) { didTerminate.emit(application); }));
+    m_subscriptions.push_back(tracker.applicationDidActivate.subscribe(
+        [this](const RunningApplication& application) { didActivate.emit(application); }));
+    m_subscriptions.push_back(
+        tracker.activeSpaceDidChange.subscribe([this] { activeSpaceDidChange.emit(); }));
+    m_subscriptions.push_back(tracker.iconOfApplicationDidChange.subscribe(
+        [this](const std::string& bundleIdentifier) { iconDidChange.emit(bundleIdentifier); }));
+    m_subscriptions.push_back(entries.changed.subscribe([this] { entriesDidChange(); }));
+}
+
+/// An application may have been installed, with its icon, while it runs.
+void DesktopWorkspace::entriesDidChange()
+{
+    std::set<std::string> running;
+    enumerateRunningApplications([&](const RunningApplication& application) {
+        if (application.bundleIdentifier)
+            running.insert(*application.bundleIdentifier);
+    });
+    for (auto& bundleIdentifier : running)
+        iconDidChange.emit(bundleIdentifier);
+}
+
+void DesktopWorkspace::enumerateRunningApplications(
+    const std::function<void(const RunningApplication&)>& visitor) const
+{
+    m_model.read([&](const DesktopModel& model) {
+        for (auto& [pid, application] : model.applications)
+            visitor(application.running());
+    });
+}
+
+std::optional<RunningApplication> DesktopWorkspace::runningApplication(ProcessID pid) const
+{
+    return m_model.read([&](const DesktopModel& model) -> std::optional<RunningApplication> {
+        auto* application = model.application(pid);
+        return application ? std::optional{application->running()} : std::nullopt;
+    });
+}
+
+std::optional<ProcessID> DesktopWorkspace::frontmostApplication() const
+{
+    return m_model.read([](const DesktopModel& model) {
+        bool isThere = model.frontmost && model.application(*model.frontmost);
+        return isThere ? model.frontmost : std::nullopt;
+    });
+}
+
+std::optional<ApplicationURL> DesktopWorkspace::applicationURL(
+    std::string_view bundleIdentifier) const
+{
+    auto path = m_entries.path(bundleIdentifier);
+    return path ? std::optional{ApplicationURL{*path}} : std::nullopt;
+}
+
+Image DesktopWorkspace::icon(const ApplicationURL& url) const
+{
+    return m_icons.forEntry(url.path);
+}
+
+Image DesktopWorkspace::runningApplicationIcon(ProcessID pid) const
+{
+    return windowIcon(pid);
+}
+
+Image DesktopWorkspace::windowIcon(ProcessID pid) const
+{
+    auto windows = windowsOf(pid);
+    if (windows.size() > kIconWindows)
+        windows.resize(kIconWindows);
+    for (auto window : windows) {
+        if (auto image = m_windowIcons.of(window))
+            return image;
+    }
+    return nullptr;
+}
+
+std::vector<WindowID> DesktopWorkspace::windowsOf(ProcessID pid) const
+{
+    return m_model.read([&](const DesktopModel& model) { return model.windowsOf(pid); });
+}
+
+Image DesktopWorkspace::genericApplicationIcon() const
+{
+    return m_icons.generic();
+}
+
+void DesktopWorkspace::openApplication(const ApplicationURL& url)
+{
+    if (auto window = lastActiveWindow(url))
+        m_requests.activate(*window);
+    else
+        openNewInstance(url);
+}
+
+void DesktopWorkspace::openNewInstance(const ApplicationURL& url)
+{
+    m_tokens.request(
+        [this, path = url.path](const std::string& token) { m_launcher.launch(path, token); });
+}
+
+void DesktopWorkspace::openFiles(const std::vector<std::string>& paths, const ApplicationURL& url)
+{
+    m_tokens.request([this, paths, path = url.path](
+                         const std::string& token) { m_launcher.launch(path, token, paths); });
+}
+
+std::vector<ApplicationAction> DesktopWorkspace::actions(const ApplicationURL& url) const
+{
+    return ApplicationLauncher::actions(url.path);
+}
+
+void DesktopWorkspace::perform(const ApplicationAction& action, const ApplicationURL& url)
+{
+    m_tokens.request([this, id = action.identifier, path = url.path](
+                         const std::string& token) { m_launcher.perform(path, id, token); });
+}
+
+void DesktopWorkspace::requestTermination(ProcessID pid)
+{
+    for (auto window : windowsOf(pid))
+        m_requests.close(window);
+}
+
+std::optional<WindowID> DesktopWorkspace::lastActiveWindow(const ApplicationURL& url) const
+{
+    std::optional<WindowID> last;
+    std::uint64_t activation = 0;
+    m_model.read([&](const DesktopModel& model) {
+        for (auto& [id, window] : model.windows) {
+            auto* owner = model.application(window.owner);
+            bool isLater = !last || window.activation > activation;
+            if (!owner || !window.isStandard || window.layer != 0 || !isLater
+                || m_entries.path(owner->bundleIdentifier) != url.path)
+                continue;
+            last = id;
+            activation = window.activation;
+        }
+    });
+    return last;
+}
+
+bool DesktopWorkspace::isSelfActive() const
+{
+    return m_tracker.isSelfActive();
+}
+
+bool DesktopWorkspace::activateCooperatively(ProcessID pid)
+{
+    if (windowsOf(pid).empty())
+        return false;
+    m_requests.activateApplication(pid);
+    return true;
+}
+
+bool DesktopWorkspace::activateDirectly(ProcessID pid)
+{
+    return activateCooperatively(pid);
+}
+
+}
