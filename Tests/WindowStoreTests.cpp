@@ -299,9 +299,11 @@ TEST_F(WindowStoreTest, everyElementThatIsAskedHasTheShortTimeout)
 
 // MARK: Spaces
 
-TEST_F(WindowStoreTest, spaceCallsThatAnswerNothingLoseNoWindow)
+// Fault: a call that fails reads as an empty answer, and chips go.
+TEST_F(WindowStoreTest, callsThatAnswerNothingLoseNoWindow)
 {
-    auto id = desktop.open(mail);
+    auto& server = desktop.windowServer();
+    auto id = desktop.open(mail, {.spaces = {SpaceID{1}, SpaceID{2}}});
     store.populate();
     desktop.windowServer().failSpaceLists(true);
     desktop.windowServer().failSpacesOfWindows(true);
@@ -310,7 +312,29 @@ TEST_F(WindowStoreTest, spaceCallsThatAnswerNothingLoseNoWindow)
     for (int i = 0; i < 3; ++i)
         scanAfter(mail, seconds(1));
 
-    EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{1}});
+    EXPECT_EQ(store.window(id)->spaceIDs, (std::set{SpaceID{1}, SpaceID{2}}));
+    server.failSpaceLists(false);
+    server.failWindowsOfSpace(SpaceID{2});
+    store.refreshSpaces();
+    EXPECT_EQ(store.window(id)->spaceIDs, (std::set{SpaceID{1}, SpaceID{2}}));
+    server.failSpacesOfWindows(false);
+    desktop.moveToSpace(id, SpaceID{3});
+    auto other = desktop.open(mail, {.spaces = {SpaceID{2}}});
+    scanAfter(mail, seconds(1));
+    EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{3}});
+    EXPECT_TRUE(isTracked(other)) << "asked for alone";
+
+    server.failWindowLists(true);
+    WindowStore late{platform.dispatch, platform.accessibility, platform.windowServer,
+        platform.displays, platform.workspace, platform.trace};
+    late.populate();
+    store.discoverNewWindowsForTrackedPIDs();
+    for (int i = 0; i < 5; ++i)
+        scanAfter(mail, seconds(1));
+    EXPECT_EQ(store.windows().size(), 2u);
+    server.failWindowLists(false);
+    desktop.advance(seconds(10));
+    EXPECT_EQ(late.windows().size(), 2u) << "looked for until there is an answer";
 }
 
 }

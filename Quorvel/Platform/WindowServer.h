@@ -49,6 +49,9 @@ inline constexpr std::uint32_t kSpaceWindowOptions = 2;
 /// Every kind of space in `spacesOfWindows`.
 inline constexpr std::uint32_t kAllSpacesMask = 7;
 
+/// What became of a list that was asked for: one that could not be had says nothing of any window.
+enum class Listing { complete, failed };
+
 enum class ScreenEdge { bottom = 2 };
 
 /// The strip of a display that belongs to the bar.
@@ -78,16 +81,21 @@ public:
 
     virtual ConnectionID mainConnection() const = 0;
 
+    using WindowVisitor = std::function<void(const CGWindowInfo&)>;
+
     /// Calls the visitor once per window, front to back where the system knows. The visitor must
     /// not call the platform: a lock may be held.
-    virtual void enumerateWindows(
-        std::uint32_t options, const std::function<void(const CGWindowInfo&)>& visitor) const = 0;
+    virtual Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const = 0;
+    /// The same for the windows of one process.
+    virtual Listing enumerateWindows(
+        ProcessID owner, std::uint32_t options, const WindowVisitor&) const = 0;
     /// The number by which other programs know the window; absent where there is no other.
     virtual std::optional<std::uint32_t> nativeWindowNumber(WindowID) const = 0;
 
     /// Absent when the call fails or answers with something else than a list.
     virtual std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const = 0;
-    virtual std::vector<WindowID> windowsOfSpaces(
+    /// Absent when the call fails.
+    virtual std::optional<std::vector<WindowID>> windowsOfSpaces(
         ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const = 0;
     /// For several windows at once: the union of their spaces. Absent when the call fails.
     virtual std::optional<std::vector<SpaceID>> spacesOfWindows(

@@ -42,9 +42,15 @@ WindowScanner::WindowScanner(Accessibility& accessibility, WindowServer& windowS
 WindowSpacesMap WindowScanner::buildWindowSpacesMap(WindowServer::ConnectionID connection) const
 {
     WindowSpacesMap map;
-    for (auto& info : m_spaceWindows.getSpaces(connection)) {
-        for (auto window :
-            m_windowServer.windowsOfSpaces(connection, {info.spaceID}, kSpaceWindowOptions))
+    auto spaces = m_spaceWindows.getSpaces(connection);
+    if (spaces.empty())
+        map.setUnknown();
+    for (auto& info : spaces) {
+        auto windows
+            = m_windowServer.windowsOfSpaces(connection, {info.spaceID}, kSpaceWindowOptions);
+        if (!windows)
+            map.addUnlisted(info.spaceID);
+        for (auto window : windows.value_or(std::vector<WindowID>{}))
             map.add(window, info.spaceID);
     }
     map.sort();
@@ -64,11 +70,8 @@ WindowScanner::Moment WindowScanner::lookAt(ProcessID pid) const
     moment.spaces = buildWindowSpacesMap(m_windowServer.mainConnection());
     moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
     auto& windows = moment.windowsByOwner[pid];
-    m_windowServer.enumerateWindows(
-        kWindowListExcludeDesktopElements, [&](const CGWindowInfo& window) {
-            if (window.ownerPID == pid)
-                windows.push_back(window);
-        });
+    moment.listing = m_windowServer.enumerateWindows(pid, kWindowListExcludeDesktopElements,
+        [&](const CGWindowInfo& window) { windows.push_back(window); });
     return moment;
 }
 
@@ -77,7 +80,7 @@ WindowScanner::Moment WindowScanner::lookAtAll() const
     Moment moment;
     moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
     moment.spaces = buildWindowSpacesMap(m_windowServer.mainConnection());
-    m_windowServer.enumerateWindows(
+    moment.listing = m_windowServer.enumerateWindows(
         kWindowListExcludeDesktopElements, [&](const CGWindowInfo& window) {
             if (window.ownerPID && moment.eligiblePIDs.contains(*window.ownerPID))
                 moment.windowsByOwner[*window.ownerPID].push_back(window);
@@ -89,7 +92,10 @@ PIDWindowScan WindowScanner::scan(ProcessID pid, const Moment& moment)
 {
     AXCalls::Scan hungOnlyOnce(m_calls);
     PIDWindowScan result;
+    result.hasFailed = moment.listing == Listing::failed;
     result.isDockEligibleOwner = moment.eligiblePIDs.contains(pid);
+    if (result.hasFailed)
+        return result;
     auto owned = moment.windowsByOwner.find(pid);
     if (owned == moment.windowsByOwner.end())
         return result;
@@ -132,11 +138,13 @@ bool WindowScanner::admit(const CGWindowInfo& window, const AXWindowMetadataByID
     candidate.title = isKnown ? metadata->second.title : readTitleFromAX(*window.ownerPID, id);
     candidate.frame = *window.bounds;
     candidate.spaces = moment.spaces.spaces(id);
+    candidate.unlistedSpaces = moment.spaces.unlistedSpaces();
     candidate.isAXConfirmed = admission.isConfirmed;
     if (isKnown)
         candidate.isMinimized = metadata->second.isMinimized;
     // The lists of the spaces leave minimised windows out.
-    if (candidate.spaces.empty() && candidate.isMinimized.value_or(false))
+    bool mayBeUnlisted = candidate.isMinimized.value_or(false) || !moment.spaces.isComplete();
+    if (candidate.spaces.empty() && mayBeUnlisted)
         candidate.spaces = querySpaces(id, mainConnection());
     return result.candidates.emplace(id, std::move(candidate)).second;
 }

@@ -19,12 +19,20 @@ namespace quorvel {
 class WindowSpacesMap {
 public:
     void add(WindowID window, SpaceID space) { m_entries.emplace_back(window, space); }
+    /// Nobody could tell which spaces there are.
+    void setUnknown() { m_isUnknown = true; }
+    /// The windows of this space could not be listed.
+    void addUnlisted(SpaceID space) { m_unlisted.insert(space); }
     /// To be called once, after the last `add`.
     void sort();
-    /// Empty for a window on no space.
+    /// Empty for a window on no space, or only on such as could not be listed.
     std::set<SpaceID> spaces(WindowID) const;
+    const std::set<SpaceID>& unlistedSpaces() const { return m_unlisted; }
+    bool isComplete() const { return !m_isUnknown && m_unlisted.empty(); }
 
 private:
+    bool m_isUnknown = false;
+    std::set<SpaceID> m_unlisted;
     std::vector<std::pair<WindowID, SpaceID>> m_entries;
 };
 
@@ -35,12 +43,15 @@ struct ScannedWindowCandidate {
     std::optional<std::string> title; ///< absent when nobody could tell
     Rect frame;
     std::set<SpaceID> spaces;
+    std::set<SpaceID> unlistedSpaces; ///< it may be on these too
     bool isAXConfirmed = false;
     std::optional<bool> isMinimized; ///< absent when nobody could tell
 };
 
 /// What one look at a process found.
 struct PIDWindowScan {
+    /// The windows could not be listed: nothing can be said of any.
+    bool hasFailed = false;
     std::map<WindowID, ScannedWindowCandidate> candidates;
     /// Every window that the window server lists at layer 0, before any other filter.
     std::set<WindowID> listedWindowIDs;
@@ -56,6 +67,7 @@ class WindowScanner {
 public:
     /// What a look at several processes shares: taken once, not once a process.
     struct Moment {
+        Listing listing = Listing::complete;
         WindowSpacesMap spaces;
         std::set<ProcessID> eligiblePIDs;
         std::map<ProcessID, std::vector<CGWindowInfo>> windowsByOwner;

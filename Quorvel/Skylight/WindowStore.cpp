@@ -128,6 +128,10 @@ std::set<WindowID> WindowStore::unpublishedWindows(const PIDWindowScan& scan) co
 int WindowStore::reconcileWindowsForPID(ProcessID pid)
 {
     auto scan = m_scanner.scanWindows(pid);
+    if (scan.hasFailed) {
+        lookAgainOnceItAnswers(pid);
+        return 0;
+    }
     bool hasChanged = updateTrackedWindows(pid, scan);
     auto [added, unexplained] = admitNewWindows(pid, scan);
     hasChanged |= added > 0;
@@ -175,12 +179,18 @@ bool WindowStore::updateTracked(
     window.windowTitle = candidate.title.value_or(window.windowTitle);
     window.frame = candidate.frame;
     window.isMinimized = candidate.isMinimized.value_or(window.isMinimized);
-    auto spaces = candidate.spaces;
-    if (spaces.empty())
-        spaces = m_scanner.querySpaces(window.windowID, m_scanner.mainConnection());
-    if (!spaces.empty())
-        window.spaceIDs = std::move(spaces);
+    window.spaceIDs = spacesNow(window, candidate.spaces, candidate.unlistedSpaces);
     return window != before;
+}
+
+std::set<SpaceID> WindowStore::spacesNow(const TrackedWindow& window, std::set<SpaceID> listed,
+    const std::set<SpaceID>& unlistedSpaces) const
+{
+    auto isUnlisted = [&](SpaceID space) { return unlistedSpaces.contains(space); };
+    if (!listed.empty() && std::ranges::none_of(window.spaceIDs, isUnlisted))
+        return listed;
+    auto spaces = m_scanner.querySpaces(window.windowID, m_scanner.mainConnection());
+    return spaces.empty() ? window.spaceIDs : spaces;
 }
 
 void WindowStore::track(WindowID id, ProcessID pid, const ScannedWindowCandidate& candidate)
@@ -271,6 +281,8 @@ void WindowStore::populate()
 {
     AXCalls::Scan hungOnlyOnce(m_scanner.calls());
     auto moment = m_scanner.lookAtAll();
+    if (moment.listing == Listing::failed)
+        std::ranges::for_each(moment.eligiblePIDs, [this](auto pid) { scheduleDeferredScan(pid); });
     for (auto& [pid, windows] : moment.windowsByOwner)
         populateProcess(pid, moment);
     if (auto frontmost = m_workspace.frontmostApplication())
@@ -336,7 +348,7 @@ int WindowStore::addWindowsForPID(ProcessID pid)
     auto [added, unexplained] = admitNewWindows(pid, scan);
     if (added > 0)
         notifyChange();
-    if (!unexplained.empty())
+    if (scan.hasFailed || !unexplained.empty())
         scheduleDeferredScan(pid);
     return added;
 }
@@ -358,14 +370,11 @@ void WindowStore::removeWindows(ProcessID pid)
 
 void WindowStore::refreshSpaces()
 {
-    auto connection = m_scanner.mainConnection();
-    auto map = m_scanner.buildWindowSpacesMap(connection);
+    auto map = m_scanner.buildWindowSpacesMap(m_scanner.mainConnection());
     bool hasChanged = false;
     for (auto& [id, window] : m_windows) {
-        auto spaces = map.spaces(id);
-        if (spaces.empty())
-            spaces = m_scanner.querySpaces(id, connection);
-        if (spaces.empty() || spaces == window.spaceIDs)
+        auto spaces = spacesNow(window, map.spaces(id), map.unlistedSpaces());
+        if (spaces == window.spaceIDs)
             continue;
         window.spaceIDs = std::move(spaces);
         hasChanged = true;
@@ -404,8 +413,10 @@ int WindowStore::discoverNewWindowsForTrackedPIDs()
         auto scan = m_scanner.scan(pid, moment);
         auto [added, unexplained] = admitNewWindows(pid, scan);
         total += added;
-        if (!unexplained.empty())
+        if (scan.hasFailed || !unexplained.empty())
             scheduleDeferredScan(pid);
+        if (scan.hasFailed)
+            continue;
         // A window whose end nobody announced is noticed here and gone after the usual grace.
         hasChanged |= removeMissingWindows(pid, scan);
         scheduleMissingFollowUp(pid);

@@ -121,6 +121,9 @@ private:
     using ScansByPID = std::map<ProcessID, PIDWindowScan>;
 
     int reconcileWindowsForPID(ProcessID);
+    /// As listed; else as the window server says of this window alone; else as before.
+    std::set<SpaceID> spacesNow(const TrackedWindow&, std::set<SpaceID> listed,
+        const std::set<SpaceID>& unlistedSpaces) const;
     /// A window may come under another process: X11 finds out late whose it is.
     bool updateTracked(TrackedWindow&, ProcessID, const ScannedWindowCandidate&);
     void track(WindowID, ProcessID, const ScannedWindowCandidate&);

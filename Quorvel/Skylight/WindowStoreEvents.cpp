@@ -73,6 +73,7 @@ void WindowStore::admitCreatedWindow(
         .title = metadata.title,
         .frame = *found->bounds,
         .spaces = moment.spaces.spaces(id),
+        .unlistedSpaces = moment.spaces.unlistedSpaces(),
         .isAXConfirmed = true,
         .isMinimized = metadata.isMinimized,
     };

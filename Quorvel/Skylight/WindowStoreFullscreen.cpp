@@ -42,7 +42,7 @@ std::optional<WindowID> WindowStore::trackSoleWindow(SpaceID space)
     ScansByPID scans;
     std::vector<WindowID> candidates;
     bool hasChanged = false;
-    for (auto id : uniquePreservingOrder(listed)) {
+    for (auto id : uniquePreservingOrder(listed.value_or(std::vector<WindowID>{}))) {
         if (trackOnSpace(id, space, moment, scans, hasChanged))
             candidates.push_back(id);
     }

@@ -43,11 +43,21 @@ CGWindowInfo FakeWindowServer::entry(const FakeWindow& window) const
     return info;
 }
 
-void FakeWindowServer::enumerateWindows(
-    std::uint32_t, const std::function<void(const CGWindowInfo&)>& visitor) const
+Listing FakeWindowServer::enumerateWindows(
+    ProcessID owner, std::uint32_t options, const WindowVisitor& visitor) const
+{
+    return enumerateWindows(options, [&](const CGWindowInfo& window) {
+        if (window.ownerPID == owner)
+            visitor(window);
+    });
+}
+
+Listing FakeWindowServer::enumerateWindows(std::uint32_t, const WindowVisitor& visitor) const
 {
     auto now = m_desktop.dispatch().now();
     m_listings.push_back(now);
+    if (m_failsWindowLists)
+        return Listing::failed;
     for (auto& stray : m_strayEntries)
         visitor(stray);
     for (auto id : m_desktop.model().stacking) {
@@ -59,6 +69,7 @@ void FakeWindowServer::enumerateWindows(
         if (ghost.until > now)
             visitor(entry(ghost.window));
     }
+    return Listing::complete;
 }
 
 std::optional<std::vector<ManagedDisplay>> FakeWindowServer::managedDisplaySpaces(
@@ -79,9 +90,11 @@ std::optional<std::vector<ManagedDisplay>> FakeWindowServer::managedDisplaySpace
     return displays;
 }
 
-std::vector<WindowID> FakeWindowServer::windowsOfSpaces(
+std::optional<std::vector<WindowID>> FakeWindowServer::windowsOfSpaces(
     ConnectionID, const std::vector<SpaceID>& spaces, std::uint32_t options) const
 {
+    if (m_failingSpace && std::ranges::count(spaces, *m_failingSpace) > 0)
+        return std::nullopt;
     std::vector<WindowID> found;
     bool leavesOutOrderedOut = options & kSpaceWindowOptions;
     for (auto id : m_desktop.model().stacking) {

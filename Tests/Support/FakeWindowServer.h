@@ -19,11 +19,12 @@ public:
     explicit FakeWindowServer(FakeDesktop& desktop) : m_desktop(desktop) { }
 
     ConnectionID mainConnection() const override { return kConnection; }
-    void enumerateWindows(
-        std::uint32_t options, const std::function<void(const CGWindowInfo&)>&) const override;
+    Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const override;
+    Listing enumerateWindows(
+        ProcessID owner, std::uint32_t options, const WindowVisitor&) const override;
     std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override { return {}; }
     std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const override;
-    std::vector<WindowID> windowsOfSpaces(
+    std::optional<std::vector<WindowID>> windowsOfSpaces(
         ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const override;
     std::optional<std::vector<SpaceID>> spacesOfWindows(
         ConnectionID, std::uint32_t mask, const std::vector<WindowID>&) const override;
@@ -53,6 +54,9 @@ public:
     /// How long a closed window stays listed.
     void setCloseDelay(Duration delay) { m_closeDelay = delay; }
     Duration closeDelay() const { return m_closeDelay; }
+    void failWindowLists(bool value) { m_failsWindowLists = value; }
+    /// The windows of this space cannot be listed.
+    void failWindowsOfSpace(std::optional<SpaceID> space) { m_failingSpace = space; }
     void failSpaceLists(bool value) { m_failsSpaceLists = value; }
     void failSpacesOfWindows(bool value) { m_failsSpacesOfWindows = value; }
     /// Changes what the list of spaces says: missing identifiers, odd types.
@@ -122,6 +126,8 @@ private:
     int m_dockRectangleCalls = 0;
     std::vector<CGWindowInfo> m_strayEntries;
     Duration m_closeDelay{};
+    bool m_failsWindowLists = false;
+    std::optional<SpaceID> m_failingSpace;
     bool m_failsSpaceLists = false;
     bool m_failsSpacesOfWindows = false;
     bool m_isShowingDesktop = false;

@@ -47,15 +47,31 @@ DesktopWindowServer::DesktopWindowServer(SharedModel& model, DesktopTracker& tra
         = environment.spaceWanted.subscribe([this](SpaceID space) { m_requests.switchTo(space); });
 }
 
-void DesktopWindowServer::enumerateWindows(
-    std::uint32_t options, const std::function<void(const CGWindowInfo&)>& visitor) const
+Listing DesktopWindowServer::enumerateWindows(
+    std::uint32_t options, const WindowVisitor& visitor) const
+{
+    enumerate({}, options, visitor);
+    return Listing::complete;
+}
+
+Listing DesktopWindowServer::enumerateWindows(
+    ProcessID owner, std::uint32_t options, const WindowVisitor& visitor) const
+{
+    enumerate(owner, options, visitor);
+    return Listing::complete;
+}
+
+void DesktopWindowServer::enumerate(
+    std::optional<ProcessID> owner, std::uint32_t options, const WindowVisitor& visitor) const
 {
     bool excludesDesktop = (options & kWindowListExcludeDesktopElements) != 0;
     m_model.read([&](const DesktopModel& model) {
         // Newest first: a window stays in its place when others are raised, and a new one is on
         // top.
         for (auto entry = model.windows.rbegin(); entry != model.windows.rend(); ++entry) {
-            if (!excludesDesktop || !entry->second.isDesktopElement)
+            bool isWanted = (!owner || entry->second.owner == *owner)
+                && (!excludesDesktop || !entry->second.isDesktopElement);
+            if (isWanted)
                 visitor(infoOf(model, entry->second));
         }
     });
@@ -87,7 +103,7 @@ std::optional<std::vector<ManagedDisplay>> DesktopWindowServer::managedDisplaySp
     });
 }
 
-std::vector<WindowID> DesktopWindowServer::windowsOfSpaces(
+std::optional<std::vector<WindowID>> DesktopWindowServer::windowsOfSpaces(
     ConnectionID, const std::vector<SpaceID>& spaces, std::uint32_t) const
 {
     return m_model.read([&](const DesktopModel& model) {
@@ -98,7 +114,7 @@ std::vector<WindowID> DesktopWindowServer::windowsOfSpaces(
             if (isOnOne)
                 windows.push_back(id);
         }
-        return windows;
+        return std::optional{windows};
     });
 }
 

@@ -16,12 +16,13 @@ public:
     DesktopWindowServer(SharedModel&, DesktopTracker&, DesktopRequests&, PanelEnvironment&);
 
     ConnectionID mainConnection() const override { return 1; }
-    void enumerateWindows(std::uint32_t options,
-        const std::function<void(const CGWindowInfo&)>& visitor) const override;
+    Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const override;
+    Listing enumerateWindows(
+        ProcessID owner, std::uint32_t options, const WindowVisitor&) const override;
     std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
 
     std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const override;
-    std::vector<WindowID> windowsOfSpaces(
+    std::optional<std::vector<WindowID>> windowsOfSpaces(
         ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const override;
     std::optional<std::vector<SpaceID>> spacesOfWindows(
         ConnectionID, std::uint32_t mask, const std::vector<WindowID>&) const override;
@@ -49,6 +50,8 @@ public:
 
 private:
     using Change = std::function<void(std::vector<SpaceID>& wanted, SpaceID)>;
+    void enumerate(
+        std::optional<ProcessID> owner, std::uint32_t options, const WindowVisitor&) const;
     void changeSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&, const Change&);
 
     SharedModel& m_model;

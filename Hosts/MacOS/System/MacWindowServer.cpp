@@ -23,6 +23,21 @@ template <typename Identifier> std::vector<Identifier> identifiersFrom(CFArrayRe
     return identifiers;
 }
 
+template <typename Visitor> Listing forEachWindow(std::uint32_t options, const Visitor& visitor)
+{
+    const AutoreleasePool pool;
+    // Null where nobody is logged in at the screen.
+    const auto windows
+        = CFRef<CFArrayRef>::adopt(CGWindowListCopyWindowInfo(options, kCGNullWindowID));
+    if (!arrayFrom(windows.get()))
+        return Listing::failed;
+    forEachIn(windows.get(), [&](CFTypeRef entry) {
+        if (const CFDictionaryRef window = dictionaryFrom(entry))
+            visitor(window);
+    });
+    return Listing::complete;
+}
+
 CGEventType eventType(PointerPost post)
 {
     switch (post) {
@@ -51,17 +66,18 @@ WindowServer::ConnectionID MacWindowServer::mainConnection() const
     return m_symbols.mainConnectionID ? m_symbols.mainConnectionID() : 0;
 }
 
-void MacWindowServer::enumerateWindows(
-    std::uint32_t options, const std::function<void(const CGWindowInfo&)>& visitor) const
+Listing MacWindowServer::enumerateWindows(std::uint32_t options, const WindowVisitor& visitor) const
 {
-    const AutoreleasePool pool;
-    // Null where nobody is logged in at the screen.
-    const auto windows
-        = CFRef<CFArrayRef>::adopt(CGWindowListCopyWindowInfo(options, kCGNullWindowID));
-    if (!arrayFrom(windows.get()))
-        return;
-    forEachIn(windows.get(), [&](CFTypeRef entry) {
-        if (const CFDictionaryRef window = dictionaryFrom(entry))
+    return forEachWindow(
+        options, [&](CFDictionaryRef window) { visitor(m_decoder.decode(window)); });
+}
+
+Listing MacWindowServer::enumerateWindows(
+    ProcessID owner, std::uint32_t options, const WindowVisitor& visitor) const
+{
+    // The system lists all or nothing; at least the texts of the others are not read.
+    return forEachWindow(options, [&](CFDictionaryRef window) {
+        if (m_decoder.ownerPID(window) == owner)
             visitor(m_decoder.decode(window));
     });
 }
@@ -81,7 +97,7 @@ std::optional<std::vector<ManagedDisplay>> MacWindowServer::managedDisplaySpaces
     return array ? std::optional{managedDisplaysFrom(array)} : std::nullopt;
 }
 
-std::vector<WindowID> MacWindowServer::windowsOfSpaces(
+std::optional<std::vector<WindowID>> MacWindowServer::windowsOfSpaces(
     ConnectionID connection, const std::vector<SpaceID>& spaces, std::uint32_t options) const
 {
     if (!m_symbols.copyWindowsWithOptionsAndTags)
@@ -93,7 +109,7 @@ std::vector<WindowID> MacWindowServer::windowsOfSpaces(
     const auto windows = CFRef<CFTypeRef>::adopt(m_symbols.copyWindowsWithOptionsAndTags(
         connection, anyOwner, numbers.get(), options, &setTags, &clearTags));
     const CFArrayRef array = arrayFrom(windows.get());
-    return array ? identifiersFrom<WindowID>(array) : std::vector<WindowID>{};
+    return array ? std::optional{identifiersFrom<WindowID>(array)} : std::nullopt;
 }
 
 std::optional<std::vector<SpaceID>> MacWindowServer::spacesOfWindows(

@@ -19,12 +19,13 @@ public:
     MacWindowServer(const PrivateSymbols&, DisplaySpaces);
 
     ConnectionID mainConnection() const override;
-    void enumerateWindows(std::uint32_t options,
-        const std::function<void(const CGWindowInfo&)>& visitor) const override;
+    Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const override;
+    Listing enumerateWindows(
+        ProcessID owner, std::uint32_t options, const WindowVisitor&) const override;
     std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
 
     std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const override;
-    std::vector<WindowID> windowsOfSpaces(
+    std::optional<std::vector<WindowID>> windowsOfSpaces(
         ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const override;
     std::optional<std::vector<SpaceID>> spacesOfWindows(
         ConnectionID, std::uint32_t mask, const std::vector<WindowID>&) const override;

@@ -55,13 +55,18 @@ WindowDecoder::WindowDecoder()
 {
 }
 
+std::optional<ProcessID> WindowDecoder::ownerPID(CFDictionaryRef window) const
+{
+    const auto pid = int32From(valueIn(window, m_ownerPID.get()));
+    return pid ? std::optional{ProcessID{*pid}} : std::nullopt;
+}
+
 CGWindowInfo WindowDecoder::decode(CFDictionaryRef window) const
 {
     CGWindowInfo info;
     if (auto number = int64From(valueIn(window, m_windowNumber.get())))
         info.windowNumber = WindowID{static_cast<std::uint32_t>(*number)};
-    if (auto pid = int32From(valueIn(window, m_ownerPID.get())))
-        info.ownerPID = ProcessID{*pid};
+    info.ownerPID = ownerPID(window);
     if (auto alpha = doubleFrom(valueIn(window, m_alpha.get())))
         info.alpha = static_cast<float>(*alpha);
     info.layer = int32From(valueIn(window, m_layer.get()));

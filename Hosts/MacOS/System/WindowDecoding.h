@@ -12,6 +12,7 @@ public:
     WindowDecoder();
 
     CGWindowInfo decode(CFDictionaryRef) const;
+    std::optional<ProcessID> ownerPID(CFDictionaryRef) const;
 
 private:
     CFRef<CFStringRef> m_windowNumber;

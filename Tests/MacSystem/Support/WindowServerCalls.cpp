@@ -132,8 +132,10 @@ CFArrayRef copyManagedDisplaySpaces(int connection)
 CFArrayRef copyWindowsWithOptionsAndTags(int connection, std::uint32_t, CFArrayRef spaces,
     std::uint32_t options, std::uint64_t*, std::uint64_t*)
 {
-    return give<CFArrayRef>("CopyWindowsWithOptionsAndTags", [=] {
-        return numbers(server().windowsOfSpaces(connection, identifiers<SpaceID>(spaces), options));
+    return give<CFArrayRef>("CopyWindowsWithOptionsAndTags", [=]() -> Value {
+        const auto windows
+            = server().windowsOfSpaces(connection, identifiers<SpaceID>(spaces), options);
+        return windows ? numbers(*windows) : Value{};
     });
 }
 
