@@ -360,7 +360,7 @@ TEST_F(BarManagerTest, barsAreWhereTheyBelongHoweverTheDisplaysChange)
             auto& frame = display->frame;
             EXPECT_EQ(shown->frame(), (Rect{frame.x, frame.y, frame.width, 36}));
         }
-        auto spaces = SpaceWindows{server(), desktop.displays()}.getSpaces(1);
+        auto spaces = SpaceWindows{server(), desktop.displays()}.getSpaces();
         for (auto& space : displays.empty() ? std::vector<SpaceWindows::Info>{} : spaces) {
             auto own = surfaces().panel(space.spaceID);
             EXPECT_EQ(own != nullptr, space.spaceType != kFullscreenSpaceType);

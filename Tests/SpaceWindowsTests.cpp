@@ -11,7 +11,6 @@ namespace {
 struct SpaceWindowsTest : testing::Test {
     FakeDesktop desktop;
     SpaceWindows spaces{desktop.windowServer(), desktop.displays()};
-    static constexpr auto kConnection = FakeWindowServer::kConnection;
 
     SpaceWindowsTest()
     {
@@ -36,7 +35,7 @@ struct SpaceWindowsTest : testing::Test {
     std::vector<SpaceID> ids() const
     {
         std::vector<SpaceID> found;
-        for (auto& info : spaces.getSpaces(kConnection))
+        for (auto& info : spaces.getSpaces())
             found.push_back(info.spaceID);
         return found;
     }
@@ -47,15 +46,14 @@ struct SpaceWindowsTest : testing::Test {
 TEST_F(SpaceWindowsTest, spacesComeInDisplayOrderThenSpaceOrder)
 {
     using Info = SpaceWindows::Info;
-    EXPECT_EQ(spaces.getSpaces(kConnection),
+    EXPECT_EQ(spaces.getSpaces(),
         (std::vector<Info>{
             {0, "37d8832a-aaaa", 0, SpaceID{1}, 0},
             {0, "37d8832a-aaaa", 1, SpaceID{2}, kFullscreenSpaceType},
             {1, "B", 0, SpaceID{10}, 0},
             {2, "C", 0, SpaceID{20}, 0},
         }));
-    EXPECT_EQ(
-        spaces.getActiveSpaceIDs(kConnection), (std::vector{SpaceID{2}, SpaceID{10}, SpaceID{20}}));
+    EXPECT_EQ(spaces.getActiveSpaceIDs(), (std::vector{SpaceID{2}, SpaceID{10}, SpaceID{20}}));
 }
 
 TEST_F(SpaceWindowsTest, displaysWithoutATextForAnIdentifierGetOne)
@@ -65,7 +63,7 @@ TEST_F(SpaceWindowsTest, displaysWithoutATextForAnIdentifierGetOne)
         displays[2].identifier = std::monostate{};
     });
 
-    auto infos = spaces.getSpaces(kConnection);
+    auto infos = spaces.getSpaces();
 
     EXPECT_EQ(infos[2].displayIdentifier, "-5");
     EXPECT_EQ(infos[3].displayIdentifier, "Display 2");
@@ -83,8 +81,8 @@ TEST_F(SpaceWindowsTest, theLongIdentifierGoesFirstAndSpacesWithoutAnyAreLeftOut
     });
 
     EXPECT_EQ(ids(), (std::vector{SpaceID{101}, SpaceID{0xFFFF'FFFF'FFFF'FFFF}, SpaceID{20}}));
-    EXPECT_EQ(spaces.getSpaces(kConnection)[0].spaceType, 0);
-    EXPECT_EQ(spaces.getActiveSpaceIDs(kConnection), std::vector{SpaceID{5}});
+    EXPECT_EQ(spaces.getSpaces()[0].spaceType, 0);
+    EXPECT_EQ(spaces.getActiveSpaceIDs(), std::vector{SpaceID{5}});
 }
 
 TEST_F(SpaceWindowsTest, identifiersMatchInAnyLetterCaseAndAliasesMeanTheMainDisplay)

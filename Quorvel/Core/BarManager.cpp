@@ -85,8 +85,7 @@ WindowAvoidanceManager::Bars BarManager::barsToAvoid()
                 return spaces;
             },
         .getMirrorScreenIndices = [this] { return m_panels.mirrorScreens(); },
-        .getSpaces
-        = [this] { return m_spaceWindows.getSpaces(m_platform.windowServer.mainConnection()); },
+        .getSpaces = [this] { return m_spaceWindows.getSpaces(); },
     };
 }
 
@@ -186,7 +185,7 @@ void BarManager::syncMirrorPanels()
 
 void BarManager::updateActiveSpacePanelVisibility()
 {
-    m_panels.orderFront(m_spaceWindows.getActiveSpaceIDs(m_platform.windowServer.mainConnection()));
+    m_panels.orderFront(m_spaceWindows.getActiveSpaceIDs());
 }
 
 void BarManager::closeAllPanels()
@@ -357,7 +356,7 @@ void BarManager::switchToSpace(SpaceID space, std::optional<ProcessID> yieldingB
 /// Windows that are left behind cannot be captured from elsewhere on every system.
 void BarManager::prefetchCurrentSpaces()
 {
-    for (auto space : m_spaceWindows.getActiveSpaceIDs(m_platform.windowServer.mainConnection())) {
+    for (auto space : m_spaceWindows.getActiveSpaceIDs()) {
         std::vector<WindowID> windows;
         auto& chips = m_viewModel.chipsBySpace.value();
         if (auto found = chips.find(space); found != chips.end()) {

@@ -141,7 +141,7 @@ std::map<MirrorKey, BarPanels::Spot> BarPanels::mirrorSpots(
 bool BarPanels::place()
 {
     auto screens = m_displays.screens();
-    auto spaces = m_spaceWindows.getSpaces(m_windowServer.mainConnection());
+    auto spaces = m_spaceWindows.getSpaces();
     if (spaces.empty() && !screens.empty())
         return false;
     auto ordinary = spots(spaces, screens, PanelKind::bar);
@@ -154,7 +154,7 @@ bool BarPanels::place()
 bool BarPanels::syncMirrorPanels()
 {
     auto screens = m_displays.screens();
-    auto spaces = m_spaceWindows.getSpaces(m_windowServer.mainConnection());
+    auto spaces = m_spaceWindows.getSpaces();
     if (spaces.empty() && !screens.empty())
         return false;
     placeMirrors(spots(spaces, screens, PanelKind::bar), screens);

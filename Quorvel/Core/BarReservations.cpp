@@ -5,7 +5,7 @@
 namespace quorvel {
 
 BarReservations::BarReservations(const Platform& platform, EdgeReservation edgeReservation)
-    : m_windowServer(platform.windowServer)
+    : m_windowReservations(platform.windowServer)
     , m_displays(platform.displays)
     , m_spaceWindows(platform.windowServer, platform.displays)
     , m_screenLog(platform.dispatch, platform.displays, platform.trace)
@@ -28,15 +28,14 @@ void BarReservations::applyDockRectRegistrations(
         if (screen.number && !screens.empty())
             wanted[*screen.number] = {screen.frame, screens.front().frame, barHeight};
     }
-    auto connection = m_windowServer.mainConnection();
     for (auto& [display, registration] : m_appliedDockRectRegistrations) {
         if (!wanted.contains(display))
-            m_windowServer.clearDockRectangle(connection, display);
+            m_windowReservations.clearDockRectangle(display);
     }
     for (auto& [display, registration] : wanted) {
         auto applied = m_appliedDockRectRegistrations.find(display);
         if (applied == m_appliedDockRectRegistrations.end() || applied->second != registration)
-            m_windowServer.setDockRectangle(connection, {display, registration.rectangle()});
+            m_windowReservations.setDockRectangle({display, registration.rectangle()});
     }
     m_appliedDockRectRegistrations = std::move(wanted);
 }

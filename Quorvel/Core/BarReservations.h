@@ -39,7 +39,7 @@ private:
         friend bool operator==(const DockRectRegistration&, const DockRectRegistration&) = default;
     };
 
-    WindowServer& m_windowServer;
+    Reservations& m_windowReservations;
     Displays& m_displays;
     SpaceWindows m_spaceWindows;
     ScreenLog m_screenLog;

@@ -86,12 +86,11 @@ void BarViewModel::refresh()
 {
     m_refresh = {};
     ++m_debugEventSequence;
-    auto connection = m_windowServer.mainConnection();
-    auto found = m_spaceWindows.getSpaces(connection);
+    auto found = m_spaceWindows.getSpaces();
     // With a screen there is a space: no answer says nothing about the windows.
     if (!found.empty() || m_displays.screens().empty())
         spaces.set(std::move(found));
-    activeSpaceID.set(m_windowServer.activeSpace(connection));
+    activeSpaceID.set(m_windowServer.activeSpace());
 
     auto focus = resolveFocus();
     m_trace.line("refresh focus store={} pendingIn={} effective={} reason={}{}",

@@ -14,7 +14,7 @@ constexpr int kBeforeFirstIdentifier = 117;
 void DesktopShortcuts::restore()
 {
     for (int identifier : std::exchange(m_enabled, {}))
-        m_windowServer.setSymbolicHotKeyEnabled(identifier, false);
+        m_input.setSymbolicHotKeyEnabled(identifier, false);
 }
 
 std::optional<SymbolicHotKey> DesktopShortcuts::desktopSwitchShortcut(int desktopNumber)
@@ -22,10 +22,10 @@ std::optional<SymbolicHotKey> DesktopShortcuts::desktopSwitchShortcut(int deskto
     if (desktopNumber < 1 || desktopNumber > kMostDesktops)
         return {};
     int identifier = kBeforeFirstIdentifier + desktopNumber;
-    auto keys = m_windowServer.symbolicHotKey(identifier);
-    if (!keys || m_windowServer.isSymbolicHotKeyEnabled(identifier))
+    auto keys = m_input.symbolicHotKey(identifier);
+    if (!keys || m_input.isSymbolicHotKeyEnabled(identifier))
         return keys;
-    if (!m_windowServer.setSymbolicHotKeyEnabled(identifier, true))
+    if (!m_input.setSymbolicHotKeyEnabled(identifier, true))
         return {};
     m_enabled.insert(identifier);
     return keys;
@@ -33,8 +33,8 @@ std::optional<SymbolicHotKey> DesktopShortcuts::desktopSwitchShortcut(int deskto
 
 void DesktopShortcuts::press(const SymbolicHotKey& keys)
 {
-    m_windowServer.postKeyEvent(keys.keyCode, KeyAction::down, keys.modifierFlags);
-    m_windowServer.postKeyEvent(keys.keyCode, KeyAction::up, 0);
+    m_input.postKeyEvent(keys.keyCode, KeyAction::down, keys.modifierFlags);
+    m_input.postKeyEvent(keys.keyCode, KeyAction::up, 0);
 }
 
 }

@@ -3,7 +3,7 @@
 #include <optional>
 #include <set>
 
-#include "Quorvel/Platform/WindowServer.h"
+#include "Quorvel/Platform/SyntheticInput.h"
 
 namespace quorvel {
 
@@ -11,7 +11,7 @@ namespace quorvel {
 /// off are switched on when needed, and off again in the end. Main thread.
 class DesktopShortcuts {
 public:
-    explicit DesktopShortcuts(WindowServer& windowServer) : m_windowServer(windowServer) { }
+    explicit DesktopShortcuts(SyntheticInput& input) : m_input(input) { }
     ~DesktopShortcuts() { restore(); }
     DesktopShortcuts(const DesktopShortcuts&) = delete;
     DesktopShortcuts& operator=(const DesktopShortcuts&) = delete;
@@ -23,7 +23,7 @@ public:
     void restore();
 
 private:
-    WindowServer& m_windowServer;
+    SyntheticInput& m_input;
     std::set<int> m_enabled; ///< by us
 };
 

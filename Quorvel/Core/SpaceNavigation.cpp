@@ -38,7 +38,7 @@ const SpaceWindows::Info* SpaceNavigation::info(SpaceID space) const
 
 bool SpaceNavigation::isCurrent(SpaceID space) const
 {
-    auto active = m_spaceWindows.getActiveSpaceIDs(m_windowServer.mainConnection());
+    auto active = m_spaceWindows.getActiveSpaceIDs();
     return std::ranges::find(active, space) != active.end();
 }
 

@@ -94,7 +94,7 @@ std::vector<WindowAvoidanceManager::Resize> WindowAvoidanceManager::findOverlaps
 
     const auto panels = m_bars.getPanels();
     const auto spaces = m_bars.getSpaces();
-    for (auto space : m_spaceWindows.getActiveSpaceIDs(m_windowServer.mainConnection())) {
+    for (auto space : m_spaceWindows.getActiveSpaceIDs()) {
         const auto info = std::ranges::find(spaces, space, &SpaceWindows::Info::spaceID);
         if (!panels.contains(space) || info == spaces.end())
             continue;

@@ -103,8 +103,7 @@ bool WindowMoves::begin(WindowID window, SpaceID from, SpaceID to)
 bool WindowMoves::moveDirectly(WindowID window, SpaceID target) const
 {
     m_spaceWindows.moveWindowExclusively(window, target);
-    auto spaces
-        = m_windowServer.spacesOfWindows(m_windowServer.mainConnection(), kAllSpacesMask, {window});
+    auto spaces = m_windowServer.spacesOfWindows(kAllSpacesMask, {window});
     return spaces && *spaces == std::vector{target};
 }
 
@@ -232,7 +231,7 @@ void WindowMoves::abandon()
 bool WindowMoves::isOnTop(WindowID window, Point at) const
 {
     std::optional<WindowID> top;
-    auto current = m_spaceWindows.getActiveSpaceIDs(m_windowServer.mainConnection());
+    auto current = m_spaceWindows.getActiveSpaceIDs();
     m_windowServer.enumerateWindows(
         kWindowListExcludeDesktopElements, [&](const CGWindowInfo& entry) {
             bool isThere = entry.bounds && entry.bounds->contains(at) && entry.windowNumber;

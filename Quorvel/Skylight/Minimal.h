@@ -9,7 +9,7 @@
 
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Identifiers.h"
-#include "Quorvel/Platform/WindowServer.h"
+#include "Quorvel/Platform/WindowList.h"
 
 namespace quorvel {
 

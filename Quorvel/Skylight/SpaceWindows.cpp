@@ -46,10 +46,10 @@ std::string normalizedDisplayIdentifier(std::string_view identifier)
     return normalized;
 }
 
-std::vector<SpaceWindows::Info> SpaceWindows::getSpaces(WindowServer::ConnectionID connection) const
+std::vector<SpaceWindows::Info> SpaceWindows::getSpaces() const
 {
     std::vector<Info> infos;
-    auto displays = m_windowServer.managedDisplaySpaces(connection);
+    auto displays = m_windowServer.managedDisplaySpaces();
     if (!displays)
         return infos;
     int displayIndex = 0;
@@ -68,10 +68,10 @@ std::vector<SpaceWindows::Info> SpaceWindows::getSpaces(WindowServer::Connection
     return infos;
 }
 
-std::vector<SpaceID> SpaceWindows::getActiveSpaceIDs(WindowServer::ConnectionID connection) const
+std::vector<SpaceID> SpaceWindows::getActiveSpaceIDs() const
 {
     std::vector<SpaceID> ids;
-    auto displays = m_windowServer.managedDisplaySpaces(connection);
+    auto displays = m_windowServer.managedDisplaySpaces();
     if (!displays)
         return ids;
     for (auto& display : *displays) {
@@ -85,20 +85,18 @@ std::vector<SpaceID> SpaceWindows::getActiveSpaceIDs(WindowServer::ConnectionID 
 
 void SpaceWindows::moveWindowExclusively(WindowID window, SpaceID target) const
 {
-    auto connection = m_windowServer.mainConnection();
-    m_windowServer.addWindowsToSpaces(connection, {window}, {target});
-    auto spaces = m_windowServer.spacesOfWindows(connection, kAllSpacesMask, {window});
+    m_windowServer.addWindowsToSpaces({window}, {target});
+    auto spaces = m_windowServer.spacesOfWindows(kAllSpacesMask, {window});
     if (!spaces)
         return;
     std::erase(*spaces, target);
     if (!spaces->empty())
-        m_windowServer.removeWindowsFromSpaces(connection, {window}, *spaces);
+        m_windowServer.removeWindowsFromSpaces({window}, *spaces);
 }
 
 void SpaceWindows::setBottomEdgeReservation(SpaceID space, double height, ScreenLog& log) const
 {
-    m_windowServer.setEdgeReservation(
-        m_windowServer.mainConnection(), space, ScreenEdge::bottom, height);
+    m_windowServer.setEdgeReservation(space, ScreenEdge::bottom, height);
     log.writeSoon();
 }
 

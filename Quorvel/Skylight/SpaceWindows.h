@@ -36,9 +36,9 @@ public:
     }
 
     /// Every space of every display, in display order, then space order.
-    std::vector<Info> getSpaces(WindowServer::ConnectionID) const;
+    std::vector<Info> getSpaces() const;
     /// The current space of each display; displays whose space cannot be read are left out.
-    std::vector<SpaceID> getActiveSpaceIDs(WindowServer::ConnectionID) const;
+    std::vector<SpaceID> getActiveSpaceIDs() const;
 
     /// Puts the window on this space and takes it off every other; it is never on none.
     void moveWindowExclusively(WindowID, SpaceID) const;

@@ -39,15 +39,14 @@ WindowScanner::WindowScanner(Accessibility& accessibility, WindowServer& windowS
 {
 }
 
-WindowSpacesMap WindowScanner::buildWindowSpacesMap(WindowServer::ConnectionID connection) const
+WindowSpacesMap WindowScanner::buildWindowSpacesMap() const
 {
     WindowSpacesMap map;
-    auto spaces = m_spaceWindows.getSpaces(connection);
+    auto spaces = m_spaceWindows.getSpaces();
     if (spaces.empty())
         map.setUnknown();
     for (auto& info : spaces) {
-        auto windows
-            = m_windowServer.windowsOfSpaces(connection, {info.spaceID}, kSpaceWindowOptions);
+        auto windows = m_windowServer.windowsOfSpaces({info.spaceID}, kSpaceWindowOptions);
         if (!windows)
             map.addUnlisted(info.spaceID);
         for (auto window : windows.value_or(std::vector<WindowID>{}))
@@ -57,17 +56,16 @@ WindowSpacesMap WindowScanner::buildWindowSpacesMap(WindowServer::ConnectionID c
     return map;
 }
 
-std::set<SpaceID> WindowScanner::querySpaces(
-    WindowID window, WindowServer::ConnectionID connection) const
+std::set<SpaceID> WindowScanner::querySpaces(WindowID window) const
 {
-    auto spaces = m_windowServer.spacesOfWindows(connection, kAllSpacesMask, {window});
+    auto spaces = m_windowServer.spacesOfWindows(kAllSpacesMask, {window});
     return spaces ? std::set<SpaceID>(spaces->begin(), spaces->end()) : std::set<SpaceID>{};
 }
 
 WindowScanner::Moment WindowScanner::lookAt(ProcessID pid) const
 {
     Moment moment;
-    moment.spaces = buildWindowSpacesMap(m_windowServer.mainConnection());
+    moment.spaces = buildWindowSpacesMap();
     moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
     auto& windows = moment.windowsByOwner[pid];
     moment.listing = m_windowServer.enumerateWindows(pid, kWindowListExcludeDesktopElements,
@@ -79,7 +77,7 @@ WindowScanner::Moment WindowScanner::lookAtAll() const
 {
     Moment moment;
     moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
-    moment.spaces = buildWindowSpacesMap(m_windowServer.mainConnection());
+    moment.spaces = buildWindowSpacesMap();
     moment.listing = m_windowServer.enumerateWindows(
         kWindowListExcludeDesktopElements, [&](const CGWindowInfo& window) {
             if (window.ownerPID && moment.eligiblePIDs.contains(*window.ownerPID))
@@ -145,7 +143,7 @@ bool WindowScanner::admit(const CGWindowInfo& window, const AXWindowMetadataByID
     // The lists of the spaces leave minimised windows out.
     bool mayBeUnlisted = candidate.isMinimized.value_or(false) || !moment.spaces.isComplete();
     if (candidate.spaces.empty() && mayBeUnlisted)
-        candidate.spaces = querySpaces(id, mainConnection());
+        candidate.spaces = querySpaces(id);
     return result.candidates.emplace(id, std::move(candidate)).second;
 }
 

@@ -91,10 +91,9 @@ public:
     std::optional<std::string> readTitle(ProcessID, const AXElement&);
     std::optional<Rect> readFrame(ProcessID, const AXElement&);
 
-    WindowSpacesMap buildWindowSpacesMap(WindowServer::ConnectionID) const;
+    WindowSpacesMap buildWindowSpacesMap() const;
     /// Asks for one window at a time, since asking for several answers with the union.
-    std::set<SpaceID> querySpaces(WindowID, WindowServer::ConnectionID) const;
-    WindowServer::ConnectionID mainConnection() const { return m_windowServer.mainConnection(); }
+    std::set<SpaceID> querySpaces(WindowID) const;
 
 private:
     std::optional<std::string> readTitleFromAX(ProcessID, WindowID);

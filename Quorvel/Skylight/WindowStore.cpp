@@ -189,7 +189,7 @@ std::set<SpaceID> WindowStore::spacesNow(const TrackedWindow& window, std::set<S
     auto isUnlisted = [&](SpaceID space) { return unlistedSpaces.contains(space); };
     if (!listed.empty() && std::ranges::none_of(window.spaceIDs, isUnlisted))
         return listed;
-    auto spaces = m_scanner.querySpaces(window.windowID, m_scanner.mainConnection());
+    auto spaces = m_scanner.querySpaces(window.windowID);
     return spaces.empty() ? window.spaceIDs : spaces;
 }
 
@@ -297,7 +297,7 @@ void WindowStore::populateProcess(ProcessID pid, const WindowScanner::Moment& mo
     for (auto& [id, candidate] : scan.candidates) {
         needsRescan |= !candidate.isAXConfirmed;
         if (candidate.spaces.empty())
-            candidate.spaces = m_scanner.querySpaces(id, m_scanner.mainConnection());
+            candidate.spaces = m_scanner.querySpaces(id);
         track(id, pid, candidate);
     }
     if (needsRescan)
@@ -370,7 +370,7 @@ void WindowStore::removeWindows(ProcessID pid)
 
 void WindowStore::refreshSpaces()
 {
-    auto map = m_scanner.buildWindowSpacesMap(m_scanner.mainConnection());
+    auto map = m_scanner.buildWindowSpacesMap();
     bool hasChanged = false;
     for (auto& [id, window] : m_windows) {
         auto spaces = spacesNow(window, map.spaces(id), map.unlistedSpaces());
@@ -396,7 +396,7 @@ void WindowStore::resyncMinimizedWindows()
         if (auto metadata = metadataByID.find(id); metadata != metadataByID.end())
             window.isMinimized = metadata->second.isMinimized.value_or(window.isMinimized);
         if (window.isMinimized && window.spaceIDs.empty())
-            window.spaceIDs = m_scanner.querySpaces(id, m_scanner.mainConnection());
+            window.spaceIDs = m_scanner.querySpaces(id);
         hasChanged |= window != before;
     }
     if (hasChanged)

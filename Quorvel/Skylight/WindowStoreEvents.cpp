@@ -78,7 +78,7 @@ void WindowStore::admitCreatedWindow(
         .isMinimized = metadata.isMinimized,
     };
     if (candidate.spaces.empty() && candidate.isMinimized.value_or(false))
-        candidate.spaces = m_scanner.querySpaces(id, m_scanner.mainConnection());
+        candidate.spaces = m_scanner.querySpaces(id);
     if (auto* window = tracked(id)) {
         m_reconcileStateByWindowID.insert_or_assign(id, Active{});
         if (updateTracked(*window, event.pid, candidate))

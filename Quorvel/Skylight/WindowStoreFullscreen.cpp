@@ -36,8 +36,7 @@ std::optional<ProcessID> ownerOf(WindowID id, const WindowScanner::Moment& momen
 std::optional<WindowID> WindowStore::trackSoleWindow(SpaceID space)
 {
     AXCalls::Scan hungOnlyOnce(m_scanner.calls());
-    auto listed
-        = m_windowServer.windowsOfSpaces(m_scanner.mainConnection(), {space}, kSpaceWindowOptions);
+    auto listed = m_windowServer.windowsOfSpaces({space}, kSpaceWindowOptions);
     auto moment = m_scanner.lookAtAll();
     ScansByPID scans;
     std::vector<WindowID> candidates;
@@ -65,7 +64,7 @@ bool WindowStore::trackOnSpace(WindowID id, SpaceID space, const WindowScanner::
     if (candidate == found.end())
         return false;
     auto& spaces = candidate->second.spaces;
-    spaces = m_scanner.querySpaces(id, m_scanner.mainConnection());
+    spaces = m_scanner.querySpaces(id);
     if (spaces.empty())
         spaces = {space}; // where it was found
     if (auto* window = tracked(id)) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "Quorvel/Platform/WindowServer.h"
+#include "Quorvel/Platform/Spaces.h"
 
 namespace quorvel {
 
@@ -20,7 +20,7 @@ void count(SpaceCellData& cell, const BarViewModel::ChipsBySpace& chips)
 }
 
 std::vector<SpaceCellData> spaceCells(
-    const BarViewModel& viewModel, const WindowServer& windowServer, SpaceID current)
+    const BarViewModel& viewModel, const Spaces& platformSpaces, SpaceID current)
 {
     auto& spaces = viewModel.spaces.value();
     auto own = std::ranges::find(spaces, current, &SpaceWindows::Info::spaceID);
@@ -37,7 +37,7 @@ std::vector<SpaceCellData> spaceCells(
         cell.id = space.spaceID;
         cell.label = isFullscreen ? "\u25A2" : std::to_string(number);
         cell.name = isFullscreen ? "Full Screen" : "Desktop " + std::to_string(number);
-        if (auto name = windowServer.spaceName(space.spaceID); name && !name->empty())
+        if (auto name = platformSpaces.spaceName(space.spaceID); name && !name->empty())
             cell.name = *name;
         cell.isFullscreen = isFullscreen;
         cell.isCurrent = space.spaceID == current;

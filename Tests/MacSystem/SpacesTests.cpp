@@ -31,7 +31,7 @@ TEST_F(MacSpacesTest, spacesKeepTheirPlacesWhateverTheirEntriesLack)
                 {"Spaces", dictionary({})}, {"Current Space", number(3)}}),
             dictionary({{"Display Identifier", truth(true)}})}));
 
-    const auto displays = makeWindowServer().managedDisplaySpaces(1);
+    const auto displays = makeWindowServer().managedDisplaySpaces();
 
     ASSERT_TRUE(displays);
     ASSERT_EQ(displays->size(), 4u);
@@ -64,18 +64,18 @@ TEST_F(MacSpacesTest, anAnswerThatIsNoListIsAFailureAndForeignEntriesAreLeftOut)
         for (const auto* call :
             {"CopyManagedDisplaySpaces", "CopySpacesForWindows", "CopyWindowsWithOptionsAndTags"})
             mac.answer(call, wrong);
-        EXPECT_EQ(server.managedDisplaySpaces(1).has_value(), false);
-        EXPECT_EQ(server.spacesOfWindows(1, kAllSpacesMask, {WindowID{1}}), std::nullopt);
-        EXPECT_FALSE(server.windowsOfSpaces(1, {SpaceID{1}}, 2));
+        EXPECT_EQ(server.managedDisplaySpaces().has_value(), false);
+        EXPECT_EQ(server.spacesOfWindows(kAllSpacesMask, {WindowID{1}}), std::nullopt);
+        EXPECT_FALSE(server.windowsOfSpaces({SpaceID{1}}, 2));
     }
 
     const auto mixed = array({number(8, kCFNumberSInt8Type), null(), truth(true), text("9"),
         number(std::int64_t{1} << 40), number(10)});
     mac.answer("CopySpacesForWindows", mixed);
     mac.answer("CopyWindowsWithOptionsAndTags", array({truth(true), number(11), text("12")}));
-    EXPECT_THAT(*server.spacesOfWindows(1, kAllSpacesMask, {WindowID{1}}),
+    EXPECT_THAT(*server.spacesOfWindows(kAllSpacesMask, {WindowID{1}}),
         ElementsAre(SpaceID{8}, SpaceID{1ULL << 40}, SpaceID{10}));
-    EXPECT_THAT(server.windowsOfSpaces(1, {SpaceID{1}}, 2), Optional(ElementsAre(WindowID{11})));
+    EXPECT_THAT(server.windowsOfSpaces({SpaceID{1}}, 2), Optional(ElementsAre(WindowID{11})));
 }
 
 TEST_F(MacSpacesTest, callsThatTheSystemLacksAnswerWithNothing)
@@ -83,14 +83,13 @@ TEST_F(MacSpacesTest, callsThatTheSystemLacksAnswerWithNothing)
     const auto window = desktop.open(desktop.launch());
     MacWindowServer server{PrivateSymbols{}, MacWindowServer::DisplaySpaces::shared};
 
-    EXPECT_EQ(server.mainConnection(), 0);
-    EXPECT_FALSE(server.managedDisplaySpaces(0).has_value());
-    EXPECT_FALSE(server.windowsOfSpaces(0, {SpaceID{1}}, 2));
-    EXPECT_FALSE(server.spacesOfWindows(0, kAllSpacesMask, {window}).has_value());
-    EXPECT_EQ(server.activeSpace(0), SpaceID{});
-    server.addWindowsToSpaces(0, {window}, {SpaceID{2}});
-    server.removeWindowsFromSpaces(0, {window}, {SpaceID{1}});
-    server.setEdgeReservation(0, SpaceID{1}, ScreenEdge::bottom, 40);
+    EXPECT_FALSE(server.managedDisplaySpaces().has_value());
+    EXPECT_FALSE(server.windowsOfSpaces({SpaceID{1}}, 2));
+    EXPECT_FALSE(server.spacesOfWindows(kAllSpacesMask, {window}).has_value());
+    EXPECT_EQ(server.activeSpace(), SpaceID{});
+    server.addWindowsToSpaces({window}, {SpaceID{2}});
+    server.removeWindowsFromSpaces({window}, {SpaceID{1}});
+    server.setEdgeReservation(SpaceID{1}, ScreenEdge::bottom, 40);
     EXPECT_FALSE(server.symbolicHotKey(118));
     EXPECT_FALSE(server.isSymbolicHotKeyEnabled(118));
     EXPECT_FALSE(server.setSymbolicHotKeyEnabled(118, true));
@@ -106,9 +105,9 @@ TEST_F(MacSpacesTest, aPrivateCallIsFoundUnderItsOlderNameWhereSkyLightHasItNot)
 {
     const auto window = desktop.open(desktop.launch());
     mac.removeSymbol("CGSMainConnectionID");
-    EXPECT_EQ(makeWindowServer().mainConnection(), FakeWindowServer::kConnection);
+    EXPECT_TRUE(makeWindowServer().managedDisplaySpaces());
     mac.removeSymbol("SLSMainConnectionID");
-    EXPECT_EQ(makeWindowServer().mainConnection(), 0);
+    EXPECT_FALSE(makeWindowServer().managedDisplaySpaces()) << "not connected";
     mac.removeSymbol("SLSMoveWindowsToManagedSpace");
     EXPECT_TRUE(makeWindowServer().moveOwnWindow(window, SpaceID{2}));
     EXPECT_THAT(desktop.window(window).spaces, ElementsAre(SpaceID{2}));
@@ -117,8 +116,8 @@ TEST_F(MacSpacesTest, aPrivateCallIsFoundUnderItsOlderNameWhereSkyLightHasItNot)
 
     mac.removeSkyLight();
     auto server = makeWindowServer();
-    EXPECT_EQ(server.activeSpace(1), SpaceID{1});
-    server.setEdgeReservation(1, SpaceID{3}, ScreenEdge::bottom, 40);
+    EXPECT_EQ(server.activeSpace(), SpaceID{1});
+    server.setEdgeReservation(SpaceID{3}, ScreenEdge::bottom, 40);
     EXPECT_EQ(desktop.windowServer().edgeReservations().at(SpaceID{3}), 40);
 }
 
@@ -144,7 +143,7 @@ TEST_F(MacSpacesTest, theKeysOfADesktopAreReadEnabledAndPostedAsTheUserWouldPres
     EXPECT_THAT(desktop.windowServer().postedKeys(),
         ElementsAre(FakeWindowServer::PostedKey{19, KeyAction::down, control},
             FakeWindowServer::PostedKey{19, KeyAction::up, 0}));
-    EXPECT_EQ(server.activeSpace(1), SpaceID{2});
+    EXPECT_EQ(server.activeSpace(), SpaceID{2});
 
     const std::vector<std::pair<PointerPost, Point>> hand{{PointerPost::moved, {1, 2}},
         {PointerPost::pressed, {1, 2}}, {PointerPost::dragged, {3, 4}},
@@ -163,11 +162,9 @@ TEST_F(MacSpacesTest, aMovedWindowIsOnItsNewSpaceBeforeItLeavesTheOld)
 
     spaces.moveWindowExclusively(window, SpaceID{3});
 
-    const auto connection = server.mainConnection();
+    EXPECT_THAT(*server.spacesOfWindows(kAllSpacesMask, {window}), ElementsAre(SpaceID{3}));
     EXPECT_THAT(
-        *server.spacesOfWindows(connection, kAllSpacesMask, {window}), ElementsAre(SpaceID{3}));
-    EXPECT_THAT(server.windowsOfSpaces(connection, {SpaceID{3}}, kSpaceWindowOptions),
-        Optional(ElementsAre(window)));
+        server.windowsOfSpaces({SpaceID{3}}, kSpaceWindowOptions), Optional(ElementsAre(window)));
     ASSERT_FALSE(desktop.windowServer().moves().empty());
     EXPECT_EQ(desktop.windowServer().moves().front(),
         (FakeWindowServer::Moved{Change::add, window, SpaceID{3}}));

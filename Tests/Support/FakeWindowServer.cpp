@@ -72,8 +72,7 @@ Listing FakeWindowServer::enumerateWindows(std::uint32_t, const WindowVisitor& v
     return Listing::complete;
 }
 
-std::optional<std::vector<ManagedDisplay>> FakeWindowServer::managedDisplaySpaces(
-    ConnectionID) const
+std::optional<std::vector<ManagedDisplay>> FakeWindowServer::managedDisplaySpaces() const
 {
     if (m_failsSpaceLists)
         return std::nullopt;
@@ -91,7 +90,7 @@ std::optional<std::vector<ManagedDisplay>> FakeWindowServer::managedDisplaySpace
 }
 
 std::optional<std::vector<WindowID>> FakeWindowServer::windowsOfSpaces(
-    ConnectionID, const std::vector<SpaceID>& spaces, std::uint32_t options) const
+    const std::vector<SpaceID>& spaces, std::uint32_t options) const
 {
     if (m_failingSpace && std::ranges::count(spaces, *m_failingSpace) > 0)
         return std::nullopt;
@@ -110,7 +109,7 @@ std::optional<std::vector<WindowID>> FakeWindowServer::windowsOfSpaces(
 }
 
 std::optional<std::vector<SpaceID>> FakeWindowServer::spacesOfWindows(
-    ConnectionID, std::uint32_t, const std::vector<WindowID>& windows) const
+    std::uint32_t, const std::vector<WindowID>& windows) const
 {
     if (m_failsSpacesOfWindows)
         return std::nullopt;
@@ -122,7 +121,7 @@ std::optional<std::vector<SpaceID>> FakeWindowServer::spacesOfWindows(
     return std::vector(spaces.begin(), spaces.end());
 }
 
-SpaceID FakeWindowServer::activeSpace(ConnectionID) const
+SpaceID FakeWindowServer::activeSpace() const
 {
     auto& displays = m_desktop.model().displays;
     return displays.empty() ? SpaceID{} : displays.front().current;
@@ -142,7 +141,7 @@ bool FakeWindowServer::displaysHaveSeparateSpaces() const
 }
 
 void FakeWindowServer::addWindowsToSpaces(
-    ConnectionID, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+    const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
 {
     for (auto id : windows) {
         for (auto space : spaces) {
@@ -155,7 +154,7 @@ void FakeWindowServer::addWindowsToSpaces(
 }
 
 void FakeWindowServer::removeWindowsFromSpaces(
-    ConnectionID, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+    const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
 {
     for (auto id : windows) {
         for (auto space : spaces) {
@@ -173,7 +172,7 @@ void FakeWindowServer::announceMoves() const
         m_desktop.post([this] { spacesOfWindowsDidChange.emit(); });
 }
 
-void FakeWindowServer::setEdgeReservation(ConnectionID, SpaceID space, ScreenEdge, double height)
+void FakeWindowServer::setEdgeReservation(SpaceID space, ScreenEdge, double height)
 {
     if (height > 0)
         m_edgeReservations[space] = height;
@@ -181,13 +180,13 @@ void FakeWindowServer::setEdgeReservation(ConnectionID, SpaceID space, ScreenEdg
         m_edgeReservations.erase(space);
 }
 
-void FakeWindowServer::setDockRectangle(ConnectionID, const DockRectangle& rectangle)
+void FakeWindowServer::setDockRectangle(const DockRectangle& rectangle)
 {
     ++m_dockRectangleCalls;
     m_dockRectangles[rectangle.display] = rectangle.rect;
 }
 
-void FakeWindowServer::clearDockRectangle(ConnectionID, DisplayNumber display)
+void FakeWindowServer::clearDockRectangle(DisplayNumber display)
 {
     ++m_dockRectangleCalls;
     m_dockRectangles.erase(display);

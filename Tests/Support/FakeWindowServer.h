@@ -14,30 +14,26 @@ class FakeDesktop;
 /// The window list and the spaces, told from the desktop, as late and as wrong as a test asks for.
 class FakeWindowServer final : public WindowServer {
 public:
-    static constexpr ConnectionID kConnection = 77;
-
     explicit FakeWindowServer(FakeDesktop& desktop) : m_desktop(desktop) { }
 
-    ConnectionID mainConnection() const override { return kConnection; }
     Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const override;
     Listing enumerateWindows(
         ProcessID owner, std::uint32_t options, const WindowVisitor&) const override;
     std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override { return {}; }
-    std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const override;
+    std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces() const override;
     std::optional<std::vector<WindowID>> windowsOfSpaces(
-        ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const override;
+        const std::vector<SpaceID>&, std::uint32_t options) const override;
     std::optional<std::vector<SpaceID>> spacesOfWindows(
-        ConnectionID, std::uint32_t mask, const std::vector<WindowID>&) const override;
-    SpaceID activeSpace(ConnectionID) const override;
+        std::uint32_t mask, const std::vector<WindowID>&) const override;
+    SpaceID activeSpace() const override;
     std::optional<std::string> spaceName(SpaceID) const override;
     bool displaysHaveSeparateSpaces() const override;
-    void addWindowsToSpaces(
-        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void addWindowsToSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
     void removeWindowsFromSpaces(
-        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
-    void setEdgeReservation(ConnectionID, SpaceID, ScreenEdge, double height) override;
-    void setDockRectangle(ConnectionID, const DockRectangle&) override;
-    void clearDockRectangle(ConnectionID, DisplayNumber) override;
+        const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void setEdgeReservation(SpaceID, ScreenEdge, double height) override;
+    void setDockRectangle(const DockRectangle&) override;
+    void clearDockRectangle(DisplayNumber) override;
     std::optional<SymbolicHotKey> symbolicHotKey(int identifier) const override;
     bool isSymbolicHotKeyEnabled(int identifier) const override;
     bool setSymbolicHotKeyEnabled(int identifier, bool) override;

@@ -77,7 +77,6 @@ struct Host : HostServices {
         auto& accessibility = services.accessibility();
         auto& displays = services.displays();
         int count = 0;
-        auto connectionID = server.mainConnection();
         std::vector<CGWindowInfo> listed; // nothing may be asked from inside the listing
         server.enumerateWindows(kWindowListExcludeDesktopElements,
             [&](const CGWindowInfo& window) { listed.push_back(window); });
@@ -91,13 +90,12 @@ struct Host : HostServices {
                 for (auto& element : *windows)
                     accessibility.copyAttribute(element, ax::title);
             }
-            server.spacesOfWindows(connectionID, kAllSpacesMask, {*window.windowNumber});
+            server.spacesOfWindows(kAllSpacesMask, {*window.windowNumber});
         }
         for (auto& display :
-            server.managedDisplaySpaces(connectionID).value_or(std::vector<ManagedDisplay>{})) {
+            server.managedDisplaySpaces().value_or(std::vector<ManagedDisplay>{})) {
             for (auto& space : display.spaces)
-                server.windowsOfSpaces(
-                    connectionID, {SpaceID{space.id64.value_or(0)}}, kSpaceWindowOptions);
+                server.windowsOfSpaces({SpaceID{space.id64.value_or(0)}}, kSpaceWindowOptions);
         }
         displays.displayAt(displays.pointerLocation());
         displays.screens();
@@ -207,7 +205,7 @@ TEST_F(SideBySideTest, windowsAreShortenedAndBadgesPolledWhileApplicationsComeAn
             WindowAvoidanceManager::Bars{
                 [] { return std::set{SpaceID{1}}; },
                 [] { return std::vector<std::size_t>{}; },
-                [&] { return spaces.getSpaces(services.windowServer().mainConnection()); },
+                [&] { return spaces.getSpaces(); },
             });
         avoidance->setBarHeight(36);
     };

@@ -53,9 +53,8 @@ protected:
         WindowID number{};
         accessibility().windowIDResolver()(*element, number);
         auto& windows = host->services.windowServer();
-        const auto here = windows.mainConnection();
-        const auto spaces = windows.spacesOfWindows(here, kAllSpacesMask, {number});
-        return value && *value == isMinimised && windows.activeSpace(here) == SpaceID{1}
+        const auto spaces = windows.spacesOfWindows(kAllSpacesMask, {number});
+        return value && *value == isMinimised && windows.activeSpace() == SpaceID{1}
         && spaces == std::vector{SpaceID{kFar + 1}};
     }
     Accessibility& accessibility() { return host->services.accessibility(); }

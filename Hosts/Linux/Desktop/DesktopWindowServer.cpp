@@ -85,8 +85,7 @@ std::optional<std::uint32_t> DesktopWindowServer::nativeWindowNumber(WindowID id
     });
 }
 
-std::optional<std::vector<ManagedDisplay>> DesktopWindowServer::managedDisplaySpaces(
-    ConnectionID) const
+std::optional<std::vector<ManagedDisplay>> DesktopWindowServer::managedDisplaySpaces() const
 {
     return m_model.read([](const DesktopModel& model) {
         std::vector<ManagedDisplay> displays;
@@ -104,7 +103,7 @@ std::optional<std::vector<ManagedDisplay>> DesktopWindowServer::managedDisplaySp
 }
 
 std::optional<std::vector<WindowID>> DesktopWindowServer::windowsOfSpaces(
-    ConnectionID, const std::vector<SpaceID>& spaces, std::uint32_t) const
+    const std::vector<SpaceID>& spaces, std::uint32_t) const
 {
     return m_model.read([&](const DesktopModel& model) {
         std::vector<WindowID> windows;
@@ -119,7 +118,7 @@ std::optional<std::vector<WindowID>> DesktopWindowServer::windowsOfSpaces(
 }
 
 std::optional<std::vector<SpaceID>> DesktopWindowServer::spacesOfWindows(
-    ConnectionID, std::uint32_t, const std::vector<WindowID>& windows) const
+    std::uint32_t, const std::vector<WindowID>& windows) const
 {
     return m_model.read([&](const DesktopModel& model) {
         std::vector<SpaceID> spaces;
@@ -136,7 +135,7 @@ std::optional<std::vector<SpaceID>> DesktopWindowServer::spacesOfWindows(
     });
 }
 
-SpaceID DesktopWindowServer::activeSpace(ConnectionID) const
+SpaceID DesktopWindowServer::activeSpace() const
 {
     return m_model.read([](const DesktopModel& model) { return model.activeSpace; });
 }
@@ -152,7 +151,7 @@ std::optional<std::string> DesktopWindowServer::spaceName(SpaceID space) const
 }
 
 void DesktopWindowServer::addWindowsToSpaces(
-    ConnectionID, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+    const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
 {
     changeSpaces(windows, spaces, [](std::vector<SpaceID>& wanted, SpaceID space) {
         std::erase(wanted, space);
@@ -161,7 +160,7 @@ void DesktopWindowServer::addWindowsToSpaces(
 }
 
 void DesktopWindowServer::removeWindowsFromSpaces(
-    ConnectionID, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+    const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
 {
     changeSpaces(windows, spaces,
         [](std::vector<SpaceID>& wanted, SpaceID space) { std::erase(wanted, space); });
@@ -186,7 +185,7 @@ void DesktopWindowServer::changeSpaces(
     m_requests.sendToWantedSpaces();
 }
 
-void DesktopWindowServer::setEdgeReservation(ConnectionID, SpaceID space, ScreenEdge, double height)
+void DesktopWindowServer::setEdgeReservation(SpaceID space, ScreenEdge, double height)
 {
     auto reservations = m_environment.edgeReservations.value();
     if (height > 0)
@@ -196,14 +195,14 @@ void DesktopWindowServer::setEdgeReservation(ConnectionID, SpaceID space, Screen
     m_environment.edgeReservations.set(std::move(reservations));
 }
 
-void DesktopWindowServer::setDockRectangle(ConnectionID, const DockRectangle& dock)
+void DesktopWindowServer::setDockRectangle(const DockRectangle& dock)
 {
     auto heights = m_environment.dockHeights.value();
     heights[dock.display] = dock.rect.height;
     m_environment.dockHeights.set(std::move(heights));
 }
 
-void DesktopWindowServer::clearDockRectangle(ConnectionID, DisplayNumber display)
+void DesktopWindowServer::clearDockRectangle(DisplayNumber display)
 {
     auto heights = m_environment.dockHeights.value();
     heights.erase(display);

@@ -15,28 +15,26 @@ class DesktopWindowServer final : public WindowServer {
 public:
     DesktopWindowServer(SharedModel&, DesktopTracker&, DesktopRequests&, PanelEnvironment&);
 
-    ConnectionID mainConnection() const override { return 1; }
     Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const override;
     Listing enumerateWindows(
         ProcessID owner, std::uint32_t options, const WindowVisitor&) const override;
     std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
 
-    std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const override;
+    std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces() const override;
     std::optional<std::vector<WindowID>> windowsOfSpaces(
-        ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const override;
+        const std::vector<SpaceID>&, std::uint32_t options) const override;
     std::optional<std::vector<SpaceID>> spacesOfWindows(
-        ConnectionID, std::uint32_t mask, const std::vector<WindowID>&) const override;
-    SpaceID activeSpace(ConnectionID) const override;
+        std::uint32_t mask, const std::vector<WindowID>&) const override;
+    SpaceID activeSpace() const override;
     std::optional<std::string> spaceName(SpaceID) const override;
     bool displaysHaveSeparateSpaces() const override { return false; }
 
-    void addWindowsToSpaces(
-        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void addWindowsToSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
     void removeWindowsFromSpaces(
-        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
-    void setEdgeReservation(ConnectionID, SpaceID, ScreenEdge, double height) override;
-    void setDockRectangle(ConnectionID, const DockRectangle&) override;
-    void clearDockRectangle(ConnectionID, DisplayNumber) override;
+        const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void setEdgeReservation(SpaceID, ScreenEdge, double height) override;
+    void setDockRectangle(const DockRectangle&) override;
+    void clearDockRectangle(DisplayNumber) override;
 
     // There are no keys of the system to press, and windows are moved without a hand at the
     // pointer.

@@ -61,7 +61,7 @@ MacWindowServer::MacWindowServer(const PrivateSymbols& symbols, DisplaySpaces di
 {
 }
 
-WindowServer::ConnectionID MacWindowServer::mainConnection() const
+int MacWindowServer::connection() const
 {
     return m_symbols.mainConnectionID ? m_symbols.mainConnectionID() : 0;
 }
@@ -87,18 +87,17 @@ std::optional<std::uint32_t> MacWindowServer::nativeWindowNumber(WindowID window
     return raw(window);
 }
 
-std::optional<std::vector<ManagedDisplay>> MacWindowServer::managedDisplaySpaces(
-    ConnectionID connection) const
+std::optional<std::vector<ManagedDisplay>> MacWindowServer::managedDisplaySpaces() const
 {
     if (!m_symbols.copyManagedDisplaySpaces)
         return {};
-    const auto displays = CFRef<CFTypeRef>::adopt(m_symbols.copyManagedDisplaySpaces(connection));
+    const auto displays = CFRef<CFTypeRef>::adopt(m_symbols.copyManagedDisplaySpaces(connection()));
     const CFArrayRef array = arrayFrom(displays.get());
     return array ? std::optional{managedDisplaysFrom(array)} : std::nullopt;
 }
 
 std::optional<std::vector<WindowID>> MacWindowServer::windowsOfSpaces(
-    ConnectionID connection, const std::vector<SpaceID>& spaces, std::uint32_t options) const
+    const std::vector<SpaceID>& spaces, std::uint32_t options) const
 {
     if (!m_symbols.copyWindowsWithOptionsAndTags)
         return {};
@@ -107,26 +106,26 @@ std::optional<std::vector<WindowID>> MacWindowServer::windowsOfSpaces(
     std::uint64_t clearTags = 0;
     const auto numbers = makeNumbersOf(spaces);
     const auto windows = CFRef<CFTypeRef>::adopt(m_symbols.copyWindowsWithOptionsAndTags(
-        connection, anyOwner, numbers.get(), options, &setTags, &clearTags));
+        connection(), anyOwner, numbers.get(), options, &setTags, &clearTags));
     const CFArrayRef array = arrayFrom(windows.get());
     return array ? std::optional{identifiersFrom<WindowID>(array)} : std::nullopt;
 }
 
 std::optional<std::vector<SpaceID>> MacWindowServer::spacesOfWindows(
-    ConnectionID connection, std::uint32_t mask, const std::vector<WindowID>& windows) const
+    std::uint32_t mask, const std::vector<WindowID>& windows) const
 {
     if (!m_symbols.copySpacesForWindows)
         return {};
     const auto numbers = makeNumbersOf(windows);
     const auto spaces = CFRef<CFTypeRef>::adopt(
-        m_symbols.copySpacesForWindows(connection, static_cast<int>(mask), numbers.get()));
+        m_symbols.copySpacesForWindows(connection(), static_cast<int>(mask), numbers.get()));
     const CFArrayRef array = arrayFrom(spaces.get());
     return array ? std::optional{identifiersFrom<SpaceID>(array)} : std::nullopt;
 }
 
-SpaceID MacWindowServer::activeSpace(ConnectionID connection) const
+SpaceID MacWindowServer::activeSpace() const
 {
-    return SpaceID{m_symbols.getActiveSpace ? m_symbols.getActiveSpace(connection) : 0};
+    return SpaceID{m_symbols.getActiveSpace ? m_symbols.getActiveSpace(connection()) : 0};
 }
 
 std::optional<std::string> MacWindowServer::spaceName(SpaceID) const
@@ -139,39 +138,38 @@ bool MacWindowServer::displaysHaveSeparateSpaces() const
     return m_displaySpaces == DisplaySpaces::separate;
 }
 
-void MacWindowServer::addWindowsToSpaces(ConnectionID connection,
+void MacWindowServer::addWindowsToSpaces(
     const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
 {
     if (!m_symbols.addWindowsToSpaces)
         return;
     const auto windowNumbers = makeNumbersOf(windows);
     const auto spaceNumbers = makeNumbersOf(spaces);
-    m_symbols.addWindowsToSpaces(connection, windowNumbers.get(), spaceNumbers.get());
+    m_symbols.addWindowsToSpaces(connection(), windowNumbers.get(), spaceNumbers.get());
 }
 
-void MacWindowServer::removeWindowsFromSpaces(ConnectionID connection,
+void MacWindowServer::removeWindowsFromSpaces(
     const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
 {
     if (!m_symbols.removeWindowsFromSpaces)
         return;
     const auto windowNumbers = makeNumbersOf(windows);
     const auto spaceNumbers = makeNumbersOf(spaces);
-    m_symbols.removeWindowsFromSpaces(connection, windowNumbers.get(), spaceNumbers.get());
+    m_symbols.removeWindowsFromSpaces(connection(), windowNumbers.get(), spaceNumbers.get());
 }
 
-void MacWindowServer::setEdgeReservation(
-    ConnectionID connection, SpaceID space, ScreenEdge edge, double height)
+void MacWindowServer::setEdgeReservation(SpaceID space, ScreenEdge edge, double height)
 {
     if (m_symbols.spaceSetEdgeReservation)
         m_symbols.spaceSetEdgeReservation(
-            connection, raw(space), static_cast<int>(edge), 0, 0, 0, height);
+            connection(), raw(space), static_cast<int>(edge), 0, 0, 0, height);
 }
 
-void MacWindowServer::setDockRectangle(ConnectionID, const DockRectangle&)
+void MacWindowServer::setDockRectangle(const DockRectangle&)
 {
 }
 
-void MacWindowServer::clearDockRectangle(ConnectionID, DisplayNumber)
+void MacWindowServer::clearDockRectangle(DisplayNumber)
 {
 }
 
@@ -232,7 +230,7 @@ bool MacWindowServer::moveOwnWindow(WindowID window, SpaceID space) const
     if (!m_symbols.moveWindowsToManagedSpace)
         return false;
     const auto windows = makeNumbersOf(std::vector{window});
-    m_symbols.moveWindowsToManagedSpace(mainConnection(), windows.get(), raw(space));
+    m_symbols.moveWindowsToManagedSpace(connection(), windows.get(), raw(space));
     return true;
 }
 

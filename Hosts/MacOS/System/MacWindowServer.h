@@ -18,28 +18,26 @@ public:
 
     MacWindowServer(const PrivateSymbols&, DisplaySpaces);
 
-    ConnectionID mainConnection() const override;
     Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const override;
     Listing enumerateWindows(
         ProcessID owner, std::uint32_t options, const WindowVisitor&) const override;
     std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
 
-    std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces(ConnectionID) const override;
+    std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces() const override;
     std::optional<std::vector<WindowID>> windowsOfSpaces(
-        ConnectionID, const std::vector<SpaceID>&, std::uint32_t options) const override;
+        const std::vector<SpaceID>&, std::uint32_t options) const override;
     std::optional<std::vector<SpaceID>> spacesOfWindows(
-        ConnectionID, std::uint32_t mask, const std::vector<WindowID>&) const override;
-    SpaceID activeSpace(ConnectionID) const override;
+        std::uint32_t mask, const std::vector<WindowID>&) const override;
+    SpaceID activeSpace() const override;
     std::optional<std::string> spaceName(SpaceID) const override;
     bool displaysHaveSeparateSpaces() const override;
 
-    void addWindowsToSpaces(
-        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void addWindowsToSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
     void removeWindowsFromSpaces(
-        ConnectionID, const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
-    void setEdgeReservation(ConnectionID, SpaceID, ScreenEdge, double height) override;
-    void setDockRectangle(ConnectionID, const DockRectangle&) override;
-    void clearDockRectangle(ConnectionID, DisplayNumber) override;
+        const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void setEdgeReservation(SpaceID, ScreenEdge, double height) override;
+    void setDockRectangle(const DockRectangle&) override;
+    void clearDockRectangle(DisplayNumber) override;
 
     std::optional<SymbolicHotKey> symbolicHotKey(int identifier) const override;
     bool isSymbolicHotKeyEnabled(int identifier) const override;
@@ -53,6 +51,9 @@ public:
     bool moveOwnWindow(WindowID, SpaceID) const;
 
 private:
+    /// Of this program to the window server; every private call begins with it.
+    int connection() const;
+
     PrivateSymbols m_symbols;
     WindowDecoder m_decoder;
     DisplaySpaces m_displaySpaces;

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "Hosts/MacOS/System/CFRef.h"
-#include "Quorvel/Platform/WindowServer.h"
+#include "Quorvel/Platform/Spaces.h"
+#include "Quorvel/Platform/WindowList.h"
 
 namespace quorvel {
 

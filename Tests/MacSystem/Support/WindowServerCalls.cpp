@@ -111,16 +111,18 @@ Value entryFor(const ManagedDisplay& display)
             optional(display.currentSpace, [](const auto& space) { return entryFor(space); })}});
 }
 
+constexpr int kConnection = 77;
+
 int mainConnection()
 {
-    return server().mainConnection();
+    return kConnection;
 }
 
 CFArrayRef copyManagedDisplaySpaces(int connection)
 {
     return give<CFArrayRef>("CopyManagedDisplaySpaces", [connection]() -> Value {
-        const auto displays = server().managedDisplaySpaces(connection);
-        if (!displays)
+        const auto displays = server().managedDisplaySpaces();
+        if (!displays || connection != kConnection)
             return {};
         std::vector<Value> entries;
         for (const auto& display : *displays)
@@ -129,40 +131,37 @@ CFArrayRef copyManagedDisplaySpaces(int connection)
     });
 }
 
-CFArrayRef copyWindowsWithOptionsAndTags(int connection, std::uint32_t, CFArrayRef spaces,
-    std::uint32_t options, std::uint64_t*, std::uint64_t*)
+CFArrayRef copyWindowsWithOptionsAndTags(
+    int, std::uint32_t, CFArrayRef spaces, std::uint32_t options, std::uint64_t*, std::uint64_t*)
 {
     return give<CFArrayRef>("CopyWindowsWithOptionsAndTags", [=]() -> Value {
-        const auto windows
-            = server().windowsOfSpaces(connection, identifiers<SpaceID>(spaces), options);
+        const auto windows = server().windowsOfSpaces(identifiers<SpaceID>(spaces), options);
         return windows ? numbers(*windows) : Value{};
     });
 }
 
-CFArrayRef copySpacesForWindows(int connection, int mask, CFArrayRef windows)
+CFArrayRef copySpacesForWindows(int, int mask, CFArrayRef windows)
 {
     return give<CFArrayRef>("CopySpacesForWindows", [=]() -> Value {
         const auto spaces = server().spacesOfWindows(
-            connection, static_cast<std::uint32_t>(mask), identifiers<WindowID>(windows));
+            static_cast<std::uint32_t>(mask), identifiers<WindowID>(windows));
         return spaces ? numbers(*spaces) : Value{};
     });
 }
 
-std::uint64_t getActiveSpace(int connection)
+std::uint64_t getActiveSpace(int)
 {
-    return raw(server().activeSpace(connection));
+    return raw(server().activeSpace());
 }
 
-void addWindowsToSpaces(int connection, CFArrayRef windows, CFArrayRef spaces)
+void addWindowsToSpaces(int, CFArrayRef windows, CFArrayRef spaces)
 {
-    server().addWindowsToSpaces(
-        connection, identifiers<WindowID>(windows), identifiers<SpaceID>(spaces));
+    server().addWindowsToSpaces(identifiers<WindowID>(windows), identifiers<SpaceID>(spaces));
 }
 
-void removeWindowsFromSpaces(int connection, CFArrayRef windows, CFArrayRef spaces)
+void removeWindowsFromSpaces(int, CFArrayRef windows, CFArrayRef spaces)
 {
-    server().removeWindowsFromSpaces(
-        connection, identifiers<WindowID>(windows), identifiers<SpaceID>(spaces));
+    server().removeWindowsFromSpaces(identifiers<WindowID>(windows), identifiers<SpaceID>(spaces));
 }
 
 void moveWindowsToManagedSpace(int, CFArrayRef windows, std::uint64_t space)
@@ -172,9 +171,9 @@ void moveWindowsToManagedSpace(int, CFArrayRef windows, std::uint64_t space)
 }
 
 void spaceSetEdgeReservation(
-    int connection, std::uint64_t space, int edge, double, double, double, double height)
+    int, std::uint64_t space, int edge, double, double, double, double height)
 {
-    server().setEdgeReservation(connection, SpaceID{space}, static_cast<ScreenEdge>(edge), height);
+    server().setEdgeReservation(SpaceID{space}, static_cast<ScreenEdge>(edge), height);
 }
 
 // A real system writes the key code with two bytes.

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Quorvel/Platform/Geometry.h"
+#include "Quorvel/Platform/Identifiers.h"
+
+namespace quorvel {
+
+enum class ScreenEdge { bottom = 2 };
+
+/// The strip of a display that belongs to the bar.
+struct DockRectangle {
+    DisplayNumber display;
+    Rect rect; ///< points, global top-left origin
+};
+
+/// What the window server keeps free for the bar. Main thread. A call that the system lacks does
+/// nothing.
+class Reservations {
+public:
+    virtual ~Reservations() = default;
+
+    /// Keeps a strip of `height` points at an edge of the space free of other windows; 0 ends it.
+    virtual void setEdgeReservation(SpaceID, ScreenEdge, double height) = 0;
+    /// Tells the window server that the bar lies there, so that maximised windows end above it.
+    virtual void setDockRectangle(const DockRectangle&) = 0;
+    virtual void clearDockRectangle(DisplayNumber) = 0;
+};
+
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "Quorvel/Platform/Geometry.h"
+#include "Quorvel/Platform/Identifiers.h"
+
+namespace quorvel {
+
+/// One window of the window server's list; a key that is missing or has the wrong type is absent.
+struct CGWindowInfo {
+    std::optional<WindowID> windowNumber;
+    std::optional<ProcessID> ownerPID;
+    std::optional<std::int32_t> layer;
+    std::optional<Rect> bounds; ///< points, global top-left origin
+    std::optional<float> alpha;
+    std::optional<std::string> ownerName;
+    std::optional<std::string> windowName;
+
+    friend bool operator==(const CGWindowInfo&, const CGWindowInfo&) = default;
+};
+
+/// `kCGWindowListExcludeDesktopElements` is the only set of options the program asks for.
+inline constexpr std::uint32_t kWindowListExcludeDesktopElements = 16;
+
+/// What became of a list that was asked for: one that could not be had says nothing of any window.
+enum class Listing { complete, failed };
+
+/// The windows of all programs. Any thread.
+class WindowList {
+public:
+    using WindowVisitor = std::function<void(const CGWindowInfo&)>;
+
+    virtual ~WindowList() = default;
+
+    /// Calls the visitor once per window, front to back where the system knows. The visitor must
+    /// not call the platform: a lock may be held.
+    virtual Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const = 0;
+    /// The same for the windows of one process.
+    virtual Listing enumerateWindows(
+        ProcessID owner, std::uint32_t options, const WindowVisitor&) const = 0;
+    /// The number by which other programs know the window; absent where there is no other.
+    virtual std::optional<std::uint32_t> nativeWindowNumber(WindowID) const = 0;
+};
+
+}
