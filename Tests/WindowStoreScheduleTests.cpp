@@ -39,10 +39,15 @@ struct WindowStoreSchedule : StoreFixture {
 
 // MARK: The burst
 
+// Fault: each of the processes that are due in one turn has all windows listed for itself.
 TEST_F(WindowStoreSchedule, aBurstScansThreeTimesAndRequestsDuringItStartNothingNew)
 {
+    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
+    auto feed = desktop.open(news);
     store.scheduleDeferredScan(mail);
+    store.scheduleDeferredScan(news);
     desktop.advance(seconds(0.5));
+    EXPECT_TRUE(isTracked(feed));
     store.scheduleDeferredScan(mail);
     desktop.advance(seconds(1.4));
     store.scheduleDeferredScan(mail);

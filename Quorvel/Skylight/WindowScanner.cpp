@@ -62,14 +62,20 @@ std::set<SpaceID> WindowScanner::querySpaces(WindowID window) const
     return spaces ? std::set<SpaceID>(spaces->begin(), spaces->end()) : std::set<SpaceID>{};
 }
 
-WindowScanner::Moment WindowScanner::lookAt(ProcessID pid) const
+WindowScanner::Moment WindowScanner::lookAt(const std::set<ProcessID>& pids) const
 {
     Moment moment;
     moment.spaces = buildWindowSpacesMap();
     moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
-    auto& windows = moment.windowsByOwner[pid];
-    moment.listing = m_windowServer.enumerateWindows(pid, kWindowListExcludeDesktopElements,
-        [&](const CGWindowInfo& window) { windows.push_back(window); });
+    for (auto pid : pids)
+        moment.windowsByOwner[pid];
+    auto keep = [&](const CGWindowInfo& window) {
+        if (window.ownerPID && pids.contains(*window.ownerPID))
+            moment.windowsByOwner[*window.ownerPID].push_back(window);
+    };
+    moment.listing = pids.size() == 1
+        ? m_windowServer.enumerateWindows(*pids.begin(), kWindowListExcludeDesktopElements, keep)
+        : m_windowServer.enumerateWindows(kWindowListExcludeDesktopElements, keep);
     return moment;
 }
 

@@ -77,13 +77,13 @@ public:
 
     AXCalls& calls() { return m_calls; }
 
-    /// The windows of this process.
-    Moment lookAt(ProcessID) const;
+    /// The windows of these processes.
+    Moment lookAt(const std::set<ProcessID>&) const;
     /// The windows of every eligible process.
     Moment lookAtAll() const;
 
     PIDWindowScan scan(ProcessID, const Moment&);
-    PIDWindowScan scanWindows(ProcessID pid) { return scan(pid, lookAt(pid)); }
+    PIDWindowScan scanWindows(ProcessID pid) { return scan(pid, lookAt({pid})); }
 
     /// The map, and whether "AXWindows" could be read.
     std::pair<AXWindowMetadataByID, bool> copyAXWindowMetadataByID(ProcessID);

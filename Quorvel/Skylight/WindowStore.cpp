@@ -11,7 +11,6 @@ namespace {
 
 constexpr int kMissesBeforeRemoval = 2;
 constexpr Duration kMissingGrace = seconds(0.45);
-constexpr Duration kMissingFollowUp = seconds(0.5);
 constexpr Duration kCrossScreenDelay = seconds(0.2);
 
 }
@@ -115,7 +114,7 @@ void WindowStore::notifyChange() const
 
 bool WindowStore::requiresAXConfirmationForLiveAdmission(ProcessID pid) const
 {
-    return m_observerAttachedPIDs.contains(pid) || hasTrackedWindows(pid);
+    return isObserverAttached(pid) || hasTrackedWindows(pid);
 }
 
 std::set<WindowID> WindowStore::unpublishedWindows(const PIDWindowScan& scan) const
@@ -125,9 +124,9 @@ std::set<WindowID> WindowStore::unpublishedWindows(const PIDWindowScan& scan) co
     return ids;
 }
 
-int WindowStore::reconcileWindowsForPID(ProcessID pid)
+int WindowStore::reconcileWindowsForPID(ProcessID pid, const WindowScanner::Moment& moment)
 {
-    auto scan = m_scanner.scanWindows(pid);
+    auto scan = m_scanner.scan(pid, moment);
     if (scan.hasFailed) {
         lookAgainOnceItAnswers(pid);
         return 0;
@@ -156,17 +155,17 @@ bool WindowStore::updateTrackedWindows(ProcessID pid, const PIDWindowScan& scan)
 bool WindowStore::isWorthSeeking(ProcessID pid, std::set<WindowID> unexplained)
 {
     auto isGone = [&](WindowID id) { return !unexplained.contains(id); };
-    if (auto burst = m_pendingScans.find(pid); burst != m_pendingScans.end()) {
-        if (burst->second.sought)
-            std::erase_if(*burst->second.sought, isGone);
-        else
-            burst->second.sought = unexplained;
-    }
-    auto vain = m_soughtInVainByPID.find(pid);
-    if (vain == m_soughtInVainByPID.end())
+    auto* known = knownRecord(pid);
+    if (!known)
         return !unexplained.empty();
-    std::erase_if(vain->second, isGone);
-    return !std::ranges::includes(vain->second, unexplained);
+    if (auto& burst = known->burst) {
+        if (burst->sought)
+            std::erase_if(*burst->sought, isGone);
+        else
+            burst->sought = unexplained;
+    }
+    std::erase_if(known->soughtInVain, isGone);
+    return !std::ranges::includes(known->soughtInVain, unexplained);
 }
 
 bool WindowStore::updateTracked(
@@ -338,8 +337,9 @@ void WindowStore::setFocusedWindow(WindowID id)
 
 bool WindowStore::needsObserverBootstrap(ProcessID pid) const
 {
-    return !hasTrackedWindows(pid) && !m_observerAttachedPIDs.contains(pid)
-        && !m_lifecycleByPID.contains(pid) && !m_pendingScans.contains(pid);
+    auto* known = knownRecord(pid);
+    bool isCared = known && (known->isObserverAttached || known->lifecycle || known->burst);
+    return !isCared && !hasTrackedWindows(pid);
 }
 
 int WindowStore::addWindowsForPID(ProcessID pid)
@@ -355,12 +355,8 @@ int WindowStore::addWindowsForPID(ProcessID pid)
 
 void WindowStore::removeWindows(ProcessID pid)
 {
-    cancelLifecycleMonitoring(pid);
-    m_pendingScans.erase(pid);
-    m_missingFollowUpByPID.erase(pid);
-    m_unansweredByPID.erase(pid);
-    m_soughtInVainByPID.erase(pid);
-    m_observerAttachedPIDs.erase(pid);
+    m_processes.erase(pid);
+    scheduleNextLook();
     auto ids = trackedWindowIDs(pid);
     for (auto id : ids)
         forget(id);
@@ -430,18 +426,6 @@ void WindowStore::scheduleCrossScreenSpacesRefresh()
 {
     m_pendingCrossScreenRefresh
         = m_dispatch.main().after(kCrossScreenDelay, [this] { refreshSpaces(); });
-}
-
-void WindowStore::scheduleMissingFollowUp(ProcessID pid)
-{
-    if (!hasMissingTrackedWindows(pid)) {
-        m_missingFollowUpByPID.erase(pid);
-        return;
-    }
-    m_missingFollowUpByPID[pid] = m_dispatch.main().after(kMissingFollowUp, [this, pid] {
-        reconcileWindowsForPID(pid);
-        scheduleMissingFollowUp(pid);
-    });
 }
 
 }

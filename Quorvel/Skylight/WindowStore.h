@@ -9,25 +9,12 @@
 #include <vector>
 
 #include "Quorvel/Platform/Dispatch.h"
-#include "Quorvel/Platform/WeakOwner.h"
 #include "Quorvel/Skylight/AXWindowEvent.h"
+#include "Quorvel/Skylight/ProcessRecord.h"
 #include "Quorvel/Skylight/TrackedWindow.h"
 #include "Quorvel/Skylight/WindowScanner.h"
 
 namespace quorvel {
-
-enum class PIDLifecyclePhase { launching, runningUnobserved, runningObserved };
-std::string_view rawValue(PIDLifecyclePhase);
-
-/// The rescan schedule of one process.
-struct PIDLifecycleState {
-    PIDLifecyclePhase phase = PIDLifecyclePhase::launching;
-    Instant startedAt;
-    bool observerAttached = false;
-    Duration nextInterval{};
-    int stableScans = 0;
-    std::set<WindowID> lastTrackedWindowIDs;
-};
 
 /// Which windows exist, whose they are, on which spaces, minimised or not, and which has the focus.
 ///
@@ -97,30 +84,16 @@ private:
     };
     using ReconcileState = std::variant<Active, Missing>;
 
-    struct DeferredScanBurst {
-        std::vector<WorkItem> work;
-        bool hasScannedLast = false;
-        bool isRequestedAgain = false;
-        /// What every scan since its start has found unexplained.
-        std::optional<std::set<WindowID>> sought;
-    };
-
     struct Admission {
         int added = 0;
         /// Untracked windows that must be looked at again: unpublished or unconfirmed.
         std::set<WindowID> unexplained;
     };
 
-    /// The next look at a process that did not answer.
-    struct UnansweredFollowUp {
-        Duration delay{};
-        WorkItem work;
-    };
-
     enum class Missed { kept, removed };
     using ScansByPID = std::map<ProcessID, PIDWindowScan>;
 
-    int reconcileWindowsForPID(ProcessID);
+    int reconcileWindowsForPID(ProcessID, const WindowScanner::Moment&);
     /// As listed; else as the window server says of this window alone; else as before.
     std::set<SpaceID> spacesNow(const TrackedWindow&, std::set<SpaceID> listed,
         const std::set<SpaceID>& unlistedSpaces) const;
@@ -144,19 +117,27 @@ private:
         WindowID, SpaceID, const WindowScanner::Moment&, ScansByPID&, bool& hasChanged);
     std::optional<WindowID> bestActivationCandidate(const std::vector<WindowID>&) const;
 
-    /// The windows, and the focus if it is the frontmost process.
-    void lookAt(ProcessID);
-    void runDeferredScan(ProcessID, bool isLast);
+    /// The record of the process, made when there is none; and what must not make one.
+    ProcessRecord& record(ProcessID pid) { return m_processes[pid]; }
+    ProcessRecord* knownRecord(ProcessID);
+    const ProcessRecord* knownRecord(ProcessID) const;
+    bool isObserverAttached(ProcessID) const;
+    /// To be called after each change of a record: one timer serves the earliest of all looks.
+    void scheduleNextLook();
+    /// Processes that are due in the same turn share one look at the window server.
+    void runDueLooks();
+    void runDueLook(ProcessID, ProcessRecord::Due, const WindowScanner::Moment&);
+    void lookAt(ProcessID, ProcessRecord::Due, const WindowScanner::Moment&);
+    void advanceBurst(ProcessID);
     /// A whole burst from now on: the remaining scans of one under way may come too early.
     void scheduleFreshDeferredScan(ProcessID);
     void endDeferredScanBurst(ProcessID);
     void scheduleLifecycleTick(ProcessID, Duration delay);
-    void runLifecycleTick(ProcessID);
-    void cancelLifecycleMonitoring(ProcessID);
+    void concludeLifecycleTick(ProcessID);
+    bool hasEnded(ProcessID) const;
     void ensureLifecycleMonitoringForWindowActivity(ProcessID);
     void scheduleMissingFollowUp(ProcessID);
     void lookAgainOnceItAnswers(ProcessID);
-    void runUnansweredFollowUp(ProcessID);
     void scheduleCrossScreenSpacesRefresh();
 
     void handleWindowCreated(const AXWindowEvent&);
@@ -188,16 +169,11 @@ private:
     std::optional<WindowID> m_focusedWindowID;
     std::uint64_t m_debugEventSequence = 0;
     std::map<WindowID, ReconcileState> m_reconcileStateByWindowID;
-    std::map<ProcessID, PIDLifecycleState> m_lifecycleByPID;
-    std::set<ProcessID> m_observerAttachedPIDs;
-    /// Windows that a whole burst could not explain: no mere tick starts another for them.
-    std::map<ProcessID, std::set<WindowID>> m_soughtInVainByPID;
+    std::map<ProcessID, ProcessRecord> m_processes;
+    std::optional<Instant> m_nextLookAt;
 
     // Delayed work: last, so that it is cancelled before anything it uses goes.
-    std::map<ProcessID, DeferredScanBurst> m_pendingScans;
-    std::map<ProcessID, WorkItem> m_lifecycleWorkByPID;
-    std::map<ProcessID, WorkItem> m_missingFollowUpByPID;
-    std::map<ProcessID, UnansweredFollowUp> m_unansweredByPID;
+    WorkItem m_nextLook;
     WorkItem m_pendingCrossScreenRefresh;
 };
 

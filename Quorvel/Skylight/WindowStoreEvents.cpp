@@ -59,7 +59,7 @@ void WindowStore::admitCreatedWindow(
             m_trace.line("ignored-non-standard-ax-window role={}", sanitizeLogField(metadata.role));
         return;
     }
-    auto moment = m_scanner.lookAt(event.pid);
+    auto moment = m_scanner.lookAt({event.pid});
     auto& windows = moment.windowsByOwner[event.pid];
     auto found = std::find_if(windows.begin(), windows.end(),
         [&](const CGWindowInfo& window) { return window.windowNumber == id; });

@@ -9,9 +9,6 @@ namespace quorvel {
 
 namespace {
 
-constexpr Duration kBurstScans[] = {seconds(0.3), seconds(0.8), seconds(2.0)};
-constexpr Duration kBurstEnd = seconds(2.5);
-
 constexpr Duration kObservedInterval = seconds(0.8);
 constexpr Duration kUnobservedInterval = seconds(0.9);
 constexpr Duration kLongestUnobservedInterval = seconds(2.5);
@@ -20,6 +17,7 @@ constexpr Duration kObservedMonitoring = seconds(12);
 constexpr Duration kSoon = seconds(0.2);
 constexpr int kStableScans = 2;
 
+constexpr Duration kMissingFollowUp = seconds(0.5);
 constexpr Duration kFirstUnansweredFollowUp = seconds(2.5);
 constexpr Duration kLastUnansweredFollowUp = seconds(10);
 
@@ -32,77 +30,159 @@ Duration backedOff(Duration interval)
 
 }
 
-std::string_view rawValue(PIDLifecyclePhase phase)
+// MARK: The next look
+
+ProcessRecord* WindowStore::knownRecord(ProcessID pid)
 {
-    switch (phase) {
-    case PIDLifecyclePhase::launching:
-        return "launching";
-    case PIDLifecyclePhase::runningUnobserved:
-        return "runningUnobserved";
-    case PIDLifecyclePhase::runningObserved:
-        return "runningObserved";
+    auto found = m_processes.find(pid);
+    return found == m_processes.end() ? nullptr : &found->second;
+}
+
+const ProcessRecord* WindowStore::knownRecord(ProcessID pid) const
+{
+    auto found = m_processes.find(pid);
+    return found == m_processes.end() ? nullptr : &found->second;
+}
+
+bool WindowStore::isObserverAttached(ProcessID pid) const
+{
+    auto* known = knownRecord(pid);
+    return known && known->isObserverAttached;
+}
+
+void WindowStore::scheduleNextLook()
+{
+    std::optional<Instant> next;
+    for (auto& [pid, record] : m_processes) {
+        if (auto at = record.nextLook())
+            next = std::min(next.value_or(*at), *at);
     }
-    return {};
+    if (next == m_nextLookAt && m_nextLook.isPending())
+        return;
+    m_nextLookAt = next;
+    m_nextLook.cancel();
+    if (next) {
+        m_nextLook = m_dispatch.main().after(
+            std::max(*next - m_dispatch.now(), Duration{}), [this] { runDueLooks(); });
+    }
+}
+
+void WindowStore::runDueLooks()
+{
+    auto now = m_dispatch.now();
+    std::map<ProcessID, ProcessRecord::Due> dueByPID;
+    std::set<ProcessID> scanned;
+    for (auto& [pid, record] : m_processes) {
+        auto next = record.nextLook();
+        if (!next || *next > now)
+            continue;
+        auto due = dueByPID[pid] = record.due(now);
+        if (due.needsScan())
+            scanned.insert(pid);
+    }
+    auto moment = scanned.empty() ? WindowScanner::Moment{} : m_scanner.lookAt(scanned);
+    for (auto& [pid, due] : dueByPID)
+        runDueLook(pid, due, moment);
+    std::erase_if(m_processes, [](auto& entry) { return entry.second.isBlank(); });
+    scheduleNextLook();
+}
+
+void WindowStore::runDueLook(
+    ProcessID pid, ProcessRecord::Due due, const WindowScanner::Moment& moment)
+{
+    auto* known = knownRecord(pid);
+    if (!known)
+        return; // it went while another was looked at
+    if (due.tick && hasEnded(pid))
+        return removeWindows(pid);
+    if (due.missing)
+        known->missingFollowUpAt.reset();
+    if (due.unanswered)
+        known->unanswered->at.reset();
+    if (due.needsScan())
+        lookAt(pid, due, moment);
+    if (due.burstScan)
+        advanceBurst(pid);
+    if (due.burstEnd)
+        endDeferredScanBurst(pid);
+    if (due.tick)
+        concludeLifecycleTick(pid);
+    if ((due.missing || due.unanswered) && moment.listing == Listing::complete)
+        scheduleMissingFollowUp(pid);
+    known = knownRecord(pid);
+    if (known && known->unanswered && !known->unanswered->at)
+        known->unanswered.reset();
+}
+
+void WindowStore::lookAt(ProcessID pid, ProcessRecord::Due due, const WindowScanner::Moment& moment)
+{
+    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    int candidates = reconcileWindowsForPID(pid, moment);
+    // Nobody else tells where the focus of an unobserved process is.
+    bool mayHaveNewFocus
+        = due.burstScan || due.unanswered || (due.tick && !isObserverAttached(pid));
+    if (mayHaveNewFocus && candidates >= 1 && m_workspace.frontmostApplication() == pid)
+        handleAppActivated(pid);
+}
+
+bool WindowStore::hasEnded(ProcessID pid) const
+{
+    auto application = m_workspace.runningApplication(pid);
+    return !application || application->isTerminated;
 }
 
 // MARK: Deferred scans
 
 void WindowStore::scheduleDeferredScan(ProcessID pid)
 {
-    auto [entry, isNew] = m_pendingScans.try_emplace(pid);
-    if (!isNew) {
-        // The remaining scans of the burst serve this request, unless there is none left.
-        entry->second.isRequestedAgain |= entry->second.hasScannedLast;
-        return;
-    }
-    auto& work = entry->second.work;
-    for (auto delay : kBurstScans) {
-        bool isLast = delay == std::end(kBurstScans)[-1];
-        work.push_back(
-            m_dispatch.main().after(delay, [this, pid, isLast] { runDeferredScan(pid, isLast); }));
-    }
-    work.push_back(m_dispatch.main().after(kBurstEnd, [this, pid] { endDeferredScanBurst(pid); }));
+    auto& burst = record(pid).burst;
+    // The remaining scans of the burst serve this request, unless there is none left.
+    if (burst)
+        burst->isRequestedAgain |= burst->hasScannedLast();
+    else
+        burst.emplace().startedAt = m_dispatch.now();
+    scheduleNextLook();
 }
 
 void WindowStore::scheduleFreshDeferredScan(ProcessID pid)
 {
-    if (auto burst = m_pendingScans.find(pid); burst != m_pendingScans.end())
-        burst->second.isRequestedAgain = true;
+    if (auto& burst = record(pid).burst)
+        burst->isRequestedAgain = true;
     else
         scheduleDeferredScan(pid);
 }
 
-void WindowStore::lookAt(ProcessID pid)
+void WindowStore::advanceBurst(ProcessID pid)
 {
-    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
-    int candidates = reconcileWindowsForPID(pid);
-    if (candidates >= 1 && m_workspace.frontmostApplication() == pid)
-        handleAppActivated(pid);
-}
-
-void WindowStore::runDeferredScan(ProcessID pid, bool isLast)
-{
-    if (!m_pendingScans.contains(pid))
+    auto* known = knownRecord(pid);
+    if (!known || !known->burst)
         return;
-    lookAt(pid);
-    auto burst = m_pendingScans.find(pid);
-    if (!isLast || burst == m_pendingScans.end())
-        return;
-    burst->second.hasScannedLast = true;
-    m_soughtInVainByPID[pid] = burst->second.sought.value_or(std::set<WindowID>{});
+    ++known->burst->scansDone;
+    if (known->burst->hasScannedLast())
+        known->soughtInVain = known->burst->sought.value_or(std::set<WindowID>{});
 }
 
 void WindowStore::endDeferredScanBurst(ProcessID pid)
 {
-    auto burst = m_pendingScans.find(pid);
-    if (burst == m_pendingScans.end())
+    auto* known = knownRecord(pid);
+    if (!known || !known->burst)
         return;
-    bool isRequestedAgain = burst->second.isRequestedAgain;
-    m_pendingScans.erase(burst);
+    bool isRequestedAgain = known->burst->isRequestedAgain;
+    known->burst.reset();
     if (isRequestedAgain)
         scheduleDeferredScan(pid);
     else
         scheduleMissingFollowUp(pid);
+}
+
+void WindowStore::scheduleMissingFollowUp(ProcessID pid)
+{
+    bool isNeeded = hasMissingTrackedWindows(pid);
+    if (isNeeded)
+        record(pid).missingFollowUpAt = m_dispatch.now() + kMissingFollowUp;
+    else if (auto* known = knownRecord(pid))
+        known->missingFollowUpAt.reset();
+    scheduleNextLook();
 }
 
 // MARK: Processes that do not answer
@@ -114,107 +194,86 @@ void WindowStore::lookAgainOnceItAnswers(ProcessID pid)
         && application->activationPolicy == ActivationPolicy::regular;
     if (!mayHaveChips)
         return;
-    auto& followUp = m_unansweredByPID[pid];
-    if (followUp.work.isPending())
+    auto& followUp = record(pid).unanswered;
+    if (!followUp)
+        followUp = UnansweredFollowUp{};
+    if (followUp->at)
         return;
-    followUp.delay
-        = std::clamp(followUp.delay * 2, kFirstUnansweredFollowUp, kLastUnansweredFollowUp);
-    followUp.work
-        = m_dispatch.main().after(followUp.delay, [this, pid] { runUnansweredFollowUp(pid); });
-}
-
-void WindowStore::runUnansweredFollowUp(ProcessID pid)
-{
-    if (m_workspace.runningApplication(pid)) {
-        lookAt(pid);
-        scheduleMissingFollowUp(pid);
-    }
-    auto followUp = m_unansweredByPID.find(pid);
-    if (followUp != m_unansweredByPID.end() && !followUp->second.work.isPending())
-        m_unansweredByPID.erase(followUp);
+    followUp->delay
+        = std::clamp(followUp->delay * 2, kFirstUnansweredFollowUp, kLastUnansweredFollowUp);
+    followUp->at = m_dispatch.now() + followUp->delay;
+    scheduleNextLook();
 }
 
 // MARK: Life cycle
 
 void WindowStore::startLifecycleMonitoring(ProcessID pid, Duration initialDelay)
 {
-    bool isAttached = m_observerAttachedPIDs.contains(pid);
-    m_lifecycleByPID.insert_or_assign(pid,
-        PIDLifecycleState{
-            .phase = isAttached ? PIDLifecyclePhase::runningObserved : PIDLifecyclePhase::launching,
-            .startedAt = m_dispatch.now(),
-            .observerAttached = isAttached,
-            .nextInterval = isAttached ? kObservedInterval : kUnobservedInterval,
-            .stableScans = 0,
-            .lastTrackedWindowIDs = trackedWindowIDs(pid),
-        });
+    bool isAttached = isObserverAttached(pid);
+    record(pid).lifecycle = PIDLifecycleState{
+        .phase = isAttached ? PIDLifecyclePhase::runningObserved : PIDLifecyclePhase::launching,
+        .startedAt = m_dispatch.now(),
+        .observerAttached = isAttached,
+        .nextInterval = isAttached ? kObservedInterval : kUnobservedInterval,
+        .stableScans = 0,
+        .lastTrackedWindowIDs = trackedWindowIDs(pid),
+        .nextTickAt = {},
+    };
     scheduleLifecycleTick(pid, initialDelay);
 }
 
 void WindowStore::scheduleLifecycleTick(ProcessID pid, Duration delay)
 {
-    m_lifecycleWorkByPID[pid]
-        = m_dispatch.main().after(delay, [this, pid] { runLifecycleTick(pid); });
+    record(pid).lifecycle->nextTickAt = m_dispatch.now() + delay;
+    scheduleNextLook();
 }
 
 void WindowStore::handleObserverAttached(ProcessID pid)
 {
-    bool isFirst = m_observerAttachedPIDs.insert(pid).second;
-    auto entry = m_lifecycleByPID.find(pid);
-    if (entry == m_lifecycleByPID.end()) {
+    bool isFirst = !std::exchange(record(pid).isObserverAttached, true);
+    auto& lifecycle = record(pid).lifecycle;
+    if (!lifecycle) {
         // What it did since it was looked at, nobody told.
         if (isFirst)
             scheduleDeferredScan(pid);
         return;
     }
-    entry->second = PIDLifecycleState{
+    *lifecycle = PIDLifecycleState{
         .phase = PIDLifecyclePhase::runningObserved,
-        .startedAt = entry->second.startedAt,
+        .startedAt = lifecycle->startedAt,
         .observerAttached = true,
         .nextInterval = kObservedInterval,
         .stableScans = 0,
         .lastTrackedWindowIDs = trackedWindowIDs(pid),
+        .nextTickAt = {},
     };
     scheduleLifecycleTick(pid, kSoon);
 }
 
 void WindowStore::handleObserverFailed(ProcessID pid)
 {
-    if (!m_lifecycleByPID.contains(pid))
+    if (!record(pid).lifecycle)
         startLifecycleMonitoring(pid, kUnobservedInterval);
 }
 
 void WindowStore::ensureLifecycleMonitoringForWindowActivity(ProcessID pid)
 {
-    auto entry = m_lifecycleByPID.find(pid);
-    if (entry == m_lifecycleByPID.end()) {
+    auto& lifecycle = record(pid).lifecycle;
+    if (!lifecycle) {
         startLifecycleMonitoring(pid, kSoon);
         return;
     }
-    entry->second.stableScans = 0;
-    entry->second.lastTrackedWindowIDs = trackedWindowIDs(pid);
+    lifecycle->stableScans = 0;
+    lifecycle->lastTrackedWindowIDs = trackedWindowIDs(pid);
     scheduleLifecycleTick(pid, kSoon);
 }
 
-void WindowStore::runLifecycleTick(ProcessID pid)
+void WindowStore::concludeLifecycleTick(ProcessID pid)
 {
-    if (!m_lifecycleByPID.contains(pid))
+    auto* known = knownRecord(pid);
+    if (!known || !known->lifecycle)
         return;
-    auto application = m_workspace.runningApplication(pid);
-    if (!application || application->isTerminated) {
-        removeWindows(pid);
-        return;
-    }
-    // Nobody else tells where the focus of an unobserved process is.
-    if (m_observerAttachedPIDs.contains(pid))
-        reconcileWindowsForPID(pid);
-    else
-        lookAt(pid);
-    auto entry = m_lifecycleByPID.find(pid);
-    if (entry == m_lifecycleByPID.end())
-        return;
-
-    auto& state = entry->second;
+    auto& state = *known->lifecycle;
     auto current = trackedWindowIDs(pid);
     bool isStable = current == state.lastTrackedWindowIDs && !hasMissingTrackedWindows(pid);
     state.stableScans = isStable ? state.stableScans + 1 : 0;
@@ -223,7 +282,7 @@ void WindowStore::runLifecycleTick(ProcessID pid)
         state.phase = PIDLifecyclePhase::runningUnobserved;
     } else if (state.stableScans >= kStableScans
         || m_dispatch.now() - state.startedAt >= kObservedMonitoring) {
-        cancelLifecycleMonitoring(pid);
+        known->lifecycle.reset();
         scheduleMissingFollowUp(pid);
         return;
     } else {
@@ -232,12 +291,6 @@ void WindowStore::runLifecycleTick(ProcessID pid)
     }
     state.lastTrackedWindowIDs = std::move(current);
     scheduleLifecycleTick(pid, state.nextInterval);
-}
-
-void WindowStore::cancelLifecycleMonitoring(ProcessID pid)
-{
-    m_lifecycleWorkByPID.erase(pid);
-    m_lifecycleByPID.erase(pid);
 }
 
 }

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string_view>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Identifiers.h"
+
+namespace quorvel {
+
+enum class PIDLifecyclePhase { launching, runningUnobserved, runningObserved };
+std::string_view rawValue(PIDLifecyclePhase);
+
+/// The polling of one process while it settles, or for as long as it cannot be observed.
+struct PIDLifecycleState {
+    PIDLifecyclePhase phase = PIDLifecyclePhase::launching;
+    Instant startedAt;
+    bool observerAttached = false;
+    Duration nextInterval{};
+    int stableScans = 0;
+    std::set<WindowID> lastTrackedWindowIDs;
+    Instant nextTickAt;
+};
+
+/// Three looks in a row, for windows that are expected or unexplained.
+struct DeferredScanBurst {
+    Instant startedAt;
+    int scansDone = 0;
+    bool isRequestedAgain = false;
+    /// What every scan since its start has found unexplained.
+    std::optional<std::set<WindowID>> sought;
+
+    bool hasScannedLast() const;
+    /// The next scan, and after the last one the end.
+    Instant nextAt() const;
+};
+
+/// A process that did not answer is looked at again, less and less often.
+struct UnansweredFollowUp {
+    Duration delay{};
+    std::optional<Instant> at; ///< absent while that look is under way
+};
+
+/// What the window store knows of one process beside its windows: whether it is observed, and when
+/// and why it is looked at next.
+struct ProcessRecord {
+    bool isObserverAttached = false;
+    std::optional<PIDLifecycleState> lifecycle;
+    std::optional<DeferredScanBurst> burst;
+    std::optional<Instant> missingFollowUpAt;
+    std::optional<UnansweredFollowUp> unanswered;
+    /// Windows that a whole burst could not explain: no mere tick starts another for them.
+    std::set<WindowID> soughtInVain;
+
+    /// The reasons to look that have come due; one look serves them all.
+    struct Due {
+        bool burstScan = false;
+        bool burstEnd = false;
+        bool tick = false;
+        bool missing = false;
+        bool unanswered = false;
+
+        bool needsScan() const { return burstScan || tick || missing || unanswered; }
+    };
+    Due due(Instant now) const;
+    /// Absent if there is no reason to look again.
+    std::optional<Instant> nextLook() const;
+    bool isBlank() const;
+};
+
+}
