@@ -24,6 +24,13 @@ namespace {
 constexpr Duration kRefreshAfterAttach = seconds(0.8);
 constexpr Duration kBootstrapPause = seconds(1.5);
 
+bool mayBeBootstrapped(const RunningApplication& application)
+{
+    bool isExcluded
+        = application.bundleIdentifier && isSystemBundleIdentifier(*application.bundleIdentifier);
+    return application.activationPolicy == ActivationPolicy::regular && !isExcluded;
+}
+
 Runtime* s_current = nullptr;
 
 ControlReply answerFocusRequest(BarManager& manager)
@@ -184,6 +191,7 @@ void QuorvelApp::startMainRuntime(Application& app)
     wireObserverManager(runtime);
     observeWorkspace(runtime);
     observeHints(runtime);
+    bootstrapFrontmost(runtime);
     runtime.keep(app.willTerminate.subscribe([&runtime] { runtime.m_barManager->end(); }));
 }
 
@@ -206,6 +214,8 @@ void QuorvelApp::wireObserverManager(Runtime& runtime)
     };
     manager.onObserverFailed
         = [&runtime](ProcessID pid) { runtime.windowStore().handleObserverFailed(pid); };
+    runtime.windowStore().onFirstWindow
+        = [&runtime](ProcessID pid) { runtime.axManager().observe(pid); };
     manager.start();
     for (auto pid : runtime.windowStore().trackedPIDs())
         manager.observe(pid);
@@ -240,6 +250,21 @@ void QuorvelApp::bootstrap(Runtime& runtime, ProcessID pid)
     runtime.windowStore().scheduleDeferredScan(pid);
 }
 
+/// Nobody announces the activation of the application that is in front already, and its first
+/// window may be still to come.
+void QuorvelApp::bootstrapFrontmost(Runtime& runtime)
+{
+    auto& workspace = runtime.m_platform.workspace;
+    auto pid = workspace.frontmostApplication();
+    auto application = pid ? workspace.runningApplication(*pid) : std::nullopt;
+    bool isOurs = pid == runtime.m_platform.application.processID();
+    if (!application || isOurs || !mayBeBootstrapped(*application)
+        || runtime.windowStore().trackedPIDs().contains(*pid))
+        return;
+    runtime.m_lastBootstrap[*pid] = runtime.m_platform.dispatch.now();
+    bootstrap(runtime, *pid);
+}
+
 void QuorvelApp::applicationDidActivate(Runtime& runtime, const RunningApplication& application)
 {
     auto pid = application.pid;
@@ -250,9 +275,7 @@ void QuorvelApp::applicationDidActivate(Runtime& runtime, const RunningApplicati
     if (auto& bundleID = application.bundleIdentifier)
         runtime.badgeService().clearAttention(*bundleID, store.windowIDs(*bundleID));
     store.handleAppActivated(pid);
-    bool isExcluded
-        = application.bundleIdentifier && isSystemBundleIdentifier(*application.bundleIdentifier);
-    if (application.activationPolicy != ActivationPolicy::regular || isExcluded)
+    if (!mayBeBootstrapped(application))
         return;
     if (!store.needsObserverBootstrap(pid)) {
         runtime.m_lastBootstrap.erase(pid);

@@ -85,6 +85,7 @@ private:
     static void observeHints(Runtime&);
     static void answerRequests(Runtime&);
     static void bootstrap(Runtime&, ProcessID);
+    static void bootstrapFrontmost(Runtime&);
     static void applicationDidActivate(Runtime&, const RunningApplication&);
     static void resynchronise(Runtime&, bool afterWake);
 };

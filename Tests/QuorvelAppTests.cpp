@@ -205,6 +205,38 @@ TEST_F(QuorvelAppTest, wakingCatchesUpWithWhatWasMissed)
     EXPECT_EQ(store().window(inbox)->spaceIDs, std::set{SpaceID{1}});
 }
 
+// Faults: an application that starts out without a window here is not heard of until it is left and
+// entered again.
+TEST_F(QuorvelAppTest, anApplicationWithoutAWindowAtStartIsNotMissed)
+{
+    auto news = desktop.launch({.bundleIdentifier = "com.example.news"});
+    auto afar = desktop.launch({.bundleIdentifier = "com.example.afar"});
+    auto shy = desktop.launch({.bundleIdentifier = "com.example.shy"});
+    auto map = desktop.open(afar, {.title = "Map", .spaces = {SpaceID{2}}});
+    auto late = desktop.open(shy, {.title = "Late", .spaces = {SpaceID{2}}});
+    for (auto id : {map, late})
+        desktop.window(id).faults.isListed = false; // as from another space
+    desktop.activate(news);
+    launchOnly();
+    desktop.drain();
+    EXPECT_EQ(desktop.accessibility().observersOf(news), 1u);
+    desktop.open(news, {.title = "Feed"});
+    desktop.drain();
+    EXPECT_THAT(chipTexts(), ElementsAre("Inbox", "Feed"));
+    desktop.advance(seconds(20));
+    ASSERT_EQ(desktop.accessibility().observersOf(afar), 0u);
+
+    desktop.window(map).faults.isListed = true;
+    desktop.activateSpace(SpaceID{2});
+    desktop.drain();
+    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Map"));
+    EXPECT_EQ(desktop.accessibility().observersOf(afar), 1u);
+    desktop.window(late).faults.isListed = true;
+    desktop.advance(seconds(0.4));
+    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Map", "Late"));
+    EXPECT_EQ(desktop.accessibility().observersOf(shy), 1u);
+}
+
 TEST_F(QuorvelAppTest, aSpaceChangeShowsTheBarOfThatSpaceWithItsWindows)
 {
     desktop.open(mail, {.title = "Elsewhere", .spaces = {SpaceID{2}}});

@@ -52,9 +52,10 @@ TEST_F(WindowStoreEvents, anActivationThatCannotBeResolvedLeavesTheFocus)
     desktop.activate(news);
     desktop.application(news).faults.isDead = true;
     store.handleAppActivated(news);
-    EXPECT_TRUE(hasTraced("handleAppActivated begin pid=502 frontmostPid=502 focusedBefore=1002"));
+    EXPECT_TRUE(
+        hasTraced("handleAppActivated begin pid=502 frontmostPid=502 focusedBefore=1002 seq=2"));
     EXPECT_TRUE(hasTraced(
-        "handleAppActivated failed to read kAXFocusedWindowAttribute pid=502 err=-25202"));
+        "handleAppActivated failed to read kAXFocusedWindowAttribute pid=502 err=-25202 seq=2"));
     EXPECT_EQ(store.focusedWindowID(), draft);
 
     desktop.application(news).faults = {.wrongAttributes = {{"AXFocusedWindow", 3.0}}};
@@ -103,6 +104,29 @@ TEST_F(WindowStoreEvents, aWindowThatGoesToAnotherProcessStays)
     EXPECT_EQ(store.window(inbox)->pid, news);
     store.handleAXEvent(event(inbox, ax::elementDestroyed));
     EXPECT_FALSE(isTracked(inbox));
+}
+
+// Fault: a window that no space lists yet waits for a burst, and dragging a dialog never rests.
+TEST_F(WindowStoreEvents, aNewWindowIsAskedForItsSpacesAndOnlyGrowthMakesAnOldOneInteresting)
+{
+    auto reply = desktop.open(mail, {.title = "Reply"});
+    desktop.window(reply).isInSpaceLists = false;
+    store.handleAXEvent(event(reply, ax::windowCreated));
+    ASSERT_TRUE(isTracked(reply));
+    EXPECT_EQ(store.window(reply)->spaceIDs, std::set{SpaceID{1}});
+
+    desktop.advance(seconds(20));
+    auto tip = desktop.open(news, {.frame = {0, 0, 30, 30}});
+    desktop.advance(seconds(20));
+    desktop.windowServer().forgetListings();
+    desktop.move(tip, {50, 50});
+    store.handleAXEvent(event(tip, ax::windowMoved));
+    desktop.advance(seconds(3));
+    EXPECT_TRUE(desktop.windowServer().listings().empty());
+    desktop.resize(tip, {300, 300});
+    store.handleAXEvent(event(tip, ax::windowResized));
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(isTracked(tip));
 }
 
 TEST_F(WindowStoreEvents, aMovedWindowHasItsNewFrameAndAnUnreadableOneKeepsItsOld)

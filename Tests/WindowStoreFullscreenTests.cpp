@@ -41,6 +41,19 @@ TEST_F(WindowStoreFullscreenTest, aTitleDecidesBetweenEqualsAndMinimisedOnesCome
     EXPECT_EQ(store.trackSoleWindow(space), titled);
 }
 
+// Fault: the space of a full-screen window that was left has no window to activate.
+TEST_F(WindowStoreFullscreenTest, aKnownWindowThatItsApplicationDoesNotShowFromAfarCounts)
+{
+    auto film = openThere("Film", {1440, 900});
+    store.populate();
+    desktop.window(film).faults.isListed = false;
+    auto unknown = openThere("Extras", {2000, 2000});
+    desktop.window(unknown).faults.isListed = false;
+
+    EXPECT_EQ(store.trackSoleWindow(space), film);
+    EXPECT_FALSE(isTracked(unknown));
+}
+
 TEST_F(WindowStoreFullscreenTest, whatIsNoUsersWindowIsNoCandidate)
 {
     auto helper = desktop.launch({.name = "Helper", .policy = ActivationPolicy::accessory});

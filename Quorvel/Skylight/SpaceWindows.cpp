@@ -46,12 +46,12 @@ std::string normalizedDisplayIdentifier(std::string_view identifier)
     return normalized;
 }
 
-std::vector<SpaceWindows::Info> SpaceWindows::getSpaces() const
+SpaceWindows::Answer SpaceWindows::ask() const
 {
-    std::vector<Info> infos;
+    Answer answer;
     auto displays = m_windowServer.managedDisplaySpaces();
     if (!displays)
-        return infos;
+        return answer;
     int displayIndex = 0;
     for (auto& display : *displays) {
         auto identifier = displayIdentifier(display, displayIndex);
@@ -59,28 +59,16 @@ std::vector<SpaceWindows::Info> SpaceWindows::getSpaces() const
         for (auto& space : display.spaces) {
             // A space without a readable id is left out, but keeps its place in the count.
             if (auto id = spaceID(space))
-                infos.push_back(
+                answer.spaces.push_back(
                     {displayIndex, identifier, spaceIndex, *id, space.type.value_or(0)});
             ++spaceIndex;
         }
+        auto shown = display.currentSpace ? spaceID(*display.currentSpace) : std::nullopt;
+        if (shown)
+            answer.shown.push_back(*shown);
         ++displayIndex;
     }
-    return infos;
-}
-
-std::vector<SpaceID> SpaceWindows::getActiveSpaceIDs() const
-{
-    std::vector<SpaceID> ids;
-    auto displays = m_windowServer.managedDisplaySpaces();
-    if (!displays)
-        return ids;
-    for (auto& display : *displays) {
-        if (!display.currentSpace)
-            continue;
-        if (auto id = spaceID(*display.currentSpace))
-            ids.push_back(*id);
-    }
-    return ids;
+    return answer;
 }
 
 void SpaceWindows::moveWindowExclusively(WindowID window, SpaceID target) const

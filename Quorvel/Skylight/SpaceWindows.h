@@ -35,10 +35,17 @@ public:
     {
     }
 
-    /// Every space of every display, in display order, then space order.
-    std::vector<Info> getSpaces() const;
-    /// The current space of each display; displays whose space cannot be read are left out.
-    std::vector<SpaceID> getActiveSpaceIDs() const;
+    /// What the window server says of its spaces at one moment.
+    struct Answer {
+        /// Every space of every display, in display order, then space order.
+        std::vector<Info> spaces;
+        /// The current space of each display; displays whose space cannot be read are left out.
+        std::vector<SpaceID> shown;
+    };
+
+    Answer ask() const;
+    std::vector<Info> getSpaces() const { return ask().spaces; }
+    std::vector<SpaceID> getActiveSpaceIDs() const { return ask().shown; }
 
     /// Puts the window on this space and takes it off every other; it is never on none.
     void moveWindowExclusively(WindowID, SpaceID) const;

@@ -39,10 +39,10 @@ WindowScanner::WindowScanner(Accessibility& accessibility, WindowServer& windowS
 {
 }
 
-WindowSpacesMap WindowScanner::buildWindowSpacesMap() const
+WindowSpacesMap WindowScanner::buildWindowSpacesMap(
+    const std::vector<SpaceWindows::Info>& spaces) const
 {
     WindowSpacesMap map;
-    auto spaces = m_spaceWindows.getSpaces();
     if (spaces.empty())
         map.setUnknown();
     for (auto& info : spaces) {
@@ -62,11 +62,19 @@ std::set<SpaceID> WindowScanner::querySpaces(WindowID window) const
     return spaces ? std::set<SpaceID>(spaces->begin(), spaces->end()) : std::set<SpaceID>{};
 }
 
+WindowScanner::Moment WindowScanner::lookAtSpaces() const
+{
+    auto answer = m_spaceWindows.ask();
+    Moment moment;
+    moment.spaces = buildWindowSpacesMap(answer.spaces);
+    moment.shownSpaces = std::move(answer.shown);
+    moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
+    return moment;
+}
+
 WindowScanner::Moment WindowScanner::lookAt(const std::set<ProcessID>& pids) const
 {
-    Moment moment;
-    moment.spaces = buildWindowSpacesMap();
-    moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
+    auto moment = lookAtSpaces();
     for (auto pid : pids)
         moment.windowsByOwner[pid];
     auto keep = [&](const CGWindowInfo& window) {
@@ -81,9 +89,7 @@ WindowScanner::Moment WindowScanner::lookAt(const std::set<ProcessID>& pids) con
 
 WindowScanner::Moment WindowScanner::lookAtAll() const
 {
-    Moment moment;
-    moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
-    moment.spaces = buildWindowSpacesMap();
+    auto moment = lookAtSpaces();
     moment.listing = m_windowServer.enumerateWindows(
         kWindowListExcludeDesktopElements, [&](const CGWindowInfo& window) {
             if (window.ownerPID && moment.eligiblePIDs.contains(*window.ownerPID))

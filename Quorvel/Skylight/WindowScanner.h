@@ -68,6 +68,7 @@ public:
     /// What a look at several processes shares: taken once, not once a process.
     struct Moment {
         Listing listing = Listing::complete;
+        std::vector<SpaceID> shownSpaces;
         WindowSpacesMap spaces;
         std::set<ProcessID> eligiblePIDs;
         std::map<ProcessID, std::vector<CGWindowInfo>> windowsByOwner;
@@ -91,11 +92,17 @@ public:
     std::optional<std::string> readTitle(ProcessID, const AXElement&);
     std::optional<Rect> readFrame(ProcessID, const AXElement&);
 
-    WindowSpacesMap buildWindowSpacesMap() const;
+    WindowSpacesMap buildWindowSpacesMap() const
+    {
+        return buildWindowSpacesMap(m_spaceWindows.ask().spaces);
+    }
     /// Asks for one window at a time, since asking for several answers with the union.
     std::set<SpaceID> querySpaces(WindowID) const;
 
 private:
+    /// Without the windows.
+    Moment lookAtSpaces() const;
+    WindowSpacesMap buildWindowSpacesMap(const std::vector<SpaceWindows::Info>&) const;
     std::optional<std::string> readTitleFromAX(ProcessID, WindowID);
     std::optional<std::string> bundleIdentifier(ProcessID) const;
     void logRejection(const CGWindowInfo&, const std::string& reason) const;

@@ -194,6 +194,7 @@ std::set<SpaceID> WindowStore::spacesNow(const TrackedWindow& window, std::set<S
 
 void WindowStore::track(WindowID id, ProcessID pid, const ScannedWindowCandidate& candidate)
 {
+    bool isFirst = !isObserverAttached(pid) && !hasTrackedWindows(pid);
     m_windows.insert_or_assign(id,
         TrackedWindow{
             .windowID = id,
@@ -209,6 +210,8 @@ void WindowStore::track(WindowID id, ProcessID pid, const ScannedWindowCandidate
     // Nobody announces what it could not tell yet.
     if (!candidate.title || !candidate.isMinimized)
         scheduleFreshDeferredScan(pid);
+    if (isFirst && onFirstWindow)
+        onFirstWindow(pid);
 }
 
 WindowStore::Admission WindowStore::admitNewWindows(ProcessID pid, const PIDWindowScan& scan)
@@ -307,23 +310,25 @@ void WindowStore::handleAppActivated(ProcessID pid)
 {
     ++m_debugEventSequence;
     auto frontmost = m_workspace.frontmostApplication();
-    m_trace.line("handleAppActivated begin pid={} frontmostPid={} focusedBefore={}", raw(pid),
-        frontmost ? raw(*frontmost) : -1, orNil(m_focusedWindowID));
+    m_trace.line("handleAppActivated begin pid={} frontmostPid={} focusedBefore={} seq={}",
+        raw(pid), frontmost ? raw(*frontmost) : -1, orNil(m_focusedWindowID), m_debugEventSequence);
     auto& calls = m_scanner.calls();
     auto reply = calls.copyAttribute(pid, calls.application(pid), ax::focusedWindow);
     auto* element = reply.get<AXElement>();
     if (!element) {
-        m_trace.line("handleAppActivated failed to read kAXFocusedWindowAttribute pid={} err={}",
-            raw(pid), static_cast<int>(reply.error));
+        m_trace.line(
+            "handleAppActivated failed to read kAXFocusedWindowAttribute pid={} err={} seq={}",
+            raw(pid), static_cast<int>(reply.error), m_debugEventSequence);
         return;
     }
     calls.setMessagingTimeout(*element);
     auto id = calls.windowID(pid, *element);
     if (!id) {
-        m_trace.line("handleAppActivated focused AX element had no CGWindowID pid={}", raw(pid));
+        m_trace.line("handleAppActivated focused AX element had no CGWindowID pid={} seq={}",
+            raw(pid), m_debugEventSequence);
         return;
     }
-    m_trace.line("handleAppActivated resolved focused={}", raw(*id));
+    m_trace.line("handleAppActivated resolved focused={} seq={}", raw(*id), m_debugEventSequence);
     setFocusedWindow(*id);
 }
 
@@ -403,23 +408,42 @@ int WindowStore::discoverNewWindowsForTrackedPIDs()
 {
     AXCalls::Scan hungOnlyOnce(m_scanner.calls());
     auto moment = m_scanner.lookAtAll();
-    int total = 0;
-    bool hasChanged = false;
-    for (auto pid : trackedPIDs()) {
-        auto scan = m_scanner.scan(pid, moment);
-        auto [added, unexplained] = admitNewWindows(pid, scan);
-        total += added;
-        if (scan.hasFailed || !unexplained.empty())
-            scheduleDeferredScan(pid);
-        if (scan.hasFailed)
-            continue;
-        // A window whose end nobody announced is noticed here and gone after the usual grace.
-        hasChanged |= removeMissingWindows(pid, scan);
-        scheduleMissingFollowUp(pid);
+    auto pids = trackedPIDs();
+    for (auto& [pid, windows] : moment.windowsByOwner)
+        pids.insert(pid);
+    Discovery total;
+    for (auto pid : pids) {
+        auto [added, hasChanged] = discover(pid, moment);
+        total.added += added;
+        total.hasChanged |= hasChanged;
     }
-    if (total > 0 || hasChanged)
+    if (total.hasChanged)
         notifyChange();
-    return total;
+    return total.added;
+}
+
+WindowStore::Discovery WindowStore::discover(ProcessID pid, const WindowScanner::Moment& moment)
+{
+    bool isNew = !hasTrackedWindows(pid);
+    auto scan = m_scanner.scan(pid, moment);
+    if (scan.hasFailed) {
+        scheduleDeferredScan(pid);
+        return {};
+    }
+    auto [added, unexplained] = admitNewWindows(pid, scan);
+    auto isShown = [&](WindowID id) {
+        auto spaces = moment.spaces.spaces(id);
+        return std::ranges::any_of(
+            moment.shownSpaces, [&](SpaceID space) { return spaces.contains(space); });
+    };
+    // Applications without a chip keep many windows that nobody ever sees.
+    bool isWorthIt = isNew ? std::ranges::any_of(unexplained, isShown) : !unexplained.empty();
+    if (isWorthIt)
+        scheduleDeferredScan(pid);
+    // A window whose end nobody announced is noticed here and gone after the usual grace.
+    bool hasRemoved = removeMissingWindows(pid, scan);
+    scheduleMissingFollowUp(pid);
+    return {added, added > 0 || hasRemoved};
 }
 
 void WindowStore::scheduleCrossScreenSpacesRefresh()

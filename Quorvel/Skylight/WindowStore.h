@@ -55,6 +55,8 @@ public:
 
     /// One slot: called at the end of each operation that changed the windows or the focus.
     std::function<void()> onChange;
+    /// A process that is not observed has its first window on the bar.
+    std::function<void(ProcessID)> onFirstWindow;
 
     // What the system reports.
     void populate();
@@ -69,6 +71,8 @@ public:
     void removeWindows(ProcessID);
     void refreshSpaces();
     void resyncMinimizedWindows();
+    /// Looks at the applications that have windows at all: one whose windows were all on other
+    /// spaces may be seen for the first time.
     int discoverNewWindowsForTrackedPIDs();
     void handleAXEvent(const AXWindowEvent&);
 
@@ -90,6 +94,11 @@ private:
         std::set<WindowID> unexplained;
     };
 
+    struct Discovery {
+        int added = 0;
+        bool hasChanged = false;
+    };
+
     enum class Missed { kept, removed };
     using ScansByPID = std::map<ProcessID, PIDWindowScan>;
 
@@ -103,6 +112,7 @@ private:
     bool updateTrackedWindows(ProcessID, const PIDWindowScan&);
     /// Tracks what is new in the scan.
     Admission admitNewWindows(ProcessID, const PIDWindowScan&);
+    Discovery discover(ProcessID, const WindowScanner::Moment&);
     /// False if a whole burst has looked for each of these windows in vain.
     bool isWorthSeeking(ProcessID, std::set<WindowID> unexplained);
     bool removeMissingWindows(ProcessID, const PIDWindowScan&);
@@ -167,6 +177,7 @@ private:
 
     std::map<WindowID, TrackedWindow> m_windows;
     std::optional<WindowID> m_focusedWindowID;
+    /// Counts the events that were handled, so that the lines of one can be told in the trace.
     std::uint64_t m_debugEventSequence = 0;
     std::map<WindowID, ReconcileState> m_reconcileStateByWindowID;
     std::map<ProcessID, ProcessRecord> m_processes;

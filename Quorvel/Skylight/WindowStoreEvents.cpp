@@ -56,7 +56,8 @@ void WindowStore::admitCreatedWindow(
 {
     if (!isDockEligibleAXWindow(metadata)) {
         if (m_trace.isOn())
-            m_trace.line("ignored-non-standard-ax-window role={}", sanitizeLogField(metadata.role));
+            m_trace.line("ignored-non-standard-ax-window role={} seq={}",
+                sanitizeLogField(metadata.role), m_debugEventSequence);
         return;
     }
     auto moment = m_scanner.lookAt({event.pid});
@@ -77,16 +78,18 @@ void WindowStore::admitCreatedWindow(
         .isAXConfirmed = true,
         .isMinimized = metadata.isMinimized,
     };
-    if (candidate.spaces.empty() && candidate.isMinimized.value_or(false))
-        candidate.spaces = m_scanner.querySpaces(id);
     if (auto* window = tracked(id)) {
         m_reconcileStateByWindowID.insert_or_assign(id, Active{});
         if (updateTracked(*window, event.pid, candidate))
             notifyChange();
-    } else if (!candidate.spaces.empty()) {
-        track(id, event.pid, candidate);
-        notifyChange();
+        return;
     }
+    if (candidate.spaces.empty())
+        candidate.spaces = m_scanner.querySpaces(id);
+    if (candidate.spaces.empty())
+        return;
+    track(id, event.pid, candidate);
+    notifyChange();
 }
 
 void WindowStore::handleDestroyed(const AXWindowEvent& event)
@@ -126,8 +129,9 @@ void WindowStore::handleFrameChanged(const AXWindowEvent& event)
 {
     auto* window = tracked(event.windowID);
     if (!window) {
-        // It may have grown large enough for the bar.
-        scanForUntracked(event.pid);
+        // It may have grown large enough for the bar; where it lies keeps none off.
+        if (event.notification == ax::windowResized)
+            scanForUntracked(event.pid);
         return;
     }
     auto frame = m_scanner.readFrame(event.pid, event.element);
@@ -182,12 +186,12 @@ void WindowStore::handleMinimized(const AXWindowEvent& event, bool isMinimized)
 void WindowStore::handleFocusedWindowChanged(const AXWindowEvent& event)
 {
     if (m_workspace.frontmostApplication() != event.pid) {
-        m_trace.line("focusedChanged ignored pid={}", raw(event.pid));
+        m_trace.line("focusedChanged ignored pid={} seq={}", raw(event.pid), m_debugEventSequence);
         return;
     }
     if (event.windowID) {
-        m_trace.line(
-            "focusedChanged direct pid={} windowID={}", raw(event.pid), raw(*event.windowID));
+        m_trace.line("focusedChanged direct pid={} windowID={} seq={}", raw(event.pid),
+            raw(*event.windowID), m_debugEventSequence);
         setFocusedWindow(*event.windowID);
         // A window that has the focus and no chip may have been missed.
         if (!tracked(event.windowID))
@@ -201,11 +205,12 @@ void WindowStore::handleFocusedWindowChanged(const AXWindowEvent& event)
         calls.setMessagingTimeout(*element);
     auto id = element ? calls.windowID(event.pid, *element) : std::nullopt;
     if (!id) {
-        m_trace.line("focusedChanged query failed pid={} err={}", raw(event.pid),
-            static_cast<int>(reply.error));
+        m_trace.line("focusedChanged query failed pid={} err={} seq={}", raw(event.pid),
+            static_cast<int>(reply.error), m_debugEventSequence);
         return;
     }
-    m_trace.line("focusedChanged queried pid={} windowID={}", raw(event.pid), raw(*id));
+    m_trace.line("focusedChanged queried pid={} windowID={} seq={}", raw(event.pid), raw(*id),
+        m_debugEventSequence);
     setFocusedWindow(*id);
 }
 

@@ -59,10 +59,11 @@ bool WindowStore::trackOnSpace(WindowID id, SpaceID space, const WindowScanner::
         return false;
     if (!scans.contains(*pid))
         scans.emplace(*pid, m_scanner.scan(*pid, moment));
-    auto& found = scans.at(*pid).candidates;
-    auto candidate = found.find(id);
-    if (candidate == found.end())
-        return false;
+    auto& found = scans.at(*pid);
+    auto candidate = found.candidates.find(id);
+    // An application need not show its windows of a space that is not in front.
+    if (candidate == found.candidates.end())
+        return tracked(id) && found.softlyRejectedWindowIDs.contains(id);
     auto& spaces = candidate->second.spaces;
     spaces = m_scanner.querySpaces(id);
     if (spaces.empty())
