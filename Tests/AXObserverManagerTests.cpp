@@ -128,6 +128,24 @@ TEST_F(AXObserverManagerTest, aWindowThatCannotBeNamedIsToldWithoutANumberAndWit
     EXPECT_THAT(heard, ElementsAre(at(0, ax::focusedWindowChanged, std::nullopt)));
 }
 
+// Fault: a window that had no number yet when it was announced is never heard of again.
+TEST_F(AXObserverManagerTest, aWindowWhoseNumberComesLateIsListenedToAfterARetry)
+{
+    attach();
+    auto late = desktop.open(mail);
+    desktop.window(late).faults.hasWindowNumber = false;
+    desktop.advance(seconds(1));
+    desktop.window(late).faults.hasWindowNumber = true;
+    desktop.advance(seconds(1));
+
+    EXPECT_TRUE(isFullyRegistered(late));
+    EXPECT_EQ(heard.back(), at(1.5, ax::windowCreated, late)) << "the second retry names it";
+    desktop.window(late).faults.hasWindowNumber = false;
+    desktop.open(mail);
+    desktop.advance(seconds(60));
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "one that never has any is given up";
+}
+
 TEST_F(AXObserverManagerTest, aDestroyedWindowIsNamedAndItsPendingEventsDie)
 {
     attach();

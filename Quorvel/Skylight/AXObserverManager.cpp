@@ -98,24 +98,20 @@ void AXObserverManager::stop()
     m_thread.reset();
     m_debounceState.cancelAll();
     m_pidStates.clear();
-    m_retryCount.clear();
-    m_awaitedRetries.clear();
-    m_retries.clear();
-    m_wantedPIDs.clear();
+    m_wishes.clear();
 }
 
 void AXObserverManager::observe(ProcessID pid)
 {
     if (!m_thread)
         return;
-    m_wantedPIDs.insert(pid);
+    m_wishes.try_emplace(pid);
     m_thread->perform([this, pid] { addObserver(pid); });
 }
 
 void AXObserverManager::stopObserving(ProcessID pid)
 {
-    m_wantedPIDs.erase(pid);
-    m_retries.erase(pid);
+    m_wishes.erase(pid);
     if (m_thread)
         m_thread->perform([this, pid] { removeObserver(pid); });
 }
@@ -125,22 +121,28 @@ void AXObserverManager::refreshWindows(const std::set<ProcessID>& pids)
     if (!m_thread)
         return;
     for (auto pid : pids) {
-        m_wantedPIDs.insert(pid);
+        m_wishes.try_emplace(pid);
         m_thread->perform([this, pid] { attachOrRefresh(pid); });
     }
 }
 
 void AXObserverManager::attachOrRefresh(ProcessID pid)
 {
-    if (m_pidStates.contains(pid))
+    if (attached(pid))
         refreshWindowObservations(pid, Occasion::later);
     else
         addObserver(pid);
 }
 
+AXObserverManager::PIDState* AXObserverManager::attached(ProcessID pid)
+{
+    auto state = m_pidStates.find(pid);
+    return state != m_pidStates.end() && state->second.observer ? &state->second : nullptr;
+}
+
 void AXObserverManager::addObserver(ProcessID pid)
 {
-    if (m_pidStates.contains(pid))
+    if (attached(pid))
         return;
     AXCalls::Scan hungOnlyOnce(m_calls);
     auto application = m_calls.application(pid);
@@ -149,12 +151,14 @@ void AXObserverManager::addObserver(ProcessID pid)
         scheduleRetry(pid, Patience::limited);
         return;
     }
-    m_pidStates.insert_or_assign(pid, PIDState{std::move(observer), application, {}});
-    m_retryCount.erase(pid);
+    auto& state = m_pidStates[pid];
+    state.observer = std::move(observer);
+    state.appElement = application;
+    state.failures = 0;
     refreshWindowObservations(pid, Occasion::attaching);
     m_callbackQueue.async([weak = m_weak.reference(), pid] {
         auto* self = weak.get();
-        if (self && self->m_wantedPIDs.contains(pid) && self->onObserverAdded)
+        if (self && self->m_wishes.contains(pid) && self->onObserverAdded)
             self->onObserverAdded(pid);
     });
 }
@@ -178,22 +182,24 @@ std::unique_ptr<AXObserver> AXObserverManager::registerApplication(
 
 void AXObserverManager::scheduleRetry(ProcessID pid, Patience patience)
 {
-    if (m_awaitedRetries.contains(pid))
+    auto& state = m_pidStates[pid];
+    if (state.isRetryAwaited)
         return;
-    auto& failed = m_retryCount[pid];
-    if (failed >= retryDelays.size() && patience == Patience::limited) {
-        m_retryCount.erase(pid);
-        if (!m_pidStates.contains(pid))
+    if (state.failures >= retryDelays.size() && patience == Patience::limited) {
+        state.failures = 0;
+        if (!state.observer) {
+            m_pidStates.erase(pid);
             announceFailure(pid);
+        }
         return;
     }
-    failed = std::min(failed, retryDelays.size() - 1);
-    awaitRetry(pid, retryDelays[failed++]);
+    state.failures = std::min(state.failures, retryDelays.size() - 1);
+    awaitRetry(pid, retryDelays[state.failures++]);
 }
 
 void AXObserverManager::awaitRetry(ProcessID pid, Duration delay)
 {
-    if (!m_awaitedRetries.insert(pid).second)
+    if (std::exchange(m_pidStates[pid].isRetryAwaited, true))
         return;
     m_callbackQueue.async([weak = m_weak.reference(), pid, delay] {
         if (auto* self = weak.get())
@@ -203,13 +209,15 @@ void AXObserverManager::awaitRetry(ProcessID pid, Duration delay)
 
 void AXObserverManager::retryAfter(ProcessID pid, Duration delay)
 {
-    if (!m_wantedPIDs.contains(pid))
+    auto wish = m_wishes.find(pid);
+    if (wish == m_wishes.end())
         return;
-    m_retries[pid] = m_callbackQueue.after(delay, [this, pid] {
+    wish->second.retry = m_callbackQueue.after(delay, [this, pid] {
         if (!m_thread)
             return;
         m_thread->perform([this, pid] {
-            m_awaitedRetries.erase(pid);
+            if (auto state = m_pidStates.find(pid); state != m_pidStates.end())
+                state->second.isRetryAwaited = false;
             attachOrRefresh(pid);
         });
     });
@@ -219,7 +227,7 @@ void AXObserverManager::announceFailure(ProcessID pid)
 {
     m_callbackQueue.async([weak = m_weak.reference(), pid] {
         auto* self = weak.get();
-        if (self && self->m_wantedPIDs.contains(pid) && self->onObserverFailed)
+        if (self && self->m_wishes.contains(pid) && self->onObserverFailed)
             self->onObserverFailed(pid);
     });
 }
@@ -227,23 +235,24 @@ void AXObserverManager::announceFailure(ProcessID pid)
 void AXObserverManager::refreshWindowObservations(ProcessID pid, Occasion occasion)
 {
     AXCalls::Scan hungOnlyOnce(m_calls);
-    auto state = m_pidStates.find(pid);
-    auto windows = m_calls.windows(pid);
-    if (state == m_pidStates.end())
+    auto* state = attached(pid);
+    if (!state)
         return;
+    auto windows = m_calls.windows(pid);
     bool isComplete = windows.has_value();
     for (auto& window : windows.value_or(std::vector<AXElement>{})) {
         auto id = m_calls.windowID(pid, window);
-        if (!id || state->second.observedWindows.contains(*id))
+        isComplete &= id.has_value();
+        if (!id || state->observedWindows.contains(*id))
             continue;
-        bool isHeard = observeWindow(pid, state->second, *id, window);
+        bool isHeard = observeWindow(pid, *state, *id, window);
         isComplete &= isHeard;
         if (isHeard && occasion != Occasion::attaching)
             deliver({std::string{ax::windowCreated}, pid, window, id});
     }
     isComplete &= !m_calls.hasTimedOut(pid);
     if (isComplete)
-        m_retryCount.erase(pid);
+        state->failures = 0;
     else
         scheduleRetry(pid, m_calls.hasTimedOut(pid) ? Patience::endless : Patience::limited);
 }
@@ -268,29 +277,25 @@ bool AXObserverManager::observeWindow(
 
 void AXObserverManager::removeObserver(ProcessID pid)
 {
-    m_retryCount.erase(pid);
-    m_awaitedRetries.erase(pid);
-    auto state = m_pidStates.find(pid);
-    if (state == m_pidStates.end())
-        return;
-    auto& [observer, application, observedWindows] = state->second;
-    for (auto notification : applicationNotifications)
-        observer->removeNotification(application, notification);
-    for (auto& [id, window] : observedWindows) {
-        m_debounceState.cancel(id);
-        for (auto notification : windowNotifications)
-            observer->removeNotification(window, notification);
+    if (auto* state = attached(pid)) {
+        for (auto notification : applicationNotifications)
+            state->observer->removeNotification(state->appElement, notification);
+        for (auto& [id, window] : state->observedWindows) {
+            m_debounceState.cancel(id);
+            for (auto notification : windowNotifications)
+                state->observer->removeNotification(window, notification);
+        }
     }
-    m_pidStates.erase(state);
+    m_pidStates.erase(pid);
 }
 
 std::optional<WindowID> AXObserverManager::resolveWindowIDFromObservedWindows(
     ProcessID pid, const AXElement& element)
 {
-    auto state = m_pidStates.find(pid);
-    if (state == m_pidStates.end())
+    auto* state = attached(pid);
+    if (!state)
         return {};
-    auto& windows = state->second.observedWindows;
+    auto& windows = state->observedWindows;
     auto found = std::find_if(
         windows.begin(), windows.end(), [&](auto& entry) { return entry.second == element; });
     return found == windows.end() ? std::nullopt : std::optional{found->first};
@@ -303,14 +308,16 @@ void AXObserverManager::handleNotification(
     auto id = m_calls.windowID(pid, element);
     if (!id)
         id = resolveWindowIDFromObservedWindows(pid, element);
-    auto state = m_pidStates.find(pid);
-    if (id && state != m_pidStates.end()) {
-        if (notification == ax::windowCreated && !observeWindow(pid, state->second, *id, element))
+    auto* state = attached(pid);
+    if (state && notification == ax::windowCreated) {
+        if (!id)
+            scheduleRetry(pid, Patience::limited);
+        else if (!observeWindow(pid, *state, *id, element))
             awaitRetry(pid, retryDelays.front());
-        if (notification == ax::elementDestroyed) {
-            state->second.observedWindows.erase(*id);
-            m_debounceState.cancel(*id);
-        }
+    }
+    if (state && id && notification == ax::elementDestroyed) {
+        state->observedWindows.erase(*id);
+        m_debounceState.cancel(*id);
     }
     deliver({std::string{notification}, pid, element, id});
 }

@@ -104,10 +104,18 @@ public:
     void refreshWindows(const std::set<ProcessID>&);
 
 private:
+    /// One process on the observer thread: attached, or on the way there.
     struct PIDState {
-        std::unique_ptr<AXObserver> observer;
+        std::unique_ptr<AXObserver> observer; ///< null while not attached
         AXElement appElement;
         std::map<WindowID, AXElement> observedWindows;
+        std::size_t failures = 0; ///< since something last worked in full
+        bool isRetryAwaited = false;
+    };
+
+    /// The same process on the callback queue: there while somebody wants it observed.
+    struct Wish {
+        WorkItem retry;
     };
 
     enum class Occasion { attaching, later };
@@ -116,6 +124,8 @@ private:
     enum class Patience { limited, endless };
 
     // On the observer thread.
+    /// Null unless it is attached.
+    PIDState* attached(ProcessID);
     void addObserver(ProcessID);
     std::unique_ptr<AXObserver> registerApplication(ProcessID, const AXElement& application);
     void attachOrRefresh(ProcessID);
@@ -145,12 +155,9 @@ private:
 
     // The observer thread's own.
     std::map<ProcessID, PIDState> m_pidStates;
-    std::map<ProcessID, std::size_t> m_retryCount;
-    std::set<ProcessID> m_awaitedRetries;
 
     // The callback queue's own.
-    std::set<ProcessID> m_wantedPIDs;
-    std::map<ProcessID, WorkItem> m_retries;
+    std::map<ProcessID, Wish> m_wishes;
 
     DebounceState m_debounceState;
     WeakOwner<AXObserverManager> m_weak;
