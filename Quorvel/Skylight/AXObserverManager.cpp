@@ -9,10 +9,11 @@ namespace {
 /// A title that changes without pause must still be seen to change.
 constexpr Duration kLongestTitleWait = seconds(1);
 
-std::optional<Duration> longestWait(std::string_view notification)
+/// People watch a title right after they have done something.
+DebounceRule debounceRule(std::string_view notification)
 {
     if (notification == ax::titleChanged)
-        return kLongestTitleWait;
+        return {DebounceRule::First::isDeliveredAtOnce, kLongestTitleWait};
     return {};
 }
 
@@ -26,17 +27,22 @@ bool isDebounced(std::string_view notification)
 
 // MARK: DebounceState
 
-void DebounceState::schedule(DebounceKey key, std::optional<Duration> longestWait, Work deliver)
+void DebounceState::schedule(DebounceKey key, const DebounceRule& rule, Work deliver)
 {
     std::lock_guard guard(m_lock);
     auto now = m_dispatch.now();
-    auto [place, isFirst] = m_workItems.try_emplace(key);
-    auto& entry = place->second;
-    if (isFirst)
+    auto& entry = m_workItems[key];
+    bool isRow = entry.isWaiting || (entry.lastAt && now - *entry.lastAt < kDelay);
+    entry.lastAt = now;
+    if (!isRow && rule.first == DebounceRule::First::isDeliveredAtOnce) {
+        m_callbackQueue.async(std::move(deliver));
+        return;
+    }
+    if (!std::exchange(entry.isWaiting, true))
         entry.firstAt = now;
     auto delay = kDelay;
-    if (longestWait)
-        delay = std::clamp(entry.firstAt + *longestWait - now, Duration{}, kDelay);
+    if (rule.longestWait)
+        delay = std::clamp(entry.firstAt + *rule.longestWait - now, Duration{}, kDelay);
     entry.number = ++m_lastNumber;
     entry.work = m_callbackQueue.after(
         delay, [this, key = std::move(key), number = entry.number, deliver = std::move(deliver)] {
@@ -51,7 +57,8 @@ bool DebounceState::takeIfCurrent(const DebounceKey& key, std::uint64_t number)
     auto entry = m_workItems.find(key);
     if (entry == m_workItems.end() || entry->second.number != number)
         return false;
-    m_workItems.erase(entry);
+    // When the last one came tells whether the next is part of its row.
+    entry->second.isWaiting = false;
     return true;
 }
 
@@ -331,7 +338,7 @@ void AXObserverManager::deliver(AXWindowEvent event)
     };
     if (event.windowID && isDebounced(event.notification)) {
         m_debounceState.schedule({event.notification, *event.windowID},
-            longestWait(event.notification), std::move(call));
+            debounceRule(event.notification), std::move(call));
     } else {
         m_callbackQueue.async(std::move(call));
     }

@@ -25,11 +25,17 @@ struct DebounceKey {
     friend auto operator<=>(const DebounceKey&, const DebounceKey&) = default;
 };
 
-/// Delivers only the last of a row of equal events, once they have paused. Any thread; delivers on
-/// the callback queue.
-///
-/// A row that never pauses would never be seen, so events of a kind with a `longestWait` are
-/// delivered once that has passed since the first of the row, and the row starts anew.
+/// How a row of equal events is thinned out.
+struct DebounceRule {
+    enum class First { waits, isDeliveredAtOnce };
+
+    First first = First::waits;
+    /// A row that never pauses would never be seen: after this long it is, and starts anew.
+    std::optional<Duration> longestWait;
+};
+
+/// Delivers only the last of a row of equal events, once they have paused, and where the rule says
+/// so also the first. Any thread; delivers on the callback queue.
 class DebounceState {
 public:
     DebounceState(Dispatch& dispatch, Queue& callbackQueue)
@@ -38,7 +44,7 @@ public:
     {
     }
 
-    void schedule(DebounceKey, std::optional<Duration> longestWait, Work deliver);
+    void schedule(DebounceKey, const DebounceRule&, Work deliver);
     void cancel(WindowID);
     void cancelAll();
 
@@ -47,7 +53,9 @@ public:
 private:
     struct Entry {
         std::uint64_t number = 0; ///< tells the current task from one it replaced
-        Instant firstAt;
+        bool isWaiting = false;
+        Instant firstAt; ///< of those that wait
+        std::optional<Instant> lastAt;
         WorkItem work;
     };
 
