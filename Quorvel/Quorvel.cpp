@@ -24,6 +24,11 @@ namespace {
 constexpr Duration kRefreshAfterAttach = seconds(0.8);
 constexpr Duration kBootstrapPause = seconds(1.5);
 
+SpaceWindows::Answer askForSpaces(const Platform& platform)
+{
+    return SpaceWindows(platform.windowServer, platform.displays).ask();
+}
+
 bool mayBeBootstrapped(const RunningApplication& application)
 {
     bool isExcluded
@@ -238,9 +243,11 @@ void QuorvelApp::observeWorkspace(Runtime& runtime)
     runtime.keep(workspace.didActivate.subscribe([&runtime](const RunningApplication& application) {
         applicationDidActivate(runtime, application);
     }));
-    runtime.keep(workspace.didWake.subscribe([&runtime] { resynchronise(runtime, true); }));
-    runtime.keep(
-        workspace.activeSpaceDidChange.subscribe([&runtime] { resynchronise(runtime, false); }));
+    runtime.keep(workspace.didWake.subscribe(
+        [&runtime] { resynchronise(runtime, Occasion::wake, askForSpaces(runtime.m_platform)); }));
+    runtime.m_barManager->onSpaceChange = [&runtime](const SpaceWindows::Answer& spaces) {
+        resynchronise(runtime, Occasion::spaceChange, spaces);
+    };
 }
 
 void QuorvelApp::bootstrap(Runtime& runtime, ProcessID pid)
@@ -289,14 +296,16 @@ void QuorvelApp::applicationDidActivate(Runtime& runtime, const RunningApplicati
     bootstrap(runtime, pid);
 }
 
-void QuorvelApp::resynchronise(Runtime& runtime, bool afterWake)
+void QuorvelApp::resynchronise(
+    Runtime& runtime, Occasion occasion, const SpaceWindows::Answer& answer)
 {
     auto& store = runtime.windowStore();
-    store.refreshSpaces();
-    if (afterWake)
+    auto spaces = store.lookAtSpaces(answer);
+    store.refreshSpaces(spaces);
+    if (occasion == Occasion::wake)
         store.resyncMinimizedWindows();
-    runtime.m_barManager->syncPanels();
-    store.discoverNewWindowsForTrackedPIDs();
+    runtime.m_barManager->syncPanels(answer);
+    store.discoverNewWindowsForTrackedPIDs(std::move(spaces));
     auto pids = store.trackedPIDs();
     if (!pids.empty())
         runtime.axManager().refreshWindows(pids);
@@ -308,8 +317,10 @@ void QuorvelApp::observeHints(Runtime& runtime)
     runtime.keep(server.spacesOfWindowsDidChange.subscribe(
         [&runtime] { runtime.windowStore().refreshSpaces(); }));
     runtime.keep(server.spacesDidChange.subscribe([&runtime] {
-        runtime.windowStore().refreshSpaces();
-        runtime.m_barManager->syncPanels();
+        auto answer = askForSpaces(runtime.m_platform);
+        auto& store = runtime.windowStore();
+        store.refreshSpaces(store.lookAtSpaces(answer));
+        runtime.m_barManager->syncPanels(answer);
     }));
 }
 

@@ -12,6 +12,7 @@
 #include "Quorvel/Platform/Published.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/Minimal.h"
+#include "Quorvel/Skylight/SpaceWindows.h"
 
 namespace quorvel {
 
@@ -87,7 +88,8 @@ private:
     static void bootstrap(Runtime&, ProcessID);
     static void bootstrapFrontmost(Runtime&);
     static void applicationDidActivate(Runtime&, const RunningApplication&);
-    static void resynchronise(Runtime&, bool afterWake);
+    enum class Occasion { wake, spaceChange };
+    static void resynchronise(Runtime&, Occasion, const SpaceWindows::Answer&);
 };
 
 /// Starts the runtime exactly once, as soon as the user has granted both permissions.

@@ -242,9 +242,12 @@ TEST_F(QuorvelAppTest, aSpaceChangeShowsTheBarOfThatSpaceWithItsWindows)
     desktop.open(mail, {.title = "Elsewhere", .spaces = {SpaceID{2}}});
     launchOnly();
     settle();
+    auto queries = desktop.windowServer().spaceQueries();
     desktop.activateSpace(SpaceID{2});
     desktop.drain();
 
+    EXPECT_LE(desktop.windowServer().spaceQueries() - queries, 3)
+        << "one for the change, two of the avoidance that follows it";
     EXPECT_TRUE(panel(SpaceID{2}).isVisible());
     EXPECT_FALSE(panel(SpaceID{1}).isVisible());
     EXPECT_EQ(model().activeSpaceID.value(), SpaceID{2});

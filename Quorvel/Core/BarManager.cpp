@@ -99,20 +99,23 @@ void BarManager::windowsDidChange()
     m_avoidanceManager.scheduleAdjustment(kAvoidanceAfterChange);
 }
 
-void BarManager::refreshNow()
+void BarManager::refreshNow(const SpaceWindows::Answer& answer)
 {
     m_refresh = {};
-    m_viewModel.refresh();
+    m_viewModel.refresh(answer);
 }
 
 void BarManager::setupSpaceChangeObserver()
 {
     m_activeSpaceChange = m_platform.workspace.activeSpaceDidChange.subscribe([this] {
-        refreshNow();
-        updateActiveSpacePanelVisibility();
+        auto answer = m_spaceWindows.ask();
+        refreshNow(answer);
+        updateActiveSpacePanelVisibility(answer);
         dismissPopups();
         m_moves.spaceDidChange();
-        m_navigation.spaceDidChange();
+        m_navigation.spaceDidChange(answer.shown);
+        if (onSpaceChange)
+            onSpaceChange(answer);
     });
 }
 
@@ -142,11 +145,11 @@ void BarManager::applyMetrics(const BarMetrics& metrics)
 
 // MARK: Panels
 
-void BarManager::syncPanels()
+void BarManager::syncPanels(const SpaceWindows::Answer& answer)
 {
-    placePanels();
+    placePanels(answer);
     applyEdgeReservationsIfNeeded();
-    refreshNow();
+    refreshNow(answer);
     m_avoidanceManager.scheduleAdjustment(Duration::zero());
 }
 
@@ -163,13 +166,13 @@ void BarManager::syncAgain()
 
 void BarManager::repositionPanels()
 {
-    placePanels();
+    placePanels(m_spaceWindows.ask());
     m_avoidanceManager.scheduleAdjustment(kAvoidanceAfterChange);
 }
 
-void BarManager::placePanels()
+void BarManager::placePanels(const SpaceWindows::Answer& answer)
 {
-    if (m_panels.place())
+    if (m_panels.place(answer.spaces))
         m_unansweredSyncs = 0;
     else if (m_unansweredSyncs++ < kMostSyncsAgain)
         syncAgain();
@@ -183,9 +186,9 @@ void BarManager::syncMirrorPanels()
         syncAgain();
 }
 
-void BarManager::updateActiveSpacePanelVisibility()
+void BarManager::updateActiveSpacePanelVisibility(const SpaceWindows::Answer& answer)
 {
-    m_panels.orderFront(m_spaceWindows.getActiveSpaceIDs());
+    m_panels.orderFront(answer.shown);
 }
 
 void BarManager::closeAllPanels()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -29,6 +30,10 @@ public:
     BarManager(const Platform&, WindowStore&, UserSettings&, BadgeService&, ThumbnailService&);
     ~BarManager();
 
+    /// The user has come to another space, and the model and the panels know it. With what was
+    /// asked for once, so that nobody asks again.
+    std::function<void(const SpaceWindows::Answer&)> onSpaceChange;
+
     PinStore& pinStore() { return m_pinStore; }
     BarViewModel& viewModel() { return m_viewModel; }
     const BarViewModel& viewModel() const { return m_viewModel; }
@@ -38,13 +43,13 @@ public:
 
     /// After spaces, screens or both have changed: a panel for each space that is there, none for
     /// one that is gone, and the model of today.
-    void syncPanels();
+    void syncPanels() { syncPanels(m_spaceWindows.ask()); }
+    void syncPanels(const SpaceWindows::Answer&);
     /// The same, and once more when the list of spaces has followed the screens.
     void screensDidChange();
     /// Places every panel on its screen anew.
     void repositionPanels();
     void syncMirrorPanels();
-    void updateActiveSpacePanelVisibility();
     void closeAllPanels();
     /// The program is about to end, perhaps without destructors: the desktop is left as it was.
     void end();
@@ -74,10 +79,12 @@ private:
     void setupSpaceChangeObserver();
     /// Refreshes the model once in the next turn, however many windows change in this one.
     void windowsDidChange();
-    void refreshNow();
+    void refreshNow() { refreshNow(m_spaceWindows.ask()); }
+    void refreshNow(const SpaceWindows::Answer&);
+    void updateActiveSpacePanelVisibility(const SpaceWindows::Answer&);
     void handleSettingsChanged();
     void applyMetrics(const BarMetrics&);
-    void placePanels();
+    void placePanels(const SpaceWindows::Answer&);
     void syncAgain();
     std::vector<Screen> coveredScreensForBar() const;
     void applyDockRectRegistrations();

@@ -138,10 +138,9 @@ std::map<MirrorKey, BarPanels::Spot> BarPanels::mirrorSpots(
 
 // MARK: Placing
 
-bool BarPanels::place()
+bool BarPanels::place(const std::vector<SpaceWindows::Info>& spaces)
 {
     auto screens = m_displays.screens();
-    auto spaces = m_spaceWindows.getSpaces();
     if (spaces.empty() && !screens.empty())
         return false;
     auto ordinary = spots(spaces, screens, PanelKind::bar);

@@ -55,7 +55,7 @@ public:
 
     /// Makes, moves and closes panels until each is in its place. False if nothing is changed,
     /// because the system does not say which spaces there are.
-    bool place();
+    bool place(const std::vector<SpaceWindows::Info>&);
     bool syncMirrorPanels();
     void rebuildContentViews();
     void orderFront(const std::vector<SpaceID>&);

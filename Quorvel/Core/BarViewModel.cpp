@@ -82,14 +82,13 @@ void BarViewModel::refreshSoon()
         m_refresh = m_dispatch.main().after(Duration::zero(), [this] { refresh(); });
 }
 
-void BarViewModel::refresh()
+void BarViewModel::refresh(SpaceWindows::Answer answer)
 {
     m_refresh = {};
     ++m_debugEventSequence;
-    auto found = m_spaceWindows.getSpaces();
     // With a screen there is a space: no answer says nothing about the windows.
-    if (!found.empty() || m_displays.screens().empty())
-        spaces.set(std::move(found));
+    if (!answer.spaces.empty() || m_displays.screens().empty())
+        spaces.set(std::move(answer.spaces));
     activeSpaceID.set(m_windowServer.activeSpace());
 
     auto focus = resolveFocus();

@@ -56,7 +56,8 @@ public:
     Signal<> didRefresh;
 
     /// Computes everything anew; chips and items that come out equal are not made again.
-    void refresh();
+    void refresh() { refresh(m_spaceWindows.ask()); }
+    void refresh(SpaceWindows::Answer);
 
     /// The items of a bar on one screen; without an index, or with one screen only, all of the
     /// space. A window that meets no screen is on the bar of the space's own display.

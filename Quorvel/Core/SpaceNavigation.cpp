@@ -128,9 +128,9 @@ void SpaceNavigation::becomeKey(BarPanel& panel, std::optional<ProcessID> previo
     m_yieldWork = m_dispatch.main().after(kSwitchPatience, [this] { handlePostSwitchYield(); });
 }
 
-void SpaceNavigation::spaceDidChange()
+void SpaceNavigation::spaceDidChange(const std::vector<SpaceID>& shown)
 {
-    if (!isCurrent(m_targetSpaceID))
+    if (std::ranges::find(shown, m_targetSpaceID) == shown.end())
         return;
     if (m_trace.isOn() && m_switchStartTime != Instant{}) {
         m_trace.line("space switch done space={} seconds={:.3f}", raw(m_targetSpaceID),

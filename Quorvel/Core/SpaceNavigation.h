@@ -49,7 +49,7 @@ public:
     bool isCurrent(SpaceID) const;
 
     /// A display shows another space.
-    void spaceDidChange();
+    void spaceDidChange(const std::vector<SpaceID>& shown);
     /// Gives back what was changed of the system: the program may end without destructors.
     void end() { m_shortcuts.restore(); }
     bool isScrollSwitchLocked() const { return m_scrollUnlockWork.isPending(); }

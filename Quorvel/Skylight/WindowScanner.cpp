@@ -62,19 +62,16 @@ std::set<SpaceID> WindowScanner::querySpaces(WindowID window) const
     return spaces ? std::set<SpaceID>(spaces->begin(), spaces->end()) : std::set<SpaceID>{};
 }
 
-WindowScanner::Moment WindowScanner::lookAtSpaces() const
+WindowScanner::SpacesMoment WindowScanner::lookAtSpaces(const SpaceWindows::Answer& answer) const
 {
-    auto answer = m_spaceWindows.ask();
-    Moment moment;
-    moment.spaces = buildWindowSpacesMap(answer.spaces);
-    moment.shownSpaces = std::move(answer.shown);
-    moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
-    return moment;
+    return {buildWindowSpacesMap(answer.spaces), answer.shown};
 }
 
 WindowScanner::Moment WindowScanner::lookAt(const std::set<ProcessID>& pids) const
 {
-    auto moment = lookAtSpaces();
+    Moment moment;
+    moment.spaces = lookAtSpaces();
+    moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
     for (auto pid : pids)
         moment.windowsByOwner[pid];
     auto keep = [&](const CGWindowInfo& window) {
@@ -87,9 +84,11 @@ WindowScanner::Moment WindowScanner::lookAt(const std::set<ProcessID>& pids) con
     return moment;
 }
 
-WindowScanner::Moment WindowScanner::lookAtAll() const
+WindowScanner::Moment WindowScanner::lookAtAll(SpacesMoment spaces) const
 {
-    auto moment = lookAtSpaces();
+    Moment moment;
+    moment.spaces = std::move(spaces);
+    moment.eligiblePIDs = dockEligibleOwnerPIDs(m_workspace);
     moment.listing = m_windowServer.enumerateWindows(
         kWindowListExcludeDesktopElements, [&](const CGWindowInfo& window) {
             if (window.ownerPID && moment.eligiblePIDs.contains(*window.ownerPID))
@@ -147,13 +146,14 @@ bool WindowScanner::admit(const CGWindowInfo& window, const AXWindowMetadataByID
     candidate.appName = window.ownerName.value_or("Unknown");
     candidate.title = isKnown ? metadata->second.title : readTitleFromAX(*window.ownerPID, id);
     candidate.frame = *window.bounds;
-    candidate.spaces = moment.spaces.spaces(id);
-    candidate.unlistedSpaces = moment.spaces.unlistedSpaces();
+    candidate.spaces = moment.spaces.windows.spaces(id);
+    candidate.unlistedSpaces = moment.spaces.windows.unlistedSpaces();
     candidate.isAXConfirmed = admission.isConfirmed;
     if (isKnown)
         candidate.isMinimized = metadata->second.isMinimized;
     // The lists of the spaces leave minimised windows out.
-    bool mayBeUnlisted = candidate.isMinimized.value_or(false) || !moment.spaces.isComplete();
+    bool mayBeUnlisted
+        = candidate.isMinimized.value_or(false) || !moment.spaces.windows.isComplete();
     if (candidate.spaces.empty() && mayBeUnlisted)
         candidate.spaces = querySpaces(id);
     return result.candidates.emplace(id, std::move(candidate)).second;

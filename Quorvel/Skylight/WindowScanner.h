@@ -65,11 +65,15 @@ struct PIDWindowScan {
 /// process.
 class WindowScanner {
 public:
+    struct SpacesMoment {
+        WindowSpacesMap windows;
+        std::vector<SpaceID> shown; ///< one on each display
+    };
+
     /// What a look at several processes shares: taken once, not once a process.
     struct Moment {
         Listing listing = Listing::complete;
-        std::vector<SpaceID> shownSpaces;
-        WindowSpacesMap spaces;
+        SpacesMoment spaces;
         std::set<ProcessID> eligiblePIDs;
         std::map<ProcessID, std::vector<CGWindowInfo>> windowsByOwner;
     };
@@ -81,7 +85,10 @@ public:
     /// The windows of these processes.
     Moment lookAt(const std::set<ProcessID>&) const;
     /// The windows of every eligible process.
-    Moment lookAtAll() const;
+    Moment lookAtAll(SpacesMoment) const;
+    Moment lookAtAll() const { return lookAtAll(lookAtSpaces()); }
+    SpacesMoment lookAtSpaces() const { return lookAtSpaces(m_spaceWindows.ask()); }
+    SpacesMoment lookAtSpaces(const SpaceWindows::Answer&) const;
 
     PIDWindowScan scan(ProcessID, const Moment&);
     PIDWindowScan scanWindows(ProcessID pid) { return scan(pid, lookAt({pid})); }
@@ -92,17 +99,11 @@ public:
     std::optional<std::string> readTitle(ProcessID, const AXElement&);
     std::optional<Rect> readFrame(ProcessID, const AXElement&);
 
-    WindowSpacesMap buildWindowSpacesMap() const
-    {
-        return buildWindowSpacesMap(m_spaceWindows.ask().spaces);
-    }
+    WindowSpacesMap buildWindowSpacesMap(const std::vector<SpaceWindows::Info>&) const;
     /// Asks for one window at a time, since asking for several answers with the union.
     std::set<SpaceID> querySpaces(WindowID) const;
 
 private:
-    /// Without the windows.
-    Moment lookAtSpaces() const;
-    WindowSpacesMap buildWindowSpacesMap(const std::vector<SpaceWindows::Info>&) const;
     std::optional<std::string> readTitleFromAX(ProcessID, WindowID);
     std::optional<std::string> bundleIdentifier(ProcessID) const;
     void logRejection(const CGWindowInfo&, const std::string& reason) const;

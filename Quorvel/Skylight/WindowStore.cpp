@@ -369,9 +369,9 @@ void WindowStore::removeWindows(ProcessID pid)
         notifyChange();
 }
 
-void WindowStore::refreshSpaces()
+void WindowStore::refreshSpaces(const WindowScanner::SpacesMoment& moment)
 {
-    auto map = m_scanner.buildWindowSpacesMap();
+    auto& map = moment.windows;
     bool hasChanged = false;
     for (auto& [id, window] : m_windows) {
         auto spaces = spacesNow(window, map.spaces(id), map.unlistedSpaces());
@@ -404,10 +404,10 @@ void WindowStore::resyncMinimizedWindows()
         notifyChange();
 }
 
-int WindowStore::discoverNewWindowsForTrackedPIDs()
+int WindowStore::discoverNewWindowsForTrackedPIDs(WindowScanner::SpacesMoment spaces)
 {
     AXCalls::Scan hungOnlyOnce(m_scanner.calls());
-    auto moment = m_scanner.lookAtAll();
+    auto moment = m_scanner.lookAtAll(std::move(spaces));
     auto pids = trackedPIDs();
     for (auto& [pid, windows] : moment.windowsByOwner)
         pids.insert(pid);
@@ -432,9 +432,9 @@ WindowStore::Discovery WindowStore::discover(ProcessID pid, const WindowScanner:
     }
     auto [added, unexplained] = admitNewWindows(pid, scan);
     auto isShown = [&](WindowID id) {
-        auto spaces = moment.spaces.spaces(id);
+        auto spaces = moment.spaces.windows.spaces(id);
         return std::ranges::any_of(
-            moment.shownSpaces, [&](SpaceID space) { return spaces.contains(space); });
+            moment.spaces.shown, [&](SpaceID space) { return spaces.contains(space); });
     };
     // Applications without a chip keep many windows that nobody ever sees.
     bool isWorthIt = isNew ? std::ranges::any_of(unexplained, isShown) : !unexplained.empty();

@@ -69,11 +69,21 @@ public:
     int addWindowsForPID(ProcessID);
     /// The process has ended.
     void removeWindows(ProcessID);
-    void refreshSpaces();
+    /// For both calls below, so that one change of space looks at the spaces once.
+    WindowScanner::SpacesMoment lookAtSpaces(const SpaceWindows::Answer& answer) const
+    {
+        return m_scanner.lookAtSpaces(answer);
+    }
+    void refreshSpaces(const WindowScanner::SpacesMoment&);
+    void refreshSpaces() { refreshSpaces(m_scanner.lookAtSpaces()); }
     void resyncMinimizedWindows();
     /// Looks at the applications that have windows at all: one whose windows were all on other
     /// spaces may be seen for the first time.
-    int discoverNewWindowsForTrackedPIDs();
+    int discoverNewWindowsForTrackedPIDs(WindowScanner::SpacesMoment);
+    int discoverNewWindowsForTrackedPIDs()
+    {
+        return discoverNewWindowsForTrackedPIDs(m_scanner.lookAtSpaces());
+    }
     void handleAXEvent(const AXWindowEvent&);
 
     // The schedule.

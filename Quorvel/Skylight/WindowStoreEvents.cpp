@@ -73,8 +73,8 @@ void WindowStore::admitCreatedWindow(
         .bundleID = application ? application->bundleIdentifier : std::nullopt,
         .title = metadata.title,
         .frame = *found->bounds,
-        .spaces = moment.spaces.spaces(id),
-        .unlistedSpaces = moment.spaces.unlistedSpaces(),
+        .spaces = moment.spaces.windows.spaces(id),
+        .unlistedSpaces = moment.spaces.windows.unlistedSpaces(),
         .isAXConfirmed = true,
         .isMinimized = metadata.isMinimized,
     };

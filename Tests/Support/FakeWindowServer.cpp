@@ -74,6 +74,7 @@ Listing FakeWindowServer::enumerateWindows(std::uint32_t, const WindowVisitor& v
 
 std::optional<std::vector<ManagedDisplay>> FakeWindowServer::managedDisplaySpaces() const
 {
+    ++m_spaceQueries;
     if (m_failsSpaceLists)
         return std::nullopt;
     std::vector<ManagedDisplay> displays;

@@ -103,6 +103,8 @@ public:
     /// When the window list was taken.
     const std::vector<Instant>& listings() const { return m_listings; }
     void forgetListings() { m_listings.clear(); }
+    /// How often the spaces were asked for.
+    int spaceQueries() const { return m_spaceQueries; }
 
 private:
     CGWindowInfo entry(const FakeWindow&) const;
@@ -132,6 +134,7 @@ private:
     std::map<SpaceID, double> m_edgeReservations;
     std::map<DisplayNumber, Rect> m_dockRectangles;
     mutable std::vector<Instant> m_listings;
+    mutable int m_spaceQueries = 0;
 };
 
 }
