@@ -394,10 +394,10 @@ TEST_F(BarInteractionTest, theKeyboardWalksTheBarAndPressesWhatIsFocused)
     panel().dragFiles(DropAction::moved, middleOf(draft));
     panel().dragFiles(DropAction::exited, {});
     EXPECT_EQ(walkedTo(), displayItemID(inbox));
-    panel().pressKey(Key::right);
+    panel().pressKey(KeyCode::right);
     EXPECT_EQ(walkedTo(), displayItemID(draft));
-    panel().pressKey(Key::right);
-    panel().pressKey(Key::enter);
+    panel().pressKey(KeyCode::right);
+    panel().pressKey(KeyCode::enter);
     desktop.advance(seconds(0.5));
     EXPECT_TRUE(chip(notes)->isFocused);
     EXPECT_FALSE(panel().hasKeyboard());
@@ -407,9 +407,9 @@ TEST_F(BarInteractionTest, theKeyboardWalksTheBarAndPressesWhatIsFocused)
         last = desktop.open(editor, {.title = "Window"});
     settle();
     panel().takeKeyboard();
-    panel().pressKey(Key::home);
+    panel().pressKey(KeyCode::home);
     for (int i = 0; i < 80 && walkedTo() != displayItemID(last); ++i) {
-        panel().pressKey(Key::right);
+        panel().pressKey(KeyCode::right);
         EXPECT_NE(walkedTo(), "show-desktop");
     }
     EXPECT_FALSE(chipFrame(last)->isEmpty());

@@ -2,8 +2,6 @@
 
 #include <optional>
 
-#include <Carbon/Carbon.h>
-
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/CoreGraphicsCanvas.h"
 
@@ -27,35 +25,23 @@ PointerButton buttonOf(NSEvent* event)
     }
 }
 
-/// By place on the keyboard; what types no character is at the same place on all of them.
-std::optional<quorvel::Key> keyOf(NSEvent* event)
+/// The keys that type nothing have characters of a private use.
+std::string typed(NSString* characters)
 {
-    using quorvel::Key;
-    switch (event.keyCode) {
-    case kVK_LeftArrow:
-        return Key::left;
-    case kVK_RightArrow:
-        return Key::right;
-    case kVK_UpArrow:
-        return Key::up;
-    case kVK_DownArrow:
-        return Key::down;
-    case kVK_Home:
-        return Key::home;
-    case kVK_End:
-        return Key::end;
-    case kVK_Tab:
-        return event.modifierFlags & NSEventModifierFlagShift ? Key::backTab : Key::tab;
-    case kVK_Return:
-    case kVK_ANSI_KeypadEnter:
-        return Key::enter;
-    case kVK_Space:
-        return Key::space;
-    case kVK_Escape:
-        return Key::escape;
-    default:
-        return std::nullopt;
-    }
+    const bool isKey = characters.length == 1 &&
+        [characters characterAtIndex:0] >= NSUpArrowFunctionKey &&
+        [characters characterAtIndex:0] <= NSModeSwitchFunctionKey;
+    return isKey ? std::string{} : quorvel::fromSystem(characters);
+}
+
+quorvel::KeyEvent keyEventOf(NSEvent* event)
+{
+    // The bits of the other flags say which of two keys of a kind it was.
+    constexpr std::uint64_t known = quorvel::KeyModifier::shift | quorvel::KeyModifier::control
+        | quorvel::KeyModifier::option | quorvel::KeyModifier::command;
+    return {quorvel::KeyCode{event.keyCode}, typed(event.characters),
+        typed(event.charactersIgnoringModifiers), event.modifierFlags & known,
+        static_cast<bool>(event.ARepeat)};
 }
 
 std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
@@ -304,10 +290,7 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 - (void)keyDown:(NSEvent*)event
 {
-    const auto key = keyOf(event);
-    if (_client && _hasKeyboard && key)
-        _client->keyPressed(*key);
-    else
+    if (!_client || !_hasKeyboard || !_client->keyPressed(keyEventOf(event)))
         [super keyDown:event];
 }
 

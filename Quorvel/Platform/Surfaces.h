@@ -10,6 +10,7 @@
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
+#include "Quorvel/Platform/KeyEvent.h"
 #include "Quorvel/Platform/Published.h"
 
 namespace quorvel {
@@ -42,9 +43,6 @@ struct DropEvent {
     std::vector<std::string> paths; ///< absolute; with `dropped` only
 };
 
-/// What leads through a surface without the pointer.
-enum class Key { left, right, up, down, home, end, tab, backTab, enter, space, menu, escape };
-
 /// What a surface shows and who hears its events. Main thread; must outlive the surface.
 class SurfaceClient {
 public:
@@ -57,8 +55,8 @@ public:
     virtual void surfaceDidResize(Size) = 0;
     /// Whether a drop there would be taken.
     virtual bool dropEvent(const DropEvent&) { return false; }
-    /// Only while the surface has the keyboard.
-    virtual void keyPressed(Key) { }
+    /// Only while the surface has the keyboard. False: the key means nothing here.
+    virtual bool keyPressed(const KeyEvent&) { return false; }
     /// The surface got the keyboard, or has lost it for whatever reason.
     virtual void keyboardDidChange(bool /*hasKeyboard*/) { }
     /// What a screen reader is told; null: nothing. Lives as long as the client.

@@ -232,40 +232,61 @@ void BarHostingView::walk(int step)
     setKeyFocused(views[static_cast<std::size_t>(((now + step) % count + count) % count)]);
 }
 
-void BarHostingView::keyPressed(Key key)
+void BarHostingView::walkFromTheEdge(int step)
+{
+    setKeyFocused(nullptr);
+    walk(step);
+}
+
+bool BarHostingView::keyPressed(const KeyEvent& event)
 {
     int forwards = isRightToLeft && isRightToLeft() ? -1 : 1;
-    switch (key) {
-    case Key::left:
-        return walk(-1);
-    case Key::right:
-        return walk(1);
-    case Key::up:
-    case Key::backTab:
-        return walk(-forwards);
-    case Key::down:
-    case Key::tab:
-        return walk(forwards);
-    case Key::home:
-        setKeyFocused(nullptr);
-        return walk(forwards);
-    case Key::end:
-        setKeyFocused(nullptr);
-        return walk(-forwards);
-    case Key::escape:
-        return m_surface->releaseKeyboard();
-    case Key::enter:
-    case Key::space:
-    case Key::menu:
-        break;
-    }
-    if (auto* view = m_keyFocused) {
+    switch (event.keyCode) {
+    case KeyCode::left:
+        walk(-1);
+        return true;
+    case KeyCode::right:
+        walk(1);
+        return true;
+    case KeyCode::up:
+        walk(-forwards);
+        return true;
+    case KeyCode::down:
+        walk(forwards);
+        return true;
+    case KeyCode::tab:
+        walk(event.has(KeyModifier::shift) ? -forwards : forwards);
+        return true;
+    case KeyCode::home:
+        walkFromTheEdge(forwards);
+        return true;
+    case KeyCode::end:
+        walkFromTheEdge(-forwards);
+        return true;
+    case KeyCode::escape:
         m_surface->releaseKeyboard();
-        if (key == Key::menu)
-            view->showContextMenu();
-        else
-            view->performAccessibleAction(0);
+        return true;
+    case KeyCode::enter:
+    case KeyCode::keypadEnter:
+    case KeyCode::space:
+    case KeyCode::menu:
+        pressFocusedView(event.keyCode);
+        return true;
+    default:
+        return false;
     }
+}
+
+void BarHostingView::pressFocusedView(KeyCode key)
+{
+    auto* view = m_keyFocused;
+    if (!view)
+        return;
+    m_surface->releaseKeyboard();
+    if (key == KeyCode::menu)
+        view->showContextMenu();
+    else
+        view->performAccessibleAction(0);
 }
 
 }

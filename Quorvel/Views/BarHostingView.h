@@ -40,7 +40,7 @@ private:
     void scrollEvent(const ScrollEvent&) override;
     void surfaceDidResize(Size) override;
     bool dropEvent(const DropEvent&) override;
-    void keyPressed(Key) override;
+    bool keyPressed(const KeyEvent&) override;
     void keyboardDidChange(bool hasKeyboard) override;
     AccessibleElement* accessibleRoot() override { return m_content.get(); }
 
@@ -55,6 +55,8 @@ private:
     std::vector<View*> viewsUnderPointer() const;
     void setFilesOver(View*);
     void walk(int step);
+    void walkFromTheEdge(int step);
+    void pressFocusedView(KeyCode);
     void setKeyFocused(View*);
 
     PanelSurface* m_surface = nullptr;

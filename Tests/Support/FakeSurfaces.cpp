@@ -180,10 +180,9 @@ void FakePanel::releaseKeyboard()
         m_client.keyboardDidChange(false);
 }
 
-void FakePanel::pressKey(Key key)
+bool FakePanel::pressKey(const KeyEvent& event)
 {
-    if (m_hasKeyboard)
-        m_client.keyPressed(key);
+    return m_hasKeyboard && m_client.keyPressed(event);
 }
 
 bool FakePanel::dragFiles(DropAction action, Point at, std::vector<std::string> paths)

@@ -68,7 +68,9 @@ public:
     void click(Point, PointerButton = PointerButton::primary);
     void scroll(Point, double deltaY, bool isDirectionInverted = false);
     void scrollSideways(Point, double deltaX);
-    void pressKey(Key);
+    /// False if the program does not have the keyboard, or the key means nothing to it.
+    bool pressKey(const KeyEvent&);
+    bool pressKey(KeyCode key) { return pressKey(KeyEvent{.keyCode = key}); }
     bool hasKeyboard() const { return m_hasKeyboard; }
     bool dragFiles(DropAction, Point, std::vector<std::string> paths = {});
     AccessibleElement* accessibleRoot() const { return m_client.accessibleRoot(); }

@@ -1,55 +1,17 @@
 #include "Hosts/X11/Surface/KeyboardGrab.h"
 
-#include <cstdint>
 #include <cstdlib>
 #include <utility>
 
-#include <xkbcommon/xkbcommon-keysyms.h>
-
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 
 namespace quorvel::xdg::x11 {
 
-std::optional<Key> keyFor(std::uint32_t symbol, bool isShifted)
-{
-    switch (symbol) {
-    case XKB_KEY_Left:
-    case XKB_KEY_KP_Left:
-        return Key::left;
-    case XKB_KEY_Right:
-    case XKB_KEY_KP_Right:
-        return Key::right;
-    case XKB_KEY_Up:
-    case XKB_KEY_KP_Up:
-        return Key::up;
-    case XKB_KEY_Down:
-    case XKB_KEY_KP_Down:
-        return Key::down;
-    case XKB_KEY_Home:
-    case XKB_KEY_KP_Home:
-        return Key::home;
-    case XKB_KEY_End:
-    case XKB_KEY_KP_End:
-        return Key::end;
-    case XKB_KEY_Tab:
-        return isShifted ? Key::backTab : Key::tab;
-    case XKB_KEY_Return:
-    case XKB_KEY_KP_Enter:
-        return Key::enter;
-    case XKB_KEY_space:
-        return Key::space;
-    case XKB_KEY_Menu:
-        return Key::menu;
-    case XKB_KEY_Escape:
-        return Key::escape;
-    default:
-        return std::nullopt;
-    }
-}
-
-KeyboardGrab::KeyboardGrab(Connection& connection, SurfaceClient& client)
+KeyboardGrab::KeyboardGrab(Connection& connection, Keyboard& keyboard, SurfaceClient& client)
     : m_connection(connection)
+    , m_keyboard(keyboard)
     , m_client(client)
     , m_presses(connection, XCB_INPUT_DEVICE_ALL, XCB_INPUT_RAW_BUTTON_PRESS)
 {
@@ -82,7 +44,7 @@ bool KeyboardGrab::take(xcb_window_t window)
         return false;
     m_window = window;
     m_presses.listen(true);
-    m_keys.emplace(m_connection); // the layout may be another one than the last time
+    m_keyboard.prepare();
     m_events = m_connection.event.subscribe([this](auto* event) { handle(event); });
     m_client.keyboardDidChange(true);
     return true;
@@ -102,11 +64,13 @@ void KeyboardGrab::handle(const xcb_generic_event_t* event)
     switch (event->response_type & 0x7f) {
     case XCB_KEY_PRESS: {
         auto& press = as<xcb_key_press_event_t>(event);
-        auto key = keyFor(m_keys->symbol(press.detail), press.state & XCB_MOD_MASK_SHIFT);
-        if (press.event == m_window && key)
-            m_client.keyPressed(*key);
+        if (press.event == m_window)
+            m_client.keyPressed(m_keyboard.press(press));
         break;
     }
+    case XCB_KEY_RELEASE:
+        m_keyboard.release(as<xcb_key_release_event_t>(event));
+        break;
     case XCB_FOCUS_OUT: {
         // A menu of ours has the keyboard now, or the window has left the screen.
         auto& focus = as<xcb_focus_out_event_t>(event);

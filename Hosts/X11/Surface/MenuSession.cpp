@@ -5,9 +5,8 @@
 #include <cstdlib>
 #include <utility>
 
-#include <xkbcommon/xkbcommon-keysyms.h>
-
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 
@@ -52,13 +51,13 @@ MenuSession::MenuSession(const SurfaceContext& context, Menu menu, const Rect& a
     : m_context(context)
     , m_menu(std::move(menu))
     , m_ended(std::move(ended))
-    , m_keys(context.connection)
 {
     m_levels.push_back({std::make_unique<MenuWindow>(m_context, m_menu, [&](Size size) {
         return placeMenu(size, anchor, monitorAt(m_context.monitors, anchor),
             m_context.appearance.value().isRightToLeft);
     })});
     m_events = m_context.connection.event.subscribe([this](auto* event) { handle(event); });
+    m_context.keyboard.prepare();
     grab();
 }
 
@@ -140,7 +139,9 @@ void MenuSession::handle(const xcb_generic_event_t* event)
     case XCB_BUTTON_RELEASE:
         return isWheel ? void() : release(placeOf(input));
     case XCB_KEY_PRESS:
-        return key(input.detail);
+        return key(m_context.keyboard.press(as<xcb_key_press_event_t>(event)));
+    case XCB_KEY_RELEASE:
+        return m_context.keyboard.release(as<xcb_key_release_event_t>(event));
     case XCB_UNMAP_NOTIFY:
         return end();
     default:
@@ -236,36 +237,30 @@ void MenuSession::release(Point at)
         choose(*depth, window(*depth).rowAt(at));
 }
 
-void MenuSession::key(xcb_keycode_t code)
+void MenuSession::key(const KeyEvent& event)
 {
     bool isRightToLeft = m_context.appearance.value().isRightToLeft;
     auto row = window(deepest()).highlighted();
-    switch (m_keys.symbol(code)) {
-    case XKB_KEY_Escape:
+    switch (event.keyCode) {
+    case KeyCode::escape:
         return deepest() > 0 ? closeBelow(deepest() - 1) : end();
-    case XKB_KEY_Up:
-    case XKB_KEY_KP_Up:
+    case KeyCode::up:
         return step(row, -1);
-    case XKB_KEY_Down:
-    case XKB_KEY_KP_Down:
+    case KeyCode::down:
         return step(row, 1);
-    case XKB_KEY_Home:
-    case XKB_KEY_KP_Home:
+    case KeyCode::home:
         return step(std::nullopt, 1);
-    case XKB_KEY_End:
-    case XKB_KEY_KP_End:
+    case KeyCode::end:
         return step(std::nullopt, -1);
-    case XKB_KEY_Right:
-    case XKB_KEY_KP_Right:
+    case KeyCode::right:
         return isRightToLeft ? closeBelow(deepest() - std::min<Depth>(1, deepest()))
                              : openFromKeyboard();
-    case XKB_KEY_Left:
-    case XKB_KEY_KP_Left:
+    case KeyCode::left:
         return isRightToLeft ? openFromKeyboard()
                              : closeBelow(deepest() - std::min<Depth>(1, deepest()));
-    case XKB_KEY_Return:
-    case XKB_KEY_KP_Enter:
-    case XKB_KEY_space:
+    case KeyCode::enter:
+    case KeyCode::keypadEnter:
+    case KeyCode::space:
         if (row && !window(deepest()).item(*row).submenu.empty())
             return openFromKeyboard();
         return choose(deepest(), row);

@@ -5,7 +5,6 @@
 #include <optional>
 #include <vector>
 
-#include "Hosts/X11/Surface/MenuKeys.h"
 #include "Hosts/X11/Surface/MenuWindow.h"
 #include "Hosts/X11/Surface/SurfaceContext.h"
 #include "Quorvel/Platform/Dispatch.h"
@@ -45,7 +44,7 @@ private:
     void press(Point);
     void release(Point);
     void turnWheel(Point, xcb_button_t);
-    void key(xcb_keycode_t);
+    void key(const KeyEvent&);
 
     std::optional<Depth> depthAt(Point) const;
     MenuWindow& window(Depth depth) { return *m_levels[depth].window; }
@@ -62,7 +61,6 @@ private:
     SurfaceContext m_context;
     const Menu m_menu;
     Ended m_ended;
-    MenuKeys m_keys;
     std::vector<Level> m_levels; ///< never empty
     std::optional<Point> m_firstMotion;
     Point m_pointer;

@@ -17,6 +17,7 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 class FrameIntervals;
+class Keyboard;
 class Monitors;
 
 /// What every window of ours needs; all of it outlives them.
@@ -29,6 +30,7 @@ struct SurfaceContext {
     TextShaper& shaper;
     FrameIntervals& frames;
     AccessibleSurfaces& accessible;
+    Keyboard& keyboard;
 
     /// Pixels per point.
     double scale() const;

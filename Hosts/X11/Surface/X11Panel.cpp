@@ -11,7 +11,7 @@ X11Panel::X11Panel(DisplayWindow& window, const PanelOptions& options, SurfaceCl
     : m_window(window)
     , m_options(options)
     , m_client(client)
-    , m_keyboard(window.context().connection, client)
+    , m_keyboard(window.context().connection, window.context().keyboard, client)
 {
     m_window.add(*this);
     m_accessible = m_window.context().accessible.add(*this, m_client);

@@ -18,7 +18,7 @@ X11Popup::X11Popup(const SurfaceContext& context, const PanelOptions& options,
     , m_client(client)
     , m_onPointerMoved(std::move(onPointerMoved))
     , m_paint([this] { paint(); })
-    , m_keyboard(context.connection, client)
+    , m_keyboard(context.connection, context.keyboard, client)
 {
     auto& connection = m_context.connection;
     m_pointer.setClient(&m_client);

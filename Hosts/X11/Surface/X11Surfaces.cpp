@@ -13,8 +13,9 @@ namespace quorvel::xdg::x11 {
 X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monitors& monitors,
     const PanelEnvironment& environment, const Published<Appearance>& appearance)
     : m_frames(connection, monitors)
+    , m_keyboard(connection)
     , m_context{connection, dispatch, monitors, environment, appearance, m_shaper, m_frames,
-          m_accessible}
+          m_accessible, m_keyboard}
     , m_text(m_shaper, monitors.coordinates().scale)
     , m_appearance(appearance.subscribe([this](auto&) {
         for (auto& [display, window] : m_windows)

@@ -5,6 +5,7 @@
 
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/Linux/Drawing/TextShaper.h"
+#include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Surface/DisplayWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/MenuSession.h"
@@ -38,6 +39,7 @@ private:
     TextShaper m_shaper;
     FrameIntervals m_frames;
     AccessibleSurfaces m_accessible;
+    Keyboard m_keyboard;
     SurfaceContext m_context;
     PangoText m_text;
     std::optional<bool> m_canBlur;

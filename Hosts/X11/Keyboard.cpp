@@ -1,0 +1,136 @@
+#include "Hosts/X11/Keyboard.h"
+
+#include <array>
+#include <string>
+#include <utility>
+
+#include "Hosts/X11/Connection.h"
+#include "Hosts/X11/KeyCodes.h"
+#include "Hosts/X11/XkbLibrary.h"
+
+namespace quorvel::xdg::x11 {
+
+namespace {
+
+/// Of an event's state: where the group of the layout stands in it, by the protocol.
+constexpr unsigned kGroupShift = 13;
+constexpr std::uint16_t kModifiers = 0xFF;
+constexpr std::array<std::pair<const char*, std::uint64_t>, 4> kKnownModifiers{
+    {{XKB_MOD_NAME_SHIFT, KeyModifier::shift}, {XKB_MOD_NAME_CTRL, KeyModifier::control},
+        {XKB_MOD_NAME_ALT, KeyModifier::option}, {XKB_MOD_NAME_LOGO, KeyModifier::command}}};
+
+}
+
+struct Keyboard::Layout {
+    const XkbLibrary& xkb;
+    xkb_context* context = nullptr;
+    xkb_keymap* keymap = nullptr;
+    xkb_state* state = nullptr;
+
+    explicit Layout(const XkbLibrary& library) : xkb(library) { }
+    ~Layout()
+    {
+        xkb.unrefState(state);
+        xkb.unrefKeymap(keymap);
+        xkb.unrefContext(context);
+    }
+    Layout(const Layout&) = delete;
+    Layout& operator=(const Layout&) = delete;
+
+    void setState(std::uint32_t modifiers, std::uint16_t eventState) const
+    {
+        xkb.updateMask(state, modifiers, 0, 0, 0, 0, eventState >> kGroupShift & 3);
+    }
+    std::string typed(xcb_keycode_t key) const
+    {
+        std::array<char, 64> text{};
+        auto length = xkb.text(state, key, text.data(), text.size());
+        return length > 0 ? std::string{text.data()} : std::string{};
+    }
+    bool has(const char* modifier) const
+    {
+        auto index = xkb.modifierIndex(keymap, modifier);
+        return index != XKB_MOD_INVALID && xkb.isActive(state, index, XKB_STATE_MODS_EFFECTIVE) > 0;
+    }
+};
+
+Keyboard::Keyboard(Connection& connection) : m_connection(connection)
+{
+}
+
+Keyboard::~Keyboard() = default;
+
+void Keyboard::prepare()
+{
+    m_lastPressed.reset();
+    if (std::exchange(m_isPrepared, true))
+        return;
+    auto* raw = m_connection.raw();
+    auto* xkb = XkbLibrary::load();
+    m_hasExtension = xkb
+        && xkb->setUpExtension(raw, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
+            XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_firstEvent, nullptr);
+    if (!m_hasExtension)
+        return;
+    m_device = xkb->coreKeyboard(raw);
+    constexpr std::uint16_t changes
+        = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
+    constexpr std::uint16_t parts = XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS
+        | XCB_XKB_MAP_PART_MODIFIER_MAP | XCB_XKB_MAP_PART_VIRTUAL_MODS;
+    xkb->selectEvents(raw, XCB_XKB_ID_USE_CORE_KBD, changes, 0, changes, parts, parts, nullptr);
+    // Else a key that is held down is released and pressed again and again.
+    constexpr std::uint32_t repeats = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
+    auto cookie = xkb->perClientFlags(raw, XCB_XKB_ID_USE_CORE_KBD, repeats, repeats, 0, 0, 0);
+    xcb_discard_reply(raw, cookie.sequence);
+    m_events = m_connection.event.subscribe([this](auto* event) { handle(event); });
+}
+
+void Keyboard::handle(const xcb_generic_event_t* event)
+{
+    if ((event->response_type & 0x7f) == m_firstEvent)
+        m_layout.reset(); // only changes of the layout were asked for
+}
+
+bool Keyboard::read()
+{
+    auto layout = std::make_unique<Layout>(*XkbLibrary::load());
+    layout->context = layout->xkb.newContext(XKB_CONTEXT_NO_FLAGS);
+    if (!layout->context)
+        return false;
+    layout->keymap = layout->xkb.newKeymap(
+        layout->context, m_connection.raw(), m_device, XKB_KEYMAP_COMPILE_NO_FLAGS);
+    if (!layout->keymap)
+        return false;
+    layout->state = layout->xkb.newState(layout->keymap);
+    if (!layout->state)
+        return false;
+    m_layout = std::move(layout);
+    return true;
+}
+
+KeyEvent Keyboard::press(const xcb_key_press_event_t& event)
+{
+    KeyEvent key;
+    key.isRepeat = std::exchange(m_lastPressed, event.detail) == event.detail;
+    if (!isReady()) {
+        key.keyCode = keyCodeOf(event.detail, XKB_KEY_NoSymbol);
+        return key;
+    }
+    auto& layout = *m_layout;
+    layout.setState(event.state & XCB_MOD_MASK_SHIFT, event.state);
+    key.charactersIgnoringModifiers = layout.typed(event.detail);
+    layout.setState(event.state & kModifiers, event.state);
+    key.characters = layout.typed(event.detail);
+    for (auto& [name, bit] : kKnownModifiers)
+        key.modifiers |= layout.has(name) ? bit : 0;
+    key.keyCode = keyCodeOf(event.detail, layout.xkb.symbol(layout.state, event.detail));
+    return key;
+}
+
+void Keyboard::release(const xcb_key_release_event_t& event)
+{
+    if (m_lastPressed == event.detail)
+        m_lastPressed.reset();
+}
+
+}

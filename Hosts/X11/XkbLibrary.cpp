@@ -1,0 +1,41 @@
+#include "Hosts/X11/XkbLibrary.h"
+
+#include <optional>
+
+#include "Hosts/Linux/LibrarySymbols.h"
+
+namespace quorvel::xdg::x11 {
+
+namespace {
+
+std::optional<XkbLibrary> loadLibrary()
+{
+    LibrarySymbols symbols{"libxkbcommon-x11.so.0"}; // and with it those that it needs
+    XkbLibrary xkb{};
+    symbols.find("xkb_x11_setup_xkb_extension", xkb.setUpExtension);
+    symbols.find("xkb_x11_get_core_keyboard_device_id", xkb.coreKeyboard);
+    symbols.find("xkb_x11_keymap_new_from_device", xkb.newKeymap);
+    symbols.find("xcb_xkb_select_events", xkb.selectEvents);
+    symbols.find("xcb_xkb_per_client_flags", xkb.perClientFlags);
+    symbols.find("xkb_context_new", xkb.newContext);
+    symbols.find("xkb_context_unref", xkb.unrefContext);
+    symbols.find("xkb_keymap_unref", xkb.unrefKeymap);
+    symbols.find("xkb_state_new", xkb.newState);
+    symbols.find("xkb_state_unref", xkb.unrefState);
+    symbols.find("xkb_state_update_mask", xkb.updateMask);
+    symbols.find("xkb_state_key_get_one_sym", xkb.symbol);
+    symbols.find("xkb_state_key_get_utf8", xkb.text);
+    symbols.find("xkb_keymap_mod_get_index", xkb.modifierIndex);
+    symbols.find("xkb_state_mod_index_is_active", xkb.isActive);
+    return symbols.areComplete() ? std::optional{xkb} : std::nullopt;
+}
+
+}
+
+const XkbLibrary* XkbLibrary::load()
+{
+    static const auto library = loadLibrary();
+    return library ? &*library : nullptr;
+}
+
+}

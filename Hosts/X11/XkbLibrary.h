@@ -1,0 +1,34 @@
+#pragma once
+
+#include <xcb/xcb.h>
+#define explicit explicit_ // a field of the extension's header
+#include <xcb/xkb.h>
+#undef explicit
+#include <xkbcommon/xkbcommon-x11.h>
+
+namespace quorvel::xdg::x11 {
+
+/// The calls of libxkbcommon, which is loaded when the bar first has the keyboard: most sessions
+/// never give it, and a bar starts sooner without.
+struct XkbLibrary {
+    /// Null where it is not installed.
+    static const XkbLibrary* load();
+
+    decltype(&::xkb_x11_setup_xkb_extension) setUpExtension;
+    decltype(&::xkb_x11_get_core_keyboard_device_id) coreKeyboard;
+    decltype(&::xkb_x11_keymap_new_from_device) newKeymap;
+    decltype(&::xcb_xkb_select_events) selectEvents;
+    decltype(&::xcb_xkb_per_client_flags) perClientFlags;
+    decltype(&::xkb_context_new) newContext;
+    decltype(&::xkb_context_unref) unrefContext;
+    decltype(&::xkb_keymap_unref) unrefKeymap;
+    decltype(&::xkb_state_new) newState;
+    decltype(&::xkb_state_unref) unrefState;
+    decltype(&::xkb_state_update_mask) updateMask;
+    decltype(&::xkb_state_key_get_one_sym) symbol;
+    decltype(&::xkb_state_key_get_utf8) text;
+    decltype(&::xkb_keymap_mod_get_index) modifierIndex;
+    decltype(&::xkb_state_mod_index_is_active) isActive;
+};
+
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace quorvel {
+
+/// A key by its place, whatever is printed on it: the virtual key codes of the Mac's keyboards, on
+/// every host. The named ones do the same on every layout; any other number may come.
+enum class KeyCode : std::uint16_t {
+    enter = 36,
+    tab = 48,
+    space = 49,
+    backspace = 51,
+    escape = 53,
+    keypadEnter = 76,
+    menu = 110,
+    home = 115,
+    pageUp = 116,
+    forwardDelete = 117,
+    end = 119,
+    pageDown = 121,
+    left = 123,
+    right = 124,
+    down = 125,
+    up = 126,
+    unknown = 0xFFFF, ///< a key that the Mac does not have
+};
+
+/// Bits of a set of modifiers, those of the Mac's events.
+struct KeyModifier {
+    static constexpr std::uint64_t shift = 1U << 17;
+    static constexpr std::uint64_t control = 1U << 18;
+    static constexpr std::uint64_t option = 1U << 19; ///< Alt
+    static constexpr std::uint64_t command = 1U << 20; ///< Super, the Windows key
+};
+
+/// A key goes down.
+struct KeyEvent {
+    KeyCode keyCode = KeyCode::unknown;
+    /// What it types, in UTF-8; may be a control character, and empty.
+    std::string characters{};
+    /// What it would type with no other modifier than Shift.
+    std::string charactersIgnoringModifiers{};
+    std::uint64_t modifiers = 0; ///< of `KeyModifier`
+    bool isRepeat = false; ///< the key is being held down
+
+    bool has(std::uint64_t modifier) const { return (modifiers & modifier) != 0; }
+};
+
+}
