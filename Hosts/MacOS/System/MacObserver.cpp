@@ -42,10 +42,11 @@ private:
     std::map<std::uintptr_t, SharedCallback> m_callbacks;
 };
 
-// The system's callback carries nothing but the number, so the table has to be the process's.
+// The system's callback carries nothing but the number, so the table has to be the process's. It is
+// never destroyed: the system may end the program by `exit`, while observers run on their thread.
 ObserverTable& observerTable()
 {
-    static ObserverTable table;
+    static auto& table = *new ObserverTable;
     return table;
 }
 
