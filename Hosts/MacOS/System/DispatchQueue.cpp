@@ -1,8 +1,15 @@
 #include "Hosts/MacOS/System/DispatchQueue.h"
 
+#include <string>
+#include <type_traits>
+
+#include "Hosts/MacOS/System/DispatchTimer.h"
+
 namespace quorvel {
 
 namespace {
+
+static_assert(std::is_same_v<dispatch_queue_t, dispatch_queue_s*>);
 
 struct Task {
     std::shared_ptr<QueueState> state;
@@ -61,6 +68,7 @@ qos_class_t qosClass(QualityOfService quality)
 DispatchQueue::DispatchQueue(Kind kind, std::string_view label, QualityOfService quality)
     : m_kind(kind)
     , m_queue(makeQueue(kind, label, qosClass(quality)))
+    , m_state(std::make_shared<QueueState>())
 {
 }
 

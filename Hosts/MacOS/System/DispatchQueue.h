@@ -1,10 +1,18 @@
 #pragma once
 
-#include <string>
+#include <memory>
+#include <string_view>
 
-#include "Hosts/MacOS/System/DispatchTimer.h"
+#include "Hosts/MacOS/System/System.h"
+#include "Quorvel/Platform/Dispatch.h"
+
+/// What the system's queue is in C++. `dispatch_queue_t` is a counted object in Objective-C, where
+/// a member of that type would make another class of the one below.
+struct dispatch_queue_s;
 
 namespace quorvel {
+
+struct QueueState;
 
 /// One of the system's dispatch queues.
 class DispatchQueue final : public Queue {
@@ -28,8 +36,8 @@ public:
 
 private:
     Kind m_kind;
-    dispatch_queue_t m_queue;
-    std::shared_ptr<QueueState> m_state = std::make_shared<QueueState>();
+    dispatch_queue_s* m_queue;
+    std::shared_ptr<QueueState> m_state;
 };
 
 qos_class_t qosClass(QualityOfService);
