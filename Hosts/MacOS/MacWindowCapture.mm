@@ -58,8 +58,11 @@ SCStreamConfiguration* toSystem(const CaptureConfiguration& wanted)
     configuration.height = static_cast<std::size_t>(wanted.height);
     configuration.scalesToFit = YES;
     configuration.showsCursor = NO;
-    if (@available(macOS 14.0, *))
+    if (@available(macOS 14.0, *)) {
         configuration.captureResolution = SCCaptureResolutionNominal;
+        // The shadow would be scaled into the picture, and the window smaller for it.
+        configuration.ignoreShadowsSingleWindow = YES;
+    }
     return configuration;
 }
 

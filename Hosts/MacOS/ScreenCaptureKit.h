@@ -37,6 +37,7 @@ API_AVAILABLE(macos(12.3))
 @property BOOL scalesToFit;
 @property BOOL showsCursor;
 @property SCCaptureResolutionType captureResolution API_AVAILABLE(macos(14.0));
+@property BOOL ignoreShadowsSingleWindow API_AVAILABLE(macos(14.0));
 @end
 
 API_AVAILABLE(macos(14.0))
