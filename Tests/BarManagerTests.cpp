@@ -390,6 +390,16 @@ TEST_F(BarManagerTest, anotherSizeMovesEachBarOnceAndTheSameSizeNone)
     EXPECT_EQ(frames(), before + 1);
     EXPECT_EQ(server().dockRectangleCalls(), calls + 1);
     EXPECT_THAT(server().edgeReservations(), IsEmpty()) << "nobody asked for them";
+
+    server().refuseDockRectangles(true);
+    runtime->userSettings().setBarSize(BarSize::small);
+    desktop.drain();
+    EXPECT_EQ(server().dockRectangles().at(kFirst), (Rect{0, 846, 1440, 54}));
+    server().refuseDockRectangles(false);
+    runtime->userSettings().setShowChipTitles(true);
+    desktop.drain();
+    EXPECT_EQ(server().dockRectangles().at(kFirst), (Rect{0, 870, 1440, 30}))
+        << "what was refused is not booked as applied";
 }
 
 TEST_F(BarManagerTest, edgesAreReservedOnEverySpaceWhereThatIsSwitchedOn)

@@ -28,16 +28,19 @@ void BarReservations::applyDockRectRegistrations(
         if (screen.number && !screens.empty())
             wanted[*screen.number] = {screen.frame, screens.front().frame, barHeight};
     }
-    for (auto& [display, registration] : m_appliedDockRectRegistrations) {
-        if (!wanted.contains(display))
-            m_windowReservations.clearDockRectangle(display);
-    }
+    std::erase_if(m_appliedDockRectRegistrations, [&](auto& applied) {
+        if (wanted.contains(applied.first))
+            return false;
+        m_windowReservations.clearDockRectangle(applied.first);
+        return true;
+    });
     for (auto& [display, registration] : wanted) {
         auto applied = m_appliedDockRectRegistrations.find(display);
-        if (applied == m_appliedDockRectRegistrations.end() || applied->second != registration)
-            m_windowReservations.setDockRectangle({display, registration.rectangle()});
+        if (applied != m_appliedDockRectRegistrations.end() && applied->second == registration)
+            continue;
+        if (m_windowReservations.setDockRectangle({display, registration.rectangle()}))
+            m_appliedDockRectRegistrations.insert_or_assign(display, registration);
     }
-    m_appliedDockRectRegistrations = std::move(wanted);
 }
 
 void BarReservations::clearDockRectRegistrations()
@@ -53,16 +56,19 @@ void BarReservations::applyEdgeReservationsIfNeeded(
     std::map<SpaceID, double> wanted;
     for (auto space : spaces)
         wanted[space] = barHeight;
-    for (auto& [space, height] : m_appliedEdgeReservations) {
-        if (!wanted.contains(space))
-            m_spaceWindows.setBottomEdgeReservation(space, 0, m_screenLog);
-    }
+    std::erase_if(m_appliedEdgeReservations, [&](auto& applied) {
+        if (wanted.contains(applied.first))
+            return false;
+        m_spaceWindows.setBottomEdgeReservation(applied.first, 0, m_screenLog);
+        return true;
+    });
     for (auto& [space, height] : wanted) {
         auto applied = m_appliedEdgeReservations.find(space);
-        if (applied == m_appliedEdgeReservations.end() || applied->second != height)
-            m_spaceWindows.setBottomEdgeReservation(space, height, m_screenLog);
+        if (applied != m_appliedEdgeReservations.end() && applied->second == height)
+            continue;
+        if (m_spaceWindows.setBottomEdgeReservation(space, height, m_screenLog))
+            m_appliedEdgeReservations.insert_or_assign(space, height);
     }
-    m_appliedEdgeReservations = std::move(wanted);
 }
 
 void BarReservations::clearSystemReservations()

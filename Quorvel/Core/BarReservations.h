@@ -14,7 +14,7 @@ struct Platform;
 
 /// What the window server is told so that other programs' windows keep off the bars: the bar's
 /// rectangle on each display, in the Dock's place, and, if asked for, the bottom edge of each
-/// space. Nothing is said twice. Main thread.
+/// space. What was taken is not said twice. Main thread.
 class BarReservations {
 public:
     enum class EdgeReservation { off, on };

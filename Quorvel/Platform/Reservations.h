@@ -13,16 +13,17 @@ struct DockRectangle {
     Rect rect; ///< points, global top-left origin
 };
 
-/// What the window server keeps free for the bar. Main thread. A call that the system lacks does
-/// nothing.
+/// What the window server keeps free for the bar. Main thread.
 class Reservations {
 public:
     virtual ~Reservations() = default;
 
     /// Keeps a strip of `height` points at an edge of the space free of other windows; 0 ends it.
-    virtual void setEdgeReservation(SpaceID, ScreenEdge, double height) = 0;
+    /// False where the system has no call for it.
+    virtual bool setEdgeReservation(SpaceID, ScreenEdge, double height) = 0;
     /// Tells the window server that the bar lies there, so that maximised windows end above it.
-    virtual void setDockRectangle(const DockRectangle&) = 0;
+    /// False where the system has no call for it, or did not heed it.
+    virtual bool setDockRectangle(const DockRectangle&) = 0;
     virtual void clearDockRectangle(DisplayNumber) = 0;
 };
 

@@ -82,10 +82,11 @@ void SpaceWindows::moveWindowExclusively(WindowID window, SpaceID target) const
         m_windowServer.removeWindowsFromSpaces({window}, *spaces);
 }
 
-void SpaceWindows::setBottomEdgeReservation(SpaceID space, double height, ScreenLog& log) const
+bool SpaceWindows::setBottomEdgeReservation(SpaceID space, double height, ScreenLog& log) const
 {
-    m_windowServer.setEdgeReservation(space, ScreenEdge::bottom, height);
+    bool isTaken = m_windowServer.setEdgeReservation(space, ScreenEdge::bottom, height);
     log.writeSoon();
+    return isTaken;
 }
 
 std::optional<DisplayNumber> SpaceWindows::displayNumber(std::string_view identifier) const

@@ -50,8 +50,8 @@ public:
     /// Puts the window on this space and takes it off every other; it is never on none.
     void moveWindowExclusively(WindowID, SpaceID) const;
     /// Keeps a strip at the bottom of the space for the bar; `height` in points, 0 ends it. What
-    /// came of it is written to the log a little later.
-    void setBottomEdgeReservation(SpaceID, double height, ScreenLog&) const;
+    /// came of it is written to the log a little later. False where the system has no call for it.
+    bool setBottomEdgeReservation(SpaceID, double height, ScreenLog&) const;
 
     /// Compares identifiers in any letter case; "MAIN" and "PRIMARY" are the main display.
     std::optional<DisplayNumber> displayNumber(std::string_view identifier) const;

@@ -89,7 +89,8 @@ TEST_F(MacSpacesTest, callsThatTheSystemLacksAnswerWithNothing)
     EXPECT_EQ(server.activeSpace(), SpaceID{});
     server.addWindowsToSpaces({window}, {SpaceID{2}});
     server.removeWindowsFromSpaces({window}, {SpaceID{1}});
-    server.setEdgeReservation(SpaceID{1}, ScreenEdge::bottom, 40);
+    EXPECT_FALSE(server.setEdgeReservation(SpaceID{1}, ScreenEdge::bottom, 40));
+    EXPECT_FALSE(server.setDockRectangle({DisplayNumber{1}, {0, 864, 1440, 36}}));
     EXPECT_FALSE(server.symbolicHotKey(118));
     EXPECT_FALSE(server.isSymbolicHotKeyEnabled(118));
     EXPECT_FALSE(server.setSymbolicHotKeyEnabled(118, true));
@@ -168,6 +169,33 @@ TEST_F(MacSpacesTest, aMovedWindowIsOnItsNewSpaceBeforeItLeavesTheOld)
     ASSERT_FALSE(desktop.windowServer().moves().empty());
     EXPECT_EQ(desktop.windowServer().moves().front(),
         (FakeWindowServer::Moved{Change::add, window, SpaceID{3}}));
+}
+
+// Faults: what the server did not take is booked; the Dock's own place is lost; one of the two
+// calls is made without the other.
+TEST_F(MacSpacesTest, theDocksRectangleIsTheLastOnesThatWasTakenAndTheDocksAgainAfterwards)
+{
+    const SimulatedMac::DockRect docks = mac.dockRect;
+    const Rect left{0, 864, 1440, 36};
+    const Rect right{1440, 864, 1000, 36};
+    auto server = makeWindowServer();
+
+    EXPECT_TRUE(server.setDockRectangle({DisplayNumber{1}, left}));
+    EXPECT_EQ(mac.dockRect, (SimulatedMac::DockRect{left, docks.reason, 2}));
+    EXPECT_TRUE(server.setDockRectangle({DisplayNumber{2}, right}));
+    EXPECT_EQ(mac.dockRect.rect, right);
+    server.clearDockRectangle(DisplayNumber{2});
+    EXPECT_EQ(mac.dockRect, (SimulatedMac::DockRect{left, docks.reason, 2}));
+    server.clearDockRectangle(DisplayNumber{1});
+    EXPECT_EQ(mac.dockRect, docks);
+
+    mac.ignoreDockRect(true);
+    EXPECT_FALSE(server.setDockRectangle({DisplayNumber{1}, left}));
+    mac.ignoreDockRect(false);
+    server.clearDockRectangle(DisplayNumber{1});
+    mac.removeSymbol("SLSGetDockRectWithOrientation");
+    EXPECT_FALSE(makeWindowServer().setDockRectangle({DisplayNumber{1}, left}));
+    EXPECT_EQ(mac.dockRect, docks);
 }
 
 TEST_F(MacSpacesTest, displaysThatCannotBeReadAreAbsent)

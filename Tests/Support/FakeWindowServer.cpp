@@ -173,18 +173,21 @@ void FakeWindowServer::announceMoves() const
         m_desktop.post([this] { spacesOfWindowsDidChange.emit(); });
 }
 
-void FakeWindowServer::setEdgeReservation(SpaceID space, ScreenEdge, double height)
+bool FakeWindowServer::setEdgeReservation(SpaceID space, ScreenEdge, double height)
 {
     if (height > 0)
         m_edgeReservations[space] = height;
     else
         m_edgeReservations.erase(space);
+    return true;
 }
 
-void FakeWindowServer::setDockRectangle(const DockRectangle& rectangle)
+bool FakeWindowServer::setDockRectangle(const DockRectangle& rectangle)
 {
     ++m_dockRectangleCalls;
-    m_dockRectangles[rectangle.display] = rectangle.rect;
+    if (!m_refusesDockRectangles)
+        m_dockRectangles[rectangle.display] = rectangle.rect;
+    return !m_refusesDockRectangles;
 }
 
 void FakeWindowServer::clearDockRectangle(DisplayNumber display)

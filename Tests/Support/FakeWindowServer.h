@@ -31,8 +31,8 @@ public:
     void addWindowsToSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
     void removeWindowsFromSpaces(
         const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
-    void setEdgeReservation(SpaceID, ScreenEdge, double height) override;
-    void setDockRectangle(const DockRectangle&) override;
+    bool setEdgeReservation(SpaceID, ScreenEdge, double height) override;
+    bool setDockRectangle(const DockRectangle&) override;
     void clearDockRectangle(DisplayNumber) override;
     std::optional<SymbolicHotKey> symbolicHotKey(int identifier) const override;
     bool isSymbolicHotKeyEnabled(int identifier) const override;
@@ -63,6 +63,8 @@ public:
 
     /// Windows stay where they are, and nobody is told; only a hand at the pointer moves them.
     void refuseMoves(bool value) { m_refusesMoves = value; }
+
+    void refuseDockRectangles(bool value) { m_refusesDockRectangles = value; }
 
     struct FakeHotKey {
         SymbolicHotKey keys;
@@ -121,6 +123,7 @@ private:
     std::vector<std::pair<PointerPost, Point>> m_postedPointer;
     bool m_isButtonDown = false;
     bool m_refusesMoves = false;
+    bool m_refusesDockRectangles = false;
     int m_dockRectangleCalls = 0;
     std::vector<CGWindowInfo> m_strayEntries;
     Duration m_closeDelay{};

@@ -185,7 +185,7 @@ void DesktopWindowServer::changeSpaces(
     m_requests.sendToWantedSpaces();
 }
 
-void DesktopWindowServer::setEdgeReservation(SpaceID space, ScreenEdge, double height)
+bool DesktopWindowServer::setEdgeReservation(SpaceID space, ScreenEdge, double height)
 {
     auto reservations = m_environment.edgeReservations.value();
     if (height > 0)
@@ -193,13 +193,15 @@ void DesktopWindowServer::setEdgeReservation(SpaceID space, ScreenEdge, double h
     else
         reservations.erase(space);
     m_environment.edgeReservations.set(std::move(reservations));
+    return true;
 }
 
-void DesktopWindowServer::setDockRectangle(const DockRectangle& dock)
+bool DesktopWindowServer::setDockRectangle(const DockRectangle& dock)
 {
     auto heights = m_environment.dockHeights.value();
     heights[dock.display] = dock.rect.height;
     m_environment.dockHeights.set(std::move(heights));
+    return true;
 }
 
 void DesktopWindowServer::clearDockRectangle(DisplayNumber display)

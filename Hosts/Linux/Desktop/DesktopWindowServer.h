@@ -32,8 +32,8 @@ public:
     void addWindowsToSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
     void removeWindowsFromSpaces(
         const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
-    void setEdgeReservation(SpaceID, ScreenEdge, double height) override;
-    void setDockRectangle(const DockRectangle&) override;
+    bool setEdgeReservation(SpaceID, ScreenEdge, double height) override;
+    bool setDockRectangle(const DockRectangle&) override;
     void clearDockRectangle(DisplayNumber) override;
 
     // There are no keys of the system to press, and windows are moved without a hand at the

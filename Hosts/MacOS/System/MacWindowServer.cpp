@@ -1,5 +1,8 @@
 #include "Hosts/MacOS/System/MacWindowServer.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "Hosts/MacOS/System/CFValues.h"
 
 namespace quorvel {
@@ -36,6 +39,15 @@ template <typename Visitor> Listing forEachWindow(std::uint32_t options, const V
             visitor(window);
     });
     return Listing::complete;
+}
+
+constexpr int kBottom = 2; ///< the Dock's orientation
+
+bool isAbout(const CGRect& one, const CGRect& other)
+{
+    const auto isNear = [](double a, double b) { return std::abs(a - b) < 1; };
+    return isNear(one.origin.x, other.origin.x) && isNear(one.origin.y, other.origin.y)
+        && isNear(one.size.width, other.size.width) && isNear(one.size.height, other.size.height);
 }
 
 CGEventType eventType(PointerPost post)
@@ -158,19 +170,63 @@ void MacWindowServer::removeWindowsFromSpaces(
     m_symbols.removeWindowsFromSpaces(connection(), windowNumbers.get(), spaceNumbers.get());
 }
 
-void MacWindowServer::setEdgeReservation(SpaceID space, ScreenEdge edge, double height)
+bool MacWindowServer::setEdgeReservation(SpaceID space, ScreenEdge edge, double height)
 {
-    if (m_symbols.spaceSetEdgeReservation)
-        m_symbols.spaceSetEdgeReservation(
-            connection(), raw(space), static_cast<int>(edge), 0, 0, 0, height);
+    if (!m_symbols.spaceSetEdgeReservation)
+        return false;
+    m_symbols.spaceSetEdgeReservation(
+        connection(), raw(space), static_cast<int>(edge), 0, 0, 0, height);
+    return true;
 }
 
-void MacWindowServer::setDockRectangle(const DockRectangle&)
+// MARK: The Dock's rectangle
+
+MacWindowServer::DockPlace MacWindowServer::dockPlace() const
 {
+    DockPlace place;
+    unsigned long orientation = 0;
+    m_symbols.getDockRect(connection(), &place.rect, &place.reason, &orientation);
+    place.orientation = static_cast<int>(orientation);
+    return place;
 }
 
-void MacWindowServer::clearDockRectangle(DisplayNumber)
+void MacWindowServer::setDockPlace(const DockPlace& place)
 {
+    m_symbols.setDockRect(connection(), place.rect, place.reason, place.orientation);
+}
+
+bool MacWindowServer::setDockRectangle(const DockRectangle& dock)
+{
+    if (!canSetDockRectangle())
+        return false;
+    if (!m_dockBefore)
+        m_dockBefore = dockPlace();
+    const auto& [display, wanted] = dock;
+    const CGRect rect{CGPointMake(wanted.x, wanted.y), CGSizeMake(wanted.width, wanted.height)};
+    // What the reason means is not known, so it stays what it was.
+    setDockPlace({rect, m_dockBefore->reason, kBottom});
+    // Nor what the call answers.
+    const bool isTaken = isAbout(dockPlace().rect, rect);
+    if (isTaken)
+        m_dockRectangles[display] = rect;
+    else if (m_dockRectangles.empty())
+        withdrawDockRectangle();
+    return isTaken;
+}
+
+void MacWindowServer::clearDockRectangle(DisplayNumber display)
+{
+    if (m_dockRectangles.erase(display) == 0 || !m_dockBefore)
+        return;
+    if (m_dockRectangles.empty())
+        return withdrawDockRectangle();
+    setDockPlace({m_dockRectangles.begin()->second, m_dockBefore->reason, kBottom});
+}
+
+void MacWindowServer::withdrawDockRectangle()
+{
+    setDockPlace(*m_dockBefore);
+    m_dockBefore.reset();
 }
 
 std::optional<SymbolicHotKey> MacWindowServer::symbolicHotKey(int identifier) const
@@ -225,13 +281,34 @@ void MacWindowServer::toggleShowingDesktop()
         m_symbols.coreDockSendNotification(CFSTR("com.apple.showdesktop.awake"), 0);
 }
 
+// MARK: The program's own windows
+
+std::optional<std::vector<SpaceID>> MacWindowServer::currentSpaces() const
+{
+    const auto displays = managedDisplaySpaces();
+    if (!displays)
+        return {};
+    std::vector<SpaceID> spaces;
+    for (const ManagedDisplay& display : *displays) {
+        const auto current = display.currentSpace.value_or(ManagedSpace{});
+        if (const auto id = current.id64 ? current.id64 : current.managedSpaceID)
+            spaces.push_back(SpaceID{*id});
+    }
+    return spaces.empty() ? std::nullopt : std::optional{spaces};
+}
+
+std::optional<std::vector<SpaceID>> MacWindowServer::spacesOfOwnWindow(WindowID window) const
+{
+    return spacesOfWindows(kAllSpacesMask, {window});
+}
+
 bool MacWindowServer::moveOwnWindow(WindowID window, SpaceID space) const
 {
     if (!m_symbols.moveWindowsToManagedSpace)
         return false;
     const auto windows = makeNumbersOf(std::vector{window});
     m_symbols.moveWindowsToManagedSpace(connection(), windows.get(), raw(space));
-    return true;
+    return spacesOfOwnWindow(window) == std::vector{space};
 }
 
 }

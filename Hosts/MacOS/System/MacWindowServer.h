@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+
 #include "Hosts/MacOS/System/PrivateSymbols.h"
 #include "Hosts/MacOS/System/WindowDecoding.h"
 #include "Quorvel/Platform/WindowServer.h"
@@ -10,8 +12,10 @@ namespace quorvel {
 /// program to a space succeeds silently and, on newer systems, without effect: ask for its spaces
 /// afterwards.
 ///
-/// No call registers a rectangle as the Dock's: none with a known signature exists. The system
-/// gives no hints either, so neither signal is ever emitted.
+/// The window server has one rectangle for the Dock, on whatever display, so with several bars the
+/// last one told holds. It may heed none but the Dock's own program.
+///
+/// The system gives no hints, so neither signal is ever emitted.
 class MacWindowServer final : public WindowServer {
 public:
     enum class DisplaySpaces { shared, separate };
@@ -35,8 +39,8 @@ public:
     void addWindowsToSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
     void removeWindowsFromSpaces(
         const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
-    void setEdgeReservation(SpaceID, ScreenEdge, double height) override;
-    void setDockRectangle(const DockRectangle&) override;
+    bool setEdgeReservation(SpaceID, ScreenEdge, double height) override;
+    bool setDockRectangle(const DockRectangle&) override;
     void clearDockRectangle(DisplayNumber) override;
 
     std::optional<SymbolicHotKey> symbolicHotKey(int identifier) const override;
@@ -47,16 +51,33 @@ public:
     void postPointerEvent(PointerPost, Point) override;
     void toggleShowingDesktop() override;
 
-    /// Puts a window of this program on one space; false where the system has no call for it.
+    /// The current space of each display; absent when the window server does not say.
+    std::optional<std::vector<SpaceID>> currentSpaces() const;
+    /// Absent when the window server does not say.
+    std::optional<std::vector<SpaceID>> spacesOfOwnWindow(WindowID) const;
+    /// Puts a window of this program on one space. False where the system has no call for it, or
+    /// the window is elsewhere afterwards: the call itself says nothing.
     bool moveOwnWindow(WindowID, SpaceID) const;
 
 private:
+    struct DockPlace {
+        CGRect rect{};
+        int reason = 0;
+        int orientation = 0;
+    };
+    bool canSetDockRectangle() const { return m_symbols.setDockRect && m_symbols.getDockRect; }
+    DockPlace dockPlace() const;
+    void setDockPlace(const DockPlace&);
+    void withdrawDockRectangle();
+
     /// Of this program to the window server; every private call begins with it.
     int connection() const;
 
     PrivateSymbols m_symbols;
     WindowDecoder m_decoder;
     DisplaySpaces m_displaySpaces;
+    std::map<DisplayNumber, CGRect> m_dockRectangles; ///< what the window server took
+    std::optional<DockPlace> m_dockBefore; ///< as it was before the first of them
 };
 
 }

@@ -41,6 +41,8 @@ PrivateSymbols PrivateSymbols::load()
         "CGSMoveWindowsToManagedSpace");
     look(s.spaceSetEdgeReservation, skyLight, "SLSSpaceSetEdgeReservation",
         "CGSSpaceSetEdgeReservation");
+    look(s.setDockRect, skyLight, "SLSSetDockRectWithOrientation");
+    look(s.getDockRect, skyLight, "SLSGetDockRectWithOrientation");
     look(s.getSymbolicHotKeyValue, skyLight, "SLSGetSymbolicHotKeyValue",
         "CGSGetSymbolicHotKeyValue");
     look(s.isSymbolicHotKeyEnabled, skyLight, "SLSIsSymbolicHotKeyEnabled",

@@ -30,6 +30,11 @@ struct PrivateSymbols {
         Connection, std::uint64_t space, int edge, double, double, double, double height)
         = nullptr;
 
+    /// The Dock's rectangle (global top-left origin), why it is there and at which edge; the latter
+    /// in CoreDock's numbers. Only of use together. What they answer is not known.
+    void (*setDockRect)(Connection, CGRect, int reason, int orientation) = nullptr;
+    void (*getDockRect)(Connection, CGRect*, int* reason, unsigned long* orientation) = nullptr;
+
     // The keys of the system's own actions, the Dock's among them. The numbers may be written with
     // fewer bytes than they have, so they must be zero before.
     CGError (*getSymbolicHotKeyValue)(int hotKey, int* character, int* keyCode, int* modifiers)

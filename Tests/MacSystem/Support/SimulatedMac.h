@@ -36,16 +36,20 @@ public:
     // Knobs.
     /// What the call, or the accessibility attribute, of this name answers; empty is null.
     void answer(const std::string& name, Value value) { m_answers[name] = std::move(value); }
+    void forgetAnswer(const std::string& name) { m_answers.erase(name); }
     /// The loader does not find it.
     void removeSymbol(const std::string& name) { m_removed.insert(name); }
     void removeSkyLight() { m_hasSkyLight = false; }
     void setPointerReadable(bool value) { m_isPointerReadable = value; }
+    /// The window server leaves the Dock's rectangle to the Dock.
+    void ignoreDockRect(bool value) { m_ignoresDockRect = value; }
     void failDisplayCalls(bool value) { m_failsDisplayCalls = value; }
 
     // For the calls.
     const Value* answerFor(const std::string& name) const;
     bool hasSkyLight() const { return m_hasSkyLight; }
     bool isPointerReadable() const { return m_isPointerReadable; }
+    bool ignoresDockRect() const { return m_ignoresDockRect; }
     bool failsDisplayCalls() const { return m_failsDisplayCalls; }
     void* symbol(bool isInSkyLight, const std::string& name) const;
     /// The thread of the program whose work is running, if any.
@@ -53,6 +57,13 @@ public:
     CFRunLoopRef runLoop();
     float defaultTimeout = FakeAccessibility::kDefaultTimeout;
 
+    /// The Dock's own at first: at the left, for a reason of its own.
+    struct DockRect {
+        Rect rect{0, 100, 60, 700};
+        int reason = 7;
+        int orientation = 3;
+        friend bool operator==(const DockRect&, const DockRect&) = default;
+    } dockRect;
     /// The last registration, for notifications that come too late.
     struct Registration {
         AXObserverCallback callback = nullptr;
@@ -86,6 +97,7 @@ private:
     bool m_hasSkyLight = true;
     bool m_isPointerReadable = true;
     bool m_failsDisplayCalls = false;
+    bool m_ignoresDockRect = false;
     std::map<std::string, Value> m_runLoops; ///< by the label of their thread
 };
 

@@ -176,6 +176,22 @@ void spaceSetEdgeReservation(
     server().setEdgeReservation(SpaceID{space}, static_cast<ScreenEdge>(edge), height);
 }
 
+void setDockRect(int, CGRect rect, int reason, int orientation)
+{
+    auto& mac = SimulatedMac::current();
+    if (!mac.ignoresDockRect())
+        mac.dockRect = {
+            {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height}, reason, orientation};
+}
+
+void getDockRect(int, CGRect* rect, int* reason, unsigned long* orientation)
+{
+    const auto& dock = SimulatedMac::current().dockRect;
+    *rect = {{dock.rect.x, dock.rect.y}, {dock.rect.width, dock.rect.height}};
+    *reason = dock.reason;
+    *orientation = static_cast<unsigned long>(dock.orientation);
+}
+
 // A real system writes the key code with two bytes.
 CGError getSymbolicHotKeyValue(int hotKey, int* character, int* keyCode, int* modifiers)
 {
@@ -231,6 +247,8 @@ const std::map<std::string, void*>& privateCalls()
         {"RemoveWindowsFromSpaces", address(removeWindowsFromSpaces)},
         {"MoveWindowsToManagedSpace", address(moveWindowsToManagedSpace)},
         {"SpaceSetEdgeReservation", address(spaceSetEdgeReservation)},
+        {"SetDockRectWithOrientation", address(setDockRect)},
+        {"GetDockRectWithOrientation", address(getDockRect)},
         {"GetSymbolicHotKeyValue", address(getSymbolicHotKeyValue)},
         {"IsSymbolicHotKeyEnabled", address(isSymbolicHotKeyEnabled)},
         {"SetSymbolicHotKeyEnabled", address(setSymbolicHotKeyEnabled)}};
