@@ -402,6 +402,18 @@ TEST_F(BarInteractionTest, theKeyboardWalksTheBarAndPressesWhatIsFocused)
     EXPECT_TRUE(chip(notes)->isFocused);
     EXPECT_FALSE(panel().hasKeyboard());
 
+    for (auto& key : {KeyEvent{.keyCode = KeyCode::menu},
+             KeyEvent{.keyCode = KeyCode::f10, .modifiers = KeyModifier::shift},
+             KeyEvent{.keyCode = KeyCode::enter, .modifiers = KeyModifier::control}}) {
+        panel().takeKeyboard();
+        EXPECT_TRUE(panel().pressKey(key));
+        EXPECT_FALSE(panel().hasKeyboard());
+        EXPECT_THAT(desktop.surfaces().menuTitles(), Contains(HasSubstr("Close")));
+        desktop.surfaces().closeMenu();
+    }
+    panel().takeKeyboard();
+    EXPECT_FALSE(panel().pressKey(KeyCode::f10));
+
     WindowID last{};
     for (int i = 0; i < 60; ++i)
         last = desktop.open(editor, {.title = "Window"});
@@ -420,8 +432,15 @@ TEST_F(BarInteractionTest, theKeyboardWalksTheBarAndPressesWhatIsFocused)
 TEST_F(BarInteractionTest, aScreenReaderHearsWhatTheChipsShow)
 {
     std::vector<std::string> names;
-    for (auto* element : panel().accessibleRoot()->accessibleChildren())
-        names.push_back(element->accessibleState().name);
+    for (auto* element : panel().accessibleRoot()->accessibleChildren()) {
+        auto state = element->accessibleState();
+        names.push_back(state.name);
+        if (state.menuAction) {
+            EXPECT_TRUE(element->performAccessibleAction(*state.menuAction)) << state.name;
+            EXPECT_TRUE(desktop.surfaces().menu()) << state.name;
+            desktop.surfaces().closeMenu();
+        }
+    }
     EXPECT_THAT(names, Contains("Menu"));
     EXPECT_THAT(names, Contains("Mail, Inbox, focused"));
     EXPECT_THAT(names, Contains("Desktop 1, 3 windows"));

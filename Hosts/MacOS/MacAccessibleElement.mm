@@ -186,6 +186,20 @@ NSString* progressText(const AccessibleState& state)
     return [self perform:0];
 }
 
+- (BOOL)accessibilityPerformShowMenu
+{
+    const auto action = [self state].menuAction;
+    return action && [self perform:*action];
+}
+
+// What has no menu must not say that it had one.
+- (BOOL)isAccessibilitySelectorAllowed:(SEL)selector
+{
+    if (selector == @selector(accessibilityPerformShowMenu))
+        return [self state].menuAction.has_value();
+    return [super isAccessibilitySelectorAllowed:selector];
+}
+
 - (NSArray<NSAccessibilityCustomAction*>*)accessibilityCustomActions
 {
     NSMutableArray<NSAccessibilityCustomAction*>* actions = [NSMutableArray array];

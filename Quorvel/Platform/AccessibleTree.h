@@ -19,6 +19,8 @@ struct AccessibleState {
     bool hasKeyFocus = false;
     /// In the words of the user: "Activate", "Close". The first one is what a click does.
     std::vector<std::string> actions;
+    /// Which of them opens a menu about it, by its place in the list.
+    std::optional<std::size_t> menuAction{};
 
     friend bool operator==(const AccessibleState&, const AccessibleState&) = default;
 };

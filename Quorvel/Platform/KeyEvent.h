@@ -14,6 +14,7 @@ enum class KeyCode : std::uint16_t {
     backspace = 51,
     escape = 53,
     keypadEnter = 76,
+    f10 = 109,
     menu = 110,
     home = 115,
     pageUp = 116,
@@ -46,6 +47,13 @@ struct KeyEvent {
     bool isRepeat = false; ///< the key is being held down
 
     bool has(std::uint64_t modifier) const { return (modifiers & modifier) != 0; }
+    /// For the menu of what has the focus: the menu key, or what stands for it on keyboards without
+    /// one: Shift-F10 on most desktops, Control-Return on the Mac since macOS 15.
+    bool asksForMenu() const
+    {
+        return keyCode == KeyCode::menu || (keyCode == KeyCode::f10 && has(KeyModifier::shift))
+            || (keyCode == KeyCode::enter && has(KeyModifier::control));
+    }
 };
 
 }

@@ -241,6 +241,11 @@ void BarHostingView::walkFromTheEdge(int step)
 bool BarHostingView::keyPressed(const KeyEvent& event)
 {
     int forwards = isRightToLeft && isRightToLeft() ? -1 : 1;
+    if (event.asksForMenu()) {
+        if (auto* view = letGoOfKeyboard())
+            view->showContextMenu();
+        return true;
+    }
     switch (event.keyCode) {
     case KeyCode::left:
         walk(-1);
@@ -269,24 +274,20 @@ bool BarHostingView::keyPressed(const KeyEvent& event)
     case KeyCode::enter:
     case KeyCode::keypadEnter:
     case KeyCode::space:
-    case KeyCode::menu:
-        pressFocusedView(event.keyCode);
+        if (auto* view = letGoOfKeyboard())
+            view->performAccessibleAction(0);
         return true;
     default:
         return false;
     }
 }
 
-void BarHostingView::pressFocusedView(KeyCode key)
+View* BarHostingView::letGoOfKeyboard()
 {
     auto* view = m_keyFocused;
-    if (!view)
-        return;
-    m_surface->releaseKeyboard();
-    if (key == KeyCode::menu)
-        view->showContextMenu();
-    else
-        view->performAccessibleAction(0);
+    if (view)
+        m_surface->releaseKeyboard();
+    return view;
 }
 
 }

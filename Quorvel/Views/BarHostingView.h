@@ -56,7 +56,8 @@ private:
     void setFilesOver(View*);
     void walk(int step);
     void walkFromTheEdge(int step);
-    void pressFocusedView(KeyCode);
+    /// The view that the keyboard walk had come to, which ends it; null if there is none.
+    View* letGoOfKeyboard();
     void setKeyFocused(View*);
 
     PanelSurface* m_surface = nullptr;

@@ -210,7 +210,8 @@ AccessibleState ChipView::accessibleState() const
         .progress = fieldOf(m_item, [](auto& data) { return data.progress; }),
         .isSelected = isFocused(m_item),
         .hasKeyFocus = m_hasKeyFocus,
-        .actions = {"Activate", "Show Menu", "Close"}};
+        .actions = {"Activate", "Show Menu", "Close"},
+        .menuAction = 1};
     auto* single = std::get_if<ChipData>(&m_item);
     if (single && !single->windowTitle.empty() && single->windowTitle != single->appName)
         state.name += ", " + single->windowTitle;

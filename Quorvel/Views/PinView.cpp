@@ -42,6 +42,7 @@ void PinView::pressCancelled()
 AccessibleState PinView::accessibleState() const
 {
     auto state = buttonState(m_pin.name, "Open");
+    state.menuAction = state.actions.size();
     state.actions.emplace_back("Show Menu");
     if (m_pin.isLaunching)
         state.name += ", starting";

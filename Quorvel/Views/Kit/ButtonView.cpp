@@ -58,6 +58,7 @@ AccessibleState ButtonView::menuButtonState(std::string name) const
 {
     auto state = buttonState(std::move(name), "Open");
     state.role = AccessibleRole::menuButton;
+    state.menuAction = 0;
     return state;
 }
 
