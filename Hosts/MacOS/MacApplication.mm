@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include "Hosts/MacOS/Rules/ProgramArguments.h"
+
 /// Hears when the system ends the program (log-out, shutdown): then `run` never returns.
 @interface QVApplicationDelegate : NSObject <NSApplicationDelegate>
 @property (nonatomic, copy) void (^willTerminate)(void);
@@ -113,7 +115,7 @@ ProcessID MacApplication::processID() const { return ProcessID{getpid()}; }
 
 std::optional<int> MacApplication::operatingSystemMajorVersion() const
 {
-    return static_cast<int>(NSProcessInfo.processInfo.operatingSystemVersion.majorVersion);
+    return systemMajorVersion(NSProcessInfo.processInfo.operatingSystemVersion.majorVersion);
 }
 
 void MacApplication::warn(std::string_view text) { fmt::print(stderr, "quorvel: {}\n", text); }

@@ -6,6 +6,7 @@
 #include "Hosts/MacOS/MacSurfaces.h"
 #include "Hosts/MacOS/MacWindowCapture.h"
 #include "Hosts/MacOS/MacWorkspace.h"
+#include "Hosts/MacOS/Rules/ProgramArguments.h"
 #include "Hosts/MacOS/ScreenWatcher.h"
 #include "Hosts/MacOS/System/FdSource.h"
 #include "Hosts/MacOS/System/MacAccessibility.h"
@@ -91,7 +92,7 @@ int main(int count, char** values)
 {
     @autoreleasepool {
         quorvel::posix::surviveBrokenPipes();
-        return quorvel::posix::invoke(
-            {values + 1, values + count}, {quorvel::barAddress, quorvel::watchFd, quorvel::runBar});
+        return quorvel::posix::invoke(quorvel::withoutSystemArguments({values + 1, values + count}),
+            {quorvel::barAddress, quorvel::watchFd, quorvel::runBar});
     }
 }
