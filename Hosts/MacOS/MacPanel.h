@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Hosts/MacOS/Rules/KeyboardSession.h"
+#include "Hosts/MacOS/Rules/PanelPlace.h"
 #include "Hosts/MacOS/SurfaceView.h"
 #include "Quorvel/Platform/Surfaces.h"
 
@@ -7,17 +9,12 @@
 
 namespace quorvel {
 
-class MacWindowServer;
-
 /// A borderless panel at the Dock's level, on one space only. A proxy on the space of a full-screen
 /// window lies among ordinary windows, has nothing to see and lets clicks through; a popup lies
 /// above them all, whatever the space.
-///
-/// No public call puts a window on a given space: it lands on the active one when it is ordered in,
-/// and is moved afterwards, which the window server lets a program do with its own windows.
 class MacPanel final : public PanelSurface {
 public:
-    MacPanel(const MacWindowServer&, const PanelOptions&, SurfaceClient&);
+    MacPanel(const SurfaceContext&, const PanelOptions&, SurfaceClient&);
     ~MacPanel() override;
     MacPanel(const MacPanel&) = delete;
     MacPanel& operator=(const MacPanel&) = delete;
@@ -42,12 +39,38 @@ public:
     QVSurfaceView* view() const { return m_view; }
 
 private:
-    const MacWindowServer& m_windowServer;
-    SpaceID m_space;
-    bool m_isPopup; ///< on every space
+    class Calls final : public SystemPanel {
+    public:
+        explicit Calls(QVPanel* panel)
+            : m_panel(panel)
+        {
+        }
+
+        void orderIn() override;
+        void orderOut() override;
+        void setUnseen(bool) override;
+        std::optional<WindowID> number() const override;
+        void becomeKey() override;
+        void resignKey() override;
+        bool isKey() const override;
+
+        void setOpacity(double);
+
+    private:
+        QVPanel* m_panel;
+        double m_opacity = 1;
+    };
+
+    void activeSpaceDidChange();
+
     QVPanel* m_panel;
     QVSurfaceView* m_view;
     NSVisualEffectView* m_blur = nil;
+    Calls m_calls;
+    PanelPlace m_place;
+    KeyboardSession m_keyboard;
+    bool m_canBecomeKey = false;
+    Subscription m_activeSpaceChange;
 };
 
 }

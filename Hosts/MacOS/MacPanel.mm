@@ -1,19 +1,22 @@
 #include "Hosts/MacOS/MacPanel.h"
 
 #include "Hosts/MacOS/Conversions.h"
-#include "Hosts/MacOS/System/MacWindowServer.h"
+#include "Hosts/MacOS/Rules/PanelTraits.h"
+#include "Quorvel/Platform/Workspace.h"
 
 @interface QVPanel : NSPanel
-@property (nonatomic) BOOL mayBecomeKey;
+@property (nonatomic, copy) BOOL (^mayBecomeKey)(void);
 @property (nonatomic, copy) void (^onKeyChanged)(BOOL isKey);
 @end
+
+static BOOL s_panelsRefuseKey = NO;
 
 @implementation QVPanel
 
 // A borderless window could not by itself.
 - (BOOL)canBecomeKeyWindow
 {
-    return self.mayBecomeKey;
+    return !s_panelsRefuseKey && self.mayBecomeKey && self.mayBecomeKey();
 }
 
 - (void)becomeKeyWindow
@@ -47,32 +50,24 @@ namespace quorvel {
 
 namespace {
 
-CGWindowLevelKey levelOf(PanelKind kind)
-{
-    switch (kind) {
-    case PanelKind::fullscreenProxy:
-        return kCGNormalWindowLevelKey;
-    case PanelKind::popup:
-        return kCGPopUpMenuWindowLevelKey;
-    case PanelKind::bar:
-        break;
-    }
-    return kCGDockWindowLevelKey;
-}
+static_assert(behavior::kCanJoinAllSpaces == NSWindowCollectionBehaviorCanJoinAllSpaces);
+static_assert(behavior::kMoveToActiveSpace == NSWindowCollectionBehaviorMoveToActiveSpace);
+static_assert(behavior::kManaged == NSWindowCollectionBehaviorManaged);
+static_assert(behavior::kTransient == NSWindowCollectionBehaviorTransient);
+static_assert(behavior::kStationary == NSWindowCollectionBehaviorStationary);
+static_assert(behavior::kIgnoresCycle == NSWindowCollectionBehaviorIgnoresCycle);
+static_assert(behavior::kFullScreenPrimary == NSWindowCollectionBehaviorFullScreenPrimary);
+static_assert(behavior::kFullScreenAuxiliary == NSWindowCollectionBehaviorFullScreenAuxiliary);
+static_assert(behavior::kFullScreenNone == NSWindowCollectionBehaviorFullScreenNone);
+static_assert(behavior::kPrimary == NSWindowCollectionBehaviorPrimary);
+static_assert(behavior::kAuxiliary == NSWindowCollectionBehaviorAuxiliary);
+static_assert(
+    behavior::kCanJoinAllApplications == NSWindowCollectionBehaviorCanJoinAllApplications);
+static_assert(static_cast<int>(PanelTraits::Level::normal) == kCGNormalWindowLevelKey);
+static_assert(static_cast<int>(PanelTraits::Level::dock) == kCGDockWindowLevelKey);
+static_assert(static_cast<int>(PanelTraits::Level::popUpMenu) == kCGPopUpMenuWindowLevelKey);
 
-NSWindowCollectionBehavior behaviorOf(PanelKind kind)
-{
-    if (kind == PanelKind::popup)
-        return NSWindowCollectionBehaviorCanJoinAllSpaces | NSWindowCollectionBehaviorTransient
-            | NSWindowCollectionBehaviorIgnoresCycle
-            | NSWindowCollectionBehaviorFullScreenAuxiliary;
-    // Stationary: Mission Control hides windows above the normal level otherwise.
-    return NSWindowCollectionBehaviorStationary | NSWindowCollectionBehaviorIgnoresCycle
-        | (kind == PanelKind::fullscreenProxy ? NSWindowCollectionBehaviorFullScreenAuxiliary
-                                              : NSWindowCollectionBehaviorFullScreenNone);
-}
-
-QVPanel* makePanel(const PanelOptions& options)
+QVPanel* makePanel(const PanelTraits& traits)
 {
     // The server reads this part of the style only when the window is made.
     const NSWindowStyleMask style
@@ -83,6 +78,7 @@ QVPanel* makePanel(const PanelOptions& options)
                                                     defer:NO];
     panel.releasedWhenClosed = NO;
     panel.hidesOnDeactivate = NO; // the program is never the active one
+    panel.canHide = NO; // "Hide Others" would take it off the screen
     panel.becomesKeyOnlyIfNeeded = YES;
     panel.opaque = NO;
     panel.backgroundColor = NSColor.clearColor;
@@ -90,15 +86,16 @@ QVPanel* makePanel(const PanelOptions& options)
     panel.movable = NO;
     panel.acceptsMouseMovedEvents = YES;
     panel.animationBehavior = NSWindowAnimationBehaviorNone;
-    const bool isProxy = options.kind == PanelKind::fullscreenProxy;
-    panel.level = CGWindowLevelForKey(levelOf(options.kind));
-    panel.collectionBehavior = behaviorOf(options.kind);
-    // Set even to NO, it would end the pass of clicks through what is transparent.
-    if (isProxy)
+    panel.level = CGWindowLevelForKey(static_cast<CGWindowLevelKey>(traits.level));
+    panel.collectionBehavior = traits.collectionBehavior;
+    if (traits.ignoresMouse)
         panel.ignoresMouseEvents = YES;
-    if (NSString* title = toSystem(options.title))
-        panel.title = title;
     return panel;
+}
+
+std::optional<SpaceID> ownSpace(const PanelOptions& options)
+{
+    return PanelTraits::of(options.kind).hasOwnSpace ? std::optional{options.space} : std::nullopt;
 }
 
 NSVisualEffectView* makeBlur(NSRect frame)
@@ -113,23 +110,77 @@ NSVisualEffectView* makeBlur(NSRect frame)
 
 }
 
-MacPanel::MacPanel(
-    const MacWindowServer& windowServer, const PanelOptions& options, SurfaceClient& client)
-    : m_windowServer(windowServer)
-    , m_space(options.space)
-    , m_isPopup(options.kind == PanelKind::popup)
-    , m_panel(makePanel(options))
-    , m_view([[QVSurfaceView alloc] initWithFrame:m_panel.contentView.bounds client:&client])
+// MARK: The system's panel
+
+void MacPanel::Calls::orderIn() { [m_panel orderFrontRegardless]; }
+
+void MacPanel::Calls::orderOut() { [m_panel orderOut:nil]; }
+
+void MacPanel::Calls::setUnseen(bool isUnseen) { m_panel.alphaValue = isUnseen ? 0 : m_opacity; }
+
+void MacPanel::Calls::setOpacity(double opacity)
 {
+    m_opacity = opacity;
+    m_panel.alphaValue = opacity;
+}
+
+std::optional<WindowID> MacPanel::Calls::number() const
+{
+    // It is that of the server's window only while there is one.
+    const NSInteger number = m_panel.windowNumber;
+    return number > 0 ? std::optional{WindowID{static_cast<std::uint32_t>(number)}} : std::nullopt;
+}
+
+/// A panel that does not activate its program can be the key window, and the active program remains
+/// what it is.
+void MacPanel::Calls::becomeKey() { [m_panel makeKeyWindow]; }
+
+bool MacPanel::Calls::isKey() const { return m_panel.keyWindow; }
+
+/// A window gives the keyboard up only when it goes off the screen, so one that nobody sees takes
+/// it and goes.
+void MacPanel::Calls::resignKey()
+{
+    QVPanel* taker = makePanel(PanelTraits::of(PanelKind::popup));
+    taker.alphaValue = 0;
+    taker.ignoresMouseEvents = YES;
+    taker.mayBecomeKey = ^{ return YES; };
+    [taker makeKeyAndOrderFront:nil];
+    // Or it would hand it to the next panel of the program that takes it.
+    s_panelsRefuseKey = YES;
+    [taker orderOut:nil];
+    s_panelsRefuseKey = NO;
+    [taker close];
+}
+
+// MARK: MacPanel
+
+MacPanel::MacPanel(
+    const SurfaceContext& context, const PanelOptions& options, SurfaceClient& client)
+    : m_panel(makePanel(PanelTraits::of(options.kind)))
+    , m_view([[QVSurfaceView alloc] initWithFrame:m_panel.contentView.bounds
+                                           client:&client
+                                          context:context])
+    , m_calls(m_panel)
+    , m_place(context.windowServer, m_calls, ownSpace(options))
+    , m_keyboard(m_calls, client, context.mainQueue)
+    , m_activeSpaceChange(
+          context.workspace.activeSpaceDidChange.subscribe([this] { activeSpaceDidChange(); }))
+{
+    if (NSString* title = toSystem(options.title))
+        m_panel.title = title;
     [m_panel.contentView addSubview:m_view];
-    QVSurfaceView* view = m_view;
-    m_panel.onKeyChanged = ^(BOOL isKey) { [view panelIsKey:isKey]; };
+    m_view.keyboard = &m_keyboard;
+    m_panel.mayBecomeKey = ^BOOL { return m_canBecomeKey || m_keyboard.isWanted(); };
+    m_panel.onKeyChanged = ^(BOOL isKey) { m_keyboard.keyDidChange(isKey); };
 }
 
 MacPanel::~MacPanel()
 {
     m_panel.onKeyChanged = nil;
+    m_panel.mayBecomeKey = nil;
     [m_view detach];
+    [m_view removeFromSuperview]; // a menu that waits for its turn has nothing to open over
     [m_panel orderOut:nil];
     [m_panel close];
 }
@@ -138,27 +189,27 @@ void MacPanel::setFrame(const Rect& frame) { [m_panel setFrame:toSystem(frame) d
 
 Rect MacPanel::frame() const { return fromSystem(m_panel.frame); }
 
-void MacPanel::orderFront()
-{
-    [m_panel orderFrontRegardless];
-    // The number is that of the server's window only while there is one.
-    if (!m_isPopup && m_panel.windowNumber > 0)
-        m_windowServer.moveOwnWindow(
-            WindowID{static_cast<std::uint32_t>(m_panel.windowNumber)}, m_space);
-}
+void MacPanel::orderFront() { m_place.orderFront(); }
 
 void MacPanel::orderOut()
 {
-    [m_view cancelPress];
-    [m_panel orderOut:nil];
+    [m_view surfaceDidGo];
+    m_place.orderOut();
 }
 
-void MacPanel::setCanBecomeKey(bool canBecomeKey) { m_panel.mayBecomeKey = canBecomeKey; }
+void MacPanel::activeSpaceDidChange()
+{
+    m_place.activeSpaceDidChange();
+    if (!isVisible())
+        [m_view surfaceDidGo];
+}
+
+void MacPanel::setCanBecomeKey(bool canBecomeKey) { m_canBecomeKey = canBecomeKey; }
 
 void MacPanel::makeKeyAndOrderFront()
 {
-    orderFront();
-    [m_panel makeKeyWindow];
+    if (m_place.orderFrontForKey())
+        [m_panel makeKeyWindow];
 }
 
 bool MacPanel::isVisible() const { return m_panel.visible && m_panel.onActiveSpace; }
@@ -174,34 +225,18 @@ Duration MacPanel::frameInterval() const
     return seconds(1.0 / static_cast<double>(rate > 0 ? rate : 60));
 }
 
-/// A panel that does not activate its program can be the key window, and the active program remains
-/// what it is.
 bool MacPanel::takeKeyboard()
 {
-    m_view.wantsKeyboard = YES;
-    m_panel.mayBecomeKey = YES;
+    if (!isVisible())
+        return false;
+    m_keyboard.take();
     [m_panel makeFirstResponder:m_view];
-    if (m_panel.keyWindow)
-        [m_view panelIsKey:YES];
-    else
-        [m_panel makeKeyWindow];
-    return m_panel.keyWindow;
+    return true;
 }
 
-void MacPanel::releaseKeyboard()
-{
-    if (!m_view.wantsKeyboard)
-        return;
-    [m_view panelIsKey:NO];
-    m_panel.mayBecomeKey = NO;
-    if (!m_panel.keyWindow)
-        return;
-    // A window gives the keyboard up only when it goes off the screen.
-    [m_panel orderOut:nil];
-    orderFront();
-}
+void MacPanel::releaseKeyboard() { m_keyboard.release(); }
 
-void MacPanel::setOpacity(double opacity) { m_panel.alphaValue = opacity; }
+void MacPanel::setOpacity(double opacity) { m_calls.setOpacity(opacity); }
 
 void MacPanel::accessibleTreeDidChange() { [m_view accessibleTreeDidChange]; }
 

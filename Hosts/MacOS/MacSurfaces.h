@@ -1,34 +1,30 @@
 #pragma once
 
 #include "Hosts/MacOS/Cocoa.h"
-#include "Quorvel/Platform/Dispatch.h"
+#include "Hosts/MacOS/Rules/MenuSession.h"
+#include "Hosts/MacOS/SurfaceContext.h"
 #include "Quorvel/Platform/Surfaces.h"
 
 @class QVMenuTarget;
 
 namespace quorvel {
 
-class MacWindowServer;
-
 class MacSurfaces final : public Surfaces {
 public:
-    MacSurfaces(const MacWindowServer&, Queue& mainQueue);
-    ~MacSurfaces() override;
-    MacSurfaces(const MacSurfaces&) = delete;
-    MacSurfaces& operator=(const MacSurfaces&) = delete;
+    explicit MacSurfaces(const SurfaceContext&);
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
     void popUpMenu(
         PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed) override;
-    void closeMenu() override;
+    void closeMenu() override { m_menu.close(); }
     /// Menus are the system's.
     std::vector<MenuEntry> openMenuEntries() const override { return {}; }
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
 
 private:
-    const MacWindowServer& m_windowServer;
-    Queue& m_mainQueue;
-    QVMenuTarget* m_menu = nil; ///< the menu that is open or about to open
+    SurfaceContext m_context;
+    OpenMenu m_menu;
+    QVMenuTarget* m_menuTarget = nil; ///< of the last menu; the system's entries do not keep it
 };
 
 }

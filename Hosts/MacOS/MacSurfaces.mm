@@ -3,34 +3,26 @@
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/MacPanel.h"
 
-/// One menu while it is open: the system's, and what each of its entries does.
+/// The system's menu of a session.
 @interface QVMenuTarget : NSObject
-- (instancetype)initWithMenu:(quorvel::Menu)menu
-                    onClosed:(std::function<void()>)onClosed
-                       queue:(quorvel::Queue*)queue;
+- (instancetype)initWithMenu:(const quorvel::Menu&)menu
+                     session:(std::shared_ptr<quorvel::MenuSession>)session;
+/// Returns when it has gone.
 - (void)openBeside:(NSRect)anchor of:(NSView*)view;
 - (void)cancel;
 @end
 
 @implementation QVMenuTarget {
-    std::vector<quorvel::Work> _actions;
-    quorvel::Work _chosen;
-    quorvel::Work _onClosed;
-    quorvel::Queue* _queue;
+    std::shared_ptr<quorvel::MenuSession> _session;
     NSMenu* _menu;
-    BOOL _isOpen;
-    BOOL _isCancelled;
-    BOOL _hasClosed;
 }
 
-- (instancetype)initWithMenu:(quorvel::Menu)menu
-                    onClosed:(std::function<void()>)onClosed
-                       queue:(quorvel::Queue*)queue
+- (instancetype)initWithMenu:(const quorvel::Menu&)menu
+                     session:(std::shared_ptr<quorvel::MenuSession>)session
 {
     self = [super init];
     if (self) {
-        _onClosed = std::move(onClosed);
-        _queue = queue;
+        _session = std::move(session);
         _menu = [self makeMenu:menu];
     }
     return self;
@@ -54,8 +46,7 @@
     entry.target = self;
     entry.enabled = item.isEnabled;
     entry.state = item.isChecked ? NSControlStateValueOn : NSControlStateValueOff;
-    entry.tag = static_cast<NSInteger>(_actions.size());
-    _actions.push_back(item.action);
+    entry.tag = static_cast<NSInteger>(_session->add(item.action));
     if (!item.submenu.empty())
         entry.submenu = [self makeMenu:item.submenu];
     return entry;
@@ -63,63 +54,37 @@
 
 - (void)openBeside:(NSRect)anchor of:(NSView*)view
 {
-    if (!_isCancelled && view.window) {
-        // Flipped: this is the upper left corner, where the menu of a bar at the bottom edge ends.
-        const NSPoint above = NSMakePoint(NSMinX(anchor), NSMinY(anchor) - _menu.size.height);
-        _isOpen = YES;
-        [_menu popUpMenuPositioningItem:nil atLocation:above inView:view];
-        _isOpen = NO;
-    }
-    [self close];
+    if (!view.window)
+        return;
+    // Flipped: this is the upper left corner, where the menu of a bar at the bottom edge ends.
+    const NSPoint above = NSMakePoint(NSMinX(anchor), NSMinY(anchor) - _menu.size.height);
+    [_menu popUpMenuPositioningItem:nil atLocation:above inView:view];
 }
 
 - (void)cancel
 {
-    _isCancelled = YES;
     [_menu cancelTrackingWithoutAnimation];
-    if (!_isOpen)
-        [self close];
-}
-
-- (void)close
-{
-    if (_hasClosed)
-        return;
-    _hasClosed = YES;
-    if (_onClosed)
-        _queue->async(std::move(_onClosed));
-    if (_chosen)
-        _queue->async(std::move(_chosen));
 }
 
 - (void)choose:(NSMenuItem*)entry
 {
-    const auto index = static_cast<std::size_t>(entry.tag);
-    if (_isCancelled || index >= _actions.size() || !_actions[index])
-        return;
-    // Nobody says whether this comes before the menu's call returns.
-    if (_hasClosed)
-        _queue->async(_actions[index]);
-    else
-        _chosen = _actions[index];
+    _session->choose(static_cast<std::size_t>(entry.tag));
 }
 
 @end
 
 namespace quorvel {
 
-MacSurfaces::MacSurfaces(const MacWindowServer& windowServer, Queue& mainQueue)
-    : m_windowServer(windowServer)
-    , m_mainQueue(mainQueue)
+MacSurfaces::MacSurfaces(const SurfaceContext& context)
+    : m_context(context)
+    , m_menu(context.application.willTerminate)
 {
 }
-
-MacSurfaces::~MacSurfaces() { [m_menu cancel]; }
 
 std::unique_ptr<PanelSurface> MacSurfaces::createPanel(
     const PanelOptions& options, SurfaceClient& client)
 {
-    return std::make_unique<MacPanel>(m_windowServer, options, client);
+    return std::make_unique<MacPanel>(m_context, options, client);
 }
 
 Subscription MacSurfaces::monitorPointer(PointerScope scope, std::function<void()> handler)
@@ -141,30 +106,28 @@ Subscription MacSurfaces::monitorPointer(PointerScope scope, std::function<void(
         [](void* object) { [NSEvent removeMonitor:(__bridge_transfer id)object]; }}};
 }
 
-void MacSurfaces::closeMenu()
-{
-    [m_menu cancel];
-    m_menu = nil;
-}
-
 void MacSurfaces::popUpMenu(
     PanelSurface& surface, Menu menu, const Rect& anchor, std::function<void()> onClosed)
 {
-    closeMenu();
     QVSurfaceView* view = static_cast<MacPanel&>(surface).view();
-    QVMenuTarget* target = [[QVMenuTarget alloc] initWithMenu:std::move(menu)
-                                                     onClosed:std::move(onClosed)
-                                                        queue:&m_mainQueue];
-    m_menu = target;
+    const auto session = std::make_shared<MenuSession>(m_context.mainQueue, std::move(onClosed));
+    QVMenuTarget* target = [[QVMenuTarget alloc] initWithMenu:menu session:session];
+    m_menuTarget = target;
     const NSRect place = toSystem(anchor);
+    dispatch_block_t show = ^{
+        session->run(
+            [&] {
+                [view cancelPress]; // a menu takes the release of the press that opened it
+                [target openBeside:place of:view];
+            },
+            [target] { [target cancel]; });
+    };
     // An open menu runs a loop of its own inside the call. Begun from the main queue that would
     // hold up all further work of the queue, so it begins from the run loop.
-    CFRunLoopPerformBlock(CFRunLoopGetMain(), kCFRunLoopCommonModes, ^{
-        // A menu takes the release of the press that opened it.
-        [view cancelPress];
-        [target openBeside:place of:view];
+    m_menu.open(session, [show] {
+        CFRunLoopPerformBlock(CFRunLoopGetMain(), kCFRunLoopCommonModes, show);
+        CFRunLoopWakeUp(CFRunLoopGetMain());
     });
-    CFRunLoopWakeUp(CFRunLoopGetMain());
 }
 
 }

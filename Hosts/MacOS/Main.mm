@@ -60,7 +60,7 @@ int runBar(ControlChannel& control, Trace& trace)
     MacWorkspace workspace;
     MacBundles bundles;
     MacWindowCapture screenCapture;
-    MacSurfaces surfaces{windowServer, dispatch.main()};
+    MacSurfaces surfaces{{windowServer, application, workspace, dispatch.main()}};
     CoreTextText text;
     posix::PosixFiles files{{applicationSupportFolder(), /*keepsRejectedFiles=*/false}};
     MacLoginItem loginItem;

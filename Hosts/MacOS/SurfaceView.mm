@@ -2,8 +2,13 @@
 
 #include <optional>
 
+#include <Carbon/Carbon.h>
+
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/CoreGraphicsCanvas.h"
+#include "Hosts/MacOS/Rules/DropOperation.h"
+#include "Hosts/MacOS/Rules/KeyboardSession.h"
+#include "Hosts/MacOS/Rules/PointerSession.h"
 
 using quorvel::DropAction;
 using quorvel::PointerAction;
@@ -44,6 +49,39 @@ quorvel::KeyEvent keyEventOf(NSEvent* event)
         static_cast<bool>(event.ARepeat)};
 }
 
+static_assert(quorvel::KeyCode::enter == quorvel::KeyCode{kVK_Return});
+static_assert(quorvel::KeyCode::keypadEnter == quorvel::KeyCode{kVK_ANSI_KeypadEnter});
+static_assert(quorvel::KeyCode::tab == quorvel::KeyCode{kVK_Tab});
+static_assert(quorvel::KeyCode::space == quorvel::KeyCode{kVK_Space});
+static_assert(quorvel::KeyCode::escape == quorvel::KeyCode{kVK_Escape});
+static_assert(quorvel::KeyCode::f10 == quorvel::KeyCode{kVK_F10});
+static_assert(quorvel::KeyCode::home == quorvel::KeyCode{kVK_Home});
+static_assert(quorvel::KeyCode::end == quorvel::KeyCode{kVK_End});
+static_assert(quorvel::KeyCode::left == quorvel::KeyCode{kVK_LeftArrow});
+static_assert(quorvel::KeyCode::right == quorvel::KeyCode{kVK_RightArrow});
+static_assert(quorvel::KeyCode::down == quorvel::KeyCode{kVK_DownArrow});
+static_assert(quorvel::KeyCode::up == quorvel::KeyCode{kVK_UpArrow});
+
+static_assert(quorvel::drag::kCopy == NSDragOperationCopy);
+static_assert(quorvel::drag::kLink == NSDragOperationLink);
+static_assert(quorvel::drag::kGeneric == NSDragOperationGeneric);
+static_assert(quorvel::drag::kPrivate == NSDragOperationPrivate);
+static_assert(quorvel::drag::kMove == NSDragOperationMove);
+static_assert(quorvel::drag::kDelete == NSDragOperationDelete);
+
+/// The program is never the active one, and what it shows changes rarely: the system would let it
+/// nap.
+quorvel::Subscription keepAwake()
+{
+    id<NSObject> activity = [NSProcessInfo.processInfo
+        beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
+                          reason:@"The pointer is over a bar"];
+    return quorvel::Subscription{std::shared_ptr<void>{
+        (__bridge_retained void*)activity, [](void* object) {
+            [NSProcessInfo.processInfo endActivity:(__bridge_transfer id<NSObject>)object];
+        }}};
+}
+
 std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 {
     NSArray<NSURL*>* urls =
@@ -63,19 +101,22 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 @implementation QVSurfaceView {
     quorvel::SurfaceClient* _client;
+    std::unique_ptr<quorvel::PointerSession> _pointer;
     NSTrackingArea* _trackingArea;
     // The button of the press under way. What is held at its end may be another modifier.
     std::optional<PointerButton> _pressed;
-    BOOL _hasKeyboard;
 }
 
 @synthesize accessibleChildren = _accessibleChildren;
 
-- (instancetype)initWithFrame:(NSRect)frame client:(quorvel::SurfaceClient*)client
+- (instancetype)initWithFrame:(NSRect)frame
+                       client:(quorvel::SurfaceClient*)client
+                      context:(const quorvel::SurfaceContext&)context
 {
     self = [super initWithFrame:frame];
     if (self) {
         _client = client;
+        _pointer = std::make_unique<quorvel::PointerSession>(*client, context.mainQueue, keepAwake);
         self.wantsLayer = YES;
         self.layerContentsRedrawPolicy = NSViewLayerContentsRedrawOnSetNeedsDisplay;
         self.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
@@ -86,7 +127,10 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 - (void)detach
 {
+    [self surfaceDidGo];
     _client = nullptr;
+    _keyboard = nullptr;
+    _pointer.reset();
 }
 
 - (quorvel::AccessibleElement*)accessibleSource
@@ -206,19 +250,34 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
         _client->pointerEvent({PointerAction::cancelled, quorvel::fromSystem(location), button});
 }
 
+- (void)surfaceDidGo
+{
+    [self cancelPress];
+    if (_pointer)
+        _pointer->surfaceDidGo();
+}
+
+- (quorvel::Point)placeOf:(NSEvent*)event
+{
+    return quorvel::fromSystem([self convertPoint:event.locationInWindow fromView:nil]);
+}
+
 - (void)move:(NSEvent*)event
 {
-    [self send:PointerAction::moved event:event button:_pressed.value_or(PointerButton::none)];
+    if (_pointer)
+        _pointer->moved([self placeOf:event], _pressed.value_or(PointerButton::none));
 }
 
 - (void)mouseEntered:(NSEvent*)event
 {
-    [self send:PointerAction::entered event:event button:PointerButton::none];
+    if (_pointer)
+        _pointer->entered([self placeOf:event]);
 }
 
 - (void)mouseExited:(NSEvent*)event
 {
-    [self send:PointerAction::exited event:event button:PointerButton::none];
+    if (_pointer)
+        _pointer->exited([self placeOf:event]);
 }
 
 - (void)mouseMoved:(NSEvent*)event
@@ -273,35 +332,24 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 - (BOOL)acceptsFirstResponder
 {
-    return self.wantsKeyboard;
-}
-
-- (void)panelIsKey:(BOOL)isKey
-{
-    const BOOL hasKeyboard = isKey && self.wantsKeyboard;
-    if (!isKey)
-        self.wantsKeyboard = NO;
-    if (hasKeyboard == _hasKeyboard)
-        return;
-    _hasKeyboard = hasKeyboard;
-    if (_client)
-        _client->keyboardDidChange(hasKeyboard);
+    return _keyboard && _keyboard->isWanted();
 }
 
 - (void)keyDown:(NSEvent*)event
 {
-    if (!_client || !_hasKeyboard || !_client->keyPressed(keyEventOf(event)))
+    if (!_client || !_keyboard || !_keyboard->isHeld() || !_client->keyPressed(keyEventOf(event)))
         [super keyDown:event];
 }
 
 - (NSDragOperation)drag:(id<NSDraggingInfo>)drag action:(DropAction)action
 {
-    if (!_client)
+    const NSDragOperation operation = quorvel::dropOperation(drag.draggingSourceOperationMask);
+    if (!_client || operation == NSDragOperationNone)
         return NSDragOperationNone;
     const NSPoint location = [self convertPoint:drag.draggingLocation fromView:nil];
     const bool isTaken = _client->dropEvent({action, quorvel::fromSystem(location),
         action == DropAction::dropped ? pathsOf(drag) : std::vector<std::string>{}});
-    return isTaken ? NSDragOperationGeneric : NSDragOperationNone;
+    return isTaken ? operation : NSDragOperationNone;
 }
 
 - (NSDragOperation)draggingEntered:(id<NSDraggingInfo>)drag

@@ -125,8 +125,9 @@ public:
     virtual bool setBlursBehind(const std::optional<VisualEffect>&) = 0;
     /// From one frame of its display to the next; what moves is drawn that often.
     virtual Duration frameInterval() const = 0;
-    /// Keys go to the client instead of the program that has the focus, which keeps it. True if the
-    /// system agreed; `keyboardDidChange` tells of the end.
+    /// Keys go to the client instead of the program that has the focus, which keeps it. False if
+    /// the system refused; `keyboardDidChange` tells when the keyboard has come, perhaps later if
+    /// at all, and of the end.
     virtual bool takeKeyboard() = 0;
     virtual void releaseKeyboard() = 0;
     /// Names, states or members of the accessible tree are others now.

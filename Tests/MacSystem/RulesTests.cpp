@@ -1,13 +1,250 @@
 #include <gmock/gmock.h>
 
+#include "Hosts/MacOS/Rules/DropOperation.h"
+#include "Hosts/MacOS/Rules/KeyboardSession.h"
+#include "Hosts/MacOS/Rules/MenuSession.h"
+#include "Hosts/MacOS/Rules/PanelPlace.h"
+#include "Hosts/MacOS/Rules/PanelTraits.h"
+#include "Hosts/MacOS/Rules/PointerSession.h"
 #include "Hosts/MacOS/Rules/ProgramArguments.h"
+#include "Tests/MacSystem/Support/MacFixture.h"
 
 namespace quorvel::test {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
-TEST(MacRules, argumentsAndVersionsAreWhatTheSystemMeans)
+namespace {
+
+/// AppKit's panel: believes at once that it is key, and lies where the window server puts it.
+struct AppKitPanel final : SystemPanel {
+    explicit AppKitPanel(FakeDesktop& desktop_) : desktop(desktop_) { }
+
+    void orderIn() override
+    {
+        if (!std::exchange(isIn, true) && !window)
+            window = desktop.open(process, {.title = "Bar"});
+        note();
+    }
+    void orderOut() override { isIn = false; }
+    void setUnseen(bool value) override
+    {
+        isUnseen = value;
+        note();
+    }
+    std::optional<WindowID> number() const override { return window; }
+    void becomeKey() override { isKeyNow = mayBecomeKey; }
+    void resignKey() override { isKeyNow = false; }
+    bool isKey() const override { return isKeyNow; }
+
+    void note()
+    {
+        if (isIn && !isUnseen)
+            seenOn.merge(std::set{desktop.window(*window).spaces});
+    }
+
+    FakeDesktop& desktop;
+    ProcessID process = desktop.launch({.name = "Quorvel"});
+    std::optional<WindowID> window;
+    std::set<SpaceID> seenOn;
+    bool isIn = false;
+    bool isUnseen = false;
+    bool isKeyNow = false;
+    bool mayBecomeKey = true;
+};
+
+struct Client final : SurfaceClient {
+    void paint(Canvas&, const Rect&) override { }
+    void pointerEvent(const PointerEvent& event) override { heard.push_back(event.action); }
+    void scrollEvent(const ScrollEvent&) override { }
+    void surfaceDidResize(Size) override { }
+    void keyboardDidChange(bool hasKeyboard) override { keyboard.push_back(hasKeyboard); }
+
+    std::vector<PointerAction> heard;
+    std::vector<bool> keyboard;
+};
+
+struct MacRulesTest : MacFixture {
+    AppKitPanel panel{desktop};
+    Client client;
+    Queue& mainQueue = desktop.dispatch().main();
+
+    void show(PanelPlace& place, SpaceID space)
+    {
+        desktop.activateSpace(space);
+        place.activeSpaceDidChange();
+    }
+};
+
+}
+
+// Faults: a bar of another space is seen on this one for a moment; a refused move goes unnoticed
+// and the bar stays where it does not belong.
+TEST_F(MacRulesTest, aPanelIsNeverSeenOnAnotherSpaceThanItsOwn)
 {
+    const auto server = makeWindowServer();
+    PanelPlace second{server, panel, SpaceID{2}};
+    second.orderFront();
+    show(second, SpaceID{3});
+    EXPECT_FALSE(panel.isIn);
+    show(second, SpaceID{2});
+    EXPECT_TRUE(panel.isIn);
+    second.orderOut();
+    show(second, SpaceID{1});
+    show(second, SpaceID{2});
+    EXPECT_FALSE(panel.isIn);
+
+    AppKitPanel farPanel{desktop};
+    PanelPlace far{server, farPanel, SpaceID{3}};
+    mac.answer("CopySpacesForWindows", array({number(2)}));
+    EXPECT_FALSE(far.orderFrontForKey()) << "the server lets it lie where it is";
+    EXPECT_FALSE(farPanel.isIn);
+    mac.forgetAnswer("CopySpacesForWindows");
+    EXPECT_TRUE(far.orderFrontForKey());
+    EXPECT_THAT(desktop.window(*farPanel.window).spaces, ElementsAre(SpaceID{3}));
+    EXPECT_FALSE(farPanel.isUnseen);
+
+    // It went in just when the user left the space.
+    desktop.moveToSpace(*farPanel.window, SpaceID{1});
+    show(far, SpaceID{2});
+    EXPECT_THAT(desktop.window(*farPanel.window).spaces, ElementsAre(SpaceID{3}));
+    EXPECT_THAT(farPanel.seenOn, ElementsAre(SpaceID{3}));
+    EXPECT_THAT(panel.seenOn, ElementsAre(SpaceID{2}));
+
+    // Nobody says what is active: a bar somewhere is better than none.
+    AppKitPanel lost{desktop};
+    mac.answer("CopyManagedDisplaySpaces", {});
+    PanelPlace{server, lost, SpaceID{1}}.orderFront();
+    EXPECT_TRUE(lost.isIn);
+}
+
+TEST_F(MacRulesTest, aPanelHasOneTraitOfEachKindThatTheSystemKnows)
+{
+    using namespace behavior;
+    const std::vector<std::uint64_t> alternatives{kCanJoinAllSpaces | kMoveToActiveSpace,
+        kManaged | kTransient | kStationary,
+        kFullScreenPrimary | kFullScreenAuxiliary | kFullScreenNone,
+        kPrimary | kAuxiliary | kCanJoinAllApplications};
+    for (auto kind : {PanelKind::bar, PanelKind::fullscreenProxy, PanelKind::popup}) {
+        const auto traits = PanelTraits::of(kind);
+        for (auto bits : alternatives)
+            EXPECT_LE(std::popcount(traits.collectionBehavior & bits), 1);
+        EXPECT_TRUE(traits.collectionBehavior & kCanJoinAllApplications) << "Stage Manager";
+        EXPECT_EQ(traits.hasOwnSpace, !(traits.collectionBehavior & kCanJoinAllSpaces));
+        EXPECT_EQ(traits.ignoresMouse, kind == PanelKind::fullscreenProxy);
+        EXPECT_EQ(bool(traits.collectionBehavior & kFullScreenAuxiliary), kind != PanelKind::bar);
+    }
+}
+
+// Faults: the client draws its ring although the keys go elsewhere; it is told of an end that had
+// no beginning; the panel stays key after the end.
+TEST_F(MacRulesTest, theKeyboardIsTheClientsOnceTheSystemHasHadItsSay)
+{
+    KeyboardSession keyboard{panel, client, mainQueue};
+    keyboard.take();
+    keyboard.keyDidChange(true);
+    EXPECT_FALSE(keyboard.isHeld());
+    keyboard.keyDidChange(false); // the server gave it to somebody else
+    desktop.advance(KeyboardSession::kPatience);
+    EXPECT_FALSE(keyboard.isWanted());
+    EXPECT_THAT(client.keyboard, IsEmpty());
+
+    keyboard.take();
+    desktop.advance(KeyboardSession::kPatience);
+    EXPECT_TRUE(keyboard.isHeld());
+    keyboard.release();
+    EXPECT_FALSE(panel.isKeyNow);
+    EXPECT_THAT(client.keyboard, ElementsAre(true, false));
+
+    panel.mayBecomeKey = false;
+    keyboard.take();
+    desktop.advance(KeyboardSession::kPatience);
+    EXPECT_FALSE(keyboard.isWanted());
+    EXPECT_THAT(client.keyboard, ElementsAre(true, false));
+}
+
+// Faults: a chip stays lit after its bar went with its space; a hover timer sleeps; the program is
+// kept awake for ever.
+TEST_F(MacRulesTest, thePointerLeavesWithItsSurfaceAndTheProgramIsAwakeWhileItIsThere)
+{
+    auto awake = std::make_shared<int>();
+    PointerSession pointer{client, mainQueue, [&] { return Subscription{awake}; }};
+    const auto holds = [&] { return awake.use_count() - 1; };
+
+    pointer.moved({1, 1}, PointerButton::none);
+    pointer.entered({1, 1});
+    EXPECT_THAT(client.heard, ElementsAre(PointerAction::entered, PointerAction::moved));
+    EXPECT_EQ(holds(), 1);
+    pointer.surfaceDidGo();
+    pointer.surfaceDidGo();
+    pointer.exited({0, 0});
+    EXPECT_EQ(client.heard.back(), PointerAction::exited);
+    EXPECT_EQ(client.heard.size(), 3u);
+    pointer.entered({2, 2});
+    desktop.advance(PointerSession::kAwakeAfterwards);
+    EXPECT_EQ(holds(), 1) << "it is there again";
+    pointer.exited({0, 0});
+    EXPECT_EQ(holds(), 1) << "what leaving sets off";
+    pointer.moved({-5, -5}, PointerButton::primary);
+    desktop.advance(PointerSession::kAwakeAfterwards);
+    EXPECT_EQ(holds(), 0) << "a drag that left it does not hold it";
+}
+
+// Faults: the action runs under the open menu; a program that ends waits for the user to close a
+// menu; a menu opens inside the loop of the one that it replaces.
+TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrTheProgramEnds)
+{
+    Signal<> willTerminate;
+    std::vector<std::string> log;
+    const auto note = [&](std::string text) { return [&log, text] { log.push_back(text); }; };
+    const auto make = [&](std::string name) {
+        auto session = std::make_shared<MenuSession>(mainQueue, note(name + " closed"));
+        session->add(note(name + " acts"));
+        return session;
+    };
+    OpenMenu menu{willTerminate};
+    const auto first = make("1");
+    menu.open(first, note("1 begins"));
+    first->run([&] { first->choose(0); }, [] {});
+    EXPECT_THAT(log, ElementsAre("1 begins"));
+    desktop.drain();
+    EXPECT_THAT(log, ElementsAre("1 begins", "1 closed", "1 acts"));
+    first->choose(0); // some systems say it late
+    desktop.drain();
+    EXPECT_EQ(log.back(), "1 acts");
+
+    log.clear();
+    const auto second = make("2");
+    const auto third = make("3");
+    const auto fourth = make("4");
+    menu.open(second, [] {});
+    second->run(
+        [&] {
+            second->choose(0);
+            menu.open(third, note("3 begins"));
+            menu.open(fourth, note("4 begins"));
+            log.emplace_back("2 goes");
+        },
+        note("2 is told"));
+    third->run(note("3 is shown"), [] {});
+    desktop.drain();
+    EXPECT_THAT(log, ElementsAre("2 is told", "2 goes", "4 begins", "3 closed", "2 closed"));
+
+    log.clear();
+    fourth->run([&] { willTerminate.emit(); }, note("4 is told"));
+    const auto late = make("5");
+    menu.open(late, note("5 begins"));
+    desktop.drain();
+    EXPECT_THAT(log, ElementsAre("4 is told", "4 closed", "5 closed"));
+}
+
+TEST_F(MacRulesTest, dropsArgumentsAndVersionsAreWhatTheSystemMeans)
+{
+    EXPECT_EQ(dropOperation(drag::kCopy | drag::kGeneric | drag::kMove), drag::kGeneric);
+    EXPECT_EQ(dropOperation(drag::kCopy), drag::kCopy) << "Option is held, or only a copy is given";
+    EXPECT_EQ(dropOperation(drag::kLink), drag::kLink);
+    EXPECT_EQ(dropOperation(drag::kMove | drag::kDelete | drag::kPrivate), drag::kNone);
+
     EXPECT_THAT(withoutSystemArguments({"-NSTreatUnknownArgumentsAsOpen", "NO", "--set",
                     "barSize=large", "-AppleLanguages", "(ar)", "-NSShowNonLocalizedStrings",
                     "--trace", "-psn_0_12345", "-ApplePersistenceIgnoreState"}),

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+
+namespace quorvel {
+
+/// In the numbers of `NSDragOperation`.
+namespace drag {
+
+inline constexpr std::uint64_t kNone = 0;
+inline constexpr std::uint64_t kCopy = 1;
+inline constexpr std::uint64_t kLink = 2;
+inline constexpr std::uint64_t kGeneric = 4;
+inline constexpr std::uint64_t kPrivate = 8;
+inline constexpr std::uint64_t kMove = 16;
+inline constexpr std::uint64_t kDelete = 32;
+
+}
+
+/// What to say of files that are dropped to be opened, of all that their source allows: an answer
+/// outside of its mask refuses the drop. Never what would make the source give the files away.
+constexpr std::uint64_t dropOperation(std::uint64_t sourceMask)
+{
+    for (const auto operation : {drag::kGeneric, drag::kLink, drag::kCopy}) {
+        if (sourceMask & operation)
+            return operation;
+    }
+    return drag::kNone;
+}
+
+}

@@ -1,0 +1,27 @@
+#include "Hosts/MacOS/Rules/PanelTraits.h"
+
+namespace quorvel {
+
+// All can join all applications: Stage Manager would put them aside with "their" application, which
+// has no windows of its own.
+PanelTraits PanelTraits::of(PanelKind kind)
+{
+    using namespace behavior;
+    constexpr std::uint64_t always = kIgnoresCycle | kCanJoinAllApplications;
+    switch (kind) {
+    case PanelKind::popup:
+        return {.level = Level::popUpMenu,
+            .collectionBehavior = always | kCanJoinAllSpaces | kTransient | kFullScreenAuxiliary,
+            .hasOwnSpace = false};
+    case PanelKind::fullscreenProxy:
+        return {.level = Level::normal,
+            .collectionBehavior = always | kStationary | kFullScreenAuxiliary,
+            .ignoresMouse = true};
+    case PanelKind::bar:
+        break;
+    }
+    // Mission Control hides windows above the normal level that are not stationary.
+    return {.level = Level::dock, .collectionBehavior = always | kStationary | kFullScreenNone};
+}
+
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Dispatch.h"
+
+namespace quorvel {
+
+class MacWindowServer;
+class Workspace;
+
+/// What each surface of this host needs; all of it outlives them.
+struct SurfaceContext {
+    const MacWindowServer& windowServer;
+    const Application& application;
+    const Workspace& workspace;
+    Queue& mainQueue;
+};
+
+}
