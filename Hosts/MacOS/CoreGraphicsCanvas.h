@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Hosts/MacOS/Cocoa.h"
+#include "Hosts/MacOS/TextLine.h"
 #include "Quorvel/Platform/Canvas.h"
 
 namespace quorvel {
@@ -8,7 +9,12 @@ namespace quorvel {
 /// Draws in the current AppKit drawing context of a flipped view.
 class CoreGraphicsCanvas final : public Canvas {
 public:
-    CoreGraphicsCanvas(CGContextRef context, double scale) : m_context(context), m_scale(scale) { }
+    CoreGraphicsCanvas(CGContextRef context, double scale, LayoutDirection direction)
+        : m_context(context)
+        , m_scale(scale)
+        , m_direction(direction)
+    {
+    }
 
     double scale() const override { return m_scale; }
 
@@ -33,6 +39,7 @@ public:
 private:
     CGContextRef m_context;
     double m_scale;
+    LayoutDirection m_direction;
 };
 
 }

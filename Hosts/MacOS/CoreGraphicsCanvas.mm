@@ -2,7 +2,6 @@
 
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/MacImage.h"
-#include "Hosts/MacOS/TextLine.h"
 
 namespace quorvel {
 
@@ -35,15 +34,14 @@ struct GradientLine {
     CGPoint end;
 };
 
-GradientLine gradientLine(const Rect& rect, GradientDirection direction)
+GradientLine gradientLine(const Rect& rect, GradientDirection direction, LayoutDirection interface)
 {
     if (direction == GradientDirection::topToBottom)
         return {CGPointMake(rect.x, rect.y), CGPointMake(rect.x, rect.maxY())};
     const CGPoint left = CGPointMake(rect.x, rect.y);
     const CGPoint right = CGPointMake(rect.maxX(), rect.y);
-    const bool isRightToLeft
-        = NSApp.userInterfaceLayoutDirection == NSUserInterfaceLayoutDirectionRightToLeft;
-    return isRightToLeft ? GradientLine{right, left} : GradientLine{left, right};
+    return interface == LayoutDirection::rightToLeft ? GradientLine{right, left}
+                                                     : GradientLine{left, right};
 }
 
 NSString* symbolName(Symbol symbol)
@@ -177,7 +175,7 @@ void CoreGraphicsCanvas::fillGradient(
     const auto gradient = makeGradient(stops);
     if (!gradient)
         return;
-    const GradientLine line = gradientLine(rect, direction);
+    const GradientLine line = gradientLine(rect, direction, m_direction);
     CGContextSaveGState(m_context);
     CGContextClipToRect(m_context, toSystem(rect));
     CGContextDrawLinearGradient(m_context, gradient.get(), line.start, line.end,
@@ -193,7 +191,7 @@ void CoreGraphicsCanvas::drawImage(const Image& image, const Rect& rect)
 
 void CoreGraphicsCanvas::drawText(std::string_view utf8, const Rect& rect, const TextStyle& style)
 {
-    TextLine{utf8, style}.draw(m_context, rect);
+    TextLine{utf8, style}.draw(m_context, rect, m_direction);
 }
 
 void CoreGraphicsCanvas::drawSymbol(Symbol symbol, const Rect& rect, const Color& color)

@@ -101,6 +101,7 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 @implementation QVSurfaceView {
     quorvel::SurfaceClient* _client;
+    const quorvel::Published<quorvel::Appearance>* _appearance;
     std::unique_ptr<quorvel::PointerSession> _pointer;
     NSTrackingArea* _trackingArea;
     // The button of the press under way. What is held at its end may be another modifier.
@@ -116,6 +117,7 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
     self = [super initWithFrame:frame];
     if (self) {
         _client = client;
+        _appearance = &context.application.appearance();
         _pointer = std::make_unique<quorvel::PointerSession>(*client, context.mainQueue, keepAwake);
         self.wantsLayer = YES;
         self.layerContentsRedrawPolicy = NSViewLayerContentsRedrawOnSetNeedsDisplay;
@@ -206,7 +208,10 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
     CGContextSaveGState(context);
     CGContextClipToRect(context, damage);
     CGContextClearRect(context, damage);
-    quorvel::CoreGraphicsCanvas canvas{context, self.window.backingScaleFactor};
+    const auto direction = _appearance->value().isRightToLeft
+        ? quorvel::LayoutDirection::rightToLeft
+        : quorvel::LayoutDirection::leftToRight;
+    quorvel::CoreGraphicsCanvas canvas{context, self.window.backingScaleFactor, direction};
     _client->paint(canvas, quorvel::fromSystem(damage));
     CGContextRestoreGState(context);
 }

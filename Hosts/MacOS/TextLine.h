@@ -7,6 +7,9 @@
 
 namespace quorvel {
 
+/// Of the interface: which side `leading` is.
+enum class LayoutDirection { leftToRight, rightToLeft };
+
 /// One shaped line of text in a style; line breaks and controls are spaces.
 class TextLine {
 public:
@@ -14,11 +17,11 @@ public:
 
     Size size() const;
     /// Draws it centred vertically in the rectangle. The context's y grows downwards.
-    void draw(CGContextRef, const Rect&) const;
+    void draw(CGContextRef, const Rect&, LayoutDirection) const;
 
 private:
     CFRef<CTLineRef> fitted(double width) const;
-    double startX(const Rect&, double width) const;
+    double startX(const Rect&, double width, LayoutDirection) const;
 
     TextStyle m_style;
     CFRef<CTLineRef> m_line;

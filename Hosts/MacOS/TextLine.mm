@@ -64,7 +64,7 @@ TextLine::TextLine(std::string_view utf8, const TextStyle& style)
 
 Size TextLine::size() const { return {m_width, m_ascent + m_descent}; }
 
-void TextLine::draw(CGContextRef context, const Rect& rect) const
+void TextLine::draw(CGContextRef context, const Rect& rect, LayoutDirection direction) const
 {
     const auto line = fitted(rect.width);
     if (!line)
@@ -73,7 +73,7 @@ void TextLine::draw(CGContextRef context, const Rect& rect) const
     const double baseline = std::round(rect.centre().y + (m_ascent - m_descent) / 2);
     CGContextSaveGState(context);
     CGContextSetTextMatrix(context, CGAffineTransformMakeScale(1, -1));
-    CGContextSetTextPosition(context, startX(rect, width), baseline);
+    CGContextSetTextPosition(context, startX(rect, width, direction), baseline);
     CTLineDraw(line.get(), context);
     CGContextRestoreGState(context);
 }
@@ -88,11 +88,10 @@ CFRef<CTLineRef> TextLine::fitted(double width) const
         CTLineCreateTruncatedLine(m_line.get(), width, kCTLineTruncationEnd, ellipsis.get()));
 }
 
-double TextLine::startX(const Rect& rect, double width) const
+double TextLine::startX(const Rect& rect, double width, LayoutDirection direction) const
 {
     const double room = rect.width - width;
-    const bool isRightToLeft
-        = NSApp.userInterfaceLayoutDirection == NSUserInterfaceLayoutDirectionRightToLeft;
+    const bool isRightToLeft = direction == LayoutDirection::rightToLeft;
     const bool isAtRight = (m_style.alignment == TextAlignment::trailing) != isRightToLeft;
     if (m_style.alignment == TextAlignment::centre)
         return rect.x + room / 2;
