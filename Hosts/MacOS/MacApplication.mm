@@ -1,10 +1,9 @@
 #include "Hosts/MacOS/MacApplication.h"
 
 #include <csignal>
-#include <cstdio>
 #include <unistd.h>
 
-#include <fmt/format.h>
+#include "Hosts/Posix/StandardStreams.h"
 
 #include "Hosts/MacOS/Rules/ProgramArguments.h"
 
@@ -118,7 +117,7 @@ std::optional<int> MacApplication::operatingSystemMajorVersion() const
     return systemMajorVersion(NSProcessInfo.processInfo.operatingSystemVersion.majorVersion);
 }
 
-void MacApplication::warn(std::string_view text) { fmt::print(stderr, "quorvel: {}\n", text); }
+void MacApplication::warn(std::string_view text) { posix::tell(text); }
 
 int MacApplication::run()
 {

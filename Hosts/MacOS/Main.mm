@@ -16,6 +16,7 @@
 #include "Hosts/MacOS/TextLine.h"
 #include "Hosts/Posix/Invocation.h"
 #include "Hosts/Posix/PosixFiles.h"
+#include "Hosts/Posix/StandardStreams.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Quorvel.h"
 
@@ -91,7 +92,7 @@ int runBar(ControlChannel& control, Trace& trace)
 int main(int count, char** values)
 {
     @autoreleasepool {
-        quorvel::posix::surviveBrokenPipes();
+        quorvel::posix::secureStandardStreams();
         return quorvel::posix::invoke(quorvel::withoutSystemArguments({values + 1, values + count}),
             {quorvel::barAddress, quorvel::watchFd, quorvel::runBar});
     }

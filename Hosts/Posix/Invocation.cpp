@@ -1,7 +1,6 @@
 #include "Hosts/Posix/Invocation.h"
 
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <variant>
@@ -11,6 +10,7 @@
 #include "Hosts/Posix/ControlClient.h"
 #include "Hosts/Posix/ControlLock.h"
 #include "Hosts/Posix/ControlSocket.h"
+#include "Hosts/Posix/StandardStreams.h"
 #include "Quorvel/CommandLine.h"
 
 namespace quorvel::posix {
@@ -22,9 +22,9 @@ constexpr std::chrono::milliseconds kTakeOverLimit{5000};
 
 int print(const ControlReply& reply)
 {
-    fmt::print("{}", reply.output);
-    fmt::print(stderr, "{}", reply.error);
-    return std::fflush(stdout) == 0 ? reply.exitStatus : 1;
+    bool isPrinted = write(stdout, reply.output);
+    write(stderr, reply.error);
+    return isPrinted ? reply.exitStatus : 1;
 }
 
 int ask(const std::vector<std::string>& request, const InvocationHost& host)
@@ -76,8 +76,7 @@ void traceTo(std::FILE* file, Trace& trace)
 {
     trace.setSink([file](std::string_view line) {
         std::chrono::duration<double> now = std::chrono::steady_clock::now().time_since_epoch();
-        fmt::print(file, "{:.6f} {}\n", now.count(), line);
-        std::fflush(file);
+        write(file, fmt::format("{:.6f} {}\n", now.count(), line));
     });
 }
 
@@ -113,15 +112,8 @@ int becomeAndRun(const CommandLine& line, const InvocationHost& host)
 
 int failWith(const std::string& problem)
 {
-    return print({1, "", fmt::format("quorvel: {}\n", problem)});
-}
-
-void surviveBrokenPipes()
-{
-    struct sigaction action { };
-    action.sa_handler = [](int) {};
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGPIPE, &action, nullptr);
+    tell(problem);
+    return 1;
 }
 
 int invoke(const std::vector<std::string>& arguments, const InvocationHost& host)

@@ -26,10 +26,6 @@ struct InvocationHost {
 /// to the running bar, or becomes the bar. Returns the exit status. Main thread.
 int invoke(const std::vector<std::string>& arguments, const InvocationHost&);
 
-/// Makes a write to a peer that has gone fail instead of ending the process. A handler, not
-/// "ignore", which the programs started from the bar would inherit.
-void surviveBrokenPipes();
-
 /// "quorvel: " and the problem, on standard error; returns exit status 1.
 int failWith(const std::string& problem);
 

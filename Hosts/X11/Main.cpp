@@ -14,6 +14,7 @@
 #include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/Posix/Invocation.h"
 #include "Hosts/Posix/PosixFiles.h"
+#include "Hosts/Posix/StandardStreams.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/DesktopServices.h"
 #include "Hosts/X11/Monitors.h"
@@ -82,7 +83,7 @@ int main(int count, char** values)
 {
     using namespace quorvel;
     std::setlocale(LC_ALL, "");
-    posix::surviveBrokenPipes();
+    posix::secureStandardStreams();
     return posix::invoke(
         {values + 1, values + count}, {xdg::x11::addressOfDisplay, xdg::watchFd, xdg::x11::runBar});
 }

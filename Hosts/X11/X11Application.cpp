@@ -4,14 +4,13 @@
 #include <array>
 #include <clocale>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <utility>
 
-#include <fmt/format.h>
 #include <glib-unix.h>
 #include <unistd.h>
 
+#include "Hosts/Posix/StandardStreams.h"
 #include "Hosts/X11/Connection.h"
 
 namespace quorvel::xdg::x11 {
@@ -89,7 +88,7 @@ ProcessID X11Application::processID() const
 
 void X11Application::warn(std::string_view text)
 {
-    fmt::print(stderr, "quorvel: {}\n", text);
+    posix::tell(text);
 }
 
 int X11Application::run()
@@ -109,7 +108,7 @@ void X11Application::terminate()
 
 void X11Application::connectionLost()
 {
-    std::fputs("quorvel: the X server has gone\n", stderr);
+    posix::tell("the X server has gone");
     m_exitStatus = 1;
     terminate();
 }

@@ -1,4 +1,5 @@
 #include <csignal>
+#include <fstream>
 
 #include "Tests/X11/Support/DesktopFixture.h"
 
@@ -68,6 +69,24 @@ TEST_F(CommandLine, aBarStartedFirstComesUpWithTheWindowManager)
 
     EXPECT_TRUE(bar.appears());
     EXPECT_TRUE(bar.agreesWith(desktop, 2s));
+}
+
+// Faults: a message that ends the bar because nobody can read it, or lands in the lock file, which
+// has the number of standard error when that is closed.
+TEST_F(CommandLine, noStandardErrorEndsTheBar)
+{
+    std::ofstream(server.settingsFile()) << "broken";
+    for (const auto* nowhere : {"2>&-", "2>/dev/full", "2>&1 | true"}) {
+        SCOPED_TRACE(nowhere);
+        const Process shell(
+            {"sh", "-c", std::string{"exec \"$0\" --trace "} + nowhere, QUORVEL_PROGRAM},
+            server.environment());
+        const auto answers = [&] { return run({"--state"}).status == 0; };
+        EXPECT_TRUE(eventually(5s, answers));
+        const auto lock = server.folder() / "runtime/quorvel" / ("X" + server.display().substr(1));
+        EXPECT_LT(readFile(lock.string() + ".lock").size(), 10U);
+        EXPECT_EQ(run({"--quit"}).status, 0);
+    }
 }
 
 }

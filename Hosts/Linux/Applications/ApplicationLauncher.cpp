@@ -1,12 +1,13 @@
 #include "Hosts/Linux/Applications/ApplicationLauncher.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 
+#include <fmt/format.h>
 #include <gio/gdesktopappinfo.h>
 
 #include "Hosts/Linux/Applications/DesktopEntryFile.h"
+#include "Hosts/Posix/StandardStreams.h"
 
 namespace quorvel::xdg {
 
@@ -26,8 +27,8 @@ DesktopFile read(const std::string& path)
 
 void tellFailure(const std::string& what, GError* error)
 {
-    std::fprintf(stderr, "quorvel: cannot start %s: %s\n", what.c_str(),
-        error ? error->message : "the desktop file names no program");
+    posix::tell(fmt::format(
+        "cannot start {}: {}", what, error ? error->message : "the desktop file names no program"));
     g_clear_error(&error);
 }
 
