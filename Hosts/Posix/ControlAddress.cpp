@@ -34,17 +34,14 @@ bool makePrivateFolder(const std::string& path)
     return isPrivateFolder(path);
 }
 
-std::optional<std::string> folderFor(const char* runtimeFolder, std::string_view temporary)
+ControlAddress addressIn(const std::string& folder, const std::string& name)
 {
-    if (runtimeFolder && *runtimeFolder == '/') {
-        auto path = fmt::format("{}/quorvel", runtimeFolder);
-        if (isPrivateFolder(runtimeFolder) && makePrivateFolder(path))
-            return path;
-    }
-    auto path = fmt::format("{}/quorvel-{}", temporary, geteuid());
-    if (makePrivateFolder(path))
-        return path;
-    return std::nullopt;
+    return {fmt::format("{}/{}.lock", folder, name), fmt::format("{}/{}.socket", folder, name)};
+}
+
+bool canBeBound(const ControlAddress& address)
+{
+    return address.socketPath.size() < sizeof(sockaddr_un::sun_path);
 }
 
 /// Letters and digits as they are, so that no display name leads out of the folder.
@@ -79,18 +76,22 @@ std::string displayFileName(std::string_view display)
 std::optional<ControlAddress> ControlAddress::forDisplay(std::string_view display,
     const char* runtimeFolder, std::string_view temporaryFolder, std::string& problem)
 {
-    auto folder = folderFor(runtimeFolder, temporaryFolder);
-    if (!folder) {
-        problem = fmt::format("no private folder in {}", temporaryFolder);
-        return std::nullopt;
+    const auto name = displayFileName(display);
+    if (runtimeFolder && *runtimeFolder == '/') {
+        const auto folder = fmt::format("{}/quorvel", runtimeFolder);
+        auto address = addressIn(folder, name);
+        if (canBeBound(address) && isPrivateFolder(runtimeFolder) && makePrivateFolder(folder))
+            return address;
     }
-    auto base = fmt::format("{}/{}", *folder, displayFileName(display));
-    ControlAddress address{base + ".lock", base + ".socket"};
-    if (address.socketPath.size() >= sizeof(sockaddr_un::sun_path)) {
+    const auto folder = fmt::format("{}/quorvel-{}", temporaryFolder, geteuid());
+    auto address = addressIn(folder, name);
+    if (!canBeBound(address))
         problem = fmt::format("the path of the control socket is too long: {}", address.socketPath);
-        return std::nullopt;
-    }
-    return address;
+    else if (!makePrivateFolder(folder))
+        problem = fmt::format("no private folder in {}", temporaryFolder);
+    else
+        return address;
+    return std::nullopt;
 }
 
 }

@@ -12,9 +12,9 @@ struct ControlAddress {
     std::string lockPath;
     std::string socketPath;
 
-    /// Makes the folder if need be: `runtimeFolder` is the session's own (absent or unusable: a
-    /// folder named after the user in `temporaryFolder`). Absent, with a one-line problem, when
-    /// there is no folder to trust.
+    /// Makes the folder if need be: `runtimeFolder` is the session's own (absent, unusable or too
+    /// long for a socket's name: a folder named after the user in `temporaryFolder`). Absent, with
+    /// a one-line problem, when there is no folder to trust.
     static std::optional<ControlAddress> forDisplay(std::string_view display,
         const char* runtimeFolder, std::string_view temporaryFolder, std::string& problem);
 };

@@ -105,6 +105,10 @@ TEST_F(ControlChannelTest, onlyAPrivateFolderOfOurOwnIsTrusted)
     EXPECT_TRUE(isTrusted(nullptr));
     EXPECT_TRUE(fs::is_directory(fallback));
     EXPECT_TRUE(isTrusted("relative")); // no runtime folder that can be used: the same one
+    auto deep = root + "/" + std::string(120, 'd'); // no name of a socket is that long
+    fs::create_directory(deep);
+    fs::permissions(deep, fs::perms::owner_all);
+    EXPECT_TRUE(isTrusted(deep.c_str()));
     fs::permissions(fallback, fs::perms::others_exec, fs::perm_options::add);
     EXPECT_FALSE(isTrusted(nullptr));
 
