@@ -1,91 +1,71 @@
 #include "Hosts/Posix/ControlMessage.h"
 
-#include <cstring>
+#include <algorithm>
+
+#include <nlohmann/json.hpp>
 
 namespace quorvel::posix {
 
 namespace {
 
-using Length = std::uint32_t;
+using Json = nlohmann::json;
 
-template <typename Number> void append(std::string& bytes, Number number)
+/// Breaks within texts are escaped, so the line ends with the message.
+std::string line(const Json& json)
 {
-    bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
-template <typename Number> std::optional<Number> take(std::string_view& bytes)
+Json parse(std::string_view message)
 {
-    Number number{};
-    if (bytes.size() < sizeof number)
-        return std::nullopt;
-    std::memcpy(&number, bytes.data(), sizeof number);
-    bytes.remove_prefix(sizeof number);
-    return number;
+    return Json::parse(message, nullptr, /*allow_exceptions=*/false);
 }
 
-std::string framed(std::string_view message)
+const std::string* textIn(const Json& object, const char* key)
 {
-    std::string bytes;
-    append(bytes, static_cast<Length>(message.size()));
-    return bytes.append(message);
+    auto found = object.find(key);
+    return found == object.end() ? nullptr : found->get_ptr<const std::string*>();
 }
 
 }
 
 std::string encodeRequest(const std::vector<std::string>& arguments)
 {
-    std::string message;
-    for (auto& argument : arguments)
-        message.append(argument.c_str()).push_back('\0');
-    return framed(message);
+    return line(arguments);
 }
 
 std::optional<std::vector<std::string>> decodeRequest(std::string_view message)
 {
-    std::vector<std::string> arguments;
-    while (!message.empty()) {
-        auto end = message.find('\0');
-        if (end == std::string_view::npos)
-            return std::nullopt;
-        arguments.emplace_back(message.substr(0, end));
-        message.remove_prefix(end + 1);
-    }
-    return arguments;
+    auto json = parse(message);
+    if (!json.is_array() || !std::ranges::all_of(json, [](auto& item) { return item.is_string(); }))
+        return std::nullopt;
+    return json.get<std::vector<std::string>>();
 }
 
 std::string encodeReply(const ControlReply& reply)
 {
-    std::string message;
-    append(message, static_cast<std::int32_t>(reply.exitStatus));
-    append(message, static_cast<Length>(reply.output.size()));
-    return framed(message.append(reply.output).append(reply.error));
+    return line({{"status", reply.exitStatus}, {"output", reply.output}, {"error", reply.error}});
 }
 
 std::optional<ControlReply> decodeReply(std::string_view message)
 {
-    auto status = take<std::int32_t>(message);
-    auto outputLength = take<Length>(message);
-    if (!status || !outputLength || *outputLength > message.size())
+    auto json = parse(message);
+    auto status = json.find("status");
+    auto* output = textIn(json, "output");
+    auto* error = textIn(json, "error");
+    if (!output || !error || status == json.end() || !status->is_number_integer())
         return std::nullopt;
-    return ControlReply{*status, std::string{message.substr(0, *outputLength)},
-        std::string{message.substr(*outputLength)}};
+    return ControlReply{status->get<int>(), *output, *error};
 }
 
 MessageReader::State MessageReader::add(std::string_view bytes)
 {
-    m_bytes.append(bytes);
-    std::string_view rest = m_bytes;
-    auto length = take<Length>(rest);
-    if (!length)
-        return State::incomplete;
-    if (*length > m_longest || rest.size() > *length)
+    auto end = bytes.find('\n');
+    bool isWhole = end != std::string_view::npos;
+    m_bytes.append(bytes.substr(0, end));
+    if (m_bytes.size() > m_longest || (isWhole && end + 1 < bytes.size()))
         return State::malformed;
-    return rest.size() == *length ? State::complete : State::incomplete;
-}
-
-std::string_view MessageReader::message() const
-{
-    return std::string_view{m_bytes}.substr(sizeof(Length));
+    return isWhole ? State::complete : State::incomplete;
 }
 
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,15 +10,15 @@
 
 namespace quorvel::posix {
 
-inline constexpr std::uint32_t kLongestRequest = 64 * 1024;
-inline constexpr std::uint32_t kLongestReply = 64 * 1024 * 1024;
+inline constexpr std::size_t kLongestRequest = 64 * 1024;
+inline constexpr std::size_t kLongestReply = 64 * 1024 * 1024;
 
-/// A message on the wire is its length and its bytes. Both ends are on this machine, so numbers are
-/// in its own byte order.
+/// A message on the wire is one line of JSON: a request is the list of arguments, a reply an
+/// object. What is no UTF-8 arrives as U+FFFD.
 std::string encodeRequest(const std::vector<std::string>& arguments);
 std::string encodeReply(const ControlReply&);
 
-/// From the bytes of one message; absent when they make no sense.
+/// From one message; absent when it makes no sense.
 std::optional<std::vector<std::string>> decodeRequest(std::string_view);
 std::optional<ControlReply> decodeReply(std::string_view);
 
@@ -27,14 +27,14 @@ class MessageReader {
 public:
     enum class State { incomplete, complete, malformed };
 
-    explicit MessageReader(std::uint32_t longest) : m_longest(longest) { }
+    explicit MessageReader(std::size_t longest) : m_longest(longest) { }
 
     State add(std::string_view bytes);
     /// The message; only when complete.
-    std::string_view message() const;
+    std::string_view message() const { return m_bytes; }
 
 private:
-    std::uint32_t m_longest;
+    std::size_t m_longest;
     std::string m_bytes;
 };
 

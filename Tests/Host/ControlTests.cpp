@@ -132,9 +132,9 @@ TEST_F(ControlChannelTest, requestsReachTheHandlerAndItsReplyComesBackWhole)
         heard = arguments;
         return ControlReply{3, large, "problem\n"};
     });
-    auto reply = ask({"--set", "", "name=ü b"});
+    auto reply = ask({"--set", "", "name=ü\n b\xff"});
     ASSERT_TRUE(reply);
-    EXPECT_EQ(heard, (std::vector<std::string>{"--set", "", "name=ü b"}));
+    EXPECT_EQ(heard, (std::vector<std::string>{"--set", "", "name=ü\n b\xef\xbf\xbd"}));
     EXPECT_EQ(reply->exitStatus, 3);
     EXPECT_EQ(reply->output, large);
     EXPECT_EQ(reply->error, "problem\n");
@@ -152,10 +152,8 @@ TEST_F(ControlChannelTest, silentAndBrokenClientsDisturbNobody)
     std::vector<UniqueFd> clients;
     for (int i = 0; i < 40; ++i)
         clients.push_back(connectAsClient()); // says nothing
-    for (std::string_view bytes : {"", "\1",
-             "\xff\xff\xff\xff"
-             "much",
-             "\2\0\0\0ab"}) {
+    std::string endless(kLongestRequest + 1, '[');
+    for (std::string_view bytes : {"", "[", "[1]\n", "\xff\n", "[]\n[]\n", endless.c_str()}) {
         clients.push_back(connectAsClient());
         send(clients.back().get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (bytes.empty())
@@ -199,10 +197,12 @@ TEST(ControlMessageTest, piecesOfAnySizeMakeOneMessageAndNonsenseIsRefused)
 
     EXPECT_EQ(MessageReader{10}.add(bytes), MessageReader::State::malformed); // too long
     EXPECT_EQ(MessageReader{100}.add(bytes + "x"), MessageReader::State::malformed);
-    EXPECT_FALSE(decodeReply("abc"));
-    EXPECT_FALSE(decodeReply(std::string_view{"\0\0\0\0\xff\0\0\0", 8})); // more than there is
-    EXPECT_FALSE(decodeRequest("no end"));
-    EXPECT_EQ(decodeRequest("")->size(), 0u);
+    for (auto* nonsense : {"", "no JSON", "[]", R"({"status": 1, "output": "", "error": 2})",
+             R"({"status": "1", "output": "", "error": ""})"})
+        EXPECT_FALSE(decodeReply(nonsense)) << nonsense;
+    for (auto* nonsense : {"", "{}", "[1]", R"(["--state")"})
+        EXPECT_FALSE(decodeRequest(nonsense)) << nonsense;
+    EXPECT_EQ(decodeRequest("[]")->size(), 0u);
 }
 
 }
