@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
@@ -51,7 +52,7 @@ std::optional<double> dotsPerInch(std::string_view resources)
         line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
         double value = 0;
         auto end = std::from_chars(line.data(), line.data() + line.size(), value);
-        if (end.ec == std::errc{})
+        if (end.ec == std::errc{} && std::isfinite(value)) // "nan" and "inf" are read too
             return value;
     }
     return std::nullopt;

@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include <gmock/gmock.h>
 
 #include "Tests/MacSystem/Support/MacFixture.h"
@@ -57,6 +59,9 @@ TEST_F(MacAccessibilityTest, whatTheProgramNeverAsksForIsNoValue)
     EXPECT_EQ(read(dictionary({})), none);
     EXPECT_EQ(read(axValue(kAXValueTypeCGRect, {{1, 2}, {3, 4}})), none);
     EXPECT_EQ(read(axValue(kAXValueTypeAXError, {})), none);
+    EXPECT_EQ(read(real(NAN)), none);
+    EXPECT_EQ(read(axValue(kAXValueTypeCGPoint, {{NAN, 4}, {}})), none);
+    EXPECT_EQ(read(axValue(kAXValueTypeCGSize, {{5, INFINITY}, {}})), none);
     EXPECT_EQ(read(array({text("x"), number(1)})), none) << "a list of other things";
 }
 

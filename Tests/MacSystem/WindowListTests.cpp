@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include <gmock/gmock.h>
 
 #include "Tests/MacSystem/Support/MacFixture.h"
@@ -45,7 +47,7 @@ TEST_F(MacWindowListTest, anEntryIsReadInWhateverWidthItsNumbersCome)
 TEST_F(MacWindowListTest, valuesOfTheWrongTypeAreAbsent)
 {
     answerWindows({dictionary({{"kCGWindowNumber", text("7")}, {"kCGWindowOwnerPID", truth(true)},
-        {"kCGWindowLayer", truth(false)}, {"kCGWindowAlpha", null()},
+        {"kCGWindowLayer", truth(false)}, {"kCGWindowAlpha", real(NAN)},
         {"kCGWindowBounds", array({number(1), number(2), number(3), number(4)})},
         {"kCGWindowOwnerName", number(5)}, {"kCGWindowName", dictionary({})}})});
 
@@ -54,7 +56,8 @@ TEST_F(MacWindowListTest, valuesOfTheWrongTypeAreAbsent)
 
 TEST_F(MacWindowListTest, anEntryMayLackEveryKey)
 {
-    answerWindows({dictionary({}), null(), number(7), array({}), dictionary({})});
+    answerWindows({dictionary({}), null(), number(7), array({}),
+        dictionary({{"kCGWindowBounds", rectangle(0, NAN, 800, 600)}})});
 
     // What is no dictionary is no window.
     EXPECT_THAT(windowsOf(makeWindowServer()), ElementsAre(CGWindowInfo{}, CGWindowInfo{}));

@@ -47,6 +47,22 @@ TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
     EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == 800; }));
 }
 
+// Faults: no bar and no strut at a scale that is no number; a scale of before that stays.
+TEST_P(Panel, heedsOnlyAScaleThatIsANumber)
+{
+    const auto hasHeight = [&](int height) {
+        return eventually(2s, [&] { return desktop.workArea().bottom() == 800 - height; });
+    };
+    for (const std::string_view number : {"nan", "-nan", "nan(1)", "-inf", "1e999"}) {
+        auto& connection = desktop.connection();
+        connection.setText(connection.root(), "RESOURCE_MANAGER", "STRING", "Xft.dpi:\t192\n");
+        ASSERT_TRUE(hasHeight(2 * 36));
+        connection.setText(connection.root(), "RESOURCE_MANAGER", "STRING",
+            "Xft.dpi:\t" + std::string{number} + "\n");
+        EXPECT_TRUE(hasHeight(36)) << number << ": " << desktop.workArea();
+    }
+}
+
 QUORVEL_UNDER_EACH_MANAGER(Panel);
 
 // The thread sanitizer has a thread of its own that wakes up; and who is woken is the same in all

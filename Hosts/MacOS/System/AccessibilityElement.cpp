@@ -107,9 +107,11 @@ AXValue makeValue(CFTypeRef value)
         return *element;
     if (const CFArrayRef array = arrayFrom(value))
         return elementsFrom(array);
-    if (auto point = structureFrom<CGPoint>(value, kAXValueTypeCGPoint))
+    auto point = structureFrom<CGPoint>(value, kAXValueTypeCGPoint);
+    if (point && areFinite({point->x, point->y}))
         return Point{point->x, point->y};
-    if (auto size = structureFrom<CGSize>(value, kAXValueTypeCGSize))
+    auto size = structureFrom<CGSize>(value, kAXValueTypeCGSize);
+    if (size && areFinite({size->width, size->height}))
         return Size{size->width, size->height};
     return {};
 }

@@ -1,5 +1,8 @@
 #include "Hosts/MacOS/System/CFValues.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace quorvel {
 
 namespace {
@@ -14,6 +17,11 @@ CFNumberRef numberFrom(CFTypeRef value)
     return isOfType(value, CFNumberGetTypeID()) ? static_cast<CFNumberRef>(value) : nullptr;
 }
 
+}
+
+bool areFinite(std::initializer_list<double> numbers)
+{
+    return std::ranges::all_of(numbers, [](double number) { return std::isfinite(number); });
 }
 
 CFRef<CFStringRef> makeString(std::string_view utf8)
@@ -71,7 +79,7 @@ std::optional<double> doubleFrom(CFTypeRef value)
         return {};
     // The call's answer only says whether precision was lost.
     CFNumberGetValue(number, kCFNumberDoubleType, &result);
-    return result;
+    return areFinite({result}) ? std::optional{result} : std::nullopt;
 }
 
 std::optional<std::int32_t> int32From(CFTypeRef value)
@@ -98,6 +106,8 @@ std::optional<Rect> rectFrom(CFTypeRef value)
     CGRect rect{};
     const CFDictionaryRef dictionary = dictionaryFrom(value);
     if (!dictionary || !CGRectMakeWithDictionaryRepresentation(dictionary, &rect))
+        return {};
+    if (!areFinite({rect.origin.x, rect.origin.y, rect.size.width, rect.size.height}))
         return {};
     return Rect{rect.origin.x, rect.origin.y, rect.size.width, rect.size.height};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,7 +13,10 @@
 namespace quorvel {
 
 // Values of CoreFoundation, read by their type: null and every other type are absent. A truth value
-// is no number. Nothing here takes a reference.
+// is no number, nor is what is not finite. Nothing here takes a reference.
+
+/// Whether all are numbers to compute with: other programs can send "not a number" as well.
+bool areFinite(std::initializer_list<double>);
 
 CFRef<CFStringRef> makeString(std::string_view utf8);
 CFRef<CFNumberRef> makeNumber(double);
