@@ -160,7 +160,7 @@ TEST_F(LauncherBusTest, isNotHeldUpByABusThatHangs)
     bus.emplace(entries, installed, [] {});
     while (g_main_context_iteration(nullptr, false)) { }
     bus.reset();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s) << "GIO waits for 25";
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 20s) << "GIO waits for 25";
 }
 
 }

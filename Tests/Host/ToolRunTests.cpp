@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 constexpr char kShell[] = "/bin/sh";
 
-std::optional<ToolResult> shell(const std::string& script, posix::ToolBounds bounds = {})
+std::optional<ToolResult> shell(const std::string& script, posix::ToolBounds bounds = {.time = 60s})
 {
     return posix::runTool(kShell, {"-c", script}, bounds);
 }
@@ -21,8 +21,9 @@ std::optional<ToolResult> shell(const std::string& script, posix::ToolBounds bou
 
 TEST(ToolRun, aToolGetsItsArgumentsAsTheyAreAndItsStreamsAreKeptApart)
 {
-    const auto result = posix::runTool(
-        kShell, {"-c", "printf '%s|' \"$@\"; cat; echo wrong >&2; exit 3", "x", "a b", "", "$c\""});
+    const auto result = posix::runTool(kShell,
+        {"-c", "printf '%s|' \"$@\"; cat; echo wrong >&2; exit 3", "x", "a b", "", "$c\""},
+        {.time = 60s});
     ASSERT_TRUE(result);
     EXPECT_EQ(result->standardOutput, "a b||$c\"|") << "and nothing to read";
     EXPECT_EQ(result->standardError, "wrong\n");
@@ -41,7 +42,7 @@ TEST(ToolRun, whatDoesNotEndWithinItsBoundsIsGivenUp)
 {
     EXPECT_FALSE(shell("exec sleep 600", {.time = 50ms})) << "silent";
     EXPECT_FALSE(shell("exec >&- 2>&-; exec sleep 600", {.time = 50ms})) << "streams closed";
-    EXPECT_FALSE(shell("sleep 3 & exit 0", {.time = 50ms})) << "a child has the streams";
+    EXPECT_FALSE(shell("sleep 60 & exit 0", {.time = 50ms})) << "a child has the streams";
     EXPECT_FALSE(shell("exec cat /dev/zero", {.output = 100'000})) << "endless";
     EXPECT_FALSE(shell("exec cat /dev/zero >&2", {.output = 100'000}));
     EXPECT_FALSE(shell("echo half; kill -9 $$"));
