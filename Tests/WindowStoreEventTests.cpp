@@ -109,6 +109,7 @@ TEST_F(WindowStoreEvents, aWindowThatGoesToAnotherProcessStays)
 // Fault: a window that no space lists yet waits for a burst, and dragging a dialog never rests.
 TEST_F(WindowStoreEvents, aNewWindowIsAskedForItsSpacesAndOnlyGrowthMakesAnOldOneInteresting)
 {
+    store.handleObserverAttached(mail); // or it would be polled
     auto reply = desktop.open(mail, {.title = "Reply"});
     desktop.window(reply).isInSpaceLists = false;
     store.handleAXEvent(event(reply, ax::windowCreated));
