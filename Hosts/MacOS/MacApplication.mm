@@ -128,8 +128,13 @@ int MacApplication::run()
 void MacApplication::terminate()
 {
     emitWillTerminate();
-    [NSApp stop:nil];
-    postEmptyEvent();
+    // In this mode only: a menu that is just going runs a loop of its own in another mode, which
+    // would take the event.
+    CFRunLoopPerformBlock(CFRunLoopGetMain(), kCFRunLoopDefaultMode, ^{
+        [NSApp stop:nil];
+        postEmptyEvent();
+    });
+    CFRunLoopWakeUp(CFRunLoopGetMain());
 }
 
 void MacApplication::emitWillTerminate()
