@@ -14,7 +14,7 @@ TEST(UriList, givesThePathsOfFilesOfThisMachine)
     EXPECT_THAT(localPaths("# files\r\n"
                            "file:///a%20b/%c3%A9\r\n"
                            "file://localhost/c\n"
-                           "FILE://Desk/d#1?\r\n"
+                           "FILE://Desk/d%231%3F\r\n"
                            "file:/e",
                     "desk"),
         ElementsAre("/a b/\xc3\xa9", "/c", "/d#1?", "/e"));
