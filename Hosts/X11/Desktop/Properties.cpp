@@ -4,13 +4,15 @@
 #include <cstring>
 #include <unordered_set>
 
+#include <glib.h>
+
+#include "Hosts/Linux/Applications/DesktopEntryFile.h"
 #include "Hosts/X11/Desktop/CompoundText.h"
 
 namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 /// Frames and shadows are never wider; what claims more would push windows off every screen.
 constexpr std::uint32_t kLargestExtent = 4096;
 constexpr std::uint32_t kUrgencyHint = 1u << 8;
@@ -23,42 +25,6 @@ std::string_view bytesOf(const RawProperty& property)
 std::string_view upToNul(std::string_view bytes)
 {
     return bytes.substr(0, bytes.find('\0'));
-}
-
-struct CodePoint {
-    std::uint32_t least;
-    std::size_t length;
-    std::uint32_t bits;
-};
-
-/// What the first byte of a sequence promises; length 0 where no sequence begins.
-CodePoint promised(unsigned char lead)
-{
-    if (lead < 0x80)
-        return {0, 1, lead};
-    if (lead >= 0xC2 && lead < 0xE0)
-        return {0x80, 2, lead & 0x1Fu};
-    if (lead >= 0xE0 && lead < 0xF0)
-        return {0x800, 3, lead & 0x0Fu};
-    if (lead >= 0xF0 && lead < 0xF5)
-        return {0x10000, 4, lead & 0x07u};
-    return {0, 0, 0};
-}
-
-/// The length of the valid sequence at the start of `bytes`; 0 if it is invalid.
-std::size_t sequenceLength(std::string_view bytes)
-{
-    auto code = promised(static_cast<unsigned char>(bytes.front()));
-    if (code.length == 0 || code.length > bytes.size())
-        return 0;
-    for (std::size_t i = 1; i < code.length; ++i) {
-        auto byte = static_cast<unsigned char>(bytes[i]);
-        if ((byte & 0xC0) != 0x80)
-            return 0;
-        code.bits = code.bits << 6 | (byte & 0x3Fu);
-    }
-    bool isSurrogate = code.bits >= 0xD800 && code.bits < 0xE000;
-    return code.bits < code.least || code.bits > 0x10FFFF || isSurrogate ? 0 : code.length;
 }
 
 std::vector<std::string_view> splitAtNul(std::string_view bytes, std::size_t maximumCount)
@@ -106,18 +72,14 @@ std::uint32_t RawProperty::word(std::size_t index) const
 
 std::string cleanedUtf8(std::string_view bytes, std::size_t maximum)
 {
-    bytes = upToNul(bytes);
-    std::string result;
-    result.reserve(std::min(bytes.size(), maximum));
-    while (!bytes.empty()) {
-        auto length = sequenceLength(bytes);
-        auto piece = length > 0 ? bytes.substr(0, length) : kReplacement;
-        if (result.size() + piece.size() > maximum)
-            break;
-        result += piece;
-        bytes.remove_prefix(std::max<std::size_t>(length, 1));
+    constexpr std::size_t longestCharacter = 4;
+    bytes = upToNul(bytes).substr(0, maximum + longestCharacter);
+    auto text = validUtf8(bytes);
+    if (text.size() > maximum) {
+        const auto* cut = g_utf8_find_prev_char(text.data(), text.data() + maximum + 1);
+        text.resize(static_cast<std::size_t>(cut - text.data()));
     }
-    return result;
+    return text;
 }
 
 std::string utf8FromLatin1(std::string_view bytes, std::size_t maximum)
