@@ -80,7 +80,7 @@ bool hasUnknownText(const UserSettingsData& data, std::string_view name)
 
 ControlReply get(const UserSettings& settings, const std::string& name)
 {
-    auto encoded = encodeUserSetting(settings.data().value(), name);
+    auto encoded = encodeUserSetting(settings.dataThatHolds(), name);
     return encoded ? ControlReply{0, *encoded + "\n", ""} : noSuchSetting(name);
 }
 
@@ -130,7 +130,7 @@ ControlReply answerSettingsRequest(
     UserSettings& settings, const std::vector<std::string>& arguments)
 {
     if (arguments.size() == 1)
-        return {0, encodeUserSettings(settings.data().value(), AbsentValues::asNull), ""};
+        return {0, encodeUserSettings(settings.dataThatHolds(), AbsentValues::asNull), ""};
     if (arguments[0] == "--get")
         return get(settings, arguments[1]);
     auto equals = arguments[1].find('=');

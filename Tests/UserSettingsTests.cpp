@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "Quorvel/Core/UserSettingsCoding.h"
+#include "Quorvel/SettingsRequest.h"
 #include "Tests/Support/BarFixture.h"
 #include "Tests/Support/SettingsFixture.h"
 
@@ -138,6 +139,11 @@ TEST_F(UserSettingsTest, whatThisVersionDoesNotKnowIsKept)
     EXPECT_EQ(settings->barSize(), BarSize::medium);
     EXPECT_EQ(settings->theme(), BarTheme::frosted);
     EXPECT_EQ(settings->scrollUpSpaceSwitch(), SpaceScrollUpBehavior::left);
+    EXPECT_THAT(desktop.program().warnings(),
+        ElementsAre(HasSubstr("no barSize \"huge\"; \"medium\" holds"), HasSubstr("\"glass\""),
+            HasSubstr("\"up\"")));
+    EXPECT_EQ(answerSettingsRequest(*settings, {"--get", "theme"}).output, "\"frosted\"\n");
+    EXPECT_THAT(answerSettingsRequest(*settings, {"--get"}).output, HasSubstr("\"medium\""));
 
     settings->setHideDock(true);
     settle();
@@ -187,6 +193,33 @@ TEST_F(UserSettingsTest, quittingSavesAtOnceAndOnlyWhatHasChanged)
     EXPECT_EQ(other.dispatch().pendingTimers(), 0U);
 }
 
+// Two bars of one user on two displays. Faults: the pins of one thrown away with a setting of the
+// other, a field that a newer version or a hand wrote, a shortcut that does not stay cleared.
+TEST_F(UserSettingsTest, aSaveWritesOnlyWhatThisBarHasChanged)
+{
+    start(R"({"hotkeyKeyCode": 4, "theme": "aero"})").setHotkeyKeyCode(std::nullopt);
+    FakeDesktop elsewhere;
+    auto platform = elsewhere.platform();
+    UserSettings other(desktop.files(), platform.loginItem, platform.application, platform.dispatch,
+        platform.trace);
+    other.setPinnedApps({{"mail", 3}});
+    ASSERT_TRUE(other.saveChanges());
+    settle();
+    desktop.files().put(kFile, R"({"x": null, )" + file().substr(1)); // by hand
+    settings->setBarSize(BarSize::xl);
+    settle();
+    other.setHideDock(true);
+    ASSERT_TRUE(other.saveChanges());
+
+    EXPECT_THAT(file(), HasSubstr("\"x\": null"));
+    auto found = start().data().value();
+    EXPECT_EQ(found.pinnedApps, other.pinnedApps());
+    EXPECT_EQ(found.barSize, "xl");
+    EXPECT_EQ(found.theme, "aero");
+    EXPECT_EQ(found.hotkeyKeyCode, std::nullopt);
+    EXPECT_TRUE(found.hideDock);
+}
+
 // MARK: When the disk fails
 
 TEST_F(UserSettingsTest, theProgramGoesOnWhateverTheDiskDoes)
@@ -199,12 +232,15 @@ TEST_F(UserSettingsTest, theProgramGoesOnWhateverTheDiskDoes)
         {"write", [&](bool on) { disk.setFailing(on ? std::set{Step::write} : std::set<Step>{}); }},
     };
     start("{}");
+    std::size_t told = 0;
     for (auto& [name, set] : faults) {
         auto before = file();
         set(true);
         settings->setBarSize(settings->barSize() == BarSize::xl ? BarSize::small : BarSize::xl);
         settle();
+        settings->saveChanges();
         EXPECT_EQ(file(), before) << name;
+        EXPECT_THAT(desktop.program().warnings(), SizeIs(++told)) << "once";
         set(false);
         settings->setHideDock(!settings->hideDock());
         settle();
@@ -254,7 +290,7 @@ TEST_F(UserSettingsTest, aRejectedFileIsKeptBesideTheNewOneWhereTheHostSaysSo)
     settings->setHideDock(false);
     settle();
     EXPECT_EQ(file(), "first") << "nor put aside while there is nothing in its place";
-    EXPECT_THAT(desktop.program().warnings(), SizeIs(1));
+    EXPECT_THAT(desktop.program().warnings(), SizeIs(2)) << "and that it cannot be written";
     disk.setFailing({});
     settings->setHotkeyKeyCode(1);
     settle();

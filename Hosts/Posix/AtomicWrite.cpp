@@ -128,6 +128,12 @@ void keepPermissions(int file, const std::string& path)
 
 std::error_code writeAtomically(const std::string& path, const std::string& bytes)
 {
+    return reviseAtomically(path, [&] { return bytes; });
+}
+
+std::error_code reviseAtomically(
+    const std::string& path, const std::function<std::optional<std::string>()>& makeBytes)
+{
     const auto target = followLinks(path);
     if (target.empty())
         return std::make_error_code(std::errc::too_many_symbolic_link_levels);
@@ -136,8 +142,10 @@ std::error_code writeAtomically(const std::string& path, const std::string& byte
     if (!file)
         return lastError();
     keepPermissions(file.get(), target);
-    if (::ftruncate(file.get(), 0) == 0 && writeAll(file.get(), bytes) && flush(file.get())
-        && ::rename(temporary.c_str(), target.c_str()) == 0) {
+    const auto bytes = makeBytes();
+    errno = ECANCELED;
+    if (bytes && ::ftruncate(file.get(), 0) == 0 && writeAll(file.get(), *bytes)
+        && flush(file.get()) && ::rename(temporary.c_str(), target.c_str()) == 0) {
         flushFolderOf(target);
         return {};
     }

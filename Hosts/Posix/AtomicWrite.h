@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -9,5 +11,10 @@ namespace quorvel::posix {
 /// place. Another process that writes the same file waits its turn. A file that is left over from
 /// a crash is used again, so there is never more than one.
 std::error_code writeAtomically(const std::string& path, const std::string& bytes);
+
+/// The same with bytes that are made while all others wait. If there are none, the file stays as it
+/// is: `operation_canceled`.
+std::error_code reviseAtomically(
+    const std::string& path, const std::function<std::optional<std::string>()>& makeBytes);
 
 }

@@ -81,6 +81,12 @@ std::error_code PosixFiles::writeAtomically(const std::string& path, const std::
     return posix::writeAtomically(path, bytes);
 }
 
+std::error_code PosixFiles::revise(
+    const std::string& path, std::size_t limit, const Revision& revision)
+{
+    return reviseAtomically(path, [&] { return revision(read(path, limit)); });
+}
+
 std::error_code PosixFiles::rename(const std::string& from, const std::string& to)
 {
     // Unlike rename(), link() never replaces. Folders and some file systems have no hard links.

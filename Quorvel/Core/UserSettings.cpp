@@ -48,14 +48,15 @@ UserSettings::UserSettings(Files& files, LoginItem& loginItem, Application& appl
 void UserSettings::load()
 {
     auto defaults = UserSettingsData::defaults(m_application.operatingSystemMajorVersion());
-    if (auto stored = storedData(defaults)) {
-        m_data.set(std::move(*stored));
-        reconcileRunAtLoginState();
-        return;
-    }
+    auto stored = storedData(defaults);
     // Nothing says what the user wants, so a login item that is there is not taken away.
     defaults.runAtLogin = m_loginItem.isEnabled();
-    m_data.set(std::move(defaults));
+    m_saved = stored.value_or(defaults);
+    m_data.set(m_saved);
+    if (stored) {
+        tellUnknownTexts();
+        reconcileRunAtLoginState();
+    }
 }
 
 std::optional<UserSettingsData> UserSettings::storedData(const UserSettingsData& defaults)
@@ -65,8 +66,7 @@ std::optional<UserSettingsData> UserSettings::storedData(const UserSettingsData&
     std::optional<UserSettingsData> stored;
     if (auto bytes = m_files.read(m_fileURL, kLargestFile))
         stored = decodeUserSettings(*bytes, defaults);
-    m_isFileRejected = !stored;
-    if (m_isFileRejected && m_files.keepsRejectedFiles())
+    if (!stored && m_files.keepsRejectedFiles())
         m_application.warn(m_fileURL + " cannot be used; the defaults hold");
     return stored;
 }
@@ -76,7 +76,28 @@ void UserSettings::reconcileRunAtLoginState()
     setRunAtLogin(runAtLogin());
 }
 
+void UserSettings::tellUnknownTexts()
+{
+    const auto holding = dataThatHolds();
+    for (auto* name : {"barSize", "theme", "scrollUpSpaceSwitch"}) {
+        auto stored = encodeUserSetting(value(), name).value_or("");
+        auto holds = encodeUserSetting(holding, name).value_or("");
+        if (stored != holds)
+            m_application.warn(
+                fmt::format("{}: there is no {} {}; {} holds", m_fileURL, name, stored, holds));
+    }
+}
+
 // MARK: Fields
+
+UserSettingsData UserSettings::dataThatHolds() const
+{
+    auto data = value();
+    data.barSize = rawValue(barSize());
+    data.theme = rawValue(theme());
+    data.scrollUpSpaceSwitch = rawValue(scrollUpSpaceSwitch());
+    return data;
+}
 
 BarSize UserSettings::barSize() const
 {
@@ -134,47 +155,65 @@ void UserSettings::saveNow()
 {
     if (m_fileURL.empty())
         return;
-    bool isKept = m_isFileRejected && m_files.keepsRejectedFiles();
-    bool isWritten = isKept ? replaceRejectedFile() : write();
-    m_hasUnsavedChanges = !isWritten;
-    m_isFileRejected &= !isWritten;
+    auto error = write();
+    if (error == std::errc::operation_canceled)
+        error = replaceRejectedFile();
+    m_hasUnsavedChanges = static_cast<bool>(error);
+    tellFailure(error);
+    if (!error)
+        m_saved = value();
 }
 
-bool UserSettings::write()
+std::error_code UserSettings::write()
 {
     createFolder();
-    auto error = m_files.writeAtomically(m_fileURL, encodeUserSettings(value()));
+    return m_files.revise(
+        m_fileURL, kLargestFile, [this](const auto& file) { return revised(file); });
+}
+
+std::optional<std::string> UserSettings::revised(const std::optional<std::string>& file) const
+{
+    auto sound = file ? reviseUserSettings(*file, m_saved, value()) : std::nullopt;
+    if (!sound && m_files.keepsRejectedFiles() && m_files.exists(m_fileURL))
+        return std::nullopt;
+    return sound ? sound : encodeUserSettings(value());
+}
+
+std::error_code UserSettings::replaceRejectedFile()
+{
+    std::string keptAs;
+    if (auto error = putRejectedFileAside(keptAs))
+        return error;
+    auto error = write();
     if (error)
-        m_trace.line("settings save failed error={}", error.value());
-    return !error;
+        m_files.rename(keptAs, m_fileURL);
+    else
+        m_application.warn(m_fileURL + " is overwritten; what it held is kept as " + keptAs);
+    return error;
 }
 
-bool UserSettings::replaceRejectedFile()
+std::error_code UserSettings::putRejectedFileAside(std::string& name)
 {
-    if (!m_files.exists(m_fileURL))
-        return write();
-    auto keptAs = putRejectedFileAside();
-    if (!keptAs)
-        return false;
-    if (write()) {
-        m_application.warn(m_fileURL + " is overwritten; what it held is kept as " + *keptAs);
-        return true;
-    }
-    m_files.rename(*keptAs, m_fileURL);
-    return false;
-}
-
-std::optional<std::string> UserSettings::putRejectedFileAside()
-{
+    std::error_code error;
     for (int number = 1; number <= kMostRejectedFiles; ++number) {
-        auto name = rejectedName(m_fileURL, number);
-        auto error = m_files.rename(m_fileURL, name);
-        if (!error)
-            return name;
+        name = rejectedName(m_fileURL, number);
+        error = m_files.rename(m_fileURL, name);
         if (error != std::errc::file_exists)
             break;
     }
-    return std::nullopt;
+    return error;
+}
+
+/// Once, until the disk is well again.
+void UserSettings::tellFailure(std::error_code error)
+{
+    if (error)
+        m_trace.line("settings save failed error={}", error.value());
+    if (error && !m_isFailureTold) {
+        m_application.warn(fmt::format("{} cannot be written ({}); changes last until the bar ends",
+            m_fileURL, error.message()));
+    }
+    m_isFailureTold = static_cast<bool>(error);
 }
 
 }

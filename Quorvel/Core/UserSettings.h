@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <system_error>
 
 #include "Quorvel/Core/LoginItemController.h"
 #include "Quorvel/Core/UserSettingsData.h"
@@ -15,8 +16,9 @@ class Files;
 class Trace;
 
 /// The one store of the user's preferences: a record in memory that observers watch, written as a
-/// file a short while after each change and on quitting. A failure to read or to write it is never
-/// shown; the record in memory stays. Main thread.
+/// file a short while after each change and on quitting: several bars of one user share it, so each
+/// writes only what it has changed over what the file says by then. After a failure to read or to
+/// write it, which is told on standard error alone, the record in memory stays. Main thread.
 class UserSettings {
 public:
     static constexpr Duration saveDebounceInterval = seconds(0.5);
@@ -35,6 +37,9 @@ public:
     bool saveChanges();
     /// The file's path; empty if the system names no place for it.
     const std::string& fileURL() const { return m_fileURL; }
+
+    /// The record with each text that this version does not know replaced by the one that holds.
+    UserSettingsData dataThatHolds() const;
 
     // A text that this version does not know reads as the default.
     BarSize barSize() const;
@@ -98,13 +103,17 @@ private:
     /// Absent if there is no file, or none that can be used.
     std::optional<UserSettingsData> storedData(const UserSettingsData& defaults);
     void reconcileRunAtLoginState();
+    void tellUnknownTexts();
     void createFolder();
     void scheduleSave();
     void saveNow();
-    bool write();
-    /// Where the file that could not be read is now; absent if it has to stay where it is.
-    std::optional<std::string> putRejectedFileAside();
-    bool replaceRejectedFile();
+    std::error_code write();
+    /// What the file is to hold; absent if what it holds cannot be read and has to be kept.
+    std::optional<std::string> revised(const std::optional<std::string>& file) const;
+    std::error_code replaceRejectedFile();
+    /// Gives the file that could not be read its new name.
+    std::error_code putRejectedFileAside(std::string& name);
+    void tellFailure(std::error_code);
 
     Files& m_files;
     Application& m_application;
@@ -114,7 +123,8 @@ private:
     std::string m_fileURL;
     Published<UserSettingsData> m_data;
     bool m_hasUnsavedChanges = false;
-    bool m_isFileRejected = false; ///< what is on the disk is not of ours yet
+    UserSettingsData m_saved; ///< what this bar has read or written last
+    bool m_isFailureTold = false;
     Subscription m_willTerminate;
     WorkItem m_saveDebounceWork;
 };

@@ -122,12 +122,33 @@ template <typename Value> Json write(const std::optional<Value>& value)
     return value ? Json(*value) : Json();
 }
 
+template <typename Value> constexpr bool mayBeAbsent(const Value&)
+{
+    return false;
+}
+
+template <typename Value> constexpr bool mayBeAbsent(const std::optional<Value>&)
+{
+    return true;
+}
+
 Json write(const std::vector<PinnedAppRecord>& records)
 {
     auto list = Json::array();
     for (auto& record : records)
         list.push_back({{"id", record.id}, {"d", record.destinationsRaw}});
     return list;
+}
+
+Json toJson(const UserSettingsData& data, AbsentValues absentValues)
+{
+    auto json = Json::object();
+    UserSettingsData::forEachField(data, [&](const char* name, auto& field) {
+        auto value = write(field);
+        if (!value.is_null() || absentValues == AbsentValues::asNull)
+            json[name] = std::move(value);
+    });
+    return json;
 }
 
 /// Identifiers come from other programs' files and may hold anything; one bad text must not keep
@@ -141,10 +162,24 @@ std::string text(const Json& json, int indent)
 
 std::string encodeUserSettings(const UserSettingsData& data, AbsentValues absentValues)
 {
-    auto json = Json::object();
-    UserSettingsData::forEachField(data, [&](const char* name, auto& field) {
+    return text(toJson(data, absentValues), kIndent) + "\n";
+}
+
+std::optional<std::string> reviseUserSettings(
+    std::string_view file, const UserSettingsData& before, const UserSettingsData& now)
+{
+    if (!decodeUserSettings(file, now))
+        return std::nullopt;
+    auto json = parse(file);
+    auto known = toJson(before, AbsentValues::asNull);
+    UserSettingsData::forEachField(now, [&](const char* name, auto& field) {
         auto value = write(field);
-        if (!value.is_null() || absentValues == AbsentValues::asNull)
+        bool isLacking = !mayBeAbsent(field) && !json.contains(name);
+        if (value == known[name] && !isLacking)
+            return;
+        if (value.is_null())
+            json.erase(name);
+        else
             json[name] = std::move(value);
     });
     return text(json, kIndent) + "\n";

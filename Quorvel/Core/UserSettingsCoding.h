@@ -18,6 +18,12 @@ std::string encodeUserSettings(const UserSettingsData&, AbsentValues = AbsentVal
 std::optional<UserSettingsData> decodeUserSettings(
     std::string_view bytes, const UserSettingsData& defaults);
 
+/// The file with the fields that differ from `before` as they are `now`, and those that it has
+/// to have and lacks; the others and what is unknown stay. Absent where `decodeUserSettings` would
+/// be.
+std::optional<std::string> reviseUserSettings(
+    std::string_view file, const UserSettingsData& before, const UserSettingsData& now);
+
 /// One field as JSON, "null" for an absent value; absent if there is no such field.
 std::optional<std::string> encodeUserSetting(const UserSettingsData&, std::string_view name);
 

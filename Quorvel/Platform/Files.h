@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -31,6 +32,12 @@ public:
     /// Whoever reads meanwhile, or after a crash or a power cut at any moment, finds the old bytes
     /// or the new ones; on success the new ones are on the disk. A link is followed.
     virtual std::error_code writeAtomically(const std::string& path, const std::string& bytes) = 0;
+    /// Makes the new bytes from what the file holds by now, as `read` gives it; absent: nothing is
+    /// to be written after all.
+    using Revision = std::function<std::optional<std::string>(const std::optional<std::string>&)>;
+    /// Writes like `writeAtomically`. Of all programs that write the file in this way, only one at
+    /// a time looks and writes. Fails with `operation_canceled` if the revision is absent.
+    virtual std::error_code revise(const std::string& path, std::size_t limit, const Revision&) = 0;
     /// Fails with `file_exists` rather than replace something.
     virtual std::error_code rename(const std::string& from, const std::string& to) = 0;
     virtual std::error_code remove(const std::string& path) = 0;

@@ -171,25 +171,27 @@ TEST_F(SettingsFileTest, aLinkIsFollowedAndPermissionsAreKept)
     EXPECT_TRUE(fs::is_symlink(path("circle")));
 }
 
-// Two bars of one user on two displays save at the same moment.
+// Two bars of one user on two displays save at the same moment. Faults: half a file, an addition
+// that another writer did not see.
 TEST_F(SettingsFileTest, writersOfOneFileTakeTurns)
 {
-    const std::string a(100'000, 'a');
-    const std::string b(150'000, 'b');
-    auto writeOften = [&](const std::string& bytes) {
+    const std::string part(5'000, 'a');
+    auto addOften = [&] {
         for (int i = 0; i < 40; ++i)
-            EXPECT_FALSE(files->writeAtomically(path("file"), bytes));
+            EXPECT_FALSE(files->revise(
+                path("file"), kLimit, [&](auto& found) { return found.value_or("") + part; }));
     };
-    writeOften(a);
+    addOften();
     std::atomic<int> running = 2;
-    std::thread first{[&] { writeOften(a), --running; }};
-    std::thread second{[&] { writeOften(b), --running; }};
-    while (running > 0) {
-        auto found = text("file");
-        EXPECT_TRUE(found == a || found == b) << found.size();
-    }
+    std::thread first{[&] { addOften(), --running; }};
+    std::thread second{[&] { addOften(), --running; }};
+    while (running > 0)
+        EXPECT_EQ(text("file").size() % part.size(), 0U);
     first.join();
     second.join();
+    EXPECT_EQ(text("file").size(), 120 * part.size());
+    EXPECT_EQ(files->revise(path("file"), kLimit, [](auto&) { return std::nullopt; }),
+        std::errc::operation_canceled);
     EXPECT_THAT(files->list(root), ElementsAre("file"));
 }
 

@@ -67,6 +67,14 @@ std::error_code FakeFiles::writeAtomically(const std::string& path, const std::s
     return {};
 }
 
+std::error_code FakeFiles::revise(
+    const std::string& path, std::size_t limit, const Revision& revision)
+{
+    auto bytes = revision(read(path, limit));
+    return bytes ? writeAtomically(path, *bytes)
+                 : std::make_error_code(std::errc::operation_canceled);
+}
+
 std::error_code FakeFiles::rename(const std::string& from, const std::string& to)
 {
     if (auto error = refusal(Step::rename, to))

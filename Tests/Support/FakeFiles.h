@@ -21,6 +21,7 @@ public:
     bool exists(const std::string& path) const override;
     std::optional<std::string> read(const std::string& path, std::size_t limit) const override;
     std::error_code writeAtomically(const std::string& path, const std::string& bytes) override;
+    std::error_code revise(const std::string& path, std::size_t limit, const Revision&) override;
     std::error_code rename(const std::string& from, const std::string& to) override;
     std::error_code remove(const std::string& path) override;
     std::vector<std::string> list(const std::string& folder) const override;
