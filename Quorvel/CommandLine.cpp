@@ -20,7 +20,8 @@ To the running bar:
   --state          print its windows, spaces and panels as JSON
   --get [FIELD]    print its settings, or one of them, as JSON
   --set FIELD=VALUE
-                   change a setting: VALUE is JSON or plain text, null clears
+                   change a setting: VALUE is JSON or plain text; null clears
+                   hotkeyKeyCode and hotkeyModifiers
   --focus          give it the keyboard: arrows, Return, Menu, Escape
   --quit           end it
 
