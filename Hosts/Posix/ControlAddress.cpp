@@ -25,13 +25,7 @@ bool isPrivateFolder(const std::string& path)
     UniqueFd folder{open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)};
     struct stat about { };
     return folder && fstat(folder.get(), &about) == 0 && about.st_uid == geteuid()
-        && (about.st_mode & kOthers) == 0;
-}
-
-bool makePrivateFolder(const std::string& path)
-{
-    mkdir(path.c_str(), kPrivate); // one that is there already must be as good
-    return isPrivateFolder(path);
+        && (about.st_mode & (kPrivate | kOthers)) == kPrivate;
 }
 
 ControlAddress addressIn(const std::string& folder, const std::string& name)
@@ -57,6 +51,12 @@ std::string fileName(std::string_view text)
     return name;
 }
 
+}
+
+bool makePrivateFolder(const std::string& path)
+{
+    mkdir(path.c_str(), kPrivate); // one that is there already must be as good
+    return isPrivateFolder(path);
 }
 
 std::string displayFileName(std::string_view display)

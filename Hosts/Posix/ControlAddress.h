@@ -19,6 +19,9 @@ struct ControlAddress {
         const char* runtimeFolder, std::string_view temporaryFolder, std::string& problem);
 };
 
+/// Whether there is a folder now that is this user's and closed to all others.
+bool makePrivateFolder(const std::string& path);
+
 /// One name for all ways to write one display: ":7", ":7.0" and "unix:7" are "X7".
 std::string displayFileName(std::string_view display);
 

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace quorvel::posix {
@@ -50,6 +51,14 @@ std::optional<ControlLock> ControlLock::acquireWithin(
             return lock;
         std::this_thread::sleep_for(kLookAgain);
     }
+}
+
+bool ControlLock::isAt(const ControlAddress& address) const
+{
+    struct stat held { };
+    struct stat named { };
+    return fstat(m_file.get(), &held) == 0 && lstat(address.lockPath.c_str(), &named) == 0
+        && held.st_dev == named.st_dev && held.st_ino == named.st_ino;
 }
 
 std::optional<pid_t> ControlLock::owner(const ControlAddress& address)

@@ -20,6 +20,8 @@ public:
     /// Waits for a holder that is about to end.
     static std::optional<ControlLock> acquireWithin(
         const ControlAddress&, std::chrono::milliseconds, std::string& problem);
+    /// Whether the file there is still the one that this process holds.
+    bool isAt(const ControlAddress&) const;
     /// The process that holds it, as it wrote itself down.
     static std::optional<pid_t> owner(const ControlAddress&);
 

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "Hosts/Posix/ControlMessage.h"
@@ -18,10 +19,29 @@ namespace {
 
 constexpr std::size_t kMostClients = 16;
 constexpr int kBacklog = 16;
+constexpr std::chrono::milliseconds kPause{250};
 
 bool wouldBlock()
 {
     return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
+}
+
+/// Whether a descriptor or the memory for one was lacking.
+bool hasNoRoom()
+{
+    return errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM;
+}
+
+/// 0 where there is no file.
+ino_t fileNumber(const std::string& path)
+{
+    struct stat about { };
+    return lstat(path.c_str(), &about) == 0 ? about.st_ino : 0;
+}
+
+std::string folderOf(const std::string& path)
+{
+    return path.substr(0, path.rfind('/'));
 }
 
 }
@@ -37,39 +57,83 @@ struct ControlSocket::Client {
 };
 
 std::unique_ptr<ControlSocket> ControlSocket::open(
-    const ControlAddress& address, ControlLock lock, WatchFd watch, std::string& problem)
+    const ControlAddress& address, ControlLock lock, HostLoop loop, std::string& problem)
 {
-    auto listener = makeLocalSocket();
-    auto name = socketName(address.socketPath);
-    unlink(address.socketPath.c_str());
-    if (!listener || !setNonBlocking(listener.get())
-        || bind(listener.get(), reinterpret_cast<const sockaddr*>(&name), sizeof name) != 0
-        || listen(listener.get(), kBacklog) != 0) {
-        problem = fmt::format("cannot listen at {}: {}", address.socketPath, std::strerror(errno));
-        return nullptr;
-    }
-    return std::unique_ptr<ControlSocket>{
-        new ControlSocket{address, std::move(lock), std::move(watch), std::move(listener)}};
+    std::unique_ptr<ControlSocket> socket{
+        new ControlSocket{address, std::move(lock), std::move(loop)}};
+    if (socket->listen())
+        return socket;
+    problem = fmt::format("cannot listen at {}: {}", address.socketPath, std::strerror(errno));
+    return nullptr;
 }
 
-ControlSocket::ControlSocket(
-    const ControlAddress& address, ControlLock lock, WatchFd watch, UniqueFd listener)
-    : m_path(address.socketPath)
+ControlSocket::ControlSocket(const ControlAddress& address, ControlLock lock, HostLoop loop)
+    : m_address(address)
     , m_lock(std::move(lock))
-    , m_watch(std::move(watch))
-    , m_listener(std::move(listener))
-    , m_listening(m_watch(m_listener.get(), FdCondition::readable, [this] { accept(); }))
+    , m_loop(std::move(loop))
 {
 }
 
 ControlSocket::~ControlSocket()
 {
-    unlink(m_path.c_str()); // the lock is still held, so it is ours
+    if (isReachable())
+        unlink(m_address.socketPath.c_str());
+}
+
+bool ControlSocket::listen()
+{
+    const auto& path = m_address.socketPath;
+    m_folder = {}; // the folder may be another one of the same name
+    m_folder = m_loop.watchFolder(folderOf(path), [this] {
+        if (!isReachable())
+            restore();
+    });
+    auto listener = makeLocalSocket();
+    auto name = socketName(path);
+    unlink(path.c_str()); // the lock is held, so it is a dead bar's
+    if (!listener || !setNonBlocking(listener.get())
+        || bind(listener.get(), reinterpret_cast<const sockaddr*>(&name), sizeof name) != 0
+        || ::listen(listener.get(), kBacklog) != 0)
+        return false;
+    m_listening = {}; // before its descriptor is closed
+    m_listener = std::move(listener);
+    m_socketNumber = fileNumber(path);
+    acceptWhenReady();
+    return true;
+}
+
+void ControlSocket::acceptWhenReady()
+{
+    m_listening = m_loop.watchFd(m_listener.get(), FdCondition::readable, [this] { accept(); });
+}
+
+bool ControlSocket::isReachable() const
+{
+    return m_listener && fileNumber(m_address.socketPath) == m_socketNumber;
+}
+
+void ControlSocket::restore()
+{
+    if (!makePrivateFolder(folderOf(m_address.socketPath)))
+        return;
+    if (!m_lock.isAt(m_address)) {
+        std::string problem;
+        auto lock = ControlLock::tryAcquire(m_address, problem);
+        if (!lock)
+            return; // another bar has it by now
+        m_lock = std::move(*lock);
+    }
+    listen();
 }
 
 void ControlSocket::accept()
 {
     UniqueFd fd{::accept(m_listener.get(), nullptr, nullptr)};
+    if (!fd && hasNoRoom()) {
+        // The client stays in the queue, and with it the listener ready.
+        m_listening = m_loop.after(kPause, [this] { acceptWhenReady(); });
+        return;
+    }
     if (!fd || !setNonBlocking(fd.get()) || !setCloseOnExec(fd.get())
         || peerUser(fd.get()) != geteuid())
         return;
@@ -77,7 +141,7 @@ void ControlSocket::accept()
         drop(m_clients.front());
     auto& client = m_clients.emplace_back(std::move(fd));
     client.watch
-        = m_watch(client.fd.get(), FdCondition::readable, [this, &client] { read(client); });
+        = m_loop.watchFd(client.fd.get(), FdCondition::readable, [this, &client] { read(client); });
 }
 
 void ControlSocket::read(Client& client)
@@ -119,7 +183,7 @@ void ControlSocket::write(Client& client)
         auto count = send(client.fd.get(), client.reply.data() + client.sent,
             client.reply.size() - client.sent, MSG_NOSIGNAL);
         if (count < 0 && wouldBlock()) {
-            client.watch = m_watch(
+            client.watch = m_loop.watchFd(
                 client.fd.get(), FdCondition::writable, [this, &client] { write(client); });
             return;
         }

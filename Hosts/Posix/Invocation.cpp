@@ -104,7 +104,7 @@ int becomeAndRun(const CommandLine& line, const InvocationHost& host)
     auto lock = becomeTheBar(*address, line, problem);
     if (!lock)
         return failWith(problem);
-    auto control = ControlSocket::open(*address, std::move(*lock), host.watch, problem);
+    auto control = ControlSocket::open(*address, std::move(*lock), host.loop, problem);
     return control ? runTraced(line, *control, host) : failWith(problem);
 }
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "Hosts/Posix/ControlAddress.h"
-#include "Hosts/Posix/FdWatch.h"
+#include "Hosts/Posix/HostLoop.h"
 #include "Quorvel/Platform/ControlChannel.h"
 #include "Quorvel/Platform/Trace.h"
 
@@ -16,8 +16,8 @@ namespace quorvel::posix {
 struct InvocationHost {
     /// Absent with a one-line problem.
     std::function<std::optional<ControlAddress>(std::string& problem)> address;
-    /// Watches a descriptor on the host's main loop; used before `run` too.
-    WatchFd watch;
+    /// Used before `run` too.
+    HostLoop loop;
     /// Runs the bar to its end; returns the exit status.
     std::function<int(ControlChannel&, Trace&)> run;
 };

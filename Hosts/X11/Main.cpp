@@ -84,6 +84,6 @@ int main(int count, char** values)
     using namespace quorvel;
     std::setlocale(LC_ALL, "");
     posix::secureStandardStreams();
-    return posix::invoke(
-        {values + 1, values + count}, {xdg::x11::addressOfDisplay, xdg::watchFd, xdg::x11::runBar});
+    return posix::invoke({values + 1, values + count},
+        {xdg::x11::addressOfDisplay, xdg::hostLoop(), xdg::x11::runBar});
 }

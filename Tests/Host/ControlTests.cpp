@@ -7,6 +7,7 @@
 
 #include <glib.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 
@@ -14,6 +15,7 @@
 #include "Hosts/Posix/ControlClient.h"
 #include "Hosts/Posix/ControlMessage.h"
 #include "Hosts/Posix/LocalSocket.h"
+#include "Tests/Host/MainLoop.h"
 
 namespace quorvel::posix {
 
@@ -42,7 +44,7 @@ protected:
     {
         auto lock = ControlLock::tryAcquire(address(), problem);
         EXPECT_TRUE(lock) << problem;
-        return lock ? ControlSocket::open(address(), std::move(*lock), xdg::watchFd, problem)
+        return lock ? ControlSocket::open(address(), std::move(*lock), xdg::hostLoop(), problem)
                     : nullptr;
     }
 
@@ -62,11 +64,16 @@ protected:
         return reply;
     }
 
-    UniqueFd connectAsClient()
+    UniqueFd connected()
     {
         auto fd = makeLocalSocket();
         auto name = socketName(address().socketPath);
         EXPECT_EQ(connect(fd.get(), reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
+        return fd;
+    }
+    UniqueFd connectAsClient()
+    {
+        auto fd = connected();
         while (g_main_context_iteration(nullptr, false)) { } // the bar takes it in
         return fd;
     }
@@ -179,6 +186,50 @@ TEST_F(ControlChannelTest, theSocketOfACrashedBarIsReplaced)
     EXPECT_EQ(ask({"--state"})->exitStatus, 5);
     bar.reset();
     EXPECT_FALSE(fs::exists(address().socketPath));
+}
+
+// Faults: a bar that nothing reaches any more, and that still keeps others from starting.
+TEST_F(ControlChannelTest, whatIsRemovedFromTheFolderIsMadeAnew)
+{
+    auto bar = startBar();
+    ASSERT_TRUE(bar);
+    bar->setHandler([](auto&) { return ControlReply{5, "", ""}; });
+    for (auto& removed : {address().socketPath, root + "/quorvel"}) {
+        fs::remove_all(removed);
+        ASSERT_TRUE(xdg::x11::eventually([&] { return fs::exists(root + "/quorvel/X7.socket"); }));
+        EXPECT_EQ(ask({"--state"})->exitStatus, 5);
+        EXPECT_FALSE(ControlLock::tryAcquire(address(), problem));
+        EXPECT_EQ(ControlLock::owner(address()), getpid());
+    }
+}
+
+// Fault: a loop that turns as fast as it can around a client that there is no descriptor for.
+TEST_F(ControlChannelTest, aClientWaitsWithoutCostWhileNoFileCanBeOpened)
+{
+    auto bar = startBar();
+    ASSERT_TRUE(bar);
+    bool isAsked = false;
+    bar->setHandler([&](auto&) {
+        isAsked = true;
+        return ControlReply{};
+    });
+    while (g_main_context_iteration(nullptr, false)) { }
+    auto client = connected();
+    auto request = encodeRequest({"--state"});
+    send(client.get(), request.data(), request.size(), MSG_NOSIGNAL);
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    auto full = before;
+    full.rlim_cur = static_cast<rlim_t>(UniqueFd{dup(0)}.get()); // the lowest that is free
+    setrlimit(RLIMIT_NOFILE, &full);
+    int turns = 0;
+    while (turns < 100 && g_main_context_iteration(nullptr, false))
+        ++turns;
+    setrlimit(RLIMIT_NOFILE, &before);
+
+    EXPECT_LT(turns, 100);
+    EXPECT_FALSE(isAsked);
+    EXPECT_TRUE(xdg::x11::eventually([&] { return isAsked; }));
 }
 
 TEST(ControlMessageTest, piecesOfAnySizeMakeOneMessageAndNonsenseIsRefused)

@@ -3,29 +3,79 @@
 #include <memory>
 #include <utility>
 
+#include <gio/gio.h>
 #include <glib-unix.h>
-#include <glib.h>
 
 namespace quorvel::xdg {
+
+namespace {
+
+using Callback = std::function<void()>;
+
+// GLib keeps a callback alive while it runs, so it may drop its own subscription.
+
+void deleteCallback(gpointer callback)
+{
+    delete static_cast<Callback*>(callback);
+}
+
+Subscription attached(GSource* source, GSourceFunc call, Callback callback)
+{
+    g_source_set_callback(source, call, new Callback(std::move(callback)), deleteCallback);
+    g_source_attach(source, nullptr);
+    return Subscription{std::shared_ptr<void>{source, [](void* dropped) {
+                                                  g_source_destroy(static_cast<GSource*>(dropped));
+                                                  g_source_unref(static_cast<GSource*>(dropped));
+                                              }}};
+}
+
+Subscription watchFolder(const std::string& folder, Callback onChange)
+{
+    auto* file = g_file_new_for_path(folder.c_str());
+    auto* monitor = g_file_monitor_directory(file, G_FILE_MONITOR_NONE, nullptr, nullptr);
+    g_object_unref(file);
+    if (!monitor)
+        return {};
+    void (*call)(GFileMonitor*, GFile*, GFile*, GFileMonitorEvent, gpointer)
+        = [](GFileMonitor*, GFile*, GFile*, GFileMonitorEvent, gpointer callback) {
+              (*static_cast<Callback*>(callback))();
+          };
+    g_signal_connect_data(
+        monitor, "changed", G_CALLBACK(call), new Callback(std::move(onChange)),
+        [](gpointer callback, GClosure*) { deleteCallback(callback); }, GConnectFlags{});
+    return Subscription{std::shared_ptr<void>{monitor, [](void* dropped) {
+                                                  g_file_monitor_cancel(G_FILE_MONITOR(dropped));
+                                                  g_object_unref(dropped);
+                                              }}};
+}
+
+Subscription callAfter(std::chrono::milliseconds time, Callback callback)
+{
+    GSourceFunc call = [](gpointer function) -> gboolean {
+        (*static_cast<Callback*>(function))();
+        return G_SOURCE_REMOVE;
+    };
+    return attached(
+        g_timeout_source_new(static_cast<guint>(time.count())), call, std::move(callback));
+}
+
+}
 
 Subscription watchFd(int fd, posix::FdCondition condition, std::function<void()> onReady)
 {
     auto events = condition == posix::FdCondition::readable ? G_IO_IN : G_IO_OUT;
     auto* source
         = g_unix_fd_source_new(fd, static_cast<GIOCondition>(events | G_IO_HUP | G_IO_ERR));
-    // GLib keeps the callback alive while it runs, so it may drop its own watch.
-    auto* callback = new std::function<void()>(std::move(onReady));
     GUnixFDSourceFunc call = [](gint, GIOCondition, gpointer function) -> gboolean {
-        (*static_cast<std::function<void()>*>(function))();
+        (*static_cast<Callback*>(function))();
         return G_SOURCE_CONTINUE;
     };
-    g_source_set_callback(source, G_SOURCE_FUNC(call), callback,
-        [](gpointer function) { delete static_cast<std::function<void()>*>(function); });
-    g_source_attach(source, nullptr);
-    return Subscription{std::shared_ptr<void>{source, [](void* dropped) {
-                                                  g_source_destroy(static_cast<GSource*>(dropped));
-                                                  g_source_unref(static_cast<GSource*>(dropped));
-                                              }}};
+    return attached(source, G_SOURCE_FUNC(call), std::move(onReady));
+}
+
+posix::HostLoop hostLoop()
+{
+    return {watchFd, watchFolder, callAfter};
 }
 
 }

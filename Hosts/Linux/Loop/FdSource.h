@@ -1,12 +1,13 @@
 #pragma once
 
-#include <functional>
-
-#include "Hosts/Posix/FdWatch.h"
+#include "Hosts/Posix/HostLoop.h"
 
 namespace quorvel::xdg {
 
 /// Watches a descriptor on GLib's loop; for `posix::WatchFd`. Main thread.
 Subscription watchFd(int fd, posix::FdCondition, std::function<void()> onReady);
+
+/// GLib's loop. Main thread.
+posix::HostLoop hostLoop();
 
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Hosts/Posix/FdWatch.h"
+#include "Hosts/Posix/HostLoop.h"
 
 namespace quorvel {
 
-/// Watches a descriptor on the main queue; for `posix::WatchFd`. Main thread.
-Subscription watchFd(int fd, posix::FdCondition, std::function<void()> onReady);
+/// The main queue. Main thread.
+posix::HostLoop hostLoop();
 
 }
