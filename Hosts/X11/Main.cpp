@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include <unistd.h>
+
 #include "Hosts/Linux/Accessible/AccessibleExport.h"
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Hosts/Linux/Applications/Icons.h"
@@ -38,8 +40,16 @@ std::optional<posix::ControlAddress> addressOfDisplay(std::string& problem)
         display, std::getenv("XDG_RUNTIME_DIR"), "/tmp", problem);
 }
 
+/// Programs start where the bar is: in the user's home, wherever it was started itself.
+void goHome()
+{
+    if (chdir(homeFolder().c_str()) != 0)
+        posix::tell("cannot enter " + homeFolder());
+}
+
 int runBar(ControlChannel& control, Trace& trace)
 {
+    goHome();
     std::string problem;
     GLibDispatch dispatch;
     auto connection = Connection::open(problem);

@@ -45,6 +45,11 @@ TEST_F(CommandLine, aSecondBarIsRefusedOrTakesOver)
     EXPECT_NE(refused.error.find(std::to_string(first.process().pid())), std::string::npos)
         << refused.error;
 
+    // Programs that it starts inherit where it is.
+    EXPECT_EQ(std::filesystem::read_symlink(
+                  "/proc/" + std::to_string(first.process().pid()) + "/cwd"),
+        server.environment().at("HOME"));
+
     Bar second(server, {"--replace"});
     EXPECT_EQ(first.process().waitForEnd(5s), 0);
     EXPECT_TRUE(second.appears());
