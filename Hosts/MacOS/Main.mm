@@ -94,6 +94,6 @@ int main(int count, char** values)
     @autoreleasepool {
         quorvel::posix::secureStandardStreams();
         return quorvel::posix::invoke(quorvel::withoutSystemArguments({values + 1, values + count}),
-            {quorvel::barAddress, quorvel::hostLoop(), quorvel::runBar});
+            {quorvel::barAddress, quorvel::hostLoop(), {}, {}, quorvel::runBar});
     }
 }

@@ -1,7 +1,9 @@
 #include "Hosts/Posix/Invocation.h"
 
 #include <chrono>
+#include <csignal>
 #include <cstdio>
+#include <initializer_list>
 #include <memory>
 #include <variant>
 
@@ -18,7 +20,8 @@ namespace quorvel::posix {
 namespace {
 
 constexpr std::chrono::milliseconds kReplyLimit{5000};
-constexpr std::chrono::milliseconds kTakeOverLimit{5000};
+/// How long a bar that is to go may take before it is told more firmly.
+constexpr std::chrono::milliseconds kEndLimit{2000};
 
 int print(const ControlReply& reply)
 {
@@ -43,10 +46,27 @@ std::string describeOwner(const ControlAddress& address)
     return owner ? fmt::format("process {}", *owner) : std::string{"another process"};
 }
 
+/// To the process that holds the lock: it has written itself down where only this user writes.
+void signalOwner(const ControlAddress& address, std::initializer_list<int> signals)
+{
+    auto owner = ControlLock::owner(address);
+    for (int number : signals) {
+        if (owner && *owner > 1)
+            kill(*owner, number);
+    }
+}
+
+/// A bar that was stopped goes on and ends well; one that hangs is killed.
 std::optional<ControlLock> takeOver(const ControlAddress& address, std::string& problem)
 {
-    requestOfBar(address, {"--quit"}, kReplyLimit);
-    auto lock = ControlLock::acquireWithin(address, kTakeOverLimit, problem);
+    requestOfBar(address, {"--quit"}, kEndLimit);
+    auto lock = ControlLock::acquireWithin(address, kEndLimit, problem);
+    for (auto signals : {std::initializer_list<int>{SIGTERM, SIGCONT}, {SIGKILL}}) {
+        if (lock || !problem.empty())
+            return lock;
+        signalOwner(address, signals);
+        lock = ControlLock::acquireWithin(address, kEndLimit, problem);
+    }
     if (!lock && problem.empty())
         problem = fmt::format("{} does not give up the bar", describeOwner(address));
     return lock;
@@ -80,32 +100,38 @@ void traceTo(std::FILE* file, Trace& trace)
     });
 }
 
-int runTraced(const CommandLine& line, ControlChannel& control, const InvocationHost& host)
+bool openTrace(const CommandLine& line, File& file, Trace& trace)
 {
-    File file;
-    Trace trace;
     if (line.traceFile && line.traceFile->empty()) {
         traceTo(stderr, trace);
     } else if (line.traceFile) {
         file.reset(std::fopen(line.traceFile->c_str(), "ae"));
-        if (!file)
-            return failWith("cannot write the trace to " + *line.traceFile);
-        traceTo(file.get(), trace);
+        if (file)
+            traceTo(file.get(), trace);
     }
-    return host.run(control, trace);
+    return !line.traceFile || trace.isOn();
 }
 
+/// A running bar is told to go only after all that could keep this one from running.
 int becomeAndRun(const CommandLine& line, const InvocationHost& host)
 {
     std::string problem;
+    File file;
+    Trace trace;
     auto address = host.address(problem);
     if (!address)
+        return failWith(problem);
+    if (!openTrace(line, file, trace))
+        return failWith("cannot write the trace to " + *line.traceFile);
+    if (host.prepare && !host.prepare(problem))
         return failWith(problem);
     auto lock = becomeTheBar(*address, line, problem);
     if (!lock)
         return failWith(problem);
     auto control = ControlSocket::open(*address, std::move(*lock), host.loop, problem);
-    return control ? runTraced(line, *control, host) : failWith(problem);
+    if (!control || (host.claim && !host.claim(line.replace, problem)))
+        return failWith(problem);
+    return host.run(*control, trace);
 }
 
 }

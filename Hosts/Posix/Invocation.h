@@ -16,8 +16,13 @@ namespace quorvel::posix {
 struct InvocationHost {
     /// Absent with a one-line problem.
     std::function<std::optional<ControlAddress>(std::string& problem)> address;
-    /// Used before `run` too.
     HostLoop loop;
+    /// Whether the bar could run here, before a running one is asked to go; else with a one-line
+    /// problem. May be empty, as the next.
+    std::function<bool(std::string& problem)> prepare;
+    /// Makes this process the only bar of what it runs on, also where another one has another
+    /// address; that one is told to go if `replace`. Else false with a one-line problem.
+    std::function<bool(bool replace, std::string& problem)> claim;
     /// Runs the bar to its end; returns the exit status.
     std::function<int(ControlChannel&, Trace&)> run;
 };

@@ -1,7 +1,9 @@
 #include <clocale>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <unistd.h>
 
@@ -19,6 +21,7 @@
 #include "Hosts/Posix/StandardStreams.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/DesktopServices.h"
+#include "Hosts/X11/DisplayClaim.h"
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/X11Surfaces.h"
 #include "Hosts/X11/X11Application.h"
@@ -40,6 +43,12 @@ std::optional<posix::ControlAddress> addressOfDisplay(std::string& problem)
         display, std::getenv("XDG_RUNTIME_DIR"), "/tmp", problem);
 }
 
+/// What the bar has of its display before it runs.
+struct Display {
+    std::unique_ptr<Connection> connection;
+    std::unique_ptr<DisplayClaim> claim;
+};
+
 /// Programs start where the bar is: in the user's home, wherever it was started itself.
 void goHome()
 {
@@ -47,19 +56,17 @@ void goHome()
         posix::tell("cannot enter " + homeFolder());
 }
 
-int runBar(ControlChannel& control, Trace& trace)
+int runBar(Display display, ControlChannel& control, Trace& trace)
 {
     goHome();
-    std::string problem;
     GLibDispatch dispatch;
-    auto connection = Connection::open(problem);
-    if (!connection)
-        return posix::failWith(problem);
+    auto& connection = display.connection;
     Monitors monitors{*connection};
     PanelEnvironment environment;
     DesktopEntries entries{dispatch};
     Icons icons{entries};
     X11Application application{*connection};
+    auto replaced = display.claim->lost.subscribe([&] { application.terminate(); });
     X11Surfaces surfaces{*connection, dispatch, monitors, environment, application.appearance()};
     AccessibleExport accessible{dispatch, surfaces.accessible(), environment};
     DesktopServices desktop{*connection, dispatch, monitors, environment, entries, icons};
@@ -94,6 +101,18 @@ int main(int count, char** values)
     using namespace quorvel;
     std::setlocale(LC_ALL, "");
     posix::secureStandardStreams();
+    xdg::x11::Display display;
+    auto open = [&](std::string& problem) {
+        display.connection = xdg::x11::Connection::open(problem);
+        return display.connection != nullptr;
+    };
+    auto claim = [&](bool replace, std::string& problem) {
+        display.claim = xdg::x11::DisplayClaim::take(*display.connection, replace, problem);
+        return display.claim != nullptr;
+    };
+    auto run = [&](ControlChannel& control, Trace& trace) {
+        return xdg::x11::runBar(std::move(display), control, trace);
+    };
     return posix::invoke({values + 1, values + count},
-        {xdg::x11::addressOfDisplay, xdg::hostLoop(), xdg::x11::runBar});
+        {xdg::x11::addressOfDisplay, xdg::hostLoop(), open, claim, run});
 }

@@ -46,12 +46,15 @@ TEST_F(CommandLine, aSecondBarIsRefusedOrTakesOver)
         << refused.error;
 
     // Programs that it starts inherit where it is.
-    EXPECT_EQ(std::filesystem::read_symlink(
-                  "/proc/" + std::to_string(first.process().pid()) + "/cwd"),
+    EXPECT_EQ(
+        std::filesystem::read_symlink("/proc/" + std::to_string(first.process().pid()) + "/cwd"),
         server.environment().at("HOME"));
+    EXPECT_EQ(run({"--replace", "--trace=/nowhere/trace"}).status, 1);
+    EXPECT_TRUE(first.isRunning()) << "ended by one that cannot run";
 
+    first.process().signal(SIGSTOP);
     Bar second(server, {"--replace"});
-    EXPECT_EQ(first.process().waitForEnd(5s), 0);
+    EXPECT_EQ(first.process().waitForEnd(10s), 0);
     EXPECT_TRUE(second.appears());
     const auto refusedAgain = run({});
     EXPECT_NE(refusedAgain.error.find(std::to_string(second.process().pid())), std::string::npos)
@@ -59,6 +62,26 @@ TEST_F(CommandLine, aSecondBarIsRefusedOrTakesOver)
 
     EXPECT_EQ(run({"--quit"}).status, 0);
     EXPECT_EQ(second.process().waitForEnd(5s), 0);
+}
+
+// Faults: two bars on one screen where each has its own runtime folder, as those of two users have.
+TEST_F(CommandLine, theDisplayItselfSaysThatABarIsThere)
+{
+    WindowManager manager(server, desktop, ManagerKind::openbox);
+    Bar first(server);
+    ASSERT_TRUE(first.appears());
+    auto elsewhere = server.environment();
+    elsewhere["XDG_RUNTIME_DIR"] = elsewhere["HOME"];
+    const auto refused = runProgram(elsewhere, server.folder(), {});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.error.find(std::to_string(first.process().pid())), std::string::npos)
+        << refused.error;
+
+    const Process second({QUORVEL_PROGRAM, "--replace"}, elsewhere);
+    EXPECT_EQ(first.process().waitForEnd(10s), 0);
+    const auto quit
+        = [&] { return runProgram(elsewhere, server.folder(), {"--quit"}).status == 0; };
+    EXPECT_TRUE(eventually(5s, quit));
 }
 
 // Faults: a bar that gives up, or that misses the manager's coming.
