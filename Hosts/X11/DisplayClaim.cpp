@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kLookAgain{5};
 /// A bar that has just ended, but not yet for the server.
-constexpr std::chrono::milliseconds kGoneLimit{500};
+constexpr std::chrono::milliseconds kGoneLimit{2000};
 /// What a bar that is to go may take.
 constexpr std::chrono::milliseconds kEndLimit{5000};
 

@@ -64,6 +64,23 @@ TEST_F(CommandLine, aSecondBarIsRefusedOrTakesOver)
     EXPECT_EQ(second.process().waitForEnd(5s), 0);
 }
 
+// Fault: a bar that hangs keeps its place until somebody finds its process.
+TEST_F(CommandLine, aBarThatHangsIsKilledByTheOneThatReplacesIt)
+{
+    WindowManager manager(server, desktop, ManagerKind::openbox);
+    const auto name = "runtime/quorvel/X" + server.display().substr(1) + ".lock";
+    EXPECT_EQ(run({"--state"}).status, 1); // makes the folder
+    Process hanging(
+        {"sh", "-c", "trap '' TERM; exec 9<>\"$0\"; flock 9; echo $$ >&9; exec sleep 60",
+            server.folder() / name},
+        server.environment());
+    ASSERT_TRUE(eventually(5s, [&] { return !readFile(server.folder() / name).empty(); }));
+
+    Bar bar(server, {"--replace"});
+    EXPECT_EQ(hanging.waitForEnd(10s), 128 + SIGKILL);
+    EXPECT_TRUE(bar.appears());
+}
+
 // Faults: two bars on one screen where each has its own runtime folder, as those of two users have.
 TEST_F(CommandLine, theDisplayItselfSaysThatABarIsThere)
 {
