@@ -186,6 +186,25 @@ TEST_F(BarTest, aHungApplicationWithManyWindowsLeavesTheBarAliveForTheOthers)
     EXPECT_THAT(panel().paints(), Not(IsEmpty()));
 }
 
+// Fault: an application that hangs in the middle is waited for with each thing that is asked of it.
+TEST_F(BarTest, anApplicationThatHangsAfterItsFirstAnswerCostsOneTimeOut)
+{
+    auto cost = [this](const std::function<void()>& ask) {
+        desktop.application(mail).faults.messagesUntilHang = 1;
+        auto before = desktop.dispatch().now();
+        ask();
+        auto spent = desktop.dispatch().now() - before;
+        desktop.application(mail).faults = {};
+        settle();
+        return spent;
+    };
+    using enum BarViewModel::FocusBeforeActivation;
+    for (auto before : {no, yes})
+        EXPECT_EQ(cost([&] { model().activateWindow(draft, before); }), seconds(0.05));
+    EXPECT_EQ(cost([&] { model().focusWindowWithAXOnly(draft, "test"); }), seconds(0.05));
+    EXPECT_EQ(cost([&] { model().minimizeWindows({inbox, draft}); }), seconds(0.05));
+}
+
 TEST_F(BarTest, aSecondClickEndsTheRetryOfTheFirst)
 {
     desktop.window(notes).faults.isListed = false;

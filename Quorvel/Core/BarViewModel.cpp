@@ -49,7 +49,6 @@ BarViewModel::BarViewModel(WindowStore& windowStore, UserSettings& settings,
     , m_settings(settings)
     , m_badgeService(badgeService)
     , m_dispatch(platform.dispatch)
-    , m_accessibility(platform.accessibility)
     , m_windowServer(platform.windowServer)
     , m_displays(platform.displays)
     , m_workspace(platform.workspace)

@@ -143,7 +143,7 @@ private:
     void preferInItsGroups(const TrackedWindow&);
     std::optional<AXElement> findAXWindow(ProcessID, const AXElement& application, WindowID);
     void focusThroughApplication(WindowID, ProcessID, const AXElement& application);
-    void applyFocusAndRaise(const AXElement&, WindowID, bool isMinimized);
+    void applyFocusAndRaise(ProcessID, const AXElement&, WindowID, bool isMinimized);
     void requestApplicationActivation(ProcessID);
     void retryActivation(WindowID, ProcessID, const AXElement& application, bool isMinimized);
 
@@ -151,7 +151,6 @@ private:
     UserSettings& m_settings;
     BadgeService& m_badgeService;
     Dispatch& m_dispatch;
-    Accessibility& m_accessibility;
     WindowServer& m_windowServer;
     Displays& m_displays;
     Workspace& m_workspace;

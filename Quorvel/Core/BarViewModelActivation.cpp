@@ -77,7 +77,7 @@ void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore
     if (m_workspace.runningApplication(pid))
         requestApplicationActivation(pid);
     if (auto element = findAXWindow(pid, application, id)) {
-        applyFocusAndRaise(*element, id, isMinimized);
+        applyFocusAndRaise(pid, *element, id, isMinimized);
     } else {
         m_trace.line(
             "activateWindow AX resolve failed, scheduling retry id={} pid={}", raw(id), raw(pid));
@@ -109,21 +109,22 @@ void BarViewModel::focusThroughApplication(WindowID id, ProcessID pid, const AXE
             "activateWindow preactivation AX resolve failed id={} pid={}", raw(id), raw(pid));
         return;
     }
-    auto focused = m_accessibility.setAttribute(application, ax::focusedWindow, *element);
-    auto main = m_accessibility.setAttribute(application, ax::mainWindow, *element);
+    auto focused = m_calls.setAttribute(pid, application, ax::focusedWindow, *element);
+    auto main = m_calls.setAttribute(pid, application, ax::mainWindow, *element);
     m_trace.line("activateWindow AX app focused/main sent id={} focusedWindow={} mainWindow={}",
         raw(id), code(focused), code(main));
     auto* window = m_windowStore.window(id);
-    applyFocusAndRaise(*element, id, window && window->isMinimized);
+    applyFocusAndRaise(pid, *element, id, window && window->isMinimized);
 }
 
-void BarViewModel::applyFocusAndRaise(const AXElement& element, WindowID id, bool isMinimized)
+void BarViewModel::applyFocusAndRaise(
+    ProcessID pid, const AXElement& element, WindowID id, bool isMinimized)
 {
-    auto unminimize = isMinimized ? m_accessibility.setAttribute(element, ax::minimized, false)
-                                  : AXError::success;
-    auto main = m_accessibility.setAttribute(element, ax::main, true);
-    auto focus = m_accessibility.setAttribute(element, ax::focused, true);
-    auto raise = m_accessibility.performAction(element, ax::raiseAction);
+    auto unminimize
+        = isMinimized ? m_calls.setAttribute(pid, element, ax::minimized, false) : AXError::success;
+    auto main = m_calls.setAttribute(pid, element, ax::main, true);
+    auto focus = m_calls.setAttribute(pid, element, ax::focused, true);
+    auto raise = m_calls.performAction(pid, element, ax::raiseAction);
     m_trace.line("activateWindow AX focus/raise sent id={} unminimize={} main={} focus={} raise={}",
         raw(id), code(unminimize), code(main), code(focus), code(raise));
 }
@@ -155,8 +156,9 @@ void BarViewModel::requestApplicationActivation(ProcessID pid)
 void BarViewModel::retryActivation(
     WindowID id, ProcessID pid, const AXElement& application, bool isMinimized)
 {
+    AXCalls::Scan hungOnlyOnce(m_calls);
     if (auto element = findAXWindow(pid, application, id)) {
-        applyFocusAndRaise(*element, id, isMinimized);
+        applyFocusAndRaise(pid, *element, id, isMinimized);
         return;
     }
     m_trace.line(
@@ -190,14 +192,14 @@ bool BarViewModel::focusWindowWithAXOnly(WindowID id, std::string_view context)
         m_windowStore.scheduleDeferredScan(pid);
         return false;
     }
-    auto frontmost = m_accessibility.setAttribute(application, ax::frontmost, true);
-    auto focusedWindow = m_accessibility.setAttribute(application, ax::focusedWindow, *element);
-    auto mainWindow = m_accessibility.setAttribute(application, ax::mainWindow, *element);
-    auto unminimize = isMinimized ? m_accessibility.setAttribute(*element, ax::minimized, false)
+    auto frontmost = m_calls.setAttribute(pid, application, ax::frontmost, true);
+    auto focusedWindow = m_calls.setAttribute(pid, application, ax::focusedWindow, *element);
+    auto mainWindow = m_calls.setAttribute(pid, application, ax::mainWindow, *element);
+    auto unminimize = isMinimized ? m_calls.setAttribute(pid, *element, ax::minimized, false)
                                   : AXError::success;
-    auto main = m_accessibility.setAttribute(*element, ax::main, true);
-    auto focused = m_accessibility.setAttribute(*element, ax::focused, true);
-    auto raise = m_accessibility.performAction(*element, ax::raiseAction);
+    auto main = m_calls.setAttribute(pid, *element, ax::main, true);
+    auto focused = m_calls.setAttribute(pid, *element, ax::focused, true);
+    auto raise = m_calls.performAction(pid, *element, ax::raiseAction);
     publish(id);
     m_trace.line("AX-only focus end context={} id={} frontmost={} focusedWindow={} mainWindow={} "
                  "unminimize={} main={} focused={} raise={}",
@@ -224,7 +226,7 @@ void BarViewModel::minimizeWindow(WindowID id)
     if (focusedWindowID.value() == id)
         publish(std::nullopt);
     if (auto element = findAXWindow(pid, m_calls.application(pid), id))
-        m_accessibility.setAttribute(*element, ax::minimized, true);
+        m_calls.setAttribute(pid, *element, ax::minimized, true);
 }
 
 void BarViewModel::closeWindow(WindowID id)
@@ -241,7 +243,7 @@ void BarViewModel::closeWindow(WindowID id)
     if (!button)
         return;
     m_calls.setMessagingTimeout(*button);
-    m_accessibility.performAction(*button, ax::pressAction);
+    m_calls.performAction(pid, *button, ax::pressAction);
 }
 
 void BarViewModel::minimizeWindows(const std::vector<WindowID>& ids)

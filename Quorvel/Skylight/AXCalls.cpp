@@ -33,21 +33,29 @@ AXElement AXCalls::application(ProcessID pid) const
 
 AXReply AXCalls::copyAttribute(ProcessID pid, const AXElement& element, std::string_view attribute)
 {
-    if (m_hungInScan.contains(pid))
-        return {AXError::cannotComplete, {}};
-    auto reply = m_accessibility.copyAttribute(element, attribute);
-    noteTimeOut(pid, reply.error);
+    AXReply reply;
+    reply.error = bounded(pid, [&] {
+        reply = m_accessibility.copyAttribute(element, attribute);
+        return reply.error;
+    });
     return reply;
+}
+
+AXError AXCalls::setAttribute(
+    ProcessID pid, const AXElement& element, std::string_view attribute, const AXValue& value)
+{
+    return bounded(pid, [&] { return m_accessibility.setAttribute(element, attribute, value); });
+}
+
+AXError AXCalls::performAction(ProcessID pid, const AXElement& element, std::string_view action)
+{
+    return bounded(pid, [&] { return m_accessibility.performAction(element, action); });
 }
 
 AXError AXCalls::addNotification(
     ProcessID pid, AXObserver& observer, const AXElement& element, std::string_view notification)
 {
-    if (m_hungInScan.contains(pid))
-        return AXError::cannotComplete;
-    auto error = observer.addNotification(element, notification);
-    noteTimeOut(pid, error);
-    return error;
+    return bounded(pid, [&] { return observer.addNotification(element, notification); });
 }
 
 void AXCalls::noteTimeOut(ProcessID pid, AXError error)

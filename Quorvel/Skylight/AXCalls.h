@@ -4,6 +4,7 @@
 #include <optional>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "Quorvel/Platform/Accessibility.h"
 
@@ -40,6 +41,8 @@ public:
 
     AXElement application(ProcessID) const;
     AXReply copyAttribute(ProcessID, const AXElement&, std::string_view attribute);
+    AXError setAttribute(ProcessID, const AXElement&, std::string_view attribute, const AXValue&);
+    AXError performAction(ProcessID, const AXElement&, std::string_view action);
     AXError addNotification(
         ProcessID, AXObserver&, const AXElement&, std::string_view notification);
     /// The elements in "AXWindows", their timeouts set; absent when the list cannot be read.
@@ -58,6 +61,15 @@ public:
     void setMessagingTimeout(const AXElement&) const;
 
 private:
+    /// Makes the call unless the process has not answered an earlier one of this scan.
+    template <typename Call> AXError bounded(ProcessID pid, Call&& call)
+    {
+        if (m_hungInScan.contains(pid))
+            return AXError::cannotComplete;
+        auto error = std::forward<Call>(call)();
+        noteTimeOut(pid, error);
+        return error;
+    }
     void noteTimeOut(ProcessID, AXError);
 
     Accessibility& m_accessibility;
