@@ -53,9 +53,24 @@ TEST_F(WindowMovesTest, whereTheServerRefusesTheWindowIsCarriedByItsTitleBar)
     server().setDesktopHotKey(119, {.keys = {19, 1}}, SpaceID{2});
     desktop.model().pointer = {7, 9};
     start();
+    std::vector<std::string> steps;
+    desktop.trace().setSink([&](std::string_view line) {
+        for (auto* step : {"AX app focused/main sent", "AX focus/raise sent", "app.activate"}) {
+            if (line.starts_with("activateWindow ") && line.find(step) != line.npos)
+                steps.emplace_back(step);
+        }
+    });
     manager().moveWindowToSpaceByDragging(inbox, SpaceID{1}, SpaceID{2});
     desktop.advance(seconds(0.2));
+    desktop.trace().setSink({});
 
+    // The window is the application's front one before that comes forward, so that none of its
+    // other windows gets under the hand that is about to press.
+    ASSERT_GE(steps.size(), 4U);
+    steps.resize(4);
+    EXPECT_THAT(steps,
+        ElementsAre("AX app focused/main sent", "AX focus/raise sent", "app.activate",
+            "AX focus/raise sent"));
     EXPECT_EQ(spacesOf(inbox), std::set{SpaceID{2}});
     EXPECT_EQ(current(), SpaceID{2});
     EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Inbox"));
@@ -117,6 +132,7 @@ TEST_F(WindowMovesTest, aWindowThatDoesNotComeToTheFrontIsLeftAlone)
     server().refuseMoves(true);
     server().setDesktopHotKey(119, {.keys = {19, 1}}, SpaceID{2});
     desktop.window(inbox).faults.ignoredRequests = {"AXMain", "AXFocused", "AXRaise"};
+    desktop.application(mail).faults.refusedRequests = {"AXFocusedWindow", "AXMainWindow"};
     desktop.open(desktop.launch({.name = "Editor"}), {.title = "Above"});
     start();
     manager().moveWindowToSpaceByDragging(inbox, SpaceID{1}, SpaceID{2});

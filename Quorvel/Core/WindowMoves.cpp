@@ -109,7 +109,7 @@ bool WindowMoves::moveDirectly(WindowID window, SpaceID target) const
 
 void WindowMoves::raise(WindowID window, Work next)
 {
-    m_viewModel.activateWindow(window, BarViewModel::FocusBeforeActivation::no);
+    m_viewModel.activateWindow(window, BarViewModel::FocusBeforeActivation::yes);
     m_raiseWork = m_dispatch.main().after(kRaisePause, std::move(next));
 }
 
