@@ -68,9 +68,10 @@ Json itemJson(const DisplayItem& item)
             report["title"] = group ? group->displayTitle : chip->windowTitle;
             report["windows"] = std::move(windows);
             report["focused"] = data.isFocused;
-            report["minimized"] = chip && chip->isMinimized;
+            report["minimized"] = data.isMinimized;
             report["badge"] = orNull(data.badge);
             report["attention"] = data.wantsAttention;
+            report["attentionWindow"] = group ? orNull(group->attentionWindow) : Json(nullptr);
             report["progress"] = orNull(data.progress);
         },
         item);

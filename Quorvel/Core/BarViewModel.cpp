@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <utility>
 
 #include "Quorvel/Core/BadgeService.h"
@@ -226,7 +227,8 @@ bool BarViewModel::wantsAttention(const TrackedWindow& window) const
 
 void BarViewModel::updateItems(const std::set<SpaceID>& changedSpaces)
 {
-    bool regroups = std::exchange(m_isGrouped, m_settings.groupWindowsByApp()) != m_isGrouped;
+    bool isGrouped = m_settings.groupWindowsByApp();
+    bool regroups = std::exchange(m_isGrouped, isGrouped) != isGrouped;
     // The trace tells of each grouping, whether it changed anything or not.
     bool isAll = std::exchange(m_areItemsStale, false) || regroups || m_trace.isOn();
     displayItemsBySpace.update([&](ItemsBySpace& items) {
@@ -290,27 +292,34 @@ const ChipData* BarViewModel::chip(SpaceID space, WindowID id) const
 
 std::vector<WindowID> BarViewModel::walkingOrder(SpaceID space, const GroupedChipData& group) const
 {
+    auto chips = chipsOf(space, group.windowIDs);
+    std::ranges::sort(chips, {}, [](auto* chip) { return std::pair{chip->isMinimized, chip->id}; });
     std::vector<WindowID> order;
-    std::vector<WindowID> minimized;
-    auto chips = chipsBySpace.value().find(space);
-    if (chips == chipsBySpace.value().end())
-        return order;
-    std::set<WindowID> grouped(group.windowIDs.begin(), group.windowIDs.end());
-    for (auto& chip : chips->second) {
-        if (grouped.contains(chip.id))
-            (chip.isMinimized ? minimized : order).push_back(chip.id);
-    }
-    order.insert(order.end(), minimized.begin(), minimized.end());
+    std::ranges::transform(chips, std::back_inserter(order), [](auto* chip) { return chip->id; });
     return order;
 }
 
-WindowID BarViewModel::nextWindow(SpaceID space, const GroupedChipData& group) const
+WindowID BarViewModel::nextWindow(SpaceID space, const GroupedChipData& group)
 {
-    auto order = walkingOrder(space, group);
-    auto focused = std::find(order.begin(), order.end(), focusedWindowID.value());
-    if (focused == order.end())
+    auto focused = focusedWindowID.value();
+    if (group.attentionWindow && group.attentionWindow != focused)
+        return *group.attentionWindow;
+    auto chips = chipsOf(space, group.windowIDs);
+    if (!focused || std::ranges::find(chips, *focused, &ChipData::id) == chips.end())
         return group.windowIDs.front();
-    return std::next(focused) == order.end() ? order.front() : *std::next(focused);
+    std::ranges::sort(chips, {}, &ChipData::id);
+    return m_walk.next(space, group.id, chips, *focused);
+}
+
+std::vector<const ChipData*> BarViewModel::chipsOf(
+    SpaceID space, const std::vector<WindowID>& ids) const
+{
+    std::vector<const ChipData*> chips;
+    for (auto id : ids) {
+        if (auto* found = chip(space, id))
+            chips.push_back(found);
+    }
+    return chips;
 }
 
 // MARK: Stored applications
@@ -382,13 +391,7 @@ std::optional<DisplayItem> BarViewModel::onScreen(
         auto* only = chip(space, group.windowIDs.front());
         return only ? std::optional<DisplayItem>{*only} : std::nullopt;
     }
-    group.windowCount = static_cast<int>(group.windowIDs.size());
-    group.isFocused = group.wantsAttention = false;
-    for (auto id : group.windowIDs) {
-        auto* kept = chip(space, id);
-        group.isFocused |= kept && kept->isFocused;
-        group.wantsAttention |= kept && kept->wantsAttention;
-    }
+    summarize(group, chipsOf(space, group.windowIDs));
     return group;
 }
 

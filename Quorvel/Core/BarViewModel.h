@@ -11,6 +11,7 @@
 #include "Quorvel/Core/ChipGroups.h"
 #include "Quorvel/Core/ChipOrder.h"
 #include "Quorvel/Core/DisplayItem.h"
+#include "Quorvel/Core/GroupWalk.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Platform/Published.h"
@@ -73,8 +74,9 @@ public:
     const ChipData* chip(SpaceID, WindowID) const;
     /// The group's windows, those that are not minimised first, each in the order of the chips.
     std::vector<WindowID> walkingOrder(SpaceID, const GroupedChipData&) const;
-    /// The one after the focused window; the representative if none of them has the focus.
-    WindowID nextWindow(SpaceID, const GroupedChipData&) const;
+    /// Where a click on the group leads: to the window that asks for attention, else to the
+    /// representative, or on from it if one of them has the focus.
+    WindowID nextWindow(SpaceID, const GroupedChipData&);
 
     /// Null if no such application is stored.
     Image icon(const std::string& bundleIdentifier) const { return m_icons.icon(bundleIdentifier); }
@@ -137,6 +139,8 @@ private:
 
     bool isOnDisplayOf(SpaceID, const Screen&, const std::vector<Screen>&) const;
     std::optional<DisplayItem> onScreen(SpaceID, const DisplayItem&, const ScreenFilter&) const;
+    /// Those that have chips, in the order given.
+    std::vector<const ChipData*> chipsOf(SpaceID, const std::vector<WindowID>&) const;
     bool isOnScreen(WindowID, const ScreenFilter&) const;
 
     /// From now on the window stands for its group on every space it is on.
@@ -162,6 +166,7 @@ private:
     ApplicationIcons m_icons;
     ChipOrder m_order;
     ChipGroups m_groups;
+    GroupWalk m_walk;
     bool m_isGrouped = false; ///< the items that were made last
     bool m_areItemsStale = false;
     std::set<std::string> m_bundlesWithAttentionWindows;

@@ -1,6 +1,7 @@
 #include "Quorvel/Core/ChipGroups.h"
 
 #include <algorithm>
+#include <iterator>
 #include <unordered_map>
 #include <utility>
 
@@ -23,19 +24,14 @@ const ChipData* chipOf(const std::vector<const ChipData*>& bucket, std::optional
     return found == bucket.end() ? nullptr : *found;
 }
 
-/// The bucket's windows, that of the representative first.
-std::vector<WindowID> ordered(
+/// The bucket's chips, that of the representative first.
+std::vector<const ChipData*> ordered(
     const std::vector<const ChipData*>& bucket, const ChipData* representative)
 {
-    std::vector<WindowID> ids;
-    ids.reserve(bucket.size());
-    if (representative)
-        ids.push_back(representative->id);
-    for (auto* chip : bucket) {
-        if (chip != representative)
-            ids.push_back(chip->id);
-    }
-    return ids;
+    auto chips = bucket;
+    std::ranges::stable_partition(
+        chips, [representative](auto* chip) { return chip == representative; });
+    return chips;
 }
 
 std::string joined(const std::vector<WindowID>& ids)
@@ -92,26 +88,25 @@ DisplayItem ChipGroups::grouped(const std::string& preferredKey, SpaceID space,
     auto preferredID = preferred(preferredKey);
     auto* representative = focusedChip ? focusedChip : chipOf(bucket, preferredID);
     auto& title = representative ? *representative : *bucket.front();
-    auto ids = ordered(bucket, representative);
+    auto chips = ordered(bucket, representative);
+    std::vector<WindowID> ids;
+    std::ranges::transform(chips, std::back_inserter(ids), [](auto* chip) { return chip->id; });
     if (m_trace.isOn())
         m_trace.line("group space={} key={} focused={} preferred={} titleChip={} ordered={}",
             raw(space), sanitizeLogField(groupKey(title)), orNil(focused), orNil(preferredID),
             raw(title.id), joined(ids));
-    return GroupedChipData{
+    GroupedChipData group{
         .id = groupItemID(groupKey(title)),
         .appName = title.appName,
         .bundleIdentifier = title.bundleIdentifier,
         .displayTitle = title.windowTitle.empty() ? title.appName : title.windowTitle,
         .icon = title.icon,
-        .windowCount = static_cast<int>(bucket.size()),
         .windowIDs = std::move(ids),
-        .isFocused = focusedChip != nullptr,
-        .isMinimized = std::ranges::all_of(bucket, &ChipData::isMinimized),
         .badge = title.badge,
-        // Where windows ask for themselves, one that asks is enough.
-        .wantsAttention = std::ranges::any_of(bucket, &ChipData::wantsAttention),
         .progress = title.progress,
     };
+    summarize(group, chips);
+    return group;
 }
 
 void ChipGroups::follow(

@@ -41,6 +41,8 @@ struct GroupedChipData {
     bool isMinimized = false; ///< all of them are
     std::optional<std::string> badge;
     bool wantsAttention = false;
+    /// The first of them that asks for it; absent if none does.
+    std::optional<WindowID> attentionWindow{};
     std::optional<double> progress;
 
     friend bool operator==(const GroupedChipData&, const GroupedChipData&) = default;
@@ -56,6 +58,8 @@ std::string displayItemID(WindowID);
 /// "group-" and the group's key.
 std::string groupItemID(std::string_view groupKey);
 std::string displayItemID(const DisplayItem&);
+/// What follows from which windows the group has: `chips` are theirs, in the group's order.
+void summarize(GroupedChipData&, const std::vector<const ChipData*>& chips);
 bool isFocused(const DisplayItem&);
 bool wantsAttention(const DisplayItem&);
 

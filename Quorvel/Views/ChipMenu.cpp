@@ -128,7 +128,10 @@ Menu groupMenu(const GroupedChipData& group, const ChipMenuContext& context)
         auto* chip = model.chip(context.spaceID, id);
         if (!chip)
             continue;
-        menu.push_back(activateEntry(entryTitle(*chip), id, model));
+        auto title = entryTitle(*chip);
+        if (chip->wantsAttention)
+            title += "  \u2022";
+        menu.push_back(activateEntry(std::move(title), id, model));
         menu.back().isChecked = chip->isFocused;
     }
     separate(menu);

@@ -23,6 +23,7 @@ struct Style {
     static constexpr double closeSize = 20;
     static constexpr double largeIcon = 48; ///< where there is no picture
     static constexpr double minimizedOpacity = 0.6;
+    static constexpr Color attention{1.0, 0.58, 0.08, 0.4};
 
     static const Style& of(bool isDark);
 };
@@ -105,6 +106,8 @@ AccessibleState ThumbnailCard::accessibleState() const
 {
     auto state
         = buttonState(m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, "Activate");
+    if (m_chip.wantsAttention)
+        state.name += ", wants attention";
     state.isSelected = m_chip.isFocused;
     state.actions.emplace_back("Close");
     return state;
@@ -170,6 +173,8 @@ void ThumbnailCard::paint(Canvas& canvas) const
     auto& style = Style::of(isDark());
     if (m_chip.isFocused)
         canvas.fillRounded(bounds(), Style::radius, style.focusedFill);
+    if (m_chip.wantsAttention)
+        canvas.fillRounded(bounds(), Style::radius, Style::attention);
     paintFace(canvas, bounds(), Style::radius);
     canvas.drawImage(m_chip.icon, iconFrame());
     canvas.drawText(m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, titleFrame(),
