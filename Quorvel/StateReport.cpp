@@ -176,6 +176,8 @@ std::string stateReport(
     const Platform& platform, const WindowStore& store, const BarManager& manager)
 {
     auto& model = manager.viewModel();
+    // What has the focus may be no window of the list: a dialog, or the desktop itself.
+    auto focused = model.focusedWindowID.value();
     Json windows = Json::array();
     for (auto& [id, window] : store.windows())
         windows.push_back(windowJson(platform, window));
@@ -190,7 +192,7 @@ std::string stateReport(
     Json state{
         {"version", kVersion},
         {"activeSpace", raw(model.activeSpaceID.value())},
-        {"focusedWindow", orNull(model.focusedWindowID.value())},
+        {"focusedWindow", orNull(focused && store.window(*focused) ? focused : std::nullopt)},
         {"windows", std::move(windows)},
         {"spaces", std::move(spaces)},
         {"panels", std::move(panels)},

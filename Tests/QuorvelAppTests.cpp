@@ -284,6 +284,15 @@ TEST_F(QuorvelAppTest, laterInvocationsAreAnswered)
     ASSERT_TRUE(state);
     EXPECT_EQ(state->exitStatus, 0);
     EXPECT_THAT(state->output, HasSubstr("\"Inbox\""));
+    // Fault: the number of something that is in no list.
+    desktop.activate(mail);
+    desktop.focus(inbox);
+    desktop.advance(seconds(1));
+    auto focus = [](WindowID id) { return "\"focusedWindow\":" + std::to_string(raw(id)); };
+    EXPECT_THAT(desktop.control().send({"--state"})->output, HasSubstr(focus(inbox)));
+    desktop.open(mail, {.title = "Question", .subrole = "AXDialog"});
+    desktop.advance(seconds(1));
+    EXPECT_THAT(desktop.control().send({"--state"})->output, HasSubstr("\"focusedWindow\":null"));
     EXPECT_EQ(desktop.control().send({"--state", "--quit"})->exitStatus, 1);
     EXPECT_EQ(desktop.control().send({})->exitStatus, 1);
     EXPECT_FALSE(desktop.program().isTerminated());
