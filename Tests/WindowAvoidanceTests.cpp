@@ -48,6 +48,8 @@ struct WindowAvoidanceTest : StoreFixture {
         store.populate();
         manager->adjustNow();
         desktop.drain();
+        store.populate();
+        manager->windowsDidChange();
     }
     Rect frame(WindowID id) { return desktop.window(id).frame; }
 };
@@ -169,6 +171,21 @@ TEST_F(WindowAvoidanceTest, aWindowThatCannotBeResizedHarmsNoOther)
     EXPECT_EQ(frame(wrong).height, 690);
     EXPECT_EQ(frame(last).maxY(), kLimit);
 
+    // Who refused is asked again when the window is somewhere else, and where it was before.
+    auto askedFor = [&] {
+        adjust();
+        auto sets = desktop.accessibility().messages(app, AXMessage::Kind::set);
+        desktop.accessibility().forgetMessages();
+        return std::ranges::count(sets, refusing, &AXMessage::window);
+    };
+    desktop.accessibility().forgetMessages();
+    EXPECT_EQ(askedFor(), 0);
+    desktop.place(refusing, {20, 200, 500, 690});
+    EXPECT_EQ(askedFor(), 1);
+    desktop.place(refusing, {10, 200, 500, 690});
+    EXPECT_EQ(askedFor(), 1);
+    EXPECT_EQ(askedFor(), 0);
+
     desktop.accessibility().setResolverAvailable(false);
     auto unmatched = open({10, 200, 500, 690});
     adjust();
@@ -186,6 +203,22 @@ TEST_F(WindowAvoidanceTest, onlyTheLastOfSeveralSchedulesRunsAndNoneAfterItsEnd)
     EXPECT_EQ(frame(window).height, 690);
     desktop.advance(seconds(0.01));
     EXPECT_EQ(frame(window).maxY(), kLimit);
+
+    // Titles say nothing of where a window is.
+    store.populate();
+    manager->windowsDidChange();
+    desktop.advance(seconds(1));
+    auto isScheduledAfter = [&](auto change) {
+        change();
+        store.populate();
+        desktop.drain();
+        auto timers = desktop.dispatch().pendingTimers();
+        manager->windowsDidChange();
+        return desktop.dispatch().pendingTimers() > timers;
+    };
+    EXPECT_FALSE(isScheduledAfter([&] { desktop.retitle(window, "Other"); }));
+    EXPECT_TRUE(isScheduledAfter([&] { desktop.place(window, {10, 200, 500, 600}); }));
+    desktop.advance(seconds(20));
 
     // A list that nobody has begun with gives way to what is found now, be it nothing.
     desktop.place(window, {10, 200, 500, 690});

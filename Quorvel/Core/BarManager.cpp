@@ -96,7 +96,7 @@ void BarManager::windowsDidChange()
     // Twenty windows that close at once are one pass over the chips.
     if (!m_refresh.isPending())
         m_refresh = m_platform.dispatch.main().after(Duration::zero(), [this] { refreshNow(); });
-    m_avoidanceManager.scheduleAdjustment(kAvoidanceAfterChange);
+    m_avoidanceManager.windowsDidChange();
 }
 
 void BarManager::refreshNow(const SpaceWindows::Answer& answer)
@@ -167,7 +167,7 @@ void BarManager::syncAgain()
 void BarManager::repositionPanels()
 {
     placePanels(m_spaceWindows.ask());
-    m_avoidanceManager.scheduleAdjustment(kAvoidanceAfterChange);
+    m_avoidanceManager.scheduleAdjustment(WindowAvoidanceManager::kPause);
 }
 
 void BarManager::placePanels(const SpaceWindows::Answer& answer)

@@ -69,7 +69,6 @@ public:
 
 private:
     static constexpr Duration kAvoidanceAfterStart = seconds(0.5);
-    static constexpr Duration kAvoidanceAfterChange = seconds(0.1);
     /// When the system did not say which spaces there are, or may say it late.
     static constexpr Duration kSyncAgain = seconds(0.5);
     static constexpr int kMostSyncsAgain = 20;

@@ -1,6 +1,7 @@
 #include "Quorvel/Core/WindowAvoidanceManager.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "Quorvel/Skylight/AXCalls.h"
 #include "Quorvel/Skylight/WindowStore.h"
@@ -8,41 +9,47 @@
 namespace quorvel {
 
 /// Asks applications to shorten their windows, on the queue. What fails is left as it is: the user
-/// sees a window under the bar, and the next change of the desktop tries again.
+/// sees a window under the bar.
 class WindowAvoidanceManager::Resizer {
 public:
     explicit Resizer(Accessibility& accessibility)
-        : m_accessibility(accessibility)
-        , m_calls(accessibility)
+        : m_calls(accessibility)
         , m_axGetWindow(accessibility.windowIDResolver())
     {
     }
 
-    void resize(const std::vector<Resize>& windows)
+    /// Those whose application has been asked, and has given some answer.
+    std::vector<Resize> resize(const std::vector<Resize>& windows)
     {
+        std::vector<Resize> asked;
         if (!m_axGetWindow)
-            return;
+            return asked;
         const AXCalls::Scan scan{m_calls};
-        for (auto& window : windows)
-            resizeWindowViaAX(window.windowID, window.pid, window.newHeight);
+        std::ranges::copy_if(windows, std::back_inserter(asked), [this](auto& window) {
+            return resizeWindowViaAX(window.windowID, window.pid, window.newHeight);
+        });
+        return asked;
     }
 
 private:
-    void resizeWindowViaAX(WindowID windowID, ProcessID pid, double newHeight)
+    bool resizeWindowViaAX(WindowID windowID, ProcessID pid, double newHeight)
     {
+        bool isAsked = false;
         const auto elements = m_calls.windows(pid);
         if (!elements)
-            return;
+            return isAsked;
         for (auto& element : *elements) {
             WindowID id{};
             if (m_axGetWindow(element, id) != AXError::success || id != windowID)
                 continue;
             if (auto size = m_calls.read<Size>(pid, element, ax::size))
-                m_accessibility.setAttribute(element, ax::size, Size{size->width, newHeight});
+                isAsked
+                    |= m_calls.setAttribute(pid, element, ax::size, Size{size->width, newHeight})
+                    != AXError::cannotComplete;
         }
+        return isAsked;
     }
 
-    Accessibility& m_accessibility;
     AXCalls m_calls;
     Accessibility::WindowIDResolver m_axGetWindow;
 };
@@ -63,6 +70,33 @@ WindowAvoidanceManager::WindowAvoidanceManager(const WindowStore& windowStore, D
 
 WindowAvoidanceManager::~WindowAvoidanceManager() = default;
 
+void WindowAvoidanceManager::windowsDidChange()
+{
+    auto& windows = m_windowStore.windows();
+    auto isSame = [](auto& placed, auto& window) { return placed.isOf(window.second); };
+    if (std::ranges::equal(m_placements, windows, isSame))
+        return;
+    m_placements.clear();
+    for (auto& [id, window] : windows)
+        m_placements.emplace_back(window);
+    forgetMovedWindows();
+    scheduleAdjustment(kPause);
+}
+
+WindowAvoidanceManager::Placement::Placement(const TrackedWindow& window)
+    : windowID(window.windowID)
+    , frame(window.frame)
+    , isMinimized(window.isMinimized)
+    , spaceIDs(window.spaceIDs)
+{
+}
+
+bool WindowAvoidanceManager::Placement::isOf(const TrackedWindow& window) const
+{
+    return windowID == window.windowID && frame == window.frame && isMinimized == window.isMinimized
+        && spaceIDs == window.spaceIDs;
+}
+
 void WindowAvoidanceManager::scheduleAdjustment(Duration debounce)
 {
     m_pendingWork = m_dispatch.main().after(debounce, [this] { adjustNow(); });
@@ -70,14 +104,42 @@ void WindowAvoidanceManager::scheduleAdjustment(Duration debounce)
 
 void WindowAvoidanceManager::adjustNow()
 {
+    forgetMovedWindows();
     auto resizes = findOverlaps();
+    std::erase_if(resizes, [this](auto& resize) {
+        auto asked = m_asked.find(resize.windowID);
+        return asked != m_asked.end() && asked->second == resize;
+    });
     m_pendingResizes.cancel();
     if (resizes.empty())
         return;
-    m_pendingResizes = m_resizeQueue->after(
-        Duration::zero(), [&accessibility = m_accessibility, resizes = std::move(resizes)] {
-            Resizer{accessibility}.resize(resizes);
+    m_pendingResizes = m_resizeQueue->after(Duration::zero(),
+        [&accessibility = m_accessibility, &main = m_dispatch.main(), weak = m_weak.reference(),
+            resizes = std::move(resizes)] {
+            main.async([weak, asked = Resizer{accessibility}.resize(resizes)] {
+                if (auto* self = weak.get())
+                    self->noteAsked(asked);
+            });
         });
+}
+
+void WindowAvoidanceManager::noteAsked(const std::vector<Resize>& resizes)
+{
+    for (auto& resize : resizes) {
+        if (isAsFound(resize))
+            m_asked.insert_or_assign(resize.windowID, resize);
+    }
+}
+
+bool WindowAvoidanceManager::isAsFound(const Resize& resize) const
+{
+    auto* window = m_windowStore.window(resize.windowID);
+    return window && window->frame == resize.frame;
+}
+
+void WindowAvoidanceManager::forgetMovedWindows()
+{
+    std::erase_if(m_asked, [this](auto& entry) { return !isAsFound(entry.second); });
 }
 
 std::vector<WindowAvoidanceManager::Resize> WindowAvoidanceManager::findOverlaps() const
@@ -131,7 +193,7 @@ void WindowAvoidanceManager::shortenOn(const Screen& screen, double firstScreenH
             continue;
         const double newHeight = limit - window->frame.y;
         if (newHeight >= kLowestHeight)
-            overlaps.push_back({window->windowID, window->pid, newHeight});
+            overlaps.push_back({window->windowID, window->pid, window->frame, newHeight});
     }
 }
 

@@ -2,12 +2,14 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <memory>
 #include <set>
 #include <vector>
 
 #include "Quorvel/Platform/Accessibility.h"
 #include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/WeakOwner.h"
 #include "Quorvel/Skylight/SpaceWindows.h"
 
 namespace quorvel {
@@ -16,7 +18,8 @@ class WindowStore;
 struct TrackedWindow;
 
 /// Keeps windows from reaching under a bar: it shortens those that do, never moves one and never
-/// makes one taller. A window that would become too short is left as it is. Main thread; the
+/// makes one taller. A window that would become too short is left as it is, and one that did not
+/// do as it was asked is not asked again before its frame is another one. Main thread; the
 /// applications are asked on a queue of its own, where they may take their time.
 class WindowAvoidanceManager {
 public:
@@ -29,6 +32,8 @@ public:
     };
 
     static constexpr double kLowestHeight = 100;
+    /// After a change of the windows.
+    static constexpr Duration kPause = seconds(0.1);
     /// Between window and bar, so that the window's edge can still be gripped.
     static constexpr double resizeCursorClearance = 1;
 
@@ -39,6 +44,10 @@ public:
 
     void setBarHeight(double height) { m_barHeight = height; }
 
+    /// Schedules an adjustment if windows came or went, or one has another frame, other spaces or
+    /// is minimised or restored; their titles say nothing of where they are.
+    void windowsDidChange();
+
     /// Replaces the adjustment that is waiting, if any.
     void scheduleAdjustment(Duration debounce);
     void adjustNow();
@@ -47,10 +56,26 @@ private:
     struct Resize {
         WindowID windowID{};
         ProcessID pid{};
+        Rect frame; ///< as it was found
         double newHeight = 0;
+
+        friend bool operator==(const Resize&, const Resize&) = default;
+    };
+    /// What an adjustment depends on.
+    struct Placement {
+        explicit Placement(const TrackedWindow&);
+        bool isOf(const TrackedWindow&) const;
+
+        WindowID windowID{};
+        Rect frame;
+        bool isMinimized = false;
+        std::set<SpaceID> spaceIDs;
     };
     class Resizer;
 
+    void noteAsked(const std::vector<Resize>&);
+    bool isAsFound(const Resize&) const;
+    void forgetMovedWindows();
     std::vector<Resize> findOverlaps() const;
     Screen screenOf(const SpaceWindows::Info&, const std::vector<Screen>&) const;
     void shortenOn(const Screen&, double firstScreenHeight,
@@ -64,6 +89,9 @@ private:
     SpaceWindows m_spaceWindows;
     Bars m_bars;
     double m_barHeight = 0;
+    std::vector<Placement> m_placements; ///< when last looked at, in the store's order
+    std::map<WindowID, Resize> m_asked; ///< and still where they were
+    WeakOwner<WindowAvoidanceManager> m_weak{*this};
     WorkItem m_pendingWork;
     WorkItem m_pendingResizes; ///< the newest list; it replaces one that nobody has begun with
     std::unique_ptr<Queue> m_resizeQueue; ///< last: it is drained before what its work uses goes

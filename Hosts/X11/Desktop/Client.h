@@ -135,8 +135,6 @@ struct Client {
     /// Until then it is open whether a hidden window is minimised.
     std::optional<Instant> minimizedSettlesAt;
     bool isMinimized = false;
-    /// The size last asked for and the frame it was asked at: not asked twice.
-    std::optional<std::pair<Size, Rect>> askedSize;
 
     std::string title() const { return netName ? *netName : wmName.value_or(std::string{}); }
 

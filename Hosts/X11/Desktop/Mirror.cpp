@@ -189,21 +189,10 @@ void Mirror::translate(Client& client)
 
     client.isDirty = false;
     auto record = xdg::x11::recordOf(client, m_clients.parentOf(client) != nullptr, context());
-    forgetHonouredSize(client, record.frame.size());
     m_reservationsDidChange |= client.type == WindowType::dock;
     client.isAnnounced = true;
     auto clientMask = xcb_get_setup(m_connection.raw())->resource_id_mask;
     m_tracker.setWindow(std::move(record), originOf(client, clientMask));
-}
-
-/// A client that has obeyed once can be asked again; one that has not would not end refusing.
-void Mirror::forgetHonouredSize(Client& client, Size size)
-{
-    auto& asked = client.askedSize;
-    if (!asked || client.frame() == asked->second)
-        return;
-    if (size.width <= asked->first.width && size.height <= asked->first.height)
-        asked.reset();
 }
 
 bool Mirror::isReady(Client& client)

@@ -61,7 +61,6 @@ private:
     void translateSpaces();
     void translateClients();
     void translate(Client&);
-    static void forgetHonouredSize(Client&, Size points);
     bool isReady(Client&);
     void remove(Client&);
     FocusTracker::Active activeClient();

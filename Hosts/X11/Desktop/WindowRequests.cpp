@@ -186,10 +186,6 @@ void WindowRequests::sendSize(WindowID window, Size points)
     if (!client)
         return;
     auto frame = client->frame();
-    if (client->askedSize == std::pair{points, frame})
-        return; // the client did not honour it
-    client->askedSize = {points, frame};
-
     auto pixels = m_monitors.coordinates().toPixels(Rect::from({}, points)).size();
     double width = pixels.width - (frame.width - client->place.width);
     double height = pixels.height - (frame.height - client->place.height);
