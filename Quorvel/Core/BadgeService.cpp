@@ -67,8 +67,10 @@ void BadgeService::start()
     if (m_isStarted || !m_launchServices.isAvailable())
         return;
     m_isStarted = true;
-    m_firstPoll = m_queue->after(firstPollDelay,
-        [this] { m_timerSource = m_queue->every(pollInterval, [this] { fetchAndPublish(); }); });
+    m_firstPoll = m_queue->after(firstPollDelay, [this] {
+        m_timerSource = m_queue->every(
+            pollInterval, [this] { fetchAndPublish(); }, pollLeeway);
+    });
     m_hints = m_launchServices.answersMayHaveChanged.subscribe([this] { pollOnHint(); });
 }
 

@@ -27,6 +27,7 @@ class BadgeService {
 public:
     static constexpr Duration firstPollDelay = seconds(0.5);
     static constexpr Duration pollInterval = seconds(7.0);
+    static constexpr Duration pollLeeway = seconds(2.0);
     /// Between polls that the system hints at.
     static constexpr Duration hintedPollInterval = seconds(0.1);
     static constexpr std::string_view lsappinfoPath = "/usr/bin/lsappinfo";

@@ -74,8 +74,15 @@ public:
     /// Runs the work on the queue and waits for it; never from the queue itself.
     virtual void sync(const Work&) = 0;
     [[nodiscard]] virtual WorkItem after(Duration delay, Work) = 0;
-    /// First run at once, then each `interval`; runs that fall behind are left out.
-    [[nodiscard]] virtual WorkItem every(Duration interval, Work) = 0;
+    /// First run at once, then each `interval`; runs that fall behind are left out. After the first
+    /// one, each may come later by up to `leeway`, so that the machine wakes up once for several.
+    [[nodiscard]] WorkItem every(Duration interval, Work work, Duration leeway = {})
+    {
+        return repeat(interval, leeway, std::move(work));
+    }
+
+private:
+    [[nodiscard]] virtual WorkItem repeat(Duration interval, Duration leeway, Work) = 0;
 };
 
 enum class QualityOfService { background, utility, userInitiated, userInteractive };

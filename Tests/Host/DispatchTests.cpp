@@ -10,6 +10,8 @@
 #include <glib.h>
 #include <gtest/gtest.h>
 
+#include "Hosts/Linux/Loop/WorkSchedule.h"
+
 namespace quorvel::xdg::x11 {
 
 namespace {
@@ -235,6 +237,24 @@ TEST_F(HostDispatch, cancelRacesWithRunningWorkFromAnotherThread)
     int settled = runs;
     queue->sync([] {});
     EXPECT_EQ(runs, settled); // all were cancelled, so nothing goes on
+}
+
+// Fault: a poll that may come late wakes up the machine in between the timers of others.
+TEST(WorkSchedule, whatMayComeLateComesAtAWholeSecond)
+{
+    auto schedule = std::make_shared<WorkSchedule>();
+    int runs = 0;
+    auto item = schedule->every(7s, 2s, [&] { ++runs; });
+    auto begin = *schedule->nextDue();
+    schedule->runTurn();
+    EXPECT_EQ(runs, 1) << "the first at once";
+    auto due = *schedule->nextDue();
+    EXPECT_EQ(due.time_since_epoch() % 1s, 0s);
+    EXPECT_GE(due, begin + 7s);
+    item = schedule->every(7s, {}, [] {});
+    begin = *schedule->nextDue();
+    schedule->runTurn();
+    EXPECT_EQ(*schedule->nextDue(), begin + 7s) << "to the point";
 }
 
 }

@@ -78,15 +78,15 @@ public:
         auto due = m_dispatch.now() + std::max(delay, Duration::zero());
         return WorkItem{m_dispatch.schedule(*this, due, {}, true, std::move(work))};
     }
-    WorkItem every(Duration interval, Work work) override
+    const std::string& label() const { return m_label; }
+
+private:
+    WorkItem repeat(Duration interval, Duration, Work work) override
     {
         return WorkItem{
             m_dispatch.schedule(*this, m_dispatch.now(), interval, true, std::move(work))};
     }
 
-    const std::string& label() const { return m_label; }
-
-private:
     VirtualDispatch& m_dispatch;
     std::string m_label;
 };

@@ -63,12 +63,13 @@ public:
     {
         return m_schedule->at(WorkSchedule::now() + delay, std::move(work));
     }
-    WorkItem every(Duration interval, Work work) override
-    {
-        return m_schedule->every(interval, std::move(work));
-    }
 
 private:
+    WorkItem repeat(Duration interval, Duration leeway, Work work) override
+    {
+        return m_schedule->every(interval, leeway, std::move(work));
+    }
+
     struct Source : GSource {
         MainQueue* queue;
     };

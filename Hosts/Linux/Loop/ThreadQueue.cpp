@@ -81,9 +81,9 @@ WorkItem ThreadQueue::after(Duration delay, Work work)
     return item;
 }
 
-WorkItem ThreadQueue::every(Duration interval, Work work)
+WorkItem ThreadQueue::repeat(Duration interval, Duration leeway, Work work)
 {
-    auto item = m_schedule->every(interval, std::move(work));
+    auto item = m_schedule->every(interval, leeway, std::move(work));
     ensureWorker(1);
     return item;
 }

@@ -20,9 +20,9 @@ public:
     void async(Work) override;
     void sync(const Work&) override;
     WorkItem after(Duration delay, Work) override;
-    WorkItem every(Duration interval, Work) override;
 
 private:
+    WorkItem repeat(Duration interval, Duration leeway, Work) override;
     void ensureWorker(int spare);
 
     const std::string m_label;

@@ -13,11 +13,13 @@ std::chrono::steady_clock::time_point toSteady(Instant instant)
 }
 
 /// The next run of a repetition: in its own rhythm, without those that fell behind.
-Instant followingRun(Instant last, Duration interval, Instant now)
+Instant followingRun(Instant last, Duration interval, Duration leeway, Instant now)
 {
     auto step = std::max(interval, Duration{1});
     auto behind = std::max(Duration{0}, now - last);
-    return last + step * (behind / step + 1);
+    auto next = last + step * (behind / step + 1);
+    auto second = std::chrono::ceil<std::chrono::seconds>(next);
+    return second - next <= leeway ? second : next;
 }
 
 }
@@ -26,9 +28,9 @@ class WorkSchedule::Timed final : public WorkItem::Handle {
 public:
     enum class State { later, ready, running, ended };
 
-    Timed(std::weak_ptr<WorkSchedule> owner, std::optional<Duration> interval_, Work work_)
+    Timed(std::weak_ptr<WorkSchedule> owner, std::optional<Repetition> repetition_, Work work_)
         : schedule(std::move(owner))
-        , interval(interval_)
+        , repetition(repetition_)
         , work(std::move(work_))
     {
     }
@@ -46,11 +48,11 @@ public:
             return false;
         std::lock_guard lock{owner->m_mutex};
         return state == State::later || state == State::ready
-            || (state == State::running && interval.has_value());
+            || (state == State::running && repetition.has_value());
     }
 
     const std::weak_ptr<WorkSchedule> schedule;
-    const std::optional<Duration> interval;
+    const std::optional<Repetition> repetition;
     // Guarded by the schedule's lock.
     Work work;
     DueKey key{};
@@ -81,14 +83,14 @@ WorkItem WorkSchedule::at(Instant due, Work work)
     return add(due, std::nullopt, std::move(work));
 }
 
-WorkItem WorkSchedule::every(Duration interval, Work work)
+WorkItem WorkSchedule::every(Duration interval, Duration leeway, Work work)
 {
-    return add(now(), interval, std::move(work));
+    return add(now(), Repetition{interval, leeway}, std::move(work));
 }
 
-WorkItem WorkSchedule::add(Instant due, std::optional<Duration> interval, Work work)
+WorkItem WorkSchedule::add(Instant due, std::optional<Repetition> repetition, Work work)
 {
-    auto timed = std::make_shared<Timed>(weak_from_this(), interval, std::move(work));
+    auto timed = std::make_shared<Timed>(weak_from_this(), repetition, std::move(work));
     std::lock_guard lock{m_mutex};
     if (m_isStopped)
         timed->state = Timed::State::ended;
@@ -163,10 +165,11 @@ void WorkSchedule::finish(const std::shared_ptr<Timed>& timed, Work& work)
     if (timed->state != Timed::State::running)
         return;
     timed->state = Timed::State::ended;
-    if (!timed->interval || m_isStopped)
+    if (!timed->repetition || m_isStopped)
         return;
     timed->work = std::move(work);
-    insert(timed, followingRun(timed->key.first, *timed->interval, now()));
+    auto& [interval, leeway] = *timed->repetition;
+    insert(timed, followingRun(timed->key.first, interval, leeway, now()));
 }
 
 void WorkSchedule::runTurn()

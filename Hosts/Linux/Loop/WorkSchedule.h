@@ -28,8 +28,9 @@ public:
 
     void post(Work);
     WorkItem at(Instant due, Work);
-    /// From now on, each `interval`.
-    WorkItem every(Duration interval, Work);
+    /// From now on, each `interval`. What may come late comes at a whole second, if one lies within
+    /// its leeway, as the timers of other programs that count in seconds do.
+    WorkItem every(Duration interval, Duration leeway, Work);
 
     /// Runs what is ready now and nothing that is added meanwhile. From one thread at a time.
     void runTurn();
@@ -50,7 +51,12 @@ private:
         std::shared_ptr<Timed> timed; ///< its work is in there instead
     };
 
-    WorkItem add(Instant due, std::optional<Duration> interval, Work);
+    struct Repetition {
+        Duration interval{};
+        Duration leeway{};
+    };
+
+    WorkItem add(Instant due, std::optional<Repetition>, Work);
     void insert(const std::shared_ptr<Timed>&, Instant due);
     void cancel(Timed&) noexcept;
     void collectDue(Instant now);

@@ -93,14 +93,14 @@ void DispatchQueue::sync(const Work& work)
 
 WorkItem DispatchQueue::after(Duration delay, Work work)
 {
-    return WorkItem{
-        DispatchTimer::start(m_queue, m_state, DispatchTimer::Mode::once, delay, std::move(work))};
+    return WorkItem{DispatchTimer::start(
+        m_queue, m_state, DispatchTimer::Mode::once, delay, {}, std::move(work))};
 }
 
-WorkItem DispatchQueue::every(Duration interval, Work work)
+WorkItem DispatchQueue::repeat(Duration interval, Duration leeway, Work work)
 {
     return WorkItem{DispatchTimer::start(
-        m_queue, m_state, DispatchTimer::Mode::repeating, interval, std::move(work))};
+        m_queue, m_state, DispatchTimer::Mode::repeating, interval, leeway, std::move(work))};
 }
 
 }

@@ -32,9 +32,10 @@ public:
     void async(Work) override;
     void sync(const Work&) override;
     [[nodiscard]] WorkItem after(Duration delay, Work) override;
-    [[nodiscard]] WorkItem every(Duration interval, Work) override;
 
 private:
+    [[nodiscard]] WorkItem repeat(Duration interval, Duration leeway, Work) override;
+
     Kind m_kind;
     dispatch_queue_s* m_queue;
     std::shared_ptr<QueueState> m_state;

@@ -8,22 +8,25 @@ namespace {
 
 using Keeper = std::shared_ptr<DispatchTimer>;
 
-/// How late a timer may come so that the system can wake up for several at once.
-std::uint64_t leewayFor(Duration duration)
+/// How late a timer may come so that the system can wake up for several at once: a little, or what
+/// was asked for.
+std::uint64_t leewayFor(Duration duration, Duration leeway)
 {
     using namespace std::chrono_literals;
-    return static_cast<std::uint64_t>(std::min<Duration>(duration / 10, 20ms).count());
+    const auto little = std::min<Duration>(duration / 10, 20ms);
+    return static_cast<std::uint64_t>(std::max(little, leeway).count());
 }
 
 }
 
 std::shared_ptr<DispatchTimer> DispatchTimer::start(dispatch_queue_t queue,
-    std::shared_ptr<QueueState> state, Mode mode, Duration delayOrInterval, Work work)
+    std::shared_ptr<QueueState> state, Mode mode, Duration delayOrInterval, Duration leeway,
+    Work work)
 {
     const dispatch_source_t source
         = dispatch_source_create(DISPATCH_SOURCE_TYPE_TIMER, 0, 0, queue);
     auto timer = std::make_shared<DispatchTimer>(source, std::move(state), mode, std::move(work));
-    timer->schedule(std::max(delayOrInterval, Duration{}));
+    timer->schedule(std::max(delayOrInterval, Duration{}), leeway);
     return timer;
 }
 
@@ -41,13 +44,13 @@ DispatchTimer::~DispatchTimer()
     dispatch_release(m_source);
 }
 
-void DispatchTimer::schedule(Duration delayOrInterval)
+void DispatchTimer::schedule(Duration delayOrInterval, Duration leeway)
 {
     const auto nanoseconds = delayOrInterval.count();
     const bool repeats = m_mode == Mode::repeating;
     dispatch_source_set_timer(m_source, dispatch_time(DISPATCH_TIME_NOW, repeats ? 0 : nanoseconds),
         repeats ? static_cast<std::uint64_t>(nanoseconds) : DISPATCH_TIME_FOREVER,
-        leewayFor(delayOrInterval));
+        leewayFor(delayOrInterval, leeway));
     dispatch_set_context(m_source, new Keeper(shared_from_this()));
     dispatch_source_set_event_handler_f(
         m_source, [](void* keeper) { (*static_cast<Keeper*>(keeper))->fire(); });

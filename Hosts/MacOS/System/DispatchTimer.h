@@ -21,8 +21,8 @@ class DispatchTimer final : public WorkItem::Handle,
 public:
     enum class Mode { once, repeating };
 
-    static std::shared_ptr<DispatchTimer> start(
-        dispatch_queue_t, std::shared_ptr<QueueState>, Mode, Duration delayOrInterval, Work);
+    static std::shared_ptr<DispatchTimer> start(dispatch_queue_t, std::shared_ptr<QueueState>, Mode,
+        Duration delayOrInterval, Duration leeway, Work);
 
     DispatchTimer(dispatch_source_t, std::shared_ptr<QueueState>, Mode, Work);
     ~DispatchTimer() override;
@@ -35,7 +35,7 @@ public:
 private:
     using SharedWork = std::shared_ptr<const Work>;
 
-    void schedule(Duration);
+    void schedule(Duration delayOrInterval, Duration leeway);
     void fire();
     SharedWork takeForRun();
 
