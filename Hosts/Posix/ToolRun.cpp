@@ -193,6 +193,7 @@ std::optional<ToolResult> runTool(
     const auto pid = SpawnSetup{output.writeEnd.get(), error.writeEnd.get()}.start(path, arguments);
     if (!pid)
         return std::nullopt;
+    const ToolResult killed{.exitStatus = SIGKILL, .standardOutput = {}, .standardError = {}};
     Child child{*pid};
     output.writeEnd = UniqueFd{};
     error.writeEnd = UniqueFd{};
@@ -201,10 +202,10 @@ std::optional<ToolResult> runTool(
     std::array<Stream, 2> streams{{{std::move(output.readEnd), &result.standardOutput},
         {std::move(error.readEnd), &result.standardError}}};
     if (!readToTheEnd(streams, bounds, deadline))
-        return std::nullopt;
+        return killed;
     const auto status = child.exitStatusBefore(deadline);
     if (!status)
-        return std::nullopt;
+        return killed;
     result.exitStatus = *status;
     return result;
 }

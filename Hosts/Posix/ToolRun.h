@@ -17,7 +17,7 @@ struct ToolBounds {
 
 /// Runs the program without input and with no more than a search path in its environment, so that
 /// it prints the same for every user, and waits for its end. One that goes beyond a bound is
-/// killed. Absent too if it cannot be started or is killed by others.
+/// killed. Absent only if it cannot be started.
 std::optional<ToolResult> runTool(
     const std::string& path, const std::vector<std::string>& arguments, ToolBounds = {});
 

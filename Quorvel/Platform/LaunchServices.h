@@ -27,7 +27,8 @@ struct AttentionRequest {
     friend bool operator==(const AttentionRequest&, const AttentionRequest&) = default;
 };
 
-/// A program that has run to its end. Its output is whatever bytes it wrote.
+/// A program that has run. Its output is whatever bytes it wrote; one that was killed leaves none,
+/// and an exit status other than 0.
 struct ToolResult {
     std::int32_t exitStatus = 0;
     std::string standardOutput;
@@ -46,8 +47,8 @@ public:
     virtual std::vector<ApplicationStatus> runningApplications() const = 0;
     /// Empty too where the system knows only which applications ask, not which windows.
     virtual std::vector<AttentionRequest> attentionRequests() const = 0;
-    /// Runs the program and waits for its end. Absent if it cannot be started, or does not come to
-    /// an end within the host's bounds of time and output; then it is running no more.
+    /// Runs the program and waits for its end; if that does not come within the host's bounds of
+    /// time and output, it is killed. Absent if the program cannot be started.
     virtual std::optional<ToolResult> runTool(
         const std::string& path, const std::vector<std::string>& arguments)
         = 0;

@@ -40,12 +40,17 @@ TEST(ToolRun, aToolThatFillsBothStreamsIsNotWaitedForWhileItWaits)
 
 TEST(ToolRun, whatDoesNotEndWithinItsBoundsIsGivenUp)
 {
-    EXPECT_FALSE(shell("exec sleep 600", {.time = 50ms})) << "silent";
-    EXPECT_FALSE(shell("exec >&- 2>&-; exec sleep 600", {.time = 50ms})) << "streams closed";
-    EXPECT_FALSE(shell("sleep 60 & exit 0", {.time = 50ms})) << "a child has the streams";
-    EXPECT_FALSE(shell("exec cat /dev/zero", {.output = 100'000})) << "endless";
-    EXPECT_FALSE(shell("exec cat /dev/zero >&2", {.output = 100'000}));
-    EXPECT_FALSE(shell("echo half; kill -9 $$"));
+    // An attempt that failed, which is not the same as a program that is not there.
+    const auto isKilled = [](const std::optional<ToolResult>& result) {
+        return result && result->exitStatus != 0 && result->standardOutput.empty();
+    };
+    EXPECT_TRUE(isKilled(shell("exec sleep 600", {.time = 50ms}))) << "silent";
+    EXPECT_TRUE(isKilled(shell("exec >&- 2>&-; exec sleep 600", {.time = 50ms})))
+        << "streams closed";
+    EXPECT_TRUE(isKilled(shell("sleep 60 & exit 0", {.time = 50ms}))) << "a child has the streams";
+    EXPECT_TRUE(isKilled(shell("exec cat /dev/zero", {.output = 100'000}))) << "endless";
+    EXPECT_TRUE(isKilled(shell("exec cat /dev/zero >&2", {.output = 100'000})));
+    EXPECT_TRUE(isKilled(shell("echo half; kill -9 $$")));
     EXPECT_FALSE(posix::runTool("/nowhere/at/all", {}));
 }
 
@@ -54,7 +59,9 @@ TEST(ToolRun, signalsThatThisProgramIgnoresReachTheTool)
     std::signal(SIGPIPE, SIG_IGN);
     const auto result = shell("kill -PIPE $$; echo survived");
     std::signal(SIGPIPE, SIG_DFL);
-    EXPECT_FALSE(result);
+    ASSERT_TRUE(result);
+    EXPECT_NE(result->exitStatus, 0);
+    EXPECT_EQ(result->standardOutput, "");
 }
 
 }
