@@ -1,6 +1,7 @@
 #include "Hosts/Linux/Desktop/DesktopWindowServer.h"
 
 #include <algorithm>
+#include <set>
 
 #include "Hosts/Linux/Desktop/DesktopRequests.h"
 #include "Hosts/Linux/Desktop/DesktopTracker.h"
@@ -66,14 +67,26 @@ void DesktopWindowServer::enumerate(
 {
     bool excludesDesktop = (options & kWindowListExcludeDesktopElements) != 0;
     m_model.read([&](const DesktopModel& model) {
-        // Newest first: a window stays in its place when others are raised, and a new one is on
-        // top.
-        for (auto entry = model.windows.rbegin(); entry != model.windows.rend(); ++entry) {
-            bool isWanted = (!owner || entry->second.owner == *owner)
-                && (!excludesDesktop || !entry->second.isDesktopElement);
+        auto visit = [&](const WindowRecord& window) {
+            bool isWanted = (!owner || window.owner == *owner)
+                && (!excludesDesktop || !window.isDesktopElement);
             if (isWanted)
-                visitor(infoOf(model, entry->second));
+                visitor(infoOf(model, window));
+        };
+        std::set<WindowID> stacked;
+        std::vector<const WindowRecord*> stackedWindows;
+        for (auto id : model.frontToBack) {
+            auto* window = model.window(id);
+            if (window && stacked.insert(id).second)
+                stackedWindows.push_back(window);
         }
+        // A window that the manager has not put in its order yet is a new one, and on top.
+        for (auto entry = model.windows.rbegin(); entry != model.windows.rend(); ++entry) {
+            if (!stacked.contains(entry->first))
+                visit(entry->second);
+        }
+        for (auto* window : stackedWindows)
+            visit(*window);
     });
 }
 
