@@ -219,27 +219,30 @@ TEST_F(BarTest, aSecondClickEndsTheRetryOfTheFirst)
 
 // MARK: Spaces and screens
 
-TEST_F(BarTest, thePointerIsFollowedOnlyWhileThereIsAChoiceOfDisplays)
+// Fault: a choice of displays wakes up the machine sixty times a second.
+TEST_F(BarTest, whereThePointerIsIsAskedOnlyWhenSomethingOpensThere)
 {
     auto one = desktop.model().displays;
-    auto two = one;
-    two.push_back(
-        {.number = DisplayNumber{2}, .identifier = "second", .frame = {1440, 0, 1440, 900}});
-    auto change = [&](const std::vector<FakeDisplay>& displays) {
+    auto three = one;
+    for (std::uint32_t number : {2U, 3U})
+        three.push_back({.number = DisplayNumber{number},
+            .identifier = std::to_string(number),
+            .frame = {1440.0 * (number - 1), 0, 1440, 900}});
+    auto timersWith = [&](const std::vector<FakeDisplay>& displays) {
         desktop.setDisplays(displays);
         desktop.advance(seconds(1));
         return desktop.dispatch().pendingTimers();
     };
+    auto& manager = *runtime->barManager();
     desktop.model().pointer = {2000, 100};
-
-    EXPECT_EQ(change(two), 1u);
-    EXPECT_EQ(runtime->barManager()->pointerDisplay(), DisplayNumber{2});
-    EXPECT_EQ(change(one), 0u);
-    EXPECT_EQ(runtime->barManager()->pointerDisplay(), DisplayNumber{1}) << "the other is gone";
-    EXPECT_EQ(change(two), 1u);
-    desktop.program().terminate();
-    desktop.drain();
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
+    EXPECT_EQ(timersWith(three), 0U);
+    EXPECT_EQ(manager.preferredMouseScreenIndex(), 1U);
+    desktop.model().pointer = {3000, 100};
+    EXPECT_EQ(manager.preferredMouseScreenIndex(), 2U) << "where it is now";
+    desktop.advance(seconds(1));
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0U) << "asked once";
+    EXPECT_EQ(timersWith(one), 0U);
+    EXPECT_EQ(manager.preferredMouseScreenIndex(), 0U) << "the other is gone";
 }
 
 }

@@ -177,7 +177,6 @@ void BarManager::placePanels(const SpaceWindows::Answer& answer)
     else if (m_unansweredSyncs++ < kMostSyncsAgain)
         syncAgain();
     applyDockRectRegistrations();
-    trackPointerDisplay();
 }
 
 void BarManager::syncMirrorPanels()
@@ -288,28 +287,18 @@ void BarManager::showMenu(BarPanel& panel)
 
 // MARK: The pointer's display
 
-void BarManager::trackPointerDisplay()
-{
-    bool isNeeded = m_platform.displays.screens().size() > 1;
-    if (!isNeeded) {
-        m_mouseDisplayTracker.reset();
-    } else if (!m_mouseDisplayTracker) {
-        m_mouseDisplayTracker
-            = std::make_unique<MouseDisplayTracker>(m_platform.dispatch, m_platform.displays);
-        m_mouseDisplayTracker->start();
-    }
-}
-
-std::optional<DisplayNumber> BarManager::pointerDisplay() const
-{
-    return m_mouseDisplayTracker ? m_mouseDisplayTracker->preferredDisplayID()
-                                 : m_platform.displays.mainDisplay();
-}
-
-std::optional<std::size_t> BarManager::preferredMouseScreenIndex() const
+std::optional<std::size_t> BarManager::preferredMouseScreenIndex()
 {
     auto screens = m_platform.displays.screens();
-    auto found = std::ranges::find(screens, pointerDisplay(), &Screen::number);
+    if (screens.size() <= 1)
+        return screens.empty() ? std::nullopt : std::optional<std::size_t>{0};
+    if (!m_mouseDisplayTracker) {
+        m_mouseDisplayTracker
+            = std::make_unique<MouseDisplayTracker>(m_platform.dispatch, m_platform.displays);
+    }
+    m_mouseDisplayTracker->look();
+    auto display = m_mouseDisplayTracker->preferredDisplayID();
+    auto found = std::ranges::find(screens, display, &Screen::number);
     if (found == screens.end())
         return {};
     return static_cast<std::size_t>(found - screens.begin());

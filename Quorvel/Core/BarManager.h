@@ -54,8 +54,7 @@ public:
     /// The program is about to end, perhaps without destructors: the desktop is left as it was.
     void end();
     /// In the list of screens, the one the pointer is on, where what belongs to it opens.
-    std::optional<std::size_t> preferredMouseScreenIndex() const;
-    std::optional<DisplayNumber> pointerDisplay() const;
+    std::optional<std::size_t> preferredMouseScreenIndex();
 
     void handleScrollEvent(const ScrollEvent&, SpaceID from);
     void switchToAdjacentSpace(Direction, SpaceID from);
@@ -88,8 +87,6 @@ private:
     std::vector<Screen> coveredScreensForBar() const;
     void applyDockRectRegistrations();
     void applyEdgeReservationsIfNeeded();
-    /// Only while there is a choice of displays: it samples without pause.
-    void trackPointerDisplay();
     void fill(BarPanel&);
     std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
     void showMenu(BarPanel&);
@@ -111,7 +108,7 @@ private:
     SpaceNavigation m_navigation;
     WindowMoves m_moves;
     WindowAvoidanceManager m_avoidanceManager;
-    std::unique_ptr<MouseDisplayTracker> m_mouseDisplayTracker; ///< null with one display
+    std::unique_ptr<MouseDisplayTracker> m_mouseDisplayTracker; ///< null until it is asked
     std::unique_ptr<CursorOwnershipLog> m_cursorOwnershipLog; ///< null unless asked for
     bool m_isHoverKeyingSuppressed = false;
     Subscription m_activeSpaceChange;

@@ -39,6 +39,11 @@ void MouseDisplayTracker::stop()
     });
 }
 
+void MouseDisplayTracker::look()
+{
+    m_queue->sync([this] { sampleMouseDisplay(); });
+}
+
 std::optional<DisplayNumber> MouseDisplayTracker::preferredDisplayID() const
 {
     std::optional<DisplayNumber> preferred;

@@ -11,8 +11,10 @@ namespace quorvel {
 /// Which display the pointer is on, without flicker at the borders.
 ///
 /// Samples the pointer on a serial queue of its own while it is started, and keeps two answers: the
-/// display of the last sample, and the one on which the pointer has stayed for a moment. Public
-/// operations from any one thread but the queue's.
+/// display of the last sample, and the one on which the pointer has stayed for a moment. To sample
+/// wakes up the machine sixty times a second, so only what moves along with the pointer starts it;
+/// what opens where the pointer is looks once. Public operations from any one thread but the
+/// queue's.
 class MouseDisplayTracker {
 public:
     static constexpr Duration sampleInterval = seconds(1.0 / 60);
@@ -25,6 +27,8 @@ public:
 
     void start();
     void stop();
+    /// Takes one sample now.
+    void look();
     /// Where something that belongs to the pointer should open; absent while nobody knows.
     std::optional<DisplayNumber> preferredDisplayID() const;
 

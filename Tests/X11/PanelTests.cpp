@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "Tests/X11/Support/DesktopFixture.h"
+#include "Tests/X11/Support/MonitorLayout.h"
 
 namespace quorvel::x11tests {
 
@@ -101,9 +102,12 @@ protected:
     IdlePanel() : DesktopFixture(ManagerKind::openbox) { }
 };
 
-// Fault: a timer that nobody needs, which keeps a laptop's processor awake.
+// Faults: a timer that nobody needs, which keeps a laptop's processor awake; a pointer that is
+// followed because there is a choice of monitors.
 TEST_F(IdlePanel, sleepsWhileNothingHappens)
 {
+    MonitorLayout monitors{server};
+    monitors.set({{0, 0, 400, 800}, {400, 0, 400, 800}, {800, 0, 480, 800}});
     Client client{server};
     Bar bar{server};
     ASSERT_TRUE(bar.appears());

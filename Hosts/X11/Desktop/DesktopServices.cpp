@@ -27,7 +27,7 @@ struct DesktopServices::Parts {
         , tokens(connection)
         , windowIcons(connection, mirror.clients(), icons)
         , windowServer(model, tracker, requests, environment)
-        , displays(connection, monitors, mirror)
+        , displays(monitors, mirror)
         , workspace(model, tracker, requests, tokens, windowIcons, entries, icons)
         , screenCapture(model, dispatch)
         , launchServices(model)

@@ -1,11 +1,7 @@
 #include "Hosts/X11/Desktop/X11Displays.h"
 
 #include <algorithm>
-#include <cstdlib>
 
-#include <xcb/xcb.h>
-
-#include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/Mirror.h"
 
 namespace quorvel::xdg::x11 {
@@ -24,9 +20,8 @@ Rect withoutStrut(const Rect& monitor, const Extents& strut, Size screen)
 
 }
 
-X11Displays::X11Displays(Connection& connection, Monitors& monitors, Mirror& mirror)
-    : m_connection(connection)
-    , m_monitors(monitors)
+X11Displays::X11Displays(Monitors& monitors, Mirror& mirror)
+    : m_monitors(monitors)
     , m_mirror(mirror)
     , m_layout(makeLayout())
 {
@@ -72,12 +67,6 @@ void X11Displays::update()
         parametersDidChange.emit();
 }
 
-X11Displays::Layout X11Displays::layout() const
-{
-    std::scoped_lock lock{m_mutex};
-    return m_layout;
-}
-
 std::vector<Screen> X11Displays::screens() const
 {
     std::scoped_lock lock{m_mutex};
@@ -113,21 +102,20 @@ std::optional<std::string> X11Displays::identifier(DisplayNumber number) const
 
 Point X11Displays::pointerLocation() const
 {
-    auto* connection = m_connection.raw();
-    auto* reply = xcb_query_pointer_reply(
-        connection, xcb_query_pointer(connection, m_connection.root()), nullptr);
-    if (!reply)
-        return {};
-    Rect pixels{double(reply->root_x), double(reply->root_y), 0, 0};
-    std::free(reply);
-    return layout().coordinates.toPoints(pixels).origin();
+    std::optional<Point> place;
+    {
+        std::scoped_lock lock{m_pointerMutex};
+        place = m_pointer.ask();
+    }
+    std::scoped_lock lock{m_mutex};
+    return place ? m_layout.coordinates.toPoints(Rect::from(*place, {})).origin() : Point{};
 }
 
 std::optional<DisplayNumber> X11Displays::displayAt(Point globalTopLeft) const
 {
-    auto current = layout();
-    for (auto& monitor : current.monitors) {
-        if (current.coordinates.toPoints(monitor.pixels).contains(globalTopLeft))
+    std::scoped_lock lock{m_mutex};
+    for (auto& monitor : m_layout.monitors) {
+        if (m_layout.coordinates.toPoints(monitor.pixels).contains(globalTopLeft))
             return monitor.number;
     }
     return std::nullopt;
@@ -135,7 +123,8 @@ std::optional<DisplayNumber> X11Displays::displayAt(Point globalTopLeft) const
 
 Rect X11Displays::toNative(const Rect& globalTopLeft) const
 {
-    return layout().coordinates.toPixels(globalTopLeft);
+    std::scoped_lock lock{m_mutex};
+    return m_layout.coordinates.toPixels(globalTopLeft);
 }
 
 }

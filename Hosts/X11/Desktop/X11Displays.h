@@ -2,18 +2,18 @@
 
 #include <mutex>
 
+#include "Hosts/X11/Desktop/PointerQuery.h"
 #include "Hosts/X11/Monitors.h"
 #include "Quorvel/Platform/Displays.h"
 
 namespace quorvel::xdg::x11 {
 
-class Connection;
 class Mirror;
 
-/// The monitors as screens. What other threads ask is a copy behind a lock.
+/// The monitors as screens. What other threads ask for lies behind a lock.
 class X11Displays final : public Displays {
 public:
-    X11Displays(Connection&, Monitors&, Mirror&);
+    X11Displays(Monitors&, Mirror&);
 
     std::vector<Screen> screens() const override;
     DisplayNumber mainDisplay() const override;
@@ -33,13 +33,13 @@ private:
     void update();
     Layout makeLayout();
     Rect visiblePixels(const Rect& monitor);
-    Layout layout() const;
 
-    Connection& m_connection;
     Monitors& m_monitors;
     Mirror& m_mirror;
     mutable std::mutex m_mutex;
     Layout m_layout;
+    mutable std::mutex m_pointerMutex;
+    mutable PointerQuery m_pointer;
     Subscription m_monitorsChanged;
     Subscription m_reservationsChanged;
 };
