@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 
 #include "Quorvel/Platform/Identifiers.h"
@@ -17,6 +18,9 @@ struct PanelEnvironment {
     Published<std::map<DisplayNumber, double>> dockHeights;
     /// Points to keep free at the bottom of every display while this space is the current one.
     Published<std::map<SpaceID, double>> edgeReservations;
+    /// Whether a strip at the bottom of the display can be kept free at all. Set by the display
+    /// server's half.
+    std::function<bool(DisplayNumber)> canReserve;
     /// A panel of another space wants to be seen.
     Signal<SpaceID> spaceWanted;
 };

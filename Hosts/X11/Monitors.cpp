@@ -148,6 +148,14 @@ std::vector<Monitor> monitorsFrom(
 
 }
 
+bool hasMonitorBelow(const Rect& monitor, const std::vector<Monitor>& all)
+{
+    return std::ranges::any_of(all, [&](const Monitor& other) {
+        return other.pixels.y >= monitor.maxY() && other.pixels.x < monitor.maxX()
+            && monitor.x < other.pixels.maxX();
+    });
+}
+
 Monitors::Monitors(Connection& connection) : m_connection(connection)
 {
     connection.addEventMask(

@@ -19,6 +19,10 @@ struct Monitor {
     friend bool operator==(const Monitor&, const Monitor&) = default;
 };
 
+/// Whether another monitor lies below. Struts count from the edge of the X screen, so one at this
+/// monitor's bottom would go through the other one: none can be had.
+bool hasMonitorBelow(const Rect& monitor, const std::vector<Monitor>& all);
+
 /// How the model's points lie on the X screen. All in one scale; the global origin is the top left
 /// of the primary monitor.
 struct Coordinates {

@@ -33,6 +33,14 @@ TEST(TranslationTest, whatFillsItsMonitorIsNotToBeResized)
     EXPECT_FALSE(canResize({100, 300, 800, 500}));
     client.state = {.isMaximizedVertically = true};
     EXPECT_FALSE(canResize({100, 300, 800, 500}));
+
+    // Above another monitor no strut can tell the manager of the bar.
+    const std::vector<Monitor> stacked{{DisplayNumber{1}, "upper", {0, 0, 1280, 800}},
+        {DisplayNumber{2}, "lower", {200, 800, 1280, 800}}};
+    client.place = {0, 0, 1280, 800};
+    EXPECT_TRUE(recordOf(client, false, {coordinates, stacked}).canResize);
+    client.place.y = 800;
+    EXPECT_FALSE(recordOf(client, false, {coordinates, stacked}).canResize);
 }
 
 }

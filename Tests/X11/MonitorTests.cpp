@@ -103,6 +103,25 @@ protected:
     std::unique_ptr<Bar> bar;
 };
 
+// Fault: of two monitors one above the other, the upper one's bar can have no strut, and what is
+// maximised lies under it.
+TEST_P(Monitors, aMaximisedWindowEndsAboveTheBarOfAnUpperMonitor)
+{
+    constexpr Frame upper{0, 0, 1280, 400};
+    constexpr Frame lower{0, 400, 1280, 400};
+    monitors.set({upper, lower});
+    startManager();
+    startWithBarsEverywhere();
+    ASSERT_TRUE(hasBarsAt({barOf(upper), barOf(lower)}));
+    const auto window = openAt("large", {100, 50, 300, 150});
+    desktop.maximise(window);
+    EXPECT_TRUE(eventually(3s, [&] {
+        const auto frame = desktop.frame(window);
+        return frame.bottom() < barOf(upper).y && frame.bottom() > barOf(upper).y - 20
+            && frame.y < 40 && frame.width > 1200;
+    })) << desktop.frame(window);
+}
+
 // Faults: a bar on one monitor only, chips of all windows on each, a click that meets another chip
 // than the one that is seen, a full-screen window that hides the other monitor's bar or lies under
 // its own.

@@ -214,7 +214,7 @@ bool DesktopWindowServer::setDockRectangle(const DockRectangle& dock)
     auto heights = m_environment.dockHeights.value();
     heights[dock.display] = dock.rect.height;
     m_environment.dockHeights.set(std::move(heights));
-    return true;
+    return m_environment.canReserve(dock.display);
 }
 
 void DesktopWindowServer::clearDockRectangle(DisplayNumber display)

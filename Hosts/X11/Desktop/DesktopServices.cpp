@@ -1,5 +1,7 @@
 #include "Hosts/X11/Desktop/DesktopServices.h"
 
+#include <algorithm>
+
 #include "Hosts/Linux/Applications/LauncherBus.h"
 #include "Hosts/Linux/Desktop/DesktopAccessibility.h"
 #include "Hosts/Linux/Desktop/DesktopLaunchServices.h"
@@ -7,12 +9,14 @@
 #include "Hosts/Linux/Desktop/DesktopWindowServer.h"
 #include "Hosts/Linux/Desktop/DesktopWorkspace.h"
 #include "Hosts/Linux/Desktop/ObserverRegistry.h"
+#include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/X11/Capture/X11ScreenCapture.h"
 #include "Hosts/X11/Desktop/Mirror.h"
 #include "Hosts/X11/Desktop/PropertyIcons.h"
 #include "Hosts/X11/Desktop/StartupTokens.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
 #include "Hosts/X11/Desktop/X11Displays.h"
+#include "Hosts/X11/Monitors.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -37,6 +41,11 @@ struct DesktopServices::Parts {
               [this] { launchServices.answersMayHaveChanged.emit(); }))
         , focusLost(tracker.focusWasLost.subscribe([this] { requests.focusWasLost(); }))
     {
+        environment.canReserve = [&monitors](DisplayNumber display) {
+            auto& all = monitors.list();
+            auto own = std::ranges::find(all, display, &Monitor::number);
+            return own != all.end() && !hasMonitorBelow(own->pixels, all);
+        };
         requests.onActivationAsked
             = [this](std::optional<WindowID> window) { tracker.expectFocus(window); };
     }

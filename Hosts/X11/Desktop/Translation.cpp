@@ -39,6 +39,24 @@ std::optional<std::uint32_t> processOf(const Client& client)
     return std::nullopt;
 }
 
+/// A manager shortens what is maximised itself, once it has read the bar's strut; where there can
+/// be none, it is ours to do.
+bool isLeftToUs(const Client& client, const std::vector<Monitor>& monitors)
+{
+    auto centre = client.frame().centre();
+    return std::ranges::any_of(monitors, [&](const Monitor& monitor) {
+        return monitor.pixels.contains(centre) && hasMonitorBelow(monitor.pixels, monitors);
+    });
+}
+
+bool canResize(const Client& client, const std::vector<Monitor>& monitors)
+{
+    if (client.state.isFullScreen)
+        return false;
+    return client.state.isMaximizedVertically ? isLeftToUs(client, monitors)
+                                              : !coversItsMonitor(client.frame(), monitors);
+}
+
 std::int32_t layerOf(const Client& client)
 {
     if (client.type == WindowType::dock)
@@ -91,7 +109,6 @@ WindowRecord recordOf(const Client& client, bool hasParent, const TranslationCon
 {
     auto frame = client.frame();
     auto& state = client.state;
-    bool coversMonitor = coversItsMonitor(frame, context.monitors);
     WindowRecord record;
     record.id = client.id;
     record.native = client.window;
@@ -101,7 +118,7 @@ WindowRecord recordOf(const Client& client, bool hasParent, const TranslationCon
     record.isMinimized = client.isMinimized;
     record.isDesktopElement = isDesktopElement(client);
     record.isFullScreen = state.isFullScreen;
-    record.canResize = !state.isFullScreen && !state.isMaximizedVertically && !coversMonitor;
+    record.canResize = canResize(client, context.monitors);
     record.asksForAttention = state.demandsAttention || client.isUrgent;
     record.layer = layerOf(client);
     record.alpha = client.opacity;

@@ -17,6 +17,8 @@ constexpr std::uint32_t kSourcePager = 2; ///< the user's own wish, not an appli
 constexpr std::uint32_t kIconicState = 3;
 constexpr xcb_timestamp_t kFarActivationCounts = 1000; ///< milliseconds
 constexpr std::uint32_t kNorthWestGravity = 1;
+constexpr std::uint32_t kRemoveState = 0;
+constexpr std::uint32_t kVerticalPlace = 1u << 9;
 constexpr std::uint32_t kWidthAndHeight = 1u << 10 | 1u << 11;
 constexpr double kLargestSide = 32767;
 
@@ -189,9 +191,19 @@ void WindowRequests::sendSize(WindowID window, Size points)
     auto pixels = m_monitors.coordinates().toPixels(Rect::from({}, points)).size();
     double width = pixels.width - (frame.width - client->place.width);
     double height = pixels.height - (frame.height - client->place.height);
-    message(client->window, m_connection.atoms().netMoveResizeWindow,
-        {kNorthWestGravity | kWidthAndHeight | kSourcePager << 12, 0, 0, side(width),
-            side(height)});
+    auto& atoms = m_connection.atoms();
+    auto flags = kNorthWestGravity | kWidthAndHeight | kSourcePager << 12;
+    std::uint32_t y = 0;
+    if (client->state.isMaximizedVertically) {
+        // Its height is the manager's while it is maximised; without that it would go back to where
+        // it was before.
+        message(client->window, atoms.netWmState,
+            {kRemoveState, atoms.netWmStateMaximizedVert, 0, kSourcePager});
+        flags |= kVerticalPlace;
+        y = static_cast<std::uint32_t>(
+            static_cast<std::int32_t>(client->place.y - client->frameExtents.top));
+    }
+    message(client->window, atoms.netMoveResizeWindow, {flags, 0, y, side(width), side(height)});
 }
 
 void WindowRequests::sendSpaces()

@@ -5,23 +5,10 @@
 
 namespace quorvel::xdg::x11 {
 
-namespace {
-
-bool liesBelow(const Rect& other, const Rect& monitor)
-{
-    return other.y >= monitor.maxY() && other.x < monitor.maxX() && monitor.x < other.maxX();
-}
-
-}
-
 Strut Strut::atBottomOf(
     const Rect& monitor, double pixels, const std::vector<Monitor>& all, Size screenPixels)
 {
-    if (pixels <= 0 || monitor.isEmpty())
-        return {};
-    auto hidesAnother = std::ranges::any_of(
-        all, [&](const Monitor& other) { return liesBelow(other.pixels, monitor); });
-    if (hidesAnother)
+    if (pixels <= 0 || monitor.isEmpty() || hasMonitorBelow(monitor, all))
         return {};
     double gap = std::max(0.0, screenPixels.height - monitor.maxY());
     return {static_cast<std::uint32_t>(std::lround(gap + pixels)),
