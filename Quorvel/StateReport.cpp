@@ -127,9 +127,18 @@ Json popupJson(const Places& places, const ThumbnailPopup* popup)
     return {{"frame", places.onScreen(popup->frame())}, {"cards", std::move(cards)}};
 }
 
+/// A bar that has not been shown yet has nothing on it.
 Json panelJson(const Platform& platform, const BarPanel& panel)
 {
     Places places{platform};
+    Json report{
+        {"space", raw(panel.spaceID())},
+        {"screen", panel.screenIndex()},
+        {"visible", panel.surface().isVisible()},
+        {"frame", places.onScreen(panel.surface().frame())},
+    };
+    if (!panel.content())
+        return report;
     auto& content = *panel.content();
     auto named = [&](const char* key, auto& frames) {
         Json list = Json::array();
@@ -142,11 +151,7 @@ Json panelJson(const Platform& platform, const BarPanel& panel)
         cells.push_back({{"space", raw(space)}, {"frame", places.inPanel(panel, rect)}});
     auto chips = content.chipFrames();
     auto pins = content.pinFrames();
-    return {
-        {"space", raw(panel.spaceID())},
-        {"screen", panel.screenIndex()},
-        {"visible", panel.surface().isVisible()},
-        {"frame", places.onScreen(panel.surface().frame())},
+    report.update(Json{
         {"menuButton", places.inPanel(panel, content.menuButtonFrame())},
         {"pins", named("bundle", pins)},
         {"chips", named("id", chips)},
@@ -157,7 +162,8 @@ Json panelJson(const Platform& platform, const BarPanel& panel)
         {"keyFocus",
             panel.keyFocusedView() ? Json(panel.keyFocusedView()->accessibleState().name)
                                    : Json(nullptr)},
-    };
+    });
+    return report;
 }
 
 Json menuJson(const Platform& platform)

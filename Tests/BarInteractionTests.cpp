@@ -219,7 +219,7 @@ TEST_F(BarInteractionTest, aChipDroppedOnASpaceMovesItsWindowThere)
         << "where it was lifted: " << lifted.maxX();
     settle();
     EXPECT_FALSE(chipFrame(draft));
-    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Draft"));
+    EXPECT_THAT(chipTitles(SpaceID{2}), ElementsAre("Draft"));
 }
 
 // Faults: a press where a chip was a moment ago closes the gap, so that the next one hits a

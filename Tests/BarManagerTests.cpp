@@ -369,6 +369,22 @@ TEST_F(BarManagerTest, barsAreWhereTheyBelongHoweverTheDisplaysChange)
     }
 }
 
+// Fault: a thousand spaces cost what a thousand bars cost, though the user looks at three.
+TEST_F(BarManagerTest, aBarIsFilledWhenItsSpaceIsFirstShown)
+{
+    start();
+    EXPECT_FALSE(manager().panels().at(SpaceID{2})->content());
+    runtime->userSettings().setBarSize(BarSize::xl);
+    showOnAllDisplays(true);
+    desktop.open(desktop.launch({.name = "Mail"}), {.title = "There", .spaces = {SpaceID{2}}});
+    settle();
+    EXPECT_FALSE(manager().panels().at(SpaceID{2})->content());
+    desktop.activateSpace(SpaceID{2});
+    desktop.drain();
+    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("There")) << "at once";
+    EXPECT_EQ(panel(SpaceID{2}).frame().height, 54);
+}
+
 // MARK: What other windows are told
 
 TEST_F(BarManagerTest, anotherSizeMovesEachBarOnceAndTheSameSizeNone)

@@ -131,8 +131,13 @@ struct ChurnRound final : ChurnOperations {
                 shownItems.insert(each.id);
         }
         EXPECT_EQ(shownItems, items);
+        auto* content = runtime->barManager()->panels().at(space)->content();
+        if (!content) {
+            EXPECT_NE(space, display.current);
+            return;
+        }
         std::vector<std::string> shownChips;
-        for (auto& [id, frame] : runtime->barManager()->panels().at(space)->content()->chipFrames())
+        for (auto& [id, frame] : content->chipFrames())
             shownChips.push_back(id);
         std::ranges::sort(shownChips);
         EXPECT_EQ(shownChips, std::vector(chips.begin(), chips.end()));

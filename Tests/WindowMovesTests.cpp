@@ -43,7 +43,7 @@ TEST_F(WindowMovesTest, aWindowGoesWhereItIsSentAndTheUserStays)
     EXPECT_EQ(spacesOf(inbox), std::set{SpaceID{2}});
     EXPECT_EQ(current(), SpaceID{1});
     EXPECT_THAT(chipTexts(SpaceID{1}), IsEmpty());
-    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Inbox"));
+    EXPECT_THAT(chipTitles(SpaceID{2}), ElementsAre("Inbox"));
     EXPECT_THAT(whereTheButtonWent(), IsEmpty());
 }
 

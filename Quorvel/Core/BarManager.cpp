@@ -172,7 +172,7 @@ void BarManager::repositionPanels()
 
 void BarManager::placePanels(const SpaceWindows::Answer& answer)
 {
-    if (m_panels.place(answer.spaces))
+    if (m_panels.place(answer))
         m_unansweredSyncs = 0;
     else if (m_unansweredSyncs++ < kMostSyncsAgain)
         syncAgain();

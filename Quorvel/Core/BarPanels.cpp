@@ -138,25 +138,28 @@ std::map<MirrorKey, BarPanels::Spot> BarPanels::mirrorSpots(
 
 // MARK: Placing
 
-bool BarPanels::place(const std::vector<SpaceWindows::Info>& spaces)
+bool BarPanels::place(const SpaceWindows::Answer& answer)
 {
     auto screens = m_displays.screens();
+    auto& spaces = answer.spaces;
     if (spaces.empty() && !screens.empty())
         return false;
     auto ordinary = spots(spaces, screens, PanelKind::bar);
     placeAll(m_panels, ordinary);
     syncFullscreenProxyPanels(spaces, screens);
     placeMirrors(ordinary, screens);
+    fillShown(answer.shown);
     return true;
 }
 
 bool BarPanels::syncMirrorPanels()
 {
     auto screens = m_displays.screens();
-    auto spaces = m_spaceWindows.getSpaces();
-    if (spaces.empty() && !screens.empty())
+    auto answer = m_spaceWindows.ask();
+    if (answer.spaces.empty() && !screens.empty())
         return false;
-    placeMirrors(spots(spaces, screens, PanelKind::bar), screens);
+    placeMirrors(spots(answer.spaces, screens, PanelKind::bar), screens);
+    fillShown(answer.shown);
     return true;
 }
 
@@ -200,8 +203,6 @@ std::unique_ptr<BarPanel> BarPanels::createPanel(const Spot& spot)
         PanelOptions{
             spot.space, spot.screen.number.value_or(DisplayNumber{}), "Quorvel", spot.kind},
         spot.screenIndex);
-    if (spot.kind == PanelKind::bar && onContentNeeded)
-        onContentNeeded(*panel);
     panel->surface().setFrame(frame(spot));
     panel->surface().orderFront();
     return panel;
@@ -209,12 +210,24 @@ std::unique_ptr<BarPanel> BarPanels::createPanel(const Spot& spot)
 
 void BarPanels::rebuildContentViews()
 {
-    for (auto* bar : bars())
-        onContentNeeded(*bar);
+    for (auto* bar : bars()) {
+        if (bar->content())
+            onContentNeeded(*bar);
+    }
+}
+
+void BarPanels::fillShown(const std::vector<SpaceID>& spaces)
+{
+    for (auto* bar : bars()) {
+        bool isShown = std::ranges::find(spaces, bar->spaceID()) != spaces.end();
+        if (isShown && !bar->content())
+            onContentNeeded(*bar);
+    }
 }
 
 void BarPanels::orderFront(const std::vector<SpaceID>& spaces)
 {
+    fillShown(spaces);
     for (auto* bar : bars()) {
         if (std::ranges::find(spaces, bar->spaceID()) != spaces.end())
             bar->surface().orderFront();

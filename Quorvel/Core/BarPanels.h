@@ -27,7 +27,8 @@ struct MirrorKey {
 /// The panels on the screens, each where it belongs: one bar for every ordinary space on the
 /// display of the space, mirrors of them on the further screens if the user wants bars there, and a
 /// proxy for each full-screen space, through which the space can be reached. A panel belongs to its
-/// display for life: if its space comes to another one, it is made anew. Main thread.
+/// display for life: if its space comes to another one, it is made anew. A bar that nobody has seen
+/// yet has no content: users have many spaces and look at few. Main thread.
 class BarPanels {
 public:
     using BySpace = std::map<SpaceID, std::unique_ptr<BarPanel>>;
@@ -36,7 +37,7 @@ public:
     BarPanels(const Platform&, const UserSettings&);
     ~BarPanels();
 
-    /// Fills a bar that is new, or whose content has to be made anew.
+    /// Fills a bar that is to be shown for the first time, or whose content has to be made anew.
     std::function<void(BarPanel&)> onContentNeeded;
 
     const BySpace& panels() const { return m_panels; }
@@ -55,9 +56,10 @@ public:
 
     /// Makes, moves and closes panels until each is in its place. False if nothing is changed,
     /// because the system does not say which spaces there are.
-    bool place(const std::vector<SpaceWindows::Info>&);
+    bool place(const SpaceWindows::Answer&);
     bool syncMirrorPanels();
     void rebuildContentViews();
+    /// These spaces are shown now.
     void orderFront(const std::vector<SpaceID>&);
     void closeAll();
 
@@ -81,6 +83,7 @@ private:
     void placeMirrors(const Spots&, const std::vector<Screen>&);
     template <typename Panels, typename WantedSpots> void placeAll(Panels&, const WantedSpots&);
     std::unique_ptr<BarPanel> createPanel(const Spot&);
+    void fillShown(const std::vector<SpaceID>&);
     Rect frame(const Spot&) const;
     Rect barFrame(const Screen&) const;
 

@@ -32,6 +32,7 @@ public:
     void setHoverKeyingSuppressed(bool);
 
     void setContent(std::unique_ptr<BarContentView>);
+    /// Null until the bar is first shown.
     BarContentView* content() { return m_content; }
     const BarContentView* content() const { return m_content; }
     /// The view that the keyboard has been walked to; null if it is elsewhere.

@@ -58,6 +58,14 @@ struct BarFixture : testing::Test {
     {
         return chipTexts(panel(space));
     }
+    /// Also of a space whose bar has not been shown yet.
+    std::vector<std::string> chipTitles(SpaceID space)
+    {
+        std::vector<std::string> titles;
+        for (auto& chip : model().chipsBySpace.value().at(space))
+            titles.push_back(chip.windowTitle);
+        return titles;
+    }
     const ChipData* chip(WindowID window)
     {
         for (auto& [space, chips] : model().chipsBySpace.value()) {

@@ -95,6 +95,19 @@ std::optional<State::Popup> popupFrom(const Json& json)
 
 State::Panel panelFrom(const Json& json)
 {
+    // A bar that has not been shown yet has nothing on it.
+    if (!json.contains("chips"))
+        return {.space = json.at("space"),
+            .isVisible = json.at("visible"),
+            .frame = frameFrom(json.at("frame")),
+            .menuButton = {},
+            .showDesktop = {},
+            .spaceList = {},
+            .pins = {},
+            .chips = {},
+            .cells = {},
+            .popup = {},
+            .keyFocus = {}};
     return {.space = json.at("space"),
         .isVisible = json.at("visible"),
         .frame = frameFrom(json.at("frame")),
