@@ -57,7 +57,7 @@ void RootState::request(RequestBatch& batch)
     if (stale & showingBit) {
         batch.property(root, atoms.netShowingDesktop, 1, [this](const RawProperty& raw) {
             m_isShowingDesktop = decodeCardinal(raw).value_or(0) == 1;
-            ++m_showingDesktopReads;
+            ++m_showingDesktopReads[m_isShowingDesktop];
         });
     }
     requestDesktops(batch, stale);

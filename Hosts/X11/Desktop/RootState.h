@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -32,8 +33,8 @@ public:
     const std::vector<xcb_window_t>& bottomToTop() const { return m_bottomToTop; }
     xcb_window_t activeWindow() const { return m_activeWindow; }
     bool isShowingDesktop() const { return m_isShowingDesktop; }
-    /// How often that has been read.
-    unsigned showingDesktopReads() const { return m_showingDesktopReads; }
+    /// How often that value has been read.
+    unsigned showingDesktopReads(bool isShowing) const { return m_showingDesktopReads[isShowing]; }
     std::uint32_t currentDesktop() const { return m_currentDesktop.value_or(0); }
     /// At least 1; 1 for a manager without desktops.
     std::uint32_t desktopCount() const;
@@ -68,7 +69,7 @@ private:
     std::vector<xcb_window_t> m_bottomToTop;
     xcb_window_t m_activeWindow = XCB_WINDOW_NONE;
     bool m_isShowingDesktop = false;
-    unsigned m_showingDesktopReads = 0;
+    std::array<unsigned, 2> m_showingDesktopReads{};
     std::optional<std::uint32_t> m_currentDesktop;
     std::optional<std::uint32_t> m_desktopCount;
     std::vector<std::string> m_desktopNames;

@@ -51,11 +51,14 @@ void WindowRequests::activate(WindowID window)
 
 void WindowRequests::toggleShowingDesktop()
 {
-    // What was asked for counts until the manager's answer has been read, or the second of two
-    // quick clicks would ask for the same.
-    bool isAsked = m_showingDesktop.reads == m_root.showingDesktopReads();
-    bool isShowing = isAsked ? m_showingDesktop.isAsked : m_root.isShowingDesktop();
-    m_showingDesktop = {!isShowing, m_root.showingDesktopReads()};
+    // What was asked for counts until the manager has said that it is so, or the second of two
+    // quick clicks would ask for the same, and the third would take the first one's answer for its
+    // own.
+    const auto reads = [this](bool value) { return m_root.showingDesktopReads(value); };
+    const bool isAsked
+        = m_askedDesktop && m_askedDesktop->reads == reads(m_askedDesktop->isShowing);
+    const bool isShowing = isAsked ? m_askedDesktop->isShowing : m_root.isShowingDesktop();
+    m_askedDesktop = {!isShowing, reads(!isShowing)};
     message(m_connection.root(), m_connection.atoms().netShowingDesktop, {isShowing ? 0u : 1u});
     xcb_flush(m_connection.raw());
 }

@@ -63,10 +63,11 @@ private:
     Monitors& m_monitors;
     Clients& m_clients;
     const RootState& m_root;
-    struct {
-        bool isAsked = false;
-        unsigned reads = 0; ///< at that time
-    } m_showingDesktop;
+    struct AskedDesktop {
+        bool isShowing = false;
+        unsigned reads = 0; ///< that said so, at that time
+    };
+    std::optional<AskedDesktop> m_askedDesktop;
     SharedModel& m_model;
     /// A window of another space that was activated, and when.
     struct FarActivation {
