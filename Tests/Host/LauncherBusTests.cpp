@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <functional>
 #include <memory>
 
@@ -27,23 +28,39 @@ template <typename Type> using Owned = std::unique_ptr<Type, Release>;
 class Bus {
 public:
     Bus()
-        : m_daemon(g_subprocess_new(static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_PIPE
-                                        | G_SUBPROCESS_FLAGS_STDERR_SILENCE),
-            nullptr, "dbus-daemon", "--session", "--nofork", "--print-address", nullptr))
     {
-        const Owned<GDataInputStream> output{
-            g_data_input_stream_new(g_subprocess_get_stdout_pipe(m_daemon.get()))};
-        g_filter_input_stream_set_close_base_stream(G_FILTER_INPUT_STREAM(output.get()), false);
-        char* line = g_data_input_stream_read_line(output.get(), nullptr, nullptr, nullptr);
-        m_address = line ? line : "";
-        g_free(line);
+        char* folder = g_dir_make_tmp("quorvel-bus-XXXXXX", nullptr);
+        m_folder = folder;
+        g_free(folder);
+        m_address = "unix:path=" + m_folder + "/bus";
+        start();
         g_setenv("DBUS_SESSION_BUS_ADDRESS", m_address.c_str(), true);
     }
     ~Bus()
     {
+        end();
+        g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
+        std::filesystem::remove_all(m_folder);
+    }
+
+    /// Returns when it listens.
+    void start()
+    {
+        m_daemon.reset(g_subprocess_new(static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_PIPE
+                                            | G_SUBPROCESS_FLAGS_STDERR_SILENCE),
+            nullptr, "dbus-daemon", "--session", "--nofork", "--print-address",
+            ("--address=" + m_address).c_str(), nullptr));
+        const Owned<GDataInputStream> output{
+            g_data_input_stream_new(g_subprocess_get_stdout_pipe(m_daemon.get()))};
+        g_filter_input_stream_set_close_base_stream(G_FILTER_INPUT_STREAM(output.get()), false);
+        g_free(g_data_input_stream_read_line(output.get(), nullptr, nullptr, nullptr));
+    }
+    /// Without a word; its socket goes with it.
+    void end()
+    {
         g_subprocess_force_exit(m_daemon.get());
         g_subprocess_wait(m_daemon.get(), nullptr, nullptr);
-        g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
+        std::filesystem::remove(m_folder + "/bus");
     }
 
     void stop() { g_subprocess_send_signal(m_daemon.get(), SIGSTOP); }
@@ -58,6 +75,7 @@ public:
 
 private:
     Owned<GSubprocess> m_daemon;
+    std::string m_folder;
     std::string m_address;
 };
 
@@ -161,6 +179,29 @@ TEST_F(LauncherBusTest, isNotHeldUpByABusThatHangs)
     while (g_main_context_iteration(nullptr, false)) { }
     bus.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - start, 20s) << "GIO waits for 25";
+}
+
+// Faults: a bus that was started anew is never joined, or only to hear nothing; what the senders of
+// the old one said is kept.
+TEST_F(LauncherBusTest, joinsABusThatIsStartedAgain)
+{
+    for (int round = 0; round < 2; ++round) {
+        std::optional<Sender> sender{daemon};
+        if (round == 0)
+            listen(*sender);
+        ASSERT_TRUE(eventually([&] { return sender->ask("NameHasOwner") == "(true,)"; }));
+        ASSERT_TRUE(eventually([&] {
+            sender->say("('mail', {'urgent': <true>})");
+            return entries.asking().contains("mail");
+        })) << "after "
+            << round;
+        daemon.end();
+        ASSERT_TRUE(eventually([&] { return entries.asking().empty(); }));
+        sender.reset();
+        daemon.start();
+    }
+    Sender sender{daemon};
+    EXPECT_TRUE(eventually([&] { return sender.ask("NameHasOwner") == "(true,)"; }));
 }
 
 }

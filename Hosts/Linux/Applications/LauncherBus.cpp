@@ -34,7 +34,12 @@ LauncherBus::LauncherBus(
     : m_entries(entries)
     , m_onChange(std::move(onChange))
     , m_matcher([&installed](auto& desktopID) { return bundleIdentifierOf(installed, desktopID); })
-    , m_bus([this](GDBusConnection* bus) { listen(bus); })
+    , m_bus([this](GDBusConnection* bus) { listen(bus); },
+          [this](GDBusConnection* bus) {
+              leave(bus);
+              if (m_entries.forgetAll())
+                  m_onChange();
+          })
 {
     m_installedChanged = installed.changed.subscribe([this] {
         m_entries.rematch(m_matcher);
@@ -47,17 +52,13 @@ LauncherBus::~LauncherBus()
     auto* bus = m_bus.connection();
     if (!bus)
         return;
-    for (auto& [sender, watch] : m_watches)
-        g_bus_unwatch_name(watch);
-    g_dbus_connection_signal_unsubscribe(bus, m_signal);
-    g_signal_handler_disconnect(bus, m_closed);
+    leave(bus);
     // GIO's own call for this waits for the answer.
     tellBus(bus, "ReleaseName", g_variant_new("(s)", kName));
 }
 
 void LauncherBus::listen(GDBusConnection* bus)
 {
-    m_closed = g_signal_connect(bus, "closed", G_CALLBACK(&LauncherBus::onClosed), this);
     m_signal = g_dbus_connection_signal_subscribe(bus, nullptr, kInterface, kMember, nullptr,
         nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &LauncherBus::onUpdate, this, nullptr);
     // Many applications say nothing unless somebody has this name. Whoever has it keeps it, and
@@ -107,17 +108,11 @@ void LauncherBus::senderDidLeave(const std::string& sender)
         m_onChange();
 }
 
-void LauncherBus::onClosed(GDBusConnection*, gboolean, GError*, gpointer self)
-{
-    static_cast<LauncherBus*>(self)->busDidClose();
-}
-
-void LauncherBus::busDidClose()
+void LauncherBus::leave(GDBusConnection* bus)
 {
     for (auto& [sender, watch] : std::exchange(m_watches, {}))
         g_bus_unwatch_name(watch);
-    if (m_entries.forgetAll())
-        m_onChange();
+    g_dbus_connection_signal_unsubscribe(bus, std::exchange(m_signal, 0));
 }
 
 }

@@ -26,18 +26,16 @@ private:
     void take(const std::string& sender, GVariant* parameters);
     void watch(const std::string& sender);
     void senderDidLeave(const std::string& sender);
-    void busDidClose();
+    void leave(GDBusConnection*);
 
     static void onUpdate(GDBusConnection*, const char* sender, const char*, const char*,
         const char*, GVariant* parameters, gpointer self);
     static void onVanished(GDBusConnection*, const char* sender, gpointer self);
-    static void onClosed(GDBusConnection*, gboolean, GError*, gpointer self);
 
     LauncherEntries& m_entries;
     std::function<void()> m_onChange;
     LauncherEntries::Matcher m_matcher;
     std::map<std::string, guint> m_watches; ///< by sender
-    gulong m_closed = 0;
     guint m_signal = 0;
     SessionBus m_bus;
     Subscription m_installedChanged;

@@ -35,7 +35,8 @@ BusService::BusService(const Names& names, Listener listener, GBusNameWatcherFla
     , m_listener(std::move(listener))
     , m_watching(watching)
     , m_cancellable(g_cancellable_new())
-    , m_bus([this](GDBusConnection* bus) { watch(bus); })
+    , m_bus(
+          [this](GDBusConnection* bus) { watch(bus); }, [this](GDBusConnection* bus) { lose(bus); })
 {
 }
 
@@ -43,10 +44,8 @@ BusService::~BusService()
 {
     g_cancellable_cancel(m_cancellable);
     g_object_unref(m_cancellable);
-    if (m_name)
-        g_bus_unwatch_name(m_name);
-    if (m_signal)
-        g_dbus_connection_signal_unsubscribe(m_bus.connection(), m_signal);
+    if (m_bus.connection())
+        unwatch(m_bus.connection());
 }
 
 void BusService::watch(GDBusConnection* bus)
@@ -56,6 +55,19 @@ void BusService::watch(GDBusConnection* bus)
         &BusService::onSignal, this, nullptr);
     m_name = g_bus_watch_name_on_connection(bus, m_names.service, m_watching,
         &BusService::onAppeared, &BusService::onVanished, this, nullptr);
+}
+
+void BusService::unwatch(GDBusConnection* bus)
+{
+    g_bus_unwatch_name(std::exchange(m_name, 0));
+    g_dbus_connection_signal_unsubscribe(bus, std::exchange(m_signal, 0));
+}
+
+void BusService::lose(GDBusConnection* bus)
+{
+    unwatch(bus);
+    if (m_listener.vanished)
+        m_listener.vanished();
 }
 
 void BusService::call(const char* interface, const char* method, GVariant* arguments,

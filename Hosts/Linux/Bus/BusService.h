@@ -9,7 +9,8 @@
 namespace quorvel::xdg {
 
 /// A service that others offer on the session bus: when it comes and goes, one signal of it, and
-/// questions to it. Nobody waits for it, and it is not started to be asked. Main thread.
+/// questions to it. Nobody waits for it, and it is not started to be asked.
+/// When the bus is lost the service has gone, until the bus is joined again. Main thread.
 class BusService {
 public:
     struct Names {
@@ -32,13 +33,15 @@ public:
     BusService(const BusService&) = delete;
     BusService& operator=(const BusService&) = delete;
 
-    /// Only once it has appeared. `answered` comes with a tuple of the type, or null; never after
+    /// Only while it is there. `answered` comes with a tuple of the type, or null; never after
     /// the end of this object.
     void call(const char* interface, const char* method, GVariant* arguments, const char* type,
         std::function<void(GVariant* reply)> answered);
 
 private:
     void watch(GDBusConnection*);
+    void unwatch(GDBusConnection*);
+    void lose(GDBusConnection*);
 
     static void onAppeared(GDBusConnection*, const char*, const char*, gpointer self);
     static void onVanished(GDBusConnection*, const char*, gpointer self);

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <unistd.h>
@@ -10,19 +11,47 @@ namespace quorvel::xdg {
 
 namespace {
 
+/// The first attempt to join a bus again, in milliseconds; each further one takes twice as long.
+constexpr guint kFirstAttempt = 200;
+constexpr int kMostAttempts = 10;
+
+std::string runtimeSocket()
+{
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    return runtime ? std::string{runtime} + "/bus" : std::string{};
+}
+
 /// GIO would start a bus of its own where there is none.
 bool hasSessionBus()
 {
-    if (std::getenv("DBUS_SESSION_BUS_ADDRESS"))
-        return true;
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    return runtime && access((std::string{runtime} + "/bus").c_str(), R_OK | W_OK) == 0;
+    return std::getenv("DBUS_SESSION_BUS_ADDRESS")
+        || (!runtimeSocket().empty() && access(runtimeSocket().c_str(), R_OK | W_OK) == 0);
+}
+
+/// Empty where the bus has no place among the files.
+std::string socketPath()
+{
+    const char* variable = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    if (!variable)
+        return runtimeSocket();
+    constexpr std::string_view key = "unix:path=";
+    const std::string_view address{variable};
+    const auto start = address.find(key);
+    if (start == std::string_view::npos)
+        return {};
+    const std::string escaped{address.substr(
+        start + key.size(), address.find_first_of(",;", start) - start - key.size())};
+    char* path = g_uri_unescape_string(escaped.c_str(), nullptr);
+    std::string result{path ? path : ""};
+    g_free(path);
+    return result;
 }
 
 }
 
-SessionBus::SessionBus(Connected connected)
+SessionBus::SessionBus(Changed connected, Changed lost)
     : m_connected(std::move(connected))
+    , m_lost(std::move(lost))
     , m_cancellable(g_cancellable_new())
 {
     if (!hasSessionBus())
@@ -33,7 +62,7 @@ SessionBus::SessionBus(Connected connected)
         [](gpointer data) -> gboolean {
             auto* self = static_cast<SessionBus*>(data);
             self->m_start = 0;
-            g_bus_get(G_BUS_TYPE_SESSION, self->m_cancellable, &SessionBus::onConnected, self);
+            self->connect();
             return G_SOURCE_REMOVE;
         },
         this, nullptr);
@@ -43,9 +72,15 @@ SessionBus::~SessionBus()
 {
     if (m_start)
         g_source_remove(m_start);
+    stopWaiting();
     g_cancellable_cancel(m_cancellable);
     g_object_unref(m_cancellable);
-    g_clear_object(&m_connection);
+    letGo();
+}
+
+void SessionBus::connect()
+{
+    g_bus_get(G_BUS_TYPE_SESSION, m_cancellable, &SessionBus::onConnected, this);
 }
 
 void SessionBus::onConnected(GObject*, GAsyncResult* result, gpointer data)
@@ -54,12 +89,93 @@ void SessionBus::onConnected(GObject*, GAsyncResult* result, gpointer data)
     auto* bus = g_bus_get_finish(result, &error);
     const bool isCancelled = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
     g_clear_error(&error);
-    if (!bus || isCancelled) // cancelled, and with it whoever asked
+    if (isCancelled) // and with it whoever asked
+        return;
+    static_cast<SessionBus*>(data)->take(bus);
+}
+
+/// GIO hands the lost connection out for as long as anybody has it.
+void SessionBus::take(GDBusConnection* bus)
+{
+    if (!bus || g_dbus_connection_is_closed(bus)) {
+        g_clear_object(&bus);
+        return wait();
+    }
+    stopWaiting();
+    m_connection = bus;
+    g_dbus_connection_set_exit_on_close(bus, false); // the bar outlives its session bus
+    m_closed = g_signal_connect(bus, "closed", G_CALLBACK(&SessionBus::onClosed), this);
+    m_connected(bus);
+}
+
+void SessionBus::onClosed(GDBusConnection*, gboolean, GError*, gpointer data)
+{
+    auto* self = static_cast<SessionBus*>(data);
+    self->m_lost(self->m_connection);
+    self->letGo();
+    self->m_attempts = 0;
+    self->wait();
+}
+
+void SessionBus::letGo()
+{
+    if (!m_connection)
+        return;
+    g_signal_handler_disconnect(m_connection, std::exchange(m_closed, 0));
+    g_clear_object(&m_connection);
+}
+
+/// A bus that is started by who connects to it keeps its socket, so nothing tells that it is back:
+/// some attempts are made, and after them only the socket's coming counts.
+void SessionBus::wait()
+{
+    watchSocket();
+    if (m_attempt || m_attempts >= kMostAttempts)
+        return;
+    m_attempt = g_timeout_add(
+        kFirstAttempt << m_attempts++,
+        [](gpointer data) -> gboolean {
+            auto* self = static_cast<SessionBus*>(data);
+            self->m_attempt = 0;
+            self->connect();
+            return G_SOURCE_REMOVE;
+        },
+        this);
+}
+
+void SessionBus::watchSocket()
+{
+    if (m_socket)
+        return;
+    const auto path = socketPath();
+    if (path.empty())
+        return;
+    auto* file = g_file_new_for_path(path.c_str());
+    m_socket = g_file_monitor_file(file, G_FILE_MONITOR_NONE, nullptr, nullptr);
+    g_object_unref(file);
+    if (m_socket)
+        g_signal_connect(m_socket, "changed", G_CALLBACK(&SessionBus::onSocketChanged), this);
+}
+
+void SessionBus::onSocketChanged(
+    GFileMonitor*, GFile*, GFile*, GFileMonitorEvent event, gpointer data)
+{
+    if (event != G_FILE_MONITOR_EVENT_CREATED)
         return;
     auto* self = static_cast<SessionBus*>(data);
-    self->m_connection = bus;
-    g_dbus_connection_set_exit_on_close(bus, false); // the bar outlives its session bus
-    self->m_connected(bus);
+    self->m_attempts = 0;
+    self->wait();
+}
+
+void SessionBus::stopWaiting()
+{
+    if (m_attempt)
+        g_source_remove(std::exchange(m_attempt, 0));
+    if (!m_socket)
+        return;
+    g_signal_handlers_disconnect_by_data(m_socket, this);
+    g_file_monitor_cancel(m_socket);
+    g_clear_object(&m_socket);
 }
 
 }

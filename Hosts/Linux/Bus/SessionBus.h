@@ -7,27 +7,43 @@
 namespace quorvel::xdg {
 
 /// A connection to the session bus, if there is one. It is made once the program has nothing else
-/// to do, nobody waits for it, and losing it does not end the program. Main thread.
+/// to do, nobody waits for it, and losing it does not end the program: the bus is joined again when
+/// its socket is there again, or when it answers within a minute or two. Main thread.
 class SessionBus {
 public:
-    /// Called at most once, with a connection that lives as long as this object at least.
-    using Connected = std::function<void(GDBusConnection*)>;
+    using Changed = std::function<void(GDBusConnection*)>;
 
-    explicit SessionBus(Connected);
+    /// Each connection is announced when it is there, and when it is lost, before it is let go:
+    /// whatever was attached to it has to go then.
+    SessionBus(Changed connected, Changed lost);
     ~SessionBus();
     SessionBus(const SessionBus&) = delete;
     SessionBus& operator=(const SessionBus&) = delete;
 
-    /// Null before, and for ever where there is no bus.
+    /// Null while there is none.
     GDBusConnection* connection() const { return m_connection; }
 
 private:
     static void onConnected(GObject*, GAsyncResult*, gpointer);
+    static void onClosed(GDBusConnection*, gboolean, GError*, gpointer);
+    static void onSocketChanged(GFileMonitor*, GFile*, GFile*, GFileMonitorEvent, gpointer);
 
-    Connected m_connected;
+    void connect();
+    void take(GDBusConnection*);
+    void letGo();
+    void wait();
+    void watchSocket();
+    void stopWaiting();
+
+    const Changed m_connected;
+    const Changed m_lost;
     GCancellable* m_cancellable;
     GDBusConnection* m_connection = nullptr;
     guint m_start = 0;
+    gulong m_closed = 0;
+    guint m_attempt = 0; ///< the timer of the next one
+    int m_attempts = 0; ///< since the bus was lost, or its socket came
+    GFileMonitor* m_socket = nullptr; ///< while it is waited for
 };
 
 }
