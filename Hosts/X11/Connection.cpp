@@ -1,5 +1,6 @@
 #include "Hosts/X11/Connection.h"
 
+#include <bit>
 #include <cstdlib>
 #include <new>
 #include <unordered_map>
@@ -40,6 +41,36 @@ xcb_screen_t* screenOf(xcb_connection_t* connection, int number)
             return screens.data;
     }
     return nullptr;
+}
+
+PixelLayout pixelLayout(xcb_connection_t* connection, const xcb_screen_t& screen,
+    std::uint8_t depth, xcb_visualid_t wanted)
+{
+    PixelLayout layout;
+    const auto* setup = xcb_get_setup(connection);
+    const bool isLittle = setup->image_byte_order == XCB_IMAGE_ORDER_LSB_FIRST;
+    if (isLittle != (std::endian::native == std::endian::little))
+        return layout;
+    auto formats = xcb_setup_pixmap_formats_iterator(setup);
+    for (; formats.rem > 0; xcb_format_next(&formats)) {
+        if (formats.data->depth == depth) {
+            layout.bitsPerPixel = formats.data->bits_per_pixel;
+            layout.rowBits = formats.data->scanline_pad;
+        }
+    }
+    auto depths = xcb_screen_allowed_depths_iterator(&screen);
+    for (; depths.rem > 0; xcb_depth_next(&depths)) {
+        auto visuals = xcb_depth_visuals_iterator(depths.data);
+        for (; visuals.rem > 0; xcb_visualtype_next(&visuals)) {
+            const auto& visual = *visuals.data;
+            if (visual.visual_id == wanted) {
+                layout.red = visual.red_mask;
+                layout.green = visual.green_mask;
+                layout.blue = visual.blue_mask;
+            }
+        }
+    }
+    return layout;
 }
 
 struct Connection::Masks {

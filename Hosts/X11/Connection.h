@@ -7,12 +7,18 @@
 #include <xcb/xcb.h>
 
 #include "Hosts/X11/Atoms.h"
+#include "Hosts/X11/PixelLayout.h"
 #include "Quorvel/Platform/Published.h"
 
 namespace quorvel::xdg::x11 {
 
 /// The screen of this number, null if there is none.
 xcb_screen_t* screenOf(xcb_connection_t*, int number);
+
+/// How pixels of this depth and visual lie in the server's pictures; not readable where the
+/// server's byte order is not ours.
+PixelLayout pixelLayout(
+    xcb_connection_t*, const xcb_screen_t&, std::uint8_t depth, xcb_visualid_t visual);
 
 /// The connection to the X server, as a source of GLib's main loop. Main thread.
 class Connection {

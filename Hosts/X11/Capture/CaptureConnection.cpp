@@ -1,21 +1,11 @@
 #include "Hosts/X11/Capture/CaptureConnection.h"
 
-#include <bit>
-
-#include "Hosts/X11/Connection.h"
-
 namespace quorvel::xdg::x11 {
 
 namespace {
 
 /// Pixmaps of windows came with this version.
 constexpr std::uint32_t kCompositeMinor = 2;
-
-bool hasOurByteOrder(xcb_connection_t* connection)
-{
-    const bool isLittle = xcb_get_setup(connection)->image_byte_order == XCB_IMAGE_ORDER_LSB_FIRST;
-    return isLittle == (std::endian::native == std::endian::little);
-}
 
 bool hasComposite(xcb_connection_t* connection)
 {
@@ -35,8 +25,7 @@ std::unique_ptr<CaptureConnection> CaptureConnection::open()
     int number = 0;
     auto* connection = xcb_connect(nullptr, &number);
     xcb_screen_t* screen = nullptr;
-    if (!xcb_connection_has_error(connection) && hasOurByteOrder(connection)
-        && hasComposite(connection))
+    if (!xcb_connection_has_error(connection) && hasComposite(connection))
         screen = screenOf(connection, number);
     if (!screen) {
         xcb_disconnect(connection);
@@ -61,33 +50,6 @@ bool CaptureConnection::succeeds(xcb_void_cookie_t cookie) const
 {
     const ReplyPointer<xcb_generic_error_t> error{xcb_request_check(m_connection, cookie)};
     return !error && !xcb_connection_has_error(m_connection);
-}
-
-bool CaptureConnection::canRead(std::uint8_t depth) const
-{
-    if (depth != 24 && depth != 32)
-        return false;
-    auto formats = xcb_setup_pixmap_formats_iterator(xcb_get_setup(m_connection));
-    for (; formats.rem > 0; xcb_format_next(&formats)) {
-        if (formats.data->depth == depth)
-            return formats.data->bits_per_pixel == 32;
-    }
-    return false;
-}
-
-bool CaptureConnection::hasUsualColours(xcb_visualid_t wanted) const
-{
-    auto depths = xcb_screen_allowed_depths_iterator(m_screen);
-    for (; depths.rem > 0; xcb_depth_next(&depths)) {
-        auto visuals = xcb_depth_visuals_iterator(depths.data);
-        for (; visuals.rem > 0; xcb_visualtype_next(&visuals)) {
-            const auto& visual = *visuals.data;
-            if (visual.visual_id == wanted)
-                return visual.red_mask == 0xFF0000 && visual.green_mask == 0xFF00
-                    && visual.blue_mask == 0xFF;
-        }
-    }
-    return false;
 }
 
 void CaptureConnection::dropEvents() const

@@ -7,7 +7,7 @@
 #include <xcb/composite.h>
 #include <xcb/xcb.h>
 
-#include "Hosts/X11/Atoms.h"
+#include "Hosts/X11/Connection.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -19,7 +19,7 @@ template <typename Reply> using ReplyPointer = std::unique_ptr<Reply, FreeReply>
 /// The connection over which pictures come, so that the bar's own never waits for one. One thread.
 class CaptureConnection {
 public:
-    /// Null where the server cannot keep windows as pictures, or gives pixels that we cannot read.
+    /// Null where the server cannot keep windows as pictures.
     static std::unique_ptr<CaptureConnection> open();
     ~CaptureConnection();
     CaptureConnection(const CaptureConnection&) = delete;
@@ -32,10 +32,10 @@ public:
 
     /// Whether the request was carried out. Waits for the server.
     bool succeeds(xcb_void_cookie_t) const;
-    /// Whether a pixel of this depth is 32 bits wide.
-    bool canRead(std::uint8_t depth) const;
-    /// Whether red, green and blue lie where cairo has them.
-    bool hasUsualColours(xcb_visualid_t) const;
+    PixelLayout layout(std::uint8_t depth, xcb_visualid_t visual) const
+    {
+        return pixelLayout(m_connection, *m_screen, depth, visual);
+    }
     /// Forgets what the server told without being asked: every client is told of some things.
     void dropEvents() const;
 

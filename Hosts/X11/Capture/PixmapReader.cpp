@@ -13,19 +13,6 @@ namespace {
 
 constexpr std::uint32_t kAllPlanes = 0xFFFFFFFF;
 
-std::size_t bytesOf(const PixmapReader::Area& area)
-{
-    return static_cast<std::size_t>(area.width) * static_cast<std::size_t>(area.height) * 4;
-}
-
-void giveRows(const void* data, const PixmapReader::Area& area, const PixmapReader::OnRow& onRow)
-{
-    const auto* row = static_cast<const std::uint32_t*>(data);
-    const auto width = static_cast<std::size_t>(area.width);
-    for (int y = 0; y < area.height; ++y, row += width)
-        onRow({row, width});
-}
-
 }
 
 PixmapReader::PixmapReader(CaptureConnection& connection) : m_connection(connection)
@@ -60,9 +47,33 @@ void PixmapReader::shareMemory()
     shmctl(memory, IPC_RMID, nullptr);
 }
 
-bool PixmapReader::read(xcb_pixmap_t pixmap, const Area& area, const OnRow& onRow)
+std::size_t PixmapReader::bytesOf(const Area& area) const
 {
-    const auto rowBytes = static_cast<std::size_t>(area.width) * 4;
+    return m_layout.rowBytes(area.width) * static_cast<std::size_t>(area.height);
+}
+
+void PixmapReader::giveRows(const void* data, const Area& area, const OnRow& onRow)
+{
+    const auto width = static_cast<std::size_t>(area.width);
+    const std::span bytes{static_cast<const std::byte*>(data), bytesOf(area)};
+    const auto rowBytes = m_layout.rowBytes(area.width);
+    m_row.resize(m_layout.isUsual() ? 0 : width);
+    for (std::size_t at = 0; at < bytes.size(); at += rowBytes) {
+        const auto row = bytes.subspan(at, rowBytes);
+        if (m_layout.isUsual()) {
+            onRow({reinterpret_cast<const std::uint32_t*>(row.data()), width});
+        } else {
+            m_layout.toOpaque(row, m_row);
+            onRow(m_row);
+        }
+    }
+}
+
+bool PixmapReader::read(
+    xcb_pixmap_t pixmap, const Area& area, const PixelLayout& layout, const OnRow& onRow)
+{
+    m_layout = layout;
+    const auto rowBytes = layout.rowBytes(area.width);
     const int rows = std::max(1, static_cast<int>(kBandBytes / rowBytes));
     for (int y = 0; y < area.height; y += rows) {
         const Area band{area.x, area.y + y, area.width, std::min(rows, area.height - y)};

@@ -3,15 +3,18 @@
 #include <cstdint>
 #include <functional>
 #include <span>
+#include <vector>
 
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
+
+#include "Hosts/X11/PixelLayout.h"
 
 namespace quorvel::xdg::x11 {
 
 class CaptureConnection;
 
-/// Reads pixels of 32 bits in bands of a few megabytes: a window as large as the screen needs no
+/// Reads pixels in bands of a few megabytes: a window as large as the screen needs no
 /// more memory than a small one, and the server has its other clients' turn between two bands.
 class PixmapReader {
 public:
@@ -29,15 +32,20 @@ public:
         int height = 0;
     };
     using OnRow = std::function<void(std::span<const std::uint32_t>)>;
-    /// Row by row from the top; false if the server did not give all of them.
-    bool read(xcb_pixmap_t, const Area&, const OnRow&);
+    /// Row by row from the top, as cairo has them; false if the server did not give all of them.
+    /// The layout is one that can be read.
+    bool read(xcb_pixmap_t, const Area&, const PixelLayout&, const OnRow&);
 
 private:
     void shareMemory();
     bool readBand(xcb_pixmap_t, const Area&, const OnRow&);
     bool readShared(xcb_pixmap_t, const Area&, const OnRow&);
+    std::size_t bytesOf(const Area&) const;
+    void giveRows(const void* data, const Area&, const OnRow&);
 
     CaptureConnection& m_connection;
+    PixelLayout m_layout; ///< of what is being read
+    std::vector<std::uint32_t> m_row; ///< where its pixels are not cairo's
     void* m_memory = nullptr;
     xcb_shm_seg_t m_segment = 0; ///< 0: the server is another machine's
 };

@@ -210,8 +210,10 @@ std::optional<WindowPicture> WindowCapture::finish(
     const auto attributes = attributesOf(m_connection.raw(), m_topLevel);
     const auto pixmap = geometryOf(m_connection.raw(), m_pixmap);
     const auto wanted = areaInTopLevel();
-    if (!attributes || !pixmap || !wanted || !m_connection.canRead(pixmap->depth)
-        || !m_connection.hasUsualColours(attributes->visual))
+    if (!attributes || !pixmap || !wanted)
+        return {};
+    const auto layout = m_connection.layout(pixmap->depth, attributes->visual);
+    if (!layout.isReadable())
         return {};
     // The window may have been resized since: what is read is what the picture has.
     const auto area = clipped(*wanted, pixmap->width, pixmap->height);
@@ -219,7 +221,8 @@ std::optional<WindowPicture> WindowCapture::finish(
         return {};
 
     const auto size = fitted(area, largest);
-    const auto format = pixmap->depth == 32 ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24;
+    const bool hasAlpha = pixmap->depth == 32 && layout.isUsual();
+    const auto format = hasAlpha ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24;
     auto picture = std::make_shared<PixelPicture>(
         cairo_image_surface_create(format, size.width, size.height));
     auto* surface = picture->surface();
@@ -227,7 +230,7 @@ std::optional<WindowPicture> WindowCapture::finish(
         return {};
     BoxReduction reduction{{area.width, area.height},
         {size, cairo_image_surface_get_data(surface), cairo_image_surface_get_stride(surface)}};
-    if (!reader.read(m_pixmap, area, [&](auto row) { reduction.addRow(row); }))
+    if (!reader.read(m_pixmap, area, layout, [&](auto row) { reduction.addRow(row); }))
         return {};
     cairo_surface_mark_dirty(surface);
     return WindowPicture{std::move(picture), {double(size.width), double(size.height)}};
