@@ -54,7 +54,7 @@ void readWords(const RawProperty& property)
     decodeCardinal(property);
     decodeWindow(property);
     decodeAtoms(property);
-    decodeUrgency(property);
+    decodeHints(property);
     decodeExtents(property);
     decodeStrut(property);
     auto opacity = decodeOpacity(property);

@@ -222,6 +222,49 @@ TEST_F(IconFiles, windowPixelsAreScaledFromTheNextLargerSizeAndKeepTheirProporti
     EXPECT_EQ(pixel(wide, 20, 35), 0u);
 }
 
+// Faults: the pixels of every icon ever seen are kept; one that had to go is not drawn again, or
+// asks its window although its file or its last drawing is there.
+TEST_F(IconFiles, keepsWhatWasUsedLastWithinItsBytesAndTheRestComesAgain)
+{
+    static constexpr int side = 32;
+    constexpr std::size_t bytes = side * side * 4;
+    Icons few{entries, 5 * bytes};
+    int reloads = 0;
+    bool isGone = false;
+    auto give = [&](std::uint32_t argb) {
+        return few.fromPixels({filled(side, side, argb)}, [&reloads, &isGone, argb] {
+            ++reloads;
+            return isGone ? std::vector<IconPixels>{} : std::vector{filled(side, side, argb)};
+        });
+    };
+    const auto red = give(kRed);
+    const auto green = give(kGreen);
+    EXPECT_EQ(middle(red, side), kRed);
+    EXPECT_EQ(middle(green, side), kGreen);
+    EXPECT_EQ(middle(red, 16), kRed) << "still from its pixels";
+    EXPECT_EQ(reloads, 0);
+
+    std::vector<Image> many;
+    for (int i = 0; i < 20; ++i)
+        many.push_back(give(kBlue));
+    EXPECT_EQ(middle(red, side), kRed);
+    EXPECT_EQ(middle(red, side), kRed) << "drawn once";
+    EXPECT_EQ(reloads, 1);
+
+    isGone = true;
+    EXPECT_EQ(middle(green, side), 0u) << "its window has gone, and its pixels had to";
+    isGone = false;
+    EXPECT_EQ(middle(green, side), kGreen) << "the next window of the application has them";
+
+    const auto path = png("system/pixmaps/file.png", side, kRed);
+    const auto file = few.forEntry(installed.install("file", "Icon=" + path + '\n'));
+    ASSERT_EQ(middle(file, side), kRed);
+    for (auto& image : many)
+        ASSERT_EQ(middle(image, side), kBlue);
+    png("system/pixmaps/file.png", side, kBlue);
+    EXPECT_EQ(middle(file, side), kBlue) << "it was dropped as well, and is read again";
+}
+
 TEST_F(IconFiles, aThinLineOfALargePictureStaysWholeWhenItIsShrunk)
 {
     auto picture = filled(1000, 1000, 0xFF000000);

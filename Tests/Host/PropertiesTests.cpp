@@ -73,7 +73,10 @@ TEST(Properties, wordsOfAnotherTypeOrFormatAreAbsent)
         decodeExtents(Words{{1, 2, 3, 0xffffffff}}.as(XCB_ATOM_CARDINAL)), (Extents{1, 2, 3, 0}))
         << "a negative border is none";
     EXPECT_THAT(decodeWindows(Words{{5, 0, 6, 5}}.as(XCB_ATOM_WINDOW)), ElementsAre(5U, 6U));
-    EXPECT_FALSE(decodeUrgency(Words{{}}.as(XCB_ATOM_WM_HINTS)));
+    EXPECT_FALSE(decodeHints(Words{{}}.as(XCB_ATOM_WM_HINTS)).isUrgent);
+    EXPECT_EQ(decodeHints(Words{{4, 1, 1, 77, 0, 0, 0, 88}}.as(XCB_ATOM_WM_HINTS)).iconPixmap, 77U);
+    EXPECT_EQ(decodeHints(Words{{4, 1, 1, 77, 0, 0, 0, 88}}.as(XCB_ATOM_WM_HINTS)).iconMask, 0U);
+    EXPECT_EQ(decodeHints(Words{{36, 1, 1, 77}}.as(XCB_ATOM_WM_HINTS)).iconMask, 0U) << "cut short";
     EXPECT_EQ(decodeOpacity({}), 1);
     EXPECT_EQ(decodeOpacity(Words{{0}}.as(XCB_ATOM_CARDINAL)), 0);
 }

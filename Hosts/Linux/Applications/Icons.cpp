@@ -1,6 +1,7 @@
 #include "Hosts/Linux/Applications/Icons.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Hosts/Linux/Applications/DrawnIcon.h"
@@ -16,7 +17,11 @@ constexpr const char* kGenericName = "application-x-executable";
 /// Files of one picture in several sizes.
 class FileIcon final : public RenderedIcon {
 public:
-    explicit FileIcon(std::vector<IconCandidate> files) : m_files(std::move(files)) { }
+    FileIcon(std::vector<IconCandidate> files, std::shared_ptr<PixelBudget> budget)
+        : RenderedIcon(std::move(budget))
+        , m_files(std::move(files))
+    {
+    }
 
 protected:
     SurfacePointer draw(int pixels) const override
@@ -34,8 +39,9 @@ private:
 
 }
 
-Icons::Icons(DesktopEntries& entries)
+Icons::Icons(DesktopEntries& entries, std::size_t pixelBytes)
     : m_entries(entries)
+    , m_budget(std::make_shared<PixelBudget>(pixelBytes))
     , m_entriesChanged(entries.changed.subscribe([this] { forget(); }))
 {
 }
@@ -48,9 +54,10 @@ Image Icons::forEntry(std::string_view desktopFilePath)
     return icon ? named(*icon) : Image{};
 }
 
-Image Icons::fromPixels(std::vector<IconPixels> sizes)
+Image Icons::fromPixels(
+    const std::vector<IconPixels>& sizes, std::function<std::vector<IconPixels>()> reload)
 {
-    return PixelIcon::from(sizes);
+    return PixelIcon::from(sizes, std::move(reload), m_budget);
 }
 
 Image Icons::generic()
@@ -58,7 +65,7 @@ Image Icons::generic()
     if (!m_generic)
         m_generic = named(kGenericName);
     if (!m_generic)
-        m_generic = std::make_shared<DrawnIcon>();
+        m_generic = std::make_shared<DrawnIcon>(m_budget);
     return m_generic;
 }
 
@@ -85,7 +92,7 @@ Image Icons::makeNamed(const std::string& nameOrPath)
     } else if (isIconFile(nameOrPath)) {
         files.push_back({nameOrPath});
     }
-    return files.empty() ? Image{} : std::make_shared<FileIcon>(std::move(files));
+    return files.empty() ? Image{} : std::make_shared<FileIcon>(std::move(files), m_budget);
 }
 
 /// New applications bring their icons: what was missing may be there now.

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -14,6 +16,7 @@ namespace quorvel::xdg {
 
 class DesktopEntries;
 class IconTheme;
+class PixelBudget;
 
 /// One size of a picture as `_NET_WM_ICON` carries it: rows from the top, straight alpha.
 struct IconPixels {
@@ -26,15 +29,20 @@ struct IconPixels {
 /// looked for when a name is asked, and read when a picture is first drawn. Main thread.
 class Icons {
 public:
-    explicit Icons(DesktopEntries&);
+    /// What the pixels of all icons may take: enough for a bar of hundreds of chips.
+    static constexpr std::size_t kPixelBytes = 4 << 20;
+
+    explicit Icons(DesktopEntries&, std::size_t pixelBytes = kPixelBytes);
     ~Icons();
     Icons(const Icons&) = delete;
     Icons& operator=(const Icons&) = delete;
 
     /// The icon that the desktop file names; empty when it names none or none is found.
     Image forEntry(std::string_view desktopFilePath);
-    /// What a window gave; empty when no size of it is usable.
-    Image fromPixels(std::vector<IconPixels>);
+    /// What a window gave; empty when no size of it is usable. Pixels that had to go are asked for
+    /// again when they are drawn.
+    Image fromPixels(
+        const std::vector<IconPixels>&, std::function<std::vector<IconPixels>()> reload = {});
     /// The theme's picture of a program, else our own; never empty.
     Image generic();
 
@@ -44,6 +52,7 @@ private:
     void forget();
 
     DesktopEntries& m_entries;
+    const std::shared_ptr<PixelBudget> m_budget;
     std::unique_ptr<IconTheme> m_theme;
     std::map<std::string, std::weak_ptr<const PlatformImage>> m_images; ///< by name or path
     Image m_generic;

@@ -1,6 +1,7 @@
 #include "Hosts/Linux/Applications/PixelIcon.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quorvel::xdg {
 namespace {
@@ -68,29 +69,62 @@ std::vector<const IconPixels*> inOrder(const std::vector<IconPixels>& sizes)
     return usable;
 }
 
-}
-
-Image PixelIcon::from(const std::vector<IconPixels>& sizes)
+/// What of it a bar shows, the smallest first.
+std::vector<SurfacePointer> reduced(const std::vector<IconPixels>& sizes)
 {
     std::vector<SurfacePointer> kept;
     for (const auto* size : inOrder(sizes)) {
-        if (!kept.empty() && longerSide(*size) > kLargestKept
-            && longerSide(kept.back()) >= kLargeEnough)
+        if (!kept.empty() && longerSide(*size) > PixelIcon::kLargestKept
+            && longerSide(kept.back()) >= PixelIcon::kLargeEnough)
             break;
         auto surface = surfaceFrom(*size);
-        if (surface && longerSide(*size) > kLargestKept)
-            surface = fitted(surface.get(), kLargestKept);
+        if (surface && longerSide(*size) > PixelIcon::kLargestKept)
+            surface = fitted(surface.get(), PixelIcon::kLargestKept);
         if (surface)
             kept.push_back(std::move(surface));
     }
-    return kept.empty() ? Image{} : std::make_shared<PixelIcon>(std::move(kept));
+    return kept;
+}
+
+}
+
+Image PixelIcon::from(
+    const std::vector<IconPixels>& sizes, Reload reload, const std::shared_ptr<PixelBudget>& budget)
+{
+    auto kept = reduced(sizes);
+    return kept.empty() ? Image{}
+                        : std::make_shared<PixelIcon>(std::move(kept), std::move(reload), budget);
+}
+
+PixelIcon::PixelIcon(
+    std::vector<SurfacePointer> sizes, Reload reload, const std::shared_ptr<PixelBudget>& budget)
+    : RenderedIcon(budget)
+    , m_reload(std::move(reload))
+    , m_source(budget)
+{
+    m_source.sizes = std::move(sizes);
+    m_source.use();
+}
+
+void PixelIcon::Source::use()
+{
+    std::size_t bytes = 0;
+    for (auto& surface : sizes)
+        bytes += bytesOf(surface);
+    Piece::use(bytes);
 }
 
 SurfacePointer PixelIcon::draw(int pixels) const
 {
-    const auto largeEnough = std::find_if(m_sizes.begin(), m_sizes.end(),
+    auto& sizes = m_source.sizes;
+    if (sizes.empty() && m_reload)
+        sizes = reduced(m_reload());
+    m_source.use();
+    if (sizes.empty())
+        return nullptr;
+    const auto largeEnough = std::find_if(sizes.begin(), sizes.end(),
         [pixels](const auto& surface) { return longerSide(surface) >= pixels; });
-    const auto& best = largeEnough == m_sizes.end() ? m_sizes.back() : *largeEnough;
+    const auto& best = largeEnough == sizes.end() ? sizes.back() : *largeEnough;
     return fitted(best.get(), pixels);
 }
 

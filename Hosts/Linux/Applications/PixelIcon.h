@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "Hosts/Linux/Applications/Icons.h"
@@ -8,23 +11,36 @@
 namespace quorvel::xdg {
 
 /// A picture that came as pixels. Of what a window gives (often 256 pixels and more on a side) it
-/// keeps only what a bar shows, so that hundreds of windows cost little memory.
+/// keeps only what a bar shows, and asks for it again when that had to go.
 class PixelIcon final : public RenderedIcon {
 public:
     static constexpr int kLargestKept = 128;
     static constexpr int kLargeEnough = 64; ///< with such a size there, larger ones are dropped
     static constexpr int kLargestUsable = 2048;
 
-    /// Empty when no size is usable: one whose pixels do not match its measures is not.
-    static Image from(const std::vector<IconPixels>&);
+    /// Gives the same pixels again; none when they have gone.
+    using Reload = std::function<std::vector<IconPixels>()>;
 
-    explicit PixelIcon(std::vector<SurfacePointer> sizes) : m_sizes(std::move(sizes)) { }
+    /// Empty when no size is usable: one whose pixels do not match its measures is not.
+    static Image from(const std::vector<IconPixels>&, Reload, const std::shared_ptr<PixelBudget>&);
+
+    PixelIcon(std::vector<SurfacePointer> sizes, Reload, const std::shared_ptr<PixelBudget>&);
 
 protected:
     SurfacePointer draw(int pixels) const override;
+    bool failsForGood() const override { return false; }
 
 private:
-    std::vector<SurfacePointer> m_sizes; ///< the smallest first; at least one
+    struct Source final : PixelBudget::Piece {
+        explicit Source(std::shared_ptr<PixelBudget> budget) : Piece(std::move(budget)) { }
+        void use();
+        void drop() override { sizes.clear(); }
+
+        std::vector<SurfacePointer> sizes; ///< the smallest first
+    };
+
+    const Reload m_reload;
+    mutable Source m_source;
 };
 
 }

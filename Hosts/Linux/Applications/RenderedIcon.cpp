@@ -77,20 +77,34 @@ int longerSide(cairo_surface_t* picture)
 
 }
 
+std::size_t bytesOf(const SurfacePointer& surface)
+{
+    if (!surface)
+        return 0;
+    return static_cast<std::size_t>(cairo_image_surface_get_stride(surface.get()))
+        * static_cast<std::size_t>(cairo_image_surface_get_height(surface.get()));
+}
+
 cairo_surface_t* RenderedIcon::rendered(int pixels) const
 {
     if (pixels < 1 || pixels > kLargestSize)
         return nullptr;
     auto found = std::find_if(m_renderings.begin(), m_renderings.end(),
-        [pixels](const auto& rendering) { return rendering.pixels == pixels; });
+        [pixels](const auto& rendering) { return rendering->pixels == pixels; });
     if (found == m_renderings.end()) {
         if (m_renderings.size() == kKeptSizes)
             m_renderings.pop_back();
-        m_renderings.push_back({pixels, draw(pixels)});
+        m_renderings.push_back(std::make_unique<Rendering>(m_budget, pixels));
         found = m_renderings.end() - 1;
     }
     std::rotate(m_renderings.begin(), found, found + 1);
-    return m_renderings.front().surface.get();
+    auto& rendering = *m_renderings.front();
+    if (!rendering.isMade) {
+        rendering.surface = draw(pixels);
+        rendering.isMade = rendering.surface || failsForGood();
+    }
+    rendering.use();
+    return rendering.surface.get();
 }
 
 SurfacePointer makeSquare(int pixels)

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <utility>
 #include <vector>
 
+#include "Hosts/Linux/Applications/PixelBudget.h"
 #include "Hosts/Linux/Drawing/IconImage.h"
 
 namespace quorvel::xdg {
@@ -12,25 +15,48 @@ struct ReleaseSurface {
 };
 using SurfacePointer = std::unique_ptr<cairo_surface_t, ReleaseSurface>;
 
+/// The memory that the pixels take.
+std::size_t bytesOf(const SurfacePointer&);
+
 /// An icon that keeps the sizes drawn last: those of the bar, a menu and a popup, each at the scale
-/// in use. A surface stays valid until three other sizes were asked for.
+/// in use, as far as the budget of all icons goes. A surface stays valid until another is asked
+/// for.
 class RenderedIcon : public IconImage {
 public:
     static constexpr int kLargestSize = 1024;
     static constexpr std::size_t kKeptSizes = 4;
+
+    explicit RenderedIcon(std::shared_ptr<PixelBudget> budget) : m_budget(std::move(budget)) { }
 
     cairo_surface_t* rendered(int pixels) const final;
 
 protected:
     /// A square of `pixels` on a side, null when it cannot be made.
     virtual SurfacePointer draw(int pixels) const = 0;
+    /// Whether what could not be made is not tried again, so that a broken file is read once.
+    virtual bool failsForGood() const { return true; }
 
 private:
-    struct Rendering {
-        int pixels;
-        SurfacePointer surface; ///< null is kept too, so a broken file is read once
+    struct Rendering final : PixelBudget::Piece {
+        Rendering(std::shared_ptr<PixelBudget> budget, int side)
+            : Piece(std::move(budget))
+            , pixels(side)
+        {
+        }
+        void use() { Piece::use(bytesOf(surface)); }
+        void drop() override
+        {
+            surface.reset();
+            isMade = false;
+        }
+
+        const int pixels;
+        SurfacePointer surface;
+        bool isMade = false;
     };
-    mutable std::vector<Rendering> m_renderings; ///< the last used comes first
+
+    const std::shared_ptr<PixelBudget> m_budget;
+    mutable std::vector<std::unique_ptr<Rendering>> m_renderings; ///< the last used comes first
 };
 
 /// An empty square; null when there is no memory for it.

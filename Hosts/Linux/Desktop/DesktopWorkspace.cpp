@@ -1,5 +1,6 @@
 #include "Hosts/Linux/Desktop/DesktopWorkspace.h"
 
+#include <algorithm>
 #include <set>
 
 #include "Hosts/Linux/Applications/DesktopEntries.h"
@@ -99,14 +100,35 @@ Image DesktopWorkspace::runningApplicationIcon(ProcessID pid) const
 
 Image DesktopWorkspace::windowIcon(ProcessID pid) const
 {
-    auto windows = windowsOf(pid);
-    if (windows.size() > kIconWindows)
-        windows.resize(kIconWindows);
-    for (auto window : windows) {
-        if (auto image = m_windowIcons.of(window))
-            return image;
+    auto application = runningApplication(pid);
+    if (!application || !application->bundleIdentifier)
+        return nullptr;
+    auto identifier = *application->bundleIdentifier;
+    auto reload = [this, identifier] { return pixelsOf(windowsOf(identifier)); };
+    return m_icons.fromPixels(pixelsOf(windowsOf(pid)), std::move(reload));
+}
+
+std::vector<IconPixels> DesktopWorkspace::pixelsOf(const std::vector<WindowID>& windows) const
+{
+    for (std::size_t i = 0; i < std::min(windows.size(), kIconWindows); ++i) {
+        if (auto pixels = m_windowIcons.of(windows[i]); !pixels.empty())
+            return pixels;
     }
-    return nullptr;
+    return {};
+}
+
+/// Whatever process it runs in by now.
+std::vector<WindowID> DesktopWorkspace::windowsOf(const std::string& bundleIdentifier) const
+{
+    return m_model.read([&](const DesktopModel& model) {
+        std::vector<WindowID> all;
+        for (auto& [id, window] : model.windows) {
+            auto* owner = model.application(window.owner);
+            if (owner && owner->bundleIdentifier == bundleIdentifier)
+                all.push_back(id);
+        }
+        return all;
+    });
 }
 
 std::vector<WindowID> DesktopWorkspace::windowsOf(ProcessID pid) const

@@ -3,6 +3,7 @@
 #include "Hosts/Linux/Applications/ApplicationLauncher.h"
 #include "Hosts/Linux/Bus/SleepWatch.h"
 #include "Hosts/Linux/Desktop/DesktopModel.h"
+#include "Hosts/Linux/Desktop/WindowIcons.h"
 #include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel::xdg {
@@ -12,7 +13,6 @@ class Icons;
 class DesktopTracker;
 class DesktopRequests;
 class LaunchTokens;
-class WindowIcons;
 
 /// Applications as the model knows them, with what the desktop files say of them. Main thread.
 class DesktopWorkspace final : public Workspace {
@@ -53,7 +53,9 @@ public:
 private:
     void entriesDidChange();
     Image windowIcon(ProcessID) const;
+    std::vector<IconPixels> pixelsOf(const std::vector<WindowID>&) const;
     std::vector<WindowID> windowsOf(ProcessID) const;
+    std::vector<WindowID> windowsOf(const std::string& bundleIdentifier) const;
     std::optional<WindowID> lastActiveWindow(const ApplicationURL&) const;
 
     const SharedModel& m_model;

@@ -1,15 +1,18 @@
 #pragma once
 
+#include <vector>
+
+#include "Hosts/Linux/Applications/Icons.h"
 #include "Quorvel/Platform/Identifiers.h"
-#include "Quorvel/Platform/Image.h"
 
 namespace quorvel::xdg {
 
-/// The pictures that windows carry themselves. Main thread; may wait for the display server.
+/// The pictures that windows give themselves. Main thread; may wait for the display server.
 class WindowIcons {
 public:
     virtual ~WindowIcons() = default;
-    virtual Image of(WindowID) = 0; ///< null if it has none that can be read
+    /// In several sizes; empty if it has none that can be read.
+    virtual std::vector<IconPixels> of(WindowID) = 0;
 };
 
 }

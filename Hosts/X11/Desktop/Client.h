@@ -112,7 +112,8 @@ struct Client {
     ClientState state;
     std::optional<std::uint32_t> desktop;
     std::optional<xcb_window_t> parent; ///< `WM_TRANSIENT_FOR` as it stands
-    bool isUrgent = false;
+    WindowHints hints;
+    bool hasOtherIcon = false; ///< than when it was last told
     Extents frameExtents;
     Extents gtkExtents;
     double opacity = 1;

@@ -132,8 +132,11 @@ void ClientReader::requestRole(RequestBatch& batch, Client& client, Facets facet
             [&](const RawProperty& raw) { client.parent = decodeWindow(raw); });
     }
     if (facets.contains(Facet::hints)) {
-        batch.property(window, atoms.wmHints, 9,
-            [&](const RawProperty& raw) { client.isUrgent = decodeUrgency(raw); });
+        batch.property(window, atoms.wmHints, 9, [&](const RawProperty& raw) {
+            const auto hints = decodeHints(raw);
+            client.hasOtherIcon |= !hints.hasIconOf(client.hints);
+            client.hints = hints;
+        });
     }
 }
 

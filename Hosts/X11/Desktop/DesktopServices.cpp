@@ -29,7 +29,7 @@ struct DesktopServices::Parts {
         , requests(connection, monitors, mirror.clients(), mirror.root(), model)
         , accessibility(model, observers, requests, dispatch)
         , tokens(connection)
-        , windowIcons(connection, mirror.clients(), icons)
+        , windowIcons(connection, mirror.clients())
         , windowServer(model, tracker, requests, environment)
         , displays(monitors, mirror)
         , workspace(model, tracker, requests, tokens, windowIcons, entries, icons)

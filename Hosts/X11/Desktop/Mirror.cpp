@@ -190,6 +190,8 @@ void Mirror::translate(Client& client)
     client.isDirty = false;
     auto record = xdg::x11::recordOf(client, m_clients.parentOf(client) != nullptr, context());
     m_reservationsDidChange |= client.type == WindowType::dock;
+    if (std::exchange(client.hasOtherIcon, false) && client.isAnnounced)
+        m_tracker.iconDidChange(client.id);
     client.isAnnounced = true;
     auto clientMask = xcb_get_setup(m_connection.raw())->resource_id_mask;
     m_tracker.setWindow(std::move(record), originOf(client, clientMask));

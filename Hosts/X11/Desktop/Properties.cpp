@@ -15,6 +15,8 @@ namespace {
 
 /// Frames and shadows are never wider; what claims more would push windows off every screen.
 constexpr std::uint32_t kLargestExtent = 4096;
+constexpr std::uint32_t kIconPixmapHint = 1u << 2;
+constexpr std::uint32_t kIconMaskHint = 1u << 5;
 constexpr std::uint32_t kUrgencyHint = 1u << 8;
 
 std::string_view bytesOf(const RawProperty& property)
@@ -165,9 +167,18 @@ std::optional<WindowClass> decodeClass(const RawProperty& property, const TextTy
     return WindowClass{std::move(texts[0]), std::move(texts[1])};
 }
 
-bool decodeUrgency(const RawProperty& property)
+WindowHints decodeHints(const RawProperty& property)
 {
-    return isWordList(property, XCB_ATOM_WM_HINTS) && (property.word(0) & kUrgencyHint) != 0;
+    WindowHints hints;
+    if (!isWordList(property, XCB_ATOM_WM_HINTS))
+        return hints;
+    const auto flags = property.word(0);
+    hints.isUrgent = (flags & kUrgencyHint) != 0;
+    if (flags & kIconPixmapHint)
+        hints.iconPixmap = property.word(3);
+    if (flags & kIconMaskHint)
+        hints.iconMask = property.word(7);
+    return hints;
 }
 
 std::optional<Extents> decodeExtents(const RawProperty& property)

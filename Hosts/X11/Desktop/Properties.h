@@ -58,6 +58,18 @@ struct Extents {
     friend bool operator==(const Extents&, const Extents&) = default;
 };
 
+/// What `WM_HINTS` says that a panel shows.
+struct WindowHints {
+    bool isUrgent = false;
+    xcb_pixmap_t iconPixmap = XCB_NONE;
+    xcb_pixmap_t iconMask = XCB_NONE;
+
+    bool hasIconOf(const WindowHints& other) const
+    {
+        return iconPixmap == other.iconPixmap && iconMask == other.iconMask;
+    }
+};
+
 /// UTF-8 without invalid sequences (each becomes U+FFFD), without NUL and everything behind it, and
 /// cut at a code point boundary so that it fits into `maximum` bytes.
 std::string cleanedUtf8(std::string_view bytes, std::size_t maximum);
@@ -85,7 +97,7 @@ std::vector<xcb_atom_t> decodeAtoms(const RawProperty&);
 /// In their order, without zeros and repetitions.
 std::vector<xcb_window_t> decodeWindows(const RawProperty&);
 std::optional<WindowClass> decodeClass(const RawProperty&, const TextTypes&);
-bool decodeUrgency(const RawProperty&);
+WindowHints decodeHints(const RawProperty&);
 std::optional<Extents> decodeExtents(const RawProperty&);
 /// The pixels that a panel keeps at the left, right, top and bottom of the X screen.
 std::optional<Extents> decodeStrut(const RawProperty&);

@@ -1,27 +1,35 @@
 #pragma once
 
-#include "Hosts/Linux/Desktop/WindowIcons.h"
+#include <optional>
+#include <vector>
 
-namespace quorvel::xdg {
-class Icons;
-}
+#include "Hosts/Linux/Desktop/WindowIcons.h"
+#include "Hosts/X11/Desktop/RequestBatch.h"
 
 namespace quorvel::xdg::x11 {
 
 class Clients;
 class Connection;
 
-/// The pictures in windows' properties, read when they are asked for.
+/// The pictures that windows give themselves in their properties, read when one is needed. Main
+/// thread.
 class PropertyIcons final : public WindowIcons {
 public:
-    PropertyIcons(Connection&, Clients&, Icons&);
+    PropertyIcons(Connection&, Clients&);
 
-    Image of(WindowID) override;
+    std::vector<IconPixels> of(WindowID) override;
 
 private:
+    /// A pixmap that a window names, and its size if there is such a one.
+    struct Named {
+        xcb_pixmap_t pixmap = XCB_NONE;
+        std::optional<DrawableSize> size = {};
+    };
+
+    std::vector<IconPixels> fromPixmaps(const Named& picture, const Named& mask) const;
+
     Connection& m_connection;
     Clients& m_clients;
-    Icons& m_icons;
 };
 
 }

@@ -1,5 +1,6 @@
 #include "Hosts/X11/Desktop/RequestBatch.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include <xcb/res.h>
@@ -8,6 +9,8 @@
 namespace quorvel::xdg::x11 {
 
 namespace {
+
+constexpr std::uint32_t kAllPlanes = 0xFFFFFFFF;
 
 std::optional<std::uint32_t> processOf(const xcb_res_query_client_ids_reply_t* reply)
 {
@@ -103,6 +106,30 @@ void RequestBatch::pointerMask(xcb_window_t root, OnNumber handle)
     add(xcb_query_pointer(m_connection, root), [handle = std::move(handle)](void* data) {
         auto* reply = static_cast<const xcb_query_pointer_reply_t*>(data);
         handle(reply ? std::optional<std::uint32_t>{reply->mask} : std::nullopt);
+    });
+}
+
+void RequestBatch::drawable(xcb_drawable_t drawable, OnDrawable handle)
+{
+    add(xcb_get_geometry(m_connection, drawable), [handle = std::move(handle)](void* data) {
+        auto* reply = static_cast<const xcb_get_geometry_reply_t*>(data);
+        handle(reply ? std::optional{DrawableSize{reply->width, reply->height, reply->depth}}
+                     : std::nullopt);
+    });
+}
+
+void RequestBatch::pixels(xcb_pixmap_t pixmap, const DrawableSize& size, OnData handle)
+{
+    auto format = size.depth == 1 ? XCB_IMAGE_FORMAT_XY_PIXMAP : XCB_IMAGE_FORMAT_Z_PIXMAP;
+    auto cookie = xcb_get_image(m_connection, static_cast<std::uint8_t>(format), pixmap, 0, 0,
+        static_cast<std::uint16_t>(size.width), static_cast<std::uint16_t>(size.height),
+        kAllPlanes);
+    add(cookie, [handle = std::move(handle)](void* data) {
+        auto* reply = static_cast<const xcb_get_image_reply_t*>(data);
+        if (!reply)
+            return handle({});
+        auto length = static_cast<std::size_t>(std::max(xcb_get_image_data_length(reply), 0));
+        handle(std::as_bytes(std::span{xcb_get_image_data(reply), length}));
     });
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include <xcb/xcb.h>
@@ -15,6 +16,12 @@ namespace quorvel::xdg::x11 {
 struct WindowPlace {
     std::int32_t x = 0;
     std::int32_t y = 0;
+};
+
+struct DrawableSize {
+    int width = 0;
+    int height = 0;
+    int depth = 0;
 };
 
 /// Questions to the server that go out together: each call sends, `finish` reads all answers in the
@@ -32,6 +39,8 @@ public:
     using OnPlace = std::function<void(std::optional<WindowPlace>)>;
     using OnSize = std::function<void(std::optional<Size>)>;
     using OnWindow = std::function<void(std::optional<xcb_window_t>)>;
+    using OnDrawable = std::function<void(std::optional<DrawableSize>)>;
+    using OnData = std::function<void(std::span<const std::byte>)>;
     using OnNumber = std::function<void(std::optional<std::uint32_t>)>;
 
     void property(xcb_window_t, xcb_atom_t, std::uint32_t maximumWords, OnProperty);
@@ -46,6 +55,11 @@ public:
     void selectionOwner(xcb_atom_t selection, OnWindow);
     /// The pointer's button and modifier mask.
     void pointerMask(xcb_window_t root, OnNumber);
+
+    void drawable(xcb_drawable_t, OnDrawable);
+    /// The pixels of a pixmap, row by row as the server has them, one bit each where it has depth
+    /// 1; none if it has gone.
+    void pixels(xcb_pixmap_t, const DrawableSize&, OnData);
 
     bool isEmpty() const { return m_pending.empty(); }
     void finish();

@@ -119,7 +119,7 @@ WindowRecord recordOf(const Client& client, bool hasParent, const TranslationCon
     record.isDesktopElement = isDesktopElement(client);
     record.isFullScreen = state.isFullScreen;
     record.canResize = canResize(client, context.monitors);
-    record.asksForAttention = state.demandsAttention || client.isUrgent;
+    record.asksForAttention = state.demandsAttention || client.hints.isUrgent;
     record.layer = layerOf(client);
     record.alpha = client.opacity;
     record.frame = context.coordinates.toPoints(frame);
