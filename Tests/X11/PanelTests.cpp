@@ -64,6 +64,34 @@ TEST_P(Panel, heedsOnlyAScaleThatIsANumber)
     }
 }
 
+// Faults: a bar that another program's request takes away for good; one that comes back without its
+// room, or as a window that the manager shows on one desktop only.
+TEST_P(Panel, comesBackWhenItsWindowIsTakenAway)
+{
+    const auto isInPlace = [&] {
+        const auto docks = desktop.docks();
+        return docks.size() == 1 && desktop.isViewable(docks[0])
+            && desktop.frame(docks[0]).bottom() == 800 && desktop.workArea().bottom() < 800
+            && desktop.desktopOf(docks[0]) == kAllDesktops;
+    };
+    ASSERT_TRUE(eventually(2s, isInPlace));
+    const auto first = desktop.docks()[0];
+    auto* const raw = desktop.connection().get();
+
+    for (int round = 0; round < 2; ++round) {
+        xcb_unmap_window(raw, first);
+        desktop.connection().sync();
+        EXPECT_TRUE(eventually(3s, isInPlace)) << "unmapped";
+    }
+    xcb_destroy_window(raw, first);
+    desktop.connection().sync();
+    EXPECT_TRUE(eventually(3s, isInPlace)) << "destroyed";
+    const auto window = client.open({.title = "after it"});
+    ASSERT_TRUE(settles(bar));
+    clickChip(bar, window);
+    EXPECT_TRUE(eventually(2s, [&] { return desktop.isHidden(window); })) << "it hears of no click";
+}
+
 QUORVEL_UNDER_EACH_MANAGER(Panel);
 
 // The thread sanitizer has a thread of its own that wakes up; and who is woken is the same in all

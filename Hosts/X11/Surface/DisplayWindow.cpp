@@ -60,6 +60,14 @@ void DisplayWindow::remove(X11Panel& panel)
     update();
 }
 
+void DisplayWindow::setCanBlur(bool canBlur)
+{
+    if (std::exchange(m_canBlur, canBlur) == canBlur || !m_window)
+        return;
+    hide();
+    update();
+}
+
 bool DisplayWindow::isCurrent(const X11Panel& panel) const
 {
     return panel.options().space == m_context.environment.activeSpace.value();
@@ -227,6 +235,7 @@ void DisplayWindow::handle(const xcb_generic_event_t* event)
             m_buffer->copyTo(m_window->id(), exposedPart(as<xcb_expose_event_t>(event)));
         return;
     }
+    m_isLost |= (event->response_type & 0x7f) == XCB_DESTROY_NOTIFY;
     m_window->handle(event);
     m_pointer.handle(event);
 }
@@ -235,6 +244,10 @@ void DisplayWindow::endTurn()
 {
     if (m_pointer.endTurn() && onPointerMoved)
         onPointerMoved();
+    if (std::exchange(m_isLost, false)) {
+        hide();
+        update(); // makes a new one
+    }
     if (m_window)
         m_window->endTurn();
 }

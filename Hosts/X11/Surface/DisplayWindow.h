@@ -39,6 +39,8 @@ public:
     xcb_window_t windowOf(const X11Panel&) const;
     bool hasPanels() const { return !m_panels.empty(); }
     bool canBlur() const { return m_canBlur; }
+    /// Makes the window anew, with or without transparency.
+    void setCanBlur(bool);
     double scale() const;
     Duration frameInterval() const;
     const SurfaceContext& context() const { return m_context; }
@@ -68,7 +70,7 @@ private:
 
     SurfaceContext m_context;
     const DisplayNumber m_display;
-    const bool m_canBlur;
+    bool m_canBlur;
     std::vector<X11Panel*> m_panels;
     X11Panel* m_shown = nullptr;
 
@@ -81,6 +83,7 @@ private:
     std::unique_ptr<DropTarget> m_drops; ///< as long as the window
     double m_paintedScale = 0;
     bool m_hasContent = false;
+    bool m_isLost = false; ///< somebody else has destroyed it
     bool m_isLowered = false;
     bool m_blurs = false;
     std::vector<Subscription> m_subscriptions;

@@ -1,5 +1,6 @@
 #include "Hosts/X11/Surface/DockWindow.h"
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <utility>
@@ -22,6 +23,8 @@ constexpr std::uint32_t kFromApplication = 1;
 constexpr int kMostCorrections = 8;
 constexpr auto kFirstPatience = seconds(0.5);
 constexpr auto kLongestPatience = seconds(60);
+/// A manager that comes or goes unmaps each window for a moment.
+constexpr auto kReturnDelay = seconds(0.1);
 constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY
     | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_POINTER_MOTION
     | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
@@ -86,7 +89,8 @@ void DockWindow::describe()
     setCardinals(atoms.netWmDesktop, &kAllDesktops, 1);
     setAtoms(atoms.netWmWindowType, {atoms.netWmWindowTypeDock});
     setAtoms(atoms.netWmState,
-        {atoms.netWmStateSticky, atoms.netWmStateSkipTaskbar, atoms.netWmStateSkipPager});
+        {atoms.netWmStateSticky, atoms.netWmStateSkipTaskbar, atoms.netWmStateSkipPager,
+            m_isLowered ? atoms.netWmStateBelow : atoms.netWmStateSticky});
     setAtoms(atoms.wmProtocols, {atoms.wmDeleteWindow}); // ignored, but nobody kills us for it
 
     xcb_icccm_wm_hints_t hints{};
@@ -189,6 +193,21 @@ void DockWindow::requestMap(Duration patience)
     m_mapAgain = m_dispatch.main().after(patience, [this, patience] { requestMap(2 * patience); });
 }
 
+/// Somebody else has unmapped it: it is shown again, less and less often where it happens in a row.
+/// The manager took what it knew of the window back.
+void DockWindow::comeBack()
+{
+    auto now = m_dispatch.now();
+    bool isFirst = m_lastReturn == Instant::min() || now - m_lastReturn > kLongestPatience;
+    m_returnDelay
+        = isFirst ? kReturnDelay : std::min<Duration>(2 * m_returnDelay, kLongestPatience);
+    m_lastReturn = now;
+    m_mapAgain = m_dispatch.main().after(m_returnDelay, [this] {
+        describe();
+        requestMap(kFirstPatience);
+    });
+}
+
 void DockWindow::unmap()
 {
     if (!std::exchange(m_isMapped, false))
@@ -209,6 +228,7 @@ void DockWindow::unmap()
 /// out.
 void DockWindow::setLowered(bool isLowered)
 {
+    m_isLowered = isLowered;
     auto* raw = m_connection.raw();
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
@@ -239,6 +259,10 @@ void DockWindow::handle(const xcb_generic_event_t* event)
         break;
     case XCB_CONFIGURE_NOTIFY:
         m_place.ask();
+        break;
+    case XCB_UNMAP_NOTIFY:
+        if (m_isMapped)
+            comeBack();
         break;
     default:
         break;

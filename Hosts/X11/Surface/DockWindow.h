@@ -31,7 +31,8 @@ public:
     /// Under all windows of its monitor, or back above them.
     void setLowered(bool);
 
-    /// For an event of this window: window managers may put it somewhere else at any time.
+    /// For an event of this window: window managers may put it somewhere else at any time, and any
+    /// client may unmap it.
     void handle(const xcb_generic_event_t*);
     /// Puts it back where it belongs.
     void endTurn();
@@ -42,6 +43,7 @@ private:
     void setSizeHints();
     void configure();
     void requestMap(Duration patience);
+    void comeBack();
     void setAtoms(xcb_atom_t property, std::initializer_list<xcb_atom_t>);
     void setCardinals(xcb_atom_t property, const std::uint32_t* values, std::uint32_t count);
     void setText(xcb_atom_t property, xcb_atom_t type, std::string_view);
@@ -54,8 +56,11 @@ private:
     std::string m_title;
     Strut m_strut;
     bool m_isMapped = false;
+    bool m_isLowered = false;
     WindowPlaceQuery m_place;
     int m_corrections = 0;
+    Duration m_returnDelay{};
+    Instant m_lastReturn = Instant::min();
     WorkItem m_mapAgain;
 };
 

@@ -7,6 +7,8 @@ xcb_window_t eventWindow(const xcb_generic_event_t* event)
     switch (event->response_type & 0x7f) {
     case XCB_EXPOSE:
         return as<xcb_expose_event_t>(event).window;
+    case XCB_DESTROY_NOTIFY:
+        return as<xcb_destroy_notify_event_t>(event).window;
     case XCB_UNMAP_NOTIFY:
         return as<xcb_unmap_notify_event_t>(event).window;
     case XCB_MAP_NOTIFY:

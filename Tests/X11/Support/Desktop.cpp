@@ -45,6 +45,28 @@ bool Desktop::isOnTaskbar(xcb_window_t client)
     return type == "NORMAL" || ((type.empty() || type == "DIALOG") && !parentOf(client));
 }
 
+std::vector<xcb_window_t> Desktop::docks()
+{
+    auto windows = clients();
+    std::erase_if(windows, [this](xcb_window_t window) { return typeOf(window) != "DOCK"; });
+    return windows;
+}
+
+bool Desktop::isViewable(xcb_window_t window)
+{
+    const std::unique_ptr<xcb_get_window_attributes_reply_t, Free> reply{
+        xcb_get_window_attributes_reply(
+            m_connection.get(), xcb_get_window_attributes(m_connection.get(), window), nullptr)};
+    return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
+int Desktop::depth(xcb_window_t window)
+{
+    const std::unique_ptr<xcb_get_geometry_reply_t, Free> reply{xcb_get_geometry_reply(
+        m_connection.get(), xcb_get_geometry(m_connection.get(), window), nullptr)};
+    return reply ? reply->depth : 0;
+}
+
 std::optional<xcb_window_t> Desktop::parentOf(xcb_window_t client)
 {
     const auto parent = number(client, "WM_TRANSIENT_FOR");

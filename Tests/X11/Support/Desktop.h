@@ -23,6 +23,11 @@ public:
     /// Those of the clients that belong on a taskbar.
     std::vector<xcb_window_t> taskbarClients();
     bool isOnTaskbar(xcb_window_t client);
+    /// The clients that are panels.
+    std::vector<xcb_window_t> docks();
+    bool isViewable(xcb_window_t);
+    /// Bits of a pixel; 0 if there is no such window.
+    int depth(xcb_window_t);
     /// The client that a client belongs to, as its dialog.
     std::optional<xcb_window_t> parentOf(xcb_window_t client);
     std::string applicationClass(xcb_window_t);
