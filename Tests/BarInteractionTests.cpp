@@ -90,6 +90,13 @@ TEST_F(BarInteractionTest, aPopupOpensAtRestAndClosesAfterThePointerHasLeft)
     ASSERT_TRUE(popup());
     EXPECT_EQ(popup()->frame().y, panel().frame().maxY());
     EXPECT_THAT(popup()->render().texts(), Contains("Draft"));
+    auto isDarkText = [&] { return popup()->render().text("Draft")->style.color.red < 0.5; };
+    ASSERT_NE(desktop.program().appearance().value().isDark, isDarkText());
+    for (bool isDark : {true, false, true}) {
+        desktop.program().setAppearance({.isDark = isDark});
+        desktop.drain();
+        EXPECT_NE(isDarkText(), isDark) << "it keeps half of the old look";
+    }
 
     panel().leave();
     desktop.advance(seconds(0.1));

@@ -169,6 +169,12 @@ ThumbnailPopup::ThumbnailPopup(const Inputs& inputs)
     , m_animation(inputs.dispatch)
 {
     m_hostingView.attach(*m_surface);
+    m_appearanceChanged = inputs.appearance.subscribe([this](auto& appearance) {
+        for (auto* card : m_cards)
+            card->setDark(appearance.isDark);
+        if (m_content)
+            m_content->invalidate();
+    });
     m_hostingView.onHoverChanged = [this](bool isHovered) {
         if (onHoverChanged)
             onHoverChanged(isHovered);

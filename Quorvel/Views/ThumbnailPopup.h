@@ -91,6 +91,7 @@ private:
     std::vector<Subscription> m_pictures;
     Animation m_animation;
     WorkItem m_filling;
+    Subscription m_appearanceChanged;
 };
 
 }
