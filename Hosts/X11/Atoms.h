@@ -73,6 +73,9 @@ namespace quorvel::xdg::x11 {
     X(motifWmHints, "_MOTIF_WM_HINTS")                                                             \
     X(kdeBlurBehind, "_KDE_NET_WM_BLUR_BEHIND_REGION")                                             \
     X(xsettings, "_XSETTINGS_SETTINGS")                                                            \
+    X(xsettingsS0, "_XSETTINGS_S0")                                                                \
+    X(manager, "MANAGER")                                                                          \
+    X(netWmCmS0, "_NET_WM_CM_S0")                                                                  \
     X(xdndAware, "XdndAware")                                                                      \
     X(xdndTypeList, "XdndTypeList")                                                                \
     X(xdndSelection, "XdndSelection")                                                              \

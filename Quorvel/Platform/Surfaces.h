@@ -166,6 +166,9 @@ public:
     /// Of the open menu and its submenus, without separators; empty where the system draws menus.
     virtual std::vector<MenuEntry> openMenuEntries() const = 0;
 
+    /// What `setBlursBehind` answers may be something else now.
+    Signal<> blurDidChange;
+
     /// Calls the handler whenever the pointer moves, after the views have heard of it. Never called
     /// where the system does not tell.
     [[nodiscard]] virtual Subscription monitorPointer(PointerScope, std::function<void()>) = 0;

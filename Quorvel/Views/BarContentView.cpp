@@ -79,6 +79,8 @@ BarContentView::BarContentView(Inputs inputs)
     m_subscriptions.push_back(m_inputs.platform.application.appearance().subscribe(
         [this](auto&) { appearanceDidChange(); }));
     m_subscriptions.push_back(
+        m_inputs.platform.surfaces.blurDidChange.subscribe([this] { updateBackground(); }));
+    m_subscriptions.push_back(
         m_inputs.settings.data().subscribe([this](auto&) { settingsDidChange(); }));
     m_subscriptions.push_back(
         m_inputs.pinStore.pinnedApps().subscribe([this](auto&) { pinsDidChange(); }));

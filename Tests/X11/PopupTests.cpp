@@ -115,4 +115,57 @@ TEST_P(Popups, comeAtRestStayWhileUsedAndLeadToTheirWindows)
 
 QUORVEL_UNDER_EACH_MANAGER(Popups);
 
+/// Who composes windows says so by a selection; here it is one that composes nothing.
+class Compositor : public testing::Test, public DesktopFixture {
+protected:
+    Compositor() : DesktopFixture(ManagerKind::openbox) { }
+
+    void setRunning(bool isRunning)
+    {
+        auto& connection = compositor.connection();
+        xcb_set_selection_owner(connection.get(), isRunning ? ground : XCB_NONE,
+            connection.atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
+        connection.sync();
+    }
+    int depthOfBar()
+    {
+        const auto docks = desktop.docks();
+        return docks.empty() ? 0 : desktop.depth(docks[0]);
+    }
+
+    Client compositor{server};
+    xcb_window_t ground = compositor.open({.title = "ground", .frame = {0, 0, 1280, 700}});
+};
+
+// Faults: black corners around an open popup whose compositor has gone; a bar that blurs, or does
+// not, for ever after its first look.
+TEST_F(Compositor, mayComeAndGoAtAnyTime)
+{
+    Bar bar{server};
+    ASSERT_TRUE(bar.appears());
+    ASSERT_TRUE(settles(bar));
+    auto supported = desktop.connection().numbers(desktop.connection().root(), "_NET_SUPPORTED");
+    supported.push_back(desktop.connection().atom("_KDE_NET_WM_BLUR_BEHIND_REGION"));
+    desktop.connection().setNumbers(
+        desktop.connection().root(), "_NET_SUPPORTED", "ATOM", supported);
+    setRunning(true);
+    EXPECT_TRUE(eventually(3s, [&] { return depthOfBar() == 32; }));
+
+    pointer.moveTo(bar.state()->chipOf(ground)->frame);
+    Frame popup;
+    ASSERT_TRUE(eventually(3s, [&] {
+        const auto state = bar.state();
+        popup = state && state->popup() ? state->popup()->frame : Frame{};
+        const auto window = desktop.windowAt(popup.x + popup.width / 2, popup.y + 4);
+        return popup.width > 0 && desktop.title(window) == "Windows" && desktop.depth(window) == 32;
+    }));
+    const Frame corner{popup.x, popup.y, 1, 1};
+    const auto behind = desktop.picture({1200, popup.y, 1, 1});
+    ASSERT_TRUE(eventually(3s, [&] { return desktop.picture(corner) != behind; })) << "no popup";
+    setRunning(false);
+    EXPECT_TRUE(eventually(3s, [&] { return desktop.picture(corner) == behind; }));
+    EXPECT_TRUE(eventually(3s, [&] { return depthOfBar() == 24; }));
+    EXPECT_TRUE(settles(bar));
+}
+
 }

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include <xcb/xfixes.h>
-
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/RequestBatch.h"
+#include "Hosts/X11/SelectionEvents.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -14,18 +13,7 @@ WindowManagerWatch::WindowManagerWatch(Connection& connection, Dispatch& dispatc
     : m_connection(connection)
     , m_dispatch(dispatch)
 {
-    auto* extension = xcb_get_extension_data(connection.raw(), &xcb_xfixes_id);
-    if (!extension || !extension->present)
-        return;
-
-    m_selectionEvent = extension->first_event + XCB_XFIXES_SELECTION_NOTIFY;
-    // The server sends no events of the extension to who has not asked for its version.
-    auto cookie = xcb_xfixes_query_version(connection.raw(), 5, 0);
-    xcb_discard_reply(connection.raw(), cookie.sequence);
-    xcb_xfixes_select_selection_input(connection.raw(), connection.root(), connection.atoms().wmS0,
-        XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER
-            | XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY
-            | XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    m_selectionEvent = selectSelectionEvents(connection, connection.atoms().wmS0);
 }
 
 bool WindowManagerWatch::handle(const xcb_generic_event_t* event)
@@ -63,10 +51,8 @@ bool WindowManagerWatch::handle(const xcb_property_notify_event_t& change)
 
 bool WindowManagerWatch::isManagerSelectionLost(const xcb_generic_event_t* event) const
 {
-    if (m_selectionEvent == 0 || (event->response_type & 0x7f) != m_selectionEvent)
-        return false;
-    auto* change = reinterpret_cast<const xcb_xfixes_selection_notify_event_t*>(event);
-    return change->selection == m_connection.atoms().wmS0 && change->owner == XCB_WINDOW_NONE;
+    return selectionOf(event, m_selectionEvent) == m_connection.atoms().wmS0
+        && selectionOwnerIn(event) == XCB_WINDOW_NONE;
 }
 
 void WindowManagerWatch::update()

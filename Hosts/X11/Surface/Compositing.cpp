@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <memory>
 #include <span>
-
-#include <fmt/format.h>
+#include <utility>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/SelectionEvents.h"
+#include "Hosts/X11/Surface/EventWindow.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -16,38 +18,68 @@ constexpr std::uint32_t kMostSupportedAtoms = 4096;
 
 }
 
-bool isCompositing(Connection& connection)
+Compositing::Compositing(Connection& connection)
+    : m_connection(connection)
+    , m_selectionEvent(selectSelectionEvents(connection, connection.atoms().netWmCmS0))
 {
-    auto* raw = connection.raw();
-    auto name = fmt::format("_NET_WM_CM_S{}", connection.screenNumber());
-    auto* atom = xcb_intern_atom_reply(raw,
-        xcb_intern_atom(raw, 1, static_cast<std::uint16_t>(name.size()), name.data()), nullptr);
-    xcb_atom_t selection = atom ? atom->atom : xcb_atom_t{XCB_ATOM_NONE};
-    std::free(atom);
-    if (selection == XCB_ATOM_NONE)
-        return false;
-    auto* owner
-        = xcb_get_selection_owner_reply(raw, xcb_get_selection_owner(raw, selection), nullptr);
+    connection.addEventMask(connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
+    m_events = connection.event.subscribe([this](auto* event) { handle(event); });
+    m_turnEnded = connection.turnEnded.subscribe([this] {
+        if (std::exchange(m_isStale, false))
+            read();
+    });
+    read();
+}
+
+void Compositing::refresh()
+{
+    if (m_selectionEvent == 0)
+        read();
+}
+
+void Compositing::handle(const xcb_generic_event_t* event)
+{
+    auto& atoms = m_connection.atoms();
+    if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY) {
+        auto& change = as<xcb_property_notify_event_t>(event);
+        m_isStale |= change.window == m_connection.root() && change.atom == atoms.netSupported;
+    } else {
+        m_isStale |= selectionOf(event, m_selectionEvent) == atoms.netWmCmS0;
+    }
+}
+
+void Compositing::read()
+{
+    const bool isActive = hasCompositor();
+    const bool canBlur = isActive && managerSupports(m_connection.atoms().kdeBlurBehind);
+    m_isActive.set(isActive);
+    m_canBlur.set(canBlur);
+}
+
+bool Compositing::hasCompositor() const
+{
+    auto* raw = m_connection.raw();
+    auto* owner = xcb_get_selection_owner_reply(
+        raw, xcb_get_selection_owner(raw, m_connection.atoms().netWmCmS0), nullptr);
     bool isOwned = owner && owner->owner != XCB_WINDOW_NONE;
     std::free(owner);
     return isOwned;
 }
 
-bool windowManagerSupports(Connection& connection, xcb_atom_t feature)
+bool Compositing::managerSupports(xcb_atom_t feature) const
 {
-    auto* raw = connection.raw();
-    auto* reply = xcb_get_property_reply(raw,
-        xcb_get_property(raw, 0, connection.root(), connection.atoms().netSupported, XCB_ATOM_ATOM,
-            0, kMostSupportedAtoms),
-        nullptr);
-    bool isListed = false;
-    if (reply && reply->format == 32) {
-        std::span atoms{static_cast<const xcb_atom_t*>(xcb_get_property_value(reply)),
-            static_cast<std::size_t>(reply->value_len)};
-        isListed = std::ranges::find(atoms, feature) != atoms.end();
-    }
-    std::free(reply);
-    return isListed;
+    auto* raw = m_connection.raw();
+    std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply{
+        xcb_get_property_reply(raw,
+            xcb_get_property(raw, 0, m_connection.root(), m_connection.atoms().netSupported,
+                XCB_ATOM_ATOM, 0, kMostSupportedAtoms),
+            nullptr),
+        &std::free};
+    if (!reply || reply->format != 32)
+        return false;
+    std::span atoms{static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.get())),
+        static_cast<std::size_t>(reply->value_len)};
+    return std::ranges::find(atoms, feature) != atoms.end();
 }
 
 }

@@ -2,14 +2,37 @@
 
 #include <xcb/xcb.h>
 
+#include "Quorvel/Platform/Published.h"
+
 namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// Whether a compositor is running now: without one, what is transparent is garbage.
-bool isCompositing(Connection&);
+/// What transparency there is: without a compositor, what is transparent is garbage. Followed while
+/// the program runs where the server tells of selections (XFIXES). Main thread.
+class Compositing {
+public:
+    explicit Compositing(Connection&);
 
-/// Whether the window manager says that it supports this.
-bool windowManagerSupports(Connection&, xcb_atom_t feature);
+    const Published<bool>& isActive() const { return m_isActive; }
+    /// Only some window managers blur what is behind a window, and those that do say so.
+    const Published<bool>& canBlur() const { return m_canBlur; }
+    /// Looks again where the server does not tell.
+    void refresh();
+
+private:
+    void handle(const xcb_generic_event_t*);
+    void read();
+    bool hasCompositor() const;
+    bool managerSupports(xcb_atom_t feature) const;
+
+    Connection& m_connection;
+    std::uint8_t m_selectionEvent = 0; ///< 0: the server tells nothing of selections
+    bool m_isStale = false;
+    Published<bool> m_isActive;
+    Published<bool> m_canBlur;
+    Subscription m_events;
+    Subscription m_turnEnded;
+};
 
 }

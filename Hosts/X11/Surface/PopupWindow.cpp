@@ -9,7 +9,6 @@
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Surface/AlphaShape.h"
-#include "Hosts/X11/Surface/Compositing.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -34,10 +33,11 @@ bool isEqual(const xcb_rectangle_t& a, const xcb_rectangle_t& b)
 
 }
 
-PopupWindow::PopupWindow(Connection& connection, const std::string& title)
+PopupWindow::PopupWindow(Connection& connection, const std::string& title, bool isComposited)
     : m_connection(connection)
-    , m_visual(isCompositing(connection) ? WindowVisual::withAlpha(connection)
-                                         : WindowVisual::ofRoot(connection))
+    , m_visual(
+          isComposited ? WindowVisual::withAlpha(connection) : WindowVisual::ofRoot(connection))
+    , m_keepsAlpha(m_visual.depth == kDepthWithAlpha)
     , m_buffer(connection, m_visual)
     , m_window(xcb_generate_id(connection.raw()))
 {
@@ -93,11 +93,30 @@ bool PopupWindow::setFrame(const Rect& frame)
         values);
     if (!isResized)
         return false;
-    int width = static_cast<int>(frame.width);
-    int height = static_cast<int>(frame.height);
-    m_buffer.resize(width, height);
-    if (m_visual.depth != kDepthWithAlpha)
-        m_picture.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
+    m_buffer.resize(static_cast<int>(frame.width), static_cast<int>(frame.height));
+    makePicture();
+    return true;
+}
+
+void PopupWindow::makePicture()
+{
+    m_picture.reset();
+    if (!m_keepsAlpha)
+        m_picture.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32,
+            static_cast<int>(m_frame.width), static_cast<int>(m_frame.height)));
+}
+
+/// The compositor may come and go. A window that was made without transparency stays so.
+bool PopupWindow::setComposited(bool isComposited)
+{
+    bool keepsAlpha = isComposited && m_visual.depth == kDepthWithAlpha;
+    if (std::exchange(m_keepsAlpha, keepsAlpha) == keepsAlpha || m_frame.isEmpty())
+        return false;
+    if (keepsAlpha && m_hasShape)
+        xcb_shape_mask(m_connection.raw(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, m_window, 0, 0,
+            XCB_PIXMAP_NONE);
+    m_hasShape = false;
+    makePicture();
     return true;
 }
 

@@ -12,7 +12,7 @@ namespace quorvel::xdg::x11 {
 /// the eye either. Pixels of the X screen.
 class PopupWindow {
 public:
-    PopupWindow(Connection&, const std::string& title);
+    PopupWindow(Connection&, const std::string& title, bool isComposited);
     ~PopupWindow();
     PopupWindow(const PopupWindow&) = delete;
     PopupWindow& operator=(const PopupWindow&) = delete;
@@ -20,6 +20,7 @@ public:
     xcb_window_t id() const { return m_window; }
     /// True if the picture must be painted anew.
     bool setFrame(const Rect&);
+    bool setComposited(bool);
     /// What is to be painted on; null for lack of memory.
     cairo_surface_t* picture() const { return m_picture ? m_picture.get() : m_buffer.surface(); }
     /// Shows these parts of the picture; the window comes up with the first ones.
@@ -31,11 +32,13 @@ public:
 
 private:
     void create(const std::string& title);
+    void makePicture();
     bool reachesEdge(const Rect& part) const;
     void shape();
 
     Connection& m_connection;
     const WindowVisual m_visual;
+    bool m_keepsAlpha; ///< a compositor shows what is transparent
     BackBuffer m_buffer;
     CairoSurface m_picture; ///< what is shown without its transparency; null where that is kept
     const xcb_window_t m_window;

@@ -15,6 +15,7 @@ struct PanelEnvironment;
 
 namespace quorvel::xdg::x11 {
 
+class Compositing;
 class Connection;
 class FrameIntervals;
 class Keyboard;
@@ -31,6 +32,7 @@ struct SurfaceContext {
     FrameIntervals& frames;
     AccessibleSurfaces& accessible;
     Keyboard& keyboard;
+    Compositing& compositing;
 
     /// Pixels per point.
     double scale() const;

@@ -5,6 +5,7 @@
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
+#include "Hosts/X11/Surface/Compositing.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/PartPainter.h"
@@ -26,6 +27,10 @@ X11Popup::X11Popup(const SurfaceContext& context, const PanelOptions& options,
     m_subscriptions.push_back(connection.turnEnded.subscribe([this] { endTurn(); }));
     m_subscriptions.push_back(m_context.monitors.changed.subscribe([this] { repaintAll(); }));
     m_subscriptions.push_back(m_context.appearance.subscribe([this](auto&) { repaintAll(); }));
+    m_subscriptions.push_back(m_context.compositing.isActive().subscribe([this](bool isComposited) {
+        if (m_window && m_window->setComposited(isComposited))
+            repaintAll();
+    }));
 }
 
 X11Popup::~X11Popup() = default;
@@ -46,7 +51,9 @@ void X11Popup::orderFront()
     m_isOrderedIn = true;
     if (m_window)
         return m_window->raise();
-    m_window = std::make_unique<PopupWindow>(m_context.connection, m_options.title);
+    m_context.compositing.refresh();
+    m_window = std::make_unique<PopupWindow>(
+        m_context.connection, m_options.title, m_context.compositing.isActive().value());
     if (m_opacity < 1)
         m_window->setOpacity(m_opacity);
     m_accessible = m_context.accessible.add(*this, m_client);

@@ -4,7 +4,6 @@
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/Surface/Compositing.h"
 #include "Hosts/X11/Surface/X11Panel.h"
 #include "Hosts/X11/Surface/X11Popup.h"
 
@@ -14,27 +13,27 @@ X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monit
     const PanelEnvironment& environment, const Published<Appearance>& appearance)
     : m_frames(connection, monitors)
     , m_keyboard(connection)
+    , m_compositing(connection)
     , m_context{connection, dispatch, monitors, environment, appearance, m_shaper, m_frames,
-          m_accessible, m_keyboard}
+          m_accessible, m_keyboard, m_compositing}
     , m_text(m_shaper, monitors.coordinates().scale)
     , m_appearance(appearance.subscribe([this](auto&) {
         for (auto& [display, window] : m_windows)
             window->repaintAll();
     }))
+    , m_blurChanged(
+          m_compositing.canBlur().subscribe([this](bool canBlur) { setCanBlur(canBlur); }))
 {
 }
 
 X11Surfaces::~X11Surfaces() = default;
 
-/// Only some window managers blur, and those that do say so; a window that is transparent without
-/// need would cost the compositor time.
-bool X11Surfaces::canBlur()
+/// A window that is transparent without need would cost the compositor time.
+void X11Surfaces::setCanBlur(bool canBlur)
 {
-    if (!m_canBlur)
-        m_canBlur = isCompositing(m_context.connection)
-            && windowManagerSupports(
-                m_context.connection, m_context.connection.atoms().kdeBlurBehind);
-    return *m_canBlur;
+    for (auto& [display, window] : m_windows)
+        window->setCanBlur(canBlur);
+    blurDidChange.emit();
 }
 
 std::unique_ptr<PanelSurface> X11Surfaces::createPanel(
@@ -53,7 +52,8 @@ DisplayWindow& X11Surfaces::windowOf(DisplayNumber display)
     std::erase_if(m_windows, [](auto& entry) { return !entry.second->hasPanels(); });
     auto& window = m_windows[display];
     if (!window) {
-        window = std::make_unique<DisplayWindow>(m_context, display, canBlur());
+        window
+            = std::make_unique<DisplayWindow>(m_context, display, m_compositing.canBlur().value());
         window->onPointerMoved = [this] { m_pointerMoved.emit(); };
     }
     return *window;

@@ -6,6 +6,7 @@
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Hosts/X11/Keyboard.h"
+#include "Hosts/X11/Surface/Compositing.h"
 #include "Hosts/X11/Surface/DisplayWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/MenuSession.h"
@@ -32,7 +33,7 @@ public:
     const AccessibleSurfaces& accessible() const { return m_accessible; }
 
 private:
-    bool canBlur();
+    void setCanBlur(bool);
     DisplayWindow& windowOf(DisplayNumber);
     void tellClosed(std::shared_ptr<MenuSession>, std::function<void()> action);
 
@@ -40,14 +41,15 @@ private:
     FrameIntervals m_frames;
     AccessibleSurfaces m_accessible;
     Keyboard m_keyboard;
+    Compositing m_compositing;
     SurfaceContext m_context;
     PangoText m_text;
-    std::optional<bool> m_canBlur;
     Signal<> m_pointerMoved;
     std::map<DisplayNumber, std::unique_ptr<DisplayWindow>> m_windows;
     std::unique_ptr<MenuSession> m_menu;
     std::function<void()> m_onMenuClosed;
     Subscription m_appearance;
+    Subscription m_blurChanged;
 };
 
 }
