@@ -25,6 +25,7 @@
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/X11Surfaces.h"
 #include "Hosts/X11/X11Application.h"
+#include "Hosts/X11/XSettings.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Quorvel.h"
 
@@ -61,11 +62,13 @@ int runBar(Display display, ControlChannel& control, Trace& trace)
     goHome();
     GLibDispatch dispatch;
     auto& connection = display.connection;
-    Monitors monitors{*connection};
+    XSettings settings{*connection};
+    Monitors monitors{*connection, dispatch, settings.looks()};
     PanelEnvironment environment;
     DesktopEntries entries{dispatch};
     Icons icons{entries};
-    X11Application application{*connection};
+    icons.follow(settings.looks());
+    X11Application application{*connection, settings.looks()};
     auto replaced = display.claim->lost.subscribe([&] { application.terminate(); });
     X11Surfaces surfaces{*connection, dispatch, monitors, environment, application.appearance()};
     AccessibleExport accessible{dispatch, surfaces.accessible(), environment};

@@ -156,7 +156,10 @@ bool hasMonitorBelow(const Rect& monitor, const std::vector<Monitor>& all)
     });
 }
 
-Monitors::Monitors(Connection& connection) : m_connection(connection)
+Monitors::Monitors(Connection& connection, Dispatch& dispatch, const Published<DesktopLooks>& looks)
+    : m_connection(connection)
+    , m_dispatch(dispatch)
+    , m_looks(looks)
 {
     connection.addEventMask(
         connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
@@ -182,14 +185,28 @@ Monitors::Monitors(Connection& connection) : m_connection(connection)
         }
     });
     m_turnEnded = connection.turnEnded.subscribe([this] {
-        if (!std::exchange(m_isStale, false))
-            return;
-        auto before = std::tuple{m_list, m_coordinates, m_screenPixels};
-        read();
-        if (before != std::tuple{m_list, m_coordinates, m_screenPixels})
-            changed.emit();
+        if (std::exchange(m_isStale, false))
+            settle();
     });
+    m_looksChanged = looks.subscribe([this](auto&) { settle(); });
     read();
+}
+
+void Monitors::settle()
+{
+    auto now = m_dispatch.now();
+    if (!m_settling.isPending())
+        m_staleSince = now;
+    auto due = std::min<Instant>(now + kSettleTime, m_staleSince + kLongestSettleTime);
+    m_settling = m_dispatch.main().after(std::max<Duration>(due - now, {}), [this] { follow(); });
+}
+
+void Monitors::follow()
+{
+    auto before = std::tuple{m_list, m_coordinates, m_screenPixels};
+    read();
+    if (before != std::tuple{m_list, m_coordinates, m_screenPixels})
+        changed.emit();
 }
 
 void Monitors::read()
@@ -218,7 +235,8 @@ void Monitors::read()
     } else {
         m_list.push_back({DisplayNumber{1}, "screen", Rect::from({}, m_screenPixels)});
     }
-    m_coordinates.scale = scaleFrom(resources.get());
+    auto& said = m_looks.value().scale;
+    m_coordinates.scale = said ? std::clamp(*said, 1.0, kLargestScale) : scaleFrom(resources.get());
     // While no monitor is connected, frames keep the place they had.
     if (!m_list.empty())
         m_coordinates.primaryPixels = m_list.front().pixels;

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "Hosts/Linux/DesktopLooks.h"
+#include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
 #include "Quorvel/Platform/Published.h"
@@ -45,10 +47,15 @@ struct Coordinates {
 };
 
 /// The monitors that RandR reports, the primary one first, and the scale of the X screen (1 to 2,
-/// from the display's resources). Main thread.
+/// from the desktop's settings, else from the display's resources). Main thread.
 class Monitors {
 public:
-    explicit Monitors(Connection&);
+    /// Changes come in rows, and each is worth a new layout of everything: so long after the last
+    /// one they are followed, at the latest so long after the first.
+    static constexpr Duration kSettleTime = seconds(0.2);
+    static constexpr Duration kLongestSettleTime = seconds(1);
+
+    Monitors(Connection&, Dispatch&, const Published<DesktopLooks>&);
 
     const std::vector<Monitor>& list() const { return m_list; }
     const Coordinates& coordinates() const { return m_coordinates; }
@@ -60,14 +67,21 @@ public:
 
 private:
     void read();
+    void settle();
+    void follow();
 
     Connection& m_connection;
+    Dispatch& m_dispatch;
+    const Published<DesktopLooks>& m_looks;
     std::vector<Monitor> m_list;
     Coordinates m_coordinates;
     Size m_screenPixels;
     Subscription m_events;
     Subscription m_turnEnded;
+    Subscription m_looksChanged;
     bool m_isStale = false;
+    Instant m_staleSince;
+    WorkItem m_settling;
 };
 
 }

@@ -20,18 +20,10 @@ namespace {
 /// A bar is quieter dark, so that is what it is on a desktop that says nothing.
 constexpr bool kIsDarkByDefault = true;
 
-bool isDarkWithoutPortal()
+bool isRightToLeft()
 {
-    return isDarkTheme(std::getenv("GTK_THEME")).value_or(kIsDarkByDefault);
-}
-
-Appearance initialAppearance()
-{
-    Appearance appearance;
-    appearance.isDark = isDarkWithoutPortal();
     const char* locale = std::setlocale(LC_MESSAGES, nullptr);
-    appearance.isRightToLeft = locale && isRightToLeftLocale(locale);
-    return appearance;
+    return locale && isRightToLeftLocale(locale);
 }
 
 }
@@ -52,16 +44,17 @@ bool isRightToLeftLocale(std::string_view locale)
     return std::ranges::find(languages, language) != languages.end();
 }
 
-X11Application::X11Application(Connection& connection)
+X11Application::X11Application(Connection& connection, const Published<DesktopLooks>& looks)
     : m_loop(g_main_loop_new(nullptr, false))
-    , m_appearance(initialAppearance())
-    , m_colorScheme([this](std::optional<bool> prefersDark) {
-        auto appearance = m_appearance.value();
-        appearance.isDark = prefersDark.value_or(isDarkWithoutPortal());
-        m_appearance.set(appearance);
+    , m_looks(looks)
+    , m_colorScheme([this](const ColorScheme::Preference& preference) {
+        m_preference = preference;
+        updateAppearance();
     })
+    , m_looksChanged(looks.subscribe([this](auto&) { updateAppearance(); }))
     , m_lost(connection.lost.subscribe([this] { connectionLost(); }))
 {
+    updateAppearance();
     constexpr std::array numbers{SIGTERM, SIGINT, SIGHUP};
     for (std::size_t i = 0; i < numbers.size(); ++i) {
         m_signals[i] = g_unix_signal_add(
@@ -104,6 +97,22 @@ void X11Application::terminate()
         return;
     willTerminate.emit();
     g_main_loop_quit(m_loop);
+}
+
+/// The portal knows best. A theme in the environment is what the user gave this program.
+void X11Application::updateAppearance()
+{
+    auto isDark = m_preference.isDark;
+    if (!isDark)
+        isDark = isDarkTheme(std::getenv("GTK_THEME"));
+    if (!isDark)
+        isDark = m_looks.value().isDark;
+    auto appearance = m_appearance.value();
+    appearance.isDark = isDark.value_or(kIsDarkByDefault);
+    appearance.isRightToLeft = isRightToLeft();
+    appearance.accent = m_preference.accent;
+    appearance.font = m_looks.value().font;
+    m_appearance.set(appearance);
 }
 
 void X11Application::connectionLost()

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include <glib.h>
 
 #include "Hosts/Linux/Bus/ColorScheme.h"
+#include "Hosts/Linux/DesktopLooks.h"
 #include "Quorvel/Platform/Application.h"
 
 namespace quorvel::xdg::x11 {
@@ -15,7 +17,8 @@ class Connection;
 /// The process: its loop, its end by a signal or with the server, its looks.
 class X11Application final : public Application {
 public:
-    explicit X11Application(Connection&);
+    /// The looks are those of the desktop; what the settings portal says comes before them.
+    X11Application(Connection&, const Published<DesktopLooks>&);
     ~X11Application() override;
 
     void setActivationPolicy(ActivationPolicy) override { }
@@ -27,11 +30,15 @@ public:
     const Published<Appearance>& appearance() const override { return m_appearance; }
 
 private:
+    void updateAppearance();
     void connectionLost();
 
     GMainLoop* m_loop;
+    const Published<DesktopLooks>& m_looks;
+    ColorScheme::Preference m_preference; ///< what the portal says
     Published<Appearance> m_appearance;
     ColorScheme m_colorScheme;
+    Subscription m_looksChanged;
     Subscription m_lost;
     guint m_signals[3]{};
     bool m_isEnding = false;

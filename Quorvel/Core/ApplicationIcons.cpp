@@ -9,7 +9,13 @@ namespace quorvel {
 ApplicationIcons::ApplicationIcons(Workspace& workspace) : m_workspace(workspace)
 {
     m_changes = workspace.iconDidChange.subscribe([this](const std::string& bundleIdentifier) {
-        m_iconCache.erase(bundleIdentifier);
+        if (bundleIdentifier.empty()) {
+            m_iconCache.clear();
+            m_iconsByPID.clear();
+            m_generic.reset();
+        } else {
+            m_iconCache.erase(bundleIdentifier);
+        }
         didChange.emit();
     });
     m_ends = workspace.didTerminate.subscribe(

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Published.h"
 #include "Quorvel/Platform/Workspace.h"
 
@@ -15,6 +16,8 @@ struct Appearance {
     bool reduceMotion = false;
     bool increaseContrast = false;
     bool isRightToLeft = false;
+    std::optional<Color> accent = {}; ///< of what is marked; absent: the bar has its own
+    std::string font = {}; ///< of the interface, in the host's words; whoever measured does it anew
 
     friend bool operator==(const Appearance&, const Appearance&) = default;
 };

@@ -85,7 +85,7 @@ public:
     Signal<RunningApplication> didActivate;
     Signal<> didWake;
     Signal<> activeSpaceDidChange;
-    /// A hint that the icon under this bundle identifier changed.
+    /// A hint that the icon under this bundle identifier changed; every icon where it is empty.
     Signal<std::string> iconDidChange;
 };
 

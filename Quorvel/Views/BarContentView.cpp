@@ -84,6 +84,10 @@ BarContentView::BarContentView(Inputs inputs)
         m_inputs.settings.data().subscribe([this](auto&) { settingsDidChange(); }));
     m_subscriptions.push_back(
         m_inputs.pinStore.pinnedApps().subscribe([this](auto&) { pinsDidChange(); }));
+    m_subscriptions.push_back(m_inputs.platform.workspace.iconDidChange.subscribe([this](auto& id) {
+        if (id.empty() || std::ranges::find(m_pins, id) != m_pins.end())
+            pinsDidChange();
+    }));
     m_subscriptions.push_back(viewModel.spaces.subscribe([this](auto&) { spacesDidChange(); }));
     m_subscriptions.push_back(viewModel.chipsBySpace.subscribe([this](auto& chips) {
         if (!areCurrent(m_spaceSwitcher->spaces(), chips))
@@ -211,6 +215,7 @@ void BarContentView::appearanceDidChange()
     m_spaceSwitcher->setRightToLeft(appearance.isRightToLeft);
     m_showDesktopButton->setDark(appearance.isDark);
     m_row->setDark(appearance.isDark);
+    m_row->setAccent(appearance.accent);
     m_row->setReducesMotion(appearance.reduceMotion);
     updateBackground();
     layout();

@@ -134,6 +134,11 @@ void ChipView::setDark(bool isDark)
     set(m_isDark, isDark);
 }
 
+void ChipView::setAccent(const std::optional<Color>& accent)
+{
+    set(m_accent, accent);
+}
+
 void ChipView::setRightToLeft(bool isRightToLeft)
 {
     set(m_isRightToLeft, isRightToLeft);
@@ -349,7 +354,10 @@ void ChipView::paintProgress(Canvas& canvas, const Parts& layout) const
         done.x = layout.face.maxX() - done.width;
     canvas.save();
     canvas.clip(done);
-    canvas.fillRounded(layout.face, m_metrics.chipCornerRadius, Style::of(m_isDark).progress);
+    auto color = Style::of(m_isDark).progress;
+    if (m_accent)
+        color = m_accent->withAlpha(color.alpha);
+    canvas.fillRounded(layout.face, m_metrics.chipCornerRadius, color);
     canvas.restore();
 }
 
@@ -401,7 +409,8 @@ void ChipView::paintChip(Canvas& canvas) const
         paintPill(canvas, layout.badge, *badge, Style::badge, Style::badgeText);
     }
     if (isFocused(m_item))
-        canvas.fillRounded(layout.focusMark, Style::focusMarkHeight / 2, style.focusMark);
+        canvas.fillRounded(
+            layout.focusMark, Style::focusMarkHeight / 2, m_accent.value_or(style.focusMark));
     if (m_hasKeyFocus || m_hasFilesOver)
         paintKeyFocus(canvas, layout.face, m_metrics.chipCornerRadius, m_isDark);
 }

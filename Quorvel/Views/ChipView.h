@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,6 +32,8 @@ public:
     bool isHovered() const { return m_isHovered; }
     void setItem(const DisplayItem&);
     void setDark(bool);
+    /// Of the mark and the progress; absent: the bar's own.
+    void setAccent(const std::optional<Color>&);
     void setRightToLeft(bool);
     /// How strongly a request for attention shows now, from 0 to 1.
     void setPulse(double strength);
@@ -102,6 +105,7 @@ private:
     const Text& m_text;
     DisplayItem m_item;
     bool m_isDark = true;
+    std::optional<Color> m_accent;
     bool m_isRightToLeft = false;
     bool m_isHovered = false;
     bool m_isPressed = false;

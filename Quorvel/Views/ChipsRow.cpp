@@ -113,6 +113,7 @@ ChipView& ChipsRow::makeChip(const std::string& id)
 {
     auto& chip = addChild(std::make_unique<ChipView>(m_metrics, m_text));
     chip.setDark(m_isDark);
+    chip.setAccent(m_accent);
     chip.setRightToLeft(m_isRightToLeft);
     chip.setTitle(m_title);
     chip.onClick = [this](const ChipView& clicked, ChipView::Click click) {
@@ -176,6 +177,13 @@ void ChipsRow::setDark(bool isDark)
     for (auto& [id, pin] : m_pins)
         pin->setDark(isDark);
     m_scroll.setDark(isDark);
+}
+
+void ChipsRow::setAccent(const std::optional<Color>& accent)
+{
+    m_accent = accent;
+    for (auto& [id, chip] : m_chips)
+        chip->setAccent(accent);
 }
 
 void ChipsRow::setRightToLeft(bool isRightToLeft)

@@ -43,6 +43,7 @@ public:
     void setReducesMotion(bool);
     void setFrameInterval(Duration);
     void setDark(bool);
+    void setAccent(const std::optional<Color>&);
     void setRightToLeft(bool);
 
     void pointerEntered() override;
@@ -110,6 +111,7 @@ private:
     Dispatch& m_dispatch;
     Duration m_frameInterval = seconds(1.0 / 60);
     bool m_isDark = true;
+    std::optional<Color> m_accent;
     bool m_isRightToLeft = false;
     bool m_isHovered = false;
     bool m_reducesMotion = false;

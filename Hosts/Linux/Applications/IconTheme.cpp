@@ -107,10 +107,10 @@ std::vector<IconCandidate> sortedForSize(std::vector<IconCandidate> candidates, 
     return candidates;
 }
 
-IconTheme::IconTheme()
+IconTheme::IconTheme(const std::string& name)
     : m_bases(iconFolders())
     , m_themelessFolders(themelessFolders(m_bases))
-    , m_name(userThemeName())
+    , m_name(name.empty() ? userThemeName() : name)
 {
 }
 

@@ -26,8 +26,9 @@ class IconThemeFile;
 /// folders without a theme. Only files of the asked name are looked at. Main thread.
 class IconTheme {
 public:
-    /// The folders and the theme's name come from the environment as it is now.
-    IconTheme();
+    /// The folders come from the environment as it is now, and so does the theme's name where none
+    /// is given.
+    explicit IconTheme(const std::string& name = {});
 
     /// All sizes of the icon in the first theme that has it; empty where none has. A theme's
     /// folders for applications come before any theme's folders for other things: they are few, so

@@ -48,6 +48,20 @@ Icons::Icons(DesktopEntries& entries, std::size_t pixelBytes)
 
 Icons::~Icons() = default;
 
+void Icons::follow(const Published<DesktopLooks>& looks)
+{
+    m_themeName = looks.value().iconTheme;
+    m_looksChanged = looks.subscribe([this](auto& now) { setTheme(now.iconTheme); });
+}
+
+void Icons::setTheme(const std::string& name)
+{
+    if (std::exchange(m_themeName, name) == name)
+        return;
+    forget();
+    themeDidChange.emit();
+}
+
 Image Icons::forEntry(std::string_view desktopFilePath)
 {
     const auto icon = m_entries.icon(desktopFilePath);
@@ -87,7 +101,7 @@ Image Icons::makeNamed(const std::string& nameOrPath)
     std::vector<IconCandidate> files;
     if (!nameOrPath.starts_with('/')) {
         if (!m_theme)
-            m_theme = std::make_unique<IconTheme>();
+            m_theme = std::make_unique<IconTheme>(m_themeName);
         files = m_theme->find(nameOrPath);
     } else if (isIconFile(nameOrPath)) {
         files.push_back({nameOrPath});

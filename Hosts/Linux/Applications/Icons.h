@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Hosts/Linux/DesktopLooks.h"
 #include "Quorvel/Platform/Image.h"
 #include "Quorvel/Platform/Published.h"
 
@@ -37,6 +38,11 @@ public:
     Icons(const Icons&) = delete;
     Icons& operator=(const Icons&) = delete;
 
+    /// Looks in the icon theme that the desktop wants, and in another one when it wants another.
+    void follow(const Published<DesktopLooks>&);
+    /// Every icon may be another now.
+    Signal<> themeDidChange;
+
     /// The icon that the desktop file names; empty when it names none or none is found.
     Image forEntry(std::string_view desktopFilePath);
     /// What a window gave; empty when no size of it is usable. Pixels that had to go are asked for
@@ -50,13 +56,16 @@ private:
     Image named(const std::string& nameOrPath);
     Image makeNamed(const std::string& nameOrPath);
     void forget();
+    void setTheme(const std::string& name);
 
     DesktopEntries& m_entries;
     const std::shared_ptr<PixelBudget> m_budget;
     std::unique_ptr<IconTheme> m_theme;
     std::map<std::string, std::weak_ptr<const PlatformImage>> m_images; ///< by name or path
     Image m_generic;
+    std::string m_themeName; ///< empty: the user's own files say
     Subscription m_entriesChanged;
+    Subscription m_looksChanged;
 };
 
 }

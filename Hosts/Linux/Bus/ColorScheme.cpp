@@ -11,9 +11,10 @@ constexpr char kPortal[] = "org.freedesktop.portal.Desktop";
 constexpr char kPath[] = "/org/freedesktop/portal/desktop";
 constexpr char kInterface[] = "org.freedesktop.portal.Settings";
 constexpr char kNamespace[] = "org.freedesktop.appearance";
-constexpr char kKey[] = "color-scheme";
+constexpr char kScheme[] = "color-scheme";
+constexpr char kAccent[] = "accent-color";
 
-enum Preference : guint32 { noPreference, prefersDark, prefersLight };
+enum Scheme : guint32 { noPreference, prefersDark, prefersLight };
 
 /// The value inside any number of variants.
 GVariant* unwrapped(GVariant* value)
@@ -26,23 +27,50 @@ GVariant* unwrapped(GVariant* value)
     return value;
 }
 
+std::optional<bool> darkFrom(GVariant* value)
+{
+    if (!g_variant_is_of_type(value, G_VARIANT_TYPE_UINT32))
+        return std::nullopt;
+    const auto scheme = g_variant_get_uint32(value);
+    return scheme == prefersDark || scheme == prefersLight ? std::optional{scheme == prefersDark}
+                                                           : std::nullopt;
+}
+
+/// Parts from 0 to 1; others mean that there is none.
+std::optional<Color> colorFrom(GVariant* value)
+{
+    if (!g_variant_is_of_type(value, G_VARIANT_TYPE("(ddd)")))
+        return std::nullopt;
+    Color color;
+    g_variant_get(value, "(ddd)", &color.red, &color.green, &color.blue);
+    for (const double part : {color.red, color.green, color.blue}) {
+        if (!(part >= 0 && part <= 1))
+            return std::nullopt;
+    }
+    return color;
+}
+
 }
 
 ColorScheme::ColorScheme(Changed changed)
     : m_changed(std::move(changed))
     , m_portal({kPortal, kPath, kInterface, "SettingChanged", kNamespace},
-          {[this] { read(); }, nullptr, [this](GVariant* parameters) { takeChange(parameters); }})
+          {[this] {
+               read(kScheme);
+               read(kAccent);
+           },
+              nullptr, [this](GVariant* parameters) { takeChange(parameters); }})
 {
 }
 
-void ColorScheme::read()
+void ColorScheme::read(const char* key)
 {
-    m_portal.call(kInterface, "Read", g_variant_new("(ss)", kNamespace, kKey), "(v)",
-        [this](GVariant* reply) {
+    m_portal.call(kInterface, "Read", g_variant_new("(ss)", kNamespace, key), "(v)",
+        [this, key](GVariant* reply) {
             if (!reply)
                 return;
             auto* value = g_variant_get_child_value(reply, 0);
-            take(value);
+            take(key, value);
             g_variant_unref(value);
         });
 }
@@ -55,22 +83,20 @@ void ColorScheme::takeChange(GVariant* parameters)
     const char* key = nullptr;
     GVariant* value = nullptr;
     g_variant_get(parameters, "(&s&sv)", &space, &key, &value);
-    if (std::string_view{space} == kNamespace && std::string_view{key} == kKey)
-        take(value);
+    if (std::string_view{space} == kNamespace)
+        take(key, value);
     g_variant_unref(value);
 }
 
-void ColorScheme::take(GVariant* wrapped)
+void ColorScheme::take(std::string_view key, GVariant* wrapped)
 {
     auto* value = unwrapped(wrapped);
-    std::optional<bool> isDark;
-    if (g_variant_is_of_type(value, G_VARIANT_TYPE_UINT32)) {
-        auto preference = g_variant_get_uint32(value);
-        if (preference == prefersDark || preference == prefersLight)
-            isDark = preference == prefersDark;
-    }
+    if (key == kScheme)
+        m_preference.isDark = darkFrom(value);
+    else if (key == kAccent)
+        m_preference.accent = colorFrom(value);
     g_variant_unref(value);
-    m_changed(isDark);
+    m_changed(m_preference);
 }
 
 }

@@ -2,26 +2,33 @@
 
 #include <functional>
 #include <optional>
+#include <string_view>
 
 #include "Hosts/Linux/Bus/BusService.h"
+#include "Quorvel/Platform/Geometry.h"
 
 namespace quorvel::xdg {
 
-/// Whether the desktop wants dark programs, from the settings portal on the session bus. Nothing
-/// waits for it: the answer comes when it comes, and again whenever it changes. Main thread.
+/// What the settings portal on the session bus says of colours. Nothing waits for it: the answers
+/// come when they come, and again whenever they change. Main thread.
 class ColorScheme {
 public:
     /// Absent: the desktop has no preference, or no longer says.
-    using Changed = std::function<void(std::optional<bool> prefersDark)>;
+    struct Preference {
+        std::optional<bool> isDark;
+        std::optional<Color> accent;
+    };
+    using Changed = std::function<void(const Preference&)>;
 
     explicit ColorScheme(Changed);
 
 private:
-    void read();
+    void read(const char* key);
     void takeChange(GVariant* parameters);
-    void take(GVariant* value);
+    void take(std::string_view key, GVariant* value);
 
     Changed m_changed;
+    Preference m_preference;
     BusService m_portal;
 };
 

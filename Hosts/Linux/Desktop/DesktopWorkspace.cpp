@@ -42,6 +42,7 @@ DesktopWorkspace::DesktopWorkspace(const SharedModel& model, DesktopTracker& tra
     m_subscriptions.push_back(tracker.iconOfApplicationDidChange.subscribe(
         [this](const std::string& bundleIdentifier) { iconDidChange.emit(bundleIdentifier); }));
     m_subscriptions.push_back(entries.changed.subscribe([this] { entriesDidChange(); }));
+    m_subscriptions.push_back(icons.themeDidChange.subscribe([this] { iconDidChange.emit({}); }));
 }
 
 /// An application may have been installed, with its icon, while it runs.

@@ -1,6 +1,7 @@
 #include "Hosts/Linux/Drawing/TextShaper.h"
 
 #include <cmath>
+#include <utility>
 
 #include <pango/pangocairo.h>
 
@@ -12,6 +13,7 @@ namespace {
 
 constexpr std::size_t kLongestMeasuredText = 1000;
 constexpr std::size_t kMostFonts = 24;
+constexpr const char* kAnyFamily = "Sans";
 /// Narrower than any letter is on average, in parts of the font's size.
 constexpr double kNarrowestLetter = 0.2;
 constexpr std::size_t kSpareLetters = 32;
@@ -42,11 +44,23 @@ std::size_t longestVisibleText(double pixels, double maximumWidth)
 }
 
 TextShaper::TextShaper()
-    : m_context(pango_font_map_create_context(pango_cairo_font_map_get_default()))
+    : m_family(kAnyFamily)
+    , m_context(pango_font_map_create_context(pango_cairo_font_map_get_default()))
     , m_layout(pango_layout_new(m_context.get()))
 {
     pango_layout_set_single_paragraph_mode(m_layout.get(), true);
     pango_layout_set_auto_dir(m_layout.get(), true);
+}
+
+void TextShaper::setFont(const std::string& description)
+{
+    PangoFontHandle font{pango_font_description_from_string(description.c_str())};
+    const char* family = pango_font_description_get_family(font.get());
+    std::string wanted = family && *family ? family : kAnyFamily;
+    if (std::exchange(m_family, wanted) == wanted)
+        return;
+    m_fonts.clear();
+    m_current = nullptr;
 }
 
 const TextShaper::Font& TextShaper::font(double pixels, FontWeight weight)
@@ -60,7 +74,8 @@ const TextShaper::Font& TextShaper::font(double pixels, FontWeight weight)
     m_fonts.reserve(kMostFonts);
     m_current = nullptr;
 
-    PangoFontHandle description{pango_font_description_from_string("Sans")};
+    PangoFontHandle description{pango_font_description_new()};
+    pango_font_description_set_family(description.get(), m_family.c_str());
     pango_font_description_set_weight(description.get(), pangoWeight(weight));
     pango_font_description_set_absolute_size(description.get(), pixels * PANGO_SCALE);
     PangoMetricsHandle metrics{

@@ -28,6 +28,8 @@ class TextShaper {
 public:
     TextShaper();
 
+    /// As Pango reads it, of which the family counts; empty: the system's own.
+    void setFont(const std::string& description);
     LineMetrics metrics(double size, FontWeight, double scale);
     /// At most `maximumWidth` pixels wide when the style elides; without a limit when negative.
     ShapedLine shape(
@@ -43,6 +45,7 @@ private:
     };
     const Font& font(double pixels, FontWeight);
 
+    std::string m_family;
     PangoContextHandle m_context;
     PangoLayoutHandle m_layout;
     std::vector<Font> m_fonts;

@@ -17,13 +17,15 @@ X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monit
     , m_context{connection, dispatch, monitors, environment, appearance, m_shaper, m_frames,
           m_accessible, m_keyboard, m_compositing}
     , m_text(m_shaper, monitors.coordinates().scale)
-    , m_appearance(appearance.subscribe([this](auto&) {
+    , m_appearance(appearance.subscribe([this](auto& now) {
+        m_shaper.setFont(now.font); // before any view measures with it
         for (auto& [display, window] : m_windows)
             window->repaintAll();
     }))
     , m_blurChanged(
           m_compositing.canBlur().subscribe([this](bool canBlur) { setCanBlur(canBlur); }))
 {
+    m_shaper.setFont(appearance.value().font);
 }
 
 X11Surfaces::~X11Surfaces() = default;

@@ -23,7 +23,8 @@ struct HostServices {
     std::string problem;
     xdg::GLibDispatch dispatch;
     std::unique_ptr<xdg::x11::Connection> connection = xdg::x11::Connection::open(problem);
-    xdg::x11::Monitors monitors{*connection};
+    Published<xdg::DesktopLooks> looks;
+    xdg::x11::Monitors monitors{*connection, dispatch, looks};
     xdg::PanelEnvironment environment;
     xdg::DesktopEntries entries{dispatch};
     xdg::Icons icons{entries};

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace quorvel::xdg {
+
+/// What the desktop's settings daemon says of how programs look; each absent or empty where it says
+/// nothing.
+struct DesktopLooks {
+    std::optional<bool> isDark;
+    std::string iconTheme; ///< its folder's name
+    std::string font; ///< as Pango reads it: "Cantarell 11"
+    std::optional<double> scale; ///< pixels per point, as it was said: any positive number
+
+    friend bool operator==(const DesktopLooks&, const DesktopLooks&) = default;
+};
+
+}
