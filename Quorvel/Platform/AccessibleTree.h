@@ -40,6 +40,8 @@ public:
     virtual std::vector<AccessibleElement*> accessibleChildren() = 0;
     /// By its place in the list of actions. False if there is none.
     virtual bool performAccessibleAction(std::size_t) = 0;
+    /// Gives it the keyboard, as if the user had walked there. False where it cannot have it.
+    virtual bool takeAccessibleFocus() { return false; }
 };
 
 }

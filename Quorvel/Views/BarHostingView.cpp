@@ -207,6 +207,14 @@ void BarHostingView::keyboardDidChange(bool hasKeyboard)
         walk(1);
 }
 
+bool BarHostingView::viewWantsKeyboard(View& view)
+{
+    if (!onKeyboardWanted || !onKeyboardWanted())
+        return false;
+    setKeyFocused(&view);
+    return true;
+}
+
 void BarHostingView::setKeyFocused(View* view)
 {
     auto* before = std::exchange(m_keyFocused, view);

@@ -29,6 +29,8 @@ public:
     std::function<void(bool)> onHoverChanged;
     /// Whether the views run from right to left; unset: they do not.
     std::function<bool()> isRightToLeft;
+    /// Takes the keyboard to the surface: whether it has it now; unset: it never does.
+    std::function<bool()> onKeyboardWanted;
     /// Where the pointer is, in points of the surface; absent while it is elsewhere.
     const std::optional<Point>& pointer() const { return m_pointer; }
     /// Null while the keyboard is elsewhere.
@@ -47,6 +49,7 @@ private:
     void viewNeedsPaint(const Rect&) override;
     void viewWillVanish(const View&) override;
     void viewsDidMove() override;
+    bool viewWantsKeyboard(View&) override;
 
     void press(const PointerEvent&);
     void release(const PointerEvent&);

@@ -16,6 +16,8 @@ BarPanel::BarPanel(Surfaces& surfaces, const PanelOptions& options, std::size_t 
         if (m_content)
             m_content->scrollSideways(distance);
     };
+    m_hostingView.onKeyboardWanted
+        = [this] { return m_surface->isVisible() && m_surface->takeKeyboard(); };
     m_hostingView.onHoverChanged = [this](bool isHovered) {
         m_isHovered = isHovered;
         updateKeying();

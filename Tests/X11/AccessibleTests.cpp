@@ -26,8 +26,8 @@ protected:
 };
 
 // Faults: ATK in every bar's memory; a name, a focus or an end that nobody is told of; a place that
-// is not the chip's; a press that does nothing; a question for what has gone, or the end of whoever
-// asked, that takes the bar along.
+// is not the chip's; a press or a wish for the keyboard that does nothing; bars that nobody sees; a
+// question for what has gone, or the end of whoever asked, that takes the bar along.
 TEST_F(AccessibleBar, isReadAndPressedByAScreenReaderThatMayDie)
 {
     Client client{server};
@@ -60,6 +60,11 @@ TEST_F(AccessibleBar, isReadAndPressedByAScreenReaderThatMayDie)
     EXPECT_TRUE(hears(reader, "object:state-changed:checked:on", "renamed"));
     EXPECT_TRUE(hears(reader, "object:state-changed:checked:off", "second"));
     EXPECT_TRUE(ScreenReader::has(chip, ATSPI_STATE_CHECKED));
+
+    EXPECT_TRUE(ScreenReader::takeFocus(otherChip));
+    EXPECT_TRUE(eventually(3s, [&] { return ScreenReader::has(otherChip, ATSPI_STATE_FOCUSED); }));
+    EXPECT_EQ(desktop.activeWindow(), first);
+    EXPECT_EQ(reader.surfacesOf("Quorvel"), 1U) << "the bars of hidden desktops are no surfaces";
 
     const auto count = reader.elementsOf("Quorvel").size();
     client.destroy(first);

@@ -132,7 +132,8 @@ std::vector<std::string> AccessibleNode::childIDs() const
     std::vector<std::string> ids;
     if (isApplication()) {
         for (auto& entry : m_surfaces.entries()) {
-            if (entry.client->accessibleRoot())
+            // The bars of other desktops are on no screen.
+            if (entry.surface->isVisible() && entry.client->accessibleRoot())
                 ids.push_back(std::to_string(entry.id));
         }
         return ids;
@@ -269,6 +270,12 @@ bool AccessibleNode::performAction(std::size_t index)
 {
     auto* element_ = element();
     return element_ && element_->performAccessibleAction(index);
+}
+
+bool AccessibleNode::takeFocus()
+{
+    auto* element_ = element();
+    return element_ && element_->takeAccessibleFocus();
 }
 
 // MARK: What has changed

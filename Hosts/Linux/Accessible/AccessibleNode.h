@@ -52,6 +52,7 @@ public:
     const char* actionName(std::size_t index);
     std::size_t actionCount() const;
     bool performAction(std::size_t index);
+    bool takeFocus();
     /// Pixels of the X screen; absent if it is gone.
     std::optional<Rect> frame() const;
     std::optional<Rect> surfaceFrame() const;

@@ -125,10 +125,18 @@ void extentsOf(
     *height = static_cast<int>(std::lround(frame.height));
 }
 
+gboolean grabFocus(AtkComponent* component)
+{
+    auto* node = nodeOf(component);
+    return node && node->takeFocus();
+}
+
 /// What lies at a point and so on, ATK finds out from this.
 void initializeComponent(gpointer interface, gpointer)
 {
-    static_cast<AtkComponentIface*>(interface)->get_extents = extentsOf;
+    auto* component = static_cast<AtkComponentIface*>(interface);
+    component->get_extents = extentsOf;
+    component->grab_focus = grabFocus;
 }
 
 // MARK: What can be done

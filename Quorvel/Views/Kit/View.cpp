@@ -68,6 +68,12 @@ std::vector<View*> View::accessibleViews() const
     return views;
 }
 
+bool View::takeAccessibleFocus()
+{
+    auto* surface = host();
+    return isAccessible() && surface && surface->viewWantsKeyboard(*this);
+}
+
 void View::scrollIntoView()
 {
     for (auto* holder = m_parent; holder; holder = holder->m_parent)

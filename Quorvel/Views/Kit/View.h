@@ -24,6 +24,8 @@ public:
     virtual void viewWillVanish(const View&) = 0;
     /// Called by a view that has placed its children anew: another one may lie under the pointer.
     virtual void viewsDidMove() = 0;
+    /// Whether the view has the keyboard now.
+    virtual bool viewWantsKeyboard(View&) = 0;
 };
 
 /// The pointer with a button down.
@@ -109,6 +111,7 @@ public:
     Rect accessibleFrame() const override { return frameInRoot(); }
     std::vector<AccessibleElement*> accessibleChildren() override;
     bool performAccessibleAction(std::size_t) override { return false; }
+    bool takeAccessibleFocus() override;
     /// The views below this one that mean something, from left to right.
     std::vector<View*> accessibleViews() const;
 

@@ -177,6 +177,17 @@ bool ScreenReader::perform(const Element& element, const std::string& name)
     return isDone;
 }
 
+bool ScreenReader::takeFocus(const Element& element)
+{
+    return atspi_component_grab_focus(ATSPI_COMPONENT(element.get()), nullptr);
+}
+
+std::size_t ScreenReader::surfacesOf(const std::string& program) const
+{
+    const auto found = programNamed(program);
+    return found ? childrenOf(found.get()).size() : 0;
+}
+
 void ScreenReader::killService()
 {
     auto* answer = call(kService, "/org/a11y/bus", kService, "GetAddress", nullptr);

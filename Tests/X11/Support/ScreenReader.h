@@ -40,6 +40,9 @@ public:
     static Frame frame(const Element&);
     /// False if it has no such action, or is gone.
     static bool perform(const Element&, const std::string& action);
+    static bool takeFocus(const Element&);
+    /// How many surfaces the program shows.
+    std::size_t surfacesOf(const std::string& program) const;
 
     /// Ends the accessibility service and its bus without a word; the registry goes with the bus.
     void killService();
