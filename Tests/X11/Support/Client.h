@@ -23,6 +23,7 @@ struct WindowOptions {
     std::optional<std::string> machine = {}; ///< of WM_CLIENT_MACHINE
     std::optional<xcb_window_t> number = {}; ///< one that it had before
     std::optional<std::uint32_t> userTime = {}; ///< 0: it wants no focus when it comes
+    std::optional<xcb_pixmap_t> icon = {}; ///< of WM_HINTS; openbox gives one to who has none yet
     bool answersClose = false; ///< else a manager that closes the window cuts the connection
 };
 

@@ -15,7 +15,12 @@ namespace quorvel::x11tests {
 /// A user's desktop under one of the window managers, without a bar yet.
 class DesktopFixture {
 public:
-    explicit DesktopFixture(ManagerKind kind) : manager(server, desktop, kind) { }
+    explicit DesktopFixture(
+        ManagerKind kind, const std::vector<std::string>& serverArguments = {}, int depth = 24)
+        : server(serverArguments, depth)
+        , manager(server, desktop, kind)
+    {
+    }
 
     /// Clicks a window's chip where the bar says it is, and takes the pointer off the bar.
     void clickChip(const Bar& bar, xcb_window_t window, Button button = Button::primary)

@@ -36,10 +36,10 @@ TemporaryFolder::~TemporaryFolder()
     std::filesystem::remove_all(m_path, ignored);
 }
 
-XServer::XServer()
+XServer::XServer(const std::vector<std::string>& arguments, int depth)
 {
     makeHome();
-    startServer();
+    startServer(arguments, depth);
     startBus();
 }
 
@@ -68,13 +68,14 @@ void XServer::makeHome()
     std::ofstream(settingsFile()) << R"({"groupWindowsByApp": false})";
 }
 
-void XServer::startServer()
+void XServer::startServer(const std::vector<std::string>& arguments, int depth)
 {
     const auto line = folder() / "display";
+    std::vector<std::string> command{"Xvfb", "-displayfd", "1", "-screen", "0",
+        "1280x800x" + std::to_string(depth), "-listen", "tcp", "-noreset"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
     m_server
-        = std::make_unique<Process>(std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen",
-                                        "0", "1280x800x24", "-listen", "tcp", "-noreset"},
-            m_environment, Outputs{line, folder() / "server.log"});
+        = std::make_unique<Process>(command, m_environment, Outputs{line, folder() / "server.log"});
     m_display = ":" + waitForLine(line);
     m_environment["DISPLAY"] = m_display;
 }

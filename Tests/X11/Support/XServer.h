@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "Tests/X11/Support/Process.h"
 
@@ -25,7 +26,8 @@ private:
 /// An X server in memory (1280 x 800), a session bus and a home, all empty and private.
 class XServer {
 public:
-    XServer();
+    /// Further arguments of the server's, and the depth of its screen.
+    explicit XServer(const std::vector<std::string>& arguments = {}, int depth = 24);
 
     const std::string& display() const { return m_display; }
     /// The same display for clients that come over the network: their process is not known.
@@ -37,7 +39,7 @@ public:
 
 private:
     void makeHome();
-    void startServer();
+    void startServer(const std::vector<std::string>& arguments, int depth);
     void startBus();
 
     TemporaryFolder m_folder;
