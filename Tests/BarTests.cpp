@@ -58,10 +58,41 @@ TEST_F(BarTest, aPressReleasedElsewhereIsNoClick)
     EXPECT_TRUE(chip(inbox)->isFocused);
 
     panel().press(chipFrame(notes)->centre());
-    panel().cancelPress(chipFrame(notes)->centre());
+    panel().losePointer();
     panel().release(chipFrame(notes)->centre());
     desktop.advance(seconds(1));
     EXPECT_TRUE(chip(inbox)->isFocused);
+}
+
+// Faults: a second button ends the press of the first, or has one of its own; a press whose release
+// somebody else got goes on for ever, or makes the next one a click on what it began with.
+TEST_F(BarTest, onePressAtATimeEndsWithItsOwnButton)
+{
+    auto there = chipFrame(notes)->centre();
+    panel().press(there);
+    panel().press(there, PointerButton::secondary);
+    panel().release(there, PointerButton::secondary);
+    desktop.drain();
+    EXPECT_FALSE(desktop.surfaces().menu());
+    EXPECT_TRUE(chip(inbox)->isFocused);
+    panel().release(there);
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(chip(notes)->isFocused);
+
+    auto chips = chipTexts();
+    panel().press(there);
+    panel().releaseUnheard(PointerButton::primary);
+    panel().movePointer(chipFrame(inbox)->centre());
+    panel().release(chipFrame(inbox)->centre());
+    desktop.advance(seconds(1));
+    EXPECT_EQ(chipTexts(), chips);
+    EXPECT_TRUE(chip(notes)->isFocused);
+
+    // Outside the panel it is heard of while a button is down; that is not over the bar.
+    panel().press(there);
+    panel().movePointer({there.x, -500});
+    panel().release({there.x, -500});
+    EXPECT_FALSE(panel().canBecomeKey());
 }
 
 TEST_F(BarTest, theVeryEdgesOfTheScreenBelongToTheTargets)

@@ -193,7 +193,7 @@ void MacPanel::orderFront() { m_place.orderFront(); }
 
 void MacPanel::orderOut()
 {
-    [m_view surfaceDidGo];
+    [m_view losePointer];
     m_place.orderOut();
 }
 
@@ -201,7 +201,7 @@ void MacPanel::activeSpaceDidChange()
 {
     m_place.activeSpaceDidChange();
     if (!isVisible())
-        [m_view surfaceDidGo];
+        [m_view losePointer];
 }
 
 void MacPanel::setCanBecomeKey(bool canBecomeKey) { m_canBecomeKey = canBecomeKey; }

@@ -117,7 +117,7 @@ void MacSurfaces::popUpMenu(
     dispatch_block_t show = ^{
         session->run(
             [&] {
-                [view cancelPress]; // a menu takes the release of the press that opened it
+                [view losePointer]; // a menu takes the release of the press that opened it
                 [target openBeside:place of:view];
             },
             [target] { [target cancel]; });

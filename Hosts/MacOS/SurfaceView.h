@@ -17,10 +17,8 @@ class KeyboardSession;
                       context:(const quorvel::SurfaceContext&)context;
 /// No call reaches the client any more.
 - (void)detach;
-/// Ends a press whose release will not come.
-- (void)cancelPress;
-/// The panel or its space went off the screen, with the pointer perhaps over it.
-- (void)surfaceDidGo;
+/// The panel or its space goes off the screen, or a menu takes the pointer.
+- (void)losePointer;
 /// The panel's; says whether keys are the client's.
 @property (nonatomic) const quorvel::KeyboardSession* keyboard;
 /// Made when an assistive program first asks for them.

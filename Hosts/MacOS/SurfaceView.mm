@@ -1,7 +1,5 @@
 #include "Hosts/MacOS/SurfaceView.h"
 
-#include <optional>
-
 #include <Carbon/Carbon.h>
 
 #include "Hosts/MacOS/Conversions.h"
@@ -13,21 +11,17 @@
 using quorvel::DropAction;
 using quorvel::PointerAction;
 using quorvel::PointerButton;
+using quorvel::ScrollPhase;
 
 namespace {
 
-PointerButton buttonOf(NSEvent* event)
+ScrollPhase phaseOf(NSEvent* event)
 {
-    switch (event.type) {
-    case NSEventTypeLeftMouseDown:
-        // Control and a click have meant the other button since mice had one.
-        return event.modifierFlags & NSEventModifierFlagControl ? PointerButton::secondary
-                                                                : PointerButton::primary;
-    case NSEventTypeRightMouseDown:
-        return PointerButton::secondary;
-    default:
-        return event.buttonNumber == 2 ? PointerButton::middle : PointerButton::none;
-    }
+    if (event.phase & NSEventPhaseBegan)
+        return ScrollPhase::began;
+    if (event.phase & (NSEventPhaseEnded | NSEventPhaseCancelled))
+        return ScrollPhase::ended;
+    return event.phase & NSEventPhaseChanged ? ScrollPhase::changed : ScrollPhase::none;
 }
 
 /// The keys that type nothing have characters of a private use.
@@ -104,8 +98,7 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
     const quorvel::Published<quorvel::Appearance>* _appearance;
     std::unique_ptr<quorvel::PointerSession> _pointer;
     NSTrackingArea* _trackingArea;
-    // The button of the press under way. What is held at its end may be another modifier.
-    std::optional<PointerButton> _pressed;
+    PointerButton _leftButton; ///< what the left one counts as until it is let go
 }
 
 @synthesize accessibleChildren = _accessibleChildren;
@@ -129,7 +122,7 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 - (void)detach
 {
-    [self surfaceDidGo];
+    [self losePointer];
     _client = nullptr;
     _keyboard = nullptr;
     _pointer.reset();
@@ -216,48 +209,23 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
     CGContextRestoreGState(context);
 }
 
+- (quorvel::PointerEvent)event:(PointerAction)action of:(NSEvent*)event button:(PointerButton)button
+{
+    quorvel::PointerEvent pointer{action, [self placeOf : event], button, {}};
+    // The other kinds of event do not say which buttons are down.
+    if (event.type == NSEventTypeMouseMoved)
+        pointer.held = quorvel::PointerButtons{};
+    return pointer;
+}
+
 - (void)send:(PointerAction)action event:(NSEvent*)event button:(PointerButton)button
 {
-    if (!_client)
-        return;
-    const NSPoint location = [self convertPoint:event.locationInWindow fromView:nil];
-    _client->pointerEvent({action, quorvel::fromSystem(location), button});
-}
-
-- (void)press:(NSEvent*)event
-{
-    const PointerButton button = buttonOf(event);
-    // The first button rules until it is let go.
-    if (_pressed || button == PointerButton::none)
-        return;
-    _pressed = button;
-    [self send:PointerAction::pressed event:event button:button];
-}
-
-- (void)release:(NSEvent*)event ifOneOf:(std::initializer_list<PointerButton>)buttons
-{
-    if (!_pressed || std::find(buttons.begin(), buttons.end(), *_pressed) == buttons.end())
-        return;
-    const PointerButton button = *_pressed;
-    _pressed.reset();
-    [self send:PointerAction::released event:event button:button];
-}
-
-- (void)cancelPress
-{
-    if (!_pressed)
-        return;
-    const PointerButton button = *_pressed;
-    _pressed.reset();
-    const NSPoint location = [self convertPoint:self.window.mouseLocationOutsideOfEventStream
-                                       fromView:nil];
     if (_client)
-        _client->pointerEvent({PointerAction::cancelled, quorvel::fromSystem(location), button});
+        _client->pointerEvent([self event:action of:event button:button]);
 }
 
-- (void)surfaceDidGo
+- (void)losePointer
 {
-    [self cancelPress];
     if (_pointer)
         _pointer->surfaceDidGo();
 }
@@ -270,7 +238,7 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 - (void)move:(NSEvent*)event
 {
     if (_pointer)
-        _pointer->moved([self placeOf:event], _pressed.value_or(PointerButton::none));
+        _pointer->moved([self event:PointerAction::moved of:event button:PointerButton::none]);
 }
 
 - (void)mouseEntered:(NSEvent*)event
@@ -307,32 +275,38 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 - (void)mouseDown:(NSEvent*)event
 {
-    [self press:event];
-}
-
-- (void)rightMouseDown:(NSEvent*)event
-{
-    [self press:event];
-}
-
-- (void)otherMouseDown:(NSEvent*)event
-{
-    [self press:event];
+    // Control and a click have meant the other button since mice had one. What is held when it is
+    // let go may be another modifier.
+    _leftButton = event.modifierFlags & NSEventModifierFlagControl ? PointerButton::secondary
+                                                                   : PointerButton::primary;
+    [self send:PointerAction::pressed event:event button:_leftButton];
 }
 
 - (void)mouseUp:(NSEvent*)event
 {
-    [self release:event ifOneOf:{PointerButton::primary, PointerButton::secondary}];
+    [self send:PointerAction::released event:event button:_leftButton];
+}
+
+- (void)rightMouseDown:(NSEvent*)event
+{
+    [self send:PointerAction::pressed event:event button:PointerButton::secondary];
 }
 
 - (void)rightMouseUp:(NSEvent*)event
 {
-    [self release:event ifOneOf:{PointerButton::secondary}];
+    [self send:PointerAction::released event:event button:PointerButton::secondary];
+}
+
+- (void)otherMouseDown:(NSEvent*)event
+{
+    if (event.buttonNumber == 2)
+        [self send:PointerAction::pressed event:event button:PointerButton::middle];
 }
 
 - (void)otherMouseUp:(NSEvent*)event
 {
-    [self release:event ifOneOf:{PointerButton::middle}];
+    if (event.buttonNumber == 2)
+        [self send:PointerAction::released event:event button:PointerButton::middle];
 }
 
 - (BOOL)acceptsFirstResponder
@@ -380,12 +354,21 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 - (void)scrollWheel:(NSEvent*)event
 {
-    // What rolls on after the fingers have gone would count as many steps.
-    if (!_client || event.momentumPhase != NSEventPhaseNone)
+    if (!_client)
         return;
     const NSPoint location = [self convertPoint:event.locationInWindow fromView:nil];
-    _client->scrollEvent({quorvel::fromSystem(location), event.scrollingDeltaX,
-        event.scrollingDeltaY, static_cast<bool>(event.directionInvertedFromDevice)});
+    // A wheel without precise deltas counts lines, more of them the faster it turns; each event is
+    // a notch all the same.
+    const bool isPrecise = event.hasPreciseScrollingDeltas;
+    const double x = event.scrollingDeltaX;
+    const double y = event.scrollingDeltaY;
+    _client->scrollEvent({.location = quorvel::fromSystem(location),
+        .deltaX = isPrecise ? x : (x > 0) - (x < 0),
+        .deltaY = isPrecise ? y : (y > 0) - (y < 0),
+        .isDirectionInverted = static_cast<bool>(event.directionInvertedFromDevice),
+        .unit = isPrecise ? quorvel::ScrollUnit::points : quorvel::ScrollUnit::notches,
+        .phase = phaseOf(event),
+        .isMomentum = event.momentumPhase != NSEventPhaseNone});
 }
 
 @end

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cmath>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,14 +19,38 @@ namespace quorvel {
 
 enum class PointerButton { none, primary, secondary, middle };
 
-/// `cancelled` ends a press that will see no release (a grab was broken, the surface went away).
-enum class PointerAction { entered, moved, exited, pressed, released, cancelled };
+struct PointerButtons {
+    bool primary = false;
+    bool secondary = false;
+    bool middle = false;
 
+    bool contains(PointerButton button) const
+    {
+        return (button == PointerButton::primary && primary)
+            || (button == PointerButton::secondary && secondary)
+            || (button == PointerButton::middle && middle);
+    }
+};
+
+enum class PointerAction { entered, moved, exited, pressed, released };
+
+/// What the pointer did, as the system tells it: each button for itself, and moves over other
+/// surfaces too while one is down. What it means is the client's to say.
 struct PointerEvent {
     PointerAction action = PointerAction::moved;
     Point location; ///< points, origin at the surface's top left
-    PointerButton button = PointerButton::none;
+    PointerButton button = PointerButton::none; ///< the one that was pressed or released
+    /// The buttons that were down just before; absent where the event does not tell.
+    std::optional<PointerButtons> held{};
 };
+
+enum class ScrollUnit {
+    points, ///< of a surface that feels the fingers
+    notches, ///< of a wheel
+};
+/// Of the fingers on the device; none where it does not tell, as with wheels.
+enum class ScrollPhase { none, began, changed, ended };
+enum class ScrollAxis { horizontal, vertical };
 
 struct ScrollEvent {
     Point location;
@@ -32,6 +58,15 @@ struct ScrollEvent {
     double deltaY = 0;
     /// The device reports the content's direction (natural scrolling), not the fingers'.
     bool isDirectionInverted = false;
+    ScrollUnit unit = ScrollUnit::notches;
+    ScrollPhase phase = ScrollPhase::none;
+    bool isMomentum = false; ///< rolls on after the fingers have gone
+
+    /// Along which it goes farther.
+    ScrollAxis axis() const
+    {
+        return std::abs(deltaX) > std::abs(deltaY) ? ScrollAxis::horizontal : ScrollAxis::vertical;
+    }
 };
 
 enum class DropAction { entered, moved, exited, dropped };
@@ -51,6 +86,9 @@ public:
     /// Everything inside `damage` must be drawn; it starts out transparent and is clipped.
     virtual void paint(Canvas&, const Rect& damage) = 0;
     virtual void pointerEvent(const PointerEvent&) = 0;
+    /// No more is heard of the pointer until it comes anew: the surface went off the screen, or a
+    /// menu has taken it.
+    virtual void pointerLost() = 0;
     virtual void scrollEvent(const ScrollEvent&) = 0;
     virtual void surfaceDidResize(Size) = 0;
     /// Whether a drop there would be taken.

@@ -87,7 +87,8 @@ public:
     void openActivityMonitor();
     void triggerShowDesktop();
     void showBarMenu(const Rect& anchor);
-    void scrollSideways(double distance);
+    /// Towards the trailing end.
+    void scrollSideways(double distance, ScrollUnit);
     View* preferredKeyView() override;
     bool isRightToLeft() const;
 

@@ -71,34 +71,44 @@ void BarHostingView::viewsDidMove()
     updateHover();
 }
 
+// MARK: The pointer
+
 void BarHostingView::pointerEvent(const PointerEvent& event)
 {
-    bool wasHovered = m_pointer.has_value();
-    if (event.action == PointerAction::exited)
-        m_pointer.reset();
-    else if (event.action != PointerAction::cancelled)
-        m_pointer = event.location;
-    if (m_pointer.has_value() != wasHovered && onHoverChanged)
-        onHoverChanged(!wasHovered);
-    updateHover();
-
-    if (event.action == PointerAction::moved && m_pressed)
-        m_pressed->dragged(
-            {event.location.translated(-m_pressPlace.x, -m_pressPlace.y), event.location});
+    // Somebody else's grab may have kept the release from us.
+    bool isLost = event.held && !event.held->contains(m_pressedButton);
+    bool isAgain = event.action == PointerAction::pressed && event.button == m_pressedButton;
+    if (m_pressedButton != PointerButton::none && (isLost || isAgain))
+        cancelPress();
+    // During a press it is heard of wherever it is.
+    bool isHere
+        = event.action != PointerAction::exited && Rect::from({}, m_size).contains(event.location);
+    setPointer(isHere ? std::optional{event.location} : std::nullopt);
+    if (event.action == PointerAction::moved)
+        drag(event.location);
     else if (event.action == PointerAction::pressed)
         press(event);
     else if (event.action == PointerAction::released)
         release(event);
-    else if (event.action == PointerAction::cancelled) {
-        cancelPress();
-        updateHover();
-    }
+}
+
+void BarHostingView::pointerLost()
+{
+    cancelPress();
+    setPointer({});
+}
+
+void BarHostingView::setPointer(std::optional<Point> pointer)
+{
+    bool wasHovered = std::exchange(m_pointer, pointer).has_value();
+    if (m_pointer.has_value() != wasHovered && onHoverChanged)
+        onHoverChanged(!wasHovered);
+    updateHover();
 }
 
 void BarHostingView::press(const PointerEvent& event)
 {
-    // A second button during a press neither starts one nor ends the first.
-    if (m_pressedButton != PointerButton::none)
+    if (m_pressedButton != PointerButton::none || event.button == PointerButton::none)
         return;
     m_pressed = m_content ? m_content->hitTest(event.location) : nullptr;
     m_pressedButton = event.button;
@@ -107,16 +117,25 @@ void BarHostingView::press(const PointerEvent& event)
         m_pressed->pressed(event.button);
 }
 
+void BarHostingView::drag(Point to)
+{
+    if (!m_pressed)
+        return;
+    m_pressed->dragged({to.translated(-m_pressPlace.x, -m_pressPlace.y), to});
+    if (m_pressed && m_pressed->isDragged() && !m_hasKeyboardForDrag) {
+        m_hasKeyboardForDrag = true; // before the surface tells that it has it
+        m_surface->takeKeyboard();
+    }
+}
+
 void BarHostingView::release(const PointerEvent& event)
 {
     if (event.button != m_pressedButton)
         return;
     m_pressedButton = PointerButton::none;
-    auto* view = std::exchange(m_pressed, nullptr);
-    if (!view)
-        return;
-    view->released(event.button, view->frameInRoot().contains(event.location));
-    updateHover();
+    if (auto* view = std::exchange(m_pressed, nullptr))
+        view->released(event.button, view->frameInRoot().contains(event.location));
+    pressDidEnd();
 }
 
 void BarHostingView::cancelPress()
@@ -124,6 +143,14 @@ void BarHostingView::cancelPress()
     m_pressedButton = PointerButton::none;
     if (auto* view = std::exchange(m_pressed, nullptr))
         view->pressCancelled();
+    pressDidEnd();
+}
+
+void BarHostingView::pressDidEnd()
+{
+    if (std::exchange(m_hasKeyboardForDrag, false))
+        m_surface->releaseKeyboard();
+    updateHover();
 }
 
 std::vector<View*> BarHostingView::viewsUnderPointer() const
@@ -157,10 +184,15 @@ void BarHostingView::updateHover()
 
 void BarHostingView::scrollEvent(const ScrollEvent& event)
 {
-    if (event.deltaY != 0 && onScroll)
-        onScroll(event);
-    else if (event.deltaX != 0 && onScrollSideways)
-        onScrollSideways(isRightToLeft && isRightToLeft() ? event.deltaX : -event.deltaX);
+    auto scroll = m_scroll.handle(event);
+    if (scroll.step != 0 && onScroll) {
+        auto step = event;
+        step.deltaY = scroll.step;
+        onScroll(step);
+    }
+    if (scroll.sideways != 0 && onScrollSideways)
+        onScrollSideways(
+            isRightToLeft && isRightToLeft() ? scroll.sideways : -scroll.sideways, event.unit);
 }
 
 bool BarHostingView::dropEvent(const DropEvent& event)
@@ -198,9 +230,11 @@ void BarHostingView::setFilesOver(View* view)
 
 void BarHostingView::keyboardDidChange(bool hasKeyboard)
 {
-    if (!hasKeyboard)
+    if (!hasKeyboard) {
+        m_hasKeyboardForDrag = false;
         return setKeyFocused(nullptr);
-    if (m_keyFocused)
+    }
+    if (m_keyFocused || m_hasKeyboardForDrag)
         return;
     setKeyFocused(m_content ? m_content->preferredKeyView() : nullptr);
     if (!m_keyFocused)
@@ -248,6 +282,11 @@ void BarHostingView::walkFromTheEdge(int step)
 
 bool BarHostingView::keyPressed(const KeyEvent& event)
 {
+    if (m_hasKeyboardForDrag) {
+        if (event.keyCode == KeyCode::escape)
+            cancelPress();
+        return true;
+    }
     int forwards = isRightToLeft && isRightToLeft() ? -1 : 1;
     if (event.asksForMenu()) {
         if (auto* view = letGoOfKeyboard())

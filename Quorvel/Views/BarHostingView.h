@@ -6,12 +6,17 @@
 #include <vector>
 
 #include "Quorvel/Platform/Surfaces.h"
+#include "Quorvel/Views/Kit/ScrollGesture.h"
 #include "Quorvel/Views/Kit/View.h"
 
 namespace quorvel {
 
 /// Joins a surface and a tree of views: paints what was invalidated, and finds out which view the
 /// pointer is on, has entered, left, pressed or released. Main thread.
+///
+/// The first button that goes down makes a press, and only its release ends it; other buttons do
+/// nothing meanwhile. A press whose release has been lost, or whose surface goes from under the
+/// pointer, is cancelled. Escape cancels a drag, for which the surface takes the keyboard.
 class BarHostingView final : public SurfaceClient, private ViewHost {
 public:
     BarHostingView() = default;
@@ -22,9 +27,10 @@ public:
     void setContent(std::unique_ptr<View>);
     View* content() const { return m_content.get(); }
 
+    /// One step upwards or downwards.
     std::function<void(const ScrollEvent&)> onScroll;
-    /// By so many points towards the trailing end.
-    std::function<void(double distance)> onScrollSideways;
+    /// So far towards the trailing end.
+    std::function<void(double distance, ScrollUnit)> onScrollSideways;
     /// The pointer came over the surface or left it.
     std::function<void(bool)> onHoverChanged;
     /// Whether the views run from right to left; unset: they do not.
@@ -39,6 +45,7 @@ public:
 private:
     void paint(Canvas&, const Rect& damage) override;
     void pointerEvent(const PointerEvent&) override;
+    void pointerLost() override;
     void scrollEvent(const ScrollEvent&) override;
     void surfaceDidResize(Size) override;
     bool dropEvent(const DropEvent&) override;
@@ -51,9 +58,12 @@ private:
     void viewsDidMove() override;
     bool viewWantsKeyboard(View&) override;
 
+    void setPointer(std::optional<Point>);
     void press(const PointerEvent&);
+    void drag(Point);
     void release(const PointerEvent&);
     void cancelPress();
+    void pressDidEnd();
     void updateHover();
     std::vector<View*> viewsUnderPointer() const;
     void setFilesOver(View*);
@@ -69,6 +79,8 @@ private:
     std::vector<View*> m_hovered; ///< the views under the pointer, from the root to the leaf
     View* m_pressed = nullptr;
     Point m_pressPlace;
+    bool m_hasKeyboardForDrag = false;
+    ScrollGesture m_scroll;
     View* m_filesOver = nullptr;
     View* m_keyFocused = nullptr;
     PointerButton m_pressedButton = PointerButton::none;

@@ -12,9 +12,9 @@ BarPanel::BarPanel(Surfaces& surfaces, const PanelOptions& options, std::size_t 
         if (onScroll)
             onScroll(event);
     };
-    m_hostingView.onScrollSideways = [this](double distance) {
+    m_hostingView.onScrollSideways = [this](double distance, ScrollUnit unit) {
         if (m_content)
-            m_content->scrollSideways(distance);
+            m_content->scrollSideways(distance, unit);
     };
     m_hostingView.onKeyboardWanted
         = [this] { return m_surface->isVisible() && m_surface->takeKeyboard(); };

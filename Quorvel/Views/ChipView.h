@@ -59,6 +59,7 @@ public:
     void dragged(const DragMove&) override;
     void released(PointerButton, bool isInside) override;
     void pressCancelled() override;
+    bool isDragged() const override { return drag.isDragging(); }
 
     bool takesFiles() const override { return true; }
     void filesEntered() override;

@@ -420,7 +420,7 @@ void ChipsRow::scrollForDrag(View& view)
     m_dragScroll = m_dispatch.main().after(m_frameInterval, [this, &view, isAtStart] {
         m_dragScroll = {};
         double step = kDragScrollSpeed * std::chrono::duration<double>(m_frameInterval).count();
-        scrollBy(isAtStart ? -step : step);
+        m_scroll.scrollBy(isAtStart ? -step : step);
         moveDrag(view, m_dragMove);
     });
 }

@@ -49,7 +49,7 @@ public:
     void pointerEntered() override;
     void pointerExited() override;
     /// By so many points towards the end of the row.
-    void scrollBy(double distance) { m_scroll.scrollBy(distance); }
+    void scrollBy(double distance, ScrollUnit unit) { m_scroll.scrollBy(distance, unit); }
     /// Null if no window here has the focus.
     View* focusedChip() const;
 

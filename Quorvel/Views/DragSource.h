@@ -23,6 +23,7 @@ public:
     /// Both: whether the press that ends here was a drag.
     bool released() { return end(DragPhase::dropped); }
     bool cancelled() { return end(DragPhase::cancelled); }
+    bool isDragging() const { return m_isDragging; }
 
 private:
     bool end(DragPhase);

@@ -71,6 +71,11 @@ void RowScroll::scrollBy(double distance)
     scrollTo(m_offset + distance);
 }
 
+void RowScroll::scrollBy(double distance, ScrollUnit unit)
+{
+    scrollBy(unit == ScrollUnit::notches ? distance * m_itemWidth : distance);
+}
+
 void RowScroll::scrollTo(double offset)
 {
     offset = std::clamp(offset, 0.0, maximum());

@@ -30,6 +30,8 @@ public:
     double offset() const { return m_offset; }
     double maximum() const;
     void scrollBy(double distance);
+    /// A notch of a wheel goes one item on.
+    void scrollBy(double distance, ScrollUnit);
     /// Brings what is there (in the row's coordinates) into sight, and out from below the arrows.
     void reveal(const Rect&);
     void stop() { m_motion.stop(); }

@@ -19,7 +19,7 @@ FakePanel::FakePanel(
 
 FakePanel::~FakePanel()
 {
-    leave();
+    losePointer();
     std::erase(m_surfaces.m_panels, this);
     if (m_surfaces.m_menu && m_surfaces.m_menu->panel == this)
         m_surfaces.closeMenu();
@@ -46,7 +46,7 @@ void FakePanel::orderFront()
 void FakePanel::orderOut()
 {
     m_isOrderedIn = false;
-    leave();
+    losePointer();
 }
 
 void FakePanel::makeKeyAndOrderFront()
@@ -117,7 +117,7 @@ RecordingCanvas FakePanel::render() const
 
 void FakePanel::send(PointerAction action, Point at, PointerButton button)
 {
-    m_client.pointerEvent({action, at, button});
+    m_client.pointerEvent({action, at, button, m_held});
 }
 
 void FakePanel::movePointer(Point at)
@@ -138,16 +138,27 @@ void FakePanel::press(Point at, PointerButton button)
 {
     movePointer(at);
     send(PointerAction::pressed, at, button);
+    setHeld(button, true);
 }
 
 void FakePanel::release(Point at, PointerButton button)
 {
     send(PointerAction::released, at, button);
+    setHeld(button, false);
 }
 
-void FakePanel::cancelPress(Point at, PointerButton button)
+void FakePanel::setHeld(PointerButton button, bool isHeld)
 {
-    send(PointerAction::cancelled, at, button);
+    (button == PointerButton::primary            ? m_held.primary
+            : button == PointerButton::secondary ? m_held.secondary
+                                                 : m_held.middle)
+        = isHeld;
+}
+
+void FakePanel::losePointer()
+{
+    m_hasPointer = false;
+    m_client.pointerLost();
 }
 
 void FakePanel::click(Point at, PointerButton button)
@@ -158,13 +169,7 @@ void FakePanel::click(Point at, PointerButton button)
 
 void FakePanel::scroll(Point at, double deltaY, bool isDirectionInverted)
 {
-    m_client.scrollEvent(
-        {.location = at, .deltaY = deltaY, .isDirectionInverted = isDirectionInverted});
-}
-
-void FakePanel::scrollSideways(Point at, double deltaX)
-{
-    m_client.scrollEvent({.location = at, .deltaX = deltaX});
+    scroll({.location = at, .deltaY = deltaY, .isDirectionInverted = isDirectionInverted});
 }
 
 bool FakePanel::takeKeyboard()

@@ -64,10 +64,15 @@ public:
     void leave();
     void press(Point, PointerButton = PointerButton::primary);
     void release(Point, PointerButton = PointerButton::primary);
-    void cancelPress(Point, PointerButton = PointerButton::primary);
+    /// Of which the program does not hear.
+    void releaseUnheard(PointerButton button) { setHeld(button, false); }
+    /// As when a menu takes it.
+    void losePointer();
     void click(Point, PointerButton = PointerButton::primary);
+    void scroll(const ScrollEvent& event) { m_client.scrollEvent(event); }
     void scroll(Point, double deltaY, bool isDirectionInverted = false);
-    void scrollSideways(Point, double deltaX);
+    /// Notches of a wheel.
+    void scrollSideways(Point at, double deltaX) { scroll({.location = at, .deltaX = deltaX}); }
     /// False if the program does not have the keyboard, or the key means nothing to it.
     bool pressKey(const KeyEvent&);
     bool pressKey(KeyCode key) { return pressKey(KeyEvent{.keyCode = key}); }
@@ -77,6 +82,7 @@ public:
 
 private:
     void send(PointerAction, Point, PointerButton = PointerButton::none);
+    void setHeld(PointerButton, bool isHeld);
     void paintDamage();
 
     FakeDesktop& m_desktop;
@@ -89,6 +95,7 @@ private:
     std::optional<VisualEffect> m_effect;
     double m_opacity = 1;
     bool m_hasPointer = false;
+    PointerButtons m_held;
     bool m_hasKeyboard = false;
     std::vector<Rect> m_damage; // disjoint, painted at the next frame
     std::vector<Rect> m_frames;

@@ -2,7 +2,10 @@
 #include <filesystem>
 #include <fstream>
 
+#include <xkbcommon/xkbcommon-keysyms.h>
+
 #include "Tests/X11/Support/DesktopFixture.h"
+#include "Tests/X11/Support/Keyboard.h"
 
 namespace quorvel::x11tests {
 
@@ -90,6 +93,7 @@ protected:
     }
 
     Client client{server};
+    Keyboard keyboard{server.display()};
     std::unique_ptr<Bar> bar;
 };
 
@@ -117,9 +121,9 @@ TEST_P(Gestures, endWithTheButtonThatBeganThemAndCountEachClick)
     EXPECT_TRUE(eventually(2s, [&] { return isShowingDesktop(); }));
 }
 
-// Faults: a drag that clicks as well, drops a place off or is forgotten with the next window; pins
-// that fall back into the old order; another window that goes to the space, or none; a desktop that
-// is not shown or not left again, with windows that pass for minimised.
+// Faults: a drag that clicks as well, goes on after Escape, drops a place off or is forgotten with
+// the next window; pins that fall back into the old order; another window that goes to the space,
+// or none; a desktop that is not shown or not left again, with windows that pass for minimised.
 TEST_P(Gestures, moveChipsPinsAndWindowsAndShowTheDesktop)
 {
     const auto active = desktop.activeWindow();
@@ -130,6 +134,18 @@ TEST_P(Gestures, moveChipsPinsAndWindowsAndShowTheDesktop)
     EXPECT_FALSE(desktop.isHidden(active));
     client.open({.title = "e"});
     EXPECT_TRUE(stand({"", "b", "c", "a", "d", "e"}));
+
+    // Escape puts it back, and does not reach the window below.
+    pointer.moveTo(chip("b"));
+    pointer.press(Button::primary);
+    pointer.moveTo(chip("a"));
+    pointer.moveTo(chip("d"));
+    keyboard.type(XKB_KEY_Escape);
+    pointer.release(Button::primary);
+    EXPECT_FALSE(eventually(300ms, [&] {
+        return chips() != Names{"", "b", "c", "a", "d", "e"};
+    })) << testing::PrintToString(chips());
+    pointer.moveTo(5, 5);
 
     const auto places = panel().pins;
     ASSERT_EQ(pins(), (Names{"one", "two", "three"}));

@@ -13,36 +13,40 @@ PointerSession::PointerSession(SurfaceClient& client, Queue& mainQueue, KeepAwak
 
 void PointerSession::entered(Point at)
 {
-    m_last = at;
     if (std::exchange(m_isInside, true))
         return;
     // The new one first: the system is not told of an end in between.
     m_awake = m_keepAwake();
     m_rest.cancel();
-    m_client.pointerEvent({PointerAction::entered, at, PointerButton::none});
+    m_client.pointerEvent({PointerAction::entered, at});
 }
 
-void PointerSession::moved(Point at, PointerButton held)
+void PointerSession::moved(const PointerEvent& event)
 {
     // Whoever drags out of it is still told, but is not there.
-    if (held == PointerButton::none)
-        entered(at);
-    m_last = at;
-    m_client.pointerEvent({PointerAction::moved, at, held});
+    if (event.held)
+        entered(event.location);
+    m_client.pointerEvent(event);
 }
 
 void PointerSession::exited(Point at)
 {
-    m_last = at;
+    if (leave())
+        m_client.pointerEvent({PointerAction::exited, at});
+}
+
+bool PointerSession::leave()
+{
     if (!std::exchange(m_isInside, false))
-        return;
+        return false;
     m_rest = m_mainQueue.after(kAwakeAfterwards, [this] { m_awake = {}; });
-    m_client.pointerEvent({PointerAction::exited, at, PointerButton::none});
+    return true;
 }
 
 void PointerSession::surfaceDidGo()
 {
-    exited(m_last);
+    leave();
+    m_client.pointerLost();
 }
 
 }

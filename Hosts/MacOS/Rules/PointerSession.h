@@ -22,17 +22,19 @@ public:
     PointerSession(SurfaceClient&, Queue& mainQueue, KeepAwake);
 
     void entered(Point);
-    void moved(Point, PointerButton held);
+    void moved(const PointerEvent&);
     void exited(Point);
-    /// Its panel went off the screen, or the space that it is on did.
+    /// Its panel went off the screen, or the space that it is on did, or a menu has the pointer.
     void surfaceDidGo();
 
 private:
+    /// False if it was not there.
+    bool leave();
+
     SurfaceClient& m_client;
     Queue& m_mainQueue;
     KeepAwake m_keepAwake;
     bool m_isInside = false;
-    Point m_last;
     Subscription m_awake;
     WorkItem m_rest;
 };

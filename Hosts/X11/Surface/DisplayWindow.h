@@ -50,7 +50,7 @@ public:
 
     void repaintAll();
     /// A menu takes the pointer away.
-    void cancelPointer() { m_pointer.cancel(); }
+    void losePointer() { m_pointer.lose(); }
 
 private:
     X11Panel* panelOfCurrentSpace() const;

@@ -107,9 +107,9 @@ Rect X11Panel::framePixels() const
     return m_window.context().toPixels(m_frame);
 }
 
-void X11Panel::cancelPointer()
+void X11Panel::losePointer()
 {
-    m_window.cancelPointer();
+    m_window.losePointer();
 }
 
 }

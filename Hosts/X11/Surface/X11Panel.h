@@ -38,7 +38,7 @@ public:
     /// What lies under the content: over a blur, the tint of its material.
     Color ground() const;
     Rect framePixels() const override;
-    void cancelPointer() override;
+    void losePointer() override;
 
 private:
     DisplayWindow& m_window;

@@ -66,7 +66,7 @@ void X11Popup::orderOut()
     m_keyboard.release();
     m_accessible = {};
     m_window.reset();
-    m_pointer.cancel();
+    m_pointer.lose();
 }
 
 void X11Popup::setOpacity(double opacity)

@@ -39,7 +39,7 @@ public:
     void accessibleTreeDidChange() override;
 
     Rect framePixels() const override { return m_context.toPixels(m_frame); }
-    void cancelPointer() override { m_pointer.cancel(); }
+    void losePointer() override { m_pointer.lose(); }
 
 private:
     void handle(const xcb_generic_event_t*);

@@ -8,7 +8,7 @@ namespace quorvel::xdg::x11 {
 class X11Surface : public PlacedSurface {
 public:
     /// Something else takes the pointer now.
-    virtual void cancelPointer() = 0;
+    virtual void losePointer() = 0;
 };
 
 }

@@ -78,7 +78,7 @@ void X11Surfaces::popUpMenu(
             m_context.dispatch.main().async(std::move(onClosed));
         return;
     }
-    surface->cancelPointer();
+    surface->losePointer();
     auto frame = surface->framePixels();
     double scale = m_context.scale();
     Rect pixels{frame.x + anchor.x * scale, frame.y + anchor.y * scale, anchor.width * scale,

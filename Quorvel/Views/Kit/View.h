@@ -96,6 +96,8 @@ public:
     virtual void dragged(const DragMove&) { }
     virtual void released(PointerButton, bool /*isInside*/) { }
     virtual void pressCancelled() { }
+    /// Whether the press has become a drag, which Escape cancels.
+    virtual bool isDragged() const { return false; }
 
     virtual bool takesFiles() const { return false; }
     /// Whether files may be let go here; else they may only rest here.
