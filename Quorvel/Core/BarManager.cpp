@@ -59,6 +59,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
     m_navigation.onWillSwitch = [this] { prefetchCurrentSpaces(); };
+    m_navigation.onScrollUnlocked = [this] { m_wheel.switchDidEnd(); };
     setupSpaceChangeObserver();
     m_minimizing = m_viewModel.willMinimizeWindows.subscribe(
         [this](const std::vector<WindowID>& windows) { m_thumbnailService.prefetch(windows); });
@@ -72,6 +73,15 @@ BarManager::~BarManager()
 {
     m_windowStore.onChange = nullptr;
     closeAllPanels();
+}
+
+WheelNotches::Steps BarManager::wheelSteps()
+{
+    return {
+        .isUnderWay = [this] { return m_navigation.isScrollSwitchLocked(); },
+        .make = [this](auto& event, SpaceID bar) { handleScrollEvent(event, bar); },
+        .currentSpace = [this](SpaceID bar) { return m_navigation.currentSpaceBeside(bar); },
+    };
 }
 
 WindowAvoidanceManager::Bars BarManager::barsToAvoid()
@@ -234,7 +244,7 @@ void BarManager::fill(BarPanel& panel)
 {
     panel.setHoverKeyingSuppressed(m_isHoverKeyingSuppressed);
     panel.onScroll = [this, space = panel.spaceID()](
-                         const ScrollEvent& event) { handleScrollEvent(event, space); };
+                         const ScrollEvent& event) { m_wheel.scroll(event, space); };
     panel.setContent(makeBarContentView(panel));
 }
 
@@ -332,7 +342,8 @@ void BarManager::applyEdgeReservationsIfNeeded()
 
 void BarManager::handleScrollEvent(const ScrollEvent& event, SpaceID from)
 {
-    m_navigation.handleScrollEvent(event, from);
+    if (auto direction = m_navigation.scrollDirection(event))
+        switchToAdjacentSpace(*direction, from);
 }
 
 void BarManager::switchToAdjacentSpace(Direction direction, SpaceID from)

@@ -11,6 +11,7 @@
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/SpaceNavigation.h"
+#include "Quorvel/Core/WheelNotches.h"
 #include "Quorvel/Core/WindowAvoidanceManager.h"
 #include "Quorvel/Core/WindowMoves.h"
 #include "Quorvel/Platform/Platform.h"
@@ -93,6 +94,7 @@ private:
     void dismissPopups(const BarPanel* exception = nullptr);
     void prefetchCurrentSpaces();
     WindowAvoidanceManager::Bars barsToAvoid();
+    WheelNotches::Steps wheelSteps();
 
     Platform m_platform;
     WindowStore& m_windowStore;
@@ -106,6 +108,7 @@ private:
     BarPanels m_panels;
     BarReservations m_reservations;
     SpaceNavigation m_navigation;
+    WheelNotches m_wheel{wheelSteps()};
     WindowMoves m_moves;
     WindowAvoidanceManager m_avoidanceManager;
     std::unique_ptr<MouseDisplayTracker> m_mouseDisplayTracker; ///< null until it is asked

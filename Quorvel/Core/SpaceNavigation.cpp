@@ -42,6 +42,17 @@ bool SpaceNavigation::isCurrent(SpaceID space) const
     return std::ranges::find(active, space) != active.end();
 }
 
+SpaceID SpaceNavigation::currentSpaceBeside(SpaceID space) const
+{
+    auto* beside = info(space);
+    for (auto active : m_spaceWindows.getActiveSpaceIDs()) {
+        auto* candidate = info(active);
+        if (beside && candidate && candidate->displayIndex == beside->displayIndex)
+            return active;
+    }
+    return space;
+}
+
 std::optional<int> SpaceNavigation::missionControlDesktopNumber(SpaceID space) const
 {
     int number = 0;
@@ -63,18 +74,22 @@ std::optional<SymbolicHotKey> SpaceNavigation::desktopSwitchShortcut(SpaceID spa
 
 // MARK: Scrolling
 
-void SpaceNavigation::handleScrollEvent(const ScrollEvent& event, SpaceID from)
+std::optional<Direction> SpaceNavigation::scrollDirection(const ScrollEvent& event) const
 {
     if (isScrollSwitchLocked() || event.deltaY == 0)
-        return;
+        return {};
     bool base = event.isDirectionInverted ? event.deltaY > 0 : event.deltaY < 0;
     bool goesRight = m_settings.scrollUpSpaceSwitch() == SpaceScrollUpBehavior::left ? base : !base;
-    switchToAdjacentSpace(goesRight ? Direction::right : Direction::left, from);
+    return goesRight ? Direction::right : Direction::left;
 }
 
 void SpaceNavigation::lockScrollSwitching()
 {
-    m_scrollUnlockWork = m_dispatch.main().after(kScrollLock, [] {});
+    m_scrollUnlockWork = m_dispatch.main().after(kScrollLock, [this] {
+        m_scrollUnlockWork = {};
+        if (onScrollUnlocked)
+            onScrollUnlocked();
+    });
 }
 
 void SpaceNavigation::switchToAdjacentSpace(Direction direction, SpaceID from)

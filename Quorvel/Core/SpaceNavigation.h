@@ -37,8 +37,11 @@ public:
 
     /// Another space is about to be shown: the last moment for pictures of this one.
     std::function<void()> onWillSwitch;
+    /// Scrolling may switch again.
+    std::function<void()> onScrollUnlocked;
 
-    void handleScrollEvent(const ScrollEvent&, SpaceID from);
+    /// Where a step upwards or downwards leads; absent while scrolling is locked.
+    std::optional<Direction> scrollDirection(const ScrollEvent&) const;
     /// To the next space of the same display; the first and the last one have no neighbour beyond.
     void switchToAdjacentSpace(Direction, SpaceID from);
     /// Afterwards this application has the focus again, if the switch has taken it.
@@ -47,6 +50,8 @@ public:
     std::optional<int> missionControlDesktopNumber(SpaceID) const;
     std::optional<SymbolicHotKey> desktopSwitchShortcut(SpaceID);
     bool isCurrent(SpaceID) const;
+    /// The one that the display of this space shows.
+    SpaceID currentSpaceBeside(SpaceID) const;
 
     /// A display shows another space.
     void spaceDidChange(const std::vector<SpaceID>& shown);
