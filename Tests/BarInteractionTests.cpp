@@ -429,17 +429,25 @@ TEST_F(BarInteractionTest, theKeyboardWalksTheBarAndPressesWhatIsFocused)
     EXPECT_TRUE(chip(notes)->isFocused);
     EXPECT_FALSE(panel().hasKeyboard());
 
+    // A menu gives the keyboard back where it was, unless something was chosen.
+    panel().takeKeyboard();
+    panel().pressKey(KeyCode::left);
     for (auto& key : {KeyEvent{.keyCode = KeyCode::menu},
              KeyEvent{.keyCode = KeyCode::f10, .modifiers = KeyModifier::shift},
              KeyEvent{.keyCode = KeyCode::enter, .modifiers = KeyModifier::control}}) {
-        panel().takeKeyboard();
         EXPECT_TRUE(panel().pressKey(key));
         EXPECT_FALSE(panel().hasKeyboard());
         EXPECT_THAT(desktop.surfaces().menuTitles(), Contains(HasSubstr("Close")));
         desktop.surfaces().closeMenu();
+        desktop.drain();
+        EXPECT_TRUE(panel().hasKeyboard());
+        EXPECT_EQ(walkedTo(), displayItemID(draft));
     }
-    panel().takeKeyboard();
     EXPECT_FALSE(panel().pressKey(KeyCode::f10));
+    panel().pressKey(KeyCode::menu);
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Minimise"));
+    desktop.drain();
+    EXPECT_FALSE(panel().hasKeyboard());
 
     WindowID last{};
     for (int i = 0; i < 60; ++i)

@@ -449,10 +449,33 @@ void BarContentView::openMenu(Menu menu, const Rect& anchor)
     if (!onMenuRequested)
         return;
     m_hover.setMenuOpen(true);
-    onMenuRequested(std::move(menu), anchor, [weak = m_weak.reference()] {
-        if (auto* view = weak.get())
+    m_hasChosen = false;
+    noteChoice(menu);
+    onMenuRequested(std::move(menu), anchor,
+        [weak = m_weak.reference(), &main = m_inputs.platform.dispatch.main()] {
+            auto* view = weak.get();
+            if (!view)
+                return;
             view->m_hover.setMenuOpen(false);
-    });
+            // The action of what was chosen comes after this.
+            main.async([weak] {
+                if (auto* now = weak.get(); now && now->host())
+                    now->host()->menuDidClose(!now->m_hasChosen);
+            });
+        });
+}
+
+void BarContentView::noteChoice(Menu& menu)
+{
+    for (auto& item : menu) {
+        noteChoice(item.submenu);
+        if (item.action)
+            item.action = [weak = m_weak.reference(), action = std::move(item.action)] {
+                if (auto* view = weak.get())
+                    view->m_hasChosen = true;
+                action();
+            };
+    }
 }
 
 ChipMenuContext BarContentView::menuContext()

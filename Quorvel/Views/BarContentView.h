@@ -122,6 +122,7 @@ private:
     bool hasLaunched() const;
     void pinMoved(const std::string& bundleID, const ReorderDrag&);
     void openMenu(Menu, const Rect& anchor);
+    void noteChoice(Menu&);
     void showSpaceList();
     ChipMenuContext menuContext();
 
@@ -150,6 +151,7 @@ private:
     ThumbnailHover m_hover;
     ThumbnailPresenter m_popups;
     WorkItem m_springTimer;
+    bool m_hasChosen = false; ///< from the menu that was opened last
     std::vector<Subscription> m_subscriptions;
     WeakOwner<BarContentView> m_weak{*this};
 };

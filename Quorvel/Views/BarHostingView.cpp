@@ -23,6 +23,7 @@ void BarHostingView::setContent(std::unique_ptr<View> content)
     m_hovered.clear();
     m_filesOver = nullptr;
     bool hadKeyboard = std::exchange(m_keyFocused, nullptr);
+    m_keyFocusBeforeMenu = nullptr;
     if (m_content)
         m_content->setHost(nullptr);
     m_content = std::move(content);
@@ -58,7 +59,7 @@ void BarHostingView::viewNeedsPaint(const Rect& rect)
 void BarHostingView::viewWillVanish(const View& view)
 {
     std::erase_if(m_hovered, [&](auto* hovered) { return hovered->isWithin(view); });
-    for (auto* pointer : {&m_pressed, &m_filesOver, &m_keyFocused}) {
+    for (auto* pointer : {&m_pressed, &m_filesOver, &m_keyFocused, &m_keyFocusBeforeMenu}) {
         if (*pointer && (*pointer)->isWithin(view))
             *pointer = nullptr;
     }
@@ -236,7 +237,8 @@ void BarHostingView::keyboardDidChange(bool hasKeyboard)
     }
     if (m_keyFocused || m_hasKeyboardForDrag)
         return;
-    setKeyFocused(m_content ? m_content->preferredKeyView() : nullptr);
+    auto* before = std::exchange(m_keyFocusBeforeMenu, nullptr);
+    setKeyFocused(before ? before : m_content ? m_content->preferredKeyView() : nullptr);
     if (!m_keyFocused)
         walk(1);
 }
@@ -289,8 +291,10 @@ bool BarHostingView::keyPressed(const KeyEvent& event)
     }
     int forwards = isRightToLeft && isRightToLeft() ? -1 : 1;
     if (event.asksForMenu()) {
-        if (auto* view = letGoOfKeyboard())
+        if (auto* view = letGoOfKeyboard()) {
+            m_keyFocusBeforeMenu = view;
             view->showContextMenu();
+        }
         return true;
     }
     switch (event.keyCode) {
@@ -335,6 +339,14 @@ View* BarHostingView::letGoOfKeyboard()
     if (view)
         m_surface->releaseKeyboard();
     return view;
+}
+
+void BarHostingView::menuDidClose(bool isDismissed)
+{
+    if (!isDismissed)
+        m_keyFocusBeforeMenu = nullptr;
+    if (m_keyFocusBeforeMenu && m_surface)
+        m_surface->takeKeyboard();
 }
 
 }

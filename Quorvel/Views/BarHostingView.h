@@ -57,6 +57,7 @@ private:
     void viewWillVanish(const View&) override;
     void viewsDidMove() override;
     bool viewWantsKeyboard(View&) override;
+    void menuDidClose(bool isDismissed) override;
 
     void setPointer(std::optional<Point>);
     void press(const PointerEvent&);
@@ -83,6 +84,7 @@ private:
     ScrollGesture m_scroll;
     View* m_filesOver = nullptr;
     View* m_keyFocused = nullptr;
+    View* m_keyFocusBeforeMenu = nullptr; ///< while a menu has the keyboard
     PointerButton m_pressedButton = PointerButton::none;
     std::unique_ptr<View> m_content;
 };

@@ -165,8 +165,6 @@ TEST_P(Menus, andTheBarAreWalkedByKeyboardAndLeftAgain)
     EXPECT_TRUE(isOn(""));
     keyboard.type(XKB_KEY_Escape);
     EXPECT_TRUE(isClosed());
-
-    focus();
     EXPECT_TRUE(isOn("first"));
     pointer.click(desktop.frame(windows[0]));
     EXPECT_TRUE(isOn(""));
