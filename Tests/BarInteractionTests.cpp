@@ -518,6 +518,30 @@ TEST_F(BarInteractionTest, titlesFollowTheSettings)
     EXPECT_THAT(chipTexts(), IsEmpty());
 }
 
+// Faults: a bare ellipsis where there is room for no letter; a group among them without a title, or
+// alone with one.
+TEST_F(BarInteractionTest, titlesGoForAllAlikeWhereThereIsNoRoomForLetters)
+{
+    runtime->userSettings().setGroupWindowsByApp(true);
+    runtime->userSettings().setBarSize(BarSize::xl);
+    settle();
+    EXPECT_THAT(chipTexts(), testing::SizeIs(testing::Ge(2)));
+    for (int i = 0; i < 30; ++i) {
+        auto name = "App " + std::to_string(i);
+        desktop.open(desktop.launch({.name = name, .bundleIdentifier = name}), {.title = "Window"});
+        settle();
+        leave();
+        auto width = content().chipFrames().front().second.width;
+        auto titles = std::ranges::count(panel().render().texts(), "Window");
+        auto size = BarMetrics::of(BarSize::xl);
+        if (titles > 0) {
+            EXPECT_EQ(titles, i + 1);
+            EXPECT_GT(width - ChipView::iconWidth(size), size.chipHeight) << "some letters wide";
+        }
+    }
+    EXPECT_EQ(std::ranges::count(panel().render().texts(), "Window"), 0);
+}
+
 // Fault: sixty windows overlap, or lie where nobody can reach them.
 TEST_F(BarInteractionTest, moreChipsThanFitScroll)
 {
@@ -528,6 +552,9 @@ TEST_F(BarInteractionTest, moreChipsThanFitScroll)
     EXPECT_TRUE(chipFrame(many.back())->isEmpty());
     auto width = chipFrame(inbox)->width;
     EXPECT_EQ(width, ChipView::iconWidth(BarMetrics::of(BarSize::medium)));
+    auto second = chipFrame(draft)->x;
+    panel().scrollSideways(middleOf(inbox), -1);
+    EXPECT_EQ(chipFrame(notes)->x, second) << "a notch of the wheel is a chip";
     for (int i = 0; i < 100; ++i)
         panel().scrollSideways(middleOf(inbox), -1);
     EXPECT_EQ(chipFrame(many.back())->width, width);

@@ -25,7 +25,8 @@ struct Style {
     Color attention;
 
     static constexpr double minimizedOpacity = 0.5;
-    static constexpr double minimumTitleWidth = 22;
+    static constexpr double leastTitleWidth
+        = 2.8; ///< of the text's size: some letters and an ellipsis
     static constexpr double focusMarkHeight = 2;
     static constexpr double focusMarkWidth = 0.4; ///< share of the chip's width
     static constexpr double edgeWidth = 1;
@@ -113,6 +114,14 @@ double ChipView::fullWidth(const BarMetrics& metrics)
 double ChipView::iconWidth(const BarMetrics& metrics)
 {
     return 2 * metrics.chipHorizontalPadding + metrics.iconSize;
+}
+
+double ChipView::leastTitledWidth() const
+{
+    double count = countWidth();
+    return iconWidth(m_metrics) + m_metrics.iconTextSpacing
+        + (count > 0 ? count + m_metrics.iconTextSpacing : 0)
+        + titleSize(m_metrics) * Style::leastTitleWidth;
 }
 
 void ChipView::setItem(const DisplayItem& item)
@@ -272,6 +281,18 @@ double ChipView::pillWidth(std::string_view text, double height) const
     return std::max(height, m_text.measure(text, style).width + 2 * Style::pillPadding * height);
 }
 
+double ChipView::countHeight() const
+{
+    return m_metrics.chipHeight * Style::countHeight;
+}
+
+/// 0 for a single window.
+double ChipView::countWidth() const
+{
+    auto text = count();
+    return text.empty() ? 0 : pillWidth(text, countHeight());
+}
+
 Rect ChipView::badgeRect(const Rect& icon) const
 {
     auto& badge = fieldOf(
@@ -295,24 +316,23 @@ ChipView::Parts ChipView::parts() const
     double padding = m_metrics.chipHorizontalPadding;
     parts.icon = Rect{padding, face.y, icon.width, face.height}.centred(icon);
 
-    auto countText = count();
-    double countHeight = face.height * Style::countHeight;
-    double countWidth = countText.empty() ? 0 : pillWidth(countText, countHeight);
+    double pill = countWidth();
+    double pillHeight = countHeight();
     double left = parts.icon.maxX() + m_metrics.iconTextSpacing;
     double right = face.width - padding;
-    if (countWidth > 0)
-        right -= countWidth + m_metrics.iconTextSpacing;
-    if (m_title != Title::none && right - left >= Style::minimumTitleWidth) {
-        parts.title = {left, face.y, right - left, face.height};
-        parts.count = {face.width - padding - countWidth, face.y + (face.height - countHeight) / 2,
-            countWidth, countHeight};
+    if (pill > 0)
+        right -= pill + m_metrics.iconTextSpacing;
+    if (m_title != Title::none && m_hasRoomForTitle) {
+        parts.title = {left, face.y, std::max(0.0, right - left), face.height};
+        parts.count = {
+            face.width - padding - pill, face.y + (face.height - pillHeight) / 2, pill, pillHeight};
     } else {
         parts.icon = face.centred(icon);
         // On the icon's lower corner, as far out as the chip allows.
-        parts.count = {std::min(parts.icon.maxX() + countWidth / 3, face.width) - countWidth,
-            face.maxY() - countHeight, countWidth, countHeight};
+        parts.count = {std::min(parts.icon.maxX() + pill / 3, face.width) - pill,
+            face.maxY() - pillHeight, pill, pillHeight};
     }
-    if (countWidth == 0)
+    if (pill == 0)
         parts.count = {};
     parts.badge = badgeRect(parts.icon);
     if (m_isRightToLeft) {

@@ -38,6 +38,8 @@ public:
     /// How strongly a request for attention shows now, from 0 to 1.
     void setPulse(double strength);
     void setTitle(Title title) { set(m_title, title); }
+    /// The row is wide enough for titles.
+    void setHasRoomForTitle(bool hasRoom) { set(m_hasRoomForTitle, hasRoom); }
     /// It follows the pointer, above the others.
     void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
 
@@ -51,6 +53,8 @@ public:
     static double fullWidth(const BarMetrics&);
     /// The width that still shows the whole icon.
     static double iconWidth(const BarMetrics&);
+    /// The width at which some letters of this chip's title can be read.
+    double leastTitledWidth() const;
 
     bool takesPointer() const override { return true; }
     void pointerEntered() override;
@@ -94,6 +98,8 @@ private:
     Parts parts() const;
     Rect badgeRect(const Rect& icon) const;
     double pillWidth(std::string_view, double height) const;
+    double countWidth() const;
+    double countHeight() const;
     std::string count() const;
     std::string_view title() const;
     template <typename Value> void set(Value& member, Value value)
@@ -114,6 +120,7 @@ private:
     bool m_hasKeyFocus = false;
     bool m_hasFilesOver = false;
     Title m_title = Title::window;
+    bool m_hasRoomForTitle = true;
     double m_pulse = 0;
 };
 

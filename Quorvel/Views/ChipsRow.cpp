@@ -268,7 +268,13 @@ void ChipsRow::layout()
             x += m_chipWidth + m_metrics.chipSpacing;
         }
     }
-    m_scroll.setContent(std::max(0.0, x - m_metrics.chipSpacing), m_chipWidth);
+    // A row of icons with a title here and there looks torn.
+    bool haveTitles = std::ranges::all_of(
+        m_chips, [this](auto& entry) { return m_chipWidth >= entry.second->leastTitledWidth(); });
+    for (auto& [id, chip] : m_chips)
+        chip->setHasRoomForTitle(haveTitles);
+    m_scroll.setContent(std::max(0.0, x - m_metrics.chipSpacing),
+        std::max(m_chipWidth, pinWidth) + m_metrics.chipSpacing);
     placeAll();
 }
 
