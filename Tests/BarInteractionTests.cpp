@@ -159,25 +159,6 @@ TEST_F(BarInteractionTest, aGroupsPopupHasACardForEachWindow)
     EXPECT_TRUE(chip(notes)->isFocused);
 }
 
-TEST(ThumbnailPopupLayout, isWhollyOnTheScreenWhateverTheCountAndThePlace)
-{
-    constexpr Rect screen{1000, 0, 800, 600};
-    for (bool isRightToLeft : {false, true}) {
-        for (double x : {1000.0, 1400.0, 1760.0}) {
-            for (std::size_t count : {1u, 2u, 5u, 40u}) {
-                auto layout
-                    = ThumbnailPopupLayout::of(count, {x, 0, 40, 36}, screen, isRightToLeft);
-                EXPECT_TRUE(screen.contains(layout.frame)) << count << " at " << x;
-                EXPECT_EQ(layout.cards.size() + layout.hiddenCount, count);
-                for (auto& card : layout.cards)
-                    EXPECT_TRUE(Rect::from({}, layout.frame.size()).contains(card));
-                double tip = layout.frame.x + layout.arrowX;
-                EXPECT_NEAR(tip, x + 20, 22) << "the arrow is at the chip";
-            }
-        }
-    }
-}
-
 // MARK: Drags
 
 TEST_F(BarInteractionTest, aDraggedChipGoesWhereItIsDroppedAndStaysThere)

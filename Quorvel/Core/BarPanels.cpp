@@ -90,7 +90,7 @@ BarPanels::Spots BarPanels::spots(const std::vector<SpaceWindows::Info>& spaces,
 Rect BarPanels::barFrame(const Screen& screen) const
 {
     auto& frame = screen.frame;
-    return {frame.x, frame.y, frame.width, barHeight(m_settings.barSize())};
+    return {frame.x, frame.y, frame.width, std::min(barHeight(m_settings.barSize()), frame.height)};
 }
 
 Rect BarPanels::frame(const Spot& spot) const
@@ -179,22 +179,41 @@ void BarPanels::placeMirrors(const Spots& ordinary, const std::vector<Screen>& s
         rebuildContentViews();
 }
 
+bool BarPanels::isOf(const BarPanel& panel, const Spot& spot)
+{
+    return panel.spaceID() == spot.space
+        && panel.display() == spot.screen.number.value_or(DisplayNumber{});
+}
+
+/// What has its place elsewhere in the list of screens, but on the same display, is the same panel:
+/// somebody may be walking it with the keyboard.
 template <typename Panels, typename WantedSpots>
 void BarPanels::placeAll(Panels& panels, const WantedSpots& spots)
 {
-    std::erase_if(panels, [&](auto& entry) {
-        auto spot = spots.find(entry.first);
-        return spot == spots.end()
-            || entry.second->display() != spot->second.screen.number.value_or(DisplayNumber{})
-            || entry.second->screenIndex() != spot->second.screenIndex;
-    });
+    Panels kept;
+    for (auto& [key, spot] : spots) {
+        auto same = [&](auto& entry) { return entry.second && isOf(*entry.second, spot); };
+        auto found = panels.find(key);
+        if (found == panels.end() || !same(*found))
+            found = std::ranges::find_if(panels, same);
+        if (found != panels.end())
+            kept[key] = std::move(found->second);
+    }
+    panels = std::move(kept);
     for (auto& [key, spot] : spots) {
         auto& panel = panels[key];
         if (panel)
-            panel->surface().setFrame(frame(spot));
+            move(*panel, spot);
         else
             panel = createPanel(spot);
     }
+}
+
+void BarPanels::move(BarPanel& panel, const Spot& spot)
+{
+    panel.surface().setFrame(frame(spot));
+    if (panel.setScreenIndex(spot.screenIndex) && panel.content())
+        onContentNeeded(panel);
 }
 
 std::unique_ptr<BarPanel> BarPanels::createPanel(const Spot& spot)

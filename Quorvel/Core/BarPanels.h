@@ -82,6 +82,8 @@ private:
         const std::vector<SpaceWindows::Info>& spaces, const std::vector<Screen>&);
     void placeMirrors(const Spots&, const std::vector<Screen>&);
     template <typename Panels, typename WantedSpots> void placeAll(Panels&, const WantedSpots&);
+    static bool isOf(const BarPanel&, const Spot&);
+    void move(BarPanel&, const Spot&);
     std::unique_ptr<BarPanel> createPanel(const Spot&);
     void fillShown(const std::vector<SpaceID>&);
     Rect frame(const Spot&) const;

@@ -88,6 +88,9 @@ BarContentView::BarContentView(Inputs inputs)
         if (id.empty() || std::ranges::find(m_pins, id) != m_pins.end())
             pinsDidChange();
     }));
+    // Other panels may keep a side of the screen for themselves from now on.
+    m_subscriptions.push_back(
+        m_inputs.platform.displays.parametersDidChange.subscribe([this] { layout(); }));
     m_subscriptions.push_back(viewModel.spaces.subscribe([this](auto&) { spacesDidChange(); }));
     m_subscriptions.push_back(viewModel.chipsBySpace.subscribe([this](auto& chips) {
         if (!areCurrent(m_spaceSwitcher->spaces(), chips))
@@ -240,9 +243,10 @@ void BarContentView::layout()
     auto place = [&](Rect rect) {
         if (isMirrored)
             rect.x = whole.width - rect.maxX();
-        return rect;
+        return rect.translated(whole.x, 0);
     };
     m_background->setFrame(whole);
+    whole = freePart();
     // Up to the edges, so that the corners of the screen belong to the buttons.
     double buttonWidth = metrics.menuButtonWidth + metrics.barHorizontalPadding;
     double dividerHeight = metrics.menuButtonHeight * Style::dividerHeight;
@@ -262,6 +266,20 @@ void BarContentView::layout()
     m_row->setRightToLeft(isMirrored);
     m_row->setFrame(place({left, 0, std::max(0.0, rowRight - left), whole.height}));
     invalidate();
+}
+
+/// Between the panels at the sides of the screen, which may lie above this one.
+Rect BarContentView::freePart() const
+{
+    auto screens = m_inputs.platform.displays.screens();
+    auto own = std::ranges::find(screens, std::optional{m_inputs.display}, &Screen::number);
+    if (own == screens.end())
+        return bounds();
+    double before = std::max(0.0, own->visibleFrame.x - own->frame.x);
+    double after = std::max(0.0, own->frame.maxX() - own->visibleFrame.maxX());
+    if (before + after >= bounds().width)
+        return bounds();
+    return {before, 0, bounds().width - before - after, bounds().height};
 }
 
 // MARK: Where things are

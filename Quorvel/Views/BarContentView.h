@@ -136,6 +136,7 @@ private:
     void updateThumbnailPopup();
     std::vector<ChipData> chips(const std::vector<WindowID>&) const;
     Rect onScreen(const Rect& inBar) const;
+    Rect freePart() const;
 
     /// Runs on the next turn of the main loop, unless the model has gone by then.
     void onNextTurn(std::function<void(BarViewModel&)>);

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "Quorvel/Platform/Surfaces.h"
 #include "Quorvel/Views/BarContentView.h"
@@ -23,6 +24,8 @@ public:
     DisplayNumber display() const { return m_options.display; }
     /// In the list of screens.
     std::size_t screenIndex() const { return m_screenIndex; }
+    /// Screens before its own came or went. False if it is the one it has.
+    bool setScreenIndex(std::size_t index) { return std::exchange(m_screenIndex, index) != index; }
 
     std::function<void(const ScrollEvent&)> onScroll;
 

@@ -50,6 +50,17 @@ Size cardsSize(std::size_t columns, std::size_t rows, Size card)
         m * (card.height + Style::spacing) - Style::spacing};
 }
 
+/// Until a card with it fits, with its proportions.
+Size shrunkTo(Size picture, Size room)
+{
+    auto around = ThumbnailCard::sizeFor({});
+    double share = std::clamp(std::min((room.width - around.width) / picture.width,
+                                  (room.height - around.height) / picture.height),
+        0.0, 1.0);
+    return {std::max(1.0, std::floor(picture.width * share)),
+        std::max(1.0, std::floor(picture.height * share))};
+}
+
 }
 
 // MARK: Where everything goes
@@ -71,6 +82,8 @@ ThumbnailPopupLayout ThumbnailPopupLayout::of(
         if (columns >= windowCount)
             break;
     }
+    layout.pictureSize = shrunkTo(
+        layout.pictureSize, {room, height + (windowCount > columns ? 0 : Style::moreHeight)});
     auto card = ThumbnailCard::sizeFor(layout.pictureSize);
     auto mostRows = std::max<std::size_t>(1,
         static_cast<std::size_t>(
@@ -95,7 +108,9 @@ ThumbnailPopupLayout ThumbnailPopupLayout::of(
     double left = std::max(screen.x + Style::screenMargin,
         std::min(
             chip.centre().x - whole.width / 2, screen.maxX() - Style::screenMargin - whole.width));
-    layout.frame = {std::round(left), chip.maxY(), whole.width, whole.height};
+    // On the smallest of screens it has to lie over the bar.
+    double bottom = std::max(screen.y, std::min(chip.maxY(), screen.maxY() - whole.height));
+    layout.frame = Rect{std::round(left), bottom, whole.width, whole.height}.intersected(screen);
     layout.pointAt(chip);
     return layout;
 }
@@ -103,7 +118,7 @@ ThumbnailPopupLayout ThumbnailPopupLayout::of(
 void ThumbnailPopupLayout::pointAt(const Rect& chip)
 {
     constexpr double least = Style::radius + Style::arrowHalfWidth;
-    arrowX = std::clamp(chip.centre().x - frame.x, least, frame.width - least);
+    arrowX = std::clamp(chip.centre().x - frame.x, least, std::max(least, frame.width - least));
 }
 
 // MARK: What it looks like
