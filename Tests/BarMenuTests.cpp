@@ -59,6 +59,16 @@ TEST_F(BarMenuTest, eachSettingIsSetAndSetBack)
     }
 }
 
+// Fault: the entry bears another name than the program it opens.
+TEST_F(BarMenuTest, theActivityMonitorIsCalledWhatItIs)
+{
+    desktop.workspace().install("org.gnome.SystemMonitor", "/Applications/Observer.app");
+    openBarMenu();
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Observer"));
+    desktop.drain();
+    EXPECT_THAT(desktop.workspace().opened(), testing::Contains("/Applications/Observer.app"));
+}
+
 // Fault: a window is sent to a full-screen space, which takes none.
 TEST_F(BarMenuTest, noWindowIsOfferedAFullScreenSpace)
 {

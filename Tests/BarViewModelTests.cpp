@@ -196,7 +196,7 @@ TEST_F(BarViewModelTest, theMenuOfAGroupReachesEachOfItsWindowsAndAll)
     focusOn(editor, notes);
     click("group-mail", PointerButton::secondary);
     EXPECT_THAT(desktop.surfaces().menuTitles(),
-        ElementsAre("Inbox", "Draft", "", "New Window", "", "Minimise All", "Move to Space",
+        ElementsAre("Inbox", "Draft", "", "New Window", "", "Minimise All", "Move to Desktop",
             "Close All", "", "Pin to Bar", "Quit"));
     desktop.surfaces().chooseMenuItem("Draft");
     desktop.advance(seconds(0.3));
@@ -210,7 +210,7 @@ TEST_F(BarViewModelTest, theMenuOfAGroupReachesEachOfItsWindowsAndAll)
     click(s(notes), PointerButton::secondary);
     EXPECT_THAT(desktop.surfaces().menuTitles(),
         ElementsAre(
-            "New Window", "", "Minimise", "Move to Space", "Close", "", "Pin to Bar", "Quit"));
+            "New Window", "", "Minimise", "Move to Desktop", "Close", "", "Pin to Bar", "Quit"));
     desktop.surfaces().chooseMenuItem("Close");
     settle();
     EXPECT_FALSE(chip(notes));

@@ -1,7 +1,10 @@
 #include "Quorvel/Views/ActivityMonitor.h"
 
+#include <algorithm>
 #include <array>
+#include <filesystem>
 
+#include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Platform/Files.h"
 
 namespace quorvel {
@@ -16,23 +19,28 @@ constexpr const char* kPath = "/System/Applications/Utilities/Activity Monitor.a
 
 }
 
-std::optional<ApplicationURL> ActivityMonitor::find() const
+/// Null if there is none.
+const char* ActivityMonitor::findIdentifier() const
 {
-    for (auto* identifier : kIdentifiers) {
-        if (auto url = m_platform.workspace.applicationURL(identifier))
-            return url;
-    }
-    return {};
+    auto found = std::ranges::find_if(kIdentifiers, [this](auto* identifier) {
+        return m_platform.workspace.applicationURL(identifier).has_value();
+    });
+    return found == kIdentifiers.end() ? nullptr : *found;
 }
 
-bool ActivityMonitor::isInstalled() const
+std::optional<std::string> ActivityMonitor::name(const BarViewModel& viewModel) const
 {
-    return find() || m_platform.files.exists(kPath);
+    if (auto* identifier = findIdentifier())
+        return viewModel.appName(identifier);
+    if (m_platform.files.exists(kPath))
+        return std::filesystem::path{kPath}.stem().string();
+    return {};
 }
 
 void ActivityMonitor::open() const
 {
-    if (auto url = find())
+    auto* identifier = findIdentifier();
+    if (auto url = identifier ? m_platform.workspace.applicationURL(identifier) : std::nullopt)
         m_platform.workspace.openApplication(*url);
     else
         m_platform.workspace.openFile(kPath);

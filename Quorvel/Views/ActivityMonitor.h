@@ -1,22 +1,26 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel {
 
+class BarViewModel;
+
 /// The program that shows the load of the system.
 class ActivityMonitor {
 public:
     explicit ActivityMonitor(const Platform& platform) : m_platform(platform) { }
 
-    bool isInstalled() const;
+    /// As the user knows it; absent if there is none.
+    std::optional<std::string> name(const BarViewModel&) const;
     void open() const;
 
 private:
-    std::optional<ApplicationURL> find() const;
+    const char* findIdentifier() const;
 
     const Platform& m_platform;
 };

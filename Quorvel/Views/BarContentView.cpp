@@ -508,14 +508,13 @@ ChipMenuContext BarContentView::menuContext()
 
 void BarContentView::showBarMenu(const Rect& anchor)
 {
-    std::function<void()> activity;
-    if (ActivityMonitor{m_inputs.platform}.isInstalled())
-        activity = [weak = m_weak.reference()] {
-            if (auto* view = weak.get())
-                view->openActivityMonitor();
-        };
-    openMenu(
-        barMenu(m_inputs.settings, m_inputs.platform.application, std::move(activity)), anchor);
+    std::optional<MenuItem> monitor;
+    if (auto name = ActivityMonitor{m_inputs.platform}.name(m_inputs.viewModel))
+        monitor = MenuItem{*name, true, [weak = m_weak.reference()] {
+                               if (auto* view = weak.get())
+                                   view->openActivityMonitor();
+                           }};
+    openMenu(barMenu(m_inputs.settings, m_inputs.platform.application, std::move(monitor)), anchor);
 }
 
 void BarContentView::showSpaceList()

@@ -55,15 +55,14 @@ Menu settingsMenu(UserSettings& settings)
 
 }
 
-Menu barMenu(
-    UserSettings& settings, Application& application, std::function<void()> openActivityMonitor)
+Menu barMenu(UserSettings& settings, Application& application, std::optional<MenuItem> monitor)
 {
     Menu menu;
     menu.push_back({std::string{"Quorvel "} + kVersion, false, {}});
     menu.push_back({});
     menu.push_back({"Settings", true, {}, false, settingsMenu(settings)});
-    if (openActivityMonitor)
-        menu.push_back({"Activity Monitor", true, std::move(openActivityMonitor)});
+    if (monitor)
+        menu.push_back(*std::move(monitor));
     menu.push_back({});
     menu.push_back({"Quit Quorvel", true, [&application] { application.terminate(); }});
     return menu;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "Quorvel/Platform/Surfaces.h"
 
 namespace quorvel {
@@ -8,6 +10,6 @@ class Application;
 class UserSettings;
 
 /// The menu of the bar itself. Changes of settings apply at once. Everything given outlives it.
-Menu barMenu(UserSettings&, Application&, std::function<void()> openActivityMonitor);
+Menu barMenu(UserSettings&, Application&, std::optional<MenuItem> monitor);
 
 }

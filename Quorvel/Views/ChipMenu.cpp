@@ -78,7 +78,7 @@ void addMoveEntry(Menu& menu, const std::vector<WindowID>& windows, const ChipMe
     if (std::ranges::count(context.spaces, false, &SpaceCellData::isFullscreen) < 2
         || !context.onMoveWindowToSpace)
         return;
-    MenuItem move{"Move to Space", true, {}};
+    MenuItem move{"Move to Desktop", true, {}};
     for (auto& space : context.spaces) {
         if (space.isFullscreen)
             continue;

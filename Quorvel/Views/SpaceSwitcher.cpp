@@ -23,7 +23,7 @@ public:
     explicit SpaceListButton(const BarMetrics& metrics) : m_metrics(metrics) { }
 
     std::string accessibleID() const override { return "space-list"; }
-    AccessibleState accessibleState() const override { return menuButtonState("Spaces"); }
+    AccessibleState accessibleState() const override { return menuButtonState("Desktops"); }
 
 private:
     void paint(Canvas& canvas) const override

@@ -198,7 +198,7 @@ TEST_P(Menus, andTheBarAreWalkedByKeyboardAndLeftAgain)
     EXPECT_TRUE(settles(*bar));
 
     openMenuOf(windows[1]);
-    walkTo("Move to Space");
+    walkTo("Move to Desktop");
     keyboard.type(XKB_KEY_Right);
     ASSERT_TRUE(eventually(2s, [&] { return entries().size() > titles.size(); }));
     keyboard.type(XKB_KEY_Left);
@@ -241,7 +241,7 @@ TEST_P(Menus, doWhatTheirEntriesSay)
     }
 
     openMenuOf(windows[1]);
-    openSubmenu("Move to Space");
+    openSubmenu("Move to Desktop");
     const auto space = entries().back();
     choose(space);
     EXPECT_TRUE(eventually(2s, [&] { return desktop.desktopOf(windows[1]).value_or(0) > 0; }));
@@ -292,7 +292,7 @@ TEST_P(Menus, ofGroupsPinsAndTheBarDoWhatTheySay)
     EXPECT_TRUE(eventually(
         2s, [&] { return desktop.isHidden(windows[0]) && desktop.isHidden(windows[1]); }));
     openMenuOf(windows[0]);
-    openSubmenu("Move to Space");
+    openSubmenu("Move to Desktop");
     choose(entries().back());
     EXPECT_TRUE(eventually(2s, [&] {
         const auto desktops
@@ -331,7 +331,7 @@ TEST_P(Menus, ofGroupsPinsAndTheBarDoWhatTheySay)
     EXPECT_TRUE(eventually(2s, [&] { return readFile(starts) == "started \n"; }));
 
     openBarMenu();
-    choose("Activity Monitor");
+    choose("Monitor");
     EXPECT_TRUE(eventually(
         2s, [&] { return readFile(starts).find("started --monitor") != std::string::npos; }));
     const auto height = bar->state()->visiblePanel()->frame.height;
