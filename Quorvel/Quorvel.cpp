@@ -42,7 +42,7 @@ ControlReply answerFocusRequest(BarManager& manager)
 {
     if (manager.takeKeyboard())
         return {};
-    return {1, "", "quorvel: another program holds the keyboard\n"};
+    return {1, "", "quorvel: the bar is not to be seen, or another program holds the keyboard\n"};
 }
 
 }

@@ -165,7 +165,8 @@ public:
     virtual Duration frameInterval() const = 0;
     /// Keys go to the client instead of the program that has the focus, which keeps it. False if
     /// the system refused; `keyboardDidChange` tells when the keyboard has come, perhaps later if
-    /// at all, and of the end.
+    /// at all, and of the end. Never while a full-screen window covers the panel: nobody would see
+    /// what the keys do.
     virtual bool takeKeyboard() = 0;
     virtual void releaseKeyboard() = 0;
     /// Names, states or members of the accessible tree are others now.

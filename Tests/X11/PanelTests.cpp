@@ -16,7 +16,7 @@ protected:
 };
 
 // Faults: no room kept, a strut measured from the wrong edge or of the old height, room that is not
-// given back; a film that is made shorter for the bar.
+// given back; a film that is made shorter for the bar; a bar below it that takes the keyboard.
 TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
 {
     const auto window = client.open({.title = "large"});
@@ -35,8 +35,12 @@ TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
     EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == 800; }));
     // The bar takes a tenth of a second before it shortens what reaches under it.
     EXPECT_TRUE(staysTrue(500ms, [&] { return desktop.frame(window).bottom() == 800; }));
+    const auto focus
+        = [&] { return runProgram(server.environment(), server.folder(), {"--focus"}).status; };
+    EXPECT_EQ(focus(), 1) << "nobody would see what the keys do";
     desktop.setState(window, "FULLSCREEN", false);
     EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == panel.y; }));
+    EXPECT_TRUE(eventually(2s, [&] { return focus() == 0; }));
 
     const auto set = runProgram(server.environment(), server.folder(), {"--set", "barSize=xl"});
     EXPECT_EQ(set.status, 0);

@@ -35,6 +35,8 @@ public:
     void requestSpace(SpaceID) const;
 
     bool isCurrent(const X11Panel&) const;
+    /// By a full-screen window.
+    bool isCovered() const { return m_isLowered; }
     /// The one that shows the panel now; 0 if none does.
     xcb_window_t windowOf(const X11Panel&) const;
     bool hasPanels() const { return !m_panels.empty(); }

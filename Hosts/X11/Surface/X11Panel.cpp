@@ -94,7 +94,7 @@ Duration X11Panel::frameInterval() const
 
 bool X11Panel::takeKeyboard()
 {
-    return m_keyboard.take(m_window.windowOf(*this));
+    return !m_window.isCovered() && m_keyboard.take(m_window.windowOf(*this));
 }
 
 void X11Panel::accessibleTreeDidChange()
