@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include "Tests/Support/BarFixture.h"
+#include "Tests/Support/Seed.h"
 
 namespace quorvel::test {
 
@@ -381,9 +382,7 @@ struct RandomDisplays {
 // Faults: a bar that stays where a screen was, is missing, or lies on the wrong one.
 TEST_F(BarManagerTest, barsAreWhereTheyBelongHoweverTheDisplaysChange)
 {
-    auto* text = std::getenv("QUORVEL_TEST_SEED");
-    auto seed
-        = text ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : std::random_device{}();
+    const auto seed = test::seed();
     SCOPED_TRACE("QUORVEL_TEST_SEED=" + std::to_string(seed));
     RandomDisplays random{std::mt19937{seed}};
     start();

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "Tests/Support/ChurnOperations.h"
+#include "Tests/Support/Seed.h"
 
 namespace quorvel::test {
 
@@ -15,12 +16,6 @@ constexpr int kOperationsARound = 1000;
 constexpr int kOperationsBetweenRests = 50;
 constexpr std::uint32_t kRounds = 25;
 constexpr std::uint32_t kFullRounds = 100;
-
-std::uint32_t number(const char* name, std::uint32_t otherwise)
-{
-    auto* text = std::getenv(name);
-    return text ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
-}
 
 /// Beside them, what must be true whenever the desktop has settled, told from the desktop alone.
 struct ChurnRound final : ChurnOperations {
@@ -192,9 +187,9 @@ TEST_F(BarFixture, tenThousandWindowsLeaveNothingBehind)
 
 TEST(ChurnTest, wheneverTheDesktopRestsTheBarShowsWhatThereIs)
 {
-    auto seed = number("QUORVEL_TEST_SEED", std::random_device{}());
-    auto rounds
-        = number("QUORVEL_TEST_ROUNDS", std::getenv("QUORVEL_TEST_FULL") ? kFullRounds : kRounds);
+    auto seed = test::seed();
+    auto rounds = test::numberFrom(
+        "QUORVEL_TEST_ROUNDS", std::getenv("QUORVEL_TEST_FULL") ? kFullRounds : kRounds);
     std::printf("seed %u, %u operations\n", seed, rounds * kOperationsARound);
     for (std::uint32_t i = 0; i < rounds && !testing::Test::HasFailure(); ++i, ++seed) {
         ChurnRound round{seed};

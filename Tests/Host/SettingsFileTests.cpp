@@ -16,6 +16,7 @@
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Core/UserSettingsCoding.h"
 #include "Tests/Support/FakeDesktop.h"
+#include "Tests/Support/Seed.h"
 
 namespace quorvel::posix {
 
@@ -97,9 +98,7 @@ TEST_F(SettingsFileTest, aKillAtAnyMomentLosesNoFinishedSave)
     files->createFolder(path("Quorvel"));
     ASSERT_FALSE(files->writeAtomically(path("Quorvel/settings.json"), encodeUserSettings(data)));
 
-    const char* given = std::getenv("QUORVEL_TEST_SEED");
-    auto seed
-        = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device{}();
+    const auto seed = test::seed();
     SCOPED_TRACE("QUORVEL_TEST_SEED=" + std::to_string(seed));
     std::mt19937 random{seed};
     std::uniform_int_distribution<int> moment{0, 12'000};

@@ -2,6 +2,7 @@
 #include <fstream>
 #include <random>
 
+#include "Tests/Support/Seed.h"
 #include "Tests/X11/Support/DesktopFixture.h"
 
 namespace quorvel::x11tests {
@@ -52,11 +53,8 @@ TEST_P(ClickStorms, bringTheClickedWindow)
     ASSERT_TRUE(state);
     const auto windows = desktop.taskbarClients();
 
-    const auto* chosen = std::getenv("QUORVEL_TEST_SEED");
-    const auto seed
-        = chosen ? std::uint32_t(std::strtoul(chosen, nullptr, 10)) : std::random_device{}();
+    const auto seed = test::seed();
     const int clicks = std::getenv("QUORVEL_TEST_FULL") ? 500 : 150;
-    std::printf("seed %u, %d clicks\n", seed, clicks);
     std::mt19937 random{seed};
     int activated = 0;
     // Its chip may be lit for some milliseconds more than its window has the focus; no hand comes

@@ -4,6 +4,7 @@
 #include <random>
 #include <sstream>
 
+#include "Tests/Support/Seed.h"
 #include "Tests/X11/Support/DesktopFixture.h"
 
 namespace quorvel::x11tests {
@@ -127,12 +128,9 @@ TEST_P(ClicksUnderChurn, reachTheChipThatWasUnderThePointer)
     ASSERT_TRUE(bar->appears());
     ASSERT_TRUE(client.finish());
     ASSERT_TRUE(settles(*bar));
-    const auto* const chosen = std::getenv("QUORVEL_TEST_SEED");
-    const auto seed
-        = chosen ? std::uint32_t(std::strtoul(chosen, nullptr, 10)) : std::random_device{}();
+    const auto seed = test::seed();
     // Of those that did something; with some of them the window goes first.
     const int clicks = std::getenv("QUORVEL_TEST_FULL") ? 400 : 120;
-    std::printf("seed %u, %d clicks\n", seed, clicks);
     std::mt19937 random{seed};
     Deeds deeds(trace);
     int certain = 0;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <random>
 
+#include "Tests/Support/Seed.h"
 #include "Tests/X11/Support/DesktopFixture.h"
 #include "Tests/X11/Support/MonitorLayout.h"
 
@@ -289,10 +290,7 @@ std::vector<std::uint32_t> expectedStrut(const Frame& monitor, const std::vector
 // yesterday; chips out of order; a crash between two monitors.
 TEST_P(Monitors, barsFollowWhateverMonitorsWindowsAndDesktopsDo)
 {
-    const auto* const text = std::getenv("QUORVEL_TEST_SEED");
-    const auto seed
-        = text ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : std::random_device{}();
-    std::cout << "seed " << seed << std::endl;
+    const auto seed = test::seed();
     SCOPED_TRACE("QUORVEL_TEST_SEED=" + std::to_string(seed));
     std::mt19937 random(seed);
     const auto below = [&](std::size_t limit) { return random() % limit; };

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "Tests/Support/Seed.h"
 #include "Tests/X11/Support/DesktopFixture.h"
 
 namespace quorvel::x11tests {
@@ -21,12 +22,6 @@ constexpr int kRoundsOfAFullRun = 10;
 constexpr std::size_t kMostApplications = 6;
 constexpr std::size_t kMostWindows = 25;
 const std::string kClass = "Churn";
-
-unsigned number(const char* name, unsigned otherwise)
-{
-    const char* const text = std::getenv(name);
-    return text ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : otherwise;
-}
 
 class Chance {
 public:
@@ -271,9 +266,9 @@ protected:
 // window of a killed or stopped application that stays or stays away.
 TEST_P(WindowChurn, whenTheDesktopRestsTheBarSaysWhatTheServerSays)
 {
-    auto seed = number("QUORVEL_TEST_SEED", std::random_device{}());
-    const auto rounds
-        = number("QUORVEL_TEST_ROUNDS", std::getenv("QUORVEL_TEST_FULL") ? kRoundsOfAFullRun : 1);
+    auto seed = test::seed();
+    const auto rounds = test::numberFrom(
+        "QUORVEL_TEST_ROUNDS", std::getenv("QUORVEL_TEST_FULL") ? kRoundsOfAFullRun : 1);
     std::cout << "seed " << seed << ", " << rounds << " rounds" << std::endl;
     ASSERT_TRUE(bar.appears());
     for (unsigned round = 0; round < rounds && !HasFailure(); ++round, ++seed) {
