@@ -8,6 +8,7 @@
 #include "Quorvel/Skylight/WindowStore.h"
 #include "Quorvel/Version.h"
 #include "Quorvel/Views/BarPanel.h"
+#include "Quorvel/Views/Menu/Menus.h"
 #include "Quorvel/Views/ThumbnailPopup.h"
 
 namespace quorvel {
@@ -166,10 +167,10 @@ Json panelJson(const Platform& platform, const BarPanel& panel)
     return report;
 }
 
-Json menuJson(const Platform& platform)
+Json menuJson(const Platform& platform, const Menus& menus)
 {
     Json entries = Json::array();
-    for (auto& entry : platform.surfaces.openMenuEntries()) {
+    for (auto& entry : menus.entries()) {
         entries.push_back({{"title", entry.title}, {"enabled", entry.isEnabled},
             {"frame", frameJson(platform, entry.frame)}});
     }
@@ -202,7 +203,7 @@ std::string stateReport(
         {"windows", std::move(windows)},
         {"spaces", std::move(spaces)},
         {"panels", std::move(panels)},
-        {"menu", menuJson(platform)},
+        {"menu", menuJson(platform, manager.menus())},
     };
     // Titles come from other programs and may hold anything.
     return state.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";

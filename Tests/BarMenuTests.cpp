@@ -1,4 +1,6 @@
 // What the menus of the bar do to the settings, and what they offer to whom.
+#include <gmock/gmock.h>
+
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -67,6 +69,34 @@ TEST_F(BarMenuTest, theActivityMonitorIsCalledWhatItIs)
     EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Observer"));
     desktop.drain();
     EXPECT_THAT(desktop.workspace().opened(), testing::Contains("/Applications/Observer.app"));
+}
+
+// Faults: a menu that opens only when the button is let go, or a drag that chooses nothing; a pin
+// that opens nothing.
+TEST_F(BarMenuTest, menusOpenOnThePressAndOfferWhatThereIs)
+{
+    auto at = chipFrame(inbox)->centre();
+    panel().press(at, PointerButton::secondary);
+    auto* menu = desktop.surfaces().menu();
+    ASSERT_TRUE(menu);
+    auto minimise = menu->render().text("Minimise")->rect.centre();
+    menu->movePointer(minimise);
+    menu->release(minimise, PointerButton::secondary);
+    settle();
+    EXPECT_TRUE(chip(inbox)->isMinimized);
+
+    desktop.workspace().install("mail", "/mail");
+    openMenuOf(inbox);
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Pin to Bar"));
+    desktop.terminate(mail);
+    leave();
+    settle();
+    auto& content = *runtime->barManager()->panels().at(SpaceID{1})->content();
+    ASSERT_EQ(content.pinFrames().size(), 1U);
+    panel().click(content.pinFrames().front().second.centre(), PointerButton::secondary);
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Open"));
+    settle();
+    EXPECT_THAT(desktop.workspace().opened(), testing::ElementsAre("/mail"));
 }
 
 // Fault: a window is sent to a full-screen space, which takes none.

@@ -20,6 +20,13 @@ NSAccessibilityRole roleOf(AccessibleRole role)
         return NSAccessibilityMenuButtonRole;
     case AccessibleRole::popup:
         return NSAccessibilityPopoverRole;
+    case AccessibleRole::menu:
+        return NSAccessibilityMenuRole;
+    case AccessibleRole::menuItem:
+    case AccessibleRole::checkMenuItem:
+    case AccessibleRole::radioMenuItem:
+    case AccessibleRole::separator: // in a menu it is an entry, too
+        return NSAccessibilityMenuItemRole;
     case AccessibleRole::panel:
     case AccessibleRole::group:
         break;

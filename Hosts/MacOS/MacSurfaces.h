@@ -9,16 +9,15 @@
 
 namespace quorvel {
 
-class MacSurfaces final : public Surfaces {
+class MacSurfaces final : public Surfaces, public NativeMenus {
 public:
     explicit MacSurfaces(const SurfaceContext&);
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
+    NativeMenus* nativeMenus() override { return this; }
     void popUpMenu(
         PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed) override;
     void closeMenu() override { m_menu.close(); }
-    /// Menus are the system's.
-    std::vector<MenuEntry> openMenuEntries() const override { return {}; }
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
 
 private:

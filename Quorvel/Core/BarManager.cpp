@@ -13,6 +13,7 @@
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/WindowStore.h"
 #include "Quorvel/Views/BarPanel.h"
+#include "Quorvel/Views/Menu/Menus.h"
 
 namespace quorvel {
 
@@ -50,6 +51,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_moves(platform, windowStore, m_viewModel, m_navigation)
     , m_avoidanceManager(windowStore, platform.dispatch, platform.accessibility,
           platform.windowServer, platform.displays, barsToAvoid())
+    , m_menus(std::make_unique<Menus>(platform))
 {
     if (isSwitchedOn("QUORVEL_CURSOR_OWNERSHIP_LOG")) {
         m_cursorOwnershipLog = std::make_unique<CursorOwnershipLog>(
@@ -265,9 +267,8 @@ std::unique_ptr<BarContentView> BarManager::makeBarContentView(BarPanel& panel)
     });
     view->onMenuTapped = [this, &panel] { showMenu(panel); };
     view->onMenuRequested
-        = [this, &panel](Menu menu, const Rect& anchor, std::function<void()> onClosed) {
-              m_platform.surfaces.popUpMenu(
-                  panel.surface(), std::move(menu), anchor, std::move(onClosed));
+        = [this, &panel](Menu menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed) {
+              m_menus->popUp(panel.surface(), std::move(menu), anchor, std::move(onClosed));
           };
     view->onSpaceSwitchRequested = [this](SpaceID space) { switchToSpace(space); };
     view->onMoveWindowToSpaceRequested

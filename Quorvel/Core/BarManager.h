@@ -21,6 +21,7 @@ namespace quorvel {
 class BadgeService;
 class BarContentView;
 class CursorOwnershipLog;
+class Menus;
 class MouseDisplayTracker;
 class ThumbnailService;
 
@@ -38,6 +39,7 @@ public:
     PinStore& pinStore() { return m_pinStore; }
     BarViewModel& viewModel() { return m_viewModel; }
     const BarViewModel& viewModel() const { return m_viewModel; }
+    const Menus& menus() const { return *m_menus; }
     const BarPanels::BySpace& panels() const { return m_panels.panels(); }
     const BarPanels::Mirrors& mirrorPanels() const { return m_panels.mirrorPanels(); }
     const BarPanels::BySpace& fullscreenPanels() const { return m_panels.fullscreenPanels(); }
@@ -111,6 +113,7 @@ private:
     WheelNotches m_wheel{wheelSteps()};
     WindowMoves m_moves;
     WindowAvoidanceManager m_avoidanceManager;
+    const std::unique_ptr<Menus> m_menus;
     std::unique_ptr<MouseDisplayTracker> m_mouseDisplayTracker; ///< null until it is asked
     std::unique_ptr<CursorOwnershipLog> m_cursorOwnershipLog; ///< null unless asked for
     bool m_isHoverKeyingSuppressed = false;

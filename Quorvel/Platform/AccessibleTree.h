@@ -8,7 +8,19 @@
 
 namespace quorvel {
 
-enum class AccessibleRole { panel, group, button, toggleButton, menuButton, popup };
+enum class AccessibleRole {
+    panel,
+    group,
+    button,
+    toggleButton,
+    menuButton,
+    popup,
+    menu,
+    menuItem,
+    checkMenuItem,
+    radioMenuItem,
+    separator,
+};
 
 /// What one element of a surface says of itself.
 struct AccessibleState {
@@ -21,6 +33,9 @@ struct AccessibleState {
     std::vector<std::string> actions;
     /// Which of them opens a menu about it, by its place in the list.
     std::optional<std::size_t> menuAction{};
+    bool isEnabled = true;
+    bool isChecked = false; ///< of an entry with a mark
+    bool opensMenu = false; ///< of an entry of a menu
 
     friend bool operator==(const AccessibleState&, const AccessibleState&) = default;
 };

@@ -13,6 +13,7 @@
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
 #include "Quorvel/Platform/KeyEvent.h"
+#include "Quorvel/Platform/Menu.h"
 #include "Quorvel/Platform/Published.h"
 
 namespace quorvel {
@@ -97,6 +98,8 @@ public:
     virtual bool keyPressed(const KeyEvent&) { return false; }
     /// The surface got the keyboard, or has lost it for whatever reason.
     virtual void keyboardDidChange(bool /*hasKeyboard*/) { }
+    /// The system refused the panel's `grabInput`, or took it back.
+    virtual void inputGrabDidEnd() { }
     /// What a screen reader is told; null: nothing. Lives as long as the client.
     virtual AccessibleElement* accessibleRoot() { return nullptr; }
 };
@@ -123,6 +126,8 @@ enum class PanelKind {
     /// Lies above the bars, whatever the space, and starts out transparent. Takes the pointer,
     /// never the keyboard.
     popup,
+    /// As a popup, and the window of a menu: it takes what `grabInput` says.
+    menu,
 };
 
 struct PanelOptions {
@@ -169,41 +174,24 @@ public:
     /// what the keys do.
     virtual bool takeKeyboard() = 0;
     virtual void releaseKeyboard() = 0;
+    /// The client hears of every press, move and turn of the wheel from now on, wherever the
+    /// pointer is (outside the panel, places are outside its bounds), and of all keys, until the
+    /// panel is ordered out. Whoever had the pointer sees it leave; whoever had the keyboard has it
+    /// again afterwards and hears of neither. False where there is no such thing; where the system
+    /// only refuses, perhaps a moment later, `inputGrabDidEnd` tells.
+    virtual bool grabInput() { return false; }
     /// Names, states or members of the accessible tree are others now.
     virtual void accessibleTreeDidChange() = 0;
 };
 
-struct MenuItem {
-    std::string title; ///< empty: a separator
-    bool isEnabled = true;
-    std::function<void()> action;
-    bool isChecked = false;
-    std::vector<MenuItem> submenu{}; ///< of an entry that opens another menu instead of acting
-};
-
-using Menu = std::vector<MenuItem>;
-
-/// An entry that is on the screen.
-struct MenuEntry {
-    std::string title;
-    bool isEnabled = true;
-    Rect frame; ///< points, origin at the top left of the first screen
-};
-
-/// Panels and menus. Main thread.
+/// What of the program is on the screen. Main thread.
 class Surfaces {
 public:
     virtual ~Surfaces() = default;
 
     virtual std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) = 0;
-    /// Opens a menu beside `anchor` (points in the panel) and returns; the chosen entry's action
-    /// runs on the main queue after the menu has gone. A second call replaces the first menu.
-    /// `onClosed` comes on the main queue once for each menu, before the action.
-    virtual void popUpMenu(PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed)
-        = 0;
-    virtual void closeMenu() = 0;
-    /// Of the open menu and its submenus, without separators; empty where the system draws menus.
-    virtual std::vector<MenuEntry> openMenuEntries() const = 0;
+    /// Null where the system draws no menus; they are panels then.
+    virtual NativeMenus* nativeMenus() { return nullptr; }
 
     /// What `setBlursBehind` answers may be something else now.
     Signal<> blurDidChange;

@@ -436,10 +436,8 @@ void BarContentView::openActivityMonitor()
     ActivityMonitor{m_inputs.platform}.open();
 }
 
-void BarContentView::released(PointerButton button, bool isInside)
+void BarContentView::showContextMenu()
 {
-    if (button != PointerButton::secondary || !isInside)
-        return;
     auto pointer = m_inputs.platform.displays.pointerLocation();
     auto panel = m_inputs.surface.frame();
     showBarMenu({pointer.x - panel.x, 0, 1, panel.height});
@@ -470,7 +468,7 @@ void BarContentView::openMenu(Menu menu, const Rect& anchor)
     m_hasChosen = false;
     noteChoice(menu);
     onMenuRequested(std::move(menu), anchor,
-        [weak = m_weak.reference(), &main = m_inputs.platform.dispatch.main()] {
+        [weak = m_weak.reference(), &main = m_inputs.platform.dispatch.main()](MenuEnding) {
             auto* view = weak.get();
             if (!view)
                 return;
@@ -530,7 +528,7 @@ void BarContentView::showSpaceList()
                 if (view && view->onSpaceSwitchRequested)
                     view->onSpaceSwitchRequested(id);
             },
-            space.isCurrent});
+            space.isCurrent, {}, MenuItemKind::choice});
     }
     openMenu(std::move(menu), spaceListButtonFrame());
 }

@@ -64,7 +64,8 @@ public:
     /// Just before a popup is shown.
     std::function<void()> onThumbnailWillShow;
     /// Opens a menu beside a rectangle (points of the bar, origin top left).
-    std::function<void(Menu, const Rect&, std::function<void()> onClosed)> onMenuRequested;
+    std::function<void(Menu, const Rect&, std::function<void(MenuEnding)> onClosed)>
+        onMenuRequested;
 
     // In points of the bar, origin top left.
     Rect menuButtonFrame() const;
@@ -93,7 +94,7 @@ public:
     bool isRightToLeft() const;
 
     bool takesPointer() const override { return true; }
-    void released(PointerButton, bool isInside) override;
+    void showContextMenu() override;
     std::string accessibleID() const override { return "bar"; }
     AccessibleState accessibleState() const override;
 

@@ -111,11 +111,16 @@ void BarHostingView::press(const PointerEvent& event)
 {
     if (m_pressedButton != PointerButton::none || event.button == PointerButton::none)
         return;
-    m_pressed = m_content ? m_content->hitTest(event.location) : nullptr;
+    auto* view = m_content ? m_content->hitTest(event.location) : nullptr;
     m_pressedButton = event.button;
     m_pressPlace = event.location;
-    if (m_pressed)
-        m_pressed->pressed(event.button);
+    if (!view)
+        return;
+    // A menu opens on the press, so that one can drag to an entry and let go.
+    if (event.button == PointerButton::secondary)
+        return view->showContextMenu();
+    m_pressed = view;
+    m_pressed->pressed(event.button);
 }
 
 void BarHostingView::drag(Point to)

@@ -12,7 +12,8 @@ namespace {
 
 MenuItem toggle(std::string title, bool isOn, std::function<void(bool)> set)
 {
-    return {std::move(title), true, [isOn, set = std::move(set)] { set(!isOn); }, isOn};
+    return {std::move(title), true, [isOn, set = std::move(set)] { set(!isOn); }, isOn, {},
+        MenuItemKind::toggle};
 }
 
 template <typename Value, std::size_t count, typename Set>
@@ -22,8 +23,8 @@ MenuItem choice(std::string title, const std::array<Value, count>& values,
     MenuItem item{std::move(title), true, {}};
     for (std::size_t index = 0; index < count; ++index) {
         auto value = values[index];
-        item.submenu.push_back(
-            {names[index], true, [set, value] { set(value); }, value == current});
+        item.submenu.push_back({names[index], true, [set, value] { set(value); }, value == current,
+            {}, MenuItemKind::choice});
     }
     return item;
 }

@@ -87,6 +87,7 @@ void addMoveEntry(Menu& menu, const std::vector<WindowID>& windows, const ChipMe
                 BarViewModel&) { onMove(windows, to); });
         item.isEnabled = space.id != context.spaceID;
         item.isChecked = !item.isEnabled;
+        item.kind = MenuItemKind::choice;
         move.submenu.push_back(std::move(item));
     }
     menu.push_back(std::move(move));
@@ -133,6 +134,7 @@ Menu groupMenu(const GroupedChipData& group, const ChipMenuContext& context)
             title += "  \u2022";
         menu.push_back(activateEntry(std::move(title), id, model));
         menu.back().isChecked = chip->isFocused;
+        menu.back().kind = MenuItemKind::choice;
     }
     separate(menu);
     if (group.bundleIdentifier)

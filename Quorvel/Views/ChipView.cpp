@@ -172,7 +172,7 @@ void ChipView::pointerExited()
 void ChipView::pressed(PointerButton button)
 {
     drag.pressed(button);
-    set(m_isPressed, button != PointerButton::secondary);
+    set(m_isPressed, true);
 }
 
 void ChipView::dragged(const DragMove& move)
@@ -196,8 +196,6 @@ void ChipView::released(PointerButton button, bool isInside)
         onClick(*this, Click::primary);
     else if (button == PointerButton::middle)
         onClick(*this, Click::middle);
-    else if (button == PointerButton::secondary)
-        onClick(*this, Click::secondary);
 }
 
 void ChipView::filesEntered()

@@ -11,7 +11,6 @@
 #include "Hosts/Linux/Drawing/IconImage.h"
 #include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Hosts/X11/Surface/AlphaShape.h"
-#include "Hosts/X11/Surface/MenuLayout.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
 
 namespace quorvel::xdg::x11 {
@@ -335,67 +334,6 @@ TEST(DamageRegion, mergesWhatTouchesAndKeepsWhatIsApart)
     for (int i = 0; i < 1000; ++i)
         damage.add({i * 100.0, (i % 7) * 100.0, 1, 1});
     EXPECT_LE(damage.take(bounds).size(), 16u);
-}
-
-namespace {
-
-class PlainText : public Text {
-public:
-    Size measure(std::string_view text, const TextStyle&) const override
-    {
-        return {text.size() * 10.0, 16};
-    }
-};
-
-}
-
-TEST(MenuLayout, menusStayOnTheirMonitor)
-{
-    Rect monitor{100, 50, 1000, 700};
-    Rect atBottom{200, 710, 160, 40};
-    EXPECT_EQ(placeMenu({150, 300}, atBottom, monitor, false), (Rect{200, 410, 150, 300}));
-    EXPECT_EQ(placeMenu({150, 300}, atBottom, monitor, true).maxX(), atBottom.maxX());
-    EXPECT_EQ(placeMenu({150, 300}, {1050, 710, 50, 40}, monitor, false).maxX(), 1100);
-    EXPECT_EQ(placeMenu({150, 300}, {200, 50, 160, 40}, monitor, false).y, 90); // a bar on top
-    EXPECT_EQ(placeMenu({150, 900}, atBottom, monitor, false), (Rect{200, 50, 150, 660})); // cut
-
-    Rect row{200, 300, 140, 26};
-    EXPECT_EQ(placeSubmenu({150, 100}, row, 5, monitor, false), (Rect{340, 295, 150, 100}));
-    EXPECT_EQ(placeSubmenu({150, 100}, row, 5, monitor, true).x, 340); // no room on its side
-    EXPECT_EQ(placeSubmenu({150, 100}, {900, 720, 190, 26}, 5, monitor, false),
-        (Rect{750, 650, 150, 100}));
-}
-
-// Faults: a check mark over the title, a column for marks in menus without any, a mirrored menu
-// whose arrow points at the title.
-TEST(MenuLayout, marksAndArrowsHaveColumnsOfTheirOwn)
-{
-    std::string title(30, 'x');
-    Menu plain{{title, true, {}}};
-    Menu marked{{title, true, {}}, {"On", true, {}, true}, {"More", true, {}, false, plain}};
-    MenuStyle style;
-    auto without = MenuLayout{plain, PlainText{}, style}.size().width;
-    MenuLayout layout{marked, PlainText{}, style};
-    EXPECT_EQ(layout.size().width, without + style.markWidth + style.arrowWidth);
-    for (bool isRightToLeft : {false, true}) {
-        auto parts = layout.partsOf(0, isRightToLeft);
-        EXPECT_FALSE(parts.title.intersects(parts.mark));
-        EXPECT_FALSE(parts.title.intersects(parts.arrow));
-        EXPECT_EQ(parts.mark.x < parts.arrow.x, !isRightToLeft);
-        EXPECT_GE(parts.title.width, 300);
-    }
-}
-
-// Faults: a submenu that closes under a pointer that crosses the rows between, and one that stays
-// open for a pointer that goes elsewhere.
-TEST(MenuLayout, aPointerOnItsWayToASubmenuIsRecognised)
-{
-    Rect submenu{300, 100, 150, 200};
-    EXPECT_TRUE(headsFor({200, 110}, {220, 145}, submenu));
-    EXPECT_FALSE(headsFor({200, 110}, {200, 150}, submenu)); // straight down
-    EXPECT_FALSE(headsFor({200, 110}, {210, 170}, submenu)); // below it
-    EXPECT_FALSE(headsFor({200, 110}, {190, 112}, submenu)); // away
-    EXPECT_TRUE(headsFor({500, 110}, {480, 130}, submenu)); // from the other side
 }
 
 namespace {

@@ -19,10 +19,9 @@ FakePanel::FakePanel(
 
 FakePanel::~FakePanel()
 {
-    losePointer();
+    orderOut();
+    std::erase(m_surfaces.m_keyHolders, this);
     std::erase(m_surfaces.m_panels, this);
-    if (m_surfaces.m_menu && m_surfaces.m_menu->panel == this)
-        m_surfaces.closeMenu();
 }
 
 void FakePanel::setFrame(const Rect& frame)
@@ -46,6 +45,8 @@ void FakePanel::orderFront()
 void FakePanel::orderOut()
 {
     m_isOrderedIn = false;
+    if (std::erase(m_surfaces.m_grabs, this) > 0)
+        std::erase(m_surfaces.m_keyHolders, this);
     losePointer();
 }
 
@@ -59,7 +60,8 @@ void FakePanel::makeKeyAndOrderFront()
 bool FakePanel::isVisible() const
 {
     return m_isOrderedIn
-        && (m_options.kind == PanelKind::popup || m_desktop.model().isCurrent(m_options.space));
+        && (m_options.kind == PanelKind::popup || m_options.kind == PanelKind::menu
+            || m_desktop.model().isCurrent(m_options.space));
 }
 
 double FakePanel::scale() const
@@ -115,16 +117,25 @@ RecordingCanvas FakePanel::render() const
     return canvas;
 }
 
+std::pair<FakePanel&, Point> FakePanel::listener(Point at)
+{
+    auto& panel = m_surfaces.m_grabs.empty() ? *this : *m_surfaces.m_grabs.back();
+    return {
+        panel, at.translated(m_frame.x - panel.m_frame.x, panel.m_frame.maxY() - m_frame.maxY())};
+}
+
 void FakePanel::send(PointerAction action, Point at, PointerButton button)
 {
-    m_client.pointerEvent({action, at, button, m_held});
+    auto [panel, place] = listener(at);
+    panel.m_client.pointerEvent({action, place, button, m_held});
 }
 
 void FakePanel::movePointer(Point at)
 {
     m_desktop.model().pointer
         = {m_frame.x + at.x, m_desktop.model().flipHeight() - m_frame.maxY() + at.y};
-    send(std::exchange(m_hasPointer, true) ? PointerAction::moved : PointerAction::entered, at);
+    bool isFirst = m_surfaces.m_grabs.empty() && !std::exchange(m_hasPointer, true);
+    send(isFirst ? PointerAction::entered : PointerAction::moved, at);
     m_surfaces.pointerDidMove(PointerScope::ownWindows);
 }
 
@@ -172,22 +183,45 @@ void FakePanel::scroll(Point at, double deltaY, bool isDirectionInverted)
     scroll({.location = at, .deltaY = deltaY, .isDirectionInverted = isDirectionInverted});
 }
 
+void FakePanel::scroll(ScrollEvent event)
+{
+    auto [panel, place] = listener(event.location);
+    event.location = place;
+    panel.m_client.scrollEvent(event);
+}
+
 bool FakePanel::takeKeyboard()
 {
-    if (!std::exchange(m_hasKeyboard, true))
-        m_client.keyboardDidChange(true);
+    if (std::exchange(m_hasKeyboard, true))
+        return true;
+    m_surfaces.m_keyHolders.push_back(this);
+    m_client.keyboardDidChange(true);
     return true;
 }
 
 void FakePanel::releaseKeyboard()
 {
-    if (std::exchange(m_hasKeyboard, false))
-        m_client.keyboardDidChange(false);
+    if (!std::exchange(m_hasKeyboard, false))
+        return;
+    std::erase(m_surfaces.m_keyHolders, this);
+    m_client.keyboardDidChange(false);
+}
+
+bool FakePanel::grabInput()
+{
+    m_surfaces.m_keyHolders.push_back(this);
+    for (auto* panel : m_surfaces.m_panels) {
+        if (panel != this)
+            panel->losePointer();
+    }
+    m_surfaces.m_grabs.push_back(this);
+    return true;
 }
 
 bool FakePanel::pressKey(const KeyEvent& event)
 {
-    return m_hasKeyboard && m_client.keyPressed(event);
+    auto& holders = m_surfaces.m_keyHolders;
+    return !holders.empty() && holders.back() == this && m_client.keyPressed(event);
 }
 
 bool FakePanel::dragFiles(DropAction action, Point at, std::vector<std::string> paths)
@@ -202,51 +236,6 @@ std::unique_ptr<PanelSurface> FakeSurfaces::createPanel(
         contractBroken("a panel was made away from the main thread");
     ++m_panelsMade;
     return std::make_unique<FakePanel>(m_desktop, *this, options, client);
-}
-
-void FakeSurfaces::popUpMenu(
-    PanelSurface& panel, Menu menu, const Rect& anchor, std::function<void()> onClosed)
-{
-    closeMenu();
-    m_menu = OpenMenu{std::move(menu), anchor, &panel, std::move(onClosed)};
-}
-
-void FakeSurfaces::closeMenu()
-{
-    if (auto menu = std::exchange(m_menu, std::nullopt); menu && menu->onClosed)
-        m_desktop.post(std::move(menu->onClosed));
-}
-
-namespace {
-
-void addEntries(const Menu& menu, std::vector<MenuEntry>& entries)
-{
-    for (auto& item : menu) {
-        if (!item.title.empty())
-            entries.push_back({item.title, item.isEnabled, {}});
-        addEntries(item.submenu, entries);
-    }
-}
-
-const MenuItem* findItem(const Menu& menu, std::string_view title)
-{
-    for (auto& item : menu) {
-        if (item.title == title)
-            return &item;
-        if (auto* found = findItem(item.submenu, title))
-            return found;
-    }
-    return nullptr;
-}
-
-}
-
-std::vector<MenuEntry> FakeSurfaces::openMenuEntries() const
-{
-    std::vector<MenuEntry> entries;
-    if (m_menu)
-        addEntries(m_menu->menu, entries);
-    return entries;
 }
 
 FakePanel* FakeSurfaces::popup() const
@@ -298,25 +287,61 @@ FakePanel* FakeSurfaces::fullscreenProxy(SpaceID space) const
     });
 }
 
+FakePanel* FakeSurfaces::menu() const
+{
+    auto open = menus();
+    return open.empty() ? nullptr : open.front();
+}
+
+std::vector<FakePanel*> FakeSurfaces::menus() const
+{
+    std::vector<FakePanel*> open;
+    std::ranges::copy_if(m_panels, std::back_inserter(open), [](const FakePanel* panel) {
+        return panel->options().kind == PanelKind::menu && panel->isOrderedIn();
+    });
+    return open;
+}
+
+namespace {
+
+std::vector<AccessibleElement*> entriesOf(const FakePanel& menu)
+{
+    return menu.accessibleRoot()->accessibleChildren().front()->accessibleChildren();
+}
+
+}
+
 std::vector<std::string> FakeSurfaces::menuTitles() const
 {
     std::vector<std::string> titles;
-    for (auto& item : m_menu ? m_menu->menu : Menu{})
-        titles.push_back(item.title);
+    auto entries = menu() ? entriesOf(*menu()) : std::vector<AccessibleElement*>{};
+    std::ranges::transform(entries, std::back_inserter(titles),
+        [](auto* entry) { return entry->accessibleState().name; });
     return titles;
+}
+
+void FakeSurfaces::closeMenu()
+{
+    while (auto* open = menu())
+        open->pressKey(KeyCode::escape);
 }
 
 bool FakeSurfaces::chooseMenuItem(std::string_view title)
 {
-    if (!m_menu)
-        return false;
-    auto* found = findItem(m_menu->menu, title);
-    if (!found || !found->isEnabled || !found->action)
-        return false;
-    auto action = found->action;
-    closeMenu();
-    m_desktop.post(std::move(action));
-    return true;
+    return menu() && choose(*menu(), title);
+}
+
+bool FakeSurfaces::choose(FakePanel& panel, std::string_view title)
+{
+    auto entries = entriesOf(panel);
+    for (auto* entry : entries) {
+        if (entry->accessibleState().name == title)
+            return entry->performAccessibleAction(0);
+    }
+    return std::ranges::any_of(entries, [&](auto* entry) {
+        return entry->accessibleState().opensMenu && entry->performAccessibleAction(0)
+            && choose(*menus().back(), title);
+    });
 }
 
 }

@@ -41,6 +41,7 @@ public:
     Duration frameInterval() const override { return seconds(1.0 / 60); }
     bool takeKeyboard() override;
     void releaseKeyboard() override;
+    bool grabInput() override;
     void accessibleTreeDidChange() override { }
 
     const PanelOptions& options() const { return m_options; }
@@ -69,7 +70,7 @@ public:
     /// As when a menu takes it.
     void losePointer();
     void click(Point, PointerButton = PointerButton::primary);
-    void scroll(const ScrollEvent& event) { m_client.scrollEvent(event); }
+    void scroll(ScrollEvent);
     void scroll(Point, double deltaY, bool isDirectionInverted = false);
     /// Notches of a wheel.
     void scrollSideways(Point at, double deltaX) { scroll({.location = at, .deltaX = deltaX}); }
@@ -83,6 +84,8 @@ public:
 private:
     void send(PointerAction, Point, PointerButton = PointerButton::none);
     void setHeld(PointerButton, bool isHeld);
+    /// The panel that hears of the pointer, and the place in it.
+    std::pair<FakePanel&, Point> listener(Point);
     void paintDamage();
 
     FakeDesktop& m_desktop;
@@ -103,17 +106,15 @@ private:
     WorkItem m_nextFrame;
 };
 
-/// The panels and the menu that are on the screen.
+/// The panels and menus that are on the screen.
 class FakeSurfaces final : public Surfaces {
 public:
     explicit FakeSurfaces(FakeDesktop& desktop) : m_desktop(desktop) { }
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
-    void popUpMenu(
-        PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed) override;
-    void closeMenu() override;
-    std::vector<MenuEntry> openMenuEntries() const override;
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
+    NativeMenus* nativeMenus() override { return m_nativeMenus; }
+    void setNativeMenus(NativeMenus* menus) { m_nativeMenus = menus; }
 
     /// In the order made.
     const std::vector<FakePanel*>& panels() const { return m_panels; }
@@ -125,15 +126,14 @@ public:
     FakePanel* fullscreenProxy(SpaceID) const;
     int panelsMade() const { return m_panelsMade; }
 
-    struct OpenMenu {
-        Menu menu;
-        Rect anchor;
-        const PanelSurface* panel = nullptr;
-        std::function<void()> onClosed;
-    };
-    const std::optional<OpenMenu>& menu() const { return m_menu; }
+    /// The open menu, null if there is none, and after it its submenus.
+    FakePanel* menu() const;
+    std::vector<FakePanel*> menus() const;
+    void closeMenu();
+    /// Of the open menu; separators have none.
     std::vector<std::string> menuTitles() const;
-    /// False if no open menu has such an enabled entry.
+    /// As an assistive program does. False if neither the open menu nor one below it has such an
+    /// enabled entry.
     bool chooseMenuItem(std::string_view title);
     /// The popup that is on the screen; null if there is none.
     FakePanel* popup() const;
@@ -146,12 +146,15 @@ public:
 private:
     friend class FakePanel;
     template <typename Condition> FakePanel* find(Condition) const;
+    bool choose(FakePanel& menu, std::string_view title);
 
     FakeDesktop& m_desktop;
     std::vector<FakePanel*> m_panels;
     int m_panelsMade = 0;
-    std::optional<OpenMenu> m_menu;
+    std::vector<FakePanel*> m_keyHolders; ///< the last one hears
+    std::vector<FakePanel*> m_grabs; ///< of the pointer, the last one hears
     bool m_followsKeyPanels = true;
+    NativeMenus* m_nativeMenus = nullptr; ///< as on the Mac, where it is given
     std::map<PointerScope, Signal<>> m_pointerMoved;
 };
 

@@ -33,6 +33,16 @@ AtkRole toSystem(AccessibleRole role)
         return ATK_ROLE_PUSH_BUTTON;
     case AccessibleRole::toggleButton:
         return ATK_ROLE_TOGGLE_BUTTON;
+    case AccessibleRole::menu:
+        return ATK_ROLE_MENU;
+    case AccessibleRole::menuItem:
+        return ATK_ROLE_MENU_ITEM;
+    case AccessibleRole::checkMenuItem:
+        return ATK_ROLE_CHECK_MENU_ITEM;
+    case AccessibleRole::radioMenuItem:
+        return ATK_ROLE_RADIO_MENU_ITEM;
+    case AccessibleRole::separator:
+        return ATK_ROLE_SEPARATOR;
     case AccessibleRole::panel:
     case AccessibleRole::group:
     case AccessibleRole::popup:
@@ -43,11 +53,17 @@ AtkRole toSystem(AccessibleRole role)
 
 std::uint64_t statesOfRole(const AccessibleState& state)
 {
-    if (state.role == AccessibleRole::menuButton)
+    switch (state.role) {
+    case AccessibleRole::menuButton:
         return bit(ATK_STATE_HAS_POPUP);
-    if (state.role != AccessibleRole::toggleButton)
-        return 0;
-    return bit(ATK_STATE_CHECKABLE) | (state.isSelected ? bit(ATK_STATE_CHECKED) : 0);
+    case AccessibleRole::toggleButton:
+        return bit(ATK_STATE_CHECKABLE) | (state.isSelected ? bit(ATK_STATE_CHECKED) : 0);
+    case AccessibleRole::checkMenuItem:
+    case AccessibleRole::radioMenuItem:
+        return bit(ATK_STATE_CHECKABLE) | (state.isChecked ? bit(ATK_STATE_CHECKED) : 0);
+    default:
+        return state.opensMenu ? bit(ATK_STATE_HAS_POPUP) : 0;
+    }
 }
 
 AccessibleKind kindOf(const AccessibleNode& node)
@@ -199,7 +215,8 @@ AccessibleNode::Description AccessibleNode::describe() const
     if (!element_)
         return {{}, {}, bit(ATK_STATE_DEFUNCT)};
     const auto state = element_->accessibleState();
-    Description description{validText(state.name), {}, usable | statesOf(state)};
+    Description description{
+        validText(state.name), {}, (state.isEnabled ? usable : 0) | statesOf(state)};
     if (state.progress)
         description.text = std::to_string(std::lround(*state.progress * 100)) + " %";
     return description;

@@ -10,6 +10,7 @@ PanelTraits PanelTraits::of(PanelKind kind)
     constexpr std::uint64_t always = kIgnoresCycle | kCanJoinAllApplications;
     switch (kind) {
     case PanelKind::popup:
+    case PanelKind::menu:
         return {.level = Level::popUpMenu,
             .collectionBehavior = always | kCanJoinAllSpaces | kTransient | kFullScreenAuxiliary,
             .hasOwnSpace = false};

@@ -9,6 +9,7 @@
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
+#include "Hosts/X11/Surface/InputGrabs.h"
 #include "Hosts/X11/Surface/PartPainter.h"
 #include "Hosts/X11/Surface/X11Panel.h"
 
@@ -35,6 +36,8 @@ DisplayWindow::DisplayWindow(const SurfaceContext& context, DisplayNumber displa
     auto& connection = m_context.connection;
     m_subscriptions.push_back(connection.event.subscribe([this](auto* event) { handle(event); }));
     m_subscriptions.push_back(connection.turnEnded.subscribe([this] { endTurn(); }));
+    m_subscriptions.push_back(
+        m_context.grabs.pointerTaken.subscribe([this] { m_pointer.lose(); }));
     m_subscriptions.push_back(environment.activeSpace.subscribe([this](auto&) { update(); }));
     m_subscriptions.push_back(m_context.monitors.changed.subscribe([this] { update(); }));
     m_subscriptions.push_back(environment.dockHeights.subscribe([this](auto&) { updateStrut(); }));
@@ -207,11 +210,6 @@ void DisplayWindow::invalidate(const X11Panel& panel, const Rect& points)
         return; // it is painted whole when it comes into view
     m_damage.add(points, scale());
     m_paint.request();
-}
-
-xcb_window_t DisplayWindow::windowOf(const X11Panel& panel) const
-{
-    return m_window && m_shown == &panel ? m_window->id() : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 Duration DisplayWindow::frameInterval() const

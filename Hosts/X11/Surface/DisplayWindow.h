@@ -37,8 +37,7 @@ public:
     bool isCurrent(const X11Panel&) const;
     /// By a full-screen window.
     bool isCovered() const { return m_isLowered; }
-    /// The one that shows the panel now; 0 if none does.
-    xcb_window_t windowOf(const X11Panel&) const;
+    bool shows(const X11Panel& panel) const { return m_window && m_shown == &panel; }
     bool hasPanels() const { return !m_panels.empty(); }
     bool canBlur() const { return m_canBlur; }
     /// Makes the window anew, with or without transparency.
@@ -51,8 +50,6 @@ public:
     std::function<void()> onPointerMoved;
 
     void repaintAll();
-    /// A menu takes the pointer away.
-    void losePointer() { m_pointer.lose(); }
 
 private:
     X11Panel* panelOfCurrentSpace() const;

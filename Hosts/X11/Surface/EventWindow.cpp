@@ -23,6 +23,7 @@ xcb_window_t eventWindow(const xcb_generic_event_t* event)
     case XCB_BUTTON_PRESS:
     case XCB_BUTTON_RELEASE:
     case XCB_KEY_PRESS:
+    case XCB_KEY_RELEASE:
         // All of them have the window at the same place.
         return as<xcb_button_press_event_t>(event).event;
     default:

@@ -10,7 +10,16 @@ namespace {
 
 enum WheelButton : xcb_button_t { wheelUp = 4, wheelDown, wheelLeft, wheelRight };
 
-PointerButton pointerButton(xcb_button_t detail)
+/// By the state of an event, which is that before it.
+PointerButtons heldButtons(std::uint16_t state)
+{
+    return {(state & XCB_BUTTON_MASK_1) != 0, (state & XCB_BUTTON_MASK_3) != 0,
+        (state & XCB_BUTTON_MASK_2) != 0};
+}
+
+}
+
+PointerButton pointerButtonOf(xcb_button_t detail)
 {
     switch (detail) {
     case XCB_BUTTON_INDEX_1:
@@ -24,14 +33,7 @@ PointerButton pointerButton(xcb_button_t detail)
     }
 }
 
-/// By the state of an event, which is that before it.
-PointerButtons heldButtons(std::uint16_t state)
-{
-    return {(state & XCB_BUTTON_MASK_1) != 0, (state & XCB_BUTTON_MASK_3) != 0,
-        (state & XCB_BUTTON_MASK_2) != 0};
-}
-
-std::optional<ScrollEvent> scrollEvent(xcb_button_t detail, Point at)
+std::optional<ScrollEvent> scrollEventOf(xcb_button_t detail, Point at)
 {
     switch (detail) {
     case wheelUp:
@@ -45,8 +47,6 @@ std::optional<ScrollEvent> scrollEvent(xcb_button_t detail, Point at)
     default:
         return std::nullopt;
     }
-}
-
 }
 
 void PointerTracker::setClient(SurfaceClient* client)
@@ -120,12 +120,12 @@ void PointerTracker::turnButton(PointerAction action, const xcb_button_press_eve
 {
     auto at = toPoints(event.event_x, event.event_y);
     deliverMotion();
-    if (auto scroll = scrollEvent(event.detail, at)) {
+    if (auto scroll = scrollEventOf(event.detail, at)) {
         if (m_client && action == PointerAction::pressed)
             m_client->scrollEvent(*scroll);
         return;
     }
-    auto button = pointerButton(event.detail);
+    auto button = pointerButtonOf(event.detail);
     if (button == PointerButton::none)
         return;
     m_isInside |= action == PointerAction::pressed; // which may be the first that is heard of it

@@ -8,6 +8,11 @@
 
 namespace quorvel::xdg::x11 {
 
+/// `none` for what is no button of those that surfaces know.
+PointerButton pointerButtonOf(xcb_button_t);
+/// Absent for what is no wheel.
+std::optional<ScrollEvent> scrollEventOf(xcb_button_t, Point);
+
 /// Hands one window's pointer events to the client in it. Motion is kept until the turn of the loop
 /// ends or another event needs its place, so a fast mouse costs one event per turn.
 class PointerTracker {

@@ -33,7 +33,8 @@ bool isEqual(const xcb_rectangle_t& a, const xcb_rectangle_t& b)
 
 }
 
-PopupWindow::PopupWindow(Connection& connection, const std::string& title, bool isComposited)
+PopupWindow::PopupWindow(
+    Connection& connection, const std::string& title, Kind kind, bool isComposited)
     : m_connection(connection)
     , m_visual(
           isComposited ? WindowVisual::withAlpha(connection) : WindowVisual::ofRoot(connection))
@@ -41,7 +42,7 @@ PopupWindow::PopupWindow(Connection& connection, const std::string& title, bool 
     , m_buffer(connection, m_visual)
     , m_window(xcb_generate_id(connection.raw()))
 {
-    create(title);
+    create(title, kind);
 }
 
 PopupWindow::~PopupWindow()
@@ -53,7 +54,7 @@ PopupWindow::~PopupWindow()
     xcb_flush(m_connection.raw());
 }
 
-void PopupWindow::create(const std::string& title)
+void PopupWindow::create(const std::string& title, Kind kind)
 {
     auto* raw = m_connection.raw();
     auto& atoms = m_connection.atoms();
@@ -71,8 +72,9 @@ void PopupWindow::create(const std::string& title)
         XCB_WINDOW_CLASS_INPUT_OUTPUT, m_visual.visual, mask, &values);
     m_connection.addEventMask(m_window, kEventMask);
     auto pid = static_cast<std::uint32_t>(getpid());
-    xcb_change_property(raw, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmWindowType, XCB_ATOM_ATOM,
-        32, 1, &atoms.netWmWindowTypeTooltip);
+    auto type = kind == Kind::menu ? atoms.netWmWindowTypePopupMenu : atoms.netWmWindowTypeTooltip;
+    xcb_change_property(
+        raw, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmWindowType, XCB_ATOM_ATOM, 32, 1, &type);
     xcb_change_property(
         raw, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmPid, XCB_ATOM_CARDINAL, 32, 1, &pid);
     xcb_change_property(raw, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmName, atoms.utf8String, 8,

@@ -12,7 +12,10 @@ namespace quorvel::xdg::x11 {
 /// the eye either. Pixels of the X screen.
 class PopupWindow {
 public:
-    PopupWindow(Connection&, const std::string& title, bool isComposited);
+    /// What compositors and window managers are told that it is.
+    enum class Kind { tooltip, menu };
+
+    PopupWindow(Connection&, const std::string& title, Kind, bool isComposited);
     ~PopupWindow();
     PopupWindow(const PopupWindow&) = delete;
     PopupWindow& operator=(const PopupWindow&) = delete;
@@ -31,7 +34,7 @@ public:
     void expose(const Rect& part) { m_buffer.copyTo(m_window, part); }
 
 private:
-    void create(const std::string& title);
+    void create(const std::string& title, Kind);
     void makePicture();
     bool reachesEdge(const Rect& part) const;
     void shape();

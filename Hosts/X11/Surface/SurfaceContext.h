@@ -18,7 +18,7 @@ namespace quorvel::xdg::x11 {
 class Compositing;
 class Connection;
 class FrameIntervals;
-class Keyboard;
+class InputGrabs;
 class Monitors;
 
 /// What every window of ours needs; all of it outlives them.
@@ -31,8 +31,8 @@ struct SurfaceContext {
     TextShaper& shaper;
     FrameIntervals& frames;
     AccessibleSurfaces& accessible;
-    Keyboard& keyboard;
     Compositing& compositing;
+    InputGrabs& grabs;
 
     /// Pixels per point.
     double scale() const;

@@ -11,7 +11,7 @@ X11Panel::X11Panel(DisplayWindow& window, const PanelOptions& options, SurfaceCl
     : m_window(window)
     , m_options(options)
     , m_client(client)
-    , m_keyboard(window.context().connection, window.context().keyboard, client)
+    , m_grab(window.context().grabs, *this, client)
 {
     m_window.add(*this);
     m_accessible = m_window.context().accessible.add(*this, m_client);
@@ -94,7 +94,7 @@ Duration X11Panel::frameInterval() const
 
 bool X11Panel::takeKeyboard()
 {
-    return !m_window.isCovered() && m_keyboard.take(m_window.windowOf(*this));
+    return !m_window.isCovered() && m_window.shows(*this) && m_grab.takeKeyboard();
 }
 
 void X11Panel::accessibleTreeDidChange()
@@ -105,11 +105,6 @@ void X11Panel::accessibleTreeDidChange()
 Rect X11Panel::framePixels() const
 {
     return m_window.context().toPixels(m_frame);
-}
-
-void X11Panel::losePointer()
-{
-    m_window.losePointer();
 }
 
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Hosts/X11/Surface/KeyboardGrab.h"
-#include "Hosts/X11/Surface/X11Surface.h"
+#include "Hosts/Linux/PlacedSurface.h"
+#include "Hosts/X11/Surface/InputGrabs.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -9,7 +9,7 @@ class DisplayWindow;
 
 /// One space's panel of a display. It has no window of its own: the display's window shows it while
 /// its space is the current one.
-class X11Panel final : public X11Surface {
+class X11Panel final : public PlacedSurface {
 public:
     X11Panel(DisplayWindow&, const PanelOptions&, SurfaceClient&);
     ~X11Panel() override;
@@ -28,7 +28,7 @@ public:
     Duration frameInterval() const override;
     bool takeKeyboard() override;
     void setOpacity(double) override { } // a bar never fades
-    void releaseKeyboard() override { m_keyboard.release(); }
+    void releaseKeyboard() override { m_grab.release(); }
     void accessibleTreeDidChange() override;
 
     const PanelOptions& options() const { return m_options; }
@@ -38,7 +38,6 @@ public:
     /// What lies under the content: over a blur, the tint of its material.
     Color ground() const;
     Rect framePixels() const override;
-    void losePointer() override;
 
 private:
     DisplayWindow& m_window;
@@ -48,7 +47,7 @@ private:
     bool m_isOrderedIn = false;
     bool m_canBecomeKey = false;
     std::optional<VisualEffect> m_blur; ///< as far as it can be had
-    KeyboardGrab m_keyboard;
+    InputGrabs::Grab m_grab;
     Subscription m_accessible;
 };
 

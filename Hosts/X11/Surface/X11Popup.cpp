@@ -19,12 +19,14 @@ X11Popup::X11Popup(const SurfaceContext& context, const PanelOptions& options,
     , m_client(client)
     , m_onPointerMoved(std::move(onPointerMoved))
     , m_paint([this] { paint(); })
-    , m_keyboard(context.connection, context.keyboard, client)
+    , m_grab(context.grabs, *this, client)
 {
     auto& connection = m_context.connection;
     m_pointer.setClient(&m_client);
     m_subscriptions.push_back(connection.event.subscribe([this](auto* event) { handle(event); }));
     m_subscriptions.push_back(connection.turnEnded.subscribe([this] { endTurn(); }));
+    m_subscriptions.push_back(
+        m_context.grabs.pointerTaken.subscribe([this] { m_pointer.lose(); }));
     m_subscriptions.push_back(m_context.monitors.changed.subscribe([this] { repaintAll(); }));
     m_subscriptions.push_back(m_context.appearance.subscribe([this](auto&) { repaintAll(); }));
     m_subscriptions.push_back(m_context.compositing.isActive().subscribe([this](bool isComposited) {
@@ -52,8 +54,9 @@ void X11Popup::orderFront()
     if (m_window)
         return m_window->raise();
     m_context.compositing.refresh();
-    m_window = std::make_unique<PopupWindow>(
-        m_context.connection, m_options.title, m_context.compositing.isActive().value());
+    m_window = std::make_unique<PopupWindow>(m_context.connection, m_options.title,
+        m_options.kind == PanelKind::menu ? PopupWindow::Kind::menu : PopupWindow::Kind::tooltip,
+        m_context.compositing.isActive().value());
     if (m_opacity < 1)
         m_window->setOpacity(m_opacity);
     m_accessible = m_context.accessible.add(*this, m_client);
@@ -63,7 +66,7 @@ void X11Popup::orderFront()
 void X11Popup::orderOut()
 {
     m_isOrderedIn = false;
-    m_keyboard.release();
+    m_grab.release();
     m_accessible = {};
     m_window.reset();
     m_pointer.lose();
@@ -90,7 +93,15 @@ Duration X11Popup::frameInterval() const
 
 bool X11Popup::takeKeyboard()
 {
-    return m_window && m_keyboard.take(m_window->id());
+    return m_window && m_grab.takeKeyboard();
+}
+
+bool X11Popup::grabInput()
+{
+    if (!m_window)
+        return false;
+    m_grab.takeAll();
+    return true;
 }
 
 void X11Popup::accessibleTreeDidChange()

@@ -5,18 +5,18 @@
 #include <vector>
 
 #include "Hosts/Linux/Drawing/DamageRegion.h"
-#include "Hosts/X11/Surface/KeyboardGrab.h"
+#include "Hosts/Linux/PlacedSurface.h"
+#include "Hosts/X11/Surface/InputGrabs.h"
 #include "Hosts/X11/Surface/PaintSource.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
 #include "Hosts/X11/Surface/PopupWindow.h"
 #include "Hosts/X11/Surface/SurfaceContext.h"
-#include "Hosts/X11/Surface/X11Surface.h"
 
 namespace quorvel::xdg::x11 {
 
 /// A surface above the bars with a window of its own, which exists only while it is ordered in.
 /// Where it lies and what it shows change together, once a turn, however often it is moved.
-class X11Popup final : public X11Surface {
+class X11Popup final : public PlacedSurface {
 public:
     X11Popup(const SurfaceContext&, const PanelOptions&, SurfaceClient&,
         std::function<void()> onPointerMoved);
@@ -35,11 +35,11 @@ public:
     bool setBlursBehind(const std::optional<VisualEffect>&) override { return false; }
     Duration frameInterval() const override;
     bool takeKeyboard() override;
-    void releaseKeyboard() override { m_keyboard.release(); }
+    void releaseKeyboard() override { m_grab.release(); }
+    bool grabInput() override;
     void accessibleTreeDidChange() override;
 
     Rect framePixels() const override { return m_context.toPixels(m_frame); }
-    void losePointer() override { m_pointer.lose(); }
 
 private:
     void handle(const xcb_generic_event_t*);
@@ -58,7 +58,7 @@ private:
     DamageRegion m_damage;
     PointerTracker m_pointer;
     std::unique_ptr<PopupWindow> m_window;
-    KeyboardGrab m_keyboard;
+    InputGrabs::Grab m_grab;
     std::vector<Subscription> m_subscriptions;
     Subscription m_accessible; ///< while it is ordered in
 };

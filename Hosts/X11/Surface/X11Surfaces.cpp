@@ -13,9 +13,10 @@ X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monit
     const PanelEnvironment& environment, const Published<Appearance>& appearance)
     : m_frames(connection, monitors)
     , m_keyboard(connection)
+    , m_grabs(connection, dispatch, m_keyboard)
     , m_compositing(connection)
     , m_context{connection, dispatch, monitors, environment, appearance, m_shaper, m_frames,
-          m_accessible, m_keyboard, m_compositing}
+          m_accessible, m_compositing, m_grabs}
     , m_text(m_shaper, monitors.coordinates().scale)
     , m_appearance(appearance.subscribe([this](auto& now) {
         m_shaper.setFont(now.font); // before any view measures with it
@@ -41,7 +42,7 @@ void X11Surfaces::setCanBlur(bool canBlur)
 std::unique_ptr<PanelSurface> X11Surfaces::createPanel(
     const PanelOptions& options, SurfaceClient& client)
 {
-    if (options.kind == PanelKind::popup) {
+    if (options.kind == PanelKind::popup || options.kind == PanelKind::menu) {
         return std::make_unique<X11Popup>(
             m_context, options, client, [this] { m_pointerMoved.emit(); });
     }
@@ -66,52 +67,6 @@ Subscription X11Surfaces::monitorPointer(PointerScope scope, std::function<void(
 {
     return scope == PointerScope::ownWindows ? m_pointerMoved.subscribe(std::move(handler))
                                              : Subscription{};
-}
-
-void X11Surfaces::popUpMenu(
-    PanelSurface& panel, Menu menu, const Rect& anchor, std::function<void()> onClosed)
-{
-    closeMenu();
-    auto* surface = dynamic_cast<X11Surface*>(&panel);
-    if (!surface || menu.empty() || !surface->isVisible()) {
-        if (onClosed)
-            m_context.dispatch.main().async(std::move(onClosed));
-        return;
-    }
-    surface->losePointer();
-    auto frame = surface->framePixels();
-    double scale = m_context.scale();
-    Rect pixels{frame.x + anchor.x * scale, frame.y + anchor.y * scale, anchor.width * scale,
-        anchor.height * scale};
-    m_onMenuClosed = std::move(onClosed);
-    m_menu = std::make_unique<MenuSession>(m_context, std::move(menu), pixels,
-        [this](std::function<void()> action) { tellClosed(std::move(m_menu), std::move(action)); });
-}
-
-void X11Surfaces::closeMenu()
-{
-    if (!m_menu)
-        return;
-    m_menu.reset();
-    tellClosed({}, {});
-}
-
-/// The menu is still on the stack, so it goes in a turn of its own, and the action after it.
-void X11Surfaces::tellClosed(std::shared_ptr<MenuSession> menu, std::function<void()> action)
-{
-    m_context.dispatch.main().async([menu = std::move(menu), action = std::move(action),
-                                        onClosed = std::exchange(m_onMenuClosed, {})]() mutable {
-        menu.reset();
-        if (onClosed)
-            onClosed();
-        if (action)
-            action();
-    });
-}
-
-std::vector<MenuEntry> X11Surfaces::openMenuEntries() const
-{
-    return m_menu ? m_menu->entries() : std::vector<MenuEntry>{};
 }
 
 }

@@ -27,12 +27,8 @@ const Style& Style::of(bool isDark)
 void ButtonView::released(PointerButton button, bool isInside)
 {
     set(m_isPressed, false);
-    if (!isInside)
-        return;
-    if (button == PointerButton::primary && onTapped)
+    if (isInside && button == PointerButton::primary && onTapped)
         onTapped();
-    else if (button == PointerButton::secondary && onSecondaryTapped)
-        onSecondaryTapped();
 }
 
 bool ButtonView::performAccessibleAction(std::size_t action)

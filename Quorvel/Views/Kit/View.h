@@ -95,6 +95,7 @@ public:
     /// The pointer came over the view or one below it.
     virtual void pointerEntered() { }
     virtual void pointerExited() { }
+    /// Never the secondary button, which shows the context menu.
     virtual void pressed(PointerButton) { }
     virtual void dragged(const DragMove&) { }
     virtual void released(PointerButton, bool /*isInside*/) { }

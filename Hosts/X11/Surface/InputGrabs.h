@@ -1,0 +1,91 @@
+#pragma once
+
+#include <vector>
+
+#include <xcb/xcb.h>
+
+#include "Hosts/Linux/PlacedSurface.h"
+#include "Hosts/X11/RawButtons.h"
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel::xdg::x11 {
+
+class Connection;
+class Keyboard;
+
+/// Who of this program hears of all keys and, for a menu, of all that the pointer does. Grabs nest:
+/// the newest hears, and when it ends, the one before it does again. The focus stays where it is:
+/// the programs' windows look as they did, and the window manager does not hear of it. Main thread;
+/// outlives the grabs.
+class InputGrabs {
+public:
+    /// What one surface holds. Its end ends the hold without a word.
+    class Grab {
+    public:
+        Grab(InputGrabs& grabs, const PlacedSurface& surface, SurfaceClient& client)
+            : m_grabs(grabs)
+            , m_surface(surface)
+            , m_client(client)
+        {
+        }
+        ~Grab() { m_grabs.remove(*this); }
+        Grab(const Grab&) = delete;
+        Grab& operator=(const Grab&) = delete;
+
+        /// Until it is released or a button of the pointer is pressed, wherever that is. False
+        /// while another program has the keyboard to itself.
+        bool takeKeyboard();
+        /// The pointer too, until it is released. A refusal is told later.
+        void takeAll();
+        void release();
+
+    private:
+        friend class InputGrabs;
+
+        enum class Extent { none, keyboard, all };
+
+        InputGrabs& m_grabs;
+        const PlacedSurface& m_surface;
+        SurfaceClient& m_client;
+        Extent m_extent = Extent::none;
+    };
+
+    InputGrabs(Connection&, Dispatch&, Keyboard&);
+    InputGrabs(const InputGrabs&) = delete;
+    InputGrabs& operator=(const InputGrabs&) = delete;
+
+    /// All that the pointer was on must believe that it has left.
+    Signal<> pointerTaken;
+
+private:
+    using Extent = Grab::Extent;
+
+    void add(Grab&, Extent);
+    /// True if it was there.
+    bool remove(Grab&);
+    void followTop();
+    bool holdsAll() const { return !m_grabs.empty() && m_grabs.back()->m_extent == Extent::all; }
+    void tryToHold();
+    bool grabPointer();
+    bool grabKeyboard();
+    void makeWindow();
+
+    void handle(const xcb_generic_event_t*);
+    void handlePointer(const xcb_generic_event_t*);
+    void endKeyboards();
+
+    Connection& m_connection;
+    Dispatch& m_dispatch;
+    Keyboard& m_keyboard;
+    const RawButtons m_presses; ///< the masters' own selection is left to others
+    xcb_window_t m_window = XCB_WINDOW_NONE; ///< unseen, has all grabs; made with the first one
+    std::vector<Grab*> m_grabs; ///< the newest last
+    bool m_hasPointer = false;
+    bool m_hasKeyboard = false;
+    int m_attempts = 0;
+    WorkItem m_nextAttempt;
+    Subscription m_events;
+};
+
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "Quorvel/Platform/Geometry.h"
+
+namespace quorvel {
+
+class PanelSurface;
+
+enum class MenuItemKind {
+    action,
+    toggle, ///< on or off, whatever its neighbours are
+    choice, ///< one of several entries, of which one is on
+};
+
+struct MenuItem {
+    std::string title; ///< empty: a separator
+    bool isEnabled = true;
+    std::function<void()> action;
+    bool isChecked = false;
+    std::vector<MenuItem> submenu{}; ///< of an entry that opens another menu instead of acting
+    MenuItemKind kind = MenuItemKind::action;
+
+    bool isSeparator() const { return title.empty(); }
+    bool canBeChosen() const { return !isSeparator() && isEnabled; }
+};
+
+using Menu = std::vector<MenuItem>;
+
+enum class MenuEnding {
+    chosen,
+    dismissed, ///< by a press elsewhere, or because it could not stay
+    escaped, ///< by a key
+};
+
+/// The menus of a system that draws them itself. Main thread.
+class NativeMenus {
+public:
+    virtual ~NativeMenus() = default;
+
+    /// Opens a menu beside `anchor` (points in the panel) and returns; the chosen entry's action
+    /// runs on the main queue after the menu has gone. A second call replaces the first menu.
+    /// `onClosed` comes on the main queue once for each menu, before the action.
+    virtual void popUpMenu(PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed)
+        = 0;
+    virtual void closeMenu() = 0;
+};
+
+}

@@ -1,0 +1,96 @@
+#include "Quorvel/Views/Menu/MenuRow.h"
+
+#include <cmath>
+#include <utility>
+
+namespace quorvel {
+
+namespace {
+
+AccessibleRole roleOf(const MenuItem& item)
+{
+    if (item.isSeparator())
+        return AccessibleRole::separator;
+    switch (item.kind) {
+    case MenuItemKind::toggle:
+        return AccessibleRole::checkMenuItem;
+    case MenuItemKind::choice:
+        return AccessibleRole::radioMenuItem;
+    case MenuItemKind::action:
+        break;
+    }
+    return AccessibleRole::menuItem;
+}
+
+}
+
+const MenuColors& MenuColors::of(const Appearance& appearance)
+{
+    static constexpr Color accent{0.16, 0.42, 0.84};
+    static constexpr MenuColors dark{Color::grey(0.15), Color::grey(0.32), Color::grey(0.94),
+        Color::grey(0.55), Color::grey(0.28), accent, Color::grey(1)};
+    static constexpr MenuColors light{Color::grey(0.98), Color::grey(0.72), Color::grey(0.10),
+        Color::grey(0.46), Color::grey(0.85), accent, Color::grey(1)};
+    return appearance.isDark ? dark : light;
+}
+
+MenuRow::MenuRow(const MenuItem& item, std::size_t index, const MenuLayout& layout,
+    const Published<Appearance>& appearance)
+    : m_item(item)
+    , m_index(index)
+    , m_layout(layout)
+    , m_appearance(appearance)
+{
+}
+
+void MenuRow::setHighlighted(bool isHighlighted)
+{
+    if (std::exchange(m_isHighlighted, isHighlighted) != isHighlighted)
+        invalidate();
+}
+
+AccessibleState MenuRow::accessibleState() const
+{
+    AccessibleState state;
+    state.role = roleOf(m_item);
+    state.name = m_item.title;
+    state.isSelected = state.hasKeyFocus = m_isHighlighted;
+    state.isEnabled = m_item.isEnabled;
+    state.isChecked = m_item.isChecked;
+    state.opensMenu = !m_item.submenu.empty();
+    if (m_item.canBeChosen())
+        state.actions.emplace_back(state.opensMenu ? "Open" : "Choose");
+    return state;
+}
+
+bool MenuRow::performAccessibleAction(std::size_t action)
+{
+    if (action > 0 || !m_item.canBeChosen() || !onChosen)
+        return false;
+    onChosen();
+    return true;
+}
+
+void MenuRow::paint(Canvas& canvas) const
+{
+    auto& appearance = m_appearance.value();
+    auto& colors = MenuColors::of(appearance);
+    if (m_item.isSeparator()) {
+        auto line = bounds().inset(MenuMetrics::textInset / 2, 0);
+        return canvas.fill({line.x, std::floor(line.centre().y), line.width, 1}, colors.separator);
+    }
+    if (m_isHighlighted)
+        canvas.fillRounded(bounds(), MenuMetrics::rowRadius, colors.highlight);
+    auto color = !m_item.isEnabled ? colors.disabled
+        : m_isHighlighted          ? colors.highlightedText
+                                   : colors.text;
+    auto parts = m_layout.partsOf(bounds(), appearance.isRightToLeft);
+    canvas.drawText(m_item.title, parts.title, {.size = MenuMetrics::fontSize, .color = color});
+    if (m_item.isChecked)
+        canvas.drawSymbol(Symbol::checkmark, parts.mark, color);
+    if (!m_item.submenu.empty())
+        canvas.drawSymbol(appearance.isRightToLeft ? Symbol::chevronLeft : Symbol::chevronRight,
+            parts.arrow, color);
+}
+
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "Quorvel/Platform/Application.h"
+#include "Quorvel/Views/Kit/View.h"
+#include "Quorvel/Views/Menu/MenuLayout.h"
+
+namespace quorvel {
+
+struct MenuColors {
+    Color ground;
+    Color edge;
+    Color text;
+    Color disabled;
+    Color separator;
+    Color highlight;
+    Color highlightedText;
+
+    static const MenuColors& of(const Appearance&);
+};
+
+/// One entry of a menu, or a line between two. All it is given outlives it.
+class MenuRow final : public View {
+public:
+    MenuRow(const MenuItem&, std::size_t index, const MenuLayout&, const Published<Appearance>&);
+
+    /// An assistive program presses it.
+    std::function<void()> onChosen;
+
+    void setHighlighted(bool);
+
+    bool isAccessible() const override { return true; }
+    std::string accessibleID() const override { return std::to_string(m_index); }
+    AccessibleState accessibleState() const override;
+    bool performAccessibleAction(std::size_t) override;
+
+private:
+    void paint(Canvas&) const override;
+
+    const MenuItem& m_item;
+    const std::size_t m_index;
+    const MenuLayout& m_layout;
+    const Published<Appearance>& m_appearance;
+    bool m_isHighlighted = false;
+};
+
+}

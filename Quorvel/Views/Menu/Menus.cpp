@@ -1,0 +1,68 @@
+#include "Quorvel/Views/Menu/Menus.h"
+
+#include <utility>
+
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel {
+
+Menus::Menus(const Platform& platform) : m_platform(platform)
+{
+}
+
+Menus::~Menus() = default;
+
+void Menus::popUp(PanelSurface& panel, Menu menu, const Rect& anchor, OnClosed onClosed)
+{
+    if (auto* native = m_platform.surfaces.nativeMenus()) {
+        return native->popUpMenu(panel, std::move(menu), anchor, [onClosed = std::move(onClosed)] {
+            if (onClosed)
+                onClosed(MenuEnding::dismissed); // the system does not say more
+        });
+    }
+    close();
+    m_onClosed = std::move(onClosed);
+    auto screens = m_platform.displays.screens();
+    if (menu.empty() || screens.empty() || !panel.isVisible())
+        return tellClosed(MenuEnding::dismissed);
+    auto place = panel.frame().flipped(screens.front().frame.height);
+    m_stack = std::make_unique<MenuStack>(m_platform, std::move(menu),
+        anchor.translated(place.x, place.y),
+        [this](MenuEnding ending, std::function<void()> action) {
+            tellClosed(ending, std::move(m_stack), std::move(action));
+        });
+    m_stack->start();
+}
+
+void Menus::close()
+{
+    if (auto* native = m_platform.surfaces.nativeMenus())
+        return native->closeMenu();
+    if (!m_stack)
+        return;
+    m_stack.reset();
+    tellClosed(MenuEnding::dismissed);
+}
+
+/// The stack of menus is still on the stack, so it goes in a turn of its own, and the action after
+/// it.
+void Menus::tellClosed(
+    MenuEnding ending, std::shared_ptr<MenuStack> stack, std::function<void()> action)
+{
+    m_platform.dispatch.main().async([ending, stack = std::move(stack), action = std::move(action),
+                                         onClosed = std::exchange(m_onClosed, {})]() mutable {
+        stack.reset();
+        if (onClosed)
+            onClosed(ending);
+        if (action)
+            action();
+    });
+}
+
+std::vector<MenuEntry> Menus::entries() const
+{
+    return m_stack ? m_stack->entries() : std::vector<MenuEntry>{};
+}
+
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Views/Menu/MenuStack.h"
+
+namespace quorvel {
+
+/// The one menu that may be open: the system's own where it draws menus, else views of ours. Main
+/// thread; destroying it closes the menu and tells nobody.
+class Menus {
+public:
+    using OnClosed = std::function<void(MenuEnding)>;
+
+    explicit Menus(const Platform&);
+    ~Menus();
+    Menus(const Menus&) = delete;
+    Menus& operator=(const Menus&) = delete;
+
+    /// Opens a menu beside `anchor` (points in the panel) and returns; the chosen entry's action
+    /// runs on the main queue after the menu has gone. A second call replaces the first menu.
+    /// `onClosed` comes on the main queue once for each menu, before the action.
+    void popUp(PanelSurface&, Menu, const Rect& anchor, OnClosed);
+    void close();
+    /// Of the open menu and its submenus, as far as they are in sight; empty where the system draws
+    /// menus.
+    std::vector<MenuEntry> entries() const;
+
+private:
+    void tellClosed(MenuEnding, std::shared_ptr<MenuStack> = {}, std::function<void()> action = {});
+
+    const Platform m_platform;
+    std::unique_ptr<MenuStack> m_stack;
+    OnClosed m_onClosed;
+};
+
+}
