@@ -8,10 +8,10 @@
 #include <unistd.h>
 
 #include "Hosts/Linux/Accessible/AccessibleExport.h"
+#include "Hosts/Linux/Applications/AutostartItem.h"
+#include "Hosts/Linux/Applications/DesktopBundles.h"
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Hosts/Linux/Applications/Icons.h"
-#include "Hosts/Linux/Applications/DesktopBundles.h"
-#include "Hosts/Linux/Applications/AutostartItem.h"
 #include "Hosts/Linux/Applications/XdgFolders.h"
 #include "Hosts/Linux/Loop/FdSource.h"
 #include "Hosts/Linux/Loop/GLibDispatch.h"

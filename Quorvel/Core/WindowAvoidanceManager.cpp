@@ -72,6 +72,7 @@ WindowAvoidanceManager::~WindowAvoidanceManager() = default;
 
 void WindowAvoidanceManager::windowsDidChange()
 {
+    forgetMovedWindows();
     auto& windows = m_windowStore.windows();
     auto isSame = [](auto& placed, auto& window) { return placed.isOf(window.second); };
     if (std::ranges::equal(m_placements, windows, isSame))
@@ -79,7 +80,6 @@ void WindowAvoidanceManager::windowsDidChange()
     m_placements.clear();
     for (auto& [id, window] : windows)
         m_placements.emplace_back(window);
-    forgetMovedWindows();
     scheduleAdjustment(kPause);
 }
 

@@ -36,8 +36,7 @@ DisplayWindow::DisplayWindow(const SurfaceContext& context, DisplayNumber displa
     auto& connection = m_context.connection;
     m_subscriptions.push_back(connection.event.subscribe([this](auto* event) { handle(event); }));
     m_subscriptions.push_back(connection.turnEnded.subscribe([this] { endTurn(); }));
-    m_subscriptions.push_back(
-        m_context.grabs.pointerTaken.subscribe([this] { m_pointer.lose(); }));
+    m_subscriptions.push_back(m_context.grabs.pointerTaken.subscribe([this] { m_pointer.lose(); }));
     m_subscriptions.push_back(environment.activeSpace.subscribe([this](auto&) { update(); }));
     m_subscriptions.push_back(m_context.monitors.changed.subscribe([this] { update(); }));
     m_subscriptions.push_back(environment.dockHeights.subscribe([this](auto&) { updateStrut(); }));

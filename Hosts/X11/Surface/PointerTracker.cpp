@@ -112,8 +112,9 @@ void PointerTracker::cross(PointerAction action, const xcb_enter_notify_event_t&
     if (crossing.detail == XCB_NOTIFY_DETAIL_INFERIOR)
         return;
     deliverMotion();
-    m_isInside = action == PointerAction::entered;
-    send({action, toPoints(crossing.event_x, crossing.event_y)});
+    bool isInside = action == PointerAction::entered;
+    if (std::exchange(m_isInside, isInside) != isInside)
+        send({action, toPoints(crossing.event_x, crossing.event_y)});
 }
 
 void PointerTracker::turnButton(PointerAction action, const xcb_button_press_event_t& event)

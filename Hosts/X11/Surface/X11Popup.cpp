@@ -25,8 +25,7 @@ X11Popup::X11Popup(const SurfaceContext& context, const PanelOptions& options,
     m_pointer.setClient(&m_client);
     m_subscriptions.push_back(connection.event.subscribe([this](auto* event) { handle(event); }));
     m_subscriptions.push_back(connection.turnEnded.subscribe([this] { endTurn(); }));
-    m_subscriptions.push_back(
-        m_context.grabs.pointerTaken.subscribe([this] { m_pointer.lose(); }));
+    m_subscriptions.push_back(m_context.grabs.pointerTaken.subscribe([this] { m_pointer.lose(); }));
     m_subscriptions.push_back(m_context.monitors.changed.subscribe([this] { repaintAll(); }));
     m_subscriptions.push_back(m_context.appearance.subscribe([this](auto&) { repaintAll(); }));
     m_subscriptions.push_back(m_context.compositing.isActive().subscribe([this](bool isComposited) {
