@@ -422,6 +422,16 @@ TEST_F(PointerTrackerTest, grabsAndInferiorsDoNotMakeThePointerLeave)
 
     crossing(XCB_LEAVE_NOTIFY, XCB_NOTIFY_MODE_UNGRAB);
     EXPECT_EQ(client.actions(), std::vector{Action::exited});
+
+    input(XCB_BUTTON_PRESS, 3);
+    client.heard.clear();
+    tracker.lose(); // to the menu that it opened
+    input(XCB_MOTION_NOTIFY, 0, 10);
+    input(XCB_BUTTON_RELEASE, 3);
+    tracker.endTurn();
+    EXPECT_TRUE(client.heard.empty()) << "the bar believes that the pointer is on it";
+    crossing(XCB_ENTER_NOTIFY, XCB_NOTIFY_MODE_UNGRAB);
+    EXPECT_EQ(client.actions(), std::vector{Action::entered});
 }
 
 TEST_F(PointerTrackerTest, whoTakesThePlaceOfAnotherHasThePointerAndHearsWhatIsHeld)

@@ -54,9 +54,11 @@ void PointerTracker::setClient(SurfaceClient* client)
     if (client == m_client)
         return;
     bool wasInside = m_isInside;
+    bool wasLost = m_isLost;
     lose();
     m_client = client;
     m_isInside = wasInside;
+    m_isLost = wasLost;
     if (m_isInside)
         send({PointerAction::entered, m_last});
 }
@@ -76,6 +78,8 @@ void PointerTracker::handle(const xcb_generic_event_t* event)
         break;
     }
     case XCB_MOTION_NOTIFY: {
+        if (m_isLost)
+            break;
         auto& motion = as<xcb_motion_notify_event_t>(event);
         m_motion = PointerEvent{PointerAction::moved, toPoints(motion.event_x, motion.event_y),
             PointerButton::none, heldButtons(motion.state)};
@@ -103,6 +107,7 @@ void PointerTracker::lose()
 {
     m_motion.reset();
     m_isInside = false;
+    m_isLost = true;
     if (m_client)
         m_client->pointerLost();
 }
@@ -113,6 +118,7 @@ void PointerTracker::cross(PointerAction action, const xcb_enter_notify_event_t&
         return;
     deliverMotion();
     bool isInside = action == PointerAction::entered;
+    m_isLost &= !isInside;
     if (std::exchange(m_isInside, isInside) != isInside)
         send({action, toPoints(crossing.event_x, crossing.event_y)});
 }
@@ -129,7 +135,13 @@ void PointerTracker::turnButton(PointerAction action, const xcb_button_press_eve
     auto button = pointerButtonOf(event.detail);
     if (button == PointerButton::none)
         return;
-    m_isInside |= action == PointerAction::pressed; // which may be the first that is heard of it
+    if (action == PointerAction::pressed) { // which may be the first that is heard of it
+        m_isInside = true;
+        m_isLost = false;
+    }
+    // Of a quick click that opened a menu, the release may have been sent before the menu's grab.
+    if (m_isLost)
+        return;
     send({action, at, button, heldButtons(event.state)});
 }
 

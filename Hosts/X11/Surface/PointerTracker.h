@@ -24,7 +24,7 @@ public:
     void handle(const xcb_generic_event_t*);
     /// Whether the pointer has moved since.
     bool endTurn();
-    /// The window goes, or a menu takes the pointer.
+    /// The window goes, or a menu takes the pointer. What it did before comes too late from now on.
     void lose();
 
 private:
@@ -39,6 +39,7 @@ private:
     Point m_last;
     std::optional<PointerEvent> m_motion;
     bool m_isInside = false;
+    bool m_isLost = false; ///< until it comes anew
 };
 
 }
