@@ -19,7 +19,7 @@ ClientReader::ClientReader(Connection& connection) : m_connection(connection)
 Facets ClientReader::facetsOf(xcb_atom_t property) const
 {
     auto& atoms = m_connection.atoms();
-    const std::array<std::pair<xcb_atom_t, Facets>, 14> table{{
+    const std::array<std::pair<xcb_atom_t, Facets>, 15> table{{
         {atoms.netWmName, Facet::netName},
         {atoms.wmName, Facet::wmName},
         {atoms.netWmState, Facet::state},
@@ -33,6 +33,7 @@ Facets ClientReader::facetsOf(xcb_atom_t property) const
         {atoms.wmClass, Facet::windowClass},
         {atoms.gtkApplicationId, Facet::applicationID},
         {atoms.netWmPid, Facet::process},
+        {atoms.netWmStrut, Facet::strut},
         {atoms.netWmStrutPartial, Facet::strut},
     }};
     for (auto& [atom, facets] : table) {
@@ -159,8 +160,12 @@ void ClientReader::requestGeometry(RequestBatch& batch, Client& client, Facets f
             [&](const RawProperty& raw) { client.opacity = decodeOpacity(raw); });
     }
     if (facets.contains(Facet::strut)) {
-        batch.property(window, atoms.netWmStrutPartial, 12,
+        // Older panels have only the first; where both are, the second counts.
+        batch.property(window, atoms.netWmStrut, 4,
             [&](const RawProperty& raw) { client.strut = decodeStrut(raw).value_or(Extents{}); });
+        batch.property(window, atoms.netWmStrutPartial, 12, [&](const RawProperty& raw) {
+            client.strut = decodeStrut(raw).value_or(client.strut);
+        });
     }
     if (!facets.contains(Facet::place))
         return;
