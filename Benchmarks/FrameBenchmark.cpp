@@ -17,7 +17,7 @@
 #include "Quorvel/Core/BarManager.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Quorvel.h"
-#include "Quorvel/Views/BarPanel.h"
+#include "Quorvel/Views/BarViews.h"
 #include "Tests/Support/FakeDesktop.h"
 
 namespace quorvel::test {
@@ -79,7 +79,9 @@ public:
     const std::vector<WindowID>& windows() const { return m_windows; }
     std::vector<std::pair<std::string, Rect>> chips()
     {
-        return m_runtime->barManager()->panels().at(SpaceID{1})->content()->chipFrames();
+        return BarViews::panel(*m_runtime->barManager()->panels().at(SpaceID{1}))
+            .content()
+            ->chipFrames();
     }
 
     void forget()

@@ -16,6 +16,7 @@
 #include "Quorvel/Skylight/AXObserverManager.h"
 #include "Quorvel/Skylight/WindowStore.h"
 #include "Quorvel/StateReport.h"
+#include "Quorvel/Views/BarViews.h"
 
 namespace quorvel {
 
@@ -187,8 +188,10 @@ void QuorvelApp::startMainRuntime(Application& app)
     runtime.m_lastBootstrap.clear();
     // The bar must have windows before its first layout.
     runtime.windowStore().populate();
-    runtime.m_barManager = std::make_unique<BarManager>(platform, runtime.windowStore(),
-        UserSettings::shared(), BadgeService::shared(), ThumbnailService::shared());
+    runtime.m_barViews = std::make_unique<BarViews>(platform);
+    runtime.m_barManager
+        = std::make_unique<BarManager>(platform, runtime.windowStore(), UserSettings::shared(),
+            BadgeService::shared(), ThumbnailService::shared(), *runtime.m_barViews);
     runtime.m_barManager->syncPanels();
     runtime.m_barManager->repositionPanels();
     runtime.keep(platform.displays.parametersDidChange.subscribe(
@@ -344,7 +347,9 @@ void QuorvelApp::answerRequests(Runtime& runtime)
             if (asksForFocus)
                 return answerFocusRequest(*runtime.barManager());
             return {0,
-                stateReport(runtime.m_platform, runtime.windowStore(), *runtime.barManager()), ""};
+                stateReport(runtime.m_platform, runtime.windowStore(), *runtime.barManager(),
+                    *runtime.m_barViews),
+                ""};
         });
 }
 

@@ -19,6 +19,7 @@ namespace quorvel {
 class AXObserverManager;
 class BadgeService;
 class BarManager;
+class BarViews;
 class LaunchCoordinator;
 class ThumbnailService;
 class UserSettings;
@@ -55,6 +56,7 @@ private:
     std::unique_ptr<ThumbnailService> m_thumbnailService;
     std::unique_ptr<WindowStore> m_windowStore;
     std::unique_ptr<AXObserverManager> m_axManager;
+    std::unique_ptr<BarViews> m_barViews;
     std::unique_ptr<BarManager> m_barManager;
     std::map<ProcessID, Instant> m_lastBootstrap;
     std::vector<Subscription> m_subscriptions;

@@ -7,8 +7,7 @@
 #include "Quorvel/Platform/WindowServer.h"
 #include "Quorvel/Skylight/WindowStore.h"
 #include "Quorvel/Version.h"
-#include "Quorvel/Views/BarPanel.h"
-#include "Quorvel/Views/Menu/Menus.h"
+#include "Quorvel/Views/BarViews.h"
 #include "Quorvel/Views/ThumbnailPopup.h"
 
 namespace quorvel {
@@ -179,8 +178,8 @@ Json menuJson(const Platform& platform, const Menus& menus)
 
 }
 
-std::string stateReport(
-    const Platform& platform, const WindowStore& store, const BarManager& manager)
+std::string stateReport(const Platform& platform, const WindowStore& store,
+    const BarManager& manager, const BarViews& views)
 {
     auto& model = manager.viewModel();
     // What has the focus may be no window of the list: a dialog, or the desktop itself.
@@ -193,9 +192,9 @@ std::string stateReport(
         spaces.push_back(spaceJson(manager, space));
     Json panels = Json::array();
     for (auto& [space, panel] : manager.panels())
-        panels.push_back(panelJson(platform, *panel));
+        panels.push_back(panelJson(platform, views.panel(*panel)));
     for (auto& [key, panel] : manager.mirrorPanels())
-        panels.push_back(panelJson(platform, *panel));
+        panels.push_back(panelJson(platform, views.panel(*panel)));
     Json state{
         {"version", kVersion},
         {"activeSpace", raw(model.activeSpaceID.value())},
@@ -203,7 +202,7 @@ std::string stateReport(
         {"windows", std::move(windows)},
         {"spaces", std::move(spaces)},
         {"panels", std::move(panels)},
-        {"menu", menuJson(platform, manager.menus())},
+        {"menu", menuJson(platform, views.menus())},
     };
     // Titles come from other programs and may hold anything.
     return state.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";

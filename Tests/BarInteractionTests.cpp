@@ -33,10 +33,7 @@ struct BarInteractionTest : BarFixture {
         desktop.activate(mail);
         start();
     }
-    BarContentView& content(SpaceID space = SpaceID{1})
-    {
-        return *runtime->barManager()->panels().at(space)->content();
-    }
+    BarContentView& content(SpaceID space = SpaceID{1}) { return *bar(space).content(); }
     FakePanel* popup() { return desktop.surfaces().popup(); }
     std::vector<std::string> chipIDs()
     {

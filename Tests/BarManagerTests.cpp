@@ -421,12 +421,12 @@ TEST_F(BarManagerTest, barsAreWhereTheyBelongHoweverTheDisplaysChange)
 TEST_F(BarManagerTest, aBarIsFilledWhenItsSpaceIsFirstShown)
 {
     start();
-    EXPECT_FALSE(manager().panels().at(SpaceID{2})->content());
+    EXPECT_FALSE(bar(SpaceID{2}).content());
     runtime->userSettings().setBarSize(BarSize::xl);
     showOnAllDisplays(true);
     desktop.open(desktop.launch({.name = "Mail"}), {.title = "There", .spaces = {SpaceID{2}}});
     settle();
-    EXPECT_FALSE(manager().panels().at(SpaceID{2})->content());
+    EXPECT_FALSE(bar(SpaceID{2}).content());
     desktop.activateSpace(SpaceID{2});
     desktop.drain();
     EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("There")) << "at once";

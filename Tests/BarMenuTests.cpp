@@ -91,7 +91,7 @@ TEST_F(BarMenuTest, menusOpenOnThePressAndOfferWhatThereIs)
     desktop.terminate(mail);
     leave();
     settle();
-    auto& content = *runtime->barManager()->panels().at(SpaceID{1})->content();
+    auto& content = *bar().content();
     ASSERT_EQ(content.pinFrames().size(), 1U);
     panel().click(content.pinFrames().front().second.centre(), PointerButton::secondary);
     EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Open"));

@@ -10,7 +10,7 @@ struct BarPlaceTest : BarFixture {
     WindowID inbox = desktop.open(desktop.launch({.name = "Mail"}), {.title = "Inbox"});
 
     BarPlaceTest() { start(); }
-    BarContentView& content() { return *runtime->barManager()->panels().at(SpaceID{1})->content(); }
+    BarContentView& content() { return *bar().content(); }
 };
 
 }
@@ -63,7 +63,7 @@ TEST_F(BarPlaceTest, aWalkGoesOnWhenAnotherMonitorChanges)
         desktop.setDisplays(displays);
         settle();
         ASSERT_TRUE(panel().hasKeyboard());
-        EXPECT_NE(runtime->barManager()->panels().at(SpaceID{1})->keyFocusedView(), nullptr);
+        EXPECT_NE(bar().keyFocusedView(), nullptr);
     }
 }
 

@@ -64,8 +64,7 @@ struct BarViewModelTest : BarFixture {
     /// In the bar of the first space.
     Rect frameOf(const std::string& id)
     {
-        for (auto& [chip, frame] :
-            runtime->barManager()->panels().at(kSpace)->content()->chipFrames()) {
+        for (auto& [chip, frame] : bar(kSpace).content()->chipFrames()) {
             if (chip == id)
                 return frame;
         }
@@ -259,7 +258,7 @@ TEST_F(BarViewModelTest, orderAndPinsOutliveTheMonitorAndSleep)
     settle();
     auto shown = [&] {
         std::vector<std::string> found;
-        auto* content = runtime->barManager()->panels().at(kSpace)->content();
+        auto* content = bar(kSpace).content();
         for (auto& [id, frame] : content->pinFrames())
             found.push_back(id);
         for (auto& [id, frame] : content->chipFrames())

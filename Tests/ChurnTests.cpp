@@ -126,7 +126,7 @@ struct ChurnRound final : ChurnOperations {
                 shownItems.insert(each.id);
         }
         EXPECT_EQ(shownItems, items);
-        auto* content = runtime->barManager()->panels().at(space)->content();
+        auto* content = bar(space).content();
         if (!content) {
             EXPECT_NE(space, display.current);
             return;
@@ -176,7 +176,7 @@ TEST_F(BarFixture, tenThousandWindowsLeaveNothingBehind)
     EXPECT_TRUE(QuorvelApp::windowStore().windows().empty());
     EXPECT_TRUE(model().chipsBySpace.value().empty());
     EXPECT_TRUE(model().displayItemsBySpace.value().empty());
-    EXPECT_TRUE(runtime->barManager()->panels().at(SpaceID{1})->content()->chipFrames().empty());
+    EXPECT_TRUE(bar().content()->chipFrames().empty());
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
     desktop.terminate(pid);
     settle();

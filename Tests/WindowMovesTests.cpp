@@ -96,7 +96,7 @@ TEST_F(WindowMovesTest, theWindowsOfAGroupAreCarriedOneAfterTheOther)
     start();
     runtime->userSettings().setGroupWindowsByApp(true);
     desktop.drain();
-    auto& content = *manager().panels().at(SpaceID{1})->content();
+    auto& content = *bar().content();
     auto group = content.chipFrames().front().second.centre();
     auto cell = content.spaceCellFrames()[1].second.centre();
     panel().press(group);

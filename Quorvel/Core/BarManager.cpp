@@ -12,8 +12,6 @@
 #include "Quorvel/Platform/Surfaces.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/WindowStore.h"
-#include "Quorvel/Views/BarPanel.h"
-#include "Quorvel/Views/Menu/Menus.h"
 
 namespace quorvel {
 
@@ -35,7 +33,7 @@ BarReservations::EdgeReservation edgeReservation()
 }
 
 BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserSettings& settings,
-    BadgeService& badgeService, ThumbnailService& thumbnailService)
+    BadgeService& badgeService, ThumbnailService& thumbnailService, BarFactory& factory)
     : m_platform(platform)
     , m_windowStore(windowStore)
     , m_spaceWindows(platform.windowServer, platform.displays)
@@ -45,19 +43,18 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_metrics(BarMetrics::of(settings.barSize()))
     , m_lastAppliedBarSize(settings.barSize())
     , m_viewModel(windowStore, settings, badgeService, platform)
-    , m_panels(platform, settings)
+    , m_panels(platform, settings, factory)
     , m_reservations(platform, edgeReservation())
     , m_navigation(platform, windowStore, m_viewModel, settings, m_panels)
     , m_moves(platform, windowStore, m_viewModel, m_navigation)
     , m_avoidanceManager(windowStore, platform.dispatch, platform.accessibility,
           platform.windowServer, platform.displays, barsToAvoid())
-    , m_menus(std::make_unique<Menus>(platform))
 {
     if (isSwitchedOn("QUORVEL_CURSOR_OWNERSHIP_LOG")) {
         m_cursorOwnershipLog = std::make_unique<CursorOwnershipLog>(
             platform.surfaces, platform.displays, m_panels, platform.trace);
     }
-    m_panels.onContentNeeded = [this](BarPanel& panel) { fill(panel); };
+    m_panels.onContentNeeded = [this](Bar& panel) { fill(panel); };
     m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
     m_navigation.onWillSwitch = [this] { prefetchCurrentSpaces(); };
@@ -228,7 +225,7 @@ void BarManager::setHoverKeyingSuppressed(bool isSuppressed)
 bool BarManager::takeKeyboard()
 {
     auto screen = preferredMouseScreenIndex();
-    BarPanel* chosen = nullptr;
+    Bar* chosen = nullptr;
     for (auto* bar : m_panels.bars()) {
         bool isBetter
             = !chosen || (bar->screenIndex() == screen && chosen->screenIndex() != screen);
@@ -242,58 +239,38 @@ bool BarManager::takeKeyboard()
     return chosen && chosen->surface().takeKeyboard();
 }
 
-void BarManager::fill(BarPanel& panel)
+void BarManager::fill(Bar& bar)
 {
-    panel.setHoverKeyingSuppressed(m_isHoverKeyingSuppressed);
-    panel.onScroll = [this, space = panel.spaceID()](
-                         const ScrollEvent& event) { m_wheel.scroll(event, space); };
-    panel.setContent(makeBarContentView(panel));
+    bar.setHoverKeyingSuppressed(m_isHoverKeyingSuppressed);
+    bar.onScroll
+        = [this, space = bar.spaceID()](const ScrollEvent& event) { m_wheel.scroll(event, space); };
+    bar.fill(contents(bar));
 }
 
-std::unique_ptr<BarContentView> BarManager::makeBarContentView(BarPanel& panel)
+BarContents BarManager::contents(const Bar& bar)
 {
-    auto view = std::make_unique<BarContentView>(BarContentView::Inputs{
+    return {
         .viewModel = m_viewModel,
         .pinStore = m_pinStore,
         .settings = m_settings,
         .thumbnailService = m_thumbnailService,
-        .platform = m_platform,
-        .surface = panel.surface(),
-        .spaceID = panel.spaceID(),
-        .display = panel.display(),
         // Where one bar stands for every screen it leaves no window out.
-        .screenIndex = m_panels.isPerScreen() ? std::optional{panel.screenIndex()} : std::nullopt,
+        .screenIndex = m_panels.isPerScreen() ? std::optional{bar.screenIndex()} : std::nullopt,
         .metrics = m_metrics,
-    });
-    view->onMenuTapped = [this, &panel] { showMenu(panel); };
-    view->onMenuRequested
-        = [this, &panel](Menu menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed) {
-              m_menus->popUp(panel.surface(), std::move(menu), anchor, std::move(onClosed));
-          };
-    view->onSpaceSwitchRequested = [this](SpaceID space) { switchToSpace(space); };
-    view->onMoveWindowToSpaceRequested
-        = [this, from = panel.spaceID()](const std::vector<WindowID>& windows, SpaceID to) {
-              m_moves.moveWindowsToSpace(windows, from, to);
-          };
-    // Over the chips a click must not take the keyboard from the program that has it.
-    view->onChipsAreaHoverChanged = [this, &panel](bool isHovered) {
-        panel.setHoverKeyingSuppressed(isHovered || m_isHoverKeyingSuppressed);
+        .onSpaceSwitchRequested = [this](SpaceID space) { switchToSpace(space); },
+        .onMoveWindowToSpaceRequested
+        = [this, from = bar.spaceID()](const std::vector<WindowID>& windows,
+              SpaceID to) { m_moves.moveWindowsToSpace(windows, from, to); },
+        .onThumbnailWillShow = [this, &bar] { dismissPopups(&bar); },
     };
-    view->onThumbnailWillShow = [this, &panel] { dismissPopups(&panel); };
-    return view;
 }
 
-void BarManager::dismissPopups(const BarPanel* exception)
+void BarManager::dismissPopups(const Bar* exception)
 {
     for (auto* bar : m_panels.bars()) {
-        if (bar != exception && bar->content())
-            bar->content()->dismissThumbnailPopupImmediate();
+        if (bar != exception)
+            bar->dismissPopups();
     }
-}
-
-void BarManager::showMenu(BarPanel& panel)
-{
-    panel.content()->showBarMenu(panel.content()->menuButtonFrame());
 }
 
 // MARK: The pointer's display

@@ -19,9 +19,7 @@
 namespace quorvel {
 
 class BadgeService;
-class BarContentView;
 class CursorOwnershipLog;
-class Menus;
 class MouseDisplayTracker;
 class ThumbnailService;
 
@@ -29,7 +27,9 @@ class ThumbnailService;
 /// the settings, and the windows that are under them. Main thread.
 class BarManager {
 public:
-    BarManager(const Platform&, WindowStore&, UserSettings&, BadgeService&, ThumbnailService&);
+    /// The factory makes the bars and outlives the manager.
+    BarManager(const Platform&, WindowStore&, UserSettings&, BadgeService&, ThumbnailService&,
+        BarFactory&);
     ~BarManager();
 
     /// The user has come to another space, and the model and the panels know it. With what was
@@ -39,7 +39,6 @@ public:
     PinStore& pinStore() { return m_pinStore; }
     BarViewModel& viewModel() { return m_viewModel; }
     const BarViewModel& viewModel() const { return m_viewModel; }
-    const Menus& menus() const { return *m_menus; }
     const BarPanels::BySpace& panels() const { return m_panels.panels(); }
     const BarPanels::Mirrors& mirrorPanels() const { return m_panels.mirrorPanels(); }
     const BarPanels::BySpace& fullscreenPanels() const { return m_panels.fullscreenPanels(); }
@@ -90,10 +89,9 @@ private:
     std::vector<Screen> coveredScreensForBar() const;
     void applyDockRectRegistrations();
     void applyEdgeReservationsIfNeeded();
-    void fill(BarPanel&);
-    std::unique_ptr<BarContentView> makeBarContentView(BarPanel&);
-    void showMenu(BarPanel&);
-    void dismissPopups(const BarPanel* exception = nullptr);
+    void fill(Bar&);
+    BarContents contents(const Bar&);
+    void dismissPopups(const Bar* exception = nullptr);
     void prefetchCurrentSpaces();
     WindowAvoidanceManager::Bars barsToAvoid();
     WheelNotches::Steps wheelSteps();
@@ -113,7 +111,6 @@ private:
     WheelNotches m_wheel{wheelSteps()};
     WindowMoves m_moves;
     WindowAvoidanceManager m_avoidanceManager;
-    const std::unique_ptr<Menus> m_menus;
     std::unique_ptr<MouseDisplayTracker> m_mouseDisplayTracker; ///< null until it is asked
     std::unique_ptr<CursorOwnershipLog> m_cursorOwnershipLog; ///< null unless asked for
     bool m_isHoverKeyingSuppressed = false;

@@ -5,12 +5,11 @@
 
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Platform.h"
-#include "Quorvel/Views/BarPanel.h"
 
 namespace quorvel {
 
-BarPanels::BarPanels(const Platform& platform, const UserSettings& settings)
-    : m_surfaces(platform.surfaces)
+BarPanels::BarPanels(const Platform& platform, const UserSettings& settings, BarFactory& factory)
+    : m_factory(factory)
     , m_windowServer(platform.windowServer)
     , m_displays(platform.displays)
     , m_settings(settings)
@@ -19,25 +18,23 @@ BarPanels::BarPanels(const Platform& platform, const UserSettings& settings)
 {
 }
 
-BarPanels::~BarPanels() = default;
-
 // MARK: Which there are
 
-BarPanel* BarPanels::panel(SpaceID space) const
+Bar* BarPanels::panel(SpaceID space) const
 {
     auto found = m_panels.find(space);
     return found == m_panels.end() ? nullptr : found->second.get();
 }
 
-BarPanel* BarPanels::fullscreenPanel(SpaceID space) const
+Bar* BarPanels::fullscreenPanel(SpaceID space) const
 {
     auto found = m_fullscreenPanels.find(space);
     return found == m_fullscreenPanels.end() ? nullptr : found->second.get();
 }
 
-std::vector<BarPanel*> BarPanels::bars() const
+std::vector<Bar*> BarPanels::bars() const
 {
-    std::vector<BarPanel*> bars;
+    std::vector<Bar*> bars;
     for (auto& [space, panel] : m_panels)
         bars.push_back(panel.get());
     for (auto& [key, panel] : m_mirrorPanels)
@@ -179,7 +176,7 @@ void BarPanels::placeMirrors(const Spots& ordinary, const std::vector<Screen>& s
         rebuildContentViews();
 }
 
-bool BarPanels::isOf(const BarPanel& panel, const Spot& spot)
+bool BarPanels::isOf(const Bar& panel, const Spot& spot)
 {
     return panel.spaceID() == spot.space
         && panel.display() == spot.screen.number.value_or(DisplayNumber{});
@@ -209,18 +206,17 @@ void BarPanels::placeAll(Panels& panels, const WantedSpots& spots)
     }
 }
 
-void BarPanels::move(BarPanel& panel, const Spot& spot)
+void BarPanels::move(Bar& panel, const Spot& spot)
 {
     panel.surface().setFrame(frame(spot));
-    if (panel.setScreenIndex(spot.screenIndex) && panel.content())
+    if (panel.setScreenIndex(spot.screenIndex) && panel.isFilled())
         onContentNeeded(panel);
 }
 
-std::unique_ptr<BarPanel> BarPanels::createPanel(const Spot& spot)
+std::unique_ptr<Bar> BarPanels::createPanel(const Spot& spot)
 {
-    auto panel = std::make_unique<BarPanel>(m_surfaces,
-        PanelOptions{
-            spot.space, spot.screen.number.value_or(DisplayNumber{}), "Quorvel", spot.kind},
+    auto panel = m_factory.makeBar(
+        {spot.space, spot.screen.number.value_or(DisplayNumber{}), "Quorvel", spot.kind},
         spot.screenIndex);
     panel->surface().setFrame(frame(spot));
     panel->surface().orderFront();
@@ -230,7 +226,7 @@ std::unique_ptr<BarPanel> BarPanels::createPanel(const Spot& spot)
 void BarPanels::rebuildContentViews()
 {
     for (auto* bar : bars()) {
-        if (bar->content())
+        if (bar->isFilled())
             onContentNeeded(*bar);
     }
 }
@@ -239,7 +235,7 @@ void BarPanels::fillShown(const std::vector<SpaceID>& spaces)
 {
     for (auto* bar : bars()) {
         bool isShown = std::ranges::find(spaces, bar->spaceID()) != spaces.end();
-        if (isShown && !bar->content())
+        if (isShown && !bar->isFilled())
             onContentNeeded(*bar);
     }
 }

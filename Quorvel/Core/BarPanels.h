@@ -6,13 +6,13 @@
 #include <optional>
 #include <vector>
 
+#include "Quorvel/Core/Bar.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Surfaces.h"
 #include "Quorvel/Skylight/SpaceWindows.h"
 
 namespace quorvel {
 
-class BarPanel;
 class UserSettings;
 struct Platform;
 
@@ -31,23 +31,22 @@ struct MirrorKey {
 /// yet has no content: users have many spaces and look at few. Main thread.
 class BarPanels {
 public:
-    using BySpace = std::map<SpaceID, std::unique_ptr<BarPanel>>;
-    using Mirrors = std::map<MirrorKey, std::unique_ptr<BarPanel>>;
+    using BySpace = std::map<SpaceID, std::unique_ptr<Bar>>;
+    using Mirrors = std::map<MirrorKey, std::unique_ptr<Bar>>;
 
-    BarPanels(const Platform&, const UserSettings&);
-    ~BarPanels();
+    BarPanels(const Platform&, const UserSettings&, BarFactory&);
 
     /// Fills a bar that is to be shown for the first time, or whose content has to be made anew.
-    std::function<void(BarPanel&)> onContentNeeded;
+    std::function<void(Bar&)> onContentNeeded;
 
     const BySpace& panels() const { return m_panels; }
     const BySpace& fullscreenPanels() const { return m_fullscreenPanels; }
     const Mirrors& mirrorPanels() const { return m_mirrorPanels; }
     /// A bar of the space, on its own display first; null if there is none.
-    BarPanel* panel(SpaceID) const;
+    Bar* panel(SpaceID) const;
     /// The proxy of a full-screen space; null if there is none.
-    BarPanel* fullscreenPanel(SpaceID) const;
-    std::vector<BarPanel*> bars() const;
+    Bar* fullscreenPanel(SpaceID) const;
+    std::vector<Bar*> bars() const;
     /// Each screen's bar shows the windows of this screen only; else one bar stands for all.
     bool isPerScreen() const { return m_isPerScreen; }
     /// The screens that show a bar, in the order of the list of screens.
@@ -82,14 +81,14 @@ private:
         const std::vector<SpaceWindows::Info>& spaces, const std::vector<Screen>&);
     void placeMirrors(const Spots&, const std::vector<Screen>&);
     template <typename Panels, typename WantedSpots> void placeAll(Panels&, const WantedSpots&);
-    static bool isOf(const BarPanel&, const Spot&);
-    void move(BarPanel&, const Spot&);
-    std::unique_ptr<BarPanel> createPanel(const Spot&);
+    static bool isOf(const Bar&, const Spot&);
+    void move(Bar&, const Spot&);
+    std::unique_ptr<Bar> createPanel(const Spot&);
     void fillShown(const std::vector<SpaceID>&);
     Rect frame(const Spot&) const;
     Rect barFrame(const Screen&) const;
 
-    Surfaces& m_surfaces;
+    BarFactory& m_factory;
     WindowServer& m_windowServer;
     Displays& m_displays;
     const UserSettings& m_settings;

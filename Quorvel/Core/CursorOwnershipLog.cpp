@@ -1,7 +1,6 @@
 #include "Quorvel/Core/CursorOwnershipLog.h"
 
 #include "Quorvel/Core/BarPanels.h"
-#include "Quorvel/Views/BarPanel.h"
 
 namespace quorvel {
 

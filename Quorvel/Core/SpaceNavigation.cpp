@@ -8,7 +8,6 @@
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/WindowStore.h"
-#include "Quorvel/Views/BarPanel.h"
 
 namespace quorvel {
 
@@ -133,7 +132,7 @@ void SpaceNavigation::switchToSpace(SpaceID target, std::optional<ProcessID> yie
     becomeKey(*panel, yieldingBack);
 }
 
-void SpaceNavigation::becomeKey(BarPanel& panel, std::optional<ProcessID> previousApp)
+void SpaceNavigation::becomeKey(Bar& panel, std::optional<ProcessID> previousApp)
 {
     m_pendingPreviousApp = previousApp ? previousApp : m_workspace.frontmostApplication();
     panel.setAllowBecomeKey(true);

@@ -12,7 +12,7 @@
 
 namespace quorvel {
 
-class BarPanel;
+class Bar;
 class BarPanels;
 class BarViewModel;
 class UserSettings;
@@ -70,7 +70,7 @@ private:
     void switchToFullscreenSpace(SpaceID);
     void completeFullscreenProxySwitch(WindowID);
     /// The system follows the panel to its space.
-    void becomeKey(BarPanel&, std::optional<ProcessID> previousApp);
+    void becomeKey(Bar&, std::optional<ProcessID> previousApp);
     void handlePostSwitchYield();
     std::optional<ProcessID> applicationToYieldTo(ProcessID previous) const;
     const TrackedWindow* frontWindow(SpaceID) const;

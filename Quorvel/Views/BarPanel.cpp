@@ -1,11 +1,16 @@
 #include "Quorvel/Views/BarPanel.h"
 
+#include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Views/Menu/Menus.h"
+
 namespace quorvel {
 
-BarPanel::BarPanel(Surfaces& surfaces, const PanelOptions& options, std::size_t screenIndex)
-    : m_options(options)
-    , m_screenIndex(screenIndex)
-    , m_surface(surfaces.createPanel(options, m_hostingView))
+BarPanel::BarPanel(
+    const Platform& platform, Menus& menus, const PanelOptions& options, std::size_t screenIndex)
+    : Bar(options, screenIndex)
+    , m_platform(platform)
+    , m_menus(menus)
+    , m_surface(platform.surfaces.createPanel(options, m_hostingView))
 {
     m_hostingView.attach(*m_surface);
     m_hostingView.onScroll = [this](const ScrollEvent& event) {
@@ -43,16 +48,56 @@ void BarPanel::setHoverKeyingSuppressed(bool isSuppressed)
     updateKeying();
 }
 
+/// Over the chips a click must not take the keyboard from the program that has it.
 void BarPanel::updateKeying()
 {
-    m_surface->setCanBecomeKey(m_allowBecomeKey || (m_isHovered && !m_isHoverKeyingSuppressed));
+    bool isSuppressed = m_isHoverKeyingSuppressed || m_areChipsHovered;
+    m_surface->setCanBecomeKey(m_allowBecomeKey || (m_isHovered && !isSuppressed));
 }
 
-void BarPanel::setContent(std::unique_ptr<BarContentView> content)
+void BarPanel::fill(const BarContents& contents)
 {
-    m_content = content.get();
+    auto view = makeContentView(contents);
+    m_areChipsHovered = false;
+    updateKeying();
+    m_content = view.get();
     m_hostingView.isRightToLeft = [this] { return m_content->isRightToLeft(); };
-    m_hostingView.setContent(std::move(content));
+    m_hostingView.setContent(std::move(view));
+}
+
+std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& contents)
+{
+    auto view = std::make_unique<BarContentView>(BarContentView::Inputs{
+        .viewModel = contents.viewModel,
+        .pinStore = contents.pinStore,
+        .settings = contents.settings,
+        .thumbnailService = contents.thumbnailService,
+        .platform = m_platform,
+        .surface = *m_surface,
+        .spaceID = spaceID(),
+        .display = display(),
+        .screenIndex = contents.screenIndex,
+        .metrics = contents.metrics,
+    });
+    view->onMenuTapped = [this] { m_content->showBarMenu(m_content->menuButtonFrame()); };
+    view->onMenuRequested
+        = [this](Menu menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed) {
+              m_menus.popUp(*m_surface, std::move(menu), anchor, std::move(onClosed));
+          };
+    view->onChipsAreaHoverChanged = [this](bool areHovered) {
+        m_areChipsHovered = areHovered;
+        updateKeying();
+    };
+    view->onSpaceSwitchRequested = contents.onSpaceSwitchRequested;
+    view->onMoveWindowToSpaceRequested = contents.onMoveWindowToSpaceRequested;
+    view->onThumbnailWillShow = contents.onThumbnailWillShow;
+    return view;
+}
+
+void BarPanel::dismissPopups()
+{
+    if (m_content)
+        m_content->dismissThumbnailPopupImmediate();
 }
 
 }

@@ -10,7 +10,7 @@
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Quorvel.h"
 #include "Quorvel/Skylight/WindowStore.h"
-#include "Quorvel/Views/BarPanel.h"
+#include "Quorvel/Views/BarViews.h"
 #include "Tests/Support/FakeDesktop.h"
 
 namespace quorvel::test {
@@ -32,13 +32,16 @@ struct BarFixture : testing::Test {
     void settle() { desktop.advance(seconds(15)); }
 
     BarViewModel& model() { return runtime->barManager()->viewModel(); }
+    BarPanel& bar(SpaceID space = SpaceID{1})
+    {
+        return BarViews::panel(*runtime->barManager()->panels().at(space));
+    }
     FakePanel& panel(SpaceID space = SpaceID{1}) { return *desktop.surfaces().panel(space); }
 
     /// In the bar of the first space; absent if the window has no chip there.
     std::optional<Rect> chipFrame(WindowID window)
     {
-        for (auto& [id, frame] :
-            runtime->barManager()->panels().at(SpaceID{1})->content()->chipFrames()) {
+        for (auto& [id, frame] : bar().content()->chipFrames()) {
             if (id == displayItemID(window))
                 return frame;
         }

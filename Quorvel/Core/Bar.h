@@ -1,0 +1,82 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "Quorvel/Core/BarSize.h"
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel {
+
+class BarViewModel;
+class PinStore;
+class ThumbnailService;
+class UserSettings;
+
+/// What a bar shows, and whom it tells what its user wants. What is referred to outlives the bar.
+struct BarContents {
+    BarViewModel& viewModel;
+    PinStore& pinStore;
+    UserSettings& settings;
+    ThumbnailService& thumbnailService;
+    /// Absent while one bar stands for every screen.
+    std::optional<std::size_t> screenIndex;
+    BarMetrics metrics;
+    std::function<void(SpaceID)> onSpaceSwitchRequested;
+    /// A group's windows go together.
+    std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpaceRequested;
+    /// Just before a popup is shown.
+    std::function<void()> onThumbnailWillShow;
+};
+
+/// One bar on the screen as those see it who place it; the views draw it. Main thread.
+class Bar {
+public:
+    /// The second is the place of its screen in the list of screens.
+    Bar(const PanelOptions& options, std::size_t screenIndex)
+        : m_options(options)
+        , m_screenIndex(screenIndex)
+    {
+    }
+    virtual ~Bar() = default;
+    Bar(const Bar&) = delete;
+    Bar& operator=(const Bar&) = delete;
+
+    SpaceID spaceID() const { return m_options.space; }
+    DisplayNumber display() const { return m_options.display; }
+    /// In the list of screens.
+    std::size_t screenIndex() const { return m_screenIndex; }
+    /// Screens before its own came or went. False if it is the one it has.
+    bool setScreenIndex(std::size_t index) { return std::exchange(m_screenIndex, index) != index; }
+
+    std::function<void(const ScrollEvent&)> onScroll;
+
+    virtual PanelSurface& surface() = 0;
+    virtual const PanelSurface& surface() const = 0;
+    /// For a switch of space, which follows the key panel, whatever is suppressed.
+    virtual void setAllowBecomeKey(bool) = 0;
+    /// Else the panel may take the keyboard while the pointer is over it.
+    virtual void setHoverKeyingSuppressed(bool) = 0;
+    /// Replaces what is on the bar.
+    virtual void fill(const BarContents&) = 0;
+    /// False until the bar is first shown.
+    virtual bool isFilled() const = 0;
+    virtual void dismissPopups() = 0;
+
+private:
+    const PanelOptions m_options;
+    std::size_t m_screenIndex;
+};
+
+/// Makes the bars, which are views, for the services below the views. Outlives what it makes.
+class BarFactory {
+public:
+    virtual ~BarFactory() = default;
+
+    virtual std::unique_ptr<Bar> makeBar(const PanelOptions&, std::size_t screenIndex) = 0;
+};
+
+}

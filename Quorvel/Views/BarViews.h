@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Quorvel/Core/Bar.h"
+#include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Views/BarPanel.h"
+#include "Quorvel/Views/Menu/Menus.h"
+
+namespace quorvel {
+
+/// Makes the bars as panels of the platform, and has the one menu that they share. Main thread.
+class BarViews final : public BarFactory {
+public:
+    explicit BarViews(const Platform& platform) : m_platform(platform), m_menus(platform) { }
+
+    std::unique_ptr<Bar> makeBar(const PanelOptions& options, std::size_t screenIndex) override
+    {
+        return std::make_unique<BarPanel>(m_platform, m_menus, options, screenIndex);
+    }
+    /// What a bar that came from here is.
+    static BarPanel& panel(Bar& bar) { return static_cast<BarPanel&>(bar); }
+    static const BarPanel& panel(const Bar& bar) { return static_cast<const BarPanel&>(bar); }
+    const Menus& menus() const { return m_menus; }
+
+private:
+    const Platform m_platform;
+    Menus m_menus;
+};
+
+}
