@@ -4,11 +4,23 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
 
 namespace quorvel {
+
+/// The keys of a window description in the window server's list.
+namespace CGWindowKeys {
+inline constexpr std::string_view windowNumber = "kCGWindowNumber";
+inline constexpr std::string_view ownerPID = "kCGWindowOwnerPID";
+inline constexpr std::string_view ownerName = "kCGWindowOwnerName";
+inline constexpr std::string_view windowName = "kCGWindowName";
+inline constexpr std::string_view layer = "kCGWindowLayer";
+inline constexpr std::string_view bounds = "kCGWindowBounds";
+inline constexpr std::string_view alpha = "kCGWindowAlpha";
+}
 
 /// One window of the window server's list; a key that is missing or has the wrong type is absent.
 struct CGWindowInfo {

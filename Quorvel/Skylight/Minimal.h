@@ -15,17 +15,6 @@ namespace quorvel {
 
 class Workspace;
 
-/// The keys of a window description in the window server's list.
-namespace CGWindowKeys {
-inline constexpr std::string_view windowNumber = "kCGWindowNumber";
-inline constexpr std::string_view ownerPID = "kCGWindowOwnerPID";
-inline constexpr std::string_view ownerName = "kCGWindowOwnerName";
-inline constexpr std::string_view windowName = "kCGWindowName";
-inline constexpr std::string_view layer = "kCGWindowLayer";
-inline constexpr std::string_view bounds = "kCGWindowBounds";
-inline constexpr std::string_view alpha = "kCGWindowAlpha";
-}
-
 /// What the accessibility tree says of one window; what could not be read is absent.
 struct AXWindowMetadata {
     std::optional<std::string> title;

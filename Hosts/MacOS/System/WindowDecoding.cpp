@@ -1,7 +1,6 @@
 #include "Hosts/MacOS/System/WindowDecoding.h"
 
 #include "Hosts/MacOS/System/CFValues.h"
-#include "Quorvel/Skylight/Minimal.h"
 
 namespace quorvel {
 
