@@ -19,6 +19,7 @@
 #include "Hosts/Posix/Invocation.h"
 #include "Hosts/Posix/PosixFiles.h"
 #include "Hosts/Posix/StandardStreams.h"
+#include "Hosts/X11/Capture/X11ScreenCapture.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/DesktopServices.h"
 #include "Hosts/X11/DisplayClaim.h"
@@ -73,6 +74,7 @@ int runBar(Display display, ControlChannel& control, Trace& trace)
     X11Surfaces surfaces{*connection, dispatch, monitors, environment, application.appearance()};
     AccessibleExport accessible{dispatch, surfaces.accessible(), environment};
     DesktopServices desktop{*connection, dispatch, monitors, environment, entries, icons};
+    X11ScreenCapture screenCapture{desktop.model(), dispatch};
     DesktopBundles bundles{entries};
     posix::PosixFiles files{{configurationFolder(), /*keepsRejectedFiles=*/true}};
     AutostartItem loginItem{files, AutostartItem::userFile(), AutostartItem::runningProgram()};
@@ -83,7 +85,7 @@ int runBar(Display display, ControlChannel& control, Trace& trace)
         .displays = desktop.displays(),
         .workspace = desktop.workspace(),
         .bundles = bundles,
-        .screenCapture = desktop.screenCapture(),
+        .screenCapture = screenCapture,
         .application = application,
         .surfaces = surfaces,
         .text = surfaces.text(),

@@ -10,7 +10,6 @@
 #include "Hosts/Linux/Desktop/DesktopWorkspace.h"
 #include "Hosts/Linux/Desktop/ObserverRegistry.h"
 #include "Hosts/Linux/PanelEnvironment.h"
-#include "Hosts/X11/Capture/X11ScreenCapture.h"
 #include "Hosts/X11/Desktop/Mirror.h"
 #include "Hosts/X11/Desktop/PropertyIcons.h"
 #include "Hosts/X11/Desktop/StartupTokens.h"
@@ -33,7 +32,6 @@ struct DesktopServices::Parts {
         , windowServer(model, tracker, requests, environment)
         , displays(monitors, mirror)
         , workspace(model, tracker, requests, tokens, windowIcons, entries, icons)
-        , screenCapture(model, dispatch)
         , launchServices(model)
         , launcherBus(launchServices.entries(), entries,
               [this] { launchServices.answersMayHaveChanged.emit(); })
@@ -61,7 +59,6 @@ struct DesktopServices::Parts {
     DesktopWindowServer windowServer;
     X11Displays displays;
     DesktopWorkspace workspace;
-    X11ScreenCapture screenCapture;
     DesktopLaunchServices launchServices;
     LauncherBus launcherBus;
     Subscription attentionChanged;
@@ -76,6 +73,10 @@ DesktopServices::DesktopServices(Connection& connection, Dispatch& dispatch, Mon
 
 DesktopServices::~DesktopServices() = default;
 
+const SharedModel& DesktopServices::model() const
+{
+    return m_parts->model;
+}
 Accessibility& DesktopServices::accessibility()
 {
     return m_parts->accessibility;
@@ -91,10 +92,6 @@ Displays& DesktopServices::displays()
 Workspace& DesktopServices::workspace()
 {
     return m_parts->workspace;
-}
-ScreenCapture& DesktopServices::screenCapture()
-{
-    return m_parts->screenCapture;
 }
 LaunchServices& DesktopServices::launchServices()
 {

@@ -7,7 +7,6 @@ class Accessibility;
 class Dispatch;
 class Displays;
 class LaunchServices;
-class ScreenCapture;
 class WindowServer;
 class Workspace;
 }
@@ -15,6 +14,7 @@ class Workspace;
 namespace quorvel::xdg {
 class DesktopEntries;
 class Icons;
+class SharedModel;
 struct PanelEnvironment;
 }
 
@@ -32,11 +32,11 @@ public:
     DesktopServices(const DesktopServices&) = delete;
     DesktopServices& operator=(const DesktopServices&) = delete;
 
+    const SharedModel& model() const;
     Accessibility& accessibility();
     WindowServer& windowServer();
     Displays& displays();
     Workspace& workspace();
-    ScreenCapture& screenCapture();
     LaunchServices& launchServices();
 
 private:
