@@ -102,7 +102,7 @@ struct WindowCaptureTest : testing::Test {
             drawWhatIsExposed();
             return pixels.wait_for(1ms) == std::future_status::ready;
         };
-        if (!eventually(20s, hasCome)) {
+        if (!eventually(hasCome)) {
             ADD_FAILURE() << "no answer";
             return {};
         }
@@ -171,7 +171,7 @@ TEST_F(WindowCaptureTest, theClientHasTimeToDrawWhatWasCovered)
     client.sync();
 
     // A client on a busy machine may be late, but not each time.
-    EXPECT_TRUE(eventually(20s, [&] { return take(window, {40, 30}).at(20, 15) == kGreen; }));
+    EXPECT_TRUE(eventually([&] { return take(window, {40, 30}).at(20, 15) == kGreen; }));
 }
 
 TEST_F(WindowCaptureTest, aCompositorMayComeAndGo)
@@ -189,7 +189,7 @@ TEST_F(WindowCaptureTest, aCompositorMayComeAndGo)
     auto during = begin(window, kLarge);
     compositor.reset();
     ASSERT_EQ(during.wait_for(kWatchdog), std::future_status::ready);
-    EXPECT_TRUE(eventually(10s, [&] { return !isRedirected(window); }));
+    EXPECT_TRUE(eventually([&] { return !isRedirected(window); }));
     expectTwoColours(window);
 }
 
@@ -288,7 +288,7 @@ TEST_F(WindowCaptureTest, windowsMayDieAndChangeUnderTheCapture)
         client.sync();
     }
     expectTwoColours(steady);
-    EXPECT_TRUE(eventually(10s, [&] { return desktop.resourcesOf(getpid()) <= before; }))
+    EXPECT_TRUE(eventually([&] { return desktop.resourcesOf(getpid()) <= before; }))
         << desktop.resourcesOf(getpid()) << " resources instead of " << before;
 }
 
@@ -317,7 +317,7 @@ TEST_F(WindowCaptureTest, theServiceMayEndWhileItsPicturesCome)
         service.prefetch(ids);
         for (auto id : ids)
             asked.push_back(service.thumbnail(id, [&](auto picture) { answered += !!picture; }));
-        EXPECT_TRUE(eventually(20s, [&] {
+        EXPECT_TRUE(eventually([&] {
             g_main_context_iteration(nullptr, true);
             service.cached(ids.back());
             return answered >= wanted;
@@ -333,7 +333,7 @@ TEST_F(WindowCaptureTest, thePictureHasTheDecorationAndNotTheShadow)
     WindowManager manager{server, desktop, ManagerKind::openbox};
     Client application{server};
     auto window = application.open({.title = "Framed", .frame = {200, 150, 300, 200}});
-    ASSERT_TRUE(eventually(10s, [&] { return desktop.activeWindow() == window; }));
+    ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == window; }));
     auto frame = desktop.frame(window);
     ASSERT_GT(frame.height, 200) << "no decoration";
     auto pixels = take(window);
@@ -346,7 +346,7 @@ TEST_F(WindowCaptureTest, thePictureHasTheDecorationAndNotTheShadow)
 
     // Minimised: the caller has to do with the picture it has.
     desktop.minimise(window);
-    ASSERT_TRUE(eventually(10s, [&] { return desktop.isHidden(window); }));
+    ASSERT_TRUE(eventually([&] { return desktop.isHidden(window); }));
     EXPECT_FALSE(take(window).exists());
 }
 

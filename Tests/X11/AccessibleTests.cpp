@@ -11,12 +11,12 @@ protected:
     static testing::AssertionResult hears(
         ScreenReader& reader, const std::string& event, const std::string& text)
     {
-        auto answer = eventually(5s, [&] { return reader.hasHeard(event, text); });
+        auto answer = eventually([&] { return reader.hasHeard(event, text); });
         return answer << event << " of " << text;
     }
     testing::AssertionResult becomesActive(xcb_window_t window)
     {
-        return eventually(3s, [&] { return desktop.activeWindow() == window; });
+        return eventually([&] { return desktop.activeWindow() == window; });
     }
     static bool hasChip(const Bar& bar, xcb_window_t window)
     {
@@ -44,8 +44,7 @@ TEST_F(AccessibleBar, isReadAndPressedByAScreenReaderThatMayDie)
 
     ScreenReader reader{server};
     ScreenReader::Element chip;
-    ASSERT_TRUE(
-        eventually(10s, [&] { return (chip = reader.find("Quorvel", "first")) != nullptr; }));
+    ASSERT_TRUE(eventually([&] { return (chip = reader.find("Quorvel", "first")) != nullptr; }));
     const auto otherChip = reader.find("Quorvel", "second");
     ASSERT_TRUE(otherChip);
     EXPECT_TRUE(ScreenReader::has(otherChip, ATSPI_STATE_CHECKED));
@@ -62,13 +61,13 @@ TEST_F(AccessibleBar, isReadAndPressedByAScreenReaderThatMayDie)
     EXPECT_TRUE(ScreenReader::has(chip, ATSPI_STATE_CHECKED));
 
     EXPECT_TRUE(ScreenReader::takeFocus(otherChip));
-    EXPECT_TRUE(eventually(3s, [&] { return ScreenReader::has(otherChip, ATSPI_STATE_FOCUSED); }));
+    EXPECT_TRUE(eventually([&] { return ScreenReader::has(otherChip, ATSPI_STATE_FOCUSED); }));
     EXPECT_EQ(desktop.activeWindow(), first);
     EXPECT_EQ(reader.surfacesOf("Quorvel"), 1U) << "the bars of hidden desktops are no surfaces";
 
     const auto count = reader.elementsOf("Quorvel").size();
     client.destroy(first);
-    ASSERT_TRUE(eventually(3s, [&] { return !hasChip(bar, first); }));
+    ASSERT_TRUE(eventually([&] { return !hasChip(bar, first); }));
     EXPECT_FALSE(ScreenReader::perform(chip, "Activate"));
     EXPECT_TRUE(hears(reader, "object:children-changed:remove", "Quorvel"));
     EXPECT_EQ(reader.elementsOf("Quorvel").size(), count - 1);

@@ -22,8 +22,8 @@ protected:
     testing::AssertionResult becomesActive(xcb_window_t window)
     {
         auto active = eventually(
-            2s, [&] { return desktop.activeWindow() == window && !desktop.isHidden(window); });
-        return active ? bar.agreesWith(desktop, 2s) : active << " for " << desktop.title(window);
+            [&] { return desktop.activeWindow() == window && !desktop.isHidden(window); });
+        return active ? bar.agreesWith(desktop) : active << " for " << desktop.title(window);
     }
     void typeInOther()
     {
@@ -34,7 +34,7 @@ protected:
         xcb_change_window_attributes(connection, other, XCB_CW_EVENT_MASK, &keys);
         otherApplication.connection().sync();
         // The focus follows the active window a moment later.
-        ASSERT_TRUE(eventually(2s, [&] { return pressKey(), takeKeyPress(); }));
+        ASSERT_TRUE(eventually([&] { return pressKey(), takeKeyPress(); }));
     }
     /// Clicks the target's chip as the user would, with the keys still warm.
     void clickTarget()
@@ -86,7 +86,7 @@ TEST_P(Activation, bringsAWindowToTheFrontWhileTheUserTypesElsewhere)
     clickTarget();
 
     desktop.minimise(target);
-    ASSERT_TRUE(eventually(2s, [&] { return desktop.isHidden(target); }));
+    ASSERT_TRUE(eventually([&] { return desktop.isHidden(target); }));
     typeInOther();
     clickTarget();
 
@@ -107,7 +107,7 @@ TEST_P(Activation, bringsAWindowToTheFrontThatHasJustCome)
     typeInOther();
     const auto late
         = application.open({.title = "late", .applicationClass = "Target", .userTime = 0});
-    ASSERT_TRUE(eventually(2s, [&] {
+    ASSERT_TRUE(eventually([&] {
         const auto state = bar.state();
         return state && state->chipOf(late);
     }));

@@ -44,7 +44,7 @@ TEST_P(ClickStorms, bringTheClickedWindow)
         ASSERT_TRUE(applications.back()->finish());
     }
     constexpr auto kWindows = std::size_t(kApplications) * kWindowsEach;
-    ASSERT_TRUE(eventually(5s, [&] { return desktop.taskbarClients().size() == kWindows; }));
+    ASSERT_TRUE(eventually([&] { return desktop.taskbarClients().size() == kWindows; }));
     const auto traceFile = server.folder() / "trace";
     Bar bar(server, {"--trace=" + traceFile.string()});
     ASSERT_TRUE(bar.appears());
@@ -64,7 +64,7 @@ TEST_P(ClickStorms, bringTheClickedWindow)
         // One in six on the window that has the focus, once the user can see that it has.
         const bool isSecond = random() % 6 == 0;
         if (isSecond) {
-            ASSERT_TRUE(bar.agreesWith(desktop, 3s)) << click;
+            ASSERT_TRUE(bar.agreesWith(desktop)) << click;
         }
         const auto focused = desktop.focusedClient();
         auto window = windows[random() % windows.size()];
@@ -78,14 +78,15 @@ TEST_P(ClickStorms, bringTheClickedWindow)
         before = focused;
         pointer.click(chip->frame);
         if (hadFocus) {
-            ASSERT_TRUE(eventually(2s, [&] { return desktop.isHidden(window); })) << click;
+            ASSERT_TRUE(eventually([&] { return desktop.isHidden(window); })) << click;
             // Which window has the focus then is the manager's choice; a click must know it.
-            ASSERT_TRUE(bar.agreesWith(desktop, 3s)) << click;
+            ASSERT_TRUE(bar.agreesWith(desktop)) << click;
         } else {
             ++activated;
-            ASSERT_TRUE(eventually(
-                2s, [&] { return desktop.activeWindow() == window && !desktop.isHidden(window); }))
-                << "click " << click;
+            ASSERT_TRUE(eventually([&] {
+                return desktop.activeWindow() == window && !desktop.isHidden(window);
+            })) << "click "
+                << click;
         }
     }
     pointer.moveTo(5, 5);

@@ -175,7 +175,7 @@ TEST_P(ClicksUnderChurn, reachTheChipThatWasUnderThePointer)
                 + ", before: " + testing::PrintToString(seen->visiblePanel()->chips)
                 + ", after: " + testing::PrintToString(after->visiblePanel()->chips);
         };
-        ASSERT_TRUE(eventually(3s, isDone)) << tell();
+        ASSERT_TRUE(eventually(isDone)) << tell();
         if (!deed)
             continue; // the window went first
         ++certain;

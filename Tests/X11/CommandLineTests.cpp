@@ -54,14 +54,14 @@ TEST_F(CommandLine, aSecondBarIsRefusedOrTakesOver)
 
     first.process().signal(SIGSTOP);
     Bar second(server, {"--replace"});
-    EXPECT_EQ(first.process().waitForEnd(10s), 0);
+    EXPECT_EQ(first.process().waitForEnd(), 0);
     EXPECT_TRUE(second.appears());
     const auto refusedAgain = run({});
     EXPECT_NE(refusedAgain.error.find(std::to_string(second.process().pid())), std::string::npos)
         << refusedAgain.error;
 
     EXPECT_EQ(run({"--quit"}).status, 0);
-    EXPECT_EQ(second.process().waitForEnd(5s), 0);
+    EXPECT_EQ(second.process().waitForEnd(), 0);
 }
 
 // Fault: a bar that hangs keeps its place until somebody finds its process.
@@ -74,10 +74,10 @@ TEST_F(CommandLine, aBarThatHangsIsKilledByTheOneThatReplacesIt)
         {"sh", "-c", "trap '' TERM; exec 9<>\"$0\"; flock 9; echo $$ >&9; exec sleep 60",
             server.folder() / name},
         server.environment());
-    ASSERT_TRUE(eventually(5s, [&] { return !readFile(server.folder() / name).empty(); }));
+    ASSERT_TRUE(eventually([&] { return !readFile(server.folder() / name).empty(); }));
 
     Bar bar(server, {"--replace"});
-    EXPECT_EQ(hanging.waitForEnd(10s), 128 + SIGKILL);
+    EXPECT_EQ(hanging.waitForEnd(), 128 + SIGKILL);
     EXPECT_TRUE(bar.appears());
 }
 
@@ -95,10 +95,10 @@ TEST_F(CommandLine, theDisplayItselfSaysThatABarIsThere)
         << refused.error;
 
     const Process second({QUORVEL_PROGRAM, "--replace"}, elsewhere);
-    EXPECT_EQ(first.process().waitForEnd(10s), 0);
+    EXPECT_EQ(first.process().waitForEnd(), 0);
     const auto quit
         = [&] { return runProgram(elsewhere, server.folder(), {"--quit"}).status == 0; };
-    EXPECT_TRUE(eventually(5s, quit));
+    EXPECT_TRUE(eventually(quit));
 }
 
 // Faults: a bar that gives up, or that misses the manager's coming.
@@ -107,13 +107,13 @@ TEST_F(CommandLine, aBarStartedFirstComesUpWithTheWindowManager)
     Client client(server);
     Bar bar(server);
     const auto answers = [&] { return run({"--state"}).status == 0; };
-    ASSERT_TRUE(eventually(5s, answers)) << bar.log();
+    ASSERT_TRUE(eventually(answers)) << bar.log();
 
     WindowManager manager(server, desktop, ManagerKind::openbox);
     client.open({.title = "window"});
 
     EXPECT_TRUE(bar.appears());
-    EXPECT_TRUE(bar.agreesWith(desktop, 2s));
+    EXPECT_TRUE(bar.agreesWith(desktop));
 }
 
 // Faults: a message that ends the bar because nobody can read it, or lands in the lock file, which
@@ -127,7 +127,7 @@ TEST_F(CommandLine, noStandardErrorEndsTheBar)
             {"sh", "-c", std::string{"exec \"$0\" --trace "} + nowhere, QUORVEL_PROGRAM},
             server.environment());
         const auto answers = [&] { return run({"--state"}).status == 0; };
-        EXPECT_TRUE(eventually(5s, answers));
+        EXPECT_TRUE(eventually(answers));
         const auto lock = server.folder() / "runtime/quorvel" / ("X" + server.display().substr(1));
         EXPECT_LT(readFile(lock.string() + ".lock").size(), 10U);
         EXPECT_EQ(run({"--quit"}).status, 0);

@@ -74,14 +74,14 @@ TEST_F(DesktopLooks, followTheSettingsDaemonThatComesLaterAndChangesItsMind)
 {
     Bar bar{server};
     ASSERT_TRUE(bar.appears());
-    ASSERT_TRUE(eventually(3s, [&] { return isDark(); }));
+    ASSERT_TRUE(eventually([&] { return isDark(); }));
     const auto normal = height(bar);
 
     say("Adwaita", 96);
     becomeDaemon();
-    EXPECT_TRUE(eventually(3s, [&] { return !isDark(); }));
+    EXPECT_TRUE(eventually([&] { return !isDark(); }));
     say("Adwaita-dark", 144);
-    EXPECT_TRUE(eventually(3s, [&] { return isDark() && height(bar) == normal * 3 / 2; }));
+    EXPECT_TRUE(eventually([&] { return isDark() && height(bar) == normal * 3 / 2; }));
 
     // While it changes without a pause, it is followed once a second at most.
     int followed = 0;
@@ -98,11 +98,11 @@ TEST_F(DesktopLooks, followTheSettingsDaemonThatComesLaterAndChangesItsMind)
     }
     EXPECT_TRUE(followed <= 1 || longestPause > 150ms) << followed;
     say("Adwaita", 96);
-    EXPECT_TRUE(eventually(3s, [&] { return !isDark() && height(bar) == normal; }));
+    EXPECT_TRUE(eventually([&] { return !isDark() && height(bar) == normal; }));
 
     daemon.connection().setText(window, "_XSETTINGS_SETTINGS", "_XSETTINGS_SETTINGS", "junk");
     daemon.connection().sync();
-    EXPECT_TRUE(eventually(3s, [&] { return isDark(); })) << "what is broken says nothing";
+    EXPECT_TRUE(eventually([&] { return isDark(); })) << "what is broken says nothing";
 }
 
 }

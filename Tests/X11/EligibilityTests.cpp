@@ -14,9 +14,9 @@ protected:
         const auto state = bar.state();
         return state && state->chipOf(window);
     }
-    testing::AssertionResult getsChip(xcb_window_t window, std::chrono::milliseconds deadline = 1s)
+    testing::AssertionResult getsChip(xcb_window_t window)
     {
-        return eventually(deadline, [&] { return hasChip(window); });
+        return eventually([&] { return hasChip(window); });
     }
 
     Client client{server};
@@ -56,11 +56,11 @@ TEST_P(Eligibility, comesAndGoesWithEachPropertyThatDecidesIt)
 
     for (const auto& property : properties) {
         property.refuse();
-        EXPECT_TRUE(eventually(3s, [&] { return !hasChip(window); })) << property.name;
+        EXPECT_TRUE(eventually([&] { return !hasChip(window); })) << property.name;
         property.admit();
         // xfwm4 adds it to what is no normal window, and does not take it away.
         desktop.setState(window, "SKIP_TASKBAR", false);
-        EXPECT_TRUE(getsChip(window, 3s)) << property.name;
+        EXPECT_TRUE(getsChip(window)) << property.name;
     }
 }
 

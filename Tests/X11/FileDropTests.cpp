@@ -59,9 +59,9 @@ TEST_P(FileDrops, restOnChipsAndOpenWithPins)
     const auto second = client.open({.title = "second"});
     Bar bar(server);
     ASSERT_TRUE(bar.appears());
-    ASSERT_TRUE(eventually(5s, [&] { return desktop.taskbarClients().size() == 2; }));
+    ASSERT_TRUE(eventually([&] { return desktop.taskbarClients().size() == 2; }));
     desktop.activate(second);
-    ASSERT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == second; }));
+    ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == second; }));
     ASSERT_TRUE(settles(bar));
     const auto state = bar.state();
     ASSERT_TRUE(state && state->chipOf(first));
@@ -70,19 +70,19 @@ TEST_P(FileDrops, restOnChipsAndOpenWithPins)
 
     FileDrag files(server.display(), list);
     EXPECT_EQ(files.moveTo(state->chipOf(first)->frame), false);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == first; }));
+    EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == first; }));
     EXPECT_EQ(files.moveTo(pin), true);
     EXPECT_EQ(files.drop(), true);
-    EXPECT_TRUE(eventually(2s, [&] { return readFile(opened) == "/tmp/a b\n/tmp/c\n"; }))
+    EXPECT_TRUE(eventually([&] { return readFile(opened) == "/tmp/a b\n/tmp/c\n"; }))
         << readFile(opened);
 
     const auto atRest = desktop.picture(pin);
     {
         FileDrag dying(server.display(), list);
         EXPECT_EQ(dying.moveTo(pin), true);
-        EXPECT_TRUE(eventually(2s, [&] { return desktop.picture(pin) != atRest; }));
+        EXPECT_TRUE(eventually([&] { return desktop.picture(pin) != atRest; }));
     }
-    EXPECT_TRUE(eventually(5s, [&] { return desktop.picture(pin) == atRest; }));
+    EXPECT_TRUE(eventually([&] { return desktop.picture(pin) == atRest; }));
 
     std::filesystem::remove(opened);
     for (const auto& [text, options] : refused()) {
@@ -98,7 +98,7 @@ TEST_P(FileDrops, restOnChipsAndOpenWithPins)
     EXPECT_EQ(many.moveTo(state->visiblePanel()->showDesktop), false);
     EXPECT_EQ(many.moveTo(pin), true);
     EXPECT_EQ(many.drop(), true);
-    EXPECT_TRUE(bar.agreesWith(desktop, 1s));
+    EXPECT_TRUE(bar.agreesWith(desktop));
 }
 
 QUORVEL_UNDER_EACH_MANAGER(FileDrops);

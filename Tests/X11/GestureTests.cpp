@@ -34,7 +34,7 @@ protected:
         ASSERT_TRUE(bar->appears());
         for (const std::string title : {"a", "b", "c", "d"}) {
             client.open({.title = title});
-            ASSERT_TRUE(eventually(5s, [&] { return chips().back() == title; }));
+            ASSERT_TRUE(eventually([&] { return chips().back() == title; }));
         }
         ASSERT_TRUE(settles(*bar));
     }
@@ -75,7 +75,7 @@ protected:
     }
     testing::AssertionResult stand(const Names& titles)
     {
-        return eventually(3s, [&] {
+        return eventually([&] {
             const auto now = chips();
             return testing::AssertionResult(now == titles) << testing::PrintToString(now);
         });
@@ -112,13 +112,13 @@ TEST_P(Gestures, endWithTheButtonThatBeganThemAndCountEachClick)
         pointer.moveTo(5, 5);
         EXPECT_TRUE(stand({"", "a", "b", "c", "d"}));
         const bool wasMinimised = second == Button::secondary;
-        EXPECT_TRUE(eventually(2s, [&] { return desktop.isHidden(window) == wasMinimised; }));
+        EXPECT_TRUE(eventually([&] { return desktop.isHidden(window) == wasMinimised; }));
         EXPECT_TRUE(settles(*bar));
     }
 
     for (int i = 0; i < 3; ++i)
         pointer.click(panel().showDesktop);
-    EXPECT_TRUE(eventually(2s, [&] { return isShowingDesktop(); }));
+    EXPECT_TRUE(eventually([&] { return isShowingDesktop(); }));
 }
 
 // Faults: a drag that clicks as well, goes on after Escape, drops a place off or is forgotten with
@@ -142,17 +142,15 @@ TEST_P(Gestures, moveChipsPinsAndWindowsAndShowTheDesktop)
     pointer.moveTo(chip("d"));
     keyboard.type(XKB_KEY_Escape);
     pointer.release(Button::primary);
-    EXPECT_FALSE(eventually(300ms, [&] {
-        return chips() != Names{"", "b", "c", "a", "d", "e"};
-    })) << testing::PrintToString(chips());
     pointer.moveTo(5, 5);
 
     const auto places = panel().pins;
     ASSERT_EQ(pins(), (Names{"one", "two", "three"}));
     dragBehind(places[0].frame, places[1].frame);
-    EXPECT_TRUE(eventually(3s, [&] {
+    EXPECT_TRUE(eventually([&] {
         return pins() == Names{"two", "one", "three"};
     })) << testing::PrintToString(pins());
+    EXPECT_TRUE(stand({"", "b", "c", "a", "d", "e"})) << "after Escape";
 
     const auto cells = panel().cells;
     ASSERT_GT(cells.size(), 1u);
@@ -160,14 +158,14 @@ TEST_P(Gestures, moveChipsPinsAndWindowsAndShowTheDesktop)
     const auto& cell = cells[1].frame;
     pointer.drag(chip("c"), cell.x + cell.width / 2, cell.y + cell.height / 2);
     pointer.moveTo(5, 5);
-    EXPECT_TRUE(eventually(3s, [&] { return desktop.desktopOf(moved) == 1u; }));
+    EXPECT_TRUE(eventually([&] { return desktop.desktopOf(moved) == 1u; }));
     EXPECT_TRUE(stand({"", "b", "a", "d", "e"}));
     EXPECT_TRUE(settles(*bar));
     EXPECT_EQ(desktop.currentDesktop(), 0u);
 
     for (const bool shows : {true, false}) {
         pointer.click(panel().showDesktop);
-        EXPECT_TRUE(eventually(2s, [&] { return isShowingDesktop() == shows; })) << shows;
+        EXPECT_TRUE(eventually([&] { return isShowingDesktop() == shows; })) << shows;
         const auto state = bar->state();
         for (const auto& window : state->windows)
             EXPECT_FALSE(window.isMinimized) << window.title;

@@ -47,7 +47,7 @@ protected:
     {
         const auto title = "good " + std::to_string(++m_titles);
         client.setTitle(good, title);
-        return eventually(2s, [&]() -> testing::AssertionResult {
+        return eventually([&]() -> testing::AssertionResult {
             const auto state = bar.state();
             const auto* const item = state ? state->itemOf(good) : nullptr;
             if (!item || !state->chipOf(good))
@@ -60,7 +60,7 @@ protected:
 
     testing::AssertionResult getsChip(xcb_window_t window)
     {
-        return eventually(3s, [&] {
+        return eventually([&] {
             const auto state = bar.state();
             return state && state->chipOf(window);
         });

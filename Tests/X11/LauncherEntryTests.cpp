@@ -52,7 +52,7 @@ protected:
     }
     testing::AssertionResult shows(const char* what, const nlohmann::json& value)
     {
-        return eventually(3s, [&] { return chip()[what] == value; });
+        return eventually([&] { return chip()[what] == value; });
     }
 };
 
@@ -67,14 +67,14 @@ TEST_F(LauncherEntryChips, showWhatApplicationsSayAsLongAsTheyAreThere)
     Bar bar{server};
     ASSERT_TRUE(bar.appears());
     desktop.activate(focused);
-    ASSERT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == focused; }));
+    ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == focused; }));
     ASSERT_TRUE(settles(bar));
 
     auto sender = std::make_unique<LauncherSender>(server);
     const auto* update = "('application://Sample.desktop', {'count': <int64 7>, 'count-visible':"
                          "<true>, 'progress': <0.5>, 'progress-visible': <true>})";
     // The bar may not have come to the bus yet.
-    ASSERT_TRUE(eventually(10s, [&] {
+    ASSERT_TRUE(eventually([&] {
         sender->say(update);
         return chip()["badge"] == "7";
     }));

@@ -74,8 +74,7 @@ TEST_P(ManyWindows, leaveNothingBehind)
 
     std::cout << rounds * kWindowsOfARound << " windows: " << half << " KiB, then " << whole
               << std::endl;
-    EXPECT_TRUE(
-        eventually(5s, [&] { return desktop.resourcesOf(bar.process().pid()) <= resources; }));
+    EXPECT_TRUE(eventually([&] { return desktop.resourcesOf(bar.process().pid()) <= resources; }));
     // Sanitizers keep what was freed.
     if (isFull && !kIsSanitized) {
         EXPECT_LE(whole, half + 512);
@@ -89,7 +88,7 @@ TEST_P(ManyWindows, mayShareTheirNumberOneAfterAnother)
     const auto number = client.open({.title = "first"});
     ASSERT_TRUE(settles(bar));
     client.unmap(number);
-    ASSERT_TRUE(eventually(2s, [&] { return desktop.taskbarClients().empty(); }));
+    ASSERT_TRUE(eventually([&] { return desktop.taskbarClients().empty(); }));
     ASSERT_TRUE(settles(bar));
     client.destroy(number);
 

@@ -40,10 +40,10 @@ protected:
             client.open({.title = title, .answersClose = true});
         }));
         clients.back()->order('o');
-        ASSERT_TRUE(eventually(5s, [&] { return desktop.clientTitled(title).has_value(); }));
+        ASSERT_TRUE(eventually([&] { return desktop.clientTitled(title).has_value(); }));
         windows.push_back(*desktop.clientTitled(title));
         desktop.activate(windows.back());
-        ASSERT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == windows[count]; }));
+        ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == windows[count]; }));
         ASSERT_TRUE(settles(*bar));
     }
     bool isThere(xcb_window_t window)
@@ -65,7 +65,7 @@ protected:
     }
     testing::AssertionResult isClosed()
     {
-        return eventually(2s, [&] { return bar->state()->menu.empty(); });
+        return eventually([&] { return bar->state()->menu.empty(); });
     }
     void openMenuOf(xcb_window_t window)
     {
@@ -95,7 +95,7 @@ protected:
     void openMenuAt(const Frame& frame)
     {
         pointer.click(frame, Button::secondary);
-        ASSERT_TRUE(eventually(2s, [&] { return !entries().empty(); }));
+        ASSERT_TRUE(eventually([&] { return !entries().empty(); }));
     }
     /// Between the last chip and the switcher.
     void openBarMenu()
@@ -106,7 +106,7 @@ protected:
     /// Whether the keyboard is on what is called so; nowhere: empty.
     testing::AssertionResult isOn(const std::string& name)
     {
-        return eventually(2s, [&] {
+        return eventually([&] {
             const auto now = bar->state()->visiblePanel()->keyFocus.value_or("");
             const bool isThere = name.empty() ? now.empty() : now.find(name) != std::string::npos;
             return testing::AssertionResult(isThere) << "it is on " << now;
@@ -132,14 +132,14 @@ TEST_P(Menus, andTheBarAreWalkedByKeyboardAndLeftAgain)
     keyboard.type(XKB_KEY_Left);
     EXPECT_TRUE(isOn("first"));
     keyboard.type(XKB_KEY_Return);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == windows[0]; }));
+    EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == windows[0]; }));
     EXPECT_TRUE(isOn(""));
     ASSERT_TRUE(settles(*bar));
 
     focus();
     EXPECT_TRUE(isOn("first"));
     keyboard.type(XKB_KEY_Menu);
-    ASSERT_TRUE(eventually(2s, [&] { return !entries().empty(); }));
+    ASSERT_TRUE(eventually([&] { return !entries().empty(); }));
     EXPECT_TRUE(isOn(""));
     keyboard.type(XKB_KEY_Escape);
     EXPECT_TRUE(isClosed());
@@ -151,7 +151,7 @@ TEST_P(Menus, andTheBarAreWalkedByKeyboardAndLeftAgain)
     EXPECT_TRUE(isOn(""));
     EXPECT_EQ(desktop.activeWindow(), windows[0]);
     clickChip(*bar, windows[1]);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == windows[1]; }));
+    EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == windows[1]; }));
     ASSERT_TRUE(settles(*bar));
 
     openMenuOf(windows[0]);
@@ -165,7 +165,7 @@ TEST_P(Menus, andTheBarAreWalkedByKeyboardAndLeftAgain)
     keyboard.type(XKB_KEY_i);
     keyboard.type(XKB_KEY_Return);
     EXPECT_TRUE(isClosed());
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.isHidden(windows[0]); }));
+    EXPECT_TRUE(eventually([&] { return desktop.isHidden(windows[0]); }));
     EXPECT_FALSE(desktop.isHidden(windows[1]));
     pointer.moveTo(5, 5);
     EXPECT_TRUE(settles(*bar));
@@ -177,34 +177,34 @@ TEST_P(Menus, doWhatTheirEntriesSay)
 {
     pointer.moveTo(bar->state()->chipOf(windows[0])->frame);
     pointer.press(Button::secondary);
-    ASSERT_TRUE(eventually(2s, [&] { return !entries().empty(); }));
+    ASSERT_TRUE(eventually([&] { return !entries().empty(); }));
     point("Minimise");
     pointer.release(Button::secondary);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.isHidden(windows[0]); }));
+    EXPECT_TRUE(eventually([&] { return desktop.isHidden(windows[0]); }));
     ASSERT_TRUE(settles(*bar));
     openMenuOf(windows[0]);
     choose("Write");
-    EXPECT_TRUE(eventually(2s, [&] { return readFile(starts) == "started --write\n"; }));
+    EXPECT_TRUE(eventually([&] { return readFile(starts) == "started --write\n"; }));
     openMenuOf(windows[0]);
     choose("New Window");
-    EXPECT_TRUE(eventually(2s, [&] { return readFile(starts) == "started --write\nstarted \n"; }));
+    EXPECT_TRUE(eventually([&] { return readFile(starts) == "started --write\nstarted \n"; }));
 
     open("third");
     openMenuOf(windows[2]);
     clients[2]->kill();
-    ASSERT_TRUE(eventually(2s, [&] { return bar->state()->windowOf(windows[2]) == nullptr; }));
+    ASSERT_TRUE(eventually([&] { return bar->state()->windowOf(windows[2]) == nullptr; }));
     choose("Close");
     EXPECT_TRUE(isClosed());
     EXPECT_TRUE(isThere(windows[0]) && isThere(windows[1]));
 
     openMenuOf(windows[1]);
     choose("Quit");
-    EXPECT_TRUE(eventually(2s, [&] { return !isThere(windows[1]); }));
+    EXPECT_TRUE(eventually([&] { return !isThere(windows[1]); }));
     ASSERT_TRUE(settles(*bar));
 
     openBarMenu();
     choose("Quit Quorvel");
-    EXPECT_EQ(bar->process().waitForEnd(5s), 0);
+    EXPECT_EQ(bar->process().waitForEnd(), 0);
 }
 
 QUORVEL_UNDER_EACH_MANAGER(Menus);

@@ -20,7 +20,7 @@ protected:
 TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
 {
     const auto window = client.open({.title = "large"});
-    ASSERT_TRUE(bar.agreesWith(desktop, 1s));
+    ASSERT_TRUE(bar.agreesWith(desktop));
     const auto state = bar.state();
     ASSERT_TRUE(state && state->visiblePanel());
     const auto panel = state->visiblePanel()->frame;
@@ -28,35 +28,35 @@ TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
     EXPECT_EQ(panel.width, 1280);
 
     desktop.maximise(window);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == panel.y; }))
+    EXPECT_TRUE(eventually([&] { return desktop.frame(window).bottom() == panel.y; }))
         << desktop.frame(window).bottom() << ", the panel begins at " << panel.y;
 
     desktop.setState(window, "FULLSCREEN", true);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == 800; }));
+    EXPECT_TRUE(eventually([&] { return desktop.frame(window).bottom() == 800; }));
     // The bar takes a tenth of a second before it shortens what reaches under it.
     EXPECT_TRUE(staysTrue(500ms, [&] { return desktop.frame(window).bottom() == 800; }));
     const auto focus
         = [&] { return runProgram(server.environment(), server.folder(), {"--focus"}).status; };
-    EXPECT_EQ(focus(), 1) << "nobody would see what the keys do";
+    EXPECT_TRUE(eventually([&] { return focus() == 1; })) << "nobody would see what the keys do";
     desktop.setState(window, "FULLSCREEN", false);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == panel.y; }));
-    EXPECT_TRUE(eventually(2s, [&] { return focus() == 0; }));
+    EXPECT_TRUE(eventually([&] { return desktop.frame(window).bottom() == panel.y; }));
+    EXPECT_TRUE(eventually([&] { return focus() == 0; }));
 
     const auto set = runProgram(server.environment(), server.folder(), {"--set", "barSize=xl"});
     EXPECT_EQ(set.status, 0);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.workArea().bottom() == 800 - 54; }));
+    EXPECT_TRUE(eventually([&] { return desktop.workArea().bottom() == 800 - 54; }));
 
     bar.process().signal(SIGTERM);
-    EXPECT_EQ(bar.process().waitForEnd(5s), 0);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.workArea().bottom() == 800; }));
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.frame(window).bottom() == 800; }));
+    EXPECT_EQ(bar.process().waitForEnd(), 0);
+    EXPECT_TRUE(eventually([&] { return desktop.workArea().bottom() == 800; }));
+    EXPECT_TRUE(eventually([&] { return desktop.frame(window).bottom() == 800; }));
 }
 
 // Faults: no bar and no strut at a scale that is no number; a scale of before that stays.
 TEST_P(Panel, heedsOnlyAScaleThatIsANumber)
 {
     const auto hasHeight = [&](int height) {
-        return eventually(2s, [&] { return desktop.workArea().bottom() == 800 - height; });
+        return eventually([&] { return desktop.workArea().bottom() == 800 - height; });
     };
     for (const std::string_view number : {"nan", "-nan", "nan(1)", "-inf", "1e999"}) {
         auto& connection = desktop.connection();
@@ -78,22 +78,22 @@ TEST_P(Panel, comesBackWhenItsWindowIsTakenAway)
             && desktop.frame(docks[0]).bottom() == 800 && desktop.workArea().bottom() < 800
             && desktop.desktopOf(docks[0]) == kAllDesktops;
     };
-    ASSERT_TRUE(eventually(2s, isInPlace));
+    ASSERT_TRUE(eventually(isInPlace));
     const auto first = desktop.docks()[0];
     auto* const raw = desktop.connection().get();
 
     for (int round = 0; round < 2; ++round) {
         xcb_unmap_window(raw, first);
         desktop.connection().sync();
-        EXPECT_TRUE(eventually(3s, isInPlace)) << "unmapped";
+        EXPECT_TRUE(eventually(isInPlace)) << "unmapped";
     }
     xcb_destroy_window(raw, first);
     desktop.connection().sync();
-    EXPECT_TRUE(eventually(3s, isInPlace)) << "destroyed";
+    EXPECT_TRUE(eventually(isInPlace)) << "destroyed";
     const auto window = client.open({.title = "after it"});
     ASSERT_TRUE(settles(bar));
     clickChip(bar, window);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.isHidden(window); })) << "it hears of no click";
+    EXPECT_TRUE(eventually([&] { return desktop.isHidden(window); })) << "it hears of no click";
 }
 
 QUORVEL_UNDER_EACH_MANAGER(Panel);
@@ -144,14 +144,14 @@ TEST_F(IdlePanel, sleepsWhileNothingHappens)
     Bar bar{server};
     ASSERT_TRUE(bar.appears());
     client.open({.title = "quiet"});
-    ASSERT_TRUE(bar.agreesWith(desktop, 1s));
+    ASSERT_TRUE(bar.agreesWith(desktop));
 
     // New windows are looked at again for up to 12 s, and the badges are asked for every seven: one
     // thread asks, and tells another. What a busy machine adds does not last, as a timer does.
     const auto pid = bar.process().pid();
-    EXPECT_TRUE(eventually(60s, [&] { return wakeUpsWithin(pid, 3s) == 0; }));
-    EXPECT_TRUE(eventually(60s, [&] { return wakeUpsWithin(pid, 6s) <= 4; }));
-    EXPECT_TRUE(bar.agreesWith(desktop, 1s));
+    EXPECT_TRUE(eventually([&] { return wakeUpsWithin(pid, 3s) == 0; }));
+    EXPECT_TRUE(eventually([&] { return wakeUpsWithin(pid, 6s) <= 4; }));
+    EXPECT_TRUE(bar.agreesWith(desktop));
 }
 
 #endif

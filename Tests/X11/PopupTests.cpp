@@ -11,7 +11,7 @@ protected:
         for (const auto* title : {"first", "second"})
             windows.push_back(client.open({.title = title, .answersClose = true}));
         ASSERT_TRUE(bar.appears());
-        ASSERT_TRUE(eventually(5s, [&] { return desktop.taskbarClients().size() == 2; }));
+        ASSERT_TRUE(eventually([&] { return desktop.taskbarClients().size() == 2; }));
         activate(windows[1]);
         ASSERT_TRUE(settles(bar));
     }
@@ -19,7 +19,7 @@ protected:
     void activate(xcb_window_t window)
     {
         desktop.activate(window);
-        ASSERT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == window; }));
+        ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == window; }));
     }
     std::uint32_t numberOf(xcb_window_t window) const
     {
@@ -46,7 +46,7 @@ protected:
     }
     testing::AssertionResult opens(const std::vector<std::uint32_t>& numbers)
     {
-        return eventually(2s, [&] { return shown() == numbers; });
+        return eventually([&] { return shown() == numbers; });
     }
     testing::AssertionResult closes() { return opens({}); }
     /// Once it has come to its place on the screen: a popup fades in, and slides from chip to chip.
@@ -66,7 +66,7 @@ protected:
                        desktop.windowAt(button.x + button.width / 2, button.y + button.height / 2))
                 == "Windows";
         };
-        EXPECT_TRUE(eventually(2s, isInPlace));
+        EXPECT_TRUE(eventually(isInPlace));
         return found;
     }
 
@@ -93,7 +93,7 @@ TEST_P(Popups, comeAtRestStayWhileUsedAndLeadToTheirWindows)
     ASSERT_TRUE(staysTrue(400ms, [&] { return shown() == std::vector{first}; }));
     EXPECT_EQ(desktop.activeWindow(), windows[1]);
     pointer.click(card(0).frame);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == windows[0]; }));
+    EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == windows[0]; }));
     EXPECT_TRUE(closes());
 
     pointAtChip(windows[1]);
@@ -104,7 +104,7 @@ TEST_P(Popups, comeAtRestStayWhileUsedAndLeadToTheirWindows)
     pointAtChip(windows[1]);
     ASSERT_TRUE(opens({second}));
     pointer.click(card(0).closeButton);
-    EXPECT_TRUE(eventually(2s, [&] {
+    EXPECT_TRUE(eventually([&] {
         client.answerCloseRequests();
         return client.windows() == std::vector{windows[0]};
     }));
@@ -149,11 +149,11 @@ TEST_F(Compositor, mayComeAndGoAtAnyTime)
     desktop.connection().setNumbers(
         desktop.connection().root(), "_NET_SUPPORTED", "ATOM", supported);
     setRunning(true);
-    EXPECT_TRUE(eventually(3s, [&] { return depthOfBar() == 32; }));
+    EXPECT_TRUE(eventually([&] { return depthOfBar() == 32; }));
 
     pointer.moveTo(bar.state()->chipOf(ground)->frame);
     Frame popup;
-    ASSERT_TRUE(eventually(3s, [&] {
+    ASSERT_TRUE(eventually([&] {
         const auto state = bar.state();
         popup = state && state->popup() ? state->popup()->frame : Frame{};
         const auto window = desktop.windowAt(popup.x + popup.width / 2, popup.y + 4);
@@ -161,10 +161,10 @@ TEST_F(Compositor, mayComeAndGoAtAnyTime)
     }));
     const Frame corner{popup.x, popup.y, 1, 1};
     const auto behind = desktop.picture({1200, popup.y, 1, 1});
-    ASSERT_TRUE(eventually(3s, [&] { return desktop.picture(corner) != behind; })) << "no popup";
+    ASSERT_TRUE(eventually([&] { return desktop.picture(corner) != behind; })) << "no popup";
     setRunning(false);
-    EXPECT_TRUE(eventually(3s, [&] { return desktop.picture(corner) == behind; }));
-    EXPECT_TRUE(eventually(3s, [&] { return depthOfBar() == 24; }));
+    EXPECT_TRUE(eventually([&] { return desktop.picture(corner) == behind; }));
+    EXPECT_TRUE(eventually([&] { return depthOfBar() == 24; }));
     EXPECT_TRUE(settles(bar));
 }
 

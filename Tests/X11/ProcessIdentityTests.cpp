@@ -38,7 +38,7 @@ protected:
     }
     testing::AssertionResult areLeft(const std::vector<std::string>& titles)
     {
-        return eventually(3s, [&] {
+        return eventually([&] {
             std::vector<std::string> all;
             for (const auto& [title, window] : windows())
                 all.push_back(title);
@@ -132,7 +132,7 @@ TEST_P(ProcessIdentity, ofClientsFromTheNetworkIsTheirClaimForThisMachine)
     Client forwarded(server.networkDisplay());
     forwarded.open({.title = "forwarded", .pid = pid, .machine = thisMachine()});
     forwarded.open({.title = "of none", .pid = kNoProcess, .machine = thisMachine()});
-    ASSERT_TRUE(eventually(3s, [&] { return desktop.taskbarClients().size() == 6; }));
+    ASSERT_TRUE(eventually([&] { return desktop.taskbarClients().size() == 6; }));
 
     auto all = windows();
     EXPECT_EQ(all["claimed 0"].pid, claimed.pid());
@@ -146,7 +146,7 @@ TEST_P(ProcessIdentity, ofClientsFromTheNetworkIsTheirClaimForThisMachine)
     EXPECT_TRUE(areLeft(Titles{"claimed 0", "farther", "forwarded", "of none"}));
     claimed.kill();
     const auto isPrivate = [&](const std::string& title) { return windows()[title].pid < 0; };
-    EXPECT_TRUE(eventually(2s, [&] { return isPrivate("forwarded") && isPrivate("of none"); }));
+    EXPECT_TRUE(eventually([&] { return isPrivate("forwarded") && isPrivate("of none"); }));
     EXPECT_TRUE(areLeft(Titles{"farther", "forwarded", "of none"}));
 }
 

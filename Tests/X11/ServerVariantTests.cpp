@@ -21,14 +21,14 @@ protected:
     void use(const Bar& bar, xcb_window_t first, xcb_window_t second)
     {
         pointer.moveTo(bar.state()->chipOf(first)->frame);
-        EXPECT_TRUE(eventually(3s, [&] {
+        EXPECT_TRUE(eventually([&] {
             const auto state = bar.state();
             return state && state->popup();
         }));
         clickChip(bar, first);
-        EXPECT_TRUE(eventually(3s, [&] { return desktop.activeWindow() == first; }));
+        EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == first; }));
         clickChip(bar, second, Button::secondary);
-        EXPECT_TRUE(eventually(3s, [&] {
+        EXPECT_TRUE(eventually([&] {
             const auto state = bar.state();
             return state && state->entryTitled("Close");
         }));
@@ -98,12 +98,12 @@ TEST_P(Depth, picturesOfWindowsAndIconsHaveTheirColours)
     ASSERT_TRUE(bar.appears());
     ASSERT_TRUE(settles(bar));
     const auto chip = bar.state()->chipOf(window)->frame;
-    EXPECT_TRUE(eventually(3s, [&] {
+    EXPECT_TRUE(eventually([&] {
         return shows({chip.x, chip.y, 2 * (chip.height * 11 / 20), chip.height}, red);
     })) << "the icon";
 
     pointer.moveTo(chip);
-    EXPECT_TRUE(eventually(5s, [&] {
+    EXPECT_TRUE(eventually([&] {
         const auto state = bar.state();
         if (!state || !state->popup() || state->popup()->cards.empty())
             return testing::AssertionFailure() << "no popup";

@@ -25,7 +25,7 @@ TEST_P(StoppedClients, delayNobodyElse)
     stopped.stop();
     clickChip(bar, *second, Button::middle);
     clickChip(bar, *first);
-    ASSERT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == *first; }));
+    ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == *first; }));
     ASSERT_TRUE(settles(bar));
 
     const auto opened = other.open({.title = "opened"});
@@ -35,16 +35,16 @@ TEST_P(StoppedClients, delayNobodyElse)
     ASSERT_TRUE(chip);
     const auto before = desktop.picture(chip->frame);
     other.setTitle(opened, "retitled");
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.picture(chip->frame) != before; }));
+    EXPECT_TRUE(eventually([&] { return desktop.picture(chip->frame) != before; }));
     EXPECT_TRUE(settles(bar));
     other.destroy(opened);
     EXPECT_TRUE(settles(bar));
     clickChip(bar, witness);
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.activeWindow() == witness; }));
+    EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == witness; }));
     EXPECT_TRUE(desktop.isOnTaskbar(*second));
 
     stopped.resume();
-    EXPECT_TRUE(eventually(2s, [&] { return !desktop.clientTitled("asked to close"); }));
+    EXPECT_TRUE(eventually([&] { return !desktop.clientTitled("asked to close"); }));
     EXPECT_TRUE(settles(bar));
 }
 

@@ -254,7 +254,7 @@ protected:
             for (auto few = 1 + chance.below(12); few > 0 && left > 0; --few, --left)
                 done += random.step() + '\n';
             random.settle();
-            ASSERT_TRUE(bar.agreesWith(desktop, 4s)) << "after:\n" << done;
+            ASSERT_TRUE(bar.agreesWith(desktop)) << "after:\n" << done;
             done.clear();
         }
     }
@@ -277,7 +277,7 @@ TEST_P(WindowChurn, whenTheDesktopRestsTheBarSaysWhatTheServerSays)
         Chance chance(seed);
         run(random, chance);
         random.endAll();
-        EXPECT_TRUE(bar.agreesWith(desktop, 2s)) << "when all had ended";
+        EXPECT_TRUE(bar.agreesWith(desktop)) << "when all had ended";
     }
 }
 

@@ -31,11 +31,11 @@ protected:
         const auto everywhere = client.open({.title = "everywhere"});
         const auto ordinary = client.open({.title = "ordinary"});
         client.open({.title = "another"});
-        EXPECT_TRUE(eventually(2s, [&] { return desktop.taskbarClients().size() == 5; }));
+        EXPECT_TRUE(eventually([&] { return desktop.taskbarClients().size() == 5; }));
         desktop.moveToDesktop(everywhere, kAllDesktops);
-        EXPECT_TRUE(eventually(2s, [&] { return desktop.desktopOf(everywhere) == kAllDesktops; }));
+        EXPECT_TRUE(eventually([&] { return desktop.desktopOf(everywhere) == kAllDesktops; }));
         desktop.minimise(minimised);
-        EXPECT_TRUE(eventually(2s, [&] { return desktop.isHidden(minimised); }));
+        EXPECT_TRUE(eventually([&] { return desktop.isHidden(minimised); }));
         return ordinary;
     }
 
@@ -59,7 +59,7 @@ TEST_P(WindowManagerRestart, leavesEveryChipAndThePanelInPlace)
     const auto ordinary = openWindows();
     Bar bar(server);
     ASSERT_TRUE(bar.appears());
-    ASSERT_TRUE(bar.agreesWith(desktop, 2s));
+    ASSERT_TRUE(bar.agreesWith(desktop));
     const auto before = bar.state();
     ASSERT_TRUE(before && before->visiblePanel());
     const auto& panel = *before->visiblePanel();
@@ -89,15 +89,15 @@ TEST_P(WindowManagerRestart, leavesEveryChipAndThePanelInPlace)
         const auto now = bar.state();
         return now ? agrees(*now, desktop) : testing::AssertionFailure();
     };
-    EXPECT_TRUE(eventually(2s, isRightAgain));
-    EXPECT_TRUE(eventually(2s, [&] { return desktop.workArea().bottom() == panel.frame.y; }));
+    EXPECT_TRUE(eventually(isRightAgain));
+    EXPECT_TRUE(eventually([&] { return desktop.workArea().bottom() == panel.frame.y; }));
     ASSERT_TRUE(bar.isRunning());
 
     clickChip(bar, ordinary);
     const auto answered
         = [&] { return (desktop.activeWindow() == ordinary) != desktop.isHidden(ordinary); };
-    EXPECT_TRUE(eventually(2s, answered));
-    EXPECT_TRUE(bar.agreesWith(desktop, 2s));
+    EXPECT_TRUE(eventually(answered));
+    EXPECT_TRUE(bar.agreesWith(desktop));
 }
 
 INSTANTIATE_TEST_SUITE_P(, WindowManagerRestart,

@@ -64,7 +64,7 @@ Bar::Bar(const XServer& server, const std::vector<std::string>& arguments)
 Bar::~Bar()
 {
     m_process.signal(SIGTERM);
-    const auto status = m_process.waitForEnd(5s);
+    const auto status = m_process.waitForEnd();
     EXPECT_TRUE(status) << "the bar does not end";
     EXPECT_EQ(status.value_or(0), 0) << log();
     EXPECT_FALSE(hasSanitizerReport(log())) << log();
@@ -81,7 +81,7 @@ testing::AssertionResult Bar::appears()
             return testing::AssertionFailure() << "no visible panel: " << log();
         return testing::AssertionSuccess();
     };
-    return eventually(10s, isVisible);
+    return eventually(isVisible);
 }
 
 std::string Bar::log() const
@@ -96,9 +96,9 @@ std::optional<State> Bar::state() const
     return answer.exitStatus == 0 ? State::parse(answer.output) : std::nullopt;
 }
 
-testing::AssertionResult Bar::agreesWith(Desktop& desktop, std::chrono::milliseconds deadline) const
+testing::AssertionResult Bar::agreesWith(Desktop& desktop) const
 {
-    return eventually(deadline, [&] {
+    return eventually([&] {
         const auto current = state();
         return current ? agrees(*current, desktop) : testing::AssertionFailure() << "no state";
     });
@@ -109,7 +109,7 @@ CommandResult runProgram(const Environment& environment, const std::filesystem::
 {
     const Outputs outputs{folder / "command.out", folder / "command.err"};
     Process process(commandLine(arguments), environment, outputs);
-    const auto status = process.waitForEnd(10s);
+    const auto status = process.waitForEnd();
     return {status, readFile(outputs.output), readFile(outputs.error)};
 }
 

@@ -28,8 +28,8 @@ public:
     std::string log() const;
     /// Absent, with a failure, when it does not answer.
     std::optional<State> state() const;
-    /// Whether the state says so within the deadline.
-    testing::AssertionResult agreesWith(Desktop&, std::chrono::milliseconds deadline) const;
+    /// Whether the state says so in the end.
+    testing::AssertionResult agreesWith(Desktop&) const;
 
 private:
     const XServer& m_server;

@@ -254,7 +254,7 @@ bool Desktop::managerAnswers()
 testing::AssertionResult Desktop::finishRequests()
 {
     xcb_delete_property(m_connection.get(), m_probe, m_connection.atom("_NET_FRAME_EXTENTS"));
-    if (eventually(10s, [this] { return managerAnswers(); }))
+    if (eventually([this] { return managerAnswers(); }))
         return testing::AssertionSuccess();
     return testing::AssertionFailure() << "the window manager does not answer";
 }

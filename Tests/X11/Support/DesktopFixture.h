@@ -36,7 +36,7 @@ public:
     testing::AssertionResult settles(const Bar& bar)
     {
         auto finished = desktop.finishRequests();
-        return finished ? bar.agreesWith(desktop, 3s) : finished;
+        return finished ? bar.agreesWith(desktop) : finished;
     }
 
     XServer server;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -19,12 +18,11 @@ inline constexpr bool kIsSanitized = false;
 /// Only what never comes is waited for as long: how fast the bar is, the benchmarks measure.
 inline constexpr std::chrono::milliseconds kWatchdog = 60s;
 
-/// Asks until the condition (a bool or an assertion result) holds or the deadline has passed, and
-/// gives the last answer. A machine may be busy with other things: no deadline is short.
-template <typename Condition>
-testing::AssertionResult eventually(std::chrono::milliseconds deadline, Condition condition)
+/// Asks until the condition (a bool or an assertion result) holds or the watchdog barks, and gives
+/// the last answer.
+template <typename Condition> testing::AssertionResult eventually(Condition condition)
 {
-    const auto end = std::chrono::steady_clock::now() + std::max(deadline, kWatchdog);
+    const auto end = std::chrono::steady_clock::now() + kWatchdog;
     for (;;) {
         const auto answer = testing::AssertionResult(condition());
         if (answer || std::chrono::steady_clock::now() >= end)

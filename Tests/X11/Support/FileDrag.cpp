@@ -122,7 +122,7 @@ std::optional<bool> FileDrag::waitFor(const std::string& message)
         }
         return isTaken.has_value();
     };
-    static_cast<void>(eventually(8s, hasCome));
+    static_cast<void>(eventually(hasCome));
     return isTaken;
 }
 

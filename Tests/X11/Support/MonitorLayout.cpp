@@ -12,7 +12,7 @@ void MonitorLayout::run(const std::vector<std::string>& arguments) const
     std::vector<std::string> command{"xrandr"};
     command.insert(command.end(), arguments.begin(), arguments.end());
     Process process(command, m_server.environment());
-    EXPECT_EQ(process.waitForEnd(10s), 0) << testing::PrintToString(arguments);
+    EXPECT_EQ(process.waitForEnd(), 0) << testing::PrintToString(arguments);
 }
 
 void MonitorLayout::set(const std::vector<Frame>& frames)

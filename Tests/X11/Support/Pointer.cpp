@@ -26,7 +26,7 @@ void Pointer::release(Button button)
     change(XCB_BUTTON_RELEASE, button);
     // Window managers hold each press back until they have looked at it. The server keeps the
     // release as long, and delivers it where the pointer is by then.
-    EXPECT_TRUE(eventually(2s, [&] { return !isPressed(button); }));
+    EXPECT_TRUE(eventually([&] { return !isPressed(button); }));
 }
 
 void Pointer::change(std::uint8_t event, Button button)
@@ -43,7 +43,7 @@ void Pointer::drag(const Frame& from, int toX, int toY)
     const int y = from.y + from.height / 2;
     moveTo(from);
     press(Button::primary);
-    EXPECT_TRUE(eventually(2s, [this] { return isPressed(Button::primary); }));
+    EXPECT_TRUE(eventually([this] { return isPressed(Button::primary); }));
     for (int step = 1; step <= kSteps; ++step)
         moveTo(x + (toX - x) * step / kSteps, y + (toY - y) * step / kSteps);
     release(Button::primary);

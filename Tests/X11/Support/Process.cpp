@@ -63,7 +63,7 @@ Process::~Process()
 {
     if (isRunning())
         signal(SIGKILL);
-    waitForEnd(5s);
+    waitForEnd();
 }
 
 void Process::collect()
@@ -86,9 +86,9 @@ void Process::signal(int number) const
         ::kill(m_pid, number);
 }
 
-std::optional<int> Process::waitForEnd(std::chrono::milliseconds deadline)
+std::optional<int> Process::waitForEnd()
 {
-    (void)eventually(deadline, [this] { return !isRunning(); });
+    (void)eventually([this] { return !isRunning(); });
     return m_status;
 }
 

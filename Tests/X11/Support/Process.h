@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -31,8 +30,8 @@ public:
     pid_t pid() const { return m_pid; }
     bool isRunning();
     void signal(int number) const;
-    /// Its status, 128 and the number where a signal ended it; absent if it still runs then.
-    std::optional<int> waitForEnd(std::chrono::milliseconds deadline);
+    /// Its status, 128 and the number where a signal ended it; absent if it runs on and on.
+    std::optional<int> waitForEnd();
 
 private:
     void collect();

@@ -51,7 +51,7 @@ bool WindowManager::isManaging()
 void WindowManager::end(int signal)
 {
     m_process->signal(signal);
-    EXPECT_TRUE(m_process->waitForEnd(10s)) << nameOf(m_kind) << " does not end";
+    EXPECT_TRUE(m_process->waitForEnd()) << nameOf(m_kind) << " does not end";
 }
 
 void WindowManager::beginStart()
@@ -62,14 +62,14 @@ void WindowManager::beginStart()
 void WindowManager::beginReplace()
 {
     auto successor = launch({"--replace"});
-    EXPECT_TRUE(m_process->waitForEnd(10s)) << nameOf(m_kind) << " does not give way";
+    EXPECT_TRUE(m_process->waitForEnd()) << nameOf(m_kind) << " does not give way";
     m_process = std::move(successor);
 }
 
 void WindowManager::waitUntilManaging()
 {
     // A window that is opened while openbox starts may stay unmanaged.
-    EXPECT_TRUE(eventually(20s, [this] { return isManaging() && m_desktop.managerAnswers(); }))
+    EXPECT_TRUE(eventually([this] { return isManaging() && m_desktop.managerAnswers(); }))
         << readFile(m_server.folder() / "manager.log");
 }
 

@@ -17,7 +17,7 @@ std::string waitForLine(const std::filesystem::path& path)
         text = readFile(path);
         return text.find('\n') != std::string::npos;
     };
-    EXPECT_TRUE(eventually(20s, hasLine)) << path << " stays empty";
+    EXPECT_TRUE(eventually(hasLine)) << path << " stays empty";
     return text.substr(0, text.find('\n'));
 }
 
