@@ -14,15 +14,6 @@ protected:
         auto answer = eventually([&] { return reader.hasHeard(event, text); });
         return answer << event << " of " << text;
     }
-    testing::AssertionResult becomesActive(xcb_window_t window)
-    {
-        return eventually([&] { return desktop.activeWindow() == window; });
-    }
-    static bool hasChip(const Bar& bar, xcb_window_t window)
-    {
-        const auto state = bar.state();
-        return state && state->chipOf(window);
-    }
 };
 
 // Faults: ATK in every bar's memory; a name, a focus or an end that nobody is told of; a place that
@@ -48,7 +39,7 @@ TEST_F(AccessibleBar, isReadAndPressedByAScreenReaderThatMayDie)
     const auto otherChip = reader.find("Quorvel", "second");
     ASSERT_TRUE(otherChip);
     EXPECT_TRUE(ScreenReader::has(otherChip, ATSPI_STATE_CHECKED));
-    EXPECT_EQ(ScreenReader::frame(chip), bar.state()->chipOf(first)->frame);
+    EXPECT_EQ(ScreenReader::frame(chip), bar.state().chipFrame(first));
 
     client.setTitle(first, "renamed");
     EXPECT_TRUE(hears(reader, "object:property-change:accessible-name", "renamed"));
@@ -67,7 +58,7 @@ TEST_F(AccessibleBar, isReadAndPressedByAScreenReaderThatMayDie)
 
     const auto count = reader.elementsOf("Quorvel").size();
     client.destroy(first);
-    ASSERT_TRUE(eventually([&] { return !hasChip(bar, first); }));
+    ASSERT_TRUE(eventually([&] { return !bar.state().chipOf(first); }));
     EXPECT_FALSE(ScreenReader::perform(chip, "Activate"));
     EXPECT_TRUE(hears(reader, "object:children-changed:remove", "Quorvel"));
     EXPECT_EQ(reader.elementsOf("Quorvel").size(), count - 1);

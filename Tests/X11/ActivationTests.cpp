@@ -19,7 +19,7 @@ protected:
         ASSERT_TRUE(settles(bar));
     }
 
-    testing::AssertionResult becomesActive(xcb_window_t window)
+    testing::AssertionResult isShownActive(xcb_window_t window)
     {
         auto active = eventually(
             [&] { return desktop.activeWindow() == window && !desktop.isHidden(window); });
@@ -28,7 +28,7 @@ protected:
     void typeInOther()
     {
         desktop.activate(other);
-        ASSERT_TRUE(becomesActive(other));
+        ASSERT_TRUE(isShownActive(other));
         auto* const connection = otherApplication.connection().get();
         const std::uint32_t keys = XCB_EVENT_MASK_KEY_PRESS;
         xcb_change_window_attributes(connection, other, XCB_CW_EVENT_MASK, &keys);
@@ -40,7 +40,7 @@ protected:
     void clickTarget()
     {
         clickChip(bar, target);
-        EXPECT_TRUE(becomesActive(target));
+        EXPECT_TRUE(isShownActive(target));
     }
 
     Client application{server};
@@ -107,12 +107,9 @@ TEST_P(Activation, bringsAWindowToTheFrontThatHasJustCome)
     typeInOther();
     const auto late
         = application.open({.title = "late", .applicationClass = "Target", .userTime = 0});
-    ASSERT_TRUE(eventually([&] {
-        const auto state = bar.state();
-        return state && state->chipOf(late);
-    }));
+    ASSERT_TRUE(getsChip(bar, late));
     clickChip(bar, late);
-    EXPECT_TRUE(becomesActive(late));
+    EXPECT_TRUE(isShownActive(late));
 }
 
 INSTANTIATE_TEST_SUITE_P(, Activation,

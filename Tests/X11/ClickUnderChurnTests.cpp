@@ -50,7 +50,7 @@ private:
 /// The chip at that place in a row, if any.
 std::string chipAt(const State& state, int x)
 {
-    for (const auto& chip : state.visiblePanel()->chips) {
+    for (const auto& chip : state.panel().chips) {
         if (x >= chip.frame.x && x < chip.frame.x + chip.frame.width)
             return chip.id;
     }
@@ -64,7 +64,7 @@ int widthOf(const State::Chip& chip)
 
 bool hasChip(const State& state, const std::string& id)
 {
-    const auto& chips = state.visiblePanel()->chips;
+    const auto chips = state.panel().chips;
     return std::ranges::find(chips, id, &State::Chip::id) != chips.end();
 }
 
@@ -93,13 +93,6 @@ protected:
             return;
         m_count += opens ? 1 : -1;
         client.order(order);
-    }
-    State::Panel panel() const
-    {
-        const auto state = bar->state();
-        const auto* const visible = state ? state->visiblePanel() : nullptr;
-        EXPECT_TRUE(visible);
-        return visible ? *visible : State::Panel{};
     }
     void churnAtRandom(unsigned choice)
     {
@@ -140,7 +133,7 @@ TEST_P(ClicksUnderChurn, reachTheChipThatWasUnderThePointer)
         // Now and then the hand leaves the row, which closes its gaps then.
         if (click % kClicksPerVisit == 0)
             pointer.moveTo(5, 5);
-        auto places = panel().chips;
+        auto places = bar->state().panel().chips;
         // What is cut off at the row's end lies under an arrow.
         const auto whole = widthOf(std::ranges::max(places, {}, widthOf));
         std::erase_if(places, [&](const auto& chip) { return chip.frame.width < whole; });
@@ -149,10 +142,10 @@ TEST_P(ClicksUnderChurn, reachTheChipThatWasUnderThePointer)
         // In its first half, for an arrow may cover the end of a row that is too long.
         const int x = place.x + static_cast<int>(random() % (1 + place.width / 2));
         pointer.moveTo(x, place.y + place.height / 2);
-        static_cast<void>(panel()); // an answer that may be older than the motion
+        static_cast<void>(bar->state()); // an answer that may be older than the motion
         const auto seen = bar->state();
-        ASSERT_TRUE(seen && seen->visiblePanel());
-        const auto wanted = chipAt(*seen, x);
+        ASSERT_TRUE(seen.panel().isVisible);
+        const auto wanted = chipAt(seen, x);
         if (wanted.empty())
             continue;
         while (deeds.next())
@@ -164,16 +157,16 @@ TEST_P(ClicksUnderChurn, reachTheChipThatWasUnderThePointer)
         pointer.release(Button::primary);
 
         std::optional<std::uint32_t> deed;
-        std::optional<State> after;
+        State after;
         const auto isDone = [&] {
             deed = deeds.next();
             after = bar->state();
-            return deed || !hasChip(*after, wanted);
+            return deed || !hasChip(after, wanted);
         };
         const auto tell = [&] {
             return "click " + std::to_string(click) + " at " + std::to_string(x) + " on " + wanted
-                + ", before: " + testing::PrintToString(seen->visiblePanel()->chips)
-                + ", after: " + testing::PrintToString(after->visiblePanel()->chips);
+                + ", before: " + testing::PrintToString(seen.panel().chips)
+                + ", after: " + testing::PrintToString(after.panel().chips);
         };
         ASSERT_TRUE(eventually(isDone)) << tell();
         if (!deed)

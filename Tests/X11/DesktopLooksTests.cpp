@@ -52,11 +52,7 @@ protected:
             reinterpret_cast<const char*>(&event));
         connection.sync();
     }
-    int height(const Bar& bar)
-    {
-        const auto state = bar.state();
-        return state && state->visiblePanel() ? state->visiblePanel()->frame.height : 0;
-    }
+    int height(const Bar& bar) { return bar.state().panel().frame.height; }
     /// Of the bar's ground, somewhere without a chip.
     bool isDark()
     {

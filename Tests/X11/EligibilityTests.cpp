@@ -9,16 +9,6 @@ class Eligibility : public UnderEachManager {
 protected:
     void SetUp() override { ASSERT_TRUE(bar.appears()); }
 
-    bool hasChip(xcb_window_t window) const
-    {
-        const auto state = bar.state();
-        return state && state->chipOf(window);
-    }
-    testing::AssertionResult getsChip(xcb_window_t window)
-    {
-        return eventually([&] { return hasChip(window); });
-    }
-
     Client client{server};
     Bar bar{server};
 };
@@ -28,7 +18,7 @@ TEST_P(Eligibility, comesAndGoesWithEachPropertyThatDecidesIt)
 {
     const auto window = client.open({.title = "changing", .isDecorated = false});
     const auto parent = client.open({.title = "parent"});
-    ASSERT_TRUE(getsChip(window));
+    ASSERT_TRUE(getsChip(bar, window));
     const auto setOpacity = [&](std::uint32_t opacity) {
         client.connection().setNumbers(window, "_NET_WM_WINDOW_OPACITY", "CARDINAL", {opacity});
         client.connection().sync();
@@ -56,11 +46,11 @@ TEST_P(Eligibility, comesAndGoesWithEachPropertyThatDecidesIt)
 
     for (const auto& property : properties) {
         property.refuse();
-        EXPECT_TRUE(eventually([&] { return !hasChip(window); })) << property.name;
+        EXPECT_TRUE(eventually([&] { return !bar.state().chipOf(window); })) << property.name;
         property.admit();
         // xfwm4 adds it to what is no normal window, and does not take it away.
         desktop.setState(window, "SKIP_TASKBAR", false);
-        EXPECT_TRUE(getsChip(window)) << property.name;
+        EXPECT_TRUE(getsChip(bar, window)) << property.name;
     }
 }
 

@@ -61,16 +61,15 @@ TEST_P(FileDrops, restOnChipsAndOpenWithPins)
     ASSERT_TRUE(bar.appears());
     ASSERT_TRUE(eventually([&] { return desktop.taskbarClients().size() == 2; }));
     desktop.activate(second);
-    ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == second; }));
+    ASSERT_TRUE(becomesActive(second));
     ASSERT_TRUE(settles(bar));
     const auto state = bar.state();
-    ASSERT_TRUE(state && state->chipOf(first));
-    ASSERT_EQ(state->visiblePanel()->pins.size(), 1u);
-    const auto pin = state->visiblePanel()->pins[0].frame;
+    ASSERT_EQ(state.panel().pins.size(), 1u);
+    const auto pin = state.panel().pins[0].frame;
 
     FileDrag files(server.display(), list);
-    EXPECT_EQ(files.moveTo(state->chipOf(first)->frame), false);
-    EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == first; }));
+    EXPECT_EQ(files.moveTo(state.chipFrame(first)), false);
+    EXPECT_TRUE(becomesActive(first));
     EXPECT_EQ(files.moveTo(pin), true);
     EXPECT_EQ(files.drop(), true);
     EXPECT_TRUE(eventually([&] { return readFile(opened) == "/tmp/a b\n/tmp/c\n"; }))
@@ -95,7 +94,7 @@ TEST_P(FileDrops, restOnChipsAndOpenWithPins)
     FileDrag many(
         server.display(), list, offering({"text/plain", "text/html", "STRING", "text/uri-list"}));
     EXPECT_EQ(many.moveTo(pin), true);
-    EXPECT_EQ(many.moveTo(state->visiblePanel()->showDesktop), false);
+    EXPECT_EQ(many.moveTo(state.panel().showDesktop), false);
     EXPECT_EQ(many.moveTo(pin), true);
     EXPECT_EQ(many.drop(), true);
     EXPECT_TRUE(bar.agreesWith(desktop));

@@ -1,6 +1,4 @@
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 
 #include <xkbcommon/xkbcommon-keysyms.h>
 
@@ -17,54 +15,29 @@ using Names = std::vector<std::string>;
 
 class Gestures : public UnderEachManager {
 protected:
-    /// Three pinned applications and four windows.
-    Gestures()
-    {
-        const auto folder = server.folder() / "data" / "applications";
-        std::filesystem::create_directories(folder);
-        for (const std::string name : {"one", "two", "three"})
-            std::ofstream(folder / (name + ".desktop"))
-                << "[Desktop Entry]\nType=Application\nName=" << name << "\nExec=true\n";
-        std::ofstream(server.settingsFile()) << R"({"groupWindowsByApp": false, "pinnedApps":
-            [{"id": "one", "d": 1}, {"id": "two", "d": 1}, {"id": "three", "d": 1}]})";
-        bar = std::make_unique<Bar>(server);
-    }
     void SetUp() override
     {
-        ASSERT_TRUE(bar->appears());
+        ASSERT_TRUE(bar.appears());
         for (const std::string title : {"a", "b", "c", "d"}) {
             client.open({.title = title});
             ASSERT_TRUE(eventually([&] { return chips().back() == title; }));
         }
-        ASSERT_TRUE(settles(*bar));
+        ASSERT_TRUE(settles(bar));
     }
 
-    State::Panel panel() const
-    {
-        const auto state = bar->state();
-        const auto* const visible = state ? state->visiblePanel() : nullptr;
-        EXPECT_TRUE(visible);
-        return visible ? *visible : State::Panel{};
-    }
+    State::Panel panel() const { return bar.state().panel(); }
     /// The titles on the chips from left to right; an empty one first.
     Names chips() const
     {
         Names titles{""};
-        const auto state = bar->state();
-        for (const auto& chip : state ? state->visiblePanel()->chips : std::vector<State::Chip>{}) {
-            for (const auto& window : state->windows) {
+        const auto state = bar.state();
+        for (const auto& chip : state.panel().chips) {
+            for (const auto& window : state.windows) {
                 if (chip.id == "s-" + std::to_string(window.id))
                     titles.push_back(window.title);
             }
         }
         return titles;
-    }
-    Names pins() const
-    {
-        Names names;
-        for (const auto& pin : panel().pins)
-            names.push_back(pin.id);
-        return names;
     }
     Frame chip(const std::string& title) const
     {
@@ -94,7 +67,7 @@ protected:
 
     Client client{server};
     Keyboard keyboard{server.display()};
-    std::unique_ptr<Bar> bar;
+    Bar bar{server};
 };
 
 // Faults: with a second button the release of the first is lost, and the chip goes on being dragged
@@ -113,7 +86,7 @@ TEST_P(Gestures, endWithTheButtonThatBeganThemAndCountEachClick)
         EXPECT_TRUE(stand({"", "a", "b", "c", "d"}));
         const bool wasMinimised = second == Button::secondary;
         EXPECT_TRUE(eventually([&] { return desktop.isHidden(window) == wasMinimised; }));
-        EXPECT_TRUE(settles(*bar));
+        EXPECT_TRUE(settles(bar));
     }
 
     for (int i = 0; i < 3; ++i)
@@ -122,9 +95,9 @@ TEST_P(Gestures, endWithTheButtonThatBeganThemAndCountEachClick)
 }
 
 // Faults: a drag that clicks as well, goes on after Escape, drops a place off or is forgotten with
-// the next window; pins that fall back into the old order; another window that goes to the space,
+// the next window; another window that goes to the space,
 // or none; a desktop that is not shown or not left again, with windows that pass for minimised.
-TEST_P(Gestures, moveChipsPinsAndWindowsAndShowTheDesktop)
+TEST_P(Gestures, moveChipsAndWindowsAndShowTheDesktop)
 {
     const auto active = desktop.activeWindow();
     dragBehind(chip("a"), chip("c"));
@@ -144,14 +117,6 @@ TEST_P(Gestures, moveChipsPinsAndWindowsAndShowTheDesktop)
     pointer.release(Button::primary);
     pointer.moveTo(5, 5);
 
-    const auto places = panel().pins;
-    ASSERT_EQ(pins(), (Names{"one", "two", "three"}));
-    dragBehind(places[0].frame, places[1].frame);
-    EXPECT_TRUE(eventually([&] {
-        return pins() == Names{"two", "one", "three"};
-    })) << testing::PrintToString(pins());
-    EXPECT_TRUE(stand({"", "b", "c", "a", "d", "e"})) << "after Escape";
-
     const auto cells = panel().cells;
     ASSERT_GT(cells.size(), 1u);
     const auto moved = client.windows()[2];
@@ -159,19 +124,18 @@ TEST_P(Gestures, moveChipsPinsAndWindowsAndShowTheDesktop)
     pointer.drag(chip("c"), cell.x + cell.width / 2, cell.y + cell.height / 2);
     pointer.moveTo(5, 5);
     EXPECT_TRUE(eventually([&] { return desktop.desktopOf(moved) == 1u; }));
-    EXPECT_TRUE(stand({"", "b", "a", "d", "e"}));
-    EXPECT_TRUE(settles(*bar));
+    EXPECT_TRUE(stand({"", "b", "a", "d", "e"})) << "after Escape too";
+    EXPECT_TRUE(settles(bar));
     EXPECT_EQ(desktop.currentDesktop(), 0u);
 
     for (const bool shows : {true, false}) {
         pointer.click(panel().showDesktop);
         EXPECT_TRUE(eventually([&] { return isShowingDesktop() == shows; })) << shows;
-        const auto state = bar->state();
-        for (const auto& window : state->windows)
+        for (const auto& window : bar.state().windows)
             EXPECT_FALSE(window.isMinimized) << window.title;
     }
     pointer.moveTo(5, 5);
-    EXPECT_TRUE(settles(*bar));
+    EXPECT_TRUE(settles(bar));
 }
 
 QUORVEL_UNDER_EACH_MANAGER(Gestures);

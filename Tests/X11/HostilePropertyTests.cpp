@@ -49,20 +49,12 @@ protected:
         client.setTitle(good, title);
         return eventually([&]() -> testing::AssertionResult {
             const auto state = bar.state();
-            const auto* const item = state ? state->itemOf(good) : nullptr;
-            if (!item || !state->chipOf(good))
+            const auto* const item = state.itemOf(good);
+            if (!item || !state.chipOf(good))
                 return testing::AssertionFailure() << "the good window has no chip";
             return item->title == title
                 ? testing::AssertionSuccess()
                 : testing::AssertionFailure() << "its title is " << item->title;
-        });
-    }
-
-    testing::AssertionResult getsChip(xcb_window_t window)
-    {
-        return eventually([&] {
-            const auto state = bar.state();
-            return state && state->chipOf(window);
         });
     }
 
@@ -100,7 +92,7 @@ TEST_F(HostileProperties, thatNameWhatIsNotThereDoNoHarm)
     ASSERT_TRUE(goodChipIsRight());
 
     const auto stranger = hostile.open({.title = "of no process", .pid = 0x3FFFFFFF});
-    EXPECT_TRUE(getsChip(stranger));
+    EXPECT_TRUE(getsChip(bar, stranger));
     EXPECT_TRUE(goodChipIsRight());
 }
 

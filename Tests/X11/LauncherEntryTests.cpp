@@ -67,7 +67,7 @@ TEST_F(LauncherEntryChips, showWhatApplicationsSayAsLongAsTheyAreThere)
     Bar bar{server};
     ASSERT_TRUE(bar.appears());
     desktop.activate(focused);
-    ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == focused; }));
+    ASSERT_TRUE(becomesActive(focused));
     ASSERT_TRUE(settles(bar));
 
     auto sender = std::make_unique<LauncherSender>(server);

@@ -35,7 +35,6 @@ protected:
 
     void open(const std::string& title)
     {
-        const auto count = windows.size();
         clients.push_back(std::make_unique<ClientProcess>(server, [title](Client& client, char) {
             client.open({.title = title, .answersClose = true});
         }));
@@ -43,7 +42,7 @@ protected:
         ASSERT_TRUE(eventually([&] { return desktop.clientTitled(title).has_value(); }));
         windows.push_back(*desktop.clientTitled(title));
         desktop.activate(windows.back());
-        ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == windows[count]; }));
+        ASSERT_TRUE(becomesActive(windows.back()));
         ASSERT_TRUE(settles(*bar));
     }
     bool isThere(xcb_window_t window)
@@ -56,8 +55,7 @@ protected:
     std::vector<std::string> entries() const
     {
         std::vector<std::string> titles;
-        const auto state = bar->state();
-        for (const auto& entry : state ? state->menu : std::vector<State::MenuEntry>{}) {
+        for (const auto& entry : bar->state().menu) {
             if (entry.isEnabled)
                 titles.push_back(entry.title);
         }
@@ -65,28 +63,17 @@ protected:
     }
     testing::AssertionResult isClosed()
     {
-        return eventually([&] { return bar->state()->menu.empty(); });
+        return eventually([&] { return bar->state().menu.empty(); });
     }
-    void openMenuOf(xcb_window_t window)
+    void openMenuOf(xcb_window_t window) { openMenuAt(bar->state().chipFrame(window)); }
+    Frame entry(const std::string& title)
     {
         const auto state = bar->state();
-        ASSERT_TRUE(state && state->chipOf(window));
-        openMenuAt(state->chipOf(window)->frame);
+        const auto* const found = state.entryTitled(title);
+        EXPECT_TRUE(found) << title << " is not among " << testing::PrintToString(entries());
+        return found ? found->frame : Frame{};
     }
-    void point(const std::string& title)
-    {
-        const auto state = bar->state();
-        const auto* const entry = state ? state->entryTitled(title) : nullptr;
-        ASSERT_TRUE(entry) << title << " is not among " << testing::PrintToString(entries());
-        pointer.moveTo(entry->frame);
-    }
-    void choose(const std::string& title)
-    {
-        const auto state = bar->state();
-        const auto* const entry = state ? state->entryTitled(title) : nullptr;
-        ASSERT_TRUE(entry) << title << " is not among " << testing::PrintToString(entries());
-        pointer.click(entry->frame);
-    }
+    void choose(const std::string& title) { pointer.click(entry(title)); }
     void focus()
     {
         const auto result = runProgram(server.environment(), server.folder(), {"--focus"});
@@ -100,14 +87,14 @@ protected:
     /// Between the last chip and the switcher.
     void openBarMenu()
     {
-        const auto panel = *bar->state()->visiblePanel();
+        const auto panel = bar->state().panel();
         openMenuAt({panel.frame.width / 2, panel.frame.y, 2, panel.frame.height});
     }
     /// Whether the keyboard is on what is called so; nowhere: empty.
     testing::AssertionResult isOn(const std::string& name)
     {
         return eventually([&] {
-            const auto now = bar->state()->visiblePanel()->keyFocus.value_or("");
+            const auto now = bar->state().panel().keyFocus.value_or("");
             const bool isThere = name.empty() ? now.empty() : now.find(name) != std::string::npos;
             return testing::AssertionResult(isThere) << "it is on " << now;
         });
@@ -132,7 +119,7 @@ TEST_P(Menus, andTheBarAreWalkedByKeyboardAndLeftAgain)
     keyboard.type(XKB_KEY_Left);
     EXPECT_TRUE(isOn("first"));
     keyboard.type(XKB_KEY_Return);
-    EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == windows[0]; }));
+    EXPECT_TRUE(becomesActive(windows[0]));
     EXPECT_TRUE(isOn(""));
     ASSERT_TRUE(settles(*bar));
 
@@ -151,7 +138,7 @@ TEST_P(Menus, andTheBarAreWalkedByKeyboardAndLeftAgain)
     EXPECT_TRUE(isOn(""));
     EXPECT_EQ(desktop.activeWindow(), windows[0]);
     clickChip(*bar, windows[1]);
-    EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == windows[1]; }));
+    EXPECT_TRUE(becomesActive(windows[1]));
     ASSERT_TRUE(settles(*bar));
 
     openMenuOf(windows[0]);
@@ -175,10 +162,10 @@ TEST_P(Menus, andTheBarAreWalkedByKeyboardAndLeftAgain)
 // one that outlives its window; an application that is started twice.
 TEST_P(Menus, doWhatTheirEntriesSay)
 {
-    pointer.moveTo(bar->state()->chipOf(windows[0])->frame);
+    pointer.moveTo(bar->state().chipFrame(windows[0]));
     pointer.press(Button::secondary);
     ASSERT_TRUE(eventually([&] { return !entries().empty(); }));
-    point("Minimise");
+    pointer.moveTo(entry("Minimise"));
     pointer.release(Button::secondary);
     EXPECT_TRUE(eventually([&] { return desktop.isHidden(windows[0]); }));
     ASSERT_TRUE(settles(*bar));
@@ -192,7 +179,7 @@ TEST_P(Menus, doWhatTheirEntriesSay)
     open("third");
     openMenuOf(windows[2]);
     clients[2]->kill();
-    ASSERT_TRUE(eventually([&] { return bar->state()->windowOf(windows[2]) == nullptr; }));
+    ASSERT_TRUE(eventually([&] { return bar->state().windowOf(windows[2]) == nullptr; }));
     choose("Close");
     EXPECT_TRUE(isClosed());
     EXPECT_TRUE(isThere(windows[0]) && isThere(windows[1]));

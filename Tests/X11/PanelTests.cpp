@@ -21,9 +21,7 @@ TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
 {
     const auto window = client.open({.title = "large"});
     ASSERT_TRUE(bar.agreesWith(desktop));
-    const auto state = bar.state();
-    ASSERT_TRUE(state && state->visiblePanel());
-    const auto panel = state->visiblePanel()->frame;
+    const auto panel = bar.state().panel().frame;
     EXPECT_EQ(panel.bottom(), 800);
     EXPECT_EQ(panel.width, 1280);
 

@@ -19,29 +19,21 @@ protected:
     void activate(xcb_window_t window)
     {
         desktop.activate(window);
-        ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == window; }));
+        ASSERT_TRUE(becomesActive(window));
     }
     std::uint32_t numberOf(xcb_window_t window) const
     {
         const auto state = bar.state();
-        const auto* const known = state ? state->windowOf(window) : nullptr;
+        const auto* const known = state.windowOf(window);
         return known ? known->id : 0;
     }
-    void pointAtChip(xcb_window_t window)
-    {
-        const auto state = bar.state();
-        ASSERT_TRUE(state && state->chipOf(window));
-        pointer.moveTo(state->chipOf(window)->frame);
-    }
+    void pointAtChip(xcb_window_t window) { pointer.moveTo(bar.state().chipFrame(window)); }
     /// The windows of which the popup shows pictures; empty while none is open.
     std::vector<std::uint32_t> shown() const
     {
         std::vector<std::uint32_t> numbers;
-        const auto state = bar.state();
-        if (state && state->popup()) {
-            for (const auto& card : state->popup()->cards)
-                numbers.push_back(card.window);
-        }
+        for (const auto& card : bar.state().cards())
+            numbers.push_back(card.window);
         return numbers;
     }
     testing::AssertionResult opens(const std::vector<std::uint32_t>& numbers)
@@ -54,8 +46,7 @@ protected:
     {
         State::Card found;
         const auto isInPlace = [&] {
-            const auto state = bar.state();
-            const auto* const popup = state ? state->popup() : nullptr;
+            const auto popup = bar.state().panel().popup;
             if (!popup || popup->cards.size() <= index)
                 return false;
             found = popup->cards[index];
@@ -93,7 +84,7 @@ TEST_P(Popups, comeAtRestStayWhileUsedAndLeadToTheirWindows)
     ASSERT_TRUE(staysTrue(400ms, [&] { return shown() == std::vector{first}; }));
     EXPECT_EQ(desktop.activeWindow(), windows[1]);
     pointer.click(card(0).frame);
-    EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == windows[0]; }));
+    EXPECT_TRUE(becomesActive(windows[0]));
     EXPECT_TRUE(closes());
 
     pointAtChip(windows[1]);
@@ -151,11 +142,10 @@ TEST_F(Compositor, mayComeAndGoAtAnyTime)
     setRunning(true);
     EXPECT_TRUE(eventually([&] { return depthOfBar() == 32; }));
 
-    pointer.moveTo(bar.state()->chipOf(ground)->frame);
+    pointer.moveTo(bar.state().chipFrame(ground));
     Frame popup;
     ASSERT_TRUE(eventually([&] {
-        const auto state = bar.state();
-        popup = state && state->popup() ? state->popup()->frame : Frame{};
+        popup = bar.state().panel().popup.value_or(State::Popup{}).frame;
         const auto window = desktop.windowAt(popup.x + popup.width / 2, popup.y + 4);
         return popup.width > 0 && desktop.title(window) == "Windows" && desktop.depth(window) == 32;
     }));

@@ -31,8 +31,7 @@ protected:
     {
         EXPECT_TRUE(settles(bar));
         std::map<std::string, State::Window> byTitle;
-        const auto state = bar.state();
-        for (const auto& window : state ? state->windows : std::vector<State::Window>{})
+        for (const auto& window : bar.state().windows)
             byTitle[window.title] = window;
         return byTitle;
     }

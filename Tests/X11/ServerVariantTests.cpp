@@ -20,18 +20,12 @@ protected:
     /// A popup, a click and a menu.
     void use(const Bar& bar, xcb_window_t first, xcb_window_t second)
     {
-        pointer.moveTo(bar.state()->chipOf(first)->frame);
-        EXPECT_TRUE(eventually([&] {
-            const auto state = bar.state();
-            return state && state->popup();
-        }));
+        pointer.moveTo(bar.state().chipFrame(first));
+        EXPECT_TRUE(eventually([&] { return !bar.state().cards().empty(); }));
         clickChip(bar, first);
-        EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == first; }));
+        EXPECT_TRUE(becomesActive(first));
         clickChip(bar, second, Button::secondary);
-        EXPECT_TRUE(eventually([&] {
-            const auto state = bar.state();
-            return state && state->entryTitled("Close");
-        }));
+        EXPECT_TRUE(eventually([&] { return bar.state().entryTitled("Close") != nullptr; }));
         pointer.click({600, 60, 2, 2});
     }
 };
@@ -97,17 +91,15 @@ TEST_P(Depth, picturesOfWindowsAndIconsHaveTheirColours)
     Bar bar{server};
     ASSERT_TRUE(bar.appears());
     ASSERT_TRUE(settles(bar));
-    const auto chip = bar.state()->chipOf(window)->frame;
+    const auto chip = bar.state().chipFrame(window);
     EXPECT_TRUE(eventually([&] {
         return shows({chip.x, chip.y, 2 * (chip.height * 11 / 20), chip.height}, red);
     })) << "the icon";
 
     pointer.moveTo(chip);
     EXPECT_TRUE(eventually([&] {
-        const auto state = bar.state();
-        if (!state || !state->popup() || state->popup()->cards.empty())
-            return testing::AssertionFailure() << "no popup";
-        return shows(state->popup()->cards[0].frame, red);
+        const auto cards = bar.state().cards();
+        return cards.empty() ? testing::AssertionFailure() : shows(cards[0].frame, red);
     })) << "the picture";
 }
 

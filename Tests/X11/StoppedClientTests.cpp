@@ -25,22 +25,20 @@ TEST_P(StoppedClients, delayNobodyElse)
     stopped.stop();
     clickChip(bar, *second, Button::middle);
     clickChip(bar, *first);
-    ASSERT_TRUE(eventually([&] { return desktop.activeWindow() == *first; }));
+    ASSERT_TRUE(becomesActive(*first));
     ASSERT_TRUE(settles(bar));
 
     const auto opened = other.open({.title = "opened"});
     ASSERT_TRUE(settles(bar));
-    const auto state = bar.state();
-    const auto* const chip = state ? state->chipOf(opened) : nullptr;
-    ASSERT_TRUE(chip);
-    const auto before = desktop.picture(chip->frame);
+    const auto chip = bar.state().chipFrame(opened);
+    const auto before = desktop.picture(chip);
     other.setTitle(opened, "retitled");
-    EXPECT_TRUE(eventually([&] { return desktop.picture(chip->frame) != before; }));
+    EXPECT_TRUE(eventually([&] { return desktop.picture(chip) != before; }));
     EXPECT_TRUE(settles(bar));
     other.destroy(opened);
     EXPECT_TRUE(settles(bar));
     clickChip(bar, witness);
-    EXPECT_TRUE(eventually([&] { return desktop.activeWindow() == witness; }));
+    EXPECT_TRUE(becomesActive(witness));
     EXPECT_TRUE(desktop.isOnTaskbar(*second));
 
     stopped.resume();

@@ -60,20 +60,16 @@ TEST_P(WindowManagerRestart, leavesEveryChipAndThePanelInPlace)
     Bar bar(server);
     ASSERT_TRUE(bar.appears());
     ASSERT_TRUE(bar.agreesWith(desktop));
-    const auto before = bar.state();
-    ASSERT_TRUE(before && before->visiblePanel());
-    const auto& panel = *before->visiblePanel();
+    const auto panel = bar.state().panel();
     ASSERT_EQ(panel.chips.size(), 4u);
     const auto holdsStill = [&]() -> testing::AssertionResult {
         const auto now = bar.state();
-        const auto* const shown = now ? now->visiblePanel() : nullptr;
-        if (!shown)
-            return testing::AssertionFailure() << "no panel";
-        if (shown->chips != panel.chips)
+        const auto shown = now.panel();
+        if (shown.chips != panel.chips)
             return testing::AssertionFailure()
-                << "chips " << testing::PrintToString(shown->chips) << " on space " << shown->space
-                << " of " << testing::PrintToString(now->windows);
-        return testing::AssertionResult(shown->frame == panel.frame) << "the panel has moved";
+                << "chips " << testing::PrintToString(shown.chips) << " on space " << shown.space
+                << " of " << testing::PrintToString(now.windows);
+        return testing::AssertionResult(shown.frame == panel.frame) << "the panel has moved";
     };
 
     endManager();
@@ -86,8 +82,7 @@ TEST_P(WindowManagerRestart, leavesEveryChipAndThePanelInPlace)
 
     const auto isRightAgain = [&] {
         EXPECT_TRUE(holdsStill()) << "after the window manager's start";
-        const auto now = bar.state();
-        return now ? agrees(*now, desktop) : testing::AssertionFailure();
+        return agrees(bar.state(), desktop);
     };
     EXPECT_TRUE(eventually(isRightAgain));
     EXPECT_TRUE(eventually([&] { return desktop.workArea().bottom() == panel.frame.y; }));

@@ -76,8 +76,7 @@ testing::AssertionResult Bar::appears()
         const auto answer = askForState(m_server);
         if (answer.exitStatus != 0)
             return testing::AssertionFailure() << "no state: " << answer.error << log();
-        const auto current = State::parse(answer.output);
-        if (!current || !current->visiblePanel())
+        if (!State::parse(answer.output).panel().isVisible)
             return testing::AssertionFailure() << "no visible panel: " << log();
         return testing::AssertionSuccess();
     };
@@ -89,19 +88,16 @@ std::string Bar::log() const
     return readFile(m_log);
 }
 
-std::optional<State> Bar::state() const
+State Bar::state() const
 {
     const auto answer = askForState(m_server);
     EXPECT_EQ(answer.exitStatus, 0) << answer.error << log();
-    return answer.exitStatus == 0 ? State::parse(answer.output) : std::nullopt;
+    return answer.exitStatus == 0 ? State::parse(answer.output) : State{};
 }
 
 testing::AssertionResult Bar::agreesWith(Desktop& desktop) const
 {
-    return eventually([&] {
-        const auto current = state();
-        return current ? agrees(*current, desktop) : testing::AssertionFailure() << "no state";
-    });
+    return eventually([&] { return agrees(state(), desktop); });
 }
 
 CommandResult runProgram(const Environment& environment, const std::filesystem::path& folder,

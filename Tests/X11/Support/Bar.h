@@ -26,8 +26,8 @@ public:
     bool isRunning() { return m_process.isRunning(); }
     Process& process() { return m_process; }
     std::string log() const;
-    /// Absent, with a failure, when it does not answer.
-    std::optional<State> state() const;
+    /// Empty, with a failure, when it does not answer.
+    State state() const;
     /// Whether the state says so in the end.
     testing::AssertionResult agreesWith(Desktop&) const;
 

@@ -26,10 +26,18 @@ public:
     void clickChip(const Bar& bar, xcb_window_t window, Button button = Button::primary)
     {
         const auto state = bar.state();
-        const auto* const chip = state ? state->chipOf(window) : nullptr;
-        ASSERT_TRUE(chip) << "no chip for " << desktop.title(window);
-        pointer.click(chip->frame, button);
+        ASSERT_TRUE(state.chipOf(window)) << "no chip for " << desktop.title(window);
+        pointer.click(state.chipFrame(window), button);
         pointer.moveTo(5, 5);
+    }
+
+    testing::AssertionResult becomesActive(xcb_window_t window)
+    {
+        return eventually([&] { return desktop.activeWindow() == window; });
+    }
+    static testing::AssertionResult getsChip(const Bar& bar, xcb_window_t window)
+    {
+        return eventually([&] { return bar.state().chipOf(window) != nullptr; });
     }
 
     /// Whether the bar agrees with what there is once everything has been done that was begun.

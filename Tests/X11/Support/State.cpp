@@ -15,118 +15,80 @@ namespace {
 
 using Json = nlohmann::json;
 
-template <typename Value> std::optional<Value> optional(const Json& json)
+template <typename Value> void readValue(const Json& json, Value& value)
 {
-    return json.is_null() ? std::nullopt : std::optional{json.get<Value>()};
+    json.get_to(value);
+}
+template <typename Value> void readValue(const Json& json, std::optional<Value>& value)
+{
+    if (!json.is_null())
+        json.get_to(value.emplace());
 }
 
-Frame frameFrom(const Json& json)
+void read(const Json&)
 {
-    const auto at = [&](std::size_t index) {
-        return static_cast<int>(std::lround(json.at(index).get<double>()));
-    };
-    return {at(0), at(1), at(2), at(3)};
+}
+/// Pairs of a key that must be there and where its value goes.
+template <typename Value, typename... More>
+void read(const Json& json, const char* key, Value& value, More&&... more)
+{
+    readValue(json.at(key), value);
+    read(json, more...);
 }
 
-template <typename Element>
-std::vector<Element> listFrom(const Json& json, Element (*convert)(const Json&))
-{
-    std::vector<Element> list;
-    std::transform(json.begin(), json.end(), std::back_inserter(list), convert);
-    return list;
 }
 
-State::Window windowFrom(const Json& json)
+// The library looks for these beside their types.
+static void from_json(const Json& json, Frame& frame)
 {
-    return {.id = json.at("id"),
-        .xid = optional<xcb_window_t>(json.at("xid")),
-        .pid = json.at("pid"),
-        .app = json.at("app"),
-        .bundle = json.at("bundle"),
-        .title = json.at("title"),
-        .frame = frameFrom(json.at("frame")),
-        .isMinimized = json.at("minimized"),
-        .spaces = json.at("spaces")};
+    int* const numbers[]{&frame.x, &frame.y, &frame.width, &frame.height};
+    for (std::size_t i = 0; i < 4; ++i)
+        *numbers[i] = static_cast<int>(std::lround(json.at(i).get<double>()));
+}
+static void from_json(const Json& json, State::Window& window)
+{
+    read(json, "id", window.id, "xid", window.xid, "pid", window.pid, "app", window.app, "bundle",
+        window.bundle, "title", window.title, "frame", window.frame, "minimized",
+        window.isMinimized, "spaces", window.spaces);
+}
+static void from_json(const Json& json, State::Item& item)
+{
+    read(json, "id", item.id, "title", item.title, "windows", item.windows, "focused",
+        item.isFocused, "minimized", item.isMinimized);
+}
+static void from_json(const Json& json, State::Space& space)
+{
+    read(json, "id", space.id, "items", space.items);
+}
+static void from_json(const Json& json, State::Chip& chip)
+{
+    read(json, json.contains("bundle") ? "bundle" : "id", chip.id, "frame", chip.frame);
+}
+static void from_json(const Json& json, State::Cell& cell)
+{
+    read(json, "space", cell.space, "frame", cell.frame);
+}
+static void from_json(const Json& json, State::Card& card)
+{
+    read(json, "window", card.window, "frame", card.frame, "close", card.closeButton);
+}
+static void from_json(const Json& json, State::Popup& popup)
+{
+    read(json, "frame", popup.frame, "cards", popup.cards);
+}
+static void from_json(const Json& json, State::Panel& panel)
+{
+    read(json, "space", panel.space, "visible", panel.isVisible, "frame", panel.frame);
+    if (json.contains("chips")) // else it has not been shown yet
+        read(json, "showDesktop", panel.showDesktop, "pins", panel.pins, "chips", panel.chips,
+            "spaceCells", panel.cells, "popup", panel.popup, "keyFocus", panel.keyFocus);
+}
+static void from_json(const Json& json, State::MenuEntry& entry)
+{
+    read(json, "title", entry.title, "enabled", entry.isEnabled, "frame", entry.frame);
 }
 
-State::Item itemFrom(const Json& json)
-{
-    return {.id = json.at("id"),
-        .title = json.at("title"),
-        .windows = json.at("windows"),
-        .isFocused = json.at("focused"),
-        .isMinimized = json.at("minimized")};
-}
-
-State::Space spaceFrom(const Json& json)
-{
-    return {.id = json.at("id"), .items = listFrom(json.at("items"), itemFrom)};
-}
-
-State::Chip chipFrom(const Json& json)
-{
-    return {.id = json.at("id"), .frame = frameFrom(json.at("frame"))};
-}
-
-State::Chip pinFrom(const Json& json)
-{
-    return {.id = json.at("bundle"), .frame = frameFrom(json.at("frame"))};
-}
-
-State::Cell cellFrom(const Json& json)
-{
-    return {.space = json.at("space"), .frame = frameFrom(json.at("frame"))};
-}
-
-State::Card cardFrom(const Json& json)
-{
-    return {.window = json.at("window"),
-        .frame = frameFrom(json.at("frame")),
-        .closeButton = frameFrom(json.at("close"))};
-}
-
-std::optional<State::Popup> popupFrom(const Json& json)
-{
-    if (json.is_null())
-        return std::nullopt;
-    return State::Popup{
-        .frame = frameFrom(json.at("frame")), .cards = listFrom(json.at("cards"), cardFrom)};
-}
-
-State::Panel panelFrom(const Json& json)
-{
-    // A bar that has not been shown yet has nothing on it.
-    if (!json.contains("chips"))
-        return {.space = json.at("space"),
-            .isVisible = json.at("visible"),
-            .frame = frameFrom(json.at("frame")),
-            .menuButton = {},
-            .showDesktop = {},
-            .spaceList = {},
-            .pins = {},
-            .chips = {},
-            .cells = {},
-            .popup = {},
-            .keyFocus = {}};
-    return {.space = json.at("space"),
-        .isVisible = json.at("visible"),
-        .frame = frameFrom(json.at("frame")),
-        .menuButton = frameFrom(json.at("menuButton")),
-        .showDesktop = frameFrom(json.at("showDesktop")),
-        .spaceList = frameFrom(json.at("spaceList")),
-        .pins = listFrom(json.at("pins"), pinFrom),
-        .chips = listFrom(json.at("chips"), chipFrom),
-        .cells = listFrom(json.at("spaceCells"), cellFrom),
-        .popup = popupFrom(json.at("popup")),
-        .keyFocus = optional<std::string>(json.at("keyFocus"))};
-}
-
-State::MenuEntry entryFrom(const Json& json)
-{
-    return {.title = json.at("title"),
-        .isEnabled = json.at("enabled"),
-        .frame = frameFrom(json.at("frame"))};
-}
+namespace {
 
 bool shows(const State::Item& item, std::uint32_t window)
 {
@@ -144,6 +106,16 @@ std::vector<std::uint64_t> expectedSpaces(Desktop& desktop, xcb_window_t window)
     return all;
 }
 
+std::vector<std::uint64_t> spacesShowing(const State& state, std::uint32_t window)
+{
+    std::vector<std::uint64_t> showing;
+    for (const auto& space : state.spaces) {
+        if (std::ranges::any_of(space.items, [&](auto& item) { return shows(item, window); }))
+            showing.push_back(space.id);
+    }
+    return showing;
+}
+
 testing::AssertionResult agreesOn(const State& state, Desktop& desktop, xcb_window_t client)
 {
     const auto fault = [&] { return testing::AssertionFailure() << "client " << client << ": "; };
@@ -157,9 +129,9 @@ testing::AssertionResult agreesOn(const State& state, Desktop& desktop, xcb_wind
     if (!window->isMinimized && window->frame != desktop.frame(client))
         return fault() << "at " << window->frame << ", not " << desktop.frame(client);
     const auto spaces = expectedSpaces(desktop, client);
-    if (window->spaces != spaces || state.spacesShowing(client) != spaces)
+    if (window->spaces != spaces || spacesShowing(state, window->id) != spaces)
         return fault() << "on space " << testing::PrintToString(window->spaces) << ", shown on "
-                       << testing::PrintToString(state.spacesShowing(client)) << ", not "
+                       << testing::PrintToString(spacesShowing(state, window->id)) << ", not "
                        << testing::PrintToString(spaces);
     const auto* const item = state.itemOf(client);
     if (item && (item->title != window->title || item->isMinimized != window->isMinimized))
@@ -187,17 +159,15 @@ testing::AssertionResult isInOrder(const State::Panel& panel)
 /// on several screens, and on each panel they stand in the order of the items.
 testing::AssertionResult showsItems(const State& state)
 {
-    const auto space = std::find_if(state.spaces.begin(), state.spaces.end(),
-        [&](const auto& candidate) { return candidate.id == state.activeSpace; });
     std::vector<std::string> items;
-    if (space != state.spaces.end()) {
-        for (const auto& item : space->items)
-            items.push_back(item.id);
+    for (const auto& space : state.spaces) {
+        for (const auto& item : space.items) {
+            if (space.id == state.activeSpace)
+                items.push_back(item.id);
+        }
     }
     std::set<std::string> shown;
-    for (const auto& panel : state.panels) {
-        if (!panel.isVisible)
-            continue;
+    for (const auto& panel : state.visiblePanels()) {
         if (panel.space != state.activeSpace)
             return testing::AssertionFailure() << "a panel of space " << panel.space;
         if (auto result = isInOrder(panel); !result)
@@ -211,7 +181,7 @@ testing::AssertionResult showsItems(const State& state)
             ++at;
         }
     }
-    if (!state.visiblePanel())
+    if (!state.panel().isVisible)
         return testing::AssertionFailure() << "no panel on the active space";
     if (shown != std::set<std::string>(items.begin(), items.end()))
         return testing::AssertionFailure() << "chips " << testing::PrintToString(shown)
@@ -262,85 +232,81 @@ testing::AssertionResult agreesOnFocus(const State& state, Desktop& desktop)
 
 }
 
-std::optional<State> State::parse(const std::string& json)
+State State::parse(const std::string& json)
 {
+    State state;
     try {
-        const auto root = Json::parse(json);
-        return State{.activeSpace = optional<std::uint64_t>(root.at("activeSpace")),
-            .focusedWindow = optional<std::uint32_t>(root.at("focusedWindow")),
-            .windows = listFrom(root.at("windows"), windowFrom),
-            .spaces = listFrom(root.at("spaces"), spaceFrom),
-            .panels = listFrom(root.at("panels"), panelFrom),
-            .menu = listFrom(root.at("menu"), entryFrom)};
+        read(Json::parse(json), "activeSpace", state.activeSpace, "focusedWindow",
+            state.focusedWindow, "windows", state.windows, "spaces", state.spaces, "panels",
+            state.panels, "menu", state.menu);
     } catch (const Json::exception& error) {
         ADD_FAILURE() << error.what() << " in " << json;
-        return std::nullopt;
     }
+    return state;
+}
+
+namespace {
+
+template <typename Element, typename Member, typename Value>
+const Element* findIn(const std::vector<Element>& list, Member member, const Value& value)
+{
+    const auto found = std::ranges::find(list, value, member);
+    return found == list.end() ? nullptr : &*found;
+}
+
 }
 
 const State::Window* State::windowOf(xcb_window_t xid) const
 {
-    const auto found = std::find_if(
-        windows.begin(), windows.end(), [&](const auto& window) { return window.xid == xid; });
-    return found == windows.end() ? nullptr : &*found;
+    return findIn(windows, &Window::xid, std::optional{xid});
 }
 
-const State::Panel* State::visiblePanel() const
+std::vector<State::Panel> State::visiblePanels() const
 {
-    const auto found = std::find_if(
-        panels.begin(), panels.end(), [](const auto& panel) { return panel.isVisible; });
-    return found == panels.end() ? nullptr : &*found;
+    auto visible = panels;
+    std::erase_if(visible, [](const auto& panel) { return !panel.isVisible; });
+    return visible;
 }
 
-const State::Popup* State::popup() const
+State::Panel State::panel() const
 {
-    const auto* const panel = visiblePanel();
-    return panel && panel->popup ? &*panel->popup : nullptr;
+    const auto* const visible = findIn(panels, &Panel::isVisible, true);
+    return visible ? *visible : Panel{};
+}
+
+std::vector<State::Card> State::cards() const
+{
+    const auto open = panel().popup;
+    return open ? open->cards : std::vector<Card>{};
 }
 
 const State::MenuEntry* State::entryTitled(const std::string& title) const
 {
-    const auto found = std::find_if(
-        menu.begin(), menu.end(), [&](const auto& entry) { return entry.title == title; });
-    return found == menu.end() ? nullptr : &*found;
+    return findIn(menu, &MenuEntry::title, title);
 }
 
 const State::Chip* State::chipOf(xcb_window_t xid) const
 {
     const auto* const item = itemOf(xid);
-    const auto* const panel = visiblePanel();
-    if (!item || !panel)
-        return nullptr;
-    const auto found = std::find_if(panel->chips.begin(), panel->chips.end(),
-        [&](const auto& chip) { return chip.id == item->id; });
-    return found == panel->chips.end() ? nullptr : &*found;
+    const auto* const visible = findIn(panels, &Panel::isVisible, true);
+    return item && visible ? findIn(visible->chips, &Chip::id, item->id) : nullptr;
+}
+
+Frame State::chipFrame(xcb_window_t xid) const
+{
+    const auto* const chip = chipOf(xid);
+    return chip ? chip->frame : Frame{};
 }
 
 const State::Item* State::itemOf(xcb_window_t xid) const
 {
     const auto* const window = windowOf(xid);
-    for (const auto& space : spaces) {
-        if (!window || space.id != activeSpace)
-            continue;
-        for (const auto& item : space.items) {
-            if (shows(item, window->id))
-                return &item;
-        }
-    }
-    return nullptr;
-}
-
-std::vector<std::uint64_t> State::spacesShowing(xcb_window_t xid) const
-{
-    std::vector<std::uint64_t> showing;
-    const auto* const window = windowOf(xid);
-    for (const auto& space : spaces) {
-        if (window && std::any_of(space.items.begin(), space.items.end(), [&](const auto& item) {
-                return shows(item, window->id);
-            }))
-            showing.push_back(space.id);
-    }
-    return showing;
+    const auto* const space = activeSpace ? findIn(spaces, &Space::id, *activeSpace) : nullptr;
+    if (!window || !space)
+        return nullptr;
+    const auto found = std::ranges::find_if(
+        space->items, [&](const auto& item) { return shows(item, window->id); });
+    return found == space->items.end() ? nullptr : &*found;
 }
 
 testing::AssertionResult agrees(const State& state, Desktop& desktop)

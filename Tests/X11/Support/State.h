@@ -42,7 +42,7 @@ struct State {
         std::vector<Item> items;
     };
     struct Chip {
-        std::string id;
+        std::string id; ///< of a pin: the bundle identifier
         Frame frame;
         friend bool operator==(const Chip&, const Chip&) = default;
         friend std::ostream& operator<<(std::ostream& out, const Chip& chip)
@@ -68,10 +68,8 @@ struct State {
         std::uint64_t space = 0;
         bool isVisible = false;
         Frame frame;
-        Frame menuButton;
         Frame showDesktop;
-        Frame spaceList;
-        std::vector<Chip> pins; ///< by bundle identifier
+        std::vector<Chip> pins;
         std::vector<Chip> chips;
         std::vector<Cell> cells; ///< of the space switcher
         std::optional<Popup> popup;
@@ -83,21 +81,23 @@ struct State {
         Frame frame;
     };
 
-    /// Absent unless the text is JSON that says all of this.
-    static std::optional<State> parse(const std::string& json);
+    /// Empty, with a failure, unless the text is JSON that says all of this.
+    static State parse(const std::string& json);
 
     const Window* windowOf(xcb_window_t) const;
     /// The chip of a window on the visible panel; null when there is none.
     const Chip* chipOf(xcb_window_t) const;
+    /// Of its chip; empty when there is none.
+    Frame chipFrame(xcb_window_t) const;
     /// The window's item on the active space; null when there is none.
     const Item* itemOf(xcb_window_t) const;
-    const Panel* visiblePanel() const;
-    /// The popup of the visible panel; null when none is open.
-    const Popup* popup() const;
+    std::vector<Panel> visiblePanels() const;
+    /// The first that is visible; an invisible one when there is none.
+    Panel panel() const;
+    /// Of the popup of the visible panel; none when none is open.
+    std::vector<Card> cards() const;
     /// The first of that title in the open menu; null when there is none.
     const MenuEntry* entryTitled(const std::string&) const;
-    /// The numbers of the spaces on which the window has an item.
-    std::vector<std::uint64_t> spacesShowing(xcb_window_t) const;
 
     std::optional<std::uint64_t> activeSpace;
     std::optional<std::uint32_t> focusedWindow;
