@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <random>
 
 #include "Tests/Support/BarFixture.h"
@@ -60,10 +61,15 @@ struct ChurnOperations : BarFixture {
         }
         return any(windows).value_or(nullptr);
     }
-    FakeWindow* anyFreeWindow()
+    FakeWindow* anyFreeWindow(bool orHung = false)
+    {
+        auto* window = anyWindow(orHung);
+        return window && !isFullScreen(*window) ? window : nullptr;
+    }
+    FakeWindow* anyShownWindow()
     {
         auto* window = anyWindow();
-        return window && !isFullScreen(*window) ? window : nullptr;
+        return window && !window->isMinimized ? window : nullptr;
     }
     bool isFullScreen(const FakeWindow& window)
     {
@@ -96,7 +102,7 @@ struct ChurnOperations : BarFixture {
         later.push_back(desktop.dispatch().world().after(seconds(upTo(limit)), std::move(work)));
     }
 
-    // MARK: What happens. False if there was nothing that it could happen to.
+    // MARK: What happens; where it tells, false if there was nothing that it could happen to.
 
     bool launch()
     {
@@ -109,40 +115,31 @@ struct ChurnOperations : BarFixture {
             .startsAnsweringAfter = oneIn(2) ? seconds(upTo(6)) : Duration::zero()});
         return true;
     }
-    bool activate()
+    bool toApplication(const std::function<void(ProcessID)>& happen, bool orHung = false)
     {
-        auto pid = anyApplication(true);
+        auto pid = anyApplication(orHung);
         if (pid)
-            desktop.activate(*pid);
+            happen(*pid);
         return pid.has_value();
     }
-    bool quit()
+    bool toWindow(FakeWindow* window, const std::function<void(FakeWindow&)>& happen)
     {
-        auto pid = anyApplication();
-        if (!pid)
-            return false;
-        desktop.terminate(*pid);
-        return ended.insert(*pid).second;
+        if (window)
+            happen(*window);
+        return window;
     }
-    bool crash()
+    void end(ProcessID pid, bool isCrash)
     {
-        auto pid = anyApplication(true);
-        if (!pid)
-            return false;
-        desktop.crash(*pid);
-        return ended.insert(*pid).second;
+        isCrash ? desktop.crash(pid) : desktop.terminate(pid);
+        ended.insert(pid);
     }
-    bool hang()
+    void hang(ProcessID pid)
     {
-        auto pid = anyApplication();
-        if (!pid)
-            return false;
-        desktop.application(*pid).faults.isHung = true;
+        desktop.application(pid).faults.isHung = true;
         soon(kLongestHang, [this, pid] {
-            if (auto* application = desktop.model().application(*pid))
+            if (auto* application = desktop.model().application(pid))
                 application->faults.isHung = false;
         });
-        return true;
     }
     bool open()
     {
@@ -163,19 +160,13 @@ struct ChurnOperations : BarFixture {
                 .serverDelay = oneIn(3) ? seconds(upTo(0.9)) : Duration::zero()});
         return true;
     }
-    bool close()
+    void retitle(FakeWindow& window)
     {
-        auto* window = anyWindow();
-        if (window)
-            desktop.close(window->id);
-        return window;
+        desktop.retitle(window.id, "Title " + std::to_string(below(1000)));
     }
-    bool retitle()
+    void resize(FakeWindow& window)
     {
-        auto* window = anyWindow();
-        if (window)
-            desktop.retitle(window->id, "Title " + std::to_string(below(1000)));
-        return window;
+        desktop.resize(window.id, anyFrame(*window.spaces.begin()).size());
     }
     void placeOn(FakeWindow& window, SpaceID space, const Rect& frame)
     {
@@ -183,85 +174,36 @@ struct ChurnOperations : BarFixture {
         desktop.place(window.id, frame);
     }
     /// Onto another display it takes the space that is shown there.
-    bool move()
+    void move(FakeWindow& window)
     {
-        auto* window = anyFreeWindow();
-        if (!window)
-            return false;
         auto display = *any(desktop.model().displays);
         auto space
-            = desktop.model().displayOfSpace(*window->spaces.begin())->number == display.number
-            ? *window->spaces.begin()
+            = desktop.model().displayOfSpace(*window.spaces.begin())->number == display.number
+            ? *window.spaces.begin()
             : ordinarySpaces(display).front();
-        placeOn(*window, space, Rect::from(anyFrame(space).origin(), window->frame.size()));
-        return true;
+        placeOn(window, space, Rect::from(anyFrame(space).origin(), window.frame.size()));
     }
-    bool resize()
+    void changeSpace(FakeWindow& window)
     {
-        auto* window = anyFreeWindow();
-        if (window)
-            desktop.resize(window->id, anyFrame(*window->spaces.begin()).size());
-        return window;
-    }
-    bool minimise()
-    {
-        auto* window = anyFreeWindow();
-        if (window)
-            desktop.minimise(window->id);
-        return window;
-    }
-    bool restore()
-    {
-        auto* window = anyWindow();
-        if (window)
-            desktop.restore(window->id);
-        return window;
-    }
-    bool focus()
-    {
-        auto* window = anyWindow();
-        if (!window || window->isMinimized)
-            return false;
-        desktop.focus(window->id);
-        return true;
-    }
-    bool changeSpace()
-    {
-        auto* window = anyWindow(true);
-        if (!window || isFullScreen(*window))
-            return false;
         auto space = anySpace();
-        placeOn(*window, space, anyFrame(space));
-        return true;
+        placeOn(window, space, anyFrame(space));
     }
-    bool switchSpace()
+    void switchSpace()
     {
         auto& display = desktop.model().displays.front();
         auto spaces = ordinarySpaces(display);
         std::erase(spaces, display.current);
         desktop.activateSpace(any(spaces).value());
-        return true;
     }
-    bool wake()
+    void toggleFullScreen(FakeWindow& window)
     {
-        desktop.wake();
-        return true;
-    }
-    bool toggleFullScreen()
-    {
-        auto* window = anyWindow();
-        if (!window || window->isMinimized)
-            return false;
-        auto& display = *desktop.model().displayOfSpace(*window->spaces.begin());
-        if (isFullScreen(*window)) {
-            leaveFullScreen(*window, display);
-            return true;
-        }
+        auto& display = *desktop.model().displayOfSpace(*window.spaces.begin());
+        if (isFullScreen(window))
+            return leaveFullScreen(window, display);
         SpaceID space{nextFullScreenSpace++};
         display.spaces.push_back({space, 4});
-        placeOn(*window, space, display.frame.flipped(desktop.model().flipHeight()));
+        placeOn(window, space, display.frame.flipped(desktop.model().flipHeight()));
         desktop.activateSpace(space);
-        return true;
     }
     void leaveFullScreen(FakeWindow& window, FakeDisplay& display)
     {
@@ -271,7 +213,7 @@ struct ChurnOperations : BarFixture {
         desktop.activateSpace(space);
         std::erase_if(display.spaces, [&](auto& each) { return each.id == old; });
     }
-    bool changeDisplays()
+    void changeDisplays()
     {
         constexpr Size kSizes[] = {{1440, 900}, {1680, 1050}, {1280, 800}};
         auto displays = desktop.model().displays;
@@ -293,14 +235,10 @@ struct ChurnOperations : BarFixture {
             if (!desktop.model().displayOfSpace(*window->spaces.begin()))
                 placeOn(*window, space, anyFrame(space));
         }
-        return true;
     }
-    bool lieAboutWindow()
+    void lieAbout(FakeWindow& window)
     {
-        auto* window = anyWindow();
-        if (!window)
-            return false;
-        auto& faults = window->faults;
+        auto& faults = window.faults;
         switch (below(5)) {
         case 0:
             faults.isListed = false;
@@ -315,23 +253,19 @@ struct ChurnOperations : BarFixture {
             faults.wrongAttributes["AXRole"] = std::string{"AXHelpTag"};
             break;
         default:
-            window->isInSpaceLists = false;
+            window.isInSpaceLists = false;
         }
         auto longest = faults.wrongAttributes.empty() ? kLongestLie : kLongestMisjudgement;
-        soon(longest, [this, id = window->id] {
+        soon(longest, [this, id = window.id] {
             if (auto* still = desktop.model().window(id)) {
                 still->faults = {};
                 still->isInSpaceLists = true;
             }
         });
-        return true;
     }
-    bool lieAboutApplication()
+    void lieAbout(ProcessID pid)
     {
-        auto pid = anyApplication();
-        if (!pid)
-            return false;
-        auto& faults = desktop.application(*pid).faults;
+        auto& faults = desktop.application(pid).faults;
         switch (below(3)) {
         case 0:
             faults.missingAttributes = {"AXWindows"};
@@ -344,44 +278,56 @@ struct ChurnOperations : BarFixture {
                 "AXUIElementDestroyed", "AXFocusedWindowChanged"};
         }
         soon(kLongestLie, [this, pid] {
-            if (auto* application = desktop.model().application(*pid)) {
+            if (auto* application = desktop.model().application(pid)) {
                 bool isHung = application->faults.isHung;
                 application->faults = {.isHung = isHung};
             }
         });
-        return true;
     }
+
+    /// What happens, and how often.
+    const std::vector<std::pair<double, std::function<bool()>>> operations{
+        {3, [this] { return launch(); }},
+        {8, [this] { return toApplication([this](auto pid) { desktop.activate(pid); }, true); }},
+        {0.7, [this] { return toApplication([this](auto pid) { end(pid, false); }); }},
+        {0.7, [this] { return toApplication([this](auto pid) { end(pid, true); }, true); }},
+        {1.5, [this] { return toApplication([this](auto pid) { hang(pid); }); }},
+        {2, [this] { return toApplication([this](auto pid) { lieAbout(pid); }); }},
+        {14, [this] { return open(); }},
+        {9, [this] { return toWindow(anyWindow(), [this](auto& it) { desktop.close(it.id); }); }},
+        {8, [this] { return toWindow(anyWindow(), [this](auto& it) { retitle(it); }); }},
+        {8, [this] { return toWindow(anyFreeWindow(), [this](auto& it) { move(it); }); }},
+        {8, [this] { return toWindow(anyFreeWindow(), [this](auto& it) { resize(it); }); }},
+        {6,
+            [this] {
+                return toWindow(anyFreeWindow(), [this](auto& it) { desktop.minimise(it.id); });
+            }},
+        {6, [this] { return toWindow(anyWindow(), [this](auto& it) { desktop.restore(it.id); }); }},
+        {6,
+            [this] {
+                return toWindow(anyShownWindow(), [this](auto& it) { desktop.focus(it.id); });
+            }},
+        {4,
+            [this] {
+                return toWindow(anyFreeWindow(true), [this](auto& it) { changeSpace(it); });
+            }},
+        {2,
+            [this] {
+                return toWindow(anyShownWindow(), [this](auto& it) { toggleFullScreen(it); });
+            }},
+        {3, [this] { return toWindow(anyWindow(), [this](auto& it) { lieAbout(it); }); }},
+        {3, [this] { return switchSpace(), true; }},
+        {1, [this] { return desktop.wake(), true; }},
+        {1, [this] { return changeDisplays(), true; }},
+    };
 
     bool playOne()
     {
-        using Operation = bool (ChurnOperations::*)();
-        static const std::vector<std::pair<double, Operation>> operations{
-            {3, &ChurnOperations::launch},
-            {8, &ChurnOperations::activate},
-            {0.7, &ChurnOperations::quit},
-            {0.7, &ChurnOperations::crash},
-            {1.5, &ChurnOperations::hang},
-            {14, &ChurnOperations::open},
-            {9, &ChurnOperations::close},
-            {8, &ChurnOperations::retitle},
-            {8, &ChurnOperations::move},
-            {8, &ChurnOperations::resize},
-            {6, &ChurnOperations::minimise},
-            {6, &ChurnOperations::restore},
-            {6, &ChurnOperations::focus},
-            {4, &ChurnOperations::changeSpace},
-            {3, &ChurnOperations::switchSpace},
-            {1, &ChurnOperations::wake},
-            {2, &ChurnOperations::toggleFullScreen},
-            {1, &ChurnOperations::changeDisplays},
-            {3, &ChurnOperations::lieAboutWindow},
-            {2, &ChurnOperations::lieAboutApplication},
-        };
         std::vector<double> weights;
         for (auto& [weight, operation] : operations)
             weights.push_back(weight);
         auto choice = std::discrete_distribution<std::size_t>(weights.begin(), weights.end());
-        return (this->*operations[choice(random)].second)();
+        return operations[choice(random)].second();
     }
     void play(int count)
     {

@@ -53,6 +53,18 @@ AXReply answer(const std::optional<WindowID>& window)
     return window ? answer(AXValue{elementOf(*window)}) : AXReply{AXError::noValue, {}};
 }
 
+/// What it says instead of the truth, if it does.
+template <typename Faults>
+std::optional<AXReply> lie(const Faults& faults, std::string_view attribute)
+{
+    std::string name{attribute};
+    if (faults.missingAttributes.contains(name))
+        return AXReply{AXError::attributeUnsupported, {}};
+    auto wrong = faults.wrongAttributes.find(name);
+    return wrong == faults.wrongAttributes.end() ? std::nullopt
+                                                 : std::optional{answer(wrong->second)};
+}
+
 }
 
 /// What an element stands for; the application is null once its process is gone.
@@ -141,21 +153,17 @@ AXReply FakeAccessibility::copyAttribute(const AXElement& element, std::string_v
         return {error, {}};
     auto to = target(element);
     if (to.part == Part::application)
-        return applicationAttribute(*to.application, attribute);
+        return lie(to.application->faults, attribute)
+            .value_or(applicationAttribute(*to.application, attribute));
     if (to.part == Part::window)
-        return windowAttribute(*to.windowState, attribute);
+        return lie(to.windowState->faults, attribute)
+            .value_or(windowAttribute(*to.windowState, attribute));
     return {AXError::attributeUnsupported, {}};
 }
 
 AXReply FakeAccessibility::applicationAttribute(
     FakeApplication& application, std::string_view attribute) const
 {
-    auto& faults = application.faults;
-    std::string name{attribute};
-    if (faults.missingAttributes.contains(name))
-        return {AXError::attributeUnsupported, {}};
-    if (auto wrong = faults.wrongAttributes.find(name); wrong != faults.wrongAttributes.end())
-        return answer(wrong->second);
     if (attribute == ax::windows) {
         std::vector<AXElement> listed;
         for (auto* window : m_desktop.model().windowsOf(application.info.pid)) {
@@ -185,12 +193,6 @@ bool FakeAccessibility::isListed(const FakeWindow& window) const
 AXReply FakeAccessibility::windowAttribute(
     const FakeWindow& window, std::string_view attribute) const
 {
-    auto& faults = window.faults;
-    std::string name{attribute};
-    if (faults.missingAttributes.contains(name))
-        return {AXError::attributeUnsupported, {}};
-    if (auto wrong = faults.wrongAttributes.find(name); wrong != faults.wrongAttributes.end())
-        return answer(wrong->second);
     auto& application = *m_desktop.model().application(window.pid);
     if (attribute == ax::title)
         return answer(AXValue{window.title});
@@ -212,7 +214,7 @@ AXReply FakeAccessibility::windowAttribute(
         return answer(AXValue{window.frame.size()});
     if (attribute == ax::closeButton)
         return answer(AXValue{element(Part::closeButton, raw(window.id))});
-    if (attribute == ax::windowNumber && faults.hasWindowNumber)
+    if (attribute == ax::windowNumber && window.faults.hasWindowNumber)
         return answer(AXValue{static_cast<double>(raw(window.id))});
     return {AXError::attributeUnsupported, {}};
 }

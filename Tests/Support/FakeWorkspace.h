@@ -60,7 +60,7 @@ public:
     {
         m_opened.push_back(action.identifier + " of " + url.path);
     }
-    void requestTermination(ProcessID pid) override { m_terminated.push_back(pid); }
+    void requestTermination(ProcessID) override { }
     bool isSelfActive() const override { return m_isSelfActive; }
     void activateSelf() override { m_isSelfActive = true; }
     bool activateCooperatively(ProcessID) override;
@@ -79,7 +79,6 @@ public:
     };
     const std::vector<Activated>& activations() const { return m_activations; }
     const std::vector<std::string>& opened() const { return m_opened; }
-    const std::vector<ProcessID>& terminated() const { return m_terminated; }
     /// For icons that a real canvas can draw.
     std::function<Image()> makeIcon;
     /// Icons that were looked up; a cache should keep this low.
@@ -94,7 +93,6 @@ private:
     std::map<std::string, std::string, std::less<>> m_installed;
     std::vector<Activated> m_activations;
     std::vector<std::string> m_opened;
-    std::vector<ProcessID> m_terminated;
     mutable std::map<std::string, Image> m_images;
     mutable int m_iconLookups = 0;
 };

@@ -65,7 +65,7 @@ void RecordingCanvas::pop(bool isOpacityGroup)
     m_states.pop_back();
 }
 
-template <typename Drawn> void RecordingCanvas::record(const Rect& rect, Drawn drawn)
+template <typename Kind> void RecordingCanvas::record(const Rect& rect, Kind drawn)
 {
     drawn.rect = toSurface(rect);
     drawn.visible = drawn.rect.intersected(state().clip);
@@ -80,14 +80,13 @@ void RecordingCanvas::fill(const Rect& rect, const Color& color)
 
 void RecordingCanvas::fillRounded(const Rect& rect, double radius, const Color& color)
 {
-    record(rect, DrawnFill{.rect = {}, .visible = {}, .radius = radius, .color = color});
+    record(rect, DrawnFill{{}, radius, color});
 }
 
 void RecordingCanvas::strokeRounded(
     const Rect& rect, double radius, double width, const Color& color)
 {
-    record(rect,
-        DrawnStroke{.rect = {}, .visible = {}, .radius = radius, .width = width, .color = color});
+    record(rect, DrawnStroke{{}, radius, width, color});
 }
 
 void RecordingCanvas::fillPolygon(const std::vector<Point>& corners, const Color& color)
@@ -97,28 +96,28 @@ void RecordingCanvas::fillPolygon(const std::vector<Point>& corners, const Color
         Rect point{corner.x, corner.y, 0, 0};
         around = &corner == &corners.front() ? point : around.united(point);
     }
-    record(around, DrawnPolygon{.rect = {}, .visible = {}, .color = color});
+    record(around, DrawnPolygon{{}, color});
 }
 
 void RecordingCanvas::fillGradient(
     const Rect& rect, GradientDirection direction, const std::vector<GradientStop>& stops)
 {
-    record(rect, DrawnGradient{.rect = {}, .visible = {}, .direction = direction, .stops = stops});
+    record(rect, DrawnGradient{{}, direction, stops});
 }
 
 void RecordingCanvas::drawImage(const Image& image, const Rect& rect)
 {
-    record(rect, DrawnImage{.rect = {}, .visible = {}, .image = image});
+    record(rect, DrawnImage{{}, image});
 }
 
 void RecordingCanvas::drawText(std::string_view utf8, const Rect& rect, const TextStyle& style)
 {
-    record(rect, DrawnText{.rect = {}, .visible = {}, .text = std::string{utf8}, .style = style});
+    record(rect, DrawnText{{}, std::string{utf8}, style});
 }
 
 void RecordingCanvas::drawSymbol(Symbol symbol, const Rect& rect, const Color& color)
 {
-    record(rect, DrawnSymbol{.rect = {}, .visible = {}, .symbol = symbol, .color = color});
+    record(rect, DrawnSymbol{{}, symbol, color});
 }
 
 std::vector<std::string> RecordingCanvas::texts() const

@@ -8,54 +8,38 @@
 
 namespace quorvel::test {
 
-/// What was drawn, as values in the surface's own coordinates. `visible` is what the clips leave.
-struct DrawnFill {
-    Rect rect;
-    Rect visible;
-    double radius = 0;
-    Color color;
+/// What was drawn, as values in the surface's own coordinates.
+struct Drawn {
+    Rect rect{}; ///< of a polygon: around its corners
+    Rect visible{}; ///< what the clips leave
     double opacity = 1;
 };
-struct DrawnStroke {
-    Rect rect;
-    Rect visible;
+struct DrawnFill : Drawn {
+    double radius = 0;
+    Color color;
+};
+struct DrawnStroke : Drawn {
     double radius = 0;
     double width = 0;
     Color color;
-    double opacity = 1;
 };
-struct DrawnGradient {
-    Rect rect;
-    Rect visible;
+struct DrawnGradient : Drawn {
     GradientDirection direction{};
     std::vector<GradientStop> stops;
-    double opacity = 1;
 };
-struct DrawnPolygon {
-    Rect rect; ///< around its corners
-    Rect visible;
+struct DrawnPolygon : Drawn {
     Color color;
-    double opacity = 1;
 };
-struct DrawnImage {
-    Rect rect;
-    Rect visible;
+struct DrawnImage : Drawn {
     Image image;
-    double opacity = 1;
 };
-struct DrawnText {
-    Rect rect;
-    Rect visible;
+struct DrawnText : Drawn {
     std::string text;
     TextStyle style;
-    double opacity = 1;
 };
-struct DrawnSymbol {
-    Rect rect;
-    Rect visible;
+struct DrawnSymbol : Drawn {
     Symbol symbol{};
     Color color;
-    double opacity = 1;
 };
 
 using DrawOperation = std::variant<DrawnFill, DrawnStroke, DrawnGradient, DrawnPolygon, DrawnImage,
@@ -87,11 +71,11 @@ public:
     const std::vector<DrawOperation>& operations() const { return m_operations; }
 
     /// The operations of one kind of which something is visible, in the order drawn.
-    template <typename Drawn> std::vector<Drawn> drawn() const
+    template <typename Kind> std::vector<Kind> drawn() const
     {
-        std::vector<Drawn> found;
+        std::vector<Kind> found;
         for (auto& operation : m_operations) {
-            if (auto* drawn = std::get_if<Drawn>(&operation); drawn && !drawn->visible.isEmpty())
+            if (auto* drawn = std::get_if<Kind>(&operation); drawn && !drawn->visible.isEmpty())
                 found.push_back(*drawn);
         }
         return found;
@@ -116,7 +100,7 @@ private:
     State& state() { return m_states.back(); }
     void pop(bool isOpacityGroup);
     Rect toSurface(const Rect&) const;
-    template <typename Drawn> void record(const Rect& rect, Drawn drawn);
+    template <typename Kind> void record(const Rect& rect, Kind drawn);
 
     double m_scale;
     std::vector<State> m_states;

@@ -38,7 +38,6 @@ public:
 
     /// Delayed and repeating work of the program; none means that it is idle.
     std::size_t pendingTimers() const;
-    /// Work that was begun so far.
 
     /// What the world outside the program does later; not counted as the program's timers.
     Queue& world();

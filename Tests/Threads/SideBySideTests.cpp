@@ -8,8 +8,6 @@
 #include <optional>
 
 #include <gtest/gtest.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "Quorvel/Core/BadgeService.h"
@@ -33,44 +31,18 @@ namespace {
 constexpr int kTall = 1000; ///< reaches under the bar
 constexpr int kFewestTurns = 600; ///< of the main loop
 
-/// An application whose windows come, change and go without pause. When it has opened so many, it
-/// dies of a sudden.
-class RestlessApplication {
-public:
-    /// How many windows it opens, how long they stay as they are, how tall every fourth becomes.
-    struct Habits {
-        int windows = 25;
-        useconds_t pause = 20'000;
-        int height = 200;
-    };
+/// How many windows an application opens, how long they stay as they are, how tall every fourth
+/// becomes.
+struct Habits {
+    int windows = 25;
+    useconds_t pause = 20'000;
+    int height = 200;
+};
 
-    RestlessApplication(const XServer& server, const Habits& habits) : m_pid(fork())
-    {
-        if (m_pid == 0)
-            live(server, habits);
-    }
-    RestlessApplication(const RestlessApplication&) = delete;
-    RestlessApplication& operator=(const RestlessApplication&) = delete;
-    ~RestlessApplication()
-    {
-        if (m_pid < 0)
-            return;
-        kill(m_pid, SIGKILL);
-        waitpid(m_pid, nullptr, 0);
-    }
-
-    bool hasDied()
-    {
-        if (m_pid > 0 && waitpid(m_pid, nullptr, WNOHANG) == m_pid)
-            m_pid = -1;
-        return m_pid < 0;
-    }
-
-private:
-    [[noreturn]] static void live(const XServer& server, const Habits& habits)
-    {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        Client client(server);
+/// Its windows come, change and go without pause. When it has opened so many, it dies of a sudden.
+ClientProcess::Worker restless(const Habits& habits)
+{
+    return [habits](Client& client, char) {
         for (int i = 0; i < habits.windows; ++i) {
             auto window = client.open({.title = "Window " + std::to_string(i),
                 .state = "_NET_WM_STATE_DEMANDS_ATTENTION"});
@@ -82,18 +54,15 @@ private:
                 client.destroy(window);
         }
         kill(getpid(), SIGKILL);
-        _exit(1);
-    }
-
-    pid_t m_pid;
-};
+    };
+}
 
 /// Applications that live and die, a few at a time.
 class Crowd {
 public:
     static constexpr std::size_t kAtOnce = 3;
 
-    Crowd(const XServer& server, int size, RestlessApplication::Habits habits)
+    Crowd(const XServer& server, int size, const Habits& habits)
         : m_server(server)
         , m_habits(habits)
         , m_toCome(size)
@@ -104,16 +73,18 @@ public:
     bool haveAllDied()
     {
         std::erase_if(m_applications, [](auto& application) { return application->hasDied(); });
-        for (; m_applications.size() < kAtOnce && m_toCome > 0; --m_toCome)
-            m_applications.push_back(std::make_unique<RestlessApplication>(m_server, m_habits));
+        for (; m_applications.size() < kAtOnce && m_toCome > 0; --m_toCome) {
+            m_applications.push_back(std::make_unique<ClientProcess>(m_server, restless(m_habits)));
+            m_applications.back()->order('l');
+        }
         return m_applications.empty();
     }
 
 private:
     const XServer& m_server;
-    const RestlessApplication::Habits m_habits;
+    const Habits m_habits;
     int m_toCome;
-    std::vector<std::unique_ptr<RestlessApplication>> m_applications;
+    std::vector<std::unique_ptr<ClientProcess>> m_applications;
 };
 
 struct Host : HostServices {

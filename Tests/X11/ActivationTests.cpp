@@ -1,9 +1,9 @@
-#include <array>
 #include <cstdlib>
 
-#include <xcb/xtest.h>
+#include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "Tests/X11/Support/DesktopFixture.h"
+#include "Tests/X11/Support/Keyboard.h"
 
 namespace quorvel::x11tests {
 
@@ -34,7 +34,7 @@ protected:
         xcb_change_window_attributes(connection, other, XCB_CW_EVENT_MASK, &keys);
         otherApplication.connection().sync();
         // The focus follows the active window a moment later.
-        ASSERT_TRUE(eventually([&] { return pressKey(), takeKeyPress(); }));
+        ASSERT_TRUE(eventually([&] { return keyboard.type(XKB_KEY_a), takeKeyPress(); }));
     }
     /// Clicks the target's chip as the user would, with the keys still warm.
     void clickTarget()
@@ -43,6 +43,7 @@ protected:
         EXPECT_TRUE(isShownActive(target));
     }
 
+    Keyboard keyboard{server.display()};
     Client application{server};
     Client otherApplication{server};
     Bar bar{server};
@@ -50,15 +51,6 @@ protected:
     xcb_window_t other = XCB_NONE;
 
 private:
-    void pressKey()
-    {
-        constexpr std::uint8_t kLetter = 38;
-        auto& connection = desktop.connection();
-        for (const auto event : {XCB_KEY_PRESS, XCB_KEY_RELEASE})
-            xcb_test_fake_input(connection.get(), static_cast<std::uint8_t>(event), kLetter,
-                XCB_CURRENT_TIME, connection.root(), 0, 0, 0);
-        connection.sync();
-    }
     /// What a toolkit does: it tells the manager when its user was last busy.
     bool takeKeyPress()
     {

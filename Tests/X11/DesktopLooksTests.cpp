@@ -41,16 +41,8 @@ protected:
         auto& connection = daemon.connection();
         xcb_set_selection_owner(
             connection.get(), window, connection.atom("_XSETTINGS_S0"), XCB_CURRENT_TIME);
-        xcb_client_message_event_t event{};
-        event.response_type = XCB_CLIENT_MESSAGE;
-        event.format = 32;
-        event.window = connection.root();
-        event.type = connection.atom("MANAGER");
-        event.data.data32[1] = connection.atom("_XSETTINGS_S0");
-        event.data.data32[2] = window;
-        xcb_send_event(connection.get(), 0, connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
-            reinterpret_cast<const char*>(&event));
-        connection.sync();
+        connection.send(connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY, connection.root(),
+            "MANAGER", {XCB_CURRENT_TIME, connection.atom("_XSETTINGS_S0"), window});
     }
     int height(const Bar& bar) { return bar.state().panel().frame.height; }
     /// Of the bar's ground, somewhere without a chip.

@@ -96,6 +96,17 @@ TEST_F(HostileProperties, thatNameWhatIsNotThereDoNoHarm)
     EXPECT_TRUE(goodChipIsRight());
 }
 
+// Faults: a window that makes itself invisible is judged once and for all, or again only when
+// something else happens to it.
+TEST_F(HostileProperties, thatMakeAWindowInvisibleAreHeeded)
+{
+    for (const std::uint32_t opacity : {0U, 0xFFFFFFFFU, 0U}) {
+        client.connection().setNumbers(good, "_NET_WM_WINDOW_OPACITY", "CARDINAL", {opacity});
+        client.connection().sync();
+        EXPECT_TRUE(eventually([&] { return !bar.state().chipOf(good) == (opacity == 0); }));
+    }
+}
+
 // Fault: root properties, which any client can write, taken on trust.
 TEST_F(HostileProperties, ofTheRootWindowDoNoHarm)
 {

@@ -26,10 +26,8 @@ long memoryOf(pid_t pid)
 
 }
 
-class ManyWindows : public UnderEachManager {
+class ManyWindows : public BarUnderEachManager {
 protected:
-    void SetUp() override { ASSERT_TRUE(bar.appears()); }
-
     /// Windows are opened, shown, and gone again, one by one or with their process.
     void openAndClose(int round)
     {
@@ -53,8 +51,6 @@ protected:
             openAndClose(round);
         ASSERT_TRUE(settles(bar));
     }
-
-    Bar bar{server};
 };
 
 // Faults: something kept of each window or process that there was, here or in the server.

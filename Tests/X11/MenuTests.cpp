@@ -20,7 +20,8 @@ protected:
         std::ofstream(script) << "#!/bin/sh\necho \"started $*\" >> '" << starts.string() << "'\n";
         std::filesystem::permissions(script, std::filesystem::perms::owner_all);
         std::ofstream(folder / "sample.desktop")
-            << "[Desktop Entry]\nType=Application\nName=Sample\nStartupWMClass=Sample\nExec="
+            << "[Desktop "
+               "Entry]\nType=Application\nName=Sample\nStartupWMClass=Sample\nExec="
             << script.string()
             << "\nActions=write;\n[Desktop Action write]\nName=Write\nExec=" << script.string()
             << " --write\n";

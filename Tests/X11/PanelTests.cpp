@@ -7,12 +7,9 @@
 
 namespace quorvel::x11tests {
 
-class Panel : public UnderEachManager {
+class Panel : public BarUnderEachManager {
 protected:
-    void SetUp() override { ASSERT_TRUE(bar.appears()); }
-
     Client client{server};
-    Bar bar{server};
 };
 
 // Faults: no room kept, a strut measured from the wrong edge or of the old height, room that is not

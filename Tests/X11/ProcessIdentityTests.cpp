@@ -22,10 +22,8 @@ std::string thisMachine()
 
 }
 
-class ProcessIdentity : public UnderEachManager {
+class ProcessIdentity : public BarUnderEachManager {
 protected:
-    void SetUp() override { ASSERT_TRUE(bar.appears()); }
-
     /// The bar's windows by their titles, once it agrees with the server.
     std::map<std::string, State::Window> windows()
     {
@@ -44,8 +42,6 @@ protected:
             return testing::AssertionResult(all == titles) << testing::PrintToString(all);
         });
     }
-
-    Bar bar{server};
 };
 
 using Titles = std::vector<std::string>;

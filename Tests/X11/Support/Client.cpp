@@ -228,4 +228,11 @@ void ClientProcess::kill()
     m_pid = -1;
 }
 
+bool ClientProcess::hasDied()
+{
+    if (m_pid > 0 && waitpid(m_pid, nullptr, WNOHANG) == m_pid)
+        m_pid = -1;
+    return m_pid < 0;
+}
+
 }

@@ -79,6 +79,8 @@ public:
     void stop() const;
     void resume() const;
     void kill();
+    /// Of itself.
+    bool hasDied();
 
 private:
     [[noreturn]] static void work(int orders, const XServer&, const Worker&);

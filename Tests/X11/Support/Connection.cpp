@@ -1,15 +1,12 @@
 #include "Tests/X11/Support/Connection.h"
 
-#include <cstdlib>
+#include <algorithm>
 #include <memory>
 
 namespace quorvel::x11tests {
 
 namespace {
 
-struct Free {
-    void operator()(void* reply) const { std::free(reply); }
-};
 using PropertyReply = std::unique_ptr<xcb_get_property_reply_t, Free>;
 
 PropertyReply read(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property)
@@ -51,6 +48,19 @@ void Connection::sync()
     const auto cookie = xcb_get_input_focus(m_connection);
     const std::unique_ptr<xcb_get_input_focus_reply_t, Free> reply{
         xcb_get_input_focus_reply(m_connection, cookie, nullptr)};
+}
+
+void Connection::send(xcb_window_t to, std::uint32_t events, xcb_window_t about,
+    const std::string& message, const std::vector<std::uint32_t>& data)
+{
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = about;
+    event.type = atom(message);
+    std::copy(data.begin(), data.end(), event.data.data32);
+    xcb_send_event(m_connection, 0, to, events, reinterpret_cast<const char*>(&event));
+    sync();
 }
 
 std::vector<std::uint32_t> Connection::numbers(xcb_window_t window, const std::string& property)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
 #include <map>
 #include <ostream>
 #include <string>
@@ -25,6 +26,11 @@ struct Frame {
     }
 };
 
+/// For replies and events.
+struct Free {
+    void operator()(void* reply) const { std::free(reply); }
+};
+
 /// A connection to the X server, with its atoms by name.
 class Connection {
 public:
@@ -40,6 +46,11 @@ public:
     void sync();
     /// True after the server or the window manager has cut the connection.
     bool isCut() const { return xcb_connection_has_error(m_connection) != 0; }
+
+    /// A client message about a window, to whoever selected one of the events on the other, or to
+    /// that window's own client.
+    void send(xcb_window_t to, std::uint32_t events, xcb_window_t about, const std::string& message,
+        const std::vector<std::uint32_t>& data);
 
     /// The 32-bit items of a property, empty when it is absent or has another format.
     std::vector<std::uint32_t> numbers(xcb_window_t, const std::string& property);

@@ -1,7 +1,6 @@
 #include "Tests/X11/Support/Desktop.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 
 #include <xcb/res.h>
@@ -15,10 +14,6 @@ namespace {
 constexpr std::uint32_t kPager = 2;
 constexpr std::uint32_t kIconicState = 3;
 constexpr int kSmallestOnTaskbar = 40;
-
-struct Free {
-    void operator()(void* reply) const { std::free(reply); }
-};
 
 }
 
@@ -318,16 +313,9 @@ std::optional<std::uint32_t> Desktop::number(xcb_window_t window, const std::str
 void Desktop::send(
     xcb_window_t window, const std::string& message, const std::vector<std::uint32_t>& data)
 {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = m_connection.atom(message);
-    std::copy(data.begin(), data.end(), event.data.data32);
-    xcb_send_event(m_connection.get(), 0, m_connection.root(),
-        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-        reinterpret_cast<const char*>(&event));
-    m_connection.sync();
+    m_connection.send(m_connection.root(),
+        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, window, message,
+        data);
 }
 
 }

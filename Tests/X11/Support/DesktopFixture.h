@@ -59,6 +59,14 @@ protected:
     UnderEachManager() : DesktopFixture(GetParam()) { }
 };
 
+/// With a bar that is there before any window.
+class BarUnderEachManager : public UnderEachManager {
+protected:
+    void SetUp() override { ASSERT_TRUE(bar.appears()); }
+
+    Bar bar{server};
+};
+
 inline std::string managerName(const testing::TestParamInfo<ManagerKind>& info)
 {
     return nameOf(info.param);

@@ -1,6 +1,5 @@
 #include "Tests/X11/Support/FileDrag.h"
 
-#include <cstdlib>
 #include <memory>
 
 #include "Tests/X11/Support/Eventually.h"
@@ -10,10 +9,6 @@ namespace quorvel::x11tests {
 namespace {
 
 constexpr std::uint32_t kVersion = 5;
-
-struct Free {
-    void operator()(void* reply) const { std::free(reply); }
-};
 
 }
 
@@ -73,18 +68,10 @@ std::optional<bool> FileDrag::drop()
     return isTaken;
 }
 
-void FileDrag::send(const std::string& message, const std::vector<std::uint32_t>& data)
+void FileDrag::send(const std::string& message, std::vector<std::uint32_t> data)
 {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = m_target;
-    event.type = m_connection.atom(message);
-    event.data.data32[0] = m_window;
-    std::copy(data.begin(), data.end(), event.data.data32 + 1);
-    xcb_send_event(m_connection.get(), 0, m_target, XCB_EVENT_MASK_NO_EVENT,
-        reinterpret_cast<const char*>(&event));
-    m_connection.sync();
+    data.insert(data.begin(), m_window);
+    m_connection.send(m_target, XCB_EVENT_MASK_NO_EVENT, m_target, message, data);
 }
 
 void FileDrag::answer(const xcb_selection_request_event_t& request)

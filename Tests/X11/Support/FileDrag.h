@@ -36,7 +36,7 @@ public:
 
 private:
     xcb_window_t targetAt(int x, int y);
-    void send(const std::string& message, const std::vector<std::uint32_t>& data);
+    void send(const std::string& message, std::vector<std::uint32_t> data);
     void answer(const xcb_selection_request_event_t&);
     std::optional<bool> waitFor(const std::string& message);
 

@@ -1,6 +1,5 @@
 #include "Tests/X11/Support/Pointer.h"
 
-#include <cstdlib>
 #include <memory>
 
 #include <xcb/xtest.h>
@@ -60,8 +59,8 @@ bool Pointer::isPressed(Button button)
 {
     const auto mask = XCB_BUTTON_MASK_1 << (static_cast<unsigned>(button) - 1);
     const auto cookie = xcb_query_pointer(m_connection.get(), m_connection.root());
-    const std::unique_ptr<xcb_query_pointer_reply_t, decltype(&std::free)> reply{
-        xcb_query_pointer_reply(m_connection.get(), cookie, nullptr), &std::free};
+    const std::unique_ptr<xcb_query_pointer_reply_t, Free> reply{
+        xcb_query_pointer_reply(m_connection.get(), cookie, nullptr)};
     return reply && (reply->mask & mask) != 0;
 }
 
