@@ -1,5 +1,3 @@
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -7,14 +5,9 @@
 
 #include "Hosts/Linux/Applications/DesktopEntryFile.h"
 #include "Hosts/Linux/Applications/IconThemeFile.h"
+#include "Tests/Support/Fuzz/Expect.h"
 
 namespace {
-
-void expect(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 void readAsEntry(std::string_view bytes)
 {

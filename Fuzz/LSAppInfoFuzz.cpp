@@ -1,19 +1,12 @@
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "Quorvel/Core/LSAppInfoOutput.h"
+#include "Tests/Support/Fuzz/Expect.h"
 
 namespace {
 
 using namespace quorvel;
-
-void expect(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 std::string written(const AppRecord& record)
 {

@@ -1,21 +1,14 @@
-#include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "Hosts/Linux/Applications/LauncherEntries.h"
+#include "Tests/Support/Fuzz/Expect.h"
 
 namespace {
 
 using namespace quorvel;
 using namespace quorvel::xdg;
-
-void expect(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 struct Release {
     void operator()(GVariant* value) const { g_variant_unref(value); }

@@ -1,11 +1,10 @@
-#include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <vector>
 
 #include <glib.h>
 
 #include "Hosts/X11/Desktop/Properties.h"
+#include "Tests/Support/Fuzz/Expect.h"
 
 namespace {
 
@@ -24,12 +23,6 @@ using namespace quorvel::xdg::x11;
 }();
 
 constexpr TextTypes kTypes{.utf8String = 300, .compoundText = 301};
-
-void expect(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 void expectClean(const std::string& text)
 {

@@ -1,21 +1,14 @@
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include <fmt/format.h>
 
 #include "Hosts/Linux/Drawing/UriList.h"
+#include "Tests/Support/Fuzz/Expect.h"
 
 namespace {
 
 using namespace quorvel::xdg;
-
-void expect(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 std::string written(const std::string& path)
 {

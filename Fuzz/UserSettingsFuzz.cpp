@@ -1,20 +1,13 @@
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "Quorvel/Core/UserSettingsCoding.h"
+#include "Tests/Support/Fuzz/Expect.h"
 
 namespace {
 
 using namespace quorvel;
-
-void expect(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 /// What has been understood is written so that it is understood the same way.
 void readAsFile(std::string_view bytes)

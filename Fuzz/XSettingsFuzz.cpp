@@ -1,20 +1,13 @@
 #include <cmath>
-#include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <string>
 
 #include <glib.h>
 
 #include "Hosts/X11/XSettingsData.h"
+#include "Tests/Support/Fuzz/Expect.h"
 
 namespace {
-
-void expect(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 void expectText(const std::string& text)
 {
