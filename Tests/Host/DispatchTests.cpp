@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <functional>
 #include <optional>
 #include <thread>
 #include <vector>
@@ -11,28 +10,16 @@
 #include <gtest/gtest.h>
 
 #include "Hosts/Linux/Loop/WorkSchedule.h"
+#include "Tests/Host/MainLoop.h"
 
 namespace quorvel::xdg::x11 {
 
 namespace {
 
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 
-/// The real loop, run until a condition holds or the deadline has passed.
 class HostDispatch : public testing::Test {
 protected:
-    bool runUntil(const std::function<bool()>& isDone, Clock::duration limit = 60s)
-    {
-        auto end = Clock::now() + limit;
-        auto guard = g_timeout_add(
-            10, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
-        while (!isDone() && Clock::now() < end)
-            g_main_context_iteration(nullptr, true);
-        g_source_remove(guard);
-        return isDone();
-    }
-
     /// Everything that is ready, without waiting.
     void drain()
     {
@@ -67,7 +54,7 @@ TEST_F(HostDispatch, timersRunInDueOrderAndNeverEarly)
     auto early = dispatch.main().after(Duration{4'000'001}, [&] { firstRun = dispatch.now(); });
     EXPECT_TRUE(early.isPending());
 
-    ASSERT_TRUE(runUntil([&] { return firstRun.has_value(); }));
+    ASSERT_TRUE(eventually([&] { return firstRun.has_value(); }));
     EXPECT_GE(*firstRun - start, Duration{4'000'001});
     EXPECT_FALSE(early.isPending());
     EXPECT_TRUE(late.isPending());
@@ -94,9 +81,11 @@ TEST_F(HostDispatch, cancelledWorkNeverRunsOnItsOwnThread)
         if (++runs == 3)
             repeating.cancel();
     });
-    ASSERT_TRUE(runUntil([&] { return runs == 3; }));
+    ASSERT_TRUE(eventually([&] { return runs == 3; }));
     EXPECT_FALSE(repeating.isPending());
-    runUntil([] { return false; }, 5ms);
+    bool hasWaited = false;
+    auto wait = dispatch.main().after(5ms, [&] { hasWaited = true; });
+    ASSERT_TRUE(eventually([&] { return hasWaited; }));
     EXPECT_EQ(runs, 3);
 }
 
@@ -110,7 +99,7 @@ TEST_F(HostDispatch, repetitionLeavesOutRunsThatFellBehind)
             std::this_thread::sleep_for(35ms);
     });
 
-    ASSERT_TRUE(runUntil([&] { return runs.size() >= 3; }));
+    ASSERT_TRUE(eventually([&] { return runs.size() >= 3; }));
     EXPECT_GE(runs[1] - start, Duration{40ms}); // the runs at 10, 20 and 30 ms are left out
     EXPECT_GE(runs[2] - start, Duration{50ms}); // and are not made up for at once
 }
@@ -138,7 +127,7 @@ TEST_F(HostDispatch, postsFromManyThreadsAllArriveInEachThreadsOrder)
         });
     }
 
-    EXPECT_TRUE(runUntil([&] { return arrived == kThreads * kPosts; }));
+    EXPECT_TRUE(eventually([&] { return arrived == kThreads * kPosts; }));
     EXPECT_TRUE(isOrdered);
     for (auto& thread : threads)
         thread.join();
