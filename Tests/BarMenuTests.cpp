@@ -91,9 +91,8 @@ TEST_F(BarMenuTest, menusOpenOnThePressAndOfferWhatThereIs)
     desktop.terminate(mail);
     leave();
     settle();
-    auto& content = *bar().content();
-    ASSERT_EQ(content.pinFrames().size(), 1U);
-    panel().click(content.pinFrames().front().second.centre(), PointerButton::secondary);
+    ASSERT_EQ(pinIDs().size(), 1U);
+    panel().click(content().pinFrames().front().second.centre(), PointerButton::secondary);
     EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Open"));
     settle();
     EXPECT_THAT(desktop.workspace().opened(), testing::ElementsAre("/mail"));

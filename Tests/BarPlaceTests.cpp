@@ -10,7 +10,6 @@ struct BarPlaceTest : BarFixture {
     WindowID inbox = desktop.open(desktop.launch({.name = "Mail"}), {.title = "Inbox"});
 
     BarPlaceTest() { start(); }
-    BarContentView& content() { return *bar().content(); }
 };
 
 }

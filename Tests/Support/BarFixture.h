@@ -37,16 +37,30 @@ struct BarFixture : testing::Test {
         return BarViews::panel(*runtime->barManager()->panels().at(space));
     }
     FakePanel& panel(SpaceID space = SpaceID{1}) { return *desktop.surfaces().panel(space); }
-
-    /// In the bar of the first space; absent if the window has no chip there.
-    std::optional<Rect> chipFrame(WindowID window)
+    BarContentView& content(SpaceID space = SpaceID{1})
     {
-        for (auto& [id, frame] : bar().content()->chipFrames()) {
-            if (id == displayItemID(window))
+        return *bar(space).content();
+    }
+    template <typename Frames> static std::vector<std::string> idsOf(const Frames& frames)
+    {
+        std::vector<std::string> ids;
+        for (auto& [id, frame] : frames)
+            ids.push_back(id);
+        return ids;
+    }
+    std::vector<std::string> chipIDs() { return idsOf(content().chipFrames()); }
+    std::vector<std::string> pinIDs() { return idsOf(content().pinFrames()); }
+
+    /// In the bar of the first space; absent if it has no chip there.
+    std::optional<Rect> chipFrame(const std::string& item)
+    {
+        for (auto& [id, frame] : content().chipFrames()) {
+            if (id == item)
                 return frame;
         }
         return {};
     }
+    std::optional<Rect> chipFrame(WindowID window) { return chipFrame(displayItemID(window)); }
     /// What the chips of a bar say, without the cells of the spaces, which are drawn before them.
     static std::vector<std::string> chipTexts(const FakePanel& panel)
     {
