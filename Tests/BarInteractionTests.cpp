@@ -33,23 +33,16 @@ struct BarInteractionTest : BarFixture {
         desktop.activate(mail);
         start();
     }
-    BarContentView& content(SpaceID space = SpaceID{1}) { return *bar(space).content(); }
     FakePanel* popup() { return desktop.surfaces().popup(); }
-    std::vector<std::string> chipIDs()
-    {
-        std::vector<std::string> ids;
-        for (auto& [id, frame] : content().chipFrames())
-            ids.push_back(id);
-        return ids;
-    }
-    std::vector<std::string> pinIDs()
-    {
-        std::vector<std::string> ids;
-        for (auto& [id, frame] : content().pinFrames())
-            ids.push_back(id);
-        return ids;
-    }
     Point middleOf(WindowID window) { return chipFrame(window)->centre(); }
+    std::vector<WindowID> openMany()
+    {
+        std::vector<WindowID> many;
+        for (int i = 0; i < 60; ++i)
+            many.push_back(desktop.open(editor, {.title = "Window"}));
+        settle();
+        return many;
+    }
     void pin(const std::string& id)
     {
         runtime->barManager()->pinStore().setPin(id, PinDestination::bar, true);
@@ -225,6 +218,8 @@ TEST_F(BarInteractionTest, aChipDroppedOnASpaceMovesItsWindowThere)
     settle();
     EXPECT_FALSE(chipFrame(draft));
     EXPECT_THAT(chipTitles(SpaceID{2}), ElementsAre("Draft"));
+    EXPECT_TRUE(desktop.model().isCurrent(SpaceID{1})) << "the user stays";
+    EXPECT_THAT(desktop.windowServer().postedPointer(), IsEmpty()) << "nor is it carried there";
 }
 
 // Faults: a press where a chip was a moment ago closes the gap, so that the next one hits a
@@ -318,31 +313,14 @@ TEST_F(BarInteractionTest, aChipThatComesUnderThePointerCanBeClicked)
     EXPECT_GT(content(SpaceID{2}).chipFrames().front().second.width, 20);
 }
 
-TEST(ReorderDrag, countsThePlaceAmongTheOthers)
+// Fault: a chip is dropped before one that has gone meanwhile, and so goes nowhere.
+TEST(ReorderDrag, dropsBeforeTheNextThatIsThere)
 {
-    const ReorderDrag::Frames frames{
-        {"a", {0, 0, 100, 30}}, {"b", {110, 0, 100, 30}}, {"c", {220, 0, 100, 30}}};
-    const std::vector<std::string> ids{"a", "b", "c"};
-    auto at = [&](const char* dragged, double x) {
-        return ReorderDrag::insertionIndex(x, dragged, frames, ids);
-    };
-    EXPECT_EQ(at("a", 0), 0);
-    EXPECT_EQ(at("a", 59), 0);
-    EXPECT_EQ(at("a", 61), 1);
-    EXPECT_EQ(at("a", 500), 2);
-    EXPECT_EQ(at("c", -61), 1);
-    EXPECT_EQ(at("b", -500), 0);
-
-    ReorderDrag drag{"c", frames, ids};
+    ReorderDrag drag{"c",
+        {{"a", {0, 0, 100, 30}}, {"b", {110, 0, 100, 30}}, {"c", {220, 0, 100, 30}}},
+        {"a", "b", "c"}};
     drag.setTranslation({-500, 0});
-    EXPECT_EQ(drag.dropTargetID([](auto&) { return true; }), "a");
-    EXPECT_EQ(drag.dropTargetID([](auto& id) { return id != "a"; }), "b") << "that one has gone";
-    drag.setTranslation({500, 0});
-    EXPECT_EQ(drag.dropTargetID([](auto&) { return true; }), std::nullopt);
-
-    EXPECT_EQ(nextPinnedAppIDAfterVisibleEnd("a", {"a", "b"}, {"a", "b", "x", "y"}), "x");
-    EXPECT_EQ(nextPinnedAppIDAfterVisibleEnd("a", {"a"}, {"a", "x"}), std::nullopt);
-    EXPECT_EQ(nextPinnedAppIDAfterVisibleEnd("a", {"b"}, {"a", "x"}), std::nullopt);
+    EXPECT_EQ(drag.dropTargetID([](auto& id) { return id != "a"; }), "b");
 }
 
 // MARK: Spaces, desktop, files, keyboard
@@ -427,10 +405,7 @@ TEST_F(BarInteractionTest, theKeyboardWalksTheBarAndPressesWhatIsFocused)
     desktop.drain();
     EXPECT_FALSE(panel().hasKeyboard());
 
-    WindowID last{};
-    for (int i = 0; i < 60; ++i)
-        last = desktop.open(editor, {.title = "Window"});
-    settle();
+    auto last = openMany().back();
     panel().takeKeyboard();
     panel().pressKey(KeyCode::home);
     for (int i = 0; i < 80 && walkedTo() != displayItemID(last); ++i) {
@@ -465,24 +440,15 @@ TEST_F(BarInteractionTest, themesLieOverTheBlurUnlessTheUserWantsNoTransparency)
     auto& settings = runtime->userSettings();
     settings.setTheme(BarTheme::aero);
     desktop.drain();
-    EXPECT_EQ(panel().effect()->opacity, 0.85);
-    EXPECT_EQ(panel().effect()->material, 13);
+    EXPECT_TRUE(panel().effect());
     EXPECT_THAT(panel().render().drawn<DrawnGradient>(), SizeIs(2));
-    settings.setTheme(BarTheme::longhorn);
-    desktop.drain();
-    EXPECT_EQ(panel().effect()->opacity, 0.78);
-    EXPECT_THAT(panel().render().drawn<DrawnGradient>(), SizeIs(1));
-
-    Appearance appearance{.isDark = true, .reduceTransparency = true};
-    desktop.program().setAppearance(appearance);
-    desktop.drain();
-    EXPECT_FALSE(panel().effect());
-    EXPECT_THAT(panel().render().drawn<DrawnGradient>(), IsEmpty());
-    EXPECT_EQ(panel().render().drawn<DrawnFill>().front().color, Color::grey(37.0 / 255));
-    appearance.isDark = false;
-    desktop.program().setAppearance(appearance);
-    desktop.drain();
-    EXPECT_EQ(panel().render().drawn<DrawnFill>().front().color, Color::grey(1, 0.92));
+    for (bool isDark : {true, false}) {
+        desktop.program().setAppearance({.isDark = isDark, .reduceTransparency = true});
+        desktop.drain();
+        EXPECT_FALSE(panel().effect());
+        EXPECT_THAT(panel().render().drawn<DrawnGradient>(), IsEmpty());
+        EXPECT_EQ(panel().render().drawn<DrawnFill>().front().color.red < 0.5, isDark);
+    }
 }
 
 TEST_F(BarInteractionTest, titlesFollowTheSettings)
@@ -523,10 +489,7 @@ TEST_F(BarInteractionTest, titlesGoForAllAlikeWhereThereIsNoRoomForLetters)
 // Fault: sixty windows overlap, or lie where nobody can reach them.
 TEST_F(BarInteractionTest, moreChipsThanFitScroll)
 {
-    std::vector<WindowID> many;
-    for (int i = 0; i < 60; ++i)
-        many.push_back(desktop.open(editor, {.title = "Window"}));
-    settle();
+    auto many = openMany();
     EXPECT_TRUE(chipFrame(many.back())->isEmpty());
     auto width = chipFrame(inbox)->width;
     EXPECT_EQ(width, ChipView::iconWidth(BarMetrics::of(BarSize::medium)));
@@ -562,10 +525,7 @@ TEST_F(BarInteractionTest, moreChipsThanFitScroll)
 // goes from under the pointer, so that the next click meets a chip.
 TEST_F(BarInteractionTest, aScrolledRowHoldsStillUnderThePointer)
 {
-    std::vector<WindowID> many;
-    for (int i = 0; i < 60; ++i)
-        many.push_back(desktop.open(editor, {.title = "Window"}));
-    settle();
+    auto many = openMany();
     auto end = Point{middleOf(notes).x, 10};
     for (auto& [id, frame] : content().chipFrames())
         end.x = std::max(end.x, frame.maxX() - 5);
