@@ -522,29 +522,4 @@ TEST_F(BarManagerTest, aBarMayTakeTheKeyboardOnlyUnderThePointer)
     EXPECT_FALSE(panel().canBecomeKey());
 }
 
-TEST_F(BarManagerTest, theTraceTellsWhichBarHasThePointerWhenItChanges)
-{
-    std::vector<std::string> lines;
-    desktop.trace().setSink([&](std::string_view line) {
-        if (line.starts_with("cursorOwnership"))
-            lines.emplace_back(line);
-    });
-    {
-        start();
-        panel().movePointer(kOnBar);
-        EXPECT_THAT(lines, IsEmpty()) << "nobody asked";
-        runtime.reset();
-    }
-    Switch log{"QUORVEL_CURSOR_OWNERSHIP_LOG"};
-    start();
-    panel().movePointer(kOnBar);
-    panel().movePointer({100, 10});
-    desktop.model().pointer = {300, 300};
-    surfaces().pointerDidMove(PointerScope::otherPrograms);
-    surfaces().pointerDidMove(PointerScope::otherPrograms);
-    EXPECT_THAT(lines,
-        ElementsAre("cursorOwnership source=local space=1 screen=0",
-            "cursorOwnership source=global space=nil screen=nil"));
-}
-
 }
