@@ -147,19 +147,6 @@ TEST_F(WindowStoreSchedule, theFocusOfAnUnobservedProcessIsPolledToo)
 
 // MARK: The life cycle
 
-TEST_F(WindowStoreSchedule, anUnobservedProcessIsPolledLessAndLessButNeverForgotten)
-{
-    store.startLifecycleMonitoring(mail, seconds(2.6));
-    desktop.advance(seconds(14));
-
-    std::vector<double> expected{2.6};
-    for (double interval : {1.215, 1.64025, 2.2143375, 2.5, 2.5})
-        expected.push_back(expected.back() + interval);
-    expectScans(expected);
-    desktop.advance(seconds(120));
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 1u);
-}
-
 TEST_F(WindowStoreSchedule, anObservedProcessIsLeftAloneAfterTwoTicksThatAgree)
 {
     store.startLifecycleMonitoring(mail, seconds(2.6));

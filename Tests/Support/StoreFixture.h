@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 #include "Quorvel/Skylight/WindowStore.h"
@@ -15,20 +14,13 @@ struct StoreFixture : testing::Test {
     WindowStore store{platform.dispatch, platform.accessibility, platform.windowServer,
         platform.displays, platform.workspace, platform.trace};
     int changes = 0;
-    std::vector<std::string> traced;
 
     StoreFixture()
     {
         store.onChange = [this] { ++changes; };
-        desktop.trace().setSink([this](std::string_view line) { traced.emplace_back(line); });
     }
 
     bool isTracked(WindowID id) const { return store.window(id) != nullptr; }
-    bool hasTraced(std::string_view start) const
-    {
-        return std::ranges::any_of(
-            traced, [&](const std::string& line) { return line.starts_with(start); });
-    }
 
     /// One scan of the process, `delay` from now.
     void scanAfter(ProcessID pid, Duration delay)
