@@ -205,18 +205,6 @@ TEST_F(BadgeServiceTest, aSlowToolLeavesOutPollsInsteadOfPilingThemUp)
     EXPECT_EQ(polls(), 10);
 }
 
-TEST_F(BadgeServiceTest, aServiceThatIsGoneHearsNothingOfItsLastPoll)
-{
-    setAsking("mail", true);
-    service->start();
-    desktop.advance(BadgeService::firstPollDelay - seconds(0.1));
-    service->clearAttention("mail", {});
-    service->clearAttention(WindowID{1});
-    service.reset(); // the sanitizer sees what would still run
-    desktop.advance(seconds(20));
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0U);
-}
-
 TEST_F(BadgeServiceTest, whereWindowsAskOnlyTheirOwnActivationAcknowledges)
 {
     constexpr WindowID inbox{11};

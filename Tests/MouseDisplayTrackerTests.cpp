@@ -20,11 +20,8 @@ struct MouseDisplayTrackerTest : testing::Test {
 
     MouseDisplayTrackerTest()
     {
-        FakeDisplay second{.number = right, .identifier = "second", .frame = {1440, 0, 1440, 900}};
-        auto displays = desktop.model().displays;
-        displays.front().number = left;
-        displays.push_back(second);
-        desktop.setDisplays(displays);
+        desktop.addDisplay(
+            {.number = right, .identifier = "second", .frame = {1440, 0, 1440, 900}});
         desktop.model().pointer = onLeft;
     }
 

@@ -107,17 +107,6 @@ TEST_F(QuorvelAppTest, aLaunchedApplicationIsObservedScannedAndPolled)
     EXPECT_TRUE(store().needsObserverBootstrap(agent));
 }
 
-TEST_F(QuorvelAppTest, anApplicationThatCannotBeObservedIsPolled)
-{
-    desktop.application(mail).faults.failingObservers = 1000;
-    launchOnly();
-    desktop.advance(seconds(20));
-    desktop.retitle(inbox, "Later");
-    desktop.advance(seconds(3));
-
-    EXPECT_THAT(chipTexts(), ElementsAre("Later"));
-}
-
 TEST_F(QuorvelAppTest, windowsMadeRightAfterAttachingAreListenedToAfterTheFollowUp)
 {
     desktop.application(mail).faults.swallowedNotifications.insert("AXWindowCreated");
