@@ -34,27 +34,24 @@ TEST_F(MacSpacesTest, spacesKeepTheirPlacesWhateverTheirEntriesLack)
     const auto displays = makeWindowServer().managedDisplaySpaces();
 
     ASSERT_TRUE(displays);
-    ASSERT_EQ(displays->size(), 4u);
-    const auto& first = displays->front();
-    EXPECT_EQ(std::get<std::string>(first.identifier), "A");
-    ASSERT_EQ(first.spaces.size(), 5u);
-    EXPECT_EQ(first.spaces[0].id64, 3u);
-    EXPECT_EQ(first.spaces[0].managedSpaceID, 9u);
-    EXPECT_EQ(first.spaces[0].type, 4);
-    EXPECT_EQ(first.spaces[1].id64, std::nullopt);
-    EXPECT_EQ(first.spaces[1].managedSpaceID, 4u);
-    EXPECT_EQ(first.spaces[2].managedSpaceID, std::nullopt);
-    EXPECT_EQ(first.spaces[3].id64, std::nullopt);
-    EXPECT_EQ(first.spaces[3].managedSpaceID, std::nullopt);
-    EXPECT_EQ(first.spaces[4].id64, ~std::uint64_t{0});
-    EXPECT_EQ(first.spaces[4].type, std::nullopt);
-    ASSERT_TRUE(first.currentSpace);
-    EXPECT_EQ(first.currentSpace->managedSpaceID, 4u);
-    EXPECT_TRUE(std::holds_alternative<std::monostate>(displays->at(1).identifier));
-    EXPECT_EQ(std::get<std::int64_t>(displays->at(2).identifier), 77);
-    EXPECT_THAT(displays->at(2).spaces, IsEmpty());
+    const auto said = [](const ManagedSpace& space) {
+        return std::tuple{space.id64, space.managedSpaceID, space.type};
+    };
+    using Said = decltype(said({}));
+    using Identifiers = std::vector<decltype(ManagedDisplay::identifier)>;
+    Identifiers identifiers;
+    std::vector<Said> spaces;
+    for (const auto& display : *displays) {
+        identifiers.push_back(display.identifier);
+        std::ranges::transform(display.spaces, std::back_inserter(spaces), said);
+    }
+    EXPECT_EQ(identifiers,
+        (Identifiers{std::string{"A"}, std::monostate{}, std::int64_t{77}, std::monostate{}}));
+    EXPECT_THAT(spaces,
+        ElementsAre(Said{3, 9, 4}, Said{std::nullopt, 4, std::nullopt}, Said{}, Said{},
+            Said{~0ULL, {}, {}}));
+    EXPECT_EQ(said(displays->front().currentSpace.value()), (Said{std::nullopt, 4, std::nullopt}));
     EXPECT_FALSE(displays->at(2).currentSpace);
-    EXPECT_TRUE(std::holds_alternative<std::monostate>(displays->at(3).identifier));
 }
 
 TEST_F(MacSpacesTest, anAnswerThatIsNoListIsAFailureAndForeignEntriesAreLeftOut)

@@ -5,6 +5,8 @@
 #include <optional>
 #include <variant>
 
+#include <glib.h>
+
 #include "Tests/MacSystem/Support/Objects.h"
 #include "Tests/MacSystem/Support/Values.h"
 
@@ -86,37 +88,17 @@ constexpr bool isLowSurrogate(char16_t unit)
     return unit >= 0xDC00 && unit < 0xE000;
 }
 
-void appendUTF8(std::string& out, char32_t c)
-{
-    const auto trail = [&](int shift) { out += static_cast<char>(0x80 | (c >> shift & 0x3F)); };
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-    } else if (c < 0x800) {
-        out += static_cast<char>(0xC0 | c >> 6);
-        trail(0);
-    } else if (c < 0x10000) {
-        out += static_cast<char>(0xE0 | c >> 12);
-        trail(6);
-        trail(0);
-    } else {
-        out += static_cast<char>(0xF0 | c >> 18);
-        trail(12);
-        trail(6);
-        trail(0);
-    }
-}
-
 std::string encode(std::u16string_view units, char lossByte)
 {
     std::string out;
     for (std::size_t i = 0; i < units.size(); ++i) {
-        const char16_t unit = units[i];
-        if (isHighSurrogate(unit) && i + 1 < units.size() && isLowSurrogate(units[i + 1]))
-            appendUTF8(out, 0x10000 + ((unit & 0x3FFU) << 10) + (units[++i] & 0x3FFU));
-        else if (isHighSurrogate(unit) || isLowSurrogate(unit))
-            out += lossByte;
-        else
-            appendUTF8(out, unit);
+        gunichar c = units[i];
+        if (isHighSurrogate(units[i]) && i + 1 < units.size() && isLowSurrogate(units[i + 1]))
+            c = 0x10000 + ((c & 0x3FF) << 10) + (units[++i] & 0x3FFU);
+        else if (isHighSurrogate(units[i]) || isLowSurrogate(units[i]))
+            c = static_cast<unsigned char>(lossByte);
+        char bytes[6];
+        out.append(bytes, static_cast<std::size_t>(g_unichar_to_utf8(c, bytes)));
     }
     return out;
 }
@@ -124,27 +106,13 @@ std::string encode(std::u16string_view units, char lossByte)
 /// Absent for bytes that are no UTF-8.
 std::optional<std::u16string> decode(std::string_view bytes)
 {
-    std::u16string out;
-    for (std::size_t i = 0; i < bytes.size();) {
-        const auto lead = static_cast<unsigned char>(bytes[i]);
-        const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-        if ((lead >= 0x80 && lead < 0xC2) || lead > 0xF4 || i + length > bytes.size())
-            return {};
-        char32_t c = length == 1 ? lead : lead & (0x7FU >> length);
-        for (std::size_t k = 1; k < length; ++k) {
-            const auto trail = static_cast<unsigned char>(bytes[i + k]);
-            if ((trail & 0xC0) != 0x80)
-                return {};
-            c = c << 6 | (trail & 0x3FU);
-        }
-        i += length;
-        if (c < 0x10000) {
-            out += static_cast<char16_t>(c);
-        } else {
-            out += static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10));
-            out += static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF));
-        }
-    }
+    const auto size = static_cast<glong>(bytes.size());
+    if (!g_utf8_validate(bytes.data(), size, nullptr))
+        return {};
+    glong count = 0;
+    auto* units = g_utf8_to_utf16(bytes.data(), size, nullptr, &count, nullptr);
+    std::u16string out{units, units + count};
+    g_free(units);
     return out;
 }
 
