@@ -98,6 +98,9 @@ struct ChurnRound final : ChurnOperations {
         BarViewModel fromNothing(runtime->windowStore(), runtime->userSettings(),
             runtime->badgeService(), desktop.platform());
         EXPECT_EQ(model().chipsBySpace.value(), fromNothing.chipsBySpace.value());
+        if (!runtime->userSettings().groupWindowsByApp()) { // a group remembers its last window
+            EXPECT_EQ(model().displayItemsBySpace.value(), fromNothing.displayItemsBySpace.value());
+        }
     }
     void expectBar(SpaceID space, const FakeDisplay& display,
         const std::map<WindowID, TrackedWindow>& expected)
@@ -131,9 +134,7 @@ struct ChurnRound final : ChurnOperations {
             EXPECT_NE(space, display.current);
             return;
         }
-        std::vector<std::string> shownChips;
-        for (auto& [id, frame] : content->chipFrames())
-            shownChips.push_back(id);
+        auto shownChips = idsOf(content->chipFrames());
         std::ranges::sort(shownChips);
         EXPECT_EQ(shownChips, std::vector(chips.begin(), chips.end()));
     }
