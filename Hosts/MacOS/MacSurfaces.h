@@ -16,7 +16,7 @@ public:
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
     NativeMenus* nativeMenus() override { return this; }
     void popUpMenu(
-        PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed) override;
+        PanelSurface&, Menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed) override;
     void closeMenu() override { m_menu.close(); }
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
 

@@ -8,7 +8,7 @@
 - (instancetype)initWithMenu:(const quorvel::Menu&)menu
                      session:(std::shared_ptr<quorvel::MenuSession>)session;
 /// Returns when it has gone.
-- (void)openBeside:(NSRect)anchor of:(NSView*)view;
+- (quorvel::MenuEnding)openBeside:(NSRect)anchor of:(NSView*)view;
 - (void)cancel;
 @end
 
@@ -52,13 +52,17 @@
     return entry;
 }
 
-- (void)openBeside:(NSRect)anchor of:(NSView*)view
+- (quorvel::MenuEnding)openBeside:(NSRect)anchor of:(NSView*)view
 {
     if (!view.window)
-        return;
+        return quorvel::MenuEnding::dismissed;
     // Flipped: this is the upper left corner, where the menu of a bar at the bottom edge ends.
     const NSPoint above = NSMakePoint(NSMinX(anchor), NSMinY(anchor) - _menu.size.height);
-    [_menu popUpMenuPositioningItem:nil atLocation:above inView:view];
+    if ([_menu popUpMenuPositioningItem:nil atLocation:above inView:view])
+        return quorvel::MenuEnding::chosen;
+    // What ended the menu's own loop is still the event at hand.
+    return NSApp.currentEvent.type == NSEventTypeKeyDown ? quorvel::MenuEnding::escaped
+                                                         : quorvel::MenuEnding::dismissed;
 }
 
 - (void)cancel
@@ -107,7 +111,7 @@ Subscription MacSurfaces::monitorPointer(PointerScope scope, std::function<void(
 }
 
 void MacSurfaces::popUpMenu(
-    PanelSurface& surface, Menu menu, const Rect& anchor, std::function<void()> onClosed)
+    PanelSurface& surface, Menu menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed)
 {
     QVSurfaceView* view = static_cast<MacPanel&>(surface).view();
     const auto session = std::make_shared<MenuSession>(m_context.mainQueue, std::move(onClosed));
@@ -118,7 +122,7 @@ void MacSurfaces::popUpMenu(
         session->run(
             [&] {
                 [view losePointer]; // a menu takes the release of the press that opened it
-                [target openBeside:place of:view];
+                return [target openBeside:place of:view];
             },
             [target] { [target cancel]; });
     };

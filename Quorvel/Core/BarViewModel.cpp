@@ -171,9 +171,23 @@ std::set<SpaceID> BarViewModel::updateChips()
         }
         auto gone
             = std::erase_if(chips, [&](auto& entry) { return !present.contains(entry.first); });
-        return gone > 0 || !changed.empty();
+        bool areOthers = gone > 0 || !changed.empty();
+        if (areOthers)
+            findBundlesWithWindows(chips);
+        return areOthers;
     });
     return changed;
+}
+
+void BarViewModel::findBundlesWithWindows(const ChipsBySpace& all)
+{
+    m_bundlesWithWindows.clear();
+    for (auto& [space, chips] : all) {
+        for (auto& chip : chips) {
+            if (chip.bundleIdentifier)
+                m_bundlesWithWindows.insert(*chip.bundleIdentifier);
+        }
+    }
 }
 
 bool BarViewModel::updateChips(

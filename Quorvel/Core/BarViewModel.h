@@ -70,6 +70,12 @@ public:
     /// Valid until the next refresh.
     std::set<std::string_view> bundleIDsWithWindows(SpaceID) const;
 
+    /// On any space.
+    bool hasWindows(const std::string& bundleID) const
+    {
+        return m_bundlesWithWindows.contains(bundleID);
+    }
+
     /// Null if the window has no chip there.
     const ChipData* chip(SpaceID, WindowID) const;
     /// The group's windows, those that are not minimised first, each in the order of the chips.
@@ -128,6 +134,7 @@ private:
     void updateItems(const std::set<SpaceID>& changedSpaces);
     std::vector<DisplayItem> makeItems(SpaceID, const std::vector<ChipData>&);
     void findBundlesWithAttentionWindows();
+    void findBundlesWithWindows(const ChipsBySpace&);
     bool wantsAttention(const TrackedWindow&) const;
 
     /// One of several screens, and whether it takes the windows that meet none.
@@ -170,6 +177,7 @@ private:
     bool m_isGrouped = false; ///< the items that were made last
     bool m_areItemsStale = false;
     std::set<std::string> m_bundlesWithAttentionWindows;
+    std::set<std::string> m_bundlesWithWindows; ///< of all chips
     std::optional<WindowID> m_pendingFocusedWindowID;
     bool m_hasPendingExpired = false;
     std::uint64_t m_debugEventSequence = 0;

@@ -44,7 +44,8 @@ public:
     /// Opens a menu beside `anchor` (points in the panel) and returns; the chosen entry's action
     /// runs on the main queue after the menu has gone. A second call replaces the first menu.
     /// `onClosed` comes on the main queue once for each menu, before the action.
-    virtual void popUpMenu(PanelSurface&, Menu, const Rect& anchor, std::function<void()> onClosed)
+    virtual void popUpMenu(
+        PanelSurface&, Menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed)
         = 0;
     virtual void closeMenu() = 0;
 };

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Quorvel/Views/Palette.h"
 #include "Quorvel/Views/VisualEffectBlur.h"
 
 namespace quorvel {
@@ -9,7 +10,6 @@ namespace quorvel {
 namespace {
 
 struct Style {
-    static constexpr double dividerOpacity = 0.3;
     static constexpr double edgeOpacity = 0.12;
 };
 
@@ -70,7 +70,7 @@ void BarBackground::setOpaque(bool isOpaque)
 
 std::optional<VisualEffect> BarBackground::blur(BarTheme theme, const Appearance& appearance)
 {
-    if (appearance.reduceTransparency)
+    if (appearance.reduceTransparency || appearance.increaseContrast)
         return {};
     switch (theme) {
     case BarTheme::longhorn:
@@ -94,19 +94,20 @@ void BarBackground::setDividers(std::vector<Rect> dividers)
 void BarBackground::paint(Canvas& canvas) const
 {
     paintGround(canvas);
-    auto ink = Color::grey(m_appearance.isDark ? 1 : 0);
     for (auto& divider : m_dividers)
-        canvas.fill(divider, ink.withAlpha(Style::dividerOpacity));
+        canvas.fill(divider, m_palette.line);
 }
 
 void BarBackground::paintGround(Canvas& canvas) const
 {
     if (m_appearance.reduceTransparency) {
-        canvas.fill(bounds(), m_appearance.isDark ? Color::grey(0.1450980392156863) : white(0.92));
+        canvas.fill(bounds(), m_appearance.isDark ? m_palette.ground : white(0.92));
         return;
     }
     if (m_isOpaque)
-        canvas.fill(bounds(), opaqueBarColor(m_appearance.isDark));
+        canvas.fill(bounds(), m_palette.ground);
+    if (m_appearance.increaseContrast)
+        return canvas.fill(topLine(bounds()), m_palette.edge);
     if (m_theme == BarTheme::longhorn)
         LonghornThemeBackground::paint(canvas, bounds());
     else if (m_theme == BarTheme::aero)

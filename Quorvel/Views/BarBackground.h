@@ -10,16 +10,15 @@
 
 namespace quorvel {
 
-/// The colour of the bar where the desktop cannot show through, chosen close to how it looks
-/// blurred.
-inline constexpr Color opaqueBarColor(bool isDark)
-{
-    return isDark ? Color::grey(37.0 / 255) : Color::grey(0.93);
-}
+struct Palette;
 
-/// The blur and what the theme lays over it; plain colour where the user wants no transparency.
+/// The blur and what the theme lays over it; plain colour where the user wants no
+/// transparency, or more contrast than it leaves.
 class BarBackground final : public View {
 public:
+    /// The palette outlives it; whoever changes it has all of it painted anew.
+    explicit BarBackground(const Palette& palette) : m_palette(palette) { }
+
     void setTheme(BarTheme);
     void setAppearance(const Appearance&);
     /// Nothing shows through the panel, so the ground must be painted.
@@ -27,13 +26,14 @@ public:
     /// The lines between the parts of the bar.
     void setDividers(std::vector<Rect>);
 
-    /// The blur behind the bar; absent: none, the user wants no transparency.
+    /// The blur behind the bar; absent: none.
     static std::optional<VisualEffect> blur(BarTheme, const Appearance&);
 
 private:
     void paint(Canvas&) const override;
     void paintGround(Canvas&) const;
 
+    const Palette& m_palette;
     BarTheme m_theme = BarTheme::frosted;
     Appearance m_appearance;
     bool m_isOpaque = true;

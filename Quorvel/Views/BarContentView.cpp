@@ -37,19 +37,36 @@ std::string countText(int windows)
 
 BarContentView::BarContentView(Inputs inputs)
     : m_inputs(std::move(inputs))
-    , m_hover(m_inputs.platform.dispatch, m_inputs.platform.surfaces)
-    , m_popups(m_inputs.platform, m_inputs.thumbnailService, m_inputs.display)
+    , m_palette(Palette::of(m_inputs.platform.application.appearance().value()))
+    , m_launchMarks(
+          m_inputs.viewModel, m_inputs.platform.workspace, m_inputs.platform.dispatch.main())
+    , m_popups(popupInputs())
 {
     auto& metrics = m_inputs.metrics;
-    m_background = &addChild(std::make_unique<BarBackground>());
-    m_menuButton = &addChild(std::make_unique<MenuButton>(metrics));
-    m_spaceSwitcher = &addChild(std::make_unique<SpaceSwitcher>(metrics));
-    m_showDesktopButton = &addChild(std::make_unique<ShowDesktopButton>(metrics));
+    m_background = &addChild(std::make_unique<BarBackground>(m_palette));
+    m_menuButton = &addChild(std::make_unique<MenuButton>(m_palette, metrics));
+    m_spaceSwitcher = &addChild(std::make_unique<SpaceSwitcher>(m_palette, metrics));
+    m_showDesktopButton = &addChild(std::make_unique<ShowDesktopButton>(m_palette, metrics));
     // Last: what is dragged out of the row lies above the rest.
-    m_row = &addChild(
-        std::make_unique<ChipsRow>(metrics, m_inputs.platform.text, m_inputs.platform.dispatch));
+    m_row = &addChild(std::make_unique<ChipsRow>(
+        m_palette, metrics, m_inputs.platform.text, m_inputs.platform.dispatch));
     m_row->setFrameInterval(m_inputs.surface.frameInterval());
 
+    connectButtons();
+    connectRow();
+    connectPopups();
+    subscribe();
+    appearanceDidChange();
+    settingsDidChange();
+    spacesDidChange();
+    pinsDidChange();
+    itemsDidChange();
+}
+
+BarContentView::~BarContentView() = default;
+
+void BarContentView::connectButtons()
+{
     m_menuButton->onTapped = [this] {
         if (onMenuTapped)
             onMenuTapped();
@@ -61,20 +78,34 @@ BarContentView::BarContentView(Inputs inputs)
             onSpaceSwitchRequested(space);
     };
     m_spaceSwitcher->onListRequested = [this] { showSpaceList(); };
-    m_hover.onPrefetch = [this](const HoverTarget& target) { prefetchThumbnails(target); };
-    m_hover.onShow = [this](const HoverTarget& target) { showThumbnailPopup(target.chipID); };
-    m_hover.onDismiss = [this] { m_popups.hide(); };
+}
+
+ChipPopups::Inputs BarContentView::popupInputs()
+{
+    return {m_inputs.viewModel, m_inputs.thumbnailService, m_inputs.platform, m_inputs.spaceID,
+        m_inputs.display, m_inputs.screenIndex,
+        [this](const std::string& chipID) -> std::optional<Rect> {
+            auto frames = chipFrames();
+            auto frame = std::ranges::find(frames, chipID, &std::pair<std::string, Rect>::first);
+            return frame == frames.end() ? std::nullopt : std::optional{onScreen(frame->second)};
+        }};
+}
+
+void BarContentView::connectPopups()
+{
+    m_launchMarks.onChanged = [this] { pinsDidChange(); };
     m_popups.onWillShow = [this] {
         if (onThumbnailWillShow)
             onThumbnailWillShow();
     };
-    m_popups.onHoverChanged = [this](bool isHovered) { m_hover.setPopupHovered(isHovered); };
     m_popups.onWindowChosen = [this](WindowID id) { activateWindowDeferred(id); };
     m_popups.onWindowClosed = [this](WindowID id) {
         onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
     };
-    connectRow();
+}
 
+void BarContentView::subscribe()
+{
     auto& viewModel = m_inputs.viewModel;
     m_subscriptions.push_back(m_inputs.platform.application.appearance().subscribe(
         [this](auto&) { appearanceDidChange(); }));
@@ -95,7 +126,7 @@ BarContentView::BarContentView(Inputs inputs)
     m_subscriptions.push_back(viewModel.chipsBySpace.subscribe([this](auto& chips) {
         if (!areCurrent(m_spaceSwitcher->spaces(), chips))
             spacesDidChange();
-        if (!arePinsCurrent() || hasLaunched())
+        if (!arePinsCurrent() || m_launchMarks.isStale())
             pinsDidChange();
     }));
     m_subscriptions.push_back(m_inputs.platform.windowServer.spacesDidChange.subscribe(
@@ -104,26 +135,20 @@ BarContentView::BarContentView(Inputs inputs)
     m_subscriptions.push_back(m_inputs.screenIndex
             ? viewModel.didRefresh.subscribe([this] { itemsDidChange(); })
             : viewModel.displayItemsBySpace.subscribe([this](auto&) { itemsDidChange(); }));
-    appearanceDidChange();
-    settingsDidChange();
-    spacesDidChange();
-    pinsDidChange();
-    itemsDidChange();
 }
-
-BarContentView::~BarContentView() = default;
 
 void BarContentView::connectRow()
 {
     m_row->onHoverChanged = [this](bool isHovered) {
-        updateThumbnailPopup(); // the row may have closed up
+        m_popups.update(); // the row may have closed up
         if (onChipsAreaHoverChanged)
             onChipsAreaHoverChanged(isHovered);
     };
     m_row->onChipClick
         = [this](const ChipView& chip, ChipView::Click click) { chipClicked(chip, click); };
-    m_row->onChipHover
-        = [this](const ChipView& chip, bool isHovered) { chipHovered(chip, isHovered); };
+    m_row->onChipHover = [this](const ChipView& chip, bool isHovered) {
+        m_popups.chipHovered(chip.item(), isHovered);
+    };
     m_row->onChipFilesOver
         = [this](const ChipView& chip, bool areOver) { filesOverChip(chip, areOver); };
     m_row->onChipDragged
@@ -141,7 +166,7 @@ void BarContentView::connectRow()
     m_row->onPinFiles = [this](const PinView& pin, std::vector<std::string> paths) {
         if (auto url = m_inputs.platform.workspace.applicationURL(pin.pin().bundleID))
             m_inputs.platform.workspace.openFiles(paths, *url);
-        markLaunching(pin.pin().bundleID);
+        m_launchMarks.mark(pin.pin().bundleID);
     };
     m_row->onPinMoved = [this](const std::string& bundleID, const ReorderDrag& drag) {
         pinMoved(bundleID, drag);
@@ -153,7 +178,7 @@ void BarContentView::connectRow()
 void BarContentView::itemsDidChange()
 {
     m_row->setItems(m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex));
-    updateThumbnailPopup();
+    m_popups.update();
     m_inputs.surface.accessibleTreeDidChange();
 }
 
@@ -176,16 +201,14 @@ bool BarContentView::arePinsCurrent() const
 void BarContentView::pinsDidChange()
 {
     m_pins = wantedPins();
-    std::erase_if(m_launching, [&](auto& entry) {
-        return std::ranges::find(m_pins, entry.first) == m_pins.end() || isRunning(entry.first);
-    });
+    m_launchMarks.keepOnly(m_pins);
     std::vector<PinData> pins;
     for (auto& id : m_pins) {
         auto icon = m_inputs.viewModel.icon(id);
         if (!icon)
             icon = m_inputs.platform.workspace.genericApplicationIcon();
         pins.push_back(
-            {id, m_inputs.viewModel.appName(id), std::move(icon), m_launching.contains(id)});
+            {id, m_inputs.viewModel.appName(id), std::move(icon), m_launchMarks.contains(id)});
     }
     m_row->setPins(pins);
     m_inputs.surface.accessibleTreeDidChange();
@@ -213,12 +236,8 @@ void BarContentView::settingsDidChange()
 void BarContentView::appearanceDidChange()
 {
     auto& appearance = m_inputs.platform.application.appearance().value();
-    m_menuButton->setDark(appearance.isDark);
-    m_spaceSwitcher->setDark(appearance.isDark);
+    m_palette = Palette::of(appearance);
     m_spaceSwitcher->setRightToLeft(appearance.isRightToLeft);
-    m_showDesktopButton->setDark(appearance.isDark);
-    m_row->setDark(appearance.isDark);
-    m_row->setAccent(appearance.accent);
     m_row->setReducesMotion(appearance.reduceMotion);
     updateBackground();
     layout();
@@ -345,7 +364,7 @@ void BarContentView::chipClicked(const ChipView& chip, ChipView::Click click)
     auto* group = std::get_if<GroupedChipData>(&chip.item());
     auto* single = std::get_if<ChipData>(&chip.item());
     if (chip.isHovered())
-        m_hover.suppressForCurrentHover(displayItemID(chip.item()));
+        m_popups.suppress(chip.item());
     if (click == ChipView::Click::secondary) {
         openMenu(chipMenu(chip.item(), menuContext()), chip.frameInRoot());
     } else if (click == ChipView::Click::middle) {
@@ -395,34 +414,7 @@ void BarContentView::pinTapped(const std::string& bundleID)
 {
     dismissThumbnailPopupImmediate();
     onNextTurn([bundleID](BarViewModel& viewModel) { viewModel.launchApp(bundleID); });
-    markLaunching(bundleID);
-}
-
-/// One that runs already only comes to the front.
-void BarContentView::markLaunching(const std::string& bundleID)
-{
-    if (isRunning(bundleID) || !m_inputs.platform.workspace.applicationURL(bundleID))
-        return;
-    m_launching[bundleID]
-        = m_inputs.platform.dispatch.main().after(kLaunchPatience, [this, bundleID] {
-              m_launching.erase(bundleID);
-              pinsDidChange();
-          });
-    pinsDidChange();
-}
-
-/// It has a window on some space.
-bool BarContentView::isRunning(const std::string& bundleID) const
-{
-    return std::ranges::any_of(m_inputs.viewModel.chipsBySpace.value(), [&](auto& entry) {
-        return std::ranges::find(entry.second, bundleID, &ChipData::bundleIdentifier)
-            != entry.second.end();
-    });
-}
-
-bool BarContentView::hasLaunched() const
-{
-    return std::ranges::any_of(m_launching, [this](auto& entry) { return isRunning(entry.first); });
+    m_launchMarks.mark(bundleID);
 }
 
 void BarContentView::triggerShowDesktop()
@@ -464,34 +456,15 @@ void BarContentView::openMenu(Menu menu, const Rect& anchor)
 {
     if (!onMenuRequested)
         return;
-    m_hover.setMenuOpen(true);
-    m_hasChosen = false;
-    noteChoice(menu);
-    onMenuRequested(std::move(menu), anchor,
-        [weak = m_weak.reference(), &main = m_inputs.platform.dispatch.main()](MenuEnding) {
-            auto* view = weak.get();
-            if (!view)
-                return;
-            view->m_hover.setMenuOpen(false);
-            // The action of what was chosen comes after this.
-            main.async([weak] {
-                if (auto* now = weak.get(); now && now->host())
-                    now->host()->menuDidClose(!now->m_hasChosen);
-            });
-        });
-}
-
-void BarContentView::noteChoice(Menu& menu)
-{
-    for (auto& item : menu) {
-        noteChoice(item.submenu);
-        if (item.action)
-            item.action = [weak = m_weak.reference(), action = std::move(item.action)] {
-                if (auto* view = weak.get())
-                    view->m_hasChosen = true;
-                action();
-            };
-    }
+    m_popups.setMenuOpen(true);
+    onMenuRequested(std::move(menu), anchor, [weak = m_weak.reference()](MenuEnding ending) {
+        auto* view = weak.get();
+        if (!view)
+            return;
+        view->m_popups.setMenuOpen(false);
+        if (view->host())
+            view->host()->menuDidClose(ending);
+    });
 }
 
 ChipMenuContext BarContentView::menuContext()
@@ -537,7 +510,7 @@ void BarContentView::showSpaceList()
 
 void BarContentView::chipDragged(const ChipView& chip, Point pointer)
 {
-    m_hover.suppressForCurrentHover(displayItemID(chip.item()));
+    m_popups.suppress(chip.item());
     dismissThumbnailPopupImmediate();
     auto* cell = m_spaceSwitcher->spaceAt(pointer);
     bool isTarget = cell && !cell->isCurrent && !cell->isFullscreen;

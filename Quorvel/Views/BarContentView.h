@@ -1,20 +1,19 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Platform/Application.h"
+#include "Quorvel/Views/ChipPopups.h"
 #include "Quorvel/Views/ChipView.h"
 #include "Quorvel/Views/Kit/View.h"
-#include "Quorvel/Views/ThumbnailHover.h"
-#include "Quorvel/Views/ThumbnailPresenter.h"
+#include "Quorvel/Views/LaunchMarks.h"
+#include "Quorvel/Views/Palette.h"
 
 namespace quorvel {
 
@@ -50,8 +49,6 @@ public:
 
     /// How long files must rest on a chip before its window comes to the front.
     static constexpr Duration kSpringDelay = seconds(0.5);
-    /// How long an application that was started is shown as starting.
-    static constexpr Duration kLaunchPatience = seconds(10);
 
     explicit BarContentView(Inputs);
     ~BarContentView() override;
@@ -83,8 +80,7 @@ public:
     /// Another application's group: its representative. The focused group: its next window.
     void handleGroupedChipTap(const GroupedChipData&);
     void activateWindowDeferred(WindowID);
-    void prefetchThumbnails(const HoverTarget&);
-    void dismissThumbnailPopupImmediate();
+    void dismissThumbnailPopupImmediate() { m_popups.dismiss(); }
     void openActivityMonitor();
     void triggerShowDesktop();
     void showBarMenu(const Rect& anchor);
@@ -100,7 +96,10 @@ public:
 
 private:
     void layout() override;
+    void connectButtons();
     void connectRow();
+    void connectPopups();
+    void subscribe();
     void itemsDidChange();
     void pinsDidChange();
     std::vector<std::string> wantedPins() const;
@@ -111,31 +110,16 @@ private:
     void updateBackground();
 
     void chipClicked(const ChipView&, ChipView::Click);
-    void chipHovered(const ChipView&, bool isHovered);
-    HoverTarget hoverTarget(const DisplayItem&) const;
     void filesOverChip(const ChipView&, bool areOver);
     void chipDragged(const ChipView&, Point pointer);
     bool chipDropped(const ChipView&, Point pointer);
     void pinTapped(const std::string& bundleID);
-    void markLaunching(const std::string& bundleID);
-    bool isRunning(const std::string& bundleID) const;
-    /// Whether one that was started has its window.
-    bool hasLaunched() const;
     void pinMoved(const std::string& bundleID, const ReorderDrag&);
     void openMenu(Menu, const Rect& anchor);
-    void noteChoice(Menu&);
     void showSpaceList();
     ChipMenuContext menuContext();
 
-    struct PopupContents {
-        std::vector<ChipData> windows;
-        Rect chip; ///< points, bottom-left origin
-    };
-    /// As things are now; absent if the chip has gone.
-    std::optional<PopupContents> popupContents(const std::string& chipID) const;
-    void showThumbnailPopup(const std::string& chipID);
-    void updateThumbnailPopup();
-    std::vector<ChipData> chips(const std::vector<WindowID>&) const;
+    ChipPopups::Inputs popupInputs();
     Rect onScreen(const Rect& inBar) const;
     Rect freePart() const;
 
@@ -143,17 +127,16 @@ private:
     void onNextTurn(std::function<void(BarViewModel&)>);
 
     Inputs m_inputs;
+    Palette m_palette; ///< the views below point at it
     BarBackground* m_background = nullptr;
     MenuButton* m_menuButton = nullptr;
     SpaceSwitcher* m_spaceSwitcher = nullptr;
     ShowDesktopButton* m_showDesktopButton = nullptr;
     ChipsRow* m_row = nullptr;
     std::vector<std::string> m_pins; ///< bundle identifiers, as they were looked up
-    std::map<std::string, WorkItem> m_launching; ///< by bundle identifier
-    ThumbnailHover m_hover;
-    ThumbnailPresenter m_popups;
+    LaunchMarks m_launchMarks;
+    ChipPopups m_popups;
     WorkItem m_springTimer;
-    bool m_hasChosen = false; ///< from the menu that was opened last
     std::vector<Subscription> m_subscriptions;
     WeakOwner<BarContentView> m_weak{*this};
 };

@@ -346,9 +346,10 @@ View* BarHostingView::letGoOfKeyboard()
     return view;
 }
 
-void BarHostingView::menuDidClose(bool isDismissed)
+/// Whoever clicked elsewhere, or chose something, is there now.
+void BarHostingView::menuDidClose(MenuEnding ending)
 {
-    if (!isDismissed)
+    if (ending != MenuEnding::escaped)
         m_keyFocusBeforeMenu = nullptr;
     if (m_keyFocusBeforeMenu && m_surface)
         m_surface->takeKeyboard();

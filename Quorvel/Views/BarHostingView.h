@@ -57,7 +57,7 @@ private:
     void viewWillVanish(const View&) override;
     void viewsDidMove() override;
     bool viewWantsKeyboard(View&) override;
-    void menuDidClose(bool isDismissed) override;
+    void menuDidClose(MenuEnding) override;
 
     void setPointer(std::optional<Point>);
     void press(const PointerEvent&);

@@ -4,26 +4,13 @@
 #include <iterator>
 #include <utility>
 
-#include "Quorvel/Views/Kit/ButtonView.h"
+#include "Quorvel/Views/Palette.h"
 
 namespace quorvel {
 
 namespace {
 
 struct Style {
-    Color text;
-    Color fill;
-    Color hoveredFill;
-    Color pressedFill;
-    Color focusedFill;
-    Color focusedHoveredFill;
-    Color edge;
-    Color focusMark;
-    Color countFill;
-    Color countText;
-    Color progress;
-    Color attention;
-
     static constexpr double minimizedOpacity = 0.5;
     static constexpr double leastTitleWidth
         = 2.8; ///< of the text's size: some letters and an ellipsis
@@ -37,48 +24,7 @@ struct Style {
     static constexpr double pillTextSize = 0.76; ///< share of the pill's height
     static constexpr double pillPadding = 0.3; ///< share of the pill's height
     static constexpr double attentionRest = 0.25; ///< strength at the weakest of a pulse
-    static constexpr Color badge{0.88, 0.19, 0.18};
-    static constexpr Color badgeText = Color::grey(1);
-
-    static const Style& of(bool isDark);
 };
-
-constexpr Color kAccent{0.30, 0.60, 1.0};
-constexpr Color kAccentOnLight{0.05, 0.42, 0.87};
-constexpr Color kAttention{1.0, 0.58, 0.08};
-
-const Style& Style::of(bool isDark)
-{
-    static constexpr Style dark{
-        .text = Color::grey(0.93),
-        .fill = Color::grey(1, 0.055),
-        .hoveredFill = Color::grey(1, 0.115),
-        .pressedFill = Color::grey(1, 0.075),
-        .focusedFill = Color::grey(1, 0.19),
-        .focusedHoveredFill = Color::grey(1, 0.24),
-        .edge = Color::grey(1, 0.09),
-        .focusMark = kAccent,
-        .countFill = Color::grey(1, 0.16),
-        .countText = Color::grey(0.93),
-        .progress = kAccent.withAlpha(0.32),
-        .attention = kAttention.withAlpha(0.55),
-    };
-    static constexpr Style light{
-        .text = Color::grey(0.1),
-        .fill = Color::grey(0, 0.045),
-        .hoveredFill = Color::grey(0, 0.09),
-        .pressedFill = Color::grey(0, 0.13),
-        .focusedFill = Color::grey(1, 0.95),
-        .focusedHoveredFill = Color::grey(1, 1),
-        .edge = Color::grey(0, 0.10),
-        .focusMark = kAccentOnLight,
-        .countFill = Color::grey(0, 0.10),
-        .countText = Color::grey(0.1),
-        .progress = kAccentOnLight.withAlpha(0.22),
-        .attention = kAttention.withAlpha(0.6),
-    };
-    return isDark ? dark : light;
-}
 
 /// What both kinds of item have under the same name.
 template <typename Member> decltype(auto) fieldOf(const DisplayItem& item, Member member)
@@ -119,9 +65,9 @@ double ChipView::iconWidth(const BarMetrics& metrics)
 double ChipView::leastTitledWidth() const
 {
     double count = countWidth();
-    return iconWidth(m_metrics) + m_metrics.iconTextSpacing
-        + (count > 0 ? count + m_metrics.iconTextSpacing : 0)
-        + titleSize(m_metrics) * Style::leastTitleWidth;
+    return iconWidth(metrics()) + metrics().iconTextSpacing
+        + (count > 0 ? count + metrics().iconTextSpacing : 0)
+        + titleSize(metrics()) * Style::leastTitleWidth;
 }
 
 void ChipView::setItem(const DisplayItem& item)
@@ -138,76 +84,46 @@ void ChipView::setPulse(double strength)
         invalidate();
 }
 
-void ChipView::setDark(bool isDark)
-{
-    set(m_isDark, isDark);
-}
-
-void ChipView::setAccent(const std::optional<Color>& accent)
-{
-    set(m_accent, accent);
-}
-
-void ChipView::setRightToLeft(bool isRightToLeft)
-{
-    set(m_isRightToLeft, isRightToLeft);
-}
-
 // MARK: The pointer
 
 void ChipView::pointerEntered()
 {
-    set(m_isHovered, true);
+    RowItem::pointerEntered();
     if (onHover)
         onHover(*this, true);
 }
 
 void ChipView::pointerExited()
 {
-    set(m_isHovered, false);
+    RowItem::pointerExited();
     if (onHover)
         onHover(*this, false);
 }
 
 void ChipView::pressed(PointerButton button)
 {
-    drag.pressed(button);
-    set(m_isPressed, true);
+    RowItem::pressed(button);
+    setPressed(true); // every button means something
 }
 
-void ChipView::dragged(const DragMove& move)
+void ChipView::clicked(PointerButton button)
 {
-    if (drag.dragged(move))
-        set(m_isPressed, false);
-}
-
-void ChipView::pressCancelled()
-{
-    set(m_isPressed, false);
-    drag.cancelled();
-}
-
-void ChipView::released(PointerButton button, bool isInside)
-{
-    set(m_isPressed, false);
-    if (drag.released() || !isInside || !onClick)
-        return;
     if (button == PointerButton::primary)
-        onClick(*this, Click::primary);
+        performAccessibleAction(0);
     else if (button == PointerButton::middle)
-        onClick(*this, Click::middle);
+        performAccessibleAction(2);
 }
 
 void ChipView::filesEntered()
 {
-    set(m_hasFilesOver, true);
+    RowItem::filesEntered();
     if (onFilesOver)
         onFilesOver(*this, true);
 }
 
 void ChipView::filesExited()
 {
-    set(m_hasFilesOver, false);
+    RowItem::filesExited();
     if (onFilesOver)
         onFilesOver(*this, false);
 }
@@ -221,7 +137,7 @@ AccessibleState ChipView::accessibleState() const
         .name = fieldOf(m_item, [](auto& data) { return data.appName; }),
         .progress = fieldOf(m_item, [](auto& data) { return data.progress; }),
         .isSelected = isFocused(m_item),
-        .hasKeyFocus = m_hasKeyFocus,
+        .hasKeyFocus = hasKeyFocus(),
         .actions = {"Activate", "Show Menu", "Close"},
         .menuAction = 1};
     auto* single = std::get_if<ChipData>(&m_item);
@@ -249,11 +165,6 @@ bool ChipView::performAccessibleAction(std::size_t action)
     return true;
 }
 
-void ChipView::showContextMenu()
-{
-    performAccessibleAction(1);
-}
-
 // MARK: What it looks like
 
 std::string_view ChipView::title() const
@@ -273,15 +184,14 @@ std::string ChipView::count() const
 
 double ChipView::pillWidth(std::string_view text, double height) const
 {
-    TextStyle style{.size = height * Style::pillTextSize,
-        .weight = FontWeight::semibold,
-        .color = Style::badgeText};
+    TextStyle style{
+        .size = height * Style::pillTextSize, .weight = FontWeight::semibold, .color = {}};
     return std::max(height, m_text.measure(text, style).width + 2 * Style::pillPadding * height);
 }
 
 double ChipView::countHeight() const
 {
-    return m_metrics.chipHeight * Style::countHeight;
+    return metrics().chipHeight * Style::countHeight;
 }
 
 /// 0 for a single window.
@@ -297,7 +207,7 @@ Rect ChipView::badgeRect(const Rect& icon) const
         m_item, [](auto& data) -> auto& { return data.badge; });
     if (!badge)
         return {};
-    double height = m_metrics.iconSize * Style::badgeHeight;
+    double height = metrics().iconSize * Style::badgeHeight;
     double overhang = height * Style::badgeOverhang;
     double width = std::min(pillWidth(*badge, height), height * Style::badgeMaximumWidth);
     // Never past the chip: beyond it lies the next one.
@@ -308,18 +218,17 @@ Rect ChipView::badgeRect(const Rect& icon) const
 ChipView::Parts ChipView::parts() const
 {
     Parts parts;
-    auto face = bounds().centred({bounds().width, m_metrics.chipHeight});
-    parts.face = face;
-    Size icon{m_metrics.iconSize, m_metrics.iconSize};
-    double padding = m_metrics.chipHorizontalPadding;
+    auto face = parts.face = this->face();
+    Size icon{metrics().iconSize, metrics().iconSize};
+    double padding = metrics().chipHorizontalPadding;
     parts.icon = Rect{padding, face.y, icon.width, face.height}.centred(icon);
 
     double pill = countWidth();
     double pillHeight = countHeight();
-    double left = parts.icon.maxX() + m_metrics.iconTextSpacing;
+    double left = parts.icon.maxX() + metrics().iconTextSpacing;
     double right = face.width - padding;
     if (pill > 0)
-        right -= pill + m_metrics.iconTextSpacing;
+        right -= pill + metrics().iconTextSpacing;
     if (m_title != Title::none && m_hasRoomForTitle) {
         parts.title = {left, face.y, std::max(0.0, right - left), face.height};
         parts.count = {
@@ -343,22 +252,23 @@ ChipView::Parts ChipView::parts() const
     return parts;
 }
 
-void ChipView::paintFace(Canvas& canvas, const Parts& layout) const
+void ChipView::paintGround(Canvas& canvas, const Parts& layout) const
 {
-    auto& style = Style::of(m_isDark);
+    auto& colors = palette();
+    double radius = metrics().chipCornerRadius;
     bool isFocusShown = isFocused(m_item);
-    auto fill = m_isPressed ? style.pressedFill : m_isHovered ? style.hoveredFill : style.fill;
-    if (isFocusShown && !m_isPressed)
-        fill = m_isHovered ? style.focusedHoveredFill : style.focusedFill;
-    canvas.fillRounded(layout.face, m_metrics.chipCornerRadius, fill);
+    auto fill = isPressed() ? colors.pressedFill : isHovered() ? colors.hoveredFill : colors.fill;
+    if (isFocusShown && !isPressed())
+        fill = isHovered() ? colors.focusedHoveredFill : colors.focusedFill;
+    canvas.fillRounded(layout.face, radius, fill);
     paintProgress(canvas, layout);
     if (wantsAttention(m_item)) {
         double strength = Style::attentionRest + (1 - Style::attentionRest) * m_pulse;
-        canvas.fillRounded(layout.face, m_metrics.chipCornerRadius,
-            style.attention.withAlpha(style.attention.alpha * strength));
+        canvas.fillRounded(
+            layout.face, radius, colors.attention.withAlpha(colors.attention.alpha * strength));
     }
-    if (isFocusShown || m_isHovered)
-        canvas.strokeRounded(layout.face, m_metrics.chipCornerRadius, Style::edgeWidth, style.edge);
+    if (isFocusShown || isHovered() || colors.hasEdges)
+        canvas.strokeRounded(layout.face, radius, Style::edgeWidth, colors.edge);
 }
 
 void ChipView::paintProgress(Canvas& canvas, const Parts& layout) const
@@ -372,10 +282,7 @@ void ChipView::paintProgress(Canvas& canvas, const Parts& layout) const
         done.x = layout.face.maxX() - done.width;
     canvas.save();
     canvas.clip(done);
-    auto color = Style::of(m_isDark).progress;
-    if (m_accent)
-        color = m_accent->withAlpha(color.alpha);
-    canvas.fillRounded(layout.face, m_metrics.chipCornerRadius, color);
+    canvas.fillRounded(layout.face, metrics().chipCornerRadius, palette().progress);
     canvas.restore();
 }
 
@@ -390,47 +297,35 @@ void ChipView::paintPill(Canvas& canvas, const Rect& rect, std::string_view text
             .alignment = TextAlignment::centre});
 }
 
-void ChipView::paint(Canvas& canvas) const
+void ChipView::paintItem(Canvas& canvas) const
 {
-    if (!m_isLifted)
-        return paintChip(canvas);
-    canvas.save();
-    canvas.magnify(kLiftedScale, bounds().centre());
-    canvas.beginOpacity(kLiftedOpacity);
-    paintChip(canvas);
-    canvas.endOpacity();
-    canvas.restore();
-}
-
-void ChipView::paintChip(Canvas& canvas) const
-{
-    auto& style = Style::of(m_isDark);
+    auto& colors = palette();
     auto layout = parts();
-    paintFace(canvas, layout);
+    paintGround(canvas, layout);
     bool isDimmed = isMinimized(m_item);
     if (isDimmed)
         canvas.beginOpacity(Style::minimizedOpacity);
     canvas.drawImage(fieldOf(
                          m_item, [](auto& data) -> auto& { return data.icon; }),
         layout.icon);
-    if (!layout.title.isEmpty()) {
-        canvas.drawText(title(), layout.title,
-            {.size = titleSize(m_metrics), .weight = FontWeight::regular, .color = style.text});
-    }
     if (isDimmed)
         canvas.endOpacity();
+    if (!layout.title.isEmpty()) {
+        canvas.drawText(title(), layout.title,
+            {.size = titleSize(metrics()),
+                .weight = FontWeight::regular,
+                .color = isDimmed ? colors.quietText : colors.text});
+    }
     if (!layout.count.isEmpty())
-        paintPill(canvas, layout.count, count(), style.countFill, style.countText);
+        paintPill(canvas, layout.count, count(), colors.countFill, colors.text);
     if (!layout.badge.isEmpty()) {
         auto& badge = fieldOf(
             m_item, [](auto& data) -> auto& { return data.badge; });
-        paintPill(canvas, layout.badge, *badge, Style::badge, Style::badgeText);
+        paintPill(canvas, layout.badge, *badge, colors.badge, colors.badgeText);
     }
     if (isFocused(m_item))
-        canvas.fillRounded(
-            layout.focusMark, Style::focusMarkHeight / 2, m_accent.value_or(style.focusMark));
-    if (m_hasKeyFocus || m_hasFilesOver)
-        paintKeyFocus(canvas, layout.face, m_metrics.chipCornerRadius, m_isDark);
+        canvas.fillRounded(layout.focusMark, Style::focusMarkHeight / 2, colors.accent);
+    paintRing(canvas);
 }
 
 }

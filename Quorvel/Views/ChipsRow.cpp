@@ -12,11 +12,13 @@ constexpr double kDragScrollSpeed = 400; ///< points a second
 
 }
 
-ChipsRow::ChipsRow(const BarMetrics& metrics, const Text& text, Dispatch& dispatch)
-    : m_metrics(metrics)
+ChipsRow::ChipsRow(
+    const Palette& palette, const BarMetrics& metrics, const Text& text, Dispatch& dispatch)
+    : m_palette(palette)
+    , m_metrics(metrics)
     , m_text(text)
     , m_dispatch(dispatch)
-    , m_scroll(*this, dispatch)
+    , m_scroll(*this, palette, dispatch)
     , m_pulse(dispatch,
           [this](double strength) {
               for (auto& id : m_asking)
@@ -111,9 +113,7 @@ void ChipsRow::updatePulse(std::set<std::string> asking)
 
 ChipView& ChipsRow::makeChip(const std::string& id)
 {
-    auto& chip = addChild(std::make_unique<ChipView>(m_metrics, m_text));
-    chip.setDark(m_isDark);
-    chip.setAccent(m_accent);
+    auto& chip = addChild(std::make_unique<ChipView>(m_palette, m_metrics, m_text));
     chip.setRightToLeft(m_isRightToLeft);
     chip.setTitle(m_title);
     chip.onClick = [this](const ChipView& clicked, ChipView::Click click) {
@@ -128,9 +128,7 @@ ChipView& ChipsRow::makeChip(const std::string& id)
         if (onChipFilesOver)
             onChipFilesOver(target, areOver);
     };
-    chip.drag.onDrag = [this, id, &chip](DragPhase phase, const DragMove& move) {
-        dragItem(chip, id, DragKind::chip, phase, move);
-    };
+    chip.drag.onDrag = dragOf(chip, id, DragKind::chip);
     m_chips.emplace(id, &chip);
     m_scroll.raiseArrows();
     return chip;
@@ -138,8 +136,7 @@ ChipView& ChipsRow::makeChip(const std::string& id)
 
 PinView& ChipsRow::makePin(const std::string& bundleID)
 {
-    auto& pin = addChild(std::make_unique<PinView>(m_metrics));
-    pin.setDark(m_isDark);
+    auto& pin = addChild(std::make_unique<PinView>(m_palette, m_metrics));
     pin.onTapped = [this, &pin] {
         if (onPinClick)
             onPinClick(pin);
@@ -152,9 +149,7 @@ PinView& ChipsRow::makePin(const std::string& bundleID)
         if (onPinFiles)
             onPinFiles(target, std::move(paths));
     };
-    pin.drag.onDrag = [this, bundleID, &pin](DragPhase phase, const DragMove& move) {
-        dragItem(pin, bundleID, DragKind::pin, phase, move);
-    };
+    pin.drag.onDrag = dragOf(pin, bundleID, DragKind::pin);
     m_pins.emplace(bundleID, &pin);
     m_scroll.raiseArrows();
     return pin;
@@ -167,23 +162,6 @@ void ChipsRow::setTitle(ChipView::Title title)
     for (auto& [id, chip] : m_chips)
         chip->setTitle(title);
     layout();
-}
-
-void ChipsRow::setDark(bool isDark)
-{
-    m_isDark = isDark;
-    for (auto& [id, chip] : m_chips)
-        chip->setDark(isDark);
-    for (auto& [id, pin] : m_pins)
-        pin->setDark(isDark);
-    m_scroll.setDark(isDark);
-}
-
-void ChipsRow::setAccent(const std::optional<Color>& accent)
-{
-    m_accent = accent;
-    for (auto& [id, chip] : m_chips)
-        chip->setAccent(accent);
 }
 
 void ChipsRow::setRightToLeft(bool isRightToLeft)
@@ -302,7 +280,7 @@ void ChipsRow::place(View& view, double x, double width)
         {m_isRightToLeft ? bounds().width - left - width : left, 0, width, bounds().height});
 }
 
-View* ChipsRow::view(const std::string& id) const
+RowItem* ChipsRow::item(const std::string& id) const
 {
     if (auto chip = m_chips.find(id); chip != m_chips.end())
         return chip->second;
@@ -342,25 +320,27 @@ std::vector<std::pair<std::string, Rect>> ChipsRow::pinFrames() const
 
 // MARK: Dragging
 
-void ChipsRow::dragItem(
-    View& view, const std::string& id, DragKind kind, DragPhase phase, const DragMove& move)
+std::function<void(DragPhase, const DragMove&)> ChipsRow::dragOf(
+    RowItem& item, const std::string& id, DragKind kind)
 {
-    if (!m_drag && phase == DragPhase::moved)
-        beginDrag(view, id, kind);
-    if (!m_drag || m_drag->draggedID() != id)
-        return;
-    if (phase == DragPhase::moved)
-        moveDrag(view, move);
-    else
-        endDrag(view, phase);
+    return [this, &item, id, kind](DragPhase phase, const DragMove& move) {
+        if (!m_drag && phase == DragPhase::moved)
+            beginDrag(item, id, kind);
+        if (!m_drag || m_drag->draggedID() != id)
+            return;
+        if (phase == DragPhase::moved)
+            moveDrag(item, move);
+        else
+            endDrag(item, phase);
+    };
 }
 
-void ChipsRow::beginDrag(View& view, const std::string& id, DragKind kind)
+void ChipsRow::beginDrag(RowItem& lifted, const std::string& id, DragKind kind)
 {
     ReorderDrag::Frames frames;
     std::vector<std::string> visible;
     for (auto& other : kind == DragKind::chip ? m_slots.slots() : m_pinOrder) {
-        if (auto* sibling = this->view(other)) {
+        if (auto* sibling = item(other)) {
             frames[other] = {m_places.at(other), 0, sibling->frame().width, bounds().height};
             visible.push_back(other);
         }
@@ -371,28 +351,11 @@ void ChipsRow::beginDrag(View& view, const std::string& id, DragKind kind)
     m_dragKind = kind;
     m_scrollBeforeDrag = m_scroll.offset();
     m_drag.emplace(id, std::move(frames), std::move(visible));
-    raiseChild(view);
-    setLifted(view, true);
+    raiseChild(lifted);
+    lifted.setLifted(true);
 }
 
-void ChipsRow::setLifted(View& view, bool isLifted)
-{
-    if (auto* chip = dynamic_cast<ChipView*>(&view))
-        chip->setLifted(isLifted);
-    else
-        static_cast<PinView&>(view).setLifted(isLifted);
-}
-
-/// What is lifted is a little larger than its frame.
-void ChipsRow::invalidateLifted(View& view)
-{
-    double share = (ChipView::kLiftedScale - 1) / 2;
-    auto& frame = view.frame();
-    view.invalidate(view.bounds().inset(
-        -std::ceil(frame.width * share) - 1, -std::ceil(frame.height * share) - 1));
-}
-
-void ChipsRow::moveDrag(View& view, const DragMove& move)
+void ChipsRow::moveDrag(RowItem& lifted, const DragMove& move)
 {
     int before = m_drag->insertionIndex();
     m_dragMove = move;
@@ -403,61 +366,56 @@ void ChipsRow::moveDrag(View& view, const DragMove& move)
     m_shown[id] = m_drag->draggedX();
     if (m_drag->insertionIndex() != before)
         animateTo(m_drag->slotsOfOthers(), kMakeRoom);
-    invalidateLifted(view);
-    place(view, m_shown[id], view.frame().width);
-    invalidateLifted(view);
+    lifted.invalidateLifted();
+    place(lifted, m_shown[id], lifted.frame().width);
+    lifted.invalidateLifted();
     if (m_dragKind == DragKind::chip && onChipDragged)
-        onChipDragged(static_cast<ChipView&>(view), move.pointer);
-    scrollForDrag(view);
+        onChipDragged(*m_chips.at(id), move.pointer);
+    scrollForDrag(lifted);
 }
 
-void ChipsRow::scrollForDrag(View& view)
+void ChipsRow::scrollForDrag(RowItem& lifted)
 {
     double leading = m_drag->draggedX() - m_scroll.offset();
     bool isAtStart = leading < 0 && m_scroll.offset() > 0;
     bool isAtEnd
-        = leading + view.frame().width > bounds().width && m_scroll.offset() < m_scroll.maximum();
+        = leading + lifted.frame().width > bounds().width && m_scroll.offset() < m_scroll.maximum();
     if (!isAtStart && !isAtEnd) {
         m_dragScroll = {};
         return;
     }
     if (m_dragScroll.isPending())
         return;
-    m_dragScroll = m_dispatch.main().after(m_frameInterval, [this, &view, isAtStart] {
+    m_dragScroll = m_dispatch.main().after(m_frameInterval, [this, &lifted, isAtStart] {
         m_dragScroll = {};
         double step = kDragScrollSpeed * std::chrono::duration<double>(m_frameInterval).count();
         m_scroll.scrollBy(isAtStart ? -step : step);
-        moveDrag(view, m_dragMove);
+        moveDrag(lifted, m_dragMove);
     });
 }
 
-void ChipsRow::endDrag(View& view, DragPhase phase)
+void ChipsRow::endDrag(RowItem& lifted, DragPhase phase)
 {
-    invalidateLifted(view); // while it may still paint outside the row
+    lifted.invalidateLifted(); // while it may still paint outside the row
     auto drag = *std::exchange(m_drag, std::nullopt);
     m_dragScroll = {};
-    setLifted(view, false);
+    lifted.setLifted(false);
     m_scroll.raiseArrows();
-    bool isChip = m_dragKind == DragKind::chip;
-    bool isElsewhere = isChip && phase == DragPhase::dropped && onChipDropped
-        && onChipDropped(static_cast<ChipView&>(view), m_dragMove.pointer);
-    if (phase == DragPhase::dropped && !isElsewhere) {
-        if (isChip)
-            m_slots.arrange(drag.previewOrder());
-        else
-            m_pinOrder = drag.previewOrder();
-        if (isChip && onChipMoved)
-            onChipMoved(
-                drag.draggedID(), drag.dropTargetID([this](auto& id) { return this->view(id); }));
-        else if (!isChip && onPinMoved)
+    auto* chip = m_dragKind == DragKind::chip ? m_chips.at(drag.draggedID()) : nullptr;
+    bool isDropped = phase == DragPhase::dropped;
+    if (isDropped && chip && onChipDropped && onChipDropped(*chip, m_dragMove.pointer))
+        isDropped = false; // on something else
+    if (isDropped && chip) {
+        m_slots.arrange(drag.previewOrder());
+        if (onChipMoved)
+            onChipMoved(drag.draggedID(), drag.dropTargetID([this](auto& id) { return item(id); }));
+    } else if (isDropped) {
+        m_pinOrder = drag.previewOrder();
+        if (onPinMoved)
             onPinMoved(drag.draggedID(), drag);
     }
-    if (isChip && onChipDragEnded)
-        onChipDragEnded();
-    // What the pointer left during the drag has not been told yet.
-    if (auto* chip = isChip ? static_cast<ChipView*>(&view) : nullptr;
-        chip && !chip->isHovered() && onChipHover)
-        onChipHover(*chip, false);
+    if (chip)
+        chipDragEnded(*chip);
     layout();
     std::map<std::string, double> targets;
     for (auto& [id, x] : m_shown) {
@@ -467,11 +425,20 @@ void ChipsRow::endDrag(View& view, DragPhase phase)
     animateTo(std::move(targets), kFallIntoPlace);
 }
 
+void ChipsRow::chipDragEnded(const ChipView& chip)
+{
+    if (onChipDragEnded)
+        onChipDragEnded();
+    // What the pointer left during the drag has not been told yet.
+    if (!chip.isHovered() && onChipHover)
+        onChipHover(chip, false);
+}
+
 /// The dragged one is about to vanish.
 void ChipsRow::abandonDrag()
 {
-    if (auto* dragged = view(m_drag->draggedID()))
-        invalidateLifted(*dragged);
+    if (auto* dragged = item(m_drag->draggedID()))
+        dragged->invalidateLifted();
     bool wasChip = m_dragKind == DragKind::chip;
     m_drag.reset();
     m_dragScroll = {};

@@ -34,7 +34,8 @@ public:
     static constexpr Duration kMakeRoom = seconds(0.16);
     static constexpr Duration kFallIntoPlace = seconds(0.12);
 
-    ChipsRow(const BarMetrics&, const Text&, Dispatch&);
+    /// All it is given outlives it; whoever changes the palette has all of it painted anew.
+    ChipsRow(const Palette&, const BarMetrics&, const Text&, Dispatch&);
     ~ChipsRow() override;
 
     void setItems(const std::vector<DisplayItem>&);
@@ -42,8 +43,6 @@ public:
     void setTitle(ChipView::Title);
     void setReducesMotion(bool);
     void setFrameInterval(Duration);
-    void setDark(bool);
-    void setAccent(const std::optional<Color>&);
     void setRightToLeft(bool);
 
     void pointerEntered() override;
@@ -92,26 +91,26 @@ private:
     void reveal(const View& view) override { m_scroll.reveal(view.frame()); }
     void placeAll();
     void place(View&, double x, double width);
-    View* view(const std::string& id) const;
+    RowItem* item(const std::string& id) const;
     Rect visibleFrame(const View&) const;
 
-    void dragItem(View&, const std::string& id, DragKind, DragPhase, const DragMove&);
-    void beginDrag(View&, const std::string& id, DragKind);
-    void moveDrag(View&, const DragMove&);
+    /// What the drag of an item calls.
+    std::function<void(DragPhase, const DragMove&)> dragOf(
+        RowItem&, const std::string& id, DragKind);
+    void beginDrag(RowItem&, const std::string& id, DragKind);
+    void moveDrag(RowItem&, const DragMove&);
     /// While the dragged one is held at an end of the row, what is beyond comes into sight.
-    void scrollForDrag(View&);
-    void endDrag(View&, DragPhase);
+    void scrollForDrag(RowItem&);
+    void endDrag(RowItem&, DragPhase);
+    void chipDragEnded(const ChipView&);
     void abandonDrag();
-    static void invalidateLifted(View&);
-    static void setLifted(View&, bool isLifted);
     void animateTo(std::map<std::string, double> targets, Duration);
 
+    const Palette& m_palette;
     BarMetrics m_metrics;
     const Text& m_text;
     Dispatch& m_dispatch;
     Duration m_frameInterval = seconds(1.0 / 60);
-    bool m_isDark = true;
-    std::optional<Color> m_accent;
     bool m_isRightToLeft = false;
     bool m_isHovered = false;
     bool m_reducesMotion = false;

@@ -1,5 +1,7 @@
 #include "Quorvel/Views/MenuButton.h"
 
+#include "Quorvel/Views/Palette.h"
+
 namespace quorvel {
 
 void MenuButton::paint(Canvas& canvas) const
@@ -7,8 +9,7 @@ void MenuButton::paint(Canvas& canvas) const
     auto face = bounds().centred({m_metrics.menuButtonWidth, m_metrics.menuButtonHeight});
     paintFace(canvas, face, m_metrics.cornerRadius);
     canvas.drawSymbol(Symbol::menuGrid,
-        bounds().centred({m_metrics.menuIconSize, m_metrics.menuIconSize}),
-        Color::grey(isDark() ? 0.9 : 0.15));
+        bounds().centred({m_metrics.menuIconSize, m_metrics.menuIconSize}), palette().text);
 }
 
 }

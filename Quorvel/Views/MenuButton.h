@@ -8,7 +8,11 @@ namespace quorvel {
 /// The button at the leading end of the bar.
 class MenuButton final : public ButtonView {
 public:
-    explicit MenuButton(const BarMetrics& metrics) : m_metrics(metrics) { }
+    MenuButton(const Palette& palette, const BarMetrics& metrics)
+        : ButtonView(palette)
+        , m_metrics(metrics)
+    {
+    }
 
     std::string accessibleID() const override { return "menu"; }
     AccessibleState accessibleState() const override { return menuButtonState("Menu"); }

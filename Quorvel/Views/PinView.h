@@ -3,9 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "Quorvel/Core/BarSize.h"
-#include "Quorvel/Views/DragSource.h"
-#include "Quorvel/Views/Kit/ButtonView.h"
+#include "Quorvel/Views/RowItem.h"
 
 namespace quorvel {
 
@@ -20,41 +18,25 @@ struct PinData {
 };
 
 /// The chip of a pinned application without a window.
-class PinView final : public ButtonView {
+class PinView final : public RowItem {
 public:
-    explicit PinView(const BarMetrics& metrics) : m_metrics(metrics) { }
+    PinView(const Palette& palette, const BarMetrics& metrics) : RowItem(palette, metrics) { }
 
     const PinData& pin() const { return m_pin; }
     void setPin(const PinData& pin) { set(m_pin, pin); }
     void setLaunching(bool isLaunching) { set(m_pin.isLaunching, isLaunching); }
-    /// It follows the pointer, above the others.
-    void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
 
-    DragSource drag;
     std::function<void(const PinView&, std::vector<std::string> paths)> onFilesDropped;
 
-    void pressed(PointerButton) override;
-    void dragged(const DragMove&) override;
-    void released(PointerButton, bool isInside) override;
-    void pressCancelled() override;
-    bool isDragged() const override { return drag.isDragging(); }
-
-    bool takesFiles() const override { return true; }
-    void filesEntered() override { set(m_hasFilesOver, true); }
-    void filesExited() override { set(m_hasFilesOver, false); }
     void filesDropped(const std::vector<std::string>& paths) override;
 
     std::string accessibleID() const override { return "pin-" + m_pin.bundleID; }
     AccessibleState accessibleState() const override;
 
 private:
-    bool isLifted() const override { return m_isLifted; }
-    void paint(Canvas&) const override;
+    void paintItem(Canvas&) const override;
 
-    BarMetrics m_metrics;
     PinData m_pin;
-    bool m_isLifted = false;
-    bool m_hasFilesOver = false;
 };
 
 }

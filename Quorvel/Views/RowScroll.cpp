@@ -16,10 +16,11 @@ struct Style {
 
 }
 
-RowScroll::RowScroll(View& row, Dispatch& dispatch)
+RowScroll::RowScroll(View& row, const Palette& palette, Dispatch& dispatch)
     : m_row(row)
-    , m_backArrow(row.addChild(std::make_unique<ScrollArrow>(ScrollArrow::Towards::left)))
-    , m_forwardArrow(row.addChild(std::make_unique<ScrollArrow>(ScrollArrow::Towards::right)))
+    , m_backArrow(row.addChild(std::make_unique<ScrollArrow>(palette, ScrollArrow::Towards::left)))
+    , m_forwardArrow(
+          row.addChild(std::make_unique<ScrollArrow>(palette, ScrollArrow::Towards::right)))
     , m_motion(dispatch)
 {
     m_backArrow.onTapped = [this] { step(-1); };
@@ -28,12 +29,6 @@ RowScroll::RowScroll(View& row, Dispatch& dispatch)
         if (onScrolled)
             onScrolled();
     };
-}
-
-void RowScroll::setDark(bool isDark)
-{
-    m_backArrow.setDark(isDark);
-    m_forwardArrow.setDark(isDark);
 }
 
 void RowScroll::setRightToLeft(bool isRightToLeft)

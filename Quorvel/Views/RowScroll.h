@@ -9,17 +9,17 @@
 namespace quorvel {
 
 class ScrollArrow;
+struct Palette;
 
 /// How far a row is scrolled towards its end, and the arrows that stand where there is more. The
 /// row asks for the offset when it places its children. Main thread.
 class RowScroll {
 public:
     /// The arrows become children of the row.
-    RowScroll(View& row, Dispatch&);
+    RowScroll(View& row, const Palette&, Dispatch&);
 
     std::function<void()> onScrolled;
 
-    void setDark(bool);
     void setRightToLeft(bool);
     void setReducesMotion(bool value) { m_reducesMotion = value; }
     void setFrameInterval(Duration interval) { m_frameInterval = interval; }

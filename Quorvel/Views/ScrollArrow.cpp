@@ -1,6 +1,6 @@
 #include "Quorvel/Views/ScrollArrow.h"
 
-#include "Quorvel/Views/BarBackground.h"
+#include "Quorvel/Views/Palette.h"
 
 namespace quorvel {
 
@@ -17,7 +17,7 @@ struct Style {
 
 void ScrollArrow::paint(Canvas& canvas) const
 {
-    auto ground = opaqueBarColor(isDark());
+    auto ground = palette().ground;
     bool isLeft = m_towards == Towards::left;
     std::vector<GradientStop> stops{
         {0, ground}, {1 - Style::fade, ground}, {1, ground.withAlpha(0)}};
@@ -30,8 +30,7 @@ void ScrollArrow::paint(Canvas& canvas) const
     Rect face = bounds().centred({bounds().width - 6, bounds().height - 8});
     paintFace(canvas, face, Style::faceRadius);
     canvas.drawSymbol(isLeft ? Symbol::chevronLeft : Symbol::chevronRight,
-        bounds().centred({Style::symbolSize, Style::symbolSize}),
-        Color::grey(isDark() ? 0.9 : 0.15));
+        bounds().centred({Style::symbolSize, Style::symbolSize}), palette().text);
 }
 
 }

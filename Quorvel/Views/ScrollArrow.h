@@ -9,7 +9,9 @@ class ScrollArrow final : public ButtonView {
 public:
     enum class Towards { left, right };
 
-    explicit ScrollArrow(Towards towards) : m_towards(towards) { }
+    ScrollArrow(const Palette& palette, Towards towards) : ButtonView(palette), m_towards(towards)
+    {
+    }
 
     static constexpr double kWidth = 22;
 

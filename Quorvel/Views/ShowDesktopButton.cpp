@@ -1,5 +1,7 @@
 #include "Quorvel/Views/ShowDesktopButton.h"
 
+#include "Quorvel/Views/Palette.h"
+
 namespace quorvel {
 
 void ShowDesktopButton::paint(Canvas& canvas) const
@@ -7,8 +9,7 @@ void ShowDesktopButton::paint(Canvas& canvas) const
     auto face = bounds().centred({m_metrics.menuButtonWidth, m_metrics.menuButtonHeight});
     paintFace(canvas, face, m_metrics.cornerRadius);
     double size = m_metrics.menuIconSize * 1.15;
-    canvas.drawSymbol(
-        Symbol::showDesktop, bounds().centred({size, size}), Color::grey(isDark() ? 0.9 : 0.15));
+    canvas.drawSymbol(Symbol::showDesktop, bounds().centred({size, size}), palette().text);
 }
 
 }

@@ -8,7 +8,11 @@ namespace quorvel {
 /// The button at the trailing end of the bar, which moves all windows out of the way and back.
 class ShowDesktopButton final : public ButtonView {
 public:
-    explicit ShowDesktopButton(const BarMetrics& metrics) : m_metrics(metrics) { }
+    ShowDesktopButton(const Palette& palette, const BarMetrics& metrics)
+        : ButtonView(palette)
+        , m_metrics(metrics)
+    {
+    }
 
     std::string accessibleID() const override { return "show-desktop"; }
     AccessibleState accessibleState() const override

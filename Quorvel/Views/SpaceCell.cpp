@@ -1,32 +1,17 @@
 #include "Quorvel/Views/SpaceCell.h"
 
+#include "Quorvel/Views/Palette.h"
+
 namespace quorvel {
 
 namespace {
 
 struct Style {
-    Color text;
-    Color quietText;
-    Color currentFill;
-    Color edge;
-
     static constexpr double textSize = 0.5; ///< share of the cell's height
     static constexpr double heightShare = 0.82; ///< of the chip's height
     static constexpr double radius = 5;
     static constexpr double attentionSize = 6;
-    static constexpr Color attention{1.0, 0.58, 0.08};
-
-    static const Style& of(bool isDark);
 };
-
-const Style& Style::of(bool isDark)
-{
-    static constexpr Style dark{
-        Color::grey(0.96), Color::grey(0.72), Color::grey(1, 0.19), Color::grey(1, 0.12)};
-    static constexpr Style light{
-        Color::grey(0.08), Color::grey(0.34), Color::grey(1, 0.95), Color::grey(0, 0.12)};
-    return isDark ? dark : light;
-}
 
 }
 
@@ -57,26 +42,26 @@ AccessibleState SpaceCell::accessibleState() const
 
 void SpaceCell::paint(Canvas& canvas) const
 {
-    auto& style = Style::of(isDark());
+    auto& colors = palette();
     double height = m_metrics.chipHeight * Style::heightShare;
     auto face = bounds().centred({bounds().width, height});
     if (m_data.isCurrent) {
-        canvas.fillRounded(face, Style::radius, style.currentFill);
-        canvas.strokeRounded(face, Style::radius, 1, style.edge);
+        canvas.fillRounded(face, Style::radius, colors.focusedFill);
+        canvas.strokeRounded(face, Style::radius, 1, colors.edge);
     }
     paintFace(canvas, face, Style::radius);
     if (m_isDropTarget)
-        paintKeyFocus(canvas, face, Style::radius, isDark());
+        paintKeyFocus(canvas, face, Style::radius, colors);
     bool isQuiet = !m_data.isCurrent && m_data.windowCount == 0;
     canvas.drawText(m_data.label, face,
         {.size = height * Style::textSize,
             .weight = m_data.isCurrent ? FontWeight::semibold : FontWeight::regular,
-            .color = isQuiet ? style.quietText : style.text,
+            .color = isQuiet ? colors.quietText : colors.text,
             .alignment = TextAlignment::centre});
     if (m_data.wantsAttention) {
         double size = Style::attentionSize;
         canvas.fillRounded(
-            {face.maxX() - size - 1, face.y + 1, size, size}, size / 2, Style::attention);
+            {face.maxX() - size - 1, face.y + 1, size, size}, size / 2, colors.attentionMark);
     }
 }
 

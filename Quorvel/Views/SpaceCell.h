@@ -7,7 +7,11 @@ namespace quorvel {
 /// The cell of one space.
 class SpaceCell final : public ButtonView {
 public:
-    explicit SpaceCell(const BarMetrics& metrics) : m_metrics(metrics) { }
+    SpaceCell(const Palette& palette, const BarMetrics& metrics)
+        : ButtonView(palette)
+        , m_metrics(metrics)
+    {
+    }
 
     const SpaceCellData& data() const { return m_data; }
     void setData(const SpaceCellData&);

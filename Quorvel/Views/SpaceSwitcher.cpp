@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "Quorvel/Views/Palette.h"
 #include "Quorvel/Views/SpaceCell.h"
 
 namespace quorvel {
@@ -20,7 +21,11 @@ struct Style {
 /// Opens the list of spaces.
 class SpaceListButton final : public ButtonView {
 public:
-    explicit SpaceListButton(const BarMetrics& metrics) : m_metrics(metrics) { }
+    SpaceListButton(const Palette& palette, const BarMetrics& metrics)
+        : ButtonView(palette)
+        , m_metrics(metrics)
+    {
+    }
 
     std::string accessibleID() const override { return "space-list"; }
     AccessibleState accessibleState() const override { return menuButtonState("Desktops"); }
@@ -31,8 +36,7 @@ private:
         auto face = bounds().centred({bounds().width, m_metrics.chipHeight * 0.82});
         paintFace(canvas, face, 5);
         double size = m_metrics.chipHeight * Style::symbolSize;
-        canvas.drawSymbol(
-            Symbol::chevronUp, face.centred({size, size}), Color::grey(isDark() ? 0.86 : 0.2));
+        canvas.drawSymbol(Symbol::chevronUp, face.centred({size, size}), palette().text);
     }
 
     BarMetrics m_metrics;
@@ -40,9 +44,10 @@ private:
 
 }
 
-SpaceSwitcher::SpaceSwitcher(const BarMetrics& metrics)
-    : m_metrics(metrics)
-    , m_listButton(&addChild(std::make_unique<SpaceListButton>(metrics)))
+SpaceSwitcher::SpaceSwitcher(const Palette& palette, const BarMetrics& metrics)
+    : m_palette(palette)
+    , m_metrics(metrics)
+    , m_listButton(&addChild(std::make_unique<SpaceListButton>(palette, metrics)))
 {
     m_listButton->onTapped = m_listButton->onSecondaryTapped = [this] {
         if (onListRequested)
@@ -61,8 +66,7 @@ void SpaceSwitcher::setSpaces(const std::vector<SpaceCellData>& spaces)
         m_cells.pop_back();
     }
     while (m_cells.size() < spaces.size()) {
-        auto& cell = addChild(std::make_unique<SpaceCell>(m_metrics));
-        cell.setDark(m_isDark);
+        auto& cell = addChild(std::make_unique<SpaceCell>(m_palette, m_metrics));
         cell.onTapped = [this, &cell] {
             if (onSpaceSwitchRequested)
                 onSpaceSwitchRequested(cell.data().id);
@@ -76,14 +80,6 @@ void SpaceSwitcher::setSpaces(const std::vector<SpaceCellData>& spaces)
     for (std::size_t index = 0; index < spaces.size(); ++index)
         m_cells[index]->setData(spaces[index]);
     layout();
-}
-
-void SpaceSwitcher::setDark(bool isDark)
-{
-    m_isDark = isDark;
-    m_listButton->setDark(isDark);
-    for (auto* cell : m_cells)
-        cell->setDark(isDark);
 }
 
 void SpaceSwitcher::setRightToLeft(bool isRightToLeft)

@@ -31,11 +31,10 @@ class SpaceCell;
 /// current one stands for them.
 class SpaceSwitcher final : public View {
 public:
-    explicit SpaceSwitcher(const BarMetrics&);
+    SpaceSwitcher(const Palette&, const BarMetrics&);
     ~SpaceSwitcher() override;
 
     void setSpaces(const std::vector<SpaceCellData>&);
-    void setDark(bool);
     void setRightToLeft(bool);
     /// With no more room than this.
     double wantedWidth(double available) const;
@@ -57,8 +56,8 @@ private:
     double listButtonWidth() const;
     bool showsAll(double width) const;
 
+    const Palette& m_palette;
     BarMetrics m_metrics;
-    bool m_isDark = true;
     bool m_isRightToLeft = false;
     std::vector<SpaceCellData> m_spaces;
     std::vector<SpaceCell*> m_cells;

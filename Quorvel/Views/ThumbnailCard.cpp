@@ -3,16 +3,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "Quorvel/Views/Palette.h"
+
 namespace quorvel {
 
 namespace {
 
 struct Style {
-    Color text;
-    Color emptyFill;
-    Color edge;
-    Color focusedFill;
-
     static constexpr double padding = 8;
     static constexpr double headerHeight = 24;
     static constexpr double gap = 6; ///< between header and picture
@@ -23,42 +20,32 @@ struct Style {
     static constexpr double closeSize = 20;
     static constexpr double largeIcon = 48; ///< where there is no picture
     static constexpr double minimizedOpacity = 0.6;
-    static constexpr Color attention{1.0, 0.58, 0.08, 0.4};
-
-    static const Style& of(bool isDark);
 };
-
-const Style& Style::of(bool isDark)
-{
-    static constexpr Style dark{
-        Color::grey(0.94), Color::grey(1, 0.06), Color::grey(1, 0.12), Color::grey(1, 0.08)};
-    static constexpr Style light{
-        Color::grey(0.08), Color::grey(0, 0.05), Color::grey(0, 0.12), Color::grey(0, 0.05)};
-    return isDark ? dark : light;
-}
 
 class CloseButton final : public ButtonView {
 public:
+    using ButtonView::ButtonView;
+
     std::string accessibleID() const override { return "close"; }
     AccessibleState accessibleState() const override { return buttonState("Close", "Close"); }
 
 private:
     void paint(Canvas& canvas) const override
     {
-        if (isHovered() || isPressed()) {
-            Color red{0.88, 0.19, 0.18, isPressed() ? 0.8 : 1};
-            canvas.fillRounded(bounds(), 5, red);
-        }
-        auto ink = isHovered() ? Color::grey(1) : Color::grey(isDark() ? 0.8 : 0.25);
+        bool isLit = isHovered() || isPressed();
+        if (isLit)
+            canvas.fillRounded(bounds(), 5, isPressed() ? palette().badgePressed : palette().badge);
+        auto ink = isLit ? palette().badgeText : palette().text;
         canvas.drawSymbol(Symbol::close, bounds().centred({10, 10}), ink);
     }
 };
 
 }
 
-ThumbnailCard::ThumbnailCard(Size pictureSize)
-    : m_pictureSize(pictureSize)
-    , m_closeButton(&addChild(std::make_unique<CloseButton>()))
+ThumbnailCard::ThumbnailCard(const Palette& palette, Size pictureSize)
+    : ButtonView(palette)
+    , m_pictureSize(pictureSize)
+    , m_closeButton(&addChild(std::make_unique<CloseButton>(palette)))
 {
     m_closeButton->onTapped = [this] {
         if (onCloseTapped)
@@ -84,17 +71,11 @@ void ThumbnailCard::setRightToLeft(bool isRightToLeft)
         layout();
 }
 
-void ThumbnailCard::setDark(bool isDark)
+void ThumbnailCard::clicked(PointerButton button)
 {
-    ButtonView::setDark(isDark);
-    m_closeButton->setDark(isDark);
-}
-
-void ThumbnailCard::released(PointerButton button, bool isInside)
-{
-    if (isInside && button == PointerButton::middle && onMiddleTapped)
+    if (button == PointerButton::middle && onMiddleTapped)
         onMiddleTapped(m_chip.id);
-    ButtonView::released(button, isInside);
+    ButtonView::clicked(button);
 }
 
 std::string ThumbnailCard::accessibleID() const
@@ -170,19 +151,19 @@ Rect ThumbnailCard::pictureFrame() const
 
 void ThumbnailCard::paint(Canvas& canvas) const
 {
-    auto& style = Style::of(isDark());
+    auto& colors = palette();
     if (m_chip.isFocused)
-        canvas.fillRounded(bounds(), Style::radius, style.focusedFill);
+        canvas.fillRounded(bounds(), Style::radius, colors.cardFill);
     if (m_chip.wantsAttention)
-        canvas.fillRounded(bounds(), Style::radius, Style::attention);
+        canvas.fillRounded(bounds(), Style::radius, colors.attention);
     paintFace(canvas, bounds(), Style::radius);
     canvas.drawImage(m_chip.icon, iconFrame());
     canvas.drawText(m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, titleFrame(),
-        {.size = Style::titleSize, .weight = FontWeight::medium, .color = style.text});
+        {.size = Style::titleSize, .weight = FontWeight::medium, .color = colors.text});
 
     auto frame = pictureFrame();
     if (!m_picture || !m_picture->image) {
-        canvas.fillRounded(frame, Style::pictureRadius, style.emptyFill);
+        canvas.fillRounded(frame, Style::pictureRadius, colors.cardFill);
         double size = std::min(Style::largeIcon, frame.height * 0.6);
         canvas.drawImage(m_chip.icon, frame.centred({size, size}));
         return;
@@ -195,7 +176,7 @@ void ThumbnailCard::paint(Canvas& canvas) const
     canvas.restore();
     if (m_chip.isMinimized)
         canvas.endOpacity();
-    canvas.strokeRounded(frame, Style::pictureRadius, 1, style.edge);
+    canvas.strokeRounded(frame, Style::pictureRadius, 1, colors.popupEdge);
 }
 
 }

@@ -12,7 +12,7 @@ namespace quorvel {
 /// One window in a popup: its title, its picture, and a button that closes it.
 class ThumbnailCard final : public ButtonView {
 public:
-    explicit ThumbnailCard(Size pictureSize);
+    ThumbnailCard(const Palette&, Size pictureSize);
 
     static Size sizeFor(Size picture);
 
@@ -20,18 +20,17 @@ public:
     void setChip(const ChipData& chip) { set(m_chip, chip); }
     void setPicture(std::optional<WindowPicture>);
     void setRightToLeft(bool);
-    void setDark(bool);
     Rect closeButtonFrame() const;
 
     std::function<void(WindowID)> onCloseTapped;
     std::function<void(WindowID)> onMiddleTapped;
 
-    void released(PointerButton, bool isInside) override;
     std::string accessibleID() const override;
     AccessibleState accessibleState() const override;
     bool performAccessibleAction(std::size_t) override;
 
 private:
+    void clicked(PointerButton) override;
     void paint(Canvas&) const override;
     void layout() override;
     Rect pictureFrame() const;

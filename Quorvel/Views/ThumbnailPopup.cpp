@@ -13,10 +13,6 @@ namespace quorvel {
 namespace {
 
 struct Style {
-    Color ground;
-    Color edge;
-    Color text;
-
     static constexpr double padding = 8;
     static constexpr double spacing = 4; ///< between cards
     static constexpr double radius = 12;
@@ -26,16 +22,7 @@ struct Style {
     static constexpr double moreTextSize = 12;
     static constexpr Duration fade = seconds(0.12);
     static constexpr Duration move = seconds(0.16);
-
-    static const Style& of(bool isDark);
 };
-
-const Style& Style::of(bool isDark)
-{
-    static constexpr Style dark{Color::grey(0.16), Color::grey(1, 0.16), Color::grey(0.85)};
-    static constexpr Style light{Color::grey(0.975), Color::grey(0, 0.18), Color::grey(0.25)};
-    return isDark ? dark : light;
-}
 
 constexpr std::size_t kPicturesAFrame = 8;
 
@@ -125,7 +112,7 @@ void ThumbnailPopupLayout::pointAt(const Rect& chip)
 
 class ThumbnailPopup::Content final : public View {
 public:
-    explicit Content(const Published<Appearance>& appearance) : m_appearance(appearance) { }
+    explicit Content(const Palette& palette) : m_palette(palette) { }
 
     void setLayout(const ThumbnailPopupLayout& layout)
     {
@@ -146,7 +133,6 @@ public:
 private:
     void paint(Canvas& canvas) const override
     {
-        auto& style = Style::of(m_appearance.value().isDark);
         auto face = bounds();
         face.height -= ThumbnailPopupLayout::kArrowHeight;
         double tip = bounds().maxY() - 1;
@@ -156,21 +142,21 @@ private:
                                    {m_arrowX, tip - inset}},
                 color);
         };
-        canvas.fillRounded(face, Style::radius, style.ground);
-        canvas.strokeRounded(face, Style::radius, 1, style.edge);
-        arrow(0, style.edge);
-        arrow(1, style.ground);
+        canvas.fillRounded(face, Style::radius, m_palette.popupGround);
+        canvas.strokeRounded(face, Style::radius, 1, m_palette.popupEdge);
+        arrow(0, m_palette.popupEdge);
+        arrow(1, m_palette.popupGround);
         if (m_hiddenCount > 0) {
             Rect more{
                 0, face.maxY() - Style::padding - Style::moreHeight, face.width, Style::moreHeight};
             canvas.drawText(std::to_string(m_hiddenCount) + " more", more,
                 {.size = Style::moreTextSize,
-                    .color = style.text,
+                    .color = m_palette.text,
                     .alignment = TextAlignment::centre});
         }
     }
 
-    const Published<Appearance>& m_appearance;
+    const Palette& m_palette;
     double m_arrowX = 0;
     std::size_t m_hiddenCount = 0;
 };
@@ -179,14 +165,14 @@ private:
 
 ThumbnailPopup::ThumbnailPopup(const Inputs& inputs)
     : m_inputs(inputs)
+    , m_palette(Palette::of(inputs.appearance.value()))
     , m_surface(inputs.surfaces.createPanel(
           {.display = inputs.display, .title = "Windows", .kind = PanelKind::popup}, m_hostingView))
     , m_animation(inputs.dispatch)
 {
     m_hostingView.attach(*m_surface);
     m_appearanceChanged = inputs.appearance.subscribe([this](auto& appearance) {
-        for (auto* card : m_cards)
-            card->setDark(appearance.isDark);
+        m_palette = Palette::of(appearance);
         if (m_content)
             m_content->invalidate();
     });
@@ -240,12 +226,12 @@ void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
     m_cards.clear();
     m_windows.clear();
     std::ranges::transform(chips, std::back_inserter(m_windows), &ChipData::id);
-    auto content = std::make_unique<Content>(m_inputs.appearance);
+    auto content = std::make_unique<Content>(m_palette);
     m_content = content.get();
     m_content->setLayout(m_layout);
     for (std::size_t index = 0; index < m_layout.cards.size(); ++index) {
-        auto& card = m_content->addChild(std::make_unique<ThumbnailCard>(m_layout.pictureSize));
-        card.setDark(appearance.isDark);
+        auto& card
+            = m_content->addChild(std::make_unique<ThumbnailCard>(m_palette, m_layout.pictureSize));
         card.setRightToLeft(appearance.isRightToLeft);
         card.setChip(chips[index]);
         card.setFrame(m_layout.cards[index]);

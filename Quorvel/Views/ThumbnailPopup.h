@@ -12,6 +12,7 @@
 #include "Quorvel/Platform/Surfaces.h"
 #include "Quorvel/Views/BarHostingView.h"
 #include "Quorvel/Views/Kit/Animation.h"
+#include "Quorvel/Views/Palette.h"
 #include "Quorvel/Views/ThumbnailCard.h"
 
 namespace quorvel {
@@ -82,6 +83,7 @@ private:
     Rect onScreen(const Rect& inRoot) const;
 
     Inputs m_inputs;
+    Palette m_palette; ///< outlives the views that point at it
     BarHostingView m_hostingView;
     std::unique_ptr<PanelSurface> m_surface;
     Content* m_content = nullptr;

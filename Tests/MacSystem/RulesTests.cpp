@@ -200,17 +200,25 @@ TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrThe
     std::vector<std::string> log;
     const auto note = [&](std::string text) { return [&log, text] { log.push_back(text); }; };
     const auto make = [&](std::string name) {
-        auto session = std::make_shared<MenuSession>(mainQueue, note(name + " closed"));
+        const auto closed = [&log, name](MenuEnding ending) {
+            log.push_back(name + (ending == MenuEnding::chosen ? " chosen" : " closed"));
+        };
+        auto session = std::make_shared<MenuSession>(mainQueue, closed);
         session->add(note(name + " acts"));
         return session;
     };
     OpenMenu menu{willTerminate};
     const auto first = make("1");
     menu.open(first, note("1 begins"));
-    first->run([&] { first->choose(0); }, [] {});
+    first->run(
+        [&] {
+            first->choose(0);
+            return MenuEnding::chosen;
+        },
+        [] {});
     EXPECT_THAT(log, ElementsAre("1 begins"));
     desktop.drain();
-    EXPECT_THAT(log, ElementsAre("1 begins", "1 closed", "1 acts"));
+    EXPECT_THAT(log, ElementsAre("1 begins", "1 chosen", "1 acts"));
     first->choose(0); // some systems say it late
     desktop.drain();
     EXPECT_EQ(log.back(), "1 acts");
@@ -226,14 +234,25 @@ TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrThe
             menu.open(third, note("3 begins"));
             menu.open(fourth, note("4 begins"));
             log.emplace_back("2 goes");
+            return MenuEnding::chosen;
         },
         note("2 is told"));
-    third->run(note("3 is shown"), [] {});
+    third->run(
+        [&] {
+            log.emplace_back("3 is shown");
+            return MenuEnding::dismissed;
+        },
+        [] {});
     desktop.drain();
     EXPECT_THAT(log, ElementsAre("2 is told", "2 goes", "4 begins", "3 closed", "2 closed"));
 
     log.clear();
-    fourth->run([&] { willTerminate.emit(); }, note("4 is told"));
+    fourth->run(
+        [&] {
+            willTerminate.emit();
+            return MenuEnding::escaped;
+        },
+        note("4 is told"));
     const auto late = make("5");
     menu.open(late, note("5 begins"));
     desktop.drain();

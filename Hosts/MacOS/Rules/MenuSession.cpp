@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-MenuSession::MenuSession(Queue& mainQueue, std::function<void()> onClosed)
+MenuSession::MenuSession(Queue& mainQueue, std::function<void(MenuEnding)> onClosed)
     : m_mainQueue(mainQueue)
     , m_onClosed(std::move(onClosed))
 {
@@ -21,9 +21,9 @@ void MenuSession::run(const Show& show, Cancel cancel)
     if (m_isCancelled)
         return;
     m_cancel = std::move(cancel);
-    show();
+    const auto ending = show();
     m_cancel = nullptr;
-    close();
+    close(m_isCancelled ? MenuEnding::dismissed : ending);
     if (const auto next = std::exchange(m_next, nullptr))
         next();
 }
@@ -45,16 +45,16 @@ void MenuSession::cancel()
     if (m_cancel)
         m_cancel();
     else
-        close();
+        close(MenuEnding::dismissed);
 }
 
 /// The action comes after everything that the end of the menu brings about.
-void MenuSession::close()
+void MenuSession::close(MenuEnding ending)
 {
     if (std::exchange(m_hasClosed, true))
         return;
     if (m_onClosed)
-        m_mainQueue.async(std::move(m_onClosed));
+        m_mainQueue.async([onClosed = std::move(m_onClosed), ending] { onClosed(ending); });
     if (m_chosen)
         m_mainQueue.async(std::move(m_chosen));
 }

@@ -16,11 +16,11 @@ namespace quorvel {
 class MenuSession {
 public:
     /// Shows the system's menu and returns when it has gone; inside, the main queue runs on.
-    using Show = std::function<void()>;
+    using Show = std::function<MenuEnding()>;
     /// Ends the showing of it.
     using Cancel = std::function<void()>;
 
-    MenuSession(Queue& mainQueue, std::function<void()> onClosed);
+    MenuSession(Queue& mainQueue, std::function<void(MenuEnding)> onClosed);
 
     /// The number of an entry with this action.
     std::size_t add(Work action);
@@ -35,10 +35,10 @@ public:
     void setNext(Work next) { m_next = std::move(next); }
 
 private:
-    void close();
+    void close(MenuEnding);
 
     Queue& m_mainQueue;
-    std::function<void()> m_onClosed;
+    std::function<void(MenuEnding)> m_onClosed;
     std::vector<Work> m_actions;
     Work m_chosen;
     Work m_next;

@@ -1,33 +1,25 @@
 #include "Quorvel/Views/Kit/ButtonView.h"
 
+#include "Quorvel/Views/Palette.h"
+
 namespace quorvel {
 
 namespace {
 
-struct Style {
-    Color hoveredFill;
-    Color pressedFill;
-    Color keyFocus;
-
-    static constexpr double keyFocusWidth = 2;
-
-    static const Style& of(bool isDark);
-};
-
-const Style& Style::of(bool isDark)
-{
-    static constexpr Style dark{Color::grey(1, 0.12), Color::grey(1, 0.2), Color{0.30, 0.60, 1.0}};
-    static constexpr Style light{
-        Color::grey(0, 0.08), Color::grey(0, 0.15), Color{0.05, 0.42, 0.87}};
-    return isDark ? dark : light;
-}
+constexpr double kKeyFocusWidth = 2;
 
 }
 
 void ButtonView::released(PointerButton button, bool isInside)
 {
     set(m_isPressed, false);
-    if (isInside && button == PointerButton::primary && onTapped)
+    if (isInside)
+        clicked(button);
+}
+
+void ButtonView::clicked(PointerButton button)
+{
+    if (button == PointerButton::primary && onTapped)
         onTapped();
 }
 
@@ -60,18 +52,19 @@ AccessibleState ButtonView::menuButtonState(std::string name) const
 
 void ButtonView::paintFace(Canvas& canvas, const Rect& face, double radius) const
 {
-    auto& style = Style::of(m_isDark);
     if (m_isPressed)
-        canvas.fillRounded(face, radius, style.pressedFill);
+        canvas.fillRounded(face, radius, m_palette.buttonPressedFill);
     else if (m_isHovered)
-        canvas.fillRounded(face, radius, style.hoveredFill);
+        canvas.fillRounded(face, radius, m_palette.buttonHoveredFill);
+    if (m_palette.hasEdges)
+        canvas.strokeRounded(face, radius, 1, m_palette.edge);
     if (m_hasKeyFocus)
-        paintKeyFocus(canvas, face, radius, m_isDark);
+        paintKeyFocus(canvas, face, radius, m_palette);
 }
 
-void paintKeyFocus(Canvas& canvas, const Rect& face, double radius, bool isDark)
+void paintKeyFocus(Canvas& canvas, const Rect& face, double radius, const Palette& palette)
 {
-    canvas.strokeRounded(face, radius, Style::keyFocusWidth, Style::of(isDark).keyFocus);
+    canvas.strokeRounded(face, radius, kKeyFocusWidth, palette.accent);
 }
 
 }

@@ -7,11 +7,14 @@
 
 namespace quorvel {
 
+struct Palette;
+
 /// Something to click on. What it looks like is its own; how it takes the pointer and the keyboard
 /// is the same for all.
 class ButtonView : public View {
 public:
-    void setDark(bool isDark) { set(m_isDark, isDark); }
+    /// The palette outlives it; whoever changes it has all of it painted anew.
+    explicit ButtonView(const Palette& palette) : m_palette(palette) { }
 
     std::function<void()> onTapped;
     std::function<void()> onSecondaryTapped;
@@ -19,10 +22,7 @@ public:
     bool takesPointer() const override { return true; }
     void pointerEntered() override { set(m_isHovered, true); }
     void pointerExited() override { set(m_isHovered, false); }
-    void pressed(PointerButton button) override
-    {
-        set(m_isPressed, button == PointerButton::primary);
-    }
+    void pressed(PointerButton button) override { setPressed(button == PointerButton::primary); }
     void pressCancelled() override { set(m_isPressed, false); }
     void released(PointerButton, bool isInside) override;
 
@@ -36,7 +36,10 @@ public:
     }
 
 protected:
-    bool isDark() const { return m_isDark; }
+    const Palette& palette() const { return m_palette; }
+    void setPressed(bool isPressed) { set(m_isPressed, isPressed); }
+    /// It was pressed and let go on the view.
+    virtual void clicked(PointerButton);
     bool isHovered() const { return m_isHovered; }
     bool isPressed() const { return m_isPressed; }
     bool hasKeyFocus() const { return m_hasKeyFocus; }
@@ -53,13 +56,13 @@ protected:
     }
 
 private:
-    bool m_isDark = true;
+    const Palette& m_palette;
     bool m_isHovered = false;
     bool m_isPressed = false;
     bool m_hasKeyFocus = false;
 };
 
 /// The ring around what has the keyboard.
-void paintKeyFocus(Canvas&, const Rect& face, double radius, bool isDark);
+void paintKeyFocus(Canvas&, const Rect& face, double radius, const Palette&);
 
 }

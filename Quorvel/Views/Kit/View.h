@@ -26,9 +26,8 @@ public:
     virtual void viewsDidMove() = 0;
     /// Whether the view has the keyboard now.
     virtual bool viewWantsKeyboard(View&) = 0;
-    /// Called by a view that opened a menu. Dismissed: without a choice, so that the user is where
-    /// they were before.
-    virtual void menuDidClose(bool isDismissed) = 0;
+    /// Called by a view that opened a menu. Escaped: the user is where they were before.
+    virtual void menuDidClose(MenuEnding) = 0;
 };
 
 /// The pointer with a button down.

@@ -19,8 +19,8 @@ Rect wholePoints(const Rect& rect)
 MenuPanel::MenuPanel(const Platform& platform, const Screen& screen, const Menu& menu,
     const Place& place, MenuListener& listener)
     : m_listener(listener)
-    , m_view(&m_root.addChild(
-          std::make_unique<MenuView>(menu, platform.text, platform.application.appearance())))
+    , m_view(&m_root.addChild(std::make_unique<MenuView>(
+          menu, platform.text, platform.application.appearance().value())))
     , m_frame(wholePoints(place(m_view->wantedSize())))
     , m_surface(platform.surfaces.createPanel({.display = screen.number.value_or(DisplayNumber{}),
                                                   .title = "Menu",
@@ -34,8 +34,8 @@ MenuPanel::MenuPanel(const Platform& platform, const Screen& screen, const Menu&
     m_root.setHost(this);
     m_surface->setFrame(m_frame.flipped(platform.displays.screens().front().frame.height));
     m_surface->orderFront();
-    m_appearance = platform.application.appearance().subscribe([this](auto&) {
-        m_root.invalidate();
+    m_appearance = platform.application.appearance().subscribe([this](auto& appearance) {
+        m_view->setAppearance(appearance);
         m_surface->accessibleTreeDidChange();
     });
 }

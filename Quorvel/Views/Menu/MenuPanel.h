@@ -79,7 +79,7 @@ private:
     void viewWillVanish(const View&) override { }
     void viewsDidMove() override { }
     bool viewWantsKeyboard(View&) override { return false; } // the whole menu has it
-    void menuDidClose(bool) override { }
+    void menuDidClose(MenuEnding) override { }
 
     Point inView(Point at) const { return at.translated(-m_frame.x, -m_frame.y); }
     Point onScreen(Point at) const { return at.translated(m_frame.x, m_frame.y); }

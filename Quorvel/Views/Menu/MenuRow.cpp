@@ -24,22 +24,12 @@ AccessibleRole roleOf(const MenuItem& item)
 
 }
 
-const MenuColors& MenuColors::of(const Appearance& appearance)
-{
-    static constexpr Color accent{0.16, 0.42, 0.84};
-    static constexpr MenuColors dark{Color::grey(0.15), Color::grey(0.32), Color::grey(0.94),
-        Color::grey(0.55), Color::grey(0.28), accent, Color::grey(1)};
-    static constexpr MenuColors light{Color::grey(0.98), Color::grey(0.72), Color::grey(0.10),
-        Color::grey(0.46), Color::grey(0.85), accent, Color::grey(1)};
-    return appearance.isDark ? dark : light;
-}
-
-MenuRow::MenuRow(const MenuItem& item, std::size_t index, const MenuLayout& layout,
-    const Published<Appearance>& appearance)
+MenuRow::MenuRow(
+    const MenuItem& item, std::size_t index, const MenuLayout& layout, const MenuLook& look)
     : m_item(item)
     , m_index(index)
     , m_layout(layout)
-    , m_appearance(appearance)
+    , m_look(look)
 {
 }
 
@@ -73,24 +63,24 @@ bool MenuRow::performAccessibleAction(std::size_t action)
 
 void MenuRow::paint(Canvas& canvas) const
 {
-    auto& appearance = m_appearance.value();
-    auto& colors = MenuColors::of(appearance);
+    auto& colors = m_look.palette;
     if (m_item.isSeparator()) {
         auto line = bounds().inset(MenuMetrics::textInset / 2, 0);
-        return canvas.fill({line.x, std::floor(line.centre().y), line.width, 1}, colors.separator);
+        return canvas.fill(
+            {line.x, std::floor(line.centre().y), line.width, 1}, colors.menuSeparator);
     }
     if (m_isHighlighted)
         canvas.fillRounded(bounds(), MenuMetrics::rowRadius, colors.highlight);
-    auto color = !m_item.isEnabled ? colors.disabled
+    auto color = !m_item.isEnabled ? colors.disabledText
         : m_isHighlighted          ? colors.highlightedText
                                    : colors.text;
-    auto parts = m_layout.partsOf(bounds(), appearance.isRightToLeft);
+    auto parts = m_layout.partsOf(bounds(), m_look.isRightToLeft);
     canvas.drawText(m_item.title, parts.title, {.size = MenuMetrics::fontSize, .color = color});
     if (m_item.isChecked)
         canvas.drawSymbol(Symbol::checkmark, parts.mark, color);
     if (!m_item.submenu.empty())
-        canvas.drawSymbol(appearance.isRightToLeft ? Symbol::chevronLeft : Symbol::chevronRight,
-            parts.arrow, color);
+        canvas.drawSymbol(
+            m_look.isRightToLeft ? Symbol::chevronLeft : Symbol::chevronRight, parts.arrow, color);
 }
 
 }

@@ -3,28 +3,28 @@
 #include <functional>
 #include <string>
 
-#include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Menu.h"
 #include "Quorvel/Views/Kit/View.h"
 #include "Quorvel/Views/Menu/MenuLayout.h"
+#include "Quorvel/Views/Palette.h"
 
 namespace quorvel {
 
-struct MenuColors {
-    Color ground;
-    Color edge;
-    Color text;
-    Color disabled;
-    Color separator;
-    Color highlight;
-    Color highlightedText;
+/// What all of a menu goes by.
+struct MenuLook {
+    Palette palette;
+    bool isRightToLeft = false;
 
-    static const MenuColors& of(const Appearance&);
+    static MenuLook of(const Appearance& appearance)
+    {
+        return {Palette::of(appearance), appearance.isRightToLeft};
+    }
 };
 
 /// One entry of a menu, or a line between two. All it is given outlives it.
 class MenuRow final : public View {
 public:
-    MenuRow(const MenuItem&, std::size_t index, const MenuLayout&, const Published<Appearance>&);
+    MenuRow(const MenuItem&, std::size_t index, const MenuLayout&, const MenuLook&);
 
     /// An assistive program presses it.
     std::function<void()> onChosen;
@@ -42,7 +42,7 @@ private:
     const MenuItem& m_item;
     const std::size_t m_index;
     const MenuLayout& m_layout;
-    const Published<Appearance>& m_appearance;
+    const MenuLook& m_look;
     bool m_isHighlighted = false;
 };
 

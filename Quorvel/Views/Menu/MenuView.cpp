@@ -23,43 +23,44 @@ private:
 /// A triangle on a ground that covers the row below it.
 class MenuView::Strip final : public View {
 public:
-    Strip(int side, const Published<Appearance>& appearance)
-        : m_side(side)
-        , m_appearance(appearance)
-    {
-    }
+    Strip(int side, const Palette& palette) : m_side(side), m_palette(palette) { }
 
 private:
     void paint(Canvas& canvas) const override
     {
-        auto& colors = MenuColors::of(m_appearance.value());
-        canvas.fill(bounds(), colors.ground);
+        canvas.fill(bounds(), m_palette.menuGround);
         auto [x, y] = bounds().centre();
         canvas.fillPolygon(
             {{x - 5, y - 2.5 * m_side}, {x + 5, y - 2.5 * m_side}, {x, y + 2.5 * m_side}},
-            colors.text);
+            m_palette.text);
     }
 
     const int m_side;
-    const Published<Appearance>& m_appearance;
+    const Palette& m_palette;
 };
 
-MenuView::MenuView(const Menu& menu, const Text& text, const Published<Appearance>& appearance)
+MenuView::MenuView(const Menu& menu, const Text& text, const Appearance& appearance)
     : m_menu(menu)
-    , m_appearance(appearance)
+    , m_look(MenuLook::of(appearance))
     , m_layout(menu, text)
     , m_viewport(&addChild(std::make_unique<Viewport>()))
-    , m_strips{&addChild(std::make_unique<Strip>(-1, appearance)),
-          &addChild(std::make_unique<Strip>(1, appearance))}
+    , m_strips{&addChild(std::make_unique<Strip>(-1, m_look.palette)),
+          &addChild(std::make_unique<Strip>(1, m_look.palette))}
 {
     for (Row row = 0; row < menu.size(); ++row) {
         m_rows.push_back(
-            &m_viewport->addChild(std::make_unique<MenuRow>(menu[row], row, m_layout, appearance)));
+            &m_viewport->addChild(std::make_unique<MenuRow>(menu[row], row, m_layout, m_look)));
         m_rows.back()->onChosen = [this, row] {
             if (onChosen)
                 onChosen(row);
         };
     }
+}
+
+void MenuView::setAppearance(const Appearance& appearance)
+{
+    m_look = MenuLook::of(appearance);
+    invalidate();
 }
 
 AccessibleState MenuView::accessibleState() const
@@ -96,9 +97,9 @@ void MenuView::layout()
 
 void MenuView::paint(Canvas& canvas) const
 {
-    auto& colors = MenuColors::of(m_appearance.value());
-    canvas.fillRounded(bounds(), MenuMetrics::radius, colors.ground);
-    canvas.strokeRounded(bounds(), MenuMetrics::radius, 1, colors.edge);
+    auto& colors = m_look.palette;
+    canvas.fillRounded(bounds(), MenuMetrics::radius, colors.menuGround);
+    canvas.strokeRounded(bounds(), MenuMetrics::radius, 1, colors.menuEdge);
 }
 
 std::optional<MenuView::Row> MenuView::rowAt(Point at) const

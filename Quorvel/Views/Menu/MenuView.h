@@ -16,7 +16,9 @@ public:
     using Row = std::size_t;
 
     /// All it is given outlives it.
-    MenuView(const Menu&, const Text&, const Published<Appearance>&);
+    MenuView(const Menu&, const Text&, const Appearance&);
+
+    void setAppearance(const Appearance&);
 
     /// An assistive program presses a row.
     std::function<void(Row)> onChosen;
@@ -59,7 +61,7 @@ private:
     Rect strip(int side) const;
 
     const Menu& m_menu;
-    const Published<Appearance>& m_appearance;
+    MenuLook m_look;
     const MenuLayout m_layout;
     Viewport* m_viewport;
     Strip* m_strips[2];

@@ -15,12 +15,8 @@ Menus::~Menus() = default;
 
 void Menus::popUp(PanelSurface& panel, Menu menu, const Rect& anchor, OnClosed onClosed)
 {
-    if (auto* native = m_platform.surfaces.nativeMenus()) {
-        return native->popUpMenu(panel, std::move(menu), anchor, [onClosed = std::move(onClosed)] {
-            if (onClosed)
-                onClosed(MenuEnding::dismissed); // the system does not say more
-        });
-    }
+    if (auto* native = m_platform.surfaces.nativeMenus())
+        return native->popUpMenu(panel, std::move(menu), anchor, std::move(onClosed));
     close();
     m_onClosed = std::move(onClosed);
     auto screens = m_platform.displays.screens();

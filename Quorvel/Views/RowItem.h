@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Quorvel/Core/BarSize.h"
+#include "Quorvel/Views/DragSource.h"
+#include "Quorvel/Views/Kit/ButtonView.h"
+
+namespace quorvel {
+
+/// What chips and pins have in common: they are clicked, dragged along the row, lifted meanwhile,
+/// and files may rest on them. The face is as high as the metrics say; the view reaches from the
+/// top to the bottom of the bar, so that a click at the very edge of the screen meets it.
+class RowItem : public ButtonView {
+public:
+    static constexpr double kLiftedOpacity = 0.82;
+    static constexpr double kLiftedScale = 1.05;
+
+    DragSource drag;
+
+    /// It follows the pointer, above the others.
+    void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
+    /// Lifted, it is a little larger than its frame.
+    void invalidateLifted();
+
+    void pressed(PointerButton) override;
+    void dragged(const DragMove&) override;
+    void released(PointerButton, bool isInside) override;
+    void pressCancelled() override;
+    bool isDragged() const override { return drag.isDragging(); }
+
+    bool takesFiles() const override { return true; }
+    void filesEntered() override { set(m_hasFilesOver, true); }
+    void filesExited() override { set(m_hasFilesOver, false); }
+
+protected:
+    RowItem(const Palette& palette, const BarMetrics& metrics)
+        : ButtonView(palette)
+        , m_metrics(metrics)
+    {
+    }
+
+    const BarMetrics& metrics() const { return m_metrics; }
+    Rect face() const { return bounds().centred({bounds().width, m_metrics.chipHeight}); }
+    virtual void paintItem(Canvas&) const = 0;
+    /// The ring while files are over it or the keyboard is on it.
+    void paintRing(Canvas&) const;
+
+private:
+    bool isLifted() const override { return m_isLifted; }
+    void paint(Canvas&) const final;
+
+    BarMetrics m_metrics;
+    bool m_isLifted = false;
+    bool m_hasFilesOver = false;
+};
+
+}
