@@ -9,6 +9,7 @@ namespace quorvel::xdg {
 /// nothing.
 struct DesktopLooks {
     std::optional<bool> isDark;
+    std::optional<bool> isHighContrast;
     std::string iconTheme; ///< its folder's name
     std::string font; ///< as Pango reads it: "Cantarell 11"
     std::optional<double> scale; ///< pixels per point, as it was said: any positive number

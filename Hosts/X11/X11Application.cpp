@@ -111,6 +111,8 @@ void X11Application::updateAppearance()
     appearance.isDark = isDark.value_or(kIsDarkByDefault);
     appearance.isRightToLeft = isRightToLeft();
     appearance.accent = m_preference.accent;
+    appearance.increaseContrast
+        = m_preference.isHighContrast.value_or(m_looks.value().isHighContrast.value_or(false));
     appearance.font = m_looks.value().font;
     m_appearance.set(appearance);
 }

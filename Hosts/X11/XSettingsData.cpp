@@ -116,15 +116,29 @@ std::string text(const Values& values, std::string_view name)
     return isSane ? std::string{*value} : std::string{};
 }
 
+/// In small letters.
+std::string themeName(const Values& values)
+{
+    auto theme = text(values, "Net/ThemeName");
+    std::ranges::transform(theme, theme.begin(), [](char c) { return g_ascii_tolower(c); });
+    return theme;
+}
+
 std::optional<bool> isDark(const Values& values)
 {
     if (const auto wish = integer(values, "Gtk/ApplicationPreferDarkTheme"); wish && *wish != 0)
         return true;
-    auto theme = text(values, "Net/ThemeName");
+    auto theme = themeName(values);
     if (theme.empty())
         return std::nullopt;
-    std::ranges::transform(theme, theme.begin(), [](char c) { return g_ascii_tolower(c); });
-    return theme.find("dark") != std::string::npos;
+    return theme.find("dark") != std::string::npos || theme == "highcontrastinverse";
+}
+
+/// The themes of GNOME, MATE and Xfce are called "HighContrast" and "HighContrastInverse".
+std::optional<bool> isHighContrast(const Values& values)
+{
+    auto theme = themeName(values);
+    return theme.empty() ? std::nullopt : std::optional{theme.starts_with("highcontrast")};
 }
 
 /// Some daemons say the whole of it in dots, others only the factor of whole pixels.
@@ -155,7 +169,7 @@ std::optional<DesktopLooks> decodeXSettings(std::span<const std::byte> bytes)
         if (!readSetting(reader, values))
             return std::nullopt;
     }
-    return DesktopLooks{isDark(values), text(values, "Net/IconThemeName"),
+    return DesktopLooks{isDark(values), isHighContrast(values), text(values, "Net/IconThemeName"),
         text(values, "Gtk/FontName"), scale(values)};
 }
 

@@ -83,7 +83,7 @@ TEST(XSettings, areReadInBothByteOrdersAmongSettingsOfEveryType)
         Property property{isBigEndian};
         property.addColor("Gtk/Colour").add("Net/ThemeName", "Adwaita-dark").add("Xft/DPI", 147456);
         property.add("Net/IconThemeName", "Papirus").add("Gtk/FontName", "Cantarell 11");
-        EXPECT_EQ(looks(property), (DesktopLooks{true, "Papirus", "Cantarell 11", 1.5}));
+        EXPECT_EQ(looks(property), (DesktopLooks{true, false, "Papirus", "Cantarell 11", 1.5}));
     }
 }
 
@@ -91,6 +91,8 @@ TEST(XSettings, sayDarkByTheThemeUnlessItIsWishedForAndTheLargerScale)
 {
     EXPECT_EQ(looks(Property{}.add("Net/ThemeName", "Mint-Y-Darker")).isDark, true);
     EXPECT_EQ(looks(Property{}.add("Net/ThemeName", "Adwaita")).isDark, false);
+    const auto inverse = looks(Property{}.add("Net/ThemeName", "HighContrastInverse"));
+    EXPECT_TRUE(inverse.isDark == true && inverse.isHighContrast == true);
     EXPECT_EQ(looks(Property{}).isDark, std::nullopt);
     EXPECT_EQ(
         looks(Property{}.add("Net/ThemeName", "Adwaita").add("Gtk/ApplicationPreferDarkTheme", 1))

@@ -13,8 +13,10 @@ constexpr char kInterface[] = "org.freedesktop.portal.Settings";
 constexpr char kNamespace[] = "org.freedesktop.appearance";
 constexpr char kScheme[] = "color-scheme";
 constexpr char kAccent[] = "accent-color";
+constexpr char kContrast[] = "contrast";
 
 enum Scheme : guint32 { noPreference, prefersDark, prefersLight };
+constexpr guint32 kPrefersHighContrast = 1;
 
 /// The value inside any number of variants.
 GVariant* unwrapped(GVariant* value)
@@ -34,6 +36,14 @@ std::optional<bool> darkFrom(GVariant* value)
     const auto scheme = g_variant_get_uint32(value);
     return scheme == prefersDark || scheme == prefersLight ? std::optional{scheme == prefersDark}
                                                            : std::nullopt;
+}
+
+/// Absent where nothing is preferred: a theme may say more.
+std::optional<bool> highContrastFrom(GVariant* value)
+{
+    bool isHigh = g_variant_is_of_type(value, G_VARIANT_TYPE_UINT32)
+        && g_variant_get_uint32(value) == kPrefersHighContrast;
+    return isHigh ? std::optional{true} : std::nullopt;
 }
 
 /// Parts from 0 to 1; others mean that there is none.
@@ -58,6 +68,7 @@ ColorScheme::ColorScheme(Changed changed)
           {[this] {
                read(kScheme);
                read(kAccent);
+               read(kContrast);
            },
               nullptr, [this](GVariant* parameters) { takeChange(parameters); }})
 {
@@ -95,6 +106,8 @@ void ColorScheme::take(std::string_view key, GVariant* wrapped)
         m_preference.isDark = darkFrom(value);
     else if (key == kAccent)
         m_preference.accent = colorFrom(value);
+    else if (key == kContrast)
+        m_preference.isHighContrast = highContrastFrom(value);
     g_variant_unref(value);
     m_changed(m_preference);
 }

@@ -17,6 +17,7 @@ public:
     struct Preference {
         std::optional<bool> isDark;
         std::optional<Color> accent;
+        std::optional<bool> isHighContrast;
     };
     using Changed = std::function<void(const Preference&)>;
 
