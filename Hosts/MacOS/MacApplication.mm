@@ -31,6 +31,18 @@ namespace quorvel {
 
 namespace {
 
+std::optional<Color> accentColor()
+{
+    // It names another colour in each appearance.
+    __block NSColor* accent = nil;
+    [NSApp.effectiveAppearance performAsCurrentDrawingAppearance:^{
+        accent = [NSColor.controlAccentColor colorUsingColorSpace:NSColorSpace.sRGBColorSpace];
+    }];
+    if (!accent)
+        return std::nullopt;
+    return Color{accent.redComponent, accent.greenComponent, accent.blueComponent};
+}
+
 Appearance currentAppearance()
 {
     NSWorkspace* workspace = NSWorkspace.sharedWorkspace;
@@ -44,6 +56,7 @@ Appearance currentAppearance()
         .increaseContrast = static_cast<bool>(workspace.accessibilityDisplayShouldIncreaseContrast),
         .isRightToLeft
         = NSApp.userInterfaceLayoutDirection == NSUserInterfaceLayoutDirectionRightToLeft,
+        .accent = accentColor(),
     };
 }
 
@@ -84,6 +97,8 @@ MacApplication::MacApplication()
     m_appearance.set(currentAppearance());
     m_observers.emplace_back(NSWorkspace.sharedWorkspace.notificationCenter,
         NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification,
+        [this](NSNotification*) { m_appearance.set(currentAppearance()); });
+    m_observers.emplace_back(NSNotificationCenter.defaultCenter, NSSystemColorsDidChangeNotification,
         [this](NSNotification*) { m_appearance.set(currentAppearance()); });
     m_darkObserver =
         [[QVPropertyObserver alloc] initWithObject:NSApp
