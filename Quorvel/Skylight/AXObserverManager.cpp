@@ -331,14 +331,17 @@ void AXObserverManager::handleNotification(
 
 void AXObserverManager::deliver(AXWindowEvent event)
 {
-    auto call = [weak = m_weak.reference(), event] {
+    auto key = event.windowID && isDebounced(event.notification)
+        ? std::optional{DebounceKey{event.notification, *event.windowID}}
+        : std::nullopt;
+    auto call = [weak = m_weak.reference(), event = std::move(event)] {
         auto* self = weak.get();
         if (self && self->m_thread && self->onEvent)
             self->onEvent(event);
     };
-    if (event.windowID && isDebounced(event.notification)) {
-        m_debounceState.schedule({event.notification, *event.windowID},
-            debounceRule(event.notification), std::move(call));
+    if (key) {
+        auto rule = debounceRule(key->notification);
+        m_debounceState.schedule(std::move(*key), rule, std::move(call));
     } else {
         m_callbackQueue.async(std::move(call));
     }
