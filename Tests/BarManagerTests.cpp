@@ -433,6 +433,48 @@ TEST_F(BarManagerTest, aBarIsFilledWhenItsSpaceIsFirstShown)
     EXPECT_EQ(panel(SpaceID{2}).frame().height, 54);
 }
 
+// Faults: a title is told to bars that do not show it; a bar that has been shown once works on
+// unseen, or misses what happened meanwhile.
+TEST_F(BarManagerTest, aBarIsTouchedWhenWhatItShowsChangesAndWhenItIsSeen)
+{
+    desktop.addDisplay(second());
+    auto away = desktop.open(mail, {.title = "Away", .spaces = {SpaceID{2}}});
+    auto far = desktop.open(
+        mail, {.title = "Far", .frame = {1500, 100, 400, 400}, .spaces = {SpaceID{11}}});
+    start();
+    for (auto space : {SpaceID{2}, SpaceID{1}}) {
+        desktop.activateSpace(space);
+        desktop.drain();
+    }
+    std::set<std::uint64_t> told;
+    std::vector<Subscription> subscriptions;
+    for (auto space : {1, 2, 11})
+        subscriptions.push_back(
+            model().barDidChange(SpaceID(std::uint64_t(space))).subscribe([&told, space] {
+                told.insert(std::uint64_t(space));
+            }));
+    auto toldOf = [&](const std::function<void()>& change) {
+        told.clear();
+        change();
+        settle();
+        return told;
+    };
+    EXPECT_THAT(toldOf([&] { desktop.retitle(far, "Other"); }), ElementsAre(11));
+    EXPECT_THAT(toldOf([&] { desktop.move(inbox, {120, 100}); }), ElementsAre(1));
+
+    auto& unseen = *manager().panels().at(SpaceID{2})->content();
+    EXPECT_THAT(toldOf([&] {
+        desktop.retitle(away, "Unseen");
+        desktop.open(editor, {.title = "New", .spaces = {SpaceID{2}}, .takesFocus = false});
+    }),
+        ElementsAre(2));
+    EXPECT_THAT(unseen.chipFrames(), SizeIs(1)) << "it rests";
+    desktop.activateSpace(SpaceID{2});
+    desktop.drain();
+    EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Unseen", "New"));
+    EXPECT_EQ(&unseen, manager().panels().at(SpaceID{2})->content()) << "not made anew";
+}
+
 // MARK: What other windows are told
 
 TEST_F(BarManagerTest, anotherSizeMovesEachBarOnceAndTheSameSizeNone)

@@ -62,8 +62,12 @@ public:
     virtual void setHoverKeyingSuppressed(bool) = 0;
     /// Replaces what is on the bar.
     virtual void fill(const BarContents&) = 0;
-    /// False until the bar is first shown.
+    /// False until the bar is first shown, and once it has been cleared.
     virtual bool isFilled() const = 0;
+    /// Takes off what is on the bar, which is filled anew when it is next shown.
+    virtual void clear() = 0;
+    /// A filled bar that is not shown rests, and catches up when it is shown again.
+    virtual void setShown(bool) = 0;
     virtual void dismissPopups() = 0;
 
 private:

@@ -145,7 +145,7 @@ bool BarPanels::place(const SpaceWindows::Answer& answer)
     placeAll(m_panels, ordinary);
     syncFullscreenProxyPanels(spaces, screens);
     placeMirrors(ordinary, screens);
-    fillShown(answer.shown);
+    setShown(answer.shown);
     return true;
 }
 
@@ -156,7 +156,7 @@ bool BarPanels::syncMirrorPanels()
     if (answer.spaces.empty() && !screens.empty())
         return false;
     placeMirrors(spots(answer.spaces, screens, PanelKind::bar), screens);
-    fillShown(answer.shown);
+    setShown(answer.shown);
     return true;
 }
 
@@ -226,25 +226,36 @@ std::unique_ptr<Bar> BarPanels::createPanel(const Spot& spot)
 void BarPanels::rebuildContentViews()
 {
     for (auto* bar : bars()) {
-        if (bar->isFilled())
+        if (bar->isFilled() && isShown(*bar))
             onContentNeeded(*bar);
+        else if (bar->isFilled())
+            bar->clear();
     }
 }
 
-void BarPanels::fillShown(const std::vector<SpaceID>& spaces)
+bool BarPanels::isShown(const Bar& bar) const
 {
+    return std::ranges::find(m_shown, bar.spaceID()) != m_shown.end();
+}
+
+void BarPanels::setShown(const std::vector<SpaceID>& spaces)
+{
+    // No answer says nothing of who is seen.
+    if (!spaces.empty())
+        m_shown = spaces;
     for (auto* bar : bars()) {
-        bool isShown = std::ranges::find(spaces, bar->spaceID()) != spaces.end();
-        if (isShown && !bar->isFilled())
+        if (bar->isFilled())
+            bar->setShown(isShown(*bar));
+        else if (isShown(*bar))
             onContentNeeded(*bar);
     }
 }
 
 void BarPanels::orderFront(const std::vector<SpaceID>& spaces)
 {
-    fillShown(spaces);
+    setShown(spaces);
     for (auto* bar : bars()) {
-        if (std::ranges::find(spaces, bar->spaceID()) != spaces.end())
+        if (isShown(*bar))
             bar->surface().orderFront();
     }
 }

@@ -57,6 +57,7 @@ public:
     /// because the system does not say which spaces there are.
     bool place(const SpaceWindows::Answer&);
     bool syncMirrorPanels();
+    /// Those that are not shown get theirs when they are.
     void rebuildContentViews();
     /// These spaces are shown now.
     void orderFront(const std::vector<SpaceID>&);
@@ -84,7 +85,9 @@ private:
     static bool isOf(const Bar&, const Spot&);
     void move(Bar&, const Spot&);
     std::unique_ptr<Bar> createPanel(const Spot&);
-    void fillShown(const std::vector<SpaceID>&);
+    /// Their bars have content that is up to date; the others rest.
+    void setShown(const std::vector<SpaceID>&);
+    bool isShown(const Bar&) const;
     Rect frame(const Spot&) const;
     Rect barFrame(const Screen&) const;
 
@@ -94,6 +97,7 @@ private:
     const UserSettings& m_settings;
     SpaceWindows m_spaceWindows;
     bool m_isPerScreen = false;
+    std::vector<SpaceID> m_shown;
     BySpace m_panels;
     BySpace m_fullscreenPanels;
     Mirrors m_mirrorPanels;

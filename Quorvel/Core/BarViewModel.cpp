@@ -29,11 +29,11 @@ std::optional<Value> lookUp(
 }
 
 /// True if the value was another one.
-template <typename Value> bool assign(Value& target, const Value& value)
+template <typename Value, typename Other> bool assign(Value& target, Other&& value)
 {
     if (target == value)
         return false;
-    target = value;
+    target = std::forward<Other>(value);
     return true;
 }
 
@@ -87,8 +87,13 @@ void BarViewModel::refresh(SpaceWindows::Answer answer)
     m_refresh = {};
     ++m_debugEventSequence;
     // With a screen there is a space: no answer says nothing about the windows.
-    if (!answer.spaces.empty() || m_displays.screens().empty())
+    if ((!answer.spaces.empty() || m_displays.screens().empty())
+        && answer.spaces != spaces.value()) {
+        // Which display is a space's own decides where windows are that meet none.
+        for (auto& info : answer.spaces)
+            m_changedBars.insert(info.spaceID);
         spaces.set(std::move(answer.spaces));
+    }
     activeSpaceID.set(m_windowServer.activeSpace());
 
     auto focus = resolveFocus();
@@ -107,8 +112,16 @@ void BarViewModel::publish(std::optional<WindowID> focused)
         m_trace.line("published focus id={}", orNil(focused));
     focusedWindowID.set(focused);
     findBundlesWithAttentionWindows();
-    updateItems(updateChips());
-    didRefresh.emit();
+    auto windows = m_windowStore.windowsBySpace();
+    auto changed = std::exchange(m_changedBars, {});
+    updateFrames(windows, changed);
+    updateChips(windows, changed);
+    updateSummaries(changed);
+    updateItems(changed);
+    for (auto space : changed) {
+        if (auto found = m_barDidChange.find(space); found != m_barDidChange.end())
+            found->second.emit();
+    }
 }
 
 BarViewModel::FocusDecision BarViewModel::resolveFocus()
@@ -155,28 +168,32 @@ void BarViewModel::setPendingFocus(WindowID id)
 
 // MARK: Chips
 
-std::set<SpaceID> BarViewModel::updateChips()
+void BarViewModel::updateChips(const WindowsBySpace& windows, std::set<SpaceID>& changed)
 {
-    std::set<SpaceID> changed;
-    auto windows = m_windowStore.windowsBySpace();
     chipsBySpace.update([&](ChipsBySpace& chips) {
+        bool hasChanged = false;
         std::set<SpaceID> present;
         for (auto& info : spaces.value()) {
             auto found = windows.find(info.spaceID);
             if (found == windows.end())
                 continue;
             present.insert(info.spaceID);
-            if (updateChips(chips[info.spaceID], found->second))
-                changed.insert(info.spaceID);
+            if (!updateChips(chips[info.spaceID], found->second))
+                continue;
+            changed.insert(info.spaceID);
+            hasChanged = true;
         }
-        auto gone
-            = std::erase_if(chips, [&](auto& entry) { return !present.contains(entry.first); });
-        bool areOthers = gone > 0 || !changed.empty();
-        if (areOthers)
+        std::erase_if(chips, [&](auto& entry) {
+            bool isGone = !present.contains(entry.first);
+            if (isGone)
+                changed.insert(entry.first);
+            hasChanged |= isGone;
+            return isGone;
+        });
+        if (hasChanged)
             findBundlesWithWindows(chips);
-        return areOthers;
+        return hasChanged;
     });
-    return changed;
 }
 
 void BarViewModel::findBundlesWithWindows(const ChipsBySpace& all)
@@ -217,6 +234,43 @@ bool BarViewModel::updateChip(ChipData& chip, const TrackedWindow& window)
     return hasChanged;
 }
 
+void BarViewModel::updateSummaries(const std::set<SpaceID>& changed)
+{
+    auto& chips = chipsBySpace.value();
+    summaries.update([&](Summaries& all) {
+        bool hasChanged
+            = std::erase_if(all, [&](auto& entry) { return !chips.contains(entry.first); }) > 0;
+        for (auto space : changed) {
+            auto found = chips.find(space);
+            if (found == chips.end())
+                continue;
+            SpaceSummary summary;
+            summary.windowCount = static_cast<int>(found->second.size());
+            for (auto& chip : found->second) {
+                summary.wantsAttention |= chip.wantsAttention;
+                if (chip.bundleIdentifier)
+                    summary.bundleIDs.insert(*chip.bundleIdentifier);
+            }
+            hasChanged |= assign(all[space], std::move(summary));
+        }
+        return hasChanged;
+    });
+}
+
+/// With one screen there is nothing to choose.
+void BarViewModel::updateFrames(const WindowsBySpace& windows, std::set<SpaceID>& changed)
+{
+    if (m_displays.screens().size() <= 1)
+        return m_frames.clear();
+    std::erase_if(m_frames, [&](auto& entry) { return !windows.contains(entry.first); });
+    for (auto& [space, ofSpace] : windows) {
+        std::vector<Rect> frames(ofSpace.size());
+        std::ranges::transform(ofSpace, frames.begin(), [](auto* window) { return window->frame; });
+        if (assign(m_frames[space], std::move(frames)))
+            changed.insert(space);
+    }
+}
+
 void BarViewModel::findBundlesWithAttentionWindows()
 {
     m_bundlesWithAttentionWindows.clear();
@@ -239,7 +293,7 @@ bool BarViewModel::wantsAttention(const TrackedWindow& window) const
 
 // MARK: Items
 
-void BarViewModel::updateItems(const std::set<SpaceID>& changedSpaces)
+void BarViewModel::updateItems(std::set<SpaceID>& changed)
 {
     bool isGrouped = m_settings.groupWindowsByApp();
     bool regroups = std::exchange(m_isGrouped, isGrouped) != isGrouped;
@@ -250,8 +304,12 @@ void BarViewModel::updateItems(const std::set<SpaceID>& changedSpaces)
         bool hasChanged
             = std::erase_if(items, [&](auto& entry) { return !chips.contains(entry.first); }) > 0;
         for (auto& [space, chipsOfSpace] : chips) {
-            if (isAll || changedSpaces.contains(space))
-                hasChanged |= assign(items[space], makeItems(space, chipsOfSpace));
+            if (!isAll && !changed.contains(space))
+                continue;
+            if (assign(items[space], makeItems(space, chipsOfSpace))) {
+                changed.insert(space);
+                hasChanged = true;
+            }
         }
         return hasChanged;
     });
@@ -282,16 +340,10 @@ void BarViewModel::moveChip(
     refresh();
 }
 
-std::set<std::string_view> BarViewModel::bundleIDsWithWindows(SpaceID space) const
+std::set<std::string> BarViewModel::bundleIDsWithWindows(SpaceID space) const
 {
-    std::set<std::string_view> bundleIDs;
-    if (auto found = chipsBySpace.value().find(space); found != chipsBySpace.value().end()) {
-        for (auto& chip : found->second) {
-            if (chip.bundleIdentifier)
-                bundleIDs.insert(*chip.bundleIdentifier);
-        }
-    }
-    return bundleIDs;
+    auto found = summaries.value().find(space);
+    return found == summaries.value().end() ? std::set<std::string>{} : found->second.bundleIDs;
 }
 
 const ChipData* BarViewModel::chip(SpaceID space, WindowID id) const

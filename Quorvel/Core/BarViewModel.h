@@ -38,6 +38,16 @@ public:
     using ItemsBySpace = std::map<SpaceID, std::vector<DisplayItem>>;
     using ChipsBySpace = std::map<SpaceID, std::vector<ChipData>>;
 
+    /// What others than the space's own bars need to know of it.
+    struct SpaceSummary {
+        int windowCount = 0;
+        bool wantsAttention = false;
+        std::set<std::string> bundleIDs;
+
+        friend bool operator==(const SpaceSummary&, const SpaceSummary&) = default;
+    };
+    using Summaries = std::map<SpaceID, SpaceSummary>;
+
     enum class FocusBeforeActivation { no, yes };
 
     /// Starts the badge service.
@@ -47,14 +57,17 @@ public:
     Published<ChipsBySpace> chipsBySpace;
     /// The same windows as the bar draws them: grouped, and in the user's order.
     Published<ItemsBySpace> displayItemsBySpace;
+    /// Of each space that has a chip. A title that changes changes nothing here.
+    Published<Summaries> summaries;
     Published<std::vector<SpaceWindows::Info>> spaces;
     Published<SpaceID> activeSpaceID;
     Published<std::optional<WindowID>> focusedWindowID;
 
     /// Windows are about to be minimised by the bar, and can be captured for the last time.
     Signal<std::vector<WindowID>> willMinimizeWindows;
-    /// After each refresh, published or not: what depends on more than the chips looks again.
-    Signal<> didRefresh;
+    /// The space's chips, its items, or which screens its windows are on may be others now: what
+    /// its bars show. After everything is published.
+    const Signal<>& barDidChange(SpaceID space) { return m_barDidChange[space]; }
 
     /// Computes everything anew; chips and items that come out equal are not made again.
     void refresh() { refresh(m_spaceWindows.ask()); }
@@ -67,8 +80,7 @@ public:
     /// Puts an item in front of another one, or last. Items of windows that have been folded into a
     /// group since are the group's.
     void moveChip(const std::string& id, const std::optional<std::string>& before, SpaceID);
-    /// Valid until the next refresh.
-    std::set<std::string_view> bundleIDsWithWindows(SpaceID) const;
+    std::set<std::string> bundleIDsWithWindows(SpaceID) const;
 
     /// On any space.
     bool hasWindows(const std::string& bundleID) const
@@ -127,11 +139,15 @@ private:
     /// The chips and items of the store's windows, with this one focused.
     void publish(std::optional<WindowID> focused);
 
-    /// The spaces whose chips are others now.
-    std::set<SpaceID> updateChips();
+    using WindowsBySpace = std::map<SpaceID, std::vector<const TrackedWindow*>>;
+
+    /// Puts the spaces whose chips are others now into `changed`; so do the next ones.
+    void updateChips(const WindowsBySpace&, std::set<SpaceID>& changed);
     bool updateChips(std::vector<ChipData>&, const std::vector<const TrackedWindow*>&);
     bool updateChip(ChipData&, const TrackedWindow&);
-    void updateItems(const std::set<SpaceID>& changedSpaces);
+    void updateSummaries(const std::set<SpaceID>& changed);
+    void updateItems(std::set<SpaceID>& changed);
+    void updateFrames(const WindowsBySpace&, std::set<SpaceID>& changed);
     std::vector<DisplayItem> makeItems(SpaceID, const std::vector<ChipData>&);
     void findBundlesWithAttentionWindows();
     void findBundlesWithWindows(const ChipsBySpace&);
@@ -176,6 +192,10 @@ private:
     GroupWalk m_walk;
     bool m_isGrouped = false; ///< the items that were made last
     bool m_areItemsStale = false;
+    std::map<SpaceID, std::vector<Rect>>
+        m_frames; ///< of the windows, while there are screens to choose
+    std::map<SpaceID, Signal<>> m_barDidChange;
+    std::set<SpaceID> m_changedBars; ///< not told yet
     std::set<std::string> m_bundlesWithAttentionWindows;
     std::set<std::string> m_bundlesWithWindows; ///< of all chips
     std::optional<WindowID> m_pendingFocusedWindowID;

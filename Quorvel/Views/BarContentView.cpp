@@ -56,11 +56,8 @@ BarContentView::BarContentView(Inputs inputs)
     connectRow();
     connectPopups();
     subscribe();
-    appearanceDidChange();
-    settingsDidChange();
-    spacesDidChange();
-    pinsDidChange();
-    itemsDidChange();
+    for (auto part : {Part::appearance, Part::settings, Part::spaces, Part::pins, Part::items})
+        partDidChange(part);
 }
 
 BarContentView::~BarContentView() = default;
@@ -93,7 +90,7 @@ ChipPopups::Inputs BarContentView::popupInputs()
 
 void BarContentView::connectPopups()
 {
-    m_launchMarks.onChanged = [this] { pinsDidChange(); };
+    m_launchMarks.onChanged = [this] { partDidChange(Part::pins); };
     m_popups.onWillShow = [this] {
         if (onThumbnailWillShow)
             onThumbnailWillShow();
@@ -106,35 +103,60 @@ void BarContentView::connectPopups()
 
 void BarContentView::subscribe()
 {
-    auto& viewModel = m_inputs.viewModel;
-    m_subscriptions.push_back(m_inputs.platform.application.appearance().subscribe(
-        [this](auto&) { appearanceDidChange(); }));
-    m_subscriptions.push_back(
-        m_inputs.platform.surfaces.blurDidChange.subscribe([this] { updateBackground(); }));
-    m_subscriptions.push_back(
-        m_inputs.settings.data().subscribe([this](auto&) { settingsDidChange(); }));
-    m_subscriptions.push_back(
-        m_inputs.pinStore.pinnedApps().subscribe([this](auto&) { pinsDidChange(); }));
-    m_subscriptions.push_back(m_inputs.platform.workspace.iconDidChange.subscribe([this](auto& id) {
+    auto keep
+        = [this](Subscription subscription) { m_subscriptions.push_back(std::move(subscription)); };
+    auto changes = [this](Part part) { return [this, part](auto&...) { partDidChange(part); }; };
+    auto& platform = m_inputs.platform;
+    keep(platform.application.appearance().subscribe(changes(Part::appearance)));
+    keep(platform.surfaces.blurDidChange.subscribe(changes(Part::appearance)));
+    keep(m_inputs.settings.data().subscribe(changes(Part::settings)));
+    keep(m_inputs.pinStore.pinnedApps().subscribe(changes(Part::pins)));
+    keep(platform.workspace.iconDidChange.subscribe([this](auto& id) {
         if (id.empty() || std::ranges::find(m_pins, id) != m_pins.end())
-            pinsDidChange();
+            partDidChange(Part::pins);
     }));
-    // Other panels may keep a side of the screen for themselves from now on.
-    m_subscriptions.push_back(
-        m_inputs.platform.displays.parametersDidChange.subscribe([this] { layout(); }));
-    m_subscriptions.push_back(viewModel.spaces.subscribe([this](auto&) { spacesDidChange(); }));
-    m_subscriptions.push_back(viewModel.chipsBySpace.subscribe([this](auto& chips) {
-        if (!areCurrent(m_spaceSwitcher->spaces(), chips))
-            spacesDidChange();
-        if (!arePinsCurrent() || m_launchMarks.isStale())
-            pinsDidChange();
+    // Other panels may keep a side of the screen for themselves from now on, and windows be on
+    // other screens.
+    keep(platform.displays.parametersDidChange.subscribe([this] {
+        partDidChange(Part::layout);
+        partDidChange(Part::items);
     }));
-    m_subscriptions.push_back(m_inputs.platform.windowServer.spacesDidChange.subscribe(
-        [this] { spacesDidChange(); })); // their names, of which the model knows nothing
-    // Which windows lie on one screen may change without any chip changing.
-    m_subscriptions.push_back(m_inputs.screenIndex
-            ? viewModel.didRefresh.subscribe([this] { itemsDidChange(); })
-            : viewModel.displayItemsBySpace.subscribe([this](auto&) { itemsDidChange(); }));
+    keep(m_inputs.viewModel.spaces.subscribe(changes(Part::spaces)));
+    // Their names, of which the model knows nothing.
+    keep(platform.windowServer.spacesDidChange.subscribe(changes(Part::spaces)));
+    keep(m_inputs.viewModel.summaries.subscribe([this](auto&) {
+        partDidChange(Part::spaces);
+        if (m_launchMarks.isStale())
+            partDidChange(Part::pins);
+    }));
+    keep(m_inputs.viewModel.barDidChange(m_inputs.spaceID).subscribe(changes(Part::items)));
+}
+
+void BarContentView::setShown(bool isShown)
+{
+    m_isShown = isShown;
+    for (auto part : isShown ? std::exchange(m_stale, {}) : std::set<Part>{})
+        partDidChange(part);
+}
+
+void BarContentView::partDidChange(Part part)
+{
+    if (!m_isShown)
+        return void(m_stale.insert(part));
+    switch (part) {
+    case Part::appearance:
+        return appearanceDidChange();
+    case Part::settings:
+        return settingsDidChange();
+    case Part::layout:
+        return layout();
+    case Part::spaces:
+        return spacesDidChange();
+    case Part::pins:
+        return pinsDidChange();
+    case Part::items:
+        return itemsDidChange();
+    }
 }
 
 void BarContentView::connectRow()
@@ -179,6 +201,8 @@ void BarContentView::itemsDidChange()
 {
     m_row->setItems(m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex));
     m_popups.update();
+    if (!arePinsCurrent())
+        pinsDidChange();
     m_inputs.surface.accessibleTreeDidChange();
 }
 

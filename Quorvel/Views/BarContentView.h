@@ -53,6 +53,9 @@ public:
     explicit BarContentView(Inputs);
     ~BarContentView() override;
 
+    /// A bar that is not seen only notes what changes, and catches up when it is shown again.
+    void setShown(bool);
+
     std::function<void()> onMenuTapped;
     std::function<void(SpaceID)> onSpaceSwitchRequested;
     /// A group's windows go together.
@@ -95,11 +98,15 @@ public:
     AccessibleState accessibleState() const override;
 
 private:
+    /// What it shows, each from something of its own; in the order of catching up.
+    enum class Part { appearance, settings, layout, spaces, pins, items };
+
     void layout() override;
     void connectButtons();
     void connectRow();
     void connectPopups();
     void subscribe();
+    void partDidChange(Part);
     void itemsDidChange();
     void pinsDidChange();
     std::vector<std::string> wantedPins() const;
@@ -133,6 +140,8 @@ private:
     SpaceSwitcher* m_spaceSwitcher = nullptr;
     ShowDesktopButton* m_showDesktopButton = nullptr;
     ChipsRow* m_row = nullptr;
+    bool m_isShown = true;
+    std::set<Part> m_stale; ///< while it is not
     std::vector<std::string> m_pins; ///< bundle identifiers, as they were looked up
     LaunchMarks m_launchMarks;
     ChipPopups m_popups;

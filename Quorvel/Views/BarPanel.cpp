@@ -61,7 +61,7 @@ void BarPanel::fill(const BarContents& contents)
     m_areChipsHovered = false;
     updateKeying();
     m_content = view.get();
-    m_hostingView.isRightToLeft = [this] { return m_content->isRightToLeft(); };
+    m_hostingView.isRightToLeft = [this] { return m_content && m_content->isRightToLeft(); };
     m_hostingView.setContent(std::move(view));
 }
 
@@ -92,6 +92,18 @@ std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& con
     view->onMoveWindowToSpaceRequested = contents.onMoveWindowToSpaceRequested;
     view->onThumbnailWillShow = contents.onThumbnailWillShow;
     return view;
+}
+
+void BarPanel::clear()
+{
+    m_content = nullptr;
+    m_hostingView.setContent(nullptr);
+}
+
+void BarPanel::setShown(bool isShown)
+{
+    if (m_content)
+        m_content->setShown(isShown);
 }
 
 void BarPanel::dismissPopups()

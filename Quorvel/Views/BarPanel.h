@@ -24,9 +24,11 @@ public:
     void setHoverKeyingSuppressed(bool) override;
     void fill(const BarContents&) override;
     bool isFilled() const override { return m_content != nullptr; }
+    void clear() override;
+    void setShown(bool) override;
     void dismissPopups() override;
 
-    /// Null until the bar is first shown.
+    /// Null while the bar is not filled.
     BarContentView* content() { return m_content; }
     const BarContentView* content() const { return m_content; }
     /// The view that the keyboard has been walked to; null if it is elsewhere.

@@ -8,13 +8,13 @@ namespace quorvel {
 
 namespace {
 
-void count(SpaceCellData& cell, const BarViewModel::ChipsBySpace& chips)
+void count(SpaceCellData& cell, const BarViewModel::Summaries& summaries)
 {
-    auto found = chips.find(cell.id);
-    bool isEmpty = found == chips.end();
-    cell.windowCount = isEmpty ? 0 : static_cast<int>(found->second.size());
-    cell.wantsAttention = !isEmpty && !cell.isCurrent
-        && std::ranges::any_of(found->second, &ChipData::wantsAttention);
+    auto found = summaries.find(cell.id);
+    if (found == summaries.end())
+        return;
+    cell.windowCount = found->second.windowCount;
+    cell.wantsAttention = !cell.isCurrent && found->second.wantsAttention;
 }
 
 }
@@ -41,21 +41,10 @@ std::vector<SpaceCellData> spaceCells(
             cell.name = *name;
         cell.isFullscreen = isFullscreen;
         cell.isCurrent = space.spaceID == current;
-        count(cell, viewModel.chipsBySpace.value());
+        count(cell, viewModel.summaries.value());
         cells.push_back(std::move(cell));
     }
     return cells;
-}
-
-bool areCurrent(const std::vector<SpaceCellData>& cells, const BarViewModel::ChipsBySpace& chips)
-{
-    return std::ranges::all_of(cells, [&](const SpaceCellData& cell) {
-        SpaceCellData now;
-        now.id = cell.id;
-        now.isCurrent = cell.isCurrent;
-        count(now, chips);
-        return now.windowCount == cell.windowCount && now.wantsAttention == cell.wantsAttention;
-    });
 }
 
 }
