@@ -50,6 +50,34 @@ TEST_F(BarTest, aClickActivatesAndAClickOnTheFocusedMinimises)
     EXPECT_TRUE(chip(notes)->isFocused);
 }
 
+// Fault: whatever is refreshed between a click and its answer lights the window that had the focus
+// once more, or that of the click before.
+TEST_F(BarTest, aClickedChipStaysLitUntilTheAnswer)
+{
+    auto chess = desktop.launch({.name = "Chess", .bundleIdentifier = "chess"});
+    auto game = desktop.open(chess, {.title = "Game", .takesFocus = false});
+    settle();
+    for (auto pid : {editor, chess})
+        desktop.application(pid).faults.refusesActivation = true;
+    for (auto window : {notes, game}) {
+        desktop.window(window).faults.ignoredRequests = {"AXMain", "AXFocused", "AXRaise"};
+        clickChip(window);
+        desktop.retitle(draft, displayItemID(window));
+        desktop.advance(seconds(0.3));
+        EXPECT_TRUE(chip(window)->isFocused);
+    }
+    auto answer = [&](ProcessID pid, WindowID window) {
+        desktop.focus(window);
+        desktop.activate(pid);
+        desktop.advance(seconds(0.1));
+    };
+    answer(editor, notes);
+    EXPECT_TRUE(chip(game)->isFocused) << "the answer to the click before";
+    answer(chess, game);
+    answer(editor, notes);
+    EXPECT_TRUE(chip(notes)->isFocused) << "answered: what comes now is new";
+}
+
 // Faults: a release elsewhere is a click; a second button ends the press of the first, or has one
 // of its own; a press whose release somebody else got goes on for ever, or makes the next one a
 // click on what it began with.

@@ -146,20 +146,28 @@ BarViewModel::FocusDecision BarViewModel::resolveFocus()
     if (m_trace.isOn())
         keys = fmt::format(" pk={} sk={}", sanitizeLogField(groupKey(*pending)),
             focused ? sanitizeLogField(groupKey(*focused)) : "nil");
-    if (focused && groupKey(*focused) != groupKey(*pending))
+    if (focused && groupKey(*focused) != groupKey(*pending)) {
+        if (m_focusBeforePending.contains(*store))
+            return {m_pendingFocusedWindowID, "pending-preserved-unanswered", std::move(keys)};
         return follow("pending-abandoned-different-app", std::move(keys));
+    }
     return {m_pendingFocusedWindowID, "pending-preserved-same-app", std::move(keys)};
 }
 
 void BarViewModel::dropPendingFocus()
 {
     m_pendingFocusedWindowID.reset();
+    m_focusBeforePending.clear();
     m_pendingExpiry = {};
 }
 
 void BarViewModel::setPendingFocus(WindowID id)
 {
-    m_pendingFocusedWindowID = id;
+    if (auto store = m_windowStore.focusedWindowID())
+        m_focusBeforePending.insert(*store);
+    if (auto earlier = std::exchange(m_pendingFocusedWindowID, id))
+        m_focusBeforePending.insert(*earlier);
+    m_focusBeforePending.erase(id);
     m_pendingExpiry = m_dispatch.main().after(kPendingFocusExpiry, [this] {
         m_hasPendingExpired = true;
         refresh();

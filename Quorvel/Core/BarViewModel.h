@@ -199,6 +199,9 @@ private:
     std::set<std::string> m_bundlesWithAttentionWindows;
     std::set<std::string> m_bundlesWithWindows; ///< of all chips
     std::optional<WindowID> m_pendingFocusedWindowID;
+    /// What may have the focus until the system has answered: the window that had it, and those of
+    /// earlier clicks whose answer may still come.
+    std::set<WindowID> m_focusBeforePending;
     bool m_hasPendingExpired = false;
     std::uint64_t m_debugEventSequence = 0;
 
