@@ -125,7 +125,9 @@ TEST_P(FarActivation, theListOfWindowsGoesFromFrontToBack)
             });
         return titles;
     };
-    for (const auto* const front : {"target", "other"}) {
+    ASSERT_TRUE(eventuallyIn([&] { return desktop.taskbarClients().size() == 2; }));
+    // icewm puts a new window that gets no focus below, and tells the order at the next change.
+    for (const auto* const front : {"other", "target", "other"}) {
         desktop.activate(front == std::string{"target"} ? target : other);
         EXPECT_TRUE(eventuallyIn([&] { return order().size() == 2 && order().front() == front; }))
             << front << " is not the first";
