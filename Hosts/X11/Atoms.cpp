@@ -1,8 +1,9 @@
 #include "Hosts/X11/Atoms.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
+
+#include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -30,10 +31,8 @@ Atoms Atoms::intern(xcb_connection_t* connection)
 
     Atoms atoms;
     for (std::size_t i = 0; i < std::size(kAtomNames); ++i) {
-        auto* reply = xcb_intern_atom_reply(connection, cookies[i], nullptr);
-        if (reply)
+        if (auto reply = owned(xcb_intern_atom_reply(connection, cookies[i], nullptr)))
             atoms.*kAtomNames[i].member = reply->atom;
-        std::free(reply);
     }
     return atoms;
 }

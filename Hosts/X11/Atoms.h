@@ -13,9 +13,7 @@ namespace quorvel::xdg::x11 {
     X(wmProtocols, "WM_PROTOCOLS")                                                                 \
     X(wmDeleteWindow, "WM_DELETE_WINDOW")                                                          \
     X(wmChangeState, "WM_CHANGE_STATE")                                                            \
-    X(wmState, "WM_STATE")                                                                         \
     X(wmHints, "WM_HINTS")                                                                         \
-    X(wmNormalHints, "WM_NORMAL_HINTS")                                                            \
     X(wmTransientFor, "WM_TRANSIENT_FOR")                                                          \
     X(wmClientMachine, "WM_CLIENT_MACHINE")                                                        \
     X(wmS0, "WM_S0")                                                                               \
@@ -30,7 +28,6 @@ namespace quorvel::xdg::x11 {
     X(netNumberOfDesktops, "_NET_NUMBER_OF_DESKTOPS")                                              \
     X(netDesktopNames, "_NET_DESKTOP_NAMES")                                                       \
     X(netShowingDesktop, "_NET_SHOWING_DESKTOP")                                                   \
-    X(netWorkarea, "_NET_WORKAREA")                                                                \
     X(netMoveResizeWindow, "_NET_MOVERESIZE_WINDOW")                                               \
     X(netFrameExtents, "_NET_FRAME_EXTENTS")                                                       \
     X(gtkFrameExtents, "_GTK_FRAME_EXTENTS")                                                       \
@@ -39,7 +36,6 @@ namespace quorvel::xdg::x11 {
     X(netWmPid, "_NET_WM_PID")                                                                     \
     X(netWmDesktop, "_NET_WM_DESKTOP")                                                             \
     X(netWmIcon, "_NET_WM_ICON")                                                                   \
-    X(netWmUserTime, "_NET_WM_USER_TIME")                                                          \
     X(netWmWindowOpacity, "_NET_WM_WINDOW_OPACITY")                                                \
     X(netWmWindowType, "_NET_WM_WINDOW_TYPE")                                                      \
     X(netWmWindowTypeNormal, "_NET_WM_WINDOW_TYPE_NORMAL")                                         \
@@ -59,18 +55,14 @@ namespace quorvel::xdg::x11 {
     X(netWmStateShaded, "_NET_WM_STATE_SHADED")                                                    \
     X(netWmStateModal, "_NET_WM_STATE_MODAL")                                                      \
     X(netWmStateSticky, "_NET_WM_STATE_STICKY")                                                    \
-    X(netWmStateAbove, "_NET_WM_STATE_ABOVE")                                                      \
     X(netWmStateBelow, "_NET_WM_STATE_BELOW")                                                      \
     X(netWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")                                            \
     X(netWmStateMaximizedVert, "_NET_WM_STATE_MAXIMIZED_VERT")                                     \
-    X(netWmStateMaximizedHorz, "_NET_WM_STATE_MAXIMIZED_HORZ")                                     \
     X(netWmStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR")                                         \
     X(netWmStateSkipPager, "_NET_WM_STATE_SKIP_PAGER")                                             \
     X(netWmStateDemandsAttention, "_NET_WM_STATE_DEMANDS_ATTENTION")                               \
     X(netWmStrut, "_NET_WM_STRUT")                                                                 \
     X(netWmStrutPartial, "_NET_WM_STRUT_PARTIAL")                                                  \
-    X(netWmBypassCompositor, "_NET_WM_BYPASS_COMPOSITOR")                                          \
-    X(motifWmHints, "_MOTIF_WM_HINTS")                                                             \
     X(kdeBlurBehind, "_KDE_NET_WM_BLUR_BEHIND_REGION")                                             \
     X(xsettings, "_XSETTINGS_SETTINGS")                                                            \
     X(xsettingsS0, "_XSETTINGS_S0")                                                                \

@@ -9,27 +9,14 @@
 #include <glib-unix.h>
 #include <glib.h>
 
+#include "Hosts/X11/Reply.h"
+
 namespace quorvel::xdg::x11 {
 
 namespace {
 
 /// One turn hands out at most this many events, so that a flood cannot keep timers waiting.
 constexpr int kEventsPerTurn = 4096;
-
-xcb_timestamp_t inputTime(const xcb_generic_event_t* event)
-{
-    switch (event->response_type & 0x7f) {
-    case XCB_KEY_PRESS:
-    case XCB_KEY_RELEASE:
-    case XCB_BUTTON_PRESS:
-    case XCB_BUTTON_RELEASE:
-    case XCB_MOTION_NOTIFY:
-        // The five share their layout up to the time.
-        return reinterpret_cast<const xcb_button_press_event_t*>(event)->time;
-    default:
-        return XCB_CURRENT_TIME;
-    }
-}
 
 }
 
@@ -101,20 +88,18 @@ struct Connection::Source {
     {
         g_source_destroy(base);
         g_source_unref(base);
-        std::free(queued);
     }
 
     bool hasEvents()
     {
         if (!queued)
-            queued = xcb_poll_for_queued_event(connection.m_connection);
+            queued = owned(xcb_poll_for_queued_event(connection.m_connection));
         return queued || xcb_connection_has_error(connection.m_connection);
     }
 
-    xcb_generic_event_t* next()
+    Reply<xcb_generic_event_t> next()
     {
-        return queued ? std::exchange(queued, nullptr)
-                      : xcb_poll_for_event(connection.m_connection);
+        return queued ? std::move(queued) : owned(xcb_poll_for_event(connection.m_connection));
     }
 
     static gboolean prepare(GSource* source, gint* timeout)
@@ -146,7 +131,7 @@ struct Connection::Source {
     Connection& connection;
     Base* base = nullptr;
     gpointer tag = nullptr;
-    xcb_generic_event_t* queued = nullptr;
+    Reply<xcb_generic_event_t> queued;
 };
 
 std::unique_ptr<Connection> Connection::open(std::string& problem)
@@ -200,15 +185,12 @@ void Connection::forgetWindow(xcb_window_t window)
 void Connection::dispatchEvents()
 {
     for (int i = 0; i < kEventsPerTurn; ++i) {
-        auto* next = m_source->next();
+        const auto next = m_source->next();
         if (!next)
             break;
-        std::unique_ptr<xcb_generic_event_t, decltype(&std::free)> owned{next, &std::free};
         if (next->response_type == 0)
             continue; // an error of a request that nobody waits for
-        if (auto time = inputTime(next))
-            m_lastInputTime = time;
-        event.emit(next);
+        event.emit(next.get());
     }
     turnEnded.emit();
     xcb_flush(m_connection);

@@ -41,9 +41,6 @@ public:
     /// To be called when a window is gone: its number may come back as another window.
     void forgetWindow(xcb_window_t);
 
-    /// The newest timestamp seen in an event of a user's input; 0 before the first.
-    xcb_timestamp_t lastInputTime() const { return m_lastInputTime; }
-
     /// Each event in order (never an error: those of requests that nobody waits for are dropped).
     Signal<const xcb_generic_event_t*> event;
     /// After all events that were there have been handled; requests made here go out in one flush.
@@ -64,7 +61,6 @@ private:
     Atoms m_atoms;
     struct Masks;
     std::unique_ptr<Masks> m_masks;
-    xcb_timestamp_t m_lastInputTime = 0;
     std::unique_ptr<Source> m_source;
 };
 

@@ -1,13 +1,13 @@
 #include "Hosts/X11/DisplayClaim.h"
 
 #include <chrono>
-#include <cstdlib>
 #include <thread>
 
 #include <fmt/format.h>
 #include <unistd.h>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -18,11 +18,6 @@ constexpr std::chrono::milliseconds kLookAgain{5};
 constexpr std::chrono::milliseconds kGoneLimit{2000};
 /// What a bar that is to go may take.
 constexpr std::chrono::milliseconds kEndLimit{5000};
-
-template <typename Reply> auto owned(Reply* reply)
-{
-    return std::unique_ptr<Reply, decltype(&std::free)>{reply, &std::free};
-}
 
 /// The bar of one screen.
 xcb_atom_t selectionOf(const Connection& connection)

@@ -4,8 +4,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 #include <optional>
 #include <set>
 #include <span>
@@ -16,6 +14,7 @@
 #include <xcb/randr.h>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -25,13 +24,6 @@ constexpr double kDotsPerInchAtScale1 = 96;
 constexpr double kLargestScale = 2;
 constexpr std::uint32_t kResourceWords = 16384;
 constexpr std::size_t kEdidHeader = 128;
-
-template <typename T> using Reply = std::unique_ptr<T, decltype(&std::free)>;
-
-template <typename T> Reply<T> owned(T* reply)
-{
-    return {reply, &std::free};
-}
 
 bool hasRandr(xcb_connection_t* connection)
 {

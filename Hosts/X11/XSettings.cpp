@@ -1,10 +1,9 @@
 #include "Hosts/X11/XSettings.h"
 
-#include <cstdlib>
-#include <memory>
 #include <utility>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Reply.h"
 #include "Hosts/X11/XSettingsData.h"
 
 namespace quorvel::xdg::x11 {
@@ -61,10 +60,9 @@ void XSettings::handle(const xcb_generic_event_t* event)
 bool XSettings::findOwner()
 {
     auto* raw = m_connection.raw();
-    auto* reply = xcb_get_selection_owner_reply(
-        raw, xcb_get_selection_owner(raw, m_connection.atoms().xsettingsS0), nullptr);
+    auto reply = owned(xcb_get_selection_owner_reply(
+        raw, xcb_get_selection_owner(raw, m_connection.atoms().xsettingsS0), nullptr));
     m_owner = reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
-    std::free(reply);
     return m_owner != XCB_WINDOW_NONE;
 }
 
@@ -78,8 +76,7 @@ void XSettings::read()
         m_owner, XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     auto cookie
         = xcb_get_property(raw, 0, m_owner, atoms.xsettings, atoms.xsettings, 0, kMostWords);
-    std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply{
-        xcb_get_property_reply(raw, cookie, nullptr), &std::free};
+    auto reply = owned(xcb_get_property_reply(raw, cookie, nullptr));
     std::optional<DesktopLooks> looks;
     if (reply && reply->format == 8) {
         auto* bytes = static_cast<const std::byte*>(xcb_get_property_value(reply.get()));

@@ -12,9 +12,8 @@ bool hasComposite(xcb_connection_t* connection)
     const auto* extension = xcb_get_extension_data(connection, &xcb_composite_id);
     if (!extension || !extension->present)
         return false;
-    const ReplyPointer<xcb_composite_query_version_reply_t> version{
-        xcb_composite_query_version_reply(
-            connection, xcb_composite_query_version(connection, 0, kCompositeMinor), nullptr)};
+    const Reply<xcb_composite_query_version_reply_t> version{xcb_composite_query_version_reply(
+        connection, xcb_composite_query_version(connection, 0, kCompositeMinor), nullptr)};
     return version && (version->major_version > 0 || version->minor_version >= kCompositeMinor);
 }
 
@@ -48,14 +47,13 @@ CaptureConnection::~CaptureConnection()
 
 bool CaptureConnection::succeeds(xcb_void_cookie_t cookie) const
 {
-    const ReplyPointer<xcb_generic_error_t> error{xcb_request_check(m_connection, cookie)};
+    const Reply<xcb_generic_error_t> error{xcb_request_check(m_connection, cookie)};
     return !error && !xcb_connection_has_error(m_connection);
 }
 
 void CaptureConnection::dropEvents() const
 {
-    while (auto* event = xcb_poll_for_event(m_connection))
-        std::free(event);
+    while (owned(xcb_poll_for_event(m_connection))) { }
 }
 
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdlib>
 #include <memory>
 #include <optional>
 
@@ -8,13 +7,9 @@
 #include <xcb/xcb.h>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
-
-struct FreeReply {
-    void operator()(void* reply) const { std::free(reply); }
-};
-template <typename Reply> using ReplyPointer = std::unique_ptr<Reply, FreeReply>;
 
 /// The connection over which pictures come, so that the bar's own never waits for one. One thread.
 class CaptureConnection {

@@ -88,7 +88,7 @@ bool PixmapReader::readBand(xcb_pixmap_t pixmap, const Area& band, const OnRow& 
     if (m_segment)
         return readShared(pixmap, band, onRow);
     auto* connection = m_connection.raw();
-    const ReplyPointer<xcb_get_image_reply_t> image{xcb_get_image_reply(connection,
+    const Reply<xcb_get_image_reply_t> image{xcb_get_image_reply(connection,
         xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap,
             static_cast<std::int16_t>(band.x), static_cast<std::int16_t>(band.y),
             static_cast<std::uint16_t>(band.width), static_cast<std::uint16_t>(band.height),
@@ -103,7 +103,7 @@ bool PixmapReader::readBand(xcb_pixmap_t pixmap, const Area& band, const OnRow& 
 bool PixmapReader::readShared(xcb_pixmap_t pixmap, const Area& band, const OnRow& onRow)
 {
     auto* connection = m_connection.raw();
-    const ReplyPointer<xcb_shm_get_image_reply_t> image{xcb_shm_get_image_reply(connection,
+    const Reply<xcb_shm_get_image_reply_t> image{xcb_shm_get_image_reply(connection,
         xcb_shm_get_image(connection, pixmap, static_cast<std::int16_t>(band.x),
             static_cast<std::int16_t>(band.y), static_cast<std::uint16_t>(band.width),
             static_cast<std::uint16_t>(band.height), kAllPlanes, XCB_IMAGE_FORMAT_Z_PIXMAP,

@@ -22,8 +22,8 @@ constexpr int kDeepestNesting = 16;
 constexpr int kLargestExtent = 1000;
 
 using Area = PixmapReader::Area;
-using Geometry = ReplyPointer<xcb_get_geometry_reply_t>;
-using Attributes = ReplyPointer<xcb_get_window_attributes_reply_t>;
+using Geometry = Reply<xcb_get_geometry_reply_t>;
+using Attributes = Reply<xcb_get_window_attributes_reply_t>;
 
 Geometry geometryOf(xcb_connection_t* connection, xcb_drawable_t drawable)
 {
@@ -101,7 +101,7 @@ bool WindowCapture::findTopLevel()
 {
     m_topLevel = m_client;
     for (int i = 0; i < kDeepestNesting; ++i) {
-        const ReplyPointer<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(
+        const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(
             m_connection.raw(), xcb_query_tree(m_connection.raw(), m_topLevel), nullptr)};
         if (!tree || tree->parent == XCB_WINDOW_NONE)
             return false;
@@ -142,7 +142,7 @@ bool WindowCapture::isFullyShown() const
 {
     auto* connection = m_connection.raw();
     const auto geometry = geometryOf(connection, m_topLevel);
-    const ReplyPointer<xcb_query_tree_reply_t> tree{
+    const Reply<xcb_query_tree_reply_t> tree{
         xcb_query_tree_reply(connection, xcb_query_tree(connection, m_connection.root()), nullptr)};
     if (!geometry || !tree)
         return false;
@@ -179,7 +179,7 @@ std::optional<Area> WindowCapture::areaInTopLevel() const
     auto* connection = m_connection.raw();
     const auto geometry = geometryOf(connection, m_client);
     const auto outer = geometryOf(connection, m_topLevel);
-    const ReplyPointer<xcb_translate_coordinates_reply_t> origin{xcb_translate_coordinates_reply(
+    const Reply<xcb_translate_coordinates_reply_t> origin{xcb_translate_coordinates_reply(
         connection, xcb_translate_coordinates(connection, m_client, m_topLevel, 0, 0), nullptr)};
     Extents frame;
     Extents shadow;

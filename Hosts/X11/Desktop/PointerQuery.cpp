@@ -1,8 +1,7 @@
 #include "Hosts/X11/Desktop/PointerQuery.h"
 
-#include <cstdlib>
-
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -28,16 +27,13 @@ std::optional<Point> PointerQuery::ask()
         = xcb_connection_has_error(connection) ? nullptr : screenOf(connection, m_session->number);
     if (!screen)
         return {};
-    auto* reply
-        = xcb_query_pointer_reply(connection, xcb_query_pointer(connection, screen->root), nullptr);
+    auto reply = owned(
+        xcb_query_pointer_reply(connection, xcb_query_pointer(connection, screen->root), nullptr));
     // Every client is told of some things, and would keep them for ever.
-    while (auto* event = xcb_poll_for_event(connection))
-        std::free(event);
+    while (owned(xcb_poll_for_event(connection))) { }
     if (!reply)
         return {};
-    Point place{double(reply->root_x), double(reply->root_y)};
-    std::free(reply);
-    return place;
+    return Point{double(reply->root_x), double(reply->root_y)};
 }
 
 }

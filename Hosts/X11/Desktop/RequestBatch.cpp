@@ -1,10 +1,11 @@
 #include "Hosts/X11/Desktop/RequestBatch.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 #include <xcb/res.h>
 #include <xcb/xcbext.h>
+
+#include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -139,10 +140,9 @@ void RequestBatch::finish()
     auto pending = std::exchange(m_pending, {});
     for (auto& question : pending) {
         xcb_generic_error_t* error = nullptr;
-        void* reply = xcb_wait_for_reply(m_connection, question.sequence, &error);
-        std::free(error);
-        question.handle(reply);
-        std::free(reply);
+        auto reply = owned(xcb_wait_for_reply(m_connection, question.sequence, &error));
+        owned(error).reset();
+        question.handle(reply.get());
     }
 }
 

@@ -1,12 +1,11 @@
 #include "Hosts/X11/Surface/Compositing.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <span>
 #include <utility>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Reply.h"
 #include "Hosts/X11/SelectionEvents.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 
@@ -59,22 +58,18 @@ void Compositing::read()
 bool Compositing::hasCompositor() const
 {
     auto* raw = m_connection.raw();
-    auto* owner = xcb_get_selection_owner_reply(
-        raw, xcb_get_selection_owner(raw, m_connection.atoms().netWmCmS0), nullptr);
-    bool isOwned = owner && owner->owner != XCB_WINDOW_NONE;
-    std::free(owner);
-    return isOwned;
+    auto reply = owned(xcb_get_selection_owner_reply(
+        raw, xcb_get_selection_owner(raw, m_connection.atoms().netWmCmS0), nullptr));
+    return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
 bool Compositing::managerSupports(xcb_atom_t feature) const
 {
     auto* raw = m_connection.raw();
-    std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply{
-        xcb_get_property_reply(raw,
-            xcb_get_property(raw, 0, m_connection.root(), m_connection.atoms().netSupported,
-                XCB_ATOM_ATOM, 0, kMostSupportedAtoms),
-            nullptr),
-        &std::free};
+    auto reply = owned(xcb_get_property_reply(raw,
+        xcb_get_property(raw, 0, m_connection.root(), m_connection.atoms().netSupported,
+            XCB_ATOM_ATOM, 0, kMostSupportedAtoms),
+        nullptr));
     if (!reply || reply->format != 32)
         return false;
     std::span atoms{static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.get())),

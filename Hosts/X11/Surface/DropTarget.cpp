@@ -1,8 +1,6 @@
 #include "Hosts/X11/Surface/DropTarget.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <span>
 #include <utility>
 
@@ -10,6 +8,7 @@
 
 #include "Hosts/Linux/Drawing/UriList.h"
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Reply.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 
 namespace quorvel::xdg::x11 {
@@ -25,11 +24,6 @@ constexpr std::uint32_t kWantsEachMove = 2;
 constexpr std::uint32_t kMostTypes = 1024;
 constexpr auto kLookAfterSource = seconds(1);
 constexpr auto kPatience = seconds(2);
-
-struct Free {
-    void operator()(void* reply) const { std::free(reply); }
-};
-template <typename Reply> using Owned = std::unique_ptr<Reply, Free>;
 
 xcb_window_t sourceOf(const xcb_client_message_event_t& message)
 {
@@ -120,7 +114,7 @@ bool DropTarget::offersFiles(const xcb_client_message_event_t& message) const
     if (!(message.data.data32[1] & kMoreTypes))
         return std::ranges::find(named, wanted) != named.end();
     auto* raw = m_connection.raw();
-    Owned<xcb_get_property_reply_t> reply{xcb_get_property_reply(raw,
+    Reply<xcb_get_property_reply_t> reply{xcb_get_property_reply(raw,
         xcb_get_property(
             raw, false, m_source, m_connection.atoms().xdndTypeList, XCB_ATOM_ATOM, 0, kMostTypes),
         nullptr)};
@@ -137,7 +131,7 @@ void DropTarget::watchSource()
 {
     m_watch = m_dispatch.main().every(kLookAfterSource, [this] {
         auto* raw = m_connection.raw();
-        Owned<xcb_get_selection_owner_reply_t> reply{xcb_get_selection_owner_reply(
+        Reply<xcb_get_selection_owner_reply_t> reply{xcb_get_selection_owner_reply(
             raw, xcb_get_selection_owner(raw, m_connection.atoms().xdndSelection), nullptr)};
         if (!reply || reply->owner == XCB_WINDOW_NONE)
             forgetSource();
@@ -190,7 +184,7 @@ void DropTarget::receive(const xcb_selection_notify_event_t& event)
 std::vector<std::string> DropTarget::readPaths() const
 {
     auto* raw = m_connection.raw();
-    Owned<xcb_get_property_reply_t> reply{xcb_get_property_reply(raw,
+    Reply<xcb_get_property_reply_t> reply{xcb_get_property_reply(raw,
         xcb_get_property(raw, true, m_window, m_connection.atoms().xdndSelection,
             m_connection.atoms().textUriList, 0, uriListLimits::bytes / 4),
         nullptr)};

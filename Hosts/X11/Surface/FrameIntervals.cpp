@@ -1,14 +1,13 @@
 #include "Hosts/X11/Surface/FrameIntervals.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <optional>
 
 #include <xcb/randr.h>
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
+#include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -17,11 +16,6 @@ namespace {
 constexpr double kUsualRate = 60;
 constexpr double kLowestRate = 20;
 constexpr double kHighestRate = 500;
-
-template <typename T> auto owned(T* reply)
-{
-    return std::unique_ptr<T, decltype(&std::free)>{reply, &std::free};
-}
 
 double rateOf(const xcb_randr_mode_info_t& mode)
 {

@@ -1,10 +1,10 @@
 #include "Hosts/X11/Surface/InputGrabs.h"
 
-#include <cstdlib>
 #include <utility>
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Keyboard.h"
+#include "Hosts/X11/Reply.h"
 #include "Hosts/X11/Surface/EventWindow.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
 
@@ -120,12 +120,11 @@ bool InputGrabs::grabPointer()
     if (m_hasPointer)
         return true;
     auto* raw = m_connection.raw();
-    auto* reply = xcb_grab_pointer_reply(raw,
+    auto reply = owned(xcb_grab_pointer_reply(raw,
         xcb_grab_pointer(raw, false, m_window, kPointerMask, XCB_GRAB_MODE_ASYNC,
             XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
-        nullptr);
+        nullptr));
     m_hasPointer = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    std::free(reply);
     return m_hasPointer;
 }
 
@@ -134,12 +133,11 @@ bool InputGrabs::grabKeyboard()
     if (m_hasKeyboard)
         return true;
     auto* raw = m_connection.raw();
-    auto* reply = xcb_grab_keyboard_reply(raw,
+    auto reply = owned(xcb_grab_keyboard_reply(raw,
         xcb_grab_keyboard(
             raw, false, m_window, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
-        nullptr);
+        nullptr));
     m_hasKeyboard = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    std::free(reply);
     return m_hasKeyboard;
 }
 

@@ -1,11 +1,10 @@
 #include "Hosts/X11/Surface/SharedPixels.h"
 
-#include <cstdlib>
-
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -49,11 +48,10 @@ SharedPixels::~SharedPixels()
 bool SharedPixels::attach(int memory)
 {
     auto segment = xcb_generate_id(m_connection.raw());
-    auto* error = xcb_request_check(m_connection.raw(),
+    auto error = owned(xcb_request_check(m_connection.raw(),
         xcb_shm_attach_checked(
-            m_connection.raw(), segment, static_cast<std::uint32_t>(memory), true));
+            m_connection.raw(), segment, static_cast<std::uint32_t>(memory), true)));
     bool isAttached = !error && !xcb_connection_has_error(m_connection.raw());
-    std::free(error);
     if (isAttached)
         m_segment = segment;
     return isAttached;

@@ -1,7 +1,5 @@
 #include "Hosts/X11/Surface/WindowPlace.h"
 
-#include <cstdlib>
-
 #include <xcb/xcbext.h>
 
 #include "Hosts/X11/Connection.h"
@@ -29,15 +27,15 @@ void WindowPlaceQuery::ask()
     m_hasOrigin = m_hasSize = false;
 }
 
-/// True once there is an answer, which may be an error; the reply then belongs to the caller.
-template <typename Reply> bool WindowPlaceQuery::poll(unsigned sequence, Reply*& reply)
+/// True once there is an answer, which may be an error; the reply is then null.
+template <typename Type> bool WindowPlaceQuery::poll(unsigned sequence, Reply<Type>& reply)
 {
     void* answer = nullptr;
     xcb_generic_error_t* error = nullptr;
     if (!xcb_poll_for_reply(m_connection.raw(), sequence, &answer, &error))
         return false;
-    std::free(error);
-    reply = static_cast<Reply*>(answer);
+    owned(error).reset();
+    reply.reset(static_cast<Type*>(answer));
     return true;
 }
 
@@ -45,19 +43,17 @@ std::optional<Rect> WindowPlaceQuery::takeAnswer()
 {
     if (!m_isAsked)
         return std::nullopt;
-    if (xcb_translate_coordinates_reply_t* reply = nullptr;
+    if (Reply<xcb_translate_coordinates_reply_t> reply;
         !m_hasOrigin && poll(m_origin.sequence, reply)) {
         m_hasOrigin = true;
         if (reply)
             m_place.x = reply->dst_x, m_place.y = reply->dst_y;
-        std::free(reply);
     }
-    if (xcb_get_geometry_reply_t* reply = nullptr;
+    if (Reply<xcb_get_geometry_reply_t> reply;
         m_hasOrigin && !m_hasSize && poll(m_size.sequence, reply)) {
         m_hasSize = true;
         if (reply)
             m_place.width = reply->width, m_place.height = reply->height;
-        std::free(reply);
     }
     if (!m_hasOrigin || !m_hasSize)
         return std::nullopt;

@@ -4,6 +4,7 @@
 
 #include <xcb/xcb.h>
 
+#include "Hosts/X11/Reply.h"
 #include "Quorvel/Platform/Geometry.h"
 
 namespace quorvel::xdg::x11 {
@@ -24,7 +25,7 @@ public:
     std::optional<Rect> takeAnswer();
 
 private:
-    template <typename Reply> bool poll(unsigned sequence, Reply*& reply);
+    template <typename Type> bool poll(unsigned sequence, Reply<Type>& reply);
     void discard();
 
     Connection& m_connection;
