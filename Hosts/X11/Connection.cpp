@@ -9,6 +9,7 @@
 #include <glib-unix.h>
 #include <glib.h>
 
+#include "Hosts/Linux/GHandles.h"
 #include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
@@ -76,18 +77,12 @@ struct Connection::Source {
     {
         static GSourceFuncs functions{
             &Source::prepare, &Source::check, &Source::dispatch, nullptr, nullptr, nullptr};
-        base = reinterpret_cast<Base*>(g_source_new(&functions, sizeof(Base)));
+        base.reset(reinterpret_cast<Base*>(g_source_new(&functions, sizeof(Base))));
         base->owner = this;
-        g_source_set_static_name(base, "X11");
-        tag = g_source_add_unix_fd(base, xcb_get_file_descriptor(connection.m_connection),
+        g_source_set_static_name(base.get(), "X11");
+        tag = g_source_add_unix_fd(base.get(), xcb_get_file_descriptor(connection.m_connection),
             static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR));
-        g_source_attach(base, nullptr);
-    }
-
-    ~Source()
-    {
-        g_source_destroy(base);
-        g_source_unref(base);
+        g_source_attach(base.get(), nullptr);
     }
 
     bool hasEvents()
@@ -129,7 +124,7 @@ struct Connection::Source {
     }
 
     Connection& connection;
-    Base* base = nullptr;
+    GSourceHandle<Base> base;
     gpointer tag = nullptr;
     Reply<xcb_generic_event_t> queued;
 };

@@ -71,7 +71,6 @@ X11Application::~X11Application()
 {
     for (auto source : m_signals)
         g_source_remove(source);
-    g_main_loop_unref(m_loop);
 }
 
 ProcessID X11Application::processID() const
@@ -87,7 +86,7 @@ void X11Application::warn(std::string_view text)
 int X11Application::run()
 {
     if (!m_isEnding)
-        g_main_loop_run(m_loop);
+        g_main_loop_run(m_loop.get());
     return m_exitStatus;
 }
 
@@ -96,7 +95,7 @@ void X11Application::terminate()
     if (std::exchange(m_isEnding, true))
         return;
     willTerminate.emit();
-    g_main_loop_quit(m_loop);
+    g_main_loop_quit(m_loop.get());
 }
 
 /// The portal knows best. A theme in the environment is what the user gave this program.

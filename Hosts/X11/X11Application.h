@@ -8,6 +8,7 @@
 
 #include "Hosts/Linux/Bus/ColorScheme.h"
 #include "Hosts/Linux/DesktopLooks.h"
+#include "Hosts/Linux/GHandles.h"
 #include "Quorvel/Platform/Application.h"
 
 namespace quorvel::xdg::x11 {
@@ -33,7 +34,7 @@ private:
     void updateAppearance();
     void connectionLost();
 
-    GMainLoop* m_loop;
+    std::unique_ptr<GMainLoop, FreeWith<g_main_loop_unref>> m_loop;
     const Published<DesktopLooks>& m_looks;
     ColorScheme::Preference m_preference; ///< what the portal says
     Published<Appearance> m_appearance;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Hosts/Linux/Accessible/AccessibleObject.h"
+#include "Hosts/Linux/Text.h"
 
 namespace quorvel::xdg {
 
@@ -14,15 +15,6 @@ namespace {
 constexpr std::uint64_t bit(AtkStateType state)
 {
     return std::uint64_t{1} << state;
-}
-
-/// The bus cuts the connection of whoever sends other text.
-std::string validText(const std::string& text)
-{
-    auto* valid = g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()));
-    std::string copy{valid};
-    g_free(valid);
-    return copy;
 }
 
 AtkRole toSystem(AccessibleRole role)
@@ -104,9 +96,8 @@ AccessibleNode::AccessibleNode(AccessibleNode& parent, std::string id)
 AccessibleNode::~AccessibleNode()
 {
     m_children.clear();
-    detachAccessibleObject(m_object);
-    m_atk.notifyStateChange(m_object, ATK_STATE_DEFUNCT, true);
-    g_object_unref(m_object);
+    detachAccessibleObject(object());
+    m_atk.notifyStateChange(object(), ATK_STATE_DEFUNCT, true);
 }
 
 // MARK: Looking it up
@@ -215,8 +206,8 @@ AccessibleNode::Description AccessibleNode::describe() const
     if (!element_)
         return {{}, {}, bit(ATK_STATE_DEFUNCT)};
     const auto state = element_->accessibleState();
-    Description description{
-        validText(state.name), {}, (state.isEnabled ? usable : 0) | statesOf(state)};
+    Description description{validUtf8(state.name), // the bus cuts off whoever sends other text
+        {}, (state.isEnabled ? usable : 0) | statesOf(state)};
     if (state.progress)
         description.text = std::to_string(std::lround(*state.progress * 100)) + " %";
     return description;
@@ -280,7 +271,7 @@ const char* AccessibleNode::actionName(std::size_t index)
     if (index >= actions.size())
         return nullptr;
     m_actionNames.resize(std::max(m_actionNames.size(), actions.size()));
-    return keep(m_actionNames[index], validText(actions[index]));
+    return keep(m_actionNames[index], validUtf8(actions[index]));
 }
 
 bool AccessibleNode::performAction(std::size_t index)
@@ -310,17 +301,17 @@ void AccessibleNode::announceDescription()
     const auto now = describe();
     const auto before = std::exchange(m_told, now);
     if (now.name != before.name)
-        g_object_notify(G_OBJECT(m_object), "accessible-name");
+        g_object_notify(G_OBJECT(object()), "accessible-name");
     if (now.text != before.text)
-        g_object_notify(G_OBJECT(m_object), "accessible-description");
+        g_object_notify(G_OBJECT(object()), "accessible-description");
     for (int index = 0; index < ATK_STATE_LAST_DEFINED; ++index) {
         const auto state = static_cast<AtkStateType>(index);
         if (now.has(state) != before.has(state))
-            m_atk.notifyStateChange(m_object, state, now.has(state));
+            m_atk.notifyStateChange(object(), state, now.has(state));
     }
     // Readers follow the focus in the active window only.
     if (isSurface() && now.has(ATK_STATE_ACTIVE) != before.has(ATK_STATE_ACTIVE))
-        g_signal_emit_by_name(m_object, now.has(ATK_STATE_ACTIVE) ? "activate" : "deactivate");
+        g_signal_emit_by_name(object(), now.has(ATK_STATE_ACTIVE) ? "activate" : "deactivate");
 }
 
 /// Whoever hears of one change may ask for the children before the next one is told.
@@ -374,7 +365,7 @@ std::unique_ptr<AccessibleNode> AccessibleNode::take(std::size_t index)
 void AccessibleNode::emitChildren(
     const char* signal, std::size_t index, const AccessibleNode& child)
 {
-    g_signal_emit_by_name(m_object, signal, static_cast<guint>(index), child.m_object);
+    g_signal_emit_by_name(object(), signal, static_cast<guint>(index), child.object());
 }
 
 }

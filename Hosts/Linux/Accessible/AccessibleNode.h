@@ -8,6 +8,7 @@
 
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/Linux/Accessible/AtkLibrary.h"
+#include "Hosts/Linux/GHandles.h"
 #include "Quorvel/Platform/AccessibleTree.h"
 #include "Quorvel/Platform/Geometry.h"
 
@@ -38,7 +39,7 @@ public:
     AccessibleNode(const AccessibleNode&) = delete;
     AccessibleNode& operator=(const AccessibleNode&) = delete;
 
-    AtkObject* object() const { return m_object; }
+    AtkObject* object() const { return m_object.get(); }
     AccessibleNode* parent() const { return m_parent; }
     const std::vector<std::unique_ptr<AccessibleNode>>& children();
     int indexInParent() const;
@@ -88,7 +89,7 @@ private:
     std::string m_name;
     std::string m_text;
     std::vector<std::string> m_actionNames;
-    AtkObject* const m_object;
+    const GObjectHandle<AtkObject> m_object;
 };
 
 }

@@ -35,9 +35,7 @@ bool says(GVariant* properties, const char* name)
 /// A member of a tuple, for as long as it is looked at.
 template <typename Look> void lookAt(GVariant* tuple, std::size_t index, Look look)
 {
-    auto* member = g_variant_get_child_value(tuple, index);
-    look(member);
-    g_variant_unref(member);
+    look(GVariantHandle{g_variant_get_child_value(tuple, index)}.get());
 }
 
 }
@@ -58,12 +56,6 @@ AssistiveWatch::AssistiveWatch(std::function<void()> onWanted, std::function<voi
     m_service.emplace(BusService::Names{kService, kPath, kProperties, "PropertiesChanged", kStatus},
         std::move(listener),
         m_isForced ? G_BUS_NAME_WATCHER_FLAGS_AUTO_START : G_BUS_NAME_WATCHER_FLAGS_NONE);
-}
-
-AssistiveWatch::~AssistiveWatch()
-{
-    g_cancellable_cancel(m_cancellable);
-    g_object_unref(m_cancellable);
 }
 
 void AssistiveWatch::serviceDidAppear()
@@ -113,20 +105,20 @@ void AssistiveWatch::tryBus(const char* address)
         = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
             | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
     g_dbus_connection_new_for_address(
-        address, flags, nullptr, m_cancellable, &AssistiveWatch::onBus, this);
+        address, flags, nullptr, m_cancellable.get(), &AssistiveWatch::onBus, this);
 }
 
 void AssistiveWatch::onBus(GObject*, GAsyncResult* result, gpointer self)
 {
     GError* error = nullptr;
-    auto* connection = g_dbus_connection_new_for_address_finish(result, &error);
+    const GObjectHandle<GDBusConnection> connection{
+        g_dbus_connection_new_for_address_finish(result, &error)};
     if (!connection) {
         if (!wasCancelled(error))
             static_cast<AssistiveWatch*>(self)->m_isWanted = false;
         return;
     }
-    g_dbus_connection_close(connection, nullptr, nullptr, nullptr);
-    g_object_unref(connection);
+    g_dbus_connection_close(connection.get(), nullptr, nullptr, nullptr);
     auto* watch = static_cast<AssistiveWatch*>(self);
     if (watch->m_isWanted) // the service may have gone meanwhile
         watch->m_onWanted();

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "Hosts/Linux/Bus/BusService.h"
+#include "Hosts/Linux/GHandles.h"
 
 namespace quorvel::xdg {
 
@@ -15,7 +16,6 @@ public:
     /// `onWanted` comes when the bus of the assistive programs has answered; `onLost` after that,
     /// when the service has gone.
     AssistiveWatch(std::function<void()> onWanted, std::function<void()> onLost);
-    ~AssistiveWatch();
     AssistiveWatch(const AssistiveWatch&) = delete;
     AssistiveWatch& operator=(const AssistiveWatch&) = delete;
 
@@ -32,7 +32,7 @@ private:
     std::function<void()> m_onLost;
     const bool m_isForced; ///< by the environment
     bool m_isWanted = false;
-    GCancellable* m_cancellable;
+    GCancellation m_cancellable;
     std::optional<BusService> m_service;
 };
 

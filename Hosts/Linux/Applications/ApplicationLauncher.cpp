@@ -1,24 +1,20 @@
 #include "Hosts/Linux/Applications/ApplicationLauncher.h"
 
 #include <algorithm>
-#include <memory>
 
 #include <fmt/format.h>
 #include <gio/gdesktopappinfo.h>
 
-#include "Hosts/Linux/Applications/DesktopEntryFile.h"
+#include "Hosts/Linux/GHandles.h"
+#include "Hosts/Linux/Text.h"
 #include "Hosts/Posix/StandardStreams.h"
 
 namespace quorvel::xdg {
 
 namespace {
 
-struct UnrefObject {
-    void operator()(void* object) const { g_object_unref(object); }
-};
-template <typename Type> using Owned = std::unique_ptr<Type, UnrefObject>;
-using DesktopFile = Owned<GDesktopAppInfo>;
-using LaunchContext = Owned<GAppLaunchContext>;
+using DesktopFile = GObjectHandle<GDesktopAppInfo>;
+using LaunchContext = GObjectHandle<GAppLaunchContext>;
 
 DesktopFile read(const std::string& path)
 {
@@ -71,8 +67,7 @@ std::vector<ApplicationAction> ApplicationLauncher::actions(const std::string& d
     if (!application)
         return actions;
     for (auto* action = g_desktop_app_info_list_actions(application.get()); *action; ++action) {
-        std::unique_ptr<char, decltype(&g_free)> title{
-            g_desktop_app_info_get_action_name(application.get(), *action), &g_free};
+        const GText title{g_desktop_app_info_get_action_name(application.get(), *action)};
         // A menu would take a nameless entry for a separator.
         if (title && *title)
             actions.push_back({*action, validUtf8(title.get())});
@@ -94,8 +89,8 @@ void ApplicationLauncher::perform(
 
 void ApplicationLauncher::openFile(const std::string& path)
 {
-    Owned<GFile> file{g_file_new_for_path(path.c_str())};
-    std::unique_ptr<char, decltype(&g_free)> uri{g_file_get_uri(file.get()), &g_free};
+    const GObjectHandle<GFile> file{g_file_new_for_path(path.c_str())};
+    const GText uri{g_file_get_uri(file.get())};
     g_app_info_launch_default_for_uri_async(
         uri.get(), nullptr, nullptr,
         [](GObject*, GAsyncResult* result, void*) {

@@ -1,12 +1,12 @@
 #include "Hosts/Linux/Applications/AutostartItem.h"
 
-#include <memory>
 #include <optional>
 
 #include <glib.h>
 #include <unistd.h>
 
 #include "Hosts/Linux/Applications/XdgFolders.h"
+#include "Hosts/Linux/GHandles.h"
 #include "Quorvel/Platform/Files.h"
 
 namespace quorvel::xdg {
@@ -20,18 +20,12 @@ constexpr char kExec[] = G_KEY_FILE_DESKTOP_KEY_EXEC;
 constexpr char kGnomeEnabled[] = "X-GNOME-Autostart-enabled";
 constexpr std::size_t kLargestFile = 64 * 1024;
 
-using KeyFile = std::unique_ptr<GKeyFile, decltype(&g_key_file_unref)>;
-using Text = std::unique_ptr<char, decltype(&g_free)>;
-
-KeyFile emptyKeyFile()
-{
-    return {g_key_file_new(), &g_key_file_unref};
-}
+using KeyFile = std::unique_ptr<GKeyFile, FreeWith<g_key_file_unref>>;
 
 /// Null unless it is a desktop entry.
 KeyFile load(const Files& files, const std::string& path)
 {
-    auto keys = emptyKeyFile();
+    KeyFile keys{g_key_file_new()};
     auto bytes = files.read(path, kLargestFile);
     constexpr auto flags
         = static_cast<GKeyFileFlags>(G_KEY_FILE_KEEP_COMMENTS | G_KEY_FILE_KEEP_TRANSLATIONS);
@@ -45,7 +39,7 @@ KeyFile load(const Files& files, const std::string& path)
 bool save(Files& files, const std::string& path, GKeyFile* keys)
 {
     gsize size = 0;
-    Text bytes{g_key_file_to_data(keys, &size, nullptr), &g_free};
+    const GText bytes{g_key_file_to_data(keys, &size, nullptr)};
     files.createFolder(path.substr(0, path.find_last_of('/')));
     return !files.writeAtomically(path, std::string{bytes.get(), size});
 }
@@ -56,18 +50,18 @@ std::optional<bool> flag(GKeyFile* keys, const char* name)
     bool value = g_key_file_get_boolean(keys, kGroup, name, &error);
     if (!error)
         return value;
-    g_error_free(error);
+    g_clear_error(&error);
     return std::nullopt;
 }
 
 /// Whether the program that the entry names can still be started.
 bool namesAProgram(GKeyFile* keys)
 {
-    Text line{g_key_file_get_string(keys, kGroup, kExec, nullptr), &g_free};
+    const GText line{g_key_file_get_string(keys, kGroup, kExec, nullptr)};
     char** words = nullptr;
     if (!line || !g_shell_parse_argv(line.get(), nullptr, &words, nullptr))
         return false;
-    Text program{g_find_program_in_path(words[0]), &g_free};
+    const GText program{g_find_program_in_path(words[0])};
     g_strfreev(words);
     return program != nullptr;
 }
@@ -127,7 +121,7 @@ bool AutostartItem::registerItem()
 {
     auto keys = load(m_files, m_path);
     if (!keys)
-        keys = emptyKeyFile();
+        keys.reset(g_key_file_new());
     if (!namesAProgram(keys.get()))
         name(keys.get(), m_program);
     g_key_file_remove_key(keys.get(), kGroup, kHidden, nullptr);

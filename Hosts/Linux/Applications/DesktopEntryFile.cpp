@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-#include <glib.h>
-
 #include "Hosts/Linux/Applications/KeyFileReader.h"
+#include "Hosts/Linux/Text.h"
 
 namespace quorvel::xdg {
 namespace {
@@ -115,14 +114,6 @@ std::optional<DesktopEntryFile> parseDesktopEntry(
         return std::nullopt;
     entry.name = validUtf8(unescaped(name.value()));
     return entry;
-}
-
-std::string validUtf8(std::string_view bytes)
-{
-    gchar* valid = g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size()));
-    std::string text = valid;
-    g_free(valid);
-    return text;
 }
 
 }

@@ -35,7 +35,4 @@ std::string commandName(std::string_view exec);
 /// Whether the program only runs others, so that its name says nothing of the application.
 bool isInterpreter(std::string_view programName);
 
-/// The text with each stretch of bytes that is no UTF-8 replaced.
-std::string validUtf8(std::string_view bytes);
-
 }

@@ -1,5 +1,7 @@
 #include "Hosts/Linux/Applications/DirectoryMonitors.h"
 
+#include "Hosts/Linux/GHandles.h"
+
 namespace quorvel::xdg {
 
 DirectoryMonitors::DirectoryMonitors(Callback callback) : m_callback(std::move(callback))
@@ -30,10 +32,9 @@ void DirectoryMonitors::watch(const std::string& folder)
     if (!isFolder(path))
         return;
 
-    GFile* file = g_file_new_for_path(path.c_str());
+    const GObjectHandle<GFile> file{g_file_new_for_path(path.c_str())};
     GFileMonitor* monitor = g_file_monitor_directory(
-        file, G_FILE_MONITOR_NONE, nullptr, nullptr); // null: no watches left
-    g_object_unref(file);
+        file.get(), G_FILE_MONITOR_NONE, nullptr, nullptr); // null: no watches left
     if (!monitor)
         return;
     g_signal_connect(monitor, "changed", G_CALLBACK(&DirectoryMonitors::didChange), this);
@@ -45,10 +46,8 @@ void DirectoryMonitors::didChange(
 {
     if (event == G_FILE_MONITOR_EVENT_ATTRIBUTE_CHANGED)
         return;
-    gchar* path = g_file_get_path(file);
-    if (path)
-        static_cast<DirectoryMonitors*>(monitors)->m_callback(path);
-    g_free(path);
+    if (const GText path{g_file_get_path(file)})
+        static_cast<DirectoryMonitors*>(monitors)->m_callback(path.get());
 }
 
 }

@@ -6,6 +6,7 @@
 
 #include "Hosts/Linux/Applications/FileReading.h"
 #include "Hosts/Linux/Applications/RsvgLibrary.h"
+#include "Hosts/Linux/GHandles.h"
 
 namespace quorvel::xdg {
 namespace {
@@ -70,12 +71,11 @@ SurfacePointer drawSvg(std::string_view bytes, int pixels)
     if (!rsvg)
         return nullptr;
     auto square = makeSquare(pixels);
-    RsvgHandle* handle
-        = rsvg->newFromData(reinterpret_cast<const guint8*>(bytes.data()), bytes.size(), nullptr);
+    const GObjectHandle<RsvgHandle> handle{
+        rsvg->newFromData(reinterpret_cast<const guint8*>(bytes.data()), bytes.size(), nullptr)};
     if (!handle)
         return nullptr;
-    const bool isDrawn = square && renderDocument(*rsvg, handle, square.get(), pixels);
-    g_object_unref(handle);
+    const bool isDrawn = square && renderDocument(*rsvg, handle.get(), square.get(), pixels);
     return isDrawn ? std::move(square) : nullptr;
 }
 

@@ -3,17 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <memory>
+
+#include "Hosts/Linux/GHandles.h"
 
 namespace quorvel::xdg {
 
 namespace {
-
-struct Release {
-    void operator()(GVariant* value) const { g_variant_unref(value); }
-    void operator()(char* text) const { g_free(text); }
-};
-using Variant = std::unique_ptr<GVariant, Release>;
 
 std::optional<bool> booleanIn(GVariant* value)
 {
@@ -77,7 +72,7 @@ void takeProperty(LauncherUpdate& update, std::string_view name, GVariant* value
 std::optional<std::string> unescaped(std::string_view text)
 {
     const std::string copy{text};
-    const std::unique_ptr<char, Release> plain{g_uri_unescape_string(copy.c_str(), nullptr)};
+    const GText plain{g_uri_unescape_string(copy.c_str(), nullptr)};
     if (!plain || !g_utf8_validate(plain.get(), -1, nullptr))
         return std::nullopt;
     return plain.get();
@@ -125,14 +120,14 @@ std::optional<LauncherUpdate> decodeLauncherUpdate(GVariant* parameters)
         return std::nullopt;
 
     LauncherUpdate update{.desktopID = *std::move(id)};
-    const Variant properties{g_variant_get_child_value(parameters, 1)};
+    const GVariantHandle properties{g_variant_get_child_value(parameters, 1)};
     const auto count
         = std::min(g_variant_n_children(properties.get()), LauncherUpdate::kMostProperties);
     for (std::size_t index = 0; index < count; ++index) {
         const char* name = nullptr;
         GVariant* value = nullptr;
         g_variant_get_child(properties.get(), index, "{&sv}", &name, &value);
-        takeProperty(update, name, Variant{value}.get());
+        takeProperty(update, name, GVariantHandle{value}.get());
     }
     return update;
 }

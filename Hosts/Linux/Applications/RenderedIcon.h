@@ -7,13 +7,11 @@
 
 #include "Hosts/Linux/Applications/PixelBudget.h"
 #include "Hosts/Linux/Drawing/IconImage.h"
+#include "Hosts/Linux/GHandles.h"
 
 namespace quorvel::xdg {
 
-struct ReleaseSurface {
-    void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
-};
-using SurfacePointer = std::unique_ptr<cairo_surface_t, ReleaseSurface>;
+using SurfacePointer = std::unique_ptr<cairo_surface_t, FreeWith<cairo_surface_destroy>>;
 
 /// The memory that the pixels take.
 std::size_t bytesOf(const SurfacePointer&);

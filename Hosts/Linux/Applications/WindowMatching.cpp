@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "Hosts/Linux/Text.h"
+
 namespace quorvel::xdg {
 namespace {
 

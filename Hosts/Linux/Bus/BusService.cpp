@@ -13,21 +13,12 @@ void onReply(GObject* bus, GAsyncResult* result, gpointer data)
 {
     const std::unique_ptr<Answered> answered{static_cast<Answered*>(data)};
     GError* error = nullptr;
-    auto* reply = g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error);
-    if (wasCancelled(error))
-        return;
-    (*answered)(reply);
-    if (reply)
-        g_variant_unref(reply);
+    const GVariantHandle reply{
+        g_dbus_connection_call_finish(G_DBUS_CONNECTION(bus), result, &error)};
+    if (!wasCancelled(error))
+        (*answered)(reply.get());
 }
 
-}
-
-bool wasCancelled(GError* error)
-{
-    const bool isCancelled = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
-    g_clear_error(&error);
-    return isCancelled;
 }
 
 BusService::BusService(const Names& names, Listener listener, GBusNameWatcherFlags watching)
@@ -42,8 +33,6 @@ BusService::BusService(const Names& names, Listener listener, GBusNameWatcherFla
 
 BusService::~BusService()
 {
-    g_cancellable_cancel(m_cancellable);
-    g_object_unref(m_cancellable);
     if (m_bus.connection())
         unwatch(m_bus.connection());
 }
@@ -74,7 +63,7 @@ void BusService::call(const char* interface, const char* method, GVariant* argum
     const char* type, std::function<void(GVariant*)> answered)
 {
     g_dbus_connection_call(m_bus.connection(), m_names.service, m_names.path, interface, method,
-        arguments, G_VARIANT_TYPE(type), G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, m_cancellable,
+        arguments, G_VARIANT_TYPE(type), G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, m_cancellable.get(),
         &onReply, new Answered{std::move(answered)});
 }
 

@@ -5,6 +5,7 @@
 #include <gio/gio.h>
 
 #include "Hosts/Linux/Bus/SessionBus.h"
+#include "Hosts/Linux/GHandles.h"
 
 namespace quorvel::xdg {
 
@@ -51,13 +52,10 @@ private:
     const Names m_names;
     const Listener m_listener;
     const GBusNameWatcherFlags m_watching;
-    GCancellable* m_cancellable;
+    GCancellation m_cancellable;
     guint m_name = 0;
     guint m_signal = 0;
     SessionBus m_bus;
 };
-
-/// Takes the error. Whoever cancelled is gone, so nothing of it may be touched.
-bool wasCancelled(GError*);
 
 }

@@ -3,6 +3,8 @@
 #include <string_view>
 #include <utility>
 
+#include "Hosts/Linux/GHandles.h"
+
 namespace quorvel::xdg {
 
 namespace {
@@ -19,13 +21,11 @@ enum Scheme : guint32 { noPreference, prefersDark, prefersLight };
 constexpr guint32 kPrefersHighContrast = 1;
 
 /// The value inside any number of variants.
-GVariant* unwrapped(GVariant* value)
+GVariantHandle unwrapped(GVariant* wrapped)
 {
-    value = g_variant_ref(value);
-    while (g_variant_is_of_type(value, G_VARIANT_TYPE_VARIANT)) {
-        auto* inner = g_variant_get_variant(value);
-        g_variant_unref(std::exchange(value, inner));
-    }
+    GVariantHandle value{g_variant_ref(wrapped)};
+    while (g_variant_is_of_type(value.get(), G_VARIANT_TYPE_VARIANT))
+        value.reset(g_variant_get_variant(value.get()));
     return value;
 }
 
@@ -80,9 +80,7 @@ void ColorScheme::read(const char* key)
         [this, key](GVariant* reply) {
             if (!reply)
                 return;
-            auto* value = g_variant_get_child_value(reply, 0);
-            take(key, value);
-            g_variant_unref(value);
+            take(key, GVariantHandle{g_variant_get_child_value(reply, 0)}.get());
         });
 }
 
@@ -94,21 +92,20 @@ void ColorScheme::takeChange(GVariant* parameters)
     const char* key = nullptr;
     GVariant* value = nullptr;
     g_variant_get(parameters, "(&s&sv)", &space, &key, &value);
+    const GVariantHandle owned{value};
     if (std::string_view{space} == kNamespace)
         take(key, value);
-    g_variant_unref(value);
 }
 
 void ColorScheme::take(std::string_view key, GVariant* wrapped)
 {
-    auto* value = unwrapped(wrapped);
+    const auto value = unwrapped(wrapped);
     if (key == kScheme)
-        m_preference.isDark = darkFrom(value);
+        m_preference.isDark = darkFrom(value.get());
     else if (key == kAccent)
-        m_preference.accent = colorFrom(value);
+        m_preference.accent = colorFrom(value.get());
     else if (key == kContrast)
-        m_preference.isHighContrast = highContrastFrom(value);
-    g_variant_unref(value);
+        m_preference.isHighContrast = highContrastFrom(value.get());
     m_changed(m_preference);
 }
 

@@ -41,12 +41,17 @@ std::string socketPath()
         return {};
     const std::string escaped{address.substr(
         start + key.size(), address.find_first_of(",;", start) - start - key.size())};
-    char* path = g_uri_unescape_string(escaped.c_str(), nullptr);
-    std::string result{path ? path : ""};
-    g_free(path);
-    return result;
+    const GText path{g_uri_unescape_string(escaped.c_str(), nullptr)};
+    return path ? path.get() : "";
 }
 
+}
+
+bool wasCancelled(GError* error)
+{
+    const bool isCancelled = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
+    g_clear_error(&error);
+    return isCancelled;
 }
 
 SessionBus::SessionBus(Changed connected, Changed lost)
@@ -73,23 +78,19 @@ SessionBus::~SessionBus()
     if (m_start)
         g_source_remove(m_start);
     stopWaiting();
-    g_cancellable_cancel(m_cancellable);
-    g_object_unref(m_cancellable);
     letGo();
 }
 
 void SessionBus::connect()
 {
-    g_bus_get(G_BUS_TYPE_SESSION, m_cancellable, &SessionBus::onConnected, this);
+    g_bus_get(G_BUS_TYPE_SESSION, m_cancellable.get(), &SessionBus::onConnected, this);
 }
 
 void SessionBus::onConnected(GObject*, GAsyncResult* result, gpointer data)
 {
     GError* error = nullptr;
     auto* bus = g_bus_get_finish(result, &error);
-    const bool isCancelled = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED);
-    g_clear_error(&error);
-    if (isCancelled) // and with it whoever asked
+    if (wasCancelled(error)) // and with it whoever asked
         return;
     static_cast<SessionBus*>(data)->take(bus);
 }
@@ -150,9 +151,8 @@ void SessionBus::watchSocket()
     const auto path = socketPath();
     if (path.empty())
         return;
-    auto* file = g_file_new_for_path(path.c_str());
-    m_socket = g_file_monitor_file(file, G_FILE_MONITOR_NONE, nullptr, nullptr);
-    g_object_unref(file);
+    const GObjectHandle<GFile> file{g_file_new_for_path(path.c_str())};
+    m_socket = g_file_monitor_file(file.get(), G_FILE_MONITOR_NONE, nullptr, nullptr);
     if (m_socket)
         g_signal_connect(m_socket, "changed", G_CALLBACK(&SessionBus::onSocketChanged), this);
 }

@@ -4,6 +4,8 @@
 
 #include <gio/gio.h>
 
+#include "Hosts/Linux/GHandles.h"
+
 namespace quorvel::xdg {
 
 /// A connection to the session bus, if there is one. It is made once the program has nothing else
@@ -37,7 +39,7 @@ private:
 
     const Changed m_connected;
     const Changed m_lost;
-    GCancellable* m_cancellable;
+    GCancellation m_cancellable;
     GDBusConnection* m_connection = nullptr;
     guint m_start = 0;
     gulong m_closed = 0;
@@ -45,5 +47,8 @@ private:
     int m_attempts = 0; ///< since the bus was lost, or its socket came
     GFileMonitor* m_socket = nullptr; ///< while it is waited for
 };
+
+/// Takes the error. Whoever cancelled is gone, so nothing of it may be touched.
+bool wasCancelled(GError*);
 
 }

@@ -4,22 +4,20 @@
 
 #include <gio/gio.h>
 
+#include "Hosts/Linux/GHandles.h"
+
 namespace quorvel::xdg {
 
 struct SleepWatch::Bus {
     std::function<void()> onWake;
-    GCancellable* cancellable = g_cancellable_new();
-    GDBusConnection* connection = nullptr;
+    GObjectHandle<GDBusConnection> connection;
+    GCancellation cancellable{g_cancellable_new()};
     guint subscription = 0;
 
     ~Bus()
     {
-        g_cancellable_cancel(cancellable);
-        g_object_unref(cancellable);
-        if (!connection)
-            return;
-        g_dbus_connection_signal_unsubscribe(connection, subscription);
-        g_object_unref(connection);
+        if (connection)
+            g_dbus_connection_signal_unsubscribe(connection.get(), subscription);
     }
 
     static void connected(GObject*, GAsyncResult* result, gpointer data)
@@ -36,7 +34,7 @@ struct SleepWatch::Bus {
 
     void listen(GDBusConnection* bus)
     {
-        connection = bus;
+        connection.reset(bus);
         // A lost system bus is no reason to leave.
         g_dbus_connection_set_exit_on_close(bus, FALSE);
         subscription = g_dbus_connection_signal_subscribe(bus, "org.freedesktop.login1",
@@ -59,7 +57,7 @@ struct SleepWatch::Bus {
 SleepWatch::SleepWatch(std::function<void()> onWake) : m_bus(std::make_unique<Bus>())
 {
     m_bus->onWake = std::move(onWake);
-    g_bus_get(G_BUS_TYPE_SYSTEM, m_bus->cancellable, &Bus::connected, m_bus.get());
+    g_bus_get(G_BUS_TYPE_SYSTEM, m_bus->cancellable.get(), &Bus::connected, m_bus.get());
 }
 
 SleepWatch::~SleepWatch() = default;

@@ -7,8 +7,8 @@
 
 #include <fmt/format.h>
 
-#include "Hosts/Linux/Applications/DesktopEntryFile.h"
 #include "Hosts/Linux/Applications/LauncherEntries.h"
+#include "Hosts/Linux/Text.h"
 
 namespace quorvel::xdg {
 

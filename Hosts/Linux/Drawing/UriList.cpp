@@ -1,25 +1,19 @@
 #include "Hosts/Linux/Drawing/UriList.h"
 
 #include <algorithm>
-#include <memory>
 #include <optional>
 
-#include <glib.h>
+#include "Hosts/Linux/GHandles.h"
 
 namespace quorvel::xdg {
 
 namespace {
 
-struct Free {
-    void operator()(char* text) const { g_free(text); }
-};
-using Text = std::unique_ptr<char, Free>;
-
 std::optional<std::string> localPath(const std::string& uri, const std::string& hostName)
 {
     char* host = nullptr;
-    const Text path{g_filename_from_uri(uri.c_str(), &host, nullptr)};
-    const Text owned{host};
+    const GText path{g_filename_from_uri(uri.c_str(), &host, nullptr)};
+    const GText owned{host};
     const bool isHere = !host || g_ascii_strcasecmp(host, "localhost") == 0
         || g_ascii_strcasecmp(host, hostName.c_str()) == 0;
     return path && isHere ? std::optional<std::string>{path.get()} : std::nullopt;

@@ -6,6 +6,8 @@
 #include <gio/gio.h>
 #include <glib-unix.h>
 
+#include "Hosts/Linux/GHandles.h"
+
 namespace quorvel::xdg {
 
 namespace {
@@ -23,17 +25,13 @@ Subscription attached(GSource* source, GSourceFunc call, Callback callback)
 {
     g_source_set_callback(source, call, new Callback(std::move(callback)), deleteCallback);
     g_source_attach(source, nullptr);
-    return Subscription{std::shared_ptr<void>{source, [](void* dropped) {
-                                                  g_source_destroy(static_cast<GSource*>(dropped));
-                                                  g_source_unref(static_cast<GSource*>(dropped));
-                                              }}};
+    return Subscription{std::shared_ptr<GSource>{source, destroySource}};
 }
 
 Subscription watchFolder(const std::string& folder, Callback onChange)
 {
-    auto* file = g_file_new_for_path(folder.c_str());
-    auto* monitor = g_file_monitor_directory(file, G_FILE_MONITOR_NONE, nullptr, nullptr);
-    g_object_unref(file);
+    const GObjectHandle<GFile> file{g_file_new_for_path(folder.c_str())};
+    auto* monitor = g_file_monitor_directory(file.get(), G_FILE_MONITOR_NONE, nullptr, nullptr);
     if (!monitor)
         return {};
     void (*call)(GFileMonitor*, GFile*, GFile*, GFileMonitorEvent, gpointer)

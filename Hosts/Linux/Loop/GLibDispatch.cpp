@@ -5,6 +5,7 @@
 
 #include <glib.h>
 
+#include "Hosts/Linux/GHandles.h"
 #include "Hosts/Linux/Loop/SourceTime.h"
 #include "Hosts/Linux/Loop/ThreadQueue.h"
 #include "Hosts/Linux/Loop/WorkSchedule.h"
@@ -39,23 +40,18 @@ public:
     {
         static GSourceFuncs functions{&MainQueue::prepare, &MainQueue::check, &MainQueue::dispatch,
             nullptr, nullptr, nullptr};
-        m_source = reinterpret_cast<Source*>(g_source_new(&functions, sizeof(Source)));
+        m_source.reset(reinterpret_cast<Source*>(g_source_new(&functions, sizeof(Source))));
         m_source->queue = this;
-        g_source_set_static_name(m_source, "main queue");
+        g_source_set_static_name(m_source.get(), "main queue");
         // The loop's own thread looks before it sleeps; waking it would cost it a turn for nothing.
         m_schedule = std::make_shared<WorkSchedule>([owner = std::this_thread::get_id()] {
             if (std::this_thread::get_id() != owner)
                 g_main_context_wakeup(nullptr);
         });
-        g_source_attach(m_source, nullptr);
+        g_source_attach(m_source.get(), nullptr);
     }
 
-    ~MainQueue() override
-    {
-        m_schedule->stop();
-        g_source_destroy(m_source);
-        g_source_unref(m_source);
-    }
+    ~MainQueue() override { m_schedule->stop(); }
 
     void async(Work work) override { m_schedule->post(std::move(work)); }
     void sync(const Work& work) override { runAndWait(*this, work); }
@@ -91,8 +87,8 @@ private:
         return G_SOURCE_CONTINUE;
     }
 
-    Source* m_source;
     std::shared_ptr<WorkSchedule> m_schedule;
+    GSourceHandle<Source> m_source;
 };
 
 GLibDispatch::GLibDispatch()

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <optional>
 
-#include <glib.h>
+#include "Hosts/Linux/GHandles.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -52,10 +51,8 @@ constexpr std::array kDesignations{
 std::optional<std::string> converted(std::string_view bytes, const char* encoding)
 {
     gsize written = 0;
-    std::unique_ptr<char, decltype(&g_free)> text{
-        g_convert(bytes.data(), static_cast<gssize>(bytes.size()), "UTF-8", encoding, nullptr,
-            &written, nullptr),
-        &g_free};
+    const GText text{g_convert(bytes.data(), static_cast<gssize>(bytes.size()), "UTF-8", encoding,
+        nullptr, &written, nullptr)};
     if (!text)
         return {};
     return std::string{text.get(), written};

@@ -6,7 +6,7 @@
 
 #include <glib.h>
 
-#include "Hosts/Linux/Applications/DesktopEntryFile.h"
+#include "Hosts/Linux/Text.h"
 #include "Hosts/X11/Desktop/CompoundText.h"
 
 namespace quorvel::xdg::x11 {

@@ -44,19 +44,15 @@ PaintSource::PaintSource(std::function<void()> paint) : m_paint(std::move(paint)
 {
     static GSourceFuncs functions{
         &Source::prepare, &Source::check, &Source::dispatch, nullptr, nullptr, nullptr};
-    m_source = reinterpret_cast<Source*>(g_source_new(&functions, sizeof(Source)));
+    m_source.reset(reinterpret_cast<Source*>(g_source_new(&functions, sizeof(Source))));
     m_source->owner = this;
-    g_source_set_static_name(m_source, "paint");
+    g_source_set_static_name(m_source.get(), "paint");
     // The same priority as the rest and attached later than the connection and the main queue: it
     // comes after them in each round, and no flood of events can starve it.
-    g_source_attach(m_source, nullptr);
+    g_source_attach(m_source.get(), nullptr);
 }
 
-PaintSource::~PaintSource()
-{
-    g_source_destroy(m_source);
-    g_source_unref(m_source);
-}
+PaintSource::~PaintSource() = default;
 
 void PaintSource::request()
 {

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 
+#include "Hosts/Linux/GHandles.h"
 #include "Quorvel/Platform/Dispatch.h"
 
 namespace quorvel::xdg::x11 {
@@ -22,7 +23,7 @@ private:
     struct Source;
     std::optional<Instant> due() const;
 
-    Source* m_source;
+    GSourceHandle<Source> m_source;
     std::function<void()> m_paint;
     Instant m_earliestNext = Instant::min();
     bool m_isRequested = false;

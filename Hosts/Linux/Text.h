@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "Hosts/Linux/GHandles.h"
+
+namespace quorvel::xdg {
+
+/// The text with each stretch of bytes that is no UTF-8 replaced.
+inline std::string validUtf8(std::string_view bytes)
+{
+    return GText{g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size()))}.get();
+}
+
+}
