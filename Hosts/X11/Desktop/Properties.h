@@ -23,7 +23,6 @@ struct RawProperty {
     std::uint8_t format = 0; ///< 8, 16 or 32 bits per item
     std::span<const std::byte> data;
 
-    bool isAbsent() const { return type == XCB_ATOM_NONE; }
     std::size_t words() const { return format == 32 ? data.size() / 4 : 0; }
     /// An item of format 32; 0 beyond the end.
     std::uint32_t word(std::size_t index) const;

@@ -94,14 +94,6 @@ void RequestBatch::eventMask(xcb_window_t window, OnNumber handle)
     });
 }
 
-void RequestBatch::selectionOwner(xcb_atom_t selection, OnWindow handle)
-{
-    add(xcb_get_selection_owner(m_connection, selection), [handle = std::move(handle)](void* data) {
-        auto* reply = static_cast<const xcb_get_selection_owner_reply_t*>(data);
-        handle(reply && reply->owner ? std::optional{reply->owner} : std::nullopt);
-    });
-}
-
 void RequestBatch::pointerMask(xcb_window_t root, OnNumber handle)
 {
     add(xcb_query_pointer(m_connection, root), [handle = std::move(handle)](void* data) {

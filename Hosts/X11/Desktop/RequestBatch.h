@@ -52,7 +52,6 @@ public:
     void clientProcess(xcb_window_t, OnNumber);
     /// What this program hears of the window.
     void eventMask(xcb_window_t, OnNumber);
-    void selectionOwner(xcb_atom_t selection, OnWindow);
     /// The pointer's button and modifier mask.
     void pointerMask(xcb_window_t root, OnNumber);
 

@@ -208,22 +208,6 @@ void DockWindow::comeBack()
     });
 }
 
-void DockWindow::unmap()
-{
-    if (!std::exchange(m_isMapped, false))
-        return;
-    m_mapAgain.cancel();
-    xcb_unmap_window(m_connection.raw(), m_window);
-    // A window manager hears of a withdrawal only this way.
-    xcb_unmap_notify_event_t event{};
-    event.response_type = XCB_UNMAP_NOTIFY;
-    event.event = m_connection.root();
-    event.window = m_window;
-    xcb_send_event(m_connection.raw(), false, m_connection.root(),
-        XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-        reinterpret_cast<const char*>(&event));
-}
-
 /// A dock has a layer of its own, within which lowering alone changes little: the state takes it
 /// out.
 void DockWindow::setLowered(bool isLowered)

@@ -19,7 +19,6 @@ public:
     DockWindow& operator=(const DockWindow&) = delete;
 
     xcb_window_t id() const { return m_window; }
-    bool isMapped() const { return m_isMapped; }
     const Rect& frame() const { return m_frame; }
 
     void setFrame(const Rect&);
@@ -27,7 +26,6 @@ public:
     void setStrut(const Strut&);
     void setBlursBehind(bool);
     void map();
-    void unmap();
     /// Under all windows of its monitor, or back above them.
     void setLowered(bool);
 
