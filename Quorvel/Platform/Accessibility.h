@@ -15,7 +15,7 @@
 
 namespace quorvel {
 
-/// The platform's result codes; a host may pass on others unchanged.
+/// The platform's result codes; a host may pass others through unchanged.
 enum class AXError : std::int32_t {
     success = 0,
     failure = -25200,
@@ -33,13 +33,13 @@ enum class AXError : std::int32_t {
     noValue = -25212,
 };
 
-/// What a host hangs on an element beside its token.
+/// What a host attaches to an element besides its token.
 struct AXNative {
     virtual ~AXNative() = default;
     virtual bool equals(const AXNative&) const = 0;
 };
 
-/// An application or a window in the accessibility tree: a cheap value, valid to hold after the
+/// An application or a window in the accessibility tree: a cheap value that may be held after the
 /// thing itself has gone. Equal elements stand for the same thing.
 struct AXElement {
     std::uint64_t token = 0; ///< the host's; equal elements have equal tokens
@@ -52,7 +52,7 @@ struct AXElement {
     }
 };
 
-/// `monostate` is a value of a type that the program never asks for.
+/// `monostate` stands for values of a type that the program never asks for.
 using AXValue = std::variant<std::monostate, bool, double, std::string, Point, Size, AXElement,
     std::vector<AXElement>>;
 
@@ -60,7 +60,7 @@ struct AXReply {
     AXError error = AXError::failure;
     AXValue value;
 
-    /// The value if the call succeeded with one of this type, else null.
+    /// The value if the call succeeded with this type, else null.
     template <typename T> const T* get() const
     {
         return error == AXError::success ? std::get_if<T>(&value) : nullptr;
@@ -100,9 +100,9 @@ inline constexpr std::string_view windowDeminiaturized = "AXWindowDeminiaturized
 inline constexpr std::string_view elementDestroyed = "AXUIElementDestroyed";
 }
 
-/// The registrations of one process. Made and used on its run loop's thread, and destroyed there
-/// or, once that thread has ended, anywhere. Destroying it ends every registration; no callback
-/// follows.
+/// The registrations for one process. Created and used on its run loop's thread, and destroyed
+/// there or, once that thread has ended, anywhere. Destroying it ends every registration; no
+/// callback follows.
 class AXObserver {
 public:
     virtual ~AXObserver() = default;
@@ -111,7 +111,7 @@ public:
     virtual AXError removeNotification(const AXElement&, std::string_view notification) = 0;
 };
 
-/// The accessibility trees of other applications. Any thread may call; each call may wait for the
+/// The accessibility trees of other applications. Any thread may call. Each call may wait for the
 /// application, at most for the element's messaging timeout, and then answers `cannotComplete`.
 class Accessibility {
 public:
@@ -120,22 +120,23 @@ public:
 
     virtual ~Accessibility() = default;
 
-    /// Whether the user lets this program use accessibility; live.
+    /// Whether the user allows this program to use accessibility; always current.
     virtual bool isTrusted() const = 0;
     /// Shows the system's own question, where there is one.
     virtual void promptForTrust() = 0;
 
     virtual AXElement application(ProcessID) const = 0;
-    /// Holds for this very element value and its copies.
+    /// Applies to this very element value and its copies.
     virtual void setMessagingTimeout(const AXElement&, float seconds) = 0;
     virtual AXReply copyAttribute(const AXElement&, std::string_view attribute) = 0;
     virtual AXError setAttribute(const AXElement&, std::string_view attribute, const AXValue&) = 0;
     virtual AXError performAction(const AXElement&, std::string_view action) = 0;
 
-    /// The private element-to-window-number call; an empty function where the system lacks it.
+    /// The private call that maps an element to its window number; an empty function where the
+    /// system lacks it.
     virtual WindowIDResolver windowIDResolver() const = 0;
 
-    /// Makes an observer whose callback runs on the thread's run loop. On that thread only.
+    /// Creates an observer whose callback runs on the thread's run loop. Call on that thread only.
     virtual std::pair<AXError, std::unique_ptr<AXObserver>> createObserver(
         ProcessID, RunLoopThread&, Callback)
         = 0;

@@ -16,8 +16,8 @@ struct Appearance {
     bool reduceMotion = false;
     bool increaseContrast = false;
     bool isRightToLeft = false;
-    std::optional<Color> accent = {}; ///< of what is marked; absent: the bar has its own
-    std::string font = {}; ///< of the interface, in the host's words; whoever measured does it anew
+    std::optional<Color> accent = {}; ///< for marked things; absent: the bar has its own
+    std::string font = {}; ///< of the interface, in the host's terms; on a change, measure again
 
     friend bool operator==(const Appearance&, const Appearance&) = default;
 };
@@ -29,9 +29,9 @@ public:
 
     virtual void setActivationPolicy(ActivationPolicy) = 0;
     virtual ProcessID processID() const = 0;
-    /// Absent where the look of the system does not go by its version.
+    /// Absent where the system's look does not depend on its version.
     virtual std::optional<int> operatingSystemMajorVersion() const = 0;
-    /// Tells whoever started the program, on standard error: one line.
+    /// Prints one line to standard error, for whoever started the program.
     virtual void warn(std::string_view) = 0;
     /// Runs the event loop until `terminate`; returns the exit status.
     virtual int run() = 0;

@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-/// The platform's absolute reference clock: it never jumps, and its zero means nothing.
+/// The platform's monotonic reference clock: it never jumps, and its zero has no meaning.
 struct AbsoluteClock {
     using duration = std::chrono::nanoseconds;
     using rep = duration::rep;
@@ -19,7 +19,7 @@ struct AbsoluteClock {
 using Duration = AbsoluteClock::duration;
 using Instant = AbsoluteClock::time_point;
 
-/// Whole nanoseconds from seconds, so that 0.3 + 0.15 is exactly 0.45.
+/// Seconds rounded to whole nanoseconds, so that 0.3 + 0.15 is exactly 0.45.
 constexpr Duration seconds(double value)
 {
     return Duration{static_cast<Duration::rep>(value * 1e9 + (value < 0 ? -0.5 : 0.5))};
@@ -27,16 +27,16 @@ constexpr Duration seconds(double value)
 
 using Work = std::function<void()>;
 
-/// Holds work that is still to run; dropping or replacing it cancels.
+/// Holds work that has yet to run; dropping or replacing it cancels the work.
 ///
 /// Cancelling on the queue's own thread is final: the work does not run afterwards. Cancelling from
-/// another thread never waits, so work that is just running goes on.
+/// another thread never waits, so work that is already running continues.
 class WorkItem {
 public:
     struct Handle {
         virtual ~Handle() = default;
         virtual void cancel() noexcept = 0;
-        /// False once the work has begun (for repeating work: once it is cancelled).
+        /// False once the work has begun (repeating work: once it is cancelled).
         virtual bool isPending() const noexcept = 0;
     };
 
@@ -64,18 +64,18 @@ private:
     std::shared_ptr<Handle> m_handle;
 };
 
-/// Runs work one after another, in the order given. All calls from any thread. Work must not throw.
+/// Runs work one at a time, in the order given. All calls from any thread. Work must not throw.
 class Queue {
 public:
-    /// Waits for the work that is running and drops the rest.
+    /// Waits for the running work and drops the rest.
     virtual ~Queue() = default;
 
     virtual void async(Work) = 0;
     /// Runs the work on the queue and waits for it; never from the queue itself.
     virtual void sync(const Work&) = 0;
     [[nodiscard]] virtual WorkItem after(Duration delay, Work) = 0;
-    /// First run at once, then each `interval`; runs that fall behind are left out. After the first
-    /// one, each may come later by up to `leeway`, so that the machine wakes up once for several.
+    /// Runs at once, then every `interval`; runs that fall behind are skipped. After the first run,
+    /// each may be late by up to `leeway`, so that the machine wakes up once for several.
     [[nodiscard]] WorkItem every(Duration interval, Work work, Duration leeway = {})
     {
         return repeat(interval, leeway, std::move(work));
@@ -87,24 +87,24 @@ private:
 
 enum class QualityOfService { background, utility, userInitiated, userInteractive };
 
-/// A thread of its own whose run loop waits for sources and for work.
+/// A thread whose run loop waits for sources and for work.
 class RunLoopThread {
 public:
-    /// Stops the loop and joins the thread; work not yet begun is dropped.
+    /// Stops the loop and joins the thread; work that has not begun is dropped.
     virtual ~RunLoopThread() = default;
 
     /// From any thread; runs in the order given, on the thread.
     virtual void perform(Work) = 0;
 };
 
-/// Where code runs and what time it is. Nobody else sleeps, starts threads or reads a clock.
+/// Where code runs and what time it is. No other code sleeps, starts threads or reads a clock.
 class Dispatch {
 public:
     virtual ~Dispatch() = default;
 
     virtual Instant now() const = 0;
     virtual Queue& main() = 0;
-    /// Runs work side by side, in no order.
+    /// Runs work concurrently, in no particular order.
     virtual Queue& background() = 0;
     virtual std::unique_ptr<Queue> makeSerialQueue(std::string_view label, QualityOfService) = 0;
     /// Returns once the thread's run loop is ready.

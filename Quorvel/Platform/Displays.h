@@ -10,10 +10,10 @@
 
 namespace quorvel {
 
-/// One screen. Frames are points with the origin at the bottom left of the first screen, y upwards.
+/// One screen. Frames are points, origin at the bottom left of the first screen, y upwards.
 struct Screen {
     Rect frame;
-    Rect visibleFrame; ///< without what other panels keep for themselves
+    Rect visibleFrame; ///< without the areas reserved by other panels
     double scale = 1; ///< pixels per point
     std::optional<DisplayNumber> number;
 
@@ -30,17 +30,17 @@ public:
     virtual DisplayNumber mainDisplay() const = 0;
     /// The active displays, at most `limit`.
     virtual std::vector<DisplayNumber> activeDisplays(std::size_t limit) const = 0;
-    /// The identifier that survives a reconnect, in any letter case.
+    /// The identifier that survives a reconnect, in either letter case.
     virtual std::optional<std::string> identifier(DisplayNumber) const = 0;
 
     /// Points, global top-left origin.
     virtual Point pointerLocation() const = 0;
     virtual std::optional<DisplayNumber> displayAt(Point globalTopLeft) const = 0;
 
-    /// Global top-left points in what other programs of this system count in.
+    /// Converts global top-left points to the unit that other programs of this system use.
     virtual Rect toNative(const Rect& globalTopLeft) const { return globalTopLeft; }
 
-    /// Screens came, went, moved or changed their size, scale or visible frame.
+    /// Emitted when screens came, went, moved or changed their size, scale or visible frame.
     Signal<> parametersDidChange;
 };
 

@@ -4,8 +4,8 @@
 
 namespace quorvel {
 
-/// All lengths are points (doubles) unless a declaration says pixels. Which corner is the origin,
-/// and which way y grows, is said where a value is handed over.
+/// All lengths are points (doubles) unless a declaration says pixels. Each interface states its
+/// origin and the direction of y.
 struct Point {
     double x = 0;
     double y = 0;
@@ -65,7 +65,7 @@ struct Rect {
             return {};
         return {left, top, right - left, bottom - top};
     }
-    /// The smallest rectangle around both; an empty one adds nothing.
+    /// The smallest rectangle around both; an empty one is ignored.
     constexpr Rect united(const Rect& other) const
     {
         if (isEmpty())
@@ -85,13 +85,13 @@ struct Rect {
     {
         return {x + dx, y + dy, std::max(0.0, width - 2 * dx), std::max(0.0, height - 2 * dy)};
     }
-    /// A rectangle of the given size about the same centre.
+    /// A rectangle of the given size around the same centre.
     constexpr Rect centred(Size inner) const
     {
         return {x + (width - inner.width) / 2, y + (height - inner.height) / 2, inner.width,
             inner.height};
     }
-    /// The same rectangle with y counted from the other edge of a space of the given height.
+    /// The same rectangle with y measured from the opposite edge of a space of the given height.
     constexpr Rect flipped(double height_) const { return {x, height_ - maxY(), width, height}; }
 
     friend bool operator==(const Rect&, const Rect&) = default;

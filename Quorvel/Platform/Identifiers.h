@@ -5,16 +5,16 @@
 
 namespace quorvel {
 
-/// The window server's number of a window; never reused while the program runs.
+/// The window server's number for a window; never reused while the program runs.
 enum class WindowID : std::uint32_t {};
 
-/// A process as the platform names it. Hosts may hand out private negative numbers.
+/// A process as the platform identifies it. Hosts may use private negative numbers.
 enum class ProcessID : std::int32_t {};
 
-/// The window server's number of a space (a virtual desktop).
+/// The window server's number for a space (a virtual desktop).
 enum class SpaceID : std::uint64_t {};
 
-/// The platform's number of a connected display.
+/// The platform's number for a connected display.
 enum class DisplayNumber : std::uint32_t {};
 
 template <typename Identifier>

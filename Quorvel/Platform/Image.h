@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-/// A picture that its host can draw at any size: pixels are made when first needed.
+/// A picture that its host can draw at any size: pixels are produced when first needed.
 struct PlatformImage {
     virtual ~PlatformImage() = default;
 };

@@ -5,8 +5,8 @@
 
 namespace quorvel {
 
-/// A key by its place, whatever is printed on it: the virtual key codes of the Mac's keyboards, on
-/// every host. The named ones do the same on every layout; any other number may come.
+/// A key by its position, whatever is printed on it: the virtual key codes of the Mac's keyboards,
+/// on every host. The named ones mean the same on every layout; any other number may occur.
 enum class KeyCode : std::uint16_t {
     enter = 36,
     tab = 48,
@@ -28,7 +28,7 @@ enum class KeyCode : std::uint16_t {
     unknown = 0xFFFF, ///< a key that the Mac does not have
 };
 
-/// Bits of a set of modifiers, those of the Mac's events.
+/// Modifier bits, with the values of the Mac's events.
 struct KeyModifier {
     static constexpr std::uint64_t shift = 1U << 17;
     static constexpr std::uint64_t control = 1U << 18;
@@ -36,19 +36,19 @@ struct KeyModifier {
     static constexpr std::uint64_t command = 1U << 20; ///< Super, the Windows key
 };
 
-/// A key goes down.
+/// A key was pressed.
 struct KeyEvent {
     KeyCode keyCode = KeyCode::unknown;
-    /// What it types, in UTF-8; may be a control character, and empty.
+    /// The text it types, in UTF-8; may be empty or a control character.
     std::string characters{};
-    /// What it would type with no other modifier than Shift.
+    /// The text it would type with no modifier but Shift.
     std::string charactersIgnoringModifiers{};
     std::uint64_t modifiers = 0; ///< of `KeyModifier`
     bool isRepeat = false; ///< the key is being held down
 
     bool has(std::uint64_t modifier) const { return (modifiers & modifier) != 0; }
-    /// For the menu of what has the focus: the menu key, or what stands for it on keyboards without
-    /// one: Shift-F10 on most desktops, Control-Return on the Mac since macOS 15.
+    /// Asks for the menu of whatever has the focus: the menu key, or its substitute on keyboards
+    /// without one: Shift-F10 on most desktops, Control-Return on the Mac since macOS 15.
     bool asksForMenu() const
     {
         return keyCode == KeyCode::menu || (keyCode == KeyCode::f10 && has(KeyModifier::shift))

@@ -2,21 +2,21 @@
 
 namespace quorvel {
 
-/// Whether the system starts the program when the user logs in. The user can change it elsewhere,
-/// so the status is asked for each time. Main thread.
+/// Whether the system starts the program when the user logs in. The user can change this elsewhere,
+/// so the status is read each time. Main thread.
 class LoginItem {
 public:
     enum class Status {
         notRegistered,
         enabled,
-        requiresApproval, ///< registered, and the user has not allowed it yet
+        requiresApproval, ///< registered, but not yet allowed by the user
         notFound, ///< the system does not know the program
     };
 
     virtual ~LoginItem() = default;
 
     virtual Status status() const = 0;
-    /// False if the system refuses. It may do as asked and still not be `enabled` afterwards.
+    /// False if the system refuses. Success does not guarantee that it is `enabled` afterwards.
     virtual bool registerItem() = 0;
     virtual bool unregisterItem() = 0;
 };

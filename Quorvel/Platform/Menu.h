@@ -12,8 +12,8 @@ class PanelSurface;
 
 enum class MenuItemKind {
     action,
-    toggle, ///< on or off, whatever its neighbours are
-    choice, ///< one of several entries, of which one is on
+    toggle, ///< on or off, independent of its neighbours
+    choice, ///< one of several entries, exactly one of which is on
 };
 
 struct MenuItem {
@@ -32,11 +32,11 @@ using Menu = std::vector<MenuItem>;
 
 enum class MenuEnding {
     chosen,
-    dismissed, ///< by a press elsewhere, or because it could not stay
+    dismissed, ///< by a press elsewhere, or because it could not stay open
     escaped, ///< by a key
 };
 
-/// The menus of a system that draws them itself. Main thread.
+/// The menus of a system that draws its own. Main thread.
 class NativeMenus {
 public:
     virtual ~NativeMenus() = default;

@@ -20,20 +20,20 @@ class Workspace;
 
 /// The seam between the program and the system it runs on.
 ///
-/// Each member is one service of the platform, cut at the platform's own calls: a host translates
-/// and never decides, so every rule about order, retries, timeouts and fall-backs lives on this
-/// side and can be driven by a test. Three hosts implement the seam: `Hosts/X11`, `Hosts/MacOS` and
+/// Each member is one service of the platform, at the level of the platform's own calls: a host
+/// translates and never decides, so every rule about order, retries, timeouts and fall-backs lives
+/// on this side and can be tested. Three hosts implement the seam: `Hosts/X11`, `Hosts/MacOS` and
 /// the in-memory desktop of the tests; one contract test holds for each of them.
 ///
-/// Code takes the single interfaces it needs through its constructor, as references that outlive
-/// it; only the place that wires the program together sees this whole struct. Signals and
-/// completions come on the main thread unless said otherwise; `Accessibility`, `WindowServer` and
-/// `Displays` may be asked from any thread. What a system lacks is said in the answer (an absent
-/// value, an empty list or function), never by pretending.
+/// Code takes the individual interfaces it needs through its constructor, as references that
+/// outlive it; only the place that wires the program together sees this whole struct. Signals and
+/// completions arrive on the main thread unless stated otherwise; `Accessibility`, `WindowServer`
+/// and `Displays` may be called from any thread. A service that a system lacks is reported in the
+/// answer (an absent value, an empty list or function) and never simulated.
 ///
 /// Lengths are points. Window frames, accessibility positions and the pointer have their origin at
 /// the top left of the first screen; screen and panel frames at its bottom left.
-/// `Displays::toNative` leads out to the numbers that other programs use.
+/// `Displays::toNative` converts to the numbers that other programs use.
 struct Platform {
     Dispatch& dispatch;
     Accessibility& accessibility;

@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// Keeps a subscriber subscribed; dropping it unsubscribes.
+/// Keeps a subscription alive; dropping it unsubscribes.
 class Subscription {
 public:
     Subscription() = default;
@@ -17,7 +17,7 @@ private:
     std::shared_ptr<void> m_token;
 };
 
-/// Something that happens. One thread; subscribers are called in the order of subscribing and may
+/// An event source. One thread; subscribers are called in the order of subscription and may
 /// subscribe, unsubscribe and emit inside the call.
 template <typename... Arguments> class Signal {
 public:
@@ -54,8 +54,8 @@ private:
     mutable std::vector<std::weak_ptr<Subscriber>> m_subscribers;
 };
 
-/// A value that others watch. Setting an equal value does nothing; subscribers run after the new
-/// one is stored.
+/// A value that others watch. Setting an equal value does nothing; subscribers are called after the
+/// new one is stored.
 template <typename Value> class Published {
 public:
     Published() = default;
@@ -71,7 +71,7 @@ public:
         m_changed.emit();
     }
 
-    /// Changes the value where it lies. `change` says whether it did, and calls nobody.
+    /// Changes the value in place. `change` returns whether it did, and must call nobody.
     template <typename Change> void update(Change&& change)
     {
         if (std::forward<Change>(change)(m_value))

@@ -7,22 +7,22 @@ namespace quorvel {
 
 enum class ScreenEdge { bottom = 2 };
 
-/// The strip of a display that belongs to the bar.
+/// The part of a display that belongs to the bar.
 struct DockRectangle {
     DisplayNumber display;
     Rect rect; ///< points, global top-left origin
 };
 
-/// What the window server keeps free for the bar. Main thread.
+/// The areas that the window server keeps free for the bar. Main thread.
 class Reservations {
 public:
     virtual ~Reservations() = default;
 
-    /// Keeps a strip of `height` points at an edge of the space free of other windows; 0 ends it.
-    /// False where the system has no call for it.
+    /// Reserves a strip of `height` points at an edge of the space; 0 ends it. False where the
+    /// system has no call for it.
     virtual bool setEdgeReservation(SpaceID, ScreenEdge, double height) = 0;
-    /// Tells the window server that the bar lies there, so that maximised windows end above it.
-    /// False where the system has no call for it, or did not heed it.
+    /// Tells the window server where the bar is, so that maximised windows end above it. False
+    /// where the system has no call for it, or ignored it.
     virtual bool setDockRectangle(const DockRectangle&) = 0;
     virtual void clearDockRectangle(DisplayNumber) = 0;
 };

@@ -12,7 +12,7 @@
 
 namespace quorvel {
 
-/// What a host hangs on a window that it can capture.
+/// What a host attaches to a window that it can capture.
 struct CaptureNative {
     virtual ~CaptureNative() = default;
 };
@@ -23,12 +23,12 @@ struct ShareableWindow {
     std::shared_ptr<const CaptureNative> native;
 };
 
-/// The windows that can be captured, as they were when they were asked for.
+/// The windows that could be captured when the list was requested.
 struct ShareableContent {
     std::vector<ShareableWindow> windows;
 };
 
-/// The pixels that a picture gets. The window is scaled to them; the pointer is not in it.
+/// The size of the picture in pixels. The window is scaled to it; the pointer is not included.
 struct CaptureConfiguration {
     int width = 1;
     int height = 1;
@@ -39,14 +39,14 @@ struct CaptureConfiguration {
 /// A still picture of a window.
 struct WindowPicture {
     Image image;
-    Size size; ///< points; as many as it has pixels
+    Size size; ///< points, as many as it has pixels
 
     std::size_t bytes() const { return static_cast<std::size_t>(size.width * size.height) * 4; }
 };
 
 /// Pictures of other applications' windows. Permissions on the main thread; the rest from any
-/// thread, and it returns at once: the answer comes on any thread, perhaps inside the call. Systems
-/// are known to answer twice, never, or after the asker has gone.
+/// thread, returning at once: the answer comes on any thread, perhaps inside the call. Some systems
+/// answer twice, never, or after the caller has gone.
 class ScreenCapture {
 public:
     /// Null when the question failed.
@@ -56,15 +56,15 @@ public:
 
     virtual ~ScreenCapture() = default;
 
-    /// Whether the user lets this program record the screen; never asks.
+    /// Whether the user allows this program to record the screen; never asks.
     virtual bool preflightAccess() const = 0;
-    /// Shows the system's own question, where there is one; true if access is given.
+    /// Shows the system's own question, where there is one; true if access is granted.
     virtual bool requestAccess() = 0;
 
     /// Every window, on whatever space; slow on some systems.
     virtual void getShareableContent(ContentHandler) = 0;
     /// That window alone, without what covers it. Fails where the system has no picture of it, as
-    /// X11 has none of windows that are minimised or on another space.
+    /// X11 does for windows that are minimised or on another space.
     virtual void captureImage(const ShareableWindow&, const CaptureConfiguration&, PictureHandler)
         = 0;
 };

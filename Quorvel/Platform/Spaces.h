@@ -11,7 +11,7 @@
 
 namespace quorvel {
 
-/// One entry of a display's list of spaces, as the window server gives it.
+/// One entry in a display's list of spaces, as the window server returns it.
 struct ManagedSpace {
     std::optional<std::uint64_t> id64;
     std::optional<std::uint64_t> managedSpaceID;
@@ -25,19 +25,19 @@ struct ManagedDisplay {
     std::optional<ManagedSpace> currentSpace;
 };
 
-/// Which windows of a space `windowsOfSpaces` names; 2 leaves out what is ordered out.
+/// Selects which windows of a space `windowsOfSpaces` returns; 2 omits those that are ordered out.
 inline constexpr std::uint32_t kSpaceWindowOptions = 2;
 
 /// Every kind of space in `spacesOfWindows`.
 inline constexpr std::uint32_t kAllSpacesMask = 7;
 
-/// The spaces of the user's displays, and which windows are on them. Queries from any thread;
-/// signals on the main thread. A call that the system lacks answers with nothing.
+/// The spaces of the user's displays, and the windows on them. Queries from any thread; signals on
+/// the main thread. A call that the system lacks returns nothing.
 class Spaces {
 public:
     virtual ~Spaces() = default;
 
-    /// Absent when the call fails or answers with something else than a list.
+    /// Absent when the call fails or does not return a list.
     virtual std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces() const = 0;
     /// Absent when the call fails.
     virtual std::optional<std::vector<WindowID>> windowsOfSpaces(
@@ -46,17 +46,17 @@ public:
     virtual std::optional<std::vector<SpaceID>> spacesOfWindows(
         std::uint32_t mask, const std::vector<WindowID>&) const = 0;
     virtual SpaceID activeSpace() const = 0;
-    /// The user's name for a space, where the system has names.
+    /// The user's name for a space, on systems that have names.
     virtual std::optional<std::string> spaceName(SpaceID) const = 0;
     virtual bool displaysHaveSeparateSpaces() const = 0;
 
     virtual void addWindowsToSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&) = 0;
     virtual void removeWindowsFromSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&)
         = 0;
-    /// Moves all windows away from the desktop, or back.
+    /// Moves all windows away to show the desktop, or back.
     virtual void toggleShowingDesktop() = 0;
 
-    /// Hints that some systems give: windows changed their spaces; spaces came, went or were
+    /// Hints that some systems give: windows moved between spaces; spaces came, went or were
     /// renamed.
     Signal<> spacesOfWindowsDidChange;
     Signal<> spacesDidChange;

@@ -32,7 +32,7 @@ private:
     Sink m_sink;
 };
 
-/// An identifier as the trace prints it; "nil" for none. Composed only if the line is.
+/// An identifier as the trace prints it; "nil" for none. Composed only if the line is printed.
 template <typename Identifier> struct OrNil {
     std::optional<Identifier> identifier;
 };

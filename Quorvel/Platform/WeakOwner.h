@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-/// A reference that other queues may carry and that only the owner's thread resolves.
+/// A reference that may travel through other queues but resolves only on the owner's thread.
 template <typename Owner> class WeakReference {
 public:
     WeakReference() = default;
@@ -21,7 +21,7 @@ private:
     std::weak_ptr<Owner*> m_slot;
 };
 
-/// A member of the class that wants to be held weakly; declare it last, so it is emptied first.
+/// A member of a class that is referenced weakly; declare it last, so that it is emptied first.
 template <typename Owner> class WeakOwner {
 public:
     explicit WeakOwner(Owner& owner) : m_slot(std::make_shared<Owner*>(&owner)) { }

@@ -38,7 +38,7 @@ struct CGWindowInfo {
 /// `kCGWindowListExcludeDesktopElements` is the only set of options the program asks for.
 inline constexpr std::uint32_t kWindowListExcludeDesktopElements = 16;
 
-/// What became of a list that was asked for: one that could not be had says nothing of any window.
+/// The outcome of requesting a list: a list that could not be read says nothing about any window.
 enum class Listing { complete, failed };
 
 /// The windows of all programs. Any thread.
@@ -48,13 +48,13 @@ public:
 
     virtual ~WindowList() = default;
 
-    /// Calls the visitor once per window, front to back where the system knows. The visitor must
-    /// not call the platform: a lock may be held.
+    /// Calls the visitor once per window, front to back where the system knows the order. The
+    /// visitor must not call the platform: a lock may be held.
     virtual Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const = 0;
     /// The same for the windows of one process.
     virtual Listing enumerateWindows(
         ProcessID owner, std::uint32_t options, const WindowVisitor&) const = 0;
-    /// The number by which other programs know the window; absent where there is no other.
+    /// The number by which other programs know the window; absent where there is none.
     virtual std::optional<std::uint32_t> nativeWindowNumber(WindowID) const = 0;
 };
 

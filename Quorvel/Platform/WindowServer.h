@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-/// The window server as one service of the system. Who needs only a part of it takes that part.
+/// The window server as one service of the system. Code that needs only a part takes that part.
 class WindowServer : public WindowList,
                      public Spaces,
                      public Reservations,

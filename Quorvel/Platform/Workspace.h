@@ -31,7 +31,7 @@ struct ApplicationURL {
     friend bool operator==(const ApplicationURL&, const ApplicationURL&) = default;
 };
 
-/// An action that a stored application offers beside being opened, such as a new window.
+/// An action that a stored application offers besides being opened, such as a new window.
 struct ApplicationAction {
     std::string identifier;
     std::string title; ///< in the user's language
@@ -54,23 +54,23 @@ public:
     virtual std::optional<ApplicationURL> applicationURL(
         std::string_view bundleIdentifier) const = 0;
     virtual Image icon(const ApplicationURL&) const = 0;
-    /// The icon that the running process shows of itself.
+    /// The icon that the running process shows for itself.
     virtual Image runningApplicationIcon(ProcessID) const = 0;
     virtual Image genericApplicationIcon() const = 0;
 
     /// Starts the application, or brings the running one to the front.
     virtual void openApplication(const ApplicationURL&) = 0;
     virtual void openNewInstance(const ApplicationURL&) = 0;
-    /// Whether starting the application once more gives the user a new window of it.
+    /// Whether starting the application again gives the user a new window.
     virtual bool canOpenNewInstance(const ApplicationURL&) const = 0;
-    /// Absolute paths, with this application.
+    /// Opens these absolute paths with this application.
     virtual void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) = 0;
-    /// With whatever the system opens it.
+    /// Opens the path with the system's default application.
     virtual void openFile(const std::string& path) = 0;
-    /// What the application itself offers to begin with; empty where applications do not say.
+    /// What the application itself offers as actions; empty where applications do not say.
     virtual std::vector<ApplicationAction> actions(const ApplicationURL&) const = 0;
     virtual void perform(const ApplicationAction&, const ApplicationURL&) = 0;
-    /// Asks the application to end; it may ask its user back.
+    /// Asks the application to end; it may ask its user first.
     virtual void requestTermination(ProcessID) = 0;
 
     /// Whether this program is the active application.
@@ -85,7 +85,7 @@ public:
     Signal<RunningApplication> didActivate;
     Signal<> didWake;
     Signal<> activeSpaceDidChange;
-    /// A hint that the icon under this bundle identifier changed; every icon where it is empty.
+    /// A hint that the icon for this bundle identifier changed; every icon if it is empty.
     Signal<std::string> iconDidChange;
 };
 
