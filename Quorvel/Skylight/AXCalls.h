@@ -10,14 +10,15 @@
 
 namespace quorvel {
 
-/// Accessibility calls to other applications, each bounded by a messaging timeout. One thread each.
+/// Accessibility calls to other applications, each bounded by a messaging timeout. One instance per
+/// thread.
 ///
-/// A hung application answers every call only when the timeout has run out. While a `Scan` is
-/// alive, the first such answer of a process is taken for all its further ones, so that the process
-/// costs the caller one timeout a scan and not one a window.
+/// A hung application answers every call only when the timeout has expired. While a `Scan` is
+/// alive, the first such answer of a process is reused for all its further calls, so that the
+/// process costs the caller one timeout per scan and not one per window.
 class AXCalls {
 public:
-    /// Seconds; on every element that the program queries.
+    /// Seconds; set on every element that the program queries.
     static constexpr float axMessagingTimeoutSeconds = 0.05F;
 
     explicit AXCalls(Accessibility& accessibility);
@@ -33,10 +34,10 @@ public:
         AXCalls& m_calls;
     };
 
-    /// A process did not answer in time: at most once a scan, from inside the call.
+    /// Emitted when a process did not answer in time: at most once per scan, from inside the call.
     std::function<void(ProcessID)> onTimeOut;
 
-    /// Whether the process did not answer in this scan.
+    /// Whether the process has failed to answer in this scan.
     bool hasTimedOut(ProcessID pid) const { return m_hungInScan.contains(pid); }
 
     AXElement application(ProcessID) const;
@@ -45,9 +46,9 @@ public:
     AXError performAction(ProcessID, const AXElement&, std::string_view action);
     AXError addNotification(
         ProcessID, AXObserver&, const AXElement&, std::string_view notification);
-    /// The elements in "AXWindows", their timeouts set; absent when the list cannot be read.
+    /// The elements in "AXWindows", with timeouts set; absent when the list cannot be read.
     std::optional<std::vector<AXElement>> windows(ProcessID);
-    /// By the private resolver, else by "AXWindowNumber".
+    /// By the private resolver, else from "AXWindowNumber".
     std::optional<WindowID> windowID(ProcessID, const AXElement&);
 
     template <typename T>
@@ -61,7 +62,7 @@ public:
     void setMessagingTimeout(const AXElement&) const;
 
 private:
-    /// Makes the call unless the process has not answered an earlier one of this scan.
+    /// Makes the call unless the process has failed to answer an earlier one in this scan.
     template <typename Call> AXError bounded(ProcessID pid, Call&& call)
     {
         if (m_hungInScan.contains(pid))

@@ -25,17 +25,18 @@ struct DebounceKey {
     friend auto operator<=>(const DebounceKey&, const DebounceKey&) = default;
 };
 
-/// How a row of equal events is thinned out.
+/// How a series of equal events is thinned out.
 struct DebounceRule {
     enum class First { waits, isDeliveredAtOnce };
 
     First first = First::waits;
-    /// A row that never pauses would never be seen: after this long it is, and starts anew.
+    /// A series that never pauses would never be delivered: after this long it is, and starts
+    /// again.
     std::optional<Duration> longestWait;
 };
 
-/// Delivers only the last of a row of equal events, once they have paused, and where the rule says
-/// so also the first. Any thread; delivers on the callback queue.
+/// Delivers only the last of a series of equal events, once they pause, and where the rule says so
+/// also the first. Any thread; delivers on the callback queue.
 class DebounceState {
 public:
     DebounceState(Dispatch& dispatch, Queue& callbackQueue)
@@ -52,9 +53,9 @@ public:
 
 private:
     struct Entry {
-        std::uint64_t number = 0; ///< tells the current task from one it replaced
+        std::uint64_t number = 0; ///< distinguishes the current task from one it replaced
         bool isWaiting = false;
-        Instant firstAt; ///< of those that wait
+        Instant firstAt; ///< of the pending events
         std::optional<Instant> lastAt;
         WorkItem work;
     };
@@ -68,10 +69,10 @@ private:
     std::map<DebounceKey, Entry> m_workItems;
 };
 
-/// Subscribes to the accessibility notifications of processes and hands them on as events.
+/// Subscribes to the accessibility notifications of processes and passes them on as events.
 ///
-/// Every observer lives on one thread of its own, so that a slow or hung application never holds up
-/// the user interface; all callbacks come on the callback queue. Public operations on the main
+/// All observers live on one dedicated thread, so that a slow or hung application never blocks the
+/// user interface; all callbacks are made on the callback queue. Public operations on the main
 /// thread, which must also destroy the manager.
 class AXObserverManager {
 public:
@@ -100,7 +101,7 @@ public:
 
     std::function<void(const AXWindowEvent&)> onEvent;
     std::function<void(ProcessID)> onObserverAdded;
-    /// Every attempt to attach has failed, and there is no further one.
+    /// Every attempt to attach has failed, and no further one follows.
     std::function<void(ProcessID)> onObserverFailed;
 
     /// Returns once the observer thread's run loop is ready.
@@ -108,27 +109,27 @@ public:
     void stop();
     void observe(ProcessID);
     void stopObserving(ProcessID);
-    /// Attaches where nothing is attached yet, else registers on the windows that are new.
+    /// Attaches to the process if not yet attached, else registers on its new windows.
     void refreshWindows(const std::set<ProcessID>&);
 
 private:
-    /// One process on the observer thread: attached, or on the way there.
+    /// One process on the observer thread: attached, or about to be.
     struct PIDState {
         std::unique_ptr<AXObserver> observer; ///< null while not attached
         AXElement appElement;
         std::map<WindowID, AXElement> observedWindows;
-        std::size_t failures = 0; ///< since something last worked in full
+        std::size_t failures = 0; ///< since everything last worked
         bool isRetryAwaited = false;
     };
 
-    /// The same process on the callback queue: there while somebody wants it observed.
+    /// The same process on the callback queue: exists while somebody wants it observed.
     struct Wish {
         WorkItem retry;
     };
 
     enum class Occasion { attaching, later };
 
-    /// A process that is attached and hangs is asked until it answers: nobody polls it.
+    /// A process that is attached and hangs is retried until it answers: nobody polls it.
     enum class Patience { limited, endless };
 
     // On the observer thread.
@@ -137,18 +138,19 @@ private:
     void addObserver(ProcessID);
     std::unique_ptr<AXObserver> registerApplication(ProcessID, const AXElement& application);
     void attachOrRefresh(ProcessID);
-    /// Tried again like attaching if a window could not be listened to. A window that is listened
-    /// to only now is announced: what it did until now, nobody told.
+    /// Retried like attaching if registration on a window failed. A window on which it succeeds
+    /// only now is announced: until then nobody reported what it did.
     void refreshWindowObservations(ProcessID, Occasion);
     void removeObserver(ProcessID);
     /// False if none of its notifications could be registered.
     bool observeWindow(ProcessID, PIDState&, WindowID, const AXElement&);
     void handleNotification(ProcessID, const AXElement&, std::string_view notification);
     std::optional<WindowID> resolveWindowIDFromObservedWindows(ProcessID, const AXElement&);
-    /// After a failure. One beside the retry that is waited for is not counted, or it would use
-    /// that one up.
+    /// After a failure. A failure while a retry is pending is not counted, or it would use up that
+    /// retry.
     void scheduleRetry(ProcessID, Patience);
-    /// One more attempt, unless one is waited for: news of a busy process must not push it away.
+    /// Schedules one more attempt, unless one is pending: events of a busy process must not
+    /// postpone it.
     void awaitRetry(ProcessID, Duration delay);
     void announceFailure(ProcessID);
     void deliver(AXWindowEvent);
@@ -169,7 +171,7 @@ private:
 
     DebounceState m_debounceState;
     WeakOwner<AXObserverManager> m_weak;
-    RunLoopThread* m_runLoop = nullptr; ///< of the thread below, for use on it
+    RunLoopThread* m_runLoop = nullptr; ///< of the thread below, for use on that thread
     std::unique_ptr<RunLoopThread> m_thread; ///< last: joined before anything it uses goes
 };
 

@@ -28,7 +28,7 @@ struct AXWindowMetadata {
 
 using AXWindowMetadataByID = std::map<WindowID, AXWindowMetadata>;
 
-/// Parts of the system whose windows are never the user's and whose activation means nothing.
+/// Parts of the system whose windows are never the user's and whose activation is ignored.
 inline constexpr std::array<std::string_view, 6> kSystemBundleIdentifiers{
     "com.apple.dock",
     "com.apple.WindowManager",
@@ -40,17 +40,17 @@ inline constexpr std::array<std::string_view, 6> kSystemBundleIdentifiers{
 
 /// Windows narrower or lower than this many points are never on the bar.
 inline constexpr double kMinimumWindowExtent = 40;
-/// False too for a frame whose extent is no number.
+/// False too for a frame with an extent that is not a number.
 bool isLargeEnough(const Rect& frame);
 
-/// The processes whose windows may be on the bar, computed afresh whatever `cacheTTL` is.
+/// The processes whose windows may be on the bar, computed again whatever `cacheTTL` is.
 std::set<ProcessID> dockEligibleOwnerPIDs(const Workspace&, Duration cacheTTL = {});
 
 bool isSystemBundleIdentifier(std::string_view);
 
 enum class WindowFilter { passed, layerNotZero, boundsTooSmall, fullyTransparent };
 
-/// The first of the window server's filters that the window fails.
+/// The first of the window server's filters that rejects the window.
 WindowFilter windowFilter(const CGWindowInfo&);
 /// Why, for the log.
 std::string rejectionReason(WindowFilter, const CGWindowInfo&);
@@ -60,13 +60,13 @@ std::string axIneligibilityReason(const AXWindowMetadata&);
 
 struct WindowAdmission {
     std::optional<std::string> rejectionReason{}; ///< absent: admitted
-    bool isConfirmed = false; ///< the accessibility list holds the window, and it is eligible
-    bool isSoft = false; ///< the application may only not have published the window yet
+    bool isConfirmed = false; ///< listed by accessibility, and eligible
+    bool isSoft = false; ///< the application may just not have published the window yet
 };
 
 WindowAdmission cgWindowAXAdmission(WindowID, const AXWindowMetadataByID&, bool hasAXWindowList);
 
-/// Text of other applications made fit for one log line; "<empty>" for none.
+/// Text from other applications made safe for one log line; "<empty>" for none.
 std::string sanitizeLogField(const std::optional<std::string>&);
 
 }

@@ -12,7 +12,7 @@ namespace quorvel {
 enum class PIDLifecyclePhase { launching, runningUnobserved, runningObserved };
 std::string_view rawValue(PIDLifecyclePhase);
 
-/// The polling of one process while it settles, or for as long as it cannot be observed.
+/// The polling of one process while it settles, or as long as it cannot be observed.
 struct PIDLifecycleState {
     PIDLifecyclePhase phase = PIDLifecyclePhase::launching;
     Instant startedAt;
@@ -23,37 +23,38 @@ struct PIDLifecycleState {
     Instant nextTickAt;
 };
 
-/// Three looks in a row, for windows that are expected or unexplained.
+/// Three looks in succession, for windows that are expected or unexplained.
 struct DeferredScanBurst {
     Instant startedAt;
     int scansDone = 0;
     bool isRequestedAgain = false;
-    /// What every scan since its start has found unexplained.
+    /// What every scan since the start of the burst has left unexplained.
     std::optional<std::set<WindowID>> sought;
 
     bool hasScannedLast() const;
-    /// The next scan, and after the last one the end.
+    /// The next scan, or the end after the last one.
     Instant nextAt() const;
 };
 
-/// A process that did not answer is looked at again, less and less often.
+/// The repeated look at a process that did not answer, at growing intervals.
 struct UnansweredFollowUp {
     Duration delay{};
-    std::optional<Instant> at; ///< absent while that look is under way
+    std::optional<Instant> at; ///< absent while that look is in progress
 };
 
-/// What the window store knows of one process beside its windows: whether it is observed, and when
-/// and why it is looked at next.
+/// What the window store knows about one process besides its windows: whether it is observed, and
+/// when and why it is to be looked at next.
 struct ProcessRecord {
     bool isObserverAttached = false;
     std::optional<PIDLifecycleState> lifecycle;
     std::optional<DeferredScanBurst> burst;
     std::optional<Instant> missingFollowUpAt;
     std::optional<UnansweredFollowUp> unanswered;
-    /// Windows that a whole burst could not explain: no mere tick starts another for them.
+    /// Windows that a whole burst could not explain: a mere tick does not start another burst for
+    /// them.
     std::set<WindowID> soughtInVain;
 
-    /// The reasons to look that have come due; one look serves them all.
+    /// The reasons to look that are due; one look serves them all.
     struct Due {
         bool burstScan = false;
         bool burstEnd = false;

@@ -8,9 +8,9 @@
 
 namespace quorvel {
 
-/// Writes the screens' frames to the trace some time after a reservation was asked for: the window
-/// server says nothing, and takes its time, so only the visible frames tell whether it took. Main
-/// thread.
+/// Writes the screens' frames to the trace some time after a reservation was requested: the window
+/// server does not report the outcome and takes its time, so only the visible frames show whether
+/// it worked. Main thread.
 class ScreenLog {
 public:
     ScreenLog(Dispatch& dispatch, const Displays& displays, const Trace& trace)
@@ -20,7 +20,8 @@ public:
     {
     }
 
-    /// After 0.5 and 2.0 s; asking again starts anew. Nothing while the trace is off.
+    /// After 0.5 and 2.0 s; another request restarts the delay. Does nothing while the trace is
+    /// off.
     void writeSoon();
 
 private:

@@ -15,8 +15,8 @@ class ScreenLog;
 /// The type of a space that belongs to one full-screen window.
 inline constexpr std::int64_t kFullscreenSpaceType = 4;
 
-/// Operations over the window server's spaces. Holds no state; any thread. What the window server
-/// does not answer becomes an empty result.
+/// Operations on the window server's spaces. Stateless; any thread. Anything the window server does
+/// not answer becomes an empty result.
 class SpaceWindows {
 public:
     struct Info {
@@ -35,11 +35,11 @@ public:
     {
     }
 
-    /// What the window server says of its spaces at one moment.
+    /// What the window server says about its spaces at one moment.
     struct Answer {
         /// Every space of every display, in display order, then space order.
         std::vector<Info> spaces;
-        /// The current space of each display; displays whose space cannot be read are left out.
+        /// The current space of each display; displays whose space cannot be read are omitted.
         std::vector<SpaceID> shown;
     };
 
@@ -47,18 +47,18 @@ public:
     std::vector<Info> getSpaces() const { return ask().spaces; }
     std::vector<SpaceID> getActiveSpaceIDs() const { return ask().shown; }
 
-    /// Puts the window on this space and takes it off every other; it is never on none.
+    /// Puts the window on this space and removes it from every other; it is never on none.
     void moveWindowExclusively(WindowID, SpaceID) const;
-    /// Keeps a strip at the bottom of the space for the bar; `height` in points, 0 ends it. What
-    /// came of it is written to the log a little later. False where the system has no call for it.
+    /// Reserves a strip at the bottom of the space for the bar; `height` in points, 0 ends it. The
+    /// outcome is written to the log a little later. False where the system has no call for it.
     bool setBottomEdgeReservation(SpaceID, double height, ScreenLog&) const;
 
-    /// Compares identifiers in any letter case; "MAIN" and "PRIMARY" are the main display.
+    /// Compares identifiers ignoring letter case; "MAIN" and "PRIMARY" are the main display.
     std::optional<DisplayNumber> displayNumber(std::string_view identifier) const;
     std::optional<Screen> screen(
         std::string_view displayIdentifier, const std::vector<Screen>& screens) const;
-    /// The top of the main display's screen, in points from the bottom; 0 when it is not among
-    /// them.
+    /// The top of the main display's screen, in points from the bottom; 0 when it is not in the
+    /// list.
     double primaryScreenMaxY(const std::vector<Screen>& screens) const;
 
 private:

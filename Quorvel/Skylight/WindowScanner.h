@@ -19,13 +19,13 @@ namespace quorvel {
 class WindowSpacesMap {
 public:
     void add(WindowID window, SpaceID space) { m_entries.emplace_back(window, space); }
-    /// Nobody could tell which spaces there are.
+    /// The list of spaces is unknown.
     void setUnknown() { m_isUnknown = true; }
     /// The windows of this space could not be listed.
     void addUnlisted(SpaceID space) { m_unlisted.insert(space); }
-    /// To be called once, after the last `add`.
+    /// Call once, after the last `add`.
     void sort();
-    /// Empty for a window on no space, or only on such as could not be listed.
+    /// Empty for a window on no space, or only on spaces that could not be listed.
     std::set<SpaceID> spaces(WindowID) const;
     const std::set<SpaceID>& unlistedSpaces() const { return m_unlisted; }
     bool isComplete() const { return !m_isUnknown && m_unlisted.empty(); }
@@ -40,28 +40,28 @@ private:
 struct ScannedWindowCandidate {
     std::string appName;
     std::optional<std::string> bundleID;
-    std::optional<std::string> title; ///< absent when nobody could tell
+    std::optional<std::string> title; ///< absent when unknown
     Rect frame;
     std::set<SpaceID> spaces;
     std::set<SpaceID> unlistedSpaces; ///< it may be on these too
     bool isAXConfirmed = false;
-    std::optional<bool> isMinimized; ///< absent when nobody could tell
+    std::optional<bool> isMinimized; ///< absent when unknown
 };
 
-/// What one look at a process found.
+/// The result of looking at one process.
 struct PIDWindowScan {
-    /// The windows could not be listed: nothing can be said of any.
+    /// The windows could not be listed: nothing is known about any of them.
     bool hasFailed = false;
     std::map<WindowID, ScannedWindowCandidate> candidates;
     /// Every window that the window server lists at layer 0, before any other filter.
     std::set<WindowID> listedWindowIDs;
-    /// Listed, but the application does not show them in its accessibility list at the moment.
+    /// Listed, but currently not in the application's accessibility list.
     std::set<WindowID> softlyRejectedWindowIDs;
     bool isDockEligibleOwner = false;
 };
 
 /// Looks at processes through the window server, the accessibility tree and the spaces, and keeps
-/// no memory of what it saw. Main thread; each look waits at most one messaging timeout per hung
+/// no memory of the results. Main thread; each look waits at most one messaging timeout per hung
 /// process.
 class WindowScanner {
 public:
@@ -70,7 +70,7 @@ public:
         std::vector<SpaceID> shown; ///< one on each display
     };
 
-    /// What a look at several processes shares: taken once, not once a process.
+    /// What a look at several processes shares: read once, not once per process.
     struct Moment {
         Listing listing = Listing::complete;
         SpacesMoment spaces;
@@ -100,7 +100,7 @@ public:
     std::optional<Rect> readFrame(ProcessID, const AXElement&);
 
     WindowSpacesMap buildWindowSpacesMap(const std::vector<SpaceWindows::Info>&) const;
-    /// Asks for one window at a time, since asking for several answers with the union.
+    /// Asks for one window at a time, since asking for several returns the union.
     std::set<SpaceID> querySpaces(WindowID) const;
 
 private:

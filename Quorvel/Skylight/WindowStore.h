@@ -19,20 +19,20 @@ namespace quorvel {
 /// Which windows exist, whose they are, on which spaces, minimised or not, and which has the focus.
 ///
 /// Three sources feed it, and none can be trusted alone: the window server's list (complete, but
-/// full of windows that are no user's), each application's accessibility tree (knows roles and
-/// titles, but is slow, late or mute), and the spaces. Applications make windows late, lose them
-/// for a moment while something is animated, and announce windows that the window server does not
-/// know yet. So:
+/// full of windows that are not the user's), each application's accessibility tree (knows roles and
+/// titles, but is slow, late or silent), and the spaces. Applications create windows late, lose
+/// them for a moment during animations, and announce windows that the window server does not know
+/// yet. So:
 ///
 /// - a process is scanned again on a short schedule after a launch or an unexplained window (the
-///   burst: 0.3, 0.8 and 2.0 s) and, while it settles, at intervals that back off (the life cycle);
+/// burst: 0.3, 0.8 and 2.0 s) and, while it settles, at growing intervals (the life cycle);
 /// - a window that a scan misses is removed only when a second scan misses it too and 0.45 s have
-///   passed since the first; destroyed windows and ended processes go at once;
+/// passed since the first; destroyed windows and ended processes go at once;
 /// - a process that did not answer is looked at again until it does;
-/// - a process that is known already must show a new window in its accessibility tree before the
-///   window is believed.
+/// - a known process must show a new window in its accessibility tree before the window is
+/// accepted.
 ///
-/// The focus may name a window that is not tracked; whoever reads it must bear that.
+/// The focus may name a window that is not tracked; readers must allow for that.
 /// Main thread only. Every wait for an application is bounded by its messaging timeout.
 class WindowStore {
 public:
@@ -50,12 +50,13 @@ public:
     std::map<SpaceID, std::vector<const TrackedWindow*>> windowsBySpace() const;
     std::set<ProcessID> trackedPIDs() const;
     std::set<WindowID> windowIDs(std::string_view bundleIdentifier) const;
-    /// Tracks what is on the space of a full-screen window and names the window to activate there.
+    /// Tracks what is on the space of a full-screen window and returns the window to activate
+    /// there.
     std::optional<WindowID> trackSoleWindow(SpaceID);
 
     /// One slot: called at the end of each operation that changed the windows or the focus.
     std::function<void()> onChange;
-    /// A process that is not observed has its first window on the bar.
+    /// Emitted when a process that is not observed gets its first window on the bar.
     std::function<void(ProcessID)> onFirstWindow;
 
     // What the system reports.
@@ -63,13 +64,13 @@ public:
     void handleAppActivated(ProcessID);
     bool needsObserverBootstrap(ProcessID) const;
     void handleObserverAttached(ProcessID);
-    /// It cannot be listened to, so it is polled.
+    /// It cannot be observed, so it is polled.
     void handleObserverFailed(ProcessID);
-    /// Admits the windows of the process; how many were added.
+    /// Admits the windows of the process; returns how many were added.
     int addWindowsForPID(ProcessID);
     /// The process has ended.
     void removeWindows(ProcessID);
-    /// For both calls below, so that one change of space looks at the spaces once.
+    /// For the two calls below, so that one change of space reads the spaces once.
     WindowScanner::SpacesMoment lookAtSpaces(const SpaceWindows::Answer& answer) const
     {
         return m_scanner.lookAtSpaces(answer);
@@ -77,8 +78,8 @@ public:
     void refreshSpaces(const WindowScanner::SpacesMoment&);
     void refreshSpaces() { refreshSpaces(m_scanner.lookAtSpaces()); }
     void resyncMinimizedWindows();
-    /// Looks at the applications that have windows at all: one whose windows were all on other
-    /// spaces may be seen for the first time.
+    /// Looks at all applications that have windows: if all of an application's windows were on
+    /// other spaces, this may be its first sighting.
     int discoverNewWindowsForTrackedPIDs(WindowScanner::SpacesMoment);
     int discoverNewWindowsForTrackedPIDs()
     {
@@ -113,14 +114,14 @@ private:
     using ScansByPID = std::map<ProcessID, PIDWindowScan>;
 
     int reconcileWindowsForPID(ProcessID, const WindowScanner::Moment&);
-    /// As listed; else as the window server says of this window alone; else as before.
+    /// As listed; else as the window server says for this window alone; else unchanged.
     std::set<SpaceID> spacesNow(const TrackedWindow&, std::set<SpaceID> listed,
         const std::set<SpaceID>& unlistedSpaces) const;
-    /// A window may come under another process: X11 finds out late whose it is.
+    /// A window may move to another process: X11 learns late whose it is.
     bool updateTracked(TrackedWindow&, ProcessID, const ScannedWindowCandidate&);
     void track(WindowID, ProcessID, const ScannedWindowCandidate&);
     bool updateTrackedWindows(ProcessID, const PIDWindowScan&);
-    /// Tracks what is new in the scan.
+    /// Tracks the new windows in the scan.
     Admission admitNewWindows(ProcessID, const PIDWindowScan&);
     Discovery discover(ProcessID, const WindowScanner::Moment&);
     /// False if a whole burst has looked for each of these windows in vain.
@@ -137,19 +138,19 @@ private:
         WindowID, SpaceID, const WindowScanner::Moment&, ScansByPID&, bool& hasChanged);
     std::optional<WindowID> bestActivationCandidate(const std::vector<WindowID>&) const;
 
-    /// The record of the process, made when there is none; and what must not make one.
+    /// The process's record, created if missing; and a lookup for callers that must not create one.
     ProcessRecord& record(ProcessID pid) { return m_processes[pid]; }
     ProcessRecord* knownRecord(ProcessID);
     const ProcessRecord* knownRecord(ProcessID) const;
     bool isObserverAttached(ProcessID) const;
-    /// To be called after each change of a record: one timer serves the earliest of all looks.
+    /// Call after each change of a record: one timer serves the earliest of all looks.
     void scheduleNextLook();
-    /// Processes that are due in the same turn share one look at the window server.
+    /// Processes that are due in the same turn share one read of the window server.
     void runDueLooks();
     void runDueLook(ProcessID, ProcessRecord::Due, const WindowScanner::Moment&);
     void lookAt(ProcessID, ProcessRecord::Due, const WindowScanner::Moment&);
     void advanceBurst(ProcessID);
-    /// A whole burst from now on: the remaining scans of one under way may come too early.
+    /// Starts a whole burst now: the remaining scans of one in progress may come too early.
     void scheduleFreshDeferredScan(ProcessID);
     void endDeferredScanBurst(ProcessID);
     void scheduleLifecycleTick(ProcessID, Duration delay);
@@ -168,7 +169,7 @@ private:
     void handleFocusedWindowChanged(const AXWindowEvent&);
     void admitCreatedWindow(const AXWindowEvent&, WindowID, const AXWindowMetadata&);
     void setFocusedWindow(WindowID);
-    /// A burst, unless the process can have no window on the bar.
+    /// Starts a burst, unless the process can have no window on the bar.
     void scanForUntracked(ProcessID);
 
     TrackedWindow* tracked(const std::optional<WindowID>&);
@@ -187,7 +188,8 @@ private:
 
     std::map<WindowID, TrackedWindow> m_windows;
     std::optional<WindowID> m_focusedWindowID;
-    /// Counts the events that were handled, so that the lines of one can be told in the trace.
+    /// Counts the events that were handled, so that the trace can tell the lines of one event
+    /// apart.
     std::uint64_t m_debugEventSequence = 0;
     std::map<WindowID, ReconcileState> m_reconcileStateByWindowID;
     std::map<ProcessID, ProcessRecord> m_processes;
