@@ -10,12 +10,12 @@ namespace quorvel {
 
 class BarViewModel;
 
-/// The program that shows the load of the system.
+/// The program that shows the system's load.
 class ActivityMonitor {
 public:
     explicit ActivityMonitor(const Platform& platform) : m_platform(platform) { }
 
-    /// As the user knows it; absent if there is none.
+    /// The name the user knows it by; absent if there is none.
     std::optional<std::string> name(const BarViewModel&) const;
     void open() const;
 

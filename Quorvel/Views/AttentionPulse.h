@@ -6,17 +6,17 @@
 
 namespace quorvel {
 
-/// The calm swelling of what asks for attention. After some swells it stays lit: a request that
-/// nobody answers must not keep the machine awake. Main thread.
+/// The slow pulsing of an item that asks for attention. After some pulses it stays lit: a request
+/// that nobody answers must not keep the machine awake. Main thread.
 class AttentionPulse {
 public:
     static constexpr Duration period = seconds(1.6);
     static constexpr int swells = 6;
 
-    /// `onStep` is told the strength, from 0 to 1.
+    /// `onStep` receives the strength, from 0 to 1.
     AttentionPulse(Dispatch&, std::function<void(double)> onStep);
 
-    /// From the first swell. Without motion it is lit at once and does not move.
+    /// Starts with the first pulse. With animations off it is lit at once and does not move.
     void start(bool reducesMotion);
     void stop();
 

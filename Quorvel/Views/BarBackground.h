@@ -23,7 +23,7 @@ public:
     void setAppearance(const Appearance&);
     /// Nothing shows through the panel, so the ground must be painted.
     void setOpaque(bool);
-    /// The lines between the parts of the bar.
+    /// The lines between the sections of the bar.
     void setDividers(std::vector<Rect>);
 
     /// The blur behind the bar; absent: none.
@@ -46,7 +46,7 @@ struct LonghornThemeBackground {
     static void paint(Canvas&, const Rect&);
 };
 
-/// Glass whose upper half is bright.
+/// Glass with a bright upper half.
 struct AeroThemeBackground {
     static constexpr double blurOpacity = 0.85;
     static void paint(Canvas&, const Rect&);

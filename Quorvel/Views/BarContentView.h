@@ -30,7 +30,7 @@ class UserSettings;
 struct ChipMenuContext;
 
 /// The content of one bar: menu button, pins and chips of its space, space switcher, show-desktop
-/// button; and what rests, clicks and drags on them mean. Main thread.
+/// button; and the effects of hovering, clicking and dragging on them. Main thread.
 class BarContentView final : public View {
 public:
     struct Inputs {
@@ -58,7 +58,7 @@ public:
 
     std::function<void()> onMenuTapped;
     std::function<void(SpaceID)> onSpaceSwitchRequested;
-    /// A group's windows go together.
+    /// The windows of a group move together.
     std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpaceRequested;
     std::function<void(bool isHovered)> onChipsAreaHoverChanged;
     /// Just before a popup is shown.
@@ -71,7 +71,7 @@ public:
     Rect menuButtonFrame() const;
     Rect showDesktopButtonFrame() const;
     Rect spaceListButtonFrame() const;
-    /// By chip identifier, in the order of the row.
+    /// By chip identifier, in row order.
     std::vector<std::pair<std::string, Rect>> chipFrames() const;
     /// By bundle identifier.
     std::vector<std::pair<std::string, Rect>> pinFrames() const;
@@ -80,7 +80,7 @@ public:
     const ThumbnailPopup* thumbnailPopup() const { return m_popups.popup(); }
 
     void handlePrimaryChipTap(WindowID, bool isFocused);
-    /// Another application's group: its representative. The focused group: its next window.
+    /// For another application's group, its representative; for the focused group, its next window.
     void handleGroupedChipTap(const GroupedChipData&);
     void activateWindowDeferred(WindowID);
     void dismissThumbnailPopupImmediate() { m_popups.dismiss(); }
@@ -130,7 +130,7 @@ private:
     Rect onScreen(const Rect& inBar) const;
     Rect freePart() const;
 
-    /// Runs on the next turn of the main loop, unless the model has gone by then.
+    /// Runs in the next turn of the main loop, unless the model has gone by then.
     void onNextTurn(std::function<void(BarViewModel&)>);
 
     Inputs m_inputs;

@@ -11,12 +11,12 @@
 
 namespace quorvel {
 
-/// Joins a surface and a tree of views: paints what was invalidated, and finds out which view the
+/// Joins a surface and a tree of views: paints what was invalidated, and determines which view the
 /// pointer is on, has entered, left, pressed or released. Main thread.
 ///
 /// The first button that goes down makes a press, and only its release ends it; other buttons do
-/// nothing meanwhile. A press whose release has been lost, or whose surface goes from under the
-/// pointer, is cancelled. Escape cancels a drag, for which the surface takes the keyboard.
+/// nothing meanwhile. A press is cancelled when its release is lost or its surface goes away under
+/// the pointer. Escape cancels a drag, for which the surface takes the keyboard.
 class BarHostingView final : public SurfaceClient, private ViewHost {
 public:
     BarHostingView() = default;
@@ -29,13 +29,13 @@ public:
 
     /// One step upwards or downwards.
     std::function<void(const ScrollEvent&)> onScroll;
-    /// So far towards the trailing end.
+    /// A distance towards the trailing end.
     std::function<void(double distance, ScrollUnit)> onScrollSideways;
-    /// The pointer came over the surface or left it.
+    /// The pointer entered the surface or left it.
     std::function<void(bool)> onHoverChanged;
-    /// Whether the views run from right to left; unset: they do not.
+    /// Whether the views run from right to left; if unset, they do not.
     std::function<bool()> isRightToLeft;
-    /// Takes the keyboard to the surface: whether it has it now; unset: it never does.
+    /// Gives the surface the keyboard; returns whether it now has it; if unset, it never does.
     std::function<bool()> onKeyboardWanted;
     /// Where the pointer is, in points of the surface; absent while it is elsewhere.
     const std::optional<Point>& pointer() const { return m_pointer; }
@@ -70,7 +70,7 @@ private:
     void setFilesOver(View*);
     void walk(int step);
     void walkFromTheEdge(int step);
-    /// The view that the keyboard walk had come to, which ends it; null if there is none.
+    /// The view that the keyboard walk had reached, and ends the walk; null if there was none.
     View* letGoOfKeyboard();
     void setKeyFocused(View*);
 

@@ -31,7 +31,7 @@ public:
     /// Null while the bar is not filled.
     BarContentView* content() { return m_content; }
     const BarContentView* content() const { return m_content; }
-    /// The view that the keyboard has been walked to; null if it is elsewhere.
+    /// The view that the keyboard walk has reached; null if the keyboard is elsewhere.
     const View* keyFocusedView() const { return m_hostingView.keyFocusedView(); }
 
 private:

@@ -13,8 +13,8 @@ class BarViewModel;
 class PinStore;
 class Workspace;
 
-/// What the menus of chips and pins are made from, and what their entries act on. The services
-/// live as long as the model.
+/// What the menus of chips and pins are built from and act on. The services live as long as the
+/// model.
 struct ChipMenuContext {
     BarViewModel& viewModel;
     PinStore& pinStore;
@@ -25,9 +25,9 @@ struct ChipMenuContext {
     std::function<void(const std::string& bundleID)> onLaunch;
 };
 
-/// What the menu of a chip offers. Its actions do nothing once the model is gone.
+/// The entries in the menu of a chip. Their actions do nothing once the model is gone.
 Menu chipMenu(const DisplayItem&, const ChipMenuContext&);
-/// What the menu of a pinned application without a window offers.
+/// The entries in the menu of a pinned application without a window.
 Menu pinMenu(const std::string& bundleID, const ChipMenuContext&);
 
 }

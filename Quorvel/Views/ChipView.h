@@ -13,7 +13,7 @@ namespace quorvel {
 class ChipView final : public RowItem {
 public:
     enum class Click { primary, middle, secondary };
-    /// What of its text a chip shows.
+    /// The parts of its text that a chip shows.
     enum class Title { none, application, window };
 
     ChipView(const Palette& palette, const BarMetrics& metrics, const Text& text)
@@ -34,14 +34,14 @@ public:
 
     std::function<void(const ChipView&, Click)> onClick;
     std::function<void(const ChipView&, bool isHovered)> onHover;
-    /// Files from elsewhere rest on the chip, or no longer do.
+    /// Files from another program rest on the chip, or no longer do.
     std::function<void(const ChipView&, bool areOver)> onFilesOver;
 
-    /// The width at which a title has all the room that the size gives it.
+    /// The width at which a title has all the room that the size allows.
     static double fullWidth(const BarMetrics&);
     /// The width that still shows the whole icon.
     static double iconWidth(const BarMetrics&);
-    /// The width at which some letters of this chip's title can be read.
+    /// The width at which a few letters of this chip's title are readable.
     double leastTitledWidth() const;
 
     std::string accessibleID() const override { return displayItemID(m_item); }
@@ -55,7 +55,7 @@ private:
         Rect icon;
         Rect title; ///< empty where there is no room for one
         Rect count; ///< empty for a single window
-        Rect badge; ///< empty without one
+        Rect badge; ///< empty if there is none
         Rect focusMark;
     };
 

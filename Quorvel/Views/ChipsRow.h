@@ -20,17 +20,17 @@
 
 namespace quorvel {
 
-/// The row of pins and chips. Targets hold still: while the pointer is over the row, a chip that
-/// goes leaves an empty slot, a new one comes last, and pins neither come nor go; an application
-/// whose windows become a group, or a single one, keeps its slot. The row closes up when the
-/// pointer leaves; until then a row without room for a new chip goes on out of sight.
+/// The row of pins and chips. Targets hold still while the pointer is over the row: a chip that
+/// goes leaves an empty slot, a new one is added at the end, and pins neither come nor go; an
+/// application whose windows become a group, or a single one, keeps its slot. The row closes up
+/// when the pointer leaves; until then a row without room for a new chip continues out of sight.
 ///
-/// Chips shrink down to their icons, which are told apart where titles of three letters are not;
-/// then the row scrolls, and an arrow stands at each end where there is more. Chips and pins are
-/// dragged each among their own kind.
+/// Chips shrink down to their icons, which are told apart more easily than titles of three letters;
+/// then the row scrolls, with an arrow at each end where there is more. Chips and pins can each be
+/// reordered among their own kind.
 class ChipsRow final : public View {
 public:
-    /// How long the others take to make room, and the dropped one to fall into its place.
+    /// How long the others take to make room, and the dropped one to settle into its place.
     static constexpr Duration kMakeRoom = seconds(0.16);
     static constexpr Duration kFallIntoPlace = seconds(0.12);
 
@@ -47,7 +47,7 @@ public:
 
     void pointerEntered() override;
     void pointerExited() override;
-    /// By so many points towards the end of the row.
+    /// By this many points towards the end of the row.
     void scrollBy(double distance, ScrollUnit unit) { m_scroll.scrollBy(distance, unit); }
     /// Null if no window here has the focus.
     View* focusedChip() const;
@@ -59,16 +59,16 @@ public:
     std::function<void(const PinView&)> onPinClick;
     std::function<void(const PinView&)> onPinMenu;
     std::function<void(const PinView&, std::vector<std::string> paths)> onPinFiles;
-    /// A drag of a chip began or went on; with the pointer there, in the root's coordinates.
+    /// A drag of a chip began or moved; the pointer is in the root's coordinates.
     std::function<void(const ChipView&, Point)> onChipDragged;
-    /// The chip was let go there. True: it was dropped on something else, and stays where it was.
+    /// The chip was dropped there. True: it was dropped on something else, and its order stays.
     std::function<bool(const ChipView&, Point)> onChipDropped;
     std::function<void()> onChipDragEnded;
     std::function<void(const std::string& id, std::optional<std::string> before)> onChipMoved;
-    /// The drag's identifiers are bundle identifiers.
+    /// The identifiers in this drag are bundle identifiers.
     std::function<void(const std::string& bundleID, const ReorderDrag&)> onPinMoved;
 
-    /// By identifier, in the order of the row; the part of each that is seen, empty where none is.
+    /// By identifier, in row order; the visible part of each, empty where none is.
     std::vector<std::pair<std::string, Rect>> chipFrames() const;
     std::vector<std::pair<std::string, Rect>> pinFrames() const;
 
@@ -79,7 +79,7 @@ private:
     bool clipsChildren() const override { return true; }
     Rect paintFrame() const override;
 
-    /// True if a chip was made, which has no place yet.
+    /// True if a chip was made that has no place yet.
     bool updateChips(const std::vector<DisplayItem>&);
     ChipView& makeChip(const std::string& id);
     PinView& makePin(const std::string& bundleID);
@@ -122,8 +122,8 @@ private:
     std::vector<PinData> m_wantedPins;
     std::vector<std::string> m_pinOrder; ///< as laid out, by identifier of the view
     std::map<std::string, PinView*> m_pins;
-    std::map<std::string, double> m_places; ///< the left edge of each slot, as if never scrolled
-    std::map<std::string, double> m_shown; ///< where chips are on their way to their places
+    std::map<std::string, double> m_places; ///< left edge of each slot, as if not scrolled
+    std::map<std::string, double> m_shown; ///< current position of chips that are moving
     std::optional<ReorderDrag> m_drag;
     DragKind m_dragKind{};
     DragMove m_dragMove;

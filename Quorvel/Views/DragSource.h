@@ -9,8 +9,8 @@ namespace quorvel {
 
 enum class DragPhase { moved, dropped, cancelled };
 
-/// Tells a click of the primary button from a drag, for a hand is never quite still, and says how
-/// the drag goes on. A view passes its presses on to it.
+/// Tells a click of the primary button from a drag, since a hand is never quite still, and reports
+/// the course of the drag. A view passes its presses on to it.
 class DragSource {
 public:
     static constexpr double kStillHand = 4; ///< points
@@ -20,7 +20,7 @@ public:
     void pressed(PointerButton);
     /// True while this press is a drag.
     bool dragged(const DragMove&);
-    /// Both: whether the press that ends here was a drag.
+    /// Both return whether the press that ends here was a drag.
     bool released() { return end(DragPhase::dropped); }
     bool cancelled() { return end(DragPhase::cancelled); }
     bool isDragging() const { return m_isDragging; }

@@ -7,12 +7,12 @@
 
 namespace quorvel {
 
-/// What the bar shows of a pinned application that has no window here.
+/// What the bar shows for a pinned application that has no window here.
 struct PinData {
     std::string bundleID;
     std::string name;
     Image icon;
-    bool isLaunching = false; ///< it was started, and has no window yet
+    bool isLaunching = false; ///< it was started, but has no window yet
 
     friend bool operator==(const PinData&, const PinData&) = default;
 };

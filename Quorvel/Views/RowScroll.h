@@ -11,7 +11,7 @@ namespace quorvel {
 class ScrollArrow;
 struct Palette;
 
-/// How far a row is scrolled towards its end, and the arrows that stand where there is more. The
+/// How far a row is scrolled towards its end, and the arrows that appear where there is more. The
 /// row asks for the offset when it places its children. Main thread.
 class RowScroll {
 public:
@@ -23,23 +23,23 @@ public:
     void setRightToLeft(bool);
     void setReducesMotion(bool value) { m_reducesMotion = value; }
     void setFrameInterval(Duration interval) { m_frameInterval = interval; }
-    /// Points. An arrow goes at least one item on.
+    /// Points. An arrow scrolls by at least one item.
     void setContent(double width, double itemWidth);
 
     /// Points.
     double offset() const { return m_offset; }
     double maximum() const;
     void scrollBy(double distance);
-    /// A notch of a wheel goes one item on.
+    /// A notch of a wheel scrolls by one item.
     void scrollBy(double distance, ScrollUnit);
-    /// Brings what is there (in the row's coordinates) into sight, and out from below the arrows.
+    /// Scrolls this range (in the row's coordinates) into view, clear of the arrows.
     void reveal(const Rect&);
     void stop() { m_motion.stop(); }
 
-    /// While the row is held no arrow comes over what the pointer may be on, unless the user
-    /// scrolls; and none goes from under the pointer.
+    /// While the row is held, no arrow appears over what the pointer may be on, unless the user
+    /// scrolls, and none disappears under the pointer.
     void placeArrows(bool isHeld);
-    /// They cover what is below the ends of the row.
+    /// They cover the ends of the row.
     void raiseArrows();
 
 private:
@@ -56,7 +56,7 @@ private:
     double m_contentWidth = 0;
     double m_itemWidth = 0;
     double m_offset = 0;
-    double m_offsetOfArrows = 0; ///< when they were placed
+    double m_offsetOfArrows = 0; ///< the offset at which they were placed
 };
 
 }

@@ -9,16 +9,16 @@
 
 namespace quorvel {
 
-/// The places of a row in their order, by identifier of the item that has each. While the row is
-/// held, what goes leaves an empty slot, what comes is last, and an application whose windows
+/// The slots of a row in order, by identifier of the item in each. While the row is held, an item
+/// that goes leaves an empty slot, a new one is added at the end, and an application whose windows
 /// become a group, or a single one, keeps its slot. Values only.
 class RowSlots {
 public:
-    /// True if the slots are others now.
+    /// True if the slots changed.
     bool setItems(const std::vector<DisplayItem>&, bool isHeld);
     /// No longer held: just the items, in their own order.
     void settle() { m_slots = m_order; }
-    /// As the user has arranged them; those that are not named come last.
+    /// In the user's order; items that it does not name come last.
     void arrange(std::vector<std::string> order);
 
     /// Some may be empty while held.
@@ -27,7 +27,7 @@ public:
 private:
     std::vector<std::string> heldSlots(const std::vector<DisplayItem>&) const;
 
-    std::vector<std::string> m_order; ///< of the newest items
+    std::vector<std::string> m_order; ///< of the latest items
     std::vector<std::string> m_slots;
     std::map<std::string, std::string> m_applications; ///< by the identifier of a slot
 };

@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-/// Stands at the end of a row where there is more than is seen, over what it covers.
+/// Appears at the end of a row where there is more than is visible, over the items it covers.
 class ScrollArrow final : public ButtonView {
 public:
     enum class Towards { left, right };
@@ -15,7 +15,7 @@ public:
 
     static constexpr double kWidth = 22;
 
-    /// A canvas mirrors what runs from the leading to the trailing end.
+    /// A canvas mirrors content that runs from the leading to the trailing end.
     void setRightToLeft(bool isRightToLeft) { set(m_isRightToLeft, isRightToLeft); }
 
     std::function<void()> onPointerLeft;

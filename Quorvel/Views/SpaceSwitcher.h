@@ -11,14 +11,14 @@
 
 namespace quorvel {
 
-/// What the switcher says of one space.
+/// What the switcher shows for one space.
 struct SpaceCellData {
     SpaceID id{};
-    std::string label; ///< short: it stands in the cell
+    std::string label; ///< short: it must fit into the cell
     std::string name;
     int windowCount = 0;
     bool isCurrent = false;
-    bool isFullscreen = false; ///< has the one window that made it, and takes no other
+    bool isFullscreen = false; ///< holds the one window that made it, and accepts no other
     bool wantsAttention = false;
 
     friend bool operator==(const SpaceCellData&, const SpaceCellData&) = default;
@@ -27,8 +27,8 @@ struct SpaceCellData {
 class SpaceCell;
 
 /// One cell for each space of the display, and a button that lists them by name. With one space
-/// there is nothing to switch, and the view has no width; where there is no room for all cells, the
-/// current one stands for them.
+/// there is nothing to switch, and the view has no width; if there is no room for all cells, only
+/// the current one is shown.
 class SpaceSwitcher final : public View {
 public:
     SpaceSwitcher(const Palette&, const BarMetrics&);
@@ -36,11 +36,11 @@ public:
 
     void setSpaces(const std::vector<SpaceCellData>&);
     void setRightToLeft(bool);
-    /// With no more room than this.
+    /// The width limit.
     double wantedWidth(double available) const;
-    /// A window is held over this cell; absent: over none.
+    /// A window is being dragged over this cell; absent: over none.
     void setDropTarget(std::optional<SpaceID>);
-    /// The space whose cell is at this place of the root; null: none is.
+    /// The space whose cell is at this point of the root; null if none is.
     const SpaceCellData* spaceAt(Point inRoot) const;
 
     std::function<void(SpaceID)> onSpaceSwitchRequested;

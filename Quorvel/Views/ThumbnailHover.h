@@ -11,7 +11,7 @@
 
 namespace quorvel {
 
-/// What the pointer rests on: one window's chip, or a group's.
+/// What the pointer rests on: the chip of a window or of a group.
 struct HoverTarget {
     enum class Kind { single, group };
 
@@ -22,8 +22,8 @@ struct HoverTarget {
     friend bool operator==(const HoverTarget&, const HoverTarget&) = default;
 };
 
-/// When a popup opens and closes. It opens once the pointer has rested on a chip, and closes a
-/// little after the pointer has left both the chip and the popup. Main thread.
+/// When a popup opens and closes. It opens once the pointer has rested on a chip, and closes
+/// shortly after the pointer has left both the chip and the popup. Main thread.
 class ThumbnailHover {
 public:
     static constexpr Duration kShowDelay = seconds(0.25);
@@ -31,7 +31,7 @@ public:
 
     ThumbnailHover(Dispatch&, Surfaces&);
 
-    /// The captures may begin.
+    /// Captures may begin.
     std::function<void(const HoverTarget&)> onPrefetch;
     std::function<void(const HoverTarget&)> onShow;
     std::function<void()> onDismiss;
@@ -44,12 +44,12 @@ public:
     {
         m_suppressThumbnailForCurrentHover = std::move(chipID);
     }
-    /// The chip has gone, and with it the popup. What the pointer rests on now may open its own.
+    /// The chip has gone, and its popup with it. What the pointer now rests on may open its own.
     void targetDidVanish();
     /// No popup beside an open menu.
     void setMenuOpen(bool);
 
-    /// The chip the shown popup belongs to.
+    /// The chip that the shown popup belongs to.
     const std::optional<std::string>& thumbnailTargetID() const { return m_thumbnailTargetID; }
 
 private:
@@ -63,7 +63,7 @@ private:
     std::optional<std::string> m_thumbnailTargetID;
     std::optional<HoverTarget> m_pendingHoverTarget;
     bool m_isThumbnailPopupHovered = false;
-    std::optional<std::string> m_suppressThumbnailForCurrentHover; ///< the chip it holds for
+    std::optional<std::string> m_suppressThumbnailForCurrentHover; ///< the chip it applies to
     bool m_isMenuOpen = false;
     Subscription m_mouseMovementMonitor;
     WorkItem m_showTimer;

@@ -19,7 +19,7 @@ namespace quorvel {
 
 class ThumbnailService;
 
-/// Where a popup and its cards go; values only.
+/// The positions of a popup and its cards; values only.
 struct ThumbnailPopupLayout {
     static constexpr double kArrowHeight = 8;
 
@@ -37,7 +37,7 @@ struct ThumbnailPopupLayout {
 };
 
 /// The popup above a chip: a card with a live picture for each of its windows. Never takes the
-/// focus. Destroying it takes it off the screen. Main thread.
+/// focus. Destroying it removes it from the screen. Main thread.
 class ThumbnailPopup {
 public:
     struct Inputs {
@@ -51,17 +51,17 @@ public:
     explicit ThumbnailPopup(const Inputs&);
     ~ThumbnailPopup();
 
-    /// Shows these windows above the chip (points, bottom-left origin); the first time it comes
-    /// from `animatingFrom`, if given, else it fades in.
+    /// Shows these windows above the chip (points, bottom-left origin). When it first appears, it
+    /// moves from `animatingFrom`, if given, else it fades in.
     void show(const std::vector<ChipData>&, const Rect& chip, const Rect& screen,
         const std::optional<Rect>& animatingFrom);
     void hide();
-    /// True if it was made for just these windows, which are now as given, with the arrow at the
-    /// chip; else nothing changes.
+    /// True if it already shows exactly these windows: they are updated, and the arrow moves to the
+    /// chip. Otherwise nothing changes.
     bool update(const std::vector<ChipData>&, const Rect& chip);
 
     Rect frame() const { return m_layout.frame; }
-    /// With its close button; points, bottom-left origin.
+    /// Including its close button; points, bottom-left origin.
     struct CardPlace {
         WindowID window{};
         Rect frame;
@@ -88,7 +88,7 @@ private:
     std::unique_ptr<PanelSurface> m_surface;
     Content* m_content = nullptr;
     ThumbnailPopupLayout m_layout;
-    std::vector<WindowID> m_windows; ///< those without room for a card, too
+    std::vector<WindowID> m_windows; ///< including those without room for a card
     std::vector<ThumbnailCard*> m_cards;
     std::vector<Subscription> m_pictures;
     Animation m_animation;

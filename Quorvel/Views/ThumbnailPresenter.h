@@ -16,11 +16,11 @@ class ThumbnailPopup;
 class ThumbnailService;
 struct Platform;
 
-/// The popup over one bar: made for the first chip that wants it, moved on to the next one, and
-/// gone a turn after it was closed, since a click inside may be what closes it. Main thread.
+/// The popup over one bar: made for the first chip that needs it, reused for the next ones, and
+/// destroyed a turn after it closes, since a click inside may be what closes it. Main thread.
 class ThumbnailPresenter {
 public:
-    /// What is given outlives it.
+    /// The parameters outlive it.
     ThumbnailPresenter(const Platform&, ThumbnailService&, DisplayNumber);
     ~ThumbnailPresenter();
 
@@ -32,8 +32,8 @@ public:
 
     /// Above the chip (points, bottom-left origin). False: there is nothing to show, or no screen.
     bool show(const std::vector<ChipData>&, const Rect& chip);
-    /// True if the popup shows just these windows, which are now as given. It stays where it is,
-    /// for the pointer may be on it, but points at the chip.
+    /// True if the popup shows exactly these windows, which are updated. It stays where it is,
+    /// since the pointer may be on it, but its arrow moves to the chip.
     bool update(const std::vector<ChipData>&, const Rect& chip);
     void hide();
 

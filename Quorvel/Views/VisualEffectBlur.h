@@ -5,7 +5,7 @@
 namespace quorvel {
 
 /// The desktop behind a panel, blurred, and lit even while another program is in front. The host
-/// realises it behind everything the views draw.
+/// draws it behind everything the views draw.
 struct VisualEffectBlur {
     int material = VisualEffect::kHUDWindow;
     int blendingMode = VisualEffect::kBehindWindow;

@@ -6,14 +6,14 @@
 
 namespace quorvel {
 
-/// Leads a value from 0 to 1, slowly at both ends, one step a frame. Nothing runs while nothing
-/// moves. Main thread.
+/// Animates a value from 0 to 1, slowly at both ends, one step per frame. Uses no timer while idle.
+/// Main thread.
 class Animation {
 public:
     explicit Animation(Dispatch& dispatch) : m_dispatch(dispatch) { }
 
-    /// Replaces what is running. The first step comes at once, the last one is exactly 1; without a
-    /// length they are the same.
+    /// Replaces a running animation. The first step is made at once, the last one is exactly 1;
+    /// with a duration of zero they are the same.
     void start(Duration length, Duration frame, std::function<void(double)> onStep);
     void stop() { m_next = {}; }
     bool isRunning() const { return m_next.isPending(); }

@@ -43,11 +43,11 @@ protected:
     bool isHovered() const { return m_isHovered; }
     bool isPressed() const { return m_isPressed; }
     bool hasKeyFocus() const { return m_hasKeyFocus; }
-    /// The state of a button of this name with one action.
+    /// The accessible state of a button with this name and one action.
     AccessibleState buttonState(std::string name, std::string action) const;
     /// The same for a button that opens a menu.
     AccessibleState menuButtonState(std::string name) const;
-    /// The usual ground: nothing at rest, more under the pointer and under the finger.
+    /// The usual background: nothing at rest, more under the pointer and while pressed.
     void paintFace(Canvas&, const Rect& face, double radius) const;
     template <typename Value> void set(Value& member, Value value)
     {

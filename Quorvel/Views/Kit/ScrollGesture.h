@@ -8,14 +8,14 @@ namespace quorvel {
 
 /// Turns the many events of a scroll into what the user meant: a step upwards or downwards, one for
 /// each notch of a wheel and one for a whole gesture of the fingers, or a distance sideways. The
-/// larger axis decides; that of a gesture is settled once, from its first few points.
+/// larger axis decides; for a gesture it is settled once, from its first few points.
 class ScrollGesture {
 public:
-    /// Points, after which the axis of a gesture is settled.
+    /// The distance in points after which the axis of a gesture is settled.
     static constexpr double kSettledAfter = 4;
 
     struct Meaning {
-        double step = 0; ///< its sign is that of the vertical delta; 0: none
+        double step = 0; ///< has the sign of the vertical delta; 0: none
         double sideways = 0; ///< in the event's unit, with the sign of the horizontal delta
     };
 
@@ -26,7 +26,7 @@ private:
 
     bool m_isUnderWay = false;
     std::optional<ScrollAxis> m_axis; ///< of the gesture; absent until it is settled
-    Point m_sum; ///< before that
+    Point m_sum; ///< the distance before that
 };
 
 }

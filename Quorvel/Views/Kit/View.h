@@ -13,16 +13,16 @@ namespace quorvel {
 
 class View;
 
-/// The surface at the root of a tree of views.
+/// The surface at the root of a view tree.
 class ViewHost {
 public:
     virtual ~ViewHost() = default;
 
     /// In the root view's coordinates.
     virtual void viewNeedsPaint(const Rect&) = 0;
-    /// The view leaves the tree or goes altogether: nobody may point at it any longer.
+    /// The view leaves the tree or is destroyed: nobody may refer to it any longer.
     virtual void viewWillVanish(const View&) = 0;
-    /// Called by a view that has placed its children anew: another one may lie under the pointer.
+    /// Called by a view that has laid out its children again: the pointer may be on another one.
     virtual void viewsDidMove() = 0;
     /// Whether the view has the keyboard now.
     virtual bool viewWantsKeyboard(View&) = 0;
@@ -36,7 +36,8 @@ struct DragMove {
     Point pointer; ///< in the root view's coordinates
 };
 
-/// A rectangle that draws itself and takes the pointer: the small retained kit under every view.
+/// A rectangle that draws itself and takes the pointer: the small retained-mode kit under every
+/// view.
 ///
 /// A view is owned by its parent and lives from `addChild` to `removeChild` (or its parent's end).
 /// It is given what it shows as a value; a setter compares it with the old one and calls
@@ -48,11 +49,12 @@ struct DragMove {
 ///
 /// The pointer goes to the deepest view under it that `takesPointer()`. A press is followed by any
 /// number of `dragged` and then exactly one `released` or `pressCancelled` on the same view,
-/// wherever the pointer is by then. Files from elsewhere go to the deepest view that takes them.
+/// wherever the pointer is by then. Files from other programs go to the deepest view that takes
+/// them.
 ///
-/// A view that means something says so in `accessibleState`; others are only holders of their
-/// children to a screen reader, and the walk with the keyboard passes them by.
-/// Actions go up through callbacks that the owner sets; nothing goes sideways. Main thread only.
+/// A view with a meaning of its own describes it in `accessibleState`; to a screen reader the
+/// others are only containers, and the keyboard walk skips them. Actions go up through callbacks
+/// that the owner sets; nothing goes sideways. Main thread only.
 class View : public AccessibleElement {
 public:
     View() = default;
@@ -65,7 +67,7 @@ public:
     void setFrame(const Rect&);
     /// In the root view's coordinates.
     Rect frameInRoot() const;
-    /// Whether it is this view or one below it.
+    /// Whether the other view is this one or a descendant of it.
     bool isWithin(const View& ancestor) const;
 
     template <typename ViewType> ViewType& addChild(std::unique_ptr<ViewType> child)
@@ -75,7 +77,7 @@ public:
         return added;
     }
     std::unique_ptr<View> removeChild(View&);
-    /// Above its siblings, for painting and for the pointer.
+    /// Moves it above its siblings, for painting and for the pointer.
     void raiseChild(const View&);
 
     void invalidate() { invalidate(bounds()); }
@@ -91,10 +93,10 @@ public:
     void setHost(ViewHost* host) { m_host = host; }
 
     virtual bool takesPointer() const { return false; }
-    /// The pointer came over the view or one below it.
+    /// The pointer entered the view or a descendant of it.
     virtual void pointerEntered() { }
     virtual void pointerExited() { }
-    /// Never the secondary button, which shows the context menu.
+    /// Never the secondary button, which opens the context menu.
     virtual void pressed(PointerButton) { }
     virtual void dragged(const DragMove&) { }
     virtual void released(PointerButton, bool /*isInside*/) { }
@@ -103,13 +105,13 @@ public:
     virtual bool isDragged() const { return false; }
 
     virtual bool takesFiles() const { return false; }
-    /// Whether files may be let go here; else they may only rest here.
+    /// Whether files may be dropped here; else they may only rest here.
     virtual bool acceptsFiles() const { return takesFiles(); }
     virtual void filesEntered() { }
     virtual void filesExited() { }
     virtual void filesDropped(const std::vector<std::string>& /*paths*/) { }
 
-    /// Whether it is something, and not only a holder of other views.
+    /// Whether it has a meaning of its own and is not only a container.
     virtual bool isAccessible() const { return false; }
     std::string accessibleID() const override { return {}; }
     AccessibleState accessibleState() const override { return {}; }
@@ -117,28 +119,28 @@ public:
     std::vector<AccessibleElement*> accessibleChildren() override;
     bool performAccessibleAction(std::size_t) override { return false; }
     bool takeAccessibleFocus() override;
-    /// The views below this one that mean something, from left to right.
+    /// The descendants with a meaning of their own, from left to right.
     std::vector<View*> accessibleViews() const;
 
     virtual void setKeyFocused(bool) { }
-    /// Where a walk with the keyboard begins; null: at the first view.
+    /// Where the keyboard walk begins; null: at the first view.
     virtual View* preferredKeyView() { return nullptr; }
-    /// Asks all that hold the view to bring it into sight.
+    /// Asks all its ancestors to scroll it into view.
     void scrollIntoView();
     virtual void showContextMenu() { }
 
 protected:
-    /// Brings a view below this one into sight.
+    /// Scrolls a descendant into view.
     virtual void reveal(const View&) { }
     virtual void paint(Canvas&) const { }
     virtual void layout() { }
-    /// The view and all below it are composed as one at this opacity.
+    /// The view and its descendants are composed as one at this opacity.
     virtual double paintOpacity() const { return 1; }
-    /// Whether children are cut off at this view's bounds.
+    /// Whether children are clipped to this view's bounds.
     virtual bool clipsChildren() const { return false; }
-    /// Lifted out of a parent that cuts its children off, and above what is left in it.
+    /// Painted outside the clip of its parent, and above the parent's other children.
     virtual bool isLifted() const { return false; }
-    /// What it paints on, its children included, in the parent's coordinates.
+    /// The area it paints, its children included, in the parent's coordinates.
     virtual Rect paintFrame() const { return m_frame; }
 
     const std::vector<std::unique_ptr<View>>& children() const { return m_children; }

@@ -15,8 +15,8 @@ struct MenuMetrics {
     static constexpr double separatorHeight = 9;
     static constexpr double padding = 5; ///< around all rows
     static constexpr double textInset = 12;
-    static constexpr double markWidth = 20; ///< before all titles, if an entry can have a mark
-    static constexpr double arrowWidth = 20; ///< after all titles, if an entry opens a submenu
+    static constexpr double markWidth = 20; ///< before all titles, if any entry can have a mark
+    static constexpr double arrowWidth = 20; ///< after all titles, if any entry opens a submenu
     static constexpr double symbolSize = 12;
     static constexpr double rowRadius = 5;
     static constexpr double radius = 8;
@@ -26,25 +26,25 @@ struct MenuMetrics {
     static constexpr double stripHeight = 18; ///< over the first or last row, where there is more
 };
 
-/// Where the parts of one row lie.
+/// The positions of the parts of one row.
 struct MenuRowParts {
     Rect mark;
     Rect title;
     Rect arrow;
 };
 
-/// Where a menu's rows lie, in points from its top left corner; pure.
+/// The positions of a menu's rows, in points from its top left corner; pure.
 class MenuLayout {
 public:
     MenuLayout(const Menu&, const Text&);
 
     Size size() const { return m_size; }
     const std::vector<Rect>& rows() const { return m_rows; }
-    /// In a row of this frame, which may be narrower than it was meant to be.
+    /// For a row with this frame, which may be narrower than intended.
     MenuRowParts partsOf(const Rect& row, bool isRightToLeft) const;
     /// The row at this height, if it can be chosen.
     std::optional<std::size_t> rowAt(double y) const;
-    /// The next row in this direction that can be chosen, from the other end after the last.
+    /// The next row in this direction that can be chosen, wrapping around at the ends.
     std::optional<std::size_t> rowBeside(std::optional<std::size_t> row, int step) const;
 
 private:
@@ -55,7 +55,7 @@ private:
     Size m_size;
 };
 
-/// The row where a menu is entered: the current one of a list of choices, else none.
+/// The row that is highlighted first: the current one in a list of choices, else none.
 std::optional<std::size_t> currentChoice(const Menu&);
 
 }

@@ -13,7 +13,7 @@
 
 namespace quorvel {
 
-/// An entry that is on the screen.
+/// An entry that is visible on the screen.
 struct MenuEntry {
     std::string title;
     bool isEnabled = true;
@@ -22,7 +22,7 @@ struct MenuEntry {
 
 class MenuPanel;
 
-/// Who hears of what is done to the panels of a menu. Places are points of the screen, global
+/// Receives what the user does to the panels of a menu. Positions are points of the screen, global
 /// top-left origin.
 class MenuListener {
 public:
@@ -36,8 +36,8 @@ public:
     virtual void rowChosen(MenuPanel&, std::size_t row) = 0;
 };
 
-/// One menu or submenu on the screen: its view on a surface of its own. All it is given outlives
-/// it; destroying it takes it off the screen. Places are points, global top-left origin.
+/// One menu or submenu on the screen: its view on a surface of its own. All parameters outlive it;
+/// destroying it removes it from the screen. Positions are points, global top-left origin.
 class MenuPanel final : public SurfaceClient, private ViewHost {
 public:
     using Place = std::function<Rect(Size)>;
@@ -60,9 +60,9 @@ public:
     void reveal(std::size_t row) { m_view->revealRow(row); }
     void centre(std::size_t row) { m_view->centreRow(row); }
 
-    /// The whole menu takes what the pointer and the keyboard do through one of its panels.
+    /// The whole menu receives the pointer and the keyboard through one of its panels.
     bool grabInput() { return m_surface->grabInput(); }
-    /// Nothing is left on the screen and no event comes any longer.
+    /// Removes everything from the screen; no further events arrive.
     void orderOut() { m_surface->orderOut(); }
 
 private:
@@ -85,7 +85,7 @@ private:
     Point onScreen(Point at) const { return at.translated(m_frame.x, m_frame.y); }
 
     MenuListener& m_listener;
-    View m_root; ///< a holder, so that a screen reader finds a menu in a window
+    View m_root; ///< a container, so that a screen reader finds a menu in a window
     MenuView* m_view;
     Rect m_frame;
     std::unique_ptr<PanelSurface> m_surface;

@@ -21,7 +21,7 @@ struct MenuLook {
     }
 };
 
-/// One entry of a menu, or a line between two. All it is given outlives it.
+/// One entry of a menu, or a separator line. All parameters outlive it.
 class MenuRow final : public View {
 public:
     MenuRow(const MenuItem&, std::size_t index, const MenuLayout&, const MenuLook&);

@@ -11,19 +11,19 @@
 
 namespace quorvel {
 
-/// An open menu with its submenus, and what the pointer and the keyboard do to them. It has both to
-/// itself until an entry is chosen or anything else is done. All places are points, global top-left
-/// origin. Main thread; destroying it takes all of it off the screen.
+/// An open menu with its submenus, and its reactions to the pointer and the keyboard. It holds both
+/// until an entry is chosen or the menu is dismissed. All positions are points, global top-left
+/// origin. Main thread; destroying it removes all of it from the screen.
 ///
-/// The pointer may press, drag and release on an entry, or click twice; the release that ends the
+/// The user may press, drag and release on an entry, or click twice; the release that ends the
 /// opening click chooses nothing. A pointer on its way to a submenu may cross the rows between.
 class MenuStack final : private MenuListener {
 public:
-    /// Called once, with the action to run if an entry was chosen. It may not be destroyed
-    /// within the call.
+    /// Called once, with the action to run if an entry was chosen. The menu must not be destroyed
+    /// inside the call.
     using Ended = std::function<void(MenuEnding, std::function<void()> action)>;
 
-    /// The platform outlives it. There is a screen.
+    /// The platform outlives it. There must be a screen.
     MenuStack(const Platform&, Menu, const Rect& anchor, Ended);
     ~MenuStack() override;
     MenuStack(const MenuStack&) = delete;
@@ -31,7 +31,7 @@ public:
 
     /// Takes the pointer and the keyboard; may end at once.
     void start();
-    /// Of the menu and its submenus, as far as they are in sight.
+    /// The visible entries of the menu and its submenus.
     std::vector<MenuEntry> entries() const;
 
 private:
@@ -40,7 +40,7 @@ private:
     using Row = std::size_t;
     struct Level {
         std::unique_ptr<MenuPanel> panel;
-        Row opener = 0; ///< the row of the panel before
+        Row opener = 0; ///< its row in the previous panel
     };
 
     void pointerEvent(const PointerEvent&, Point) override;
@@ -82,19 +82,19 @@ private:
     const Menu m_menu;
     const Screen m_screen;
     const Rect m_bounds; ///< of the screen
-    Ended m_ended; ///< null once it was called
+    Ended m_ended; ///< null once it has been called
     MenuTyping m_typing;
     std::vector<Level> m_levels; ///< never empty
     Point m_pointer;
-    Point m_trail; ///< where its way was last judged
+    Point m_trail; ///< where its movement was last judged
     bool m_isOnTheWay = false; ///< to the deepest submenu
-    Point m_origin; ///< where the pointer was when it was last waited for
+    Point m_origin; ///< where the pointer was when the last wait began
     Instant m_waitingSince;
     bool m_wasPressed = false; ///< since then
     bool m_isInside = false; ///< the pointer is in a menu
-    bool m_wasInside = false; ///< or has been, since the last press
-    WorkItem m_rest; ///< of the pointer on a row or on its way to a submenu
-    WorkItem m_roll; ///< of the rows while the pointer is on a strip
+    bool m_wasInside = false; ///< or was, since the last press
+    WorkItem m_rest; ///< waits for the pointer to rest on a row or reach a submenu
+    WorkItem m_roll; ///< scrolls the rows while the pointer is on a strip
     Subscription m_screens;
 };
 

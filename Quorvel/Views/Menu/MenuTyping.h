@@ -9,17 +9,17 @@
 
 namespace quorvel {
 
-/// The letters that are typed at a menu choose the entry that begins with them; the same letter
-/// again, the next such entry. After a pause they begin anew.
+/// Letters typed in a menu select the entry that begins with them; the same letter repeated selects
+/// the next such entry. After a pause a new search begins.
 class MenuTyping {
 public:
     static constexpr Duration kPause = seconds(1);
 
     explicit MenuTyping(const Dispatch& dispatch) : m_dispatch(dispatch) { }
 
-    /// Whether letters that belong together are coming: a space is one of them then.
+    /// Whether a search is in progress: a space then belongs to it.
     bool isGoingOn() const;
-    /// The row to go to, if any; `from` is the one that is highlighted.
+    /// The row to select, if any; `from` is the highlighted one.
     std::optional<std::size_t> type(
         std::string_view characters, const Menu&, std::optional<std::size_t> from);
     void forget() { m_typed.clear(); }

@@ -9,8 +9,8 @@
 
 namespace quorvel {
 
-/// The rows of one menu, of which one may be highlighted; where they do not fit, they scroll, and a
-/// strip at the top or the bottom says that there is more. Places are points of the view.
+/// The rows of one menu, one of which may be highlighted. If they do not fit, they scroll, and a
+/// strip at the top or the bottom shows that there is more. Positions are points of the view.
 class MenuView final : public View {
 public:
     using Row = std::size_t;
@@ -26,23 +26,23 @@ public:
     Size wantedSize() const { return m_layout.size(); }
     const MenuItem& item(Row row) const { return m_menu[row]; }
     const Menu& menu() const { return m_menu; }
-    /// The row at the point, if it can be chosen and is in sight there.
+    /// The row at the point, if it is visible there and can be chosen.
     std::optional<Row> rowAt(Point) const;
     std::optional<Row> rowBeside(std::optional<Row> row, int step) const
     {
         return m_layout.rowBeside(row, step);
     }
-    /// As far as it is in sight.
+    /// The visible part.
     Rect rowFrame(Row) const;
     std::optional<Row> highlighted() const { return m_highlighted; }
     void highlight(std::optional<Row>);
-    /// False where the end is reached already.
+    /// False if the end is already reached.
     bool scroll(double distance);
-    /// Until the row is in sight.
+    /// Scrolls until the row is visible.
     void revealRow(Row);
-    /// Until the row is in the middle, or as near as it gets.
+    /// Scrolls the row to the middle, or as near as possible.
     void centreRow(Row);
-    /// -1 over the strip that says there is more above, 1 over that below, 0 elsewhere.
+    /// -1 over the strip for more above, 1 over the one for more below, 0 elsewhere.
     int stripAt(Point) const;
 
     bool isAccessible() const override { return true; }
@@ -67,7 +67,7 @@ private:
     Strip* m_strips[2];
     std::vector<MenuRow*> m_rows;
     std::optional<Row> m_highlighted;
-    double m_offset = 0; ///< of the rows that lie above what is in sight
+    double m_offset = 0; ///< the height of the rows above the visible part
 };
 
 }

@@ -9,8 +9,8 @@
 
 namespace quorvel {
 
-/// The one menu that may be open: the system's own where it draws menus, else views of ours. Main
-/// thread; destroying it closes the menu and tells nobody.
+/// The one menu that may be open: the system's own where it draws menus, else our views. Main
+/// thread; destroying it closes the menu without a callback.
 class Menus {
 public:
     using OnClosed = std::function<void(MenuEnding)>;
@@ -21,12 +21,11 @@ public:
     Menus& operator=(const Menus&) = delete;
 
     /// Opens a menu beside `anchor` (points in the panel) and returns; the chosen entry's action
-    /// runs on the main queue after the menu has gone. A second call replaces the first menu.
-    /// `onClosed` comes on the main queue once for each menu, before the action.
+    /// runs on the main queue after the menu has closed. A second call replaces the first menu.
+    /// `onClosed` is called on the main queue once for each menu, before the action.
     void popUp(PanelSurface&, Menu, const Rect& anchor, OnClosed);
     void close();
-    /// Of the open menu and its submenus, as far as they are in sight; empty where the system draws
-    /// menus.
+    /// The visible entries of the open menu and its submenus; empty where the system draws menus.
     std::vector<MenuEntry> entries() const;
 
 private:
