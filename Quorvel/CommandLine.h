@@ -13,16 +13,16 @@ namespace quorvel {
 struct CommandLine {
     enum class Action {
         run, ///< become the bar
-        ask, ///< hand `request` to the running bar and print its reply
+        ask, ///< send `request` to the running bar and print its reply
     };
 
     Action action = Action::run;
     bool replace = false; ///< take over from a running bar
-    /// Where the trace goes: a file, or standard error for an empty text; absent: no trace.
+    /// Where the trace goes: a file, or standard error if the text is empty; absent: no trace.
     std::optional<std::string> traceFile;
     std::vector<std::string> request;
 
-    /// The wish, or what to print and exit with at once (help, version, a mistake).
+    /// The request, or what to print and exit with at once (help, version, a mistake).
     static std::variant<CommandLine, ControlReply> parse(const std::vector<std::string>& arguments);
 };
 

@@ -26,7 +26,7 @@ class UserSettings;
 class WindowStore;
 
 /// The long-lived objects of one running program. `main` owns it; the static accessors of
-/// `QuorvelApp` look here, so that a test can build and drop several. Main thread.
+/// `QuorvelApp` refer to it, so that a test can build and drop several. Main thread.
 class Runtime {
 public:
     explicit Runtime(const Platform&);
@@ -64,7 +64,7 @@ private:
     std::unique_ptr<LaunchCoordinator> m_coordinator;
 };
 
-/// The entry: makes the long-lived services and wires them to each other.
+/// The entry point: creates the long-lived services and wires them together.
 class QuorvelApp {
 public:
     QuorvelApp() = delete;
@@ -74,7 +74,7 @@ public:
 
     /// Runs the program until it is terminated; returns the exit status.
     static int main(const Platform&);
-    /// Everything of `main` before the event loop.
+    /// Everything `main` does before the event loop.
     static void launch(Runtime&);
 
     static WindowStore& windowStore() { return Runtime::current().windowStore(); }

@@ -11,7 +11,7 @@ class UserSettings;
 
 bool isSettingsRequest(const std::vector<std::string>& arguments);
 
-/// Answers "--get [FIELD]" and does "--set FIELD=VALUE", for scripts.
+/// Answers "--get [FIELD]" and applies "--set FIELD=VALUE", for scripts.
 ControlReply answerSettingsRequest(UserSettings&, const std::vector<std::string>& arguments);
 
 }

@@ -11,24 +11,24 @@ namespace quorvel {
 
 struct TrackedWindow;
 
-/// The icons of applications, looked up once each by bundle identifier, or by process where there
+/// The icons of applications, each looked up once by bundle identifier, or by process where there
 /// is none. Main thread.
 class ApplicationIcons {
 public:
     explicit ApplicationIcons(Workspace&);
 
-    /// The stored application's, else what the running process shows, else the generic one.
+    /// The stored application's icon, else the running process's, else the generic one.
     Image icon(const TrackedWindow&);
     /// Null if no such application is stored.
     Image icon(const std::string& bundleIdentifier) const;
 
-    /// An icon that was handed out may be another now.
+    /// An icon that was returned earlier may have changed.
     Signal<> didChange;
 
 private:
     struct Known {
-        Image icon; ///< null: it had none of its own
-        WindowID lookedUpFor{}; ///< the newest window then
+        Image icon; ///< null: no icon of its own
+        WindowID lookedUpFor{}; ///< the newest window at that time
     };
 
     Known& known(const TrackedWindow&);

@@ -10,12 +10,12 @@
 
 namespace quorvel {
 
-/// Which requests for attention are to be shown, after what the user has acknowledged.
+/// Which requests for attention are to be shown, given what the user has acknowledged.
 ///
-/// Applications often keep a request up long after the user has seen to it. So an acknowledged one
-/// stays hidden until it has been seen withdrawn and then made again, or until the application has
-/// quit. Where the system names the windows that ask, each window counts for itself, and the
-/// application as a whole is neither shown nor acknowledged.
+/// Applications often keep a request up long after the user has dealt with it. So an acknowledged
+/// request stays hidden until it has been withdrawn and then made again, or until the application
+/// has quit. Where the system names the windows that ask, each window is treated separately, and
+/// the application as a whole is neither shown nor acknowledged.
 class AttentionLedger {
 public:
     struct Suppressed {
@@ -23,7 +23,7 @@ public:
         Duration age{}; ///< since the acknowledgement
     };
 
-    /// What asks now, and what runs. Returns what asks still and is not shown, in order.
+    /// Takes the current requests and running applications. Returns the requests to show, in order.
     std::vector<Suppressed> update(const std::set<std::string>& raw,
         const std::set<std::string>& runningBundleIDs, std::vector<AttentionRequest>, Instant now);
     void acknowledge(const std::string& bundleID, Instant now);
@@ -40,7 +40,7 @@ private:
     std::map<std::string, Instant> m_acknowledgedBundleIDs;
     std::set<std::string> m_seenFalseAfterAck; ///< acknowledged, and withdrawn since
     std::vector<AttentionRequest> m_requests;
-    std::set<WindowID> m_acknowledgedWindows; ///< they all ask still
+    std::set<WindowID> m_acknowledgedWindows; ///< they are all still asking
 };
 
 }

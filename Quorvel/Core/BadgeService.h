@@ -20,15 +20,15 @@ namespace quorvel {
 
 /// Badges and requests for attention of running applications, by bundle identifier.
 ///
-/// Systems tell of changes rarely or never, so it asks every few seconds, on a serial queue of its
-/// own where the answers may take their time. Whatever fails leaves its part empty until the next
-/// poll. Public operations and published values on the main thread.
+/// Systems report changes rarely or never, so it polls every few seconds, on a serial queue of its
+/// own where the answers may take their time. A failure leaves its part empty until the next poll.
+/// Public operations and published values on the main thread.
 class BadgeService {
 public:
     static constexpr Duration firstPollDelay = seconds(0.5);
     static constexpr Duration pollInterval = seconds(7.0);
     static constexpr Duration pollLeeway = seconds(2.0);
-    /// Between polls that the system hints at.
+    /// The minimum time between polls that the system's hints cause.
     static constexpr Duration hintedPollInterval = seconds(0.1);
     static constexpr std::string_view lsappinfoPath = "/usr/bin/lsappinfo";
 
@@ -36,18 +36,18 @@ public:
     /// Waits for a poll that is running.
     ~BadgeService();
 
-    /// The running program's. Only where the program is wired together.
+    /// The running program's instance. Use only where the program is wired together.
     static BadgeService& shared();
 
-    /// Begins to poll, if it has not yet.
+    /// Starts polling, if it has not started yet.
     void start();
-    /// The user has come to the application: its request is withdrawn and not shown. Of one whose
-    /// windows ask for themselves, only those without a chip have been answered by that.
+    /// The user has come to the application: its request is withdrawn and not shown. If its windows
+    /// ask separately, this answers only those without a chip.
     void clearAttention(const std::string& bundleID, std::set<WindowID> windowsWithChip);
     /// The user has come to the window.
     void clearAttention(WindowID);
 
-    /// Labels that are not empty.
+    /// Labels, without the empty ones.
     const Published<std::map<std::string, std::string>>& badgesByBundleID() const
     {
         return m_badgesByBundleID;
@@ -56,7 +56,7 @@ public:
     {
         return m_attentionByBundleID;
     }
-    /// Of those applications that name windows, the windows; of the others, none.
+    /// For applications that name windows, the windows; for the others, none.
     const Published<std::set<WindowID>>& attentionWindows() const { return m_attentionWindows; }
     /// From 0 to 1.
     const Published<std::map<std::string, double>>& progressByBundleID() const
@@ -107,8 +107,8 @@ private:
     Published<std::set<WindowID>> m_attentionWindows;
     Published<std::map<std::string, double>> m_progressByBundleID;
 
-    AttentionLedger m_ledger; ///< the queue's own
-    WorkItem m_timerSource; ///< the queue's own
+    AttentionLedger m_ledger; ///< used on the queue only
+    WorkItem m_timerSource; ///< used on the queue only
     bool m_isStarted = false;
     Instant m_lastHintedPoll;
     WorkItem m_firstPoll;

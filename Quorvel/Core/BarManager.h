@@ -23,8 +23,8 @@ class CursorOwnershipLog;
 class MouseDisplayTracker;
 class ThumbnailService;
 
-/// Owns the bars and what they act through, and keeps them in step: with the spaces and screens,
-/// the settings, and the windows that are under them. Main thread.
+/// Owns the bars and the objects they act through, and keeps them in step with the spaces and
+/// screens, the settings, and the windows that are under them. Main thread.
 class BarManager {
 public:
     /// The factory makes the bars and outlives the manager.
@@ -32,8 +32,8 @@ public:
         BarFactory&);
     ~BarManager();
 
-    /// The user has come to another space, and the model and the panels know it. With what was
-    /// asked for once, so that nobody asks again.
+    /// The user has come to another space, and the model and the panels are up to date. Passes on
+    /// the spaces that were read, so that nobody reads them again.
     std::function<void(const SpaceWindows::Answer&)> onSpaceChange;
 
     PinStore& pinStore() { return m_pinStore; }
@@ -43,29 +43,29 @@ public:
     const BarPanels::Mirrors& mirrorPanels() const { return m_panels.mirrorPanels(); }
     const BarPanels::BySpace& fullscreenPanels() const { return m_panels.fullscreenPanels(); }
 
-    /// After spaces, screens or both have changed: a panel for each space that is there, none for
-    /// one that is gone, and the model of today.
+    /// After spaces, screens or both have changed: makes a panel for each existing space, removes
+    /// the others, and refreshes the model.
     void syncPanels() { syncPanels(m_spaceWindows.ask()); }
     void syncPanels(const SpaceWindows::Answer&);
-    /// The same, and once more when the list of spaces has followed the screens.
+    /// The same, and once more when the list of spaces has caught up with the screens.
     void screensDidChange();
-    /// Places every panel on its screen anew.
+    /// Repositions every panel on its screen.
     void repositionPanels();
     void syncMirrorPanels();
     void closeAllPanels();
-    /// The program is about to end, perhaps without destructors: the desktop is left as it was.
+    /// The program is about to end, perhaps without destructors: restores the desktop.
     void end();
-    /// In the list of screens, the one the pointer is on, where what belongs to it opens.
+    /// Index in the list of screens of the one the pointer is on, where things that follow it open.
     std::optional<std::size_t> preferredMouseScreenIndex();
 
     void handleScrollEvent(const ScrollEvent&, SpaceID from);
     void switchToAdjacentSpace(Direction, SpaceID from);
     void switchToSpace(SpaceID, std::optional<ProcessID> yieldingBack = {});
     void moveWindowToSpaceByDragging(WindowID, SpaceID from, SpaceID to);
-    /// While something else needs the keyboard, a bar does not take it from under the pointer.
+    /// While something else needs the keyboard, a bar does not take it when the pointer enters.
     void setHoverKeyingSuppressed(bool);
-    /// The bar where the pointer is takes the keyboard, to be walked with the arrow keys. False if
-    /// there is none, or the system does not give it.
+    /// Gives the keyboard to the bar where the pointer is, to be walked with the arrow keys. False
+    /// if there is none, or the system refuses.
     bool takeKeyboard();
 
 private:
@@ -73,7 +73,7 @@ private:
     /// When the system did not say which spaces there are, or may say it late.
     static constexpr Duration kSyncAgain = seconds(0.5);
     static constexpr int kMostSyncsAgain = 20;
-    /// More would hold up the switch that the user waits for.
+    /// More would delay the switch that the user is waiting for.
     static constexpr std::size_t kPicturesBeforeLeaving = 4;
 
     void setupSpaceChangeObserver();
@@ -120,7 +120,7 @@ private:
     WorkItem m_refresh;
     WorkItem m_avoidanceAfterStart;
     WorkItem m_syncAgain;
-    int m_unansweredSyncs = 0; ///< in a row
+    int m_unansweredSyncs = 0; ///< in succession
 };
 
 }

@@ -16,19 +16,19 @@ namespace quorvel {
 class UserSettings;
 struct Platform;
 
-/// Names the bar of a space on a screen that has no spaces of its own.
+/// Identifies the bar of a space on a screen that has no spaces of its own.
 struct MirrorKey {
     SpaceID spaceID{};
-    std::size_t screenIndex = 0; ///< in the list of screens
+    std::size_t screenIndex = 0; ///< index in the list of screens
 
     friend auto operator<=>(const MirrorKey&, const MirrorKey&) = default;
 };
 
-/// The panels on the screens, each where it belongs: one bar for every ordinary space on the
-/// display of the space, mirrors of them on the further screens if the user wants bars there, and a
-/// proxy for each full-screen space, through which the space can be reached. A panel belongs to its
-/// display for life: if its space comes to another one, it is made anew. A bar that nobody has seen
-/// yet has no content: users have many spaces and look at few. Main thread.
+/// The panels on the screens, each in its place: one bar for every ordinary space on the display of
+/// the space, mirrors of them on the further screens if the user wants bars there, and a proxy for
+/// each full-screen space, through which the space can be reached. A panel belongs to its display
+/// for life: if its space moves to another one, it is made again. A bar that has not been seen yet
+/// has no content: users have many spaces and look at few. Main thread.
 class BarPanels {
 public:
     using BySpace = std::map<SpaceID, std::unique_ptr<Bar>>;
@@ -53,13 +53,13 @@ public:
     std::vector<std::size_t> coveredScreens() const;
     std::vector<std::size_t> mirrorScreens() const;
 
-    /// Makes, moves and closes panels until each is in its place. False if nothing is changed,
+    /// Makes, moves and closes panels until each is in its place. False if nothing was changed,
     /// because the system does not say which spaces there are.
     bool place(const SpaceWindows::Answer&);
     bool syncMirrorPanels();
     /// Those that are not shown get theirs when they are.
     void rebuildContentViews();
-    /// These spaces are shown now.
+    /// These spaces are now shown.
     void orderFront(const std::vector<SpaceID>&);
     void closeAll();
 
@@ -72,7 +72,7 @@ private:
     };
     using Spots = std::map<SpaceID, Spot>;
 
-    /// Where the spaces' panels belong; empty while there is no screen.
+    /// The screens on which the spaces' panels belong; empty while there is no screen.
     Spots spots(
         const std::vector<SpaceWindows::Info>&, const std::vector<Screen>&, PanelKind) const;
     Spot spot(const SpaceWindows::Info&, const std::vector<Screen>&, PanelKind) const;

@@ -12,29 +12,29 @@ namespace quorvel {
 
 struct Platform;
 
-/// What the window server is told so that other programs' windows keep off the bars: the bar's
-/// rectangle on each display, in the Dock's place, and, if asked for, the bottom edge of each
-/// space. What was taken is not said twice. Main thread.
+/// What the window server is told so that other programs' windows stay clear of the bars: the bar's
+/// rectangle on each display, in place of the Dock's, and, if the user wants it, the bottom edge of
+/// each space. A reservation in effect is not sent twice. Main thread.
 class BarReservations {
 public:
     enum class EdgeReservation { off, on };
 
     BarReservations(const Platform&, EdgeReservation);
 
-    /// Of the screens that show a bar, and of no other.
+    /// For the screens that show a bar, and no others.
     void applyDockRectRegistrations(const std::vector<Screen>& covered, double barHeight);
     void clearDockRectRegistrations();
-    /// Of these spaces, and of no other.
+    /// For these spaces, and no others.
     void applyEdgeReservationsIfNeeded(const std::set<SpaceID>&, double barHeight);
     void clearSystemReservations();
 
 private:
     struct DockRectRegistration {
         Rect screenFrame; ///< points, bottom-left origin
-        Rect firstScreenFrame; ///< from which the rectangle is counted
+        Rect firstScreenFrame; ///< the rectangle's origin is its top left
         double barHeight = 0;
 
-        /// Global top-left origin, as the window server takes it.
+        /// Global top-left origin, as the window server expects it.
         Rect rectangle() const;
         friend bool operator==(const DockRectRegistration&, const DockRectRegistration&) = default;
     };

@@ -14,10 +14,10 @@ inline constexpr std::array<BarSize, 5> kAllBarSizes{
 std::string_view rawValue(BarSize);
 std::optional<BarSize> barSizeFrom(std::string_view text);
 
-/// The height of the panel and of the strip of screen it takes, in points.
+/// The height of the panel and of the strip of screen it occupies, in points.
 double barHeight(BarSize);
 
-/// Every dimension that the bar's views draw with, in points.
+/// Every dimension that the bar's views use, in points.
 struct BarMetrics {
     BarSize barSize{};
     double chipHeight = 0;

@@ -14,7 +14,7 @@ inline constexpr std::array<BarTheme, 3> kAllBarThemes{
 std::string_view rawValue(BarTheme);
 std::optional<BarTheme> barThemeFrom(std::string_view text);
 
-/// The theme that goes with the system's own look.
+/// The theme that matches the system's own appearance.
 BarTheme defaultBarTheme(std::optional<int> systemMajorVersion);
 
 }

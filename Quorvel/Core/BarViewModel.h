@@ -31,8 +31,8 @@ struct TrackedWindow;
 
 /// What the bars show, computed from the tracked windows, and what a click does to a window.
 ///
-/// Between a click and the system's word that the window has the focus, the clicked window is shown
-/// as focused already (the pending focus). One instance serves every bar. Main thread.
+/// Between a click and the system's confirmation that the window has the focus, the clicked window
+/// is already shown as focused (the pending focus). One instance serves every bar. Main thread.
 class BarViewModel {
 public:
     using ItemsBySpace = std::map<SpaceID, std::vector<DisplayItem>>;
@@ -53,7 +53,7 @@ public:
     /// Starts the badge service.
     BarViewModel(WindowStore&, UserSettings&, BadgeService&, const Platform&);
 
-    /// Of each space that has a tracked window, in the store's order.
+    /// For each space that has a tracked window, in the store's order.
     Published<ChipsBySpace> chipsBySpace;
     /// The same windows as the bar draws them: grouped, and in the user's order.
     Published<ItemsBySpace> displayItemsBySpace;
@@ -63,22 +63,22 @@ public:
     Published<SpaceID> activeSpaceID;
     Published<std::optional<WindowID>> focusedWindowID;
 
-    /// Windows are about to be minimised by the bar, and can be captured for the last time.
+    /// Windows are about to be minimised by the bar: the last chance to capture them.
     Signal<std::vector<WindowID>> willMinimizeWindows;
     /// The space's chips, its items, or which screens its windows are on may be others now: what
     /// its bars show. After everything is published.
     const Signal<>& barDidChange(SpaceID space) { return m_barDidChange[space]; }
 
-    /// Computes everything anew; chips and items that come out equal are not made again.
+    /// Recomputes everything; chips and items that come out equal are kept.
     void refresh() { refresh(m_spaceWindows.ask()); }
     void refresh(SpaceWindows::Answer);
 
     /// The items of a bar on one screen; without an index, or with one screen only, all of the
-    /// space. A window that meets no screen is on the bar of the space's own display.
+    /// space. A window that touches no screen is on the bar of the space's own display.
     std::vector<DisplayItem> displayItems(
         SpaceID, std::optional<std::size_t> filteredToScreenIndex) const;
-    /// Puts an item in front of another one, or last. Items of windows that have been folded into a
-    /// group since are the group's.
+    /// Puts an item in front of another one, or last. An item whose window has since been folded
+    /// into a group stands for the group.
     void moveChip(const std::string& id, const std::optional<std::string>& before, SpaceID);
     std::set<std::string> bundleIDsWithWindows(SpaceID) const;
 
@@ -90,32 +90,33 @@ public:
 
     /// Null if the window has no chip there.
     const ChipData* chip(SpaceID, WindowID) const;
-    /// The group's windows, those that are not minimised first, each in the order of the chips.
+    /// The group's windows, those that are not minimised first, each part in the order of the
+    /// chips.
     std::vector<WindowID> walkingOrder(SpaceID, const GroupedChipData&) const;
     /// Where a click on the group leads: to the window that asks for attention, else to the
-    /// representative, or on from it if one of them has the focus.
+    /// representative, or to the next window if one of them has the focus.
     WindowID nextWindow(SpaceID, const GroupedChipData&);
 
     /// Null if no such application is stored.
     Image icon(const std::string& bundleIdentifier) const { return m_icons.icon(bundleIdentifier); }
-    /// The stored application's own name for itself, else its file's, else the identifier.
+    /// The stored application's own name, else its file's, else the identifier.
     std::string appName(const std::string& bundleIdentifier) const;
-    /// Nothing happens if no such application is stored.
+    /// Does nothing if no such application is stored.
     void launchApp(const std::string& bundleID);
 
     void activateWindow(WindowID, FocusBeforeActivation);
     /// Gives the window the focus without activating its application. The context is for the trace.
-    /// True if every request that counts was taken.
+    /// True if every essential request was accepted.
     bool focusWindowWithAXOnly(WindowID, std::string_view context);
     void minimizeWindow(WindowID);
     void closeWindow(WindowID);
-    /// An application that does not answer is waited for once, not once for each window.
+    /// Waits once for an application that does not answer, not once for each window.
     void minimizeWindows(const std::vector<WindowID>&);
     void closeWindows(const std::vector<WindowID>&);
-    /// Asks the window's application to end.
+    /// Asks the window's application to quit.
     void quitApplicationOf(WindowID);
 
-    /// For what happens later, when the model may be gone.
+    /// For deferred work, when the model may be gone.
     WeakReference<BarViewModel> weakReference() const { return m_weak.reference(); }
 
 private:
@@ -123,7 +124,7 @@ private:
     static constexpr Duration kPendingFocusExpiry = seconds(2);
     static constexpr Duration kActivationRetry = seconds(0.15);
 
-    /// The window to show as focused, and why.
+    /// The window to show as focused, and the reason.
     struct FocusDecision {
         std::optional<WindowID> effective;
         std::string_view reason;
@@ -131,12 +132,12 @@ private:
     };
 
     void subscribe();
-    /// In the next turn, once for all that happens in this one.
+    /// In the next turn, once for all changes of this one.
     void refreshSoon();
     FocusDecision resolveFocus();
     void dropPendingFocus();
     void setPendingFocus(WindowID);
-    /// The chips and items of the store's windows, with this one focused.
+    /// The chips and items for the store's windows, with this one focused.
     void publish(std::optional<WindowID> focused);
 
     using WindowsBySpace = std::map<SpaceID, std::vector<const TrackedWindow*>>;
@@ -153,7 +154,7 @@ private:
     void findBundlesWithWindows(const ChipsBySpace&);
     bool wantsAttention(const TrackedWindow&) const;
 
-    /// One of several screens, and whether it takes the windows that meet none.
+    /// One of several screens, and whether it takes the windows that touch none.
     struct ScreenFilter {
         const std::vector<Screen>& screens;
         std::size_t index = 0;
@@ -166,7 +167,7 @@ private:
     std::vector<const ChipData*> chipsOf(SpaceID, const std::vector<WindowID>&) const;
     bool isOnScreen(WindowID, const ScreenFilter&) const;
 
-    /// From now on the window stands for its group on every space it is on.
+    /// From now on the window represents its group on every space it is on.
     void preferInItsGroups(const TrackedWindow&);
     std::optional<AXElement> findAXWindow(ProcessID, const AXElement& application, WindowID);
     void focusThroughApplication(WindowID, ProcessID, const AXElement& application);
@@ -190,7 +191,7 @@ private:
     ChipOrder m_order;
     ChipGroups m_groups;
     GroupWalk m_walk;
-    bool m_isGrouped = false; ///< the items that were made last
+    bool m_isGrouped = false; ///< as of the last items
     bool m_areItemsStale = false;
     std::map<SpaceID, std::vector<Rect>>
         m_frames; ///< of the windows, while there are screens to choose

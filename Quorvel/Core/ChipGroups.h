@@ -12,18 +12,18 @@ namespace quorvel {
 
 class Trace;
 
-/// Folds the chips of one application on one space into one, and remembers for each such group the
-/// window that stands for it: the last that had the focus, until it closes or stands alone. Main
+/// Folds the chips of one application on one space into one, and remembers for each such group its
+/// representative: the window that last had the focus, until it closes or stands alone. Main
 /// thread.
 class ChipGroups {
 public:
     explicit ChipGroups(const Trace& trace) : m_trace(trace) { }
 
-    /// Single chips and groups, in the order in which their applications come first.
+    /// Single chips and groups, in the order in which their applications first appear.
     std::vector<DisplayItem> group(
         SpaceID, const std::vector<ChipData>&, std::optional<WindowID> focused);
 
-    /// From now on this window stands for its group on the space.
+    /// From now on this window represents its group on the space.
     void prefer(SpaceID, std::string_view groupKey, WindowID);
 
 private:

@@ -10,14 +10,14 @@
 
 namespace quorvel {
 
-/// The order into which the user dragged the items of each space. It lives as long as the program
-/// does, keeps the places of items that are away, and puts what it does not know last. Main thread.
+/// The order into which the user dragged the items of each space. It lasts as long as the program,
+/// keeps the places of absent items, and puts unknown ones last. Main thread.
 class ChipOrder {
 public:
     std::vector<DisplayItem> apply(SpaceID, std::vector<DisplayItem>) const;
 
-    /// Puts an item in front of another, or last without one or if that is not displayed. False if
-    /// nothing changed.
+    /// Puts an item in front of another; last if there is no other, or it is not displayed. False
+    /// if nothing changed.
     bool move(SpaceID, const std::string& id, const std::optional<std::string>& before,
         const std::vector<DisplayItem>& displayed);
 
@@ -25,8 +25,8 @@ private:
     std::map<SpaceID, std::vector<std::string>> m_chipOrderBySpace;
 };
 
-/// The identifier by which an item is displayed: a window that was folded into a group since goes
-/// by the group's. Without a better one, the identifier itself.
+/// The identifier under which an item is displayed: for a window that has since been folded into a
+/// group, the group's. Otherwise the identifier itself.
 std::string canonicalDisplayItemID(const std::string& id, const std::vector<DisplayItem>& displayed,
     const std::vector<ChipData>& chips);
 

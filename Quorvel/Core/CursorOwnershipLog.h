@@ -10,7 +10,7 @@ namespace quorvel {
 
 class BarPanels;
 
-/// Writes to the trace which bar the pointer is over, each time it is another one. Main thread.
+/// Writes to the trace which bar the pointer is over, each time this changes. Main thread.
 class CursorOwnershipLog {
 public:
     CursorOwnershipLog(Surfaces&, const Displays&, const BarPanels&, const Trace&);

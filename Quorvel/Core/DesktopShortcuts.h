@@ -7,8 +7,8 @@
 
 namespace quorvel {
 
-/// The keys that the system itself has for "switch to desktop n". Those that the user had switched
-/// off are switched on when needed, and off again in the end. Main thread.
+/// The system's own keys for "switch to desktop n". Those that the user had switched off are
+/// switched on when needed, and off again at the end. Main thread.
 class DesktopShortcuts {
 public:
     explicit DesktopShortcuts(SyntheticInput& input) : m_input(input) { }
@@ -19,12 +19,12 @@ public:
     /// Desktops count from 1. Absent where the system has no such keys or does not let us use them.
     std::optional<SymbolicHotKey> desktopSwitchShortcut(int desktopNumber);
     void press(const SymbolicHotKey&);
-    /// As the user had them.
+    /// Restores the user's settings.
     void restore();
 
 private:
     SyntheticInput& m_input;
-    std::set<int> m_enabled; ///< by us
+    std::set<int> m_enabled; ///< those that this program enabled
 };
 
 }

@@ -27,7 +27,7 @@ struct ChipData {
     friend bool operator==(const ChipData&, const ChipData&) = default;
 };
 
-/// One chip for the windows of one application on one space; always two or more.
+/// One chip for several windows of one application on one space; always two or more.
 struct GroupedChipData {
     std::string id;
     std::string appName;
@@ -38,10 +38,10 @@ struct GroupedChipData {
     /// The representative first, the others in the order of the chips.
     std::vector<WindowID> windowIDs;
     bool isFocused = false;
-    bool isMinimized = false; ///< all of them are
+    bool isMinimized = false; ///< true if all of them are
     std::optional<std::string> badge;
     bool wantsAttention = false;
-    /// The first of them that asks for it; absent if none does.
+    /// The first of them that asks for attention; absent if none does.
     std::optional<WindowID> attentionWindow{};
     std::optional<double> progress;
 
@@ -58,7 +58,7 @@ std::string displayItemID(WindowID);
 /// "group-" and the group's key.
 std::string groupItemID(std::string_view groupKey);
 std::string displayItemID(const DisplayItem&);
-/// What follows from which windows the group has: `chips` are theirs, in the group's order.
+/// Derives the group's state from its windows: `chips` are theirs, in the group's order.
 void summarize(GroupedChipData&, const std::vector<const ChipData*>& chips);
 bool isFocused(const DisplayItem&);
 bool wantsAttention(const DisplayItem&);

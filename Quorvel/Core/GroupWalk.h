@@ -11,9 +11,9 @@ namespace quorvel {
 
 /// Which window of the focused group comes next, click by click.
 ///
-/// A round visits each window once, those that are minimised last. To visit a minimised window
-/// restores it, so its place cannot be told from what it is now: the walk remembers where it has
-/// been. It ends when another window gets the focus than the one it led to.
+/// A round visits each window once, minimised ones last. Visiting a minimised window restores it,
+/// so its original place cannot be read from its current state: the walk remembers where it has
+/// been. It ends when a window gets the focus that the walk did not lead to.
 class GroupWalk {
 public:
     /// The group's windows in the order of the chips; `focused` is one of them.
@@ -24,7 +24,7 @@ private:
     bool isVisited(WindowID) const;
 
     std::pair<SpaceID, std::string> m_group;
-    std::vector<WindowID> m_visited; ///< in this round; the last one is where the walk is
+    std::vector<WindowID> m_visited; ///< in this round; the last one is the current position
 };
 
 }

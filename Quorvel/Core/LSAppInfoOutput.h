@@ -11,8 +11,8 @@
 
 namespace quorvel {
 
-// What the tool `lsappinfo` prints. Its format is nowhere promised: what is not understood is left
-// out, and any text is taken, in time that grows with its length only.
+// The output of the tool `lsappinfo`. Its format is not documented: anything not understood is
+// skipped, and any text is accepted, in time that grows only with its length.
 
 /// One running application of the list.
 struct AppRecord {
@@ -23,10 +23,10 @@ struct AppRecord {
     friend bool operator==(const AppRecord&, const AppRecord&) = default;
 };
 
-/// In the order of the output. Records that lack something are dropped.
+/// In the order of the output. Incomplete records are dropped.
 std::vector<AppRecord> parseListOutput(std::string_view);
 std::set<std::string> parseFindOutputASNs(std::string_view);
-/// Of what the tool prints on standard error when it fails.
+/// From what the tool prints to standard error when it fails.
 std::optional<std::int64_t> parseLSAppInfoErrorCode(std::string_view);
 
 /// The bytes if they are text, else nothing.

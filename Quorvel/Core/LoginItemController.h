@@ -4,14 +4,15 @@
 
 namespace quorvel {
 
-/// Makes the system start the program at login, or not, and says what came of it.
+/// Makes the system start the program at login, or not, and reports the outcome.
 class LoginItemController {
 public:
     explicit LoginItemController(LoginItem& item) : m_item(item) { }
 
     bool isEnabled() const { return m_item.status() == LoginItem::Status::enabled; }
 
-    /// Asks only for a difference. Returns whether it is enabled afterwards: the system may refuse.
+    /// Makes a request only if the state differs. Returns whether it is enabled afterwards: the
+    /// system may refuse.
     bool setEnabled(bool isWanted)
     {
         if (isEnabled() == isWanted)

@@ -10,16 +10,16 @@ namespace quorvel {
 
 /// Which display the pointer is on, without flicker at the borders.
 ///
-/// Samples the pointer on a serial queue of its own while it is started, and keeps two answers: the
-/// display of the last sample, and the one on which the pointer has stayed for a moment. To sample
-/// wakes up the machine sixty times a second, so only what moves along with the pointer starts it;
-/// what opens where the pointer is looks once. Public operations from any one thread but the
+/// While started, samples the pointer on a serial queue of its own and keeps two answers: the
+/// display of the last sample, and the one on which the pointer has stayed for a moment. Sampling
+/// wakes up the machine sixty times a second, so only code that follows the pointer starts it; code
+/// that opens something at the pointer samples once. Public operations from any one thread but the
 /// queue's.
 class MouseDisplayTracker {
 public:
     static constexpr Duration sampleInterval = seconds(1.0 / 60);
     static constexpr Duration displaySwitchDebounce = seconds(0.06);
-    /// How long the last sample counts.
+    /// How long the last sample is valid.
     static constexpr Duration sampleLifetime = seconds(0.12);
 
     MouseDisplayTracker(Dispatch&, const Displays&);
@@ -29,7 +29,7 @@ public:
     void stop();
     /// Takes one sample now.
     void look();
-    /// Where something that belongs to the pointer should open; absent while nobody knows.
+    /// Where something that belongs to the pointer should open; absent while unknown.
     std::optional<DisplayNumber> preferredDisplayID() const;
 
 private:
@@ -38,7 +38,7 @@ private:
     Dispatch& m_dispatch;
     const Displays& m_displays;
 
-    // The queue's own.
+    // Used on the queue only.
     bool m_isStarted = false;
     std::optional<DisplayNumber> m_instantaneousDisplayID;
     std::optional<DisplayNumber> m_debouncedDisplayID;

@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// Goes on with the first value that comes; what comes later has no effect. Any thread.
+/// Continues with the first value it gets; later ones have no effect. Any thread.
 template <typename Value> class OneShotContinuation {
 public:
     using Continuation = std::function<void(Value)>;

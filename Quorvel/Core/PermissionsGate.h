@@ -11,13 +11,13 @@ class ScreenCapture;
 
 /// Waits until the user has granted what the bar cannot work without. Main thread.
 ///
-/// Asks through the system's own questions and says on standard error what is missing, then looks
-/// again each second.
+/// Asks through the system's own questions, reports on standard error what is missing, and then
+/// checks again each second.
 class PermissionsGate {
 public:
     PermissionsGate(Dispatch&, Accessibility&, ScreenCapture&, std::function<void()> granted);
 
-    /// Asks and starts looking; calls `granted`, which may destroy the gate, once both are given.
+    /// Asks and starts checking; calls `granted`, which may destroy the gate, once both are given.
     void show();
 
 private:

@@ -13,7 +13,7 @@ namespace quorvel {
 class UserSettings;
 
 /// The user's pinned applications: one ordered list, in which each application has the places it is
-/// pinned to. Each place orders its own pins without moving another's. Kept in the settings. Main
+/// pinned to. Reordering the pins of one place does not affect another. Kept in the settings. Main
 /// thread.
 class PinStore {
 public:

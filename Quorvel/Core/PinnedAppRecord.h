@@ -14,10 +14,10 @@ constexpr PinDestination operator|(PinDestination a, PinDestination b)
     return static_cast<PinDestination>(static_cast<std::int64_t>(a) | static_cast<std::int64_t>(b));
 }
 
-/// On the pasteboard while a pin is dragged; its text is the record's `id`.
+/// The pasteboard type while a pin is dragged; its text is the record's `id`.
 inline constexpr std::string_view kPinnedAppPasteboardType = "com.quorvel.pinned-app-id";
 
-/// One pinned application. There is one only while it is pinned somewhere.
+/// One pinned application. It exists only while the application is pinned somewhere.
 struct PinnedAppRecord {
     std::string id; ///< as in the catalogue: a bundle identifier or a bundle's path
     std::int64_t destinationsRaw = 0; ///< of `PinDestination`

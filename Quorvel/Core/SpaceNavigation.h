@@ -23,39 +23,39 @@ struct TrackedWindow;
 
 enum class Direction { left, right };
 
-/// Brings the user to another space: by the system's own keys where there are any, else by letting
-/// a panel of that space take the keyboard, since the system follows it. Main thread.
+/// Takes the user to another space: by the system's own keys where there are any, else by letting a
+/// panel of that space take the keyboard, since the system follows it. Main thread.
 class SpaceNavigation {
 public:
     /// One notch of a wheel, or one swipe with all its events, is one step.
     static constexpr Duration kScrollLock = seconds(0.38);
-    /// How long a switch may take before it counts as refused.
+    /// How long a switch may take before it is taken as refused.
     static constexpr Duration kSwitchPatience = seconds(1);
 
     SpaceNavigation(
         const Platform&, WindowStore&, BarViewModel&, const UserSettings&, const BarPanels&);
 
-    /// Another space is about to be shown: the last moment for pictures of this one.
+    /// Another space is about to be shown: the last chance to take pictures of this one.
     std::function<void()> onWillSwitch;
-    /// Scrolling may switch again.
+    /// Scrolling may switch spaces again.
     std::function<void()> onScrollUnlocked;
 
-    /// Where a step upwards or downwards leads; absent while scrolling is locked.
+    /// The direction that a step upwards or downwards leads in; absent while scrolling is locked.
     std::optional<Direction> scrollDirection(const ScrollEvent&) const;
-    /// To the next space of the same display; the first and the last one have no neighbour beyond.
+    /// To the next space of the same display; does nothing at either end.
     void switchToAdjacentSpace(Direction, SpaceID from);
-    /// Afterwards this application has the focus again, if the switch has taken it.
+    /// Afterwards returns the focus to this application, if the switch has taken it.
     void switchToSpace(SpaceID, std::optional<ProcessID> yieldingBack = {});
     /// Desktops as the system counts them, from 1: the ordinary spaces of all displays.
     std::optional<int> missionControlDesktopNumber(SpaceID) const;
     std::optional<SymbolicHotKey> desktopSwitchShortcut(SpaceID);
     bool isCurrent(SpaceID) const;
-    /// The one that the display of this space shows.
+    /// The space that this space's display shows now.
     SpaceID currentSpaceBeside(SpaceID) const;
 
     /// A display shows another space.
     void spaceDidChange(const std::vector<SpaceID>& shown);
-    /// Gives back what was changed of the system: the program may end without destructors.
+    /// Undoes the changes to the system: the program may end without destructors.
     void end() { m_shortcuts.restore(); }
     bool isScrollSwitchLocked() const { return m_scrollUnlockWork.isPending(); }
 
@@ -89,7 +89,7 @@ private:
     std::optional<ProcessID> m_pendingPreviousApp;
     std::optional<PendingFullscreenAXActivation> m_pendingFullscreenAXActivation;
     Instant m_switchStartTime;
-    WorkItem m_scrollUnlockWork; ///< pending: scrolling is ignored
+    WorkItem m_scrollUnlockWork; ///< while pending, scrolling is ignored
     WorkItem m_yieldWork;
     WorkItem m_pendingFullscreenProxyCleanupWork;
 };

@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// To which neighbour of the space a scroll upwards on the bar leads.
+/// Which neighbouring space a scroll upwards on the bar leads to.
 enum class SpaceScrollUpBehavior { left, right };
 
 inline constexpr std::array<SpaceScrollUpBehavior, 2> kAllSpaceScrollUpBehaviors{

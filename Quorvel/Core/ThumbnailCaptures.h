@@ -12,13 +12,13 @@ namespace quorvel {
 
 class Displays;
 
-/// The work of `ThumbnailService`. What the platform answers goes on on the answer's own thread;
-/// the lock is never held while somebody else's code runs.
+/// The work of `ThumbnailService`. The platform's answers are processed on the thread they come on;
+/// the lock is never held while foreign code runs.
 class ThumbnailCaptures : public std::enable_shared_from_this<ThumbnailCaptures> {
 public:
-    /// An answer serves for so long.
+    /// How long an answer can be reused.
     static constexpr Duration kContentTTL = seconds(2);
-    /// A question that is not answered in this time has failed; else it would stop every capture.
+    /// A question not answered in this time has failed; otherwise it would block every capture.
     static constexpr Duration kContentTimeout = seconds(5);
 
     using Content = std::shared_ptr<const ShareableContent>;
@@ -27,7 +27,7 @@ public:
     ThumbnailCaptures(Dispatch&, ScreenCapture&, const Displays&);
 
     Dispatch& dispatch() { return m_dispatch; }
-    /// `isWanted` is asked when the picture is there; one that nobody wants is not kept.
+    /// `isWanted` is asked when the picture is ready; an unwanted picture is dropped.
     void thumbnail(WindowID, std::function<bool()> isWanted, Result);
     std::optional<WindowPicture> staleCachedImage(WindowID) const;
     void prefetch(const std::vector<WindowID>&);
@@ -42,7 +42,7 @@ private:
     void fetchShareableContent(ContentResult);
     void requestShareableContent();
     void contentArrived(const Content&);
-    Content cachedShareableContentIfFresh() const; ///< with the lock held
+    Content cachedShareableContentIfFresh() const; ///< call with the lock held
 
     void captureWindow(WindowID, Result);
     void captureImage(const ShareableWindow&, Result);

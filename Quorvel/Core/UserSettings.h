@@ -15,10 +15,10 @@ class Application;
 class Files;
 class Trace;
 
-/// The one store of the user's preferences: a record in memory that observers watch, written as a
-/// file a short while after each change and on quitting: several bars of one user share it, so each
-/// writes only what it has changed over what the file says by then. After a failure to read or to
-/// write it, which is told on standard error alone, the record in memory stays. Main thread.
+/// The one store of the user's preferences: a record in memory that observers watch, written to a
+/// file shortly after each change and on quitting. Several bars of one user share the file, so each
+/// writes only its own changes into what the file says by then. After a failure to read or write
+/// it, which is reported only on standard error, the record in memory stays. Main thread.
 class UserSettings {
 public:
     static constexpr Duration saveDebounceInterval = seconds(0.5);
@@ -27,18 +27,18 @@ public:
     UserSettings(const UserSettings&) = delete;
     UserSettings& operator=(const UserSettings&) = delete;
 
-    /// The running program's. Only where the program is wired together.
+    /// The running program's instance. Use only where the program is wired together.
     static UserSettings& shared();
 
     const Published<UserSettingsData>& data() const { return m_data; }
-    /// A record that is equal changes nothing: no observer is called, nothing is written.
+    /// Storing an equal record changes nothing: no observer is called, nothing is written.
     void setData(UserSettingsData);
-    /// Without waiting for further changes. False if the disk does not have everything.
+    /// Writes now, without waiting for further changes. False if not everything reached the disk.
     bool saveChanges();
     /// The file's path; empty if the system names no place for it.
     const std::string& fileURL() const { return m_fileURL; }
 
-    /// The record with each text that this version does not know replaced by the one that holds.
+    /// The record with each text that this version does not know replaced by the value in effect.
     UserSettingsData dataThatHolds() const;
 
     // A text that this version does not know reads as the default.
@@ -77,7 +77,7 @@ public:
     bool showOnAllDisplays() const { return value().showOnAllDisplays; }
     void setShowOnAllDisplays(bool isOn) { set(&UserSettingsData::showOnAllDisplays, isOn); }
     bool runAtLogin() const { return value().runAtLogin; }
-    /// Stores what the system says afterwards, which may not be what was asked for.
+    /// Stores the system's state afterwards, which may differ from the request.
     void setRunAtLogin(bool isWanted);
 
     const std::vector<PinnedAppRecord>& pinnedApps() const { return value().pinnedApps; }
@@ -100,7 +100,7 @@ private:
     }
 
     void load();
-    /// Absent if there is no file, or none that can be used.
+    /// Absent if there is no usable file.
     std::optional<UserSettingsData> storedData(const UserSettingsData& defaults);
     void reconcileRunAtLoginState();
     void tellUnknownTexts();
@@ -108,10 +108,11 @@ private:
     void scheduleSave();
     void saveNow();
     std::error_code write();
-    /// What the file is to hold; absent if what it holds cannot be read and has to be kept.
+    /// The new content of the file; absent if its present content cannot be read and has to be
+    /// kept.
     std::optional<std::string> revised(const std::optional<std::string>& file) const;
     std::error_code replaceRejectedFile();
-    /// Gives the file that could not be read its new name.
+    /// Renames the file that could not be read.
     std::error_code putRejectedFileAside(std::string& name);
     void tellFailure(std::error_code);
 
@@ -123,7 +124,7 @@ private:
     std::string m_fileURL;
     Published<UserSettingsData> m_data;
     bool m_hasUnsavedChanges = false;
-    UserSettingsData m_saved; ///< what this bar has read or written last
+    UserSettingsData m_saved; ///< what this bar last read or wrote
     bool m_isFailureTold = false;
     Subscription m_willTerminate;
     WorkItem m_saveDebounceWork;

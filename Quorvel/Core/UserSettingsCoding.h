@@ -13,22 +13,22 @@ enum class AbsentValues { omitted, asNull };
 /// The record as indented JSON with its keys in alphabetical order.
 std::string encodeUserSettings(const UserSettingsData&, AbsentValues = AbsentValues::omitted);
 
-/// A key that is missing or null keeps its default. Absent if the bytes are no JSON object or one
-/// of the keys has a value of another type: JSON's types, so that a boolean is no number.
+/// A key that is missing or null keeps its default. Absent if the bytes are not a JSON object or
+/// one of the keys has a value of another type: JSON's types, so that a boolean is not a number.
 std::optional<UserSettingsData> decodeUserSettings(
     std::string_view bytes, const UserSettingsData& defaults);
 
-/// The file with the fields that differ from `before` as they are `now`, and those that it has
-/// to have and lacks; the others and what is unknown stay. Absent where `decodeUserSettings` would
-/// be.
+/// The file's content with the fields that differ between `before` and `now` updated, and required
+/// fields that are missing added; all other fields, known or not, are kept. Absent where
+/// `decodeUserSettings` would be.
 std::optional<std::string> reviseUserSettings(
     std::string_view file, const UserSettingsData& before, const UserSettingsData& now);
 
 /// One field as JSON, "null" for an absent value; absent if there is no such field.
 std::optional<std::string> encodeUserSetting(const UserSettingsData&, std::string_view name);
 
-/// Sets one field from JSON, or from bare text where that is no JSON; "null" clears an optional
-/// one. False, and nothing is set, if there is no such field or it has another type.
+/// Sets one field from JSON, or from bare text that is not JSON; "null" clears an optional field.
+/// False, and nothing is set, if there is no such field or it has another type.
 bool decodeUserSetting(UserSettingsData&, std::string_view name, std::string_view value);
 
 }

@@ -13,8 +13,8 @@
 
 namespace quorvel {
 
-/// Every preference of the user, as it is stored. Enumerations are kept as text, so that what a
-/// newer version has written survives this one.
+/// Every preference of the user, as it is stored. Enumerations are kept as text, so that values
+/// written by a newer version survive this one.
 struct UserSettingsData {
     std::string barSize{rawValue(BarSize::medium)};
     std::string theme{rawValue(BarTheme::frosted)};
@@ -37,7 +37,7 @@ struct UserSettingsData {
         return data;
     }
 
-    /// Calls `visit(name, field)` for each field, in order; the names are those of the file.
+    /// Calls `visit(name, field)` for each field, in order; the names are those used in the file.
     template <typename Data, typename Visitor> static void forEachField(Data& data, Visitor&& visit)
     {
         visit("barSize", data.barSize);

@@ -6,16 +6,16 @@
 
 namespace quorvel {
 
-/// Keeps the notches of a wheel that come while a switch of spaces is under way and hands them on
-/// one by one, so that three quick notches are three steps. Fingers on a surface send many events
-/// for one step: theirs are not kept. Main thread.
+/// Keeps the notches of a wheel that arrive during a switch of spaces and hands them on one by one,
+/// so that three quick notches are three steps. Fingers on a touchpad send many events for one
+/// step: those are not kept. Main thread.
 class WheelNotches {
 public:
-    /// Whether a switch is under way, and what makes a step. The bar is that of this space.
+    /// Whether a switch is in progress, and how to make a step. The space identifies the bar.
     struct Steps {
         std::function<bool()> isUnderWay;
         std::function<void(const ScrollEvent&, SpaceID bar)> make;
-        /// The space that the bar's display shows now.
+        /// The space that the bar's display currently shows.
         std::function<SpaceID(SpaceID bar)> currentSpace;
     };
 
@@ -26,7 +26,7 @@ public:
 
 private:
     Steps m_steps;
-    int m_kept = 0; ///< upwards positive: one back takes one forward away
+    int m_kept = 0; ///< upwards positive: opposite notches cancel out
     ScrollEvent m_last;
     SpaceID m_bar{};
 };

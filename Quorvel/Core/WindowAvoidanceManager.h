@@ -18,37 +18,37 @@ class WindowStore;
 struct TrackedWindow;
 
 /// Keeps windows from reaching under a bar: it shortens those that do, never moves one and never
-/// makes one taller. A window that would become too short is left as it is, and one that did not
-/// do as it was asked is not asked again before its frame is another one. Main thread; the
-/// applications are asked on a queue of its own, where they may take their time.
+/// makes one taller. A window that would become too short is left alone, and one that did not
+/// comply is not asked again until its frame changes. Main thread; the applications are asked on a
+/// queue of its own, where they may take their time.
 class WindowAvoidanceManager {
 public:
-    /// What the owner of the bars tells.
+    /// What the owner of the bars provides.
     struct Bars {
         std::function<std::set<SpaceID>()> getPanels; ///< the spaces that have a bar
-        /// The screens that show a bar beside those of their spaces.
+        /// The screens that show a bar in addition to those of their spaces.
         std::function<std::vector<std::size_t>()> getMirrorScreenIndices;
         std::function<std::vector<SpaceWindows::Info>()> getSpaces;
     };
 
     static constexpr double kLowestHeight = 100;
-    /// After a change of the windows.
+    /// Call after a change of the windows.
     static constexpr Duration kPause = seconds(0.1);
-    /// Between window and bar, so that the window's edge can still be gripped.
+    /// The gap between window and bar, so that the window's edge can still be grabbed.
     static constexpr double resizeCursorClearance = 1;
 
     WindowAvoidanceManager(
         const WindowStore&, Dispatch&, Accessibility&, WindowServer&, Displays&, Bars);
-    /// Waits for the application that is being asked.
+    /// Waits for the application that is currently being asked.
     ~WindowAvoidanceManager();
 
     void setBarHeight(double height) { m_barHeight = height; }
 
-    /// Schedules an adjustment if windows came or went, or one has another frame, other spaces or
-    /// is minimised or restored; their titles say nothing of where they are.
+    /// Schedules an adjustment if windows came or went, or if the frame, the spaces or the
+    /// minimised state of one changed; titles do not matter here.
     void windowsDidChange();
 
-    /// Replaces the adjustment that is waiting, if any.
+    /// Replaces a pending adjustment.
     void scheduleAdjustment(Duration debounce);
     void adjustNow();
 
@@ -56,7 +56,7 @@ private:
     struct Resize {
         WindowID windowID{};
         ProcessID pid{};
-        Rect frame; ///< as it was found
+        Rect frame; ///< before the request
         double newHeight = 0;
 
         friend bool operator==(const Resize&, const Resize&) = default;
@@ -90,10 +90,10 @@ private:
     Bars m_bars;
     double m_barHeight = 0;
     std::vector<Placement> m_placements; ///< when last looked at, in the store's order
-    std::map<WindowID, Resize> m_asked; ///< and still where they were
+    std::map<WindowID, Resize> m_asked; ///< and still in that place
     WeakOwner<WindowAvoidanceManager> m_weak{*this};
     WorkItem m_pendingWork;
-    WorkItem m_pendingResizes; ///< the newest list; it replaces one that nobody has begun with
+    WorkItem m_pendingResizes; ///< the newest list; replaces one that has not begun
     std::unique_ptr<Queue> m_resizeQueue; ///< last: it is drained before what its work uses goes
 };
 

@@ -16,13 +16,13 @@ class Workspace;
 struct Platform;
 struct TrackedWindow;
 
-/// Moves a window to another space. The window server is asked first; where it does so only for a
-/// window's own program, the window is carried: held by its title bar while the display switches to
-/// the space, or dragged across to the other display. One move at a time; a new one ends the old,
-/// and the button is never left pressed. Main thread.
+/// Moves a window to another space. The window server is asked first. Where it moves only a
+/// program's own windows, the window is carried: held by its title bar while the display switches
+/// to the space, or dragged across to the other display. One move at a time; a new one ends the
+/// old, and the button is never left pressed. Main thread.
 class WindowMoves {
 public:
-    /// Until the window that was raised lies on top.
+    /// How long to wait until the raised window is on top.
     static constexpr Duration kRaisePause = seconds(0.1);
     static constexpr Duration kMoveTimeout = seconds(1.5);
 
@@ -30,11 +30,11 @@ public:
     ~WindowMoves();
 
     void moveWindowToSpaceByDragging(WindowID, SpaceID from, SpaceID to);
-    /// One after the other; where they are carried, the display comes back for each.
+    /// One after the other; if they are carried, the display returns to its space for each.
     void moveWindowsToSpace(const std::vector<WindowID>&, SpaceID from, SpaceID to);
     /// A display shows another space.
     void spaceDidChange();
-    /// Lets go of whatever is held: the program may end without destructors.
+    /// Releases whatever is held: the program may end without destructors.
     void end() { abandon(); }
 
 private:
@@ -52,7 +52,7 @@ private:
         Point dropPoint;
     };
 
-    /// The windows that wait for their move.
+    /// The windows waiting to be moved.
     struct Waiting {
         std::deque<WindowID> windows;
         SpaceID from{};
@@ -61,10 +61,10 @@ private:
     };
 
     void moveNext();
-    /// False if it is done already, or cannot be done.
+    /// False if it is already done, or cannot be done.
     bool begin(WindowID, SpaceID from, SpaceID to);
     bool moveDirectly(WindowID, SpaceID) const;
-    /// Brings the window to the front and goes on once it lies there.
+    /// Brings the window to the front and continues once it is on top.
     void raise(WindowID, Work next);
     bool beginWindowMoveDrag(WindowID, SpaceID source, SpaceID target);
     void holdAndSwitch();
