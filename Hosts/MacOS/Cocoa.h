@@ -1,6 +1,6 @@
 #pragma once
 
-// Every Objective-C interface of the system that the host uses comes in here.
+// Every Objective-C interface of the system that the host uses is included here.
 
 #import <AppKit/AppKit.h>
 #import <CoreText/CoreText.h>
@@ -12,7 +12,7 @@
 #if __has_include(<UniformTypeIdentifiers/UniformTypeIdentifiers.h>)
 #import <UniformTypeIdentifiers/UniformTypeIdentifiers.h>
 #else
-// Some trees of headers lack this framework.
+// The headers of some SDKs lack this framework.
 @interface UTType : NSObject
 + (nullable instancetype)typeWithIdentifier:(nonnull NSString*)identifier;
 @end

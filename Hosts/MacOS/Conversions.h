@@ -11,7 +11,7 @@ namespace quorvel {
 
 // One pair of functions per type that crosses between the program and the system.
 
-/// Nil for text that is no UTF-8.
+/// Nil for text that is not valid UTF-8.
 NSString* toSystem(std::string_view utf8);
 std::string fromSystem(NSString*);
 

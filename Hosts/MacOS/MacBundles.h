@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-/// Application bundles on the disk. Main thread.
+/// Application bundles on disk. Main thread.
 class MacBundles final : public Bundles {
 public:
     std::optional<std::string> infoString(

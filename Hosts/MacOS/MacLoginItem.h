@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-/// The program's own entry among the login items of System Settings.
+/// The program's entry among the login items of System Settings.
 class MacLoginItem final : public LoginItem {
 public:
     Status status() const override;

@@ -10,8 +10,8 @@
 namespace quorvel {
 
 /// A borderless panel at the Dock's level, on one space only. A proxy on the space of a full-screen
-/// window lies among ordinary windows, has nothing to see and lets clicks through; a popup lies
-/// above them all, whatever the space.
+/// window lies among ordinary windows, is invisible and lets clicks through; a popup lies above
+/// them all, on every space.
 class MacPanel final : public PanelSurface {
 public:
     MacPanel(const SurfaceContext&, const PanelOptions&, SurfaceClient&);

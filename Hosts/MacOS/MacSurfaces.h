@@ -23,7 +23,7 @@ public:
 private:
     SurfaceContext m_context;
     OpenMenu m_menu;
-    QVMenuTarget* m_menuTarget = nil; ///< of the last menu; the system's entries do not keep it
+    QVMenuTarget* m_menuTarget = nil; ///< of the last menu; menu items do not retain it
 };
 
 }

@@ -4,9 +4,9 @@
 
 namespace quorvel {
 
-/// Captures through ScreenCaptureKit, which is loaded with the first of them. Before macOS 14 it
-/// takes no still pictures: there the window server's own call does. Answers come on the system's
-/// queues, or never.
+/// Captures through ScreenCaptureKit, which is loaded with the first capture. Before macOS 14 it
+/// takes no still pictures, so the window server's own call is used there. Answers come on the
+/// system's queues, or never.
 class MacWindowCapture final : public MacScreenCapture {
 public:
     void getShareableContent(ContentHandler) override;

@@ -7,8 +7,8 @@
 
 namespace quorvel {
 
-/// The system posts launches and activations of regular applications only, and on a centre of its
-/// own. Since macOS 14 activation is a request: "accepted" means sent, not done.
+/// The system posts launches and activations of regular applications only, to its own notification
+/// centre. Since macOS 14 activation is a request: "accepted" means sent, not done.
 class MacWorkspace final : public Workspace {
 public:
     MacWorkspace();
@@ -25,11 +25,11 @@ public:
 
     void openApplication(const ApplicationURL&) override;
     void openNewInstance(const ApplicationURL&) override;
-    /// A second process is not another window.
+    /// Starting a second process does not open another window.
     bool canOpenNewInstance(const ApplicationURL&) const override { return false; }
     void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
     void openFile(const std::string& path) override;
-    /// Bundles say nothing of the kind.
+    /// Bundles do not list actions.
     std::vector<ApplicationAction> actions(const ApplicationURL&) const override { return {}; }
     void perform(const ApplicationAction&, const ApplicationURL&) override { }
     void requestTermination(ProcessID) override;

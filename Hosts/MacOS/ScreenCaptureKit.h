@@ -5,7 +5,7 @@
 #if __has_include(<ScreenCaptureKit/ScreenCaptureKit.h>)
 #import <ScreenCaptureKit/ScreenCaptureKit.h>
 #else
-// Some trees of headers lack this framework: here is what the host uses of it.
+// The headers of some SDKs lack this framework: here are the parts that the host uses.
 NS_ASSUME_NONNULL_BEGIN
 
 typedef NS_ENUM(NSInteger, SCCaptureResolutionType) { SCCaptureResolutionNominal = 2 };

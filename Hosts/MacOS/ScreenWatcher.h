@@ -5,7 +5,7 @@
 
 namespace quorvel {
 
-/// Reads the list of screens on the main thread and hands it on, at once and after each change.
+/// Reads the list of screens on the main thread and passes it on, at once and after each change.
 class ScreenWatcher {
 public:
     explicit ScreenWatcher(MacDisplays&);

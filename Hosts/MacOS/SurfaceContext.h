@@ -8,7 +8,7 @@ namespace quorvel {
 class MacWindowServer;
 class Workspace;
 
-/// What each surface of this host needs; all of it outlives them.
+/// What each surface of this host needs; all of it outlives the surfaces.
 struct SurfaceContext {
     const MacWindowServer& windowServer;
     const Application& application;

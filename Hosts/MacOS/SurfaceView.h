@@ -9,19 +9,19 @@ namespace quorvel {
 class KeyboardSession;
 }
 
-/// Shows a surface client and hands it the events of its rectangle; the program is never the active
-/// one, so the view asks for what inactive programs do not get by themselves.
+/// Shows a surface client and passes it the events in its rectangle. The program is never the
+/// active one, so the view requests the events that inactive programs do not get by default.
 @interface QVSurfaceView : NSView <QVAccessibleParent>
 - (instancetype)initWithFrame:(NSRect)frame
                        client:(quorvel::SurfaceClient*)client
                       context:(const quorvel::SurfaceContext&)context;
-/// No call reaches the client any more.
+/// No further calls reach the client.
 - (void)detach;
-/// The panel or its space goes off the screen, or a menu takes the pointer.
+/// The panel or its space leaves the screen, or a menu takes the pointer.
 - (void)losePointer;
-/// The panel's; says whether keys are the client's.
+/// The panel's session; says whether keys go to the client.
 @property (nonatomic) const quorvel::KeyboardSession* keyboard;
-/// Made when an assistive program first asks for them.
+/// Made when an assistive program first asks for the elements.
 @property (nonatomic, readonly) QVAccessibleChildren* accessibleChildren;
 @property (nonatomic) BOOL willAnnounceChanges;
 @end

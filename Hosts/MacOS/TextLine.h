@@ -7,10 +7,10 @@
 
 namespace quorvel {
 
-/// Of the interface: which side `leading` is.
+/// Of the interface: it decides which side `leading` is.
 enum class LayoutDirection { leftToRight, rightToLeft };
 
-/// One shaped line of text in a style; line breaks and controls are spaces.
+/// One shaped line of text in a style; line breaks and controls become spaces.
 class TextLine {
 public:
     TextLine(std::string_view utf8, const TextStyle&);

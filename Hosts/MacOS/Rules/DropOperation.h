@@ -5,7 +5,7 @@
 
 namespace quorvel {
 
-/// In the numbers of `NSDragOperation`.
+/// With the values of `NSDragOperation`.
 namespace drag {
 
 inline constexpr std::uint64_t kNone = 0;
@@ -18,8 +18,8 @@ inline constexpr std::uint64_t kDelete = 32;
 
 }
 
-/// What to say of files that are dropped to be opened, of all that their source allows: an answer
-/// outside of its mask refuses the drop. Never what would make the source give the files away.
+/// The operation to answer for files that are dropped to be opened, given the source's mask: an
+/// answer outside the mask refuses the drop. Never one that makes the source delete the files.
 constexpr std::uint64_t dropOperation(std::uint64_t sourceMask)
 {
     for (const auto operation : {drag::kGeneric, drag::kLink, drag::kCopy}) {

@@ -7,9 +7,9 @@ namespace quorvel {
 
 class SurfaceClient;
 
-/// The keyboard of one panel, which the program has although another one is active. A panel counts
-/// as the key window as soon as it asks; whether keys come is known when the window server has had
-/// its say, so the client hears of the keyboard a little later.
+/// The keyboard of one panel, which has it although another program is active. A panel is the key
+/// window as soon as it asks; whether keys arrive is known only after the window server has
+/// answered, so the client is told of the keyboard a little later.
 class KeyboardSession {
 public:
     static constexpr Duration kPatience = seconds(0.05);
@@ -18,11 +18,11 @@ public:
 
     void take();
     void release();
-    /// The panel became the key window or is none any more.
+    /// The panel became the key window, or stopped being it.
     void keyDidChange(bool isKey);
-    /// Asked for or had.
+    /// The keyboard is requested or held.
     bool isWanted() const { return m_isWanted; }
-    /// Keys are the client's.
+    /// Keys go to the client.
     bool isHeld() const { return m_isHeld; }
 
 private:

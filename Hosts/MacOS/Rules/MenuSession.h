@@ -11,8 +11,8 @@
 
 namespace quorvel {
 
-/// One menu of the system: whoever makes it gives the entries the numbers that they have here, and
-/// hands in the number of the one that was chosen. Main thread.
+/// One system menu: whoever builds it gives its entries the numbers that they have here, and passes
+/// in the number of the chosen one. Main thread.
 class MenuSession {
 public:
     /// Shows the system's menu and returns when it has gone; inside, the main queue runs on.
@@ -24,14 +24,14 @@ public:
 
     /// The number of an entry with this action.
     std::size_t add(Work action);
-    /// Shows it, unless it was cancelled before.
+    /// Shows the menu, unless it has been cancelled.
     void run(const Show&, Cancel);
-    /// Nobody says whether this comes before the menu has gone or after it.
+    /// The system may send this before the menu has closed or after it.
     void choose(std::size_t entry);
-    /// It goes, and what was chosen is dropped.
+    /// Closes the menu and drops the choice.
     void cancel();
     bool isShown() const { return m_cancel != nullptr; }
-    /// After it has left the screen; instead of what was to come before.
+    /// Called after the menu has left the screen; replaces an earlier callback.
     void setNext(Work next) { m_next = std::move(next); }
 
 private:
@@ -42,26 +42,26 @@ private:
     std::vector<Work> m_actions;
     Work m_chosen;
     Work m_next;
-    Cancel m_cancel; ///< while it is on the screen
+    Cancel m_cancel; ///< set while it is on the screen
     bool m_isCancelled = false;
     bool m_hasClosed = false;
 };
 
-/// The menu that is open or about to open: one at most, and none once the program ends. The
-/// system's menu runs a loop of its own, which a program that wants to end would wait for.
+/// The menu that is open or about to open: at most one, and none once the program is ending. The
+/// system's menu runs a loop of its own, which would hold up the program's end.
 class OpenMenu {
 public:
     explicit OpenMenu(const Signal<>& willTerminate);
     ~OpenMenu();
 
-    /// Cancels the one before and calls `begin` when it has gone: one menu's loop must not run
-    /// inside the other's.
+    /// Cancels the previous menu and calls `begin` when it has closed: one menu's loop must not run
+    /// inside another's.
     void open(std::shared_ptr<MenuSession>, Work begin);
     void close();
 
 private:
     std::shared_ptr<MenuSession> m_session;
-    std::shared_ptr<MenuSession> m_leaving; ///< cancelled, on the screen for a moment yet
+    std::shared_ptr<MenuSession> m_leaving; ///< cancelled, but still on the screen for a moment
     bool m_hasEnded = false;
     Subscription m_willTerminate;
 };

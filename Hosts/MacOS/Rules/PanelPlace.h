@@ -8,18 +8,18 @@ namespace quorvel {
 
 class MacWindowServer;
 
-/// When a panel goes on the screen. No public call puts a window on a given space: it lands on the
-/// active one, where a bar of another space would be seen until it is moved. So each goes in when
-/// its own space is first active, and stays there.
+/// When a panel goes on the screen. No public call puts a window on a given space: it appears on
+/// the active one, where a bar of another space would be visible until it is moved. So each panel
+/// is ordered in when its own space is first active, and stays there.
 class PanelPlace {
 public:
-    /// Without a space it is on all of them.
+    /// Without a space it is on every space.
     PanelPlace(const MacWindowServer&, SystemPanel&, std::optional<SpaceID>);
 
     void orderFront();
     void orderOut();
-    /// The same for a panel that is to lead the user to its space as the key window, so it has to
-    /// be there first. False if the window server does not put it there.
+    /// The same for a panel that is to take the user to its space by becoming the key window, so it
+    /// has to be on that space first. False if the window server does not put it there.
     bool orderFrontForKey();
     void activeSpaceDidChange();
 

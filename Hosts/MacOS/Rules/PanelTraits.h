@@ -6,8 +6,9 @@
 
 namespace quorvel {
 
-/// How a panel takes part in spaces, Mission Control and Stage Manager, in the numbers of
-/// `NSWindowCollectionBehavior`. Of those that a comment joins, a window may have one.
+/// How a panel takes part in spaces, Mission Control and Stage Manager, with the values of
+/// `NSWindowCollectionBehavior`. A window may have only one of the values that a comment lists
+/// together.
 namespace behavior {
 
 inline constexpr std::uint64_t kCanJoinAllSpaces = 1 << 0; // or MoveToActiveSpace
@@ -25,17 +26,17 @@ inline constexpr std::uint64_t kCanJoinAllApplications = 1 << 18;
 
 }
 
-/// What a panel is to the window system.
+/// A panel's properties for the window system.
 struct PanelTraits {
-    /// In the numbers of `CGWindowLevelKey`.
+    /// With the values of `CGWindowLevelKey`.
     enum class Level { normal = 4, dock = 7, popUpMenu = 11 };
 
     Level level = Level::dock;
     std::uint64_t collectionBehavior = 0;
-    /// Clicks go through all of it. The system must not even be told "no": that would end their
-    /// passing through what is transparent.
+    /// Clicks go through all of it. For other panels the system must not be told "no" either: that
+    /// would stop clicks from passing through transparent pixels.
     bool ignoresMouse = false;
-    /// It is on one space; the others are on whatever space is shown.
+    /// It is on one space; other panels are on whatever space is shown.
     bool hasOwnSpace = true;
 
     static PanelTraits of(PanelKind);

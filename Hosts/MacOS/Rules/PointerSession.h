@@ -8,11 +8,11 @@
 
 namespace quorvel {
 
-/// Whether the pointer is over a surface. The system says when it comes and goes, but not when the
-/// surface goes from under it, and it may say either twice.
+/// Whether the pointer is over a surface. The system reports entering and leaving, but not that the
+/// surface went away under the pointer, and it may report either twice.
 ///
-/// While the pointer is there, and shortly afterwards, the system must not let the program nap:
-/// what a hover waits for would come seconds late.
+/// While the pointer is there, and shortly afterwards, the program must be kept from napping: what
+/// waits for a hover would come seconds late.
 class PointerSession {
 public:
     static constexpr Duration kAwakeAfterwards = seconds(1);
@@ -24,11 +24,11 @@ public:
     void entered(Point);
     void moved(const PointerEvent&);
     void exited(Point);
-    /// Its panel went off the screen, or the space that it is on did, or a menu has the pointer.
+    /// Its panel or its space left the screen, or a menu has taken the pointer.
     void surfaceDidGo();
 
 private:
-    /// False if it was not there.
+    /// False if the pointer was not there.
     bool leave();
 
     SurfaceClient& m_client;

@@ -6,21 +6,21 @@
 
 namespace quorvel {
 
-/// The system's calls on one panel, for the rules of this folder. Main thread.
+/// The system's calls on one panel, as the rules in this folder need them. Main thread.
 class SystemPanel {
 public:
     virtual ~SystemPanel() = default;
 
-    /// On the space that is active on its display, unless it is on the screen already.
+    /// Orders it in on the active space of its display, unless it is already on the screen.
     virtual void orderIn() = 0;
     virtual void orderOut() = 0;
-    /// Nothing of it is seen, whatever its own opacity is.
+    /// Makes it invisible, whatever its own opacity is.
     virtual void setUnseen(bool) = 0;
-    /// The window server's; absent before it is ordered in for the first time.
+    /// The window server's number; absent before it is first ordered in.
     virtual std::optional<WindowID> number() const = 0;
-    /// Asks for the keyboard. The panel counts as key at once, whatever comes of it.
+    /// Asks for the keyboard. The panel is the key window at once, whatever the outcome.
     virtual void becomeKey() = 0;
-    /// The keyboard goes back to the active program, and the panel stays where it is.
+    /// Returns the keyboard to the active program; the panel stays where it is.
     virtual void resignKey() = 0;
     virtual bool isKey() const = 0;
 };

@@ -7,8 +7,8 @@
 
 namespace quorvel {
 
-/// An element of the system behind an `AXElement`. Two references to the same window are different
-/// objects that compare equal and hash alike, also after the window has gone.
+/// The system's element behind an `AXElement`. Two references to the same window are different
+/// objects that compare equal and hash alike, even after the window has gone.
 struct MacElement final : AXNative {
     explicit MacElement(CFRef<AXUIElementRef> element) : ref(std::move(element)) { }
     bool equals(const AXNative& other) const override;
@@ -17,12 +17,12 @@ struct MacElement final : AXNative {
 };
 
 AXElement makeElement(CFRef<AXUIElementRef>);
-/// Null for an element that no call of this host made.
+/// Null for an element that this host did not make.
 AXUIElementRef systemElement(const AXElement&);
 
-/// Strictly by type; what the program never asks for is `monostate`.
+/// Strictly by type; values that the program never asks for become `monostate`.
 AXValue makeValue(CFTypeRef);
-/// Empty for a value that has no counterpart.
+/// Empty for a value that has no equivalent.
 CFRef<CFTypeRef> makeSystemValue(const AXValue&);
 
 }

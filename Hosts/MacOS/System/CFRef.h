@@ -6,8 +6,9 @@
 
 namespace quorvel {
 
-/// Owns one reference of a CoreFoundation object. The two makers say where it came from: a call
-/// whose name has Create or Copy in it gives a reference away, every other call keeps its own.
+/// Owns one reference to a CoreFoundation object. The two factory functions say where it came from:
+/// a call with Create or Copy in its name returns a reference that the caller owns, any other call
+/// keeps its own.
 template <typename Ref> class CFRef {
 public:
     CFRef() = default;
@@ -34,7 +35,7 @@ public:
 
     Ref get() const { return m_ref; }
     explicit operator bool() const { return m_ref != nullptr; }
-    /// Where a call writes a reference that it gives away. Only while empty.
+    /// For calls that return an owned reference through a pointer. Only while empty.
     Ref* out() { return &m_ref; }
 
 private:

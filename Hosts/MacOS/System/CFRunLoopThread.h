@@ -11,8 +11,8 @@
 
 namespace quorvel {
 
-/// A thread in a CoreFoundation run loop. Work arrives through a source of its own, which also
-/// keeps the loop from ending for want of sources.
+/// A thread with a CoreFoundation run loop. Work arrives through a source of its own, which also
+/// keeps the loop from ending for lack of sources.
 class CFRunLoopThread final : public RunLoopThread {
 public:
     /// Returns once the run loop exists.

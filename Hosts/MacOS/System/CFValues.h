@@ -12,23 +12,23 @@
 
 namespace quorvel {
 
-// Values of CoreFoundation, read by their type: null and every other type are absent. A truth value
-// is no number, nor is what is not finite. Nothing here takes a reference.
+// CoreFoundation values, read by their type: null and any other type are absent. A boolean is not a
+// number, nor is anything that is not finite. Nothing here takes ownership.
 
-/// Whether all are numbers to compute with: other programs can send "not a number" as well.
+/// Whether all of them are finite: other programs can send "not a number" as well.
 bool areFinite(std::initializer_list<double>);
 
 CFRef<CFStringRef> makeString(std::string_view utf8);
 CFRef<CFNumberRef> makeNumber(double);
 CFRef<CFArrayRef> makeNumbers(const std::vector<std::uint64_t>&);
 
-/// UTF-8; half of a surrogate pair becomes "?".
+/// UTF-8; an unpaired surrogate becomes "?".
 std::optional<std::string> textFrom(CFTypeRef);
 std::optional<bool> truthFrom(CFTypeRef);
 std::optional<double> doubleFrom(CFTypeRef);
-/// A number that fits, without a fraction.
+/// A number without a fraction that fits the type.
 std::optional<std::int32_t> int32From(CFTypeRef);
-/// The low bits of a number: identifiers come in numbers of varied width and sign.
+/// The low bits of a number: identifiers come as numbers of varying width and sign.
 std::optional<std::int64_t> int64From(CFTypeRef);
 std::optional<Rect> rectFrom(CFTypeRef);
 
@@ -36,7 +36,7 @@ CFArrayRef arrayFrom(CFTypeRef);
 CFDictionaryRef dictionaryFrom(CFTypeRef);
 CFTypeRef valueIn(CFDictionaryRef, CFStringRef key);
 
-/// The numbers of a list; entries of other types are left out.
+/// The numbers in a list; entries of other types are skipped.
 std::vector<std::uint64_t> numbersFrom(CFArrayRef);
 
 template <typename Visitor> void forEachIn(CFArrayRef array, Visitor visit)

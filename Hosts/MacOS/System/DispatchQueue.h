@@ -6,8 +6,8 @@
 #include "Hosts/MacOS/System/System.h"
 #include "Quorvel/Platform/Dispatch.h"
 
-/// What the system's queue is in C++. `dispatch_queue_t` is a counted object in Objective-C, where
-/// a member of that type would make another class of the one below.
+/// The C++ type of a system queue. In Objective-C, `dispatch_queue_t` is a reference-counted
+/// object, so a member of that type would change the class below.
 struct dispatch_queue_s;
 
 namespace quorvel {
@@ -18,7 +18,7 @@ struct QueueState;
 class DispatchQueue final : public Queue {
 public:
     enum class Kind {
-        main, ///< the main thread's, which its run loop serves
+        main, ///< the main thread's, run by its run loop
         serial,
         concurrent,
     };

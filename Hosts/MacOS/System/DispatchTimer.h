@@ -9,13 +9,13 @@
 
 namespace quorvel {
 
-/// Whether a queue still takes work; shared by the queue and all that was handed to it.
+/// Whether a queue still accepts work; shared by the queue and all work passed to it.
 struct QueueState {
     std::atomic<bool> isClosed = false;
 };
 
 /// One delayed or repeating piece of work on a dispatch queue. The timer source keeps it alive
-/// until it has been cancelled, which firing the last time does too.
+/// until it is cancelled, which the last firing does too.
 class DispatchTimer final : public WorkItem::Handle,
                             public std::enable_shared_from_this<DispatchTimer> {
 public:
@@ -43,7 +43,7 @@ private:
     std::shared_ptr<QueueState> m_state;
     Mode m_mode;
     mutable std::mutex m_mutex;
-    SharedWork m_work; ///< null once it began (once) or was cancelled
+    SharedWork m_work; ///< null once it has begun (one-shot) or was cancelled
 };
 
 }

@@ -7,8 +7,7 @@ namespace quorvel {
 
 class MacAccessibility final : public Accessibility {
 public:
-    /// An element whose timeout nobody has set is waited for this long, not for the system's six
-    /// seconds.
+    /// The timeout of an element for which none was set, instead of the system's six seconds.
     static constexpr float kDefaultMessagingTimeoutSeconds = 1;
 
     explicit MacAccessibility(const PrivateSymbols&);

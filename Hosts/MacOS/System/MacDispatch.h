@@ -4,8 +4,7 @@
 
 namespace quorvel {
 
-/// The system's queues and timers. The clock stands still while the machine sleeps, as the timers
-/// do.
+/// The system's queues and timers. Like the timers, the clock stops while the machine sleeps.
 class MacDispatch final : public Dispatch {
 public:
     Instant now() const override;

@@ -6,8 +6,8 @@
 
 namespace quorvel {
 
-/// The display calls may come from any thread, but the list of screens is the main thread's: it is
-/// handed in whenever it changes and read from here.
+/// The display calls may come from any thread, but the list of screens belongs to the main thread:
+/// it is passed in whenever it changes and read from here.
 class MacDisplays final : public Displays {
 public:
     std::vector<Screen> screens() const override;
@@ -18,7 +18,7 @@ public:
     Point pointerLocation() const override;
     std::optional<DisplayNumber> displayAt(Point globalTopLeft) const override;
 
-    /// Takes the new list and emits `parametersDidChange`. Main thread.
+    /// Stores the new list and emits `parametersDidChange`. Main thread.
     void setScreens(std::vector<Screen>);
 
 private:

@@ -5,8 +5,8 @@
 
 namespace quorvel {
 
-/// Badges from the information that Launch Services keeps of running applications. It knows which
-/// applications ask for attention, but not which windows, and says nothing when that changes.
+/// Badges from the information that Launch Services keeps about running applications. It knows
+/// which applications ask for attention, but not which windows, and does not report changes.
 class MacLaunchServices final : public LaunchServices {
 public:
     static constexpr int kLSDefaultSessionID = -2;

@@ -11,8 +11,8 @@ namespace quorvel {
 
 /// One process's observer on the run loop of the thread that made it.
 ///
-/// The system hands a bare number back with each notification, and a notification that was under
-/// way may still come after its registration ended, so the number is a key into a table of living
+/// The system returns a bare number with each notification, and a notification already on its way
+/// may still arrive after its registration ended, so the number is a key into a table of live
 /// observers and never the address of one.
 class MacObserver final : public AXObserver {
 public:

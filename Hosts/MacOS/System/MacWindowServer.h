@@ -8,12 +8,12 @@
 
 namespace quorvel {
 
-/// The window server's list is public; everything about spaces is not. Moving a window of another
-/// program to a space succeeds silently and, on newer systems, without effect: ask for its spaces
+/// The window server's list is public; everything about spaces is not. Moving another program's
+/// window to a space reports success and, on newer systems, has no effect: check its spaces
 /// afterwards.
 ///
-/// The window server has one rectangle for the Dock, on whatever display, so with several bars the
-/// last one told holds. It may heed none but the Dock's own program.
+/// The window server has one Dock rectangle for all displays, so with several bars the last one set
+/// holds. It may accept it only from the Dock's own program.
 ///
 /// The system gives no hints, so neither signal is ever emitted.
 class MacWindowServer final : public WindowServer {
@@ -51,12 +51,12 @@ public:
     void postPointerEvent(PointerPost, Point) override;
     void toggleShowingDesktop() override;
 
-    /// The current space of each display; absent when the window server does not say.
+    /// The current space of each display; absent when the window server does not answer.
     std::optional<std::vector<SpaceID>> currentSpaces() const;
-    /// Absent when the window server does not say.
+    /// Absent when the window server does not answer.
     std::optional<std::vector<SpaceID>> spacesOfOwnWindow(WindowID) const;
     /// Puts a window of this program on one space. False where the system has no call for it, or
-    /// the window is elsewhere afterwards: the call itself says nothing.
+    /// the window is elsewhere afterwards: the call itself reports nothing.
     bool moveOwnWindow(WindowID, SpaceID) const;
 
 private:
@@ -70,14 +70,14 @@ private:
     void setDockPlace(const DockPlace&);
     void withdrawDockRectangle();
 
-    /// Of this program to the window server; every private call begins with it.
+    /// This program's connection to the window server; every private call takes it first.
     int connection() const;
 
     PrivateSymbols m_symbols;
     WindowDecoder m_decoder;
     DisplaySpaces m_displaySpaces;
-    std::map<DisplayNumber, CGRect> m_dockRectangles; ///< what the window server took
-    std::optional<DockPlace> m_dockBefore; ///< as it was before the first of them
+    std::map<DisplayNumber, CGRect> m_dockRectangles; ///< as the window server accepted them
+    std::optional<DockPlace> m_dockBefore; ///< as it was before the first change
 };
 
 }

@@ -7,10 +7,11 @@
 namespace quorvel {
 
 /// The undocumented calls that the host makes, looked up by name; each is null where this system
-/// has it not. The signatures are what other people's headers say: no header of the system does.
+/// lacks it. The signatures are those commonly used by other projects: no system header declares
+/// them.
 ///
-/// The window server's calls are called SLS... in SkyLight and, most of them, CGS... in
-/// CoreGraphics, which forwards; the first name found is taken.
+/// The window server's calls are named SLS... in SkyLight and, most of them, CGS... in
+/// CoreGraphics, which forwards; the first name found is used.
 struct PrivateSymbols {
     using Connection = int;
 
@@ -25,31 +26,31 @@ struct PrivateSymbols {
     void (*removeWindowsFromSpaces)(Connection, CFArrayRef windows, CFArrayRef spaces) = nullptr;
     void (*moveWindowsToManagedSpace)(Connection, CFArrayRef windows, std::uint64_t space)
         = nullptr;
-    /// Whether the last four really are floating-point numbers is not known.
+    /// Whether the last four really are floating-point numbers is unknown.
     void (*spaceSetEdgeReservation)(
         Connection, std::uint64_t space, int edge, double, double, double, double height)
         = nullptr;
 
-    /// The Dock's rectangle (global top-left origin), why it is there and at which edge; the latter
-    /// in CoreDock's numbers. Only of use together. What they answer is not known.
+    /// The Dock's rectangle (global top-left origin), its reason and its edge; the latter two in
+    /// CoreDock's numbers. Useful only together. Their return values are unknown.
     void (*setDockRect)(Connection, CGRect, int reason, int orientation) = nullptr;
     void (*getDockRect)(Connection, CGRect*, int* reason, unsigned long* orientation) = nullptr;
 
-    // The keys of the system's own actions, the Dock's among them. The numbers may be written with
-    // fewer bytes than they have, so they must be zero before.
+    // The keys of the system's own actions, the Dock's among them. The call may write fewer bytes
+    // than the numbers have, so they must be zero before.
     CGError (*getSymbolicHotKeyValue)(int hotKey, int* character, int* keyCode, int* modifiers)
         = nullptr;
     bool (*isSymbolicHotKeyEnabled)(int hotKey) = nullptr;
     CGError (*setSymbolicHotKeyEnabled)(int hotKey, bool isEnabled) = nullptr;
 
-    /// One of the Dock's own actions; the number is always 0.
+    /// Triggers one of the Dock's own actions; the number is always 0.
     CGError (*coreDockSendNotification)(CFStringRef name, int) = nullptr;
 
     ::AXError (*axElementGetWindow)(AXUIElementRef, CGWindowID*) = nullptr;
 
-    /// Serial numbers, objects of a type without a name.
+    /// Serial numbers, objects of an unnamed type.
     CFArrayRef (*copyRunningApplicationArray)(int session) = nullptr;
-    /// Everything that is known, if no keys are named.
+    /// All known values, if no keys are given.
     CFDictionaryRef (*copyApplicationInformation)(int session, CFTypeRef serial, CFArrayRef keys)
         = nullptr;
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// Every C interface of the system that this folder uses comes in here and nowhere else.
+// Every C interface of the system that this folder uses is included here and nowhere else.
 
 #include <ApplicationServices/ApplicationServices.h>
 #include <CoreFoundation/CoreFoundation.h>
@@ -11,14 +11,14 @@
 #include <time.h>
 
 extern "C" {
-// The runtime's own calls, part of the ABI that ARC code is compiled to.
+// The Objective-C runtime's own calls, part of the ABI that ARC code is compiled to.
 void* objc_autoreleasePoolPush(void);
 void objc_autoreleasePoolPop(void* pool);
 }
 
 namespace quorvel {
 
-/// The frameworks behind the C calls autorelease objects, also on threads that have no pool.
+/// The frameworks behind the C calls autorelease objects, even on threads that have no pool.
 class AutoreleasePool {
 public:
     AutoreleasePool() : m_pool(objc_autoreleasePoolPush()) { }

@@ -6,8 +6,8 @@
 
 namespace quorvel {
 
-/// Reads the window server's window dictionaries. Holds its keys, so that a list of hundreds of
-/// windows makes none.
+/// Reads the window server's window dictionaries. Holds the keys, so that a list of hundreds of
+/// windows creates none.
 class WindowDecoder {
 public:
     WindowDecoder();
@@ -25,8 +25,8 @@ private:
     CFRef<CFStringRef> m_alpha;
 };
 
-/// Displays and spaces keep their places in the lists: an entry that is no dictionary is one
-/// without values.
+/// Displays and spaces keep their positions in the lists: an entry that is not a dictionary becomes
+/// one without values.
 std::vector<ManagedDisplay> managedDisplaysFrom(CFArrayRef);
 
 }
