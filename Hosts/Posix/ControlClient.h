@@ -10,8 +10,8 @@
 
 namespace quorvel::posix {
 
-/// Hands the arguments to the running bar and waits for its reply. Absent when no bar listens; a
-/// bar that does not answer in time gives a reply that says so.
+/// Sends the arguments to the running bar and waits for its reply. Absent when no bar listens; if a
+/// bar does not answer in time, the reply says so.
 std::optional<ControlReply> requestOfBar(const ControlAddress&,
     const std::vector<std::string>& arguments, std::chrono::milliseconds limit);
 

@@ -11,18 +11,18 @@
 
 namespace quorvel::posix {
 
-/// Held by the one bar of a display for as long as it lives; the system takes it back from a bar
-/// that crashed.
+/// Held by the one bar of a display for as long as it lives; the system releases it if the bar
+/// crashes.
 class ControlLock {
 public:
-    /// Absent when another process holds it, or it cannot be made (then with a problem).
+    /// Absent when another process holds it, or it cannot be created (then with a problem).
     static std::optional<ControlLock> tryAcquire(const ControlAddress&, std::string& problem);
-    /// Waits for a holder that is about to end.
+    /// Waits for a holder that is about to exit.
     static std::optional<ControlLock> acquireWithin(
         const ControlAddress&, std::chrono::milliseconds, std::string& problem);
-    /// Whether the file there is still the one that this process holds.
+    /// Whether the file at the path is still the one that this process holds.
     bool isAt(const ControlAddress&) const;
-    /// The process that holds it, as it wrote itself down.
+    /// The process that holds it, as recorded in the file.
     static std::optional<pid_t> owner(const ControlAddress&);
 
     ControlLock(ControlLock&&) noexcept = default;

@@ -14,11 +14,11 @@ inline constexpr std::size_t kLongestRequest = 64 * 1024;
 inline constexpr std::size_t kLongestReply = 64 * 1024 * 1024;
 
 /// A message on the wire is one line of JSON: a request is the list of arguments, a reply an
-/// object. What is no UTF-8 arrives as U+FFFD.
+/// object. Invalid UTF-8 arrives as U+FFFD.
 std::string encodeRequest(const std::vector<std::string>& arguments);
 std::string encodeReply(const ControlReply&);
 
-/// From one message; absent when it makes no sense.
+/// Decodes one message; absent when it makes no sense.
 std::optional<std::vector<std::string>> decodeRequest(std::string_view);
 std::optional<ControlReply> decodeReply(std::string_view);
 

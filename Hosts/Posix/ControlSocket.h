@@ -12,13 +12,13 @@
 namespace quorvel::posix {
 
 /// The running bar's end: answers requests of later invocations on the host's loop. Whoever
-/// connects must be this user; a client that says nothing, or only half of something, costs a
-/// descriptor until enough others have come. A socket, or a lock, that somebody removes is made
-/// anew. Main thread.
+/// connects must be this user; a client that sends nothing, or only part of a message, holds a
+/// descriptor until enough others have connected. A socket or a lock that somebody removes is
+/// created again. Main thread.
 class ControlSocket final : public ControlChannel {
 public:
-    /// Null with a one-line problem. The lock shows that this process is the bar, so a socket that
-    /// lies there is a dead one's.
+    /// Null with a one-line problem. The lock shows that this process is the bar, so an existing
+    /// socket is left over from a dead one.
     static std::unique_ptr<ControlSocket> open(
         const ControlAddress&, ControlLock, HostLoop, std::string& problem);
     ~ControlSocket() override;
@@ -29,10 +29,10 @@ private:
     struct Client;
 
     ControlSocket(const ControlAddress&, ControlLock, HostLoop);
-    /// Makes the socket. False with `errno`.
+    /// Creates the socket. False with `errno` on failure.
     bool listen();
     void acceptWhenReady();
-    /// Whether the socket there is the one that this process made.
+    /// Whether the socket at the path is the one that this process created.
     bool isReachable() const;
     void restore();
     void accept();
@@ -46,9 +46,9 @@ private:
     HostLoop m_loop;
     Handler m_handler;
     UniqueFd m_listener;
-    ino_t m_socketNumber = 0; ///< the file's
+    ino_t m_socketNumber = 0; ///< inode of the socket file
     std::list<Client> m_clients; ///< the oldest first
-    Subscription m_listening; ///< or the pause before it goes on
+    Subscription m_listening; ///< or the pause before it continues
     Subscription m_folder;
 };
 

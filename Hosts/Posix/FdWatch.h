@@ -12,7 +12,7 @@ namespace quorvel::posix {
 enum class FdCondition { readable, writable };
 
 /// The host's way to wait for a descriptor on its main loop: calls back each time it is ready,
-/// until the subscription is dropped, which may happen inside the call.
+/// until the subscription is dropped, which may happen inside the callback.
 using WatchFd = std::function<Subscription(int fd, FdCondition, std::function<void()> onReady)>;
 
 /// Closes its descriptor.

@@ -8,12 +8,12 @@
 
 namespace quorvel::posix {
 
-/// What the control socket asks of the host's main loop. Each calls back until its subscription is
-/// dropped, which may happen inside the call.
+/// What the control socket needs from the host's main loop. Each calls back until its subscription
+/// is dropped, which may happen inside the callback.
 struct HostLoop {
     WatchFd watchFd;
-    /// When something is made in the folder or goes from it, or it goes itself. It may call more
-    /// often.
+    /// When something is created in the folder or removed from it, or the folder itself is removed.
+    /// Spurious calls are allowed.
     std::function<Subscription(const std::string& folder, std::function<void()> onChange)>
         watchFolder;
     /// Once.

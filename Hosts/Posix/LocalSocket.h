@@ -10,13 +10,13 @@
 
 namespace quorvel::posix {
 
-/// A stream socket of this machine that programs started later do not inherit.
+/// A local stream socket that programs started later do not inherit.
 UniqueFd makeLocalSocket();
-/// The path must fit.
+/// The path must fit into an address.
 sockaddr_un socketName(const std::string& path);
 bool setNonBlocking(int fd);
 bool setCloseOnExec(int fd);
-/// Who is at the other end.
+/// The process and user at the other end.
 std::optional<uid_t> peerUser(int fd);
 
 }

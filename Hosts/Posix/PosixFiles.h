@@ -4,7 +4,7 @@
 
 namespace quorvel::posix {
 
-/// What a host knows of the user's disk beyond POSIX.
+/// What a host knows about the user's disk beyond POSIX.
 struct DiskConventions {
     std::optional<std::string> applicationSupportFolder;
     bool keepsRejectedFiles = true;

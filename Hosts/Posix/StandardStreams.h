@@ -5,17 +5,17 @@
 
 namespace quorvel::posix {
 
-/// Keeps standard input, output and error from harming the program, whoever started it: one that
-/// is closed is opened on nothing, or the next file of ours would get its number and with it every
-/// message; a write to a reader that has gone fails instead of ending the process, by a handler,
-/// not by "ignore", which the programs started from the bar would inherit. Before anything is
-/// opened.
+/// Keeps standard input, output and error from harming the program, whoever started it. A closed
+/// one is opened on /dev/null, or the next file we open would get its number and with it every
+/// message. A write to a reader that has gone fails instead of ending the process; this uses a
+/// handler rather than "ignore", which the programs started from the bar would inherit. Call before
+/// opening anything.
 void secureStandardStreams();
 
-/// Writes all of the text at once. False, and nothing else happens, where it cannot be written.
+/// Writes all of the text at once. False if it cannot be written; nothing else happens then.
 bool write(std::FILE*, std::string_view);
 
-/// "quorvel: " and the text, a line on standard error.
+/// Writes "quorvel: " and the text as a line to standard error.
 void tell(std::string_view);
 
 }
