@@ -5,14 +5,14 @@
 
 namespace quorvel::xdg {
 
-/// What the desktop's settings daemon says of how programs look; each absent or empty where it says
-/// nothing.
+/// What the desktop's settings daemon says about the look of programs; each is absent or empty
+/// where it says nothing.
 struct DesktopLooks {
     std::optional<bool> isDark;
     std::optional<bool> isHighContrast;
     std::string iconTheme; ///< its folder's name
     std::string font; ///< as Pango reads it: "Cantarell 11"
-    std::optional<double> scale; ///< pixels per point, as it was said: any positive number
+    std::optional<double> scale; ///< pixels per point, as given: any positive number
 
     friend bool operator==(const DesktopLooks&, const DesktopLooks&) = default;
 };

@@ -4,8 +4,8 @@
 
 namespace quorvel::xdg {
 
-/// Functions of a library that is not linked but loaded when they are first needed: it stays
-/// loaded, as GObject cannot forget a type. Remembers whether all of them were there.
+/// Functions of a library that is not linked but loaded when first needed: it stays loaded, since
+/// GObject cannot forget a type. Remembers whether all of them were found.
 class LibrarySymbols {
 public:
     explicit LibrarySymbols(const char* library)

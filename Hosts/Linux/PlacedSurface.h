@@ -4,10 +4,10 @@
 
 namespace quorvel::xdg {
 
-/// A surface whose place is known to this program: assistive programs ask for it.
+/// A surface whose position this program knows: assistive programs ask for it.
 class PlacedSurface : public PanelSurface {
 public:
-    /// Where it lies on the whole of the screens, pixels from the top left.
+    /// Its frame in the coordinates of all screens together, pixels from the top left.
     virtual Rect framePixels() const = 0;
 };
 

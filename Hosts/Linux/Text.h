@@ -7,7 +7,7 @@
 
 namespace quorvel::xdg {
 
-/// The text with each stretch of bytes that is no UTF-8 replaced.
+/// The text with each invalid stretch of bytes replaced, as UTF-8.
 inline std::string validUtf8(std::string_view bytes)
 {
     return GText{g_utf8_make_valid(bytes.data(), static_cast<gssize>(bytes.size()))}.get();

@@ -10,8 +10,8 @@ namespace quorvel::xdg {
 
 struct PanelEnvironment;
 
-/// Shows the surfaces to assistive programs, from the moment that one wants to see them. What has
-/// changed in a turn is told after it. Main thread; one at a time, as ATK knows one root.
+/// Shows the surfaces to assistive programs, from the moment one wants to see them. The changes of
+/// a turn are reported at its end. Main thread; one at a time, since ATK knows one root.
 class AccessibleExport {
 public:
     AccessibleExport(Dispatch&, const AccessibleSurfaces&, const PanelEnvironment&);
@@ -28,7 +28,7 @@ private:
     const AccessibleSurfaces& m_surfaces;
     const PanelEnvironment& m_environment;
     const AtkLibrary* m_atk = nullptr;
-    std::unique_ptr<AccessibleNode> m_application; ///< only while it is shown
+    std::unique_ptr<AccessibleNode> m_application; ///< only while it is exported
     Subscription m_changed;
     Subscription m_spaceChanged;
     WorkItem m_announcement;

@@ -14,15 +14,15 @@
 
 namespace quorvel::xdg {
 
-/// Something that assistive programs know of: the application, below it its surfaces, below those
-/// their elements. It keeps no element: each question looks it up anew, by the path of identifiers,
-/// and one that has gone answers as defunct does.
+/// What assistive programs see: the application, below it its surfaces, below those their elements.
+/// A node keeps no pointer to its element: each question looks it up again, by the path of
+/// identifiers, and the node of an element that has gone answers as defunct.
 ///
 /// A node and its AtkObject are made when its parent is asked for its children, and the node lives
-/// until its parent finds it gone. Others may hold the object for longer.
+/// until its parent finds its element gone. Others may hold the object for longer.
 class AccessibleNode {
 public:
-    /// What of a node is told when it changes.
+    /// The properties whose changes are reported.
     struct Description {
         std::string name;
         std::string text;
@@ -46,10 +46,11 @@ public:
 
     AtkRole role() const;
     Description describe() const;
-    /// These stay valid as long as the answer is the same: the bridge holds one while it asks on.
+    /// These stay valid as long as the answer is the same: the bridge keeps one across further
+    /// calls.
     const char* name() { return keep(m_name, describe().name); }
     const char* text() { return keep(m_text, describe().text); }
-    /// By its place; null if there is none.
+    /// By index; null if there is none.
     const char* actionName(std::size_t index);
     std::size_t actionCount() const;
     bool performAction(std::size_t index);
@@ -58,7 +59,7 @@ public:
     std::optional<Rect> frame() const;
     std::optional<Rect> surfaceFrame() const;
 
-    /// Tells of everything that differs from what was told before, here and below.
+    /// Reports everything that differs from the last report, here and below.
     void announceChanges();
 
 private:
@@ -83,7 +84,7 @@ private:
     AccessibleNode* const m_parent;
     const std::string m_id;
     std::vector<std::unique_ptr<AccessibleNode>> m_children;
-    bool m_hasChildren = false; ///< somebody has asked for them
+    bool m_hasChildren = false; ///< the children have been asked for
     bool m_isAnnouncing = false;
     Description m_told;
     std::string m_name;

@@ -9,11 +9,11 @@
 
 namespace quorvel::xdg {
 
-/// The surfaces that assistive programs may see, and when they say something else than before.
-/// Costs nothing while nobody listens. Main thread; outlives the surfaces.
+/// The surfaces that assistive programs may see, and notice of their changes. Costs nothing while
+/// nobody listens. Main thread; outlives the surfaces.
 class AccessibleSurfaces {
 public:
-    using ID = std::uint64_t; ///< never used again
+    using ID = std::uint64_t; ///< never reused
 
     struct Entry {
         ID id;
@@ -25,7 +25,7 @@ public:
     AccessibleSurfaces(const AccessibleSurfaces&) = delete;
     AccessibleSurfaces& operator=(const AccessibleSurfaces&) = delete;
 
-    /// The surface is seen as long as the subscription is held.
+    /// The surface is listed as long as the subscription is held.
     [[nodiscard]] Subscription add(const PlacedSurface& surface, SurfaceClient& client)
     {
         const auto id = ++m_lastID;
@@ -39,7 +39,7 @@ public:
 
     const std::vector<Entry>& entries() const { return m_entries; }
 
-    /// The surface may be about to go: look at it in a later turn.
+    /// The surface may be about to go away: look at it in a later turn.
     Signal<> changed;
 
 private:

@@ -8,13 +8,13 @@
 
 namespace quorvel::xdg {
 
-/// Tells when assistive programs want to see what is on the screen: the accessibility service of
-/// the session bus says so, or the user's environment. The service is not started to be asked, and
-/// nobody waits for it. Main thread.
+/// Reports when assistive programs want to see what is on the screen, as the accessibility service
+/// of the session bus says, or the user's environment. The service is not started for the question,
+/// and nothing blocks on it. Main thread.
 class AssistiveWatch {
 public:
-    /// `onWanted` comes when the bus of the assistive programs has answered; `onLost` after that,
-    /// when the service has gone.
+    /// `onWanted` is called when the bus of the assistive programs has answered; `onLost` after
+    /// that, when the service has gone.
     AssistiveWatch(std::function<void()> onWanted, std::function<void()> onLost);
     AssistiveWatch(const AssistiveWatch&) = delete;
     AssistiveWatch& operator=(const AssistiveWatch&) = delete;

@@ -4,10 +4,10 @@
 
 namespace quorvel::xdg {
 
-/// The calls of ATK and of its bridge to the accessibility bus. Both are loaded when an assistive
-/// program comes for the first time: with what they depend on they are larger than the bar.
+/// The calls of ATK and of its bridge to the accessibility bus. Both are loaded when the first
+/// assistive program appears: with their dependencies they are larger than the bar.
 struct AtkLibrary {
-    /// Null where they are not installed. They stay loaded, as GObject cannot forget a type.
+    /// Null where they are not installed. They stay loaded, since GObject cannot forget a type.
     static const AtkLibrary* load();
 
     decltype(&::atk_object_get_type) objectType;

@@ -10,11 +10,11 @@ class Files;
 
 namespace quorvel::xdg {
 
-/// The user's autostart file. A session starts what it names unless the file is gone or hidden;
-/// a file that the user has changed keeps everything but that.
+/// The user's autostart file. A session starts what it names unless the file is missing or hidden;
+/// in a file that the user has changed, only that state is touched.
 class AutostartItem final : public LoginItem {
 public:
-    /// `autostartFile` need not be there; `program` is what it starts.
+    /// `autostartFile` need not exist; `program` is what it starts.
     AutostartItem(Files& files, std::string autostartFile, std::string program)
         : m_files(files)
         , m_path(std::move(autostartFile))
@@ -22,9 +22,9 @@ public:
     {
     }
 
-    /// The file's name in the autostart folder of the user.
+    /// The path of the file in the user's autostart folder.
     static std::string userFile();
-    /// Where this process was started from.
+    /// The path this process was started from.
     static std::string runningProgram();
 
     Status status() const override;

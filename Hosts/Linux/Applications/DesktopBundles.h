@@ -6,7 +6,7 @@ namespace quorvel::xdg {
 
 class DesktopEntries;
 
-/// Desktop files under the names of bundles. Main thread.
+/// Presents desktop files as bundles. Main thread.
 class DesktopBundles final : public Bundles {
 public:
     explicit DesktopBundles(const DesktopEntries& entries) : m_entries(entries) { }

@@ -18,33 +18,33 @@ class DirectoryMonitors;
 
 /// The applications installed on this system, and which of them a window belongs to. An application
 /// is named by the id of its desktop file without ".desktop". Main thread.
-///
-/// Nothing is read before the first question; a question that a file name answers reads that one
+/// Nothing is read before the first question. A question that a file name answers reads only that
+/// file; any other reads all of them once.
 /// file, any other reads all of them once.
 class DesktopEntries {
 public:
     static constexpr Duration kSettleTime = seconds(0.5);
     static constexpr Duration kLongestWait = seconds(5);
 
-    /// The folders come from the environment as it is now.
+    /// The folders are taken from the current environment.
     explicit DesktopEntries(Dispatch&);
     ~DesktopEntries();
     DesktopEntries(const DesktopEntries&) = delete;
     DesktopEntries& operator=(const DesktopEntries&) = delete;
 
-    /// The installed application, else a name made from what the window says; never empty.
+    /// The installed application, else a name derived from the window; never empty.
     std::string bundleIdentifier(const WindowIdentity&) const;
 
     /// The desktop file; absent for an application that has none.
     std::optional<std::string> path(std::string_view bundleIdentifier) const;
     /// In the user's language.
     std::optional<std::string> name(std::string_view bundleIdentifier) const;
-    /// In the user's language. Also for a file elsewhere.
+    /// In the user's language. Works for files elsewhere too.
     std::optional<std::string> nameInFile(std::string_view desktopFilePath) const;
-    /// What the file names as its icon: a name to look up, or a path. Also for a file elsewhere.
+    /// The icon that the file names: a name to look up, or a path. Works for files elsewhere too.
     std::optional<std::string> icon(std::string_view desktopFilePath) const;
 
-    /// Applications were installed, removed or edited, and things have settled.
+    /// Emitted when applications were installed, removed or edited, and things have settled.
     Signal<> changed;
 
 private:
@@ -55,9 +55,9 @@ private:
     void refresh();
 
     Dispatch& m_dispatch;
-    const std::vector<std::string> m_folders; ///< "applications" folders, the first has priority
+    const std::vector<std::string> m_folders; ///< "applications" folders, highest priority first
     const std::vector<std::string> m_languages;
-    mutable std::unique_ptr<DesktopEntryIndex> m_index; ///< absent until asked, or out of date
+    mutable std::unique_ptr<DesktopEntryIndex> m_index; ///< null until needed, or outdated
     const std::unique_ptr<DirectoryMonitors> m_monitors;
     std::optional<Instant> m_changingSince;
     WorkItem m_refresh;

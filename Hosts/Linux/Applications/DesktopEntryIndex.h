@@ -13,8 +13,8 @@
 
 namespace quorvel::xdg {
 
-/// The desktop files of one moment, read no earlier than needed. A file hides those of the same id
-/// in later folders; one that is hidden itself, or is no application, counts as absent.
+/// The desktop files at one moment, each read only when needed. A file hides those with the same id
+/// in later folders; one that is marked hidden, or is no application, is treated as absent.
 class DesktopEntryIndex {
 public:
     class Entry {
@@ -28,13 +28,13 @@ public:
 
         std::string_view id() const { return m_id; }
         const std::string& path() const { return m_path; }
-        /// Which of the folders it is in; the user's own comes first.
+        /// Index of its folder; the user's own comes first.
         int folder() const { return m_folder; }
-        /// Null when it counts as absent.
+        /// Null when it is treated as absent.
         const DesktopEntryFile* read(std::span<const std::string> languages) const;
 
     private:
-        std::string_view m_id; ///< the key under which the index has it
+        std::string_view m_id; ///< its key in the index
         std::string m_path;
         int m_folder;
         mutable bool m_isRead = false;
@@ -45,16 +45,16 @@ public:
     DesktopEntryIndex(std::span<const std::string> folders, std::span<const std::string> languages);
 
     const Entry* withId(std::string_view id) const;
-    /// The same in any letter case.
+    /// The same, ignoring letter case.
     const Entry* withSimilarId(std::string_view id) const;
-    /// The only one whose reverse domain name ends in this.
+    /// The only entry whose reverse domain name ends in this.
     const Entry* withLastPart(std::string_view name) const;
-    /// The only one whose id, or the end of it, has these letters and digits, versions aside.
+    /// The only entry whose id, or the end of it, has these letters and digits, ignoring versions.
     const Entry* withCompactName(std::string_view name) const;
-    /// One that declares this class for its windows.
+    /// An entry that declares this class for its windows.
     const Entry* declaringClass(std::string_view windowClass) const;
     const Entry* declaringSimilarClass(std::string_view windowClass) const;
-    /// The only one that starts this program.
+    /// The only entry that starts this program.
     const Entry* startingCommand(std::string_view name) const;
 
     const DesktopEntryFile* read(const Entry& entry) const { return entry.read(m_languages); }
@@ -84,14 +84,14 @@ private:
     mutable Table m_byCommand;
 };
 
-/// One spelling of names that differ in letter case, or in blanks for hyphens.
+/// One spelling for names that differ only in letter case, or in blanks instead of hyphens.
 std::string similarName(std::string_view name);
 
-/// The name up to a version such as "-2.10"; a number without a dot may be part of the name.
+/// The name without a version such as "-2.10"; a number without a dot may be part of the name.
 std::string_view withoutVersion(std::string_view name);
 
-/// What stands behind the last dot, where a name is a reverse domain name that says something
-/// there: "org.example.desktop" does not. Else empty.
+/// The part behind the last dot of a reverse domain name, if it is specific: in
+/// "org.example.desktop" it is not. Else empty.
 std::string_view lastPart(std::string_view name);
 
 }

@@ -11,10 +11,11 @@
 
 namespace quorvel::xdg {
 
-/// Tells of files that come, go or change in some folders, while it lives. Main thread.
+/// Reports files that appear, disappear or change in some folders. Main thread.
 ///
-/// A folder that does not exist is not watched itself: GIO would look for it every few seconds for
-/// ever, and an idle program sleeps. Its parent is, if there is one.
+/// A folder that does not exist is not watched itself, since GIO would look for it every few
+/// seconds for ever and an idle program should sleep. Its parent is watched instead, if there is
+/// one.
 class DirectoryMonitors {
 public:
     using Callback = std::function<void(std::string_view path)>;
@@ -23,7 +24,7 @@ public:
     DirectoryMonitors(const DirectoryMonitors&) = delete;
     DirectoryMonitors& operator=(const DirectoryMonitors&) = delete;
 
-    /// These folders from now on and no others.
+    /// Watches exactly these folders from now on.
     void watchOnly(const std::set<std::string>& folders);
 
 private:

@@ -4,7 +4,7 @@
 
 namespace quorvel::xdg {
 
-/// A picture of a window, for programs without one where the theme has none either.
+/// A generic picture of a window, for programs without an icon where the theme has none either.
 class DrawnIcon final : public RenderedIcon {
 public:
     using RenderedIcon::RenderedIcon;

@@ -7,7 +7,7 @@
 
 namespace quorvel::xdg {
 
-/// A file that shows an icon, with the sizes in device pixels for which its folder is meant.
+/// A file with an icon, and the size in device pixels that its folder is meant for.
 struct IconCandidate {
     std::string path;
     int pixels = 0; ///< 0 where the folder says nothing
@@ -16,27 +16,27 @@ struct IconCandidate {
     bool isVector = false;
 };
 
-/// The candidates in the order in which they suit a size: drawn for it, then a vector, then a
-/// larger picture, nearest first, then a smaller one.
+/// The candidates for a size, best first: drawn for it, then a vector, then a larger picture,
+/// nearest first, then a smaller one.
 std::vector<IconCandidate> sortedForSize(std::vector<IconCandidate>, int pixels);
 
 class IconThemeFile;
 
-/// Looks up icon files by name in the user's theme, those it inherits, hicolor, Adwaita and the
-/// folders without a theme. Only files of the asked name are looked at. Main thread.
+/// Looks up icon files by name in the user's theme, the themes it inherits, hicolor, Adwaita and
+/// the folders without a theme. Only files with the requested name are touched. Main thread.
 class IconTheme {
 public:
-    /// The folders come from the environment as it is now, and so does the theme's name where none
-    /// is given.
+    /// The folders are taken from the current environment, and so is the theme's name if none is
+    /// given.
     explicit IconTheme(const std::string& name = {});
 
-    /// All sizes of the icon in the first theme that has it; empty where none has. A theme's
-    /// folders for applications come before any theme's folders for other things: they are few, so
-    /// that looking costs a tenth.
+    /// All sizes of the icon in the first theme that has it; empty if none has. Themes' folders for
+    /// applications come before all other folders: there are few of them, which makes a lookup ten
+    /// times faster.
     std::vector<IconCandidate> find(std::string_view name);
 
 private:
-    /// One theme's folders that exist; the path of each candidate is the folder.
+    /// The existing folders of one theme; the path of each candidate is the folder.
     struct Theme {
         std::vector<IconCandidate> forApplications;
         std::vector<IconCandidate> forOthers;
@@ -52,7 +52,7 @@ private:
     const std::vector<std::string> m_themelessFolders;
     const std::string m_name;
     std::set<std::string> m_seenThemes;
-    std::vector<Theme> m_themes; ///< in the order of looking; empty before the first look
+    std::vector<Theme> m_themes; ///< in lookup order; empty before the first lookup
 };
 
 }

@@ -7,11 +7,11 @@
 
 namespace quorvel::xdg {
 
-/// What a theme's index says: which themes it builds on and which sizes its folders hold.
+/// The content of a theme's index: which themes it builds on and which sizes its folders hold.
 class IconThemeFile {
 public:
     struct Folder {
-        std::string path; ///< below the theme's own folder
+        std::string path; ///< relative to the theme's own folder
         int pixels = 0; ///< size times scale, as are the next two
         int smallest = 0;
         int largest = 0;

@@ -27,10 +27,10 @@ struct IconPixels {
 };
 
 /// Pictures of applications, as images that this host's canvas draws (`IconImage`). Files are
-/// looked for when a name is asked, and read when a picture is first drawn. Main thread.
+/// looked up when a name is requested, and read when a picture is first drawn. Main thread.
 class Icons {
 public:
-    /// What the pixels of all icons may take: enough for a bar of hundreds of chips.
+    /// The limit for the pixels of all icons: enough for a bar of hundreds of chips.
     static constexpr std::size_t kPixelBytes = 4 << 20;
 
     explicit Icons(DesktopEntries&, std::size_t pixelBytes = kPixelBytes);
@@ -38,18 +38,18 @@ public:
     Icons(const Icons&) = delete;
     Icons& operator=(const Icons&) = delete;
 
-    /// Looks in the icon theme that the desktop wants, and in another one when it wants another.
+    /// Uses the icon theme that the desktop wants, and follows a change of it.
     void follow(const Published<DesktopLooks>&);
-    /// Every icon may be another now.
+    /// Emitted when any icon may have changed.
     Signal<> themeDidChange;
 
     /// The icon that the desktop file names; empty when it names none or none is found.
     Image forEntry(std::string_view desktopFilePath);
-    /// What a window gave; empty when no size of it is usable. Pixels that had to go are asked for
-    /// again when they are drawn.
+    /// The icon that a window provides; empty when no size of it is usable. Pixels that were
+    /// dropped are read again when they are drawn.
     Image fromPixels(
         const std::vector<IconPixels>&, std::function<std::vector<IconPixels>()> reload = {});
-    /// The theme's picture of a program, else our own; never empty.
+    /// The theme's picture of a program, else ours; never empty.
     Image generic();
 
 private:
@@ -63,7 +63,7 @@ private:
     std::unique_ptr<IconTheme> m_theme;
     std::map<std::string, std::weak_ptr<const PlatformImage>> m_images; ///< by name or path
     Image m_generic;
-    std::string m_themeName; ///< empty: the user's own files say
+    std::string m_themeName; ///< empty: the user's own configuration decides
     Subscription m_entriesChanged;
     Subscription m_looksChanged;
 };

@@ -12,8 +12,8 @@ namespace quorvel::xdg {
 
 class DesktopEntries;
 
-/// Listens on the session bus to what applications want shown at their launchers. An entry lasts
-/// as long as its sender is on the bus. Main thread.
+/// Receives from the session bus what applications want shown at their launchers. An entry lasts as
+/// long as its sender is on the bus. Main thread.
 class LauncherBus {
 public:
     LauncherBus(LauncherEntries&, const DesktopEntries&, std::function<void()> onChange);

@@ -11,34 +11,33 @@
 
 namespace quorvel::xdg {
 
-/// What applications want shown at their launchers, as each sender on the bus has it. A sender may
-/// speak for several applications and several may speak for one: then the one that spoke last
-/// counts. Any thread.
+/// What applications want shown at their launchers, by sender on the bus. A sender may speak for
+/// several applications and several may speak for one: then the latest to speak wins. Any thread.
 class LauncherEntries {
 public:
     static constexpr std::size_t kMostEntries = 512;
     static constexpr std::size_t kMostEntriesOfSender = 32;
-    /// A larger count is shown as more than this.
+    /// A larger count is shown as "more than this".
     static constexpr std::int64_t kLargestCount = 9999;
 
-    /// Gives the bundle identifier that belongs to a desktop file's id.
+    /// Gives the bundle identifier for a desktop file's id.
     using Matcher = std::function<std::string(const std::string& desktopID)>;
 
     enum class Outcome { refused, unchanged, changed };
 
     Outcome update(const std::string& sender, const LauncherUpdate&, const Matcher&);
-    /// The sender has left. These two tell whether anything is gone.
+    /// The sender has left. This call and the next return whether any entry was removed.
     bool forget(const std::string& sender);
     bool forgetAll();
-    /// Other applications may be installed now.
+    /// The installed applications may have changed.
     void rematch(const Matcher&);
-    /// The application's request for attention has been met. It has to take it back before it can
-    /// ask again.
+    /// The application's request for attention has been met. The application has to withdraw it
+    /// before it can ask again.
     void withdrawRequest(const std::string& bundleIdentifier);
 
-    /// In the order of speaking.
+    /// In the order in which they last spoke.
     std::vector<ApplicationStatus> statuses() const;
-    /// The bundle identifiers of those that ask for attention.
+    /// The bundle identifiers of the applications that ask for attention.
     std::set<std::string> asking() const;
 
 private:
@@ -56,7 +55,7 @@ private:
     Entry* entryFor(const std::string& sender, const LauncherUpdate&, const Matcher&);
 
     mutable std::mutex m_mutex;
-    std::vector<Entry> m_entries; ///< who spoke last comes last
+    std::vector<Entry> m_entries; ///< the latest to speak comes last
 };
 
 }

@@ -9,8 +9,8 @@
 
 namespace quorvel::xdg {
 
-/// What an application says that launchers should show of it. What it does not say, or says in a
-/// way that makes no sense, is absent.
+/// What an application wants its launchers to show. Anything it does not mention, or that makes no
+/// sense, is absent.
 struct LauncherUpdate {
     static constexpr std::size_t kLongestID = 256;
     static constexpr std::size_t kMostProperties = 64;
@@ -25,11 +25,11 @@ struct LauncherUpdate {
     friend bool operator==(const LauncherUpdate&, const LauncherUpdate&) = default;
 };
 
-/// Absent if the signal is of another kind, or names no application.
+/// Absent if the signal has another type, or names no application.
 std::optional<LauncherUpdate> decodeLauncherUpdate(GVariant* parameters);
 
 /// The desktop file's id in a launcher's address, such as "application://org.example.Mail.desktop".
-/// Applications also write a path there.
+/// Some applications write a path there.
 std::optional<std::string> desktopIDOf(std::string_view address);
 
 }

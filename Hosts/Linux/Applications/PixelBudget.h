@@ -6,8 +6,8 @@
 
 namespace quorvel::xdg {
 
-/// Pictures that can be made again are kept up to so many bytes of pixels; those whose last use is
-/// longest ago go first. Main thread.
+/// Keeps pictures that can be made again up to a total number of bytes; the least recently used go
+/// first. Main thread.
 class PixelBudget {
 public:
     /// The pixels of one picture.
@@ -20,9 +20,9 @@ public:
     protected:
         explicit Piece(std::shared_ptr<PixelBudget> budget) : m_budget(std::move(budget)) { }
 
-        /// It has just been made or used, and is this large. Others may be dropped for it.
+        /// It has just been made or used, and has this size. Others may be dropped for it.
         void use(std::size_t bytes);
-        /// Gives the pixels back.
+        /// Frees the pixels.
         virtual void drop() = 0;
 
     private:
@@ -30,19 +30,19 @@ public:
         void leave();
 
         const std::shared_ptr<PixelBudget> m_budget;
-        std::size_t m_bytes = 0; ///< 0: not among those that are kept
+        std::size_t m_bytes = 0; ///< 0: not kept
         std::list<Piece*>::iterator m_place;
     };
 
     explicit PixelBudget(std::size_t limit) : m_limit(limit) { }
 
-    /// Of all that is kept.
+    /// The total of all that is kept.
     std::size_t bytes() const { return m_bytes; }
 
 private:
     const std::size_t m_limit;
     std::size_t m_bytes = 0;
-    std::list<Piece*> m_pieces; ///< the last used comes first
+    std::list<Piece*> m_pieces; ///< the most recently used comes first
 };
 
 }

@@ -10,18 +10,18 @@
 
 namespace quorvel::xdg {
 
-/// A picture that came as pixels. Of what a window gives (often 256 pixels and more on a side) it
-/// keeps only what a bar shows, and asks for it again when that had to go.
+/// A picture that was provided as pixels. A window often gives 256 pixels and more on a side: only
+/// the sizes that a bar shows are kept, and are requested again if they had to be dropped.
 class PixelIcon final : public RenderedIcon {
 public:
     static constexpr int kLargestKept = 128;
     static constexpr int kLargeEnough = 64; ///< with such a size there, larger ones are dropped
     static constexpr int kLargestUsable = 2048;
 
-    /// Gives the same pixels again; none when they have gone.
+    /// Provides the same pixels again; none when the source has gone.
     using Reload = std::function<std::vector<IconPixels>()>;
 
-    /// Empty when no size is usable: one whose pixels do not match its measures is not.
+    /// Empty when no size is usable: the pixels must match the measures.
     static Image from(const std::vector<IconPixels>&, Reload, const std::shared_ptr<PixelBudget>&);
 
     PixelIcon(std::vector<SurfacePointer> sizes, Reload, const std::shared_ptr<PixelBudget>&);

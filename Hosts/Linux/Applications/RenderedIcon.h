@@ -13,12 +13,12 @@ namespace quorvel::xdg {
 
 using SurfacePointer = std::unique_ptr<cairo_surface_t, FreeWith<cairo_surface_destroy>>;
 
-/// The memory that the pixels take.
+/// The memory that the pixels take, in bytes.
 std::size_t bytesOf(const SurfacePointer&);
 
-/// An icon that keeps the sizes drawn last: those of the bar, a menu and a popup, each at the scale
-/// in use, as far as the budget of all icons goes. A surface stays valid until another is asked
-/// for.
+/// An icon that keeps its most recently drawn sizes: those of the bar, a menu and a popup, each at
+/// the scale in use, within the budget of all icons. A surface stays valid until the next one is
+/// requested.
 class RenderedIcon : public IconImage {
 public:
     static constexpr int kLargestSize = 1024;
@@ -29,9 +29,9 @@ public:
     cairo_surface_t* rendered(int pixels) const final;
 
 protected:
-    /// A square of `pixels` on a side, null when it cannot be made.
+    /// A square of `pixels` on a side, null when it cannot be drawn.
     virtual SurfacePointer draw(int pixels) const = 0;
-    /// Whether what could not be made is not tried again, so that a broken file is read once.
+    /// Whether a failure is final, so that a broken file is read only once.
     virtual bool failsForGood() const { return true; }
 
 private:
@@ -57,10 +57,10 @@ private:
     mutable std::vector<std::unique_ptr<Rendering>> m_renderings; ///< the last used comes first
 };
 
-/// An empty square; null when there is no memory for it.
+/// An empty square; null for lack of memory.
 SurfacePointer makeSquare(int pixels);
 
-/// Draws the picture centred and as large as fits, smoothly, keeping its proportions.
+/// Draws the picture centred and as large as fits, smoothly, keeping its aspect ratio.
 SurfacePointer fitted(cairo_surface_t* picture, int pixels);
 
 }

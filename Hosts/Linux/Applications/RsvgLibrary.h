@@ -4,8 +4,8 @@
 
 namespace quorvel::xdg {
 
-/// The calls of librsvg, which is loaded when the first drawing in its format is shown: with what
-/// it depends on it is a seventh of the bar's memory, and many desktops have all icons as pixels.
+/// The calls of librsvg, which is loaded when the first vector icon is shown: with its dependencies
+/// it takes a seventh of the bar's memory, and on many desktops all icons are pixels.
 struct RsvgLibrary {
     /// Null where it is not installed.
     static const RsvgLibrary* load();

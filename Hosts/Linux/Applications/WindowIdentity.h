@@ -6,8 +6,8 @@
 
 namespace quorvel::xdg {
 
-/// What a window says of the application it belongs to. Every text is the client's: it may be
-/// empty, wrong or not even UTF-8.
+/// What a window says about the application it belongs to. Every text comes from the client: it may
+/// be empty, wrong or not even UTF-8.
 struct WindowIdentity {
     std::optional<std::string> gtkApplicationId;
     std::string wmClass;

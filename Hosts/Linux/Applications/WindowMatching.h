@@ -7,10 +7,10 @@
 
 namespace quorvel::xdg {
 
-/// The installed application that the window belongs to; null when nothing says so clearly.
+/// The installed application that the window belongs to; null when that is not clear.
 const DesktopEntryIndex::Entry* matchingEntry(const DesktopEntryIndex&, const WindowIdentity&);
 
-/// The name of an application that is not installed: never empty, valid UTF-8, of bounded length.
+/// A name for an application that is not installed: never empty, valid UTF-8, of bounded length.
 std::string identifierWithoutEntry(const WindowIdentity&);
 
 }

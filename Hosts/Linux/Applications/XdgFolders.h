@@ -6,7 +6,7 @@
 
 namespace quorvel::xdg {
 
-/// The user's data folder and then the system's, as the environment names them now; each once.
+/// The user's data folder, then the system's, from the current environment; each once.
 std::vector<std::string> dataFolders();
 /// The same subfolder of each.
 std::vector<std::string> dataFolders(std::string_view subfolder);

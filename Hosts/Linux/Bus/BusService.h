@@ -9,9 +9,9 @@
 
 namespace quorvel::xdg {
 
-/// A service that others offer on the session bus: when it comes and goes, one signal of it, and
-/// questions to it. Nobody waits for it, and it is not started to be asked.
-/// When the bus is lost the service has gone, until the bus is joined again. Main thread.
+/// A service of another process on the session bus: its presence, one of its signals, and calls to
+/// it. Nothing blocks, and the service is not started for a call. Losing the bus means losing the
+/// service, until the bus is joined again. Main thread.
 class BusService {
 public:
     struct Names {
@@ -19,7 +19,7 @@ public:
         const char* path;
         const char* signalInterface;
         const char* signal;
-        const char* firstArgument; ///< only signals that begin with it are heard
+        const char* firstArgument; ///< only signals with this first argument are received
     };
     struct Listener {
         std::function<void()> appeared;
@@ -27,15 +27,15 @@ public:
         std::function<void(GVariant* parameters)> signalled;
     };
 
-    /// The names must last as long as the service.
+    /// The names must outlive the service.
     BusService(
         const Names&, Listener, GBusNameWatcherFlags watching = G_BUS_NAME_WATCHER_FLAGS_NONE);
     ~BusService();
     BusService(const BusService&) = delete;
     BusService& operator=(const BusService&) = delete;
 
-    /// Only while it is there. `answered` comes with a tuple of the type, or null; never after
-    /// the end of this object.
+    /// Only while the service is present. `answered` gets a tuple of the type, or null; it is never
+    /// called after the destruction of this object.
     void call(const char* interface, const char* method, GVariant* arguments, const char* type,
         std::function<void(GVariant* reply)> answered);
 

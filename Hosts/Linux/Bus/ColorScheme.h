@@ -9,11 +9,11 @@
 
 namespace quorvel::xdg {
 
-/// What the settings portal on the session bus says of colours. Nothing waits for it: the answers
-/// come when they come, and again whenever they change. Main thread.
+/// What the settings portal on the session bus says about colours. Nothing blocks: the answers are
+/// handed on when they arrive, and again whenever they change. Main thread.
 class ColorScheme {
 public:
-    /// Absent: the desktop has no preference, or no longer says.
+    /// Absent: the desktop has no preference, or stopped telling it.
     struct Preference {
         std::optional<bool> isDark;
         std::optional<Color> accent;

@@ -8,15 +8,15 @@
 
 namespace quorvel::xdg {
 
-/// A connection to the session bus, if there is one. It is made once the program has nothing else
-/// to do, nobody waits for it, and losing it does not end the program: the bus is joined again when
-/// its socket is there again, or when it answers within a minute or two. Main thread.
+/// A connection to the session bus, if there is one. It is made when the program is first idle,
+/// nothing blocks on it, and losing it does not end the program: the bus is joined again when its
+/// socket reappears, or when it answers within a minute or two. Main thread.
 class SessionBus {
 public:
     using Changed = std::function<void(GDBusConnection*)>;
 
-    /// Each connection is announced when it is there, and when it is lost, before it is let go:
-    /// whatever was attached to it has to go then.
+    /// Each connection is announced when it is made, and when it is lost, before it is released:
+    /// whatever was attached to it has to be detached then.
     SessionBus(Changed connected, Changed lost);
     ~SessionBus();
     SessionBus(const SessionBus&) = delete;
@@ -43,12 +43,13 @@ private:
     GDBusConnection* m_connection = nullptr;
     guint m_start = 0;
     gulong m_closed = 0;
-    guint m_attempt = 0; ///< the timer of the next one
-    int m_attempts = 0; ///< since the bus was lost, or its socket came
-    GFileMonitor* m_socket = nullptr; ///< while it is waited for
+    guint m_attempt = 0; ///< the timer of the next attempt
+    int m_attempts = 0; ///< since the bus was lost, or its socket reappeared
+    GFileMonitor* m_socket = nullptr; ///< while waiting for it
 };
 
-/// Takes the error. Whoever cancelled is gone, so nothing of it may be touched.
+/// Consumes the error. When it says "cancelled", the caller's object is gone and must not be
+/// touched.
 bool wasCancelled(GError*);
 
 }

@@ -5,8 +5,8 @@
 
 namespace quorvel::xdg {
 
-/// Tells when the system has woken from sleep, where logind is there to say so. Never waits:
-/// without a system bus nothing is ever told. Main thread.
+/// Reports when the system has woken from sleep, where logind can say so. Never blocks: without a
+/// system bus nothing is ever reported. Main thread.
 class SleepWatch {
 public:
     explicit SleepWatch(std::function<void()> onWake);

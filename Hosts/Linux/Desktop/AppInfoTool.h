@@ -11,8 +11,8 @@ namespace quorvel::xdg {
 
 class LauncherEntries;
 
-/// Answers in the words of the tool that lists running applications and their requests for
-/// attention, which this system does not have. Requests are those of launcher entries. Any thread.
+/// Answers like the Mac's tool that lists running applications and their requests for attention,
+/// which this system does not have. The requests are those of launcher entries. Any thread.
 class AppInfoTool {
 public:
     AppInfoTool(const SharedModel& model, LauncherEntries& entries)
@@ -21,7 +21,7 @@ public:
     {
     }
 
-    /// Absent for a request that it does not know.
+    /// Absent for an unknown request.
     std::optional<ToolResult> run(const std::vector<std::string>& arguments) const;
 
 private:

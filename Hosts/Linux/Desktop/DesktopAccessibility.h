@@ -11,8 +11,9 @@ namespace quorvel::xdg {
 
 class DesktopRequests;
 
-/// The applications' trees as the model knows them. No question waits for an application; what is
-/// set becomes a request to the display server, from any thread through the main one.
+/// The applications' accessibility trees, built from the model. No question waits for an
+/// application; a change becomes a request to the display server, passed from any thread through
+/// the main one.
 class DesktopAccessibility final : public Accessibility {
 public:
     /// On the main thread.

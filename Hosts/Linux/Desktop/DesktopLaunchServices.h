@@ -7,8 +7,8 @@
 
 namespace quorvel::xdg {
 
-/// What applications say at their launchers, and the windows that ask for attention by their state
-/// or their urgency hint. Nothing blocks.
+/// What applications want shown at their launchers, and the windows that ask for attention by their
+/// state or their urgency hint. Nothing blocks.
 class DesktopLaunchServices final : public LaunchServices {
 public:
     explicit DesktopLaunchServices(const SharedModel& model) : m_model(model) { }

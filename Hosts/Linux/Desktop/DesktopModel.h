@@ -15,7 +15,7 @@
 
 namespace quorvel::xdg {
 
-/// A managed client in the model's words.
+/// A managed client in the model's terms.
 struct WindowRecord {
     WindowID id{};
     std::uint32_t native = 0; ///< the display server's own number
@@ -54,15 +54,16 @@ struct ApplicationRecord {
     friend bool operator==(const ApplicationRecord&, const ApplicationRecord&) = default;
 };
 
-/// What the services answer from.
+/// The state that the services answer from.
 struct DesktopModel {
     std::map<WindowID, WindowRecord> windows;
     std::map<ProcessID, ApplicationRecord> applications;
-    std::vector<WindowID> frontToBack; ///< may name windows that are not there, and miss some
+    std::vector<WindowID> frontToBack; ///< may name unknown windows and omit some
     std::vector<std::string> spaceNames; ///< one per space, in order; empty: no manager yet
     SpaceID activeSpace{};
     std::optional<ProcessID> frontmost;
-    /// Where a window was sent during this turn; replaces its space until the manager has answered.
+    /// Where a window was sent during this turn; overrides its space until the manager has
+    /// answered.
     std::map<WindowID, std::vector<SpaceID>> wantedSpaces;
 
     std::vector<SpaceID> spaces() const
@@ -82,7 +83,7 @@ struct DesktopModel {
         auto found = applications.find(pid);
         return found == applications.end() ? nullptr : &found->second;
     }
-    /// Of these, the window that was active last; absent if none ever was.
+    /// Of these, the most recently active window; absent if none ever was.
     template <typename Windows> std::optional<WindowID> lastActive(const Windows& candidates) const
     {
         const WindowRecord* last = nullptr;
@@ -110,8 +111,8 @@ struct DesktopModel {
     }
 };
 
-/// The one model behind its one lock. The main thread writes; any thread reads. The functions given
-/// must not call the platform.
+/// The one model behind its one lock. The main thread writes; any thread reads. Functions that are
+/// passed in must not call the platform.
 class SharedModel {
 public:
     template <typename Function> auto read(Function&& function) const
@@ -130,11 +131,11 @@ private:
     DesktopModel m_model;
 };
 
-/// Something that observers may have registered for.
+/// A change that observers may have registered for.
 struct DesktopNotification {
-    ProcessID owner{}; ///< whose observers hear it
+    ProcessID owner{}; ///< the process whose observers receive it
     std::optional<WindowID> registeredOn; ///< absent: on the application
-    WindowID window{}; ///< the element that comes with it
+    WindowID window{}; ///< the element that is passed along
     std::string_view name;
 };
 

@@ -5,24 +5,24 @@
 
 namespace quorvel::xdg {
 
-/// What a display server is asked to do with windows and spaces. Each may be refused: what came of
-/// it, the model says later. Main thread.
+/// What a display server is asked to do with windows and spaces. Each request may be refused; the
+/// model shows the outcome later. Main thread.
 class DesktopRequests {
 public:
     virtual ~DesktopRequests() = default;
 
-    /// Raises, focuses and restores the window, with a switch to its space if need be.
+    /// Raises, focuses and restores the window, switching to its space if necessary.
     virtual void activate(WindowID) = 0;
-    /// Activates the window of the application that was active last on the current space, if any.
+    /// Activates the application's most recently active window on the current space, if any.
     virtual void activateApplication(ProcessID) = 0;
     virtual void minimize(WindowID) = 0;
     virtual void close(WindowID) = 0;
-    /// Of the window with its frame, in points.
+    /// Of the window including its frame, in points.
     virtual void resize(WindowID, Size) = 0;
-    /// Makes the space the current one; a space that is not there is ignored.
+    /// Makes this the current space; an unknown space is ignored.
     virtual void switchTo(SpaceID) = 0;
     virtual void toggleShowingDesktop() = 0;
-    /// The spaces that the model wants for its windows, as far as they can be had.
+    /// Moves the windows to the spaces that the model wants for them, as far as possible.
     virtual void sendToWantedSpaces() = 0;
 };
 

@@ -18,52 +18,53 @@ namespace quorvel::xdg {
 class DesktopEntries;
 class ObserverRegistry;
 
-/// Keeps the model like what the display server says, and tells what is different.
+/// Keeps the model in step with the display server's reports, and announces what changed.
 ///
-/// The news of a turn are handed in one by one, and the model says them at once; `announce` then
-/// tells them, in an order in which whoever hears of one thing can believe what the model says of
-/// the others. Main thread.
+/// The reports of a turn are passed in one by one, and the model shows them at once; `announce`
+/// then reports the changes, in an order in which whoever learns of one change can trust what the
+/// model says about the others. Main thread.
 class DesktopTracker {
 public:
     DesktopTracker(Dispatch&, DesktopEntries&, SharedModel&, ObserverRegistry&);
 
-    /// One name per space, in order; empty where it has none. True if they are others than before.
+    /// One name per space, in order; empty where it has none. True if they changed.
     bool setSpaces(std::vector<std::string> names, SpaceID active);
-    /// A window that is new or perhaps different. Its owner is found by where it comes from.
+    /// A window that is new or may have changed. Its owner is derived from its origin.
     void setWindow(WindowRecord, const WindowOrigin&);
     void removeWindow(WindowID);
-    /// May give a focus up only later: `deadline` says when to tell it again.
+    /// A lost focus may be accepted only later: `deadline` says when to report it again.
     void setActive(const FocusTracker::Active&);
     void setFrontToBack(std::vector<WindowID>);
-    /// The window has other pictures of itself.
+    /// The window has new pictures of itself.
     void iconDidChange(WindowID);
     /// The display server is being asked to activate this window, or to take the focus from one.
     void expectFocus(std::optional<WindowID> window) { m_focus.expect(window, m_dispatch.now()); }
 
-    /// Moves and resizes that no observer has heard of. While the user drags, only the end counts.
+    /// Moves and resizes not yet reported to observers. While the user drags, only the end is
+    /// reported.
     bool hasMoves() const { return !m_moves.empty(); }
     void reportMoves();
     void announce();
 
     std::optional<Instant> deadline() const { return m_focus.deadline(); }
     bool isSelfActive() const { return m_focus.isOwnWindowActive(); }
-    /// Whether windows, their places, their order or the spaces are others than at the last call.
+    /// Whether windows, their places, their order or the spaces changed since the last call.
     bool takeLayoutDidChange() { return std::exchange(m_layoutDidChange, false); }
 
-    /// There is something to announce that the display server did not say: a process has ended, or
-    /// applications were installed.
+    /// There is something to announce that does not come from the display server: a process has
+    /// ended, or applications were installed.
     Signal<> hasNews;
 
-    /// Announcements, in this order within a turn; the model says it already.
+    /// Announcements, in this order within a turn; the model already shows them.
     Signal<RunningApplication> applicationDidLaunch;
     Signal<std::string> iconOfApplicationDidChange; ///< by its bundle identifier
     Signal<> spacesDidChange;
     Signal<> spacesOfWindowsDidChange;
     Signal<> activeSpaceDidChange;
     Signal<RunningApplication> applicationDidActivate;
-    /// Other windows than before ask for attention.
+    /// The set of windows that ask for attention changed.
     Signal<> attentionDidChange;
-    /// For a while now no window has had the focus.
+    /// No window has had the focus for a while.
     Signal<> focusWasLost;
     Signal<RunningApplication> applicationDidTerminate;
 
@@ -80,7 +81,7 @@ private:
         bool attention = false;
         bool focusLost = false;
     };
-    /// What the model does not say of a window.
+    /// What the model does not hold about a window.
     struct Known {
         WindowOrigin origin;
         std::string bundleIdentifier;

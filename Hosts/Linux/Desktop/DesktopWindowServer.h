@@ -9,8 +9,8 @@ struct PanelEnvironment;
 class DesktopRequests;
 class DesktopTracker;
 
-/// Windows and spaces as the model knows them. Desktops are common to all monitors: there is one
-/// managed display.
+/// Windows and spaces from the model. Desktops are common to all monitors: there is one managed
+/// display.
 class DesktopWindowServer final : public WindowServer {
 public:
     DesktopWindowServer(SharedModel&, DesktopTracker&, DesktopRequests&, PanelEnvironment&);
@@ -36,8 +36,8 @@ public:
     bool setDockRectangle(const DockRectangle&) override;
     void clearDockRectangle(DisplayNumber) override;
 
-    // There are no keys of the system to press, and windows are moved without a hand at the
-    // pointer.
+    // This system has no keys of its own to press, and windows can be moved without dragging them
+    // by the pointer.
     std::optional<SymbolicHotKey> symbolicHotKey(int) const override { return {}; }
     bool isSymbolicHotKeyEnabled(int) const override { return false; }
     bool setSymbolicHotKeyEnabled(int, bool) override { return false; }

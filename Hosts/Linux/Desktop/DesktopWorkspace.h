@@ -14,7 +14,7 @@ class DesktopTracker;
 class DesktopRequests;
 class LaunchTokens;
 
-/// Applications as the model knows them, with what the desktop files say of them. Main thread.
+/// Applications from the model, with what the desktop files say about them. Main thread.
 class DesktopWorkspace final : public Workspace {
 public:
     DesktopWorkspace(const SharedModel&, DesktopTracker&, DesktopRequests&, LaunchTokens&,
@@ -30,7 +30,7 @@ public:
     Image runningApplicationIcon(ProcessID) const override;
     Image genericApplicationIcon() const override;
 
-    /// An application with a window is brought to the front, on whatever space it is.
+    /// Brings an application with a window to the front, on whatever space the window is.
     void openApplication(const ApplicationURL&) override;
     void openNewInstance(const ApplicationURL&) override;
     bool canOpenNewInstance(const ApplicationURL& url) const override
@@ -41,11 +41,11 @@ public:
     void openFile(const std::string& path) override { ApplicationLauncher::openFile(path); }
     std::vector<ApplicationAction> actions(const ApplicationURL&) const override;
     void perform(const ApplicationAction&, const ApplicationURL&) override;
-    /// Each of its windows is asked to close: there is no other way to say it.
+    /// Asks each of its windows to close: there is no other way to end an application.
     void requestTermination(ProcessID) override;
 
     bool isSelfActive() const override;
-    /// Only windows are active here: one of ours takes the focus when the user gives it.
+    /// Only windows can be active here: one of ours takes the focus when the user gives it.
     void activateSelf() override { }
     bool activateCooperatively(ProcessID) override;
     bool activateDirectly(ProcessID) override;

@@ -6,7 +6,8 @@
 
 namespace quorvel::xdg {
 
-/// What an element stands for is in its token: the kind above, the number below.
+/// What an element stands for is encoded in its token: the kind in the high bits, the number in the
+/// low ones.
 enum class ElementKind : std::uint32_t { none = 0, application = 1, window = 2, closeButton = 3 };
 
 inline AXElement makeElement(ElementKind kind, std::uint32_t number)

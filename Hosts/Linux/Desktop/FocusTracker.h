@@ -8,17 +8,17 @@
 
 namespace quorvel::xdg {
 
-/// Which window counts as focused. Managers name no active window for a moment at each minimise,
-/// restore and switch; that counts only when it lasts. Windows of this program never count: while
-/// one of them is active, the last other one stays focused. Between a request to activate a window
-/// and its answer, news of a third window is the answer to an older request.
+/// Which window has the focus. Managers report no active window for a moment at each minimise,
+/// restore and switch; that is accepted only when it lasts. Windows of this program are ignored:
+/// while one of them is active, the last other window keeps the focus. Between a request to
+/// activate a window and its answer, reports of a third window answer an older request.
 class FocusTracker {
 public:
     static constexpr auto kNoneSettles = std::chrono::milliseconds{50};
-    /// An active window that is not listed yet may still be announced.
+    /// How long an active window that is not listed yet may take to be announced.
     static constexpr auto kUnknownSettles = std::chrono::milliseconds{300};
 
-    /// For so long an answer is waited for.
+    /// How long an answer is waited for.
     static constexpr auto kAnswerSettles = std::chrono::milliseconds{100};
 
     struct None { };
@@ -29,7 +29,7 @@ public:
     void update(const Active&, Instant now);
     /// The manager is being asked to activate the window; absent: to take the focus from one.
     void expect(std::optional<WindowID>, Instant now);
-    /// When `update` has to be called again although nothing changed.
+    /// When `update` must be called again although nothing changed.
     std::optional<Instant> deadline() const { return m_settlesAt; }
 
     /// Absent while the desktop itself is focused.

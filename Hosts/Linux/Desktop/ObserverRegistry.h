@@ -19,7 +19,7 @@ public:
     explicit ObserverRegistry(const SharedModel& model) : m_model(model) { }
 
     std::unique_ptr<AXObserver> makeObserver(ProcessID, RunLoopThread&, Accessibility::Callback);
-    /// Hands each observer what it has registered for, in order, on its thread.
+    /// Delivers to each observer what it has registered for, in order, on its thread.
     void deliver(const std::vector<DesktopNotification>&);
 
 private:
@@ -27,8 +27,8 @@ private:
     using Registration = std::pair<std::uint64_t, std::string>; ///< token and notification
     using Batch = std::vector<std::pair<AXElement, std::string_view>>;
 
-    /// Shared with the work on the way to the thread, which checks whether it has ended: it ends on
-    /// that thread, so nothing follows.
+    /// Shared with deliveries on their way to the thread, which check whether the observer has
+    /// ended: it ends on that thread, so no callback follows.
     struct State {
         ProcessID pid;
         RunLoopThread& thread;

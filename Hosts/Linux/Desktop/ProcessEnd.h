@@ -6,7 +6,7 @@
 
 namespace quorvel::xdg {
 
-/// Tells once when a process has ended, without polling. Main thread.
+/// Reports once when a process has ended, without polling. Main thread.
 class ProcessEnd {
 public:
     enum class Watch { running, ended, unavailable };
@@ -15,7 +15,7 @@ public:
     ProcessEnd(const ProcessEnd&) = delete;
     ProcessEnd& operator=(const ProcessEnd&) = delete;
 
-    /// Null with the reason in `watch` where there is nothing to wait for.
+    /// Null where there is nothing to wait for, with the reason in `watch`.
     static std::unique_ptr<ProcessEnd> of(
         std::uint32_t pid, Watch& watch, std::function<void()> onEnd);
 

@@ -20,13 +20,13 @@ namespace quorvel::xdg {
 class DesktopEntries;
 /// The pairs of process and application that own windows.
 ///
-/// The first application of a process is known by the process's number. Further applications of the
-/// same process, and clients whose process is unknown, get private negative numbers. A pair with a
-/// process of its own lives as long as the process, every other as long as it has windows. Main
-/// thread.
+/// The first application of a process is identified by the process's number. Further applications
+/// of the same process, and clients whose process is unknown, get private negative numbers. A pair
+/// with a process of its own lives as long as the process, any other as long as it has windows.
+/// Main thread.
 class ProcessTable {
 public:
-    /// A killed client's windows are destroyed a moment later: so long its windows keep their pair.
+    /// A killed client's windows are destroyed a moment later: until then they keep their pair.
     static constexpr auto kEndGrace = std::chrono::milliseconds{100};
 
     struct Pair {
@@ -47,14 +47,14 @@ public:
     /// The pair of this window's process and application; made at first use.
     Pair& pairFor(const WindowOrigin&, const std::string& bundleIdentifier);
     Pair* find(ProcessID);
-    /// Names may have changed with the installed applications.
+    /// The installed applications changed, and with them perhaps the names.
     void refreshNames();
-    /// Takes out the pairs that have ended.
+    /// Removes the pairs that have ended, and returns them.
     std::vector<Pair> takeEnded();
-    /// A private number that belongs to no pair.
+    /// A private number that no pair uses.
     ProcessID takePrivateNumber() { return ProcessID{--m_lastPrivate}; }
 
-    /// The process has ended and its windows had time to go.
+    /// The process has ended and its windows had time to disappear.
     Signal<std::uint32_t> processDidEnd;
 
 private:

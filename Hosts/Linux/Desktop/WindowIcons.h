@@ -7,11 +7,11 @@
 
 namespace quorvel::xdg {
 
-/// The pictures that windows give themselves. Main thread; may wait for the display server.
+/// The pictures that windows provide. Main thread; may wait for the display server.
 class WindowIcons {
 public:
     virtual ~WindowIcons() = default;
-    /// In several sizes; empty if it has none that can be read.
+    /// In several sizes; empty if it has none that is readable.
     virtual std::vector<IconPixels> of(WindowID) = 0;
 };
 

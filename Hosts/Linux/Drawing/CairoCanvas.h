@@ -10,8 +10,8 @@ namespace quorvel::xdg {
 class TextShaper;
 struct IconImage;
 
-/// Draws into a cairo surface of device pixels. Edges of rectangles lie on whole pixels at any
-/// scale, so that lines and gaps are equally sharp everywhere.
+/// Draws into a cairo surface of device pixels. Edges of rectangles are aligned to whole pixels at
+/// any scale, so that lines and gaps are equally sharp everywhere.
 class CairoCanvas final : public Canvas {
 public:
     CairoCanvas(cairo_surface_t*, double scale, TextShaper&, bool isRightToLeft = false);
@@ -37,12 +37,12 @@ public:
     void drawText(std::string_view utf8, const Rect&, const TextStyle&) override;
     void drawSymbol(Symbol, const Rect&, const Color&) override;
 
-    /// Makes the part of the surface transparent and confines what follows to it.
+    /// Makes this part of the surface transparent and clips further drawing to it.
     void beginDamage(const Rect& points);
     void endDamage();
 
 private:
-    /// How the points of what is drawn now lie on the surface.
+    /// How points map to the surface at the moment.
     struct Transform {
         Point origin; ///< in points of the surface
         double factor = 1;
@@ -52,10 +52,10 @@ private:
     double pixelsPerPoint() const { return m_scale * m_transform.factor; }
     Point toPixels(Point) const;
     Rect toPixels(const Rect& points) const;
-    /// The same on whole pixels; what has a size keeps at least one. What is magnified is on its
-    /// way from one size to another and would stagger, so it stays where it is.
+    /// The same, aligned to whole pixels; anything with a size keeps at least one. Magnified
+    /// drawing is not aligned: it is on its way from one size to another and would stutter.
     Rect toWholePixels(const Rect& points) const;
-    /// Draws in device pixels of the usual size, from the rectangle's corner as the origin.
+    /// Draws in device pixels of the usual size, with the rectangle's corner as the origin.
     template <typename Draw> void drawMagnified(const Rect& points, Draw draw);
     void drawIcon(const IconImage&, const Rect& pixels);
     void drawLine(std::string_view utf8, const Rect& pixels, const TextStyle&);
@@ -64,7 +64,7 @@ private:
     const double m_scale;
     TextShaper& m_shaper;
     const bool m_isRightToLeft;
-    Cairo m_cairo; ///< in device pixels; how points lie on them is kept here
+    Cairo m_cairo; ///< in device pixels; the mapping of points is kept here
     Transform m_transform;
     std::vector<Transform> m_saved;
     std::vector<double> m_opacities;

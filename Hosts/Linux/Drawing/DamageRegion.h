@@ -6,14 +6,14 @@
 
 namespace quorvel::xdg {
 
-/// What must be painted anew, as few rectangles of whole pixels that do not overlap.
+/// What must be repainted, as a few rectangles of whole pixels that do not overlap.
 class DamageRegion {
 public:
     void add(const Rect& pixels);
-    /// A part in points, of which one is `scale` pixels.
+    /// Adds a part in points, at `scale` pixels per point.
     void add(const Rect& points, double scale);
     bool isEmpty() const { return m_rects.empty(); }
-    /// What of it lies within the bounds, each part in it with some area.
+    /// The parts within the bounds; none of them is empty.
     std::vector<Rect> take(const Rect& bounds);
 
 private:

@@ -6,11 +6,11 @@
 
 namespace quorvel::xdg {
 
-/// A picture that is kept as the pixels it came with. Made and released on any thread, drawn on the
+/// A picture that is kept in its original pixels. Made and released on any thread, drawn on the
 /// main thread.
 class PixelPicture final : public PlatformImage {
 public:
-    /// Takes the surface over.
+    /// Takes ownership of the surface.
     explicit PixelPicture(cairo_surface_t* surface) : m_surface(surface) { }
     PixelPicture(const PixelPicture&) = delete;
     PixelPicture& operator=(const PixelPicture&) = delete;

@@ -9,7 +9,7 @@
 
 namespace quorvel::xdg {
 
-/// Heights of a font in pixels: of the font itself, not of what a text has in it.
+/// Heights of a font in pixels: of the font itself, not of a particular text.
 struct LineMetrics {
     double ascent = 0;
     double descent = 0;
@@ -28,10 +28,10 @@ class TextShaper {
 public:
     TextShaper();
 
-    /// As Pango reads it, of which the family counts; empty: the system's own.
+    /// A font description for Pango, of which only the family is used; empty: the system's own.
     void setFont(const std::string& description);
     LineMetrics metrics(double size, FontWeight, double scale);
-    /// At most `maximumWidth` pixels wide when the style elides; without a limit when negative.
+    /// At most `maximumWidth` pixels wide if the style elides; negative: no limit.
     ShapedLine shape(
         std::string_view text, const TextStyle&, double scale, double maximumWidth = -1);
 
@@ -52,7 +52,7 @@ private:
     const Font* m_current = nullptr;
 };
 
-/// Measures for the views at the display's scale.
+/// Measures text for the views at the display's scale.
 class PangoText final : public Text {
 public:
     PangoText(TextShaper& shaper, const double& scale) : m_shaper(shaper), m_scale(scale) { }

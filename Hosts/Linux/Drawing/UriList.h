@@ -7,15 +7,15 @@
 
 namespace quorvel::xdg {
 
-/// What is taken of a list that another program hands over.
+/// The limits for a list that another program sends.
 namespace uriListLimits {
 inline constexpr std::size_t bytes = 256 * 1024;
 inline constexpr std::size_t files = 1024;
 }
 
 /// The absolute paths of this machine's files in a text/uri-list. Comments, other schemes, other
-/// machines' files and what is malformed are left out. A list beyond the limits gives none: half
-/// of what was dropped is not what anybody meant.
+/// machines' files and malformed lines are left out. A list beyond the limits gives none, since
+/// nobody means to drop half of the files.
 std::vector<std::string> localPaths(std::string_view list, std::string_view hostName);
 
 }

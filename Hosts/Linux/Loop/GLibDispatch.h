@@ -8,9 +8,9 @@ namespace quorvel::xdg {
 
 class ThreadQueue;
 
-/// Time and queues on GLib's default main context, whose loop belongs to the thread that made this.
-/// All work of the main queue is one source: its ready time is that of the earliest work, so an
-/// idle program sleeps until something happens.
+/// Time and queues on GLib's default main context, whose loop belongs to the thread that created
+/// this. All work of the main queue is one source, which is ready when the earliest work is due, so
+/// an idle program sleeps until something happens.
 class GLibDispatch final : public Dispatch {
 public:
     GLibDispatch();

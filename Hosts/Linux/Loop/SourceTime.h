@@ -6,11 +6,11 @@
 
 namespace quorvel::xdg {
 
-/// What the `prepare` of a source of GLib's loop says: true if the source is due, else how long the
-/// loop may sleep, in milliseconds and never too short; -1 for as long as it likes.
+/// The answer of a GLib source's `prepare`: true if the source is due; else `timeout` is how long
+/// the loop may sleep, in milliseconds and never too short, -1 for any length.
 ///
-/// Sources ask this instead of setting a ready time, for GLib wakes the loop on each such setting,
-/// even of the thread that runs it, and it goes round once more for nothing.
+/// Sources use this instead of setting a ready time, because GLib wakes the loop on each such
+/// setting, even from the loop's own thread, for one needless iteration.
 bool isDueOrSleeps(std::optional<Instant> due, int& timeout);
 
 }

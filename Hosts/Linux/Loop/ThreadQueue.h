@@ -10,8 +10,8 @@
 
 namespace quorvel::xdg {
 
-/// A queue on threads of its own, which start when there is work for them: with one thread a serial
-/// queue, with more a queue that runs work side by side.
+/// A queue with threads of its own, which start when there is work for them: with one thread a
+/// serial queue, with more a concurrent one.
 class ThreadQueue final : public Queue {
 public:
     ThreadQueue(std::string_view label, QualityOfService, std::size_t maximumThreads = 1);
@@ -33,7 +33,7 @@ private:
     std::vector<std::thread> m_threads;
 };
 
-/// Runs the work through the queue and waits for it; returns also when the queue drops it.
+/// Runs the work on the queue and waits for it; also returns when the queue drops it.
 void runAndWait(Queue&, const Work&);
 
 }

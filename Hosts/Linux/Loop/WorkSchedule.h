@@ -12,11 +12,11 @@
 
 namespace quorvel::xdg {
 
-/// The work of one queue: what is ready, in order, and what becomes ready later. Whoever runs the
-/// queue either waits here or is told by the hook. All calls from any thread.
+/// The work of one queue: what is ready, in order, and what is due later. Whoever runs the queue
+/// either waits here or is notified by the hook. All calls from any thread.
 class WorkSchedule : public std::enable_shared_from_this<WorkSchedule> {
 public:
-    /// Called under the lock when `nextDue` says another time than before.
+    /// Called under the lock when `nextDue` has changed.
     using NextDueHook = std::function<void()>;
 
     explicit WorkSchedule(NextDueHook hook = {});
@@ -28,27 +28,27 @@ public:
 
     void post(Work);
     WorkItem at(Instant due, Work);
-    /// From now on, each `interval`. What may come late comes at a whole second, if one lies within
-    /// its leeway, as the timers of other programs that count in seconds do.
+    /// Repeats each `interval` from now on. Where the leeway allows, it runs at a whole second,
+    /// together with the timers of other programs that count in seconds.
     WorkItem every(Duration interval, Duration leeway, Work);
 
-    /// Runs what is ready now and nothing that is added meanwhile. From one thread at a time.
+    /// Runs what is ready now, but nothing that is added meanwhile. From one thread at a time.
     void runTurn();
     /// Waits until something is ready and runs it; false once stopped. From any number of threads.
     bool waitAndRun();
-    /// Workers that wait in `waitAndRun` less the work that is ready for them.
+    /// Workers waiting in `waitAndRun`, minus the work that is ready for them.
     int spareWorkers() const;
 
-    /// Drops all work and ends the waiting. Work that is running goes on.
+    /// Drops all work and ends the waiting. Running work continues.
     void stop();
 
 private:
     class Timed;
-    using DueKey = std::pair<Instant, std::uint64_t>; ///< equal times keep the order of asking
+    using DueKey = std::pair<Instant, std::uint64_t>; ///< equal times keep their order of posting
 
     struct Ready {
         Work work;
-        std::shared_ptr<Timed> timed; ///< its work is in there instead
+        std::shared_ptr<Timed> timed; ///< if set, it holds the work instead
     };
 
     struct Repetition {
