@@ -15,8 +15,8 @@ namespace quorvel::xdg::x11 {
 /// The screen of this number, null if there is none.
 xcb_screen_t* screenOf(xcb_connection_t*, int number);
 
-/// How pixels of this depth and visual lie in the server's pictures; not readable where the
-/// server's byte order is not ours.
+/// The memory layout of pixels of this depth and visual; not readable where the server's byte order
+/// differs from ours.
 PixelLayout pixelLayout(
     xcb_connection_t*, const xcb_screen_t&, std::uint8_t depth, xcb_visualid_t visual);
 
@@ -35,24 +35,25 @@ public:
     xcb_window_t root() const { return m_screen->root; }
     const Atoms& atoms() const { return m_atoms; }
 
-    /// Adds to what this program hears of the window. Event masks are one per client and window, so
-    /// nobody sets the mask of the root or of another client's window directly.
+    /// Adds events to those this program receives from the window. A client has one event mask per
+    /// window, so the mask of the root or of another client's window must not be set directly.
     void addEventMask(xcb_window_t, std::uint32_t mask);
-    /// To be called when a window is gone: its number may come back as another window.
+    /// Call when a window is gone: its number may be reused.
     void forgetWindow(xcb_window_t);
 
     /// Each event in order (never an error: those of requests that nobody waits for are dropped).
     Signal<const xcb_generic_event_t*> event;
-    /// After all events that were there have been handled; requests made here go out in one flush.
+    /// Emitted when all events that were waiting have been handled; requests made here go out in
+    /// one flush.
     Signal<> turnEnded;
-    /// The server went away; no call on the connection makes sense any more.
+    /// The connection has broken; no call on it makes sense any more.
     Signal<> lost;
 
 private:
     struct Source;
 
     Connection(xcb_connection_t*, int screenNumber);
-    /// Reads and hands out all events that are there.
+    /// Reads and emits all events that are waiting.
     void dispatchEvents();
 
     xcb_connection_t* m_connection;

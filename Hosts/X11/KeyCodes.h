@@ -8,9 +8,9 @@
 
 namespace quorvel::xdg::x11 {
 
-/// The key of that number as the Mac counts keys. Numbers are those of the kernel's event devices
-/// plus 8, as with every X server of today. What moves, ends or leads on goes by its symbol: the
-/// layout may have put it elsewhere (Escape on Caps Lock), and so may the number lock.
+/// The Mac's key code for an X key code. X key codes are the kernel's plus 8, as on every current X
+/// server. Keys that move the focus or end something go by their symbol, because the layout may
+/// have moved them (Escape on Caps Lock), and so may the number lock.
 KeyCode keyCodeOf(xcb_keycode_t, std::uint32_t symbol);
 
 }

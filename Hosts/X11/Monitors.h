@@ -21,11 +21,11 @@ struct Monitor {
     friend bool operator==(const Monitor&, const Monitor&) = default;
 };
 
-/// Whether another monitor lies below. Struts count from the edge of the X screen, so one at this
-/// monitor's bottom would go through the other one: none can be had.
+/// Whether another monitor lies below. Struts count from the edge of the X screen, so a strut at
+/// this monitor's bottom would cross the other one: none is possible.
 bool hasMonitorBelow(const Rect& monitor, const std::vector<Monitor>& all);
 
-/// How the model's points lie on the X screen. All in one scale; the global origin is the top left
+/// How the model's points map to the X screen. One scale for all; the global origin is the top left
 /// of the primary monitor.
 struct Coordinates {
     double scale = 1; ///< pixels per point
@@ -50,8 +50,8 @@ struct Coordinates {
 /// from the desktop's settings, else from the display's resources). Main thread.
 class Monitors {
 public:
-    /// Changes come in rows, and each is worth a new layout of everything: so long after the last
-    /// one they are followed, at the latest so long after the first.
+    /// Changes come in series, and each would cause a complete new layout: they are followed this
+    /// long after the last one, at the latest this long after the first.
     static constexpr Duration kSettleTime = seconds(0.2);
     static constexpr Duration kLongestSettleTime = seconds(1);
 
@@ -62,7 +62,7 @@ public:
     /// The size of the whole X screen in pixels.
     Size screenPixels() const { return m_screenPixels; }
 
-    /// After monitors, their order, the scale or the X screen's size changed.
+    /// Emitted after monitors, their order, the scale or the X screen's size changed.
     Signal<> changed;
 
 private:

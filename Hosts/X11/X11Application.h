@@ -15,10 +15,10 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// The process: its loop, its end by a signal or with the server, its looks.
+/// The process: its event loop, its end by a signal or with the server, its appearance.
 class X11Application final : public Application {
 public:
-    /// The looks are those of the desktop; what the settings portal says comes before them.
+    /// The looks are those of the desktop; the settings portal's answers take precedence.
     X11Application(Connection&, const Published<DesktopLooks>&);
     ~X11Application() override;
 
@@ -46,8 +46,7 @@ private:
     int m_exitStatus = 0;
 };
 
-/// Whether programs are dark on this desktop, as far as the environment says (`GTK_THEME`); absent
-/// when it does not.
+/// Whether the environment (`GTK_THEME`) asks for a dark look; absent when it does not say.
 std::optional<bool> isDarkTheme(const char* gtkTheme);
 /// Whether the language of this locale is written from right to left.
 bool isRightToLeftLocale(std::string_view locale);

@@ -9,9 +9,8 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// The settings that a daemon of the desktop shares through the X server (XSETTINGS), followed
-/// while the program runs. What a daemon that has gone said holds until there is a new one. Main
-/// thread.
+/// The settings that a desktop's daemon shares through the X server (XSETTINGS), followed while the
+/// program runs. The settings of a daemon that has gone hold until there is a new one. Main thread.
 class XSettings {
 public:
     explicit XSettings(Connection&);

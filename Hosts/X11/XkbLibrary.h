@@ -8,8 +8,8 @@
 
 namespace quorvel::xdg::x11 {
 
-/// The calls of libxkbcommon, which is loaded when the bar first has the keyboard: most sessions
-/// never give it, and a bar starts sooner without.
+/// The calls of libxkbcommon, which is loaded when the bar first gets the keyboard: most sessions
+/// never need it, and the bar starts faster without it.
 struct XkbLibrary {
     /// Null where it is not installed.
     static const XkbLibrary* load();

@@ -7,9 +7,9 @@
 
 namespace quorvel::xdg::x11 {
 
-/// Shrinks a picture while its rows come in: each pixel becomes the average of those it stands for,
-/// so that thin lines fade rather than break up. Only the result is ever in memory as a whole.
-/// Pixels are of 32 bits, their colours multiplied by their alpha.
+/// Shrinks a picture row by row as it arrives. Each pixel of the result is the average of those it
+/// replaces, so that thin lines fade rather than break up. Only the result is ever in memory as a
+/// whole. Pixels have 32 bits, with colours premultiplied by alpha.
 class BoxReduction {
 public:
     struct Measures {

@@ -11,7 +11,7 @@
 
 namespace quorvel::xdg::x11 {
 
-/// The connection over which pictures come, so that the bar's own never waits for one. One thread.
+/// A connection for captures alone, so that the bar's own never waits for a picture. One thread.
 class CaptureConnection {
 public:
     /// Null where the server cannot keep windows as pictures.
@@ -25,13 +25,13 @@ public:
     const xcb_screen_t& screen() const { return *m_screen; }
     const Atoms& atoms() const { return m_atoms; }
 
-    /// Whether the request was carried out. Waits for the server.
+    /// Whether the request succeeded. Waits for the server.
     bool succeeds(xcb_void_cookie_t) const;
     PixelLayout layout(std::uint8_t depth, xcb_visualid_t visual) const
     {
         return pixelLayout(m_connection, *m_screen, depth, visual);
     }
-    /// Forgets what the server told without being asked: every client is told of some things.
+    /// Drops queued events: the server sends some to every client, asked for or not.
     void dropEvents() const;
 
 private:

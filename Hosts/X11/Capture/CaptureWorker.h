@@ -14,15 +14,15 @@
 
 namespace quorvel::xdg::x11 {
 
-/// Takes pictures one after another; while one waits for its client, the next ones begin. Lives on
-/// its queue.
+/// Takes pictures one after another; while one waits for its client to draw, the next can begin.
+/// Lives on its queue.
 class CaptureWorker {
 public:
-    /// What a client gets to draw the part of its window that was covered.
+    /// How long a client gets to draw the part of its window that was covered.
     static constexpr Duration kRepaintTime = seconds(0.06);
-    /// While they wait, the server keeps each in its full size.
+    /// Captures that wait at the same time; the server holds a full-size picture for each.
     static constexpr std::size_t kRepaintingAtOnce = 4;
-    /// When nothing was captured for so long, nothing is kept for it.
+    /// Resources are freed when nothing was captured for this long.
     static constexpr Duration kIdleTime = seconds(3);
 
     explicit CaptureWorker(Queue& queue) : m_queue(queue) { }

@@ -14,8 +14,8 @@ namespace quorvel::xdg::x11 {
 
 class CaptureConnection;
 
-/// Reads pixels in bands of a few megabytes: a window as large as the screen needs no
-/// more memory than a small one, and the server has its other clients' turn between two bands.
+/// Reads pixels in bands of a few megabytes, so that a window as large as the screen needs no more
+/// memory than a small one, and the server can serve its other clients between two bands.
 class PixmapReader {
 public:
     static constexpr std::size_t kBandBytes = 4U << 20;
@@ -32,8 +32,8 @@ public:
         int height = 0;
     };
     using OnRow = std::function<void(std::span<const std::uint32_t>)>;
-    /// Row by row from the top, as cairo has them; false if the server did not give all of them.
-    /// The layout is one that can be read.
+    /// Row by row from the top, in cairo's format; false if the server did not deliver every row.
+    /// The layout must be readable.
     bool read(xcb_pixmap_t, const Area&, const PixelLayout&, const OnRow&);
 
 private:
@@ -45,9 +45,9 @@ private:
 
     CaptureConnection& m_connection;
     PixelLayout m_layout; ///< of what is being read
-    std::vector<std::uint32_t> m_row; ///< where its pixels are not cairo's
+    std::vector<std::uint32_t> m_row; ///< one row, when its pixels are not in cairo's format
     void* m_memory = nullptr;
-    xcb_shm_seg_t m_segment = 0; ///< 0: the server is another machine's
+    xcb_shm_seg_t m_segment = 0; ///< 0: the server runs on another machine
 };
 
 }

@@ -11,11 +11,10 @@ namespace quorvel::xdg::x11 {
 
 /// One picture of one client, decoration included.
 ///
-/// A server draws windows right onto the screen, where others cover them; what is covered is
-/// nowhere. Only a window that is redirected has its picture to itself, which lasts while the
-/// window is mapped. A compositor redirects every window for itself. Without one this redirects the
-/// window for as long as the capture takes: the server then asks the client to draw what was
-/// covered.
+/// A server draws windows straight onto the screen, so what another window covers exists nowhere.
+/// Only a redirected window has a picture of its own, which lasts while the window is mapped. A
+/// compositor redirects every window. Without one, this redirects the window for the duration of
+/// the capture, and the server then asks the client to draw what was covered.
 class WindowCapture {
 public:
     enum class Progress { failed, waitsForClient, ready };
@@ -26,7 +25,7 @@ public:
     WindowCapture& operator=(const WindowCapture&) = delete;
 
     Progress begin();
-    /// Absent when the window has gone or nobody may look at it.
+    /// Absent when the window has gone or may not be captured.
     std::optional<WindowPicture> finish(PixmapReader&, const CaptureConfiguration& largest);
 
 private:

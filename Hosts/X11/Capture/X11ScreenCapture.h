@@ -8,9 +8,9 @@
 
 namespace quorvel::xdg::x11 {
 
-/// Pictures of windows through the Composite extension. An X client may look at every window: there
-/// is nothing to ask for. Minimised windows and those of other desktops are not mapped, so there is
-/// no picture of them.
+/// Pictures of windows through the Composite extension. An X client may read every window, so there
+/// is no permission to ask for. Minimised windows and those of other desktops are not mapped and
+/// have no picture.
 class X11ScreenCapture final : public ScreenCapture {
 public:
     X11ScreenCapture(const SharedModel&, Dispatch&);
@@ -18,13 +18,13 @@ public:
     bool preflightAccess() const override { return true; }
     bool requestAccess() override { return true; }
     void getShareableContent(ContentHandler) override;
-    /// Answers on a thread of its own.
+    /// Answers on its own thread.
     void captureImage(const ShareableWindow&, const CaptureConfiguration&, PictureHandler) override;
 
 private:
     const SharedModel& m_model;
     std::unique_ptr<CaptureWorker> m_worker;
-    std::unique_ptr<Queue> m_queue; ///< the worker's, which ends first
+    std::unique_ptr<Queue> m_queue; ///< the worker's; the worker ends first
 };
 
 }

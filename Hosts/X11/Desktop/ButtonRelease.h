@@ -10,7 +10,7 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// Tells when the pointer's buttons are released, even while another client holds the pointer.
+/// Reports when the pointer's buttons are released, even while another client holds the pointer.
 /// Listens only while somebody waits. Main thread.
 class ButtonRelease {
 public:
@@ -19,7 +19,7 @@ public:
     /// Whether a button is pressed, from the mask of a pointer query.
     static bool isPressed(std::uint32_t pointerMask);
 
-    /// Starts to wait; false where the server cannot tell.
+    /// Starts waiting; false where the server cannot report releases.
     bool wait();
     bool isWaiting() const { return m_isWaiting; }
     /// True if the event ends the wait.

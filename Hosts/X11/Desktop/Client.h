@@ -73,10 +73,10 @@ constexpr Facets operator|(Facet a, Facet b)
     return Facets{a} | b;
 }
 
-/// What the window manager says of a client; not to be believed while there is none.
+/// What the window manager says about a client; unreliable while there is no manager.
 inline constexpr Facets kManagerFacets
     = Facet::state | Facet::desktop | Facet::frameExtents | Facet::place;
-/// What is asked when a client is first seen.
+/// What is read when a client is first seen.
 inline constexpr Facets kFirstFacets = Facet::netName | Facet::wmName | Facet::windowClass
     | Facet::applicationID | Facet::process | Facet::type | Facet::state | Facet::desktop
     | Facet::parent | Facet::hints | Facet::frameExtents | Facet::gtkExtents | Facet::opacity
@@ -94,7 +94,7 @@ struct ClientState {
     friend bool operator==(const ClientState&, const ClientState&) = default;
 };
 
-/// A managed client as its properties say, before any of it is put into the model's words. Pixels,
+/// A managed client as its properties describe it, before translation into the model. Pixels,
 /// origin at the top left of the X screen.
 struct Client {
     xcb_window_t window = XCB_WINDOW_NONE;
@@ -108,17 +108,17 @@ struct Client {
     std::optional<std::uint32_t> serverProcess; ///< from the X server
     std::optional<std::uint32_t> claimedProcess; ///< `_NET_WM_PID`
     std::optional<std::string> machine;
-    std::optional<WindowType> type; ///< absent: the client names none that is known
+    std::optional<WindowType> type; ///< absent: the client names no known type
     ClientState state;
     std::optional<std::uint32_t> desktop;
-    std::optional<xcb_window_t> parent; ///< `WM_TRANSIENT_FOR` as it stands
+    std::optional<xcb_window_t> parent; ///< `WM_TRANSIENT_FOR`, unchecked
     WindowHints hints;
-    bool hasOtherIcon = false; ///< than when it was last told
+    bool hasOtherIcon = false; ///< the icon changed since it was last announced
     Extents frameExtents;
     Extents gtkExtents;
     double opacity = 1;
     Rect place; ///< of the client itself, without its frame
-    Extents strut; ///< what a dock keeps free at the edges of the X screen
+    Extents strut; ///< what a dock reserves at the edges of the X screen
 
     /// The ancestor below the root: it moves when the user moves the window.
     xcb_window_t topLevel = XCB_WINDOW_NONE;
@@ -126,14 +126,14 @@ struct Client {
 
     Instant firstSeen;
     bool isAnnounced = false;
-    bool isDirty = true; ///< something was read since it was last put into the model's words
-    bool isGone = false; ///< destroyed, or never there
+    bool isDirty = true; ///< something was read since the last translation into the model
+    bool isGone = false; ///< destroyed, or never existed
     bool isUnmapped = false;
-    std::optional<Instant> leavesAt; ///< off the manager's list, but perhaps only with the manager
+    std::optional<Instant> leavesAt; ///< off the list, perhaps because the manager left
     bool wasHidden = false;
-    /// Marked as hidden by showing the desktop, which does not make it minimised.
+    /// Marked as hidden by "show desktop", which is not minimising.
     bool isHiddenByShowingDesktop = false;
-    /// Until then it is open whether a hidden window is minimised.
+    /// Until then it is undecided whether a hidden window is minimised.
     std::optional<Instant> minimizedSettlesAt;
     bool isMinimized = false;
 

@@ -7,7 +7,7 @@ namespace quorvel::xdg::x11 {
 class Connection;
 class RequestBatch;
 
-/// Knows which property holds which fact of a client. Main thread.
+/// Maps the facts about a client to the properties that hold them. Main thread.
 class ClientReader {
 public:
     explicit ClientReader(Connection&);
@@ -15,7 +15,7 @@ public:
     /// The facts that a change of the property makes stale.
     Facets facetsOf(xcb_atom_t property) const;
     /// Asks for the stale facts among `wanted`; the answers go into the client, which must outlive
-    /// the batch. The client's title may need a second question: it is then stale again.
+    /// the batch. A title may need a second question: it is then marked stale again.
     void request(RequestBatch&, Client&, Facets wanted) const;
 
 private:

@@ -14,39 +14,39 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// The managed clients, oldest first, and what has to be read of them. Main thread.
+/// The managed clients, oldest first, and which of their facts must be read. Main thread.
 class Clients {
 public:
     /// A client that leaves the list without being destroyed or unmapped may have lost its manager
-    /// rather than its window: so long it is kept.
+    /// rather than its window, so it is kept this long.
     static constexpr auto kLeaveGrace = std::chrono::milliseconds{100};
 
-    /// openbox unmaps each client when it leaves, and maps it again a moment later.
+    /// openbox unmaps every client when it exits, and maps it again a moment later.
     static constexpr auto kWithdrawGrace = std::chrono::milliseconds{50};
 
     explicit Clients(Connection&);
 
-    /// Takes note of what an event says of a client; true if anything has to be read or dropped.
+    /// Notes what an event says about a client; true if anything has to be read or dropped.
     bool handle(const xcb_generic_event_t*);
     /// Follows the manager's list: new clients are added, those that left are marked as gone.
     void follow(const std::vector<xcb_window_t>& list, std::uint32_t currentDesktop, Instant now);
-    /// While there is no manager, nobody leaves by missing from a list.
+    /// While there is no manager, being absent from its list removes nobody.
     void cancelLeaving();
-    /// Clients whose time to leave has come are marked as gone.
+    /// Marks clients as gone whose time to leave has come.
     void settleLeaving(Instant now);
     /// Reads what is stale among `wanted`. True if anything was read.
     bool read(Facets wanted);
-    /// Finds the ancestors below the root of the clients that were reparented, and listens to them.
+    /// Finds the ancestors below the root of reparented clients, and listens to them.
     void readAncestry();
     bool needsAncestry() const { return m_needsAncestry; }
 
     Client* find(xcb_window_t);
     Client* find(WindowID);
-    /// The client that `WM_TRANSIENT_FOR` of this one names, if that is another managed client.
+    /// The client that this one's `WM_TRANSIENT_FOR` names, if it is another managed client.
     Client* parentOf(const Client&);
     /// Oldest first; the function must not add or remove clients.
     void forEach(const std::function<void(Client&)>&);
-    /// Removes the clients that are gone, giving each to the function first.
+    /// Removes the clients that are gone, passing each to the function first.
     void removeGone(const std::function<void(Client&)>&);
     void markAllStale(Facets);
     void markAllDirty();
@@ -67,7 +67,7 @@ private:
     std::map<WindowID, std::unique_ptr<Client>> m_byNumber;
     std::unordered_map<xcb_window_t, Client*> m_byWindow;
     std::unordered_map<xcb_window_t, xcb_window_t> m_clientByTopLevel;
-    std::vector<Client*> m_stale; ///< those of which something is to be read
+    std::vector<Client*> m_stale; ///< those with something to read
     bool m_needsAncestry = false;
     bool m_hasGone = false;
 };

@@ -9,7 +9,7 @@
 namespace quorvel::xdg::x11 {
 
 /// Which monitors show a full-screen window on top of the active space. Dialogs and tool windows
-/// above it change nothing.
+/// above it make no difference.
 std::map<DisplayNumber, bool> coveredMonitors(
     const DesktopModel&, const std::vector<Monitor>&, const Coordinates&);
 

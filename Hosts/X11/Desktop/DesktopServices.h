@@ -23,8 +23,8 @@ namespace quorvel::xdg::x11 {
 class Connection;
 class Monitors;
 
-/// The services answered from the mirror of the desktop. The constructor waits for the first look
-/// at the desktop, so that everything that is there is known when it returns. Main thread.
+/// The services, answered from the mirror of the desktop. The constructor waits for the first
+/// complete reading, so everything that exists is known when it returns. Main thread.
 class DesktopServices {
 public:
     DesktopServices(Connection&, Dispatch&, Monitors&, PanelEnvironment&, DesktopEntries&, Icons&);

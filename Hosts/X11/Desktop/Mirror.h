@@ -21,20 +21,20 @@ namespace quorvel::xdg::x11 {
 
 class Monitors;
 
-/// What an X server and its window manager say of windows and desktops, kept up to date and handed
-/// to the tracker of the desktop.
+/// A copy of what the X server and its window manager say about windows and desktops, kept up to
+/// date and passed to the desktop tracker.
 ///
-/// Events only mark what is stale. When all events of a turn are handled, everything stale is read
-/// in a few round trips however many windows it concerns; then each changed client is put into the
-/// model's words, and the tracker announces what is different. Timers lead to the same update. Main
+/// Events only mark facts as stale. When all events of a turn are handled, everything stale is read
+/// in a few round trips, however many windows are concerned; each changed client is then translated
+/// into the model, and the tracker announces what changed. Timers trigger the same update. Main
 /// thread.
 class Mirror {
 public:
-    /// A window whose desktop stays unknown for so long counts as on the current one.
+    /// A window whose desktop stays unknown for this long is shown on the current one.
     static constexpr auto kDesktopWait = std::chrono::milliseconds{250};
-    /// The manager tells of one new window in a dozen pieces. That one is there, or gone, is
-    /// followed at once after a pause; what else comes right after an update waits for the rest,
-    /// and so do the windows of a row that open or close together.
+    /// A manager announces one new window in a dozen pieces. After a pause, its appearance or
+    /// disappearance is followed at once; whatever comes right after an update waits for the rest,
+    /// as do the windows of a series that open or close together.
     static constexpr auto kPace = std::chrono::milliseconds{8};
 
     Mirror(
@@ -42,10 +42,10 @@ public:
 
     Clients& clients() { return m_clients; }
     const RootState& root() const { return m_root; }
-    /// Whether this program made the window.
+    /// Whether this program created the window.
     bool isOwn(xcb_window_t) const;
 
-    /// Docks of other programs keep other parts of the screen free.
+    /// Docks of other programs reserve different parts of the screen.
     Signal<> reservationsDidChange;
 
 private:
@@ -83,7 +83,7 @@ private:
 
     Instant m_lastUpdate = Instant::min();
     Instant m_lastUrgentUpdate
-        = Instant::min(); ///< the last that a new or vanished window asked for
+        = Instant::min(); ///< the last one caused by a new or vanished window
     bool m_needsUpdate = true;
     bool m_isUrgent = false;
     bool m_wasPresent = false;

@@ -9,7 +9,7 @@
 
 namespace quorvel::xdg::x11 {
 
-/// A pixmap as the server hands it over: rows from the top.
+/// A pixmap as the server delivers it: rows from the top.
 struct RawPixmap {
     int width = 0;
     int height = 0;
@@ -17,15 +17,15 @@ struct RawPixmap {
     std::span<const std::byte> data;
 };
 
-/// Where a server has the leftmost of eight pixels of depth 1, and what its rows are multiples of.
+/// Where a server puts the leftmost of eight pixels of depth 1, and what its rows are padded to.
 struct BitmapLayout {
     bool startsAtLowestBit = true;
     int rowBits = 32;
 };
 
-/// The icon that a window names in its hints: black on white where it has depth 1, else in the
-/// layout of the screen. The mask, of depth 1, says which pixels are there. Absent where a size or
-/// the data make no sense; a mask that makes none counts as missing.
+/// The icon that a window names in its hints: black on white at depth 1, else in the layout of the
+/// screen. The mask, of depth 1, says which pixels are visible. Absent where a size or the data
+/// make no sense; an invalid mask is ignored.
 std::optional<IconPixels> iconFromPixmaps(const RawPixmap& picture,
     const std::optional<RawPixmap>& mask, const PixelLayout& ofScreen, const BitmapLayout&);
 

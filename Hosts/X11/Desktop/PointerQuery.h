@@ -7,8 +7,9 @@
 
 namespace quorvel::xdg::x11 {
 
-/// Where the pointer is, asked over a connection of its own, so that whoever asks often keeps
-/// nobody waiting who uses the bar's. It is made with the first question. Any one thread at a time.
+/// The pointer's position, asked over a separate connection, so that frequent questions never delay
+/// the users of the bar's own. The connection is made with the first question. Any one thread at a
+/// time.
 class PointerQuery {
 public:
     PointerQuery();

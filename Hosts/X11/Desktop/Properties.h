@@ -16,8 +16,8 @@
 
 namespace quorvel::xdg::x11 {
 
-/// A property as the server hands it over. Any client may have written anything into it: each
-/// decoder below answers a wrong type, format or length with "absent" or the nearest sane value.
+/// A property as the server delivers it. Any client may have written anything into it: each decoder
+/// below answers a wrong type, format or length with "absent" or the nearest sane value.
 struct RawProperty {
     xcb_atom_t type = XCB_ATOM_NONE; ///< none: the window has no such property
     std::uint8_t format = 0; ///< 8, 16 or 32 bits per item
@@ -57,7 +57,7 @@ struct Extents {
     friend bool operator==(const Extents&, const Extents&) = default;
 };
 
-/// What `WM_HINTS` says that a panel shows.
+/// The part of `WM_HINTS` that a panel shows.
 struct WindowHints {
     bool isUrgent = false;
     xcb_pixmap_t iconPixmap = XCB_NONE;
@@ -69,8 +69,8 @@ struct WindowHints {
     }
 };
 
-/// UTF-8 without invalid sequences (each becomes U+FFFD), without NUL and everything behind it, and
-/// cut at a code point boundary so that it fits into `maximum` bytes.
+/// UTF-8 in which each invalid sequence is U+FFFD, cut at the first NUL and, at a code point
+/// boundary, to at most `maximum` bytes.
 std::string cleanedUtf8(std::string_view bytes, std::size_t maximum);
 std::string utf8FromLatin1(std::string_view bytes, std::size_t maximum);
 
@@ -93,16 +93,16 @@ std::vector<std::string> decodeTexts(
 std::optional<std::uint32_t> decodeCardinal(const RawProperty&);
 std::optional<xcb_window_t> decodeWindow(const RawProperty&);
 std::vector<xcb_atom_t> decodeAtoms(const RawProperty&);
-/// In their order, without zeros and repetitions.
+/// In their order, without zeros and duplicates.
 std::vector<xcb_window_t> decodeWindows(const RawProperty&);
 std::optional<WindowClass> decodeClass(const RawProperty&, const TextTypes&);
 WindowHints decodeHints(const RawProperty&);
 std::optional<Extents> decodeExtents(const RawProperty&);
-/// The pixels that a panel keeps at the left, right, top and bottom of the X screen.
+/// The pixels that a panel reserves at the left, right, top and bottom of the X screen.
 std::optional<Extents> decodeStrut(const RawProperty&);
-/// The pictures of at most `limits::iconSide` pixels a side that are there completely.
+/// The complete pictures of at most `limits::iconSide` pixels a side.
 std::vector<IconPixels> decodeIcons(const RawProperty&);
-/// Opacity from 0 to 1; absent counts as opaque.
+/// Opacity from 0 to 1; absent means opaque.
 double decodeOpacity(const RawProperty&);
 
 }

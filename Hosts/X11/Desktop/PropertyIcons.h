@@ -11,8 +11,7 @@ namespace quorvel::xdg::x11 {
 class Clients;
 class Connection;
 
-/// The pictures that windows give themselves in their properties, read when one is needed. Main
-/// thread.
+/// The pictures that windows provide in their properties, read when one is needed. Main thread.
 class PropertyIcons final : public WindowIcons {
 public:
     PropertyIcons(Connection&, Clients&);
@@ -20,7 +19,7 @@ public:
     std::vector<IconPixels> of(WindowID) override;
 
 private:
-    /// A pixmap that a window names, and its size if there is such a one.
+    /// The pixmap that a window names, and its size if it exists.
     struct Named {
         xcb_pixmap_t pixmap = XCB_NONE;
         std::optional<DrawableSize> size = {};

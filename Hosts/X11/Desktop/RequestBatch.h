@@ -24,13 +24,13 @@ struct DrawableSize {
     int depth = 0;
 };
 
-/// Questions to the server that go out together: each call sends, `finish` reads all answers in the
-/// order of the questions, so that any number of them costs one round trip. A window that is gone
-/// answers with "absent". One thread.
+/// Questions to the server that go out together: each call sends, and `finish` reads all answers in
+/// the order of the questions, so that any number of them costs one round trip. The answer for a
+/// window that is gone is "absent". One thread.
 class RequestBatch {
 public:
     explicit RequestBatch(xcb_connection_t* connection) : m_connection(connection) { }
-    /// Forgets the answers that nobody read.
+    /// Discards the answers that were not read.
     ~RequestBatch();
     RequestBatch(const RequestBatch&) = delete;
     RequestBatch& operator=(const RequestBatch&) = delete;
@@ -48,16 +48,16 @@ public:
     void place(xcb_window_t, xcb_window_t root, OnPlace);
     void size(xcb_window_t, OnSize);
     void parent(xcb_window_t, OnWindow);
-    /// The process behind the client that made the window, where it runs on this machine.
+    /// The process of the client that created the window, if it runs on this machine.
     void clientProcess(xcb_window_t, OnNumber);
-    /// What this program hears of the window.
+    /// The events that this program receives from the window.
     void eventMask(xcb_window_t, OnNumber);
     /// The pointer's button and modifier mask.
     void pointerMask(xcb_window_t root, OnNumber);
 
     void drawable(xcb_drawable_t, OnDrawable);
-    /// The pixels of a pixmap, row by row as the server has them, one bit each where it has depth
-    /// 1; none if it has gone.
+    /// The pixels of a pixmap, row by row in the server's format, one bit each at depth 1; none if
+    /// it has gone.
     void pixels(xcb_pixmap_t, const DrawableSize&, OnData);
 
     bool isEmpty() const { return m_pending.empty(); }

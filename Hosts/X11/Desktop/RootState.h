@@ -33,7 +33,7 @@ public:
     const std::vector<xcb_window_t>& bottomToTop() const { return m_bottomToTop; }
     xcb_window_t activeWindow() const { return m_activeWindow; }
     bool isShowingDesktop() const { return m_isShowingDesktop; }
-    /// How often that value has been read.
+    /// How often the value has been read.
     unsigned showingDesktopReads(bool isShowing) const { return m_showingDesktopReads[isShowing]; }
     std::uint32_t currentDesktop() const { return m_currentDesktop.value_or(0); }
     /// At least 1; 1 for a manager without desktops.
@@ -41,8 +41,8 @@ public:
     bool hasDesktops() const { return m_desktopCount.has_value(); }
     const std::vector<std::string>& desktopNames() const { return m_desktopNames; }
 
-    /// A manager that leaves takes properties away; what it said last stays until the next one has
-    /// spoken.
+    /// A manager that leaves deletes its properties; its last values stay until the next manager
+    /// has written its own.
     void setKeepsLastWords(bool keeps) { m_keepsLastWords = keeps; }
 
 private:

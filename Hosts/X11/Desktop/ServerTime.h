@@ -11,8 +11,8 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// The server's present time, which managers compare with the user's last input: asked for with an
-/// empty change of a property of our own, and told in the event that follows. Main thread.
+/// The server's current time, which managers compare with the user's last input: obtained by an
+/// empty change of a property of our own, whose event carries it. Main thread.
 class ServerTime {
 public:
     explicit ServerTime(Connection&);

@@ -5,8 +5,8 @@
 
 namespace quorvel::xdg::x11 {
 
-/// Startup identifiers: unique in the session, with the server's time of the user's action, which
-/// managers compare with the last input.
+/// Startup identifiers: unique in the session, and carrying the server's time of the user's action,
+/// which managers compare with the last input.
 class StartupTokens final : public LaunchTokens {
 public:
     explicit StartupTokens(Connection& connection) : m_time(connection) { }

@@ -7,7 +7,7 @@
 
 namespace quorvel::xdg::x11 {
 
-/// What a client's facts mean depends on.
+/// What the meaning of a client's facts depends on.
 struct TranslationContext {
     const Coordinates& coordinates;
     const std::vector<Monitor>& monitors;
@@ -16,21 +16,21 @@ struct TranslationContext {
     bool hasDesktops = true;
 };
 
-/// A client's type, where it names none: a window with a parent is a dialog, as managers have it.
+/// A client's type if it names none: a window with a parent is a dialog, as for managers.
 bool isStandardWindow(const Client&, bool hasParent);
 bool isDesktopElement(const Client&);
-/// Whether it counts as its parent when it is focused.
+/// Whether its parent is shown as focused in its place.
 bool speaksForParent(const Client&, bool hasParent);
 
 /// The space of the client; absent for every space. A number beyond the count is clamped: managers
 /// change the count and the windows' desktops one after the other.
 std::optional<SpaceID> spaceOf(const Client&, const TranslationContext&);
 
-/// The process behind the client is believed only where it runs on this machine. `clientMask` are
-/// the bits of a resource's number that its client chooses.
+/// The client's process is believed only if it runs on this machine. `clientMask` is the bits of a
+/// resource's number that identify its client.
 WindowOrigin originOf(const Client&, std::uint32_t clientMask);
 
-/// The client in the model's words, without its owner.
+/// The client in the model's terms, without its owner.
 WindowRecord recordOf(const Client&, bool hasParent, const TranslationContext&);
 
 }

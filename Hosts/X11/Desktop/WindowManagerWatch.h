@@ -10,12 +10,12 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// Whether there is a window manager whose words count.
+/// Whether a window manager is running that can be relied on.
 ///
-/// A manager is there once the check property of the root names a window that names itself. It is
+/// A manager is present once the check property of the root names a window that names itself. It is
 /// gone when that window is destroyed or nobody owns `WM_S0`; what it wrote on the root may remain.
-/// A successor rebuilds its list client by client, so its words count only when the list has come
-/// to rest. Main thread.
+/// A successor rebuilds its list client by client, so it is relied on only when the list has
+/// settled. Main thread.
 class WindowManagerWatch {
 public:
     static constexpr auto kListRest = std::chrono::milliseconds{100};
@@ -28,11 +28,11 @@ public:
 
     State state() const { return m_state; }
     bool isPresent() const { return m_state == State::present; }
-    /// True if something about the manager has to be looked at again.
+    /// True if the state of the manager has to be looked at again.
     bool handle(const xcb_generic_event_t*);
-    /// Looks at what changed; at most two round trips, none while nothing did.
+    /// Looks at what changed; at most two round trips, none if nothing did.
     void update();
-    /// When `update` has to be called again without an event.
+    /// When `update` must be called again without an event.
     std::optional<Instant> deadline() const;
 
 private:
@@ -50,7 +50,7 @@ private:
     xcb_window_t m_candidate = XCB_WINDOW_NONE; ///< named on the root, perhaps not yet by itself
     bool m_isCheckStale = true;
     bool m_isFirstLook = true;
-    std::uint8_t m_selectionEvent = 0; ///< 0: the server tells nothing of selections
+    std::uint8_t m_selectionEvent = 0; ///< 0: the server does not report selections
     Instant m_cameAt;
     Instant m_listChangedAt;
 };

@@ -17,19 +17,18 @@ class Connection;
 class Monitors;
 class RootState;
 
-/// What this program asks the window manager for. The requests of one turn are collected and leave
-/// together with a fresh time of the server, because managers refuse old ones: the last wish per
-/// window counts, and raising a window makes the activation of its application needless. Main
-/// thread.
+/// What this program asks of the window manager. The requests of one turn are collected and sent
+/// together with a fresh server time, because managers refuse old ones: the last request per window
+/// wins, and raising a window makes activating its application unnecessary. Main thread.
 class WindowRequests final : public DesktopRequests {
 public:
     WindowRequests(Connection&, Monitors&, Clients&, const RootState&, SharedModel&);
 
-    /// Called when the activation of a window is asked for, or, without one, no longer wanted.
+    /// Called when activation of a window is requested or, without one, no longer wanted.
     std::function<void(std::optional<WindowID>)> onActivationAsked;
 
     void activate(WindowID) override;
-    /// No window has the focus. If that is the answer to an activation, it is asked for once more.
+    /// No window has the focus. If this follows an activation, it is requested once more.
     void focusWasLost();
     void activateApplication(ProcessID) override;
     void minimize(WindowID) override;
@@ -43,7 +42,7 @@ private:
     struct Wishes {
         std::optional<WindowID> activation;
         std::optional<ProcessID> applicationActivation;
-        std::map<WindowID, bool> minimized; ///< false: the wish was taken back
+        std::map<WindowID, bool> minimized; ///< false: the request was withdrawn
         std::map<WindowID, Size> sizes;
         std::vector<WindowID> closed;
         std::optional<SpaceID> space;

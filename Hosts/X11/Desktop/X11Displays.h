@@ -10,7 +10,7 @@ namespace quorvel::xdg::x11 {
 
 class Mirror;
 
-/// The monitors as screens. What other threads ask for lies behind a lock.
+/// The monitors as screens. Data for other threads is guarded by a lock.
 class X11Displays final : public Displays {
 public:
     X11Displays(Monitors&, Mirror&);

@@ -7,12 +7,12 @@
 
 namespace quorvel::xdg::x11 {
 
-/// The pixels of an ARGB surface that are more there than not, as rectangles that do not overlap,
-/// sorted by y and then by x. Rows that are equal share theirs.
+/// The pixels of an ARGB surface that are more than half opaque, as rectangles that do not overlap,
+/// sorted by y and then by x. Equal rows share theirs.
 std::vector<xcb_rectangle_t> opaqueRectangles(cairo_surface_t*);
 
-/// Paints this part of `source` on `target` without transparency. Colours of what is half there
-/// come out in full, for the shape decides what is seen.
+/// Paints this part of `source` on `target` without transparency. Colours of half transparent
+/// pixels come out at full strength, since the shape decides what is seen.
 void flatten(cairo_surface_t* source, cairo_surface_t* target, const cairo_rectangle_int_t& part);
 
 }

@@ -21,13 +21,13 @@ struct WindowVisual {
     xcb_colormap_t colormap = 0; ///< 0: the parent's
 
     static WindowVisual ofRoot(const Connection&);
-    /// One with transparency, if the screen has it; the colour map is new.
+    /// A visual with transparency, if the screen has one; the colour map is new.
     static WindowVisual withAlpha(Connection&);
 };
 
-/// What a window shows, kept on this side: a part of it is painted, then sent at once, so nothing
-/// flickers, and exposed parts need no painting. The server reads shared memory whenever it gets to
-/// it, so only finished pictures are copied there.
+/// The content of a window, kept on our side: a part is painted, then sent at once, so nothing
+/// flickers and exposed parts need no painting. The server reads shared memory at a time of its
+/// own, so only finished pictures are copied there.
 class BackBuffer {
 public:
     BackBuffer(Connection&, const WindowVisual&);
@@ -51,8 +51,8 @@ private:
     bool m_isNativeFormat;
     xcb_gcontext_t m_context = 0;
     CairoSurface m_surface;
-    std::unique_ptr<SharedPixels> m_shared; ///< null: pixels are sent
-    std::vector<std::uint8_t> m_rows; ///< the rows of a part, one after the other
+    std::unique_ptr<SharedPixels> m_shared; ///< null: pixels are sent over the connection
+    std::vector<std::uint8_t> m_rows; ///< the rows of a part, packed
 };
 
 }

@@ -8,16 +8,16 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// What transparency there is: without a compositor, what is transparent is garbage. Followed while
-/// the program runs where the server tells of selections (XFIXES). Main thread.
+/// Whether transparency works: without a compositor, transparent pixels show garbage. Followed
+/// while the program runs where the server reports selections (XFIXES). Main thread.
 class Compositing {
 public:
     explicit Compositing(Connection&);
 
     const Published<bool>& isActive() const { return m_isActive; }
-    /// Only some window managers blur what is behind a window, and those that do say so.
+    /// Only some window managers blur what is behind a window; those that do announce it.
     const Published<bool>& canBlur() const { return m_canBlur; }
-    /// Looks again where the server does not tell.
+    /// Checks again where the server does not report changes.
     void refresh();
 
 private:
@@ -27,7 +27,7 @@ private:
     bool managerSupports(xcb_atom_t feature) const;
 
     Connection& m_connection;
-    std::uint8_t m_selectionEvent = 0; ///< 0: the server tells nothing of selections
+    std::uint8_t m_selectionEvent = 0; ///< 0: the server does not report selections
     bool m_isStale = false;
     Published<bool> m_isActive;
     Published<bool> m_canBlur;

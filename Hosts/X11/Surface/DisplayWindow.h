@@ -18,7 +18,7 @@ namespace quorvel::xdg::x11 {
 class X11Panel;
 
 /// The one window of a display, for all its panels: it shows the panel of the current space, so a
-/// switch maps and unmaps nothing, and panels that are not seen hold no pixels.
+/// switch maps and unmaps nothing, and panels that are not visible need no pixels.
 class DisplayWindow {
 public:
     DisplayWindow(const SurfaceContext&, DisplayNumber, bool canBlur);
@@ -31,7 +31,7 @@ public:
     /// A panel, the current space or the monitors changed.
     void update();
     void invalidate(const X11Panel&, const Rect& points);
-    /// Unless it is the current one already.
+    /// Does nothing if it is already the current one.
     void requestSpace(SpaceID) const;
 
     bool isCurrent(const X11Panel&) const;
@@ -40,13 +40,13 @@ public:
     bool shows(const X11Panel& panel) const { return m_window && m_shown == &panel; }
     bool hasPanels() const { return !m_panels.empty(); }
     bool canBlur() const { return m_canBlur; }
-    /// Makes the window anew, with or without transparency.
+    /// Makes the window again, with or without transparency.
     void setCanBlur(bool);
     double scale() const;
     Duration frameInterval() const;
     const SurfaceContext& context() const { return m_context; }
 
-    /// After the panel has heard of a move of the pointer.
+    /// Emitted after the panel has received a move of the pointer.
     std::function<void()> onPointerMoved;
 
     void repaintAll();
@@ -56,7 +56,7 @@ private:
     bool hasOrderedInPanel() const;
     void show(X11Panel&);
     void takeAway(const X11Panel* successor);
-    /// Who hears of the pointer and of files from now on.
+    /// Who receives the pointer and files from now on.
     void setListener(SurfaceClient*);
     void hide();
     void placeWindow(const Rect& pixels);
@@ -79,10 +79,10 @@ private:
     WindowVisual m_visual;
     std::unique_ptr<BackBuffer> m_buffer;
     std::unique_ptr<DockWindow> m_window;
-    std::unique_ptr<DropTarget> m_drops; ///< as long as the window
+    std::unique_ptr<DropTarget> m_drops; ///< exists as long as the window
     double m_paintedScale = 0;
     bool m_hasContent = false;
-    bool m_isLost = false; ///< somebody else has destroyed it
+    bool m_isLost = false; ///< destroyed by another program
     bool m_isLowered = false;
     bool m_blurs = false;
     std::vector<Subscription> m_subscriptions;

@@ -9,8 +9,8 @@
 
 namespace quorvel::xdg::x11 {
 
-/// A bare window of type dock, on every desktop, and what window managers want to know of it.
-/// Pixels of the X screen. Destroying it takes its strut back.
+/// A bare window of type dock, on every desktop, with the hints that window managers need. Pixels
+/// of the X screen. Destroying it removes its strut.
 class DockWindow {
 public:
     DockWindow(Connection&, Dispatch&, const WindowVisual&, const Rect& frame);
@@ -29,8 +29,8 @@ public:
     /// Under all windows of its monitor, or back above them.
     void setLowered(bool);
 
-    /// For an event of this window: window managers may put it somewhere else at any time, and any
-    /// client may unmap it.
+    /// For an event of this window: window managers may move it at any time, and any client may
+    /// unmap it.
     void handle(const xcb_generic_event_t*);
     /// Puts it back where it belongs.
     void endTurn();

@@ -15,9 +15,9 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// A window onto which other programs may drop files, by version 5 of the XDND protocol: the source
-/// says where the pointer is, hears at once whether a drop there would be taken, and is asked for
-/// the list of files when they are dropped. One source at a time. Main thread.
+/// A window on which other programs may drop files, by version 5 of the XDND protocol: the source
+/// reports where the pointer is, learns at once whether a drop there would be accepted, and is
+/// asked for the list of files when they are dropped. One source at a time. Main thread.
 class DropTarget {
 public:
     DropTarget(Connection&, Dispatch&, xcb_window_t);
@@ -27,7 +27,7 @@ public:
 
     /// Where the window lies on the X screen.
     void setPlace(Point pixels, double pixelsPerPoint);
-    /// The view that hears from now on; the former one sees the files leave.
+    /// The view that receives events from now on; the former one sees the files leave.
     void setClient(SurfaceClient*);
 
 private:
@@ -41,7 +41,7 @@ private:
     bool offersFiles(const xcb_client_message_event_t&) const;
     std::vector<std::string> readPaths() const;
     void watchSource();
-    /// The source has left, or whatever it does from now on is of no interest.
+    /// The source has left, or is ignored from now on.
     void forgetSource();
     void exitClient();
     void sendStatus() const;
@@ -57,9 +57,9 @@ private:
 
     xcb_window_t m_source = XCB_WINDOW_NONE; ///< none while nothing is dragged over the window
     bool m_offersFiles = false;
-    bool m_isTaken = false; ///< as the client said of the last place
-    std::optional<Point> m_place; ///< absent unless the client knows of the files
-    std::optional<xcb_timestamp_t> m_dropped; ///< while the list of files is waited for
+    bool m_isTaken = false; ///< as the client answered for the last place
+    std::optional<Point> m_place; ///< absent unless the client was told of the files
+    std::optional<xcb_timestamp_t> m_dropped; ///< while waiting for the list of files
     WorkItem m_watch;
     WorkItem m_patience;
     Subscription m_events;

@@ -14,13 +14,13 @@ namespace quorvel::xdg::x11 {
 class Connection;
 class Keyboard;
 
-/// Who of this program hears of all keys and, for a menu, of all that the pointer does. Grabs nest:
-/// the newest hears, and when it ends, the one before it does again. The focus stays where it is:
-/// the programs' windows look as they did, and the window manager does not hear of it. Main thread;
-/// outlives the grabs.
+/// Which surface of this program receives all keys and, for a menu, everything the pointer does.
+/// Grabs nest: the newest one receives, and when it ends, the one before it does again. The focus
+/// stays where it is: the programs' windows keep their look, and the window manager notices
+/// nothing. Main thread; outlives the grabs.
 class InputGrabs {
 public:
-    /// What one surface holds. Its end ends the hold without a word.
+    /// The hold of one surface. Destroying it ends the hold without a callback.
     class Grab {
     public:
         Grab(InputGrabs& grabs, const PlacedSurface& surface, SurfaceClient& client)
@@ -33,10 +33,10 @@ public:
         Grab(const Grab&) = delete;
         Grab& operator=(const Grab&) = delete;
 
-        /// Until it is released or a button of the pointer is pressed, wherever that is. False
-        /// while another program has the keyboard to itself.
+        /// Holds the keyboard until it is released or a button of the pointer is pressed anywhere.
+        /// False while another program has it grabbed.
         bool takeKeyboard();
-        /// The pointer too, until it is released. A refusal is told later.
+        /// Holds the pointer too, until it is released. A refusal is reported later.
         void takeAll();
         void release();
 
@@ -55,14 +55,14 @@ public:
     InputGrabs(const InputGrabs&) = delete;
     InputGrabs& operator=(const InputGrabs&) = delete;
 
-    /// All that the pointer was on must believe that it has left.
+    /// Makes whatever the pointer was on believe that it has left.
     Signal<> pointerTaken;
 
 private:
     using Extent = Grab::Extent;
 
     void add(Grab&, Extent);
-    /// True if it was there.
+    /// True if it was held.
     bool remove(Grab&);
     void followTop();
     bool holdsAll() const { return !m_grabs.empty() && m_grabs.back()->m_extent == Extent::all; }
@@ -78,8 +78,8 @@ private:
     Connection& m_connection;
     Dispatch& m_dispatch;
     Keyboard& m_keyboard;
-    const RawButtons m_presses; ///< the masters' own selection is left to others
-    xcb_window_t m_window = XCB_WINDOW_NONE; ///< unseen, has all grabs; made with the first one
+    const RawButtons m_presses; ///< the selection of the master devices is left to others
+    xcb_window_t m_window = XCB_WINDOW_NONE; ///< invisible, holds all grabs; made for the first
     std::vector<Grab*> m_grabs; ///< the newest last
     bool m_hasPointer = false;
     bool m_hasKeyboard = false;

@@ -8,8 +8,8 @@
 
 namespace quorvel::xdg::x11 {
 
-/// Runs once, after what the loop has ready now, however often it is asked for; at once after a
-/// pause, and then no faster than anybody could see. Main thread.
+/// Paints once after everything that is ready in the loop, however often it is requested: at once
+/// after a pause, and then no faster than anybody could see. Main thread.
 class PaintSource {
 public:
     explicit PaintSource(std::function<void()> paint);

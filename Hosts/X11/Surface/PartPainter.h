@@ -12,7 +12,7 @@ namespace quorvel::xdg::x11 {
 
 struct SurfaceContext;
 
-/// Has the client paint this part (pixels) of its picture anew, over the ground.
+/// Has the client repaint this part (pixels) of its picture, over the ground.
 void paintPart(const SurfaceContext&, SurfaceClient&, cairo_surface_t* picture, const Rect& part,
     const Color& ground = Color::grey(0, 0));
 

@@ -8,21 +8,21 @@
 
 namespace quorvel::xdg::x11 {
 
-/// `none` for what is no button of those that surfaces know.
+/// `none` for a button that surfaces do not know.
 PointerButton pointerButtonOf(xcb_button_t);
-/// Absent for what is no wheel.
+/// Absent for a button that is no wheel.
 std::optional<ScrollEvent> scrollEventOf(xcb_button_t, Point);
 
-/// Hands one window's pointer events to the client in it. Motion is kept until the turn of the loop
-/// ends or another event needs its place, so a fast mouse costs one event per turn.
+/// Passes one window's pointer events to the client in it. Motion is held back until the turn of
+/// the loop ends or another event needs the position, so a fast mouse costs one event per turn.
 class PointerTracker {
 public:
     void setScale(double pixelsPerPoint) { m_scale = pixelsPerPoint; }
-    /// Who hears from now on: the former one has lost the pointer, to the new one it comes.
+    /// Who receives events from now on: the former client loses the pointer, the new one gets it.
     void setClient(SurfaceClient*);
     /// For an event of this window.
     void handle(const xcb_generic_event_t*);
-    /// Whether the pointer has moved since.
+    /// Whether the pointer has moved since the last call.
     bool endTurn();
     /// The window goes, or a menu takes the pointer. What it did before comes too late from now on.
     void lose();

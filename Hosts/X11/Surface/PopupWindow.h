@@ -7,12 +7,12 @@
 
 namespace quorvel::xdg::x11 {
 
-/// A window that no window manager touches, above all others and on every desktop. Where its
-/// picture is transparent there is no window for the pointer and, without a compositor, none for
-/// the eye either. Pixels of the X screen.
+/// A window that window managers leave alone, above all others and on every desktop. Where its
+/// picture is transparent, the window does not receive the pointer and, without a compositor, is
+/// not visible either. Pixels of the X screen.
 class PopupWindow {
 public:
-    /// What compositors and window managers are told that it is.
+    /// The window type that compositors and window managers are told.
     enum class Kind { tooltip, menu };
 
     PopupWindow(Connection&, const std::string& title, Kind, bool isComposited);
@@ -21,15 +21,15 @@ public:
     PopupWindow& operator=(const PopupWindow&) = delete;
 
     xcb_window_t id() const { return m_window; }
-    /// True if the picture must be painted anew.
+    /// True if the picture must be repainted.
     bool setFrame(const Rect&);
     bool setComposited(bool);
-    /// What is to be painted on; null for lack of memory.
+    /// The surface to paint on; null for lack of memory.
     cairo_surface_t* picture() const { return m_picture ? m_picture.get() : m_buffer.surface(); }
     /// Shows these parts of the picture; the window comes up with the first ones.
     void present(const std::vector<Rect>& parts);
     void raise();
-    /// Only a compositor does anything about it.
+    /// Has an effect only with a compositor.
     void setOpacity(double);
     void expose(const Rect& part) { m_buffer.copyTo(m_window, part); }
 
@@ -41,9 +41,9 @@ private:
 
     Connection& m_connection;
     const WindowVisual m_visual;
-    bool m_keepsAlpha; ///< a compositor shows what is transparent
+    bool m_keepsAlpha; ///< a compositor shows transparency
     BackBuffer m_buffer;
-    CairoSurface m_picture; ///< what is shown without its transparency; null where that is kept
+    CairoSurface m_picture; ///< what is shown, without transparency; null where that is kept
     const xcb_window_t m_window;
     Rect m_frame;
     std::vector<xcb_rectangle_t> m_shape;

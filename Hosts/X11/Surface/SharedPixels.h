@@ -9,11 +9,11 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// Rows of 32-bit pixels in memory that the X server sees as well: a whole bar gets there in a
-/// hundredth of the time that sending it takes.
+/// Rows of 32-bit pixels in memory shared with the X server: a whole bar gets there in a hundredth
+/// of the time that sending it takes.
 class SharedPixels {
 public:
-    /// Null where the server is another machine's or does not share memory.
+    /// Null where the server runs on another machine or does not share memory.
     static std::unique_ptr<SharedPixels> create(Connection&, int width, int height);
     ~SharedPixels();
     SharedPixels(const SharedPixels&) = delete;
@@ -32,7 +32,7 @@ private:
     const int m_width;
     const int m_height;
     std::uint8_t* const m_data;
-    xcb_shm_seg_t m_segment = 0; ///< 0: the server does not have it
+    xcb_shm_seg_t m_segment = 0; ///< 0: not attached to the server
 };
 
 }

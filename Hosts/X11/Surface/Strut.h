@@ -8,15 +8,15 @@
 
 namespace quorvel::xdg::x11 {
 
-/// The strip at the bottom of the X screen that a window keeps for itself, in pixels; as window
-/// managers read it, it counts from the edge of the whole X screen.
+/// The strip at the bottom of the X screen that a window reserves, in pixels; window managers count
+/// it from the edge of the whole X screen.
 struct Strut {
     std::uint32_t bottom = 0; ///< 0: none
     std::uint32_t startX = 0;
-    std::uint32_t endX = 0; ///< the last column that belongs to it
+    std::uint32_t endX = 0; ///< the last column of the strip
 
     /// For `pixels` at the bottom of a monitor; none where another monitor lies below, since the
-    /// strip would go through that one.
+    /// strip would cross that one.
     static Strut atBottomOf(
         const Rect& monitor, double pixels, const std::vector<Monitor>& all, Size screenPixels);
 

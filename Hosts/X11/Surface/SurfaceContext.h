@@ -21,7 +21,7 @@ class FrameIntervals;
 class InputGrabs;
 class Monitors;
 
-/// What every window of ours needs; all of it outlives them.
+/// What every window of ours needs; all of it outlives the windows.
 struct SurfaceContext {
     Connection& connection;
     Dispatch& dispatch;

@@ -11,8 +11,8 @@ namespace quorvel::xdg::x11 {
 
 class Connection;
 
-/// Asks where a window really is and how large, without waiting: the answer is looked for at the
-/// end of each turn of the loop.
+/// Asks for a window's real position and size without waiting: the answer is picked up at the end
+/// of a turn of the loop.
 class WindowPlaceQuery {
 public:
     WindowPlaceQuery(Connection& connection, xcb_window_t window);

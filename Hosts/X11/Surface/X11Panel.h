@@ -19,7 +19,7 @@ public:
     void orderFront() override;
     void orderOut() override;
     void setCanBecomeKey(bool canBecomeKey) override { m_canBecomeKey = canBecomeKey; }
-    /// Its desktop becomes the current one. The focus stays with the programs.
+    /// Makes its desktop the current one. The focus stays with the programs.
     void makeKeyAndOrderFront() override;
     bool isVisible() const override;
     double scale() const override;
@@ -35,7 +35,7 @@ public:
     SurfaceClient& client() const { return m_client; }
     bool isOrderedIn() const { return m_isOrderedIn; }
     const std::optional<VisualEffect>& blur() const { return m_blur; }
-    /// What lies under the content: over a blur, the tint of its material.
+    /// What is painted under the content: over a blur, the tint of its material.
     Color ground() const;
     Rect framePixels() const override;
 
@@ -46,7 +46,7 @@ private:
     Rect m_frame; ///< points, bottom-left origin
     bool m_isOrderedIn = false;
     bool m_canBecomeKey = false;
-    std::optional<VisualEffect> m_blur; ///< as far as it can be had
+    std::optional<VisualEffect> m_blur; ///< as far as it is available
     InputGrabs::Grab m_grab;
     Subscription m_accessible;
 };

@@ -14,8 +14,8 @@
 
 namespace quorvel::xdg::x11 {
 
-/// A surface above the bars with a window of its own, which exists only while it is ordered in.
-/// Where it lies and what it shows change together, once a turn, however often it is moved.
+/// A surface above the bars with a window of its own, which exists only while the surface is
+/// ordered in. Its place and its picture change together, once a turn, however often it is moved.
 class X11Popup final : public PlacedSurface {
 public:
     X11Popup(const SurfaceContext&, const PanelOptions&, SurfaceClient&,
