@@ -37,7 +37,7 @@ Menu settingsMenu(UserSettings& settings)
             [&settings](BarSize size) { settings.setBarSize(size); }),
         choice("Theme", kAllBarThemes, std::array{"Frosted", "Longhorn", "Aero"}, settings.theme(),
             [&settings](BarTheme theme) { settings.setTheme(theme); }),
-        choice("Wheel Up Leads", kAllSpaceScrollUpBehaviors, std::array{"Left", "Right"},
+        choice("Scroll Up Switches To", kAllSpaceScrollUpBehaviors, std::array{"Left", "Right"},
             settings.scrollUpSpaceSwitch(),
             [&settings](SpaceScrollUpBehavior side) { settings.setScrollUpSpaceSwitch(side); }),
         {},
