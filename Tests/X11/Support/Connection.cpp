@@ -1,23 +1,8 @@
 #include "Tests/X11/Support/Connection.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace quorvel::x11tests {
-
-namespace {
-
-using PropertyReply = std::unique_ptr<xcb_get_property_reply_t, Free>;
-
-PropertyReply read(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property)
-{
-    constexpr std::uint32_t kItems = 1 << 20;
-    const auto cookie
-        = xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, kItems);
-    return PropertyReply{xcb_get_property_reply(connection, cookie, nullptr)};
-}
-
-}
 
 Connection::Connection(const std::string& display)
     : m_connection(xcb_connect(display.c_str(), nullptr))
@@ -38,16 +23,8 @@ xcb_atom_t Connection::atom(const std::string& name)
         return known->second;
     const auto cookie
         = xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply{
-        xcb_intern_atom_reply(m_connection, cookie, nullptr)};
+    const auto reply = wait(xcb_intern_atom_reply, cookie);
     return m_atoms[name] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
-void Connection::sync()
-{
-    const auto cookie = xcb_get_input_focus(m_connection);
-    const std::unique_ptr<xcb_get_input_focus_reply_t, Free> reply{
-        xcb_get_input_focus_reply(m_connection, cookie, nullptr)};
 }
 
 void Connection::send(xcb_window_t to, std::uint32_t events, xcb_window_t about,
@@ -63,9 +40,17 @@ void Connection::send(xcb_window_t to, std::uint32_t events, xcb_window_t about,
     sync();
 }
 
+Connection::PropertyReply Connection::read(xcb_window_t window, const std::string& property)
+{
+    constexpr std::uint32_t kItems = 1 << 20;
+    return wait(xcb_get_property_reply,
+        xcb_get_property(
+            m_connection, 0, window, atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, kItems));
+}
+
 std::vector<std::uint32_t> Connection::numbers(xcb_window_t window, const std::string& property)
 {
-    const auto reply = read(m_connection, window, atom(property));
+    const auto reply = read(window, property);
     if (!reply || reply->format != 32)
         return {};
     const auto* const first
@@ -75,7 +60,7 @@ std::vector<std::uint32_t> Connection::numbers(xcb_window_t window, const std::s
 
 std::string Connection::text(xcb_window_t window, const std::string& property)
 {
-    const auto reply = read(m_connection, window, atom(property));
+    const auto reply = read(window, property);
     if (!reply || reply->format != 8)
         return {};
     return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};

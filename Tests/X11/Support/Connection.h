@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <map>
+#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -42,8 +43,15 @@ public:
     xcb_connection_t* get() const { return m_connection; }
     xcb_window_t root() const { return m_root; }
     xcb_atom_t atom(const std::string& name);
+    /// Waits for the answer to a request; null when there is none.
+    template <typename Reply, typename Cookie>
+    std::unique_ptr<Reply, Free> wait(
+        Reply* (*reply)(xcb_connection_t*, Cookie, xcb_generic_error_t**), Cookie cookie) const
+    {
+        return std::unique_ptr<Reply, Free>{reply(m_connection, cookie, nullptr)};
+    }
     /// Waits until the server has seen all that was sent.
-    void sync();
+    void sync() { wait(xcb_get_input_focus_reply, xcb_get_input_focus(m_connection)); }
     /// True after the server or the window manager has cut the connection.
     bool isCut() const { return xcb_connection_has_error(m_connection) != 0; }
 
@@ -61,6 +69,10 @@ public:
         xcb_window_t, const std::string& property, const std::string& type, std::string_view text);
 
 private:
+    using PropertyReply = std::unique_ptr<xcb_get_property_reply_t, Free>;
+
+    PropertyReply read(xcb_window_t, const std::string& property);
+
     xcb_connection_t* m_connection;
     xcb_window_t m_root = XCB_NONE;
     std::map<std::string, xcb_atom_t> m_atoms;

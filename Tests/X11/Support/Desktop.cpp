@@ -49,16 +49,15 @@ std::vector<xcb_window_t> Desktop::docks()
 
 bool Desktop::isViewable(xcb_window_t window)
 {
-    const std::unique_ptr<xcb_get_window_attributes_reply_t, Free> reply{
-        xcb_get_window_attributes_reply(
-            m_connection.get(), xcb_get_window_attributes(m_connection.get(), window), nullptr)};
+    const auto reply = m_connection.wait(
+        xcb_get_window_attributes_reply, xcb_get_window_attributes(m_connection.get(), window));
     return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 int Desktop::depth(xcb_window_t window)
 {
-    const std::unique_ptr<xcb_get_geometry_reply_t, Free> reply{xcb_get_geometry_reply(
-        m_connection.get(), xcb_get_geometry(m_connection.get(), window), nullptr)};
+    const auto reply
+        = m_connection.wait(xcb_get_geometry_reply, xcb_get_geometry(m_connection.get(), window));
     return reply ? reply->depth : 0;
 }
 
@@ -90,9 +89,8 @@ std::string Desktop::applicationClass(xcb_window_t window)
 std::optional<pid_t> Desktop::processOf(xcb_window_t window)
 {
     const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    const auto cookie = xcb_res_query_client_ids(m_connection.get(), 1, &spec);
-    const std::unique_ptr<xcb_res_query_client_ids_reply_t, Free> reply{
-        xcb_res_query_client_ids_reply(m_connection.get(), cookie, nullptr)};
+    const auto reply = m_connection.wait(
+        xcb_res_query_client_ids_reply, xcb_res_query_client_ids(m_connection.get(), 1, &spec));
     if (!reply)
         return std::nullopt;
     const auto ids = xcb_res_query_client_ids_ids_iterator(reply.get());
@@ -134,17 +132,16 @@ xcb_window_t Desktop::activeWindow()
 std::uint32_t Desktop::resourcesOf(pid_t process)
 {
     auto* const connection = m_connection.get();
-    const std::unique_ptr<xcb_res_query_clients_reply_t, Free> clients{
-        xcb_res_query_clients_reply(connection, xcb_res_query_clients(connection), nullptr)};
+    const auto clients
+        = m_connection.wait(xcb_res_query_clients_reply, xcb_res_query_clients(connection));
     const int count = clients ? xcb_res_query_clients_clients_length(clients.get()) : 0;
     std::uint32_t resources = 0;
     for (int i = 0; i < count; ++i) {
         const auto base = xcb_res_query_clients_clients(clients.get())[i].resource_base;
         if (processOf(base) != process)
             continue;
-        const auto cookie = xcb_res_query_client_resources(connection, base);
-        const std::unique_ptr<xcb_res_query_client_resources_reply_t, Free> reply{
-            xcb_res_query_client_resources_reply(connection, cookie, nullptr)};
+        const auto reply = m_connection.wait(
+            xcb_res_query_client_resources_reply, xcb_res_query_client_resources(connection, base));
         const int types = reply ? xcb_res_query_client_resources_types_length(reply.get()) : 0;
         for (int j = 0; j < types; ++j)
             resources += xcb_res_query_client_resources_types(reply.get())[j].count;
@@ -188,13 +185,10 @@ Frame Desktop::workArea()
 Frame Desktop::frame(xcb_window_t window)
 {
     auto* const connection = m_connection.get();
-    const auto geometryCookie = xcb_get_geometry(connection, window);
-    const auto placeCookie
-        = xcb_translate_coordinates(connection, window, m_connection.root(), 0, 0);
-    const std::unique_ptr<xcb_get_geometry_reply_t, Free> geometry{
-        xcb_get_geometry_reply(connection, geometryCookie, nullptr)};
-    const std::unique_ptr<xcb_translate_coordinates_reply_t, Free> place{
-        xcb_translate_coordinates_reply(connection, placeCookie, nullptr)};
+    const auto geometry
+        = m_connection.wait(xcb_get_geometry_reply, xcb_get_geometry(connection, window));
+    const auto place = m_connection.wait(xcb_translate_coordinates_reply,
+        xcb_translate_coordinates(connection, window, m_connection.root(), 0, 0));
     if (!geometry || !place)
         return {};
     auto extents = m_connection.numbers(window, "_NET_FRAME_EXTENTS");
@@ -209,8 +203,7 @@ xcb_window_t Desktop::windowAt(int x, int y)
     const auto root = m_connection.root();
     const auto cookie = xcb_translate_coordinates(
         m_connection.get(), root, root, static_cast<std::int16_t>(x), static_cast<std::int16_t>(y));
-    const std::unique_ptr<xcb_translate_coordinates_reply_t, Free> reply{
-        xcb_translate_coordinates_reply(m_connection.get(), cookie, nullptr)};
+    const auto reply = m_connection.wait(xcb_translate_coordinates_reply, cookie);
     return reply ? reply->child : xcb_window_t{XCB_NONE};
 }
 
@@ -219,8 +212,7 @@ std::string Desktop::picture(const Frame& frame)
     const auto cookie = xcb_get_image(m_connection.get(), XCB_IMAGE_FORMAT_Z_PIXMAP,
         m_connection.root(), static_cast<std::int16_t>(frame.x), static_cast<std::int16_t>(frame.y),
         static_cast<std::uint16_t>(frame.width), static_cast<std::uint16_t>(frame.height), ~0U);
-    const std::unique_ptr<xcb_get_image_reply_t, Free> reply{
-        xcb_get_image_reply(m_connection.get(), cookie, nullptr)};
+    const auto reply = m_connection.wait(xcb_get_image_reply, cookie);
     if (!reply)
         return {};
     const auto* const pixels = reinterpret_cast<const char*>(xcb_get_image_data(reply.get()));

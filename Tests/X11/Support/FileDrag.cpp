@@ -36,8 +36,7 @@ xcb_window_t FileDrag::targetAt(int x, int y)
     while (window != XCB_NONE && m_connection.numbers(window, "XdndAware").empty()) {
         const auto cookie = xcb_translate_coordinates(m_connection.get(), m_connection.root(),
             window, static_cast<std::int16_t>(x), static_cast<std::int16_t>(y));
-        const std::unique_ptr<xcb_translate_coordinates_reply_t, Free> reply{
-            xcb_translate_coordinates_reply(m_connection.get(), cookie, nullptr)};
+        const auto reply = m_connection.wait(xcb_translate_coordinates_reply, cookie);
         window = reply ? reply->child : xcb_window_t{XCB_NONE};
     }
     return window;

@@ -1,7 +1,5 @@
 #include "Tests/X11/Support/Keyboard.h"
 
-#include <memory>
-
 #include <gtest/gtest.h>
 #include <xcb/xtest.h>
 
@@ -14,8 +12,7 @@ std::uint8_t Keyboard::keyOf(std::uint32_t symbol)
     const int count = setup->max_keycode - first + 1;
     const auto cookie = xcb_get_keyboard_mapping(
         m_connection.get(), setup->min_keycode, static_cast<std::uint8_t>(count));
-    const std::unique_ptr<xcb_get_keyboard_mapping_reply_t, Free> map{
-        xcb_get_keyboard_mapping_reply(m_connection.get(), cookie, nullptr)};
+    const auto map = m_connection.wait(xcb_get_keyboard_mapping_reply, cookie);
     for (int i = 0; map && i < count; ++i) {
         if (xcb_get_keyboard_mapping_keysyms(map.get())[i * map->keysyms_per_keycode] == symbol)
             return static_cast<std::uint8_t>(first + i);

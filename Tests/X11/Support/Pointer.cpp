@@ -1,7 +1,5 @@
 #include "Tests/X11/Support/Pointer.h"
 
-#include <memory>
-
 #include <xcb/xtest.h>
 
 #include "Tests/X11/Support/Eventually.h"
@@ -58,9 +56,8 @@ void Pointer::click(const Frame& frame, Button button)
 bool Pointer::isPressed(Button button)
 {
     const auto mask = XCB_BUTTON_MASK_1 << (static_cast<unsigned>(button) - 1);
-    const auto cookie = xcb_query_pointer(m_connection.get(), m_connection.root());
-    const std::unique_ptr<xcb_query_pointer_reply_t, Free> reply{
-        xcb_query_pointer_reply(m_connection.get(), cookie, nullptr)};
+    const auto reply = m_connection.wait(
+        xcb_query_pointer_reply, xcb_query_pointer(m_connection.get(), m_connection.root()));
     return reply && (reply->mask & mask) != 0;
 }
 
