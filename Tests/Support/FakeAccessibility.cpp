@@ -53,6 +53,12 @@ AXReply answer(const std::optional<WindowID>& window)
     return window ? answer(AXValue{elementOf(*window)}) : AXReply{AXError::noValue, {}};
 }
 
+AXReply oneOf(const std::map<std::string_view, AXReply>& answers, std::string_view attribute)
+{
+    auto found = answers.find(attribute);
+    return found == answers.end() ? AXReply{AXError::attributeUnsupported, {}} : found->second;
+}
+
 /// What it says instead of the truth, if it does.
 template <typename Faults>
 std::optional<AXReply> lie(const Faults& faults, std::string_view attribute)
@@ -172,17 +178,13 @@ AXReply FakeAccessibility::applicationAttribute(
         }
         return answer(AXValue{std::move(listed)});
     }
-    if (attribute == ax::focusedWindow)
-        return answer(application.focusedWindow);
-    if (attribute == ax::mainWindow)
-        return answer(application.mainWindow);
-    if (attribute == ax::frontmost)
-        return answer(AXValue{m_desktop.model().frontmost == application.info.pid});
-    if (attribute == ax::title)
-        return answer(AXValue{application.info.localizedName});
-    if (attribute == ax::role)
-        return answer(AXValue{std::string{"AXApplication"}});
-    return {AXError::attributeUnsupported, {}};
+    return oneOf(
+        {{ax::focusedWindow, answer(application.focusedWindow)},
+            {ax::mainWindow, answer(application.mainWindow)},
+            {ax::frontmost, answer(AXValue{m_desktop.model().frontmost == application.info.pid})},
+            {ax::title, answer(AXValue{application.info.localizedName})},
+            {ax::role, answer(AXValue{std::string{"AXApplication"}})}},
+        attribute);
 }
 
 bool FakeAccessibility::isListed(const FakeWindow& window) const
@@ -194,29 +196,19 @@ AXReply FakeAccessibility::windowAttribute(
     const FakeWindow& window, std::string_view attribute) const
 {
     auto& application = *m_desktop.model().application(window.pid);
-    if (attribute == ax::title)
-        return answer(AXValue{window.title});
-    if (attribute == ax::role)
-        return answer(window.role);
-    if (attribute == ax::subrole)
-        return answer(window.subrole);
-    if (attribute == ax::modal)
-        return answer(AXValue{window.isModal});
-    if (attribute == ax::minimized)
-        return answer(AXValue{window.isMinimized});
-    if (attribute == ax::main)
-        return answer(AXValue{application.mainWindow == window.id});
-    if (attribute == ax::focused)
-        return answer(AXValue{application.focusedWindow == window.id});
-    if (attribute == ax::position)
-        return answer(AXValue{window.frame.origin()});
-    if (attribute == ax::size)
-        return answer(AXValue{window.frame.size()});
-    if (attribute == ax::closeButton)
-        return answer(AXValue{element(Part::closeButton, raw(window.id))});
-    if (attribute == ax::windowNumber && window.faults.hasWindowNumber)
-        return answer(AXValue{static_cast<double>(raw(window.id))});
-    return {AXError::attributeUnsupported, {}};
+    if (attribute == ax::windowNumber && !window.faults.hasWindowNumber)
+        return {AXError::attributeUnsupported, {}};
+    return oneOf(
+        {{ax::title, answer(AXValue{window.title})}, {ax::role, answer(window.role)},
+            {ax::subrole, answer(window.subrole)}, {ax::modal, answer(AXValue{window.isModal})},
+            {ax::minimized, answer(AXValue{window.isMinimized})},
+            {ax::main, answer(AXValue{application.mainWindow == window.id})},
+            {ax::focused, answer(AXValue{application.focusedWindow == window.id})},
+            {ax::position, answer(AXValue{window.frame.origin()})},
+            {ax::size, answer(AXValue{window.frame.size()})},
+            {ax::closeButton, answer(AXValue{element(Part::closeButton, raw(window.id))})},
+            {ax::windowNumber, answer(AXValue{static_cast<double>(raw(window.id))})}},
+        attribute);
 }
 
 AXError FakeAccessibility::setAttribute(

@@ -238,68 +238,35 @@ std::unique_ptr<PanelSurface> FakeSurfaces::createPanel(
     return std::make_unique<FakePanel>(m_desktop, *this, options, client);
 }
 
-FakePanel* FakeSurfaces::popup() const
-{
-    auto found = std::ranges::find_if(m_panels, [](const FakePanel* panel) {
-        return panel->options().kind == PanelKind::popup && panel->isOrderedIn();
-    });
-    return found == m_panels.end() ? nullptr : *found;
-}
-
-std::vector<FakePanel*> FakeSurfaces::visiblePanels() const
-{
-    std::vector<FakePanel*> visible;
-    std::ranges::copy_if(m_panels, std::back_inserter(visible), &FakePanel::isVisible);
-    return visible;
-}
-
 Subscription FakeSurfaces::monitorPointer(PointerScope scope, std::function<void()> handler)
 {
     return m_pointerMoved[scope].subscribe(std::move(handler));
 }
 
-template <typename Condition> FakePanel* FakeSurfaces::find(Condition condition) const
+template <typename Condition>
+std::vector<FakePanel*> FakeSurfaces::those(PanelKind kind, Condition condition) const
 {
-    auto found = std::ranges::find_if(
-        m_panels, [&](const FakePanel* panel) { return condition(panel->options()); });
-    return found == m_panels.end() ? nullptr : *found;
+    std::vector<FakePanel*> found;
+    std::ranges::copy_if(m_panels, std::back_inserter(found),
+        [&](const FakePanel* panel) { return panel->options().kind == kind && condition(*panel); });
+    return found;
 }
 
-FakePanel* FakeSurfaces::panel(SpaceID space) const
+std::vector<FakePanel*> FakeSurfaces::panels(SpaceID space, PanelKind kind) const
 {
-    return find([&](const PanelOptions& options) {
-        return options.kind == PanelKind::bar && options.space == space;
-    });
+    return those(kind, [&](const FakePanel& panel) { return panel.options().space == space; });
 }
 
-FakePanel* FakeSurfaces::panel(SpaceID space, DisplayNumber display) const
+FakePanel* FakeSurfaces::panel(SpaceID space, std::optional<DisplayNumber> display) const
 {
-    return find([&](const PanelOptions& options) {
-        return options.kind == PanelKind::bar && options.space == space
-            && options.display == display;
-    });
+    auto bars = panels(space, PanelKind::bar);
+    std::erase_if(bars, [&](auto* bar) { return display && bar->options().display != *display; });
+    return firstOf(bars);
 }
 
-FakePanel* FakeSurfaces::fullscreenProxy(SpaceID space) const
+std::vector<FakePanel*> FakeSurfaces::open(PanelKind kind) const
 {
-    return find([&](const PanelOptions& options) {
-        return options.kind == PanelKind::fullscreenProxy && options.space == space;
-    });
-}
-
-FakePanel* FakeSurfaces::menu() const
-{
-    auto open = menus();
-    return open.empty() ? nullptr : open.front();
-}
-
-std::vector<FakePanel*> FakeSurfaces::menus() const
-{
-    std::vector<FakePanel*> open;
-    std::ranges::copy_if(m_panels, std::back_inserter(open), [](const FakePanel* panel) {
-        return panel->options().kind == PanelKind::menu && panel->isOrderedIn();
-    });
-    return open;
+    return those(kind, [](const FakePanel& panel) { return panel.isOrderedIn(); });
 }
 
 namespace {

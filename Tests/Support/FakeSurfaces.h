@@ -118,17 +118,17 @@ public:
 
     /// In the order made.
     const std::vector<FakePanel*>& panels() const { return m_panels; }
-    std::vector<FakePanel*> visiblePanels() const;
     /// The space's bar; null if there is none.
-    FakePanel* panel(SpaceID) const;
-    /// Its bar on that display.
-    FakePanel* panel(SpaceID, DisplayNumber) const;
-    FakePanel* fullscreenProxy(SpaceID) const;
+    FakePanel* panel(SpaceID, std::optional<DisplayNumber> = {}) const;
+    FakePanel* fullscreenProxy(SpaceID space) const
+    {
+        return firstOf(panels(space, PanelKind::fullscreenProxy));
+    }
     int panelsMade() const { return m_panelsMade; }
 
     /// The open menu, null if there is none, and after it its submenus.
-    FakePanel* menu() const;
-    std::vector<FakePanel*> menus() const;
+    FakePanel* menu() const { return firstOf(menus()); }
+    std::vector<FakePanel*> menus() const { return open(PanelKind::menu); }
     void closeMenu();
     /// Of the open menu; separators have none.
     std::vector<std::string> menuTitles() const;
@@ -136,7 +136,7 @@ public:
     /// enabled entry.
     bool chooseMenuItem(std::string_view title);
     /// The popup that is on the screen; null if there is none.
-    FakePanel* popup() const;
+    FakePanel* popup() const { return firstOf(open(PanelKind::popup)); }
 
     void pointerDidMove(PointerScope scope) { m_pointerMoved[scope].emit(); }
     /// Whether the system shows the space of a panel that takes the keyboard.
@@ -145,7 +145,13 @@ public:
 
 private:
     friend class FakePanel;
-    template <typename Condition> FakePanel* find(Condition) const;
+    static FakePanel* firstOf(const std::vector<FakePanel*>& panels)
+    {
+        return panels.empty() ? nullptr : panels.front();
+    }
+    template <typename Condition> std::vector<FakePanel*> those(PanelKind, Condition) const;
+    std::vector<FakePanel*> panels(SpaceID, PanelKind) const;
+    std::vector<FakePanel*> open(PanelKind) const;
     bool choose(FakePanel& menu, std::string_view title);
 
     FakeDesktop& m_desktop;

@@ -141,34 +141,21 @@ bool FakeWindowServer::displaysHaveSeparateSpaces() const
     return m_desktop.model().displaysHaveSeparateSpaces;
 }
 
-void FakeWindowServer::addWindowsToSpaces(
-    const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
+void FakeWindowServer::changeSpaces(
+    SpaceChange change, const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
 {
     for (auto id : windows) {
+        auto* window = m_desktop.model().window(id);
         for (auto space : spaces) {
-            m_moves.push_back({SpaceChange::add, id, space});
-            if (auto* window = m_desktop.model().window(id); window && !m_refusesMoves)
+            m_moves.push_back({change, id, space});
+            if (!window || m_refusesMoves)
+                continue;
+            if (change == SpaceChange::add)
                 window->spaces.insert(space);
-        }
-    }
-    announceMoves();
-}
-
-void FakeWindowServer::removeWindowsFromSpaces(
-    const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces)
-{
-    for (auto id : windows) {
-        for (auto space : spaces) {
-            m_moves.push_back({SpaceChange::remove, id, space});
-            if (auto* window = m_desktop.model().window(id); window && !m_refusesMoves)
+            else
                 window->spaces.erase(space);
         }
     }
-    announceMoves();
-}
-
-void FakeWindowServer::announceMoves() const
-{
     if (m_desktop.givesSpaceHints())
         m_desktop.post([this] { spacesOfWindowsDidChange.emit(); });
 }

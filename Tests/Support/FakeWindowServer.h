@@ -28,9 +28,16 @@ public:
     SpaceID activeSpace() const override;
     std::optional<std::string> spaceName(SpaceID) const override;
     bool displaysHaveSeparateSpaces() const override;
-    void addWindowsToSpaces(const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+    void addWindowsToSpaces(
+        const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces) override
+    {
+        changeSpaces(SpaceChange::add, windows, spaces);
+    }
     void removeWindowsFromSpaces(
-        const std::vector<WindowID>&, const std::vector<SpaceID>&) override;
+        const std::vector<WindowID>& windows, const std::vector<SpaceID>& spaces) override
+    {
+        changeSpaces(SpaceChange::remove, windows, spaces);
+    }
     bool setEdgeReservation(SpaceID, ScreenEdge, double height) override;
     bool setDockRectangle(const DockRectangle&) override;
     void clearDockRectangle(DisplayNumber) override;
@@ -110,7 +117,7 @@ public:
 
 private:
     CGWindowInfo entry(const FakeWindow&) const;
-    void announceMoves() const;
+    void changeSpaces(SpaceChange, const std::vector<WindowID>&, const std::vector<SpaceID>&);
 
     struct DesktopKey {
         FakeHotKey key;
