@@ -98,7 +98,8 @@ MacApplication::MacApplication()
     m_observers.emplace_back(NSWorkspace.sharedWorkspace.notificationCenter,
         NSWorkspaceAccessibilityDisplayOptionsDidChangeNotification,
         [this](NSNotification*) { m_appearance.set(currentAppearance()); });
-    m_observers.emplace_back(NSNotificationCenter.defaultCenter, NSSystemColorsDidChangeNotification,
+    m_observers.emplace_back(NSNotificationCenter.defaultCenter,
+        NSSystemColorsDidChangeNotification,
         [this](NSNotification*) { m_appearance.set(currentAppearance()); });
     m_darkObserver =
         [[QVPropertyObserver alloc] initWithObject:NSApp

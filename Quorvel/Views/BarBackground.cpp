@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "Quorvel/Views/Palette.h"
+#include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/VisualEffectBlur.h"
 
 namespace quorvel {

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "Quorvel/Views/Palette.h"
+#include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "Quorvel/Views/Palette.h"
+#include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
 

@@ -1,6 +1,6 @@
 #include "Quorvel/Views/ShowDesktopButton.h"
 
-#include "Quorvel/Views/Palette.h"
+#include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "Quorvel/Views/Palette.h"
+#include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/SpaceCell.h"
 
 namespace quorvel {

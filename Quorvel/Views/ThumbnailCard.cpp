@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "Quorvel/Views/Palette.h"
+#include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
 

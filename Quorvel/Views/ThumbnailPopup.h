@@ -12,7 +12,7 @@
 #include "Quorvel/Platform/Surfaces.h"
 #include "Quorvel/Views/BarHostingView.h"
 #include "Quorvel/Views/Kit/Animation.h"
-#include "Quorvel/Views/Palette.h"
+#include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/ThumbnailCard.h"
 
 namespace quorvel {

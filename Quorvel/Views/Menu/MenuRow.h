@@ -4,9 +4,9 @@
 #include <string>
 
 #include "Quorvel/Platform/Menu.h"
+#include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/Kit/View.h"
 #include "Quorvel/Views/Menu/MenuLayout.h"
-#include "Quorvel/Views/Palette.h"
 
 namespace quorvel {
 

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Geometry.h"
+
+namespace quorvel {
+
+/// The colours of everything the views draw, made for one appearance. Text and marks stand out by
+/// at least `leastContrast` from whatever they lie on, with the system's accent colour too, which
+/// is made lighter or darker as far as that takes. Only where the desktop or a theme's shine shows
+/// through is the ground not known.
+struct Palette {
+    static Palette of(const Appearance&);
+
+    double leastContrast = 4.5; ///< as WCAG 2 counts it, from 1 to 21
+    bool hasEdges = false; ///< everything that can be clicked has an edge, for more contrast
+
+    // On the bar, whose ground is opaque; fills lie over it.
+    Color ground;
+    Color text;
+    Color quietText; ///< of what is empty or minimised
+    Color line; ///< between the parts of the bar
+    Color edge;
+    Color fill;
+    Color hoveredFill;
+    Color pressedFill;
+    Color focusedFill;
+    Color focusedHoveredFill;
+    Color buttonHoveredFill;
+    Color buttonPressedFill;
+    Color countFill;
+
+    Color accent; ///< of marks and of the ring around what has the keyboard
+    Color progress; ///< over a fill, below the text
+    Color attention; ///< over a fill, below the text
+    Color attentionMark;
+    Color badge;
+    Color badgePressed;
+    Color badgeText;
+
+    // On popups and menus.
+    Color popupGround;
+    Color popupEdge;
+    Color cardFill;
+    Color menuGround;
+    Color menuEdge;
+    Color menuSeparator;
+    Color disabledText;
+    Color highlight;
+    Color highlightedText;
+};
+
+/// What is seen of a colour that lies over an opaque one.
+Color over(const Color&, const Color& ground);
+/// Of two opaque colours.
+double contrast(const Color&, const Color&);
+
+}
