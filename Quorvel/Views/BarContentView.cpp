@@ -116,10 +116,11 @@ void BarContentView::subscribe()
             partDidChange(Part::pins);
     }));
     // Other panels may keep a side of the screen for themselves from now on, and windows be on
-    // other screens.
+    // other screens: those are counted anew once the bar has been placed.
     keep(platform.displays.parametersDidChange.subscribe([this] {
         partDidChange(Part::layout);
-        partDidChange(Part::items);
+        m_screensChange = m_inputs.platform.dispatch.main().after(
+            Duration::zero(), [this] { partDidChange(Part::items); });
     }));
     keep(m_inputs.viewModel.spaces.subscribe(changes(Part::spaces)));
     // Their names, of which the model knows nothing.

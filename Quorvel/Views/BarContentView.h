@@ -11,9 +11,9 @@
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Views/ChipPopups.h"
 #include "Quorvel/Views/ChipView.h"
+#include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/Kit/View.h"
 #include "Quorvel/Views/LaunchMarks.h"
-#include "Quorvel/Views/Palette.h"
 
 namespace quorvel {
 
@@ -146,6 +146,7 @@ private:
     LaunchMarks m_launchMarks;
     ChipPopups m_popups;
     WorkItem m_springTimer;
+    WorkItem m_screensChange;
     std::vector<Subscription> m_subscriptions;
     WeakOwner<BarContentView> m_weak{*this};
 };
