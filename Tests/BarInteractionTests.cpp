@@ -3,7 +3,7 @@
 
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Views/BarBackground.h"
-#include "Quorvel/Views/Palette.h"
+#include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/ReorderDrag.h"
 #include "Quorvel/Views/ThumbnailPopup.h"
 #include "Tests/Support/BarFixture.h"

@@ -462,7 +462,7 @@ TEST_F(BarManagerTest, aBarIsTouchedWhenWhatItShowsChangesAndWhenItIsSeen)
     EXPECT_THAT(toldOf([&] { desktop.retitle(far, "Other"); }), ElementsAre(11));
     EXPECT_THAT(toldOf([&] { desktop.move(inbox, {120, 100}); }), ElementsAre(1));
 
-    auto& unseen = *manager().panels().at(SpaceID{2})->content();
+    auto& unseen = content(SpaceID{2});
     EXPECT_THAT(toldOf([&] {
         desktop.retitle(away, "Unseen");
         desktop.open(editor, {.title = "New", .spaces = {SpaceID{2}}, .takesFocus = false});
@@ -472,7 +472,7 @@ TEST_F(BarManagerTest, aBarIsTouchedWhenWhatItShowsChangesAndWhenItIsSeen)
     desktop.activateSpace(SpaceID{2});
     desktop.drain();
     EXPECT_THAT(chipTexts(SpaceID{2}), ElementsAre("Unseen", "New"));
-    EXPECT_EQ(&unseen, manager().panels().at(SpaceID{2})->content()) << "not made anew";
+    EXPECT_EQ(&unseen, &content(SpaceID{2})) << "not made anew";
 }
 
 // MARK: What other windows are told

@@ -37,10 +37,7 @@ struct BarFixture : testing::Test {
         return BarViews::panel(*runtime->barManager()->panels().at(space));
     }
     FakePanel& panel(SpaceID space = SpaceID{1}) { return *desktop.surfaces().panel(space); }
-    BarContentView& content(SpaceID space = SpaceID{1})
-    {
-        return *bar(space).content();
-    }
+    BarContentView& content(SpaceID space = SpaceID{1}) { return *bar(space).content(); }
     template <typename Frames> static std::vector<std::string> idsOf(const Frames& frames)
     {
         std::vector<std::string> ids;

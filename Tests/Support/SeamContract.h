@@ -94,7 +94,7 @@ TYPED_TEST_SUITE_P(SeamContract);
 TYPED_TEST_P(SeamContract, windowsAreListedFromFrontToBackOrNotAtAll)
 {
     auto& system = this->host;
-    for (auto front : {this->first, this->second, this->first}) {
+    for (auto front : {this->second, this->first, this->second}) {
         system.accessibility().performAction(*this->elementOf(front), ax::raiseAction);
         EXPECT_TRUE(system.runUntil([&] {
             auto order = this->frontToBack();

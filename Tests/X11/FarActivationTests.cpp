@@ -113,27 +113,6 @@ TEST_P(FarActivation, takesTheUserToTheWindow)
     }
 }
 
-// Fault: the list of windows in the order of their age, whatever lies on top.
-TEST_P(FarActivation, theListOfWindowsGoesFromFrontToBack)
-{
-    const auto order = [this] {
-        std::vector<std::string> titles;
-        host->services.windowServer().enumerateWindows(
-            kWindowListExcludeDesktopElements, [&](const CGWindowInfo& window) {
-                if (window.windowName == "target" || window.windowName == "other")
-                    titles.push_back(*window.windowName);
-            });
-        return titles;
-    };
-    ASSERT_TRUE(eventuallyIn([&] { return desktop.taskbarClients().size() == 2; }));
-    // icewm puts a new window that gets no focus below, and tells the order at the next change.
-    for (const auto* const front : {"other", "target", "other"}) {
-        desktop.activate(front == std::string{"target"} ? target : other);
-        EXPECT_TRUE(eventuallyIn([&] { return order().size() == 2 && order().front() == front; }))
-            << front << " is not the first";
-    }
-}
-
 INSTANTIATE_TEST_SUITE_P(, FarActivation,
     testing::Values(
         ManagerKind::openbox, ManagerKind::xfwm4, ManagerKind::metacity, ManagerKind::icewm),
