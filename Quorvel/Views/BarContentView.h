@@ -117,12 +117,15 @@ private:
     void updateBackground();
 
     void chipClicked(const ChipView&, ChipView::Click);
+    /// A window comes forward for files that rest on its chip; they are dropped in the window,
+    /// where their place is.
     void filesOverChip(const ChipView&, bool areOver);
     void chipDragged(const ChipView&, Point pointer);
     bool chipDropped(const ChipView&, Point pointer);
     void pinTapped(const std::string& bundleID);
     void pinMoved(const std::string& bundleID, const ReorderDrag&);
     void openMenu(Menu, const Rect& anchor);
+    /// A menu, so that keyboard, outside clicks and the native look come with it.
     void showSpaceList();
     ChipMenuContext menuContext();
 

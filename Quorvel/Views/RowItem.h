@@ -16,7 +16,8 @@ public:
 
     DragSource drag;
 
-    /// It follows the pointer, above the others.
+    /// It follows the pointer along the bar, above the others; the bar's window ends a few points
+    /// above it.
     void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
     /// Lifted, it is a little larger than its frame.
     void invalidateLifted();

@@ -192,6 +192,7 @@ void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, 
     makeCards(chips);
     m_animation.stop();
     bool fadesIn = !appearance.reduceMotion && !animatingFrom;
+    // The window fades, not its pictures: composing fifty of them anew takes longer than a frame.
     m_surface->setOpacity(fadesIn ? 0 : 1);
     m_surface->setFrame(m_layout.frame);
     m_surface->orderFront();
