@@ -207,8 +207,11 @@ TEST_F(BarInteractionTest, escapeCancelsADrag)
     EXPECT_TRUE(panel().pressKey(KeyCode::escape));
     EXPECT_FALSE(panel().hasKeyboard());
     panel().movePointer(middleOf(draft));
+    settle();
+    EXPECT_EQ(popup(), nullptr) << "the button is still down";
     panel().release(middleOf(draft));
     settle();
+    EXPECT_NE(popup(), nullptr);
     EXPECT_EQ(chipIDs(), before);
     EXPECT_TRUE(chip(inbox)->isFocused);
     drag(middleOf(notes), middleOf(inbox).translated(-10, 0));

@@ -139,6 +139,7 @@ void BarHostingView::release(const PointerEvent& event)
     if (event.button != m_pressedButton)
         return;
     m_pressedButton = PointerButton::none;
+    m_isAbandoned = false;
     if (auto* view = std::exchange(m_pressed, nullptr))
         view->released(event.button, view->frameInRoot().contains(event.location));
     pressDidEnd();
@@ -147,6 +148,16 @@ void BarHostingView::release(const PointerEvent& event)
 void BarHostingView::cancelPress()
 {
     m_pressedButton = PointerButton::none;
+    m_isAbandoned = false;
+    if (auto* view = std::exchange(m_pressed, nullptr))
+        view->pressCancelled();
+    pressDidEnd();
+}
+
+/// The button is still down: until it is released, nothing under it looks hovered.
+void BarHostingView::abandonDrag()
+{
+    m_isAbandoned = true;
     if (auto* view = std::exchange(m_pressed, nullptr))
         view->pressCancelled();
     pressDidEnd();
@@ -167,9 +178,10 @@ std::vector<View*> BarHostingView::viewsUnderPointer() const
     views = m_content->pathTo(*m_pointer);
     // While a button is down, nothing else that could be pressed may look hovered. What only holds
     // other views is under the pointer all the same: a row is still, pressed in a gap or not.
-    if (m_pressed)
-        std::erase_if(
-            views, [&](auto* view) { return view->takesPointer() && !m_pressed->isWithin(*view); });
+    if (m_pressed || m_isAbandoned)
+        std::erase_if(views, [&](auto* view) {
+            return view->takesPointer() && !(m_pressed && m_pressed->isWithin(*view));
+        });
     return views;
 }
 
@@ -291,7 +303,7 @@ bool BarHostingView::keyPressed(const KeyEvent& event)
 {
     if (m_hasKeyboardForDrag) {
         if (event.keyCode == KeyCode::escape)
-            cancelPress();
+            abandonDrag();
         return true;
     }
     int forwards = isRightToLeft && isRightToLeft() ? -1 : 1;

@@ -64,6 +64,7 @@ private:
     void drag(Point);
     void release(const PointerEvent&);
     void cancelPress();
+    void abandonDrag();
     void pressDidEnd();
     void updateHover();
     std::vector<View*> viewsUnderPointer() const;
@@ -86,6 +87,7 @@ private:
     View* m_keyFocused = nullptr;
     View* m_keyFocusBeforeMenu = nullptr; ///< while a menu has the keyboard
     PointerButton m_pressedButton = PointerButton::none;
+    bool m_isAbandoned = false; ///< the drag that this press began
     std::unique_ptr<View> m_content;
 };
 
