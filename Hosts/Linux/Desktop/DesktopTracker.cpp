@@ -26,6 +26,13 @@ bool isOfSameKind(const WindowRecord& a, const WindowRecord& b)
         && (a.alpha > 0) == (b.alpha > 0);
 }
 
+/// The most frequent change of all, which neither the screen nor the application is concerned by.
+bool differsInTitleAlone(WindowRecord a, const WindowRecord& b)
+{
+    a.title = b.title;
+    return a == b;
+}
+
 bool isOurs(ProcessID pid)
 {
     return raw(pid) == static_cast<std::int32_t>(getpid());
@@ -84,8 +91,10 @@ void DesktopTracker::setWindow(WindowRecord record, const WindowOrigin& origin)
     });
     if (before && *before == record)
         return;
-    m_layoutDidChange = true;
-    m_touched.insert(record.owner);
+    if (!before || !differsInTitleAlone(*before, record)) {
+        m_layoutDidChange = true;
+        m_touched.insert(record.owner);
+    }
     if (before)
         noteDifference(*before, record);
     else
