@@ -26,7 +26,8 @@ void Menus::popUp(PanelSurface& panel, Menu menu, const Rect& anchor, OnClosed o
     m_stack = std::make_unique<MenuStack>(m_platform, std::move(menu),
         anchor.translated(place.x, place.y),
         [this](MenuEnding ending, std::function<void()> action) {
-            tellClosed(ending, std::move(m_stack), std::move(action));
+            m_closed.push_back(std::move(m_stack));
+            tellClosed(ending, std::move(action));
         });
     m_stack->start();
 }
@@ -41,14 +42,16 @@ void Menus::close()
     tellClosed(MenuEnding::dismissed);
 }
 
-/// The stack of menus is still on the stack, so it goes in a turn of its own, and the action after
-/// it.
-void Menus::tellClosed(
-    MenuEnding ending, std::shared_ptr<MenuStack> stack, std::function<void()> action)
+/// Whoever tells that a menu has closed may be called by it, so it goes in a turn of its own, and
+/// the action after it.
+void Menus::tellClosed(MenuEnding ending, std::function<void()> action)
 {
-    m_platform.dispatch.main().async([ending, stack = std::move(stack), action = std::move(action),
-                                         onClosed = std::exchange(m_onClosed, {})]() mutable {
-        stack.reset();
+    m_platform.dispatch.main().async([weak = m_weak.reference(), ending, action = std::move(action),
+                                         onClosed = std::exchange(m_onClosed, {})] {
+        auto* menus = weak.get();
+        if (!menus)
+            return;
+        menus->m_closed.clear();
         if (onClosed)
             onClosed(ending);
         if (action)

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Platform/WeakOwner.h"
 #include "Quorvel/Views/Menu/MenuStack.h"
 
 namespace quorvel {
@@ -29,11 +30,13 @@ public:
     std::vector<MenuEntry> entries() const;
 
 private:
-    void tellClosed(MenuEnding, std::shared_ptr<MenuStack> = {}, std::function<void()> action = {});
+    void tellClosed(MenuEnding, std::function<void()> action = {});
 
     const Platform m_platform;
     std::unique_ptr<MenuStack> m_stack;
+    std::vector<std::unique_ptr<MenuStack>> m_closed; ///< destroyed in the next turn
     OnClosed m_onClosed;
+    WeakOwner<Menus> m_weak{*this};
 };
 
 }
