@@ -291,7 +291,8 @@ TEST_F(MenuTest, scrollsWhereTheScreenIsLower)
         std::size_t inSight = 0;
         for (int i = 0; i < 6; ++i) {
             key(KeyCode::down);
-            auto text = top().render().text("Desktop " + std::to_string(i));
+            const auto canvas = top().render();
+            const auto* const text = canvas.text("Desktop " + std::to_string(i));
             ASSERT_TRUE(text);
             EXPECT_GT(text->visible.height, MenuMetrics::fontSize) << i;
             inSight = std::max(inSight, menus.entries().size());
