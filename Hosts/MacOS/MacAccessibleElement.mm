@@ -27,6 +27,15 @@ NSAccessibilityRole roleOf(AccessibleRole role)
     case AccessibleRole::radioMenuItem:
     case AccessibleRole::separator: // in a menu it is an entry, too
         return NSAccessibilityMenuItemRole;
+    case AccessibleRole::heading:
+    case AccessibleRole::label:
+        return NSAccessibilityStaticTextRole;
+    case AccessibleRole::textField:
+        return NSAccessibilityTextFieldRole;
+    case AccessibleRole::list:
+        return NSAccessibilityListRole;
+    case AccessibleRole::listItem:
+        return NSAccessibilityRowRole;
     case AccessibleRole::panel:
     case AccessibleRole::group:
         break;

@@ -64,6 +64,7 @@ static_assert(behavior::kAuxiliary == NSWindowCollectionBehaviorAuxiliary);
 static_assert(
     behavior::kCanJoinAllApplications == NSWindowCollectionBehaviorCanJoinAllApplications);
 static_assert(static_cast<int>(PanelTraits::Level::normal) == kCGNormalWindowLevelKey);
+static_assert(static_cast<int>(PanelTraits::Level::floating) == kCGFloatingWindowLevelKey);
 static_assert(static_cast<int>(PanelTraits::Level::dock) == kCGDockWindowLevelKey);
 static_assert(static_cast<int>(PanelTraits::Level::popUpMenu) == kCGPopUpMenuWindowLevelKey);
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Quorvel/Platform/Geometry.h"
@@ -20,6 +22,30 @@ enum class AccessibleRole {
     checkMenuItem,
     radioMenuItem,
     separator,
+    heading,
+    label, ///< text that can only be read
+    textField,
+    list,
+    listItem,
+};
+
+/// A text that can be edited. Offsets are bytes of it and lie between characters.
+struct AccessibleText {
+    std::string text;
+    std::string placeholder; ///< shown while the text is empty
+    std::size_t caret = 0;
+    std::size_t selectionStart = 0; ///< the same as the end: nothing is selected
+    std::size_t selectionEnd = 0;
+
+    friend bool operator==(const AccessibleText&, const AccessibleText&) = default;
+};
+
+/// Where an element stands in a list, of which perhaps only a part has views.
+struct AccessiblePosition {
+    std::size_t index = 0; ///< from 0
+    std::size_t count = 0;
+
+    friend bool operator==(const AccessiblePosition&, const AccessiblePosition&) = default;
 };
 
 /// What one element of a surface reports about itself.
@@ -36,6 +62,8 @@ struct AccessibleState {
     bool isEnabled = true;
     bool isChecked = false; ///< of an entry with a mark
     bool opensMenu = false; ///< of an entry of a menu
+    std::optional<AccessibleText> text{}; ///< of a text field
+    std::optional<AccessiblePosition> position{}; ///< of an element of a list
 
     friend bool operator==(const AccessibleState&, const AccessibleState&) = default;
 };
@@ -56,6 +84,23 @@ public:
     virtual bool performAccessibleAction(std::size_t) = 0;
     /// Gives it the keyboard, as if the user had moved there. False where it cannot have it.
     virtual bool takeAccessibleFocus() { return false; }
+
+    // Of a text field. Offsets are those of `AccessibleText`, the nearest valid
+    // ones if they are wrong.
+    /// Replaces the whole text, as if it had been typed.
+    virtual bool setAccessibleText(std::string_view /*utf8*/) { return false; }
+    /// Moves the caret to `end`; nothing is selected if it equals `start`.
+    virtual bool setAccessibleSelection(std::size_t /*start*/, std::size_t /*end*/)
+    {
+        return false;
+    }
+    /// What this part of the text covers (points, top-left origin of the surface).
+    virtual Rect accessibleTextFrame(std::size_t /*start*/, std::size_t /*end*/) const
+    {
+        return {};
+    }
+    /// The offset nearest to a place in the surface.
+    virtual std::size_t accessibleOffsetAt(Point) const { return 0; }
 };
 
 }

@@ -1,108 +1,20 @@
 #pragma once
 
-#include <cmath>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
-#include "Quorvel/Platform/AccessibleTree.h"
-#include "Quorvel/Platform/Canvas.h"
+#include "Quorvel/Platform/Clipboard.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
-#include "Quorvel/Platform/KeyEvent.h"
 #include "Quorvel/Platform/Menu.h"
+#include "Quorvel/Platform/NativeTextField.h"
 #include "Quorvel/Platform/Published.h"
+#include "Quorvel/Platform/SurfaceClient.h"
 
 namespace quorvel {
-
-enum class PointerButton { none, primary, secondary, middle };
-
-struct PointerButtons {
-    bool primary = false;
-    bool secondary = false;
-    bool middle = false;
-
-    bool contains(PointerButton button) const
-    {
-        return (button == PointerButton::primary && primary)
-            || (button == PointerButton::secondary && secondary)
-            || (button == PointerButton::middle && middle);
-    }
-};
-
-enum class PointerAction { entered, moved, exited, pressed, released };
-
-/// What the pointer did, as the system reports it: each button separately, and moves over other
-/// surfaces too while a button is down. Interpreting it is up to the client.
-struct PointerEvent {
-    PointerAction action = PointerAction::moved;
-    Point location; ///< points, origin at the surface's top left
-    PointerButton button = PointerButton::none; ///< the one that was pressed or released
-    /// The buttons that were down just before; absent where the event does not say.
-    std::optional<PointerButtons> held{};
-};
-
-enum class ScrollUnit {
-    points, ///< from a touchpad or another surface that follows the fingers
-    notches, ///< of a wheel
-};
-/// The phase of the fingers' gesture; none where the device does not report it, as with wheels.
-enum class ScrollPhase { none, began, changed, ended };
-enum class ScrollAxis { horizontal, vertical };
-
-struct ScrollEvent {
-    Point location;
-    double deltaX = 0;
-    double deltaY = 0;
-    /// The device reports the direction of the content (natural scrolling), not of the fingers.
-    bool isDirectionInverted = false;
-    ScrollUnit unit = ScrollUnit::notches;
-    ScrollPhase phase = ScrollPhase::none;
-    bool isMomentum = false; ///< it continues after the fingers have left
-
-    /// The axis with the larger delta.
-    ScrollAxis axis() const
-    {
-        return std::abs(deltaX) > std::abs(deltaY) ? ScrollAxis::horizontal : ScrollAxis::vertical;
-    }
-};
-
-enum class DropAction { entered, moved, exited, dropped };
-
-/// Files dragged over a surface from another program.
-struct DropEvent {
-    DropAction action = DropAction::moved;
-    Point location; ///< as in a pointer event
-    std::vector<std::string> paths; ///< absolute; with `dropped` only
-};
-
-/// The content of a surface and the receiver of its events. Main thread; must outlive the surface.
-class SurfaceClient {
-public:
-    virtual ~SurfaceClient() = default;
-
-    /// Everything inside `damage` must be drawn; it starts out transparent and is clipped.
-    virtual void paint(Canvas&, const Rect& damage) = 0;
-    virtual void pointerEvent(const PointerEvent&) = 0;
-    /// No more pointer events follow until the pointer enters again: the surface left the screen,
-    /// or a menu has taken the pointer.
-    virtual void pointerLost() = 0;
-    virtual void scrollEvent(const ScrollEvent&) = 0;
-    virtual void surfaceDidResize(Size) = 0;
-    /// Returns whether a drop there would be accepted.
-    virtual bool dropEvent(const DropEvent&) { return false; }
-    /// Called only while the surface has the keyboard. False: the key is not used.
-    virtual bool keyPressed(const KeyEvent&) { return false; }
-    /// The surface got the keyboard, or has lost it for any reason.
-    virtual void keyboardDidChange(bool /*hasKeyboard*/) { }
-    /// The system refused the panel's `grabInput`, or revoked it.
-    virtual void inputGrabDidEnd() { }
-    /// What a screen reader sees; null: nothing. Lives as long as the client.
-    virtual AccessibleElement* accessibleRoot() { return nullptr; }
-};
 
 /// What lies behind a panel, with the values of the platform's visual-effect view. Systems that
 /// have fewer kinds use the nearest one.
@@ -128,6 +40,10 @@ enum class PanelKind {
     popup,
     /// Like a popup, as the window of a menu: `grabInput` says what it takes.
     menu,
+    /// Lies above ordinary windows on every space, below popups and menus. `makeKeyAndOrderFront`
+    /// takes the keyboard, the space stays what it is; only a release, another program or a press
+    /// outside the panel ends that.
+    launcher,
 };
 
 struct PanelOptions {
@@ -139,6 +55,8 @@ struct PanelOptions {
 
 /// Whose window the pointer moves over.
 enum class PointerScope { ownWindows, otherPrograms };
+
+enum class Cursor { arrow };
 
 /// A strip of screen without a frame, above ordinary windows, below full-screen ones, which never
 /// takes the focus on a click. Destroying it removes it from the screen.
@@ -181,6 +99,13 @@ public:
     /// it back afterwards and is not notified of either. False where this is not supported; if the
     /// system only refuses, perhaps a moment later, `inputGrabDidEnd` reports it.
     virtual bool grabInput() { return false; }
+    /// What the pointer looks like over the panel, whatever other panels have made of it.
+    virtual void setCursor(Cursor) { }
+    /// Another field takes the typed text, or its caret moved: input methods place their windows
+    /// there. What is being composed is lost with its field.
+    virtual void textInputDidChange() { }
+    /// The field has settled what was being composed: the input method forgets it.
+    virtual void forgetComposition() { }
     /// Names, states or elements of the accessible tree changed.
     virtual void accessibleTreeDidChange() = 0;
 };
@@ -200,6 +125,21 @@ public:
     /// Calls the handler whenever the pointer moves, after the views have received the move. Never
     /// called where the system does not report moves.
     [[nodiscard]] virtual Subscription monitorPointer(PointerScope, std::function<void()>) = 0;
+
+    /// Points, global top-left origin.
+    using PressHandler = std::function<void(const Point&, const PointerButton&)>;
+    /// Calls the handler for each button that goes down, before the views receive the press; not
+    /// for presses that an open menu receives. Never called where the system reports none.
+    [[nodiscard]] virtual Subscription monitorPresses(PointerScope, PressHandler) { return {}; }
+
+    /// Null where text fields are the system's own, which know the clipboard.
+    virtual Clipboard* clipboard() { return nullptr; }
+    /// A field of the system, laid over the panel's content. Null where the views draw theirs.
+    /// Panel and client outlive it.
+    virtual std::unique_ptr<NativeTextField> createTextField(PanelSurface&, NativeTextFieldClient&)
+    {
+        return nullptr;
+    }
 };
 
 }

@@ -127,7 +127,8 @@ TEST_F(MacRulesTest, aPanelHasOneTraitOfEachKindThatTheSystemKnows)
         kManaged | kTransient | kStationary,
         kFullScreenPrimary | kFullScreenAuxiliary | kFullScreenNone,
         kPrimary | kAuxiliary | kCanJoinAllApplications};
-    for (auto kind : {PanelKind::bar, PanelKind::fullscreenProxy, PanelKind::popup}) {
+    for (auto kind :
+        {PanelKind::bar, PanelKind::fullscreenProxy, PanelKind::popup, PanelKind::launcher}) {
         const auto traits = PanelTraits::of(kind);
         for (auto bits : alternatives)
             EXPECT_LE(std::popcount(traits.collectionBehavior & bits), 1);

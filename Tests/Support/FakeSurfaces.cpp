@@ -7,6 +7,26 @@
 
 namespace quorvel::test {
 
+namespace {
+
+bool hasNoSpace(PanelKind kind)
+{
+    return kind == PanelKind::popup || kind == PanelKind::menu || kind == PanelKind::launcher;
+}
+
+/// The next character of a text in UTF-8.
+std::string takeCharacter(std::string_view& utf8)
+{
+    std::size_t length = 1;
+    while (length < utf8.size() && (static_cast<unsigned char>(utf8[length]) & 0xC0) == 0x80)
+        ++length;
+    std::string character{utf8.substr(0, length)};
+    utf8.remove_prefix(length);
+    return character;
+}
+
+}
+
 FakePanel::FakePanel(
     FakeDesktop& desktop, FakeSurfaces& surfaces, PanelOptions options, SurfaceClient& client)
     : m_desktop(desktop)
@@ -53,15 +73,16 @@ void FakePanel::orderOut()
 void FakePanel::makeKeyAndOrderFront()
 {
     orderFront();
-    if (m_canBecomeKey && m_surfaces.followsKeyPanels())
+    if (m_options.kind == PanelKind::launcher)
+        takeKeyboard();
+    else if (m_canBecomeKey && m_surfaces.followsKeyPanels())
         m_desktop.activateSpace(m_options.space);
 }
 
 bool FakePanel::isVisible() const
 {
     return m_isOrderedIn
-        && (m_options.kind == PanelKind::popup || m_options.kind == PanelKind::menu
-            || m_desktop.model().isCurrent(m_options.space));
+        && (hasNoSpace(m_options.kind) || m_desktop.model().isCurrent(m_options.space));
 }
 
 double FakePanel::scale() const
@@ -127,7 +148,7 @@ std::pair<FakePanel&, Point> FakePanel::listener(Point at)
 void FakePanel::send(PointerAction action, Point at, PointerButton button)
 {
     auto [panel, place] = listener(at);
-    panel.m_client.pointerEvent({action, place, button, m_held});
+    panel.m_client.pointerEvent({action, place, button, m_held, m_modifiers});
 }
 
 void FakePanel::movePointer(Point at)
@@ -148,6 +169,8 @@ void FakePanel::leave()
 void FakePanel::press(Point at, PointerButton button)
 {
     movePointer(at);
+    if (m_surfaces.m_grabs.empty())
+        m_surfaces.m_pressed[PointerScope::ownWindows].emit(m_desktop.model().pointer, button);
     send(PointerAction::pressed, at, button);
     setHeld(button, true);
 }
@@ -224,9 +247,25 @@ bool FakePanel::pressKey(const KeyEvent& event)
     return !holders.empty() && holders.back() == this && m_client.keyPressed(event);
 }
 
+bool FakePanel::type(std::string_view utf8)
+{
+    bool isUsed = true;
+    while (!utf8.empty()) {
+        auto character = takeCharacter(utf8);
+        isUsed &= pressKey({.characters = character, .charactersIgnoringModifiers = character});
+    }
+    return isUsed;
+}
+
 bool FakePanel::dragFiles(DropAction action, Point at, std::vector<std::string> paths)
 {
     return m_client.dropEvent({action, at, std::move(paths)});
+}
+
+FakeSurfaces::FakeSurfaces(FakeDesktop& desktop)
+    : m_desktop(desktop)
+    , m_clipboard(desktop.dispatch())
+{
 }
 
 std::unique_ptr<PanelSurface> FakeSurfaces::createPanel(
@@ -241,6 +280,29 @@ std::unique_ptr<PanelSurface> FakeSurfaces::createPanel(
 Subscription FakeSurfaces::monitorPointer(PointerScope scope, std::function<void()> handler)
 {
     return m_pointerMoved[scope].subscribe(std::move(handler));
+}
+
+Subscription FakeSurfaces::monitorPresses(PointerScope scope, PressHandler handler)
+{
+    return m_pressed[scope].subscribe(std::move(handler));
+}
+
+void FakeSurfaces::pressElsewhere(Point at, PointerButton button)
+{
+    m_desktop.model().pointer = at;
+    m_pressed[PointerScope::otherPrograms].emit(at, button);
+    auto hasKeyboard = [](auto* panel) { return panel->hasKeyboard(); };
+    for (auto it = std::ranges::find_if(m_keyHolders, hasKeyboard); it != m_keyHolders.end();
+         it = std::ranges::find_if(m_keyHolders, hasKeyboard))
+        (*it)->releaseKeyboard();
+}
+
+std::unique_ptr<NativeTextField> FakeSurfaces::createTextField(
+    PanelSurface&, NativeTextFieldClient& client)
+{
+    if (!m_hasNativeTextFields)
+        return nullptr;
+    return std::make_unique<FakeTextField>(client, m_textField);
 }
 
 template <typename Condition>

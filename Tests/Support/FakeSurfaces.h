@@ -7,6 +7,8 @@
 
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Surfaces.h"
+#include "Tests/Support/FakeClipboard.h"
+#include "Tests/Support/FakeTextField.h"
 #include "Tests/Support/RecordingCanvas.h"
 
 namespace quorvel::test {
@@ -43,12 +45,16 @@ public:
     void releaseKeyboard() override;
     bool grabInput() override;
     void accessibleTreeDidChange() override { }
+    void setCursor(Cursor cursor) override { m_cursor = cursor; }
+    void textInputDidChange() override { ++m_textInputChanges; }
+    void forgetComposition() override { ++m_forgottenCompositions; }
 
     const PanelOptions& options() const { return m_options; }
     bool isOrderedIn() const { return m_isOrderedIn; }
     bool canBecomeKey() const { return m_canBecomeKey; }
     double opacity() const { return m_opacity; }
     const std::optional<VisualEffect>& effect() const { return m_effect; }
+    std::optional<Cursor> cursor() const { return m_cursor; }
     Rect bounds() const { return Rect::from({}, m_frame.size()); }
 
     /// The whole panel, drawn now for the test only.
@@ -78,6 +84,14 @@ public:
     bool pressKey(const KeyEvent&);
     bool pressKey(KeyCode key) { return pressKey(KeyEvent{.keyCode = key}); }
     bool hasKeyboard() const { return m_hasKeyboard; }
+    /// A key for each character; false if one of them means nothing to the program.
+    bool type(std::string_view utf8);
+    /// What an input method talks to; null if nothing takes text.
+    TextInputClient* textInput() const { return m_client.textInputClient(); }
+    int textInputChanges() const { return m_textInputChanges; }
+    int forgottenCompositions() const { return m_forgottenCompositions; }
+    /// The modifiers that go with what the pointer does from now on.
+    void setModifiers(std::uint64_t modifiers) { m_modifiers = modifiers; }
     bool dragFiles(DropAction, Point, std::vector<std::string> paths = {});
     AccessibleElement* accessibleRoot() const { return m_client.accessibleRoot(); }
 
@@ -99,6 +113,10 @@ private:
     double m_opacity = 1;
     bool m_hasPointer = false;
     PointerButtons m_held;
+    std::uint64_t m_modifiers = 0;
+    std::optional<Cursor> m_cursor;
+    int m_textInputChanges = 0;
+    int m_forgottenCompositions = 0;
     bool m_hasKeyboard = false;
     std::vector<Rect> m_damage; // disjoint, painted at the next frame
     std::vector<Rect> m_frames;
@@ -109,12 +127,22 @@ private:
 /// The panels and menus that are on the screen.
 class FakeSurfaces final : public Surfaces {
 public:
-    explicit FakeSurfaces(FakeDesktop& desktop) : m_desktop(desktop) { }
+    explicit FakeSurfaces(FakeDesktop&);
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
     NativeMenus* nativeMenus() override { return m_nativeMenus; }
     void setNativeMenus(NativeMenus* menus) { m_nativeMenus = menus; }
+    Subscription monitorPresses(PointerScope, PressHandler) override;
+    Clipboard* clipboard() override { return m_hasNativeTextFields ? nullptr : &m_clipboard; }
+    std::unique_ptr<NativeTextField> createTextField(
+        PanelSurface&, NativeTextFieldClient&) override;
+    /// Whether or not the program is offered it.
+    FakeClipboard& sharedTexts() { return m_clipboard; }
+    /// As on the Mac; of fields that are made afterwards.
+    void setHasNativeTextFields(bool value) { m_hasNativeTextFields = value; }
+    /// Null if there is none.
+    FakeTextField* nativeTextField() const { return m_textField; }
 
     /// In the order made.
     const std::vector<FakePanel*>& panels() const { return m_panels; }
@@ -138,7 +166,13 @@ public:
     /// The popup that is on the screen; null if there is none.
     FakePanel* popup() const { return firstOf(open(PanelKind::popup)); }
 
+    /// The launcher that is on the screen; null if there is none.
+    FakePanel* launcher() const { return firstOf(open(PanelKind::launcher)); }
+
     void pointerDidMove(PointerScope scope) { m_pointerMoved[scope].emit(); }
+    /// On another program's window or the desktop, which then gets the keyboard. Points, global
+    /// top-left origin.
+    void pressElsewhere(Point, PointerButton = PointerButton::primary);
     /// Whether the system shows the space of a panel that takes the keyboard.
     void setFollowsKeyPanels(bool value) { m_followsKeyPanels = value; }
     bool followsKeyPanels() const { return m_followsKeyPanels; }
@@ -162,6 +196,10 @@ private:
     bool m_followsKeyPanels = true;
     NativeMenus* m_nativeMenus = nullptr; ///< as on the Mac, where it is given
     std::map<PointerScope, Signal<>> m_pointerMoved;
+    std::map<PointerScope, Signal<Point, PointerButton>> m_pressed;
+    FakeClipboard m_clipboard;
+    bool m_hasNativeTextFields = false;
+    FakeTextField* m_textField = nullptr; ///< the last one made, while it exists
 };
 
 }

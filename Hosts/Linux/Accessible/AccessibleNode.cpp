@@ -35,6 +35,16 @@ AtkRole toSystem(AccessibleRole role)
         return ATK_ROLE_RADIO_MENU_ITEM;
     case AccessibleRole::separator:
         return ATK_ROLE_SEPARATOR;
+    case AccessibleRole::heading:
+        return ATK_ROLE_HEADING;
+    case AccessibleRole::label:
+        return ATK_ROLE_LABEL;
+    case AccessibleRole::textField:
+        return ATK_ROLE_ENTRY;
+    case AccessibleRole::list:
+        return ATK_ROLE_LIST;
+    case AccessibleRole::listItem:
+        return ATK_ROLE_LIST_ITEM;
     case AccessibleRole::panel:
     case AccessibleRole::group:
     case AccessibleRole::popup:

@@ -14,6 +14,10 @@ PanelTraits PanelTraits::of(PanelKind kind)
         return {.level = Level::popUpMenu,
             .collectionBehavior = always | kCanJoinAllSpaces | kTransient | kFullScreenAuxiliary,
             .hasOwnSpace = false};
+    case PanelKind::launcher:
+        return {.level = Level::floating,
+            .collectionBehavior = always | kCanJoinAllSpaces | kTransient | kFullScreenAuxiliary,
+            .hasOwnSpace = false};
     case PanelKind::fullscreenProxy:
         return {.level = Level::normal,
             .collectionBehavior = always | kStationary | kFullScreenAuxiliary,

@@ -29,7 +29,7 @@ inline constexpr std::uint64_t kCanJoinAllApplications = 1 << 18;
 /// A panel's properties for the window system.
 struct PanelTraits {
     /// With the values of `CGWindowLevelKey`.
-    enum class Level { normal = 4, dock = 7, popUpMenu = 11 };
+    enum class Level { normal = 4, floating = 5, dock = 7, popUpMenu = 11 };
 
     Level level = Level::dock;
     std::uint64_t collectionBehavior = 0;

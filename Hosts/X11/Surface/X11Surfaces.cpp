@@ -42,7 +42,8 @@ void X11Surfaces::setCanBlur(bool canBlur)
 std::unique_ptr<PanelSurface> X11Surfaces::createPanel(
     const PanelOptions& options, SurfaceClient& client)
 {
-    if (options.kind == PanelKind::popup || options.kind == PanelKind::menu) {
+    if (options.kind == PanelKind::popup || options.kind == PanelKind::menu
+        || options.kind == PanelKind::launcher) {
         return std::make_unique<X11Popup>(
             m_context, options, client, [this] { m_pointerMoved.emit(); });
     }
