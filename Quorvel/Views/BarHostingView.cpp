@@ -34,7 +34,7 @@ void BarHostingView::setContent(std::unique_ptr<View> content)
     viewNeedsPaint(m_content->bounds());
     updateHover();
     if (hadKeyboard)
-        keyboardDidChange(true);
+        followKeyboard(true);
 }
 
 void BarHostingView::surfaceDidResize(Size size)
@@ -118,9 +118,9 @@ void BarHostingView::press(const PointerEvent& event)
         return;
     // A menu opens on the press, so that one can drag to an entry and let go.
     if (event.button == PointerButton::secondary)
-        return view->showContextMenu();
+        return view->showContextMenuAt(event.location);
     m_pressed = view;
-    m_pressed->pressed(event.button);
+    m_pressed->pointerPressed({event.button, event.location, event.modifiers});
 }
 
 void BarHostingView::drag(Point to)
@@ -202,6 +202,9 @@ void BarHostingView::updateHover()
 
 void BarHostingView::scrollEvent(const ScrollEvent& event)
 {
+    auto path = m_content ? m_content->pathTo(event.location) : std::vector<View*>{};
+    if (std::any_of(path.rbegin(), path.rend(), [&](auto* view) { return view->scrolled(event); }))
+        return;
     auto scroll = m_scroll.handle(event);
     if (scroll.step != 0 && onScroll) {
         auto step = event;
@@ -248,6 +251,13 @@ void BarHostingView::setFilesOver(View* view)
 
 void BarHostingView::keyboardDidChange(bool hasKeyboard)
 {
+    followKeyboard(hasKeyboard);
+    if (auto tell = onKeyboardChanged) // which may do away with the surface
+        tell(hasKeyboard);
+}
+
+void BarHostingView::followKeyboard(bool hasKeyboard)
+{
     if (!hasKeyboard) {
         m_hasKeyboardForDrag = false;
         return setKeyFocused(nullptr);
@@ -262,7 +272,8 @@ void BarHostingView::keyboardDidChange(bool hasKeyboard)
 
 bool BarHostingView::viewWantsKeyboard(View& view)
 {
-    if (!onKeyboardWanted || !onKeyboardWanted())
+    bool isHere = m_keyboard == Keyboard::own || (onKeyboardWanted && onKeyboardWanted());
+    if (!isHere)
         return false;
     setKeyFocused(&view);
     return true;
@@ -275,15 +286,33 @@ void BarHostingView::setKeyFocused(View* view)
         before->setKeyFocused(false);
     if (m_surface)
         m_surface->accessibleTreeDidChange();
-    if (!view)
-        return;
-    view->setKeyFocused(true);
-    view->scrollIntoView();
+    if (view) {
+        view->setKeyFocused(true);
+        view->scrollIntoView();
+    }
+    viewTextInputDidChange();
+}
+
+TextInputClient* BarHostingView::textInputClient()
+{
+    for (auto* view = m_keyFocused ? m_keyFocused : m_content.get(); view; view = view->parent()) {
+        if (auto* input = view->textInput())
+            return input;
+    }
+    return nullptr;
+}
+
+void BarHostingView::viewTextInputDidChange()
+{
+    if (m_surface)
+        m_surface->textInputDidChange();
 }
 
 void BarHostingView::walk(int step)
 {
-    auto views = m_content ? m_content->accessibleViews() : std::vector<View*>{};
+    auto views = m_content ? m_content->accessibleViews(isRightToLeft && isRightToLeft())
+                           : std::vector<View*>{};
+    std::erase_if(views, [](auto* view) { return !view->takesKeyboard(); });
     if (views.empty())
         return;
     auto found = std::find(views.begin(), views.end(), m_keyFocused);
@@ -306,35 +335,71 @@ bool BarHostingView::keyPressed(const KeyEvent& event)
             abandonDrag();
         return true;
     }
-    int forwards = isRightToLeft && isRightToLeft() ? -1 : 1;
-    if (event.asksForMenu()) {
-        if (auto* view = letGoOfKeyboard()) {
-            m_keyFocusBeforeMenu = view;
-            view->showContextMenu();
-        }
+    if (offerKey(event))
         return true;
+    if (event.asksForMenu())
+        return openMenuByKey();
+    return m_keyboard == Keyboard::own ? useWindowKey(event) : useBarKey(event);
+}
+
+bool BarHostingView::offerKey(const KeyEvent& event)
+{
+    auto* view = m_keyFocused ? m_keyFocused : m_content.get();
+    while (view && !view->keyPressed(event))
+        view = view->parent();
+    return view != nullptr;
+}
+
+bool BarHostingView::openMenuByKey()
+{
+    auto* view = m_keyboard == Keyboard::own ? m_keyFocused : letGoOfKeyboard();
+    if (!view)
+        return true;
+    if (m_keyboard == Keyboard::borrowed)
+        m_keyFocusBeforeMenu = view;
+    view->showContextMenu();
+    return true;
+}
+
+bool BarHostingView::useWindowKey(const KeyEvent& event)
+{
+    switch (event.keyCode) {
+    case KeyCode::tab:
+        walk(event.has(KeyModifier::shift) ? -1 : 1);
+        return true;
+    case KeyCode::enter:
+    case KeyCode::keypadEnter:
+    case KeyCode::space:
+        return m_keyFocused && m_keyFocused->performAccessibleAction(0);
+    default:
+        return false;
     }
+}
+
+bool BarHostingView::useBarKey(const KeyEvent& event)
+{
+    int rightwards = isRightToLeft && isRightToLeft() ? -1 : 1;
     switch (event.keyCode) {
     case KeyCode::left:
-        walk(-1);
+        walk(-rightwards);
         return true;
     case KeyCode::right:
-        walk(1);
+        walk(rightwards);
         return true;
     case KeyCode::up:
-        walk(-forwards);
+        walk(-1);
         return true;
     case KeyCode::down:
-        walk(forwards);
+        walk(1);
         return true;
     case KeyCode::tab:
-        walk(event.has(KeyModifier::shift) ? -forwards : forwards);
+        walk(event.has(KeyModifier::shift) ? -1 : 1);
         return true;
     case KeyCode::home:
-        walkFromTheEdge(forwards);
+        walkFromTheEdge(1);
         return true;
     case KeyCode::end:
-        walkFromTheEdge(-forwards);
+        walkFromTheEdge(-1);
         return true;
     case KeyCode::escape:
         m_surface->releaseKeyboard();

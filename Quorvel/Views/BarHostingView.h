@@ -17,9 +17,14 @@ namespace quorvel {
 /// The first button that goes down makes a press, and only its release ends it; other buttons do
 /// nothing meanwhile. A press is cancelled when its release is lost or its surface goes away under
 /// the pointer. Escape cancels a drag, for which the surface takes the keyboard.
+///
+/// A bar borrows the keyboard: arrows and Tab walk its views, and an action or Escape gives it
+/// back. A window has it as its own: Tab walks, and everything else is up to the views.
 class BarHostingView final : public SurfaceClient, private ViewHost {
 public:
-    BarHostingView() = default;
+    enum class Keyboard { borrowed, own };
+
+    explicit BarHostingView(Keyboard keyboard = Keyboard::borrowed) : m_keyboard(keyboard) { }
     ~BarHostingView() override;
 
     /// The surface must outlive the content.
@@ -37,10 +42,14 @@ public:
     std::function<bool()> isRightToLeft;
     /// Gives the surface the keyboard; returns whether it now has it; if unset, it never does.
     std::function<bool()> onKeyboardWanted;
+    /// The surface got the keyboard or lost it.
+    std::function<void(bool)> onKeyboardChanged;
     /// Where the pointer is, in points of the surface; absent while it is elsewhere.
     const std::optional<Point>& pointer() const { return m_pointer; }
     /// Null while the keyboard is elsewhere.
     const View* keyFocusedView() const { return m_keyFocused; }
+    /// Moves the keyboard within the surface.
+    void setKeyFocused(View*);
 
 private:
     void paint(Canvas&, const Rect& damage) override;
@@ -51,12 +60,14 @@ private:
     bool dropEvent(const DropEvent&) override;
     bool keyPressed(const KeyEvent&) override;
     void keyboardDidChange(bool hasKeyboard) override;
+    TextInputClient* textInputClient() override;
     AccessibleElement* accessibleRoot() override { return m_content.get(); }
 
     void viewNeedsPaint(const Rect&) override;
     void viewWillVanish(const View&) override;
     void viewsDidMove() override;
     bool viewWantsKeyboard(View&) override;
+    void viewTextInputDidChange() override;
     void menuDidClose(MenuEnding) override;
 
     void setPointer(std::optional<Point>);
@@ -69,12 +80,17 @@ private:
     void updateHover();
     std::vector<View*> viewsUnderPointer() const;
     void setFilesOver(View*);
+    void followKeyboard(bool hasKeyboard);
+    bool offerKey(const KeyEvent&);
+    bool openMenuByKey();
+    bool useWindowKey(const KeyEvent&);
+    bool useBarKey(const KeyEvent&);
     void walk(int step);
     void walkFromTheEdge(int step);
     /// The view that the keyboard walk had reached, and ends the walk; null if there was none.
     View* letGoOfKeyboard();
-    void setKeyFocused(View*);
 
+    const Keyboard m_keyboard;
     PanelSurface* m_surface = nullptr;
     Size m_size;
     std::optional<Point> m_pointer; ///< absent while it is elsewhere

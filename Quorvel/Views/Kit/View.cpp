@@ -48,12 +48,15 @@ void View::raiseChild(const View& child)
         std::rotate(found, found + 1, m_children.end());
 }
 
-std::vector<View*> View::accessibleViews() const
+std::vector<View*> View::accessibleViews(bool isRightToLeft) const
 {
     std::vector<View*> ordered;
     for (auto& child : m_children)
         ordered.push_back(child.get());
-    std::ranges::stable_sort(ordered, {}, [](auto* child) { return child->frame().x; });
+    std::ranges::stable_sort(ordered, {}, [&](auto* child) {
+        auto& frame = child->frame();
+        return isColumn() ? frame.y : isRightToLeft ? -frame.maxX() : frame.x;
+    });
     std::vector<View*> views;
     for (auto* child : ordered) {
         if (child->frame().isEmpty())
@@ -62,7 +65,7 @@ std::vector<View*> View::accessibleViews() const
             views.push_back(child);
             continue;
         }
-        auto below = child->accessibleViews();
+        auto below = child->accessibleViews(isRightToLeft);
         views.insert(views.end(), below.begin(), below.end());
     }
     return views;
@@ -83,6 +86,7 @@ void View::scrollIntoView()
 std::vector<AccessibleElement*> View::accessibleChildren()
 {
     auto views = accessibleViews();
+    std::erase_if(views, [](auto* view) { return view->isSystemControl(); });
     return {views.begin(), views.end()};
 }
 
@@ -95,6 +99,8 @@ void View::setFrame(const Rect& frame)
     m_frame = frame;
     if (isResized)
         layout();
+    else
+        moved();
     invalidate();
 }
 

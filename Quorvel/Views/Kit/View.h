@@ -26,8 +26,17 @@ public:
     virtual void viewsDidMove() = 0;
     /// Whether the view has the keyboard now.
     virtual bool viewWantsKeyboard(View&) = 0;
+    /// The caret of the field that takes typed text moved.
+    virtual void viewTextInputDidChange() { }
     /// Called by a view that opened a menu. Escaped: the user is where they were before.
     virtual void menuDidClose(MenuEnding) = 0;
+};
+
+/// A button going down.
+struct PointerPress {
+    PointerButton button = PointerButton::primary;
+    Point pointer; ///< in the root view's coordinates
+    std::uint64_t modifiers = 0; ///< of `KeyModifier`
 };
 
 /// The pointer with a button down.
@@ -52,6 +61,9 @@ struct DragMove {
 /// wherever the pointer is by then. Files from other programs go to the deepest view that takes
 /// them.
 ///
+/// A key goes to the view with the keyboard, then to each of its ancestors until one uses it, and
+/// only then to the keyboard walk.
+///
 /// A view with a meaning of its own describes it in `accessibleState`; to a screen reader the
 /// others are only containers, and the keyboard walk skips them. Actions go up through callbacks
 /// that the owner sets; nothing goes sideways. Main thread only.
@@ -67,6 +79,8 @@ public:
     void setFrame(const Rect&);
     /// In the root view's coordinates.
     Rect frameInRoot() const;
+    /// Null for the root.
+    View* parent() const { return m_parent; }
     /// Whether the other view is this one or a descendant of it.
     bool isWithin(const View& ancestor) const;
 
@@ -97,12 +111,15 @@ public:
     virtual void pointerEntered() { }
     virtual void pointerExited() { }
     /// Never the secondary button, which opens the context menu.
+    virtual void pointerPressed(const PointerPress& press) { pressed(press.button); }
     virtual void pressed(PointerButton) { }
     virtual void dragged(const DragMove&) { }
     virtual void released(PointerButton, bool /*isInside*/) { }
     virtual void pressCancelled() { }
     /// Whether the press has become a drag, which Escape cancels.
     virtual bool isDragged() const { return false; }
+    /// Of a view under the pointer, the deepest first. True: it is used.
+    virtual bool scrolled(const ScrollEvent&) { return false; }
 
     virtual bool takesFiles() const { return false; }
     /// Whether files may be dropped here; else they may only rest here.
@@ -113,27 +130,41 @@ public:
 
     /// Whether it has a meaning of its own and is not only a container.
     virtual bool isAccessible() const { return false; }
+    /// A control of the system lies over it, which assistive programs find by themselves.
+    virtual bool isSystemControl() const { return false; }
     std::string accessibleID() const override { return {}; }
     AccessibleState accessibleState() const override { return {}; }
     Rect accessibleFrame() const override { return frameInRoot(); }
     std::vector<AccessibleElement*> accessibleChildren() override;
     bool performAccessibleAction(std::size_t) override { return false; }
     bool takeAccessibleFocus() override;
-    /// The descendants with a meaning of their own, from left to right.
-    std::vector<View*> accessibleViews() const;
+    /// The descendants with a meaning of their own, in the order in which they are read.
+    std::vector<View*> accessibleViews(bool isRightToLeft = false) const;
 
+    /// Whether the keyboard walk stops here.
+    virtual bool takesKeyboard() const { return isAccessible(); }
     virtual void setKeyFocused(bool) { }
+    /// The keyboard is here or below. True: the key is used, or the view has gone.
+    virtual bool keyPressed(const KeyEvent&) { return false; }
+    /// Where typed text goes while the keyboard is here or below; null: the parent decides.
+    virtual TextInputClient* textInput() { return nullptr; }
     /// Where the keyboard walk begins; null: at the first view.
     virtual View* preferredKeyView() { return nullptr; }
     /// Asks all its ancestors to scroll it into view.
     void scrollIntoView();
     virtual void showContextMenu() { }
+    /// By a press there, in the root view's coordinates.
+    virtual void showContextMenuAt(Point) { showContextMenu(); }
 
 protected:
     /// Scrolls a descendant into view.
     virtual void reveal(const View&) { }
     virtual void paint(Canvas&) const { }
     virtual void layout() { }
+    /// It was placed elsewhere; only what lies over it outside the tree has to follow.
+    virtual void moved() { }
+    /// Its children stand below each other, not beside each other: they are read downwards.
+    virtual bool isColumn() const { return false; }
     /// The view and its descendants are composed as one at this opacity.
     virtual double paintOpacity() const { return 1; }
     /// Whether children are clipped to this view's bounds.
