@@ -61,6 +61,12 @@ NSString* symbolName(Symbol symbol)
         return @"macwindow";
     case Symbol::checkmark:
         return @"checkmark";
+    case Symbol::magnifyingGlass:
+        return @"magnifyingglass";
+    case Symbol::clear:
+        return @"xmark.circle.fill";
+    case Symbol::appDashed:
+        return @"app.dashed";
     }
     return @"questionmark";
 }

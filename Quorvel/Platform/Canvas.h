@@ -32,6 +32,9 @@ enum class Symbol {
     chevronUp,
     showDesktop,
     checkmark,
+    magnifyingGlass,
+    clear, ///< a cross in a filled circle
+    appDashed, ///< an application that is not known yet
 };
 
 enum class GradientDirection { topToBottom, leadingToTrailing };

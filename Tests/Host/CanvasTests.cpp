@@ -168,7 +168,7 @@ TEST(CairoCanvas, symbolsFillTheirBoxAndMirrorEachOther)
 {
     for (double scale : kScales) {
         for (auto symbol : {Symbol::menuGrid, Symbol::close, Symbol::chevronUp, Symbol::showDesktop,
-                 Symbol::checkmark}) {
+                 Symbol::checkmark, Symbol::magnifyingGlass, Symbol::clear, Symbol::appDashed}) {
             Paper paper{30, 30, scale};
             paper.canvas.drawSymbol(symbol, {5, 5, 16, 16}, kWhite);
             EXPECT_GT(paper.ink().width, 8 * scale) << int(symbol);

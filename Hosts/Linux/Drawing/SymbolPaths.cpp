@@ -80,6 +80,83 @@ void paintDesktop(cairo_t* cairo, const Rect& box)
     cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_WINDING);
 }
 
+struct GlassStyle {
+    static constexpr double radius = 0.3; ///< of the lens, in parts of the side
+    static constexpr double centre = -0.1; ///< of the lens, from the centre of the box
+    static constexpr double handle = 0.4; ///< to the end of the handle, on both axes
+};
+
+void paintGlass(cairo_t* cairo, const Rect& box)
+{
+    double side = std::min(box.width, box.height);
+    double line = std::max(LineStyle::thinnest, side * LineStyle::width);
+    double radius = side * GlassStyle::radius;
+    auto lens = box.centre().translated(side * GlassStyle::centre, side * GlassStyle::centre);
+    auto rim = lens.translated(radius * std::numbers::sqrt2 / 2, radius * std::numbers::sqrt2 / 2);
+    auto end = box.centre().translated(side * GlassStyle::handle, side * GlassStyle::handle);
+    cairo_new_sub_path(cairo);
+    cairo_arc(cairo, lens.x, lens.y, radius, 0, 2 * std::numbers::pi);
+    cairo_close_path(cairo);
+    cairo_move_to(cairo, rim.x, rim.y);
+    cairo_line_to(cairo, end.x, end.y);
+    cairo_set_line_width(cairo, line);
+    cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
+    cairo_stroke(cairo);
+}
+
+struct ClearStyle {
+    static constexpr double radius = 0.46; ///< in parts of the side
+    static constexpr double reach = 0.17; ///< from the centre to the end of the cross
+    static constexpr double line = 0.1;
+};
+
+/// A disc from which the cross is left out, whatever is behind it.
+void paintClear(cairo_t* cairo, const Rect& box)
+{
+    double side = std::min(box.width, box.height);
+    auto centre = box.centre();
+    double reach = side * ClearStyle::reach;
+    cairo_push_group(cairo);
+    cairo_new_sub_path(cairo);
+    cairo_arc(cairo, centre.x, centre.y, side * ClearStyle::radius, 0, 2 * std::numbers::pi);
+    cairo_fill(cairo);
+    cairo_set_operator(cairo, CAIRO_OPERATOR_CLEAR);
+    for (double rise : {-reach, reach}) {
+        cairo_move_to(cairo, centre.x - reach, centre.y - rise);
+        cairo_line_to(cairo, centre.x + reach, centre.y + rise);
+    }
+    cairo_set_line_width(cairo, std::max(LineStyle::thinnest, side * ClearStyle::line));
+    cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
+    cairo_stroke(cairo);
+    cairo_set_operator(cairo, CAIRO_OPERATOR_OVER);
+    cairo_pop_group_to_source(cairo);
+    cairo_paint(cairo);
+}
+
+struct DashedStyle {
+    static constexpr double side = 0.8; ///< in parts of the box's
+    static constexpr double rounding = 0.28;
+    static constexpr double line = 0.06;
+    static constexpr int dashes = 12; ///< around the square
+    static constexpr double share = 0.6; ///< of a dash, of the way from one to the next
+};
+
+/// A rounded square of dashes, a whole number of them.
+void paintDashed(cairo_t* cairo, const Rect& box)
+{
+    double side = std::min(box.width, box.height) * DashedStyle::side;
+    double radius = side * DashedStyle::rounding;
+    double way = 4 * (side - 2 * radius) + 2 * std::numbers::pi * radius;
+    double step = way / DashedStyle::dashes;
+    double dashes[] = {step * DashedStyle::share, step * (1 - DashedStyle::share)};
+    addRoundedPath(cairo, box.centred({side, side}), radius);
+    cairo_set_line_width(cairo, std::max(LineStyle::thinnest, side * DashedStyle::line));
+    cairo_set_line_cap(cairo, CAIRO_LINE_CAP_BUTT);
+    cairo_set_dash(cairo, dashes, 2, 0);
+    cairo_stroke(cairo);
+    cairo_set_dash(cairo, nullptr, 0, 0);
+}
+
 }
 
 void paintSymbol(cairo_t* cairo, Symbol symbol, const Rect& pixels)
@@ -101,6 +178,12 @@ void paintSymbol(cairo_t* cairo, Symbol symbol, const Rect& pixels)
         return paintDesktop(cairo, pixels);
     case Symbol::checkmark:
         return strokeLine(cairo, pixels, {{-1, 0.1}, {-0.3, 0.8}, {1, -0.8}});
+    case Symbol::magnifyingGlass:
+        return paintGlass(cairo, pixels);
+    case Symbol::clear:
+        return paintClear(cairo, pixels);
+    case Symbol::appDashed:
+        return paintDashed(cairo, pixels);
     }
 }
 
