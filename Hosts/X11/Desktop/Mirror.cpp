@@ -96,14 +96,8 @@ void Mirror::update()
     translateSpaces();
     translateClients();
     announce();
-    if (m_clients.needsAncestry()) {
-        // Off the way from a new window to its announcement.
-        m_clients.readAncestry();
-        if (m_manager.isPresent() && m_clients.read(Facet::place)) {
-            translateClients();
-            announce();
-        }
-    }
+    if (m_clients.needsAncestry() && !m_ancestry.isPending())
+        m_ancestry = m_dispatch.main().after(kAncestryDelay, [this] { readAncestry(); });
     m_lastUpdate = m_dispatch.now();
     if (isUrgent)
         m_lastUrgentUpdate = m_lastUpdate;
@@ -129,6 +123,15 @@ void Mirror::readAll()
     auto wanted = kFirstFacets | Facet::strut;
     m_clients.read(isPresent ? wanted : wanted.without(kManagerFacets));
     m_clients.removeGone([this](Client& client) { remove(client); });
+}
+
+void Mirror::readAncestry()
+{
+    m_clients.readAncestry();
+    if (m_manager.isPresent() && m_clients.read(Facet::place)) {
+        translateClients();
+        announce();
+    }
 }
 
 void Mirror::followManager()

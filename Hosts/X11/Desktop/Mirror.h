@@ -36,6 +36,8 @@ public:
     /// disappearance is followed at once; whatever comes right after an update waits for the rest,
     /// as do the windows of a series that open or close together.
     static constexpr auto kPace = std::chrono::milliseconds{8};
+    /// Finding a new window's frame takes several round trips, which its chip does not wait for.
+    static constexpr auto kAncestryDelay = std::chrono::milliseconds{5};
 
     Mirror(
         Connection&, Dispatch&, Monitors&, PanelEnvironment&, const SharedModel&, DesktopTracker&);
@@ -53,6 +55,7 @@ private:
     void turnEnded();
     void update();
     void readAll();
+    void readAncestry();
     void followManager();
     TranslationContext context() const;
     void scheduleNext();
@@ -96,6 +99,7 @@ private:
     Subscription m_trackerHasNews;
     WorkItem m_next;
     WorkItem m_paced;
+    WorkItem m_ancestry;
 };
 
 }
