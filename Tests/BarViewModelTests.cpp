@@ -425,11 +425,11 @@ TEST_F(BarViewModelTest, focusThroughAccessibilityAloneActivatesNobody)
 
 TEST_F(BarViewModelTest, aStoredApplicationHasANameAndCanBeOpened)
 {
-    auto& infos = desktop.bundles().infos;
+    auto& bundles = desktop.bundles();
     EXPECT_EQ(model().appName("mail"), "Mail") << "of its file";
-    infos[{"/Applications/Mail.app", "CFBundleName"}] = "Post";
+    bundles.install("/Applications/Mail.app", {.name = "Post"});
     EXPECT_EQ(model().appName("mail"), "Post");
-    infos[{"/Applications/Mail.app", "CFBundleDisplayName"}] = "Letters";
+    bundles.install("/Applications/Mail.app", {.displayName = "Letters", .name = "Post"});
     EXPECT_EQ(model().appName("mail"), "Letters");
     EXPECT_EQ(model().appName("gone"), "gone");
     EXPECT_TRUE(model().icon("mail"));

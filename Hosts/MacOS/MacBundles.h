@@ -4,11 +4,12 @@
 
 namespace quorvel {
 
-/// Application bundles on disk. Main thread.
+/// Application bundles on disk. From any thread.
 class MacBundles final : public Bundles {
 public:
-    std::optional<std::string> infoString(
-        const ApplicationURL&, std::string_view key) const override;
+    ApplicationSources applicationSources() const override;
+    std::optional<std::vector<FolderEntry>> list(const std::string& folder) const override;
+    std::optional<BundleDescription> describe(const ApplicationURL&) const override;
 };
 
 }

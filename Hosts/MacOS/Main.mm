@@ -11,6 +11,7 @@
 #include "Hosts/MacOS/System/FdSource.h"
 #include "Hosts/MacOS/System/MacAccessibility.h"
 #include "Hosts/MacOS/System/MacDispatch.h"
+#include "Hosts/MacOS/System/MacFileEvents.h"
 #include "Hosts/MacOS/System/MacLaunchServices.h"
 #include "Hosts/MacOS/System/MacWindowServer.h"
 #include "Hosts/MacOS/TextLine.h"
@@ -60,6 +61,7 @@ int runBar(ControlChannel& control, Trace& trace)
     const ScreenWatcher screenWatcher{displays};
     MacWorkspace workspace;
     MacBundles bundles;
+    MacFileEvents fileEvents;
     MacWindowCapture screenCapture;
     MacSurfaces surfaces{{windowServer, application, workspace, dispatch.main()}};
     CoreTextText text;
@@ -73,6 +75,7 @@ int runBar(ControlChannel& control, Trace& trace)
         .displays = displays,
         .workspace = workspace,
         .bundles = bundles,
+        .fileEvents = fileEvents,
         .screenCapture = screenCapture,
         .application = application,
         .surfaces = surfaces,

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "Hosts/MacOS/System/CFRef.h"
-#include "Quorvel/Platform/Canvas.h"
+#include "Hosts/MacOS/System/CFText.h"
 
 namespace quorvel {
 
@@ -30,7 +30,8 @@ private:
     CGFloat m_descent = 0;
 };
 
-class CoreTextText final : public Text {
+/// Measures what the canvas draws.
+class CoreTextText final : public CFText {
 public:
     Size measure(std::string_view utf8, const TextStyle&) const override;
 };

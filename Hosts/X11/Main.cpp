@@ -11,6 +11,7 @@
 #include "Hosts/Linux/Applications/AutostartItem.h"
 #include "Hosts/Linux/Applications/DesktopBundles.h"
 #include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/DirectoryEvents.h"
 #include "Hosts/Linux/Applications/Icons.h"
 #include "Hosts/Linux/Applications/XdgFolders.h"
 #include "Hosts/Linux/Loop/FdSource.h"
@@ -76,6 +77,7 @@ int runBar(Display display, ControlChannel& control, Trace& trace)
     DesktopServices desktop{*connection, dispatch, monitors, environment, entries, icons};
     X11ScreenCapture screenCapture{desktop.model(), dispatch};
     DesktopBundles bundles{entries};
+    DirectoryEvents fileEvents{dispatch};
     posix::PosixFiles files{{configurationFolder(), /*keepsRejectedFiles=*/true}};
     AutostartItem loginItem{files, AutostartItem::userFile(), AutostartItem::runningProgram()};
     return QuorvelApp::main({
@@ -85,6 +87,7 @@ int runBar(Display display, ControlChannel& control, Trace& trace)
         .displays = desktop.displays(),
         .workspace = desktop.workspace(),
         .bundles = bundles,
+        .fileEvents = fileEvents,
         .screenCapture = screenCapture,
         .application = application,
         .surfaces = surfaces,

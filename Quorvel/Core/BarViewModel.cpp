@@ -403,10 +403,11 @@ std::string BarViewModel::appName(const std::string& bundleIdentifier) const
     auto url = m_workspace.applicationURL(bundleIdentifier);
     if (!url)
         return bundleIdentifier;
-    for (auto key : {"CFBundleDisplayName", "CFBundleName"}) {
-        if (auto name = m_bundles.infoString(*url, key))
-            return *name;
-    }
+    const auto bundle = m_bundles.describe(*url);
+    if (bundle && bundle->displayName)
+        return *bundle->displayName;
+    if (bundle && bundle->name)
+        return *bundle->name;
     return std::filesystem::path{url->path}.stem().string();
 }
 

@@ -77,12 +77,4 @@ public:
     virtual void drawSymbol(Symbol, const Rect&, const Color&) = 0;
 };
 
-/// Measures what `Canvas::drawText` would draw. Main thread.
-class Text {
-public:
-    virtual ~Text() = default;
-
-    virtual Size measure(std::string_view utf8, const TextStyle&) const = 0;
-};
-
 }

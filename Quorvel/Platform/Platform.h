@@ -8,6 +8,7 @@ class Bundles;
 class ControlChannel;
 class Dispatch;
 class Displays;
+class FileEvents;
 class Files;
 class LaunchServices;
 class LoginItem;
@@ -27,9 +28,9 @@ class Workspace;
 ///
 /// Code takes the individual interfaces it needs through its constructor, as references that
 /// outlive it; only the place that wires the program together sees this whole struct. Signals and
-/// completions arrive on the main thread unless stated otherwise; `Accessibility`, `WindowServer`
-/// and `Displays` may be called from any thread. A service that a system lacks is reported in the
-/// answer (an absent value, an empty list or function) and never simulated.
+/// completions arrive on the main thread unless stated otherwise; `Accessibility`, `WindowServer`,
+/// `Displays` and `Bundles` may be called from any thread. A service that a system lacks is
+/// reported in the answer (an absent value, an empty list or function) and never simulated.
 ///
 /// Lengths are points. Window frames, accessibility positions and the pointer have their origin at
 /// the top left of the first screen; screen and panel frames at its bottom left.
@@ -41,6 +42,7 @@ struct Platform {
     Displays& displays;
     Workspace& workspace;
     Bundles& bundles;
+    FileEvents& fileEvents;
     ScreenCapture& screenCapture;
     Application& application;
     Surfaces& surfaces;

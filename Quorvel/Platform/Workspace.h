@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -39,7 +40,13 @@ struct ApplicationAction {
     friend bool operator==(const ApplicationAction&, const ApplicationAction&) = default;
 };
 
-/// Running and installed applications. Main thread.
+/// An icon at one size.
+struct IconPicture {
+    Image image;
+    std::size_t bytes = 0; ///< of its pixels
+};
+
+/// Running and installed applications. Main thread, except where it says otherwise.
 class Workspace {
 public:
     virtual ~Workspace() = default;
@@ -54,6 +61,12 @@ public:
     virtual std::optional<ApplicationURL> applicationURL(
         std::string_view bundleIdentifier) const = 0;
     virtual Image icon(const ApplicationURL&) const = 0;
+    /// The same icon, drawn at once in a square of this many pixels; absent if it cannot be. From
+    /// any thread.
+    virtual std::optional<IconPicture> renderIcon(const ApplicationURL&, int /*pixels*/) const
+    {
+        return std::nullopt;
+    }
     /// The icon that the running process shows for itself.
     virtual Image runningApplicationIcon(ProcessID) const = 0;
     virtual Image genericApplicationIcon() const = 0;

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "Quorvel/Platform/Text.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {

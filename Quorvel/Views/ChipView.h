@@ -9,6 +9,8 @@
 
 namespace quorvel {
 
+class Text;
+
 /// One chip: icon and title of a window, or of the one that stands for its group.
 class ChipView final : public RowItem {
 public:

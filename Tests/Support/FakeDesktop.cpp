@@ -17,8 +17,23 @@ FakeDesktop::FakeDesktop()
 Platform FakeDesktop::platform()
 {
     return {m_dispatch, m_accessibility, m_windowServer, m_displays, m_workspace, m_bundles,
-        m_screenCapture, m_program, m_surfaces, m_text, m_control, m_files, m_loginItem,
-        m_launchServices, m_trace};
+        m_fileEvents, m_screenCapture, m_program, m_surfaces, m_text, m_control, m_files,
+        m_loginItem, m_launchServices, m_trace};
+}
+
+void FakeDesktop::install(const std::string& path, BundleDescription description)
+{
+    if (description.identifier)
+        m_workspace.install(*description.identifier, path);
+    m_bundles.install(path, std::move(description));
+    m_fileEvents.change(path);
+}
+
+void FakeDesktop::uninstall(const std::string& path)
+{
+    m_workspace.uninstall(path);
+    m_bundles.remove(path);
+    m_fileEvents.change(path);
 }
 
 FakeApplication& FakeDesktop::application(ProcessID pid)

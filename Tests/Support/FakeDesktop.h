@@ -8,7 +8,9 @@
 #include "Quorvel/Platform/Trace.h"
 #include "Tests/Support/DesktopModel.h"
 #include "Tests/Support/FakeAccessibility.h"
+#include "Tests/Support/FakeBundles.h"
 #include "Tests/Support/FakeDisplays.h"
+#include "Tests/Support/FakeFileEvents.h"
 #include "Tests/Support/FakeFiles.h"
 #include "Tests/Support/FakeLaunchServices.h"
 #include "Tests/Support/FakeLoginItem.h"
@@ -83,9 +85,11 @@ public:
     FakeDisplays& displays() { return m_displays; }
     FakeWorkspace& workspace() { return m_workspace; }
     FakeBundles& bundles() { return m_bundles; }
+    FakeFileEvents& fileEvents() { return m_fileEvents; }
     FakeScreenCapture& screenCapture() { return m_screenCapture; }
     FakeProgram& program() { return m_program; }
     FakeSurfaces& surfaces() { return m_surfaces; }
+    FakeText& text() { return m_text; }
     FakeControlChannel& control() { return m_control; }
     FakeFiles& files() { return m_files; }
     FakeLoginItem& loginItem() { return m_loginItem; }
@@ -105,6 +109,10 @@ public:
     void crash(ProcessID);
     /// It comes to the front, as by a click.
     void activate(ProcessID);
+
+    // Applications are stored and removed.
+    void install(const std::string& path, BundleDescription = {});
+    void uninstall(const std::string& path);
 
     // Windows.
     WindowID open(ProcessID, const OpenOptions& = {});
@@ -158,10 +166,11 @@ private:
     FakeDisplays m_displays{*this};
     FakeWorkspace m_workspace{*this};
     FakeBundles m_bundles;
+    FakeFileEvents m_fileEvents{m_dispatch};
     FakeScreenCapture m_screenCapture{*this};
     FakeProgram m_program{m_dispatch};
     FakeSurfaces m_surfaces{*this};
-    FakeText m_text;
+    FakeText m_text{"en"};
     FakeControlChannel m_control;
     FakeFiles m_files;
     FakeLoginItem m_loginItem;

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "Hosts/Linux/Unicode/UnicodeText.h"
 #include "Quorvel/Platform/Application.h"
-#include "Quorvel/Platform/Canvas.h"
 #include "Quorvel/Platform/ControlChannel.h"
 
 namespace quorvel::test {
@@ -58,9 +58,11 @@ private:
     Handler m_handler;
 };
 
-/// Every character is as wide as half its font size, combining marks and emoji parts included.
-class FakeText final : public Text {
+/// The letters are real ones. Every code point is as wide as half its font size.
+class FakeText final : public xdg::UnicodeText {
 public:
+    using UnicodeText::UnicodeText;
+
     Size measure(std::string_view utf8, const TextStyle&) const override;
 };
 

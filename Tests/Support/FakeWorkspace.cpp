@@ -36,6 +36,11 @@ void FakeWorkspace::install(std::string bundleIdentifier, std::string path)
     m_installed.insert_or_assign(std::move(bundleIdentifier), std::move(path));
 }
 
+void FakeWorkspace::uninstall(const std::string& path)
+{
+    std::erase_if(m_installed, [&](auto& application) { return application.second == path; });
+}
+
 Image FakeWorkspace::image(const std::string& name) const
 {
     ++m_iconLookups;
@@ -48,6 +53,16 @@ Image FakeWorkspace::image(const std::string& name) const
 Image FakeWorkspace::icon(const ApplicationURL& url) const
 {
     return image(url.path);
+}
+
+std::optional<IconPicture> FakeWorkspace::renderIcon(const ApplicationURL& url, int pixels) const
+{
+    m_renderedIcons.push_back(url.path);
+    if (brokenIcons.contains(url.path))
+        return std::nullopt;
+    auto bytes = static_cast<std::size_t>(pixels) * static_cast<std::size_t>(pixels) * 4;
+    auto size = std::to_string(pixels);
+    return IconPicture{std::make_shared<FakeImage>(url.path + " in " + size), bytes};
 }
 
 Image FakeWorkspace::runningApplicationIcon(ProcessID pid) const

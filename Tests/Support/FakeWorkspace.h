@@ -2,10 +2,10 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
-#include "Quorvel/Platform/Bundles.h"
 #include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel::test {
@@ -16,18 +16,6 @@ class FakeDesktop;
 struct FakeImage final : PlatformImage {
     explicit FakeImage(std::string text) : name(std::move(text)) { }
     std::string name;
-};
-
-/// What stored applications say of themselves.
-struct FakeBundles final : Bundles {
-    std::optional<std::string> infoString(
-        const ApplicationURL& url, std::string_view key) const override
-    {
-        auto found = infos.find({url.path, std::string{key}});
-        return found == infos.end() ? std::nullopt : std::optional{found->second};
-    }
-
-    std::map<std::pair<std::string, std::string>, std::string> infos; ///< by path and key
 };
 
 /// The running and the installed applications.
@@ -41,6 +29,7 @@ public:
     std::optional<ProcessID> frontmostApplication() const override;
     std::optional<ApplicationURL> applicationURL(std::string_view bundleIdentifier) const override;
     Image icon(const ApplicationURL&) const override;
+    std::optional<IconPicture> renderIcon(const ApplicationURL&, int pixels) const override;
     Image runningApplicationIcon(ProcessID) const override;
     Image genericApplicationIcon() const override;
     void openApplication(const ApplicationURL& url) override { m_opened.push_back(url.path); }
@@ -68,6 +57,7 @@ public:
 
     // Knobs.
     void install(std::string bundleIdentifier, std::string path);
+    void uninstall(const std::string& path);
     void setSelfActive(bool value) { m_isSelfActive = value; }
 
     // What the program did.
@@ -83,6 +73,10 @@ public:
     std::function<Image()> makeIcon;
     /// Icons that were looked up; a cache should keep this low.
     int iconLookups() const { return m_iconLookups; }
+    /// The paths whose icons were rendered, in order.
+    const std::vector<std::string>& renderedIcons() const { return m_renderedIcons; }
+    /// Paths of icons that are there and cannot be rendered.
+    std::set<std::string> brokenIcons;
 
 private:
     bool activate(ProcessID, Activation);
@@ -95,6 +89,7 @@ private:
     std::vector<std::string> m_opened;
     mutable std::map<std::string, Image> m_images;
     mutable int m_iconLookups = 0;
+    mutable std::vector<std::string> m_renderedIcons;
 };
 
 }

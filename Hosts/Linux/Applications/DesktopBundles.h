@@ -6,15 +6,19 @@ namespace quorvel::xdg {
 
 class DesktopEntries;
 
-/// Presents desktop files as bundles. Main thread.
+/// Presents desktop files as bundles. An application's identity is its desktop file's id, as
+/// everywhere in this host. From any thread.
 class DesktopBundles final : public Bundles {
 public:
     explicit DesktopBundles(const DesktopEntries& entries) : m_entries(entries) { }
 
-    std::optional<std::string> infoString(
-        const ApplicationURL&, std::string_view key) const override;
+    ApplicationSources applicationSources() const override;
+    std::optional<std::vector<FolderEntry>> list(const std::string& folder) const override;
+    std::optional<BundleDescription> describe(const ApplicationURL&) const override;
 
 private:
+    std::optional<std::string> identifier(const std::string& path) const;
+
     const DesktopEntries& m_entries;
 };
 

@@ -57,19 +57,13 @@ std::optional<std::string> DesktopEntries::name(std::string_view bundleIdentifie
     return entry ? unlessEmpty(index().read(*entry)->name) : std::nullopt;
 }
 
-std::optional<std::string> DesktopEntries::nameInFile(std::string_view desktopFilePath) const
-{
-    const auto file = readEntry(desktopFilePath);
-    return file ? unlessEmpty(file->name) : std::nullopt;
-}
-
 std::optional<std::string> DesktopEntries::icon(std::string_view desktopFilePath) const
 {
-    const auto file = readEntry(desktopFilePath);
+    const auto file = this->file(desktopFilePath);
     return file ? unlessEmpty(file->icon) : std::nullopt;
 }
 
-std::optional<DesktopEntryFile> DesktopEntries::readEntry(std::string_view path) const
+std::optional<DesktopEntryFile> DesktopEntries::file(std::string_view path) const
 {
     const auto bytes = readFile(std::string{path}, kLargestEntryFile);
     return bytes ? parseDesktopEntry(*bytes, m_languages) : std::nullopt;

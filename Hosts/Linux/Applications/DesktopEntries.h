@@ -20,7 +20,6 @@ class DirectoryMonitors;
 /// is named by the id of its desktop file without ".desktop". Main thread.
 /// Nothing is read before the first question. A question that a file name answers reads only that
 /// file; any other reads all of them once.
-/// file, any other reads all of them once.
 class DesktopEntries {
 public:
     static constexpr Duration kSettleTime = seconds(0.5);
@@ -39,9 +38,12 @@ public:
     std::optional<std::string> path(std::string_view bundleIdentifier) const;
     /// In the user's language.
     std::optional<std::string> name(std::string_view bundleIdentifier) const;
-    /// In the user's language. Works for files elsewhere too.
-    std::optional<std::string> nameInFile(std::string_view desktopFilePath) const;
+    /// What the file says, wherever it is; absent if it describes no application. From any thread.
+    std::optional<DesktopEntryFile> file(std::string_view path) const;
+    /// Those with desktop files, highest priority first. From any thread.
+    const std::vector<std::string>& folders() const { return m_folders; }
     /// The icon that the file names: a name to look up, or a path. Works for files elsewhere too.
+    /// From any thread.
     std::optional<std::string> icon(std::string_view desktopFilePath) const;
 
     /// Emitted when applications were installed, removed or edited, and things have settled.
@@ -49,13 +51,12 @@ public:
 
 private:
     DesktopEntryIndex& index() const;
-    std::optional<DesktopEntryFile> readEntry(std::string_view path) const;
     void fileDidChange(std::string_view path);
     bool concernsApplications(std::string_view path) const;
     void refresh();
 
     Dispatch& m_dispatch;
-    const std::vector<std::string> m_folders; ///< "applications" folders, highest priority first
+    const std::vector<std::string> m_folders;
     const std::vector<std::string> m_languages;
     mutable std::unique_ptr<DesktopEntryIndex> m_index; ///< null until needed, or outdated
     const std::unique_ptr<DirectoryMonitors> m_monitors;

@@ -11,8 +11,6 @@
 namespace quorvel::xdg {
 namespace {
 
-// Enough for any system; a folder that links to itself ends here.
-constexpr int kDeepestFolder = 6;
 constexpr std::size_t kMostEntries = 20000;
 constexpr std::size_t kMostFolders = 500;
 constexpr std::string_view kEnding = ".desktop";

@@ -17,6 +17,9 @@ namespace quorvel::xdg {
 /// in later folders; one that is marked hidden, or is no application, is treated as absent.
 class DesktopEntryIndex {
 public:
+    /// Enough for any system; a folder that links to itself ends here.
+    static constexpr int kDeepestFolder = 6;
+
     class Entry {
     public:
         Entry(std::string_view id, std::string path, int folder)

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "Hosts/Linux/Drawing/CairoHandles.h"
-#include "Quorvel/Platform/Canvas.h"
+#include "Hosts/Linux/Unicode/UnicodeText.h"
 
 namespace quorvel::xdg {
 
@@ -53,7 +53,7 @@ private:
 };
 
 /// Measures text for the views at the display's scale.
-class PangoText final : public Text {
+class PangoText final : public UnicodeText {
 public:
     PangoText(TextShaper& shaper, const double& scale) : m_shaper(shaper), m_scale(scale) { }
 

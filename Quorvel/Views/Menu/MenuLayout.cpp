@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Quorvel/Platform/Canvas.h"
+#include "Quorvel/Platform/Text.h"
 
 namespace quorvel {
 

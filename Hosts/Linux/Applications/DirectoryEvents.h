@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Quorvel/Platform/FileEvents.h"
+
+namespace quorvel::xdg {
+
+/// Changes of files, from GIO's monitors.
+class DirectoryEvents final : public FileEvents {
+public:
+    explicit DirectoryEvents(Dispatch& dispatch) : m_dispatch(dispatch) { }
+
+    std::optional<Subscription> watch(const std::vector<std::string>& folders, Duration latency,
+        std::function<void()> handler) override;
+
+private:
+    Dispatch& m_dispatch;
+};
+
+}
