@@ -39,6 +39,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_spaceWindows(platform.windowServer, platform.displays)
     , m_settings(settings)
     , m_thumbnailService(thumbnailService)
+    , m_appLauncher(platform)
     , m_pinStore(settings)
     , m_metrics(BarMetrics::of(settings.barSize()))
     , m_lastAppliedBarSize(settings.barSize())

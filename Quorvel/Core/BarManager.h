@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "Quorvel/Core/AppLauncher.h"
 #include "Quorvel/Core/BarPanels.h"
 #include "Quorvel/Core/BarReservations.h"
 #include "Quorvel/Core/BarSize.h"
@@ -36,6 +37,7 @@ public:
     /// the spaces that were read, so that nobody reads them again.
     std::function<void(const SpaceWindows::Answer&)> onSpaceChange;
 
+    AppLauncher& appLauncher() { return m_appLauncher; }
     PinStore& pinStore() { return m_pinStore; }
     BarViewModel& viewModel() { return m_viewModel; }
     const BarViewModel& viewModel() const { return m_viewModel; }
@@ -101,6 +103,7 @@ private:
     SpaceWindows m_spaceWindows;
     UserSettings& m_settings;
     ThumbnailService& m_thumbnailService;
+    AppLauncher m_appLauncher;
     PinStore m_pinStore;
     BarMetrics m_metrics;
     BarSize m_lastAppliedBarSize;
