@@ -8,6 +8,7 @@
 #include "Hosts/Linux/Applications/IconFile.h"
 #include "Hosts/Linux/Applications/IconTheme.h"
 #include "Hosts/Linux/Applications/PixelIcon.h"
+#include "Hosts/Linux/Drawing/PixelPicture.h"
 
 namespace quorvel::xdg {
 namespace {
@@ -50,14 +51,20 @@ Icons::~Icons() = default;
 
 void Icons::follow(const Published<DesktopLooks>& looks)
 {
-    m_themeName = looks.value().iconTheme;
+    {
+        std::lock_guard lock{m_themeLock};
+        m_themeName = looks.value().iconTheme;
+    }
     m_looksChanged = looks.subscribe([this](auto& now) { setTheme(now.iconTheme); });
 }
 
 void Icons::setTheme(const std::string& name)
 {
-    if (std::exchange(m_themeName, name) == name)
-        return;
+    {
+        std::lock_guard lock{m_themeLock};
+        if (std::exchange(m_themeName, name) == name)
+            return;
+    }
     forget();
     themeDidChange.emit();
 }
@@ -66,6 +73,21 @@ Image Icons::forEntry(std::string_view desktopFilePath)
 {
     const auto icon = m_entries.icon(desktopFilePath);
     return icon ? named(*icon) : Image{};
+}
+
+std::optional<IconPicture> Icons::render(std::string_view desktopFilePath, int pixels)
+{
+    const auto icon = m_entries.icon(desktopFilePath);
+    if (!icon || pixels < 1 || pixels > RenderedIcon::kLargestSize)
+        return std::nullopt;
+    for (const auto& file : sortedForSize(filesOf(*icon), pixels)) {
+        auto surface = drawIconFile(file.path, pixels);
+        if (!surface)
+            continue;
+        const auto bytes = bytesOf(surface);
+        return IconPicture{std::make_shared<PixelPicture>(surface.release()), bytes};
+    }
+    return std::nullopt;
 }
 
 Image Icons::fromPixels(
@@ -98,21 +120,29 @@ Image Icons::named(const std::string& nameOrPath)
 
 Image Icons::makeNamed(const std::string& nameOrPath)
 {
-    std::vector<IconCandidate> files;
-    if (!nameOrPath.starts_with('/')) {
-        if (!m_theme)
-            m_theme = std::make_unique<IconTheme>(m_themeName);
-        files = m_theme->find(nameOrPath);
-    } else if (isIconFile(nameOrPath)) {
-        files.push_back({nameOrPath});
-    }
+    auto files = filesOf(nameOrPath);
     return files.empty() ? Image{} : std::make_shared<FileIcon>(std::move(files), m_budget);
+}
+
+/// From any thread.
+std::vector<IconCandidate> Icons::filesOf(const std::string& nameOrPath)
+{
+    if (nameOrPath.starts_with('/'))
+        return isIconFile(nameOrPath) ? std::vector{IconCandidate{nameOrPath}}
+                                      : std::vector<IconCandidate>{};
+    std::lock_guard lock{m_themeLock};
+    if (!m_theme)
+        m_theme = std::make_unique<IconTheme>(m_themeName);
+    return m_theme->find(nameOrPath);
 }
 
 /// New applications bring their icons: what was missing may be there now.
 void Icons::forget()
 {
-    m_theme.reset();
+    {
+        std::lock_guard lock{m_themeLock};
+        m_theme.reset();
+    }
     m_images.clear();
     m_generic.reset();
 }

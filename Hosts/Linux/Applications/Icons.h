@@ -5,6 +5,8 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,12 +14,14 @@
 #include "Hosts/Linux/DesktopLooks.h"
 #include "Quorvel/Platform/Image.h"
 #include "Quorvel/Platform/Published.h"
+#include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel::xdg {
 
 class DesktopEntries;
 class IconTheme;
 class PixelBudget;
+struct IconCandidate;
 
 /// One size of a picture as `_NET_WM_ICON` carries it: rows from the top, straight alpha.
 struct IconPixels {
@@ -27,7 +31,8 @@ struct IconPixels {
 };
 
 /// Pictures of applications, as images that this host's canvas draws (`IconImage`). Files are
-/// looked up when a name is requested, and read when a picture is first drawn. Main thread.
+/// looked up when a name is requested, and read when a picture is first drawn. Main thread, except
+/// where it says otherwise.
 class Icons {
 public:
     /// The limit for the pixels of all icons: enough for a bar of hundreds of chips.
@@ -45,6 +50,9 @@ public:
 
     /// The icon that the desktop file names; empty when it names none or none is found.
     Image forEntry(std::string_view desktopFilePath);
+    /// The same icon, drawn at once in a square of this many pixels and not kept here; absent when
+    /// it cannot be drawn. From any thread.
+    std::optional<IconPicture> render(std::string_view desktopFilePath, int pixels);
     /// The icon that a window provides; empty when no size of it is usable. Pixels that were
     /// dropped are read again when they are drawn.
     Image fromPixels(
@@ -55,15 +63,17 @@ public:
 private:
     Image named(const std::string& nameOrPath);
     Image makeNamed(const std::string& nameOrPath);
+    std::vector<IconCandidate> filesOf(const std::string& nameOrPath);
     void forget();
     void setTheme(const std::string& name);
 
     DesktopEntries& m_entries;
     const std::shared_ptr<PixelBudget> m_budget;
+    std::mutex m_themeLock; ///< guards the two below
     std::unique_ptr<IconTheme> m_theme;
+    std::string m_themeName; ///< empty: the user's own configuration decides
     std::map<std::string, std::weak_ptr<const PlatformImage>> m_images; ///< by name or path
     Image m_generic;
-    std::string m_themeName; ///< empty: the user's own configuration decides
     Subscription m_entriesChanged;
     Subscription m_looksChanged;
 };

@@ -94,6 +94,11 @@ Image DesktopWorkspace::icon(const ApplicationURL& url) const
     return m_icons.forEntry(url.path);
 }
 
+std::optional<IconPicture> DesktopWorkspace::renderIcon(const ApplicationURL& url, int pixels) const
+{
+    return m_icons.render(url.path, pixels);
+}
+
 Image DesktopWorkspace::runningApplicationIcon(ProcessID pid) const
 {
     return windowIcon(pid);
