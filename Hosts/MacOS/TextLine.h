@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "Hosts/MacOS/Cocoa.h"
 #include "Hosts/MacOS/System/CFRef.h"
 #include "Hosts/MacOS/System/CFText.h"
 
@@ -10,12 +11,17 @@ namespace quorvel {
 /// Of the interface: it decides which side `leading` is.
 enum class LayoutDirection { leftToRight, rightToLeft };
 
+/// Of a style.
+NSFont* interfaceFont(const TextStyle&);
+
 /// One shaped line of text in a style; line breaks and controls become spaces.
 class TextLine {
 public:
     TextLine(std::string_view utf8, const TextStyle&);
 
     Size size() const;
+    /// The text that it was made of, of which this is where each character ends.
+    LineLayout layout(std::string_view utf8, const std::vector<std::size_t>& ends) const;
     /// Draws it centred vertically in the rectangle. The context's y grows downwards.
     void draw(CGContextRef, const Rect&, LayoutDirection) const;
 
@@ -34,6 +40,7 @@ private:
 class CoreTextText final : public CFText {
 public:
     Size measure(std::string_view utf8, const TextStyle&) const override;
+    LineLayout lineLayout(std::string_view utf8, const TextStyle&) const override;
 };
 
 }

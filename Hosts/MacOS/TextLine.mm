@@ -1,6 +1,8 @@
 #include "Hosts/MacOS/TextLine.h"
 
+#include <algorithm>
 #include <cmath>
+#include <map>
 
 #include "Hosts/MacOS/Conversions.h"
 
@@ -39,8 +41,7 @@ CFRef<CTLineRef> makeLine(NSString* text, const TextStyle& style)
 {
     const auto color = toSystem(style.color);
     NSDictionary* attributes = @{
-        (__bridge id)kCTFontAttributeName : [NSFont systemFontOfSize:style.size
-                                                              weight:toSystem(style.weight)],
+        (__bridge id)kCTFontAttributeName : interfaceFont(style),
         (__bridge id)kCTForegroundColorAttributeName : (__bridge id)color.get(),
     };
     NSAttributedString* attributed = [[NSAttributedString alloc] initWithString:text
@@ -49,6 +50,48 @@ CFRef<CTLineRef> makeLine(NSString* text, const TextStyle& style)
         CTLineCreateWithAttributedString((__bridge CFAttributedStringRef)attributed));
 }
 
+/// Of valid UTF-8: beyond the first plane two units, else one.
+CFIndex utf16Length(std::string_view utf8)
+{
+    CFIndex length = 0;
+    for (const char byte : utf8) {
+        const auto value = static_cast<unsigned char>(byte);
+        length += (value & 0xC0) == 0x80 ? 0 : value >= 0xF0 ? 2 : 1;
+    }
+    return length;
+}
+
+/// Where the edges of characters are, by their index in UTF-16.
+struct CaretEdges {
+    std::map<CFIndex, double> leading;
+    std::map<CFIndex, double> trailing;
+
+    explicit CaretEdges(CTLineRef line)
+    {
+        CTLineEnumerateCaretOffsets(line, ^(double offset, CFIndex index, bool isLeading, bool*) {
+            (isLeading ? leading : trailing)[index] = offset;
+        });
+    }
+    std::optional<double> leadingOf(CFIndex index) const
+    {
+        const auto found = leading.find(index);
+        return found == leading.end() ? std::nullopt : std::optional{found->second};
+    }
+    /// Of what begins there and ends before the other index.
+    std::optional<double> trailingOf(CFIndex start, CFIndex end) const
+    {
+        const auto past = trailing.lower_bound(end);
+        if (past == trailing.begin() || std::prev(past)->first < start)
+            return std::nullopt;
+        return std::prev(past)->second;
+    }
+};
+
+}
+
+NSFont* interfaceFont(const TextStyle& style)
+{
+    return [NSFont systemFontOfSize:style.size weight:toSystem(style.weight)];
 }
 
 TextLine::TextLine(std::string_view utf8, const TextStyle& style)
@@ -63,6 +106,30 @@ TextLine::TextLine(std::string_view utf8, const TextStyle& style)
 }
 
 Size TextLine::size() const { return {m_width, m_ascent + m_descent}; }
+
+LineLayout TextLine::layout(std::string_view utf8, const std::vector<std::size_t>& ends) const
+{
+    LineLayout line;
+    line.width = m_width;
+    if (!m_line)
+        return line;
+    const CaretEdges edges{m_line.get()};
+    const auto offset = [&](CFIndex index) {
+        return CTLineGetOffsetForStringIndex(m_line.get(), index, nullptr);
+    };
+    CFIndex index = 0;
+    std::size_t start = 0;
+    for (const auto end : ends) {
+        const CFIndex next = index + utf16Length(utf8.substr(start, end - start));
+        const double from = edges.leadingOf(index).value_or(offset(index));
+        const double to = edges.trailingOf(index, next).value_or(offset(next));
+        line.characters.push_back({start, end, std::min(from, to), std::max(from, to), from > to});
+        start = end;
+        index = next;
+    }
+    line.isRightToLeft = !line.characters.empty() && line.characters.front().isRightToLeft;
+    return line;
+}
 
 void TextLine::draw(CGContextRef context, const Rect& rect, LayoutDirection direction) const
 {
@@ -101,6 +168,11 @@ double TextLine::startX(const Rect& rect, double width, LayoutDirection directio
 Size CoreTextText::measure(std::string_view utf8, const TextStyle& style) const
 {
     return TextLine{utf8, style}.size();
+}
+
+LineLayout CoreTextText::lineLayout(std::string_view utf8, const TextStyle& style) const
+{
+    return TextLine{utf8, style}.layout(utf8, characterEnds(utf8));
 }
 
 }

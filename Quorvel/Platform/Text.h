@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Quorvel/Platform/Canvas.h"
+#include "Quorvel/Platform/LineLayout.h"
 
 namespace quorvel {
 
@@ -28,6 +29,9 @@ public:
 
     /// The size of what `Canvas::drawText` would draw, in points. Main thread.
     virtual Size measure(std::string_view utf8, const TextStyle&) const = 0;
+    /// Where each character lies when the text is drawn without eliding. It must be one plain line
+    /// of valid UTF-8; of any other the characters are left out. Main thread.
+    virtual LineLayout lineLayout(std::string_view utf8, const TextStyle&) const = 0;
 
     /// The text as it is compared in a search in the user's language: without the differences of
     /// case, of full and half width, and of the marks on Latin, Greek and Cyrillic letters; then in

@@ -19,11 +19,4 @@ void FakeProgram::terminate()
     willTerminate.emit();
 }
 
-Size FakeText::measure(std::string_view utf8, const TextStyle& style) const
-{
-    auto isFirstByte = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; };
-    auto characters = std::ranges::count_if(utf8, isFirstByte);
-    return {static_cast<double>(characters) * style.size / 2, style.size * 1.25};
-}
-
 }

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "Hosts/Linux/Unicode/UnicodeText.h"
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Platform/ControlChannel.h"
+#include "Tests/Support/FakeText.h"
 
 namespace quorvel::test {
 
@@ -56,14 +56,6 @@ public:
 
 private:
     Handler m_handler;
-};
-
-/// The letters are real ones. Every code point is as wide as half its font size.
-class FakeText final : public xdg::UnicodeText {
-public:
-    using UnicodeText::UnicodeText;
-
-    Size measure(std::string_view utf8, const TextStyle&) const override;
 };
 
 }

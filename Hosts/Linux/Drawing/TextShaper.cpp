@@ -1,5 +1,6 @@
 #include "Hosts/Linux/Drawing/TextShaper.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -39,6 +40,48 @@ std::size_t longestVisibleText(double pixels, double maximumWidth)
     auto letters = std::min(maximumWidth / (kNarrowestLetter * std::max(pixels, 1.0)),
         static_cast<double>(kLongestMeasuredText));
     return kSpareLetters + static_cast<std::size_t>(letters);
+}
+
+/// Of a code point, in pixels from the left end of its line.
+struct Place {
+    double left = 0;
+    double right = 0;
+    bool isRightToLeft = false;
+};
+
+/// Of the code points of a run that begins at `x`.
+void placeRun(PangoGlyphItem* run, int x, std::string_view utf8, std::vector<Place>& places)
+{
+    auto* item = run->item;
+    std::vector<int> widths(static_cast<std::size_t>(item->num_chars));
+    pango_glyph_item_get_logical_widths(run, utf8.data(), widths.data());
+    bool isRightToLeft = item->analysis.level % 2 == 1;
+    int from = isRightToLeft ? x + pango_glyph_string_get_width(run->glyphs) : x;
+    auto at = static_cast<std::size_t>(item->offset);
+    for (auto width : widths) {
+        int to = isRightToLeft ? from - width : from + width;
+        auto [left, right] = std::minmax({from, to});
+        auto* next = g_utf8_next_char(utf8.data() + at);
+        auto bytes = static_cast<std::size_t>(next - utf8.data()) - at;
+        std::fill_n(places.begin() + static_cast<std::ptrdiff_t>(at), bytes,
+            Place{static_cast<double>(left) / PANGO_SCALE, static_cast<double>(right) / PANGO_SCALE,
+                isRightToLeft});
+        at += bytes;
+        from = to;
+    }
+}
+
+/// By the byte; the text is the one that the line was made of.
+std::vector<Place> placesOf(const PangoLayoutLine* line, std::string_view utf8)
+{
+    std::vector<Place> places(utf8.size());
+    int x = 0;
+    for (auto* link = line->runs; link; link = link->next) {
+        auto* run = static_cast<PangoGlyphItem*>(link->data);
+        placeRun(run, x, utf8, places);
+        x += pango_glyph_string_get_width(run->glyphs);
+    }
+    return places;
 }
 
 }
@@ -121,6 +164,32 @@ Size PangoText::measure(std::string_view utf8, const TextStyle& style) const
     auto line = m_shaper.shape(utf8, style, m_scale);
     auto metrics = m_shaper.metrics(style.size, style.weight, m_scale);
     return {std::ceil(line.width) / m_scale, std::ceil(metrics.height()) / m_scale};
+}
+
+LineLayout PangoText::lineLayout(std::string_view utf8, const TextStyle& style) const
+{
+    auto shaped = m_shaper.shape(utf8, style, m_scale);
+    LineLayout line;
+    line.width = shaped.width / m_scale;
+    line.isRightToLeft
+        = pango_layout_line_get_resolved_direction(shaped.line) == PANGO_DIRECTION_RTL;
+    if (pango_layout_get_text(shaped.line->layout) != utf8)
+        return line; // other bytes are drawn than these
+    auto places = placesOf(shaped.line, utf8);
+    std::size_t start = 0;
+    for (auto end : characterEnds(utf8)) {
+        CharacterBox box{
+            start, end, places[start].left, places[start].right, places[start].isRightToLeft};
+        for (auto i = start; i < end; ++i) { // the bytes of one code point share its place
+            box.left = std::min(box.left, places[i].left);
+            box.right = std::max(box.right, places[i].right);
+        }
+        box.left /= m_scale;
+        box.right /= m_scale;
+        line.characters.push_back(box);
+        start = end;
+    }
+    return line;
 }
 
 }

@@ -58,6 +58,7 @@ public:
     PangoText(TextShaper& shaper, const double& scale) : m_shaper(shaper), m_scale(scale) { }
 
     Size measure(std::string_view utf8, const TextStyle&) const override;
+    LineLayout lineLayout(std::string_view utf8, const TextStyle&) const override;
 
 private:
     TextShaper& m_shaper;
