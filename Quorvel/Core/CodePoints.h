@@ -30,8 +30,12 @@ constexpr char32_t takeCodePoint(std::string_view& utf8)
         }
         point = point << 6 | (byte(index) & 0x3F);
     }
-    utf8.remove_prefix(length);
-    return point;
+    // Neither too long a form, nor half of a pair, nor beyond Unicode.
+    constexpr char32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
+    const bool isHalf = point >= 0xD800 && point <= 0xDFFF;
+    const bool isValid = point >= kLeast[length] && point <= 0x10FFFF && !isHalf;
+    utf8.remove_prefix(isValid ? length : 1);
+    return isValid ? point : kReplacement;
 }
 
 }
