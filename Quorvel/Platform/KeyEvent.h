@@ -16,6 +16,7 @@ enum class KeyCode : std::uint16_t {
     keypadEnter = 76,
     f10 = 109,
     menu = 110,
+    insert = 114, ///< Help on the Mac
     home = 115,
     pageUp = 116,
     forwardDelete = 117,
@@ -47,6 +48,14 @@ struct KeyEvent {
     bool isRepeat = false; ///< the key is being held down
 
     bool has(std::uint64_t modifier) const { return (modifiers & modifier) != 0; }
+    /// Whether the characters are for whatever takes text.
+    bool typesText() const
+    {
+        auto first = characters.empty() ? '\0' : characters.front();
+        bool isControl = static_cast<unsigned char>(first) < 0x20 || first == 0x7F;
+        return !isControl && !has(KeyModifier::control) && !has(KeyModifier::option)
+            && !has(KeyModifier::command);
+    }
     /// Asks for the menu of whatever has the focus: the menu key, or its substitute on keyboards
     /// without one: Shift-F10 on most desktops, Control-Return on the Mac since macOS 15.
     bool asksForMenu() const
