@@ -4,24 +4,34 @@
 #include <glib.h>
 
 #include "Hosts/Linux/Applications/DesktopEntryFile.h"
+#include "Hosts/Linux/Applications/DesktopKeyFile.h"
+#include "Hosts/Linux/Applications/EntryRules.h"
 #include "Hosts/Linux/Applications/IconThemeFile.h"
+#include "Hosts/Linux/Applications/LaunchEntry.h"
 #include "Tests/Support/Fuzz/Expect.h"
 
 namespace {
 
+bool isText(const std::string& value)
+{
+    return g_utf8_validate(value.data(), static_cast<gssize>(value.size()), nullptr);
+}
+
 void readAsEntry(std::string_view bytes)
 {
     using namespace quorvel::xdg;
-    static const std::vector<std::string> languages{"de_DE", "de"};
-    const auto entry = parseDesktopEntry(bytes, languages);
-    if (!entry)
+    const auto file = DesktopKeyFile::parse(bytes);
+    if (!file)
         return;
-    expect(g_utf8_validate(entry->name.data(), static_cast<gssize>(entry->name.size()), nullptr));
-    for (const auto* value : {&entry->icon, &entry->exec, &entry->startupWMClass}) {
-        expect(value->size() <= kLongestEntryValue);
-        expect(value->find('\0') == std::string::npos);
-    }
-    expect(commandName(entry->exec).find('/') == std::string::npos);
+    const auto entry = DesktopEntryFile::of(*file);
+    for (const auto* value : {&entry.name, &entry.icon, &entry.exec, &entry.startupWMClass})
+        expect(isText(*value));
+    for (const auto& keyword : file->localList("Keywords").value_or(std::vector<std::string>{}))
+        expect(isText(keyword));
+    expect(commandName(entry.exec).find('/') == std::string::npos);
+    isForMenus(*file);
+    const auto start = LaunchEntry::of(*file, "/applications/org.example.App.desktop", "");
+    expect(start && !start->name.empty() && !start->folder.empty());
 }
 
 void readAsTheme(std::string_view bytes)

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "Hosts/Linux/Applications/DesktopEntryFile.h"
 #include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Support/VirtualDispatch.h"
@@ -19,60 +18,19 @@ using namespace std::literals;
 using test::InstalledApplications;
 using test::VirtualDispatch;
 
-std::optional<DesktopEntryFile> parse(
-    std::string_view bytes, std::vector<std::string> languages = {})
-{
-    return parseDesktopEntry(bytes, languages);
-}
-
-TEST(DesktopEntryFile, readsWhatOtherProgramsReadAndNoActionsIntoIt)
-{
-    const auto entry = parse("\xEF\xBB\xBF# comment\n\n[Desktop Entry]\r\n"
-                             "Type = Application\r\nName=Editor\r\nIcon=edit\\sor\r\n"
-                             "Exec=edit\\\\ %U\r\nStartupWMClass=Edit\r\nNoDisplay=true\r\n"
-                             "[Desktop Action new]\nName=New Window\nExec=other\nHidden=true");
-
-    EXPECT_EQ(entry, (DesktopEntryFile{"Editor", "edit or", "edit\\ %U", "Edit", false, true}));
-}
-
-TEST(DesktopEntryFile, takesTheNameOfTheBestLanguageWhereverItStands)
-{
-    constexpr std::string_view bytes
-        = "[Desktop Entry]\nName[fr]=Rouge\nName[de]=Rot\nName=Red\nName[de_AT]=Roth\nNameX=no\n";
-
-    EXPECT_EQ(parse(bytes, {"de_AT", "de"})->name, "Roth");
-    EXPECT_EQ(parse(bytes, {"de_CH", "de"})->name, "Rot");
-    EXPECT_EQ(parse(bytes, {"ja", "fr"})->name, "Rouge");
-    EXPECT_EQ(parse(bytes, {"ja"})->name, "Red");
-    EXPECT_EQ(parse("[Desktop Entry]\nName[fr]=Rouge\n", {"ja"})->name, "");
-}
-
-TEST(DesktopEntryFile, losesNoMoreThanTheBadLine)
-{
-    const auto entry = parse("junk\n[Broken\n[Desktop Entry]\nno equals sign\n=no key\n"
-                             "Name=First\nName=Second\nComment="
-        + std::string(100'000, 'x') + "\nIcon=" + std::string(kLongestEntryValue + 1, 'y')
-        + "\nExec=a\0b\nStartupWMClass=Tail\\"s);
-    ASSERT_TRUE(entry);
-    EXPECT_EQ(entry->name, "Second");
-    EXPECT_EQ(entry->icon, "");
-    EXPECT_EQ(entry->startupWMClass, "Tail\\");
-
-    EXPECT_EQ(parse("[Desktop Entry]\nName=a\xFF\xFE z\n")->name, "a\uFFFD\uFFFD z");
-    EXPECT_EQ(parse("[Desktop Entry]\nType=Link\nName=Web\n"), std::nullopt);
-    EXPECT_EQ(parse("Name=outside\n"), std::nullopt);
-    EXPECT_EQ(parse(""), std::nullopt);
-}
-
 TEST(DesktopEntries, theFirstFolderWinsAndCanHideWhatIsInstalledLater)
 {
     InstalledApplications installed;
     VirtualDispatch dispatch;
-    installed.write("more/applications/both.desktop", "[Desktop Entry]\nName=Second");
-    installed.write("system/applications/both.desktop", "[Desktop Entry]\nName=First");
-    installed.write("system/applications/gone.desktop", "[Desktop Entry]\nName=Gone");
+    installed.write(
+        "more/applications/both.desktop", "[Desktop Entry]\nType=Application\nName=Second");
+    installed.write(
+        "system/applications/both.desktop", "[Desktop Entry]\nType=Application\nName=First");
+    installed.write(
+        "system/applications/gone.desktop", "[Desktop Entry]\nType=Application\nName=Gone");
     installed.write("user/applications/gone.desktop", "[Desktop Entry]\nHidden=true");
-    installed.write("system/applications/kde/deep/tool.desktop", "[Desktop Entry]\nName=Tool");
+    installed.write("system/applications/kde/deep/tool.desktop",
+        "[Desktop Entry]\nType=Application\nName=Tool");
     DesktopEntries entries{dispatch};
 
     EXPECT_EQ(entries.name("both"), "First");
@@ -134,7 +92,8 @@ TEST(DesktopEntries, findsWhatComesIntoFoldersThatDidNotExist)
     dispatch.advance(DesktopEntries::kSettleTime);
     EXPECT_TRUE(entries.path("new"));
 
-    installed.write("system/applications/vendor/tool.desktop", "[Desktop Entry]\nName=Tool");
+    installed.write(
+        "system/applications/vendor/tool.desktop", "[Desktop Entry]\nType=Application\nName=Tool");
     ASSERT_TRUE(eventually([&] { return dispatch.pendingTimers() > 0; }));
     dispatch.advance(DesktopEntries::kSettleTime);
     EXPECT_TRUE(entries.path("vendor-tool"));

@@ -4,41 +4,10 @@
 
 #include "Hosts/Linux/Applications/DesktopEntryFile.h"
 #include "Hosts/Linux/Applications/DesktopEntryIndex.h"
+#include "Hosts/Linux/Applications/ExecLine.h"
 
 namespace quorvel::xdg {
 namespace {
-
-constexpr std::size_t kMostWords = 64;
-
-/// Splits a command line at blanks outside of quotes. Single quotes are not meant to be there, and
-/// are there.
-std::vector<std::string> wordsOf(std::string_view exec)
-{
-    std::vector<std::string> words;
-    std::string word;
-    char quote = 0;
-    bool hasWord = false;
-    for (std::size_t i = 0; i < exec.size() && words.size() < kMostWords; ++i) {
-        const char letter = exec[i];
-        if (quote ? letter == quote : letter == '"' || letter == '\'') {
-            quote = quote ? 0 : letter;
-            hasWord = true;
-        } else if (letter == '\\' && quote == '"' && i + 1 < exec.size()) {
-            word += exec[++i];
-        } else if ((letter == ' ' || letter == '\t') && !quote) {
-            if (hasWord)
-                words.push_back(std::move(word));
-            word.clear();
-            hasWord = false;
-        } else {
-            word += letter;
-            hasWord = true;
-        }
-    }
-    if (hasWord)
-        words.push_back(std::move(word));
-    return words;
-}
 
 std::string baseName(std::string_view path)
 {

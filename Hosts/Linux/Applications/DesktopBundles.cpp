@@ -2,9 +2,13 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/DesktopEntryFile.h"
 #include "Hosts/Linux/Applications/DesktopEntryIndex.h"
+#include "Hosts/Linux/Applications/DesktopKeyFile.h"
+#include "Hosts/Linux/Applications/EntryRules.h"
 
 namespace quorvel::xdg {
 namespace {
@@ -43,13 +47,15 @@ std::optional<BundleDescription> DesktopBundles::describe(const ApplicationURL& 
         return std::nullopt;
     BundleDescription description;
     description.identifier = identifier(url.path);
-    const auto file = m_entries.file(url.path);
-    description.isOffered = file && !file->isHidden && !file->isNoDisplay;
+    const auto file = DesktopKeyFile::read(url.path);
+    description.isOffered = file && isForMenus(*file) && !whatIsMissing(*file);
     if (!file)
         return description;
-    if (!file->name.empty())
-        description.displayName = file->name;
-    description.executable = commandName(file->exec);
+    if (auto name = file->localText("Name"); !name.empty())
+        description.displayName = std::move(name);
+    description.genericName = file->localText("GenericName");
+    description.keywords = file->localList("Keywords").value_or(std::vector<std::string>{});
+    description.executable = commandName(file->text("Exec"));
     return description;
 }
 

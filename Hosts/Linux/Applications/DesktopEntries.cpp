@@ -2,23 +2,19 @@
 
 #include <algorithm>
 
-#include <glib.h>
-
 #include "Hosts/Linux/Applications/DesktopEntryIndex.h"
-#include "Hosts/Linux/Applications/DirectoryMonitors.h"
-#include "Hosts/Linux/Applications/FileReading.h"
+#include "Hosts/Linux/Applications/FolderMonitors.h"
 #include "Hosts/Linux/Applications/WindowMatching.h"
 #include "Hosts/Linux/Applications/XdgFolders.h"
 
 namespace quorvel::xdg {
 namespace {
 
-std::vector<std::string> userLanguages()
+/// Caches of other programs lie in these folders too. A name without a dot may be a subfolder.
+bool concernsApplications(std::string_view path)
 {
-    std::vector<std::string> languages;
-    for (const auto* name = g_get_language_names(); *name; ++name)
-        languages.emplace_back(*name);
-    return languages;
+    return path.ends_with(".desktop")
+        || path.find('.', path.rfind('/') + 1) == std::string_view::npos;
 }
 
 std::optional<std::string> unlessEmpty(const std::string& text)
@@ -31,9 +27,7 @@ std::optional<std::string> unlessEmpty(const std::string& text)
 DesktopEntries::DesktopEntries(Dispatch& dispatch)
     : m_dispatch(dispatch)
     , m_folders(dataFolders("applications"))
-    , m_languages(userLanguages())
-    , m_monitors(std::make_unique<DirectoryMonitors>(
-          [this](std::string_view path) { fileDidChange(path); }))
+    , m_fileDidChange([this](std::string_view path) { fileDidChange(path); })
 {
 }
 
@@ -51,33 +45,39 @@ std::optional<std::string> DesktopEntries::path(std::string_view bundleIdentifie
     return entry ? std::optional{entry->path()} : std::nullopt;
 }
 
+std::optional<std::string> DesktopEntries::identifier(std::string_view desktopFilePath) const
+{
+    const auto* entry = index().withPath(desktopFilePath);
+    return entry ? std::optional<std::string>{entry->id()} : std::nullopt;
+}
+
 std::optional<std::string> DesktopEntries::name(std::string_view bundleIdentifier) const
 {
     const auto* entry = index().withId(bundleIdentifier);
-    return entry ? unlessEmpty(index().read(*entry)->name) : std::nullopt;
+    return entry ? unlessEmpty(entry->read()->name) : std::nullopt;
+}
+
+std::optional<std::string> DesktopEntries::nameInFile(std::string_view desktopFilePath) const
+{
+    const auto file = DesktopEntryFile::read(std::string{desktopFilePath});
+    return file ? unlessEmpty(file->name) : std::nullopt;
 }
 
 std::optional<std::string> DesktopEntries::icon(std::string_view desktopFilePath) const
 {
-    const auto file = this->file(desktopFilePath);
+    const auto file = DesktopEntryFile::read(std::string{desktopFilePath});
     return file ? unlessEmpty(file->icon) : std::nullopt;
-}
-
-std::optional<DesktopEntryFile> DesktopEntries::file(std::string_view path) const
-{
-    const auto bytes = readFile(std::string{path}, kLargestEntryFile);
-    return bytes ? parseDesktopEntry(*bytes, m_languages) : std::nullopt;
 }
 
 DesktopEntryIndex& DesktopEntries::index() const
 {
     if (m_index)
         return *m_index;
-    m_index = std::make_unique<DesktopEntryIndex>(m_folders, m_languages);
-
-    auto watched = m_index->folders();
-    watched.insert(m_folders.begin(), m_folders.end()); // those that may come to exist
-    m_monitors->watchOnly(watched);
+    if (!m_watch) {
+        m_watch = std::make_unique<FolderMonitors>(
+            m_folders, DesktopEntryIndex::kDeepestFolder, m_fileDidChange);
+    }
+    m_index = std::make_unique<DesktopEntryIndex>(m_folders);
     return *m_index;
 }
 
@@ -92,22 +92,10 @@ void DesktopEntries::fileDidChange(std::string_view path)
     m_refresh = m_dispatch.main().after(std::max(wait, Duration::zero()), [this] { refresh(); });
 }
 
-/// Caches of other programs lie in these folders too. A name without a dot may be a subfolder.
-bool DesktopEntries::concernsApplications(std::string_view path) const
-{
-    if (path.ends_with(".desktop"))
-        return true;
-    if (std::find(m_folders.begin(), m_folders.end(), path) != m_folders.end())
-        return true;
-    const auto slash = path.rfind('/');
-    return path.find('.', slash) == std::string_view::npos && m_index
-        && m_index->folders().contains(std::string{path.substr(0, slash)});
-}
-
 void DesktopEntries::refresh()
 {
     m_changingSince.reset();
-    m_index.reset(); // the monitors stay until somebody asks
+    m_index.reset();
     changed.emit();
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "Hosts/Linux/Applications/DesktopEntryFile.h"
 #include "Hosts/Linux/Applications/WindowIdentity.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Published.h"
@@ -14,7 +14,7 @@
 namespace quorvel::xdg {
 
 class DesktopEntryIndex;
-class DirectoryMonitors;
+class FolderMonitors;
 
 /// The applications installed on this system, and which of them a window belongs to. An application
 /// is named by the id of its desktop file without ".desktop". Main thread.
@@ -36,10 +36,12 @@ public:
 
     /// The desktop file; absent for an application that has none.
     std::optional<std::string> path(std::string_view bundleIdentifier) const;
+    /// Of the application that the desktop file describes; absent for files elsewhere.
+    std::optional<std::string> identifier(std::string_view desktopFilePath) const;
     /// In the user's language.
     std::optional<std::string> name(std::string_view bundleIdentifier) const;
-    /// What the file says, wherever it is; absent if it describes no application. From any thread.
-    std::optional<DesktopEntryFile> file(std::string_view path) const;
+    /// In the user's language. Works for files elsewhere too. From any thread.
+    std::optional<std::string> nameInFile(std::string_view desktopFilePath) const;
     /// Those with desktop files, highest priority first. From any thread.
     const std::vector<std::string>& folders() const { return m_folders; }
     /// The icon that the file names: a name to look up, or a path. Works for files elsewhere too.
@@ -52,14 +54,13 @@ public:
 private:
     DesktopEntryIndex& index() const;
     void fileDidChange(std::string_view path);
-    bool concernsApplications(std::string_view path) const;
     void refresh();
 
     Dispatch& m_dispatch;
     const std::vector<std::string> m_folders;
-    const std::vector<std::string> m_languages;
+    const std::function<void(std::string_view path)> m_fileDidChange;
     mutable std::unique_ptr<DesktopEntryIndex> m_index; ///< null until needed, or outdated
-    const std::unique_ptr<DirectoryMonitors> m_monitors;
+    mutable std::unique_ptr<FolderMonitors> m_watch; ///< null until something was asked
     std::optional<Instant> m_changingSince;
     WorkItem m_refresh;
 };

@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <set>
 #include <tuple>
 #include <utility>
-
-#include "Hosts/Linux/Applications/FileReading.h"
 
 namespace quorvel::xdg {
 namespace {
 
+// Enough for any system.
 constexpr std::size_t kMostEntries = 20000;
 constexpr std::size_t kMostFolders = 500;
 constexpr std::string_view kEnding = ".desktop";
@@ -86,20 +86,17 @@ std::string similarName(std::string_view name)
     return result;
 }
 
-const DesktopEntryFile* DesktopEntryIndex::Entry::read(std::span<const std::string> languages) const
+const DesktopEntryFile* DesktopEntryIndex::Entry::read() const
 {
     if (!std::exchange(m_isRead, true)) {
-        const auto bytes = readFile(m_path, kLargestEntryFile);
-        m_file = bytes ? parseDesktopEntry(*bytes, languages) : std::nullopt;
+        m_file = DesktopEntryFile::read(m_path);
         if (m_file && m_file->isHidden)
             m_file.reset();
     }
     return m_file ? &*m_file : nullptr;
 }
 
-DesktopEntryIndex::DesktopEntryIndex(
-    std::span<const std::string> folders, std::span<const std::string> languages)
-    : m_languages(languages)
+DesktopEntryIndex::DesktopEntryIndex(std::span<const std::string> folders)
 {
     for (const auto& folder : folders) {
         list(folder, {}, 0);
@@ -111,9 +108,9 @@ void DesktopEntryIndex::list(const std::string& folder, const std::string& idPre
 {
     std::error_code error;
     std::filesystem::directory_iterator files{folder, error};
-    if (error || m_folders.size() >= kMostFolders)
+    if (error || m_folders >= kMostFolders)
         return;
-    m_folders.insert(folder);
+    ++m_folders;
     for (; !error && files != std::filesystem::directory_iterator{}; files.increment(error)) {
         auto path = files->path().string();
         auto name = path.substr(folder.size() + 1);
@@ -149,7 +146,7 @@ void DesktopEntryIndex::readAll() const
     if (std::exchange(m_areAllRead, true))
         return;
     for (const auto& [id, entry] : m_entries) {
-        const auto* file = read(entry);
+        const auto* file = entry.read();
         if (!file)
             continue;
         if (!file->startupWMClass.empty())
@@ -162,7 +159,14 @@ void DesktopEntryIndex::readAll() const
 const DesktopEntryIndex::Entry* DesktopEntryIndex::withId(std::string_view id) const
 {
     const auto found = m_entries.find(id);
-    return found != m_entries.end() && read(found->second) ? &found->second : nullptr;
+    return found != m_entries.end() && found->second.read() ? &found->second : nullptr;
+}
+
+const DesktopEntryIndex::Entry* DesktopEntryIndex::withPath(std::string_view path) const
+{
+    const auto found
+        = std::ranges::find_if(m_entries, [&](auto& known) { return known.second.path() == path; });
+    return found != m_entries.end() && found->second.read() ? &found->second : nullptr;
 }
 
 const DesktopEntryIndex::Entry* DesktopEntryIndex::withSimilarId(std::string_view id) const
@@ -186,7 +190,7 @@ const DesktopEntryIndex::Entry* DesktopEntryIndex::declaringClass(
     readAll();
     auto entries = usable(m_byClass, windowClass);
     std::erase_if(
-        entries, [&](auto* entry) { return read(*entry)->startupWMClass != windowClass; });
+        entries, [&](auto* entry) { return entry->read()->startupWMClass != windowClass; });
     return bestOf(std::move(entries), windowClass);
 }
 
@@ -210,7 +214,7 @@ DesktopEntryIndex::Entries DesktopEntryIndex::usable(
     if (name.empty() || found == table.end())
         return {};
     auto entries = found->second;
-    std::erase_if(entries, [this](auto* entry) { return !read(*entry); });
+    std::erase_if(entries, [](auto* entry) { return !entry->read(); });
     return entries;
 }
 
@@ -218,7 +222,7 @@ DesktopEntryIndex::Entries DesktopEntryIndex::usable(
 const DesktopEntryIndex::Entry* DesktopEntryIndex::onlyOf(Entries entries) const
 {
     if (entries.size() > 1)
-        std::erase_if(entries, [this](auto* entry) { return read(*entry)->isNoDisplay; });
+        std::erase_if(entries, [](auto* entry) { return entry->read()->isNoDisplay; });
     return entries.size() == 1 ? entries.front() : nullptr;
 }
 
@@ -230,7 +234,7 @@ const DesktopEntryIndex::Entry* DesktopEntryIndex::bestOf(
         return nullptr;
     const auto similar = similarName(name);
     const auto rank = [&](const Entry* entry) {
-        return std::tuple{read(*entry)->isNoDisplay, similarName(entry->id()) != similar,
+        return std::tuple{entry->read()->isNoDisplay, similarName(entry->id()) != similar,
             entry->folder(), entry->id()};
     };
     return *std::ranges::min_element(entries, {}, rank);

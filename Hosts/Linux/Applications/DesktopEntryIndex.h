@@ -2,7 +2,6 @@
 
 #include <map>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -34,7 +33,7 @@ public:
         /// Index of its folder; the user's own comes first.
         int folder() const { return m_folder; }
         /// Null when it is treated as absent.
-        const DesktopEntryFile* read(std::span<const std::string> languages) const;
+        const DesktopEntryFile* read() const;
 
     private:
         std::string_view m_id; ///< its key in the index
@@ -45,9 +44,11 @@ public:
     };
 
     /// Lists the folders and reads no file.
-    DesktopEntryIndex(std::span<const std::string> folders, std::span<const std::string> languages);
+    explicit DesktopEntryIndex(std::span<const std::string> folders);
 
     const Entry* withId(std::string_view id) const;
+    /// The one that is this file.
+    const Entry* withPath(std::string_view path) const;
     /// The same, ignoring letter case.
     const Entry* withSimilarId(std::string_view id) const;
     /// The only entry whose reverse domain name ends in this.
@@ -60,10 +61,6 @@ public:
     /// The only entry that starts this program.
     const Entry* startingCommand(std::string_view name) const;
 
-    const DesktopEntryFile* read(const Entry& entry) const { return entry.read(m_languages); }
-    /// Every folder that was listed.
-    const std::set<std::string>& folders() const { return m_folders; }
-
 private:
     using Entries = std::vector<const Entry*>;
     using Table = std::unordered_map<std::string, Entries>;
@@ -75,9 +72,8 @@ private:
     const Entry* onlyOf(Entries) const;
     const Entry* bestOf(Entries, std::string_view name) const;
 
-    std::span<const std::string> m_languages;
     int m_listedFolder = 0;
-    std::set<std::string> m_folders;
+    std::size_t m_folders = 0; ///< that were listed
     std::map<std::string, Entry, std::less<>> m_entries; ///< by id
     Table m_bySimilarId;
     Table m_byLastPart;

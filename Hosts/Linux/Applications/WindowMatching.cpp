@@ -56,10 +56,10 @@ const Entry* byOwnInstance(const DesktopEntryIndex& index, const WindowIdentity&
 const Entry* byClass(const DesktopEntryIndex& index, const WindowIdentity& window)
 {
     const auto* named = index.withId(window.wmClass);
-    if (named && !index.read(*named)->isNoDisplay)
+    if (named && !named->read()->isNoDisplay)
         return named;
     const auto* declaring = index.declaringClass(window.wmClass);
-    if (declaring && (!named || !index.read(*declaring)->isNoDisplay))
+    if (declaring && (!named || !declaring->read()->isNoDisplay))
         return declaring;
     return named;
 }
