@@ -1,6 +1,7 @@
 // What hovering, clicking, dragging and the keyboard do on the bar, through real pointer events.
 #include <gmock/gmock.h>
 
+#include "Quorvel/Core/LaunchMarks.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Views/BarBackground.h"
 #include "Quorvel/Views/Kit/Palette.h"
@@ -323,6 +324,37 @@ TEST_F(BarInteractionTest, pinsStandBeforeTheChipsWhileTheirApplicationHasNoWind
     EXPECT_THAT(pinIDs(), SizeIs(2)) << "the pointer is over the row";
     leave();
     EXPECT_THAT(pinIDs(), ElementsAre("browser"));
+}
+
+// Faults: who starts an application by other means than its pin sees nothing until its window
+// comes; what failed is said to start for ten seconds.
+TEST_F(BarInteractionTest, showsWhatIsBeingStartedUntilItsWindowIsThere)
+{
+    for (auto* id : {"player", "browser", "editor"})
+        desktop.workspace().install(id, "/Applications/" + std::string{id});
+    auto start = [&](const std::string& id) {
+        desktop.workspace().openApplication({"/Applications/" + id});
+        desktop.drain();
+    };
+    for (auto* id : {"player", "browser", "editor"})
+        start(id);
+    EXPECT_THAT(pinIDs(), ElementsAre("player", "browser")) << "the editor has windows";
+
+    desktop.workspace().failToLaunch("player");
+    desktop.drain();
+    EXPECT_THAT(pinIDs(), ElementsAre("browser"));
+    desktop.open(
+        desktop.launch({.name = "Browser", .bundleIdentifier = "browser"}), {.title = "Page"});
+    desktop.advance(seconds(2));
+    EXPECT_THAT(pinIDs(), IsEmpty());
+
+    start("player");
+    desktop.advance(LaunchMarks::kPatience - seconds(1));
+    start("player");
+    desktop.advance(LaunchMarks::kPatience - seconds(1));
+    EXPECT_THAT(pinIDs(), ElementsAre("player")) << "it was started once more";
+    desktop.advance(seconds(2));
+    EXPECT_THAT(pinIDs(), IsEmpty());
 }
 
 // Fault: on an empty desktop the first chips under the pointer have no width.

@@ -42,6 +42,7 @@ public:
 private:
     void observe(NSNotificationName, const Signal<RunningApplication>&);
     void observe(NSNotificationName, const Signal<>&);
+    void announceLaunch(const ApplicationURL&);
 
     std::vector<NotificationObserver> m_observers;
 };

@@ -109,8 +109,21 @@ Image MacWorkspace::genericApplicationIcon() const
     return type ? makeImage([NSWorkspace.sharedWorkspace iconForContentType:type]) : nullptr;
 }
 
+/// Whether a program is started by opening it, or only brought to the front.
+void MacWorkspace::announceLaunch(const ApplicationURL& url)
+{
+    NSString* path = toSystem(url.path);
+    NSString* identifier = path ? [NSBundle bundleWithPath:path].bundleIdentifier : nil;
+    if (!identifier)
+        return;
+    if ([NSRunningApplication runningApplicationsWithBundleIdentifier:identifier].count == 0)
+        launchDidBegin.emit({fromSystem(identifier),
+            fromSystem([NSFileManager.defaultManager displayNameAtPath:path])});
+}
+
 void MacWorkspace::openApplication(const ApplicationURL& url)
 {
+    announceLaunch(url);
     if (NSString* path = toSystem(url.path)) {
         [NSWorkspace.sharedWorkspace
             openApplicationAtURL:[NSURL fileURLWithPath:path]
@@ -132,6 +145,7 @@ void MacWorkspace::openNewInstance(const ApplicationURL& url)
 
 void MacWorkspace::openFiles(const std::vector<std::string>& paths, const ApplicationURL& url)
 {
+    announceLaunch(url);
     NSMutableArray<NSURL*>* files = [NSMutableArray array];
     for (const std::string& each : paths) {
         if (NSString* file = toSystem(each))

@@ -12,6 +12,7 @@
 namespace quorvel {
 
 class BarViewModel;
+class LaunchMarks;
 class PinStore;
 class ThumbnailService;
 class UserSettings;
@@ -20,6 +21,7 @@ class UserSettings;
 struct BarContents {
     BarViewModel& viewModel;
     PinStore& pinStore;
+    const LaunchMarks& launchMarks;
     UserSettings& settings;
     ThumbnailService& thumbnailService;
     /// Absent while one bar stands for every screen.

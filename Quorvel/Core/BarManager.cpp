@@ -44,6 +44,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_metrics(BarMetrics::of(settings.barSize()))
     , m_lastAppliedBarSize(settings.barSize())
     , m_viewModel(windowStore, settings, badgeService, platform)
+    , m_launchMarks(m_viewModel, platform.workspace, platform.dispatch.main())
     , m_panels(platform, settings, factory)
     , m_reservations(platform, edgeReservation())
     , m_navigation(platform, windowStore, m_viewModel, settings, m_panels)
@@ -253,6 +254,7 @@ BarContents BarManager::contents(const Bar& bar)
     return {
         .viewModel = m_viewModel,
         .pinStore = m_pinStore,
+        .launchMarks = m_launchMarks,
         .settings = m_settings,
         .thumbnailService = m_thumbnailService,
         // Where one bar stands for every screen it leaves no window out.

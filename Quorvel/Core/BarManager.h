@@ -10,6 +10,7 @@
 #include "Quorvel/Core/BarReservations.h"
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/BarViewModel.h"
+#include "Quorvel/Core/LaunchMarks.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/SpaceNavigation.h"
 #include "Quorvel/Core/WheelNotches.h"
@@ -108,6 +109,7 @@ private:
     BarMetrics m_metrics;
     BarSize m_lastAppliedBarSize;
     BarViewModel m_viewModel;
+    LaunchMarks m_launchMarks;
     BarPanels m_panels;
     BarReservations m_reservations;
     SpaceNavigation m_navigation;

@@ -40,6 +40,14 @@ struct ApplicationAction {
     friend bool operator==(const ApplicationAction&, const ApplicationAction&) = default;
 };
 
+/// A stored application that is started, rather than brought to the front.
+struct ApplicationLaunch {
+    std::optional<std::string> bundleIdentifier; ///< absent for one that is not installed
+    std::string name; ///< in the user's language
+
+    friend bool operator==(const ApplicationLaunch&, const ApplicationLaunch&) = default;
+};
+
 /// An icon at one size.
 struct IconPicture {
     Image image;
@@ -96,6 +104,10 @@ public:
     Signal<RunningApplication> didLaunch;
     Signal<RunningApplication> didTerminate;
     Signal<RunningApplication> didActivate;
+    /// One of the calls above starts a program. `didLaunch` follows when it shows up, if it does.
+    Signal<ApplicationLaunch> launchDidBegin;
+    /// It could not be started, or ended at once because its program or a library is missing.
+    Signal<ApplicationLaunch> launchDidFail;
     Signal<> didWake;
     Signal<> activeSpaceDidChange;
     /// A hint that the icon for this bundle identifier changed; every icon if it is empty.

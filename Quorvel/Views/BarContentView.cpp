@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Quorvel/Core/LaunchMarks.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UserSettings.h"
@@ -38,8 +39,6 @@ std::string countText(int windows)
 BarContentView::BarContentView(Inputs inputs)
     : m_inputs(std::move(inputs))
     , m_palette(Palette::of(m_inputs.platform.application.appearance().value()))
-    , m_launchMarks(
-          m_inputs.viewModel, m_inputs.platform.workspace, m_inputs.platform.dispatch.main())
     , m_popups(popupInputs())
 {
     auto& metrics = m_inputs.metrics;
@@ -90,7 +89,6 @@ ChipPopups::Inputs BarContentView::popupInputs()
 
 void BarContentView::connectPopups()
 {
-    m_launchMarks.onChanged = [this] { partDidChange(Part::pins); };
     m_popups.onWillShow = [this] {
         if (onThumbnailWillShow)
             onThumbnailWillShow();
@@ -125,11 +123,8 @@ void BarContentView::subscribe()
     keep(m_inputs.viewModel.spaces.subscribe(changes(Part::spaces)));
     // Their names, of which the model knows nothing.
     keep(platform.windowServer.spacesDidChange.subscribe(changes(Part::spaces)));
-    keep(m_inputs.viewModel.summaries.subscribe([this](auto&) {
-        partDidChange(Part::spaces);
-        if (m_launchMarks.isStale())
-            partDidChange(Part::pins);
-    }));
+    keep(m_inputs.viewModel.summaries.subscribe(changes(Part::spaces)));
+    keep(m_inputs.launchMarks.launching().subscribe(changes(Part::pins)));
     keep(m_inputs.viewModel.barDidChange(m_inputs.spaceID).subscribe(changes(Part::items)));
 }
 
@@ -189,7 +184,6 @@ void BarContentView::connectRow()
     m_row->onPinFiles = [this](const PinView& pin, std::vector<std::string> paths) {
         if (auto url = m_inputs.platform.workspace.applicationURL(pin.pin().bundleID))
             m_inputs.platform.workspace.openFiles(paths, *url);
-        m_launchMarks.mark(pin.pin().bundleID);
     };
     m_row->onPinMoved = [this](const std::string& bundleID, const ReorderDrag& drag) {
         pinMoved(bundleID, drag);
@@ -214,6 +208,10 @@ std::vector<std::string> BarContentView::wantedPins() const
         auto withWindows = m_inputs.viewModel.bundleIDsWithWindows(m_inputs.spaceID);
         std::erase_if(wanted, [&](auto& id) { return withWindows.contains(id); });
     }
+    for (auto& id : m_inputs.launchMarks.launching().value()) {
+        if (!m_inputs.pinStore.isPinned(id, PinDestination::bar))
+            wanted.push_back(id);
+    }
     return wanted;
 }
 
@@ -226,14 +224,13 @@ bool BarContentView::arePinsCurrent() const
 void BarContentView::pinsDidChange()
 {
     m_pins = wantedPins();
-    m_launchMarks.keepOnly(m_pins);
     std::vector<PinData> pins;
     for (auto& id : m_pins) {
         auto icon = m_inputs.viewModel.icon(id);
         if (!icon)
             icon = m_inputs.platform.workspace.genericApplicationIcon();
-        pins.push_back(
-            {id, m_inputs.viewModel.appName(id), std::move(icon), m_launchMarks.contains(id)});
+        pins.push_back({id, m_inputs.viewModel.appName(id), std::move(icon),
+            m_inputs.launchMarks.contains(id)});
     }
     m_row->setPins(pins);
     m_inputs.surface.accessibleTreeDidChange();
@@ -439,7 +436,6 @@ void BarContentView::pinTapped(const std::string& bundleID)
 {
     dismissThumbnailPopupImmediate();
     onNextTurn([bundleID](BarViewModel& viewModel) { viewModel.launchApp(bundleID); });
-    m_launchMarks.mark(bundleID);
 }
 
 void BarContentView::triggerShowDesktop()

@@ -13,12 +13,12 @@
 #include "Quorvel/Views/ChipView.h"
 #include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/Kit/View.h"
-#include "Quorvel/Views/LaunchMarks.h"
 
 namespace quorvel {
 
 class BarBackground;
 class ChipsRow;
+class LaunchMarks;
 class MenuButton;
 class PinStore;
 class PinView;
@@ -36,6 +36,7 @@ public:
     struct Inputs {
         BarViewModel& viewModel;
         PinStore& pinStore;
+        const LaunchMarks& launchMarks;
         UserSettings& settings;
         ThumbnailService& thumbnailService;
         const Platform& platform;
@@ -109,6 +110,7 @@ private:
     void partDidChange(Part);
     void itemsDidChange();
     void pinsDidChange();
+    /// Of pinned applications, and of others that are being started: those without a window here.
     std::vector<std::string> wantedPins() const;
     bool arePinsCurrent() const;
     void spacesDidChange();
@@ -146,7 +148,6 @@ private:
     bool m_isShown = true;
     std::set<Part> m_stale; ///< while it is not
     std::vector<std::string> m_pins; ///< bundle identifiers, as they were looked up
-    LaunchMarks m_launchMarks;
     ChipPopups m_popups;
     WorkItem m_springTimer;
     WorkItem m_screensChange;

@@ -70,6 +70,7 @@ std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& con
     auto view = std::make_unique<BarContentView>(BarContentView::Inputs{
         .viewModel = contents.viewModel,
         .pinStore = contents.pinStore,
+        .launchMarks = contents.launchMarks,
         .settings = contents.settings,
         .thumbnailService = contents.thumbnailService,
         .platform = m_platform,

@@ -1,10 +1,8 @@
 #include "Hosts/Linux/Applications/LauncherBus.h"
 
 #include <chrono>
-#include <csignal>
-#include <filesystem>
-#include <functional>
-#include <memory>
+#include <optional>
+#include <string>
 
 #include <gio/gio.h>
 #include <gtest/gtest.h>
@@ -12,6 +10,7 @@
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
+#include "Tests/Host/fixtures/PrivateBus.h"
 #include "Tests/Support/VirtualDispatch.h"
 
 namespace quorvel::xdg::x11 {
@@ -19,70 +18,10 @@ namespace {
 
 using namespace std::literals;
 
-struct Release {
-    void operator()(gpointer object) const { g_object_unref(object); }
-};
-template <typename Type> using Owned = std::unique_ptr<Type, Release>;
-
-/// A session bus that the environment names while this lives.
-class Bus {
-public:
-    Bus()
-    {
-        char* folder = g_dir_make_tmp("quorvel-bus-XXXXXX", nullptr);
-        m_folder = folder;
-        g_free(folder);
-        m_address = "unix:path=" + m_folder + "/bus";
-        start();
-        g_setenv("DBUS_SESSION_BUS_ADDRESS", m_address.c_str(), true);
-    }
-    ~Bus()
-    {
-        end();
-        g_unsetenv("DBUS_SESSION_BUS_ADDRESS");
-        std::filesystem::remove_all(m_folder);
-    }
-
-    /// Returns when it listens.
-    void start()
-    {
-        m_daemon.reset(g_subprocess_new(static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDOUT_PIPE
-                                            | G_SUBPROCESS_FLAGS_STDERR_SILENCE),
-            nullptr, "dbus-daemon", "--session", "--nofork", "--print-address",
-            ("--address=" + m_address).c_str(), nullptr));
-        const Owned<GDataInputStream> output{
-            g_data_input_stream_new(g_subprocess_get_stdout_pipe(m_daemon.get()))};
-        g_filter_input_stream_set_close_base_stream(G_FILTER_INPUT_STREAM(output.get()), false);
-        g_free(g_data_input_stream_read_line(output.get(), nullptr, nullptr, nullptr));
-    }
-    /// Without a word; its socket goes with it.
-    void end()
-    {
-        g_subprocess_force_exit(m_daemon.get());
-        g_subprocess_wait(m_daemon.get(), nullptr, nullptr);
-        std::filesystem::remove(m_folder + "/bus");
-    }
-
-    void stop() { g_subprocess_send_signal(m_daemon.get(), SIGSTOP); }
-    Owned<GDBusConnection> connect() const
-    {
-        const auto flags
-            = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
-                | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-        return Owned<GDBusConnection>{g_dbus_connection_new_for_address_sync(
-            m_address.c_str(), flags, nullptr, nullptr, nullptr)};
-    }
-
-private:
-    Owned<GSubprocess> m_daemon;
-    std::string m_folder;
-    std::string m_address;
-};
-
 /// An application with an entry at the launcher.
 class Sender {
 public:
-    explicit Sender(const Bus& bus) : m_connection(bus.connect()) { }
+    explicit Sender(const test::PrivateBus& bus) : m_connection(bus.connect()) { }
 
     void say(const char* arguments)
     {
@@ -123,7 +62,7 @@ public:
     }
 
 private:
-    Owned<GDBusConnection> m_connection;
+    GObjectHandle<GDBusConnection> m_connection;
 };
 
 class LauncherBusTest : public testing::Test {
@@ -137,7 +76,7 @@ protected:
 
     test::InstalledApplications applications;
     test::VirtualDispatch dispatch;
-    Bus daemon;
+    test::PrivateBus daemon;
     DesktopEntries installed{dispatch};
     LauncherEntries entries;
     std::optional<LauncherBus> bus;

@@ -1,5 +1,7 @@
 #include "Tests/Support/FakeWorkspace.h"
 
+#include <algorithm>
+
 #include "Tests/Support/Contract.h"
 #include "Tests/Support/FakeDesktop.h"
 
@@ -74,6 +76,59 @@ Image FakeWorkspace::runningApplicationIcon(ProcessID pid) const
 Image FakeWorkspace::genericApplicationIcon() const
 {
     return image("generic");
+}
+
+void FakeWorkspace::openApplication(const ApplicationURL& url)
+{
+    m_opened.push_back(url.path);
+    if (!isRunning(url))
+        beginLaunch(url);
+}
+
+void FakeWorkspace::openNewInstance(const ApplicationURL& url)
+{
+    m_opened.push_back("new " + url.path);
+    beginLaunch(url);
+}
+
+void FakeWorkspace::openFiles(const std::vector<std::string>& paths, const ApplicationURL& url)
+{
+    for (auto& path : paths)
+        m_opened.push_back(path + " with " + url.path);
+    beginLaunch(url);
+}
+
+void FakeWorkspace::perform(const ApplicationAction& action, const ApplicationURL& url)
+{
+    m_opened.push_back(action.identifier + " of " + url.path);
+    beginLaunch(url);
+}
+
+void FakeWorkspace::failToLaunch(const std::string& bundleIdentifier)
+{
+    launchDidFail.emit({bundleIdentifier, bundleIdentifier});
+}
+
+void FakeWorkspace::beginLaunch(const ApplicationURL& url)
+{
+    auto bundleIdentifier = identifier(url);
+    launchDidBegin.emit({bundleIdentifier, bundleIdentifier.value_or(url.path)});
+}
+
+bool FakeWorkspace::isRunning(const ApplicationURL& url) const
+{
+    auto bundleIdentifier = identifier(url);
+    auto& running = m_desktop.model().applications;
+    return bundleIdentifier && std::ranges::any_of(running, [&](auto& entry) {
+        return entry.second.info.bundleIdentifier == bundleIdentifier;
+    });
+}
+
+std::optional<std::string> FakeWorkspace::identifier(const ApplicationURL& url) const
+{
+    auto found
+        = std::ranges::find_if(m_installed, [&](auto& entry) { return entry.second == url.path; });
+    return found == m_installed.end() ? std::nullopt : std::optional{found->first};
 }
 
 bool FakeWorkspace::activateCooperatively(ProcessID pid)

@@ -32,23 +32,13 @@ public:
     std::optional<IconPicture> renderIcon(const ApplicationURL&, int pixels) const override;
     Image runningApplicationIcon(ProcessID) const override;
     Image genericApplicationIcon() const override;
-    void openApplication(const ApplicationURL& url) override { m_opened.push_back(url.path); }
+    void openApplication(const ApplicationURL&) override;
     bool canOpenNewInstance(const ApplicationURL&) const override { return true; }
-    void openNewInstance(const ApplicationURL& url) override
-    {
-        m_opened.push_back("new " + url.path);
-    }
-    void openFiles(const std::vector<std::string>& paths, const ApplicationURL& url) override
-    {
-        for (auto& path : paths)
-            m_opened.push_back(path + " with " + url.path);
-    }
+    void openNewInstance(const ApplicationURL&) override;
+    void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
     void openFile(const std::string& path) override { m_opened.push_back(path); }
     std::vector<ApplicationAction> actions(const ApplicationURL&) const override { return {}; }
-    void perform(const ApplicationAction& action, const ApplicationURL& url) override
-    {
-        m_opened.push_back(action.identifier + " of " + url.path);
-    }
+    void perform(const ApplicationAction&, const ApplicationURL&) override;
     void requestTermination(ProcessID) override { }
     bool isSelfActive() const override { return m_isSelfActive; }
     void activateSelf() override { m_isSelfActive = true; }
@@ -58,6 +48,8 @@ public:
     // Knobs.
     void install(std::string bundleIdentifier, std::string path);
     void uninstall(const std::string& path);
+    /// The application cannot be started, as the system finds out some time later.
+    void failToLaunch(const std::string& bundleIdentifier);
     void setSelfActive(bool value) { m_isSelfActive = value; }
 
     // What the program did.
@@ -80,6 +72,9 @@ public:
 
 private:
     bool activate(ProcessID, Activation);
+    void beginLaunch(const ApplicationURL&);
+    bool isRunning(const ApplicationURL&) const;
+    std::optional<std::string> identifier(const ApplicationURL&) const;
     Image image(const std::string& name) const;
 
     FakeDesktop& m_desktop;

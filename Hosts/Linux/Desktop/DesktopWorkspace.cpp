@@ -1,7 +1,9 @@
 #include "Hosts/Linux/Desktop/DesktopWorkspace.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <set>
+#include <utility>
 
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Hosts/Linux/Applications/Icons.h"
@@ -29,6 +31,8 @@ DesktopWorkspace::DesktopWorkspace(const SharedModel& model, DesktopTracker& tra
     , m_windowIcons(windowIcons)
     , m_entries(entries)
     , m_icons(icons)
+    , m_launcher(
+          [this](const std::string& desktopFile) { launchDidFail.emit(launchOf(desktopFile)); })
     , m_sleep([this] { didWake.emit(); })
 {
     m_subscriptions.push_back(tracker.applicationDidLaunch.subscribe(
@@ -157,14 +161,33 @@ void DesktopWorkspace::openApplication(const ApplicationURL& url)
 
 void DesktopWorkspace::openNewInstance(const ApplicationURL& url)
 {
-    m_tokens.request(
-        [this, path = url.path](const std::string& token) { m_launcher.launch(path, token); });
+    launch({.desktopFile = url.path});
 }
 
 void DesktopWorkspace::openFiles(const std::vector<std::string>& paths, const ApplicationURL& url)
 {
-    m_tokens.request([this, paths, path = url.path](
-                         const std::string& token) { m_launcher.launch(path, token, paths); });
+    launch({.desktopFile = url.path, .files = paths});
+}
+
+void DesktopWorkspace::openFile(const std::string& path)
+{
+    m_tokens.request([this, path](const std::string& token) { m_launcher.openFile(path, token); });
+}
+
+void DesktopWorkspace::launch(LaunchRequest request)
+{
+    launchDidBegin.emit(launchOf(request.desktopFile));
+    m_tokens.request([this, request = std::move(request)](const std::string& token) mutable {
+        request.token = token;
+        m_launcher.start(request);
+    });
+}
+
+ApplicationLaunch DesktopWorkspace::launchOf(const std::string& desktopFile) const
+{
+    auto stem = std::filesystem::path{desktopFile}.stem().string();
+    return {m_entries.identifier(desktopFile),
+        m_entries.nameInFile(desktopFile).value_or(std::move(stem))};
 }
 
 std::vector<ApplicationAction> DesktopWorkspace::actions(const ApplicationURL& url) const
@@ -174,8 +197,7 @@ std::vector<ApplicationAction> DesktopWorkspace::actions(const ApplicationURL& u
 
 void DesktopWorkspace::perform(const ApplicationAction& action, const ApplicationURL& url)
 {
-    m_tokens.request([this, id = action.identifier, path = url.path](
-                         const std::string& token) { m_launcher.perform(path, id, token); });
+    launch({.desktopFile = url.path, .action = action.identifier});
 }
 
 void DesktopWorkspace::requestTermination(ProcessID pid)

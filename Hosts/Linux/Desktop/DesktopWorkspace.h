@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Hosts/Linux/Applications/ApplicationLauncher.h"
+#include "Hosts/Linux/Applications/LaunchRequest.h"
 #include "Hosts/Linux/Bus/SleepWatch.h"
 #include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/Linux/Desktop/WindowIcons.h"
@@ -39,7 +40,7 @@ public:
         return ApplicationLauncher::opensManyWindows(url.path);
     }
     void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
-    void openFile(const std::string& path) override { ApplicationLauncher::openFile(path); }
+    void openFile(const std::string& path) override;
     std::vector<ApplicationAction> actions(const ApplicationURL&) const override;
     void perform(const ApplicationAction&, const ApplicationURL&) override;
     /// Asks each of its windows to close: there is no other way to end an application.
@@ -53,6 +54,8 @@ public:
 
 private:
     void entriesDidChange();
+    void launch(LaunchRequest);
+    ApplicationLaunch launchOf(const std::string& desktopFile) const;
     Image windowIcon(ProcessID) const;
     std::vector<IconPixels> pixelsOf(const std::vector<WindowID>&) const;
     std::vector<WindowID> windowsOf(ProcessID) const;
