@@ -21,13 +21,28 @@
     return source ? quorvel::toSystem(source->accessibleState().name) : nil;
 }
 
+/// The views leave out what a control of the system stands for; that one lies over them.
 - (NSArray*)accessibilityChildren
 {
-    return [self.accessibleChildren elements];
+    NSArray* elements = [self.accessibleChildren elements];
+    return self.subviews.count == 0
+        ? elements
+        : [elements arrayByAddingObjectsFromArray:NSAccessibilityUnignoredChildren(self.subviews)];
+}
+
+- (NSView*)systemControlAtPoint:(NSPoint)point
+{
+    for (NSView* control in self.subviews) {
+        if (!control.hidden && NSPointInRect(point, control.accessibilityFrame))
+            return control;
+    }
+    return nil;
 }
 
 - (id)accessibilityHitTest:(NSPoint)point
 {
+    if (NSView* control = [self systemControlAtPoint:point])
+        return [control accessibilityHitTest:point];
     QVAccessibleElement* deepest = [self.accessibleChildren elementAtPoint:point];
     return deepest ? deepest : self;
 }

@@ -35,6 +35,7 @@ public:
     void releaseKeyboard() override;
     void setOpacity(double) override;
     void accessibleTreeDidChange() override;
+    void setCursor(Cursor) override;
 
     QVSurfaceView* view() const { return m_view; }
 
@@ -62,7 +63,13 @@ private:
     };
 
     void activeSpaceDidChange();
+    void keyDidChange(bool isKey);
+    void monitorKeys();
+    void stopMonitoringKeys();
+    bool isComposing() const;
 
+    const PanelKind m_kind;
+    SurfaceClient& m_client;
     QVPanel* m_panel;
     QVSurfaceView* m_view;
     NSVisualEffectView* m_blur = nil;
@@ -70,6 +77,7 @@ private:
     PanelPlace m_place;
     KeyboardSession m_keyboard;
     bool m_canBecomeKey = false;
+    id m_keyMonitor = nil; ///< of a launcher, while it is the key window
     Subscription m_activeSpaceChange;
 };
 

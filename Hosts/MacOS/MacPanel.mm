@@ -1,12 +1,16 @@
 #include "Hosts/MacOS/MacPanel.h"
 
 #include "Hosts/MacOS/Conversions.h"
+#include "Hosts/MacOS/KeyEvents.h"
+#include "Hosts/MacOS/Rules/KeyRoute.h"
 #include "Hosts/MacOS/Rules/PanelTraits.h"
 #include "Quorvel/Platform/Workspace.h"
 
 @interface QVPanel : NSPanel
 @property (nonatomic, copy) BOOL (^mayBecomeKey)(void);
 @property (nonatomic, copy) void (^onKeyChanged)(BOOL isKey);
+/// What the pointer looks like here, whatever a view or another panel says; nil: nobody cares.
+@property (nonatomic) NSCursor* cursor;
 @end
 
 static BOOL s_panelsRefuseKey = NO;
@@ -36,6 +40,21 @@ static BOOL s_panelsRefuseKey = NO;
 - (BOOL)canBecomeMainWindow
 {
     return NO;
+}
+
+- (void)sendEvent:(NSEvent*)event
+{
+    const NSEventMask pointer = NSEventMaskMouseMoved | NSEventMaskMouseEntered
+        | NSEventMaskMouseExited | NSEventMaskCursorUpdate | NSEventMaskLeftMouseDown
+        | NSEventMaskLeftMouseUp | NSEventMaskLeftMouseDragged | NSEventMaskRightMouseDown
+        | NSEventMaskRightMouseUp | NSEventMaskRightMouseDragged | NSEventMaskOtherMouseDown
+        | NSEventMaskOtherMouseUp | NSEventMaskOtherMouseDragged | NSEventMaskScrollWheel;
+    const bool isPointer = NSEventMaskFromType(event.type) & pointer;
+    if (isPointer)
+        [self.cursor set];
+    [super sendEvent:event];
+    if (isPointer)
+        [self.cursor set];
 }
 
 // The system would push the frame off the strip that the Dock and the menu bar keep for themselves.
@@ -158,7 +177,9 @@ void MacPanel::Calls::resignKey()
 
 MacPanel::MacPanel(
     const SurfaceContext& context, const PanelOptions& options, SurfaceClient& client)
-    : m_panel(makePanel(PanelTraits::of(options.kind)))
+    : m_kind(options.kind)
+    , m_client(client)
+    , m_panel(makePanel(PanelTraits::of(options.kind)))
     , m_view([[QVSurfaceView alloc] initWithFrame:m_panel.contentView.bounds
                                            client:&client
                                           context:context])
@@ -173,11 +194,12 @@ MacPanel::MacPanel(
     [m_panel.contentView addSubview:m_view];
     m_view.keyboard = &m_keyboard;
     m_panel.mayBecomeKey = ^BOOL { return m_canBecomeKey || m_keyboard.isWanted(); };
-    m_panel.onKeyChanged = ^(BOOL isKey) { m_keyboard.keyDidChange(isKey); };
+    m_panel.onKeyChanged = ^(BOOL isKey) { keyDidChange(isKey); };
 }
 
 MacPanel::~MacPanel()
 {
+    stopMonitoringKeys();
     m_panel.onKeyChanged = nil;
     m_panel.mayBecomeKey = nil;
     [m_view detach];
@@ -209,6 +231,11 @@ void MacPanel::setCanBecomeKey(bool canBecomeKey) { m_canBecomeKey = canBecomeKe
 
 void MacPanel::makeKeyAndOrderFront()
 {
+    if (m_kind == PanelKind::launcher) {
+        orderFront();
+        takeKeyboard();
+        return;
+    }
     if (m_place.orderFrontForKey())
         [m_panel makeKeyWindow];
 }
@@ -233,6 +260,54 @@ bool MacPanel::takeKeyboard()
     m_keyboard.take();
     [m_panel makeFirstResponder:m_view];
     return true;
+}
+
+void MacPanel::keyDidChange(bool isKey)
+{
+    stopMonitoringKeys();
+    if (isKey && m_kind == PanelKind::launcher)
+        monitorKeys();
+    m_keyboard.keyDidChange(isKey); // which may do away with the panel
+}
+
+/// A field of the system would use the keys that are for the whole panel.
+void MacPanel::monitorKeys()
+{
+    m_view.isAskedBefore = YES;
+    auto* client = &m_client;
+    m_keyMonitor = [NSEvent
+        addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown
+                                     handler:^NSEvent*(NSEvent* event) {
+                                         const KeyRoute route{.isForPanel = event.window == m_panel,
+                                             .isPanelKey = static_cast<bool>(m_panel.keyWindow),
+                                             .isComposing = isComposing()};
+                                         const bool isUsed = route.asksClientFirst()
+                                             && client->keyPressed(keyEventOf(event));
+                                         return isUsed ? nil : event;
+                                     }];
+}
+
+void MacPanel::stopMonitoringKeys()
+{
+    m_view.isAskedBefore = NO;
+    if (m_keyMonitor)
+        [NSEvent removeMonitor:m_keyMonitor];
+    m_keyMonitor = nil;
+}
+
+bool MacPanel::isComposing() const
+{
+    NSResponder* responder = m_panel.firstResponder;
+    return [responder conformsToProtocol:@protocol(NSTextInputClient)] &&
+        [(id<NSTextInputClient>)responder hasMarkedText];
+}
+
+void MacPanel::setCursor(Cursor cursor)
+{
+    switch (cursor) {
+    case Cursor::arrow:
+        m_panel.cursor = NSCursor.arrowCursor;
+    }
 }
 
 void MacPanel::releaseKeyboard() { m_keyboard.release(); }

@@ -19,6 +19,9 @@ public:
         PanelSurface&, Menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed) override;
     void closeMenu() override { m_menu.close(); }
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
+    Subscription monitorPresses(PointerScope, PressHandler) override;
+    std::unique_ptr<NativeTextField> createTextField(
+        PanelSurface&, NativeTextFieldClient&) override;
 
 private:
     SurfaceContext m_context;

@@ -2,6 +2,7 @@
 
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/MacPanel.h"
+#include "Hosts/MacOS/MacTextField.h"
 
 /// The system's menu of a session.
 @interface QVMenuTarget : NSObject
@@ -79,6 +80,44 @@
 
 namespace quorvel {
 
+namespace {
+
+/// A local monitor hears of a press before the window does, and of none that a menu takes.
+Subscription monitorEvents(NSEventMask mask, PointerScope scope, void (^handler)(NSEvent*))
+{
+    id monitor = nil;
+    if (scope == PointerScope::ownWindows) {
+        monitor = [NSEvent addLocalMonitorForEventsMatchingMask:mask
+                                                        handler:^NSEvent*(NSEvent* event) {
+                                                            handler(event);
+                                                            return event;
+                                                        }];
+    } else {
+        monitor = [NSEvent addGlobalMonitorForEventsMatchingMask:mask handler:handler];
+    }
+    if (!monitor)
+        return {};
+    return Subscription{std::shared_ptr<void>{(__bridge_retained void*)monitor,
+        [](void* object) { [NSEvent removeMonitor:(__bridge_transfer id)object]; }}};
+}
+
+/// Global, top-left origin.
+Point pointerLocation()
+{
+    const NSPoint location = NSEvent.mouseLocation;
+    return {location.x, NSMaxY(NSScreen.screens.firstObject.frame) - location.y};
+}
+
+PointerButton buttonOf(NSEvent* press)
+{
+    if (press.type == NSEventTypeLeftMouseDown)
+        return PointerButton::primary;
+    return press.type == NSEventTypeRightMouseDown ? PointerButton::secondary
+                                                   : PointerButton::middle;
+}
+
+}
+
 MacSurfaces::MacSurfaces(const SurfaceContext& context)
     : m_context(context)
     , m_menu(context.application.willTerminate)
@@ -93,21 +132,21 @@ std::unique_ptr<PanelSurface> MacSurfaces::createPanel(
 
 Subscription MacSurfaces::monitorPointer(PointerScope scope, std::function<void()> handler)
 {
-    id monitor = nil;
-    if (scope == PointerScope::ownWindows) {
-        monitor = [NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskMouseMoved
-                                                        handler:^NSEvent*(NSEvent* event) {
-                                                            handler();
-                                                            return event;
-                                                        }];
-    } else {
-        monitor = [NSEvent addGlobalMonitorForEventsMatchingMask:NSEventMaskMouseMoved
-                                                         handler:^(NSEvent*) { handler(); }];
-    }
-    if (!monitor)
-        return {};
-    return Subscription{std::shared_ptr<void>{(__bridge_retained void*)monitor,
-        [](void* object) { [NSEvent removeMonitor:(__bridge_transfer id)object]; }}};
+    return monitorEvents(NSEventMaskMouseMoved, scope, ^(NSEvent*) { handler(); });
+}
+
+Subscription MacSurfaces::monitorPresses(PointerScope scope, PressHandler handler)
+{
+    const NSEventMask presses
+        = NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown | NSEventMaskOtherMouseDown;
+    return monitorEvents(
+        presses, scope, ^(NSEvent* event) { handler(pointerLocation(), buttonOf(event)); });
+}
+
+std::unique_ptr<NativeTextField> MacSurfaces::createTextField(
+    PanelSurface& surface, NativeTextFieldClient& client)
+{
+    return std::make_unique<MacTextField>(static_cast<MacPanel&>(surface).view(), client);
 }
 
 void MacSurfaces::popUpMenu(

@@ -24,6 +24,8 @@ class KeyboardSession;
 /// Made when an assistive program first asks for the elements.
 @property (nonatomic, readonly) QVAccessibleChildren* accessibleChildren;
 @property (nonatomic) BOOL willAnnounceChanges;
+/// Whether the client has been asked about each key before the view gets it.
+@property (nonatomic) BOOL isAskedBefore;
 @end
 
 @interface QVSurfaceView (Accessible)

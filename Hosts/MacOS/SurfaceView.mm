@@ -1,9 +1,8 @@
 #include "Hosts/MacOS/SurfaceView.h"
 
-#include <Carbon/Carbon.h>
-
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/CoreGraphicsCanvas.h"
+#include "Hosts/MacOS/KeyEvents.h"
 #include "Hosts/MacOS/Rules/DropOperation.h"
 #include "Hosts/MacOS/Rules/KeyboardSession.h"
 #include "Hosts/MacOS/Rules/PointerSession.h"
@@ -23,38 +22,6 @@ ScrollPhase phaseOf(NSEvent* event)
         return ScrollPhase::ended;
     return event.phase & NSEventPhaseChanged ? ScrollPhase::changed : ScrollPhase::none;
 }
-
-/// The keys that type nothing have characters of a private use.
-std::string typed(NSString* characters)
-{
-    const bool isKey = characters.length == 1 &&
-        [characters characterAtIndex:0] >= NSUpArrowFunctionKey &&
-        [characters characterAtIndex:0] <= NSModeSwitchFunctionKey;
-    return isKey ? std::string{} : quorvel::fromSystem(characters);
-}
-
-quorvel::KeyEvent keyEventOf(NSEvent* event)
-{
-    // The bits of the other flags say which of two keys of a kind it was.
-    constexpr std::uint64_t known = quorvel::KeyModifier::shift | quorvel::KeyModifier::control
-        | quorvel::KeyModifier::option | quorvel::KeyModifier::command;
-    return {quorvel::KeyCode{event.keyCode}, typed(event.characters),
-        typed(event.charactersIgnoringModifiers), event.modifierFlags & known,
-        static_cast<bool>(event.ARepeat)};
-}
-
-static_assert(quorvel::KeyCode::enter == quorvel::KeyCode{kVK_Return});
-static_assert(quorvel::KeyCode::keypadEnter == quorvel::KeyCode{kVK_ANSI_KeypadEnter});
-static_assert(quorvel::KeyCode::tab == quorvel::KeyCode{kVK_Tab});
-static_assert(quorvel::KeyCode::space == quorvel::KeyCode{kVK_Space});
-static_assert(quorvel::KeyCode::escape == quorvel::KeyCode{kVK_Escape});
-static_assert(quorvel::KeyCode::f10 == quorvel::KeyCode{kVK_F10});
-static_assert(quorvel::KeyCode::home == quorvel::KeyCode{kVK_Home});
-static_assert(quorvel::KeyCode::end == quorvel::KeyCode{kVK_End});
-static_assert(quorvel::KeyCode::left == quorvel::KeyCode{kVK_LeftArrow});
-static_assert(quorvel::KeyCode::right == quorvel::KeyCode{kVK_RightArrow});
-static_assert(quorvel::KeyCode::down == quorvel::KeyCode{kVK_DownArrow});
-static_assert(quorvel::KeyCode::up == quorvel::KeyCode{kVK_UpArrow});
 
 static_assert(quorvel::drag::kCopy == NSDragOperationCopy);
 static_assert(quorvel::drag::kLink == NSDragOperationLink);
@@ -211,7 +178,8 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 - (quorvel::PointerEvent)event:(PointerAction)action of:(NSEvent*)event button:(PointerButton)button
 {
-    quorvel::PointerEvent pointer{action, [self placeOf : event], button, {}};
+    quorvel::PointerEvent pointer{
+        action, [self placeOf : event], button, {}, quorvel::modifiersOf(event)};
     // The other kinds of event do not say which buttons are down.
     if (event.type == NSEventTypeMouseMoved)
         pointer.held = quorvel::PointerButtons{};
@@ -316,7 +284,8 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 - (void)keyDown:(NSEvent*)event
 {
-    if (!_client || !_keyboard || !_keyboard->isHeld() || !_client->keyPressed(keyEventOf(event)))
+    const bool isAsked = _client && _keyboard && _keyboard->isHeld() && !self.isAskedBefore;
+    if (!isAsked || !_client->keyPressed(quorvel::keyEventOf(event)))
         [super keyDown:event];
 }
 

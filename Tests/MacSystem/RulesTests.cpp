@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
 #include "Hosts/MacOS/Rules/DropOperation.h"
+#include "Hosts/MacOS/Rules/EditingShortcut.h"
+#include "Hosts/MacOS/Rules/KeyRoute.h"
 #include "Hosts/MacOS/Rules/KeyboardSession.h"
 #include "Hosts/MacOS/Rules/MenuSession.h"
 #include "Hosts/MacOS/Rules/PanelPlace.h"
@@ -258,6 +260,32 @@ TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrThe
     menu.open(late, note("5 begins"));
     desktop.drain();
     EXPECT_THAT(log, ElementsAre("4 is told", "4 closed", "5 closed"));
+}
+
+// Faults: a field without a menu bar cannot paste; a Cyrillic layout has no shortcuts; Return
+// chooses an application while it should choose a character.
+TEST_F(MacRulesTest, keysReachTheFieldOrThePanelTheyAreFor)
+{
+    const auto command = [](std::string typed, std::uint64_t more = 0) {
+        return editingActionOf({.characters = std::move(typed),
+            .charactersIgnoringModifiers = "ф",
+            .modifiers = KeyModifier::command | more});
+    };
+    EXPECT_EQ(command("x"), EditingAction::cut);
+    EXPECT_EQ(command("c"), EditingAction::copy);
+    EXPECT_EQ(command("v"), EditingAction::paste);
+    EXPECT_EQ(command("a"), EditingAction::selectAll);
+    EXPECT_EQ(command("z"), EditingAction::undo);
+    EXPECT_EQ(command("Z", KeyModifier::shift), EditingAction::redo);
+    EXPECT_EQ(command("v", KeyModifier::shift), std::nullopt);
+    EXPECT_EQ(command("v", KeyModifier::option), std::nullopt);
+    EXPECT_EQ(command("q"), std::nullopt);
+    EXPECT_EQ(editingActionOf({.characters = "v"}), std::nullopt);
+
+    EXPECT_TRUE((KeyRoute{true, true, false}.asksClientFirst()));
+    EXPECT_FALSE((KeyRoute{true, true, true}.asksClientFirst()));
+    EXPECT_FALSE((KeyRoute{true, false, false}.asksClientFirst()));
+    EXPECT_FALSE((KeyRoute{false, true, false}.asksClientFirst()));
 }
 
 TEST_F(MacRulesTest, dropsArgumentsAndVersionsAreWhatTheSystemMeans)

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+
+#include "Hosts/MacOS/Cocoa.h"
+#include "Quorvel/Platform/KeyEvent.h"
+
+namespace quorvel {
+
+/// Of `KeyModifier`; of any event.
+std::uint64_t modifiersOf(NSEvent*);
+/// Of an event of kind key down.
+KeyEvent keyEventOf(NSEvent*);
+
+}
