@@ -16,6 +16,9 @@
 - (instancetype)initWithIdentifier:(const std::string&)identifier
                             parent:(id<QVAccessibleParent>)parent;
 - (const std::string&)identifier;
+/// Has it read aloud if it is the selected one of a list: the keyboard is in a field meanwhile, so
+/// nobody would hear which one Return opens.
+- (void)announceSelection;
 /// Posts whatever differs from what was posted before, here and below.
 - (void)announceChanges;
 @end

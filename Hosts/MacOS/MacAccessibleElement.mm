@@ -234,6 +234,19 @@ NSString* progressText(const AccessibleState& state)
 
 // MARK: What has changed
 
+- (void)announceSelection
+{
+    NSWindow* window = [self accessibleView].window;
+    NSString* name = quorvel::toSystem(_told.name);
+    if (!_told.isSelected || _told.role != AccessibleRole::listItem || !window || !name)
+        return;
+    NSAccessibilityPostNotificationWithUserInfo(
+        window, NSAccessibilityAnnouncementRequestedNotification, @{
+            NSAccessibilityAnnouncementKey : name,
+            NSAccessibilityPriorityKey : @(NSAccessibilityPriorityHigh)
+        });
+}
+
 - (void)announceChanges
 {
     const AccessibleState before = std::move(_told);
@@ -242,9 +255,11 @@ NSString* progressText(const AccessibleState& state)
         NSAccessibilityPostNotification(self, NSAccessibilityTitleChangedNotification);
     if (_told.progress != before.progress)
         NSAccessibilityPostNotification(self, NSAccessibilityValueChangedNotification);
-    if (_told.isSelected != before.isSelected)
+    if (_told.isSelected != before.isSelected) {
         NSAccessibilityPostNotification(
             [self accessibleView], NSAccessibilitySelectedChildrenChangedNotification);
+        [self announceSelection];
+    }
     if (_told.hasKeyFocus && !before.hasKeyFocus)
         NSAccessibilityPostNotification(self, NSAccessibilityFocusedUIElementChangedNotification);
     [_children announceChanges];
@@ -330,8 +345,10 @@ NSString* progressText(const AccessibleState& state)
             NSAccessibilityPostNotification(element, NSAccessibilityUIElementDestroyedNotification);
     }
     for (QVAccessibleElement* element in _elements) {
-        if (![before containsObject:element])
-            NSAccessibilityPostNotification(element, NSAccessibilityCreatedNotification);
+        if ([before containsObject:element])
+            continue;
+        NSAccessibilityPostNotification(element, NSAccessibilityCreatedNotification);
+        [element announceSelection]; // it may have been scrolled into view for that
     }
     if (NSView* view = [_parent accessibleView])
         NSAccessibilityPostNotification(view, NSAccessibilityLayoutChangedNotification);
