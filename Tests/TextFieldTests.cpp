@@ -66,7 +66,7 @@ struct TextFieldTest : testing::Test {
                 std::make_unique<LabelView>(desktop.platform().text, palette, LabelView::Look{}))
             .setFrame({0, 0, 200, 20});
         field->setFrame(kField);
-        button->setFrame({150, 70, 20, 20});
+        button->setFrame({5, 70, 20, 20});
         field->onTextChanged = [this](auto& text) { changes.push_back(text); };
         field->onMenuRequested = [this](Menu menu, const Rect& anchor) {
             menus.popUp(*surface, std::move(menu), anchor, {});
@@ -306,6 +306,10 @@ TEST_F(TextFieldTest, aLineBeginsWhereItsScriptBegins)
     EXPECT_NEAR(*caretX(), end, 0.01);
     press(KeyCode::left, KeyModifier::control);
     EXPECT_NEAR(*caretX(), end - 4 * kLetter, 0.01);
+    panel().click({end - 0.25 * kLetter, kField.centre().y});
+    EXPECT_EQ(field->editing().caret(), 0u);
+    panel().click({end - 1.75 * kLetter, kField.centre().y});
+    EXPECT_EQ(field->editing().caret(), 4u);
 
     // Between two directions the arrows still go by what is seen.
     field->setText("ab שלום");
