@@ -360,6 +360,8 @@ TEST_F(TextFieldTest, showsWhatAnInputMethodComposes)
     press(KeyCode::tab);
     EXPECT_EQ(field->text(), "Xyabかな");
     EXPECT_EQ(panel().forgottenCompositions(), 2);
+    input->setComposition("", 0);
+    EXPECT_FALSE(field->hasFocus()) << "nothing was being composed";
     input->setComposition("z", 1);
     field->setText("");
     EXPECT_EQ(panel().forgottenCompositions(), 3);

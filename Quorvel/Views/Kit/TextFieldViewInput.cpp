@@ -256,6 +256,8 @@ void TextFieldView::insertText(std::string_view utf8)
 
 void TextFieldView::setComposition(std::string_view utf8, std::size_t caret)
 {
+    if (utf8.empty() && !m_editing.isComposing())
+        return; // some say so whenever they are reset
     takeFocus();
     editByInputMethod([&] { m_editing.compose(utf8, caret); });
 }
