@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Hosts/Linux/Desktop/LaunchTokens.h"
-#include "Hosts/X11/Desktop/ServerTime.h"
+#include "Hosts/X11/ServerTime.h"
 
 namespace quorvel::xdg::x11 {
 

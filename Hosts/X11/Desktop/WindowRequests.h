@@ -8,7 +8,7 @@
 
 #include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/Linux/Desktop/DesktopRequests.h"
-#include "Hosts/X11/Desktop/ServerTime.h"
+#include "Hosts/X11/ServerTime.h"
 
 namespace quorvel::xdg::x11 {
 

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Reply.h"
 #include "Hosts/X11/SelectionEvents.h"
-#include "Hosts/X11/Surface/EventWindow.h"
 
 namespace quorvel::xdg::x11 {
 

@@ -6,8 +6,8 @@
 
 #include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/Surface/EventWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/InputGrabs.h"
 #include "Hosts/X11/Surface/PartPainter.h"

@@ -8,8 +8,8 @@
 
 #include "Hosts/Linux/Drawing/UriList.h"
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Reply.h"
-#include "Hosts/X11/Surface/EventWindow.h"
 
 namespace quorvel::xdg::x11 {
 

@@ -5,7 +5,7 @@
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Reply.h"
-#include "Hosts/X11/Surface/EventWindow.h"
+#include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
 
 namespace quorvel::xdg::x11 {

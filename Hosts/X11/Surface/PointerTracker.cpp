@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "Hosts/X11/Surface/EventWindow.h"
+#include "Hosts/X11/EventWindow.h"
 
 namespace quorvel::xdg::x11 {
 

@@ -6,7 +6,7 @@
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/Compositing.h"
-#include "Hosts/X11/Surface/EventWindow.h"
+#include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/PartPainter.h"
 

@@ -1,4 +1,4 @@
-#include "Hosts/X11/Desktop/ServerTime.h"
+#include "Hosts/X11/ServerTime.h"
 
 #include <utility>
 

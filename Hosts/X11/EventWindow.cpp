@@ -1,4 +1,4 @@
-#include "Hosts/X11/Surface/EventWindow.h"
+#include "Hosts/X11/EventWindow.h"
 
 namespace quorvel::xdg::x11 {
 
