@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "Hosts/X11/ComposeSequence.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/KeyCodes.h"
 #include "Hosts/X11/XkbLibrary.h"
@@ -62,7 +63,6 @@ Keyboard::~Keyboard() = default;
 
 void Keyboard::prepare()
 {
-    m_lastPressed.reset();
     if (std::exchange(m_isPrepared, true))
         return;
     auto* raw = m_connection.raw();
@@ -83,6 +83,15 @@ void Keyboard::prepare()
     auto cookie = xkb->perClientFlags(raw, XCB_XKB_ID_USE_CORE_KBD, repeats, repeats, 0, 0, 0);
     xcb_discard_reply(raw, cookie.sequence);
     m_events = m_connection.event.subscribe([this](auto* event) { handle(event); });
+}
+
+void Keyboard::begin(const xcb_query_keymap_reply_t* down)
+{
+    m_lastPressed.reset();
+    m_foreign.reset();
+    for (std::size_t key = 0; down && key < m_foreign.size(); ++key)
+        m_foreign[key] = down->keys[key / 8] >> key % 8 & 1;
+    dropSequence();
 }
 
 void Keyboard::handle(const xcb_generic_event_t* event)
@@ -108,15 +117,29 @@ bool Keyboard::read()
     return true;
 }
 
-KeyEvent Keyboard::press(const xcb_key_press_event_t& event)
+std::optional<KeyPress> Keyboard::arrive(const xcb_key_press_event_t& event)
 {
-    KeyEvent key;
-    key.isRepeat = std::exchange(m_lastPressed, event.detail) == event.detail;
-    if (!isReady()) {
-        key.keyCode = keyCodeOf(event.detail, XKB_KEY_NoSymbol);
+    if (m_foreign[event.detail])
+        return std::nullopt;
+    return KeyPress{event, std::exchange(m_lastPressed, event.detail) == event.detail};
+}
+
+std::optional<TypedKey> Keyboard::translate(const KeyPress& press)
+{
+    TypedKey key;
+    key.event.keyCode = keyCodeOf(press.event.detail, XKB_KEY_NoSymbol);
+    key.event.isRepeat = press.isRepeat;
+    if (!isReady())
         return key;
-    }
-    auto& layout = *m_layout;
+    describe(key.event, press.event);
+    const auto symbol = m_layout->xkb.symbol(m_layout->state, press.event.detail);
+    return compose(key, symbol) ? std::optional{key} : std::nullopt;
+}
+
+/// By itself, without regard to what was pressed before.
+void Keyboard::describe(KeyEvent& key, const xcb_key_press_event_t& event) const
+{
+    const auto& layout = *m_layout;
     layout.setState(event.state & XCB_MOD_MASK_SHIFT, event.state);
     key.charactersIgnoringModifiers = layout.typed(event.detail);
     layout.setState(event.state & kModifiers, event.state);
@@ -124,11 +147,48 @@ KeyEvent Keyboard::press(const xcb_key_press_event_t& event)
     for (auto& [name, bit] : kKnownModifiers)
         key.modifiers |= layout.has(name) ? bit : 0;
     key.keyCode = keyCodeOf(event.detail, layout.xkb.symbol(layout.state, event.detail));
-    return key;
+}
+
+/// False where the press means nothing by itself. A key that is held down takes no part: it would
+/// complete its own accent. A command ends what is open, and so does a key that does not continue
+/// it and then does its own work; but those that are pressed to be rid of the accent do no more.
+bool Keyboard::compose(TypedKey& key, std::uint32_t symbol)
+{
+    auto& event = key.event;
+    constexpr auto commands = KeyModifier::control | KeyModifier::option | KeyModifier::command;
+    if (!m_compose)
+        m_compose = std::make_unique<ComposeSequence>(m_layout->xkb);
+    if (event.isRepeat && m_compose->isOpen())
+        return false;
+    if (event.has(commands)) {
+        m_compose->reset();
+        return true;
+    }
+    switch (m_compose->feed(symbol)) {
+    case ComposeSequence::Step::pending:
+        return false;
+    case ComposeSequence::Step::broken:
+        return event.keyCode != KeyCode::escape && event.keyCode != KeyCode::backspace;
+    case ComposeSequence::Step::done:
+        event.characters = m_compose->text();
+        event.keyCode = KeyCode::unknown; // the space after an accent is no space
+        key.isComposed = true;
+        break;
+    case ComposeSequence::Step::none:
+        break;
+    }
+    return true;
+}
+
+void Keyboard::dropSequence()
+{
+    if (m_compose)
+        m_compose->reset();
 }
 
 void Keyboard::release(const xcb_key_release_event_t& event)
 {
+    m_foreign.reset(event.detail);
     if (m_lastPressed == event.detail)
         m_lastPressed.reset();
 }

@@ -27,6 +27,14 @@ std::optional<XkbLibrary> loadLibrary()
     symbols.find("xkb_state_key_get_utf8", xkb.text);
     symbols.find("xkb_keymap_mod_get_index", xkb.modifierIndex);
     symbols.find("xkb_state_mod_index_is_active", xkb.isActive);
+    symbols.find("xkb_compose_table_new_from_locale", xkb.newComposeTable);
+    symbols.find("xkb_compose_table_unref", xkb.unrefComposeTable);
+    symbols.find("xkb_compose_state_new", xkb.newComposeState);
+    symbols.find("xkb_compose_state_unref", xkb.unrefComposeState);
+    symbols.find("xkb_compose_state_feed", xkb.feedCompose);
+    symbols.find("xkb_compose_state_reset", xkb.resetCompose);
+    symbols.find("xkb_compose_state_get_status", xkb.composeStatus);
+    symbols.find("xkb_compose_state_get_utf8", xkb.composedText);
     return symbols.areComplete() ? std::optional{xkb} : std::nullopt;
 }
 

@@ -4,6 +4,7 @@
 #define explicit explicit_ // a field of the extension's header
 #include <xcb/xkb.h>
 #undef explicit
+#include <xkbcommon/xkbcommon-compose.h>
 #include <xkbcommon/xkbcommon-x11.h>
 
 namespace quorvel::xdg::x11 {
@@ -29,6 +30,14 @@ struct XkbLibrary {
     decltype(&::xkb_state_key_get_utf8) text;
     decltype(&::xkb_keymap_mod_get_index) modifierIndex;
     decltype(&::xkb_state_mod_index_is_active) isActive;
+    decltype(&::xkb_compose_table_new_from_locale) newComposeTable;
+    decltype(&::xkb_compose_table_unref) unrefComposeTable;
+    decltype(&::xkb_compose_state_new) newComposeState;
+    decltype(&::xkb_compose_state_unref) unrefComposeState;
+    decltype(&::xkb_compose_state_feed) feedCompose;
+    decltype(&::xkb_compose_state_reset) resetCompose;
+    decltype(&::xkb_compose_state_get_status) composeStatus;
+    decltype(&::xkb_compose_state_get_utf8) composedText;
 };
 
 }

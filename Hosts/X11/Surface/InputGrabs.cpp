@@ -1,19 +1,23 @@
 #include "Hosts/X11/Surface/InputGrabs.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Reply.h"
-#include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
 
 namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr int kMostAttempts = 20;
 constexpr auto kNextAttempt = seconds(0.02);
+/// For the click that opened a menu.
+constexpr int kMostAttempts = 20;
+/// A window manager holds the keyboard until the keys of its shortcut are released.
+constexpr int kMostAttemptsAtKeyboard = 100;
 constexpr std::uint16_t kPointerMask
     = XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
 
@@ -26,10 +30,10 @@ bool InputGrabs::Grab::takeKeyboard()
     if (m_extent != Extent::none)
         return true;
     m_grabs.makeWindow();
-    if (!m_grabs.grabKeyboard())
+    if (!m_grabs.grabKeyboard() && m_hold == KeyboardHold::untilPress)
         return false;
     m_grabs.add(*this, Extent::keyboard);
-    m_client.keyboardDidChange(true);
+    m_grabs.tellHolders();
     return true;
 }
 
@@ -41,30 +45,53 @@ void InputGrabs::Grab::takeAll()
 
 void InputGrabs::Grab::release()
 {
-    bool hadKeyboardOnly = m_extent == Extent::keyboard;
-    if (m_grabs.remove(*this) && hadKeyboardOnly)
+    m_grabs.remove(*this);
+    if (std::exchange(m_hasKeyboard, false))
         m_client.keyboardDidChange(false);
+}
+
+bool InputGrabs::Grab::isWaiting() const
+{
+    return m_extent == Extent::keyboard && !m_grabs.m_hasKeyboard;
+}
+
+void InputGrabs::Grab::tell()
+{
+    m_hasKeyboard = true;
+    m_client.keyboardDidChange(true);
+}
+
+void InputGrabs::Grab::refuse()
+{
+    m_grabs.remove(*this);
+    m_client.keyboardDidChange(false);
 }
 
 // MARK: All of them
 
-InputGrabs::InputGrabs(Connection& connection, Dispatch& dispatch, Keyboard& keyboard)
+InputGrabs::InputGrabs(
+    Connection& connection, Dispatch& dispatch, Keyboard& keyboard, PressWatch& presses)
     : m_connection(connection)
     , m_dispatch(dispatch)
     , m_keyboard(keyboard)
-    , m_presses(connection, XCB_INPUT_DEVICE_ALL, XCB_INPUT_RAW_BUTTON_PRESS)
+    , m_presses(presses)
+    , m_input(connection, dispatch, keyboard)
 {
+    auto endOutside = [this](auto& press) { endKeyboardsOutside(press.place); };
+    m_pressed.push_back(presses.began.subscribe([this] { endKeyboards(); }));
+    m_pressed.push_back(presses.onOwnWindow.subscribe(endOutside));
+    m_pressed.push_back(presses.elsewhere.subscribe(endOutside));
 }
 
 void InputGrabs::add(Grab& grab, Extent extent)
 {
     remove(grab);
     grab.m_extent = extent;
+    grab.m_hasKeyboard = false;
     m_grabs.push_back(&grab);
     makeWindow();
-    m_keyboard.prepare();
     if (m_grabs.size() == 1) {
-        m_presses.listen(true);
+        m_listening = m_presses.listenEverywhere();
         m_events = m_connection.event.subscribe([this](auto* event) { handle(event); });
     }
     followTop();
@@ -83,36 +110,54 @@ void InputGrabs::followTop()
 {
     auto* raw = m_connection.raw();
     m_nextAttempt.cancel();
+    m_presses.setSuspended(holdsAll());
     if (!holdsAll() && std::exchange(m_hasPointer, false))
         xcb_ungrab_pointer(raw, XCB_CURRENT_TIME);
     if (m_grabs.empty()) {
         if (std::exchange(m_hasKeyboard, false))
             xcb_ungrab_keyboard(raw, XCB_CURRENT_TIME);
-        m_presses.listen(false);
+        m_listening = {};
         m_events = {};
+        m_input.setReceiver({}, m_window);
+    } else {
+        m_input.setReceiver({&m_grabs.back()->m_client, &m_grabs.back()->m_surface}, m_window);
     }
     xcb_flush(raw);
-    if (!holdsAll())
-        return;
+    if (holdsAll())
+        pointerTaken.emit();
     m_attempts = 0;
-    pointerTaken.emit();
-    tryToHold();
+    if (holdsAll() || isAwaitingKeyboard())
+        tryToHold();
+}
+
+bool InputGrabs::isAwaitingKeyboard() const
+{
+    return std::ranges::any_of(m_grabs, [](auto* grab) { return grab->isWaiting(); });
 }
 
 /// A window manager may still hold the pointer for the click that opened a menu, or the keyboard
 /// for the shortcut: try again for a moment.
 void InputGrabs::tryToHold()
 {
-    bool hasPointer = grabPointer();
-    bool hasKeyboard = grabKeyboard();
-    if (hasPointer && hasKeyboard)
-        return;
+    const bool hasPointer = !holdsAll() || grabPointer();
+    if (grabKeyboard()) {
+        tellHolders();
+        if (hasPointer)
+            return;
+    }
     m_nextAttempt = m_dispatch.main().after(kNextAttempt, [this] {
-        if (++m_attempts < kMostAttempts)
+        const int most = isAwaitingKeyboard() ? kMostAttemptsAtKeyboard : kMostAttempts;
+        if (++m_attempts < most)
             return tryToHold();
-        if (!m_hasPointer)
-            m_grabs.back()->m_client.inputGrabDidEnd();
+        giveUp();
     });
+}
+
+void InputGrabs::giveUp()
+{
+    if (holdsAll() && !m_hasPointer)
+        return m_grabs.back()->m_client.inputGrabDidEnd();
+    forThose([](const Grab& grab) { return grab.isWaiting(); }, &Grab::refuse);
 }
 
 bool InputGrabs::grabPointer()
@@ -132,13 +177,27 @@ bool InputGrabs::grabKeyboard()
 {
     if (m_hasKeyboard)
         return true;
+    m_keyboard.prepare();
     auto* raw = m_connection.raw();
-    auto reply = owned(xcb_grab_keyboard_reply(raw,
-        xcb_grab_keyboard(
-            raw, false, m_window, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
-        nullptr));
+    auto grab = xcb_grab_keyboard(
+        raw, false, m_window, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    auto keys = xcb_query_keymap(raw); // sent together, so that no press comes between
+    auto reply = owned(xcb_grab_keyboard_reply(raw, grab, nullptr));
+    auto down = owned(xcb_query_keymap_reply(raw, keys, nullptr));
     m_hasKeyboard = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    if (m_hasKeyboard)
+        m_keyboard.begin(down.get());
     return m_hasKeyboard;
+}
+
+/// Those that hold nothing but the keyboard hear when it comes.
+void InputGrabs::tellHolders()
+{
+    if (!m_hasKeyboard)
+        return;
+    forThose(
+        [](const Grab& grab) { return grab.m_extent == Extent::keyboard && !grab.m_hasKeyboard; },
+        &Grab::tell);
 }
 
 /// The windows of surfaces come and go; only a window that is mapped can have a grab.
@@ -159,16 +218,14 @@ void InputGrabs::makeWindow()
 
 void InputGrabs::handle(const xcb_generic_event_t* event)
 {
-    if (!holdsAll() && m_presses.areIn(event))
-        return endKeyboards();
     if (m_grabs.empty() || eventWindow(event) != m_window)
         return;
     switch (event->response_type & 0x7f) {
     case XCB_KEY_PRESS:
-        m_grabs.back()->m_client.keyPressed(m_keyboard.press(as<xcb_key_press_event_t>(event)));
+        m_input.press(as<xcb_key_press_event_t>(event));
         break;
     case XCB_KEY_RELEASE:
-        m_keyboard.release(as<xcb_key_release_event_t>(event));
+        m_input.release(as<xcb_key_release_event_t>(event));
         break;
     default:
         if (holdsAll())
@@ -185,18 +242,21 @@ void InputGrabs::handlePointer(const xcb_generic_event_t* event)
     auto frame = grab.m_surface.framePixels();
     double scale = grab.m_surface.scale();
     Point at{(input.root_x - frame.x) / scale, (input.root_y - frame.y) / scale};
+    auto tell = [&](PointerAction action, PointerButton button) {
+        grab.m_client.pointerEvent({action, at, button, {}, keyModifiersOf(input.state)});
+    };
     switch (event->response_type & 0x7f) {
     case XCB_MOTION_NOTIFY:
-        return grab.m_client.pointerEvent({PointerAction::moved, at});
+        return tell(PointerAction::moved, PointerButton::none);
     case XCB_BUTTON_PRESS:
         if (auto scroll = scrollEventOf(input.detail, at))
             return grab.m_client.scrollEvent(*scroll);
         if (auto button = pointerButtonOf(input.detail); button != PointerButton::none)
-            grab.m_client.pointerEvent({PointerAction::pressed, at, button});
+            tell(PointerAction::pressed, button);
         break;
     case XCB_BUTTON_RELEASE:
         if (auto button = pointerButtonOf(input.detail); button != PointerButton::none)
-            grab.m_client.pointerEvent({PointerAction::released, at, button});
+            tell(PointerAction::released, button);
         break;
     default:
         break;
@@ -205,8 +265,31 @@ void InputGrabs::handlePointer(const xcb_generic_event_t* event)
 
 void InputGrabs::endKeyboards()
 {
-    while (!m_grabs.empty() && !holdsAll())
-        m_grabs.back()->release();
+    forThose(
+        [](const Grab& grab) {
+            return grab.m_extent == Extent::keyboard && grab.m_hold == KeyboardHold::untilPress;
+        },
+        &Grab::release);
+}
+
+void InputGrabs::endKeyboardsOutside(Point pixels)
+{
+    forThose(
+        [pixels](const Grab& grab) {
+            return grab.m_extent == Extent::keyboard
+                && grab.m_hold == KeyboardHold::untilPressOutside
+                && !grab.m_surface.framePixels().contains(pixels);
+        },
+        &Grab::release);
+}
+
+/// A client that hears of it may end other grabs, or its own.
+template <typename Condition> void InputGrabs::forThose(Condition condition, void (Grab::*action)())
+{
+    for (auto* grab : std::vector{m_grabs}) {
+        if (std::ranges::find(m_grabs, grab) != m_grabs.end() && condition(*grab))
+            (grab->*action)();
+    }
 }
 
 }

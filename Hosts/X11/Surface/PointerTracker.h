@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 
 #include <xcb/xcb.h>
@@ -10,6 +11,8 @@ namespace quorvel::xdg::x11 {
 
 /// `none` for a button that surfaces do not know.
 PointerButton pointerButtonOf(xcb_button_t);
+/// The modifiers of `KeyModifier` in an event's state.
+std::uint64_t keyModifiersOf(std::uint16_t state);
 /// Absent for a button that is no wheel.
 std::optional<ScrollEvent> scrollEventOf(xcb_button_t, Point);
 

@@ -4,13 +4,29 @@
 
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/Compositing.h"
-#include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/PartPainter.h"
 
 namespace quorvel::xdg::x11 {
+
+namespace {
+
+/// The list of a launcher is clicked, and typing goes on.
+KeyboardHold holdOf(PanelKind kind)
+{
+    return kind == PanelKind::launcher ? KeyboardHold::untilPressOutside : KeyboardHold::untilPress;
+}
+
+/// What compositors are told; for them a launcher is something like a large menu.
+PopupWindow::Kind windowKindOf(PanelKind kind)
+{
+    return kind == PanelKind::popup ? PopupWindow::Kind::tooltip : PopupWindow::Kind::menu;
+}
+
+}
 
 X11Popup::X11Popup(const SurfaceContext& context, const PanelOptions& options,
     SurfaceClient& client, std::function<void()> onPointerMoved)
@@ -19,7 +35,7 @@ X11Popup::X11Popup(const SurfaceContext& context, const PanelOptions& options,
     , m_client(client)
     , m_onPointerMoved(std::move(onPointerMoved))
     , m_paint([this] { paint(); })
-    , m_grab(context.grabs, *this, client)
+    , m_grab(context.grabs, *this, client, holdOf(options.kind))
 {
     auto& connection = m_context.connection;
     m_pointer.setClient(&m_client);
@@ -54,12 +70,19 @@ void X11Popup::orderFront()
         return m_window->raise();
     m_context.compositing.refresh();
     m_window = std::make_unique<PopupWindow>(m_context.connection, m_options.title,
-        m_options.kind == PanelKind::menu ? PopupWindow::Kind::menu : PopupWindow::Kind::tooltip,
-        m_context.compositing.isActive().value());
+        windowKindOf(m_options.kind), m_context.compositing.isActive().value());
     if (m_opacity < 1)
         m_window->setOpacity(m_opacity);
     m_accessible = m_context.accessible.add(*this, m_client);
     repaintAll();
+}
+
+/// What is typed from now on is meant for it, though it may not have been painted yet.
+void X11Popup::makeKeyAndOrderFront()
+{
+    orderFront();
+    if (m_options.kind == PanelKind::launcher)
+        m_grab.takeKeyboard();
 }
 
 void X11Popup::orderOut()

@@ -27,7 +27,7 @@ public:
     void orderFront() override;
     void orderOut() override;
     void setCanBecomeKey(bool) override { }
-    void makeKeyAndOrderFront() override { orderFront(); }
+    void makeKeyAndOrderFront() override;
     bool isVisible() const override { return m_isOrderedIn; }
     double scale() const override { return m_context.scale(); }
     void invalidate(const Rect&) override;
@@ -37,6 +37,8 @@ public:
     bool takeKeyboard() override;
     void releaseKeyboard() override { m_grab.release(); }
     bool grabInput() override;
+    void textInputDidChange() override { m_grab.textInputDidChange(); }
+    void forgetComposition() override { m_grab.forgetComposition(); }
     void accessibleTreeDidChange() override;
 
     Rect framePixels() const override { return m_context.toPixels(m_frame); }

@@ -12,8 +12,9 @@ namespace quorvel::xdg::x11 {
 X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monitors& monitors,
     const PanelEnvironment& environment, const Published<Appearance>& appearance)
     : m_frames(connection, monitors)
+    , m_presses(connection)
     , m_keyboard(connection)
-    , m_grabs(connection, dispatch, m_keyboard)
+    , m_grabs(connection, dispatch, m_keyboard, m_presses)
     , m_compositing(connection)
     , m_context{connection, dispatch, monitors, environment, appearance, m_shaper, m_frames,
           m_accessible, m_compositing, m_grabs}
@@ -68,6 +69,35 @@ Subscription X11Surfaces::monitorPointer(PointerScope scope, std::function<void(
 {
     return scope == PointerScope::ownWindows ? m_pointerMoved.subscribe(std::move(handler))
                                              : Subscription{};
+}
+
+Subscription X11Surfaces::monitorPresses(PointerScope scope, PressHandler handler)
+{
+    struct Both {
+        Subscription presses;
+        Subscription listening;
+    };
+    Both both{m_pressed[scope].subscribe(std::move(handler)), {}};
+    if (scope == PointerScope::otherPrograms)
+        both.listening = m_presses.listenEverywhere();
+    return Subscription{std::make_shared<Both>(std::move(both))};
+}
+
+std::vector<Subscription> X11Surfaces::followPresses()
+{
+    std::vector<Subscription> both;
+    both.push_back(m_presses.onOwnWindow.subscribe(
+        [this](auto& press) { tell(PointerScope::ownWindows, press); }));
+    both.push_back(m_presses.elsewhere.subscribe(
+        [this](auto& press) { tell(PointerScope::otherPrograms, press); }));
+    return both;
+}
+
+void X11Surfaces::tell(PointerScope scope, const ButtonPress& press)
+{
+    const auto& coordinates = m_context.monitors.coordinates();
+    const auto place = coordinates.toPoints({press.place.x, press.place.y, 0, 0});
+    m_pressed[scope].emit(place.origin(), press.button);
 }
 
 }

@@ -10,6 +10,7 @@
 #include "Hosts/X11/Surface/DisplayWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/InputGrabs.h"
+#include "Hosts/X11/Surface/PressWatch.h"
 #include "Hosts/X11/Surface/SurfaceContext.h"
 #include "Quorvel/Platform/Surfaces.h"
 
@@ -24,6 +25,7 @@ public:
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
+    Subscription monitorPresses(PointerScope, PressHandler) override;
 
     Text& text() { return m_text; }
     const AccessibleSurfaces& accessible() const { return m_accessible; }
@@ -31,10 +33,16 @@ public:
 private:
     void setCanBlur(bool);
     DisplayWindow& windowOf(DisplayNumber);
+    std::vector<Subscription> followPresses();
+    void tell(PointerScope, const ButtonPress&);
 
     TextShaper m_shaper;
     FrameIntervals m_frames;
     AccessibleSurfaces m_accessible;
+    PressWatch m_presses;
+    std::map<PointerScope, Signal<Point, PointerButton>> m_pressed;
+    /// Before the grabs', which end by the same presses: whoever watches has heard of them then.
+    const std::vector<Subscription> m_pressEvents = followPresses();
     Keyboard m_keyboard;
     InputGrabs m_grabs;
     Compositing m_compositing;

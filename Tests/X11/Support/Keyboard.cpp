@@ -23,10 +23,26 @@ std::uint8_t Keyboard::keyOf(std::uint32_t symbol)
 
 void Keyboard::type(std::uint32_t symbol)
 {
-    const auto key = keyOf(symbol);
-    for (const auto event : {XCB_KEY_PRESS, XCB_KEY_RELEASE})
-        xcb_test_fake_input(m_connection.get(), static_cast<std::uint8_t>(event), key,
-            XCB_CURRENT_TIME, m_connection.root(), 0, 0, 0);
+    tap(keyOf(symbol));
+}
+
+void Keyboard::tap(std::uint8_t key)
+{
+    press(key);
+    release(key);
+}
+
+void Keyboard::chord(std::uint8_t held, std::uint8_t key)
+{
+    press(held);
+    tap(key);
+    release(held);
+}
+
+void Keyboard::change(std::uint8_t event, std::uint8_t key)
+{
+    xcb_test_fake_input(
+        m_connection.get(), event, key, XCB_CURRENT_TIME, m_connection.root(), 0, 0, 0);
     m_connection.sync();
 }
 

@@ -11,9 +11,16 @@ public:
 
     /// Presses and releases the key that bears this symbol.
     void type(std::uint32_t symbol);
+    /// Keys by their place. A key that is pressed while it is down repeats.
+    void press(std::uint8_t key) { change(XCB_KEY_PRESS, key); }
+    void release(std::uint8_t key) { change(XCB_KEY_RELEASE, key); }
+    void tap(std::uint8_t key);
+    /// With the other one held down.
+    void chord(std::uint8_t held, std::uint8_t key);
 
 private:
     std::uint8_t keyOf(std::uint32_t symbol);
+    void change(std::uint8_t event, std::uint8_t key);
 
     Connection m_connection;
 };
