@@ -78,7 +78,16 @@ namespace quorvel::xdg::x11 {
     X(xdndDrop, "XdndDrop")                                                                        \
     X(xdndFinished, "XdndFinished")                                                                \
     X(xdndActionCopy, "XdndActionCopy")                                                            \
-    X(textUriList, "text/uri-list")
+    X(textUriList, "text/uri-list")                                                                \
+    X(clipboard, "CLIPBOARD")                                                                      \
+    X(targets, "TARGETS")                                                                          \
+    X(timestamp, "TIMESTAMP")                                                                      \
+    X(multiple, "MULTIPLE")                                                                        \
+    X(atomPair, "ATOM_PAIR")                                                                       \
+    X(incr, "INCR")                                                                                \
+    X(text, "TEXT")                                                                                \
+    X(textPlainUtf8, "text/plain;charset=utf-8")                                                   \
+    X(quorvelText, "QUORVEL_TEXT")
 
 /// The server's numbers of the names this program uses, interned once in one round trip.
 struct Atoms {

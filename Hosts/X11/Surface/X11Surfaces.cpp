@@ -100,4 +100,11 @@ void X11Surfaces::tell(PointerScope scope, const ButtonPress& press)
     m_pressed[scope].emit(place.origin(), press.button);
 }
 
+Clipboard* X11Surfaces::clipboard()
+{
+    if (!m_clipboard)
+        m_clipboard.emplace(m_context.connection, m_context.dispatch);
+    return &*m_clipboard;
+}
+
 }

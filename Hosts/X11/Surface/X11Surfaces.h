@@ -2,10 +2,12 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Hosts/X11/Keyboard.h"
+#include "Hosts/X11/Selection/X11Clipboard.h"
 #include "Hosts/X11/Surface/Compositing.h"
 #include "Hosts/X11/Surface/DisplayWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
@@ -26,6 +28,7 @@ public:
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
     Subscription monitorPresses(PointerScope, PressHandler) override;
+    Clipboard* clipboard() override;
 
     Text& text() { return m_text; }
     const AccessibleSurfaces& accessible() const { return m_accessible; }
@@ -48,6 +51,7 @@ private:
     Compositing m_compositing;
     SurfaceContext m_context;
     PangoText m_text;
+    std::optional<X11Clipboard> m_clipboard; ///< made when it is first asked for
     Signal<> m_pointerMoved;
     std::map<DisplayNumber, std::unique_ptr<DisplayWindow>> m_windows;
     Subscription m_appearance;
