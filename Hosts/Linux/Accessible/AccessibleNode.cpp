@@ -5,7 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "Hosts/Linux/Accessible/AccessibleObject.h"
+#include "Hosts/Linux/Accessible/AccessibleCharacters.h"
 #include "Hosts/Linux/Text.h"
 
 namespace quorvel::xdg {
@@ -63,16 +63,12 @@ std::uint64_t statesOfRole(const AccessibleState& state)
     case AccessibleRole::checkMenuItem:
     case AccessibleRole::radioMenuItem:
         return bit(ATK_STATE_CHECKABLE) | (state.isChecked ? bit(ATK_STATE_CHECKED) : 0);
+    case AccessibleRole::textField:
+        return bit(ATK_STATE_EDITABLE) | bit(ATK_STATE_SINGLE_LINE)
+            | bit(ATK_STATE_SELECTABLE_TEXT);
     default:
         return state.opensMenu ? bit(ATK_STATE_HAS_POPUP) : 0;
     }
-}
-
-AccessibleKind kindOf(const AccessibleNode& node)
-{
-    if (!node.parent())
-        return AccessibleKind::application;
-    return node.parent()->parent() ? AccessibleKind::element : AccessibleKind::surface;
 }
 
 bool hasKeyFocus(AccessibleElement& element)
@@ -88,7 +84,8 @@ AccessibleNode::AccessibleNode(const AtkLibrary& atk, const AccessibleSurfaces& 
     : m_atk(atk)
     , m_surfaces(surfaces)
     , m_parent(nullptr)
-    , m_object(makeAccessibleObject(atk, AccessibleKind::application, *this))
+    , m_kind(kindOfThis())
+    , m_object(makeAccessibleObject(atk, m_kind, *this))
 {
     m_told = describe();
 }
@@ -98,9 +95,12 @@ AccessibleNode::AccessibleNode(AccessibleNode& parent, std::string id)
     , m_surfaces(parent.m_surfaces)
     , m_parent(&parent)
     , m_id(std::move(id))
-    , m_object(makeAccessibleObject(m_atk, kindOf(*this), *this))
+    , m_kind(kindOfThis())
+    , m_object(makeAccessibleObject(m_atk, m_kind, *this))
 {
     m_told = describe();
+    // Where the keyboard is, is told of a new element too.
+    m_told.states &= ~(bit(ATK_STATE_ACTIVE) | bit(ATK_STATE_FOCUSED));
 }
 
 AccessibleNode::~AccessibleNode()
@@ -108,6 +108,19 @@ AccessibleNode::~AccessibleNode()
     m_children.clear();
     detachAccessibleObject(object());
     m_atk.notifyStateChange(object(), ATK_STATE_DEFUNCT, true);
+}
+
+AccessibleKind AccessibleNode::kindOfThis() const
+{
+    if (isApplication())
+        return AccessibleKind::application;
+    if (isSurface())
+        return AccessibleKind::surface;
+    auto* element_ = element();
+    const auto state = element_ ? element_->accessibleState() : AccessibleState{};
+    if (state.text)
+        return AccessibleKind::textField;
+    return state.role == AccessibleRole::list ? AccessibleKind::list : AccessibleKind::element;
 }
 
 // MARK: Looking it up
@@ -218,6 +231,7 @@ AccessibleNode::Description AccessibleNode::describe() const
     const auto state = element_->accessibleState();
     Description description{validUtf8(state.name), // the bus cuts off whoever sends other text
         {}, (state.isEnabled ? usable : 0) | statesOf(state)};
+    description.field = state.text;
     if (state.progress)
         description.text = std::to_string(std::lround(*state.progress * 100)) + " %";
     return description;
@@ -231,7 +245,10 @@ std::uint64_t AccessibleNode::statesOf(const AccessibleState& state) const
         states |= bit(ATK_STATE_VISIBLE) | (isShowing(*place) ? bit(ATK_STATE_SHOWING) : 0);
     if (isSurface())
         return states | (hasKeyFocus(*element()) ? bit(ATK_STATE_ACTIVE) : 0);
-    states |= bit(ATK_STATE_FOCUSABLE) | bit(ATK_STATE_SELECTABLE);
+    const bool isRead = state.role == AccessibleRole::heading || state.role == AccessibleRole::label
+        || state.role == AccessibleRole::separator;
+    if (!isRead)
+        states |= bit(ATK_STATE_FOCUSABLE) | bit(ATK_STATE_SELECTABLE);
     if (state.hasKeyFocus)
         states |= bit(ATK_STATE_FOCUSED);
     if (state.isSelected)
@@ -259,10 +276,22 @@ std::optional<Rect> AccessibleNode::frame() const
     auto* element_ = element();
     if (!element_)
         return std::nullopt;
-    const auto points = element_->accessibleFrame();
-    const double scale = surface()->surface->scale();
-    return Rect{surface_->x + points.x * scale, surface_->y + points.y * scale,
-        points.width * scale, points.height * scale};
+    return toPixels(element_->accessibleFrame());
+}
+
+Rect AccessibleNode::toPixels(const Rect& points) const
+{
+    const auto& surface_ = *surface()->surface;
+    const auto frame = surface_.framePixels();
+    const double scale = surface_.scale();
+    return {frame.x + points.x * scale, frame.y + points.y * scale, points.width * scale,
+        points.height * scale};
+}
+
+std::optional<AccessiblePosition> AccessibleNode::position() const
+{
+    auto* element_ = element();
+    return element_ ? element_->accessibleState().position : std::nullopt;
 }
 
 // MARK: What it does
@@ -296,11 +325,45 @@ bool AccessibleNode::takeFocus()
     return element_ && element_->takeAccessibleFocus();
 }
 
+bool AccessibleNode::setText(std::string_view utf8)
+{
+    auto* element_ = element();
+    return element_ && element_->setAccessibleText(utf8);
+}
+
+bool AccessibleNode::setSelection(std::size_t start, std::size_t end)
+{
+    auto* element_ = element();
+    return element_ && element_->setAccessibleSelection(start, end);
+}
+
+std::optional<Rect> AccessibleNode::textFrame(std::size_t start, std::size_t end) const
+{
+    auto* element_ = element();
+    return element_ ? std::optional{toPixels(element_->accessibleTextFrame(start, end))}
+                    : std::nullopt;
+}
+
+std::optional<std::size_t> AccessibleNode::offsetAt(Point pixels) const
+{
+    auto* element_ = element();
+    if (!element_)
+        return std::nullopt;
+    const auto& surface_ = *surface()->surface;
+    const auto frame = surface_.framePixels();
+    const double scale = surface_.scale();
+    return element_->accessibleOffsetAt(
+        {(pixels.x - frame.x) / scale, (pixels.y - frame.y) / scale});
+}
+
 // MARK: What has changed
 
 void AccessibleNode::announceChanges()
 {
     announceDescription();
+    // Nobody can ask for what the keyboard is on before it has been told.
+    if (auto* element_ = element(); element_ && !m_hasChildren && hasKeyFocus(*element_))
+        children();
     announceChildren();
     for (std::size_t index = 0; index < m_children.size(); ++index)
         m_children[index]->announceChanges();
@@ -314,14 +377,50 @@ void AccessibleNode::announceDescription()
         g_object_notify(G_OBJECT(object()), "accessible-name");
     if (now.text != before.text)
         g_object_notify(G_OBJECT(object()), "accessible-description");
+    announceStates(before, now);
+    if (m_kind == AccessibleKind::textField && before.field && now.field)
+        announceText(*before.field, *now.field);
+}
+
+void AccessibleNode::announceStates(const Description& before, const Description& now)
+{
     for (int index = 0; index < ATK_STATE_LAST_DEFINED; ++index) {
         const auto state = static_cast<AtkStateType>(index);
         if (now.has(state) != before.has(state))
             m_atk.notifyStateChange(object(), state, now.has(state));
     }
+    if (m_parent && now.has(ATK_STATE_SELECTED) && !before.has(ATK_STATE_SELECTED))
+        m_parent->announceSelection(*this);
     // Readers follow the focus in the active window only.
     if (isSurface() && now.has(ATK_STATE_ACTIVE) != before.has(ATK_STATE_ACTIVE))
         g_signal_emit_by_name(object(), now.has(ATK_STATE_ACTIVE) ? "activate" : "deactivate");
+}
+
+void AccessibleNode::announceText(const AccessibleText& before, const AccessibleText& now)
+{
+    const AccessibleCharacters old{before.text};
+    const AccessibleCharacters text{now.text};
+    const auto [start, removedEnd] = old.differenceTo(text);
+    const int insertedEnd = text.count() - (old.count() - removedEnd);
+    if (start < removedEnd)
+        g_signal_emit_by_name(object(), "text-remove", start, removedEnd - start,
+            old.slice(start, removedEnd).c_str());
+    if (start < insertedEnd)
+        g_signal_emit_by_name(object(), "text-insert", start, insertedEnd - start,
+            text.slice(start, insertedEnd).c_str());
+    if (before.caret != now.caret)
+        g_signal_emit_by_name(object(), "text-caret-moved", text.at(now.caret));
+    if (before.selectionStart != now.selectionStart || before.selectionEnd != now.selectionEnd)
+        g_signal_emit_by_name(object(), "text-selection-changed");
+}
+
+/// While the keyboard stays in a field, this is how a reader hears of the row that is chosen.
+void AccessibleNode::announceSelection(const AccessibleNode& child)
+{
+    if (m_kind != AccessibleKind::list)
+        return;
+    g_signal_emit_by_name(object(), "selection-changed");
+    g_signal_emit_by_name(object(), "active-descendant-changed", child.object());
 }
 
 /// Whoever hears of one change may ask for the children before the next one is told.
@@ -363,6 +462,8 @@ void AccessibleNode::placeAt(std::size_t index, const std::string& id)
     auto& placed = *child;
     m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(index), std::move(child));
     emitChildren("children-changed::add", index, placed);
+    if (placed.m_told.has(ATK_STATE_SELECTED))
+        announceSelection(placed);
 }
 
 std::unique_ptr<AccessibleNode> AccessibleNode::take(std::size_t index)

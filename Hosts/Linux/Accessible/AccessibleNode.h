@@ -4,8 +4,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "Hosts/Linux/Accessible/AccessibleObject.h"
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/Linux/Accessible/AtkLibrary.h"
 #include "Hosts/Linux/GHandles.h"
@@ -27,6 +29,7 @@ public:
         std::string name;
         std::string text;
         std::uint64_t states = 0; ///< a bit for each AtkStateType
+        std::optional<AccessibleText> field{};
 
         bool has(AtkStateType state) const { return states >> state & 1; }
         friend bool operator==(const Description&, const Description&) = default;
@@ -55,6 +58,14 @@ public:
     std::size_t actionCount() const;
     bool performAction(std::size_t index);
     bool takeFocus();
+    bool isSelected() const { return describe().has(ATK_STATE_SELECTED); }
+    std::optional<AccessiblePosition> position() const;
+    /// Of a text field; offsets are bytes, places pixels of the X screen.
+    std::optional<AccessibleText> field() const { return describe().field; }
+    bool setText(std::string_view utf8);
+    bool setSelection(std::size_t start, std::size_t end);
+    std::optional<Rect> textFrame(std::size_t start, std::size_t end) const;
+    std::optional<std::size_t> offsetAt(Point) const;
     /// Pixels of the X screen; absent if it is gone.
     std::optional<Rect> frame() const;
     std::optional<Rect> surfaceFrame() const;
@@ -78,6 +89,11 @@ private:
     std::unique_ptr<AccessibleNode> take(std::size_t index);
     void emitChildren(const char* signal, std::size_t index, const AccessibleNode& child);
     void announceDescription();
+    void announceStates(const Description& before, const Description& now);
+    void announceText(const AccessibleText& before, const AccessibleText& now);
+    void announceSelection(const AccessibleNode& child);
+    AccessibleKind kindOfThis() const;
+    Rect toPixels(const Rect& points) const;
 
     const AtkLibrary& m_atk;
     const AccessibleSurfaces& m_surfaces;
@@ -90,6 +106,7 @@ private:
     std::string m_name;
     std::string m_text;
     std::vector<std::string> m_actionNames;
+    const AccessibleKind m_kind;
     const GObjectHandle<AtkObject> m_object;
 };
 

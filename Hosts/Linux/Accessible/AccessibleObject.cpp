@@ -1,8 +1,13 @@
 #include "Hosts/Linux/Accessible/AccessibleObject.h"
 
+#include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 #include "Hosts/Linux/Accessible/AccessibleNode.h"
+#include "Hosts/Linux/Accessible/AccessibleTextObject.h"
+#include "Hosts/Linux/Text.h"
 
 namespace quorvel::xdg {
 
@@ -13,41 +18,54 @@ struct AccessibleObject {
     AccessibleNode* node; ///< null once what it stood for is gone
 };
 
-/// Null: it is gone.
-AccessibleNode* nodeOf(gpointer object)
+}
+
+AccessibleNode* accessibleNodeOf(gpointer object)
 {
     return static_cast<AccessibleObject*>(object)->node;
 }
+
+Point accessibleOrigin(const AccessibleNode& node, AtkCoordType coordinates)
+{
+    std::optional<Rect> frame;
+    if (coordinates == ATK_XY_WINDOW)
+        frame = node.surfaceFrame();
+    else if (coordinates == ATK_XY_PARENT && node.parent())
+        frame = node.parent()->frame();
+    return frame ? frame->origin() : Point{};
+}
+
+namespace {
 
 // MARK: Every object
 
 const char* nameOf(AtkObject* object)
 {
-    auto* node = nodeOf(object);
+    auto* node = accessibleNodeOf(object);
     return node ? node->name() : "";
 }
 
 const char* descriptionOf(AtkObject* object)
 {
-    auto* node = nodeOf(object);
+    auto* node = accessibleNodeOf(object);
     return node ? node->text() : "";
 }
 
 AtkObject* parentOf(AtkObject* object)
 {
-    auto* node = nodeOf(object);
+    auto* node = accessibleNodeOf(object);
     return node && node->parent() ? node->parent()->object() : nullptr;
 }
 
 int childCountOf(AtkObject* object)
 {
-    auto* node = nodeOf(object);
+    auto* node = accessibleNodeOf(object);
     return node ? static_cast<int>(node->children().size()) : 0;
 }
 
 AtkObject* refChildOf(AtkObject* object, int index)
 {
-    auto* node = nodeOf(object);
+    auto* node = accessibleNodeOf(object);
     if (!node || index < 0)
         return nullptr;
     auto& children = node->children();
@@ -59,13 +77,13 @@ AtkObject* refChildOf(AtkObject* object, int index)
 
 int indexInParentOf(AtkObject* object)
 {
-    auto* node = nodeOf(object);
+    auto* node = accessibleNodeOf(object);
     return node ? node->indexInParent() : -1;
 }
 
 AtkRole roleOf(AtkObject* object)
 {
-    auto* node = nodeOf(object);
+    auto* node = accessibleNodeOf(object);
     return node ? node->role() : ATK_ROLE_INVALID;
 }
 
@@ -74,7 +92,7 @@ AtkStateSet* refStatesOf(AtkObject* object)
 {
     auto& atk = *AtkLibrary::load();
     auto* set = atk.newStateSet();
-    auto* node = nodeOf(object);
+    auto* node = accessibleNodeOf(object);
     if (!node) {
         atk.addState(set, ATK_STATE_DEFUNCT);
         return set;
@@ -85,6 +103,30 @@ AtkStateSet* refStatesOf(AtkObject* object)
             atk.addState(set, static_cast<AtkStateType>(state));
     }
     return set;
+}
+
+void addAttribute(AtkAttributeSet*& all, const char* name, const std::string& value)
+{
+    auto* attribute = g_new(AtkAttribute, 1);
+    attribute->name = g_strdup(name);
+    attribute->value = g_strdup(value.c_str());
+    all = g_slist_prepend(all, attribute);
+}
+
+/// Names that readers know: "3 of 40", and what an empty field asks for.
+AtkAttributeSet* attributesOf(AtkObject* object)
+{
+    AtkAttributeSet* all = nullptr;
+    auto* node = accessibleNodeOf(object);
+    if (!node)
+        return all;
+    if (const auto position = node->position()) {
+        addAttribute(all, "posinset", std::to_string(position->index + 1));
+        addAttribute(all, "setsize", std::to_string(position->count));
+    }
+    if (const auto field = node->field(); field && !field->placeholder.empty())
+        addAttribute(all, "placeholder-text", validUtf8(field->placeholder));
+    return all;
 }
 
 void initializeClass(gpointer instanceClass, gpointer)
@@ -98,27 +140,18 @@ void initializeClass(gpointer instanceClass, gpointer)
     object->get_index_in_parent = indexInParentOf;
     object->get_role = roleOf;
     object->ref_state_set = refStatesOf;
+    object->get_attributes = attributesOf;
 }
 
 // MARK: What has a place
 
-Point originFor(const AccessibleNode& node, AtkCoordType coordinates)
-{
-    std::optional<Rect> frame;
-    if (coordinates == ATK_XY_WINDOW)
-        frame = node.surfaceFrame();
-    else if (coordinates == ATK_XY_PARENT && node.parent())
-        frame = node.parent()->frame();
-    return frame ? frame->origin() : Point{};
-}
-
 void extentsOf(
     AtkComponent* component, int* x, int* y, int* width, int* height, AtkCoordType coordinates)
 {
-    auto* node = nodeOf(component);
+    auto* node = accessibleNodeOf(component);
     const auto found = node ? node->frame() : std::nullopt;
     const auto frame = found.value_or(Rect{});
-    const auto origin = found ? originFor(*node, coordinates) : Point{};
+    const auto origin = found ? accessibleOrigin(*node, coordinates) : Point{};
     *x = static_cast<int>(std::lround(frame.x - origin.x));
     *y = static_cast<int>(std::lround(frame.y - origin.y));
     *width = static_cast<int>(std::lround(frame.width));
@@ -127,7 +160,7 @@ void extentsOf(
 
 gboolean grabFocus(AtkComponent* component)
 {
-    auto* node = nodeOf(component);
+    auto* node = accessibleNodeOf(component);
     return node && node->takeFocus();
 }
 
@@ -143,19 +176,19 @@ void initializeComponent(gpointer interface, gpointer)
 
 int actionCountOf(AtkAction* action)
 {
-    auto* node = nodeOf(action);
+    auto* node = accessibleNodeOf(action);
     return node ? static_cast<int>(node->actionCount()) : 0;
 }
 
 const char* actionNameOf(AtkAction* action, int index)
 {
-    auto* node = nodeOf(action);
+    auto* node = accessibleNodeOf(action);
     return node && index >= 0 ? node->actionName(static_cast<std::size_t>(index)) : nullptr;
 }
 
 gboolean doAction(AtkAction* action, int index)
 {
-    auto* node = nodeOf(action);
+    auto* node = accessibleNodeOf(action);
     return node && index >= 0 && node->performAction(static_cast<std::size_t>(index));
 }
 
@@ -168,6 +201,48 @@ void initializeAction(gpointer interface, gpointer)
     action->do_action = doAction;
 }
 
+// MARK: What can be selected
+
+std::vector<AccessibleNode*> selectedIn(AtkSelection* selection)
+{
+    std::vector<AccessibleNode*> selected;
+    if (auto* node = accessibleNodeOf(selection)) {
+        for (auto& child : node->children()) {
+            if (child->isSelected())
+                selected.push_back(child.get());
+        }
+    }
+    return selected;
+}
+
+int selectionCountOf(AtkSelection* selection)
+{
+    return static_cast<int>(selectedIn(selection).size());
+}
+
+AtkObject* refSelectionOf(AtkSelection* selection, int index)
+{
+    const auto selected = selectedIn(selection);
+    if (index < 0 || static_cast<std::size_t>(index) >= selected.size())
+        return nullptr;
+    return static_cast<AtkObject*>(
+        g_object_ref(selected[static_cast<std::size_t>(index)]->object()));
+}
+
+gboolean isChildSelected(AtkSelection* selection, int index)
+{
+    return std::ranges::any_of(
+        selectedIn(selection), [index](auto* child) { return child->indexInParent() == index; });
+}
+
+void initializeSelection(gpointer interface, gpointer)
+{
+    auto* selection = static_cast<AtkSelectionIface*>(interface);
+    selection->get_selection_count = selectionCountOf;
+    selection->ref_selection = refSelectionOf;
+    selection->is_child_selected = isChildSelected;
+}
+
 // MARK: Types
 
 const char* typeNameOf(AccessibleKind kind)
@@ -177,6 +252,10 @@ const char* typeNameOf(AccessibleKind kind)
         return "QuorvelAccessibleApplication";
     case AccessibleKind::surface:
         return "QuorvelAccessibleSurface";
+    case AccessibleKind::list:
+        return "QuorvelAccessibleList";
+    case AccessibleKind::textField:
+        return "QuorvelAccessibleTextField";
     case AccessibleKind::element:
         break;
     }
@@ -200,10 +279,17 @@ GType registerType(const AtkLibrary& atk, AccessibleKind kind)
     if (kind == AccessibleKind::application)
         return type;
     addInterface(type, atk.componentType(), initializeComponent);
-    if (kind == AccessibleKind::surface)
+    if (kind == AccessibleKind::surface) {
         addInterface(type, atk.windowType(), nullptr); // to say that it has the keyboard
-    else
-        addInterface(type, atk.actionType(), initializeAction);
+        return type;
+    }
+    addInterface(type, atk.actionType(), initializeAction);
+    if (kind == AccessibleKind::list)
+        addInterface(type, atk.selectionType(), initializeSelection);
+    if (kind == AccessibleKind::textField) {
+        addInterface(type, atk.textType(), initializeAccessibleText);
+        addInterface(type, atk.editableTextType(), initializeAccessibleEditableText);
+    }
     return type;
 }
 

@@ -17,6 +17,9 @@ std::optional<AtkLibrary> loadLibrary()
     symbols.find("atk_component_get_type", atk.componentType);
     symbols.find("atk_action_get_type", atk.actionType);
     symbols.find("atk_window_get_type", atk.windowType);
+    symbols.find("atk_selection_get_type", atk.selectionType);
+    symbols.find("atk_text_get_type", atk.textType);
+    symbols.find("atk_editable_text_get_type", atk.editableTextType);
     symbols.find("atk_util_get_type", atk.utilType);
     symbols.find("atk_state_set_new", atk.newStateSet);
     symbols.find("atk_state_set_add_state", atk.addState);

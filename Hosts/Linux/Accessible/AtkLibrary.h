@@ -14,6 +14,9 @@ struct AtkLibrary {
     decltype(&::atk_component_get_type) componentType;
     decltype(&::atk_action_get_type) actionType;
     decltype(&::atk_window_get_type) windowType;
+    decltype(&::atk_selection_get_type) selectionType;
+    decltype(&::atk_text_get_type) textType;
+    decltype(&::atk_editable_text_get_type) editableTextType;
     decltype(&::atk_util_get_type) utilType;
     decltype(&::atk_state_set_new) newStateSet;
     decltype(&::atk_state_set_add_state) addState;
