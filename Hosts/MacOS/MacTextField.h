@@ -24,7 +24,6 @@ public:
 
 private:
     void place();
-    bool isFocused() const;
 
     QVTextField* m_field;
     QVTextFieldDelegate* m_delegate; ///< the field does not retain it

@@ -32,16 +32,27 @@ SEL selectorOf(EditingAction action)
 
 @interface QVTextField : NSTextField
 @property (nonatomic, copy) void (^onFocused)(void);
+/// Before it has an editor too: what hears of the focus may ask for it.
+@property (nonatomic, readonly) BOOL hasFocus;
 @end
 
-@implementation QVTextField
+@implementation QVTextField {
+    BOOL _isBecoming;
+}
 
 - (BOOL)becomeFirstResponder
 {
+    _isBecoming = YES;
     const BOOL accepts = [super becomeFirstResponder];
     if (accepts && self.onFocused)
         self.onFocused();
+    _isBecoming = NO;
     return accepts;
+}
+
+- (BOOL)hasFocus
+{
+    return _isBecoming || self.currentEditor != nil;
 }
 
 - (BOOL)performKeyEquivalent:(NSEvent*)event
@@ -150,15 +161,13 @@ void MacTextField::setText(std::string_view utf8)
     [m_field moveCaretToEnd];
 }
 
-bool MacTextField::isFocused() const { return m_field.currentEditor != nil; }
-
 /// Whoever comes with Tab, or goes on typing, would find everything selected.
-void MacTextField::setFocused(bool isFocused_)
+void MacTextField::setFocused(bool isFocused)
 {
-    if (isFocused_ == isFocused())
+    if (isFocused == static_cast<bool>(m_field.hasFocus))
         return;
-    [m_field.window makeFirstResponder:isFocused_ ? m_field : m_over];
-    if (isFocused_)
+    [m_field.window makeFirstResponder:isFocused ? m_field : m_over];
+    if (isFocused)
         [m_field moveCaretToEnd];
 }
 
