@@ -8,24 +8,12 @@
 #include <glib.h>
 
 #include "Tests/MacSystem/Support/Objects.h"
+#include "Tests/MacSystem/Support/Strings.h"
 #include "Tests/MacSystem/Support/Values.h"
 
 namespace quorvel::test {
 
 namespace {
-
-struct String final : Object {
-    explicit String(std::u16string value) : Object(TypeID::string), text(std::move(value)) { }
-    std::string description() const override;
-    bool equals(const Object& other) const override
-    {
-        const auto* string = dynamic_cast<const String*>(&other);
-        return string && string->text == text;
-    }
-    std::size_t hash() const override { return std::hash<std::u16string>{}(text); }
-
-    std::u16string text;
-};
 
 struct Number final : Object {
     explicit Number(std::variant<std::int64_t, double> number)
@@ -78,48 +66,6 @@ struct UUID final : Object {
 
     std::string text;
 };
-
-constexpr bool isHighSurrogate(char16_t unit)
-{
-    return unit >= 0xD800 && unit < 0xDC00;
-}
-constexpr bool isLowSurrogate(char16_t unit)
-{
-    return unit >= 0xDC00 && unit < 0xE000;
-}
-
-std::string encode(std::u16string_view units, char lossByte)
-{
-    std::string out;
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        gunichar c = units[i];
-        if (isHighSurrogate(units[i]) && i + 1 < units.size() && isLowSurrogate(units[i + 1]))
-            c = 0x10000 + ((c & 0x3FF) << 10) + (units[++i] & 0x3FFU);
-        else if (isHighSurrogate(units[i]) || isLowSurrogate(units[i]))
-            c = static_cast<unsigned char>(lossByte);
-        char bytes[6];
-        out.append(bytes, static_cast<std::size_t>(g_unichar_to_utf8(c, bytes)));
-    }
-    return out;
-}
-
-/// Absent for bytes that are no UTF-8.
-std::optional<std::u16string> decode(std::string_view bytes)
-{
-    const auto size = static_cast<glong>(bytes.size());
-    if (!g_utf8_validate(bytes.data(), size, nullptr))
-        return {};
-    glong count = 0;
-    auto* units = g_utf8_to_utf16(bytes.data(), size, nullptr, &count, nullptr);
-    std::u16string out{units, units + count};
-    g_free(units);
-    return out;
-}
-
-std::string String::description() const
-{
-    return "string \"" + encode(text, '?') + "\"";
-}
 
 /// An object that the system never frees.
 template <typename Ref, typename Type, typename... Arguments> Ref constant(Arguments... arguments)
@@ -180,17 +126,6 @@ std::variant<std::int64_t, double> loadNumber(CFNumberType type, const void* fro
     return load<double>(from);
 }
 
-}
-
-CFStringRef createString(std::string_view utf8)
-{
-    auto units = decode(utf8);
-    return units ? create<CFStringRef, String>(std::move(*units)) : nullptr;
-}
-
-std::string utf8(CFStringRef string)
-{
-    return encode(expectObject<String>(string).text, '?');
 }
 
 Value text(std::string_view utf8)
@@ -280,36 +215,6 @@ CFStringRef simulatedConstantString(const char* text)
     if (!known)
         known = constant<CFStringRef, String>(decode(text).value());
     return known;
-}
-
-CFTypeID CFStringGetTypeID()
-{
-    return static_cast<CFTypeID>(TypeID::string);
-}
-
-CFStringRef CFStringCreateWithBytes(
-    CFAllocatorRef, const UInt8* bytes, CFIndex count, CFStringEncoding, Boolean)
-{
-    return createString({reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count)});
-}
-
-CFIndex CFStringGetLength(CFStringRef string)
-{
-    return static_cast<CFIndex>(expectObject<String>(string).text.size());
-}
-
-// Only the whole text is ever asked for, first its size and then its bytes.
-CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding, UInt8 lossByte,
-    Boolean, UInt8* buffer, CFIndex size, CFIndex* used)
-{
-    const auto units = std::u16string_view{expectObject<String>(string).text}.substr(
-        static_cast<std::size_t>(range.location), static_cast<std::size_t>(range.length));
-    const auto bytes = encode(units, static_cast<char>(lossByte));
-    if (buffer)
-        std::memcpy(buffer, bytes.data(), std::min(bytes.size(), static_cast<std::size_t>(size)));
-    if (used)
-        *used = static_cast<CFIndex>(bytes.size());
-    return range.length;
 }
 
 CFTypeID CFNumberGetTypeID()

@@ -24,6 +24,9 @@ enum class TypeID : CFTypeID {
     runLoop,
     runLoopSource,
     event,
+    locale,
+    url,
+    eventStream,
 };
 
 /// A reference-counted object of the simulated system. Memory is kept after the last release until

@@ -45,7 +45,19 @@ public:
     void ignoreDockRect(bool value) { m_ignoresDockRect = value; }
     void failDisplayCalls(bool value) { m_failsDisplayCalls = value; }
 
+    /// Calls back whoever watches the disk, as the main queue would.
+    void changeFiles();
+
+    /// What the last stream of file events was made with.
+    struct Watched {
+        Value paths;
+        bool isFromNow = false;
+        double latency = 0;
+        std::uint32_t flags = 0;
+    } watched;
+
     // For the calls.
+    void setEventStream(Value stream) { m_eventStream = std::move(stream); }
     const Value* answerFor(const std::string& name) const;
     bool hasSkyLight() const { return m_hasSkyLight; }
     bool isPointerReadable() const { return m_isPointerReadable; }
@@ -94,6 +106,7 @@ private:
     ThreadWatch m_dispatch;
     std::map<std::string, Value> m_answers;
     std::set<std::string> m_removed;
+    Value m_eventStream; ///< null while nobody watches
     bool m_hasSkyLight = true;
     bool m_isPointerReadable = true;
     bool m_failsDisplayCalls = false;

@@ -4,6 +4,7 @@
 // simulated system.
 
 #include <CoreFoundation/CoreFoundation.h>
+#include <dispatch/dispatch.h>
 
 #include <sys/types.h>
 
@@ -23,6 +24,31 @@ struct CGRect {
 inline CGPoint CGPointMake(double x, double y) { return {x, y}; }
 inline CGSize CGSizeMake(double width, double height) { return {width, height}; }
 bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef, CGRect*);
+
+using FSEventStreamRef = struct FSEventStreamObject*;
+using ConstFSEventStreamRef = const struct FSEventStreamObject*;
+using FSEventStreamCreateFlags = std::uint32_t;
+using FSEventStreamEventFlags = std::uint32_t;
+using FSEventStreamEventId = std::uint64_t;
+constexpr FSEventStreamCreateFlags kFSEventStreamCreateFlagUseCFTypes = 1;
+constexpr FSEventStreamCreateFlags kFSEventStreamCreateFlagFileEvents = 16;
+constexpr FSEventStreamEventId kFSEventStreamEventIdSinceNow = ~FSEventStreamEventId{0};
+struct FSEventStreamContext {
+    CFIndex version;
+    void* info;
+    CFTypeRef (*retain)(CFTypeRef);
+    void (*release)(CFTypeRef);
+    CFStringRef (*copyDescription)(CFTypeRef);
+};
+using FSEventStreamCallback = void (*)(ConstFSEventStreamRef, void* info, std::size_t count,
+    void* paths, const FSEventStreamEventFlags*, const FSEventStreamEventId*);
+FSEventStreamRef FSEventStreamCreate(CFAllocatorRef, FSEventStreamCallback, FSEventStreamContext*,
+    CFArrayRef paths, FSEventStreamEventId since, double latency, FSEventStreamCreateFlags);
+void FSEventStreamSetDispatchQueue(FSEventStreamRef, dispatch_queue_t);
+Boolean FSEventStreamStart(FSEventStreamRef);
+void FSEventStreamStop(FSEventStreamRef);
+void FSEventStreamInvalidate(FSEventStreamRef);
+void FSEventStreamRelease(FSEventStreamRef);
 
 using CGWindowID = std::uint32_t;
 using CGWindowListOption = std::uint32_t;

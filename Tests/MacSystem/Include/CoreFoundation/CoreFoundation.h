@@ -14,6 +14,7 @@ using CFHashCode = unsigned long;
 using CFTypeRef = const void*;
 using CFAllocatorRef = const struct CFAllocatorObject*;
 using CFStringRef = const struct CFStringObject*;
+using CFMutableStringRef = struct CFStringObject*;
 using CFNumberRef = const struct CFNumberObject*;
 using CFBooleanRef = const struct CFBooleanObject*;
 using CFNullRef = const struct CFNullObject*;
@@ -21,10 +22,15 @@ using CFArrayRef = const struct CFArrayObject*;
 using CFMutableArrayRef = struct CFArrayObject*;
 using CFDictionaryRef = const struct CFDictionaryObject*;
 using CFUUIDRef = const struct CFUUIDObject*;
+using CFLocaleRef = const struct CFLocaleObject*;
+using CFURLRef = const struct CFURLObject*;
+using CFCharacterSetRef = const struct CFCharacterSetObject*;
 using CFRunLoopRef = struct CFRunLoopObject*;
 using CFRunLoopSourceRef = struct CFRunLoopSourceObject*;
 using CFRunLoopMode = CFStringRef;
 using CFStringEncoding = std::uint32_t;
+using UniChar = std::uint16_t;
+using UTF32Char = std::uint32_t;
 
 enum CFNumberType : CFIndex {
     kCFNumberSInt8Type = 1,
@@ -33,6 +39,24 @@ enum CFNumberType : CFIndex {
     kCFNumberSInt64Type = 4,
     kCFNumberFloatType = 12,
     kCFNumberDoubleType = 13,
+};
+
+using CFStringCompareFlags = unsigned long;
+enum : CFStringCompareFlags {
+    kCFCompareCaseInsensitive = 1,
+    kCFCompareLocalized = 32,
+    kCFCompareDiacriticInsensitive = 128,
+    kCFCompareWidthInsensitive = 256,
+};
+enum CFStringNormalizationForm : CFIndex { kCFStringNormalizationFormC = 2 };
+enum CFCharacterSetPredefinedSet : CFIndex {
+    kCFCharacterSetDecimalDigit = 4,
+    kCFCharacterSetLetter = 5,
+    kCFCharacterSetLowercaseLetter = 6,
+    kCFCharacterSetUppercaseLetter = 7,
+    kCFCharacterSetNonBase = 8,
+    kCFCharacterSetAlphaNumeric = 10,
+    kCFCharacterSetCapitalizedLetter = 13,
 };
 
 struct CFRange {
@@ -79,6 +103,22 @@ CFStringRef CFStringCreateWithBytes(
 CFIndex CFStringGetLength(CFStringRef);
 CFIndex CFStringGetBytes(CFStringRef, CFRange, CFStringEncoding, UInt8 lossByte, Boolean isExternal,
     UInt8* buffer, CFIndex size, CFIndex* used);
+
+UniChar CFStringGetCharacterAtIndex(CFStringRef, CFIndex);
+CFRange CFStringGetRangeOfComposedCharactersAtIndex(CFStringRef, CFIndex);
+CFIndex CFStringCompareWithOptionsAndLocale(
+    CFStringRef, CFStringRef, CFRange, CFStringCompareFlags, CFLocaleRef);
+CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef, CFIndex capacity, CFStringRef);
+void CFStringFold(CFMutableStringRef, CFStringCompareFlags, CFLocaleRef);
+void CFStringLowercase(CFMutableStringRef, CFLocaleRef);
+void CFStringNormalize(CFMutableStringRef, CFStringNormalizationForm);
+CFLocaleRef CFLocaleCopyCurrent();
+CFCharacterSetRef CFCharacterSetGetPredefined(CFCharacterSetPredefinedSet);
+Boolean CFCharacterSetIsLongCharacterMember(CFCharacterSetRef, UTF32Char);
+
+CFURLRef CFURLCreateFromFileSystemRepresentation(
+    CFAllocatorRef, const UInt8* path, CFIndex length, Boolean isFolder);
+CFDictionaryRef CFBundleCopyInfoDictionaryInDirectory(CFURLRef);
 
 CFTypeID CFNumberGetTypeID();
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType, const void* value);
