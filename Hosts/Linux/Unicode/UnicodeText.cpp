@@ -29,17 +29,14 @@ bool isAscii(std::string_view text)
     return std::ranges::all_of(text, [](char byte) { return static_cast<signed char>(byte) >= 0; });
 }
 
-/// GLib's calls end at a NUL: it is left out.
 CodePoints codePoints(std::string_view utf8)
 {
     const auto valid = validUtf8(utf8);
     CodePoints points;
     points.reserve(valid.size());
     const char* end = valid.data() + valid.size();
-    for (const char* at = valid.data(); at != end; at = g_utf8_next_char(at)) {
-        if (*at)
-            points.push_back(g_utf8_get_char(at));
-    }
+    for (const char* at = valid.data(); at != end; at = g_utf8_next_char(at))
+        points.push_back(g_utf8_get_char(at));
     return points;
 }
 
