@@ -20,6 +20,7 @@ public:
 
     std::optional<ApplicationURL> applicationURL(std::string_view bundleIdentifier) const override;
     Image icon(const ApplicationURL&) const override;
+    std::optional<IconPicture> renderIcon(const ApplicationURL&, int pixels) const override;
     Image runningApplicationIcon(ProcessID) const override;
     Image genericApplicationIcon() const override;
 

@@ -37,6 +37,21 @@ NSRunningApplication* findApplication(ProcessID pid)
     return [NSRunningApplication runningApplicationWithProcessIdentifier:raw(pid)];
 }
 
+/// Nil for lack of memory.
+NSBitmapImageRep* makeBitmap(int pixels)
+{
+    return [[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nil
+                                                   pixelsWide:pixels
+                                                   pixelsHigh:pixels
+                                                bitsPerSample:8
+                                              samplesPerPixel:4
+                                                     hasAlpha:YES
+                                                     isPlanar:NO
+                                               colorSpaceName:NSDeviceRGBColorSpace
+                                                  bytesPerRow:0
+                                                 bitsPerPixel:0];
+}
+
 }
 
 MacWorkspace::MacWorkspace()
@@ -96,6 +111,26 @@ Image MacWorkspace::icon(const ApplicationURL& url) const
 {
     NSString* path = toSystem(url.path);
     return path ? makeImage([NSWorkspace.sharedWorkspace iconForFile:path]) : nullptr;
+}
+
+/// Each thread has a graphics context of its own.
+std::optional<IconPicture> MacWorkspace::renderIcon(const ApplicationURL& url, int pixels) const
+{
+    NSString* path = toSystem(url.path);
+    NSImage* icon = path ? [NSWorkspace.sharedWorkspace iconForFile:path] : nil;
+    NSBitmapImageRep* bitmap = makeBitmap(pixels);
+    NSGraphicsContext* context
+        = bitmap ? [NSGraphicsContext graphicsContextWithBitmapImageRep:bitmap] : nil;
+    if (!icon || !context)
+        return std::nullopt;
+    [NSGraphicsContext saveGraphicsState];
+    NSGraphicsContext.currentContext = context;
+    [icon drawInRect:NSMakeRect(0, 0, pixels, pixels)];
+    [NSGraphicsContext restoreGraphicsState];
+    NSImage* picture = [[NSImage alloc] initWithSize:NSMakeSize(pixels, pixels)];
+    [picture addRepresentation:bitmap];
+    return IconPicture{makeImage(picture),
+        static_cast<std::size_t>(bitmap.bytesPerRow) * static_cast<std::size_t>(pixels)};
 }
 
 Image MacWorkspace::runningApplicationIcon(ProcessID pid) const
