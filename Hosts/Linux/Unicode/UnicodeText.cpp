@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <clocale>
+#include <cstring>
+#include <numeric>
 
 #include <pango/pango.h>
 
@@ -24,9 +26,17 @@ constexpr std::size_t kLongestDecomposition = G_UNICHAR_MAX_DECOMPOSITION_LENGTH
 
 using CodePoints = std::u32string;
 
+/// Plain text, as most names are, needs no library.
 bool isAscii(std::string_view text)
 {
-    return std::ranges::all_of(text, [](char byte) { return static_cast<signed char>(byte) >= 0; });
+    return std::ranges::all_of(text, [](char byte) { return static_cast<signed char>(byte) > 0; });
+}
+
+std::string asciiInLowerCase(std::string_view text)
+{
+    std::string lower{text};
+    std::ranges::transform(lower, lower.begin(), g_ascii_tolower);
+    return lower;
 }
 
 CodePoints codePoints(std::string_view utf8)
@@ -165,11 +175,8 @@ UnicodeText::UnicodeText(std::string_view language)
 
 std::string UnicodeText::fold(std::string_view utf8) const
 {
-    if (isAscii(utf8) && !m_hasDotlessI && utf8.find('\0') == std::string_view::npos) {
-        std::string lower{utf8};
-        std::ranges::transform(lower, lower.begin(), g_ascii_tolower);
-        return lower;
-    }
+    if (isAscii(utf8) && !m_hasDotlessI)
+        return asciiInLowerCase(utf8);
     auto points = codePoints(utf8);
     if (m_hasDotlessI)
         points = withDotlessIInLowerCase(points);
@@ -178,6 +185,12 @@ std::string UnicodeText::fold(std::string_view utf8) const
 
 std::weak_ordering UnicodeText::compare(std::string_view a, std::string_view b) const
 {
+    if (isAscii(a) && isAscii(b) && !m_hasDotlessI) {
+        const auto first = asciiInLowerCase(a);
+        const auto second = asciiInLowerCase(b);
+        return m_hasOrder ? orderFrom(std::strcoll(first.c_str(), second.c_str()))
+                          : std::weak_ordering{first <=> second};
+    }
     if (!m_hasOrder) {
         if (const auto order = fold(a) <=> fold(b); order != 0)
             return order;
@@ -211,6 +224,11 @@ CharacterClass UnicodeText::classOf(char32_t point) const
 std::vector<std::size_t> UnicodeText::characterEnds(std::string_view utf8) const
 {
     std::vector<std::size_t> ends;
+    if (isAscii(utf8) && utf8.find('\r') == std::string_view::npos) {
+        ends.resize(utf8.size());
+        std::iota(ends.begin(), ends.end(), 1);
+        return ends;
+    }
     ends.reserve(utf8.size());
     for (std::size_t offset = 0; offset < utf8.size();) {
         const auto valid = validPrefix(utf8.substr(offset));
