@@ -44,7 +44,6 @@ public:
     const BarViewModel& viewModel() const { return m_viewModel; }
     const BarPanels::BySpace& panels() const { return m_panels.panels(); }
     const BarPanels::Mirrors& mirrorPanels() const { return m_panels.mirrorPanels(); }
-    const BarPanels::BySpace& fullscreenPanels() const { return m_panels.fullscreenPanels(); }
 
     /// After spaces, screens or both have changed: makes a panel for each existing space, removes
     /// the others, and refreshes the model.

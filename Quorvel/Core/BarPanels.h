@@ -40,7 +40,6 @@ public:
     std::function<void(Bar&)> onContentNeeded;
 
     const BySpace& panels() const { return m_panels; }
-    const BySpace& fullscreenPanels() const { return m_fullscreenPanels; }
     const Mirrors& mirrorPanels() const { return m_mirrorPanels; }
     /// A bar of the space, on its own display first; null if there is none.
     Bar* panel(SpaceID) const;

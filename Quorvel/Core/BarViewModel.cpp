@@ -198,21 +198,8 @@ void BarViewModel::updateChips(const WindowsBySpace& windows, std::set<SpaceID>&
             hasChanged |= isGone;
             return isGone;
         });
-        if (hasChanged)
-            findBundlesWithWindows(chips);
         return hasChanged;
     });
-}
-
-void BarViewModel::findBundlesWithWindows(const ChipsBySpace& all)
-{
-    m_bundlesWithWindows.clear();
-    for (auto& [space, chips] : all) {
-        for (auto& chip : chips) {
-            if (chip.bundleIdentifier)
-                m_bundlesWithWindows.insert(*chip.bundleIdentifier);
-        }
-    }
 }
 
 bool BarViewModel::updateChips(
@@ -352,6 +339,12 @@ std::set<std::string> BarViewModel::bundleIDsWithWindows(SpaceID space) const
 {
     auto found = summaries.value().find(space);
     return found == summaries.value().end() ? std::set<std::string>{} : found->second.bundleIDs;
+}
+
+bool BarViewModel::hasWindows(const std::string& bundleID) const
+{
+    return std::ranges::any_of(
+        summaries.value(), [&](auto& entry) { return entry.second.bundleIDs.contains(bundleID); });
 }
 
 const ChipData* BarViewModel::chip(SpaceID space, WindowID id) const

@@ -83,10 +83,7 @@ public:
     std::set<std::string> bundleIDsWithWindows(SpaceID) const;
 
     /// On any space.
-    bool hasWindows(const std::string& bundleID) const
-    {
-        return m_bundlesWithWindows.contains(bundleID);
-    }
+    bool hasWindows(const std::string& bundleID) const;
 
     /// Null if the window has no chip there.
     const ChipData* chip(SpaceID, WindowID) const;
@@ -151,7 +148,6 @@ private:
     void updateFrames(const WindowsBySpace&, std::set<SpaceID>& changed);
     std::vector<DisplayItem> makeItems(SpaceID, const std::vector<ChipData>&);
     void findBundlesWithAttentionWindows();
-    void findBundlesWithWindows(const ChipsBySpace&);
     bool wantsAttention(const TrackedWindow&) const;
 
     /// One of several screens, and whether it takes the windows that touch none.
@@ -198,7 +194,6 @@ private:
     std::map<SpaceID, Signal<>> m_barDidChange;
     std::set<SpaceID> m_changedBars; ///< not told yet
     std::set<std::string> m_bundlesWithAttentionWindows;
-    std::set<std::string> m_bundlesWithWindows; ///< of all chips
     std::optional<WindowID> m_pendingFocusedWindowID;
     /// What may have the focus until the system has answered: the window that had it, and those of
     /// earlier clicks whose answer may still come.
