@@ -1,12 +1,7 @@
-#include <gmock/gmock.h>
-
 #include "Hosts/MacOS/System/MacLaunchServices.h"
 #include "Tests/MacSystem/Support/MacFixture.h"
 
 namespace quorvel::test {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -53,7 +48,7 @@ TEST_F(MacLaunchServicesTest, withoutTheListThereIsNothingAndTheToolStillRuns)
     }
     mac.answer("CopyRunningApplicationArray", array({text("a")}));
     setInformation("a", dictionary({}));
-    EXPECT_THAT(statuses(), testing::SizeIs(1));
+    EXPECT_THAT(statuses(), SizeIs(1));
     mac.removeSymbol("_LSCopyApplicationInformation");
     EXPECT_THAT(statuses(), IsEmpty());
 

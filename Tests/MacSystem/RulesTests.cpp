@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include "Hosts/MacOS/Rules/DropOperation.h"
 #include "Hosts/MacOS/Rules/EditingShortcut.h"
 #include "Hosts/MacOS/Rules/KeyRoute.h"
@@ -12,9 +10,6 @@
 #include "Tests/MacSystem/Support/MacFixture.h"
 
 namespace quorvel::test {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

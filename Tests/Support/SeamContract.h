@@ -178,6 +178,10 @@ TYPED_TEST_P(SeamContract, observersHearInOrderUntilTheyEnd)
     });
     system.retitle(this->first, "other");
     EXPECT_TRUE(system.runUntil([&] { return hears(1); }));
+    this->on(*thread, [&] {
+        EXPECT_EQ(observer->removeNotification(window, ax::titleChanged), AXError::success);
+    });
+    system.retitle(this->first, "unheard");
     EXPECT_EQ(system.accessibility().setAttribute(window, ax::minimized, true), AXError::success);
     EXPECT_TRUE(system.runUntil([&] { return hears(2); }));
     this->on(*thread, [&] { observer.reset(); });

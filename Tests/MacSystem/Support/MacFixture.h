@@ -1,12 +1,11 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include "Hosts/MacOS/System/AccessibilityElement.h"
 #include "Hosts/MacOS/System/MacAccessibility.h"
 #include "Hosts/MacOS/System/MacDisplays.h"
 #include "Hosts/MacOS/System/MacWindowServer.h"
 #include "Tests/MacSystem/Support/SimulatedMac.h"
+#include "Tests/Support/Matchers.h"
 
 namespace quorvel::test {
 
