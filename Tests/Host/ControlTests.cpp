@@ -16,6 +16,7 @@
 #include "Hosts/Posix/ControlMessage.h"
 #include "Hosts/Posix/LocalSocket.h"
 #include "Tests/Host/MainLoop.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 namespace quorvel::posix {
 
@@ -26,13 +27,6 @@ namespace fs = std::filesystem;
 
 class ControlChannelTest : public testing::Test {
 protected:
-    ControlChannelTest()
-    {
-        std::string name = fs::temp_directory_path() / "quorvel-test-XXXXXX";
-        root = mkdtemp(name.data());
-    }
-    ~ControlChannelTest() override { fs::remove_all(root); }
-
     ControlAddress address(std::string_view display = ":7")
     {
         auto found = ControlAddress::forDisplay(display, root.c_str(), "/nowhere", problem);
@@ -78,7 +72,8 @@ protected:
         return fd;
     }
 
-    std::string root;
+    test::TemporaryFolder folder;
+    std::string root = folder.path();
     std::string problem;
 };
 

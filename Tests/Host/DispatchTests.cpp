@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <optional>
 #include <thread>
 #include <vector>
 
@@ -46,20 +45,6 @@ TEST_F(HostDispatch, mainQueueKeepsTheOrderAndLetsOtherSourcesInBetween)
     EXPECT_EQ(order, (std::vector{1, 2, 3}));
 }
 
-TEST_F(HostDispatch, timersRunInDueOrderAndNeverEarly)
-{
-    auto start = dispatch.now();
-    std::optional<Instant> firstRun;
-    auto late = dispatch.main().after(1h, [] { ADD_FAILURE() << "an hour early"; });
-    auto early = dispatch.main().after(Duration{4'000'001}, [&] { firstRun = dispatch.now(); });
-    EXPECT_TRUE(early.isPending());
-
-    ASSERT_TRUE(eventually([&] { return firstRun.has_value(); }));
-    EXPECT_GE(*firstRun - start, Duration{4'000'001});
-    EXPECT_FALSE(early.isPending());
-    EXPECT_TRUE(late.isPending());
-}
-
 TEST_F(HostDispatch, cancelledWorkNeverRunsOnItsOwnThread)
 {
     int runs = 0;
@@ -86,6 +71,7 @@ TEST_F(HostDispatch, cancelledWorkNeverRunsOnItsOwnThread)
     bool hasWaited = false;
     auto wait = dispatch.main().after(5ms, [&] { hasWaited = true; });
     ASSERT_TRUE(eventually([&] { return hasWaited; }));
+    EXPECT_FALSE(wait.isPending());
     EXPECT_EQ(runs, 3);
 }
 

@@ -11,6 +11,7 @@
 #include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Host/fixtures/PrivateBus.h"
+#include "Tests/Support/LauncherSender.h"
 #include "Tests/Support/VirtualDispatch.h"
 
 namespace quorvel::xdg::x11 {
@@ -18,25 +19,16 @@ namespace {
 
 using namespace std::literals;
 
-/// An application with an entry at the launcher.
-class Sender {
-public:
-    explicit Sender(const test::PrivateBus& bus) : m_connection(bus.connect()) { }
+/// It asks the bus as well, about the name that applications look for.
+struct Sender : test::LauncherSender {
+    Sender() : LauncherSender(g_getenv("DBUS_SESSION_BUS_ADDRESS")) { }
 
-    void say(const char* arguments)
+    /// What the bus answers, as text.
+    std::string call(const char* member, GVariant* arguments)
     {
-        g_dbus_connection_emit_signal(m_connection.get(), nullptr, "/com/example/Sender",
-            "com.canonical.Unity.LauncherEntry", "Update", g_variant_new_parsed(arguments),
-            nullptr);
-        g_dbus_connection_flush_sync(m_connection.get(), nullptr, nullptr);
-    }
-    /// What the bus answers to a question about the name that applications look for.
-    std::string ask(const char* member)
-    {
-        auto* answer = g_dbus_connection_call_sync(m_connection.get(), "org.freedesktop.DBus",
-            "/org/freedesktop/DBus", "org.freedesktop.DBus", member,
-            g_variant_new("(s)", "com.canonical.Unity"), nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
-            nullptr, nullptr);
+        auto* answer = g_dbus_connection_call_sync(connection(), "org.freedesktop.DBus",
+            "/org/freedesktop/DBus", "org.freedesktop.DBus", member, arguments, nullptr,
+            G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
         if (!answer)
             return {};
         char* text = g_variant_print(answer, false);
@@ -45,24 +37,22 @@ public:
         g_variant_unref(answer);
         return result;
     }
+    std::string hasOwner()
+    {
+        return call("NameHasOwner", g_variant_new("(s)", "com.canonical.Unity"));
+    }
+    bool isNameTaken() { return hasOwner() == "(true,)"; }
+    bool isNameFree() { return hasOwner() == "(false,)"; }
     bool takeName()
     {
-        auto* answer = g_dbus_connection_call_sync(m_connection.get(), "org.freedesktop.DBus",
-            "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-            g_variant_new("(su)", "com.canonical.Unity", 1u), nullptr, G_DBUS_CALL_FLAGS_NONE, -1,
-            nullptr, nullptr);
-        if (answer)
-            g_variant_unref(answer);
+        call("RequestName", g_variant_new("(su)", "com.canonical.Unity", 1U));
         return ownsName();
     }
     bool ownsName()
     {
-        return ask("GetNameOwner")
-            == "('"s + g_dbus_connection_get_unique_name(m_connection.get()) + "',)";
+        return call("GetNameOwner", g_variant_new("(s)", "com.canonical.Unity"))
+            == "('"s + g_dbus_connection_get_unique_name(connection()) + "',)";
     }
-
-private:
-    GObjectHandle<GDBusConnection> m_connection;
 };
 
 class LauncherBusTest : public testing::Test {
@@ -71,7 +61,7 @@ protected:
     void listen(Sender& witness)
     {
         bus.emplace(entries, installed, [] {});
-        ASSERT_TRUE(eventually([&] { return witness.ask("NameHasOwner") == "(true,)"; }));
+        ASSERT_TRUE(eventually([&] { return witness.isNameTaken(); }));
     }
 
     test::InstalledApplications applications;
@@ -85,8 +75,8 @@ protected:
 // Faults: the name taken from who has it, not given to who wants it, kept by a bar that is gone.
 TEST_F(LauncherBusTest, hasTheNameThatApplicationsLookForIfNobodyElseHas)
 {
-    std::optional<Sender> owner{daemon};
-    Sender other{daemon};
+    std::optional<Sender> owner{std::in_place};
+    Sender other;
     ASSERT_TRUE(owner->takeName());
     listen(other);
     // Nothing tells when the bus listens: the name has an owner already.
@@ -97,16 +87,15 @@ TEST_F(LauncherBusTest, hasTheNameThatApplicationsLookForIfNobodyElseHas)
     EXPECT_TRUE(owner->ownsName());
 
     owner.reset();
-    EXPECT_TRUE(
-        eventually([&] { return other.ask("NameHasOwner") == "(true,)" && !other.ownsName(); }));
+    EXPECT_TRUE(eventually([&] { return other.isNameTaken() && !other.ownsName(); }));
     bus.reset();
-    EXPECT_TRUE(eventually([&] { return other.ask("NameHasOwner") == "(false,)"; }));
+    EXPECT_TRUE(eventually([&] { return other.isNameFree(); }));
 }
 
 // Fault: whoever starts or ends waits for the answer of a bus that does not answer.
 TEST_F(LauncherBusTest, isNotHeldUpByABusThatHangs)
 {
-    Sender sender{daemon};
+    Sender sender;
     listen(sender);
     sender.say("('mail', {'urgent': <true>})");
     ASSERT_TRUE(eventually([&] { return entries.asking().contains("mail"); }));
@@ -125,10 +114,10 @@ TEST_F(LauncherBusTest, isNotHeldUpByABusThatHangs)
 TEST_F(LauncherBusTest, joinsABusThatIsStartedAgain)
 {
     for (int round = 0; round < 2; ++round) {
-        std::optional<Sender> sender{daemon};
+        std::optional<Sender> sender{std::in_place};
         if (round == 0)
             listen(*sender);
-        ASSERT_TRUE(eventually([&] { return sender->ask("NameHasOwner") == "(true,)"; }));
+        ASSERT_TRUE(eventually([&] { return sender->isNameTaken(); }));
         ASSERT_TRUE(eventually([&] {
             sender->say("('mail', {'urgent': <true>})");
             return entries.asking().contains("mail");
@@ -139,8 +128,8 @@ TEST_F(LauncherBusTest, joinsABusThatIsStartedAgain)
         sender.reset();
         daemon.start();
     }
-    Sender sender{daemon};
-    EXPECT_TRUE(eventually([&] { return sender.ask("NameHasOwner") == "(true,)"; }));
+    Sender sender;
+    EXPECT_TRUE(eventually([&] { return sender.isNameTaken(); }));
 }
 
 }

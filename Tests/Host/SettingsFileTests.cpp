@@ -17,6 +17,7 @@
 #include "Quorvel/Core/UserSettingsCoding.h"
 #include "Tests/Support/FakeDesktop.h"
 #include "Tests/Support/Seed.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 namespace quorvel::posix {
 
@@ -31,22 +32,15 @@ constexpr std::size_t kLimit = 1 << 22;
 
 class SettingsFileTest : public testing::Test {
 protected:
-    SettingsFileTest()
-    {
-        std::string name = fs::temp_directory_path() / "quorvel-test-XXXXXX";
-        root = mkdtemp(name.data());
-        files = std::make_unique<PosixFiles>(DiskConventions{root, true});
-    }
-    ~SettingsFileTest() override { fs::remove_all(root); }
-
     std::string path(const std::string& name) const { return root + "/" + name; }
     std::string text(const std::string& name) const
     {
         return files->read(path(name), kLimit).value_or("unreadable");
     }
 
-    std::string root;
-    std::unique_ptr<PosixFiles> files;
+    test::TemporaryFolder folder;
+    std::string root = folder.path();
+    std::unique_ptr<PosixFiles> files = std::make_unique<PosixFiles>(DiskConventions{root, true});
 };
 
 /// Counts up in the settings, and says on the pipe which numbers are saved, until it is killed.

@@ -3,10 +3,8 @@
 namespace quorvel::x11tests {
 
 /// Looks are the same under every manager.
-class DesktopLooks : public testing::Test, public DesktopFixture {
+class DesktopLooks : public UnderOpenbox {
 protected:
-    DesktopLooks() : DesktopFixture(ManagerKind::openbox) { }
-
     static void put(std::string& bytes, std::uint32_t value, int size)
     {
         for (int i = 0; i < size; ++i)

@@ -70,25 +70,9 @@ protected:
     Bar bar{server};
 };
 
-// Faults: with a second button the release of the first is lost, and the chip goes on being dragged
-// with none; the second of two quick clicks asks for what the first has asked for.
-TEST_P(Gestures, endWithTheButtonThatBeganThemAndCountEachClick)
+// Fault: the second of two quick clicks asks for what the first has asked for.
+TEST_P(Gestures, countEachClick)
 {
-    const auto window = client.windows()[1];
-    for (const auto second : {Button::middle, Button::secondary}) {
-        pointer.moveTo(chip("b"));
-        pointer.press(Button::primary);
-        pointer.press(second);
-        pointer.release(Button::primary);
-        pointer.release(second);
-        pointer.moveTo(chip("d"));
-        pointer.moveTo(5, 5);
-        EXPECT_TRUE(stand({"", "a", "b", "c", "d"}));
-        const bool wasMinimised = second == Button::secondary;
-        EXPECT_TRUE(eventually([&] { return desktop.isHidden(window) == wasMinimised; }));
-        EXPECT_TRUE(settles(bar));
-    }
-
     for (int i = 0; i < 3; ++i)
         pointer.click(panel().showDesktop);
     EXPECT_TRUE(eventually([&] { return isShowingDesktop(); }));

@@ -33,9 +33,8 @@ void setWrong(
 }
 
 /// What the bar reads is not the manager's: one is enough.
-class HostileProperties : public testing::Test, public DesktopFixture {
+class HostileProperties : public UnderOpenbox {
 protected:
-    HostileProperties() : DesktopFixture(ManagerKind::openbox) { }
     void SetUp() override
     {
         good = client.open({.title = "good"});

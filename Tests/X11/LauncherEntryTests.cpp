@@ -1,52 +1,18 @@
 #include <memory>
 
-#include <gio/gio.h>
 #include <nlohmann/json.hpp>
 
+#include "Tests/Support/LauncherSender.h"
 #include "Tests/X11/Support/DesktopFixture.h"
 
 namespace quorvel::x11tests {
 
-/// An application on the session bus of the desktop.
-class LauncherSender {
-public:
-    explicit LauncherSender(const XServer& server)
-    {
-        const auto flags
-            = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT
-                | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-        m_connection = g_dbus_connection_new_for_address_sync(
-            server.environment().at("DBUS_SESSION_BUS_ADDRESS").c_str(), flags, nullptr, nullptr,
-            nullptr);
-    }
-    LauncherSender(const LauncherSender&) = delete;
-    LauncherSender& operator=(const LauncherSender&) = delete;
-    ~LauncherSender()
-    {
-        g_dbus_connection_close_sync(m_connection, nullptr, nullptr);
-        g_object_unref(m_connection);
-    }
-
-    void say(const char* arguments)
-    {
-        g_dbus_connection_emit_signal(m_connection, nullptr, "/com/example/Sender",
-            "com.canonical.Unity.LauncherEntry", "Update", g_variant_new_parsed(arguments),
-            nullptr);
-        g_dbus_connection_flush_sync(m_connection, nullptr, nullptr);
-    }
-
-private:
-    GDBusConnection* m_connection;
-};
-
-class LauncherEntryChips : public testing::Test, public DesktopFixture {
+class LauncherEntryChips : public UnderOpenbox {
 protected:
-    LauncherEntryChips() : DesktopFixture(ManagerKind::openbox) { }
-
     /// The first chip of the first space, as the bar describes it.
     nlohmann::json chip()
     {
-        const auto result = runProgram(server.environment(), server.folder(), {"--state"});
+        const auto result = run({"--state"});
         const auto state = nlohmann::json::parse(result.output, nullptr, false);
         return state.is_object() ? state["spaces"][0]["items"][0] : nlohmann::json{};
     }
@@ -70,7 +36,8 @@ TEST_F(LauncherEntryChips, showWhatApplicationsSayAsLongAsTheyAreThere)
     ASSERT_TRUE(becomesActive(focused));
     ASSERT_TRUE(settles(bar));
 
-    auto sender = std::make_unique<LauncherSender>(server);
+    auto sender = std::make_unique<test::LauncherSender>(
+        server.environment().at("DBUS_SESSION_BUS_ADDRESS"));
     const auto* update = "('application://Sample.desktop', {'count': <int64 7>, 'count-visible':"
                          "<true>, 'progress': <0.5>, 'progress-visible': <true>})";
     // The bar may not have come to the bus yet.

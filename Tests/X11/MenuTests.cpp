@@ -77,7 +77,7 @@ protected:
     void choose(const std::string& title) { pointer.click(entry(title)); }
     void focus()
     {
-        const auto result = runProgram(server.environment(), server.folder(), {"--focus"});
+        const auto result = run({"--focus"});
         EXPECT_EQ(result.status, 0) << result.error;
     }
     void openMenuAt(const Frame& frame)

@@ -30,15 +30,13 @@ TEST_P(Panel, keepsItsStripOfTheScreenWhileTheBarRuns)
     EXPECT_TRUE(eventually([&] { return desktop.frame(window).bottom() == 800; }));
     // The bar takes a tenth of a second before it shortens what reaches under it.
     EXPECT_TRUE(staysTrue(500ms, [&] { return desktop.frame(window).bottom() == 800; }));
-    const auto focus
-        = [&] { return runProgram(server.environment(), server.folder(), {"--focus"}).status; };
+    const auto focus = [&] { return run({"--focus"}).status; };
     EXPECT_TRUE(eventually([&] { return focus() == 1; })) << "nobody would see what the keys do";
     desktop.setState(window, "FULLSCREEN", false);
     EXPECT_TRUE(eventually([&] { return desktop.frame(window).bottom() == panel.y; }));
     EXPECT_TRUE(eventually([&] { return focus() == 0; }));
 
-    const auto set = runProgram(server.environment(), server.folder(), {"--set", "barSize=xl"});
-    EXPECT_EQ(set.status, 0);
+    EXPECT_EQ(run({"--set", "barSize=xl"}).status, 0);
     EXPECT_TRUE(eventually([&] { return desktop.workArea().bottom() == 800 - 54; }));
 
     bar.process().signal(SIGTERM);
@@ -124,10 +122,7 @@ long wakeUpsWithin(pid_t pid, std::chrono::milliseconds span)
 
 }
 
-class IdlePanel : public testing::Test, public DesktopFixture {
-protected:
-    IdlePanel() : DesktopFixture(ManagerKind::openbox) { }
-};
+class IdlePanel : public UnderOpenbox { };
 
 // Faults: a timer that nobody needs, which keeps a laptop's processor awake; a pointer that is
 // followed because there is a choice of monitors.

@@ -107,10 +107,8 @@ TEST_P(Popups, comeAtRestStayWhileUsedAndLeadToTheirWindows)
 QUORVEL_UNDER_EACH_MANAGER(Popups);
 
 /// Who composes windows says so by a selection; here it is one that composes nothing.
-class Compositor : public testing::Test, public DesktopFixture {
+class Compositor : public UnderOpenbox {
 protected:
-    Compositor() : DesktopFixture(ManagerKind::openbox) { }
-
     void setRunning(bool isRunning)
     {
         auto& connection = compositor.connection();

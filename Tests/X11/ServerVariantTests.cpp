@@ -44,7 +44,7 @@ TEST_P(WithoutExtension, theBarDoesWhatItCan)
         use(bar, first, second);
     client.setTitle(second, "renamed");
     EXPECT_TRUE(settles(bar));
-    EXPECT_EQ(runProgram(server.environment(), server.folder(), {"--focus"}).status, 0);
+    EXPECT_EQ(run({"--focus"}).status, 0);
     EXPECT_TRUE(bar.isRunning());
 }
 

@@ -31,6 +31,11 @@ public:
         pointer.moveTo(5, 5);
     }
 
+    /// Runs the program once with these arguments, to its end.
+    CommandResult run(const std::vector<std::string>& arguments) const
+    {
+        return runProgram(server.environment(), server.folder(), arguments);
+    }
     testing::AssertionResult becomesActive(xcb_window_t window)
     {
         return eventually([&] { return desktop.activeWindow() == window; });
@@ -51,6 +56,12 @@ public:
     Desktop desktop{server.display()};
     WindowManager manager;
     Pointer pointer{server.display()};
+};
+
+/// A suite that runs under one, for what no manager has a part in.
+class UnderOpenbox : public testing::Test, public DesktopFixture {
+protected:
+    UnderOpenbox() : DesktopFixture(ManagerKind::openbox) { }
 };
 
 /// A suite that runs under each window manager.

@@ -23,19 +23,6 @@ std::string waitForLine(const std::filesystem::path& path)
 
 }
 
-TemporaryFolder::TemporaryFolder()
-{
-    std::string name = std::filesystem::temp_directory_path() / "quorvel-XXXXXX";
-    if (mkdtemp(name.data()))
-        m_path = name;
-}
-
-TemporaryFolder::~TemporaryFolder()
-{
-    std::error_code ignored;
-    std::filesystem::remove_all(m_path, ignored);
-}
-
 XServer::XServer(const std::vector<std::string>& arguments, int depth)
 {
     makeHome();

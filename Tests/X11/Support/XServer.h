@@ -5,23 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "Tests/Support/TemporaryFolder.h"
 #include "Tests/X11/Support/Process.h"
 
 namespace quorvel::x11tests {
-
-/// A folder that is gone afterwards.
-class TemporaryFolder {
-public:
-    TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder();
-
-    const std::filesystem::path& path() const { return m_path; }
-
-private:
-    std::filesystem::path m_path;
-};
 
 /// An X server in memory (1280 x 800), a session bus and a home, all empty and private.
 class XServer {
@@ -42,7 +29,7 @@ private:
     void startServer(const std::vector<std::string>& arguments, int depth);
     void startBus();
 
-    TemporaryFolder m_folder;
+    test::TemporaryFolder m_folder;
     Environment m_environment;
     std::string m_display;
     std::unique_ptr<Process> m_server;
