@@ -1,13 +1,9 @@
 #include "Quorvel/Skylight/AXObserverManager.h"
 
-#include <gmock/gmock.h>
-
 #include "Tests/Support/FakeDesktop.h"
+#include "Tests/Support/Matchers.h"
 
 namespace quorvel::test {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

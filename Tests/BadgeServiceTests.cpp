@@ -3,15 +3,10 @@
 #include <algorithm>
 #include <limits>
 
-#include <gmock/gmock.h>
-
 #include "Tests/Support/FakeDesktop.h"
+#include "Tests/Support/Matchers.h"
 
 namespace quorvel::test {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Pair;
 
 namespace {
 

@@ -3,19 +3,12 @@
 #include <cstdlib>
 #include <random>
 
-#include <gmock/gmock.h>
-
 #include "Tests/Support/BarFixture.h"
 #include "Tests/Support/Seed.h"
 
 namespace quorvel::test {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Key;
-using testing::Pair;
-using testing::SizeIs;
-using testing::UnorderedElementsAre;
 
 namespace {
 
@@ -37,10 +30,7 @@ struct BarManagerTest : BarFixture {
 
     BarManagerTest() { desktop.activate(mail); }
 
-    BarManager& manager() { return *runtime->barManager(); }
     FakeSurfaces& surfaces() { return desktop.surfaces(); }
-    FakeWindowServer& server() { return desktop.windowServer(); }
-    SpaceID current(std::size_t display = 0) { return desktop.model().displays[display].current; }
 
     /// To the right of the first, lower and taller, with spaces 11 and 12.
     FakeDisplay second() const

@@ -1,30 +1,11 @@
-#include <gmock/gmock.h>
-
 #include "Quorvel/Core/BarSize.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
-
 namespace {
 
-struct BarTest : BarFixture {
-    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "com.example.mail"});
-    ProcessID editor = desktop.launch({.name = "Editor", .bundleIdentifier = "com.example.editor"});
-    WindowID inbox = desktop.open(mail, {.title = "Inbox"});
-    WindowID draft = desktop.open(mail, {.title = "Draft"});
-    WindowID notes = desktop.open(editor, {.title = "Notes"});
-
-    BarTest()
-    {
-        desktop.focus(inbox);
-        desktop.activate(mail);
-        start();
-    }
-};
+using BarTest = ThreeWindows;
 
 }
 
@@ -142,15 +123,6 @@ TEST_F(BarTest, aNewTitleRepaintsItsChipAndNothingElse)
     ASSERT_THAT(panel().paints(), SizeIs(1));
     EXPECT_EQ(panel().paints().front().damage, *chipFrame(draft));
     EXPECT_THAT(panel().paints().front().canvas.texts(), ElementsAre("Draft, changed"));
-}
-
-TEST_F(BarTest, anIdleBarDrawsNothingAndHasNoTimer)
-{
-    leave();
-    panel().forgetPaints();
-    desktop.advance(seconds(60));
-    EXPECT_THAT(panel().paints(), IsEmpty());
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0U);
 }
 
 TEST_F(BarTest, aWindowThatComesBackUnderThePointerIsSeenAgain)
@@ -273,16 +245,15 @@ TEST_F(BarTest, whereThePointerIsIsAskedOnlyWhenSomethingOpensThere)
         desktop.advance(seconds(1));
         return desktop.dispatch().pendingTimers();
     };
-    auto& manager = *runtime->barManager();
     desktop.model().pointer = {2000, 100};
     EXPECT_EQ(timersWith(three), 0U);
-    EXPECT_EQ(manager.preferredMouseScreenIndex(), 1U);
+    EXPECT_EQ(manager().preferredMouseScreenIndex(), 1U);
     desktop.model().pointer = {3000, 100};
-    EXPECT_EQ(manager.preferredMouseScreenIndex(), 2U) << "where it is now";
+    EXPECT_EQ(manager().preferredMouseScreenIndex(), 2U) << "where it is now";
     desktop.advance(seconds(1));
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0U) << "asked once";
     EXPECT_EQ(timersWith(one), 0U);
-    EXPECT_EQ(manager.preferredMouseScreenIndex(), 0U) << "the other is gone";
+    EXPECT_EQ(manager().preferredMouseScreenIndex(), 0U) << "the other is gone";
 }
 
 }

@@ -1,13 +1,8 @@
-#include <gmock/gmock.h>
-
 #include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
@@ -154,8 +149,8 @@ TEST_F(BarViewModelTest, aGroupLeadsToTheWindowThatAsksForAttention)
     std::vector<std::string> names;
     for (auto* card : popup->accessibleRoot()->accessibleChildren())
         names.push_back(card->accessibleState().name);
-    EXPECT_THAT(names, testing::Contains("Draft, wants attention"));
-    EXPECT_THAT(names, testing::Contains("Inbox"));
+    EXPECT_THAT(names, Contains("Draft, wants attention"));
+    EXPECT_THAT(names, Contains("Inbox"));
 
     click("group-mail");
     EXPECT_EQ(model().focusedWindowID.value(), draft) << "and not to the representative";
@@ -263,7 +258,7 @@ TEST_F(BarViewModelTest, aGroupIsDividedAmongTheScreens)
 
     desktop.minimise(third);
     settle();
-    EXPECT_THAT(mailGroup(1).windowIDs, testing::UnorderedElementsAre(draft, third))
+    EXPECT_THAT(mailGroup(1).windowIDs, UnorderedElementsAre(draft, third))
         << "a minimised window is on every bar";
     desktop.minimise(inbox);
     settle();
@@ -286,7 +281,7 @@ TEST_F(BarViewModelTest, badgesProgressAndAttentionReachTheirChips)
     EXPECT_EQ(chip(draft)->progress, 0.25);
     EXPECT_FALSE(chip(notes)->badge);
     EXPECT_TRUE(chip(notes)->wantsAttention);
-    EXPECT_THAT(chipTexts(), testing::Contains("3"));
+    EXPECT_THAT(chipTexts(), Contains("3"));
 
     click(s(notes));
     EXPECT_FALSE(chip(notes)->wantsAttention);
@@ -373,7 +368,7 @@ TEST_F(BarViewModelTest, aMinimisedWindowIsRestoredFirstIfNeedBeWithTheSecondAtt
         desktop.accessibility().forgetMessages();
         desktop.application(editor).faults.failingMessages = failing;
         clickChip(notes);
-        EXPECT_THAT(asked(), testing::SizeIs(failing ? 0 : 4));
+        EXPECT_THAT(asked(), SizeIs(failing ? 0 : 4));
         desktop.advance(seconds(0.15));
         EXPECT_THAT(asked(), ElementsAre("AXMinimized", "AXMain", "AXFocused", "AXRaise"));
         EXPECT_FALSE(desktop.window(notes).isMinimized);

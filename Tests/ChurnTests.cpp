@@ -154,37 +154,6 @@ struct ChurnRound final : ChurnOperations {
 
 }
 
-TEST_F(BarFixture, tenThousandWindowsLeaveNothingBehind)
-{
-    auto pid = desktop.launch();
-    start();
-    for (int round = 0; round < 200; ++round) {
-        std::vector<WindowID> windows;
-        for (int i = 0; i < 50; ++i)
-            windows.push_back(desktop.open(pid));
-        desktop.advance(seconds(0.2));
-        for (auto id : windows) {
-            desktop.retitle(id, "Closing");
-            desktop.close(id);
-        }
-        desktop.advance(seconds(0.2));
-        desktop.accessibility().forgetMessages();
-        desktop.windowServer().forgetListings();
-    }
-    settle();
-
-    EXPECT_TRUE(QuorvelApp::windowStore().windows().empty());
-    EXPECT_TRUE(model().chipsBySpace.value().empty());
-    EXPECT_TRUE(model().displayItemsBySpace.value().empty());
-    EXPECT_TRUE(bar().content()->chipFrames().empty());
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
-    desktop.terminate(pid);
-    settle();
-    EXPECT_TRUE(QuorvelApp::windowStore().needsObserverBootstrap(pid));
-    EXPECT_EQ(desktop.accessibility().observersOf(pid), 0u);
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u);
-}
-
 TEST(ChurnTest, wheneverTheDesktopRestsTheBarShowsWhatThereIs)
 {
     auto seed = test::seed();

@@ -1,11 +1,8 @@
 #include "Quorvel/Core/LSAppInfoOutput.h"
 
-#include <gmock/gmock.h>
+#include "Tests/Support/Matchers.h"
 
 namespace quorvel::test {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 

@@ -1,14 +1,8 @@
 #include "Quorvel/Core/PinStore.h"
 
-#include <gmock/gmock.h>
-
 #include "Tests/Support/SettingsFixture.h"
 
 namespace quorvel::test {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace {
 

@@ -1,17 +1,13 @@
 #include "Quorvel/Core/ThumbnailService.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "Quorvel/Core/ThumbnailCache.h"
 #include "Tests/Support/FakeDesktop.h"
+#include "Tests/Support/Matchers.h"
 
 namespace quorvel::test {
 
 namespace {
 
-using testing::ElementsAre;
-using testing::SizeIs;
 using Answers = FakeScreenCapture::Answers;
 
 struct ThumbnailServiceTest : testing::Test {

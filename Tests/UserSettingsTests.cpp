@@ -1,17 +1,11 @@
 #include "Quorvel/Core/UserSettings.h"
 
-#include <gmock/gmock.h>
-
 #include "Quorvel/Core/UserSettingsCoding.h"
 #include "Quorvel/SettingsRequest.h"
 #include "Tests/Support/BarFixture.h"
 #include "Tests/Support/SettingsFixture.h"
 
 namespace quorvel::test {
-
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::SizeIs;
 
 namespace {
 
@@ -92,7 +86,7 @@ TEST_F(UserSettingsTest, everyFieldIsStoredUnderItsNameAndReadBack)
 
     settings->setHotkeyKeyCode(std::nullopt);
     settle();
-    EXPECT_THAT(file(), testing::Not(HasSubstr("hotkeyKeyCode"))) << "absent, not null";
+    EXPECT_THAT(file(), Not(HasSubstr("hotkeyKeyCode"))) << "absent, not null";
 }
 
 // Faults: a number or text taken for a boolean, a number cut to fit, half of a bad file believed.

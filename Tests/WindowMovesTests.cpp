@@ -1,14 +1,8 @@
 // Windows that the user sends to another space.
-#include <gmock/gmock.h>
-
 #include "Quorvel/Core/BarManager.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
 
 namespace {
 
@@ -18,9 +12,6 @@ struct WindowMovesTest : BarFixture {
 
     WindowMovesTest() { desktop.activate(mail); }
 
-    BarManager& manager() { return *runtime->barManager(); }
-    FakeWindowServer& server() { return desktop.windowServer(); }
-    SpaceID current(std::size_t display = 0) { return desktop.model().displays[display].current; }
     std::set<SpaceID> spacesOf(WindowID id) { return desktop.window(id).spaces; }
     std::vector<Point> whereTheButtonWent()
     {

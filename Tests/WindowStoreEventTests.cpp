@@ -1,7 +1,4 @@
 // What accessibility events and activations do to the windows and the focus.
-
-#include <gmock/gmock.h>
-
 #include "Tests/Support/StoreFixture.h"
 
 namespace quorvel::test {

@@ -4,14 +4,14 @@
 #include <memory>
 #include <optional>
 
-#include <gtest/gtest.h>
-
 #include "Quorvel/Core/BarManager.h"
+#include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Quorvel.h"
 #include "Quorvel/Skylight/WindowStore.h"
 #include "Quorvel/Views/BarViews.h"
 #include "Tests/Support/FakeDesktop.h"
+#include "Tests/Support/Matchers.h"
 
 namespace quorvel::test {
 
@@ -31,7 +31,10 @@ struct BarFixture : testing::Test {
     /// Past every poll that follows a launch or a new window.
     void settle() { desktop.advance(seconds(15)); }
 
-    BarViewModel& model() { return runtime->barManager()->viewModel(); }
+    BarManager& manager() { return *runtime->barManager(); }
+    BarViewModel& model() { return manager().viewModel(); }
+    FakeWindowServer& server() { return desktop.windowServer(); }
+    SpaceID current(std::size_t display = 0) { return desktop.model().displays[display].current; }
     BarPanel& bar(SpaceID space = SpaceID{1})
     {
         return BarViews::panel(*runtime->barManager()->panels().at(space));
@@ -101,6 +104,33 @@ struct BarFixture : testing::Test {
     {
         panel().leave();
         desktop.drain();
+    }
+};
+
+/// Two applications with three windows, of which the first has the focus.
+struct ThreeWindows : BarFixture {
+    ProcessID mail = desktop.launch({.name = "Mail", .bundleIdentifier = "mail"});
+    ProcessID editor = desktop.launch({.name = "Editor", .bundleIdentifier = "editor"});
+    WindowID inbox = desktop.open(mail, {.title = "Inbox"});
+    WindowID draft = desktop.open(mail, {.title = "Draft"});
+    WindowID notes = desktop.open(editor, {.title = "Notes"});
+
+    ThreeWindows()
+    {
+        for (auto* name : {"player", "browser"})
+            desktop.workspace().install(name, std::string{"/Applications/"} + name);
+        desktop.focus(inbox);
+        desktop.activate(mail);
+        start();
+    }
+
+    FakePanel* popup() { return desktop.surfaces().popup(); }
+    Point middleOf(WindowID window) { return chipFrame(window)->centre(); }
+    void pin(const std::string& id) { manager().pinStore().setPin(id, PinDestination::bar, true); }
+    void hoverUntilShown(WindowID window)
+    {
+        panel().movePointer(middleOf(window));
+        desktop.advance(seconds(0.25));
     }
 };
 

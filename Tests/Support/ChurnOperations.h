@@ -42,28 +42,40 @@ struct ChurnOperations : BarFixture {
     {
         return choice.empty() ? std::nullopt : std::optional{choice[below(choice.size())]};
     }
-    /// A hung application does nothing, but much is done to it.
-    std::optional<ProcessID> anyApplication(bool orHung = false)
+    std::optional<ProcessID> anyProcess()
     {
         std::vector<ProcessID> pids;
-        for (auto& [pid, application] : desktop.model().applications) {
-            if (orHung || !application.faults.isHung)
-                pids.push_back(pid);
-        }
+        for (auto& [pid, application] : desktop.model().applications)
+            pids.push_back(pid);
         return any(pids);
     }
-    FakeWindow* anyWindow(bool orHung = false)
+    /// A hung application does nothing, but much is done to it.
+    bool isHung(ProcessID pid) { return desktop.application(pid).faults.isHung; }
+    std::optional<ProcessID> anyApplication()
+    {
+        auto pid = anyProcess();
+        return pid && !isHung(*pid) ? pid : std::nullopt;
+    }
+    FakeWindow* anyWindowOfAll()
     {
         std::vector<FakeWindow*> windows;
-        for (auto& [id, window] : desktop.model().windows) {
-            if (orHung || !desktop.application(window->pid).faults.isHung)
-                windows.push_back(window.get());
-        }
+        for (auto& [id, window] : desktop.model().windows)
+            windows.push_back(window.get());
         return any(windows).value_or(nullptr);
     }
-    FakeWindow* anyFreeWindow(bool orHung = false)
+    FakeWindow* anyWindow()
     {
-        auto* window = anyWindow(orHung);
+        auto* window = anyWindowOfAll();
+        return window && !isHung(window->pid) ? window : nullptr;
+    }
+    FakeWindow* anyFreeWindowOfAll()
+    {
+        auto* window = anyWindowOfAll();
+        return window && !isFullScreen(*window) ? window : nullptr;
+    }
+    FakeWindow* anyFreeWindow()
+    {
+        auto* window = anyWindow();
         return window && !isFullScreen(*window) ? window : nullptr;
     }
     FakeWindow* anyShownWindow()
@@ -114,19 +126,6 @@ struct ChurnOperations : BarFixture {
             .policy = oneIn(10) ? ActivationPolicy::accessory : ActivationPolicy::regular,
             .startsAnsweringAfter = oneIn(2) ? seconds(upTo(6)) : Duration::zero()});
         return true;
-    }
-    bool toApplication(const std::function<void(ProcessID)>& happen, bool orHung = false)
-    {
-        auto pid = anyApplication(orHung);
-        if (pid)
-            happen(*pid);
-        return pid.has_value();
-    }
-    bool toWindow(FakeWindow* window, const std::function<void(FakeWindow&)>& happen)
-    {
-        if (window)
-            happen(*window);
-        return window;
     }
     void end(ProcessID pid, bool isCrash)
     {
@@ -285,37 +284,38 @@ struct ChurnOperations : BarFixture {
         });
     }
 
+    /// What happens to what was chosen, if there is such a one.
+    template <typename Choice, typename Happening>
+    std::function<bool()> to(Choice (ChurnOperations::*choose)(), Happening happen)
+    {
+        return [=, this] {
+            auto chosen = (this->*choose)();
+            if (chosen)
+                happen(*chosen);
+            return bool(chosen);
+        };
+    }
+
     /// What happens, and how often.
+    using Self = ChurnOperations;
     const std::vector<std::pair<double, std::function<bool()>>> operations{
         {3, [this] { return launch(); }},
-        {8, [this] { return toApplication([this](auto pid) { desktop.activate(pid); }, true); }},
-        {0.7, [this] { return toApplication([this](auto pid) { end(pid, false); }); }},
-        {0.7, [this] { return toApplication([this](auto pid) { end(pid, true); }, true); }},
-        {1.5, [this] { return toApplication([this](auto pid) { hang(pid); }); }},
-        {2, [this] { return toApplication([this](auto pid) { lieAbout(pid); }); }},
+        {8, to(&Self::anyProcess, [this](auto pid) { desktop.activate(pid); })},
+        {0.7, to(&Self::anyApplication, [this](auto pid) { end(pid, false); })},
+        {0.7, to(&Self::anyProcess, [this](auto pid) { end(pid, true); })},
+        {1.5, to(&Self::anyApplication, [this](auto pid) { hang(pid); })},
+        {2, to(&Self::anyApplication, [this](auto pid) { lieAbout(pid); })},
         {14, [this] { return open(); }},
-        {9, [this] { return toWindow(anyWindow(), [this](auto& it) { desktop.close(it.id); }); }},
-        {8, [this] { return toWindow(anyWindow(), [this](auto& it) { retitle(it); }); }},
-        {8, [this] { return toWindow(anyFreeWindow(), [this](auto& it) { move(it); }); }},
-        {8, [this] { return toWindow(anyFreeWindow(), [this](auto& it) { resize(it); }); }},
-        {6,
-            [this] {
-                return toWindow(anyFreeWindow(), [this](auto& it) { desktop.minimise(it.id); });
-            }},
-        {6, [this] { return toWindow(anyWindow(), [this](auto& it) { desktop.restore(it.id); }); }},
-        {6,
-            [this] {
-                return toWindow(anyShownWindow(), [this](auto& it) { desktop.focus(it.id); });
-            }},
-        {4,
-            [this] {
-                return toWindow(anyFreeWindow(true), [this](auto& it) { changeSpace(it); });
-            }},
-        {2,
-            [this] {
-                return toWindow(anyShownWindow(), [this](auto& it) { toggleFullScreen(it); });
-            }},
-        {3, [this] { return toWindow(anyWindow(), [this](auto& it) { lieAbout(it); }); }},
+        {9, to(&Self::anyWindow, [this](auto& it) { desktop.close(it.id); })},
+        {8, to(&Self::anyWindow, [this](auto& it) { retitle(it); })},
+        {8, to(&Self::anyFreeWindow, [this](auto& it) { move(it); })},
+        {8, to(&Self::anyFreeWindow, [this](auto& it) { resize(it); })},
+        {6, to(&Self::anyFreeWindow, [this](auto& it) { desktop.minimise(it.id); })},
+        {6, to(&Self::anyWindow, [this](auto& it) { desktop.restore(it.id); })},
+        {6, to(&Self::anyShownWindow, [this](auto& it) { desktop.focus(it.id); })},
+        {4, to(&Self::anyFreeWindowOfAll, [this](auto& it) { changeSpace(it); })},
+        {2, to(&Self::anyShownWindow, [this](auto& it) { toggleFullScreen(it); })},
+        {3, to(&Self::anyWindow, [this](auto& it) { lieAbout(it); })},
         {3, [this] { return switchSpace(), true; }},
         {1, [this] { return desktop.wake(), true; }},
         {1, [this] { return changeDisplays(), true; }},

@@ -56,19 +56,26 @@ struct WindowFaults {
     std::set<std::string> refusedRequests{}; ///< attributes and actions that fail
 };
 
-struct FakeWindow {
-    WindowID id{};
-    ProcessID pid{};
-    std::string title{};
-    Rect frame{}; ///< global top-left origin
+/// What a window is opened with.
+struct OpenOptions {
+    std::string title = "Window";
+    Rect frame{100, 100, 800, 600}; ///< global top-left origin
+    std::set<SpaceID> spaces{}; ///< empty at first: the current space of the first display
     std::int32_t layer = 0;
     float alpha = 1;
     std::optional<std::string> role{ax::windowRole};
     std::optional<std::string> subrole{ax::standardWindowSubrole};
     bool isModal = false;
     bool isMinimized = false;
-    std::set<SpaceID> spaces{};
+    Duration accessibilityDelay{}; ///< until AXWindows has it and its creation is announced
+    Duration serverDelay{}; ///< until the window list and the space lists have it
+    bool takesFocus = true; ///< within its application
+};
 
+/// And what becomes of it.
+struct FakeWindow : OpenOptions {
+    WindowID id{};
+    ProcessID pid{};
     Instant inAccessibilityFrom{};
     Instant inServerFrom{};
     WindowFaults faults{};

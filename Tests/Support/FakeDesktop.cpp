@@ -96,22 +96,12 @@ void FakeDesktop::activate(ProcessID pid)
 WindowID FakeDesktop::open(ProcessID pid, const OpenOptions& options)
 {
     WindowID id{m_nextWindow++};
-    auto spaces = options.spaces;
-    if (spaces.empty() && !m_model.displays.empty())
-        spaces = {m_model.displays.front().current};
-    m_model.windows[id] = std::make_unique<FakeWindow>(FakeWindow{.id = id,
-        .pid = pid,
-        .title = options.title,
-        .frame = options.frame,
-        .layer = options.layer,
-        .alpha = options.alpha,
-        .role = options.role,
-        .subrole = options.subrole,
-        .isModal = options.isModal,
-        .isMinimized = options.isMinimized,
-        .spaces = spaces,
-        .inAccessibilityFrom = m_dispatch.now() + options.accessibilityDelay,
-        .inServerFrom = m_dispatch.now() + options.serverDelay});
+    auto window = std::make_unique<FakeWindow>(FakeWindow{options, id, pid});
+    if (window->spaces.empty() && !m_model.displays.empty())
+        window->spaces = {m_model.displays.front().current};
+    window->inAccessibilityFrom = m_dispatch.now() + options.accessibilityDelay;
+    window->inServerFrom = m_dispatch.now() + options.serverDelay;
+    m_model.windows[id] = std::move(window);
     m_model.stacking.insert(m_model.stacking.begin(), id);
     if (options.takesFocus && !options.isMinimized)
         application(pid).focusedWindow = application(pid).mainWindow = id;

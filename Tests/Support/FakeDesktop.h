@@ -30,21 +30,6 @@ struct LaunchOptions {
     Duration startsAnsweringAfter{}; ///< until then its accessibility messages fail
 };
 
-struct OpenOptions {
-    std::string title = "Window";
-    Rect frame{100, 100, 800, 600}; ///< global top-left origin
-    std::set<SpaceID> spaces{}; ///< empty: the current space of the first display
-    std::int32_t layer = 0;
-    float alpha = 1;
-    std::optional<std::string> role{ax::windowRole};
-    std::optional<std::string> subrole{ax::standardWindowSubrole};
-    bool isModal = false;
-    bool isMinimized = false;
-    Duration accessibilityDelay{}; ///< until AXWindows has it and its creation is announced
-    Duration serverDelay{}; ///< until the window list and the space lists have it
-    bool takesFocus = true; ///< within its application
-};
-
 /// A whole desktop in memory, for tests: displays with spaces, applications with windows, and every
 /// service of the platform answering from that one truth. Real objects of the program run on
 /// `platform()`; nothing of the program is mocked.

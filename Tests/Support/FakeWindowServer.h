@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <set>
 #include <vector>
@@ -112,6 +113,15 @@ public:
     /// When the window list was taken.
     const std::vector<Instant>& listings() const { return m_listings; }
     void forgetListings() { m_listings.clear(); }
+    /// In seconds since then, to the microsecond.
+    std::vector<double> listingsSince(Instant start) const
+    {
+        std::vector<double> times;
+        for (auto at : m_listings)
+            times.push_back(
+                std::chrono::round<std::chrono::microseconds>(at - start).count() / 1e6);
+        return times;
+    }
     /// How often the spaces were asked for.
     int spaceQueries() const { return m_spaceQueries; }
 

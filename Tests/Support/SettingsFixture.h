@@ -3,10 +3,9 @@
 #include <memory>
 #include <string>
 
-#include <gtest/gtest.h>
-
 #include "Quorvel/Core/UserSettings.h"
 #include "Tests/Support/FakeDesktop.h"
+#include "Tests/Support/Matchers.h"
 
 namespace quorvel::test {
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include "Quorvel/Skylight/WindowStore.h"
 #include "Tests/Support/FakeDesktop.h"
+#include "Tests/Support/Matchers.h"
 
 namespace quorvel::test {
 
@@ -36,15 +35,6 @@ struct StoreFixture : testing::Test {
     {
         return {std::string{notification}, desktop.window(id).pid,
             desktop.accessibility().windowElement(id), id};
-    }
-
-    /// When the windows were listed, in seconds since `start`.
-    std::vector<double> scanTimes(Instant start)
-    {
-        std::vector<double> times;
-        for (auto at : desktop.windowServer().listings())
-            times.push_back(std::chrono::duration<double>(at - start).count());
-        return times;
     }
 };
 
