@@ -15,6 +15,17 @@ namespace {
 
 constexpr std::string_view kExtension = "desktop";
 
+/// A folder that leads back to itself would be listed again on each level below.
+bool leadsUpwards(const std::filesystem::directory_entry& entry)
+{
+    std::error_code error;
+    if (!entry.is_symlink(error))
+        return false;
+    const auto target = std::filesystem::canonical(entry.path(), error).string() + '/';
+    const auto own = std::filesystem::canonical(entry.path().parent_path(), error).string() + '/';
+    return own.starts_with(target);
+}
+
 }
 
 ApplicationSources DesktopBundles::applicationSources() const
@@ -35,7 +46,8 @@ std::optional<std::vector<FolderEntry>> DesktopBundles::list(const std::string& 
     std::vector<FolderEntry> entries;
     for (; !error && files != std::filesystem::directory_iterator{}; files.increment(error)) {
         std::error_code unknown;
-        entries.push_back({files->path().filename().string(), files->is_directory(unknown)});
+        const bool isFolder = files->is_directory(unknown) && !leadsUpwards(*files);
+        entries.push_back({files->path().filename().string(), isFolder});
     }
     return entries;
 }

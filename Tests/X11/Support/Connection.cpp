@@ -27,6 +27,26 @@ xcb_atom_t Connection::atom(const std::string& name)
     return m_atoms[name] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
+std::uint32_t Connection::serverTime()
+{
+    const auto window = xcb_generate_id(m_connection);
+    const std::uint32_t changes = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, window, m_root, 0, 0, 1, 1, 0,
+        XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &changes);
+    setText(window, "WM_NAME", "STRING", "clock");
+    xcb_flush(m_connection);
+    std::uint32_t time = 0;
+    while (time == 0) {
+        const std::unique_ptr<xcb_generic_event_t, Free> event{xcb_wait_for_event(m_connection)};
+        if (!event)
+            break;
+        if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY)
+            time = reinterpret_cast<xcb_property_notify_event_t*>(event.get())->time;
+    }
+    xcb_destroy_window(m_connection, window);
+    return time;
+}
+
 void Connection::send(xcb_window_t to, std::uint32_t events, xcb_window_t about,
     const std::string& message, const std::vector<std::uint32_t>& data)
 {

@@ -52,6 +52,8 @@ public:
     }
     /// Waits until the server has seen all that was sent.
     void sync() { wait(xcb_get_input_focus_reply, xcb_get_input_focus(m_connection)); }
+    /// The server's time now. For a connection without windows: other events are dropped.
+    std::uint32_t serverTime();
     /// True after the server or the window manager has cut the connection.
     bool isCut() const { return xcb_connection_has_error(m_connection) != 0; }
 
