@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Quorvel/Core/BarSize.h"
-#include "Quorvel/Views/DragSource.h"
 #include "Quorvel/Views/Kit/ButtonView.h"
+#include "Quorvel/Views/Kit/DragSource.h"
 
 namespace quorvel {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "Quorvel/Platform/Surfaces.h"
 #include "Quorvel/Views/Kit/View.h"
@@ -9,6 +10,14 @@ namespace quorvel {
 
 enum class DragPhase { moved, dropped, cancelled };
 
+/// What a drag carries, with a name for its kind that no other program uses for something else.
+struct DragData {
+    std::string type;
+    std::string text; ///< UTF-8
+
+    friend bool operator==(const DragData&, const DragData&) = default;
+};
+
 /// Tells a click of the primary button from a drag, since a hand is never quite still, and reports
 /// the course of the drag. A view passes its presses on to it.
 class DragSource {
@@ -16,6 +25,8 @@ public:
     static constexpr double kStillHand = 4; ///< points
 
     std::function<void(DragPhase, const DragMove&)> onDrag;
+    /// What the view offers; empty where a drag means the view itself.
+    DragData data;
 
     void pressed(PointerButton);
     /// True while this press is a drag.

@@ -1,4 +1,4 @@
-#include "Quorvel/Views/DragSource.h"
+#include "Quorvel/Views/Kit/DragSource.h"
 
 #include <cmath>
 #include <utility>
