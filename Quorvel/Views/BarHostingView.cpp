@@ -128,10 +128,11 @@ void BarHostingView::drag(Point to)
     if (!m_pressed)
         return;
     m_pressed->dragged({to.translated(-m_pressPlace.x, -m_pressPlace.y), to});
-    if (m_pressed && m_pressed->isDragged() && !m_hasKeyboardForDrag) {
-        m_hasKeyboardForDrag = true; // before the surface tells that it has it
+    if (!m_pressed || !m_pressed->isDragged() || m_hasKeyboardForDrag)
+        return;
+    m_hasKeyboardForDrag = true; // before the surface tells that it has it
+    if (m_keyboard == Keyboard::borrowed)
         m_surface->takeKeyboard();
-    }
 }
 
 void BarHostingView::release(const PointerEvent& event)
@@ -165,7 +166,7 @@ void BarHostingView::abandonDrag()
 
 void BarHostingView::pressDidEnd()
 {
-    if (std::exchange(m_hasKeyboardForDrag, false))
+    if (std::exchange(m_hasKeyboardForDrag, false) && m_keyboard == Keyboard::borrowed)
         m_surface->releaseKeyboard();
     updateHover();
 }
