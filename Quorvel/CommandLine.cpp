@@ -22,6 +22,7 @@ To the running bar:
   --set FIELD=VALUE
                    change a setting: VALUE is JSON or plain text; null clears
                    hotkeyKeyCode and hotkeyModifiers
+  --launcher       open the list of applications, or close it
   --focus          give it the keyboard: arrows, Return, Menu, Escape
   --quit           end it
 
@@ -37,7 +38,7 @@ ControlReply mistake(const std::string& text)
 bool isRequest(std::string_view argument)
 {
     return argument == "--state" || argument == "--quit" || argument == "--focus"
-        || argument == "--get" || argument == "--set";
+        || argument == "--launcher" || argument == "--get" || argument == "--set";
 }
 
 /// Whether the argument belongs to the request before it.

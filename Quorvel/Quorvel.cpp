@@ -39,6 +39,13 @@ bool mayBeBootstrapped(const RunningApplication& application)
 
 Runtime* s_current = nullptr;
 
+ControlReply answerLauncherRequest(BarManager& manager)
+{
+    if (manager.toggleAppLauncher())
+        return {};
+    return {1, "", "quorvel: no bar is to be seen that the launcher could open from\n"};
+}
+
 ControlReply answerFocusRequest(BarManager& manager)
 {
     if (manager.takeKeyboard())
@@ -340,12 +347,16 @@ void QuorvelApp::answerRequests(Runtime& runtime)
             if (isSettingsRequest(arguments))
                 return answerSettingsRequest(runtime.userSettings(), arguments);
             bool asksForFocus = arguments == std::vector<std::string>{"--focus"};
-            if (!asksForFocus && arguments != std::vector<std::string>{"--state"})
+            bool asksForLauncher = arguments == std::vector<std::string>{"--launcher"};
+            if (!asksForFocus && !asksForLauncher
+                && arguments != std::vector<std::string>{"--state"})
                 return {1, "", "quorvel: the running bar does not know this request\n"};
             if (!runtime.barManager())
                 return {1, "", "quorvel: the bar is waiting for permissions\n"};
             if (asksForFocus)
                 return answerFocusRequest(*runtime.barManager());
+            if (asksForLauncher)
+                return answerLauncherRequest(*runtime.barManager());
             return {0,
                 stateReport(runtime.m_platform, runtime.windowStore(), *runtime.barManager(),
                     *runtime.m_barViews),

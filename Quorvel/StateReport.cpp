@@ -106,7 +106,11 @@ public:
     }
     Json inPanel(const BarPanel& panel, const Rect& rect) const
     {
-        auto frame = panel.surface().frame().flipped(m_primaryHeight);
+        return inSurface(panel.surface(), rect);
+    }
+    Json inSurface(const PanelSurface& surface, const Rect& rect) const
+    {
+        auto frame = surface.frame().flipped(m_primaryHeight);
         return frameJson(m_platform, rect.translated(frame.x, frame.y));
     }
 
@@ -166,6 +170,31 @@ Json panelJson(const Platform& platform, const BarPanel& panel)
     return report;
 }
 
+/// Null while it is closed. Of its rows, those in sight.
+Json launcherJson(const Platform& platform, const LauncherPanel* open)
+{
+    if (!open)
+        return nullptr;
+    auto& panel = BarViews::panel(*open);
+    auto& content = panel.content();
+    Places places{platform};
+    Json rows = Json::array();
+    for (auto& row : content.rowPlaces())
+        rows.push_back({{"id", row.id},
+            {"section", row.section == AppListSection::pinned ? "pinned" : "main"},
+            {"selected", row.isSelected}, {"frame", places.inSurface(panel.surface(), row.frame)}});
+    return {
+        {"frame", places.onScreen(panel.surface().frame())},
+        {"query", content.query()},
+        {"field", places.inSurface(panel.surface(), content.fieldFrame())},
+        {"clearButton", places.inSurface(panel.surface(), content.clearButtonFrame())},
+        {"keyFocus",
+            panel.keyFocusedView() ? Json(panel.keyFocusedView()->accessibleState().name)
+                                   : Json(nullptr)},
+        {"rows", std::move(rows)},
+    };
+}
+
 Json menuJson(const Platform& platform, const Menus& menus)
 {
     Json entries = Json::array();
@@ -202,6 +231,7 @@ std::string stateReport(const Platform& platform, const WindowStore& store,
         {"windows", std::move(windows)},
         {"spaces", std::move(spaces)},
         {"panels", std::move(panels)},
+        {"launcher", launcherJson(platform, manager.launcherPanel())},
         {"menu", menuJson(platform, views.menus())},
     };
     // Titles come from other programs and may hold anything.

@@ -426,7 +426,7 @@ TEST_F(BarInteractionTest, aScreenReaderHearsWhatTheChipsShow)
             desktop.surfaces().closeMenu();
         }
     }
-    EXPECT_THAT(names, Contains("Menu"));
+    EXPECT_THAT(names, Contains("Applications"));
     EXPECT_THAT(names, Contains("Mail, Inbox, focused"));
     EXPECT_THAT(names, Contains("Desktop 1, 3 windows"));
     EXPECT_THAT(names, Contains("Show Desktop"));

@@ -107,7 +107,7 @@ TEST_F(BarTest, theVeryEdgesOfTheScreenBelongToTheTargets)
     EXPECT_TRUE(chip(notes)->isFocused);
 
     panel().click({0, bottom});
-    EXPECT_TRUE(desktop.surfaces().menu());
+    EXPECT_TRUE(desktop.surfaces().launcher());
 }
 
 // MARK: What is repainted
@@ -154,7 +154,7 @@ TEST_F(BarTest, rightToLeftMirrorsTheBar)
     EXPECT_LT(drawn.text("Inbox")->rect.maxX(), drawn.drawn<DrawnImage>().front().rect.x);
     EXPECT_LE(chipFrame(inbox)->maxX(), panel().bounds().maxX());
     panel().click({panel().bounds().maxX() - 1, 10});
-    EXPECT_TRUE(desktop.surfaces().menu());
+    EXPECT_TRUE(desktop.surfaces().launcher());
 }
 
 // MARK: The pending focus

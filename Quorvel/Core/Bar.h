@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Quorvel/Core/BarSize.h"
+#include "Quorvel/Core/LauncherPanel.h"
 #include "Quorvel/Platform/Surfaces.h"
 
 namespace quorvel {
@@ -27,6 +28,9 @@ struct BarContents {
     /// Absent while one bar stands for every screen.
     std::optional<std::size_t> screenIndex;
     BarMetrics metrics;
+    /// The menu button goes down. True: the press only closes what the button had opened.
+    std::function<bool()> onMenuPressed;
+    std::function<void()> onMenuTapped;
     std::function<void(SpaceID)> onSpaceSwitchRequested;
     /// A group's windows go together.
     std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpaceRequested;
@@ -77,12 +81,16 @@ private:
     std::size_t m_screenIndex;
 };
 
-/// Makes the bars, which are views, for the services below the views. Outlives what it makes.
+/// Makes bars and the launcher, which are views, for the services below the views. Outlives what it
+/// makes.
 class BarFactory {
 public:
     virtual ~BarFactory() = default;
 
     virtual std::unique_ptr<Bar> makeBar(const PanelOptions&, std::size_t screenIndex) = 0;
+    virtual std::unique_ptr<LauncherPanel> makeLauncher(
+        const PanelOptions&, const LauncherContents&)
+        = 0;
 };
 
 }

@@ -46,6 +46,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_viewModel(windowStore, settings, badgeService, platform)
     , m_launchMarks(m_viewModel, platform.workspace, platform.dispatch.main())
     , m_panels(platform, settings, factory)
+    , m_launcher(platform, factory, m_appLauncher, m_pinStore, settings)
     , m_reservations(platform, edgeReservation())
     , m_navigation(platform, windowStore, m_viewModel, settings, m_panels)
     , m_moves(platform, windowStore, m_viewModel, m_navigation)
@@ -57,6 +58,11 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
             platform.surfaces, platform.displays, m_panels, platform.trace);
     }
     m_panels.onContentNeeded = [this](Bar& panel) { fill(panel); };
+    m_launcher.onOpenChanged = [this](bool isOpen) {
+        setHoverKeyingSuppressed(isOpen);
+        if (isOpen)
+            dismissPopups();
+    };
     m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
     m_navigation.onWillSwitch = [this] { prefetchCurrentSpaces(); };
@@ -123,6 +129,7 @@ void BarManager::setupSpaceChangeObserver()
         refreshNow(answer);
         updateActiveSpacePanelVisibility(answer);
         dismissPopups();
+        m_launcher.close();
         m_moves.spaceDidChange();
         m_navigation.spaceDidChange(answer.shown);
         if (onSpaceChange)
@@ -187,6 +194,7 @@ void BarManager::placePanels(const SpaceWindows::Answer& answer)
         m_unansweredSyncs = 0;
     else if (m_unansweredSyncs++ < kMostSyncsAgain)
         syncAgain();
+    m_launcher.follow(m_panels.bars());
     applyDockRectRegistrations();
 }
 
@@ -194,6 +202,7 @@ void BarManager::syncMirrorPanels()
 {
     if (!m_panels.syncMirrorPanels())
         syncAgain();
+    m_launcher.follow(m_panels.bars());
 }
 
 void BarManager::updateActiveSpacePanelVisibility(const SpaceWindows::Answer& answer)
@@ -207,6 +216,7 @@ void BarManager::closeAllPanels()
     m_reservations.clearSystemReservations();
     m_mouseDisplayTracker.reset();
     m_syncAgain = {};
+    m_launcher.close();
     m_panels.closeAll();
 }
 
@@ -224,7 +234,7 @@ void BarManager::setHoverKeyingSuppressed(bool isSuppressed)
         bar->setHoverKeyingSuppressed(isSuppressed);
 }
 
-bool BarManager::takeKeyboard()
+Bar* BarManager::resolveLauncherAnchorPanel()
 {
     auto screen = preferredMouseScreenIndex();
     Bar* chosen = nullptr;
@@ -234,6 +244,24 @@ bool BarManager::takeKeyboard()
         if (isBetter && bar->surface().isVisible())
             chosen = bar;
     }
+    return chosen;
+}
+
+bool BarManager::toggleAppLauncher()
+{
+    if (launcherPanel()) {
+        m_launcher.close();
+        return true;
+    }
+    auto* anchor = resolveLauncherAnchorPanel();
+    if (anchor)
+        showAppLauncher(*anchor);
+    return anchor != nullptr;
+}
+
+bool BarManager::takeKeyboard()
+{
+    auto* chosen = resolveLauncherAnchorPanel();
     for (auto* bar : m_panels.bars()) {
         if (bar != chosen)
             bar->surface().releaseKeyboard();
@@ -260,6 +288,8 @@ BarContents BarManager::contents(const Bar& bar)
         // Where one bar stands for every screen it leaves no window out.
         .screenIndex = m_panels.isPerScreen() ? std::optional{bar.screenIndex()} : std::nullopt,
         .metrics = m_metrics,
+        .onMenuPressed = [this, &bar] { return m_launcher.buttonPressed(bar); },
+        .onMenuTapped = [this, &bar] { m_launcher.buttonTapped(bar); },
         .onSpaceSwitchRequested = [this](SpaceID space) { switchToSpace(space); },
         .onMoveWindowToSpaceRequested
         = [this, from = bar.spaceID()](const std::vector<WindowID>& windows,

@@ -11,6 +11,7 @@
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Core/LaunchMarks.h"
+#include "Quorvel/Core/LauncherPresenter.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/SpaceNavigation.h"
 #include "Quorvel/Core/WheelNotches.h"
@@ -25,11 +26,11 @@ class CursorOwnershipLog;
 class MouseDisplayTracker;
 class ThumbnailService;
 
-/// Owns the bars and the objects they act through, and keeps them in step with the spaces and
-/// screens, the settings, and the windows that are under them. Main thread.
+/// Owns the bars, the launcher and the objects they act through, and keeps them in step with the
+/// spaces and screens, the settings, and the windows that are under them. Main thread.
 class BarManager {
 public:
-    /// The factory makes the bars and outlives the manager.
+    /// The factory makes the bars and the launcher and outlives the manager.
     BarManager(const Platform&, WindowStore&, UserSettings&, BadgeService&, ThumbnailService&,
         BarFactory&);
     ~BarManager();
@@ -64,6 +65,11 @@ public:
     void switchToAdjacentSpace(Direction, SpaceID from);
     void switchToSpace(SpaceID, std::optional<ProcessID> yieldingBack = {});
     void moveWindowToSpaceByDragging(WindowID, SpaceID from, SpaceID to);
+    /// Null while it is closed.
+    LauncherPanel* launcherPanel() const { return m_launcher.panel(); }
+    void showAppLauncher(Bar& anchor) { m_launcher.show(anchor); }
+    /// Opens it where the pointer is, or closes it. False if there is no bar to open it from.
+    bool toggleAppLauncher();
     /// While something else needs the keyboard, a bar does not take it when the pointer enters.
     void setHoverKeyingSuppressed(bool);
     /// Gives the keyboard to the bar where the pointer is, to be walked with the arrow keys. False
@@ -91,6 +97,9 @@ private:
     std::vector<Screen> coveredScreensForBar() const;
     void applyDockRectRegistrations();
     void applyEdgeReservationsIfNeeded();
+    /// Of the bars that can be seen, the one on the pointer's display, or else any; null if there
+    /// is none.
+    Bar* resolveLauncherAnchorPanel();
     void fill(Bar&);
     BarContents contents(const Bar&);
     void dismissPopups(const Bar* exception = nullptr);
@@ -110,6 +119,7 @@ private:
     BarViewModel m_viewModel;
     LaunchMarks m_launchMarks;
     BarPanels m_panels;
+    LauncherPresenter m_launcher;
     BarReservations m_reservations;
     SpaceNavigation m_navigation;
     WheelNotches m_wheel{wheelSteps()};

@@ -18,20 +18,6 @@ bool isBlank(char32_t point)
         || point == 0x2029 || point == 0x202F || point == 0x205F || point == 0x3000;
 }
 
-std::string_view trimmed(std::string_view text)
-{
-    std::size_t first = text.size();
-    std::size_t end = 0;
-    for (auto rest = text; !rest.empty();) {
-        const auto start = text.size() - rest.size();
-        if (isBlank(takeCodePoint(rest)))
-            continue;
-        first = std::min(first, start);
-        end = text.size() - rest.size();
-    }
-    return end == 0 ? std::string_view{} : text.substr(first, end - first);
-}
-
 bool isPlainText(std::string_view text)
 {
     return std::ranges::all_of(
@@ -67,6 +53,20 @@ std::vector<std::uint32_t> characterStarts(std::string_view text, const Text& sy
     return starts;
 }
 
+}
+
+std::string_view trimmed(std::string_view text)
+{
+    std::size_t first = text.size();
+    std::size_t end = 0;
+    for (auto rest = text; !rest.empty();) {
+        const auto start = text.size() - rest.size();
+        if (isBlank(takeCodePoint(rest)))
+            continue;
+        first = std::min(first, start);
+        end = text.size() - rest.size();
+    }
+    return end == 0 ? std::string_view{} : text.substr(first, end - first);
 }
 
 std::string normalised(std::string_view text, const Text& system)

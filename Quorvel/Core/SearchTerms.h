@@ -9,6 +9,9 @@ namespace quorvel {
 
 class Text;
 
+/// The text without the blanks at its ends.
+std::string_view trimmed(std::string_view);
+
 /// A text without what a search disregards: blanks at its ends, case, accents, width.
 std::string normalised(std::string_view, const Text&);
 

@@ -93,9 +93,17 @@ void BarBackground::setDividers(std::vector<Rect> dividers)
 
 void BarBackground::paint(Canvas& canvas) const
 {
+    if (m_cornerRadius > 0) {
+        canvas.save();
+        canvas.clipRounded(bounds(), m_cornerRadius);
+    }
     paintGround(canvas);
     for (auto& divider : m_dividers)
         canvas.fill(divider, m_palette.line);
+    if (m_cornerRadius > 0) {
+        canvas.restore();
+        canvas.strokeRounded(bounds(), m_cornerRadius, 1, m_palette.popupEdge);
+    }
 }
 
 void BarBackground::paintGround(Canvas& canvas) const

@@ -23,6 +23,8 @@ public:
     void setAppearance(const Appearance&);
     /// Nothing shows through the panel, so the ground must be painted.
     void setOpaque(bool);
+    /// Of a panel that floats: its corners are round, and it has an outline. Points.
+    void setCornerRadius(double radius) { m_cornerRadius = radius; }
     /// The lines between the sections of the bar.
     void setDividers(std::vector<Rect>);
 
@@ -37,6 +39,7 @@ private:
     BarTheme m_theme = BarTheme::frosted;
     Appearance m_appearance;
     bool m_isOpaque = true;
+    double m_cornerRadius = 0;
     std::vector<Rect> m_dividers;
 };
 

@@ -63,6 +63,7 @@ BarContentView::~BarContentView() = default;
 
 void BarContentView::connectButtons()
 {
+    m_menuButton->onPressed = [this] { return onMenuPressed && onMenuPressed(); };
     m_menuButton->onTapped = [this] {
         if (onMenuTapped)
             onMenuTapped();

@@ -57,6 +57,8 @@ public:
     /// A bar that is not seen only notes what changes, and catches up when it is shown again.
     void setShown(bool);
 
+    /// The menu button goes down. True: the press means nothing more.
+    std::function<bool()> onMenuPressed;
     std::function<void()> onMenuTapped;
     std::function<void(SpaceID)> onSpaceSwitchRequested;
     /// The windows of a group move together.

@@ -80,7 +80,8 @@ std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& con
         .screenIndex = contents.screenIndex,
         .metrics = contents.metrics,
     });
-    view->onMenuTapped = [this] { m_content->showBarMenu(m_content->menuButtonFrame()); };
+    view->onMenuPressed = contents.onMenuPressed;
+    view->onMenuTapped = contents.onMenuTapped;
     view->onMenuRequested
         = [this](Menu menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed) {
               m_menus.popUp(*m_surface, std::move(menu), anchor, std::move(onClosed));

@@ -2,12 +2,14 @@
 
 #include "Quorvel/Core/Bar.h"
 #include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Views/AppLauncherPanel.h"
 #include "Quorvel/Views/BarPanel.h"
 #include "Quorvel/Views/Menu/Menus.h"
 
 namespace quorvel {
 
-/// Makes the bars as panels of the platform, and has the one menu that they share. Main thread.
+/// Makes bars and the launcher as panels of the platform, and has the one menu that they share.
+/// Main thread.
 class BarViews final : public BarFactory {
 public:
     explicit BarViews(const Platform& platform) : m_platform(platform), m_menus(platform) { }
@@ -16,9 +18,18 @@ public:
     {
         return std::make_unique<BarPanel>(m_platform, m_menus, options, screenIndex);
     }
+    std::unique_ptr<LauncherPanel> makeLauncher(
+        const PanelOptions& options, const LauncherContents& contents) override
+    {
+        return std::make_unique<AppLauncherPanel>(m_platform, m_menus, options, contents);
+    }
     /// What a bar that came from here is.
     static BarPanel& panel(Bar& bar) { return static_cast<BarPanel&>(bar); }
     static const BarPanel& panel(const Bar& bar) { return static_cast<const BarPanel&>(bar); }
+    static const AppLauncherPanel& panel(const LauncherPanel& launcher)
+    {
+        return static_cast<const AppLauncherPanel&>(launcher);
+    }
     const Menus& menus() const { return m_menus; }
 
 private:

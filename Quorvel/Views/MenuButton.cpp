@@ -4,6 +4,26 @@
 
 namespace quorvel {
 
+void MenuButton::pressed(PointerButton button)
+{
+    ButtonView::pressed(button);
+    m_isPressUsed = button == PointerButton::primary && onPressed && onPressed();
+}
+
+void MenuButton::clicked(PointerButton button)
+{
+    if (!m_isPressUsed)
+        ButtonView::clicked(button);
+}
+
+AccessibleState MenuButton::accessibleState() const
+{
+    auto state = buttonState("Applications", "Open");
+    state.menuAction = state.actions.size();
+    state.actions.emplace_back("Show Menu");
+    return state;
+}
+
 void MenuButton::paint(Canvas& canvas) const
 {
     auto face = bounds().centred({m_metrics.menuButtonWidth, m_metrics.menuButtonHeight});

@@ -5,7 +5,7 @@
 
 namespace quorvel {
 
-/// The button at the leading end of the bar.
+/// The button at the leading end of the bar: it opens the launcher, and its menu is the bar's.
 class MenuButton final : public ButtonView {
 public:
     MenuButton(const Palette& palette, const BarMetrics& metrics)
@@ -14,13 +14,20 @@ public:
     {
     }
 
+    /// It goes down. True: the press means nothing more.
+    std::function<bool()> onPressed;
+
+    void pressed(PointerButton) override;
+
     std::string accessibleID() const override { return "menu"; }
-    AccessibleState accessibleState() const override { return menuButtonState("Menu"); }
+    AccessibleState accessibleState() const override;
 
 private:
+    void clicked(PointerButton) override;
     void paint(Canvas&) const override;
 
     BarMetrics m_metrics;
+    bool m_isPressUsed = false;
 };
 
 }

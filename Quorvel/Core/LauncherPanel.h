@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include "Quorvel/Platform/Surfaces.h"
+
+namespace quorvel {
+
+class AppLauncher;
+class PinStore;
+class UserSettings;
+
+/// What the launcher shows, and whom it tells that it wants to close. What is referred to outlives
+/// the panel.
+struct LauncherContents {
+    AppLauncher& appLauncher;
+    PinStore& pinStore;
+    const UserSettings& settings;
+    /// Called at most once. The place of the press that it is for (points, global top-left origin),
+    /// if it is for one.
+    std::function<void(const std::optional<Point>& press)> onDismiss;
+};
+
+/// The list of all applications as those see it who place it; the views draw it. It asks to be
+/// closed when the user presses a button elsewhere, when it loses the keyboard, and once it has
+/// opened an application. Main thread.
+class LauncherPanel {
+public:
+    virtual ~LauncherPanel() = default;
+
+    virtual PanelSurface& surface() = 0;
+    /// Puts it on the screen (points, bottom-left origin) with the keyboard.
+    virtual void open(const Rect& frame) = 0;
+    /// Takes it off the screen and gives the keyboard back. It asks for nothing any more.
+    virtual void close() = 0;
+};
+
+}

@@ -1,0 +1,139 @@
+#include "Quorvel/Core/LauncherPresenter.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "Quorvel/Core/Bar.h"
+#include "Quorvel/Platform/Application.h"
+
+namespace quorvel {
+
+namespace {
+
+/// Between the place where the system saw a press and the one where it says that the pointer is.
+constexpr double kSamePlace = 2; // points
+
+}
+
+LauncherPresenter::LauncherPresenter(const Platform& platform, BarFactory& factory,
+    AppLauncher& appLauncher, PinStore& pinStore, const UserSettings& settings)
+    : m_platform(platform)
+    , m_factory(factory)
+    , m_appLauncher(appLauncher)
+    , m_pinStore(pinStore)
+    , m_settings(settings)
+{
+}
+
+LauncherPresenter::~LauncherPresenter() = default;
+
+void LauncherPresenter::show(const Bar& anchor)
+{
+    auto frame = frameFor(anchor);
+    close();
+    if (!frame)
+        return;
+    m_closingPress.reset();
+    m_anchor = anchorOf(anchor);
+    m_panel = m_factory.makeLauncher(
+        {.display = anchor.display(), .title = "Applications", .kind = PanelKind::launcher},
+        {.appLauncher = m_appLauncher,
+            .pinStore = m_pinStore,
+            .settings = m_settings,
+            .onDismiss = [this](auto& press) { dismissed(press); }});
+    if (onOpenChanged)
+        onOpenChanged(true);
+    m_panel->open(*frame);
+}
+
+void LauncherPresenter::close()
+{
+    if (!m_panel)
+        return;
+    // Whoever closes it may have been called by it, so it goes in a turn of its own.
+    m_closed.push_back(std::move(m_panel));
+    m_closed.back()->close();
+    m_platform.dispatch.main().async([weak = m_weak.reference()] {
+        if (auto* presenter = weak.get())
+            presenter->m_closed.clear();
+    });
+    if (onOpenChanged)
+        onOpenChanged(false);
+}
+
+void LauncherPresenter::dismissed(const std::optional<Point>& press)
+{
+    m_closingPress = press;
+    close();
+}
+
+// MARK: The button
+
+bool LauncherPresenter::buttonPressed(const Bar& bar)
+{
+    auto press = std::exchange(m_closingPress, {});
+    if (anchorOf(bar) != m_anchor)
+        return false;
+    // Systems tell of a press either before or after the bar hears of it, or not at all.
+    bool isOpen = m_panel != nullptr;
+    close();
+    return isOpen || (press && isAtPointer(*press));
+}
+
+bool LauncherPresenter::isAtPointer(Point place) const
+{
+    auto pointer = m_platform.displays.pointerLocation();
+    return std::hypot(pointer.x - place.x, pointer.y - place.y) <= kSamePlace;
+}
+
+void LauncherPresenter::buttonTapped(const Bar& bar)
+{
+    if (m_panel && anchorOf(bar) == m_anchor)
+        return close();
+    show(bar);
+}
+
+// MARK: Its place
+
+LauncherPresenter::Anchor LauncherPresenter::anchorOf(const Bar& bar)
+{
+    return {bar.spaceID(), bar.display()};
+}
+
+void LauncherPresenter::follow(const std::vector<Bar*>& bars)
+{
+    if (!m_panel)
+        return;
+    auto bar
+        = std::ranges::find(bars, m_anchor, [](auto* candidate) { return anchorOf(*candidate); });
+    auto frame = bar == bars.end() ? std::nullopt : frameFor(**bar);
+    if (frame)
+        m_panel->surface().setFrame(*frame);
+    else
+        close();
+}
+
+std::optional<Rect> LauncherPresenter::frameFor(const Bar& bar) const
+{
+    auto screens = m_platform.displays.screens();
+    if (bar.screenIndex() >= screens.size())
+        return {};
+    return frameFor(bar.surface().frame(), screens[bar.screenIndex()],
+        m_platform.application.appearance().value().isRightToLeft);
+}
+
+Rect LauncherPresenter::frameFor(const Rect& bar, const Screen& screen, bool isRightToLeft)
+{
+    // Bars of the system, or other panels, may have the sides and the top to themselves.
+    auto room = screen.visibleFrame.isEmpty() ? screen.frame : screen.visibleFrame;
+    double width = std::min(kSize.width, room.width);
+    double wanted = bar.maxY() + kAboveBar;
+    double least = std::min(kLeastHeight, room.maxY() - screen.frame.y);
+    double height = std::clamp(room.maxY() - wanted, least, std::max(least, kSize.height));
+    double x = isRightToLeft ? bar.maxX() - kFromEdge - width : bar.x + kFromEdge;
+    return {std::clamp(x, room.x, room.maxX() - width), std::min(wanted, room.maxY() - height),
+        width, height};
+}
+
+}

@@ -1,0 +1,156 @@
+#include "Quorvel/Views/AppLauncherPanel.h"
+
+#include <utility>
+
+#include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/Workspace.h"
+#include "Quorvel/Views/Menu/Menus.h"
+
+namespace quorvel {
+
+AppLauncherPanel::AppLauncherPanel(const Platform& platform, Menus& menus,
+    const PanelOptions& options, const LauncherContents& contents)
+    : m_platform(platform)
+    , m_menus(menus)
+    , m_onDismissHandler(contents.onDismiss)
+    , m_surface(platform.surfaces.createPanel(options, m_hostingView))
+{
+    m_hostingView.attach(*m_surface);
+    m_hostingView.isRightToLeft
+        = [this] { return m_platform.application.appearance().value().isRightToLeft; };
+    m_hostingView.onKeyboardChanged = [this](bool hasKeyboard) {
+        if (!hasKeyboard)
+            requestDismiss();
+    };
+    auto content = std::make_unique<AppLauncherContent>(AppLauncherContent::Inputs{
+        m_platform, *m_surface, contents.appLauncher, contents.pinStore, contents.settings});
+    m_content = content.get();
+    connectContent();
+    m_hostingView.setContent(std::move(content));
+    auto monitor = [&](PointerScope scope) {
+        return m_platform.surfaces.monitorPresses(
+            scope, [this](auto& place, auto&) { pressedAt(place); });
+    };
+    m_localMouseEventMonitor = monitor(PointerScope::ownWindows);
+    m_globalMouseEventMonitor = monitor(PointerScope::otherPrograms);
+}
+
+AppLauncherPanel::~AppLauncherPanel()
+{
+    m_hostingView.onKeyboardChanged = nullptr;
+    m_hostingView.setContent(nullptr);
+}
+
+void AppLauncherPanel::connectContent()
+{
+    onArrowUp = [this] { m_content->moveSelection(-1); };
+    onArrowDown = [this] { m_content->moveSelection(1); };
+    onReturn = [this] { m_content->openSelected(); };
+    m_content->onKey = [this](auto& event) { return keyPressed(event); };
+    m_content->onLaunch = [this](auto& app) { launch(app); };
+    m_content->onActionChosen = [this](auto& app, auto& action) {
+        m_platform.workspace.perform(action, app.path());
+        requestDismiss();
+    };
+    m_content->onMenuRequested
+        = [this](Menu menu, const Rect& anchor) { popUp(std::move(menu), anchor); };
+}
+
+void AppLauncherPanel::open(const Rect& frame)
+{
+    m_menus.close();
+    m_surface->setFrame(frame);
+    m_surface->setCanBecomeKey(true);
+    m_surface->setCursor(Cursor::arrow);
+    m_surface->makeKeyAndOrderFront();
+    m_content->flashScroller();
+}
+
+void AppLauncherPanel::close()
+{
+    m_didRequestDismiss = true;
+    m_localMouseEventMonitor = {};
+    m_globalMouseEventMonitor = {};
+    if (std::exchange(m_isMenuOpen, false))
+        m_menus.close();
+    m_surface->releaseKeyboard();
+    m_surface->orderOut();
+}
+
+void AppLauncherPanel::requestDismiss(const std::optional<Point>& press)
+{
+    if (std::exchange(m_didRequestDismiss, true))
+        return;
+    if (m_onDismissHandler)
+        m_onDismissHandler(press);
+}
+
+/// A menu has the pointer to itself, wherever it is.
+void AppLauncherPanel::pressedAt(Point globalTopLeft)
+{
+    auto screens = m_platform.displays.screens();
+    if (m_isMenuOpen || screens.empty() || !m_surface->isVisible())
+        return;
+    auto frame = m_surface->frame().flipped(screens.front().frame.height);
+    if (!frame.contains(globalTopLeft))
+        requestDismiss(globalTopLeft);
+}
+
+void AppLauncherPanel::launch(const AppInfo& app)
+{
+    m_platform.workspace.openApplication(app.path());
+    requestDismiss();
+}
+
+void AppLauncherPanel::popUp(Menu menu, const Rect& anchor)
+{
+    m_isMenuOpen = true;
+    m_menus.popUp(*m_surface, std::move(menu), anchor, [weak = m_weak.reference()](MenuEnding) {
+        if (auto* panel = weak.get())
+            panel->m_isMenuOpen = false;
+    });
+}
+
+bool AppLauncherPanel::keyPressed(const KeyEvent& event)
+{
+    if (event.asksForMenu()) {
+        m_content->showMenuOfSelected();
+        return true;
+    }
+    auto run = [](auto& action) {
+        if (action)
+            action();
+        return true;
+    };
+    auto* focused = m_hostingView.keyFocusedView();
+    bool isOnButton = focused && focused != m_content->preferredKeyView();
+    bool pressesButton = event.keyCode == KeyCode::enter || event.keyCode == KeyCode::keypadEnter
+        || event.keyCode == KeyCode::space;
+    if (isOnButton && pressesButton)
+        return false;
+    switch (event.keyCode) {
+    case KeyCode::up:
+        return run(onArrowUp);
+    case KeyCode::down:
+        return run(onArrowDown);
+    case KeyCode::pageUp:
+        m_content->moveSelectionByPage(-1);
+        return true;
+    case KeyCode::pageDown:
+        m_content->moveSelectionByPage(1);
+        return true;
+    case KeyCode::enter:
+    case KeyCode::keypadEnter:
+        // Perhaps it is still down from the command that opened the panel.
+        return event.isRepeat || run(onReturn);
+    case KeyCode::escape:
+        if (!event.isRepeat && !m_content->clearQuery())
+            requestDismiss();
+        return true;
+    default:
+        return m_content->takeTyping(event);
+    }
+}
+
+}

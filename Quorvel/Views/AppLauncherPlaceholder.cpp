@@ -1,0 +1,69 @@
+#include "Quorvel/Views/AppLauncherPlaceholder.h"
+
+#include <cmath>
+#include <utility>
+
+namespace quorvel {
+
+namespace {
+
+struct Style {
+    static constexpr double symbolSize = 36;
+    static constexpr double gap = 10;
+    static constexpr double inset = 16;
+    static constexpr LabelView::Look label{.size = 13,
+        .alignment = TextAlignment::centre,
+        .color = &Palette::quietText,
+        .mostLines = 3};
+};
+
+}
+
+AppLauncherPlaceholder::AppLauncherPlaceholder(const Text& text, const Palette& palette)
+    : m_palette(palette)
+    , m_label(&addChild(std::make_unique<LabelView>(text, palette, Style::label)))
+{
+}
+
+void AppLauncherPlaceholder::showLoading()
+{
+    m_isLoading = true;
+    m_label->setText("Loading applications...");
+    layout();
+    invalidate();
+}
+
+void AppLauncherPlaceholder::showNoMatch(const std::string& query)
+{
+    m_isLoading = false;
+    m_label->setText("No apps matching \"" + query + "\"");
+    layout();
+    invalidate();
+}
+
+void AppLauncherPlaceholder::measureAgain()
+{
+    m_label->measureAgain();
+    layout();
+}
+
+void AppLauncherPlaceholder::layout()
+{
+    auto inner = bounds().inset(Style::inset, 0);
+    double height = m_label->heightFor(inner.width);
+    double y = m_isLoading ? inner.centre().y + Style::gap / 2 : inner.centre().y - height / 2;
+    m_label->setFrame({inner.x, std::round(y), inner.width, std::ceil(height)});
+}
+
+void AppLauncherPlaceholder::paint(Canvas& canvas) const
+{
+    if (!m_isLoading)
+        return;
+    double side = Style::symbolSize;
+    canvas.drawSymbol(Symbol::appDashed,
+        {std::round(bounds().centre().x - side / 2), m_label->frame().y - Style::gap - side, side,
+            side},
+        m_palette.quietText);
+}
+
+}
