@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "Quorvel/Core/PinStore.h"
+#include "Quorvel/Views/BarNote.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -576,6 +577,26 @@ TEST_F(LauncherTest, theListScrollsForAPinThatIsHeldAtItsEnd)
 }
 
 // MARK: To others
+
+// Faults: a launch that fails unseen; a note that stays, or cannot be clicked away.
+TEST_F(LauncherTest, aLaunchThatFailsIsSaidOnTheBar)
+{
+    startWithApplications();
+    auto noteFrame = [&]() -> std::optional<Rect> {
+        desktop.drain();
+        auto picture = panel().render();
+        auto* text = picture.text("Maps could not be opened");
+        return text ? std::optional{text->rect} : std::nullopt;
+    };
+    desktop.workspace().failToLaunch("Maps");
+    ASSERT_TRUE(noteFrame());
+    panel().click(noteFrame()->centre());
+    EXPECT_FALSE(noteFrame());
+    desktop.workspace().failToLaunch("Maps");
+    EXPECT_TRUE(noteFrame());
+    desktop.advance(BarNote::kTimeToRead);
+    EXPECT_FALSE(noteFrame());
+}
 
 // Faults: a screen reader finds a panel and nothing in it, or rows in another order than they lie;
 // the state report lacks what a script aims at.

@@ -12,6 +12,7 @@
 #include "Quorvel/Views/ActivityMonitor.h"
 #include "Quorvel/Views/BarBackground.h"
 #include "Quorvel/Views/BarMenu.h"
+#include "Quorvel/Views/BarNote.h"
 #include "Quorvel/Views/ChipMenu.h"
 #include "Quorvel/Views/ChipsRow.h"
 #include "Quorvel/Views/MenuButton.h"
@@ -46,10 +47,12 @@ BarContentView::BarContentView(Inputs inputs)
     m_menuButton = &addChild(std::make_unique<MenuButton>(m_palette, metrics));
     m_spaceSwitcher = &addChild(std::make_unique<SpaceSwitcher>(m_palette, metrics));
     m_showDesktopButton = &addChild(std::make_unique<ShowDesktopButton>(m_palette, metrics));
-    // Last: what is dragged out of the row lies above the rest.
+    // What is dragged out of the row lies above the rest.
     m_row = &addChild(std::make_unique<ChipsRow>(
         m_palette, metrics, m_inputs.platform.text, m_inputs.platform.dispatch));
     m_row->setFrameInterval(m_inputs.surface.frameInterval());
+    m_note = &addChild(std::make_unique<BarNote>(
+        m_palette, m_inputs.platform.text, m_inputs.platform.dispatch.main()));
 
     connectButtons();
     connectRow();
@@ -110,6 +113,12 @@ void BarContentView::subscribe()
     keep(platform.surfaces.blurDidChange.subscribe(changes(Part::appearance)));
     keep(m_inputs.settings.data().subscribe(changes(Part::settings)));
     keep(m_inputs.pinStore.pinnedApps().subscribe(changes(Part::pins)));
+    keep(platform.workspace.launchDidFail.subscribe([this](auto& launch) {
+        if (!m_isShown)
+            return;
+        m_note->show(launch.name + " could not be opened");
+        m_inputs.surface.accessibleTreeDidChange();
+    }));
     keep(platform.workspace.iconDidChange.subscribe([this](auto& id) {
         if (id.empty() || std::ranges::find(m_pins, id) != m_pins.end())
             partDidChange(Part::pins);
@@ -306,7 +315,9 @@ void BarContentView::layout()
     m_spaceSwitcher->setFrame(place({switcherLeft, 0, spaces, whole.height}));
     m_background->setDividers({place(divider(buttonWidth)), place(divider(trailingDivider))});
     m_row->setRightToLeft(isMirrored);
-    m_row->setFrame(place({left, 0, std::max(0.0, rowRight - left), whole.height}));
+    auto row = place({left, 0, std::max(0.0, rowRight - left), whole.height});
+    m_row->setFrame(row);
+    m_note->setRoom(row, isMirrored);
     invalidate();
 }
 

@@ -17,6 +17,7 @@
 namespace quorvel {
 
 class BarBackground;
+class BarNote;
 class ChipsRow;
 class LaunchMarks;
 class MenuButton;
@@ -147,6 +148,7 @@ private:
     SpaceSwitcher* m_spaceSwitcher = nullptr;
     ShowDesktopButton* m_showDesktopButton = nullptr;
     ChipsRow* m_row = nullptr;
+    BarNote* m_note = nullptr;
     bool m_isShown = true;
     std::set<Part> m_stale; ///< while it is not
     std::vector<std::string> m_pins; ///< bundle identifiers, as they were looked up

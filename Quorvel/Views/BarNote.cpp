@@ -1,0 +1,75 @@
+#include "Quorvel/Views/BarNote.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "Quorvel/Platform/Text.h"
+#include "Quorvel/Views/Kit/Palette.h"
+
+namespace quorvel {
+
+namespace {
+
+struct Style {
+    static constexpr double fontSize = 12;
+    static constexpr double inset = 12; ///< before and after the text
+    static constexpr double margin = 4; ///< above and below
+    static constexpr double radius = 6;
+};
+
+}
+
+BarNote::BarNote(const Palette& palette, const Text& text, Queue& main)
+    : ButtonView(palette)
+    , m_measure(text)
+    , m_main(main)
+{
+    onTapped = [this] { hide(); };
+}
+
+void BarNote::show(std::string text)
+{
+    m_text = std::move(text);
+    m_end = m_main.after(kTimeToRead, [this] { hide(); });
+    place();
+    invalidate();
+}
+
+void BarNote::hide()
+{
+    m_text.clear();
+    m_end = {};
+    place();
+    if (auto* surface = host())
+        surface->viewsDidMove();
+}
+
+void BarNote::setRoom(const Rect& room, bool isRightToLeft)
+{
+    m_room = room;
+    m_isRightToLeft = isRightToLeft;
+    place();
+}
+
+void BarNote::place()
+{
+    TextStyle style;
+    style.size = Style::fontSize;
+    double wanted = std::ceil(m_measure.measure(m_text, style).width);
+    double width = m_text.empty() ? 0 : std::min(m_room.width, wanted + 2 * Style::inset);
+    auto inner = m_room.inset(0, Style::margin);
+    setFrame({m_isRightToLeft ? inner.x : inner.maxX() - width, inner.y, width, inner.height});
+}
+
+void BarNote::paint(Canvas& canvas) const
+{
+    auto& colors = palette();
+    canvas.fillRounded(bounds(), Style::radius, colors.popupGround);
+    paintFace(canvas, bounds(), Style::radius);
+    canvas.strokeRounded(bounds(), Style::radius, 1, colors.popupEdge);
+    canvas.drawText(
+        m_text, bounds().inset(Style::inset, 0), {.size = Style::fontSize, .color = colors.text});
+}
+
+}
