@@ -87,6 +87,15 @@ static void from_json(const Json& json, State::MenuEntry& entry)
 {
     read(json, "title", entry.title, "enabled", entry.isEnabled, "frame", entry.frame);
 }
+static void from_json(const Json& json, State::Launcher::Row& row)
+{
+    read(
+        json, "id", row.id, "section", row.section, "selected", row.isSelected, "frame", row.frame);
+}
+static void from_json(const Json& json, State::Launcher& launcher)
+{
+    read(json, "frame", launcher.frame, "query", launcher.query, "rows", launcher.rows);
+}
 
 namespace {
 
@@ -238,7 +247,7 @@ State State::parse(const std::string& json)
     try {
         read(Json::parse(json), "activeSpace", state.activeSpace, "focusedWindow",
             state.focusedWindow, "windows", state.windows, "spaces", state.spaces, "panels",
-            state.panels, "menu", state.menu);
+            state.panels, "menu", state.menu, "launcher", state.launcher);
     } catch (const Json::exception& error) {
         ADD_FAILURE() << error.what() << " in " << json;
     }

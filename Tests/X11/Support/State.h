@@ -81,6 +81,19 @@ struct State {
         Frame frame;
     };
 
+    /// The list of all applications.
+    struct Launcher {
+        struct Row {
+            std::string id;
+            std::string section; ///< "pinned" or "main"
+            bool isSelected = false;
+            Frame frame;
+        };
+        Frame frame;
+        std::string query;
+        std::vector<Row> rows; ///< with applications, in sight
+    };
+
     /// Empty, with a failure, unless the text is JSON that says all of this.
     static State parse(const std::string& json);
 
@@ -105,6 +118,7 @@ struct State {
     std::vector<Space> spaces;
     std::vector<Panel> panels;
     std::vector<MenuEntry> menu; ///< of the open menu and its submenus
+    std::optional<Launcher> launcher; ///< none while it is closed
 };
 
 /// Whether the bar shows just what the server and the window manager say of the clients: which

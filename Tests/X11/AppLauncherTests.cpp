@@ -1,0 +1,177 @@
+#include <filesystem>
+#include <fstream>
+
+#include <gmock/gmock.h>
+#include <xkbcommon/xkbcommon-keysyms.h>
+
+#include "Tests/X11/Support/DesktopFixture.h"
+#include "Tests/X11/Support/Keyboard.h"
+
+namespace quorvel::x11tests {
+
+class AppLaunchers : public UnderEachManager {
+protected:
+    /// Programs that write down that they were started.
+    AppLaunchers()
+    {
+        const auto script = server.folder() / "program";
+        std::ofstream(script) << "#!/bin/sh\necho \"$1\" >> '" << starts.string() << "'\n";
+        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+        const auto folder = server.folder() / "data" / "applications";
+        std::filesystem::create_directories(folder);
+        for (const std::string name : {"Zebra", "Zinc", "Zoo"}) {
+            std::ofstream(folder / (name + ".desktop"))
+                << "[Desktop Entry]\nType=Application\nName=" << name
+                << " Sample\nExec=" << script.string() << ' ' << name << '\n';
+        }
+    }
+    void SetUp() override
+    {
+        start();
+        client.order('o');
+        ASSERT_TRUE(eventually([&] { return desktop.clientTitled("typed").has_value(); }));
+        window = *desktop.clientTitled("typed");
+        desktop.activate(window);
+        ASSERT_TRUE(becomesActive(window));
+        ASSERT_TRUE(settles(*bar));
+    }
+    void start()
+    {
+        bar.reset();
+        bar = std::make_unique<Bar>(server);
+        ASSERT_TRUE(bar->appears());
+    }
+    void ask()
+    {
+        const auto result = runProgram(server.environment(), server.folder(), {"--launcher"});
+        EXPECT_EQ(result.status, 0) << result.error;
+    }
+    testing::AssertionResult isOpen(bool isWanted = true)
+    {
+        return eventually([&] { return bar->state().launcher.has_value() == isWanted; });
+    }
+    void open()
+    {
+        ask();
+        ASSERT_TRUE(isOpen());
+        ASSERT_TRUE(eventually([&] { return !rows().empty(); }));
+    }
+    /// The rows in sight: * selected, pins in brackets.
+    std::string rows()
+    {
+        std::string text;
+        const auto state = bar->state();
+        for (const auto& row :
+            state.launcher ? state.launcher->rows : decltype(State::Launcher::rows){}) {
+            const auto name = row.section == "pinned" ? "[" + row.id + "]" : row.id;
+            text += (text.empty() ? "" : " ") + std::string{row.isSelected ? "*" : ""} + name;
+        }
+        return text;
+    }
+    Frame row(const std::string& id, const std::string& section)
+    {
+        const auto state = bar->state();
+        for (const auto& candidate : state.launcher.value_or(State::Launcher{}).rows) {
+            if (candidate.id == id && candidate.section == section)
+                return candidate.frame;
+        }
+        ADD_FAILURE() << "no row " << id << " in " << rows();
+        return {};
+    }
+    testing::AssertionResult shows(const std::string& wanted)
+    {
+        return eventually([&] {
+            const auto now = rows();
+            return testing::AssertionResult(now == wanted) << now;
+        });
+    }
+    void type(std::initializer_list<std::uint32_t> symbols)
+    {
+        for (const auto symbol : symbols)
+            keyboard.type(symbol);
+    }
+    void pin(const std::string& id)
+    {
+        pointer.click(row(id, "main"), Button::secondary);
+        ASSERT_TRUE(eventually([&] { return bar->state().entryTitled("Pin to") != nullptr; }));
+        pointer.click(bar->state().entryTitled("Pin to")->frame);
+        ASSERT_TRUE(eventually([&] { return bar->state().entryTitled("App menu") != nullptr; }));
+        pointer.click(bar->state().entryTitled("App menu")->frame);
+        ASSERT_TRUE(eventually([&] { return bar->state().menu.empty(); }));
+    }
+
+    const std::filesystem::path starts = server.folder() / "starts";
+    Keyboard keyboard{server.display()};
+    ClientProcess client{server,
+        [](Client& window_, char) { window_.open({.title = "typed", .answersClose = true}); }};
+    xcb_window_t window{};
+    std::unique_ptr<Bar> bar;
+};
+
+// Faults: it opens without the keyboard, or takes the focus from the window in use; letters that
+// get lost; the wrong program; it stays open, or opens again for the click that closes it.
+TEST_P(AppLaunchers, openAndCloseOverAWindowThatKeepsTheFocus)
+{
+    open();
+    EXPECT_EQ(desktop.activeWindow(), window);
+    type({XKB_KEY_z, XKB_KEY_i});
+    EXPECT_TRUE(shows("*Zinc"));
+    type({XKB_KEY_Return});
+    EXPECT_TRUE(eventually([&] { return readFile(starts) == "Zinc\n"; }));
+    EXPECT_TRUE(isOpen(false));
+    EXPECT_EQ(desktop.activeWindow(), window);
+
+    open();
+    type({XKB_KEY_z, XKB_KEY_Down, XKB_KEY_Down, XKB_KEY_Down});
+    EXPECT_TRUE(shows("Zoo Zinc *Zebra"));
+    type({XKB_KEY_Escape});
+    EXPECT_TRUE(eventually([&] { return bar->state().launcher->query.empty(); }));
+    type({XKB_KEY_Escape});
+    EXPECT_TRUE(isOpen(false));
+
+    for (const auto& outside : {Frame{700, 300, 10, 10}, desktop.frame(window)}) {
+        open();
+        pointer.click(outside);
+        EXPECT_TRUE(isOpen(false));
+    }
+    open();
+    ask();
+    EXPECT_TRUE(isOpen(false));
+
+    const auto panel = bar->state().panel();
+    const Frame button{panel.frame.x + 10, panel.frame.y + 10, 4, 4};
+    pointer.click(button);
+    EXPECT_TRUE(isOpen());
+    pointer.click(button);
+    EXPECT_TRUE(isOpen(false));
+    EXPECT_TRUE(settles(*bar));
+    EXPECT_TRUE(isOpen(false));
+    pointer.click(button);
+    EXPECT_TRUE(isOpen());
+    EXPECT_EQ(readFile(starts), "Zinc\n");
+}
+
+// Faults: a pin that is not kept, or in another order than it was dragged to.
+TEST_P(AppLaunchers, keepThePinsInTheOrderTheyWereDraggedTo)
+{
+    open();
+    for (const std::string id : {"Zebra", "Zinc", "Zoo"}) {
+        type({XKB_KEY_z});
+        ASSERT_TRUE(eventually([&] { return bar->state().launcher->query == "z"; }));
+        pin(id);
+        type({XKB_KEY_Escape});
+        ASSERT_TRUE(eventually([&] { return bar->state().launcher->query.empty(); }));
+    }
+    ASSERT_TRUE(eventually([&] { return rows().starts_with("*[Zebra] [Zinc] [Zoo] "); }));
+    const auto to = row("Zoo", "pinned");
+    pointer.drag(row("Zebra", "pinned"), to.x + to.width / 2, to.y + to.height - 4);
+    EXPECT_TRUE(eventually([&] { return rows().starts_with("[Zinc] [Zoo] *[Zebra] "); })) << rows();
+
+    start();
+    open();
+    EXPECT_THAT(rows(), testing::StartsWith("*[Zinc] [Zoo] [Zebra] "));
+}
+
+QUORVEL_UNDER_EACH_MANAGER(AppLaunchers);
+
+}
