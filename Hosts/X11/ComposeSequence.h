@@ -28,14 +28,20 @@ public:
     };
     Step feed(std::uint32_t symbol);
     bool isOpen() const { return m_isOpen; }
+    /// What the open sequence looks like so far, in UTF-8: the accents without their letter.
+    const std::string& preview() const { return m_preview; }
     /// What the completed sequence types, in UTF-8.
     std::string text() const;
     void reset();
 
 private:
+    Step advance(std::uint32_t symbol);
+    std::string previewOf(std::uint32_t symbol) const;
+
     const XkbLibrary& m_xkb;
     xkb_compose_state* m_state = nullptr;
     bool m_isOpen = false;
+    std::string m_preview;
 };
 
 }

@@ -180,6 +180,11 @@ bool Keyboard::compose(TypedKey& key, std::uint32_t symbol)
     return true;
 }
 
+std::string Keyboard::sequence() const
+{
+    return m_compose ? m_compose->preview() : std::string{};
+}
+
 void Keyboard::dropSequence()
 {
     if (m_compose)

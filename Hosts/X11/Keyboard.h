@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include <xcb/xcb.h>
 
@@ -50,6 +51,8 @@ public:
     /// dead key, for example, whose accent comes with the next key. Without the server's extension
     /// or the library, keys have their place but no characters.
     std::optional<TypedKey> translate(const KeyPress&);
+    /// What a sequence that is open looks like so far, in UTF-8; empty while none is.
+    std::string sequence() const;
     /// Drops a sequence that is open: somebody else receives the keys from now on.
     void dropSequence();
 

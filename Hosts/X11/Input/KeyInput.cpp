@@ -19,6 +19,7 @@ void KeyInput::setReceiver(Receiver receiver, xcb_window_t window)
         return;
     m_receiver = receiver;
     m_keyboard.dropSequence();
+    m_sequence.clear();
     m_method.unfocus();
     m_field = nullptr;
     // It kept the composition while it did not have the keyboard; the input method did not.
@@ -52,6 +53,7 @@ void KeyInput::forgetComposition(const SurfaceClient& client)
         return;
     m_composing = nullptr;
     m_keyboard.dropSequence();
+    m_sequence.clear();
     m_method.forget();
 }
 
@@ -85,13 +87,26 @@ void KeyInput::placeSpot(const TextInputClient& field)
 void KeyInput::deliver(const KeyPress& press)
 {
     const auto key = m_keyboard.translate(press);
-    if (!key || !m_receiver.client)
-        return;
-    auto* field = key->isComposed ? this->field() : nullptr;
-    if (field)
-        field->insertText(key->event.characters);
-    else
+    auto* field = this->field();
+    if (key && key->isComposed && field) {
+        m_sequence.clear();
+        m_composing = nullptr;
+        return field->insertText(key->event.characters);
+    }
+    showSequence(field);
+    if (key && m_receiver.client)
         m_receiver.client->keyPressed(key->event);
+}
+
+/// An accent is seen while it waits for its letter.
+void KeyInput::showSequence(TextInputClient* field)
+{
+    auto sequence = m_keyboard.sequence();
+    if (!field || sequence == m_sequence)
+        return;
+    m_sequence = std::move(sequence);
+    m_composing = m_sequence.empty() ? nullptr : m_receiver.client;
+    field->setComposition(m_sequence, m_sequence.size());
 }
 
 // MARK: What the input method says

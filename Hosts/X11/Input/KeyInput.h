@@ -37,6 +37,7 @@ private:
     void followField();
     void placeSpot(const TextInputClient&);
     void deliver(const KeyPress&);
+    void showSequence(TextInputClient*);
 
     void inputMethodCommits(const std::string& utf8) override;
     void inputMethodComposes(const std::string& utf8, std::size_t caret) override;
@@ -47,6 +48,7 @@ private:
     Receiver m_receiver;
     xcb_window_t m_window = XCB_WINDOW_NONE;
     TextInputClient* m_field = nullptr; ///< the one that the input method knows
+    std::string m_sequence; ///< of dead keys, as the field shows it
     const SurfaceClient* m_composing = nullptr; ///< shows a composition; only to compare
 };
 
