@@ -93,6 +93,7 @@ TEST_F(AppLauncherTest, anEntryTakesItsIdentityAndNameFromTheBundle)
     desktop.install("/Applications/2.app", {.identifier = "2", .name = "Bundle"});
     desktop.install("/Applications/Some File.app", {.identifier = "3"});
     install("/Applications/No Bundle.app");
+    desktop.install("/Applications/Nameless.app", {.identifier = ""});
     desktop.install("/Applications/5.app", {.identifier = "5", .displayName = "", .name = "B"});
     desktop.install("/Applications/6.app", {.identifier = "6", .isOffered = false});
     desktop.install(kOwn + "/5.app", {.identifier = "5", .displayName = "Later"});
@@ -106,11 +107,13 @@ TEST_F(AppLauncherTest, anEntryTakesItsIdentityAndNameFromTheBundle)
     desktop.bundles().setHidden(kOwn + "/hidden");
     desktop.bundles().makeFolder("/Applications/Folder.app");
     start();
-    EXPECT_THAT(names(), ElementsAre("Bundle", "No Bundle", "Seen", "Some File"));
+    EXPECT_THAT(names(), ElementsAre("Bundle", "Nameless", "No Bundle", "Seen", "Some File"));
     EXPECT_EQ(apps()[0].id(), "2");
     EXPECT_TRUE(apps()[0].hasBundleIdentifier());
-    EXPECT_EQ(apps()[1].id(), "/Applications/No Bundle.app");
-    EXPECT_FALSE(apps()[1].hasBundleIdentifier());
+    for (std::size_t index : {1U, 2U}) {
+        EXPECT_EQ(apps()[index].id(), apps()[index].path().path);
+        EXPECT_FALSE(apps()[index].hasBundleIdentifier());
+    }
 }
 
 // Faults: which copy is listed depends on the order of the disk; equal names change places.
@@ -142,14 +145,16 @@ TEST_F(AppLauncherTest, foldersThatCannotBeListedAreLeftOut)
 TEST_F(AppLauncherTest, aDiskFullOfFoldersComesToAnEnd)
 {
     auto& sources = desktop.bundles().sources();
-    sources.folders = {{"/deep", 1'000'000}};
+    sources.folders = {{"/deep", 1'000'000}, {"/later"}};
     std::string path = "/deep";
     for (std::size_t i = 0; i < AppDiscovery::kMostFolders; ++i)
         path += "/a";
     install("/deep/First.app");
-    install(path + "/Last.app");
+    install(path + "/TooDeep.app");
+    install("/deep/second.app");
+    install("/later/Third.app");
     start();
-    EXPECT_THAT(names(), ElementsAre("First"));
+    EXPECT_THAT(names(), ElementsAre("First", "second", "Third"));
 }
 
 // MARK: Threads

@@ -70,7 +70,7 @@ bool AppDiscovery::discoverAppsRecursively(const std::string& folder, int depth,
         const auto path = folder + '/' + entry.name;
         if (isApp(path))
             offer(path);
-        else if (entry.isFolder && depth < maximumDepth)
+        else if (entry.isFolder && depth < maximumDepth && m_listedFolders < kMostFolders)
             discoverAppsRecursively(path, depth + 1, maximumDepth);
     }
     return true;
@@ -78,7 +78,7 @@ bool AppDiscovery::discoverAppsRecursively(const std::string& folder, int depth,
 
 bool AppDiscovery::isEnough() const
 {
-    return m_isCancelled || m_apps.size() >= kMostApps || m_listedFolders >= kMostFolders;
+    return m_isCancelled || m_apps.size() >= kMostApps;
 }
 
 void AppDiscovery::offer(const std::string& path)
@@ -93,7 +93,9 @@ std::optional<AppInfo::Facts> AppDiscovery::createAppInfo(
     const auto bundle = isApp(url.path) ? m_bundles.describe(url) : std::nullopt;
     if (!bundle)
         return std::nullopt;
-    auto id = bundle->identifier.value_or(url.path);
+    auto id = bundle->identifier.value_or("");
+    if (id.empty())
+        id = url.path;
     if (!seenBundleIDs.insert(id).second || !bundle->isOffered)
         return std::nullopt;
     auto name = nameOf(url, *bundle);
