@@ -11,7 +11,7 @@ struct MacObserverTest : MacFixture {
     WindowID inbox = desktop.open(mail);
     std::vector<std::string> heard;
     std::unique_ptr<RunLoopThread> thread
-        = mac.dispatch().startThread("observers", QualityOfService::userInitiated);
+        = desktop.dispatch().startThread("observers", QualityOfService::userInitiated);
 
     void onThread(const Work& work)
     {

@@ -24,7 +24,6 @@ struct MacInMemory : Leaks, DesktopInMemory {
     Accessibility& accessibility() { return tree; }
     WindowServer& windowServer() { return server; }
     Displays& displays() { return screens; }
-    Dispatch& dispatch() { return mac.dispatch(); }
     bool failLists(bool value)
     {
         value ? mac.answer("CGWindowListCopyWindowInfo", {})

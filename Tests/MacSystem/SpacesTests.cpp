@@ -106,7 +106,7 @@ TEST_F(MacSpacesTest, aPrivateCallIsFoundUnderItsOlderNameWhereSkyLightHasItNot)
     mac.removeSymbol("CGSMoveWindowsToManagedSpace");
     EXPECT_FALSE(makeWindowServer().moveOwnWindow(window, SpaceID{3}));
 
-    mac.removeSkyLight();
+    mac.hasSkyLight = false;
     auto server = makeWindowServer();
     EXPECT_EQ(server.activeSpace(), SpaceID{1});
     server.setEdgeReservation(SpaceID{3}, ScreenEdge::bottom, 40);
@@ -180,9 +180,9 @@ TEST_F(MacSpacesTest, theDocksRectangleIsTheLastOnesThatWasTakenAndTheDocksAgain
     server.clearDockRectangle(DisplayNumber{1});
     EXPECT_EQ(mac.dockRect, docks);
 
-    mac.ignoreDockRect(true);
+    mac.ignoresDockRect = true;
     EXPECT_FALSE(server.setDockRectangle({DisplayNumber{1}, left}));
-    mac.ignoreDockRect(false);
+    mac.ignoresDockRect = false;
     server.clearDockRectangle(DisplayNumber{1});
     mac.removeSymbol("SLSGetDockRectWithOrientation");
     EXPECT_FALSE(makeWindowServer().setDockRectangle({DisplayNumber{1}, left}));
@@ -197,8 +197,8 @@ TEST_F(MacSpacesTest, displaysThatCannotBeReadAreAbsent)
     desktop.model().pointer = {3, 4};
     EXPECT_EQ(displays.pointerLocation(), (Point{3, 4}));
 
-    mac.failDisplayCalls(true);
-    mac.setPointerReadable(false);
+    mac.failsDisplayCalls = true;
+    mac.isPointerReadable = false;
     EXPECT_THAT(displays.activeDisplays(8), IsEmpty());
     EXPECT_EQ(displays.displayAt({10, 10}), std::nullopt);
     EXPECT_EQ(displays.pointerLocation(), Point{});

@@ -170,6 +170,11 @@ bool VirtualDispatch::hasEnded(const RunLoopThread& thread) const
     return !m_threads.contains(&thread);
 }
 
+RunLoopThread* VirtualDispatch::thread() const
+{
+    return isOnMain() ? nullptr : m_running.back();
+}
+
 std::string VirtualDispatch::currentLabel() const
 {
     return m_running.empty() ? m_main->label() : m_running.back()->label();

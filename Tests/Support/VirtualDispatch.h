@@ -45,6 +45,8 @@ public:
     bool isOnMain() const;
     bool isOn(const RunLoopThread&) const;
     bool hasEnded(const RunLoopThread&) const;
+    /// The one whose work is running; null on the main thread.
+    RunLoopThread* thread() const;
     /// The label of the queue or thread whose work is running; "main" outside of any.
     std::string currentLabel() const;
 

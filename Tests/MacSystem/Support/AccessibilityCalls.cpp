@@ -7,53 +7,20 @@ namespace quorvel::test {
 
 namespace {
 
-/// Each reference is an object of its own with its own timeout; references to the same thing are
-/// equal.
-struct Element final : Object {
-    explicit Element(AXElement fake) : Object(TypeID::element), element(std::move(fake)) { }
-    std::string description() const override { return "element " + std::to_string(element.token); }
-    bool equals(const Object& other) const override
-    {
-        const auto* same = dynamic_cast<const Element*>(&other);
-        return same && same->element == element;
-    }
-    std::size_t hash() const override { return element.token; }
-    void dispose() override { element = {}; }
-
-    AXElement element;
-};
-
-struct Structure final : Object {
-    Structure(AXValueType structureType, const void* value)
-        : Object(TypeID::axValue)
-        , kind(structureType)
-    {
-        std::memcpy(&bytes, value, sizeOf(kind));
-    }
-    static std::size_t sizeOf(AXValueType type)
-    {
-        return type == kAXValueTypeCGRect ? sizeof(CGRect)
-            : type == kAXValueTypeAXError ? sizeof(::AXError)
-                                          : sizeof(CGPoint);
-    }
-    std::string description() const override { return "structure of kind " + std::to_string(kind); }
-
+struct Structure {
     AXValueType kind;
     CGRect bytes{};
 };
 
-struct Source final : Object {
-    Source() : Object(TypeID::runLoopSource) { }
-    std::string description() const override { return "run loop source"; }
+std::size_t sizeOf(AXValueType type)
+{
+    return type == kAXValueTypeCGRect ? sizeof(CGRect)
+        : type == kAXValueTypeAXError ? sizeof(::AXError)
+                                      : sizeof(CGPoint);
+}
 
+struct Source {
     CFRunLoopRef runLoop = nullptr; ///< not null while it is in one
-};
-
-struct RunLoop final : Object {
-    explicit RunLoop(std::string name) : Object(TypeID::runLoop), label(std::move(name)) { }
-    std::string description() const override { return "run loop of " + label; }
-
-    std::string label;
 };
 
 FakeAccessibility& accessibility()
@@ -61,10 +28,13 @@ FakeAccessibility& accessibility()
     return SimulatedMac::current().desktop().accessibility();
 }
 
+/// Each reference is an object of its own with its own timeout; references to the same thing are
+/// equal.
 AXUIElementRef createElement(const AXElement& element)
 {
     accessibility().setMessagingTimeout(element, SimulatedMac::current().defaultTimeout);
-    return create<AXUIElementRef, Element>(element);
+    const auto name = "element " + std::to_string(element.token);
+    return create<AXUIElementRef>(TypeID::element, name, element);
 }
 
 ::AXError result(AXError error)
@@ -73,19 +43,7 @@ AXUIElementRef createElement(const AXElement& element)
 }
 
 /// The system's observer over one of the fake desktop's.
-struct Observer final : Object {
-    explicit Observer(AXObserverCallback function)
-        : Object(TypeID::observer)
-        , callback(function) { }
-    std::string description() const override { return "observer"; }
-    void dispose() override
-    {
-        fake.reset();
-        source = {};
-    }
-
-    void deliver(const AXElement& about, std::string_view notification);
-
+struct Observer {
     struct Registration {
         AXElement element;
         std::string notification;
@@ -93,27 +51,27 @@ struct Observer final : Object {
     };
 
     AXObserverCallback callback;
-    std::unique_ptr<AXObserver> fake;
-    Value source = Value::adopt(create<CFRunLoopSourceRef, Source>());
-    std::vector<Registration> registrations;
+    std::shared_ptr<AXObserver> fake = {};
+    Value source = Value::adopt(create<CFTypeRef>(TypeID::runLoopSource, "source", Source{}));
+    std::vector<Registration> registrations = {};
 };
 
-void Observer::deliver(const AXElement& about, std::string_view notification)
+void deliver(AXObserverRef ref, const AXElement& about, std::string_view notification)
 {
-    const auto runLoop = expectObject<Source>(source.get()).runLoop;
+    const auto& observer = contentOf<Observer>(ref);
+    const auto runLoop = contentOf<Source>(observer.source.get()).runLoop;
     if (!runLoop)
         return; // nobody serves the source
     if (runLoop != CFRunLoopGetCurrent())
         Heap::shared().note("a notification came on another thread than its source's");
-    const auto found = std::ranges::find_if(registrations,
-        [&](const Registration& entry) { return entry.notification == notification; });
-    if (found == registrations.end())
+    const auto found = std::ranges::find(
+        observer.registrations, notification, &Observer::Registration::notification);
+    if (found == observer.registrations.end())
         return;
     const auto element = Value::adopt(createElement(about));
     const auto name = text(notification);
-    callback(reinterpret_cast<AXObserverRef>(static_cast<Object*>(this)),
-        static_cast<AXUIElementRef>(element.get()), static_cast<CFStringRef>(name.get()),
-        found->context);
+    observer.callback(ref, static_cast<AXUIElementRef>(element.get()),
+        static_cast<CFStringRef>(name.get()), found->context);
 }
 
 struct ValueMaker {
@@ -122,7 +80,7 @@ struct ValueMaker {
     Value operator()(double value) const
     {
         const auto whole = static_cast<std::int32_t>(std::clamp(value, -1e9, 1e9));
-        return whole == value ? number(whole, kCFNumberSInt32Type) : real(value);
+        return whole == value ? number(whole) : real(value);
     }
     Value operator()(const std::string& value) const { return text(value); }
     Value operator()(const Point& value) const
@@ -155,9 +113,9 @@ AXValue received(CFTypeRef value)
         CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberDoubleType, &number);
         return number;
     }
-    if (auto* element = objectAs<Element>(value))
-        return element->element;
-    auto* structure = objectAs<Structure>(value);
+    if (const auto* element = contentIf<AXElement>(value))
+        return *element;
+    const auto* structure = contentIf<Structure>(value);
     if (!structure)
         return {};
     const auto [x, y] = structure->bytes.origin;
@@ -181,7 +139,7 @@ CFRunLoopRef SimulatedMac::runLoop()
     const auto label = m_desktop.dispatch().currentLabel();
     auto& runLoop = m_runLoops[label];
     if (!runLoop)
-        runLoop = Value::adopt(create<CFRunLoopRef, RunLoop>(label));
+        runLoop = Value::adopt(create<CFTypeRef>(TypeID::runLoop, "run loop of " + label, {}));
     return static_cast<CFRunLoopRef>(const_cast<void*>(runLoop.get()));
 }
 
@@ -199,12 +157,12 @@ CFRunLoopRef CFRunLoopGetCurrent()
 
 void CFRunLoopAddSource(CFRunLoopRef runLoop, CFRunLoopSourceRef source, CFRunLoopMode)
 {
-    expectObject<Source>(source).runLoop = runLoop;
+    contentOf<Source>(source).runLoop = runLoop;
 }
 
 void CFRunLoopRemoveSource(CFRunLoopRef runLoop, CFRunLoopSourceRef ref, CFRunLoopMode)
 {
-    auto& source = expectObject<Source>(ref);
+    auto& source = contentOf<Source>(ref);
     if (source.runLoop != runLoop)
         Heap::shared().note("a source was taken from a run loop that has it not");
     source.runLoop = nullptr;
@@ -217,15 +175,17 @@ CFTypeID AXValueGetTypeID()
 
 AXValueRef AXValueCreate(AXValueType type, const void* value)
 {
-    return create<AXValueRef, Structure>(type, value);
+    Structure structure{type};
+    std::memcpy(&structure.bytes, value, sizeOf(type));
+    return create<AXValueRef>(TypeID::axValue, "structure", structure);
 }
 
 Boolean AXValueGetValue(AXValueRef ref, AXValueType type, void* value)
 {
-    const auto& structure = expectObject<Structure>(ref);
+    const auto& structure = contentOf<Structure>(ref);
     if (structure.kind != type)
         return false;
-    std::memcpy(value, &structure.bytes, Structure::sizeOf(type));
+    std::memcpy(value, &structure.bytes, sizeOf(type));
     return true;
 }
 
@@ -248,7 +208,7 @@ CFTypeID AXUIElementGetTypeID()
 
 AXUIElementRef AXUIElementCreateSystemWide()
 {
-    return create<AXUIElementRef, Element>(quorvel::AXElement{});
+    return createElement({});
 }
 
 AXUIElementRef AXUIElementCreateApplication(pid_t pid)
@@ -258,7 +218,7 @@ AXUIElementRef AXUIElementCreateApplication(pid_t pid)
 
 AXError AXUIElementSetMessagingTimeout(AXUIElementRef ref, float seconds)
 {
-    const auto& element = expectObject<Element>(ref).element;
+    const auto& element = contentOf<quorvel::AXElement>(ref);
     if (element.token == 0) // stands for the whole system
         SimulatedMac::current().defaultTimeout = seconds;
     else
@@ -269,26 +229,23 @@ AXError AXUIElementSetMessagingTimeout(AXUIElementRef ref, float seconds)
 AXError AXUIElementCopyAttributeValue(AXUIElementRef ref, CFStringRef attribute, CFTypeRef* value)
 {
     const auto name = utf8(attribute);
-    const auto reply = accessibility().copyAttribute(expectObject<Element>(ref).element, name);
+    const auto reply = accessibility().copyAttribute(contentOf<quorvel::AXElement>(ref), name);
     if (reply.error != quorvel::AXError::success)
         return result(reply.error);
     const auto* answer = SimulatedMac::current().answerFor(name);
-    const auto given = answer ? *answer : std::visit(ValueMaker{}, reply.value);
-    if (given)
-        CFRetain(given.get());
-    *value = given.get();
+    *value = give<CFTypeRef>(answer ? *answer : std::visit(ValueMaker{}, reply.value));
     return kAXErrorSuccess;
 }
 
 AXError AXUIElementSetAttributeValue(AXUIElementRef ref, CFStringRef attribute, CFTypeRef value)
 {
     return result(accessibility().setAttribute(
-        expectObject<Element>(ref).element, utf8(attribute), received(value)));
+        contentOf<quorvel::AXElement>(ref), utf8(attribute), received(value)));
 }
 
 AXError AXUIElementPerformAction(AXUIElementRef ref, CFStringRef action)
 {
-    return result(accessibility().performAction(expectObject<Element>(ref).element, utf8(action)));
+    return result(accessibility().performAction(contentOf<quorvel::AXElement>(ref), utf8(action)));
 }
 
 AXError simulatedGetWindow(AXUIElementRef ref, CGWindowID* number)
@@ -297,7 +254,7 @@ AXError simulatedGetWindow(AXUIElementRef ref, CGWindowID* number)
     quorvel::WindowID window{};
     if (!resolve)
         return kAXErrorFailure;
-    const auto error = resolve(expectObject<Element>(ref).element, window);
+    const auto error = resolve(contentOf<quorvel::AXElement>(ref), window);
     if (error == quorvel::AXError::success)
         *number = raw(window);
     return result(error);
@@ -305,16 +262,16 @@ AXError simulatedGetWindow(AXUIElementRef ref, CGWindowID* number)
 
 AXError AXObserverCreate(pid_t pid, AXObserverCallback callback, AXObserverRef* out)
 {
-    auto* thread = SimulatedMac::current().thread();
+    auto* thread = SimulatedMac::current().desktop().dispatch().thread();
     if (!thread) {
         Heap::shared().note("an observer was made away from the run loops");
         return kAXErrorFailure;
     }
-    const auto observer = create<AXObserverRef, Observer>(callback);
-    auto& object = expectObject<Observer>(observer);
+    const auto observer
+        = create<AXObserverRef>(TypeID::observer, "observer", Observer{.callback = callback});
     auto [error, fake] = accessibility().createObserver(quorvel::ProcessID{pid}, *thread,
-        [&object](const auto& about, auto notification) { object.deliver(about, notification); });
-    object.fake = std::move(fake);
+        [observer](const auto& about, auto what) { deliver(observer, about, what); });
+    contentOf<Observer>(observer).fake = std::move(fake);
     if (error == quorvel::AXError::success)
         *out = observer;
     else
@@ -325,8 +282,8 @@ AXError AXObserverCreate(pid_t pid, AXObserverCallback callback, AXObserverRef* 
 AXError AXObserverAddNotification(
     AXObserverRef ref, AXUIElementRef element, CFStringRef notification, void* context)
 {
-    auto& observer = expectObject<Observer>(ref);
-    const auto& about = expectObject<Element>(element).element;
+    auto& observer = contentOf<Observer>(ref);
+    const auto& about = contentOf<quorvel::AXElement>(element);
     const auto error = observer.fake->addNotification(about, utf8(notification));
     if (error == quorvel::AXError::success) {
         observer.registrations.push_back({about, utf8(notification), context});
@@ -338,8 +295,8 @@ AXError AXObserverAddNotification(
 AXError AXObserverRemoveNotification(
     AXObserverRef ref, AXUIElementRef element, CFStringRef notification)
 {
-    auto& observer = expectObject<Observer>(ref);
-    const auto& about = expectObject<Element>(element).element;
+    auto& observer = contentOf<Observer>(ref);
+    const auto& about = contentOf<quorvel::AXElement>(element);
     std::erase_if(observer.registrations, [&](const auto& entry) {
         return entry.element == about && entry.notification == utf8(notification);
     });
@@ -349,5 +306,5 @@ AXError AXObserverRemoveNotification(
 CFRunLoopSourceRef AXObserverGetRunLoopSource(AXObserverRef ref)
 {
     return static_cast<CFRunLoopSourceRef>(
-        const_cast<void*>(expectObject<Observer>(ref).source.get()));
+        const_cast<void*>(contentOf<Observer>(ref).source.get()));
 }

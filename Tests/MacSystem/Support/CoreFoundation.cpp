@@ -1,11 +1,7 @@
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <map>
-#include <optional>
 #include <variant>
-
-#include <glib.h>
 
 #include "Tests/MacSystem/Support/Objects.h"
 #include "Tests/MacSystem/Support/Strings.h"
@@ -15,115 +11,35 @@ namespace quorvel::test {
 
 namespace {
 
-struct Number final : Object {
-    explicit Number(std::variant<std::int64_t, double> number)
-        : Object(TypeID::number)
-        , value(number)
-    {
-    }
-    std::string description() const override
-    {
-        return "number " + std::visit([](auto number) { return std::to_string(number); }, value);
-    }
+using Number = std::variant<std::int64_t, double>;
+using Array = std::vector<Value>;
+using Dictionary = std::vector<std::pair<Value, Value>>;
 
-    std::variant<std::int64_t, double> value;
-};
-
-struct Truth final : Object {
-    explicit Truth(bool truthValue) : Object(TypeID::boolean), value(truthValue) { }
-    std::string description() const override { return value ? "true" : "false"; }
-
-    bool value;
-};
-
-struct Null final : Object {
-    Null() : Object(TypeID::null) { }
-    std::string description() const override { return "null object"; }
-};
-
-struct Array final : Object {
-    Array() : Object(TypeID::array) { }
-    std::string description() const override { return "array of " + std::to_string(values.size()); }
-    void dispose() override { values.clear(); }
-
-    std::vector<Value> values;
-};
-
-struct Dictionary final : Object {
-    Dictionary() : Object(TypeID::dictionary) { }
-    std::string description() const override
-    {
-        return "dictionary of " + std::to_string(entries.size());
-    }
-    void dispose() override { entries.clear(); }
-
-    std::vector<std::pair<Value, Value>> entries;
-};
-
-struct UUID final : Object {
-    explicit UUID(std::string_view value) : Object(TypeID::uuid), text(value) { }
-    std::string description() const override { return "uuid " + text; }
-
-    std::string text;
-};
-
-/// An object that the system never frees.
-template <typename Ref, typename Type, typename... Arguments> Ref constant(Arguments... arguments)
+template <typename Ref> Ref constant(Object object)
 {
-    auto object = std::make_unique<Type>(arguments...);
-    const auto ref = reinterpret_cast<Ref>(static_cast<Object*>(object.get()));
-    Heap::shared().addConstant(std::move(object));
-    return ref;
+    return static_cast<Ref>(Heap::shared().addConstant(std::move(object)));
 }
 
-template <typename Integer> bool store(std::variant<std::int64_t, double> from, void* to)
+/// False if the number does not fit. No test has a fraction beyond this range.
+template <typename Integer> bool store(const Number& number, void* to)
 {
     Integer result{};
     bool isExact = false;
-    if (const auto* whole = std::get_if<std::int64_t>(&from)) {
+    if (const auto* whole = std::get_if<std::int64_t>(&number)) {
         result = static_cast<Integer>(*whole); // the low bits
-        isExact = static_cast<std::int64_t>(result) == *whole;
-    } else {
-        const double value = std::get<double>(from);
-        constexpr auto low = static_cast<double>(std::numeric_limits<Integer>::min());
-        // One above the largest, which a double may not be able to hold.
-        constexpr double high = -low;
-        if (value >= high)
-            result = std::numeric_limits<Integer>::max();
-        else if (value < low)
-            result = std::numeric_limits<Integer>::min();
-        else if (!std::isnan(value))
-            result = static_cast<Integer>(value);
-        isExact = value >= low && value < high && static_cast<double>(result) == value;
+        isExact = result == *whole;
+    } else if (const double value = std::get<double>(number); std::abs(value) < 0x1p31) {
+        result = static_cast<Integer>(value);
+        isExact = static_cast<double>(result) == value;
     }
     std::memcpy(to, &result, sizeof result);
     return isExact;
 }
 
-template <typename Type> Type load(const void* from)
+Value makeNumber(Number value)
 {
-    Type value{};
-    std::memcpy(&value, from, sizeof value);
-    return value;
-}
-
-std::variant<std::int64_t, double> loadNumber(CFNumberType type, const void* from)
-{
-    switch (type) {
-    case kCFNumberSInt8Type:
-        return std::int64_t{load<std::int8_t>(from)};
-    case kCFNumberSInt16Type:
-        return std::int64_t{load<std::int16_t>(from)};
-    case kCFNumberSInt32Type:
-        return std::int64_t{load<std::int32_t>(from)};
-    case kCFNumberSInt64Type:
-        return load<std::int64_t>(from);
-    case kCFNumberFloatType:
-        return double{load<float>(from)};
-    case kCFNumberDoubleType:
-        break;
-    }
-    return load<double>(from);
+    const auto name = std::visit([](auto number) { return std::to_string(number); }, value);
+    return Value::adopt(create<CFTypeRef>(TypeID::number, "number " + name, value));
 }
 
 }
@@ -135,20 +51,17 @@ Value text(std::string_view utf8)
 
 Value utf16(std::u16string units)
 {
-    return Value::adopt(create<CFStringRef, String>(std::move(units)));
+    return Value::adopt(Heap::shared().add(textObject(std::move(units))));
 }
 
-Value number(std::int64_t value, CFNumberType width)
+Value number(std::int64_t value)
 {
-    return Value::adopt(CFNumberCreate(nullptr, width, &value)); // little-endian: the low bytes
+    return makeNumber(value);
 }
 
-Value real(double value, CFNumberType width)
+Value real(double value)
 {
-    const auto narrow = static_cast<float>(value);
-    const bool isNarrow = width == kCFNumberFloatType;
-    return Value::adopt(
-        CFNumberCreate(nullptr, width, isNarrow ? static_cast<const void*>(&narrow) : &value));
+    return makeNumber(value);
 }
 
 Value truth(bool value)
@@ -163,26 +76,18 @@ Value null()
 
 Value array(std::vector<Value> values)
 {
-    const auto ref = CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks);
-    expectObject<Array>(ref).values = std::move(values);
-    return Value::adopt(ref);
+    const auto name = "array of " + std::to_string(values.size());
+    return Value::adopt(create<CFTypeRef>(TypeID::array, name, std::move(values)));
 }
 
-Value dictionary(std::vector<std::pair<std::string, Value>> entries)
+Value dictionary(const std::vector<std::pair<std::string, Value>>& entries)
 {
-    std::vector<Value> names;
-    std::vector<const void*> keys;
-    std::vector<const void*> values;
+    Dictionary content;
     for (const auto& [name, value] : entries) {
-        if (!value)
-            continue;
-        names.push_back(text(name));
-        keys.push_back(names.back().get());
-        values.push_back(value.get());
+        if (value)
+            content.emplace_back(text(name), value);
     }
-    return Value::adopt(
-        CFDictionaryCreate(nullptr, keys.data(), values.data(), static_cast<CFIndex>(keys.size()),
-            &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    return Value::adopt(create<CFTypeRef>(TypeID::dictionary, "dictionary", std::move(content)));
 }
 
 Value rectangle(double x, double y, double width, double height)
@@ -193,7 +98,7 @@ Value rectangle(double x, double y, double width, double height)
 
 Value uuid(std::string_view value)
 {
-    return Value::adopt(create<CFUUIDRef, UUID>(value));
+    return Value::adopt(create<CFTypeRef>(TypeID::uuid, "uuid", std::string{value}));
 }
 
 }
@@ -203,9 +108,9 @@ using namespace quorvel::test;
 const CFArrayCallBacks kCFTypeArrayCallBacks{};
 const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks{};
 const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks{};
-const CFBooleanRef kCFBooleanTrue = constant<CFBooleanRef, Truth>(true);
-const CFBooleanRef kCFBooleanFalse = constant<CFBooleanRef, Truth>(false);
-const CFNullRef kCFNull = constant<CFNullRef, Null>();
+const CFBooleanRef kCFBooleanTrue = constant<CFBooleanRef>({TypeID::boolean, "true", true});
+const CFBooleanRef kCFBooleanFalse = constant<CFBooleanRef>({TypeID::boolean, "false", false});
+const CFNullRef kCFNull = constant<CFNullRef>({TypeID::null, "null object", {}});
 const CFRunLoopMode kCFRunLoopCommonModes = CFSTR("kCFRunLoopCommonModes");
 
 CFStringRef simulatedConstantString(const char* text)
@@ -213,7 +118,7 @@ CFStringRef simulatedConstantString(const char* text)
     static std::map<std::string, CFStringRef, std::less<>> constants;
     auto& known = constants[text];
     if (!known)
-        known = constant<CFStringRef, String>(decode(text).value());
+        known = constant<CFStringRef>(textObject(decode(text).value()));
     return known;
 }
 
@@ -224,12 +129,14 @@ CFTypeID CFNumberGetTypeID()
 
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value)
 {
-    return create<CFNumberRef, Number>(loadNumber(type, value));
+    return give<CFNumberRef>(type == kCFNumberDoubleType
+            ? real(*static_cast<const double*>(value))
+            : number(*static_cast<const std::int64_t*>(value)));
 }
 
 Boolean CFNumberGetValue(CFNumberRef ref, CFNumberType type, void* out)
 {
-    const auto value = expectObject<Number>(ref).value;
+    const auto& value = contentOf<Number>(ref);
     if (type == kCFNumberSInt32Type)
         return store<std::int32_t>(value, out);
     if (type == kCFNumberSInt64Type)
@@ -247,7 +154,7 @@ CFTypeID CFBooleanGetTypeID()
 
 Boolean CFBooleanGetValue(CFBooleanRef ref)
 {
-    return expectObject<Truth>(ref).value;
+    return contentOf<bool>(ref);
 }
 
 CFTypeID CFArrayGetTypeID()
@@ -257,22 +164,22 @@ CFTypeID CFArrayGetTypeID()
 
 CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef, CFIndex, const CFArrayCallBacks*)
 {
-    return create<CFMutableArrayRef, Array>();
+    return create<CFMutableArrayRef>(TypeID::array, "array", Array{});
 }
 
 void CFArrayAppendValue(CFMutableArrayRef ref, CFTypeRef value)
 {
-    expectObject<Array>(ref).values.push_back(Value::retain(value));
+    contentOf<Array>(ref).push_back(Value::retain(value));
 }
 
 CFIndex CFArrayGetCount(CFArrayRef ref)
 {
-    return static_cast<CFIndex>(expectObject<Array>(ref).values.size());
+    return static_cast<CFIndex>(contentOf<Array>(ref).size());
 }
 
 CFTypeRef CFArrayGetValueAtIndex(CFArrayRef ref, CFIndex index)
 {
-    return expectObject<Array>(ref).values.at(static_cast<std::size_t>(index)).get();
+    return contentOf<Array>(ref).at(static_cast<std::size_t>(index)).get();
 }
 
 CFTypeID CFDictionaryGetTypeID()
@@ -283,16 +190,15 @@ CFTypeID CFDictionaryGetTypeID()
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values,
     CFIndex count, const CFDictionaryKeyCallBacks*, const CFDictionaryValueCallBacks*)
 {
-    const auto ref = create<CFDictionaryRef, Dictionary>();
+    Dictionary content;
     for (CFIndex i = 0; i < count; ++i)
-        expectObject<Dictionary>(ref).entries.emplace_back(
-            Value::retain(keys[i]), Value::retain(values[i]));
-    return ref;
+        content.emplace_back(Value::retain(keys[i]), Value::retain(values[i]));
+    return create<CFDictionaryRef>(TypeID::dictionary, "dictionary", std::move(content));
 }
 
 CFTypeRef CFDictionaryGetValue(CFDictionaryRef ref, CFTypeRef key)
 {
-    for (const auto& [name, value] : expectObject<Dictionary>(ref).entries) {
+    for (const auto& [name, value] : contentOf<Dictionary>(ref)) {
         if (CFEqual(name.get(), key))
             return value.get();
     }
@@ -303,8 +209,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef ref, CGRect* rect)
 {
     const auto read = [ref](const char* key, double& value) {
         const auto entry = CFDictionaryGetValue(ref, CFSTR(key));
-        auto* number = objectAs<Number>(entry);
-        return number
+        return contentIf<Number>(entry)
             && CFNumberGetValue(static_cast<CFNumberRef>(entry), kCFNumberDoubleType, &value);
     };
     return read("X", rect->origin.x) && read("Y", rect->origin.y) && read("Width", rect->size.width)
@@ -313,5 +218,5 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef ref, CGRect* rect)
 
 CFStringRef CFUUIDCreateString(CFAllocatorRef, CFUUIDRef ref)
 {
-    return createString(expectObject<UUID>(ref).text);
+    return createString(contentOf<std::string>(ref));
 }

@@ -14,6 +14,18 @@ Heap& Heap::shared()
     return heap;
 }
 
+CFTypeRef Heap::add(Object object)
+{
+    m_objects.push_back(std::make_unique<Object>(std::move(object)));
+    return m_objects.back().get();
+}
+
+CFTypeRef Heap::addConstant(Object object)
+{
+    m_constants.push_back(std::make_unique<Object>(std::move(object)));
+    return m_constants.back().get();
+}
+
 Object& Heap::use(CFTypeRef ref)
 {
     if (!ref) {
@@ -21,41 +33,28 @@ Object& Heap::use(CFTypeRef ref)
         std::abort();
     }
     auto& object = *static_cast<Object*>(const_cast<void*>(ref));
-    if (object.m_references <= 0)
-        note("used after its release: " + object.description());
+    if (object.references <= 0)
+        note("used after its release: " + object.name);
     return object;
-}
-
-void Heap::retain(CFTypeRef ref)
-{
-    ++use(ref).m_references;
-}
-
-void Heap::release(CFTypeRef ref)
-{
-    auto& object = use(ref);
-    if (--object.m_references == 0)
-        object.dispose();
 }
 
 std::vector<std::string> Heap::takeReport()
 {
     for (const auto& object : m_objects) {
-        if (object->m_references > 0)
-            note("not released: " + object->description());
+        if (object->references > 0)
+            note("not released: " + object->name);
     }
     for (const auto& object : m_constants) {
-        if (std::exchange(object->m_references, 1) != 1)
-            note("retained and released unequally often: " + object->description());
+        if (std::exchange(object->references, 1) != 1)
+            note("retained and released unequally often: " + object->name);
     }
-    if (m_pools != 0)
+    if (std::exchange(m_pools, 0) != 0)
         note("autorelease pools are not balanced");
     auto faults = std::exchange(m_faults, {});
     for (const auto& object : m_objects)
-        object->dispose(); // what is left holds others: let go before any memory goes
+        object->content.reset(); // what is left holds others: let go before any memory goes
     m_objects.clear();
     m_faults.clear();
-    m_pools = 0;
     return faults;
 }
 
@@ -67,32 +66,38 @@ LeakCheck::~LeakCheck()
 
 }
 
-using quorvel::test::Heap;
+using namespace quorvel::test;
 
 CFTypeRef CFRetain(CFTypeRef ref)
 {
-    Heap::shared().retain(ref);
+    ++Heap::shared().use(ref).references;
     return ref;
 }
 
 void CFRelease(CFTypeRef ref)
 {
-    Heap::shared().release(ref);
+    auto& object = Heap::shared().use(ref);
+    if (--object.references == 0)
+        object.content.reset();
 }
 
 CFTypeID CFGetTypeID(CFTypeRef ref)
 {
-    return static_cast<CFTypeID>(Heap::shared().use(ref).type());
+    return static_cast<CFTypeID>(Heap::shared().use(ref).type);
 }
 
 Boolean CFEqual(CFTypeRef a, CFTypeRef b)
 {
-    return Heap::shared().use(a).equals(Heap::shared().use(b));
+    const auto& first = Heap::shared().use(a);
+    const auto& second = Heap::shared().use(b);
+    const bool haveNames = first.type == TypeID::string || first.type == TypeID::element;
+    return &first == &second
+        || (haveNames && first.type == second.type && first.name == second.name);
 }
 
 CFHashCode CFHash(CFTypeRef ref)
 {
-    return Heap::shared().use(ref).hash();
+    return std::hash<std::string>{}(Heap::shared().use(ref).name);
 }
 
 extern "C" void* objc_autoreleasePoolPush()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <any>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,39 +30,24 @@ enum class TypeID : CFTypeID {
     eventStream,
 };
 
-/// A reference-counted object of the simulated system. Memory is kept after the last release until
-/// the leak check, so that whoever still uses the object is found out.
-class Object {
-public:
-    explicit Object(TypeID type) : m_type(type) { }
-    virtual ~Object() = default;
-    Object(const Object&) = delete;
-    Object& operator=(const Object&) = delete;
-
-    TypeID type() const { return m_type; }
-    virtual std::string description() const = 0;
-    virtual bool equals(const Object& other) const { return this == &other; }
-    virtual std::size_t hash() const { return std::hash<const Object*>{}(this); }
-    /// The last reference has gone: gives up what it holds.
-    virtual void dispose() { }
-
-private:
-    friend class Heap;
-
-    TypeID m_type;
-    int m_references = 1;
+/// A reference-counted object of the simulated system.
+struct Object {
+    TypeID type{};
+    std::string name; ///< for the report; strings and elements with the same one are equal
+    std::any content; ///< given up with the last reference
+    int references = 1;
 };
 
-/// Every object of the simulated system. Misuse is noted and told by `takeReport`.
+/// Every object of the simulated system. They are kept after the last release until `takeReport`,
+/// so that whoever still uses one is found out.
 class Heap {
 public:
     /// The C calls carry no context, so there is one.
     static Heap& shared();
 
-    void add(std::unique_ptr<Object> object) { m_objects.push_back(std::move(object)); }
-    void addConstant(std::unique_ptr<Object> object) { m_constants.push_back(std::move(object)); }
-    void retain(CFTypeRef);
-    void release(CFTypeRef);
+    CFTypeRef add(Object);
+    /// One of the system's own, which is never freed.
+    CFTypeRef addConstant(Object);
     /// Using null or a released object is noted; null ends the program, as it would on the system.
     Object& use(CFTypeRef);
     void note(std::string fault) { m_faults.push_back(std::move(fault)); }
@@ -89,26 +75,25 @@ public:
 };
 
 /// Gives the first reference away, like a call with Create or Copy in its name.
-template <typename Ref, typename Type, typename... Arguments> Ref create(Arguments&&... arguments)
+template <typename Ref> Ref create(TypeID type, std::string name, std::any content)
 {
-    auto object = std::make_unique<Type>(std::forward<Arguments>(arguments)...);
-    const auto ref = reinterpret_cast<Ref>(static_cast<Object*>(object.get()));
-    Heap::shared().add(std::move(object));
-    return ref;
+    const auto ref = Heap::shared().add({type, std::move(name), std::move(content)});
+    return static_cast<Ref>(const_cast<void*>(ref));
 }
 
-/// Null if the object is of another type.
-template <typename Type> Type* objectAs(CFTypeRef ref)
-{
-    return ref ? dynamic_cast<Type*>(&Heap::shared().use(ref)) : nullptr;
-}
-/// For calls that take only an object of that type: anything else ends the program.
-template <typename Type> Type& expectObject(CFTypeRef ref)
-{
-    return dynamic_cast<Type&>(Heap::shared().use(ref));
-}
-
+/// Null for bytes that are no UTF-8.
 CFStringRef createString(std::string_view utf8);
 std::string utf8(CFStringRef);
+
+/// Null if the object holds something else.
+template <typename Content> Content* contentIf(CFTypeRef ref)
+{
+    return ref ? std::any_cast<Content>(&Heap::shared().use(ref).content) : nullptr;
+}
+/// For calls that take only such an object: anything else ends the test.
+template <typename Content> Content& contentOf(CFTypeRef ref)
+{
+    return std::any_cast<Content&>(Heap::shared().use(ref).content);
+}
 
 }

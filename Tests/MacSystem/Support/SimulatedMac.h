@@ -27,8 +27,6 @@ public:
     static SimulatedMac& current();
 
     FakeDesktop& desktop() { return m_desktop; }
-    /// The desktop's, with an eye on which thread runs.
-    Dispatch& dispatch() { return m_dispatch; }
 
     /// As a notification would bring it.
     static AXUIElementRef createWindowElement(WindowID);
@@ -39,11 +37,10 @@ public:
     void forgetAnswer(const std::string& name) { m_answers.erase(name); }
     /// The loader does not find it.
     void removeSymbol(const std::string& name) { m_removed.insert(name); }
-    void removeSkyLight() { m_hasSkyLight = false; }
-    void setPointerReadable(bool value) { m_isPointerReadable = value; }
-    /// The window server leaves the Dock's rectangle to the Dock.
-    void ignoreDockRect(bool value) { m_ignoresDockRect = value; }
-    void failDisplayCalls(bool value) { m_failsDisplayCalls = value; }
+    bool hasSkyLight = true;
+    bool isPointerReadable = true;
+    bool failsDisplayCalls = false;
+    bool ignoresDockRect = false; ///< the window server leaves it to the Dock
 
     /// Calls back whoever watches the disk, as the main queue would.
     void changeFiles();
@@ -59,13 +56,7 @@ public:
     // For the calls.
     void setEventStream(Value stream) { m_eventStream = std::move(stream); }
     const Value* answerFor(const std::string& name) const;
-    bool hasSkyLight() const { return m_hasSkyLight; }
-    bool isPointerReadable() const { return m_isPointerReadable; }
-    bool ignoresDockRect() const { return m_ignoresDockRect; }
-    bool failsDisplayCalls() const { return m_failsDisplayCalls; }
     void* symbol(bool isInSkyLight, const std::string& name) const;
-    /// The thread of the program whose work is running, if any.
-    RunLoopThread* thread() const;
     CFRunLoopRef runLoop();
     float defaultTimeout = FakeAccessibility::kDefaultTimeout;
 
@@ -83,34 +74,10 @@ public:
     } lastRegistration;
 
 private:
-    class ThreadWatch final : public Dispatch {
-    public:
-        explicit ThreadWatch(VirtualDispatch& dispatch) : m_dispatch(dispatch) { }
-        Instant now() const override { return m_dispatch.now(); }
-        Queue& main() override { return m_dispatch.main(); }
-        Queue& background() override { return m_dispatch.background(); }
-        std::unique_ptr<Queue> makeSerialQueue(
-            std::string_view label, QualityOfService quality) override
-        {
-            return m_dispatch.makeSerialQueue(label, quality);
-        }
-        std::unique_ptr<RunLoopThread> startThread(std::string_view, QualityOfService) override;
-        RunLoopThread* running() const;
-
-    private:
-        VirtualDispatch& m_dispatch;
-        std::vector<RunLoopThread*> m_threads;
-    };
-
     FakeDesktop& m_desktop;
-    ThreadWatch m_dispatch;
     std::map<std::string, Value> m_answers;
     std::set<std::string> m_removed;
     Value m_eventStream; ///< null while nobody watches
-    bool m_hasSkyLight = true;
-    bool m_isPointerReadable = true;
-    bool m_failsDisplayCalls = false;
-    bool m_ignoresDockRect = false;
     std::map<std::string, Value> m_runLoops; ///< by the label of their thread
 };
 

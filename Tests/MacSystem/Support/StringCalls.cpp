@@ -29,20 +29,18 @@ struct Letters final : xdg::UnicodeText {
     LineLayout lineLayout(std::string_view, const TextStyle&) const override { return {}; }
 };
 
-struct Locale final : Object {
-    Locale() : Object(TypeID::locale) { }
-    std::string description() const override { return "locale"; }
-};
-
 void set(CFMutableStringRef string, const std::string& utf8)
 {
-    expectObject<String>(string).text = decode(utf8).value();
+    auto& object = Heap::shared().use(string);
+    auto changed = textObject(decode(utf8).value());
+    object.name = std::move(changed.name);
+    object.content = std::move(changed.content);
 }
 
 /// What every call about letters must be given: the user's locale.
 void checkLocale(CFLocaleRef locale)
 {
-    if (!objectAs<Locale>(locale))
+    if (!locale || Heap::shared().use(locale).type != TypeID::locale)
         Heap::shared().note("text was compared or folded without a locale");
 }
 
@@ -104,20 +102,20 @@ std::optional<std::u16string> decode(std::string_view bytes)
     return out;
 }
 
-std::string String::description() const
+Object textObject(Units text)
 {
-    return "string \"" + encode(text, '?') + "\"";
+    return {TypeID::string, "string \"" + encode(text, '?') + "\"", std::move(text)};
 }
 
 CFStringRef createString(std::string_view utf8)
 {
     auto units = decode(utf8);
-    return units ? create<CFStringRef, String>(std::move(*units)) : nullptr;
+    return units ? static_cast<CFStringRef>(Heap::shared().add(textObject(*units))) : nullptr;
 }
 
 std::string utf8(CFStringRef string)
 {
-    return encode(expectObject<String>(string).text, '?');
+    return encode(contentOf<Units>(string), '?');
 }
 
 }
@@ -137,14 +135,14 @@ CFStringRef CFStringCreateWithBytes(
 
 CFIndex CFStringGetLength(CFStringRef string)
 {
-    return static_cast<CFIndex>(expectObject<String>(string).text.size());
+    return static_cast<CFIndex>(contentOf<Units>(string).size());
 }
 
 // Only the whole text is ever asked for, first its size and then its bytes.
 CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding, UInt8 lossByte,
     Boolean, UInt8* buffer, CFIndex size, CFIndex* used)
 {
-    const auto units = std::u16string_view{expectObject<String>(string).text}.substr(
+    const auto units = std::u16string_view{contentOf<Units>(string)}.substr(
         static_cast<std::size_t>(range.location), static_cast<std::size_t>(range.length));
     const auto bytes = encode(units, static_cast<char>(lossByte));
     if (buffer)
@@ -156,7 +154,7 @@ CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding, UI
 
 UniChar CFStringGetCharacterAtIndex(CFStringRef string, CFIndex index)
 {
-    return expectObject<String>(string).text.at(static_cast<std::size_t>(index));
+    return contentOf<Units>(string).at(static_cast<std::size_t>(index));
 }
 
 CFRange CFStringGetRangeOfComposedCharactersAtIndex(CFStringRef string, CFIndex index)
@@ -188,7 +186,8 @@ CFIndex CFStringCompareWithOptionsAndLocale(CFStringRef first, CFStringRef secon
 
 CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef, CFIndex, CFStringRef string)
 {
-    return create<CFMutableStringRef, String>(expectObject<String>(string).text);
+    auto copy = textObject(contentOf<Units>(string));
+    return create<CFMutableStringRef>(TypeID::string, copy.name, copy.content);
 }
 
 void CFStringFold(CFMutableStringRef string, CFStringCompareFlags flags, CFLocaleRef locale)
@@ -215,7 +214,7 @@ void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm)
 
 CFLocaleRef CFLocaleCopyCurrent()
 {
-    return create<CFLocaleRef, Locale>();
+    return create<CFLocaleRef>(TypeID::locale, "locale", {});
 }
 
 CFCharacterSetRef CFCharacterSetGetPredefined(CFCharacterSetPredefinedSet set)

@@ -9,12 +9,9 @@ namespace quorvel::test {
 
 namespace {
 
-struct Event final : Object {
-    explicit Event(Point point) : Object(TypeID::event), location(point) { }
-    std::string description() const override { return "event"; }
-
+struct Event {
     Point location;
-    std::function<void(const Event&)> post;
+    std::function<void(const Event&)> post = {};
     std::uint64_t flags = 0x100; ///< what is held while it is made
 };
 
@@ -28,26 +25,39 @@ FakeWindowServer& server()
     return desktop().windowServer();
 }
 
-/// A reference for the caller to release.
-template <typename Ref> Ref give(Value value)
+/// What the test wants the call to answer, else the truth.
+template <typename Ref> Ref answer(const char* call, const std::function<Value()>& truth)
 {
-    const auto ref = value.get();
-    if (ref)
-        CFRetain(ref);
-    return static_cast<Ref>(ref);
+    const auto* wanted = SimulatedMac::current().answerFor(call);
+    return give<Ref>(wanted ? *wanted : truth());
 }
 
-template <typename Ref> Ref give(const char* call, const std::function<Value()>& truth)
+Value valueOf(const ManagedSpace&);
+Value valueOf(const ManagedDisplay&);
+template <typename Field> Value valueOf(const std::vector<Field>&);
+
+/// As the system writes it; what is absent is none.
+template <typename Field> Value valueOf(const Field& field)
 {
-    const auto* answer = SimulatedMac::current().answerFor(call);
-    return give<Ref>(answer ? *answer : truth());
+    if constexpr (std::is_same_v<Field, std::monostate>)
+        return {};
+    else if constexpr (std::is_same_v<Field, std::string>)
+        return text(field);
+    else if constexpr (std::is_same_v<Field, Rect>)
+        return rectangle(field.x, field.y, field.width, field.height);
+    else if constexpr (std::is_floating_point_v<Field>)
+        return real(field);
+    else if constexpr (requires { field.value(); })
+        return field ? valueOf(*field) : Value{};
+    else
+        return number(static_cast<std::int64_t>(field));
 }
 
-template <typename Identifier> Value numbers(const std::vector<Identifier>& identifiers)
+template <typename Field> Value valueOf(const std::vector<Field>& fields)
 {
     std::vector<Value> values;
-    for (const auto identifier : identifiers)
-        values.push_back(number(static_cast<std::int64_t>(raw(identifier))));
+    for (const auto& field : fields)
+        values.push_back(valueOf(field));
     return array(std::move(values));
 }
 
@@ -63,52 +73,30 @@ template <typename Identifier> std::vector<Identifier> identifiers(CFArrayRef nu
     return found;
 }
 
-template <typename Field, typename Make>
-Value optional(const std::optional<Field>& field, Make make)
+Value valueOf(const ManagedSpace& space)
 {
-    return field ? make(*field) : Value{};
+    return dictionary({{"id64", valueOf(space.id64)},
+        {"ManagedSpaceID", valueOf(space.managedSpaceID)}, {"type", valueOf(space.type)}});
 }
 
-/// The numbers have the widths that they come in.
+Value valueOf(const ManagedDisplay& display)
+{
+    const auto identifier
+        = std::visit([](const auto& known) { return valueOf(known); }, display.identifier);
+    return dictionary({{"Display Identifier", identifier}, {"Spaces", valueOf(display.spaces)},
+        {"Current Space", valueOf(display.currentSpace)}});
+}
+
 Value entryFor(const CGWindowInfo& info)
 {
-    const auto name = [](const std::string& value) { return text(value); };
-    const auto number32
-        = [](auto value) { return number(static_cast<std::int64_t>(value), kCFNumberSInt32Type); };
-    return dictionary(
-        {{std::string{CGWindowKeys::windowNumber}, optional(info.windowNumber, number32)},
-            {std::string{CGWindowKeys::ownerPID}, optional(info.ownerPID, number32)},
-            {std::string{CGWindowKeys::layer}, optional(info.layer, number32)},
-            {std::string{CGWindowKeys::alpha},
-                optional(info.alpha, [](float value) { return real(value, kCFNumberFloatType); })},
-            {std::string{CGWindowKeys::bounds},
-                optional(info.bounds,
-                    [](const Rect& r) { return rectangle(r.x, r.y, r.width, r.height); })},
-            {std::string{CGWindowKeys::ownerName}, optional(info.ownerName, name)},
-            {std::string{CGWindowKeys::windowName}, optional(info.windowName, name)}});
-}
-
-Value entryFor(const ManagedSpace& space)
-{
-    const auto wide = [](auto value) { return number(static_cast<std::int64_t>(value)); };
-    return dictionary({{"id64", optional(space.id64, wide)},
-        {"ManagedSpaceID", optional(space.managedSpaceID, wide)},
-        {"type", optional(space.type, wide)}});
-}
-
-Value entryFor(const ManagedDisplay& display)
-{
-    Value identifier;
-    if (const auto* name = std::get_if<std::string>(&display.identifier))
-        identifier = text(*name);
-    else if (const auto* value = std::get_if<std::int64_t>(&display.identifier))
-        identifier = number(*value);
-    std::vector<Value> spaces;
-    for (const auto& space : display.spaces)
-        spaces.push_back(entryFor(space));
-    return dictionary({{"Display Identifier", identifier}, {"Spaces", array(std::move(spaces))},
-        {"Current Space",
-            optional(display.currentSpace, [](const auto& space) { return entryFor(space); })}});
+    const auto entry = [](std::string_view key, const auto& field) {
+        return std::pair{std::string{key}, valueOf(field)};
+    };
+    return dictionary({entry(CGWindowKeys::windowNumber, info.windowNumber),
+        entry(CGWindowKeys::ownerPID, info.ownerPID), entry(CGWindowKeys::layer, info.layer),
+        entry(CGWindowKeys::alpha, info.alpha), entry(CGWindowKeys::bounds, info.bounds),
+        entry(CGWindowKeys::ownerName, info.ownerName),
+        entry(CGWindowKeys::windowName, info.windowName)});
 }
 
 constexpr int kConnection = 77;
@@ -120,32 +108,23 @@ int mainConnection()
 
 CFArrayRef copyManagedDisplaySpaces(int connection)
 {
-    return give<CFArrayRef>("CopyManagedDisplaySpaces", [connection]() -> Value {
-        const auto displays = server().managedDisplaySpaces();
-        if (!displays || connection != kConnection)
-            return {};
-        std::vector<Value> entries;
-        for (const auto& display : *displays)
-            entries.push_back(entryFor(display));
-        return array(std::move(entries));
+    return answer<CFArrayRef>("CopyManagedDisplaySpaces", [connection]() -> Value {
+        return connection == kConnection ? valueOf(server().managedDisplaySpaces()) : Value{};
     });
 }
 
 CFArrayRef copyWindowsWithOptionsAndTags(
     int, std::uint32_t, CFArrayRef spaces, std::uint32_t options, std::uint64_t*, std::uint64_t*)
 {
-    return give<CFArrayRef>("CopyWindowsWithOptionsAndTags", [=]() -> Value {
-        const auto windows = server().windowsOfSpaces(identifiers<SpaceID>(spaces), options);
-        return windows ? numbers(*windows) : Value{};
-    });
+    return answer<CFArrayRef>("CopyWindowsWithOptionsAndTags",
+        [=] { return valueOf(server().windowsOfSpaces(identifiers<SpaceID>(spaces), options)); });
 }
 
 CFArrayRef copySpacesForWindows(int, int mask, CFArrayRef windows)
 {
-    return give<CFArrayRef>("CopySpacesForWindows", [=]() -> Value {
-        const auto spaces = server().spacesOfWindows(
-            static_cast<std::uint32_t>(mask), identifiers<WindowID>(windows));
-        return spaces ? numbers(*spaces) : Value{};
+    return answer<CFArrayRef>("CopySpacesForWindows", [=] {
+        return valueOf(server().spacesOfWindows(
+            static_cast<std::uint32_t>(mask), identifiers<WindowID>(windows)));
     });
 }
 
@@ -179,7 +158,7 @@ void spaceSetEdgeReservation(
 void setDockRect(int, CGRect rect, int reason, int orientation)
 {
     auto& mac = SimulatedMac::current();
-    if (!mac.ignoresDockRect())
+    if (!mac.ignoresDockRect)
         mac.dockRect = {
             {rect.origin.x, rect.origin.y, rect.size.width, rect.size.height}, reason, orientation};
 }
@@ -219,15 +198,14 @@ CFArrayRef copyRunningApplicationArray(int session)
 {
     if (session != -2)
         return nullptr;
-    return give<CFArrayRef>("CopyRunningApplicationArray", [] { return array({}); });
+    return answer<CFArrayRef>("CopyRunningApplicationArray", [] { return array({}); });
 }
 
 CFDictionaryRef copyApplicationInformation(int session, CFTypeRef serial, CFArrayRef keys)
 {
-    const auto* text = objectAs<Object>(serial);
-    if (session != -2 || keys || !text)
+    if (session != -2 || keys || !serial)
         return nullptr;
-    return give<CFDictionaryRef>(text->description().c_str(), [] { return Value{}; });
+    return answer<CFDictionaryRef>(Heap::shared().use(serial).name.c_str(), [] { return Value{}; });
 }
 
 template <typename Function> void* address(Function* function)
@@ -280,7 +258,7 @@ using namespace quorvel::test;
 void* simulatedOpen(const char* path, int)
 {
     auto& mac = SimulatedMac::current();
-    return mac.hasSkyLight() && std::string_view{path}.ends_with("/SkyLight") ? &mac : nullptr;
+    return mac.hasSkyLight && std::string_view{path}.ends_with("/SkyLight") ? &mac : nullptr;
 }
 
 void* simulatedSymbol(void* library, const char* name)
@@ -291,7 +269,7 @@ void* simulatedSymbol(void* library, const char* name)
 
 CFArrayRef CGWindowListCopyWindowInfo(CGWindowListOption options, CGWindowID)
 {
-    return give<CFArrayRef>(__func__, [options] {
+    return answer<CFArrayRef>(__func__, [options] {
         std::vector<Value> entries;
         server().enumerateWindows(
             options, [&](const auto& info) { entries.push_back(entryFor(info)); });
@@ -307,7 +285,7 @@ CGDirectDisplayID CGMainDisplayID()
 CGError CGGetActiveDisplayList(
     std::uint32_t limit, CGDirectDisplayID* displays, std::uint32_t* count)
 {
-    if (SimulatedMac::current().failsDisplayCalls())
+    if (SimulatedMac::current().failsDisplayCalls)
         return kCGErrorFailure;
     *count = 0;
     for (const auto display : desktop().displays().activeDisplays(limit))
@@ -319,7 +297,7 @@ CGError CGGetActiveDisplayList(
 CGError CGGetDisplaysWithPoint(
     CGPoint point, std::uint32_t limit, CGDirectDisplayID* displays, std::uint32_t* count)
 {
-    if (SimulatedMac::current().failsDisplayCalls())
+    if (SimulatedMac::current().failsDisplayCalls)
         return kCGErrorFailure;
     const auto display = desktop().displays().displayAt({point.x, point.y});
     *count = display ? 1 : 0;
@@ -330,7 +308,7 @@ CGError CGGetDisplaysWithPoint(
 
 CFUUIDRef CGDisplayCreateUUIDFromDisplayID(CGDirectDisplayID display)
 {
-    return give<CFUUIDRef>(__func__, [display]() -> Value {
+    return answer<CFUUIDRef>(__func__, [display]() -> Value {
         const auto identifier = desktop().displays().identifier(quorvel::DisplayNumber{display});
         return identifier ? uuid(*identifier) : Value{};
     });
@@ -338,49 +316,46 @@ CFUUIDRef CGDisplayCreateUUIDFromDisplayID(CGDirectDisplayID display)
 
 CGEventRef CGEventCreate(CGEventSourceRef)
 {
-    if (!SimulatedMac::current().isPointerReadable())
+    if (!SimulatedMac::current().isPointerReadable)
         return nullptr;
-    return create<CGEventRef, Event>(desktop().displays().pointerLocation());
+    return create<CGEventRef>(
+        TypeID::event, "event", Event{desktop().displays().pointerLocation()});
 }
 
 CGPoint CGEventGetLocation(CGEventRef event)
 {
-    const auto location = expectObject<Event>(event).location;
+    const auto location = contentOf<Event>(event).location;
     return CGPointMake(location.x, location.y);
 }
 
 CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode keyCode, bool isDown)
 {
-    const auto event = create<CGEventRef, Event>(quorvel::Point{});
-    expectObject<Event>(event).post = [keyCode, isDown](const Event& self) {
+    const auto post = [keyCode, isDown](const Event& self) {
         server().postKeyEvent(
             keyCode, isDown ? quorvel::KeyAction::down : quorvel::KeyAction::up, self.flags);
     };
-    return event;
+    return create<CGEventRef>(TypeID::event, "event", Event{{}, post});
 }
 
 CGEventRef CGEventCreateMouseEvent(CGEventSourceRef, CGEventType type, CGPoint point, CGMouseButton)
 {
     using quorvel::PointerPost;
-    const auto event = create<CGEventRef, Event>(quorvel::Point{point.x, point.y});
-    expectObject<Event>(event).post = [type](const Event& self) {
-        const auto post = type == kCGEventLeftMouseDown ? PointerPost::pressed
-            : type == kCGEventLeftMouseUp               ? PointerPost::released
-            : type == kCGEventLeftMouseDragged          ? PointerPost::dragged
-                                                        : PointerPost::moved;
-        server().postPointerEvent(post, self.location);
-    };
-    return event;
+    const auto kind = type == kCGEventLeftMouseDown ? PointerPost::pressed
+        : type == kCGEventLeftMouseUp               ? PointerPost::released
+        : type == kCGEventLeftMouseDragged          ? PointerPost::dragged
+                                                    : PointerPost::moved;
+    const auto post = [kind](const Event& self) { server().postPointerEvent(kind, self.location); };
+    return create<CGEventRef>(TypeID::event, "event", Event{{point.x, point.y}, post});
 }
 
 void CGEventSetFlags(CGEventRef event, CGEventFlags flags)
 {
-    expectObject<Event>(event).flags = flags;
+    contentOf<Event>(event).flags = flags;
 }
 
 void CGEventPost(CGEventTapLocation, CGEventRef event)
 {
-    const auto& posted = expectObject<Event>(event);
+    const auto& posted = contentOf<Event>(event);
     posted.post(posted);
 }
 
