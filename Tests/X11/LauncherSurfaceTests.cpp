@@ -1,3 +1,4 @@
+#include <xcb/xfixes.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "Tests/X11/Support/DesktopFixture.h"
@@ -112,5 +113,38 @@ INSTANTIATE_TEST_SUITE_P(, LauncherSurfaces,
     testing::Values(
         ManagerKind::openbox, ManagerKind::xfwm4, ManagerKind::metacity, ManagerKind::icewm),
     managerName);
+
+// Fault: the pointer of whatever is below, over a bare root a cross.
+TEST(SurfaceCursors, areArrowsOverAnyRoot)
+{
+    XServer server;
+    Connection screen{server.display()};
+    auto* raw = screen.get();
+    screen.wait(xcb_xfixes_query_version_reply, xcb_xfixes_query_version(raw, 4, 0));
+    const auto font = xcb_generate_id(raw);
+    const auto cross = xcb_generate_id(raw);
+    xcb_open_font(raw, font, 6, "cursor");
+    xcb_create_glyph_cursor(raw, cross, font, font, 0, 1, 0, 0, 0, 0xFFFF, 0xFFFF, 0xFFFF);
+    xcb_change_window_attributes(raw, screen.root(), XCB_CW_CURSOR, &cross);
+    const auto isArrow = [&] { // its tip is in a corner
+        const auto image
+            = screen.wait(xcb_xfixes_get_cursor_image_reply, xcb_xfixes_get_cursor_image(raw));
+        return image && image->xhot * 4 < image->width && image->yhot * 4 < image->height;
+    };
+    Pointer pointer{server.display()};
+    SurfaceHost surfaces{server};
+    pointer.moveTo(250, 400);
+    ASSERT_FALSE(isArrow());
+    for (const auto kind : {PanelKind::launcher, PanelKind::menu, PanelKind::popup}) {
+        SurfaceRecord record;
+        const auto panel = surfaces.make(kind, record);
+        panel->setCursor(Cursor::arrow);
+        panel->setFrame({100, 300, 300, 200});
+        panel->orderFront();
+        EXPECT_TRUE(surfaces.host.runUntil(isArrow));
+        panel->orderOut();
+        EXPECT_TRUE(surfaces.host.runUntil([&] { return !isArrow(); }));
+    }
+}
 
 }

@@ -100,6 +100,11 @@ bool PopupWindow::setFrame(const Rect& frame)
     return true;
 }
 
+void PopupWindow::setCursor(xcb_cursor_t cursor)
+{
+    xcb_change_window_attributes(m_connection.raw(), m_window, XCB_CW_CURSOR, &cursor);
+}
+
 void PopupWindow::makePicture()
 {
     m_picture.reset();

@@ -24,6 +24,8 @@ public:
     /// True if the picture must be repainted.
     bool setFrame(const Rect&);
     bool setComposited(bool);
+    /// None: the one of the root.
+    void setCursor(xcb_cursor_t);
     /// The surface to paint on; null for lack of memory.
     cairo_surface_t* picture() const { return m_picture ? m_picture.get() : m_buffer.surface(); }
     /// Shows these parts of the picture; the window comes up with the first ones.

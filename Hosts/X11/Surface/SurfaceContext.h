@@ -15,6 +15,7 @@ struct PanelEnvironment;
 
 namespace quorvel::xdg::x11 {
 
+class ArrowCursor;
 class Compositing;
 class Connection;
 class FrameIntervals;
@@ -33,6 +34,7 @@ struct SurfaceContext {
     AccessibleSurfaces& accessible;
     Compositing& compositing;
     InputGrabs& grabs;
+    ArrowCursor& arrow;
 
     /// Pixels per point.
     double scale() const;

@@ -6,6 +6,7 @@
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Monitors.h"
+#include "Hosts/X11/Surface/ArrowCursor.h"
 #include "Hosts/X11/Surface/Compositing.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/PartPainter.h"
@@ -71,6 +72,7 @@ void X11Popup::orderFront()
     m_context.compositing.refresh();
     m_window = std::make_unique<PopupWindow>(m_context.connection, m_options.title,
         windowKindOf(m_options.kind), m_context.compositing.isActive().value());
+    m_window->setCursor(m_context.arrow.id());
     if (m_opacity < 1)
         m_window->setOpacity(m_opacity);
     m_accessible = m_context.accessible.add(*this, m_client);

@@ -37,6 +37,7 @@ public:
     bool takeKeyboard() override;
     void releaseKeyboard() override { m_grab.release(); }
     bool grabInput() override;
+    void setCursor(Cursor) override { } // the arrow from the start, like all of them
     void textInputDidChange() override { m_grab.textInputDidChange(); }
     void forgetComposition() override { m_grab.forgetComposition(); }
     void accessibleTreeDidChange() override;

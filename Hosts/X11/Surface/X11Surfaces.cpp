@@ -16,8 +16,9 @@ X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monit
     , m_keyboard(connection)
     , m_grabs(connection, dispatch, m_keyboard, m_presses)
     , m_compositing(connection)
+    , m_arrow(connection)
     , m_context{connection, dispatch, monitors, environment, appearance, m_shaper, m_frames,
-          m_accessible, m_compositing, m_grabs}
+          m_accessible, m_compositing, m_grabs, m_arrow}
     , m_text(m_shaper, monitors.coordinates().scale)
     , m_appearance(appearance.subscribe([this](auto& now) {
         m_shaper.setFont(now.font); // before any view measures with it

@@ -8,6 +8,7 @@
 #include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Selection/X11Clipboard.h"
+#include "Hosts/X11/Surface/ArrowCursor.h"
 #include "Hosts/X11/Surface/Compositing.h"
 #include "Hosts/X11/Surface/DisplayWindow.h"
 #include "Hosts/X11/Surface/FrameIntervals.h"
@@ -49,6 +50,7 @@ private:
     Keyboard m_keyboard;
     InputGrabs m_grabs;
     Compositing m_compositing;
+    ArrowCursor m_arrow;
     SurfaceContext m_context;
     PangoText m_text;
     std::optional<X11Clipboard> m_clipboard; ///< made when it is first asked for
