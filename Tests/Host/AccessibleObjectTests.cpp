@@ -237,7 +237,7 @@ TEST_F(AccessibleObjects, tellWhatIsTypedAndChosen)
     listen(node, "text-selection-changed", G_CALLBACK(onSelection));
     listen(node, "state-change::focused", G_CALLBACK(onState));
     listen(items, "active-descendant-changed", G_CALLBACK(onDescendant));
-    EXPECT_EQ(announced(), std::vector<std::string>{"focused on"});
+    EXPECT_EQ(announced(), (std::vector<std::string>{"focused on", "Calculator"}));
 
     field.state.text = AccessibleText{"Grüße zwei", "Search", 0, 0, 2};
     EXPECT_EQ(announced(), (std::vector<std::string>{"2 1 ö", "2 1 ü", "caret 0", "selection"}));

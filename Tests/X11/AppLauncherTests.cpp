@@ -6,6 +6,8 @@
 
 #include "Tests/X11/Support/DesktopFixture.h"
 #include "Tests/X11/Support/Keyboard.h"
+#include "Tests/X11/Support/ScreenReader.h"
+#include "Tests/X11/Support/SelectionPeer.h"
 
 namespace quorvel::x11tests {
 
@@ -85,6 +87,14 @@ protected:
             return testing::AssertionResult(now == wanted) << now;
         });
     }
+    testing::AssertionResult asksFor(const std::string& query)
+    {
+        return eventually([&] {
+            const auto launcher = bar->state().launcher;
+            return testing::AssertionResult(launcher && launcher->query == query)
+                << (launcher ? launcher->query : "closed");
+        });
+    }
     void type(std::initializer_list<std::uint32_t> symbols)
     {
         for (const auto symbol : symbols)
@@ -125,7 +135,7 @@ TEST_P(AppLaunchers, openAndCloseOverAWindowThatKeepsTheFocus)
     type({XKB_KEY_z, XKB_KEY_Down, XKB_KEY_Down, XKB_KEY_Down});
     EXPECT_TRUE(shows("Zoo Zinc *Zebra"));
     type({XKB_KEY_Escape});
-    EXPECT_TRUE(eventually([&] { return bar->state().launcher->query.empty(); }));
+    EXPECT_TRUE(asksFor(""));
     type({XKB_KEY_Escape});
     EXPECT_TRUE(isOpen(false));
 
@@ -157,10 +167,10 @@ TEST_P(AppLaunchers, keepThePinsInTheOrderTheyWereDraggedTo)
     open();
     for (const std::string id : {"Zebra", "Zinc", "Zoo"}) {
         type({XKB_KEY_z});
-        ASSERT_TRUE(eventually([&] { return bar->state().launcher->query == "z"; }));
+        ASSERT_TRUE(asksFor("z"));
         pin(id);
         type({XKB_KEY_Escape});
-        ASSERT_TRUE(eventually([&] { return bar->state().launcher->query.empty(); }));
+        ASSERT_TRUE(asksFor(""));
     }
     ASSERT_TRUE(eventually([&] { return rows().starts_with("*[Zebra] [Zinc] [Zoo] "); }));
     const auto to = row("Zoo", "pinned");
@@ -173,5 +183,104 @@ TEST_P(AppLaunchers, keepThePinsInTheOrderTheyWereDraggedTo)
 }
 
 QUORVEL_UNDER_EACH_MANAGER(AppLaunchers);
+
+/// One of the programs opens a window.
+class AppLauncherFocus : public AppLaunchers {
+protected:
+    AppLauncherFocus()
+    {
+        std::ofstream(server.folder() / "data" / "applications" / "quiz.desktop")
+            << "[Desktop Entry]\nType=Application\nName=Quiz\n"
+               "Exec=xterm -T Launched -geometry 40x10+500+450\n";
+    }
+};
+
+// Faults: a focus that is not where it was before; a window that stays behind the one in use.
+TEST_P(AppLauncherFocus, returnsUnlessAProgramIsStarted)
+{
+    open();
+    EXPECT_EQ(desktop.activeWindow(), window);
+    type({XKB_KEY_Escape});
+    EXPECT_TRUE(isOpen(false));
+    ASSERT_TRUE(settles(*bar));
+    EXPECT_EQ(desktop.activeWindow(), window);
+
+    open();
+    pointer.click(bar->state().launcher->field); // which is no reason to close
+    type({XKB_KEY_z});
+    EXPECT_TRUE(asksFor("z"));
+    pointer.click(desktop.frame(window));
+    EXPECT_TRUE(isOpen(false));
+    ASSERT_TRUE(settles(*bar));
+    EXPECT_EQ(desktop.activeWindow(), window);
+
+    open();
+    type({XKB_KEY_q, XKB_KEY_u, XKB_KEY_i});
+    EXPECT_TRUE(shows("*quiz"));
+    type({XKB_KEY_Return});
+    EXPECT_TRUE(isOpen(false));
+    ASSERT_TRUE(eventually([&] { return desktop.clientTitled("Launched").has_value(); }));
+    EXPECT_TRUE(becomesActive(*desktop.clientTitled("Launched")));
+}
+
+INSTANTIATE_TEST_SUITE_P(, AppLauncherFocus,
+    testing::Values(
+        ManagerKind::openbox, ManagerKind::xfwm4, ManagerKind::metacity, ManagerKind::icewm),
+    managerName);
+
+/// What no manager has a part in.
+class LauncherFields : public AppLaunchers { };
+
+// Faults: a text of another program that does not arrive, or with no end; one that is cut and
+// cannot be pasted elsewhere.
+TEST_P(LauncherFields, pasteAndCopy)
+{
+    constexpr std::uint8_t control = 37, a = 38, x = 53, v = 55;
+    SelectionPeer peer{server.display()};
+    const auto served = [&](auto condition) {
+        return eventually([&] {
+            peer.serve();
+            return condition();
+        });
+    };
+    open();
+    peer.own("CLIPBOARD", {{"UTF8_STRING", std::string(300'000, 'q')}});
+    keyboard.chord(control, v);
+    EXPECT_TRUE(served([&] { return bar->state().launcher->query.size() > 900; }));
+    peer.own("CLIPBOARD", {{"UTF8_STRING", "zebra"}});
+    keyboard.chord(control, a);
+    keyboard.chord(control, v);
+    EXPECT_TRUE(served([&] { return bar->state().launcher->query == "zebra"; }));
+    keyboard.chord(control, a);
+    keyboard.chord(control, x);
+    EXPECT_TRUE(asksFor(""));
+    peer.request("CLIPBOARD", "UTF8_STRING");
+    EXPECT_TRUE(served([&] { return peer.hasAnswer(); }));
+    EXPECT_EQ(peer.answer(), "zebra");
+}
+
+class AccessibleLauncher : public AppLaunchers { };
+
+// Faults: a launcher that opens, a letter that is typed or a row that is chosen, and nobody hears
+// of it; a text that a reader cannot read or change.
+TEST_P(AccessibleLauncher, isReadWhileTheUserTypes)
+{
+    ScreenReader reader{server};
+    ASSERT_TRUE(eventually([&] { return !reader.elementsOf("Quorvel").empty(); }));
+    const auto hears = [&](const std::string& event, const std::string& text) {
+        return eventually([&] { return reader.hasHeard(event, text); });
+    };
+    open();
+    EXPECT_TRUE(hears("object:state-changed:focused:on", "Search"));
+    type({XKB_KEY_z, XKB_KEY_i});
+    EXPECT_TRUE(hears("object:text-changed:insert", "z"));
+    EXPECT_TRUE(hears("object:state-changed:selected:on", "Zinc"));
+    EXPECT_TRUE(reader.setText("Quorvel", "Search", "zin"));
+    EXPECT_TRUE(asksFor("zin"));
+    EXPECT_EQ(reader.text("Quorvel", "Search"), "zin");
+}
+
+INSTANTIATE_TEST_SUITE_P(, LauncherFields, testing::Values(ManagerKind::openbox), managerName);
+INSTANTIATE_TEST_SUITE_P(, AccessibleLauncher, testing::Values(ManagerKind::openbox), managerName);
 
 }

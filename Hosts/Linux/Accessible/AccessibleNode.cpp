@@ -99,8 +99,8 @@ AccessibleNode::AccessibleNode(AccessibleNode& parent, std::string id)
     , m_object(makeAccessibleObject(m_atk, m_kind, *this))
 {
     m_told = describe();
-    // Where the keyboard is, is told of a new element too.
-    m_told.states &= ~(bit(ATK_STATE_ACTIVE) | bit(ATK_STATE_FOCUSED));
+    // Where the keyboard is, and what is chosen, is told of a new element too.
+    m_told.states &= ~(bit(ATK_STATE_ACTIVE) | bit(ATK_STATE_FOCUSED) | bit(ATK_STATE_SELECTED));
 }
 
 AccessibleNode::~AccessibleNode()
@@ -462,8 +462,6 @@ void AccessibleNode::placeAt(std::size_t index, const std::string& id)
     auto& placed = *child;
     m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(index), std::move(child));
     emitChildren("children-changed::add", index, placed);
-    if (placed.m_told.has(ATK_STATE_SELECTED))
-        announceSelection(placed);
 }
 
 std::unique_ptr<AccessibleNode> AccessibleNode::take(std::size_t index)

@@ -83,7 +83,8 @@ ScreenReader::ScreenReader(const XServer& server)
     EXPECT_EQ(atspi_init(), 0);
     m_listener = atspi_event_listener_new(&ScreenReader::onEvent, this, nullptr);
     for (const auto* event : {"object:property-change:accessible-name",
-             "object:state-changed:checked", "object:children-changed"})
+             "object:state-changed:checked", "object:state-changed:focused",
+             "object:state-changed:selected", "object:text-changed", "object:children-changed"})
         EXPECT_TRUE(atspi_event_listener_register(m_listener, event, nullptr));
 }
 
@@ -134,6 +135,48 @@ ScreenReader::Element ScreenReader::find(const std::string& program, const std::
             return std::move(element);
     }
     return nullptr;
+}
+
+ScreenReader::Element ScreenReader::field(
+    const std::string& program, const std::string& fieldName) const
+{
+    std::vector<Element> open;
+    if (auto application = programNamed(program))
+        open.push_back(std::move(application));
+    while (!open.empty()) {
+        const auto element = std::move(open.back());
+        open.pop_back();
+        for (auto& child : childrenOf(element.get())) {
+            if (atspi_accessible_get_role(child.get(), nullptr) == ATSPI_ROLE_ENTRY
+                && name(child).find(fieldName) != std::string::npos)
+                return std::move(child);
+            open.push_back(std::move(child));
+        }
+    }
+    return nullptr;
+}
+
+std::string ScreenReader::text(const std::string& program, const std::string& fieldName) const
+{
+    const auto found = field(program, fieldName);
+    auto* text = found ? atspi_accessible_get_text_iface(found.get()) : nullptr;
+    if (!text)
+        return {};
+    const auto all = takeText(atspi_text_get_text(text, 0, -1, nullptr));
+    g_object_unref(text);
+    return all;
+}
+
+bool ScreenReader::setText(
+    const std::string& program, const std::string& fieldName, const std::string& text) const
+{
+    const auto found = field(program, fieldName);
+    auto* editable = found ? atspi_accessible_get_editable_text_iface(found.get()) : nullptr;
+    if (!editable)
+        return false;
+    const bool isSet = atspi_editable_text_set_text_contents(editable, text.c_str(), nullptr);
+    g_object_unref(editable);
+    return isSet;
 }
 
 std::string ScreenReader::name(const Element& element)

@@ -35,6 +35,11 @@ public:
     /// The one whose name contains the text; null if there is none.
     Element find(const std::string& program, const std::string& text) const;
 
+    /// Of the text field of that name, wherever it is; empty if there is none.
+    std::string text(const std::string& program, const std::string& fieldName) const;
+    bool setText(
+        const std::string& program, const std::string& fieldName, const std::string& text) const;
+
     static std::string name(const Element&);
     static bool has(const Element&, AtspiStateType);
     static Frame frame(const Element&);
@@ -53,6 +58,7 @@ private:
         std::string name; ///< of what it is about
     };
 
+    Element field(const std::string& program, const std::string& fieldName) const;
     static void onEvent(AtspiEvent*, void* self);
     GVariant* call(const char* name, const char* path, const char* interface, const char* member,
         GVariant* arguments) const;

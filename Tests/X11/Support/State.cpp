@@ -94,7 +94,8 @@ static void from_json(const Json& json, State::Launcher::Row& row)
 }
 static void from_json(const Json& json, State::Launcher& launcher)
 {
-    read(json, "frame", launcher.frame, "query", launcher.query, "rows", launcher.rows);
+    read(json, "frame", launcher.frame, "query", launcher.query, "field", launcher.field,
+        "keyFocus", launcher.keyFocus, "rows", launcher.rows);
 }
 
 namespace {

@@ -91,6 +91,8 @@ struct State {
         };
         Frame frame;
         std::string query;
+        Frame field; ///< of its search
+        std::optional<std::string> keyFocus; ///< what a screen reader calls it
         std::vector<Row> rows; ///< with applications, in sight
     };
 
