@@ -12,7 +12,7 @@ using LauncherPinTest = LauncherFixture;
 // MARK: The menu of a row
 
 // Faults: a pin that cannot be taken back; a pin to the bar of what the bar cannot find; a menu
-// that closes the launcher below it, or leaves it without the keyboard.
+// that leaves the launcher below it without the keyboard.
 TEST_F(LauncherPinTest, theMenuOfARowOpensAndPins)
 {
     install("Script", false);
@@ -21,7 +21,7 @@ TEST_F(LauncherPinTest, theMenuOfARowOpensAndPins)
     openMenuOf("Maps");
     EXPECT_THAT(rows(), HasSubstr("*Maps"));
     EXPECT_THAT(desktop.surfaces().menuTitles(), ElementsAre("Open", "", "Pin to"));
-    desktop.surfaces().menu()->click({800, 20}); // elsewhere: the menu's affair
+    launcher().click({150, 20}); // beside the menu
     desktop.drain();
     EXPECT_FALSE(desktop.surfaces().menu());
     EXPECT_TRUE(isOpen());
@@ -56,6 +56,73 @@ TEST_F(LauncherPinTest, theMenuOfARowOpensAndPins)
     desktop.drain();
     EXPECT_THAT(opened(), ElementsAre(pathOf("Mail")));
     EXPECT_FALSE(isOpen());
+}
+
+// Faults: a click elsewhere leaves the launcher open; a key, or a menu instead of the first, closes
+// it because the pointer happens to be elsewhere.
+TEST_F(LauncherPinTest, aPressElsewhereClosesTheMenuAndTheLauncher)
+{
+    startWithApplications();
+    clickButton();
+    panel().movePointer({700, 10});
+    key(KeyCode::menu);
+    ASSERT_TRUE(desktop.surfaces().menu());
+    desktop.surfaces().closeMenu();
+    desktop.drain();
+    EXPECT_TRUE(isOpen());
+
+    key(KeyCode::menu);
+    elements().back()->performAccessibleAction(1);
+    desktop.drain();
+    EXPECT_TRUE(isOpen());
+    ASSERT_TRUE(desktop.surfaces().menu());
+    EXPECT_THAT(rows(), EndsWith("*Safari"));
+    panel().click({700, 10});
+    desktop.drain();
+    EXPECT_FALSE(desktop.surfaces().menu());
+    EXPECT_FALSE(isOpen());
+}
+
+// Faults: what the application offers is missing, runs together with the entries above, does
+// something else, or leaves the launcher open.
+TEST_F(LauncherPinTest, theMenuOfARowHasWhatTheApplicationOffers)
+{
+    desktop.workspace().offeredActions[pathOf("Mail")]
+        = {{"compose", "New Message"}, {"fetch", "Get Mail"}};
+    startWithApplications();
+    clickButton();
+    openMenuOf("Mail");
+    EXPECT_THAT(desktop.surfaces().menuTitles(),
+        ElementsAre("Open", "", "Pin to", "", "New Message", "Get Mail"));
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Get Mail"));
+    desktop.drain();
+    EXPECT_THAT(opened(), ElementsAre("fetch of " + pathOf("Mail")));
+    EXPECT_FALSE(isOpen());
+}
+
+// Fault: a system's own menu tells what was chosen after the launcher has gone, and is not heard.
+TEST_F(LauncherPinTest, whatWasChosenOpensAlthoughTheLauncherHasGone)
+{
+    struct : NativeMenus {
+        void popUpMenu(
+            PanelSurface&, Menu menu, const Rect&, std::function<void(MenuEnding)>) override
+        {
+            entries = std::move(menu);
+        }
+        void closeMenu() override { }
+        Menu entries;
+    } native;
+    desktop.surfaces().setNativeMenus(&native);
+    startWithApplications();
+    clickButton();
+    openMenuOf("Mail");
+    ASSERT_THAT(native.entries, Not(IsEmpty()));
+    desktop.activateSpace(SpaceID{2});
+    settle();
+    ASSERT_FALSE(isOpen());
+    native.entries.front().action();
+    EXPECT_THAT(opened(), ElementsAre(pathOf("Mail")));
+    desktop.surfaces().setNativeMenus(nullptr);
 }
 
 // Faults: a menu that outlives the launcher.

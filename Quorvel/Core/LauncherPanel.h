@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 
 #include "Quorvel/Platform/Surfaces.h"
 
@@ -11,15 +10,20 @@ class AppLauncher;
 class PinStore;
 class UserSettings;
 
+/// Why the launcher wants to close.
+enum class LauncherDismissal {
+    primaryPress, ///< elsewhere, before the view there receives it
+    other,
+};
+
 /// What the launcher shows, and whom it tells that it wants to close. What is referred to outlives
 /// the panel.
 struct LauncherContents {
     AppLauncher& appLauncher;
     PinStore& pinStore;
     const UserSettings& settings;
-    /// Called at most once. The place of the press that it is for (points, global top-left origin),
-    /// if it is for one.
-    std::function<void(const std::optional<Point>& press)> onDismiss;
+    /// Called at most once.
+    std::function<void(LauncherDismissal)> onDismiss;
 };
 
 /// The list of all applications as those see it who place it; the views draw it. It asks to be

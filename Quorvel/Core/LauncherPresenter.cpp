@@ -1,20 +1,12 @@
 #include "Quorvel/Core/LauncherPresenter.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "Quorvel/Core/Bar.h"
 #include "Quorvel/Platform/Application.h"
 
 namespace quorvel {
-
-namespace {
-
-/// Between the place where the system saw a press and the one where it says that the pointer is.
-constexpr double kSamePlace = 2; // points
-
-}
 
 LauncherPresenter::LauncherPresenter(const Platform& platform, BarFactory& factory,
     AppLauncher& appLauncher, PinStore& pinStore, const UserSettings& settings)
@@ -34,14 +26,14 @@ void LauncherPresenter::show(const Bar& anchor)
     close();
     if (!frame)
         return;
-    m_closingPress.reset();
+    m_isClosedByPrimaryPress = false;
     m_anchor = anchorOf(anchor);
     m_panel = m_factory.makeLauncher(
         {.display = anchor.display(), .title = "Applications", .kind = PanelKind::launcher},
         {.appLauncher = m_appLauncher,
             .pinStore = m_pinStore,
             .settings = m_settings,
-            .onDismiss = [this](auto& press) { dismissed(press); }});
+            .onDismiss = [this](auto dismissal) { dismissed(dismissal); }});
     if (onOpenChanged)
         onOpenChanged(true);
     m_panel->open(*frame);
@@ -55,16 +47,18 @@ void LauncherPresenter::close()
     m_closed.push_back(std::move(m_panel));
     m_closed.back()->close();
     m_platform.dispatch.main().async([weak = m_weak.reference()] {
-        if (auto* presenter = weak.get())
+        if (auto* presenter = weak.get()) {
             presenter->m_closed.clear();
+            presenter->m_isClosedByPrimaryPress = false;
+        }
     });
     if (onOpenChanged)
         onOpenChanged(false);
 }
 
-void LauncherPresenter::dismissed(const std::optional<Point>& press)
+void LauncherPresenter::dismissed(LauncherDismissal dismissal)
 {
-    m_closingPress = press;
+    m_isClosedByPrimaryPress = dismissal == LauncherDismissal::primaryPress;
     close();
 }
 
@@ -72,19 +66,13 @@ void LauncherPresenter::dismissed(const std::optional<Point>& press)
 
 bool LauncherPresenter::buttonPressed(const Bar& bar)
 {
-    auto press = std::exchange(m_closingPress, {});
+    bool hasClosed = std::exchange(m_isClosedByPrimaryPress, false);
     if (anchorOf(bar) != m_anchor)
         return false;
-    // Systems tell of a press either before or after the bar hears of it, or not at all.
+    // Where the system does not report presses it is still open.
     bool isOpen = m_panel != nullptr;
     close();
-    return isOpen || (press && isAtPointer(*press));
-}
-
-bool LauncherPresenter::isAtPointer(Point place) const
-{
-    auto pointer = m_platform.displays.pointerLocation();
-    return std::hypot(pointer.x - place.x, pointer.y - place.y) <= kSamePlace;
+    return isOpen || hasClosed;
 }
 
 void LauncherPresenter::buttonTapped(const Bar& bar)

@@ -55,8 +55,7 @@ private:
     };
 
     static Anchor anchorOf(const Bar&);
-    void dismissed(const std::optional<Point>& press);
-    bool isAtPointer(Point) const;
+    void dismissed(LauncherDismissal);
     std::optional<Rect> frameFor(const Bar&) const;
 
     const Platform m_platform;
@@ -65,7 +64,7 @@ private:
     PinStore& m_pinStore;
     const UserSettings& m_settings;
     Anchor m_anchor;
-    std::optional<Point> m_closingPress; ///< until the next press of a button that opens it
+    bool m_isClosedByPrimaryPress = false; ///< only while that event is handled
     std::unique_ptr<LauncherPanel> m_panel;
     std::vector<std::unique_ptr<LauncherPanel>> m_closed; ///< destroyed in the next turn
     WeakOwner<LauncherPresenter> m_weak{*this};

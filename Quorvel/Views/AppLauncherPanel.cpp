@@ -30,7 +30,7 @@ AppLauncherPanel::AppLauncherPanel(const Platform& platform, Menus& menus,
     m_hostingView.setContent(std::move(content));
     auto monitor = [&](PointerScope scope) {
         return m_platform.surfaces.monitorPresses(
-            scope, [this](auto& place, auto&) { pressedAt(place); });
+            scope, [this](auto& place, auto& button) { pressed(place, button); });
     };
     m_localMouseEventMonitor = monitor(PointerScope::ownWindows);
     m_globalMouseEventMonitor = monitor(PointerScope::otherPrograms);
@@ -48,11 +48,20 @@ void AppLauncherPanel::connectContent()
     onArrowDown = [this] { m_content->moveSelection(1); };
     onReturn = [this] { m_content->openSelected(); };
     m_content->onKey = [this](auto& event) { return keyPressed(event); };
-    m_content->onLaunch = [this](auto& app) { launch(app); };
-    m_content->onActionChosen = [this](auto& app, auto& action) {
-        m_platform.workspace.perform(action, app.path());
-        requestDismiss();
+    // Copies of these two are in menus, which may outlive the panel.
+    auto dismiss = [weak = m_weak.reference()] {
+        if (auto* panel = weak.get())
+            panel->requestDismiss();
     };
+    m_content->onLaunch = [&workspace = m_platform.workspace, dismiss](auto& app) {
+        workspace.openApplication(app.path());
+        dismiss();
+    };
+    m_content->onActionChosen
+        = [&workspace = m_platform.workspace, dismiss](auto& app, auto& action) {
+              workspace.perform(action, app.path());
+              dismiss();
+          };
     m_content->onMenuRequested
         = [this](Menu menu, const Rect& anchor) { popUp(std::move(menu), anchor); };
 }
@@ -72,44 +81,51 @@ void AppLauncherPanel::close()
     m_didRequestDismiss = true;
     m_localMouseEventMonitor = {};
     m_globalMouseEventMonitor = {};
-    if (std::exchange(m_isMenuOpen, false))
+    if (std::exchange(m_openMenus, 0) > 0)
         m_menus.close();
     m_surface->releaseKeyboard();
     m_surface->orderOut();
 }
 
-void AppLauncherPanel::requestDismiss(const std::optional<Point>& press)
+void AppLauncherPanel::requestDismiss(LauncherDismissal dismissal)
 {
     if (std::exchange(m_didRequestDismiss, true))
         return;
     if (m_onDismissHandler)
-        m_onDismissHandler(press);
+        m_onDismissHandler(dismissal);
 }
 
-/// A menu has the pointer to itself, wherever it is.
-void AppLauncherPanel::pressedAt(Point globalTopLeft)
+/// While a menu is open it has the pointer to itself; its end tells of a press outside.
+void AppLauncherPanel::pressed(Point globalTopLeft, PointerButton button)
+{
+    if (m_openMenus == 0 && isOutside(globalTopLeft))
+        requestDismiss(button == PointerButton::primary ? LauncherDismissal::primaryPress
+                                                        : LauncherDismissal::other);
+}
+
+bool AppLauncherPanel::isOutside(Point globalTopLeft) const
 {
     auto screens = m_platform.displays.screens();
-    if (m_isMenuOpen || screens.empty() || !m_surface->isVisible())
-        return;
-    auto frame = m_surface->frame().flipped(screens.front().frame.height);
-    if (!frame.contains(globalTopLeft))
-        requestDismiss(globalTopLeft);
-}
-
-void AppLauncherPanel::launch(const AppInfo& app)
-{
-    m_platform.workspace.openApplication(app.path());
-    requestDismiss();
+    return !screens.empty() && m_surface->isVisible()
+        && !m_surface->frame().flipped(screens.front().frame.height).contains(globalTopLeft);
 }
 
 void AppLauncherPanel::popUp(Menu menu, const Rect& anchor)
 {
-    m_isMenuOpen = true;
-    m_menus.popUp(*m_surface, std::move(menu), anchor, [weak = m_weak.reference()](MenuEnding) {
-        if (auto* panel = weak.get())
-            panel->m_isMenuOpen = false;
-    });
+    ++m_openMenus;
+    m_menus.popUp(
+        *m_surface, std::move(menu), anchor, [weak = m_weak.reference()](MenuEnding ending) {
+            if (auto* panel = weak.get())
+                panel->menuClosed(ending);
+        });
+}
+
+void AppLauncherPanel::menuClosed(MenuEnding ending)
+{
+    if (m_openMenus == 0 || --m_openMenus > 0)
+        return;
+    if (ending == MenuEnding::dismissed && isOutside(m_platform.displays.pointerLocation()))
+        requestDismiss();
 }
 
 bool AppLauncherPanel::keyPressed(const KeyEvent& event)

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 #include "Quorvel/Core/LauncherPanel.h"
 #include "Quorvel/Platform/WeakOwner.h"
@@ -40,16 +39,17 @@ public:
 private:
     void connectContent();
     bool keyPressed(const KeyEvent&);
-    void pressedAt(Point globalTopLeft);
-    void launch(const AppInfo&);
+    void pressed(Point globalTopLeft, PointerButton);
+    bool isOutside(Point globalTopLeft) const;
     void popUp(Menu, const Rect& anchor);
-    void requestDismiss(const std::optional<Point>& press = {});
+    void menuClosed(MenuEnding);
+    void requestDismiss(LauncherDismissal = LauncherDismissal::other);
 
     const Platform m_platform;
     Menus& m_menus;
-    std::function<void(const std::optional<Point>& press)> m_onDismissHandler;
+    std::function<void(LauncherDismissal)> m_onDismissHandler;
     bool m_didRequestDismiss = false;
-    bool m_isMenuOpen = false;
+    int m_openMenus = 0; ///< one that replaces another is open before that one has told its end
     BarHostingView m_hostingView{BarHostingView::Keyboard::own};
     std::unique_ptr<PanelSurface> m_surface;
     AppLauncherContent* m_content = nullptr;

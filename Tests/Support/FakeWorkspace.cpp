@@ -98,6 +98,12 @@ void FakeWorkspace::openFiles(const std::vector<std::string>& paths, const Appli
     beginLaunch(url);
 }
 
+std::vector<ApplicationAction> FakeWorkspace::actions(const ApplicationURL& url) const
+{
+    auto offered = offeredActions.find(url.path);
+    return offered == offeredActions.end() ? std::vector<ApplicationAction>{} : offered->second;
+}
+
 void FakeWorkspace::perform(const ApplicationAction& action, const ApplicationURL& url)
 {
     m_opened.push_back(action.identifier + " of " + url.path);

@@ -37,7 +37,7 @@ public:
     void openNewInstance(const ApplicationURL&) override;
     void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
     void openFile(const std::string& path) override { m_opened.push_back(path); }
-    std::vector<ApplicationAction> actions(const ApplicationURL&) const override { return {}; }
+    std::vector<ApplicationAction> actions(const ApplicationURL&) const override;
     void perform(const ApplicationAction&, const ApplicationURL&) override;
     void requestTermination(ProcessID) override { }
     bool isSelfActive() const override { return m_isSelfActive; }
@@ -51,6 +51,8 @@ public:
     /// The application cannot be started, as the system finds out some time later.
     void failToLaunch(const std::string& bundleIdentifier);
     void setSelfActive(bool value) { m_isSelfActive = value; }
+    /// By the application's path.
+    std::map<std::string, std::vector<ApplicationAction>> offeredActions;
 
     // What the program did.
     enum class Activation { cooperative, direct };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -84,6 +85,18 @@ struct LauncherFixture : BarFixture {
     {
         launcher().click(rowFrame(id, section).centre(), PointerButton::secondary);
         desktop.drain();
+    }
+    /// Of the whole panel, as a screen reader comes by them.
+    std::vector<AccessibleElement*> elements()
+    {
+        std::vector<AccessibleElement*> found;
+        std::function<void(AccessibleElement&)> visit = [&](AccessibleElement& element) {
+            found.push_back(&element);
+            for (auto* child : element.accessibleChildren())
+                visit(*child);
+        };
+        visit(*launcher().accessibleRoot());
+        return found;
     }
     std::vector<std::string> opened() { return desktop.workspace().opened(); }
     bool says(const std::string& text) { return launcher().render().text(text) != nullptr; }
