@@ -1,6 +1,7 @@
 // The menu of the launcher's rows, pinning, and pins that are dragged.
 #include <gmock/gmock.h>
 
+#include "Quorvel/Views/AppListCoordinator.h"
 #include "Tests/Support/LauncherFixture.h"
 
 namespace quorvel::test {
@@ -141,7 +142,8 @@ TEST_F(LauncherPinTest, takesItsMenuAlongWhenItCloses)
 // MARK: Dragging pins
 
 // Faults: a preview of another order than the drop makes; a pin that is not installed loses its
-// place; a jump back to the top afterwards.
+// place; a jump back to the top afterwards; one into its place instead of a fall; a screen reader
+// that hears the numbers of before.
 TEST_F(LauncherPinTest, aPinIsDraggedToAnotherPlaceAmongThePins)
 {
     startWithApplications();
@@ -154,11 +156,19 @@ TEST_F(LauncherPinTest, aPinIsDraggedToAnotherPlaceAmongThePins)
     EXPECT_THAT(rows(), StartsWith("*[Mail] [Maps] "));
     launcher().movePointer({mail.x, mail.y + 40});
     EXPECT_THAT(rows(), StartsWith("[Maps] *[Mail] "));
+    std::vector<std::size_t> numbers;
+    for (auto* element : elements()) {
+        if (auto position = element->accessibleState().position)
+            numbers.push_back(position->index);
+    }
+    EXPECT_TRUE(std::ranges::is_sorted(numbers));
     EXPECT_EQ(pinned().front(), "Mail");
     launcher().movePointer({mail.x, music.y + 10});
     desktop.advance(seconds(1));
     EXPECT_EQ(pinPlace("Maps"), mail);
     launcher().release({mail.x, music.y + 10});
+    desktop.advance(AppListTableView::Coordinator::kFallIntoPlace / 2);
+    EXPECT_THAT(pinPlace("Mail").y, AllOf(Gt(music.y), Lt(music.y + 10)));
     desktop.advance(seconds(1));
     EXPECT_THAT(pinned(), ElementsAre("gone", "Maps", "Music", "Mail", "also gone"));
     EXPECT_EQ(pinPlace("Mail"), music);

@@ -219,6 +219,14 @@ TEST_F(LauncherTest, listsThePinsAndBelowThemEverything)
     type("x\"");
     EXPECT_TRUE(says("No apps matching \"max\"\""));
     EXPECT_EQ(rows(), "");
+    auto isReadAs = [&](const std::string& text) {
+        return std::ranges::any_of(elements(), [&](auto* element) {
+            return element->accessibleID() == "message" && element->accessibleState().name == text;
+        });
+    };
+    EXPECT_TRUE(isReadAs("No apps matching \"max\"\""));
+    type("y");
+    EXPECT_TRUE(isReadAs("No apps matching \"max\"y\""));
     key(KeyCode::enter);
     EXPECT_TRUE(isOpen());
     key(KeyCode::escape);
@@ -261,6 +269,54 @@ TEST_F(LauncherTest, followsTheCatalogue)
     desktop.uninstall(pathOf("App 101"));
     settle();
     EXPECT_THAT(rows(), AllOf(HasSubstr("*App 100"), Not(HasSubstr("App 101"))));
+}
+
+// Faults: what was selected for another query stays selected, perhaps out of sight; an application
+// that comes or goes takes the user back to the top.
+TEST_F(LauncherTest, onlyAnotherQueryLeadsToTheTop)
+{
+    names = {"01", "02", "03", "04", "05", "06", "07", "08", "09", "10", "11", "12", "13", "14"};
+    startWithApplications();
+    clickButton();
+    for (int step = 0; step < 12; ++step)
+        key(KeyCode::down);
+    EXPECT_THAT(rows(), EndsWith("*13"));
+    auto first = shown().rowPlaces().front().frame;
+    install("15");
+    settle();
+    EXPECT_THAT(rows(), EndsWith("*13"));
+    EXPECT_EQ(shown().rowPlaces().front().frame, first);
+    install("00");
+    settle();
+    EXPECT_THAT(rows(), EndsWith("12")); // the list is where it was
+    key(KeyCode::down);
+    EXPECT_THAT(rows(), EndsWith("*14"));
+
+    type(" "); // all the rows as before
+    EXPECT_THAT(rows(), StartsWith("*00 01"));
+    key(KeyCode::pageDown);
+    key(KeyCode::pageDown);
+    type("0");
+    EXPECT_THAT(rows(), StartsWith("*0"));
+    key(KeyCode::escape);
+    for (int step = 0; step < 20; ++step)
+        key(KeyCode::down);
+    desktop.uninstall(pathOf("15"));
+    settle();
+    EXPECT_THAT(rows(), StartsWith("*00 01"));
+}
+
+// Fault: the icons are those for the screen that the launcher was made on.
+TEST_F(LauncherTest, iconsAreAsSharpAsTheScreenIsNow)
+{
+    startWithApplications();
+    clickButton();
+    auto times
+        = [&] { return std::ranges::count(desktop.workspace().renderedIcons(), pathOf("Mail")); };
+    EXPECT_EQ(times(), 1);
+    desktop.model().displays.front().scale = 2;
+    type("ma");
+    EXPECT_EQ(times(), 2);
 }
 
 // MARK: Keys

@@ -141,8 +141,10 @@ TEST_F(ListViewTest, costsWhatIsInSightHoweverManyRowsThereAre)
     EXPECT_EQ(panel->paints().front().damage, (Rect{0, 100, 100, 20}));
     EXPECT_THAT(seen(), Contains("*4995"));
 
-    list->scrollTo(0);
-    EXPECT_THAT(seen(), Each(Not(StartsWith("*"))));
+    rows.filled = 0;
+    list->reload(0);
+    EXPECT_LE(rows.filled, 10);
+    EXPECT_THAT(seen(), AllOf(Contains("0"), Each(Not(StartsWith("*")))));
     rows.names.resize(3);
     list->reload();
     EXPECT_THAT(seen(), UnorderedElementsAre("0", "1", "2"));

@@ -51,15 +51,14 @@ AppLauncherContent::AppLauncherContent(const Inputs& inputs)
                 .icons = m_inputs.appLauncher.icons(),
                 .dispatch = platform.dispatch,
                 .palette = m_palette,
-                .scale = m_inputs.surface.scale(),
-                .frameInterval = m_inputs.surface.frameInterval()}),
+                .surface = m_inputs.surface}),
         m_palette, platform.dispatch));
     m_placeholder = &addChild(std::make_unique<AppLauncherPlaceholder>(platform.text, m_palette));
     m_inputs.appLauncher.searchQuery.set("");
     connect();
     subscribe();
     appearanceDidChange();
-    updateItems();
+    updateItems(Change::query);
 }
 
 AppLauncherContent::~AppLauncherContent() = default;
@@ -90,18 +89,19 @@ void AppLauncherContent::subscribe()
 {
     auto keep
         = [this](Subscription subscription) { m_subscriptions.push_back(std::move(subscription)); };
-    auto itemsMayDiffer = [this](auto&...) { updateItems(); };
-    keep(m_inputs.appLauncher.allApps().subscribe(itemsMayDiffer));
-    keep(m_inputs.appLauncher.searchQuery.subscribe(itemsMayDiffer));
-    keep(m_inputs.pinStore.pinnedApps().subscribe(itemsMayDiffer));
-    auto looksMayDiffer = [this](auto&...) { appearanceDidChange(); };
-    keep(m_inputs.platform.application.appearance().subscribe(looksMayDiffer));
-    keep(m_inputs.settings.data().subscribe(looksMayDiffer));
+    auto items = [this](Change change) { return [this, change](auto&) { updateItems(change); }; };
+    keep(m_inputs.appLauncher.allApps().subscribe(items(Change::catalogue)));
+    keep(m_inputs.appLauncher.searchQuery.subscribe(items(Change::query)));
+    keep(m_inputs.pinStore.pinnedApps().subscribe(items(Change::pins)));
+    keep(m_inputs.platform.application.appearance().subscribe(
+        [this](auto&) { appearanceDidChange(); }));
+    keep(m_inputs.settings.data().subscribe(
+        [this](auto&) { m_background->setTheme(m_inputs.settings.theme()); }));
 }
 
 // MARK: What it shows
 
-void AppLauncherContent::updateItems()
+void AppLauncherContent::updateItems(Change change)
 {
     auto items = listItems(m_inputs.appLauncher, m_inputs.pinStore);
     bool hasApps = std::ranges::any_of(items, [](auto& item) { return item.app() != nullptr; });
@@ -110,7 +110,7 @@ void AppLauncherContent::updateItems()
     else if (!hasApps)
         m_placeholder->showNoMatch(query());
     m_isListShown = hasApps;
-    coordinator().setItems(std::move(items));
+    coordinator().setItems(std::move(items), change);
     layout();
     m_inputs.surface.accessibleTreeDidChange();
 }
@@ -140,6 +140,7 @@ void AppLauncherContent::layout()
         {Style::fieldInset, Style::fieldTop, width - 2 * Style::fieldInset, Style::fieldHeight});
     Rect list{Style::listInset, Style::listTop, width - 2 * Style::listInset,
         std::max(0.0, bounds().height - Style::listTop - Style::listInset)};
+    m_table->list().setFrameInterval(m_inputs.surface.frameInterval());
     m_table->setFrame(m_isListShown ? list : Rect{});
     m_placeholder->setFrame(m_isListShown ? Rect{} : list);
 }

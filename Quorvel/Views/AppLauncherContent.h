@@ -74,13 +74,15 @@ public:
     AccessibleState accessibleState() const override;
 
 private:
+    using Change = AppListTableView::Coordinator::Change;
+
     bool isColumn() const override { return true; }
     void layout() override;
     void paint(Canvas&) const override;
     AppListTableView::Coordinator& coordinator() { return m_table->coordinator(); }
     void connect();
     void subscribe();
-    void updateItems();
+    void updateItems(Change);
     void appearanceDidChange();
 
     const Inputs m_inputs;

@@ -14,7 +14,8 @@ struct Style {
     static constexpr LabelView::Look label{.size = 13,
         .alignment = TextAlignment::centre,
         .color = &Palette::quietText,
-        .mostLines = 3};
+        .mostLines = 3,
+        .id = "message"};
 };
 
 }

@@ -5,6 +5,7 @@
 
 #include "Quorvel/Core/AppIcons.h"
 #include "Quorvel/Core/PinStore.h"
+#include "Quorvel/Platform/Surfaces.h"
 #include "Quorvel/Views/AppListTableRowView.h"
 
 namespace quorvel {
@@ -29,30 +30,51 @@ AppListTableView::Coordinator::~Coordinator() = default;
 void AppListTableView::Coordinator::setTableView(ListView& list)
 {
     m_tableView = &list;
-    m_tableView->setFrameInterval(m_inputs.frameInterval);
 }
 
 void AppListTableView::Coordinator::setRightToLeft(bool isRightToLeft)
 {
-    m_isRightToLeft = isRightToLeft;
+    if (std::exchange(m_isRightToLeft, isRightToLeft) == isRightToLeft)
+        return;
     m_tableView->setRightToLeft(isRightToLeft);
-    m_tableView->reload();
+    refill();
 }
 
 // MARK: The rows
 
-void AppListTableView::Coordinator::setItems(std::vector<AppListItem> items)
+void AppListTableView::Coordinator::setItems(std::vector<AppListItem> items, Change change)
 {
     bool looksAsBefore = std::ranges::equal(
         m_items, items, [](auto& before, auto& now) { return before.looksLike(now); });
+    auto kept = change == Change::catalogue ? rowOfSelectedIn(items) : std::nullopt;
     if (!looksAsBefore)
         abandonDrag();
     m_items = std::move(items);
-    if (looksAsBefore)
-        return;
-    m_tableView->reload();
-    m_tableView->select(m_tableView->selectableBeside({}, 1));
-    m_tableView->scrollTo(0);
+    bool leadsToTop = change == Change::query || (!looksAsBefore && !kept);
+    if (!looksAsBefore)
+        m_tableView->reload(leadsToTop ? std::optional{0.0} : std::nullopt);
+    else if (leadsToTop)
+        m_tableView->scrollTo(0);
+    if (leadsToTop)
+        m_tableView->select(m_tableView->selectableBeside({}, 1));
+    else if (!looksAsBefore)
+        m_tableView->select(kept);
+}
+
+std::optional<ListView::Row> AppListTableView::Coordinator::rowOfSelectedIn(
+    const std::vector<AppListItem>& items) const
+{
+    auto row = m_tableView->selectedRow();
+    if (!row)
+        return {};
+    auto& selected = *m_items[*row].app();
+    auto found = std::ranges::find_if(items, [&](auto& item) {
+        return item.app() && item.app()->section == selected.section
+            && item.app()->app.id() == selected.app.id();
+    });
+    if (found == items.end())
+        return {};
+    return static_cast<Row>(found - items.begin());
 }
 
 int AppListTableView::Coordinator::rowKind(std::size_t row) const
@@ -65,7 +87,7 @@ std::unique_ptr<ListRowView> AppListTableView::Coordinator::makeRowView(int kind
     auto item = std::ranges::find_if(m_items,
         [&](auto& candidate) { return static_cast<int>(candidate.content.index()) == kind; });
     auto view = std::make_unique<AppListTableRowView>(m_inputs.palette, *item);
-    view->onTapped = [this](auto& row) { onLaunch(row.item().app()->app); };
+    view->onTapped = [this](auto& row) { onLaunch(AppInfo{row.item().app()->app}); };
     view->onMenu = [this](auto& row, auto& anchor) {
         select(rowOf(row));
         onMenu(AppInfo{row.item().app()->app}, anchor);
@@ -83,7 +105,7 @@ void AppListTableView::Coordinator::fillRowView(ListRowView& view, std::size_t r
     rowView.setRightToLeft(m_isRightToLeft);
     rowView.setSuppressSelectionHighlight(m_activePinnedDragAppID.has_value());
     if (item.app())
-        rowView.setIcon(m_inputs.icons.icon(item.app()->app, m_inputs.scale));
+        rowView.setIcon(m_inputs.icons.icon(item.app()->app, m_inputs.surface.scale()));
 }
 
 /// Among the applications: the others are not counted when they are read.
@@ -113,6 +135,12 @@ void AppListTableView::Coordinator::iconDidArrive(const std::string& id)
         if (app && (id.empty() || app->app.id() == id))
             fillRowView(*m_tableView->rowView(row), row);
     }
+}
+
+void AppListTableView::Coordinator::refill()
+{
+    for (auto row : m_tableView->rowsWithViews())
+        fillRowView(*m_tableView->rowView(row), row);
 }
 
 // MARK: The selection
@@ -153,7 +181,8 @@ void AppListTableView::Coordinator::showMenuOfSelected()
     if (!row)
         return;
     m_tableView->revealRow(*row);
-    m_tableView->rowView(*row)->showContextMenu();
+    if (auto* view = m_tableView->rowView(*row))
+        view->showContextMenu();
 }
 
 // MARK: Dragging pins
@@ -203,14 +232,15 @@ void AppListTableView::Coordinator::dragged(
 
 bool AppListTableView::Coordinator::beginDrag(AppListTableRowView& view, Point translation)
 {
-    auto& data = view.drag.data;
-    auto row = pinRow(data.text);
-    if (data.type != kPinnedAppPasteboardType || !row)
+    auto& id = view.drag.data.text;
+    auto row = pinRow(id);
+    if (!row)
         return false;
-    m_activePinnedDragAppID = data.text;
+    m_activePinnedDragAppID = id;
     m_activePinnedDragBaseIDs = m_inputs.pinStore.pinnedAppIDs(PinDestination::launcher);
     m_activePinnedDragPreviewIDs = m_activePinnedDragBaseIDs;
     m_grip = m_dragPointer.y - translation.y - m_tableView->rowFrame(*row).y;
+    m_tableView->setFrameInterval(m_inputs.surface.frameInterval());
     suppressSelectionHighlight(true);
     return true;
 }
@@ -326,10 +356,10 @@ void AppListTableView::Coordinator::scrollForDrag()
     }
     if (m_dragScroll.isPending())
         return;
-    m_dragScroll = m_inputs.dispatch.main().after(m_inputs.frameInterval, [this, isAtTop, below] {
+    auto interval = m_inputs.surface.frameInterval();
+    m_dragScroll = m_inputs.dispatch.main().after(interval, [this, interval, isAtTop, below] {
         m_dragScroll = {};
-        double step
-            = Style::scrollSpeed * std::chrono::duration<double>(m_inputs.frameInterval).count();
+        double step = Style::scrollSpeed * std::chrono::duration<double>(interval).count();
         m_tableView->scrollTo(m_tableView->offset() + (isAtTop ? -step : std::min(step, below)));
         moveDrag();
     });

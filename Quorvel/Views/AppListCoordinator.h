@@ -13,6 +13,7 @@ namespace quorvel {
 
 class AppIcons;
 class AppListTableRowView;
+class PanelSurface;
 class PinStore;
 
 /// Which rows the launcher's list has and what happens to them: they are selected, opened, and pins
@@ -24,8 +25,7 @@ public:
         AppIcons& icons;
         Dispatch& dispatch;
         const Palette& palette;
-        double scale = 1; ///< pixels per point
-        Duration frameInterval{};
+        const PanelSurface& surface; ///< which may come to other screens
     };
 
     static constexpr Duration kMakeRoom = seconds(0.16);
@@ -43,8 +43,14 @@ public:
     std::function<void(const AppInfo&, const Rect& anchor)> onMenu;
 
     const std::vector<AppListItem>& items() const { return m_items; }
-    /// Selects the first application and scrolls to the top, unless all look as before.
-    void setItems(std::vector<AppListItem>);
+    /// What made the list another one.
+    enum class Change {
+        query, ///< always leads to the top
+        pins, ///< leads to the top unless all rows look as before, as they do after a drop
+        catalogue, ///< leads to the top only if the selected application has gone
+    };
+    /// At the top, the first application is selected.
+    void setItems(std::vector<AppListItem>, Change);
 
     /// Null if there is none.
     const AppInfo* selectedApp() const;
@@ -53,11 +59,6 @@ public:
     void moveSelectionByPage(int side);
     void openSelected();
     void showMenuOfSelected();
-    /// The identifier of the pin that is dragged.
-    const std::optional<std::string>& activePinnedDragAppID() const
-    {
-        return m_activePinnedDragAppID;
-    }
 
     std::size_t rowCount() const override { return m_items.size(); }
     double rowHeight(std::size_t row) const override { return m_items[row].rowHeight(); }
@@ -72,6 +73,8 @@ private:
     std::optional<Row> rowOf(const ListRowView&) const;
     std::optional<AccessiblePosition> position(Row) const;
     void iconDidArrive(const std::string& id);
+    std::optional<Row> rowOfSelectedIn(const std::vector<AppListItem>&) const;
+    void refill();
     void select(std::optional<Row>);
 
     /// Where the pins begin, or else where they would.
@@ -96,7 +99,7 @@ private:
     ListView* m_tableView = nullptr;
     std::vector<AppListItem> m_items;
     bool m_isRightToLeft = false;
-    std::optional<std::string> m_activePinnedDragAppID;
+    std::optional<std::string> m_activePinnedDragAppID; ///< of the pin that is dragged
     std::vector<std::string> m_activePinnedDragBaseIDs; ///< when the drag began
     std::vector<std::string> m_activePinnedDragPreviewIDs; ///< as they would be after a drop
     Point m_dragPointer; ///< in the list

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Quorvel/Platform/Text.h"
@@ -19,6 +20,9 @@ public:
         Color Palette::*color = &Palette::text;
         std::size_t mostLines = 1;
         AccessibleRole role = AccessibleRole::label;
+        /// For assistive programs, which then hear of other text; if empty, other text is another
+        /// element.
+        std::string_view id{};
     };
 
     /// Text and palette outlive it.
@@ -38,7 +42,10 @@ public:
 
     bool isAccessible() const override { return true; }
     bool takesKeyboard() const override { return false; }
-    std::string accessibleID() const override { return m_text; }
+    std::string accessibleID() const override
+    {
+        return m_look.id.empty() ? m_text : std::string{m_look.id};
+    }
     AccessibleState accessibleState() const override;
 
 private:

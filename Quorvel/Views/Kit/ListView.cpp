@@ -57,7 +57,7 @@ void ListView::measure()
         m_tops.push_back(m_tops.back() + m_rows.rowHeight(row));
 }
 
-void ListView::reload()
+void ListView::reload(std::optional<double> offset)
 {
     m_gliding.stop();
     m_shifts.clear();
@@ -65,15 +65,20 @@ void ListView::reload()
         m_shown[*m_lifted].view->setLifted(false);
     m_lifted.reset();
     measure();
-    auto count = m_rows.rowCount();
+    if (offset) {
+        m_wheel = {};
+        m_isGestureOurs = false;
+    }
+    m_offset = std::clamp(offset.value_or(m_offset), 0.0, mostOffset());
+    auto inSight = rowsInSight();
     for (auto row : rowsWithViews()) {
         auto [view, kind] = m_shown[row];
-        if (row < count && m_rows.rowKind(row) == kind)
+        if (std::ranges::binary_search(inSight, row) && m_rows.rowKind(row) == kind)
             m_rows.fillRowView(*view, row);
         else
             spare(row);
     }
-    if (m_selected && (*m_selected >= count || !m_rows.isSelectable(*m_selected)))
+    if (m_selected && (*m_selected >= m_rows.rowCount() || !m_rows.isSelectable(*m_selected)))
         select({});
     layout();
 }
@@ -111,7 +116,13 @@ void ListView::moveRow(Row from, Row to, Duration length)
     m_shown = std::move(shown);
     m_selected = selected;
     m_lifted = lifted;
+    // Each row may say which one it is.
+    for (Row row = std::min(from, to); row <= std::max(from, to); ++row) {
+        if (auto* view = rowView(row))
+            m_rows.fillRowView(*view, row);
+    }
     glide(std::move(shifts), length);
+    tellChanged();
 }
 
 void ListView::glide(Shifts from, Duration length)

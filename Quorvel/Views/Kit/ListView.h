@@ -31,8 +31,8 @@ public:
     ~ListView() override;
 
     /// There are other rows. Nothing glides any more; the selection stays at its number if that row
-    /// can be selected.
-    void reload();
+    /// can be selected. The offset becomes this one; it stays as far as possible if absent.
+    void reload(std::optional<double> offset = {});
     /// The row went to another place among the others, which glide there from where they are seen.
     /// The selection goes with its row.
     void moveRow(Row from, Row to, Duration);
@@ -48,7 +48,7 @@ public:
     /// The farthest row that can be selected within a page from this one; at least the next one.
     std::optional<Row> selectableAPageFrom(std::optional<Row>, int side) const;
 
-    /// Other rows are in sight, or another one is selected.
+    /// Other rows are in sight, or in another order, or another one is selected.
     std::function<void()> onChanged;
 
     /// The height of what lies above the part in sight.
