@@ -89,13 +89,15 @@ TEST_P(LauncherSurfaces, haveTheKeysUntilAPressOutside)
 TEST_P(LauncherSurfaces, waitForAKeyboardThatIsHeld)
 {
     Connection holder{server.display()};
-    const auto hold = [&] {
-        const auto reply = holder.wait(xcb_grab_keyboard_reply,
-            xcb_grab_keyboard(holder.get(), false, holder.root(), XCB_CURRENT_TIME,
-                XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
-        ASSERT_TRUE(reply && reply->status == XCB_GRAB_STATUS_SUCCESS);
+    const auto holds = [&] { // once the server has heard who lets go of it
+        return eventually([&] {
+            const auto reply = holder.wait(xcb_grab_keyboard_reply,
+                xcb_grab_keyboard(holder.get(), false, holder.root(), XCB_CURRENT_TIME,
+                    XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+            return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+        });
     };
-    hold();
+    ASSERT_TRUE(holds());
     panel->makeKeyAndOrderFront();
     EXPECT_FALSE(record.hasKeyboard);
     xcb_ungrab_keyboard(holder.get(), XCB_CURRENT_TIME);
@@ -103,7 +105,7 @@ TEST_P(LauncherSurfaces, waitForAKeyboardThatIsHeld)
     EXPECT_TRUE(runUntil([&] { return record.hasKeyboard; }));
     panel->orderOut();
     EXPECT_FALSE(record.hasKeyboard);
-    hold();
+    ASSERT_TRUE(holds());
     record.hasKeyboard = true;
     panel->makeKeyAndOrderFront();
     EXPECT_TRUE(runUntil([&] { return !record.hasKeyboard; }));
