@@ -47,10 +47,8 @@ void LauncherPresenter::close()
     m_closed.push_back(std::move(m_panel));
     m_closed.back()->close();
     m_platform.dispatch.main().async([weak = m_weak.reference()] {
-        if (auto* presenter = weak.get()) {
+        if (auto* presenter = weak.get())
             presenter->m_closed.clear();
-            presenter->m_isClosedByPrimaryPress = false;
-        }
     });
     if (onOpenChanged)
         onOpenChanged(false);
@@ -59,6 +57,8 @@ void LauncherPresenter::close()
 void LauncherPresenter::dismissed(LauncherDismissal dismissal)
 {
     m_isClosedByPrimaryPress = dismissal == LauncherDismissal::primaryPress;
+    m_closingPressEnds
+        = m_platform.dispatch.main().after(kHeldBack, [this] { m_isClosedByPrimaryPress = false; });
     close();
 }
 

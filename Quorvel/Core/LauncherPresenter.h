@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Quorvel/Core/LauncherPanel.h"
+#include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Platform/WeakOwner.h"
@@ -19,6 +20,9 @@ class BarFactory;
 class LauncherPresenter {
 public:
     static constexpr Size kSize{300, 400}; ///< points
+    /// A window manager may hold a press back for a moment after it was reported, before the bar
+    /// receives it.
+    static constexpr Duration kHeldBack = seconds(0.25);
     static constexpr double kFromEdge = 5; ///< of the bar, at its leading end
     static constexpr double kAboveBar = 8;
     /// On a screen too low for this it lies over the bar.
@@ -64,7 +68,8 @@ private:
     PinStore& m_pinStore;
     const UserSettings& m_settings;
     Anchor m_anchor;
-    bool m_isClosedByPrimaryPress = false; ///< only while that event is handled
+    bool m_isClosedByPrimaryPress = false; ///< and the bar may yet receive that press
+    WorkItem m_closingPressEnds;
     std::unique_ptr<LauncherPanel> m_panel;
     std::vector<std::unique_ptr<LauncherPanel>> m_closed; ///< destroyed in the next turn
     WeakOwner<LauncherPresenter> m_weak{*this};
