@@ -27,8 +27,8 @@ protected:
     }
     void typeInOther()
     {
-        desktop.activate(other);
-        ASSERT_TRUE(isShownActive(other));
+        ASSERT_TRUE(eventually(desktop.activation(other)));
+        ASSERT_TRUE(bar.agreesWith(desktop));
         auto* const connection = otherApplication.connection().get();
         const std::uint32_t keys = XCB_EVENT_MASK_KEY_PRESS;
         xcb_change_window_attributes(connection, other, XCB_CW_EVENT_MASK, &keys);

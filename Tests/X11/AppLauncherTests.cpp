@@ -33,8 +33,7 @@ protected:
         client.order('o');
         ASSERT_TRUE(eventually([&] { return desktop.clientTitled("typed").has_value(); }));
         window = *desktop.clientTitled("typed");
-        desktop.activate(window);
-        ASSERT_TRUE(becomesActive(window));
+        ASSERT_TRUE(eventually(desktop.activation(window)));
         ASSERT_TRUE(settles(*bar));
     }
     void start()

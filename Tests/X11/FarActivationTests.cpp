@@ -35,8 +35,7 @@ protected:
         desktop.switchTo(0);
         ASSERT_TRUE(eventuallyIn(
             [&] { return desktop.desktopOf(target) == kFar && desktop.currentDesktop() == 0; }));
-        desktop.activate(other);
-        ASSERT_TRUE(eventuallyIn([&] { return desktop.activeWindow() == other; }));
+        ASSERT_TRUE(eventuallyIn(desktop.activation(other)));
         ASSERT_TRUE(eventuallyIn([&] { return isKnown(isMinimised); }));
     }
     /// Whether the host knows all of this.

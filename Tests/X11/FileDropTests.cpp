@@ -60,8 +60,7 @@ TEST_P(FileDrops, restOnChipsAndOpenWithPins)
     Bar bar(server);
     ASSERT_TRUE(bar.appears());
     ASSERT_TRUE(eventually([&] { return desktop.taskbarClients().size() == 2; }));
-    desktop.activate(second);
-    ASSERT_TRUE(becomesActive(second));
+    ASSERT_TRUE(eventually(desktop.activation(second)));
     ASSERT_TRUE(settles(bar));
     const auto state = bar.state();
     ASSERT_EQ(state.panel().pins.size(), 1u);

@@ -32,8 +32,7 @@ TEST_F(LauncherEntryChips, showWhatApplicationsSayAsLongAsTheyAreThere)
     const auto focused = other.open({.title = "two", .applicationClass = "Other"});
     Bar bar{server};
     ASSERT_TRUE(bar.appears());
-    desktop.activate(focused);
-    ASSERT_TRUE(becomesActive(focused));
+    ASSERT_TRUE(eventually(desktop.activation(focused)));
     ASSERT_TRUE(settles(bar));
 
     auto sender = std::make_unique<test::LauncherSender>(

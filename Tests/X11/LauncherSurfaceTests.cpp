@@ -13,8 +13,7 @@ protected:
     void SetUp() override
     {
         active = application.open({.title = "work", .frame = {500, 100, 400, 300}});
-        desktop.activate(active);
-        ASSERT_TRUE(becomesActive(active));
+        ASSERT_TRUE(eventually(desktop.activation(active)));
         panel->setFrame({100, 300, 300, 200}); // 300 from the top
     }
     bool runUntil(const std::function<bool()>& condition)

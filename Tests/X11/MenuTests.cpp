@@ -42,8 +42,7 @@ protected:
         clients.back()->order('o');
         ASSERT_TRUE(eventually([&] { return desktop.clientTitled(title).has_value(); }));
         windows.push_back(*desktop.clientTitled(title));
-        desktop.activate(windows.back());
-        ASSERT_TRUE(becomesActive(windows.back()));
+        ASSERT_TRUE(eventually(desktop.activation(windows.back())));
         ASSERT_TRUE(settles(*bar));
     }
     bool isThere(xcb_window_t window)

@@ -16,11 +16,7 @@ protected:
         ASSERT_TRUE(settles(bar));
     }
 
-    void activate(xcb_window_t window)
-    {
-        desktop.activate(window);
-        ASSERT_TRUE(becomesActive(window));
-    }
+    void activate(xcb_window_t window) { ASSERT_TRUE(eventually(desktop.activation(window))); }
     std::uint32_t numberOf(xcb_window_t window) const
     {
         const auto state = bar.state();

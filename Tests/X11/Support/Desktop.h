@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -61,6 +62,9 @@ public:
     testing::AssertionResult finishRequests();
 
     void activate(xcb_window_t);
+    /// A condition to wait for: the window is active, which is asked for, and from time to time
+    /// again. Metacity gives the focus to a window that comes just then, and forgets the request.
+    std::function<bool()> activation(xcb_window_t);
     void minimise(xcb_window_t);
     void close(xcb_window_t);
     void moveToDesktop(xcb_window_t, std::uint32_t desktop);
