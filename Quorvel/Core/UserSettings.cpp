@@ -47,11 +47,11 @@ UserSettings::UserSettings(Files& files, LoginItem& loginItem, Application& appl
 
 void UserSettings::load()
 {
-    auto defaults = UserSettingsData::defaults(m_application.operatingSystemMajorVersion());
-    auto stored = storedData(defaults);
+    auto initial = defaults();
+    auto stored = storedData(initial);
     // Nothing says what the user wants, so a login item that is there is not taken away.
-    defaults.runAtLogin = m_loginItem.isEnabled();
-    m_saved = stored.value_or(defaults);
+    initial.runAtLogin = m_loginItem.isEnabled();
+    m_saved = stored.value_or(initial);
     m_data.set(m_saved);
     if (stored) {
         tellUnknownTexts();
@@ -61,8 +61,12 @@ void UserSettings::load()
 
 std::optional<UserSettingsData> UserSettings::storedData(const UserSettingsData& defaults)
 {
-    if (m_fileURL.empty() || !m_files.exists(m_fileURL))
+    if (m_fileURL.empty())
         return std::nullopt;
+    m_fileState.set(FileState::notWritten);
+    if (!m_files.exists(m_fileURL))
+        return std::nullopt;
+    m_fileState.set(FileState::written);
     std::optional<UserSettingsData> stored;
     if (auto bytes = m_files.read(m_fileURL, kLargestFile))
         stored = decodeUserSettings(*bytes, defaults);
@@ -97,6 +101,11 @@ UserSettingsData UserSettings::dataThatHolds() const
     data.theme = rawValue(theme());
     data.scrollUpSpaceSwitch = rawValue(scrollUpSpaceSwitch());
     return data;
+}
+
+UserSettingsData UserSettings::defaults() const
+{
+    return UserSettingsData::defaults(m_application.operatingSystemMajorVersion());
 }
 
 BarSize UserSettings::barSize() const
@@ -162,6 +171,7 @@ void UserSettings::saveNow()
     tellFailure(error);
     if (!error)
         m_saved = value();
+    m_fileState.set(error ? FileState::failing : FileState::written);
 }
 
 std::error_code UserSettings::write()

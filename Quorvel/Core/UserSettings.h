@@ -37,6 +37,15 @@ public:
     bool saveChanges();
     /// The file's path; empty if the system names no place for it.
     const std::string& fileURL() const { return m_fileURL; }
+    enum class FileState {
+        noPlace, ///< the settings live in memory
+        notWritten, ///< nothing has been changed yet
+        written,
+        failing, ///< what was changed last could not be written
+    };
+    const Published<FileState>& fileState() const { return m_fileState; }
+    /// The record of somebody who has changed nothing.
+    UserSettingsData defaults() const;
 
     /// The record with each text that this version does not know replaced by the value in effect.
     UserSettingsData dataThatHolds() const;
@@ -122,6 +131,7 @@ private:
     const Trace& m_trace;
     LoginItemController m_loginItem;
     std::string m_fileURL;
+    Published<FileState> m_fileState;
     Published<UserSettingsData> m_data;
     bool m_hasUnsavedChanges = false;
     UserSettingsData m_saved; ///< what this bar last read or wrote

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "Quorvel/Core/AppInfo.h"
+#include "Quorvel/Core/UserSettings.h"
+#include "Quorvel/Platform/LoginItem.h"
+#include "Quorvel/Platform/SettingsDescription.h"
+
+namespace quorvel {
+
+/// The ids of the rows that are no field of the record.
+namespace SettingsRowID {
+inline constexpr const char* hotkey = "hotkey"; ///< of two fields
+inline constexpr const char* pinsOnBar = "pinsOnBar";
+inline constexpr const char* pinsInLauncher = "pinsInLauncher";
+inline constexpr const char* version = "version";
+inline constexpr const char* settingsFile = "settingsFile";
+inline constexpr const char* reset = "reset";
+}
+
+/// What the settings window tells of, as it is now.
+struct SettingsFacts {
+    UserSettingsData data; ///< with the values that hold
+    UserSettingsData defaults;
+    const std::vector<AppInfo>& applications; ///< to call pins by their names
+    LoginItem::Status loginItem{};
+    SettingsShortcut hotkey;
+    std::string file; ///< empty: there is no place for it
+    UserSettings::FileState fileState{};
+
+    /// The record that "Reset" leads to. What the user has made himself, the pins, stays.
+    UserSettingsData afterReset() const;
+};
+
+SettingsDescription describeSettings(const SettingsFacts&);
+
+}

@@ -1,0 +1,250 @@
+// What the settings window shows, and what its changes do.
+#include "Quorvel/Core/SettingsModel.h"
+
+#include "Quorvel/Core/AppLauncher.h"
+#include "Quorvel/Core/PinStore.h"
+#include "Quorvel/Core/SettingsCoding.h"
+#include "Quorvel/Core/UserSettingsCoding.h"
+#include "Tests/Support/SettingsFixture.h"
+
+namespace quorvel::test {
+
+namespace {
+
+using Change = SettingsChange;
+
+struct SettingsModelTest : SettingsFixture {
+    std::unique_ptr<PinStore> pins;
+    std::unique_ptr<AppLauncher> launcher;
+    std::unique_ptr<SettingsModel> model;
+    int descriptions = 0; ///< that were published
+    Subscription watch;
+
+    void open(const std::string& file = "{}")
+    {
+        start(file);
+        pins = std::make_unique<PinStore>(*settings);
+        launcher = std::make_unique<AppLauncher>(desktop.platform());
+        settle();
+        model = std::make_unique<SettingsModel>(*settings, *pins, *launcher, desktop.loginItem());
+        watch = model->description().subscribe([this](auto&) { ++descriptions; });
+    }
+    const SettingsRow& row(const std::string& id)
+    {
+        static const SettingsRow none{.id = "none", .title = {}, .help = {}, .control = {}};
+        auto* found = model->description().value().row(id);
+        EXPECT_TRUE(found) << id;
+        return found ? *found : none;
+    }
+    template <typename Control> Control control(const std::string& id)
+    {
+        auto* found = std::get_if<Control>(&row(id).control);
+        EXPECT_TRUE(found) << id;
+        return found ? *found : Control{};
+    }
+    template <typename What> std::string apply(What what)
+    {
+        auto refusal = model->apply({std::move(what)});
+        return refusal ? refusal->reason : "";
+    }
+    std::string stored(const std::string& field)
+    {
+        return encodeUserSetting(settings->data().value(), field).value_or("no field");
+    }
+    std::vector<std::string> titles(const std::string& list)
+    {
+        std::vector<std::string> found;
+        for (auto& item : control<SettingsList>(list).items)
+            found.push_back(item.title);
+        return found;
+    }
+};
+
+}
+
+// Faults: a field without a row, a row that changes another field, one that shows the old value, a
+// value that is only offered.
+TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
+{
+    open();
+    std::set<std::string> fields;
+    UserSettingsData::forEachField(
+        settings->data().value(), [&](const char* name, auto&) { fields.insert(name); });
+    for (auto* elsewhere : {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers"})
+        EXPECT_EQ(fields.erase(elsewhere), 1U);
+    fields.erase("hideDock"); // where there is a Dock
+    for (auto& field : fields) {
+        SCOPED_TRACE(field);
+        auto before = settings->data().value();
+        if (std::holds_alternative<SettingsToggle>(row(field).control)) {
+            bool isOn = control<SettingsToggle>(field).value;
+            EXPECT_EQ(stored(field), isOn ? "true" : "false");
+            for (bool value : {!isOn, isOn}) {
+                EXPECT_EQ(apply(Change::Set{field, value}), "");
+                EXPECT_EQ(stored(field), value ? "true" : "false");
+                EXPECT_EQ(control<SettingsToggle>(field).value, value);
+            }
+        } else {
+            auto initial = control<SettingsChoice>(field).value;
+            for (auto& option : control<SettingsChoice>(field).options) {
+                EXPECT_EQ(apply(Change::Set{field, option.value}), "");
+                EXPECT_EQ(stored(field), "\"" + option.value + "\"");
+                EXPECT_EQ(control<SettingsChoice>(field).value, option.value);
+            }
+            EXPECT_EQ(apply(Change::Set{field, initial}), "");
+        }
+        EXPECT_EQ(settings->data().value(), before) << "and nothing else";
+    }
+
+    EXPECT_EQ(apply(Change::Record{{{49, 0x800}}}), "");
+    EXPECT_EQ(settings->hotkeyKeyCode(), 49U);
+    EXPECT_EQ(settings->hotkeyModifiers(), 0x800U);
+    EXPECT_EQ(control<SettingsShortcut>("hotkey").value,
+        (SettingsShortcut::Keys{.keyCode = 49, .modifiers = 0x800}));
+    EXPECT_EQ(apply(Change::Record{}), "");
+    EXPECT_EQ(settings->hotkeyModifiers(), std::nullopt);
+    EXPECT_EQ(control<SettingsShortcut>("hotkey").value, std::nullopt);
+}
+
+// Faults: a value that no control offers is stored; a refusal that says nothing, or changes
+// something.
+TEST_F(SettingsModelTest, whatCannotBeIsRefusedWithAReason)
+{
+    open(R"({"showChipTitles": false})");
+    desktop.loginItem().setRefuses(true);
+    auto before = settings->data().value();
+    for (auto& what : std::vector<decltype(Change::what)>{Change::Set{"theme", "glass"},
+             Change::Set{"theme", true}, Change::Set{"theme", {}},
+             Change::Set{"showOnAllDisplays", "true"}, Change::Set{"version", "2"},
+             Change::Set{"colour", "red"}, Change::Set{"hideDock", true},
+             Change::Set{"pinnedApps", "[]"}, Change::Set{"showWindowNamesInChips", false},
+             Change::Set{"runAtLogin", true}, Change::Press{"theme"}, Change::Press{"nothing"},
+             Change::Move{"theme", "x", 0}, Change::Remove{"reset", "x"}, Change::Record{{{49, 0}}},
+             Change::Record{{{49, 0x400}}}}) {
+        auto refusal = model->apply({what});
+        ASSERT_TRUE(refusal) << what.index();
+        EXPECT_NE(refusal->reason, "");
+        EXPECT_EQ(settings->data().value(), before);
+    }
+    EXPECT_FALSE(row("showWindowNamesInChips").isEnabled) << "there is no title to have a name in";
+
+    desktop.loginItem().setStatus(LoginItem::Status::requiresApproval);
+    EXPECT_THAT(apply(Change::Set{"runAtLogin", true}), HasSubstr("Login Items"));
+    EXPECT_THAT(row("runAtLogin").help, HasSubstr("approval"));
+    EXPECT_FALSE(control<SettingsToggle>("runAtLogin").value);
+}
+
+// Fault: the window goes on showing what was.
+TEST_F(SettingsModelTest, changesFromElsewhereShowAtOnceAndEqualOnesDoNot)
+{
+    open(R"({"barSize": "huge"})");
+    EXPECT_EQ(control<SettingsChoice>("barSize").value, "medium") << "what holds";
+    settings->setTheme(BarTheme::aero);
+    EXPECT_EQ(control<SettingsChoice>("theme").value, "aero");
+    EXPECT_EQ(descriptions, 1);
+    settle(); // the file is there now
+    auto link = control<SettingsLink>("settingsFile");
+    EXPECT_EQ(link.url, "file://" + std::string{kFile});
+    descriptions = 0;
+    settings->setTheme(BarTheme::aero);
+    model->refresh();
+    EXPECT_EQ(descriptions, 0);
+
+    desktop.files().setFull(true);
+    settings->setTheme(BarTheme::frosted);
+    settle();
+    EXPECT_THAT(row("settingsFile").help, HasSubstr("cannot be written"));
+    desktop.files().setFull(false);
+    settings->setTheme(BarTheme::aero);
+    settle();
+    EXPECT_EQ(row("settingsFile").help, kFile);
+
+    desktop.files().setSupportFolder(std::nullopt);
+    open();
+    EXPECT_FALSE(model->description().value().row("settingsFile"));
+    EXPECT_THAT(encodeSettingsNews(model->description().value()), HasSubstr("no place to save"));
+
+    desktop.files().setSupportFolder("/my files");
+    open();
+    EXPECT_EQ(control<SettingsLink>("settingsFile").url, "file:///my%20files/Quorvel")
+        << "there is no file before the first change";
+}
+
+// Faults: pins of one place moved with the other's, moved one too far, an application that is gone
+// without a name.
+TEST_F(SettingsModelTest, pinsAreNamedMovedAndRemovedPlaceByPlace)
+{
+    desktop.install("/Applications/Mail.app", {.identifier = "mail"});
+    open(R"({"pinnedApps": [{"id": "mail", "d": 3}, {"id": "/opt/Lost.app", "d": 2},
+        {"id": "b", "d": 1}, {"id": "c", "d": 1}]})");
+    EXPECT_THAT(titles("pinsOnBar"), ElementsAre("Mail", "b", "c"));
+    EXPECT_THAT(titles("pinsInLauncher"), ElementsAre("Mail", "Lost.app"));
+    EXPECT_EQ(control<SettingsList>("pinsOnBar").items.front().icon, "/Applications/Mail.app");
+
+    for (auto [to, order] : std::vector<std::pair<std::size_t, std::vector<std::string>>>{
+             {1, {"b", "Mail", "c"}}, {2, {"b", "c", "Mail"}}, {2, {"b", "c", "Mail"}},
+             {0, {"Mail", "b", "c"}}, {99, {"b", "c", "Mail"}}}) {
+        EXPECT_EQ(apply(Change::Move{"pinsOnBar", "mail", to}), "");
+        EXPECT_EQ(titles("pinsOnBar"), order) << to;
+    }
+    EXPECT_EQ(apply(Change::Move{"pinsOnBar", "/opt/Lost.app", 0}), "");
+    EXPECT_THAT(titles("pinsOnBar"), ElementsAre("b", "c", "Mail")) << "is not on the bar";
+
+    EXPECT_EQ(apply(Change::Remove{"pinsOnBar", "mail"}), "");
+    EXPECT_THAT(titles("pinsOnBar"), ElementsAre("b", "c"));
+    EXPECT_THAT(titles("pinsInLauncher"), Contains("Mail"));
+}
+
+// Faults: what the user has made himself is thrown away; a login item that stays; a button that
+// does nothing.
+TEST_F(SettingsModelTest, resetRestoresEverythingButThePins)
+{
+    open(R"({"barSize": "xl", "theme": "glass", "hotkeyKeyCode": 4, "hotkeyModifiers": 256,
+        "showOnAllDisplays": true, "hideDock": true, "runAtLogin": true, "settingsVersion": 7,
+        "pinnedApps": [{"id": "mail", "d": 3}]})");
+    auto expected = settings->defaults();
+    expected.pinnedApps = {{"mail", 3}};
+    expected.settingsVersion = 7;
+    EXPECT_TRUE(row("reset").isEnabled);
+    EXPECT_EQ(apply(Change::Press{"reset"}), "");
+    EXPECT_EQ(settings->data().value(), expected);
+    EXPECT_EQ(desktop.loginItem().status(), LoginItem::Status::notRegistered);
+    EXPECT_FALSE(row("reset").isEnabled);
+
+    settings->setRunAtLogin(true);
+    desktop.loginItem().setRefuses(true);
+    EXPECT_NE(apply(Change::Press{"reset"}), "");
+    EXPECT_TRUE(settings->runAtLogin());
+}
+
+// Faults: a member under another name than the window knows, an absent text that is sent as "".
+TEST_F(SettingsModelTest, theDescriptionAndTheChangesCrossAsTheyAre)
+{
+    open(
+        R"({"hotkeyKeyCode": 49, "hotkeyModifiers": 2048, "pinnedApps": [{"id": "\u00e9", "d": 1}]})");
+    auto& description = model->description().value();
+    auto line = encodeSettingsNews(description);
+    EXPECT_EQ(decodeSettingsNews(line), SettingsNews{description});
+    for (auto* part : {R"({"choices":[{"title":"Small","value":"small"})",
+             R"("icon":"view-pin-symbolic","id":"pins")", R"("kind":"toggle")",
+             R"("isEnabled":true,"kind":"shortcut")", R"("value":{"keyCode":49,"modifiers":2048})",
+             R"("items":[{"id":"é","title":"é"}])", R"("movable":true)", R"("label":"Reset")",
+             R"("url":"file://)"})
+        EXPECT_THAT(line, HasSubstr(part));
+    EXPECT_THAT(line, Not(HasSubstr(R"("help":"")")));
+
+    using Request = std::optional<SettingsRequest>;
+    EXPECT_EQ(decodeSettingsRequest(R"({"set":{"row":"theme","value":"aero"},"new":1})"),
+        (Request{Change{Change::Set{"theme", "aero"}}}));
+    EXPECT_EQ(decodeSettingsRequest(R"({"move":{"row":"a","item":"b","to":2}})"),
+        (Request{Change{Change::Move{"a", "b", 2}}}));
+    EXPECT_EQ(decodeSettingsRequest(R"({"record":{"keyCode":null}})"),
+        (Request{Change{Change::Record{}}}));
+    EXPECT_EQ(decodeSettingsRequest(R"({"recording":true})"), (Request{SettingsRecording{true}}));
+    for (auto* nonsense : {"", "{", "[]", "null", "{}", R"({"set":{"row":"theme"}})",
+             R"({"set":[]})", R"({"move":{"row":"a","item":"b","to":-1}})",
+             R"({"record":{"keyCode":4294967296,"modifiers":0}})", R"({"recording":1})"})
+        EXPECT_FALSE(decodeSettingsRequest(nonsense)) << nonsense;
+}
+
+}
