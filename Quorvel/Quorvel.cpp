@@ -4,7 +4,9 @@
 
 #include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Core/BarManager.h"
+#include "Quorvel/Core/DockController.h"
 #include "Quorvel/Core/ThumbnailService.h"
+#include "Quorvel/Core/UpdaterService.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Accessibility.h"
 #include "Quorvel/Platform/Application.h"
@@ -87,6 +89,32 @@ UserSettings& Runtime::userSettings()
 UserSettings& UserSettings::shared()
 {
     return Runtime::current().userSettings();
+}
+
+DockController* Runtime::dockController()
+{
+    if (!m_dockController && m_platform.dockControl) {
+        m_dockController = std::make_unique<DockController>(*m_platform.dockControl,
+            m_platform.files, userSettings(), m_platform.application, m_platform.dispatch);
+    }
+    return m_dockController.get();
+}
+
+DockController* DockController::shared()
+{
+    return Runtime::current().dockController();
+}
+
+UpdaterService* Runtime::updaterService()
+{
+    if (!m_updaterService && m_platform.updater)
+        m_updaterService = std::make_unique<UpdaterService>(*m_platform.updater);
+    return m_updaterService.get();
+}
+
+UpdaterService* UpdaterService::shared()
+{
+    return Runtime::current().updaterService();
 }
 
 BadgeService& Runtime::badgeService()
@@ -179,6 +207,7 @@ void QuorvelApp::launch(Runtime& runtime)
     auto& platform = runtime.m_platform;
     platform.application.setActivationPolicy(ActivationPolicy::accessory);
     runtime.userSettings();
+    runtime.dockController();
     answerRequests(runtime);
     runtime.m_coordinator = std::make_unique<LaunchCoordinator>(platform);
     if (runtime.m_coordinator->arePermissionsGranted())
@@ -192,6 +221,8 @@ void QuorvelApp::startMainRuntime(Application& app)
     auto& runtime = Runtime::current();
     auto& platform = runtime.m_platform;
     app.setActivationPolicy(ActivationPolicy::accessory);
+    if (auto* updater = UpdaterService::shared())
+        updater->start();
     runtime.m_lastBootstrap.clear();
     // The bar must have windows before its first layout.
     runtime.windowStore().populate();

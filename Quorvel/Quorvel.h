@@ -20,8 +20,10 @@ class AXObserverManager;
 class BadgeService;
 class BarManager;
 class BarViews;
+class DockController;
 class LaunchCoordinator;
 class ThumbnailService;
+class UpdaterService;
 class UserSettings;
 class WindowStore;
 
@@ -38,6 +40,10 @@ public:
 
     const Platform& platform() const { return m_platform; }
     UserSettings& userSettings();
+    /// Null where the system has no Dock.
+    DockController* dockController();
+    /// Null where there is nothing to update the program with.
+    UpdaterService* updaterService();
     BadgeService& badgeService();
     ThumbnailService& thumbnailService();
     WindowStore& windowStore();
@@ -52,6 +58,8 @@ private:
 
     Platform m_platform;
     std::unique_ptr<UserSettings> m_userSettings;
+    std::unique_ptr<DockController> m_dockController;
+    std::unique_ptr<UpdaterService> m_updaterService;
     std::unique_ptr<BadgeService> m_badgeService;
     std::unique_ptr<ThumbnailService> m_thumbnailService;
     std::unique_ptr<WindowStore> m_windowStore;

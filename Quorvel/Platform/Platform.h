@@ -8,6 +8,7 @@ class Bundles;
 class ControlChannel;
 class Dispatch;
 class Displays;
+class DockControl;
 class FileEvents;
 class Files;
 class LaunchServices;
@@ -16,6 +17,7 @@ class ScreenCapture;
 class Surfaces;
 class Text;
 class Trace;
+class Updater;
 class WindowServer;
 class Workspace;
 
@@ -30,7 +32,8 @@ class Workspace;
 /// outlive it; only the place that wires the program together sees this whole struct. Signals and
 /// completions arrive on the main thread unless stated otherwise; `Accessibility`, `WindowServer`,
 /// `Displays` and `Bundles` may be called from any thread. A service that a system lacks is
-/// reported in the answer (an absent value, an empty list or function) and never simulated.
+/// reported in the answer (an absent value, an empty list or function, a null pointer) and never
+/// simulated.
 ///
 /// Lengths are points. Window frames, accessibility positions and the pointer have their origin at
 /// the top left of the first screen; screen and panel frames at its bottom left.
@@ -52,6 +55,8 @@ struct Platform {
     LoginItem& loginItem;
     LaunchServices& launchServices;
     Trace& trace;
+    DockControl* dockControl = nullptr; ///< null where the system has no Dock of its own
+    Updater* updater = nullptr; ///< null where the program is updated by other means
 };
 
 }

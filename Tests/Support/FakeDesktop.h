@@ -10,6 +10,7 @@
 #include "Tests/Support/FakeAccessibility.h"
 #include "Tests/Support/FakeBundles.h"
 #include "Tests/Support/FakeDisplays.h"
+#include "Tests/Support/FakeDock.h"
 #include "Tests/Support/FakeFileEvents.h"
 #include "Tests/Support/FakeFiles.h"
 #include "Tests/Support/FakeLaunchServices.h"
@@ -17,6 +18,7 @@
 #include "Tests/Support/FakeProgram.h"
 #include "Tests/Support/FakeScreenCapture.h"
 #include "Tests/Support/FakeSurfaces.h"
+#include "Tests/Support/FakeUpdater.h"
 #include "Tests/Support/FakeWindowServer.h"
 #include "Tests/Support/FakeWorkspace.h"
 #include "Tests/Support/VirtualDispatch.h"
@@ -79,6 +81,10 @@ public:
     FakeFiles& files() { return m_files; }
     FakeLoginItem& loginItem() { return m_loginItem; }
     FakeLaunchServices& launchServices() { return m_launchServices; }
+    FakeDock& dock() { return m_dock; }
+    FakeUpdater& updater() { return m_updater; }
+    /// As on a system that has neither a Dock nor a framework for updates.
+    void removeDockAndUpdater() { m_hasDockAndUpdater = false; }
     Trace& trace() { return m_trace; }
 
     // What is there. The references live as long as what they name.
@@ -160,10 +166,13 @@ private:
     FakeFiles m_files;
     FakeLoginItem m_loginItem;
     FakeLaunchServices m_launchServices{m_dispatch};
+    FakeDock m_dock;
+    FakeUpdater m_updater;
     Trace m_trace;
     std::int32_t m_nextPID = 501;
     std::uint32_t m_nextWindow = 1001;
     bool m_givesSpaceHints = false;
+    bool m_hasDockAndUpdater = true;
     struct Held {
         WindowID window{};
         Point from; ///< the pointer's last place

@@ -64,6 +64,7 @@ std::error_code FakeFiles::writeAtomically(const std::string& path, const std::s
         return error;
     m_files[path] = bytes;
     ++m_writes;
+    m_afterChange();
     return {};
 }
 
@@ -94,6 +95,7 @@ std::error_code FakeFiles::remove(const std::string& path)
         return error;
     if (m_files.erase(path) == 0)
         return std::make_error_code(std::errc::no_such_file_or_directory);
+    m_afterChange();
     return {};
 }
 

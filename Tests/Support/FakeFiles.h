@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 
@@ -37,6 +38,8 @@ public:
     void setKeepsRejectedFiles(bool value) { m_keepsRejectedFiles = value; }
     void setFull(bool value) { m_isFull = value; }
     void setReadOnly(bool value) { m_isReadOnly = value; }
+    /// Called after each change of a file that the program made.
+    void setAfterChange(std::function<void()> call) { m_afterChange = std::move(call); }
     void setFailing(std::set<Step> steps) { m_failing = std::move(steps); }
 
 private:
@@ -52,6 +55,7 @@ private:
     bool m_isFull = false;
     bool m_isReadOnly = false;
     int m_writes = 0;
+    std::function<void()> m_afterChange = [] {};
 };
 
 }
