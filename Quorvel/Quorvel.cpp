@@ -5,6 +5,7 @@
 #include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Core/BarManager.h"
 #include "Quorvel/Core/DockController.h"
+#include "Quorvel/Core/HotkeyManager.h"
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UpdaterService.h"
 #include "Quorvel/Core/UserSettings.h"
@@ -115,6 +116,20 @@ UpdaterService* Runtime::updaterService()
 UpdaterService* UpdaterService::shared()
 {
     return Runtime::current().updaterService();
+}
+
+HotkeyManager& Runtime::hotkeyManager()
+{
+    if (!m_hotkeyManager) {
+        m_hotkeyManager = std::make_unique<HotkeyManager>(
+            m_platform.hotkeys, userSettings(), m_platform.dispatch);
+    }
+    return *m_hotkeyManager;
+}
+
+HotkeyManager& HotkeyManager::shared()
+{
+    return Runtime::current().hotkeyManager();
 }
 
 BadgeService& Runtime::badgeService()
@@ -232,6 +247,8 @@ void QuorvelApp::startMainRuntime(Application& app)
             BadgeService::shared(), ThumbnailService::shared(), *runtime.m_barViews);
     runtime.m_barManager->syncPanels();
     runtime.m_barManager->repositionPanels();
+    HotkeyManager::shared().onHotkeyPressed
+        = [&runtime] { runtime.m_barManager->toggleAppLauncher(); };
     runtime.keep(platform.displays.parametersDidChange.subscribe(
         [&runtime] { runtime.m_barManager->screensDidChange(); }));
     wireObserverManager(runtime);
@@ -390,7 +407,7 @@ void QuorvelApp::answerRequests(Runtime& runtime)
                 return answerLauncherRequest(*runtime.barManager());
             return {0,
                 stateReport(runtime.m_platform, runtime.windowStore(), *runtime.barManager(),
-                    *runtime.m_barViews),
+                    *runtime.m_barViews, runtime.hotkeyManager()),
                 ""};
         });
 }

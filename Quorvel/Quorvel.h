@@ -21,6 +21,7 @@ class BadgeService;
 class BarManager;
 class BarViews;
 class DockController;
+class HotkeyManager;
 class LaunchCoordinator;
 class ThumbnailService;
 class UpdaterService;
@@ -44,6 +45,7 @@ public:
     DockController* dockController();
     /// Null where there is nothing to update the program with.
     UpdaterService* updaterService();
+    HotkeyManager& hotkeyManager();
     BadgeService& badgeService();
     ThumbnailService& thumbnailService();
     WindowStore& windowStore();
@@ -60,6 +62,7 @@ private:
     std::unique_ptr<UserSettings> m_userSettings;
     std::unique_ptr<DockController> m_dockController;
     std::unique_ptr<UpdaterService> m_updaterService;
+    std::unique_ptr<HotkeyManager> m_hotkeyManager;
     std::unique_ptr<BadgeService> m_badgeService;
     std::unique_ptr<ThumbnailService> m_thumbnailService;
     std::unique_ptr<WindowStore> m_windowStore;

@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Quorvel/Core/BarManager.h"
+#include "Quorvel/Core/HotkeyManager.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/WindowServer.h"
 #include "Quorvel/Skylight/WindowStore.h"
@@ -205,10 +206,33 @@ Json menuJson(const Platform& platform, const Menus& menus)
     return entries;
 }
 
+std::string_view nameOf(HotkeyManager::State state)
+{
+    switch (state) {
+    case HotkeyManager::State::none:
+        return "none";
+    case HotkeyManager::State::registered:
+        return "registered";
+    case HotkeyManager::State::taken:
+        return "taken";
+    case HotkeyManager::State::failed:
+        return "failed";
+    }
+    return {};
+}
+
+Json hotkeyJson(const HotkeyManager& hotkeys)
+{
+    auto& shortcut = hotkeys.currentShortcut().value();
+    if (!shortcut)
+        return nullptr;
+    return {{"shortcut", shortcut->displayString()}, {"state", nameOf(hotkeys.state().value())}};
+}
+
 }
 
 std::string stateReport(const Platform& platform, const WindowStore& store,
-    const BarManager& manager, const BarViews& views)
+    const BarManager& manager, const BarViews& views, const HotkeyManager& hotkeys)
 {
     auto& model = manager.viewModel();
     // What has the focus may be no window of the list: a dialog, or the desktop itself.
@@ -233,6 +257,7 @@ std::string stateReport(const Platform& platform, const WindowStore& store,
         {"panels", std::move(panels)},
         {"launcher", launcherJson(platform, manager.launcherPanel())},
         {"menu", menuJson(platform, views.menus())},
+        {"hotkey", hotkeyJson(hotkeys)},
     };
     // Titles come from other programs and may hold anything.
     return state.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";

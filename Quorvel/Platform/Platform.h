@@ -11,6 +11,7 @@ class Displays;
 class DockControl;
 class FileEvents;
 class Files;
+class Hotkeys;
 class LaunchServices;
 class LoginItem;
 class ScreenCapture;
@@ -57,6 +58,7 @@ struct Platform {
     Trace& trace;
     DockControl* dockControl = nullptr; ///< null where the system has no Dock of its own
     Updater* updater = nullptr; ///< null where the program is updated by other means
+    Hotkeys* hotkeys = nullptr; ///< null where the system has no shortcuts for all programs
 };
 
 }

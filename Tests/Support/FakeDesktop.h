@@ -13,6 +13,7 @@
 #include "Tests/Support/FakeDock.h"
 #include "Tests/Support/FakeFileEvents.h"
 #include "Tests/Support/FakeFiles.h"
+#include "Tests/Support/FakeHotkeys.h"
 #include "Tests/Support/FakeLaunchServices.h"
 #include "Tests/Support/FakeLoginItem.h"
 #include "Tests/Support/FakeProgram.h"
@@ -80,6 +81,7 @@ public:
     FakeControlChannel& control() { return m_control; }
     FakeFiles& files() { return m_files; }
     FakeLoginItem& loginItem() { return m_loginItem; }
+    FakeHotkeys& hotkeys() { return m_hotkeys; }
     FakeLaunchServices& launchServices() { return m_launchServices; }
     FakeDock& dock() { return m_dock; }
     FakeUpdater& updater() { return m_updater; }
@@ -165,6 +167,7 @@ private:
     FakeControlChannel m_control;
     FakeFiles m_files;
     FakeLoginItem m_loginItem;
+    FakeHotkeys m_hotkeys;
     FakeLaunchServices m_launchServices{m_dispatch};
     FakeDock m_dock;
     FakeUpdater m_updater;

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "Quorvel/Core/KeyboardShortcut.h"
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Hotkeys.h"
+#include "Quorvel/Platform/WeakOwner.h"
+
+namespace quorvel {
+
+class UserSettings;
+
+/// The one shortcut that works in every program. It is what the settings say, however they came to
+/// say it; until the user records one there is none. Main thread.
+class HotkeyManager {
+public:
+    enum class State {
+        none, ///< there is no shortcut, or it is suspended
+        registered,
+        taken, ///< another program has it
+        failed, ///< the system refuses it
+    };
+
+    static constexpr HotkeyID hotkeyID{0x5152564C, 1}; ///< "QRVL"
+
+    /// Null where the system has no such shortcuts: they are stored all the same.
+    HotkeyManager(Hotkeys*, UserSettings&, Dispatch&);
+    ~HotkeyManager();
+    HotkeyManager(const HotkeyManager&) = delete;
+    HotkeyManager& operator=(const HotkeyManager&) = delete;
+
+    /// The running program's instance. Use only where the program is wired together.
+    static HotkeyManager& shared();
+
+    /// On the turn after the press.
+    std::function<void()> onHotkeyPressed;
+
+    bool isAvailable() const { return m_hotkeys != nullptr; }
+    const Published<std::optional<KeyboardShortcut>>& currentShortcut() const
+    {
+        return m_currentShortcut;
+    }
+    /// Stores it and registers it anew, even if it is the one that was there. Absent: none.
+    void setCurrentShortcut(std::optional<KeyboardShortcut>);
+    /// From a pressed key (the low 16 bits of its code) and `KeyModifier` flags. False, and nothing
+    /// changes, without a modifier that a shortcut can have.
+    bool recordShortcut(std::uint32_t keyCode, std::uint64_t modifierFlags);
+
+    const Published<State>& state() const { return m_state; }
+    /// Until what it returns is dropped, no shortcut is registered, and keys can be recorded.
+    [[nodiscard]] Subscription suspend();
+    const Published<bool>& isSuspended() const { return m_isSuspended; }
+
+private:
+    HotkeyStatus handleHotkey(const HotkeyID&);
+    void loadShortcut();
+    void save(const std::optional<KeyboardShortcut>&);
+    void reregister();
+    void updateState();
+    void changeSuspensions(int by);
+
+    Hotkeys* const m_hotkeys;
+    UserSettings& m_settings;
+    Dispatch& m_dispatch;
+    Published<std::optional<KeyboardShortcut>> m_currentShortcut;
+    Published<State> m_state;
+    Published<bool> m_isSuspended;
+    int m_suspensions = 0;
+    Subscription m_settingsChange;
+    Subscription m_outcomeChange;
+    Subscription m_eventHandler;
+    std::unique_ptr<HotkeyRegistration> m_hotkeyRef; ///< null if there is nothing to register
+    WeakOwner<HotkeyManager> m_weak{*this};
+};
+
+}

@@ -1,0 +1,145 @@
+#include <nlohmann/json.hpp>
+
+#include "Quorvel/Core/HotkeyManager.h"
+#include "Quorvel/Core/ShortcutRecorder.h"
+#include "Tests/Support/BarFixture.h"
+
+namespace quorvel::test {
+
+namespace {
+
+using Keys = FakeHotkeys::Keys;
+using State = HotkeyManager::State;
+
+constexpr std::uint32_t kSpace = 49;
+constexpr std::uint32_t kK = 40;
+constexpr std::uint32_t kLeftCommand = 55;
+constexpr std::uint32_t kEscape = 53;
+
+}
+
+struct HotkeyTest : BarFixture {
+    HotkeyManager& hotkeys() { return runtime->hotkeyManager(); }
+    FakeHotkeys& system() { return desktop.hotkeys(); }
+    void startWith(const std::string& file)
+    {
+        desktop.files().put(FakeFiles::kSettingsFile, file);
+        start();
+    }
+    ControlReply set(const std::string& assignment)
+    {
+        return *desktop.control().send({"--set", assignment});
+    }
+    bool isLauncherOpen()
+    {
+        desktop.drain();
+        return desktop.surfaces().launcher() != nullptr;
+    }
+    std::string shown()
+    {
+        auto& shortcut = hotkeys().currentShortcut().value();
+        return shortcut ? shortcut->displayString() : "none";
+    }
+};
+
+// Faults: half a shortcut is registered; a change that comes from the command line, or clears one
+// field, is not followed; the press opens but does not close; a shortcut that is cleared still
+// works.
+TEST_F(HotkeyTest, followsTheSettingsAndOpensAndClosesTheLauncher)
+{
+    startWith(R"({"hotkeyKeyCode": 49})");
+    EXPECT_EQ(system().registrations(), 0);
+    EXPECT_EQ(hotkeys().state().value(), State::none);
+
+    EXPECT_EQ(set("hotkeyModifiers=2048").exitStatus, 0);
+    EXPECT_EQ(shown(), "⌥Space");
+    EXPECT_TRUE(system().press({kSpace, 0x800}));
+    EXPECT_TRUE(isLauncherOpen());
+    EXPECT_TRUE(system().press({kSpace, 0x800}));
+    EXPECT_FALSE(isLauncherOpen());
+
+    set("hotkeyKeyCode=40");
+    EXPECT_EQ(system().registered(), (std::vector{Keys{kK, 0x800}}));
+    set("hotkeyModifiers=null");
+    EXPECT_EQ(shown(), "none");
+    EXPECT_FALSE(system().press({kK, 0x800}));
+    EXPECT_EQ(system().ask({HotkeyManager::hotkeyID.signature, 99}), HotkeyStatus::notHandled);
+}
+
+// Faults: the order of modifiers follows the fingers; a flag that is none of the four is stored, or
+// a key code's upper half; Caps Lock alone makes a shortcut; recording the same shortcut again does
+// not ask the system again.
+TEST_F(HotkeyTest, recordsWhatItStoresAndShows)
+{
+    start();
+    constexpr std::uint64_t capsLock = 1U << 16;
+    EXPECT_FALSE(hotkeys().recordShortcut(kK, capsLock));
+    EXPECT_TRUE(hotkeys().recordShortcut(0xABC0000 | kK,
+        capsLock | KeyModifier::command | KeyModifier::shift | KeyModifier::option
+            | KeyModifier::control));
+    EXPECT_EQ(shown(), "⌃⌥⇧⌘K");
+    EXPECT_EQ(runtime->userSettings().hotkeyKeyCode(), kK);
+    EXPECT_EQ(runtime->userSettings().hotkeyModifiers(), 0x1B00U);
+    EXPECT_TRUE(hotkeys().recordShortcut(kSpace, KeyModifier::option));
+    int before = system().registrations();
+    hotkeys().setCurrentShortcut(KeyboardShortcut{kSpace, 0x800});
+    EXPECT_EQ(system().registrations(), before + 1);
+    EXPECT_EQ(system().registered().size(), 1U);
+    EXPECT_EQ((KeyboardShortcut{111, 0x100}.displayString()), "⌘F12");
+    EXPECT_EQ((KeyboardShortcut{10, 0x1000}.displayString()), "⌃?");
+
+    nlohmann::json json = KeyboardShortcut{kK, 0x1800};
+    EXPECT_EQ(json.dump(), R"({"keyCode":40,"modifiers":6144})");
+    EXPECT_EQ(keyboardShortcutFrom(json), (KeyboardShortcut{kK, 0x1800}));
+    for (auto* text : {"[]", R"({"keyCode":40})", R"({"keyCode":40,"modifiers":-1})",
+             R"({"keyCode":4294967296,"modifiers":0})", R"({"keyCode":"a","modifiers":0})"})
+        EXPECT_FALSE(keyboardShortcutFrom(nlohmann::json::parse(text))) << text;
+}
+
+// Faults: a modifier alone, or a letter alone, ends recording; Escape stores itself; the old
+// shortcut fires while a new one is recorded, or is gone after Escape; two recorders, of which the
+// first to end revives it.
+TEST_F(HotkeyTest, isSuspendedWhileAShortcutIsRecorded)
+{
+    startWith(R"({"hotkeyKeyCode": 49, "hotkeyModifiers": 2048})");
+    ShortcutRecorder recorder{hotkeys()};
+    EXPECT_FALSE(recorder.keyPressed(kK, KeyModifier::control)) << "before it records";
+    recorder.start();
+    EXPECT_FALSE(system().press({kSpace, 0x800}));
+    EXPECT_TRUE(recorder.keyPressed(kLeftCommand, KeyModifier::command));
+    EXPECT_TRUE(recorder.keyPressed(kK, 0));
+    EXPECT_TRUE(recorder.isRecording().value());
+    EXPECT_TRUE(recorder.keyPressed(kEscape, KeyModifier::control));
+    EXPECT_FALSE(recorder.isRecording().value());
+    EXPECT_EQ(system().registered(), (std::vector{Keys{kSpace, 0x800}}));
+
+    recorder.start();
+    auto other = hotkeys().suspend();
+    EXPECT_TRUE(recorder.keyPressed(kK, KeyModifier::command));
+    EXPECT_EQ(shown(), "⌘K");
+    EXPECT_TRUE(system().registered().empty());
+    other = {};
+    EXPECT_EQ(system().registered(), (std::vector{Keys{kK, 0x100}}));
+    other = hotkeys().suspend();
+    runtime.reset();
+}
+
+// Faults: a refusal loses the stored shortcut, or leaves the old one registered; what becomes free
+// later is not told.
+TEST_F(HotkeyTest, saysThatTheShortcutIsTaken)
+{
+    system().takeElsewhere({kK, 0x100});
+    startWith(R"({"hotkeyKeyCode": 49, "hotkeyModifiers": 2048})");
+    EXPECT_EQ(hotkeys().state().value(), State::registered);
+    hotkeys().recordShortcut(kK, KeyModifier::command);
+    EXPECT_EQ(hotkeys().state().value(), State::taken);
+    EXPECT_TRUE(system().registered().empty());
+    EXPECT_EQ(runtime->userSettings().hotkeyKeyCode(), kK);
+    auto report = nlohmann::json::parse(desktop.control().send({"--state"})->output);
+    EXPECT_EQ(report["hotkey"], (nlohmann::json{{"shortcut", "⌘K"}, {"state", "taken"}}));
+
+    system().giveBackElsewhere({kK, 0x100});
+    EXPECT_EQ(hotkeys().state().value(), State::registered);
+}
+
+}
