@@ -1,34 +1,17 @@
 #include "Hosts/X11/KeyCodes.h"
 
-#include <array>
-#include <optional>
+#include <utility>
 
 #include <xkbcommon/xkbcommon-keysyms.h>
+
+#include "Hosts/Linux/Keys/KeyTable.h"
 
 namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr std::uint16_t none = 0xFFFF;
+/// X key codes are the kernel's plus this, as on every current X server.
 constexpr xcb_keycode_t kFirstDeviceCode = 8;
-
-// clang-format off
-/// By the kernel's codes (linux/input-event-codes.h), ten to a row.
-constexpr std::array<std::uint16_t, 130> kByDeviceCode{
-    none,   53,   18,   19,   20,   21,   23,   22,   26,   28,
-      25,   29,   27,   24,   51,   48,   12,   13,   14,   15,
-      17,   16,   32,   34,   31,   35,   33,   30,   36,   59,
-       0,    1,    2,    3,    5,    4,   38,   40,   37,   41,
-      39,   50,   56,   42,    6,    7,    8,    9,   11,   45,
-      46,   43,   47,   44,   60,   67,   58,   49,   57,  122,
-     120,   99,  118,   96,   97,   98,  100,  101,  109,   71,
-     107,   89,   91,   92,   78,   86,   87,   88,   69,   83,
-      84,   85,   82,   65, none, none,   10,  103,  111,   94,
-    none, none, none,  104,  102,   95,   76,   62,   75,  105,
-      61, none,  115,  126,  116,  123,  124,  119,  125,  121,
-     114,  117, none,   74,   73,   72, none,   81, none,  113,
-    none,   95, none, none,   93,   55,   54,  110, none, none};
-// clang-format on
 
 std::optional<KeyCode> bySymbol(std::uint32_t symbol)
 {
@@ -86,8 +69,20 @@ KeyCode keyCodeOf(xcb_keycode_t code, std::uint32_t symbol)
 {
     if (auto key = bySymbol(symbol))
         return *key;
-    std::size_t place = static_cast<std::size_t>(code) - kFirstDeviceCode;
-    return KeyCode{place < kByDeviceCode.size() ? kByDeviceCode[place] : none};
+    if (code < kFirstDeviceCode)
+        return KeyCode::unknown;
+    const auto place = static_cast<std::uint16_t>(code - kFirstDeviceCode);
+    const auto key = macKeyCodeOf(DeviceCode{place});
+    return key ? KeyCode{*key} : KeyCode::unknown;
+}
+
+std::optional<xcb_keycode_t> xKeyCodeOf(std::uint32_t macKeyCode)
+{
+    const auto place = deviceCodeOf(macKeyCode);
+    const auto code = place ? static_cast<unsigned>(*place) + kFirstDeviceCode : 0;
+    if (!place || !std::in_range<xcb_keycode_t>(code))
+        return {};
+    return static_cast<xcb_keycode_t>(code);
 }
 
 }
