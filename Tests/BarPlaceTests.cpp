@@ -47,6 +47,39 @@ TEST_F(BarPlaceTest, panelsAtTheSidesCoverNothing)
     EXPECT_EQ(panel().frame().width, screen.width);
 }
 
+// Faults: the Dock covers the bar, or its rectangle is replaced by one that it does not heed; the
+// strip that the bar itself has asked for lifts it, and again at each change.
+TEST_F(BarPlaceTest, aDockThatIsToBeSeenHasTheBottomEdge)
+{
+    constexpr double kHeight = 70;
+    auto report = [this](double room) {
+        auto displays = desktop.model().displays;
+        displays.front().visibleFrame = {0, room, 1440, 875 - room};
+        desktop.setDisplays(displays);
+        settle();
+    };
+    auto& dock = desktop.dock();
+    auto isRegistered = [this] { return !desktop.windowServer().dockRectangles().empty(); };
+    desktop.place(inbox, {0, 0, 800, 900});
+    report(kHeight);
+    EXPECT_EQ(panel().frame().y, kHeight);
+    EXPECT_FALSE(isRegistered());
+    EXPECT_EQ(desktop.window(inbox).frame.maxY(), 900 - panel().frame().maxY() - 1);
+
+    dock.setAutoHideEnabled(true);
+    report(0);
+    EXPECT_EQ(panel().frame().y, 0);
+    EXPECT_TRUE(isRegistered());
+    dock.setAutoHideEnabled(false);
+    report(panel().frame().height);
+    EXPECT_EQ(panel().frame().y, 0) << "its own strip";
+    report(kHeight);
+    EXPECT_EQ(panel().frame().y, kHeight);
+    dock.setAtBottom(false);
+    report(kHeight);
+    EXPECT_EQ(panel().frame().y, 0) << "what another keeps free is no Dock";
+}
+
 // Fault: the walk ends when a monitor comes or goes that is not the walked one.
 TEST_F(BarPlaceTest, aWalkGoesOnWhenAnotherMonitorChanges)
 {

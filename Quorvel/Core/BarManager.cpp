@@ -45,9 +45,10 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_lastAppliedBarSize(settings.barSize())
     , m_viewModel(windowStore, settings, badgeService, platform)
     , m_launchMarks(m_viewModel, platform.workspace, platform.dispatch.main())
-    , m_panels(platform, settings, factory)
-    , m_launcher(platform, factory, m_appLauncher, m_pinStore, settings)
     , m_reservations(platform, edgeReservation())
+    , m_dockRoom(platform.dockControl, m_reservations)
+    , m_panels(platform, settings, m_dockRoom, factory)
+    , m_launcher(platform, factory, m_appLauncher, m_pinStore, settings)
     , m_navigation(platform, windowStore, m_viewModel, settings, m_panels)
     , m_moves(platform, windowStore, m_viewModel, m_navigation)
     , m_avoidanceManager(windowStore, platform.dispatch, platform.accessibility,
@@ -103,6 +104,7 @@ WindowAvoidanceManager::Bars BarManager::barsToAvoid()
             },
         .getMirrorScreenIndices = [this] { return m_panels.mirrorScreens(); },
         .getSpaces = [this] { return m_spaceWindows.getSpaces(); },
+        .getDockRoom = [this](const Screen& screen) { return m_dockRoom.on(screen); },
     };
 }
 
@@ -332,7 +334,8 @@ std::vector<Screen> BarManager::coveredScreensForBar() const
     auto screens = m_platform.displays.screens();
     std::vector<Screen> covered;
     for (auto index : m_panels.coveredScreens()) {
-        if (index < screens.size())
+        // Where the Dock stands, the window server keeps its rectangle and no other.
+        if (index < screens.size() && m_dockRoom.on(screens[index]) == 0)
             covered.push_back(screens[index]);
     }
     return covered;

@@ -10,6 +10,7 @@
 #include "Quorvel/Core/BarReservations.h"
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/BarViewModel.h"
+#include "Quorvel/Core/DockRoom.h"
 #include "Quorvel/Core/LaunchMarks.h"
 #include "Quorvel/Core/LauncherPresenter.h"
 #include "Quorvel/Core/PinStore.h"
@@ -118,9 +119,10 @@ private:
     BarSize m_lastAppliedBarSize;
     BarViewModel m_viewModel;
     LaunchMarks m_launchMarks;
+    BarReservations m_reservations;
+    DockRoom m_dockRoom;
     BarPanels m_panels;
     LauncherPresenter m_launcher;
-    BarReservations m_reservations;
     SpaceNavigation m_navigation;
     WheelNotches m_wheel{wheelSteps()};
     WindowMoves m_moves;

@@ -3,16 +3,19 @@
 #include <algorithm>
 #include <set>
 
+#include "Quorvel/Core/DockRoom.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Platform.h"
 
 namespace quorvel {
 
-BarPanels::BarPanels(const Platform& platform, const UserSettings& settings, BarFactory& factory)
+BarPanels::BarPanels(const Platform& platform, const UserSettings& settings,
+    const DockRoom& dockRoom, BarFactory& factory)
     : m_factory(factory)
     , m_windowServer(platform.windowServer)
     , m_displays(platform.displays)
     , m_settings(settings)
+    , m_dockRoom(dockRoom)
     , m_spaceWindows(platform.windowServer, platform.displays)
     , m_isPerScreen(platform.windowServer.displaysHaveSeparateSpaces())
 {
@@ -87,7 +90,8 @@ BarPanels::Spots BarPanels::spots(const std::vector<SpaceWindows::Info>& spaces,
 Rect BarPanels::barFrame(const Screen& screen) const
 {
     auto& frame = screen.frame;
-    return {frame.x, frame.y, frame.width, std::min(barHeight(m_settings.barSize()), frame.height)};
+    return {frame.x, frame.y + m_dockRoom.on(screen), frame.width,
+        std::min(barHeight(m_settings.barSize()), frame.height)};
 }
 
 Rect BarPanels::frame(const Spot& spot) const

@@ -13,6 +13,7 @@
 
 namespace quorvel {
 
+class DockRoom;
 class UserSettings;
 struct Platform;
 
@@ -34,7 +35,7 @@ public:
     using BySpace = std::map<SpaceID, std::unique_ptr<Bar>>;
     using Mirrors = std::map<MirrorKey, std::unique_ptr<Bar>>;
 
-    BarPanels(const Platform&, const UserSettings&, BarFactory&);
+    BarPanels(const Platform&, const UserSettings&, const DockRoom&, BarFactory&);
 
     /// Fills a bar that is to be shown for the first time, or whose content has to be made anew.
     std::function<void(Bar&)> onContentNeeded;
@@ -94,6 +95,7 @@ private:
     WindowServer& m_windowServer;
     Displays& m_displays;
     const UserSettings& m_settings;
+    const DockRoom& m_dockRoom;
     SpaceWindows m_spaceWindows;
     bool m_isPerScreen = false;
     std::vector<SpaceID> m_shown;

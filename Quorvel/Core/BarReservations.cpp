@@ -1,5 +1,8 @@
 #include "Quorvel/Core/BarReservations.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "Quorvel/Platform/Platform.h"
 
 namespace quorvel {
@@ -41,6 +44,16 @@ void BarReservations::applyDockRectRegistrations(
         if (m_windowReservations.setDockRectangle({display, registration.rectangle()}))
             m_appliedDockRectRegistrations.insert_or_assign(display, registration);
     }
+}
+
+bool BarReservations::hasReserved(const Screen& screen, double height) const
+{
+    auto isAbout = [height](double reserved) { return std::abs(reserved - height) < 1; };
+    auto applied = screen.number ? m_appliedDockRectRegistrations.find(*screen.number)
+                                 : m_appliedDockRectRegistrations.end();
+    return (applied != m_appliedDockRectRegistrations.end() && isAbout(applied->second.barHeight))
+        || std::ranges::any_of(
+            m_appliedEdgeReservations, [&](auto& edge) { return isAbout(edge.second); });
 }
 
 void BarReservations::clearDockRectRegistrations()

@@ -24,6 +24,8 @@ public:
     /// For the screens that show a bar, and no others.
     void applyDockRectRegistrations(const std::vector<Screen>& covered, double barHeight);
     void clearDockRectRegistrations();
+    /// Whether a strip of this height at the screen's bottom edge may be the program's own.
+    bool hasReserved(const Screen&, double height) const;
     /// For these spaces, and no others.
     void applyEdgeReservationsIfNeeded(const std::set<SpaceID>&, double barHeight);
     void clearSystemReservations();

@@ -186,7 +186,8 @@ void WindowAvoidanceManager::shortenOn(const Screen& screen, double firstScreenH
     const std::vector<const TrackedWindow*>& candidates, std::vector<Resize>& overlaps) const
 {
     const auto area = screen.frame.flipped(firstScreenHeight);
-    const double limit = area.maxY() - m_barHeight - resizeCursorClearance;
+    const double limit
+        = area.maxY() - m_bars.getDockRoom(screen) - m_barHeight - resizeCursorClearance;
     for (auto* window : candidates) {
         if (window->isMinimized || !area.contains(window->frame.centre())
             || window->frame.maxY() <= limit)

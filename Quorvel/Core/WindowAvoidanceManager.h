@@ -29,6 +29,8 @@ public:
         /// The screens that show a bar in addition to those of their spaces.
         std::function<std::vector<std::size_t>()> getMirrorScreenIndices;
         std::function<std::vector<SpaceWindows::Info>()> getSpaces;
+        /// Points below the bar that the Dock has to itself.
+        std::function<double(const Screen&)> getDockRoom = [](auto&) { return 0.0; };
     };
 
     static constexpr double kLowestHeight = 100;

@@ -16,6 +16,7 @@ class FakeDock final : public DockControl, public Preferences {
 public:
     bool isAutoHideEnabled() const override { return m_isAutoHideEnabled; }
     void setAutoHideEnabled(bool) override;
+    bool isAtBottom() const override { return m_isAtBottom; }
     Preferences* preferences() override { return m_hasPreferences ? this : nullptr; }
     void restart() override;
 
@@ -26,6 +27,7 @@ public:
 
     // What the user did.
     void setPreference(const std::string& key, Value value) { m_stored[key] = std::move(value); }
+    void setAtBottom(bool value) { m_isAtBottom = value; }
     void setHasPreferences(bool value) { m_hasPreferences = value; }
     /// The program has gone without a word.
     void forgetUnsynchronised() { m_unsynchronised.clear(); }
@@ -42,6 +44,7 @@ private:
 
     using Values = std::map<std::string, Value>;
     bool m_isAutoHideEnabled = false;
+    bool m_isAtBottom = true;
     bool m_hasPreferences = true;
     Values m_unsynchronised;
     Values m_stored;
