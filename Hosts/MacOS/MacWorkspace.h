@@ -43,7 +43,9 @@ public:
 private:
     void observe(NSNotificationName, const Signal<RunningApplication>&);
     void observe(NSNotificationName, const Signal<>&);
-    void announceLaunch(const ApplicationURL&);
+    void announceLaunch(NSString* path);
+    using Completion = void (^)(NSRunningApplication*, NSError*);
+    Completion reportsFailure(NSString* path);
 
     std::vector<NotificationObserver> m_observers;
 };

@@ -37,6 +37,23 @@ NSRunningApplication* findApplication(ProcessID pid)
     return [NSRunningApplication runningApplicationWithProcessIdentifier:raw(pid)];
 }
 
+ApplicationLaunch launchOf(NSString* path)
+{
+    ApplicationLaunch launch;
+    if (NSString* identifier = [NSBundle bundleWithPath:path].bundleIdentifier)
+        launch.bundleIdentifier = fromSystem(identifier);
+    launch.name = fromSystem([NSFileManager.defaultManager displayNameAtPath:path]);
+    return launch;
+}
+
+/// As when the system asks before it opens what came from the net, and the user says no.
+bool isUsersOwnChoice(NSError* error)
+{
+    constexpr NSInteger kUserCancelled = -128;
+    return ([error.domain isEqualToString:NSCocoaErrorDomain] && error.code == NSUserCancelledError)
+        || ([error.domain isEqualToString:NSOSStatusErrorDomain] && error.code == kUserCancelled);
+}
+
 /// Nil for lack of memory.
 NSBitmapImageRep* makeBitmap(int pixels)
 {
@@ -145,25 +162,33 @@ Image MacWorkspace::genericApplicationIcon() const
 }
 
 /// Whether a program is started by opening it, or only brought to the front.
-void MacWorkspace::announceLaunch(const ApplicationURL& url)
+void MacWorkspace::announceLaunch(NSString* path)
 {
-    NSString* path = toSystem(url.path);
-    NSString* identifier = path ? [NSBundle bundleWithPath:path].bundleIdentifier : nil;
+    NSString* identifier = [NSBundle bundleWithPath:path].bundleIdentifier;
     if (!identifier)
         return;
     if ([NSRunningApplication runningApplicationsWithBundleIdentifier:identifier].count == 0)
-        launchDidBegin.emit({fromSystem(identifier),
-            fromSystem([NSFileManager.defaultManager displayNameAtPath:path])});
+        launchDidBegin.emit(launchOf(path));
+}
+
+/// The system calls it on a queue of its own, also after the program was only brought to the front.
+MacWorkspace::Completion MacWorkspace::reportsFailure(NSString* path)
+{
+    return ^(NSRunningApplication*, NSError* error) {
+        if (!error || isUsersOwnChoice(error))
+            return;
+        dispatch_async(dispatch_get_main_queue(), ^{ launchDidFail.emit(launchOf(path)); });
+    };
 }
 
 void MacWorkspace::openApplication(const ApplicationURL& url)
 {
-    announceLaunch(url);
     if (NSString* path = toSystem(url.path)) {
+        announceLaunch(path);
         [NSWorkspace.sharedWorkspace
             openApplicationAtURL:[NSURL fileURLWithPath:path]
                    configuration:[NSWorkspaceOpenConfiguration configuration]
-               completionHandler:nil];
+               completionHandler:reportsFailure(path)];
     }
 }
 
@@ -174,23 +199,23 @@ void MacWorkspace::openNewInstance(const ApplicationURL& url)
         configuration.createsNewApplicationInstance = YES;
         [NSWorkspace.sharedWorkspace openApplicationAtURL:[NSURL fileURLWithPath:path]
                                             configuration:configuration
-                                        completionHandler:nil];
+                                        completionHandler:reportsFailure(path)];
     }
 }
 
 void MacWorkspace::openFiles(const std::vector<std::string>& paths, const ApplicationURL& url)
 {
-    announceLaunch(url);
     NSMutableArray<NSURL*>* files = [NSMutableArray array];
     for (const std::string& each : paths) {
         if (NSString* file = toSystem(each))
             [files addObject:[NSURL fileURLWithPath:file]];
     }
-    if (NSString* application = toSystem(url.path)) {
+    if (NSString* path = toSystem(url.path)) {
+        announceLaunch(path);
         [NSWorkspace.sharedWorkspace openURLs:files
-                         withApplicationAtURL:[NSURL fileURLWithPath:application]
+                         withApplicationAtURL:[NSURL fileURLWithPath:path]
                                 configuration:[NSWorkspaceOpenConfiguration configuration]
-                            completionHandler:nil];
+                            completionHandler:reportsFailure(path)];
     }
 }
 
