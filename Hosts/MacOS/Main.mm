@@ -4,6 +4,7 @@
 #include "Hosts/MacOS/MacBundles.h"
 #include "Hosts/MacOS/MacLoginItem.h"
 #include "Hosts/MacOS/MacSurfaces.h"
+#include "Hosts/MacOS/MacUpdater.h"
 #include "Hosts/MacOS/MacWindowCapture.h"
 #include "Hosts/MacOS/MacWorkspace.h"
 #include "Hosts/MacOS/Rules/ProgramArguments.h"
@@ -11,6 +12,7 @@
 #include "Hosts/MacOS/System/FdSource.h"
 #include "Hosts/MacOS/System/MacAccessibility.h"
 #include "Hosts/MacOS/System/MacDispatch.h"
+#include "Hosts/MacOS/System/MacDockControl.h"
 #include "Hosts/MacOS/System/MacFileEvents.h"
 #include "Hosts/MacOS/System/MacLaunchServices.h"
 #include "Hosts/MacOS/System/MacWindowServer.h"
@@ -68,6 +70,8 @@ int runBar(ControlChannel& control, Trace& trace)
     posix::PosixFiles files{{applicationSupportFolder(), /*keepsRejectedFiles=*/false}};
     MacLoginItem loginItem;
     MacLaunchServices launchServices{symbols};
+    MacDockControl dock{symbols};
+    const std::unique_ptr<MacUpdater> updater = MacUpdater::load();
     return QuorvelApp::main({
         .dispatch = dispatch,
         .accessibility = accessibility,
@@ -85,6 +89,8 @@ int runBar(ControlChannel& control, Trace& trace)
         .loginItem = loginItem,
         .launchServices = launchServices,
         .trace = trace,
+        .dockControl = MacDockControl::isAvailable(symbols) ? &dock : nullptr,
+        .updater = updater.get(),
     });
 }
 

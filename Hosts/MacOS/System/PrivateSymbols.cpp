@@ -50,6 +50,9 @@ PrivateSymbols PrivateSymbols::load()
     look(s.setSymbolicHotKeyEnabled, skyLight, "SLSSetSymbolicHotKeyEnabled",
         "CGSSetSymbolicHotKeyEnabled");
     look(s.coreDockSendNotification, RTLD_DEFAULT, "CoreDockSendNotification");
+    look(s.coreDockGetAutoHideEnabled, RTLD_DEFAULT, "CoreDockGetAutoHideEnabled");
+    look(s.coreDockSetAutoHideEnabled, RTLD_DEFAULT, "CoreDockSetAutoHideEnabled");
+    look(s.coreDockGetOrientationAndPinning, RTLD_DEFAULT, "CoreDockGetOrientationAndPinning");
     look(s.axElementGetWindow, RTLD_DEFAULT, "_AXUIElementGetWindow");
     look(s.copyRunningApplicationArray, RTLD_DEFAULT, "_LSCopyRunningApplicationArray");
     look(s.copyApplicationInformation, RTLD_DEFAULT, "_LSCopyApplicationInformation");

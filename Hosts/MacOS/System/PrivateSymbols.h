@@ -46,6 +46,13 @@ struct PrivateSymbols {
     /// Triggers one of the Dock's own actions; the number is always 0.
     CGError (*coreDockSendNotification)(CFStringRef name, int) = nullptr;
 
+    /// Whether the Dock hides by itself; setting it takes effect at once and is stored.
+    Boolean (*coreDockGetAutoHideEnabled)() = nullptr;
+    void (*coreDockSetAutoHideEnabled)(Boolean) = nullptr;
+    /// The edge it is at: 1 top, 2 bottom, 3 left, 4 right.
+    void (*coreDockGetOrientationAndPinning)(std::int32_t* orientation, std::int32_t* pinning)
+        = nullptr;
+
     ::AXError (*axElementGetWindow)(AXUIElementRef, CGWindowID*) = nullptr;
 
     /// Serial numbers, objects of an unnamed type.

@@ -9,8 +9,14 @@
 #include "Tests/MacSystem/Support/Values.h"
 #include "Tests/Support/FakeDesktop.h"
 
+extern "C" {
 /// The private call of accessibility, which the loader finds under another name.
-extern "C" AXError simulatedGetWindow(AXUIElementRef, CGWindowID*);
+AXError simulatedGetWindow(AXUIElementRef, CGWindowID*);
+// And those of the Dock.
+Boolean simulatedGetAutoHideEnabled();
+void simulatedSetAutoHideEnabled(Boolean);
+void simulatedGetOrientationAndPinning(std::int32_t* orientation, std::int32_t* pinning);
+}
 
 namespace quorvel::test {
 

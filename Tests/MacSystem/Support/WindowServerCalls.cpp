@@ -245,6 +245,12 @@ void* SimulatedMac::symbol(bool isInSkyLight, const std::string& name) const
         return address(copyRunningApplicationArray);
     if (!isInSkyLight && name == "_LSCopyApplicationInformation")
         return address(copyApplicationInformation);
+    if (!isInSkyLight && name == "CoreDockGetAutoHideEnabled")
+        return address(simulatedGetAutoHideEnabled);
+    if (!isInSkyLight && name == "CoreDockSetAutoHideEnabled")
+        return address(simulatedSetAutoHideEnabled);
+    if (!isInSkyLight && name == "CoreDockGetOrientationAndPinning")
+        return address(simulatedGetOrientationAndPinning);
     if (!name.starts_with(isInSkyLight ? "SLS" : "CGS"))
         return nullptr;
     const auto found = privateCalls().find(name.substr(3));

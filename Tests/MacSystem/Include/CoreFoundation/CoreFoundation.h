@@ -120,6 +120,10 @@ CFURLRef CFURLCreateFromFileSystemRepresentation(
     CFAllocatorRef, const UInt8* path, CFIndex length, Boolean isFolder);
 CFDictionaryRef CFBundleCopyInfoDictionaryInDirectory(CFURLRef);
 
+CFTypeRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef application);
+void CFPreferencesSetAppValue(CFStringRef key, CFTypeRef value, CFStringRef application);
+Boolean CFPreferencesAppSynchronize(CFStringRef application);
+
 CFTypeID CFNumberGetTypeID();
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType, const void* value);
 Boolean CFNumberGetValue(CFNumberRef, CFNumberType, void* value);
