@@ -1,0 +1,53 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "Hosts/Posix/FdWatch.h"
+#include "Hosts/Posix/HostLoop.h"
+#include "Quorvel/Core/SettingsCoding.h"
+#include "Settings/LineReader.h"
+
+namespace quorvel::settings {
+
+/// The settings session with the bar of this display, on its control socket. Where there is no bar,
+/// it waits until the socket changes, and tries now and then as well. Nothing blocks. Main thread.
+class BarConnection {
+public:
+    struct Events {
+        std::function<void(const SettingsNews&)> news;
+        std::function<void()> lost; ///< no bar answers, or none does any longer
+    };
+
+    BarConnection(posix::HostLoop, Events);
+    BarConnection(const BarConnection&) = delete;
+    BarConnection& operator=(const BarConnection&) = delete;
+
+    /// What the user does; it is lost where there is no bar. The bar lets go of its own shortcuts
+    /// while a recording is on, and that ends with the connection too.
+    void send(const SettingsRequest&);
+
+private:
+    void connect();
+    void lose();
+    void retry();
+    void read();
+    void takeLine(std::string_view line);
+    void write();
+
+    posix::HostLoop m_loop;
+    Events m_events;
+    std::string m_socketPath; ///< empty where there is no place for it
+    std::chrono::milliseconds m_pause; ///< before the next attempt
+    std::optional<LineReader> m_lines;
+    std::string m_unsent;
+    posix::UniqueFd m_socket;
+    Subscription m_readable;
+    Subscription m_writable;
+    std::optional<Subscription> m_folder;
+    Subscription m_timer; ///< the next attempt, or the end of waiting for the first message
+};
+
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <adwaita.h>
+
+#include "Settings/BarConnection.h"
+#include "Settings/PageView.h"
+#include "Settings/Rows/RowView.h"
+#include "Settings/Toolkit/SignalHandler.h"
+#include "Settings/WindowFrame.h"
+
+namespace quorvel::settings {
+
+/// The window with the settings of the bar of this display. While no bar answers, it says so and
+/// nothing can be changed. Main thread.
+class SettingsWindow {
+public:
+    explicit SettingsWindow(GtkApplication*);
+    SettingsWindow(const SettingsWindow&) = delete;
+    SettingsWindow& operator=(const SettingsWindow&) = delete;
+
+    /// Brings it to the front.
+    void present();
+
+private:
+    struct ShownPage {
+        std::string id;
+        std::unique_ptr<PageView> view;
+    };
+
+    void receive(const SettingsDescription&);
+    void receive(const SettingsPresent&) { present(); }
+    void receive(const SettingsRefusal&);
+    void lose();
+    void showPages();
+    void replacePages();
+
+    posix::HostLoop m_loop;
+    WindowFrame m_frame;
+    RowOutlets m_outlets;
+    SettingsDescription m_description; ///< the last
+    bool m_isConnected = false;
+    bool m_isBehind = false; ///< a page waits until the user is done with one of its rows
+    std::vector<ShownPage> m_pages;
+    xdg::GObjectHandle<GtkWidget> m_focusWhenLost;
+    SignalHandler m_focusMoved;
+    Subscription m_later;
+    BarConnection m_bar; ///< last: its events use all the others
+};
+
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <string>
+
+#include <adwaita.h>
+
+#include "Hosts/Linux/GHandles.h"
+
+namespace quorvel::settings {
+
+/// The window around the pages: the switch between them, which moves to the bottom where it is
+/// narrow, and the places where the user is told something. Main thread.
+class WindowFrame {
+public:
+    explicit WindowFrame(GtkApplication*);
+    WindowFrame(const WindowFrame&) = delete;
+    WindowFrame& operator=(const WindowFrame&) = delete;
+
+    GtkWindow* window() const { return m_window; }
+    AdwViewStack* stack() const { return m_stack; }
+
+    /// The pages can be used.
+    void showPages();
+    /// They cannot, and the user is told why: above them, or instead of them as long as there are
+    /// none.
+    void showAbsence();
+    /// A passing note, which replaces the last.
+    void tell(const std::string&);
+
+private:
+    GtkWidget* makeHeader();
+    GtkWidget* makeNote();
+    GtkWidget* makeBody();
+    void addKeys();
+
+    // The window is its application's, and the others are the window's.
+    GtkWindow* m_window;
+    AdwViewStack* m_stack;
+    AdwViewSwitcherTitle* m_title = nullptr;
+    GtkStack* m_body = nullptr;
+    AdwToastOverlay* m_toasts = nullptr;
+    GtkWidget* m_note = nullptr;
+    xdg::GObjectHandle<AdwToast> m_toast;
+};
+
+}
