@@ -58,6 +58,16 @@ std::optional<ControlReply> decodeReply(std::string_view message)
     return ControlReply{status->get<int>(), *output, *error};
 }
 
+std::optional<std::string> LineReader::next()
+{
+    auto end = m_bytes.find('\n');
+    if (end == std::string::npos || end > m_longest)
+        return std::nullopt;
+    auto line = m_bytes.substr(0, end);
+    m_bytes.erase(0, end + 1);
+    return line;
+}
+
 MessageReader::State MessageReader::add(std::string_view bytes)
 {
     auto end = bytes.find('\n');

@@ -22,6 +22,24 @@ std::string encodeReply(const ControlReply&);
 std::optional<std::vector<std::string>> decodeRequest(std::string_view);
 std::optional<ControlReply> decodeReply(std::string_view);
 
+/// Parts what arrives in pieces into lines.
+class LineReader {
+public:
+    explicit LineReader(std::size_t longest) : m_longest(longest) { }
+
+    void add(std::string_view bytes) { m_bytes.append(bytes); }
+    /// The next line without its end; absent while it is not whole.
+    std::optional<std::string> next();
+    /// Whether what has come of the next line is longer than a line may be.
+    bool isTooLong() const { return m_bytes.size() > m_longest; }
+    /// Whether something came after the last line that was taken.
+    bool hasMore() const { return !m_bytes.empty(); }
+
+private:
+    std::size_t m_longest;
+    std::string m_bytes;
+};
+
 /// Collects a message that arrives in pieces.
 class MessageReader {
 public:

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "Hosts/Posix/ControlMessage.h"
+#include "Hosts/Posix/LineConnection.h"
 #include "Hosts/Posix/LocalSocket.h"
 
 namespace quorvel::posix {
@@ -20,11 +21,6 @@ namespace {
 constexpr std::size_t kMostClients = 16;
 constexpr int kBacklog = 16;
 constexpr std::chrono::milliseconds kPause{250};
-
-bool wouldBlock()
-{
-    return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
-}
 
 /// Whether a descriptor or the memory for one was lacking.
 bool hasNoRoom()
@@ -50,7 +46,7 @@ struct ControlSocket::Client {
     explicit Client(UniqueFd fd_) : fd(std::move(fd_)) { }
 
     UniqueFd fd;
-    MessageReader request{kLongestRequest};
+    LineReader request{kLongestRequest};
     std::string reply;
     std::size_t sent = 0;
     Subscription watch; ///< last: ends before its descriptor closes
@@ -152,29 +148,36 @@ void ControlSocket::read(Client& client)
         return;
     if (count <= 0)
         return drop(client);
-    switch (client.request.add({bytes.data(), static_cast<std::size_t>(count)})) {
-    case MessageReader::State::incomplete:
-        break;
-    case MessageReader::State::complete:
-        answer(client);
-        break;
-    case MessageReader::State::malformed:
+    client.request.add({bytes.data(), static_cast<std::size_t>(count)});
+    if (auto line = client.request.next())
+        answer(client, *line);
+    else if (client.request.isTooLong())
         drop(client);
-        break;
-    }
 }
 
-void ControlSocket::answer(Client& client)
+void ControlSocket::answer(Client& client, const std::string& line)
 {
-    auto arguments = decodeRequest(client.request.message());
+    auto arguments = decodeRequest(line);
     if (!arguments)
         return drop(client);
     client.watch = {};
+    if (m_sessionHandler && arguments->size() == 1 && arguments->front() == kSessionRequest)
+        return beginSession(client);
+    if (client.request.hasMore())
+        return drop(client);
     ControlReply reply{1, "", "quorvel: the running bar is still starting\n"};
     if (m_handler)
         reply = m_handler(*arguments);
     client.reply = encodeReply(reply);
     write(client);
+}
+
+void ControlSocket::beginSession(Client& client)
+{
+    auto session
+        = std::make_unique<LineConnection>(std::move(client.fd), std::move(client.request), m_loop);
+    drop(client);
+    m_sessionHandler(std::move(session));
 }
 
 void ControlSocket::write(Client& client)

@@ -24,6 +24,10 @@ public:
     ~ControlSocket() override;
 
     void setHandler(Handler handler) override { m_handler = std::move(handler); }
+    void setSessionHandler(SessionHandler handler) override
+    {
+        m_sessionHandler = std::move(handler);
+    }
 
 private:
     struct Client;
@@ -37,7 +41,8 @@ private:
     void restore();
     void accept();
     void read(Client&);
-    void answer(Client&);
+    void answer(Client&, const std::string& line);
+    void beginSession(Client&);
     void write(Client&);
     void drop(Client&);
 
@@ -45,6 +50,7 @@ private:
     ControlLock m_lock;
     HostLoop m_loop;
     Handler m_handler;
+    SessionHandler m_sessionHandler;
     UniqueFd m_listener;
     ino_t m_socketNumber = 0; ///< inode of the socket file
     std::list<Client> m_clients; ///< the oldest first

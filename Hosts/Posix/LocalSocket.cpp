@@ -1,6 +1,7 @@
 #include "Hosts/Posix/LocalSocket.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -33,6 +34,11 @@ bool setNonBlocking(int fd)
 bool setCloseOnExec(int fd)
 {
     return fcntl(fd, F_SETFD, FD_CLOEXEC) == 0;
+}
+
+bool wouldBlock()
+{
+    return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
 }
 
 std::optional<uid_t> peerUser(int fd)

@@ -16,6 +16,8 @@ UniqueFd makeLocalSocket();
 sockaddr_un socketName(const std::string& path);
 bool setNonBlocking(int fd);
 bool setCloseOnExec(int fd);
+/// Whether the last call on a non-blocking socket failed only for now.
+bool wouldBlock();
 /// The process and user at the other end.
 std::optional<uid_t> peerUser(int fd);
 

@@ -1,5 +1,6 @@
 #include "Hosts/Posix/ControlSocket.h"
 
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -14,6 +15,7 @@
 #include "Hosts/Linux/Loop/FdSource.h"
 #include "Hosts/Posix/ControlClient.h"
 #include "Hosts/Posix/ControlMessage.h"
+#include "Hosts/Posix/LineConnection.h"
 #include "Hosts/Posix/LocalSocket.h"
 #include "Tests/Host/MainLoop.h"
 #include "Tests/Support/TemporaryFolder.h"
@@ -164,6 +166,89 @@ TEST_F(ControlChannelTest, silentAndBrokenClientsDisturbNobody)
 
     ASSERT_TRUE(ask({"--state"}));
     EXPECT_EQ(requests, 1);
+}
+
+// Faults: lines lost, joined or cut; a bar that waits for a program that does not read, or keeps
+// all that is meant for it; one that falls over a session that ends inside its own call.
+TEST_F(ControlChannelTest, aSessionCarriesLinesUntilOneEndGoesOrBreaksTheRules)
+{
+    auto bar = startBar();
+    ASSERT_TRUE(bar);
+    bar->setHandler([](auto&) { return ControlReply{5, "", ""}; });
+    EXPECT_EQ(ask({"--settings-session"})->exitStatus, 5) << "while nobody takes sessions";
+    std::unique_ptr<ControlSession> session;
+    std::vector<std::string> heard;
+    bool isEnded = false;
+    bar->setSessionHandler([&](std::unique_ptr<ControlSession> begun) {
+        isEnded = false;
+        session = std::move(begun);
+        session->onLine = [&](std::string_view line) {
+            heard.emplace_back(line);
+            if (line == "quit")
+                session.reset();
+        };
+        session->onEnd = [&] {
+            isEnded = true;
+            session.reset();
+        };
+    });
+    auto begin = [&](std::string_view more = "") {
+        auto client = connectAsClient();
+        auto bytes = encodeRequest({"--settings-session"}).append(more);
+        EXPECT_EQ(send(client.get(), bytes.data(), bytes.size(), 0), ssize_t(bytes.size()));
+        EXPECT_TRUE(xdg::x11::eventually([&] { return session != nullptr; }));
+        return client;
+    };
+    auto say = [](const UniqueFd& client, std::string_view bytes) {
+        send(client.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    };
+    auto hears = [&](const std::vector<std::string>& lines) {
+        return xdg::x11::eventually([&] { return heard == lines; });
+    };
+
+    auto client = begin("a\n\nb"); // lines may come with the request
+    EXPECT_TRUE(hears({"a", ""}));
+    say(client, "c\nd\n");
+    EXPECT_TRUE(hears({"a", "", "bc", "d"}));
+    session->send("one");
+    session->send("two");
+    std::array<char, 16> bytes{};
+    EXPECT_EQ(recv(client.get(), bytes.data(), 8, MSG_WAITALL), 8);
+    EXPECT_STREQ(bytes.data(), "one\ntwo\n");
+    EXPECT_EQ(ask({"--state"})->exitStatus, 5) << "others are answered meanwhile";
+    client = {};
+    EXPECT_TRUE(xdg::x11::eventually([&] { return isEnded; }));
+
+    client = begin();
+    heard.clear();
+    say(client, "quit\nmore\n");
+    EXPECT_TRUE(xdg::x11::eventually([&] { return !session; }));
+    EXPECT_EQ(heard, std::vector<std::string>{"quit"});
+    EXPECT_EQ(recv(client.get(), bytes.data(), 1, 0), 0) << "the other end hears of it";
+
+    client = begin();
+    for (std::string endless(kLongestRequest / 8, 'x'); session;) {
+        say(client, endless);
+        while (g_main_context_iteration(nullptr, false)) { }
+    }
+    EXPECT_TRUE(isEnded);
+
+    client = begin();
+    const std::string large(LineConnection::kMostUnread / 2, 'x');
+    for (int i = 0; i < 8; ++i)
+        session->send(large);
+    EXPECT_TRUE(session) << "not within the call";
+    EXPECT_TRUE(xdg::x11::eventually([&] { return isEnded; }));
+
+    client = begin();
+    session->send(large);
+    std::string received(large.size() + 1, ' ');
+    for (std::size_t at = 0; at < received.size();) { // what does not go at once follows
+        auto count = recv(client.get(), &received[at], received.size() - at, MSG_DONTWAIT);
+        at += count > 0 ? static_cast<std::size_t>(count) : 0;
+        g_main_context_iteration(nullptr, false);
+    }
+    EXPECT_EQ(received, large + "\n");
 }
 
 TEST_F(ControlChannelTest, theSocketOfACrashedBarIsReplaced)

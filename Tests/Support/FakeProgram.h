@@ -1,8 +1,10 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Quorvel/Platform/Application.h"
@@ -44,9 +46,57 @@ private:
     bool m_isTerminated = false;
 };
 
+/// The other end of a session: another program.
+class FakeSessionPeer {
+public:
+    /// What the bar has sent and has not been looked at.
+    std::vector<std::string> takeLines() { return std::exchange(m_lines, {}); }
+    bool isConnected() const { return m_session != nullptr; }
+    void say(std::string_view line)
+    {
+        if (m_session && m_session->onLine)
+            std::function{m_session->onLine}(line);
+    }
+    void hangUp()
+    {
+        if (auto* session = std::exchange(m_session, nullptr))
+            std::exchange(session->onEnd, nullptr)();
+    }
+
+private:
+    friend class FakeControlChannel;
+
+    struct Session final : ControlSession {
+        explicit Session(std::shared_ptr<FakeSessionPeer> end) : peer(std::move(end)) { }
+        ~Session() override { peer->m_session = nullptr; }
+        void send(std::string_view line) override { peer->m_lines.emplace_back(line); }
+
+        std::shared_ptr<FakeSessionPeer> peer;
+    };
+
+    ControlSession* m_session = nullptr;
+    std::vector<std::string> m_lines;
+};
+
 class FakeControlChannel final : public ControlChannel {
 public:
     void setHandler(Handler handler) override { m_handler = std::move(handler); }
+    void setSessionHandler(SessionHandler handler) override
+    {
+        m_sessionHandler = std::move(handler);
+    }
+
+    /// Another program connects and stays; not connected if nobody listens.
+    std::shared_ptr<FakeSessionPeer> connect() const
+    {
+        auto peer = std::make_shared<FakeSessionPeer>();
+        if (m_sessionHandler) {
+            auto session = std::make_unique<FakeSessionPeer::Session>(peer);
+            peer->m_session = session.get();
+            m_sessionHandler(std::move(session));
+        }
+        return peer;
+    }
 
     /// A later invocation of the program; absent if nobody listens.
     std::optional<ControlReply> send(const std::vector<std::string>& arguments) const
@@ -56,6 +106,7 @@ public:
 
 private:
     Handler m_handler;
+    SessionHandler m_sessionHandler;
 };
 
 }
