@@ -5,6 +5,7 @@
 
 #include "Quorvel/Core/Bar.h"
 #include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Translation.h"
 
 namespace quorvel {
 
@@ -29,7 +30,7 @@ void LauncherPresenter::show(const Bar& anchor)
     m_isClosedByPrimaryPress = false;
     m_anchor = anchorOf(anchor);
     m_panel = m_factory.makeLauncher(
-        {.display = anchor.display(), .title = "Applications", .kind = PanelKind::launcher},
+        {.display = anchor.display(), .title = tr("Applications"), .kind = PanelKind::launcher},
         {.appLauncher = m_appLauncher,
             .pinStore = m_pinStore,
             .settings = m_settings,

@@ -7,6 +7,7 @@
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Views/AppLauncherPlaceholder.h"
 #include "Quorvel/Views/AppLauncherSearchField.h"
@@ -42,7 +43,7 @@ AppLauncherContent::AppLauncherContent(const Inputs& inputs)
     m_background = &addChild(std::make_unique<BarBackground>(m_palette));
     m_background->setCornerRadius(Style::radius);
     m_title = &addChild(std::make_unique<LabelView>(platform.text, m_palette, Style::title));
-    m_title->setText("Applications");
+    m_title->setText(tr("Applications"));
     m_searchField = &addChild(std::make_unique<AppLauncherSearchField>(
         TextFieldView::Inputs{platform, m_inputs.surface, m_palette}));
     m_table = &addChild(std::make_unique<AppListTableView>(
@@ -222,7 +223,7 @@ AccessibleState AppLauncherContent::accessibleState() const
 {
     AccessibleState state;
     state.role = AccessibleRole::panel;
-    state.name = "Applications";
+    state.name = tr("Applications");
     return state;
 }
 

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <utility>
 
+#include "Quorvel/Platform/Translation.h"
+
 namespace quorvel {
 
 namespace {
@@ -29,7 +31,7 @@ AppLauncherPlaceholder::AppLauncherPlaceholder(const Text& text, const Palette& 
 void AppLauncherPlaceholder::showLoading()
 {
     m_isLoading = true;
-    m_label->setText("Loading applications...");
+    m_label->setText(tr("Loading applications..."));
     layout();
     invalidate();
 }
@@ -37,7 +39,7 @@ void AppLauncherPlaceholder::showLoading()
 void AppLauncherPlaceholder::showNoMatch(const std::string& query)
 {
     m_isLoading = false;
-    m_label->setText("No apps matching \"" + query + "\"");
+    m_label->setText(trFormat("No apps matching \"{}\"", query));
     layout();
     invalidate();
 }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/ButtonView.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
@@ -32,7 +33,10 @@ public:
     using ButtonView::ButtonView;
 
     std::string accessibleID() const override { return "clear"; }
-    AccessibleState accessibleState() const override { return buttonState("Clear", "Press"); }
+    AccessibleState accessibleState() const override
+    {
+        return buttonState(tr("Clear"), tr("Press"));
+    }
 
 private:
     void paint(Canvas& canvas) const override
@@ -45,10 +49,10 @@ private:
 
 AppLauncherSearchField::AppLauncherSearchField(const TextFieldView::Inputs& inputs)
     : m_palette(inputs.palette)
-    , m_field(&addChild(std::make_unique<TextFieldView>(inputs, "Search")))
+    , m_field(&addChild(std::make_unique<TextFieldView>(inputs, tr("Search"))))
     , m_clearButton(&addChild(std::make_unique<ClearButton>(inputs.palette)))
 {
-    m_field->setPlaceholder("Search applications...");
+    m_field->setPlaceholder(tr("Search applications..."));
     m_field->setFontSize(Style::fontSize);
     m_field->onTextChanged = [this](auto& text) { textDidChange(text); };
     m_field->onFocusChanged = [this](bool) { invalidate(); };

@@ -6,6 +6,7 @@
 #include "Quorvel/Core/AppLauncher.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/SearchTerms.h"
+#include "Quorvel/Platform/Translation.h"
 
 namespace quorvel {
 
@@ -68,7 +69,7 @@ std::vector<AppListItem> listItems(const AppLauncher& launcher, const PinStore& 
     if (trimmed(query).empty()) {
         auto pinned = pinnedApps(launcher, pins);
         if (!pinned.empty()) {
-            items.push_back({AppListItem::SectionHeader{"Pinned"}});
+            items.push_back({AppListItem::SectionHeader{tr("Pinned")}});
             for (auto& app : pinned)
                 items.push_back({AppListItem::App{std::move(app), AppListSection::pinned}});
             items.push_back({AppListItem::Divider{}});

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Quorvel/Core/PinStore.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel {
@@ -20,13 +21,13 @@ MenuItem pinToggle(std::string title, const AppInfo& app, PinStore& pins, PinDes
 MenuItem pinEntry(const AppInfo& app, PinStore& pins)
 {
     if (pins.isPinned(app.id(), PinDestination::launcher))
-        return {"Unpin", true,
+        return {tr("Unpin"), true,
             [&pins, id = app.id()] { pins.setPin(id, PinDestination::launcher, false); }};
-    MenuItem pinTo{"Pin to", true, {}};
-    pinTo.submenu.push_back(pinToggle("Bar", app, pins, PinDestination::bar));
+    MenuItem pinTo{tr("Pin to"), true, {}};
+    pinTo.submenu.push_back(pinToggle(tr("Bar"), app, pins, PinDestination::bar));
     // The bar finds what it shows by its bundle identifier.
     pinTo.submenu.back().isEnabled = app.hasBundleIdentifier();
-    pinTo.submenu.push_back(pinToggle("App menu", app, pins, PinDestination::launcher));
+    pinTo.submenu.push_back(pinToggle(tr("App menu"), app, pins, PinDestination::launcher));
     return pinTo;
 }
 
@@ -34,7 +35,7 @@ MenuItem pinEntry(const AppInfo& app, PinStore& pins)
 
 Menu appListMenu(const AppInfo& app, const AppListMenuContext& context)
 {
-    Menu menu{{"Open", true, [app, open = context.onOpen] { open(app); }}, {},
+    Menu menu{{tr("Open"), true, [app, open = context.onOpen] { open(app); }}, {},
         pinEntry(app, context.pinStore)};
     auto actions = context.workspace.actions(app.path());
     if (!actions.empty())

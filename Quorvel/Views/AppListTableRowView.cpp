@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Quorvel/Core/PinnedAppRecord.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/AppListRowView.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
@@ -187,7 +188,7 @@ AccessibleState AppListTableRowView::accessibleState() const
         state.role = AccessibleRole::listItem;
         state.name = app->app.name();
         state.isSelected = isSelected();
-        state.actions = {"Open", "Show Menu"};
+        state.actions = {tr("Open"), tr("Show Menu")};
         state.menuAction = 1;
         state.position = m_position;
     }

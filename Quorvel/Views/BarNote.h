@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/ButtonView.h"
 
 namespace quorvel {
@@ -25,7 +26,7 @@ public:
     void setRoom(const Rect&, bool isRightToLeft);
 
     std::string accessibleID() const override { return "note"; }
-    AccessibleState accessibleState() const override { return buttonState(m_text, "Dismiss"); }
+    AccessibleState accessibleState() const override { return buttonState(m_text, tr("Dismiss")); }
 
 private:
     void paint(Canvas&) const override;

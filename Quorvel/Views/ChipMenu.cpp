@@ -5,6 +5,7 @@
 
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Core/PinStore.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel {
@@ -34,7 +35,7 @@ std::string entryTitle(const ChipData& chip)
         if (!title->empty())
             return *title;
     }
-    return "Window";
+    return tr("Window");
 }
 
 void separate(Menu& menu)
@@ -57,7 +58,7 @@ void addApplicationEntries(Menu& menu, const std::string& bundleID, const ChipMe
                 BarViewModel&) { workspace.perform(action, url); }));
     }
     if (!offersWindow && context.workspace.canOpenNewInstance(*url))
-        menu.push_back(entry("New Window", context.viewModel,
+        menu.push_back(entry(tr("New Window"), context.viewModel,
             [&workspace = context.workspace, url = *url](
                 BarViewModel&) { workspace.openNewInstance(url); }));
 }
@@ -68,7 +69,7 @@ void addPinEntry(Menu& menu, const std::string& bundleID, const ChipMenuContext&
     bool isPinned = context.pinStore.isPinned(bundleID, PinDestination::bar);
     if (!isPinned && !context.workspace.applicationURL(bundleID))
         return;
-    menu.push_back(entry(isPinned ? "Unpin from Bar" : "Pin to Bar", context.viewModel,
+    menu.push_back(entry(isPinned ? tr("Unpin from Bar") : tr("Pin to Bar"), context.viewModel,
         [&pins = context.pinStore, bundleID, isPinned](
             BarViewModel&) { pins.setPin(bundleID, PinDestination::bar, !isPinned); }));
 }
@@ -78,7 +79,7 @@ void addMoveEntry(Menu& menu, const std::vector<WindowID>& windows, const ChipMe
     if (std::ranges::count(context.spaces, false, &SpaceCellData::isFullscreen) < 2
         || !context.onMoveWindowToSpace)
         return;
-    MenuItem move{"Move to Desktop", true, {}};
+    MenuItem move{tr("Move to Desktop"), true, {}};
     for (auto& space : context.spaces) {
         if (space.isFullscreen)
             continue;
@@ -99,7 +100,7 @@ void addFooter(Menu& menu, const std::optional<std::string>& bundleID, WindowID 
     separate(menu);
     if (bundleID)
         addPinEntry(menu, *bundleID, context);
-    menu.push_back(entry("Quit", context.viewModel,
+    menu.push_back(entry(tr("Quit"), context.viewModel,
         [window](BarViewModel& current) { current.quitApplicationOf(window); }));
 }
 
@@ -111,12 +112,12 @@ Menu windowMenu(const ChipData& chip, const ChipMenuContext& context)
         addApplicationEntries(menu, *chip.bundleIdentifier, context);
     separate(menu);
     menu.push_back(chip.isMinimized
-            ? activateEntry("Restore", id, context.viewModel)
-            : entry("Minimise", context.viewModel,
+            ? activateEntry(tr("Restore"), id, context.viewModel)
+            : entry(tr("Minimise"), context.viewModel,
                 [id](BarViewModel& current) { current.minimizeWindow(id); }));
     addMoveEntry(menu, {id}, context);
     menu.push_back(entry(
-        "Close", context.viewModel, [id](BarViewModel& current) { current.closeWindow(id); }));
+        tr("Close"), context.viewModel, [id](BarViewModel& current) { current.closeWindow(id); }));
     addFooter(menu, chip.bundleIdentifier, id, context);
     return menu;
 }
@@ -142,10 +143,10 @@ Menu groupMenu(const GroupedChipData& group, const ChipMenuContext& context)
     separate(menu);
     auto ids = group.windowIDs;
     menu.push_back(entry(
-        "Minimise All", model, [ids](BarViewModel& current) { current.minimizeWindows(ids); }));
+        tr("Minimise All"), model, [ids](BarViewModel& current) { current.minimizeWindows(ids); }));
     addMoveEntry(menu, ids, context);
     menu.push_back(
-        entry("Close All", model, [ids](BarViewModel& current) { current.closeWindows(ids); }));
+        entry(tr("Close All"), model, [ids](BarViewModel& current) { current.closeWindows(ids); }));
     addFooter(menu, group.bundleIdentifier, ids.front(), context);
     return menu;
 }
@@ -162,7 +163,7 @@ Menu chipMenu(const DisplayItem& item, const ChipMenuContext& context)
 Menu pinMenu(const std::string& bundleID, const ChipMenuContext& context)
 {
     Menu menu;
-    menu.push_back({"Open", true, [bundleID, launch = context.onLaunch] { launch(bundleID); }});
+    menu.push_back({tr("Open"), true, [bundleID, launch = context.onLaunch] { launch(bundleID); }});
     addApplicationEntries(menu, bundleID, context);
     separate(menu);
     addPinEntry(menu, bundleID, context);

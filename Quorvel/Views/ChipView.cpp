@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Quorvel/Platform/Text.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
@@ -42,7 +43,7 @@ bool isMinimized(const DisplayItem& item)
 std::string badgeText(const std::string& badge)
 {
     bool hasNumber = std::ranges::any_of(badge, [](char c) { return c >= '0' && c <= '9'; });
-    return hasNumber ? badge + " unread" : "unread";
+    return hasNumber ? trFormat("{} unread", badge) : tr("unread");
 }
 
 /// Text sizes follow the chip's height, as the rest of the metrics do.
@@ -139,7 +140,7 @@ AccessibleState ChipView::accessibleState() const
         .progress = fieldOf(m_item, [](auto& data) { return data.progress; }),
         .isSelected = isFocused(m_item),
         .hasKeyFocus = hasKeyFocus(),
-        .actions = {"Activate", "Show Menu", "Close"},
+        .actions = {tr("Activate"), tr("Show Menu"), tr("Close")},
         .menuAction = 1};
     auto* single = std::get_if<ChipData>(&m_item);
     if (single && !single->windowTitle.empty() && single->windowTitle != single->appName)
@@ -147,13 +148,14 @@ AccessibleState ChipView::accessibleState() const
     if (auto badge = fieldOf(m_item, [](auto& data) { return data.badge; }))
         state.name += ", " + badgeText(*badge);
     if (group)
-        state.name += ", " + std::to_string(group->windowCount) + " windows";
+        state.name += ", "
+            + trCount("{} window", "{} windows", static_cast<std::size_t>(group->windowCount));
     if (isMinimized(m_item))
-        state.name += ", minimised";
+        state.name += ", " + tr("minimised");
     if (isFocused(m_item))
-        state.name += ", focused";
+        state.name += ", " + tr("focused");
     if (wantsAttention(m_item))
-        state.name += ", wants attention";
+        state.name += ", " + tr("wants attention");
     return state;
 }
 

@@ -1,5 +1,6 @@
 #include "Quorvel/Views/MenuButton.h"
 
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
@@ -18,9 +19,9 @@ void MenuButton::clicked(PointerButton button)
 
 AccessibleState MenuButton::accessibleState() const
 {
-    auto state = buttonState("Applications", "Open");
+    auto state = buttonState(tr("Applications"), tr("Open"));
     state.menuAction = state.actions.size();
-    state.actions.emplace_back("Show Menu");
+    state.actions.push_back(tr("Show Menu"));
     return state;
 }
 

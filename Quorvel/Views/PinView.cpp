@@ -1,5 +1,6 @@
 #include "Quorvel/Views/PinView.h"
 
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
@@ -16,9 +17,9 @@ struct Style {
 
 AccessibleState PinView::accessibleState() const
 {
-    auto state = buttonState(m_pin.name, "Open");
+    auto state = buttonState(m_pin.name, tr("Open"));
     state.menuAction = state.actions.size();
-    state.actions.emplace_back("Show Menu");
+    state.actions.push_back(tr("Show Menu"));
     if (m_pin.isLaunching)
         state.name += ", starting";
     return state;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Quorvel/Core/BarSize.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/ButtonView.h"
 
 namespace quorvel {
@@ -17,7 +18,7 @@ public:
     std::string accessibleID() const override { return "show-desktop"; }
     AccessibleState accessibleState() const override
     {
-        return buttonState("Show Desktop", "Show Desktop");
+        return buttonState(tr("Show Desktop"), tr("Show Desktop"));
     }
 
 private:

@@ -1,5 +1,6 @@
 #include "Quorvel/Views/SpaceCell.h"
 
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
@@ -30,7 +31,7 @@ void SpaceCell::setData(const SpaceCellData& data)
 
 AccessibleState SpaceCell::accessibleState() const
 {
-    auto state = buttonState(m_data.name, "Switch");
+    auto state = buttonState(m_data.name, tr("Switch"));
     state.role = AccessibleRole::toggleButton;
     state.isSelected = m_data.isCurrent;
     state.name += ", " + std::to_string(m_data.windowCount)

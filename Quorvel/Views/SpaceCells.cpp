@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Quorvel/Platform/Spaces.h"
+#include "Quorvel/Platform/Translation.h"
 
 namespace quorvel {
 
@@ -36,7 +37,7 @@ std::vector<SpaceCellData> spaceCells(
         SpaceCellData cell;
         cell.id = space.spaceID;
         cell.label = isFullscreen ? "\u25A2" : std::to_string(number);
-        cell.name = isFullscreen ? "Full Screen" : "Desktop " + std::to_string(number);
+        cell.name = isFullscreen ? tr("Full Screen") : trFormat("Desktop {}", number);
         if (auto name = platformSpaces.spaceName(space.spaceID); name && !name->empty())
             cell.name = *name;
         cell.isFullscreen = isFullscreen;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/SpaceCell.h"
 
@@ -28,7 +29,7 @@ public:
     }
 
     std::string accessibleID() const override { return "space-list"; }
-    AccessibleState accessibleState() const override { return menuButtonState("Desktops"); }
+    AccessibleState accessibleState() const override { return menuButtonState(tr("Desktops")); }
 
 private:
     void paint(Canvas& canvas) const override

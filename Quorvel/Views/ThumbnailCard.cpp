@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
@@ -27,7 +28,10 @@ public:
     using ButtonView::ButtonView;
 
     std::string accessibleID() const override { return "close"; }
-    AccessibleState accessibleState() const override { return buttonState("Close", "Close"); }
+    AccessibleState accessibleState() const override
+    {
+        return buttonState(tr("Close"), tr("Close"));
+    }
 
 private:
     void paint(Canvas& canvas) const override
@@ -85,12 +89,12 @@ std::string ThumbnailCard::accessibleID() const
 
 AccessibleState ThumbnailCard::accessibleState() const
 {
-    auto state
-        = buttonState(m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, "Activate");
+    auto state = buttonState(
+        m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, tr("Activate"));
     if (m_chip.wantsAttention)
         state.name += ", wants attention";
     state.isSelected = m_chip.isFocused;
-    state.actions.emplace_back("Close");
+    state.actions.push_back(tr("Close"));
     return state;
 }
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "Quorvel/Core/ThumbnailService.h"
+#include "Quorvel/Platform/Translation.h"
 
 namespace quorvel {
 
@@ -126,7 +127,7 @@ public:
     {
         AccessibleState state;
         state.role = AccessibleRole::popup;
-        state.name = "Windows";
+        state.name = tr("Windows");
         return state;
     }
 
@@ -167,7 +168,8 @@ ThumbnailPopup::ThumbnailPopup(const Inputs& inputs)
     : m_inputs(inputs)
     , m_palette(Palette::of(inputs.appearance.value()))
     , m_surface(inputs.surfaces.createPanel(
-          {.display = inputs.display, .title = "Windows", .kind = PanelKind::popup}, m_hostingView))
+          {.display = inputs.display, .title = tr("Windows"), .kind = PanelKind::popup},
+          m_hostingView))
     , m_animation(inputs.dispatch)
 {
     m_hostingView.attach(*m_surface);

@@ -1,5 +1,6 @@
 #include "Quorvel/Views/Kit/ButtonView.h"
 
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
@@ -44,7 +45,7 @@ AccessibleState ButtonView::buttonState(std::string name, std::string action) co
 
 AccessibleState ButtonView::menuButtonState(std::string name) const
 {
-    auto state = buttonState(std::move(name), "Open");
+    auto state = buttonState(std::move(name), tr("Open"));
     state.role = AccessibleRole::menuButton;
     state.menuAction = 0;
     return state;

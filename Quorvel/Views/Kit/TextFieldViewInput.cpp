@@ -2,6 +2,7 @@
 // field.
 #include <utility>
 
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/TextFieldView.h"
 #include "Quorvel/Views/Kit/TextKeys.h"
 
@@ -231,10 +232,10 @@ void TextFieldView::showContextMenuAt(Point inRoot)
 Menu TextFieldView::contextMenu()
 {
     bool hasSelection = !m_editing.selection().isEmpty();
-    return {menuItem("Cut", hasSelection, &TextFieldView::cut),
-        menuItem("Copy", hasSelection, &TextFieldView::copy),
-        menuItem("Paste", true, &TextFieldView::pasteFromMenu), {},
-        menuItem("Select All", !m_editing.text().empty(), &TextFieldView::selectAll)};
+    return {menuItem(tr("Cut"), hasSelection, &TextFieldView::cut),
+        menuItem(tr("Copy"), hasSelection, &TextFieldView::copy),
+        menuItem(tr("Paste"), true, &TextFieldView::pasteFromMenu), {},
+        menuItem(tr("Select All"), !m_editing.text().empty(), &TextFieldView::selectAll)};
 }
 
 MenuItem TextFieldView::menuItem(std::string title, bool isEnabled, void (TextFieldView::*action)())

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/Translation.h"
 
 namespace quorvel {
 
@@ -23,7 +24,7 @@ MenuPanel::MenuPanel(const Platform& platform, const Screen& screen, const Menu&
           menu, platform.text, platform.application.appearance().value())))
     , m_frame(wholePoints(place(m_view->wantedSize())))
     , m_surface(platform.surfaces.createPanel({.display = screen.number.value_or(DisplayNumber{}),
-                                                  .title = "Menu",
+                                                  .title = tr("Menu"),
                                                   .kind = PanelKind::menu},
           *this))
 {

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <utility>
 
+#include "Quorvel/Platform/Translation.h"
+
 namespace quorvel {
 
 namespace {
@@ -49,7 +51,7 @@ AccessibleState MenuRow::accessibleState() const
     state.isChecked = m_item.isChecked;
     state.opensMenu = !m_item.submenu.empty();
     if (m_item.canBeChosen())
-        state.actions.emplace_back(state.opensMenu ? "Open" : "Choose");
+        state.actions.push_back(state.opensMenu ? tr("Open") : tr("Choose"));
     return state;
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "Quorvel/Platform/Translation.h"
+
 namespace quorvel {
 
 namespace {
@@ -67,7 +69,7 @@ AccessibleState MenuView::accessibleState() const
 {
     AccessibleState state;
     state.role = AccessibleRole::menu;
-    state.name = "Menu";
+    state.name = tr("Menu");
     return state;
 }
 
