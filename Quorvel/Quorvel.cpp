@@ -6,6 +6,7 @@
 #include "Quorvel/Core/BarManager.h"
 #include "Quorvel/Core/DockController.h"
 #include "Quorvel/Core/HotkeyManager.h"
+#include "Quorvel/Core/SettingsPresenter.h"
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UpdaterService.h"
 #include "Quorvel/Core/UserSettings.h"
@@ -47,6 +48,13 @@ ControlReply answerLauncherRequest(BarManager& manager)
     if (manager.toggleAppLauncher())
         return {};
     return {1, "", "quorvel: no bar is to be seen that the launcher could open from\n"};
+}
+
+ControlReply answerSettingsWindowRequest(SettingsPresenter& presenter)
+{
+    if (presenter.show())
+        return {};
+    return {1, "", "quorvel: there is no settings window; is quorvel-settings installed?\n"};
 }
 
 ControlReply answerFocusRequest(BarManager& manager)
@@ -245,6 +253,7 @@ void QuorvelApp::startMainRuntime(Application& app)
     runtime.m_barManager
         = std::make_unique<BarManager>(platform, runtime.windowStore(), UserSettings::shared(),
             BadgeService::shared(), ThumbnailService::shared(), *runtime.m_barViews);
+    offerSettings(runtime);
     runtime.m_barManager->syncPanels();
     runtime.m_barManager->repositionPanels();
     HotkeyManager::shared().onHotkeyPressed
@@ -382,6 +391,24 @@ void QuorvelApp::observeHints(Runtime& runtime)
     }));
 }
 
+void QuorvelApp::offerSettings(Runtime& runtime)
+{
+    auto& platform = runtime.m_platform;
+    auto& manager = *runtime.m_barManager;
+    const SettingsSubjects subjects{.settings = UserSettings::shared(),
+        .pinStore = manager.pinStore(),
+        .appLauncher = manager.appLauncher(),
+        .loginItem = platform.loginItem,
+        .hotkeyManager = HotkeyManager::shared(),
+        .dockController = DockController::shared(),
+        .updaterService = UpdaterService::shared()};
+    runtime.m_settingsPresenter
+        = std::make_unique<SettingsPresenter>(subjects, platform.settingsWindow, platform.control);
+    if (platform.settingsWindow)
+        manager.onSettingsRequested
+            = [&presenter = *runtime.m_settingsPresenter] { presenter.show(); };
+}
+
 void QuorvelApp::answerRequests(Runtime& runtime)
 {
     runtime.m_platform.control.setHandler(
@@ -396,7 +423,8 @@ void QuorvelApp::answerRequests(Runtime& runtime)
                 return answerSettingsRequest(runtime.userSettings(), arguments);
             bool asksForFocus = arguments == std::vector<std::string>{"--focus"};
             bool asksForLauncher = arguments == std::vector<std::string>{"--launcher"};
-            if (!asksForFocus && !asksForLauncher
+            bool asksForSettings = arguments == std::vector<std::string>{"--settings"};
+            if (!asksForFocus && !asksForLauncher && !asksForSettings
                 && arguments != std::vector<std::string>{"--state"})
                 return {1, "", "quorvel: the running bar does not know this request\n"};
             if (!runtime.barManager())
@@ -405,6 +433,8 @@ void QuorvelApp::answerRequests(Runtime& runtime)
                 return answerFocusRequest(*runtime.barManager());
             if (asksForLauncher)
                 return answerLauncherRequest(*runtime.barManager());
+            if (asksForSettings)
+                return answerSettingsWindowRequest(*runtime.m_settingsPresenter);
             return {0,
                 stateReport(runtime.m_platform, runtime.windowStore(), *runtime.barManager(),
                     *runtime.m_barViews, runtime.hotkeyManager()),

@@ -23,6 +23,7 @@ class BarViews;
 class DockController;
 class HotkeyManager;
 class LaunchCoordinator;
+class SettingsPresenter;
 class ThumbnailService;
 class UpdaterService;
 class UserSettings;
@@ -69,6 +70,7 @@ private:
     std::unique_ptr<AXObserverManager> m_axManager;
     std::unique_ptr<BarViews> m_barViews;
     std::unique_ptr<BarManager> m_barManager;
+    std::unique_ptr<SettingsPresenter> m_settingsPresenter;
     std::map<ProcessID, Instant> m_lastBootstrap;
     std::vector<Subscription> m_subscriptions;
     std::map<ProcessID, WorkItem> m_refreshAfterAttach;
@@ -97,6 +99,7 @@ private:
     static void wireObserverManager(Runtime&);
     static void observeWorkspace(Runtime&);
     static void observeHints(Runtime&);
+    static void offerSettings(Runtime&);
     static void answerRequests(Runtime&);
     static void bootstrap(Runtime&, ProcessID);
     static void bootstrapFrontmost(Runtime&);

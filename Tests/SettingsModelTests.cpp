@@ -2,9 +2,13 @@
 #include "Quorvel/Core/SettingsModel.h"
 
 #include "Quorvel/Core/AppLauncher.h"
+#include "Quorvel/Core/DockController.h"
+#include "Quorvel/Core/HotkeyManager.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/SettingsCoding.h"
+#include "Quorvel/Core/UpdaterService.h"
 #include "Quorvel/Core/UserSettingsCoding.h"
+#include "Quorvel/Platform/KeyEvent.h"
 #include "Tests/Support/SettingsFixture.h"
 
 namespace quorvel::test {
@@ -16,17 +20,37 @@ using Change = SettingsChange;
 struct SettingsModelTest : SettingsFixture {
     std::unique_ptr<PinStore> pins;
     std::unique_ptr<AppLauncher> launcher;
+    std::unique_ptr<HotkeyManager> hotkeys;
+    std::unique_ptr<DockController> dock; ///< null: there is none
+    std::unique_ptr<UpdaterService> updater; ///< null: there is none
     std::unique_ptr<SettingsModel> model;
     int descriptions = 0; ///< that were published
     Subscription watch;
 
-    void open(const std::string& file = "{}")
+    enum class System { plain, withDockAndUpdater };
+    void open(const std::string& file = "{}", System system = System::plain)
     {
+        model.reset();
+        hotkeys.reset();
         start(file);
+        hotkeys
+            = std::make_unique<HotkeyManager>(&desktop.hotkeys(), *settings, desktop.dispatch());
+        if (system == System::withDockAndUpdater) {
+            auto platform = desktop.platform();
+            dock = std::make_unique<DockController>(*platform.dockControl, platform.files,
+                *settings, platform.application, platform.dispatch);
+            updater = std::make_unique<UpdaterService>(*platform.updater);
+        }
         pins = std::make_unique<PinStore>(*settings);
         launcher = std::make_unique<AppLauncher>(desktop.platform());
         settle();
-        model = std::make_unique<SettingsModel>(*settings, *pins, *launcher, desktop.loginItem());
+        model = std::make_unique<SettingsModel>(SettingsSubjects{.settings = *settings,
+            .pinStore = *pins,
+            .appLauncher = *launcher,
+            .loginItem = desktop.loginItem(),
+            .hotkeyManager = *hotkeys,
+            .dockController = dock.get(),
+            .updaterService = updater.get()});
         watch = model->description().subscribe([this](auto&) { ++descriptions; });
     }
     const SettingsRow& row(const std::string& id)
@@ -66,13 +90,12 @@ struct SettingsModelTest : SettingsFixture {
 // value that is only offered.
 TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
 {
-    open();
+    open("{}", System::withDockAndUpdater);
     std::set<std::string> fields;
     UserSettingsData::forEachField(
         settings->data().value(), [&](const char* name, auto&) { fields.insert(name); });
     for (auto* elsewhere : {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers"})
         EXPECT_EQ(fields.erase(elsewhere), 1U);
-    fields.erase("hideDock"); // where there is a Dock
     for (auto& field : fields) {
         SCOPED_TRACE(field);
         auto before = settings->data().value();
@@ -95,15 +118,38 @@ TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
         }
         EXPECT_EQ(settings->data().value(), before) << "and nothing else";
     }
+}
 
-    EXPECT_EQ(apply(Change::Record{{{49, 0x800}}}), "");
-    EXPECT_EQ(settings->hotkeyKeyCode(), 49U);
-    EXPECT_EQ(settings->hotkeyModifiers(), 0x800U);
-    EXPECT_EQ(control<SettingsShortcut>("hotkey").value,
-        (SettingsShortcut::Keys{.keyCode = 49, .modifiers = 0x800}));
+// Faults: a shortcut that is shown and does not work; our own that acts instead of being recorded,
+// or never again.
+TEST_F(SettingsModelTest, theShortcutIsRecordedByEitherKindOfWindow)
+{
+    open();
+    auto shown = [this] { return control<SettingsShortcut>("hotkey"); };
+    EXPECT_EQ(shown().recordHelp, "Press a key combination with modifiers. Press Esc to cancel.");
+    EXPECT_EQ(apply(Change::Record{{{49, HotkeyModifier::option}}}), "");
+    EXPECT_EQ(shown().value, (SettingsShortcut::Keys{49, HotkeyModifier::option}));
+    EXPECT_EQ(shown().text, "⌥Space");
+    EXPECT_EQ(shown().status, "");
+    EXPECT_THAT(desktop.hotkeys().registered(), SizeIs(1));
+
+    auto elsewhere = model->holdShortcuts();
+    EXPECT_THAT(desktop.hotkeys().registered(), IsEmpty());
+    desktop.hotkeys().takeElsewhere({40, HotkeyModifier::command});
+    EXPECT_EQ(apply(Change::Record{{{40, HotkeyModifier::command}}}), "");
+    elsewhere = {};
+    EXPECT_EQ(shown().status, "Taken by another program");
+
+    model->setRecording(true); // in a window of this process
+    EXPECT_TRUE(model->keyPressed(0, 0)) << "goes on";
+    EXPECT_TRUE(model->keyPressed(4, KeyModifier::control));
+    EXPECT_FALSE(model->isRecording().value());
+    EXPECT_EQ(shown().text, "⌃H");
+    EXPECT_EQ(shown().status, "");
+    EXPECT_EQ(settings->hotkeyKeyCode(), 4U);
     EXPECT_EQ(apply(Change::Record{}), "");
+    EXPECT_EQ(shown().value, std::nullopt);
     EXPECT_EQ(settings->hotkeyModifiers(), std::nullopt);
-    EXPECT_EQ(control<SettingsShortcut>("hotkey").value, std::nullopt);
 }
 
 // Faults: a value that no control offers is stored; a refusal that says nothing, or changes
@@ -193,6 +239,31 @@ TEST_F(SettingsModelTest, pinsAreNamedMovedAndRemovedPlaceByPlace)
     EXPECT_EQ(apply(Change::Remove{"pinsOnBar", "mail"}), "");
     EXPECT_THAT(titles("pinsOnBar"), ElementsAre("b", "c"));
     EXPECT_THAT(titles("pinsInLauncher"), Contains("Mail"));
+}
+
+// Faults: a row where the system has no such thing; a Dock that nobody gets back.
+TEST_F(SettingsModelTest, theDockAndUpdatesAreOfferedWhereThereAreAny)
+{
+    constexpr char marker[] = "/support/Quorvel/initialDockSettings.json";
+    open();
+    for (auto* id : {"hideDock", "restoreDock", "checkForUpdates"})
+        EXPECT_FALSE(model->description().value().row(id)) << id;
+    open("{}", System::withDockAndUpdater);
+    EXPECT_FALSE(row("checkForUpdates").isEnabled);
+    EXPECT_NE(apply(Change::Press{"checkForUpdates"}), "");
+    desktop.updater().setCanCheck(true);
+    EXPECT_EQ(apply(Change::Press{"checkForUpdates"}), "");
+    EXPECT_EQ(desktop.updater().checks(), 1);
+
+    EXPECT_EQ(apply(Change::Set{"hideDock", true}), "");
+    EXPECT_TRUE(desktop.files().exists(marker));
+    for (bool isSettingOn : {true, false}) {
+        if (!isSettingOn) // and the Dock is hidden all the same
+            desktop.files().put(marker, R"({"autoHideEnabled": false})");
+        EXPECT_EQ(apply(Change::Press{"restoreDock"}), "");
+        EXPECT_FALSE(settings->hideDock());
+        EXPECT_FALSE(desktop.files().exists(marker)) << isSettingOn;
+    }
 }
 
 // Faults: what the user has made himself is thrown away; a login item that stays; a button that

@@ -14,6 +14,8 @@
 #include "Hosts/Linux/Applications/DirectoryEvents.h"
 #include "Hosts/Linux/Applications/Icons.h"
 #include "Hosts/Linux/Applications/XdgFolders.h"
+#include "Hosts/Linux/Desktop/SettingsProgram.h"
+#include "Hosts/Linux/Gettext.h"
 #include "Hosts/Linux/Loop/FdSource.h"
 #include "Hosts/Linux/Loop/GLibDispatch.h"
 #include "Hosts/Linux/PanelEnvironment.h"
@@ -79,6 +81,7 @@ int runBar(Display display, ControlChannel& control, Trace& trace)
     DesktopBundles bundles{entries};
     DirectoryEvents fileEvents{dispatch};
     posix::PosixFiles files{{configurationFolder(), /*keepsRejectedFiles=*/true}};
+    SettingsProgram settingsWindow{desktop.launchTokens(), dispatch, SettingsProgram::ownFolder()};
     AutostartItem loginItem{files, AutostartItem::userFile(), AutostartItem::runningProgram()};
     return QuorvelApp::main({
         .dispatch = dispatch,
@@ -97,6 +100,7 @@ int runBar(Display display, ControlChannel& control, Trace& trace)
         .loginItem = loginItem,
         .launchServices = desktop.launchServices(),
         .trace = trace,
+        .settingsWindow = &settingsWindow,
     });
 }
 
@@ -109,6 +113,7 @@ int main(int count, char** values)
     using namespace quorvel;
     std::setlocale(LC_ALL, "");
     posix::secureStandardStreams();
+    xdg::useGettext();
     xdg::x11::Display display;
     auto open = [&](std::string& problem) {
         display.connection = xdg::x11::Connection::open(problem);

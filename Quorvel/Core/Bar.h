@@ -31,6 +31,8 @@ struct BarContents {
     /// The menu button goes down. True: the press only closes what the button had opened.
     std::function<bool()> onMenuPressed;
     std::function<void()> onMenuTapped;
+    /// Empty where the system has no window for the settings.
+    std::function<void()> onSettingsRequested;
     std::function<void(SpaceID)> onSpaceSwitchRequested;
     /// A group's windows go together.
     std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpaceRequested;

@@ -292,6 +292,7 @@ BarContents BarManager::contents(const Bar& bar)
         .metrics = m_metrics,
         .onMenuPressed = [this, &bar] { return m_launcher.buttonPressed(bar); },
         .onMenuTapped = [this, &bar] { m_launcher.buttonTapped(bar); },
+        .onSettingsRequested = onSettingsRequested,
         .onSpaceSwitchRequested = [this](SpaceID space) { switchToSpace(space); },
         .onMoveWindowToSpaceRequested
         = [this, from = bar.spaceID()](const std::vector<WindowID>& windows,

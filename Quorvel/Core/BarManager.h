@@ -40,6 +40,9 @@ public:
     /// the spaces that were read, so that nobody reads them again.
     std::function<void(const SpaceWindows::Answer&)> onSpaceChange;
 
+    /// The user asks for the settings. Only where there is a window for them.
+    std::function<void()> onSettingsRequested;
+
     AppLauncher& appLauncher() { return m_appLauncher; }
     PinStore& pinStore() { return m_pinStore; }
     BarViewModel& viewModel() { return m_viewModel; }

@@ -5,8 +5,11 @@
 #include <utility>
 
 #include "Quorvel/Core/AppLauncher.h"
+#include "Quorvel/Core/DockController.h"
+#include "Quorvel/Core/HotkeyManager.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/SettingsPages.h"
+#include "Quorvel/Core/UpdaterService.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Translation.h"
 
@@ -14,8 +17,8 @@ namespace quorvel {
 
 namespace {
 
-/// Carbon's masks: command, shift, option, control.
-constexpr std::uint32_t kModifiers = 0x100 | 0x200 | 0x800 | 0x1000;
+constexpr std::uint32_t kModifiers = HotkeyModifier::command | HotkeyModifier::shift
+    | HotkeyModifier::option | HotkeyModifier::control;
 
 std::string noSuchRow()
 {
@@ -46,6 +49,41 @@ void setField(UserSettingsData& data, const std::string& row, const SettingsChan
     });
 }
 
+std::string statusText(HotkeyManager::State state)
+{
+    switch (state) {
+    case HotkeyManager::State::taken:
+        return tr("Taken by another program");
+    case HotkeyManager::State::failed:
+        return tr("The system refuses this shortcut");
+    case HotkeyManager::State::none:
+    case HotkeyManager::State::registered:
+        break;
+    }
+    return {};
+}
+
+/// Absent where there are no shortcuts for all programs.
+std::optional<SettingsShortcut> describeHotkey(const HotkeyManager& manager)
+{
+    if (!manager.isAvailable())
+        return std::nullopt;
+    SettingsShortcut described;
+    if (auto& shortcut = manager.currentShortcut().value()) {
+        described.value = {shortcut->keyCode, shortcut->modifiers};
+        described.text = shortcut->displayString();
+    }
+    described.status = statusText(manager.state().value());
+    described.recordHelp = tr("Press a key combination with modifiers. Press Esc to cancel.");
+    return described;
+}
+
+/// Absent where the program is updated by other means.
+std::optional<bool> canCheckForUpdates(const UpdaterService* updater)
+{
+    return updater ? std::optional{updater->canCheckForUpdates.value()} : std::nullopt;
+}
+
 std::optional<PinDestination> placeOf(const std::string& row)
 {
     if (row == SettingsRowID::pinsOnBar)
@@ -70,36 +108,35 @@ std::string rowOf(const SettingsChange& change)
 
 }
 
-SettingsModel::SettingsModel(UserSettings& settings, PinStore& pinStore,
-    const AppLauncher& appLauncher, const LoginItem& loginItem)
-    : m_settings(settings)
-    , m_pinStore(pinStore)
-    , m_appLauncher(appLauncher)
-    , m_loginItem(loginItem)
+SettingsModel::SettingsModel(const SettingsSubjects& subjects)
+    : m_subjects(subjects)
+    , m_recorder(subjects.hotkeyManager)
 {
     auto follow = [this](auto& source) {
         m_sources.push_back(source.subscribe([this](auto&) { refresh(); }));
     };
-    follow(settings.data());
-    follow(settings.fileState());
-    follow(appLauncher.allApps());
+    follow(subjects.settings.data());
+    follow(subjects.settings.fileState());
+    follow(subjects.appLauncher.allApps());
+    follow(subjects.hotkeyManager.currentShortcut());
+    follow(subjects.hotkeyManager.state());
+    if (subjects.updaterService)
+        follow(subjects.updaterService->canCheckForUpdates);
     refresh();
 }
 
 SettingsFacts SettingsModel::facts() const
 {
-    auto data = m_settings.dataThatHolds();
-    SettingsShortcut hotkey;
-    if (data.hotkeyKeyCode && data.hotkeyModifiers)
-        hotkey.value = {*data.hotkeyKeyCode, *data.hotkeyModifiers};
-    hotkey.recordHelp = tr("Press a key combination with modifiers. Press Esc to cancel.");
+    auto data = m_subjects.settings.dataThatHolds();
     return {.data = std::move(data),
-        .defaults = m_settings.defaults(),
-        .applications = m_appLauncher.allApps().value(),
-        .loginItem = m_loginItem.status(),
-        .hotkey = std::move(hotkey),
-        .file = m_settings.fileURL(),
-        .fileState = m_settings.fileState().value()};
+        .defaults = m_subjects.settings.defaults(),
+        .applications = m_subjects.appLauncher.allApps().value(),
+        .loginItem = m_subjects.loginItem.status(),
+        .hotkey = describeHotkey(m_subjects.hotkeyManager),
+        .hasDock = m_subjects.dockController != nullptr,
+        .canCheckForUpdates = canCheckForUpdates(m_subjects.updaterService),
+        .file = m_subjects.settings.fileURL(),
+        .fileState = m_subjects.settings.fileState().value()};
 }
 
 void SettingsModel::refresh()
@@ -131,19 +168,19 @@ std::string SettingsModel::perform(const SettingsChange::Set& set)
         return tr("This value is not possible.");
     if (set.row == "runAtLogin")
         return setRunAtLogin(std::get<bool>(set.value));
-    auto data = m_settings.data().value();
+    auto data = m_subjects.settings.data().value();
     setField(data, set.row, set.value);
-    m_settings.setData(std::move(data));
+    m_subjects.settings.setData(std::move(data));
     return {};
 }
 
 std::string SettingsModel::setRunAtLogin(bool isWanted)
 {
-    m_settings.setRunAtLogin(isWanted);
+    m_subjects.settings.setRunAtLogin(isWanted);
     refresh(); // its status may be another one though it is off
-    if (m_settings.runAtLogin() == isWanted)
+    if (m_subjects.settings.runAtLogin() == isWanted)
         return {};
-    if (isWanted && m_loginItem.status() == LoginItem::Status::requiresApproval)
+    if (isWanted && m_subjects.loginItem.status() == LoginItem::Status::requiresApproval)
         return tr("Allow Quorvel under Login Items in System Settings.");
     return isWanted ? tr("The system refuses to start Quorvel at login.")
                     : tr("The system goes on starting Quorvel at login.");
@@ -151,15 +188,30 @@ std::string SettingsModel::setRunAtLogin(bool isWanted)
 
 std::string SettingsModel::perform(const SettingsChange::Press& press)
 {
-    return press.row == SettingsRowID::reset ? reset() : noSuchRow();
+    if (press.row == SettingsRowID::reset)
+        return reset();
+    if (press.row == SettingsRowID::checkForUpdates)
+        m_subjects.updaterService->checkForUpdates();
+    else if (press.row == SettingsRowID::restoreDock)
+        restoreDock();
+    else
+        return noSuchRow();
+    return {};
 }
 
 std::string SettingsModel::reset()
 {
     auto data = facts().afterReset();
-    bool isWanted = std::exchange(data.runAtLogin, m_settings.runAtLogin());
-    m_settings.setData(std::move(data));
+    bool isWanted = std::exchange(data.runAtLogin, m_subjects.settings.runAtLogin());
+    m_subjects.settings.setData(std::move(data));
     return setRunAtLogin(isWanted);
+}
+
+void SettingsModel::restoreDock()
+{
+    m_subjects.settings.setHideDock(false);
+    // Where the setting was off, a Dock that is hidden was left so by an earlier run.
+    m_subjects.dockController->restore(/*synchronous=*/false);
 }
 
 std::string SettingsModel::perform(const SettingsChange::Move& move)
@@ -167,9 +219,9 @@ std::string SettingsModel::perform(const SettingsChange::Move& move)
     auto place = placeOf(move.row);
     if (!place)
         return noSuchRow();
-    auto others = m_pinStore.pinnedAppIDs(*place);
+    auto others = m_subjects.pinStore.pinnedAppIDs(*place);
     std::erase(others, move.item);
-    m_pinStore.movePinnedApp(
+    m_subjects.pinStore.movePinnedApp(
         move.item, move.to < others.size() ? std::optional{others[move.to]} : std::nullopt, *place);
     return {};
 }
@@ -179,7 +231,7 @@ std::string SettingsModel::perform(const SettingsChange::Remove& remove)
     auto place = placeOf(remove.row);
     if (!place)
         return noSuchRow();
-    m_pinStore.setPin(remove.item, *place, false);
+    m_subjects.pinStore.setPin(remove.item, *place, false);
     return {};
 }
 
@@ -187,16 +239,23 @@ std::string SettingsModel::perform(const SettingsChange::Record& record)
 {
     if (record.keys && (record.keys->modifiers & kModifiers) == 0)
         return tr("A shortcut needs a modifier key.");
-    auto data = m_settings.data().value();
-    data.hotkeyKeyCode = record.keys ? std::optional{record.keys->keyCode} : std::nullopt;
-    data.hotkeyModifiers = record.keys ? std::optional{record.keys->modifiers} : std::nullopt;
-    m_settings.setData(std::move(data));
+    m_subjects.hotkeyManager.setCurrentShortcut(record.keys
+            ? std::optional{KeyboardShortcut{record.keys->keyCode, record.keys->modifiers}}
+            : std::nullopt);
     return {};
+}
+
+void SettingsModel::setRecording(bool isOn)
+{
+    if (isOn)
+        m_recorder.start();
+    else
+        m_recorder.stop();
 }
 
 Subscription SettingsModel::holdShortcuts()
 {
-    return {};
+    return m_subjects.hotkeyManager.suspend();
 }
 
 }

@@ -3,29 +3,53 @@
 #include <optional>
 #include <vector>
 
+#include "Quorvel/Core/ShortcutRecorder.h"
 #include "Quorvel/Core/UserSettingsData.h"
 #include "Quorvel/Platform/SettingsWindow.h"
 
 namespace quorvel {
 
 class AppLauncher;
+class DockController;
+class HotkeyManager;
 class LoginItem;
 class PinStore;
+class UpdaterService;
 class UserSettings;
 struct SettingsFacts;
+
+/// Whom the settings window tells of, and through whom it changes what. What is null is not
+/// offered.
+struct SettingsSubjects {
+    UserSettings& settings;
+    PinStore& pinStore;
+    const AppLauncher& appLauncher;
+    const LoginItem& loginItem;
+    HotkeyManager& hotkeyManager;
+    DockController* dockController = nullptr;
+    UpdaterService* updaterService = nullptr;
+};
 
 /// What the settings window shows, kept in step with everything it tells of, and what its changes
 /// do. Main thread.
 class SettingsModel final : public SettingsSource {
 public:
-    /// All it is given outlives it.
-    SettingsModel(UserSettings&, PinStore&, const AppLauncher&, const LoginItem&);
+    /// The subjects outlive it.
+    explicit SettingsModel(const SettingsSubjects&);
     SettingsModel(const SettingsModel&) = delete;
     SettingsModel& operator=(const SettingsModel&) = delete;
 
     const Published<SettingsDescription>& description() const override { return m_description; }
     std::optional<SettingsRefusal> apply(const SettingsChange&) override;
-    Subscription holdShortcuts() override;
+    const Published<bool>& isRecording() const override { return m_recorder.isRecording(); }
+    void setRecording(bool) override;
+    bool keyPressed(std::uint32_t keyCode, std::uint64_t modifierFlags) override
+    {
+        return m_recorder.keyPressed(keyCode, modifierFlags);
+    }
+    /// For as long as the answer is kept, the program's own shortcuts do not act, so that another
+    /// process can record them.
+    [[nodiscard]] Subscription holdShortcuts();
     /// Looks at what changes without anybody's telling, such as the login item.
     void refresh();
 
@@ -39,12 +63,11 @@ private:
     std::string perform(const SettingsChange::Record&);
     std::string setRunAtLogin(bool isWanted);
     std::string reset();
+    void restoreDock();
 
-    UserSettings& m_settings;
-    PinStore& m_pinStore;
-    const AppLauncher& m_appLauncher;
-    const LoginItem& m_loginItem;
+    const SettingsSubjects m_subjects;
     Published<SettingsDescription> m_description;
+    ShortcutRecorder m_recorder;
     std::vector<Subscription> m_sources;
 };
 

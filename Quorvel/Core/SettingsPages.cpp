@@ -40,6 +40,18 @@ std::string loginItemHelp(const SettingsFacts& facts)
         : std::string{};
 }
 
+SettingsGroup dockGroup(const UserSettingsData& data)
+{
+    return {.id = "dock",
+        .title = tr("Dock"),
+        .help = {},
+        .rows = {toggle("hideDock", tr("Hide the Dock"), data.hideDock,
+                     tr("It stays away, even without Quorvel, until this is turned off.")),
+            {SettingsRowID::restoreDock, tr("Bring the Dock back"),
+                tr("If it is still hidden though it should not be."), true,
+                SettingsButton{tr("Restore")}}}};
+}
+
 SettingsPage generalPage(const SettingsFacts& facts)
 {
     auto& data = facts.data;
@@ -59,8 +71,12 @@ SettingsPage generalPage(const SettingsFacts& facts)
         .rows = {choice("scrollUpSpaceSwitch", tr("Scrolling up on the bar leads to"),
             data.scrollUpSpaceSwitch, kAllSpaceScrollUpBehaviors,
             std::array{tr("The desktop on the left"), tr("The desktop on the right")})}};
-    return {"general", tr("General"), "preferences-system-symbolic",
-        {std::move(start), std::move(displays), std::move(desktops)}};
+    SettingsPage page{"general", tr("General"), "preferences-system-symbolic",
+        {std::move(start), std::move(displays)}};
+    if (facts.hasDock)
+        page.groups.push_back(dockGroup(data));
+    page.groups.push_back(std::move(desktops));
+    return page;
 }
 
 // MARK: Appearance
@@ -97,7 +113,7 @@ SettingsPage keyboardPage(const SettingsFacts& facts)
         .title = {},
         .help = {},
         .rows = {{SettingsRowID::hotkey, tr("Open the list of applications"),
-            tr("Works in every application."), true, facts.hotkey}}};
+            tr("Works in every application."), true, *facts.hotkey}}};
     return {"keyboard", tr("Keyboard"), "input-keyboard-symbolic", {std::move(launcher)}};
 }
 
@@ -191,6 +207,9 @@ SettingsPage aboutPage(const SettingsFacts& facts)
         .title = {},
         .help = {},
         .rows = {{SettingsRowID::version, tr("Version"), {}, true, SettingsText{kVersion}}}};
+    if (facts.canCheckForUpdates)
+        program.rows.push_back({SettingsRowID::checkForUpdates, tr("Updates"), {},
+            *facts.canCheckForUpdates, SettingsButton{tr("Check for Updates\u2026")}});
     SettingsGroup storage{.id = "storage", .title = {}, .help = {}, .rows = {}};
     if (facts.fileState == FileState::noPlace)
         storage.help
@@ -213,9 +232,12 @@ UserSettingsData SettingsFacts::afterReset() const
 
 SettingsDescription describeSettings(const SettingsFacts& facts)
 {
-    return {kVersion,
-        {generalPage(facts), appearancePage(facts), keyboardPage(facts), pinsPage(facts),
-            aboutPage(facts)}};
+    SettingsDescription description{kVersion, {generalPage(facts), appearancePage(facts)}};
+    if (facts.hotkey)
+        description.pages.push_back(keyboardPage(facts));
+    description.pages.push_back(pinsPage(facts));
+    description.pages.push_back(aboutPage(facts));
+    return description;
 }
 
 }

@@ -15,7 +15,9 @@ namespace SettingsRowID {
 inline constexpr const char* hotkey = "hotkey"; ///< of two fields
 inline constexpr const char* pinsOnBar = "pinsOnBar";
 inline constexpr const char* pinsInLauncher = "pinsInLauncher";
+inline constexpr const char* restoreDock = "restoreDock";
 inline constexpr const char* version = "version";
+inline constexpr const char* checkForUpdates = "checkForUpdates";
 inline constexpr const char* settingsFile = "settingsFile";
 inline constexpr const char* reset = "reset";
 }
@@ -26,7 +28,9 @@ struct SettingsFacts {
     UserSettingsData defaults;
     const std::vector<AppInfo>& applications; ///< to call pins by their names
     LoginItem::Status loginItem{};
-    SettingsShortcut hotkey;
+    std::optional<SettingsShortcut> hotkey; ///< absent: the system has none for all programs
+    bool hasDock = false;
+    std::optional<bool> canCheckForUpdates; ///< absent: the program is updated by other means
     std::string file; ///< empty: there is no place for it
     UserSettings::FileState fileState{};
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 #include "Quorvel/Platform/Published.h"
 
@@ -23,9 +22,6 @@ RecordingStep recordingStep(std::uint32_t keyCode, std::uint64_t modifierFlags);
 /// own is registered, else it could not be pressed. Main thread.
 class ShortcutRecorder {
 public:
-    static constexpr std::string_view kHelp
-        = "Press a key combination with modifiers. Press Esc to cancel.";
-
     /// The manager outlives it.
     explicit ShortcutRecorder(HotkeyManager& manager) : m_manager(manager) { }
 

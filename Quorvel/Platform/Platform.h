@@ -15,6 +15,7 @@ class Hotkeys;
 class LaunchServices;
 class LoginItem;
 class ScreenCapture;
+class SettingsWindow;
 class Surfaces;
 class Text;
 class Trace;
@@ -59,6 +60,7 @@ struct Platform {
     DockControl* dockControl = nullptr; ///< null where the system has no Dock of its own
     Updater* updater = nullptr; ///< null where the program is updated by other means
     Hotkeys* hotkeys = nullptr; ///< null where the system has no shortcuts for all programs
+    SettingsWindow* settingsWindow = nullptr; ///< null where there is none
 };
 
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -16,9 +17,14 @@ public:
     virtual const Published<SettingsDescription>& description() const = 0;
     /// Applies the change at once. What does not hold is refused; the description shows what does.
     virtual std::optional<SettingsRefusal> apply(const SettingsChange&) = 0;
-    /// For as long as the answer is kept, the program's own shortcuts do not act, so that their
-    /// keys reach the recorder.
-    [[nodiscard]] virtual Subscription holdShortcuts() = 0;
+
+    // A window in this process hands the keys that are pressed while it records to these. Meanwhile
+    // the program's own shortcuts do not act.
+
+    virtual const Published<bool>& isRecording() const = 0;
+    virtual void setRecording(bool) = 0;
+    /// A virtual key code of the Mac, and flags of `KeyModifier`. True: the key is consumed.
+    virtual bool keyPressed(std::uint32_t keyCode, std::uint64_t modifierFlags) = 0;
 };
 
 /// The window with the settings, which the host makes of its system's own controls. Main thread.
@@ -27,11 +33,11 @@ public:
     virtual ~SettingsWindow() = default;
 
     /// Shows the window, or raises the one that is there. A host whose window is a program of its
-    /// own starts it: the program asks over the control channel what to show. The source outlives
-    /// this.
-    virtual void show(SettingsSource&) = 0;
+    /// own starts it: the program asks over the control channel what to show. The source lives as
+    /// long as the bar runs. False if it is plain that the window cannot be shown.
+    virtual bool show(SettingsSource&) = 0;
 
-    /// It cannot be shown, which has been reported on standard error by then.
+    /// It could not be shown, which has been reported on standard error by then.
     Signal<> didFail;
 };
 

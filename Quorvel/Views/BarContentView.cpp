@@ -7,6 +7,8 @@
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/SettingsWindow.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Platform/WindowServer.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Views/ActivityMonitor.h"
@@ -32,7 +34,7 @@ struct Style {
 
 std::string countText(int windows)
 {
-    return std::to_string(windows) + (windows == 1 ? " window" : " windows");
+    return trCount("{} window", "{} windows", static_cast<std::size_t>(windows));
 }
 
 }
@@ -113,12 +115,11 @@ void BarContentView::subscribe()
     keep(platform.surfaces.blurDidChange.subscribe(changes(Part::appearance)));
     keep(m_inputs.settings.data().subscribe(changes(Part::settings)));
     keep(m_inputs.pinStore.pinnedApps().subscribe(changes(Part::pins)));
-    keep(platform.workspace.launchDidFail.subscribe([this](auto& launch) {
-        if (!m_isShown)
-            return;
-        m_note->show(launch.name + " could not be opened");
-        m_inputs.surface.accessibleTreeDidChange();
-    }));
+    keep(platform.workspace.launchDidFail.subscribe(
+        [this](auto& launch) { showNote(trFormat("{} could not be opened", launch.name)); }));
+    if (platform.settingsWindow)
+        keep(platform.settingsWindow->didFail.subscribe(
+            [this] { showNote(tr("The settings could not be opened")); }));
     keep(platform.workspace.iconDidChange.subscribe([this](auto& id) {
         if (id.empty() || std::ranges::find(m_pins, id) != m_pins.end())
             partDidChange(Part::pins);
@@ -483,6 +484,14 @@ View* BarContentView::preferredKeyView()
     return m_row->focusedChip();
 }
 
+void BarContentView::showNote(std::string text)
+{
+    if (!m_isShown)
+        return;
+    m_note->show(std::move(text));
+    m_inputs.surface.accessibleTreeDidChange();
+}
+
 // MARK: Menus
 
 void BarContentView::openMenu(Menu menu, const Rect& anchor)
@@ -518,7 +527,8 @@ void BarContentView::showBarMenu(const Rect& anchor)
                                if (auto* view = weak.get())
                                    view->openActivityMonitor();
                            }};
-    openMenu(barMenu(m_inputs.settings, m_inputs.platform.application, std::move(monitor)), anchor);
+    openMenu(
+        barMenu(m_inputs.platform.application, onSettingsRequested, std::move(monitor)), anchor);
 }
 
 void BarContentView::showSpaceList()

@@ -61,6 +61,8 @@ public:
     /// The menu button goes down. True: the press means nothing more.
     std::function<bool()> onMenuPressed;
     std::function<void()> onMenuTapped;
+    /// Empty: the settings are not offered.
+    std::function<void()> onSettingsRequested;
     std::function<void(SpaceID)> onSpaceSwitchRequested;
     /// The windows of a group move together.
     std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpaceRequested;
@@ -91,6 +93,8 @@ public:
     void openActivityMonitor();
     void triggerShowDesktop();
     void showBarMenu(const Rect& anchor);
+    /// Says what went wrong, if the bar can be seen.
+    void showNote(std::string text);
     /// Towards the trailing end.
     void scrollSideways(double distance, ScrollUnit);
     View* preferredKeyView() override;

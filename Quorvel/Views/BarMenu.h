@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "Quorvel/Platform/Surfaces.h"
@@ -7,9 +8,8 @@
 namespace quorvel {
 
 class Application;
-class UserSettings;
 
-/// The menu of the bar itself. Changes of settings apply at once. All parameters outlive it.
-Menu barMenu(UserSettings&, Application&, std::optional<MenuItem> monitor);
+/// The menu of the bar itself. What is empty or absent is not offered. The application outlives it.
+Menu barMenu(Application&, std::function<void()> onSettings, std::optional<MenuItem> monitor);
 
 }

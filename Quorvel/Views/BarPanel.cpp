@@ -82,6 +82,7 @@ std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& con
     });
     view->onMenuPressed = contents.onMenuPressed;
     view->onMenuTapped = contents.onMenuTapped;
+    view->onSettingsRequested = contents.onSettingsRequested;
     view->onMenuRequested
         = [this](Menu menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed) {
               m_menus.popUp(*m_surface, std::move(menu), anchor, std::move(onClosed));

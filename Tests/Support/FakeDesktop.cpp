@@ -19,7 +19,8 @@ Platform FakeDesktop::platform()
     return {m_dispatch, m_accessibility, m_windowServer, m_displays, m_workspace, m_bundles,
         m_fileEvents, m_screenCapture, m_program, m_surfaces, m_text, m_control, m_files,
         m_loginItem, m_launchServices, m_trace, m_hasDockAndUpdater ? &m_dock : nullptr,
-        m_hasDockAndUpdater ? &m_updater : nullptr, &m_hotkeys};
+        m_hasDockAndUpdater ? &m_updater : nullptr, &m_hotkeys,
+        m_hasSettingsWindow ? &m_settingsWindow : nullptr};
 }
 
 void FakeDesktop::install(const std::string& path, BundleDescription description)

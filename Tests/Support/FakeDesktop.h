@@ -18,6 +18,7 @@
 #include "Tests/Support/FakeLoginItem.h"
 #include "Tests/Support/FakeProgram.h"
 #include "Tests/Support/FakeScreenCapture.h"
+#include "Tests/Support/FakeSettingsWindow.h"
 #include "Tests/Support/FakeSurfaces.h"
 #include "Tests/Support/FakeUpdater.h"
 #include "Tests/Support/FakeWindowServer.h"
@@ -85,8 +86,10 @@ public:
     FakeLaunchServices& launchServices() { return m_launchServices; }
     FakeDock& dock() { return m_dock; }
     FakeUpdater& updater() { return m_updater; }
+    FakeSettingsWindow& settingsWindow() { return m_settingsWindow; }
     /// As on a system that has neither a Dock nor a framework for updates.
     void removeDockAndUpdater() { m_hasDockAndUpdater = false; }
+    void removeSettingsWindow() { m_hasSettingsWindow = false; }
     Trace& trace() { return m_trace; }
 
     // What is there. The references live as long as what they name.
@@ -176,6 +179,8 @@ private:
     std::uint32_t m_nextWindow = 1001;
     bool m_givesSpaceHints = false;
     bool m_hasDockAndUpdater = true;
+    FakeSettingsWindow m_settingsWindow;
+    bool m_hasSettingsWindow = true;
     struct Held {
         WindowID window{};
         Point from; ///< the pointer's last place

@@ -97,5 +97,9 @@ LaunchServices& DesktopServices::launchServices()
 {
     return m_parts->launchServices;
 }
+LaunchTokens& DesktopServices::launchTokens()
+{
+    return m_parts->tokens;
+}
 
 }

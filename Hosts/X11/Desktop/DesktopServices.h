@@ -14,6 +14,7 @@ class Workspace;
 namespace quorvel::xdg {
 class DesktopEntries;
 class Icons;
+class LaunchTokens;
 class SharedModel;
 struct PanelEnvironment;
 }
@@ -38,6 +39,7 @@ public:
     Displays& displays();
     Workspace& workspace();
     LaunchServices& launchServices();
+    LaunchTokens& launchTokens();
 
 private:
     struct Parts;

@@ -1,0 +1,30 @@
+#include "Quorvel/Core/SettingsPresenter.h"
+
+namespace quorvel {
+
+SettingsPresenter::SettingsPresenter(
+    const SettingsSubjects& subjects, SettingsWindow* window, ControlChannel& control)
+    : m_subjects(subjects)
+    , m_window(window)
+    , m_sessions(control, [this]() -> SettingsModel& { return model(); })
+{
+}
+
+SettingsModel& SettingsPresenter::model()
+{
+    if (!m_model)
+        m_model = std::make_unique<SettingsModel>(m_subjects);
+    return *m_model;
+}
+
+bool SettingsPresenter::show()
+{
+    if (m_sessions.present())
+        return true;
+    if (!m_window)
+        return false;
+    model().refresh();
+    return m_window->show(model());
+}
+
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Quorvel/Platform/SettingsWindow.h"
+
+namespace quorvel::test {
+
+class FakeSettingsWindow final : public SettingsWindow {
+public:
+    bool show(SettingsSource& source) override
+    {
+        m_source = &source;
+        ++m_shows;
+        return m_canShow;
+    }
+
+    void setCanShow(bool value) { m_canShow = value; }
+    int shows() const { return m_shows; }
+    /// What it shows; null before it was first shown.
+    SettingsSource* source() const { return m_source; }
+
+private:
+    SettingsSource* m_source = nullptr;
+    int m_shows = 0;
+    bool m_canShow = true;
+};
+
+}
