@@ -48,7 +48,7 @@ TEST_F(LoginItemTest, whatTheUserHasWrittenSurvivesSwitchingOffAndOn)
     EXPECT_EQ(file(), "none");
     EXPECT_TRUE(item.registerItem());
     EXPECT_EQ(item.status(), Status::enabled);
-    EXPECT_THAT(file(), HasSubstr("Exec=\"/bin/sh\"\n"));
+    EXPECT_THAT(file(), HasSubstr("\nTryExec=/bin/sh\nExec=\"/bin/sh\"\n"));
 
     statusWith("# mine\nName=Bar\nName[de]=Leiste\nExec=sh -c true\nX-Delay=3\n");
     EXPECT_TRUE(item.unregisterItem());

@@ -86,6 +86,8 @@ void name(GKeyFile* keys, const std::string& program)
         keys, kGroup, G_KEY_FILE_DESKTOP_KEY_TYPE, G_KEY_FILE_DESKTOP_TYPE_APPLICATION);
     g_key_file_set_string(keys, kGroup, G_KEY_FILE_DESKTOP_KEY_NAME, "Quorvel");
     g_key_file_set_string(keys, kGroup, G_KEY_FILE_DESKTOP_KEY_COMMENT, "Taskbar");
+    // Nothing is started, and no session complains, once the program is gone.
+    g_key_file_set_string(keys, kGroup, G_KEY_FILE_DESKTOP_KEY_TRY_EXEC, program.c_str());
     g_key_file_set_string(keys, kGroup, kExec, quoted(program).c_str());
 }
 
