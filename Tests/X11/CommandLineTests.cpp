@@ -5,6 +5,15 @@
 
 namespace quorvel::x11tests {
 
+namespace {
+
+bool has(const std::string& log, std::string_view text)
+{
+    return log.find(text) != std::string::npos;
+}
+
+}
+
 class CommandLine : public testing::Test {
 protected:
     CommandResult run(const std::vector<std::string>& arguments) const
@@ -108,12 +117,36 @@ TEST_F(CommandLine, aBarStartedFirstComesUpWithTheWindowManager)
     Bar bar(server);
     const auto answers = [&] { return run({"--state"}).status == 0; };
     ASSERT_TRUE(eventually(answers)) << bar.log();
+    EXPECT_TRUE(eventually([&] { return has(bar.log(), "no window manager is running"); }));
 
     WindowManager manager(server, desktop, ManagerKind::openbox);
     client.open({.title = "window"});
 
     EXPECT_TRUE(bar.appears());
     EXPECT_TRUE(bar.agreesWith(desktop));
+}
+
+// Faults: silence about two panels in one place, or about one that comes later; a line about the
+// bar's own panel, or about a panel at another edge.
+TEST_F(CommandLine, anotherPanelAtTheSameEdgeIsNamed)
+{
+    WindowManager manager(server, desktop, ManagerKind::openbox);
+    Client client(server);
+    const auto openPanel = [&](const std::string& title, std::uint32_t top, std::uint32_t bottom) {
+        const auto window = client.open({.title = title, .type = "_NET_WM_WINDOW_TYPE_DOCK"});
+        client.connection().setNumbers(window, "_NET_WM_STRUT", "CARDINAL", {0, 0, top, bottom});
+        client.connection().sync();
+    };
+    openPanel("first", 0, 30);
+    Bar bar(server);
+    EXPECT_TRUE(bar.appears());
+    EXPECT_TRUE(eventually([&] { return has(bar.log(), "another panel (first, process "); }))
+        << bar.log();
+    openPanel("above", 30, 0);
+    openPanel("second", 0, 30);
+    EXPECT_TRUE(eventually([&] { return has(bar.log(), "another panel (second, process "); }));
+    EXPECT_FALSE(has(bar.log(), "above"));
+    EXPECT_FALSE(has(bar.log(), "Quorvel"));
 }
 
 // Faults: a message that ends the bar because nobody can read it, or lands in the lock file, which

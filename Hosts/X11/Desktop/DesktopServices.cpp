@@ -12,6 +12,7 @@
 #include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/X11/Desktop/Mirror.h"
 #include "Hosts/X11/Desktop/PropertyIcons.h"
+#include "Hosts/X11/Desktop/SessionReport.h"
 #include "Hosts/X11/Desktop/StartupTokens.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
 #include "Hosts/X11/Desktop/X11Displays.h"
@@ -37,6 +38,7 @@ struct DesktopServices::Parts {
               [this] { launchServices.answersMayHaveChanged.emit(); })
         , attentionChanged(tracker.attentionDidChange.subscribe(
               [this] { launchServices.answersMayHaveChanged.emit(); }))
+        , report(dispatch, mirror)
         , focusLost(tracker.focusWasLost.subscribe([this] { requests.focusWasLost(); }))
     {
         environment.canReserve = [&monitors](DisplayNumber display) {
@@ -62,6 +64,7 @@ struct DesktopServices::Parts {
     DesktopLaunchServices launchServices;
     LauncherBus launcherBus;
     Subscription attentionChanged;
+    SessionReport report;
     Subscription focusLost;
 };
 

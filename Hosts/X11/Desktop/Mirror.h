@@ -44,6 +44,8 @@ public:
 
     Clients& clients() { return m_clients; }
     const RootState& root() const { return m_root; }
+    /// One that can be relied on.
+    bool hasWindowManager() const { return m_manager.isPresent(); }
     /// Whether this program created the window.
     bool isOwn(xcb_window_t) const;
 
