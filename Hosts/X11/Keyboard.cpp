@@ -61,17 +61,17 @@ Keyboard::Keyboard(Connection& connection) : m_connection(connection)
 
 Keyboard::~Keyboard() = default;
 
-void Keyboard::prepare()
+bool Keyboard::prepare()
 {
     if (std::exchange(m_isPrepared, true))
-        return;
+        return m_hasExtension;
     auto* raw = m_connection.raw();
     auto* xkb = XkbLibrary::load();
     m_hasExtension = xkb
         && xkb->setUpExtension(raw, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
             XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_firstEvent, nullptr);
     if (!m_hasExtension)
-        return;
+        return false;
     m_device = xkb->coreKeyboard(raw);
     constexpr std::uint16_t changes
         = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
@@ -83,6 +83,7 @@ void Keyboard::prepare()
     auto cookie = xkb->perClientFlags(raw, XCB_XKB_ID_USE_CORE_KBD, repeats, repeats, 0, 0, 0);
     xcb_discard_reply(raw, cookie.sequence);
     m_events = m_connection.event.subscribe([this](auto* event) { handle(event); });
+    return true;
 }
 
 void Keyboard::begin(const xcb_query_keymap_reply_t* down)
@@ -96,8 +97,10 @@ void Keyboard::begin(const xcb_query_keymap_reply_t* down)
 
 void Keyboard::handle(const xcb_generic_event_t* event)
 {
-    if ((event->response_type & 0x7f) == m_firstEvent)
-        m_layout.reset(); // only changes of the layout were asked for
+    if ((event->response_type & 0x7f) != m_firstEvent)
+        return;
+    m_layout.reset(); // only changes of the layout were asked for
+    changed.emit();
 }
 
 bool Keyboard::read()

@@ -37,8 +37,8 @@ public:
     Keyboard(const Keyboard&) = delete;
     Keyboard& operator=(const Keyboard&) = delete;
 
-    /// Call before taking the keyboard.
-    void prepare();
+    /// Call before taking the keyboard. True: a key that is held down repeats without coming up.
+    bool prepare();
     /// Call when the keyboard has been taken, before the first event, with the server's map of keys
     /// that were down just then (null if unknown). Those were pressed for somebody else, as the
     /// shortcut that opened a panel: their repeats are not for the new holder.
@@ -53,6 +53,9 @@ public:
     std::optional<TypedKey> translate(const KeyPress&);
     /// What a sequence that is open looks like so far, in UTF-8; empty while none is.
     std::string sequence() const;
+    /// Keys have other symbols, or modifiers are on other keys. Without the server's extension, its
+    /// own `MappingNotify` is all that tells of it.
+    Signal<> changed;
     /// Drops a sequence that is open: somebody else receives the keys from now on.
     void dropSequence();
 

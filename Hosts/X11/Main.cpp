@@ -100,6 +100,7 @@ int runBar(Display display, ControlChannel& control, Trace& trace)
         .loginItem = loginItem,
         .launchServices = desktop.launchServices(),
         .trace = trace,
+        .hotkeys = &surfaces.hotkeys(),
         .settingsWindow = &settingsWindow,
     });
 }

@@ -5,6 +5,7 @@
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/EventWindow.h"
+#include "Hosts/X11/Input/HotKeys.h"
 #include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Reply.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
@@ -69,18 +70,23 @@ void InputGrabs::Grab::refuse()
 
 // MARK: All of them
 
-InputGrabs::InputGrabs(
-    Connection& connection, Dispatch& dispatch, Keyboard& keyboard, PressWatch& presses)
+InputGrabs::InputGrabs(Connection& connection, Dispatch& dispatch, Keyboard& keyboard,
+    PressWatch& presses, HotKeys& hotKeys)
     : m_connection(connection)
     , m_dispatch(dispatch)
     , m_keyboard(keyboard)
     , m_presses(presses)
+    , m_hotKeys(hotKeys)
     , m_input(connection, dispatch, keyboard)
 {
     auto endOutside = [this](auto& press) { endKeyboardsOutside(press.place); };
     m_pressed.push_back(presses.began.subscribe([this] { endKeyboards(); }));
     m_pressed.push_back(presses.onOwnWindow.subscribe(endOutside));
     m_pressed.push_back(presses.elsewhere.subscribe(endOutside));
+    m_hotKeyReleased = hotKeys.released.subscribe([this] {
+        if (m_grabs.empty())
+            letGoOfKeyboard();
+    });
 }
 
 void InputGrabs::add(Grab& grab, Extent extent)
@@ -91,8 +97,9 @@ void InputGrabs::add(Grab& grab, Extent extent)
     m_grabs.push_back(&grab);
     makeWindow();
     if (m_grabs.size() == 1) {
+        if (m_hasKeyboard) // since the last one, for the key of a shortcut
+            m_keyboard.begin(nullptr);
         m_listening = m_presses.listenEverywhere();
-        m_events = m_connection.event.subscribe([this](auto* event) { handle(event); });
     }
     followTop();
 }
@@ -114,10 +121,10 @@ void InputGrabs::followTop()
     if (!holdsAll() && std::exchange(m_hasPointer, false))
         xcb_ungrab_pointer(raw, XCB_CURRENT_TIME);
     if (m_grabs.empty()) {
-        if (std::exchange(m_hasKeyboard, false))
-            xcb_ungrab_keyboard(raw, XCB_CURRENT_TIME);
+        // What the key of a shortcut does until it comes up is for nobody else.
+        if (!m_hotKeys.isHeld())
+            letGoOfKeyboard();
         m_listening = {};
-        m_events = {};
         m_input.setReceiver({}, m_window);
     } else {
         m_input.setReceiver({&m_grabs.back()->m_client, &m_grabs.back()->m_surface}, m_window);
@@ -185,9 +192,19 @@ bool InputGrabs::grabKeyboard()
     auto reply = owned(xcb_grab_keyboard_reply(raw, grab, nullptr));
     auto down = owned(xcb_query_keymap_reply(raw, keys, nullptr));
     m_hasKeyboard = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    if (m_hasKeyboard)
+    if (m_hasKeyboard) {
         m_keyboard.begin(down.get());
+        m_hotKeys.handOver();
+    }
     return m_hasKeyboard;
+}
+
+void InputGrabs::letGoOfKeyboard()
+{
+    if (!std::exchange(m_hasKeyboard, false))
+        return;
+    xcb_ungrab_keyboard(m_connection.raw(), XCB_CURRENT_TIME);
+    xcb_flush(m_connection.raw());
 }
 
 /// Those that hold nothing but the keyboard hear when it comes.
@@ -212,17 +229,23 @@ void InputGrabs::makeWindow()
         XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT,
         &overrideRedirect);
     xcb_map_window(raw, m_window);
+    m_events = m_connection.event.subscribe([this](auto* event) { handle(event); });
 }
 
 // MARK: Events
 
 void InputGrabs::handle(const xcb_generic_event_t* event)
 {
-    if (m_grabs.empty() || eventWindow(event) != m_window)
+    if (eventWindow(event) != m_window)
         return;
+    if (m_grabs.empty()) { // it was on its way when the last one ended
+        if ((event->response_type & 0x7f) == XCB_KEY_PRESS)
+            m_hotKeys.takesLate(as<xcb_key_press_event_t>(event));
+        return;
+    }
     switch (event->response_type & 0x7f) {
     case XCB_KEY_PRESS:
-        m_input.press(as<xcb_key_press_event_t>(event));
+        handlePress(as<xcb_key_press_event_t>(event));
         break;
     case XCB_KEY_RELEASE:
         m_input.release(as<xcb_key_release_event_t>(event));
@@ -232,6 +255,16 @@ void InputGrabs::handle(const xcb_generic_event_t* event)
             handlePointer(event);
         break;
     }
+}
+
+/// A shortcut is no key for any surface, and ends a menu, which would lie over what it opens.
+void InputGrabs::handlePress(const xcb_key_press_event_t& event)
+{
+    const auto press = m_hotKeys.takes(event);
+    if (press == HotKeys::Press::foreign)
+        m_input.press(event);
+    else if (press == HotKeys::Press::first && holdsAll())
+        m_grabs.back()->m_client.inputGrabDidEnd();
 }
 
 /// All events have the grabs' own window: where on the screen is what tells.

@@ -13,6 +13,7 @@
 namespace quorvel::xdg::x11 {
 
 class Connection;
+class HotKeys;
 class Keyboard;
 
 /// Which press ends a surface's hold of the keyboard; never one that a menu receives.
@@ -69,7 +70,7 @@ public:
         bool m_hasKeyboard = false; ///< as its client has been told
     };
 
-    InputGrabs(Connection&, Dispatch&, Keyboard&, PressWatch&);
+    InputGrabs(Connection&, Dispatch&, Keyboard&, PressWatch&, HotKeys&);
     InputGrabs(const InputGrabs&) = delete;
     InputGrabs& operator=(const InputGrabs&) = delete;
 
@@ -89,10 +90,12 @@ private:
     void giveUp();
     bool grabPointer();
     bool grabKeyboard();
+    void letGoOfKeyboard();
     void tellHolders();
     void makeWindow();
 
     void handle(const xcb_generic_event_t*);
+    void handlePress(const xcb_key_press_event_t&);
     void handlePointer(const xcb_generic_event_t*);
     void endKeyboards();
     void endKeyboardsOutside(Point pixels);
@@ -102,6 +105,7 @@ private:
     Dispatch& m_dispatch;
     Keyboard& m_keyboard;
     PressWatch& m_presses;
+    HotKeys& m_hotKeys;
     KeyInput m_input;
     xcb_window_t m_window = XCB_WINDOW_NONE; ///< invisible, holds all grabs; made for the first
     std::vector<Grab*> m_grabs; ///< the newest last
@@ -112,6 +116,7 @@ private:
     Subscription m_events;
     Subscription m_listening; ///< to presses anywhere, while there are grabs
     std::vector<Subscription> m_pressed;
+    Subscription m_hotKeyReleased;
 };
 
 }

@@ -14,7 +14,8 @@ X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monit
     : m_frames(connection, monitors)
     , m_presses(connection)
     , m_keyboard(connection)
-    , m_grabs(connection, dispatch, m_keyboard, m_presses)
+    , m_hotKeys(connection, dispatch, m_keyboard)
+    , m_grabs(connection, dispatch, m_keyboard, m_presses, m_hotKeys)
     , m_compositing(connection)
     , m_arrow(connection)
     , m_context{connection, dispatch, monitors, environment, appearance, m_shaper, m_frames,

@@ -6,6 +6,7 @@
 
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/Linux/Drawing/TextShaper.h"
+#include "Hosts/X11/Input/HotKeys.h"
 #include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Selection/X11Clipboard.h"
 #include "Hosts/X11/Surface/ArrowCursor.h"
@@ -32,6 +33,8 @@ public:
     Clipboard* clipboard() override;
 
     Text& text() { return m_text; }
+    /// Those that are pressed while a surface has the keyboard reach it through the surface.
+    Hotkeys& hotkeys() { return m_hotKeys; }
     const AccessibleSurfaces& accessible() const { return m_accessible; }
 
 private:
@@ -48,6 +51,7 @@ private:
     /// Before the grabs', which end by the same presses: whoever watches has heard of them then.
     const std::vector<Subscription> m_pressEvents = followPresses();
     Keyboard m_keyboard;
+    HotKeys m_hotKeys;
     InputGrabs m_grabs;
     Compositing m_compositing;
     ArrowCursor m_arrow;

@@ -92,6 +92,10 @@ static void from_json(const Json& json, State::Launcher::Row& row)
     read(
         json, "id", row.id, "section", row.section, "selected", row.isSelected, "frame", row.frame);
 }
+static std::optional<std::string> stateOf(const Json& hotkey)
+{
+    return hotkey.is_null() ? std::nullopt : std::optional{hotkey.at("state").get<std::string>()};
+}
 static void from_json(const Json& json, State::Launcher& launcher)
 {
     read(json, "frame", launcher.frame, "query", launcher.query, "field", launcher.field,
@@ -246,9 +250,11 @@ State State::parse(const std::string& json)
 {
     State state;
     try {
-        read(Json::parse(json), "activeSpace", state.activeSpace, "focusedWindow",
-            state.focusedWindow, "windows", state.windows, "spaces", state.spaces, "panels",
-            state.panels, "menu", state.menu, "launcher", state.launcher);
+        const auto said = Json::parse(json);
+        state.hotkey = stateOf(said.at("hotkey"));
+        read(said, "activeSpace", state.activeSpace, "focusedWindow", state.focusedWindow,
+            "windows", state.windows, "spaces", state.spaces, "panels", state.panels, "menu",
+            state.menu, "launcher", state.launcher);
     } catch (const Json::exception& error) {
         ADD_FAILURE() << error.what() << " in " << json;
     }

@@ -1,0 +1,306 @@
+#include "Hosts/X11/Input/HotKeys.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "Hosts/X11/Connection.h"
+#include "Hosts/X11/EventWindow.h"
+#include "Hosts/X11/KeyCodes.h"
+#include "Hosts/X11/Keyboard.h"
+#include "Hosts/X11/Reply.h"
+#include "Hosts/X11/SelectionEvents.h"
+
+namespace quorvel::xdg::x11 {
+
+namespace {
+
+/// Of a key event's state; above them are buttons and the group of the layout.
+constexpr unsigned kModifierBits = 0xFF;
+/// After a window manager has come or gone. A manager that replaces another grabs its keys a moment
+/// after it has announced itself, and the other one gives them back late.
+constexpr std::array kRetries{Duration::zero(), seconds(0.5), seconds(1.5), seconds(4)};
+
+}
+
+// MARK: One shortcut
+
+class HotKeys::Registration final : public HotkeyRegistration {
+public:
+    Registration(HotKeys& owner, std::uint32_t ofKey, std::uint32_t withModifiers, HotkeyID name)
+        : keyCode(ofKey)
+        , modifiers(withModifiers)
+        , id(name)
+        , m_owner(owner)
+    {
+        m_owner.m_registrations.push_back(this);
+    }
+    ~Registration() override
+    {
+        std::erase(m_owner.m_registrations, this);
+        m_owner.ungrab(*this);
+        m_owner.grabRefusedAgain();
+    }
+    HotkeyOutcome outcome() const override { return state; }
+
+    const std::uint32_t keyCode;
+    const std::uint32_t modifiers;
+    const HotkeyID id;
+    HotkeyOutcome state = HotkeyOutcome::failed;
+    xcb_keycode_t key = 0;
+    std::uint16_t bits = 0; ///< of the X server
+
+private:
+    HotKeys& m_owner;
+};
+
+HotKeys::HotKeys(Connection& connection, Dispatch& dispatch, Keyboard& keyboard)
+    : m_connection(connection)
+    , m_dispatch(dispatch)
+    , m_keyboard(keyboard)
+{
+}
+
+HotKeys::~HotKeys() = default;
+
+std::unique_ptr<HotkeyRegistration> HotKeys::registerHotkey(
+    std::uint32_t keyCode, std::uint32_t modifiers, const HotkeyID& id)
+{
+    begin();
+    auto registration = std::make_unique<Registration>(*this, keyCode, modifiers, id);
+    grab(*registration);
+    return registration;
+}
+
+Subscription HotKeys::installHandler(Handler handler)
+{
+    return m_handlers.install(std::move(handler));
+}
+
+/// Most sessions have no shortcut, and none of this costs them anything.
+void HotKeys::begin()
+{
+    if (std::exchange(m_hasBegun, true))
+        return;
+    m_releasesAtRepeats = !m_keyboard.prepare();
+    m_modifiers = ModifierMap::read(m_connection);
+    m_selectionEvent = selectSelectionEvents(m_connection, m_connection.atoms().wmS0);
+    m_connection.addEventMask(m_connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
+    m_subscriptions.push_back(m_connection.event.subscribe([this](auto* event) { handle(event); }));
+    m_subscriptions.push_back(m_connection.turnEnded.subscribe([this] { followModifiers(); }));
+    m_subscriptions.push_back(m_keyboard.changed.subscribe([this] { m_isMapStale = true; }));
+}
+
+// MARK: Grabs
+
+void HotKeys::grab(Registration& registration)
+{
+    const auto key = xKeyCodeOf(registration.keyCode);
+    const auto bits = m_modifiers.bitsOf(registration.modifiers);
+    const auto& setup = *xcb_get_setup(m_connection.raw());
+    registration.state = HotkeyOutcome::failed;
+    if (!key || *key < setup.min_keycode || *key > setup.max_keycode || !bits)
+        return;
+    registration.key = *key;
+    registration.bits = *bits;
+    // The server lets a program replace its own grab.
+    const bool isFree = !isOurs(registration) && requestGrabs(*key, *bits);
+    registration.state = isFree ? HotkeyOutcome::registered : HotkeyOutcome::taken;
+}
+
+bool HotKeys::isOurs(const Registration& wanted) const
+{
+    return std::ranges::any_of(m_registrations, [&](auto* other) {
+        return other != &wanted && other->state == HotkeyOutcome::registered
+            && other->key == wanted.key && other->bits == wanted.bits;
+    });
+}
+
+/// All of them or none.
+bool HotKeys::requestGrabs(xcb_keycode_t key, std::uint16_t bits) const
+{
+    auto* raw = m_connection.raw();
+    std::vector<xcb_void_cookie_t> cookies;
+    for (auto locks : m_modifiers.lockStates(bits)) {
+        cookies.push_back(xcb_grab_key_checked(raw, false, m_connection.root(),
+            static_cast<std::uint16_t>(bits | locks), key, XCB_GRAB_MODE_ASYNC,
+            XCB_GRAB_MODE_ASYNC));
+    }
+    bool isGranted = true;
+    for (auto cookie : cookies)
+        isGranted = !owned(xcb_request_check(raw, cookie)) && isGranted;
+    if (!isGranted) {
+        for (auto locks : m_modifiers.lockStates(bits))
+            xcb_ungrab_key(raw, key, m_connection.root(), static_cast<std::uint16_t>(bits | locks));
+    }
+    return isGranted;
+}
+
+void HotKeys::ungrab(Registration& registration) const
+{
+    if (std::exchange(registration.state, HotkeyOutcome::failed) != HotkeyOutcome::registered)
+        return;
+    for (auto locks : m_modifiers.lockStates(registration.bits)) {
+        xcb_ungrab_key(m_connection.raw(), registration.key, m_connection.root(),
+            static_cast<std::uint16_t>(registration.bits | locks));
+    }
+    xcb_flush(m_connection.raw());
+}
+
+void HotKeys::grabRefusedAgain()
+{
+    bool hasChanged = false;
+    for (auto* registration : m_registrations) {
+        if (registration->state == HotkeyOutcome::registered)
+            continue;
+        const auto before = registration->state;
+        grab(*registration);
+        hasChanged |= registration->state != before;
+    }
+    if (hasChanged)
+        outcomesDidChange.emit();
+}
+
+/// A key press may wait for a second look at the keyboard, so this comes when all events of a
+/// change have arrived.
+void HotKeys::followModifiers()
+{
+    if (!std::exchange(m_isMapStale, false))
+        return;
+    const auto now = ModifierMap::read(m_connection);
+    if (now == m_modifiers)
+        return;
+    std::vector<HotkeyOutcome> before;
+    for (auto* registration : m_registrations) {
+        before.push_back(registration->state);
+        ungrab(*registration);
+    }
+    m_modifiers = now;
+    bool hasChanged = false;
+    for (std::size_t i = 0; i < m_registrations.size(); ++i) {
+        grab(*m_registrations[i]);
+        hasChanged |= m_registrations[i]->state != before[i];
+    }
+    if (hasChanged)
+        outcomesDidChange.emit();
+}
+
+// MARK: Presses
+
+const HotKeys::Registration* HotKeys::find(const xcb_key_press_event_t& event) const
+{
+    unsigned locks = 0;
+    for (auto state : m_modifiers.lockStates(0))
+        locks |= state;
+    const unsigned held = event.state & kModifierBits;
+    auto found = std::ranges::find_if(m_registrations, [&](auto* candidate) {
+        const unsigned wanted = candidate->bits;
+        return candidate->state == HotkeyOutcome::registered && candidate->key == event.detail
+            && (held & ~(locks & ~wanted)) == wanted;
+    });
+    return found == m_registrations.end() ? nullptr : *found;
+}
+
+HotKeys::Press HotKeys::takes(const xcb_key_press_event_t& event)
+{
+    if (m_held[event.detail])
+        return Press::repeated;
+    const auto* registration = find(event);
+    if (!registration)
+        return Press::foreign;
+    const bool isRepeat = m_releasesAtRepeats && m_lastRelease
+        && m_lastRelease->detail == event.detail && m_lastRelease->time == event.time;
+    m_held.set(event.detail);
+    if (isRepeat)
+        return Press::repeated;
+    m_handlers.offer(registration->id);
+    return Press::first;
+}
+
+void HotKeys::takesLate(const xcb_key_press_event_t& event)
+{
+    if (takes(event) == Press::foreign)
+        return;
+    holdOn();
+    letGo();
+}
+
+void HotKeys::release(const xcb_key_release_event_t& event)
+{
+    if (!m_held[event.detail])
+        return;
+    m_held.reset(event.detail);
+    m_lastRelease = event;
+    if (m_held.any() && event.event == m_connection.root())
+        holdOn();
+    letGo();
+}
+
+/// Unless another key is still down.
+void HotKeys::letGo()
+{
+    if (m_held.any())
+        return;
+    if (std::exchange(m_holdsOn, false))
+        xcb_ungrab_keyboard(m_connection.raw(), XCB_CURRENT_TIME);
+    released.emit();
+}
+
+/// A passive grab ends with its key, but another shortcut's is down still: somebody else would
+/// receive its release, and its repeats would pass for presses.
+void HotKeys::holdOn()
+{
+    auto* raw = m_connection.raw();
+    const auto grab = xcb_grab_keyboard(raw, false, m_connection.root(), XCB_CURRENT_TIME,
+        XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    const auto keys = xcb_query_keymap(raw); // sent together, so that no release comes between
+    const auto reply = owned(xcb_grab_keyboard_reply(raw, grab, nullptr));
+    const auto down = owned(xcb_query_keymap_reply(raw, keys, nullptr));
+    m_holdsOn = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    for (std::size_t key = 0; key < m_held.size(); ++key) {
+        if (!m_holdsOn || !down || !(down->keys[key / 8] >> key % 8 & 1))
+            m_held.reset(key);
+    }
+}
+
+void HotKeys::handle(const xcb_generic_event_t* event)
+{
+    switch (event->response_type & 0x7f) {
+    case XCB_KEY_PRESS:
+        if (eventWindow(event) == m_connection.root())
+            takes(as<xcb_key_press_event_t>(event));
+        return;
+    case XCB_KEY_RELEASE:
+        return release(as<xcb_key_release_event_t>(event));
+    case XCB_MAPPING_NOTIFY:
+        m_isMapStale = true;
+        return;
+    case XCB_PROPERTY_NOTIFY: {
+        const auto& change = as<xcb_property_notify_event_t>(event);
+        if (change.window == m_connection.root()
+            && change.atom == m_connection.atoms().netSupportingWmCheck)
+            retry(0);
+        return;
+    }
+    default:
+        if (selectionOf(event, m_selectionEvent) == m_connection.atoms().wmS0)
+            retry(0);
+        return;
+    }
+}
+
+// MARK: The window manager
+
+void HotKeys::retry(std::size_t attempt)
+{
+    const bool isAllRight = std::ranges::all_of(m_registrations,
+        [](auto* registration) { return registration->state == HotkeyOutcome::registered; });
+    if (attempt == kRetries.size() || isAllRight)
+        return;
+    m_retry = m_dispatch.main().after(kRetries[attempt], [this, attempt] {
+        grabRefusedAgain();
+        retry(attempt + 1);
+    });
+}
+
+}
