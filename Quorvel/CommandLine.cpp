@@ -21,7 +21,7 @@ To the running bar:
   --get [FIELD]    print its settings, or one of them, as JSON
   --set FIELD=VALUE
                    change a setting: VALUE is JSON or plain text; null clears
-                   hotkeyKeyCode and hotkeyModifiers
+                   hotkeyKeyCode, hotkeyModifiers, numberKeyModifiers
   --launcher       open the list of applications, or close it
   --settings       open the settings
   --focus          give it the keyboard: arrows, Return, Menu, Escape

@@ -6,6 +6,7 @@
 #include "Quorvel/Core/BarManager.h"
 #include "Quorvel/Core/DockController.h"
 #include "Quorvel/Core/HotkeyManager.h"
+#include "Quorvel/Core/NumberKeys.h"
 #include "Quorvel/Core/SettingsPresenter.h"
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UpdaterService.h"
@@ -256,8 +257,7 @@ void QuorvelApp::startMainRuntime(Application& app)
     offerSettings(runtime);
     runtime.m_barManager->syncPanels();
     runtime.m_barManager->repositionPanels();
-    HotkeyManager::shared().onHotkeyPressed
-        = [&runtime] { runtime.m_barManager->toggleAppLauncher(); };
+    wireShortcuts(runtime);
     runtime.keep(platform.displays.parametersDidChange.subscribe(
         [&runtime] { runtime.m_barManager->screensDidChange(); }));
     wireObserverManager(runtime);
@@ -265,6 +265,16 @@ void QuorvelApp::startMainRuntime(Application& app)
     observeHints(runtime);
     bootstrapFrontmost(runtime);
     runtime.keep(app.willTerminate.subscribe([&runtime] { runtime.m_barManager->end(); }));
+}
+
+void QuorvelApp::wireShortcuts(Runtime& runtime)
+{
+    auto& hotkeys = HotkeyManager::shared();
+    hotkeys.onHotkeyPressed = [&runtime] { runtime.m_barManager->toggleAppLauncher(); };
+    runtime.m_numberKeys = std::make_unique<NumberKeys>(
+        runtime.m_platform.hotkeys, hotkeys, runtime.userSettings(), runtime.m_platform.dispatch);
+    runtime.m_numberKeys->onPressed
+        = [&runtime](std::size_t place, ItemUse use) { runtime.m_barManager->useItem(place, use); };
 }
 
 void QuorvelApp::wireObserverManager(Runtime& runtime)

@@ -23,6 +23,7 @@ class BarViews;
 class DockController;
 class HotkeyManager;
 class LaunchCoordinator;
+class NumberKeys;
 class SettingsPresenter;
 class ThumbnailService;
 class UpdaterService;
@@ -64,6 +65,7 @@ private:
     std::unique_ptr<DockController> m_dockController;
     std::unique_ptr<UpdaterService> m_updaterService;
     std::unique_ptr<HotkeyManager> m_hotkeyManager;
+    std::unique_ptr<NumberKeys> m_numberKeys;
     std::unique_ptr<BadgeService> m_badgeService;
     std::unique_ptr<ThumbnailService> m_thumbnailService;
     std::unique_ptr<WindowStore> m_windowStore;
@@ -96,6 +98,7 @@ public:
     static void startMainRuntime(Application&);
 
 private:
+    static void wireShortcuts(Runtime&);
     static void wireObserverManager(Runtime&);
     static void observeWorkspace(Runtime&);
     static void observeHints(Runtime&);

@@ -1,6 +1,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Quorvel/Core/HotkeyManager.h"
+#include "Quorvel/Core/NumberKeys.h"
 #include "Quorvel/Core/ShortcutRecorder.h"
 #include "Tests/Support/BarFixture.h"
 
@@ -140,6 +141,83 @@ TEST_F(HotkeyTest, saysThatTheShortcutIsTaken)
 
     system().giveBackElsewhere({kK, 0x100});
     EXPECT_EQ(hotkeys().state().value(), State::registered);
+}
+
+struct NumberKeyTest : ThreeWindows {
+    FakeHotkeys& system() { return desktop.hotkeys(); }
+    void pressNumber(int number, std::uint32_t modifiers = HotkeyModifier::command)
+    {
+        auto key = NumberKeys::kKeyCodes[static_cast<std::size_t>(number - 1)];
+        EXPECT_TRUE(system().press({key, modifiers})) << number;
+        desktop.drain();
+    }
+    std::ptrdiff_t timesShown(const std::string& text)
+    {
+        return std::ranges::count(panel().render().texts(), text);
+    }
+};
+
+// Faults: keys that are registered while they are off; a place that counts pins and chips apart, or
+// the other end; a click that a key does otherwise; keys that would take what the user types.
+TEST_F(NumberKeyTest, useWhatIsAtThatPlaceAsAClickDoes)
+{
+    pin("player");
+    desktop.drain();
+    EXPECT_TRUE(system().registered().empty());
+    runtime->userSettings().setNumberKeys(true);
+    EXPECT_EQ(system().registered().size(), 18U);
+    pressNumber(4);
+    EXPECT_TRUE(chip(notes)->isFocused);
+    pressNumber(4);
+    EXPECT_TRUE(chip(notes)->isMinimized);
+    pressNumber(1);
+    EXPECT_THAT(desktop.workspace().opened(), ElementsAre("/Applications/player"));
+    pressNumber(9);
+    pressNumber(4, HotkeyModifier::command | HotkeyModifier::shift);
+    EXPECT_THAT(desktop.workspace().opened(),
+        ElementsAre("/Applications/player", "new /Applications/Editor.app"));
+
+    auto suspension = runtime->hotkeyManager().suspend();
+    EXPECT_TRUE(system().registered().empty());
+    suspension = {};
+    runtime->userSettings().setNumberKeyModifiers(HotkeyModifier::control | HotkeyModifier::shift);
+    EXPECT_EQ(system().registered().size(), 9U);
+    pressNumber(2, HotkeyModifier::control | HotkeyModifier::shift);
+    EXPECT_TRUE(chip(inbox)->isFocused);
+    runtime->userSettings().setNumberKeyModifiers(HotkeyModifier::shift);
+    EXPECT_EQ(system().registered().front().modifiers, HotkeyModifier::command);
+    runtime->userSettings().setNumberKeys(false);
+    EXPECT_TRUE(system().registered().empty());
+}
+
+// Faults: the numbers stay, or are missing on a row that was made anew; a number uses another item
+// than the one that shows it, or a key without an item ends the walk.
+TEST_F(NumberKeyTest, areShownAndMeantWhileTheKeyboardWalksTheBar)
+{
+    auto spaces = timesShown("3");
+    EXPECT_EQ(timesShown("4"), 0);
+    EXPECT_EQ(desktop.control().send({"--focus"})->exitStatus, 0);
+    EXPECT_EQ(timesShown("3"), spaces + 1);
+    runtime->userSettings().setBarSize(BarSize::large); // makes every view anew
+    desktop.drain();
+    EXPECT_EQ(timesShown("3"), spaces + 1);
+    auto memo = desktop.open(editor, {.title = "Memo", .takesFocus = false});
+    settle();
+    EXPECT_EQ(timesShown("4"), 1);
+    panel().pressKey({.keyCode = KeyCode{22}, .characters = "6"});
+    EXPECT_TRUE(panel().hasKeyboard());
+    // The key of the 4, where it types something else.
+    panel().pressKey({.keyCode = KeyCode{21}, .characters = "'"});
+    desktop.advance(seconds(0.5));
+    EXPECT_TRUE(chip(memo)->isFocused);
+    EXPECT_FALSE(panel().hasKeyboard());
+    EXPECT_EQ(timesShown("4"), 0);
+
+    // The launcher ends the walk that it opens over.
+    desktop.control().send({"--focus"});
+    desktop.control().send({"--launcher"});
+    desktop.drain();
+    EXPECT_EQ(timesShown("3"), spaces);
 }
 
 }

@@ -94,7 +94,8 @@ TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
     std::set<std::string> fields;
     UserSettingsData::forEachField(
         settings->data().value(), [&](const char* name, auto&) { fields.insert(name); });
-    for (auto* elsewhere : {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers"})
+    for (auto* elsewhere : {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers",
+             "numberKeys", "numberKeyModifiers"})
         EXPECT_EQ(fields.erase(elsewhere), 1U);
     for (auto& field : fields) {
         SCOPED_TRACE(field);

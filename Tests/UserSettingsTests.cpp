@@ -52,16 +52,20 @@ TEST_F(UserSettingsTest, everyFieldIsStoredUnderItsNameAndReadBack)
     settings->setHideDock(true);
     settings->setShowOnAllDisplays(true);
     settings->setRunAtLogin(true);
+    settings->setNumberKeys(true);
+    settings->setNumberKeyModifiers(0x900);
     settings->setPinnedApps({{"com.example.mail", 3}, {"/opt/\"x\"/é", 1}});
     settle();
 
-    EXPECT_EQ(published, 12);
+    EXPECT_EQ(published, 14);
     EXPECT_EQ(file(), R"({
   "barSize": "xxl",
   "groupWindowsByApp": false,
   "hideDock": true,
   "hotkeyKeyCode": 4294967295,
   "hotkeyModifiers": 0,
+  "numberKeyModifiers": 2304,
+  "numberKeys": true,
   "pinnedApps": [
     {
       "d": 3,

@@ -18,6 +18,9 @@ class PinStore;
 class ThumbnailService;
 class UserSettings;
 
+/// What a number key does with an item of the bar.
+enum class ItemUse { click, openNewWindow };
+
 /// What a bar shows, and whom it tells what its user wants. What is referred to outlives the bar.
 struct BarContents {
     BarViewModel& viewModel;
@@ -77,6 +80,8 @@ public:
     /// A filled bar that is not shown rests, and catches up when it is shown again.
     virtual void setShown(bool) = 0;
     virtual void dismissPopups() = 0;
+    /// An item by its place in the row, pins before chips, from 0; nothing if there is none there.
+    virtual void useItem(std::size_t place, ItemUse) = 0;
 
 private:
     const PanelOptions m_options;

@@ -61,8 +61,11 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     m_panels.onContentNeeded = [this](Bar& panel) { fill(panel); };
     m_launcher.onOpenChanged = [this](bool isOpen) {
         setHoverKeyingSuppressed(isOpen);
-        if (isOpen)
-            dismissPopups();
+        if (!isOpen)
+            return;
+        dismissPopups();
+        for (auto* bar : m_panels.bars())
+            bar->surface().releaseKeyboard();
     };
     m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
@@ -269,6 +272,12 @@ bool BarManager::takeKeyboard()
             bar->surface().releaseKeyboard();
     }
     return chosen && chosen->surface().takeKeyboard();
+}
+
+void BarManager::useItem(std::size_t place, ItemUse use)
+{
+    if (auto* bar = resolveLauncherAnchorPanel())
+        bar->useItem(place, use);
 }
 
 void BarManager::fill(Bar& bar)

@@ -74,6 +74,8 @@ public:
     void showAppLauncher(Bar& anchor) { m_launcher.show(anchor); }
     /// Opens it where the pointer is, or closes it. False if there is no bar to open it from.
     bool toggleAppLauncher();
+    /// An item of the bar where the pointer is, by its place in the row from 0.
+    void useItem(std::size_t place, ItemUse);
     /// While something else needs the keyboard, a bar does not take it when the pointer enters.
     void setHoverKeyingSuppressed(bool);
     /// Gives the keyboard to the bar where the pointer is, to be walked with the arrow keys. False

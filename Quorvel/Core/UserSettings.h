@@ -89,6 +89,14 @@ public:
     /// Stores the system's state afterwards, which may differ from the request.
     void setRunAtLogin(bool isWanted);
 
+    bool numberKeys() const { return value().numberKeys; }
+    void setNumberKeys(bool isOn) { set(&UserSettingsData::numberKeys, isOn); }
+    std::optional<std::uint32_t> numberKeyModifiers() const { return value().numberKeyModifiers; }
+    void setNumberKeyModifiers(std::optional<std::uint32_t> modifiers)
+    {
+        set(&UserSettingsData::numberKeyModifiers, modifiers);
+    }
+
     const std::vector<PinnedAppRecord>& pinnedApps() const { return value().pinnedApps; }
     void setPinnedApps(std::vector<PinnedAppRecord> pins)
     {

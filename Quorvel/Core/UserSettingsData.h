@@ -27,6 +27,8 @@ struct UserSettingsData {
     bool hideDock = false;
     bool showOnAllDisplays = false;
     bool runAtLogin = false;
+    bool numberKeys = false; ///< shortcuts with the keys 1 to 9 for what is on the bar
+    std::optional<std::uint32_t> numberKeyModifiers; ///< absent: those that the host offers
     std::vector<PinnedAppRecord> pinnedApps;
     std::int64_t settingsVersion = 1; ///< of the file's format
 
@@ -51,6 +53,8 @@ struct UserSettingsData {
         visit("hideDock", data.hideDock);
         visit("showOnAllDisplays", data.showOnAllDisplays);
         visit("runAtLogin", data.runAtLogin);
+        visit("numberKeys", data.numberKeys);
+        visit("numberKeyModifiers", data.numberKeyModifiers);
         visit("pinnedApps", data.pinnedApps);
         visit("settingsVersion", data.settingsVersion);
     }

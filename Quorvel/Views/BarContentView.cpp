@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "Quorvel/Core/LaunchMarks.h"
+#include "Quorvel/Core/NewWindow.h"
+#include "Quorvel/Core/NumberKeys.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UserSettings.h"
@@ -31,6 +33,26 @@ struct Style {
     static constexpr double dividerWidth = 1;
     static constexpr double mostForSpaces = 0.35; ///< share of the bar's width
 };
+
+/// As it is typed, or else as the key of a row of numbers that types something else.
+std::optional<std::size_t> numberOf(const KeyEvent& event)
+{
+    if (event.has(KeyModifier::control) || event.has(KeyModifier::option)
+        || event.has(KeyModifier::command))
+        return {};
+    auto& typed = event.characters;
+    if (typed.size() == 1 && typed[0] >= '1' && typed[0] <= '9')
+        return static_cast<std::size_t>(typed[0] - '0');
+    auto key = std::ranges::find(NumberKeys::kKeyCodes, static_cast<std::uint32_t>(event.keyCode));
+    if (key == NumberKeys::kKeyCodes.end())
+        return {};
+    return static_cast<std::size_t>(key - NumberKeys::kKeyCodes.begin()) + 1;
+}
+
+std::string bundleIDOf(const DisplayItem& item)
+{
+    return std::visit([](auto& data) { return data.bundleIdentifier; }, item).value_or("");
+}
 
 std::string countText(int windows)
 {
@@ -449,6 +471,34 @@ void BarContentView::pinTapped(const std::string& bundleID)
 {
     dismissThumbnailPopupImmediate();
     onNextTurn([bundleID](BarViewModel& viewModel) { viewModel.launchApp(bundleID); });
+}
+
+void BarContentView::useItem(std::size_t place, ItemUse use)
+{
+    auto* item = m_row->itemAt(place);
+    if (!item)
+        return;
+    if (use == ItemUse::click)
+        return void(item->performAccessibleAction(0));
+    auto* pin = dynamic_cast<PinView*>(item);
+    auto bundleID = pin ? pin->pin().bundleID : bundleIDOf(static_cast<ChipView*>(item)->item());
+    if (!bundleID.empty())
+        openNewWindow(m_inputs.platform.workspace, bundleID);
+}
+
+void BarContentView::setShowsNumbers(bool showsNumbers)
+{
+    m_row->setShowsNumbers(showsNumbers);
+}
+
+bool BarContentView::keyPressed(const KeyEvent& event)
+{
+    auto number = numberOf(event);
+    if (!number || !m_row->itemAt(*number - 1))
+        return false;
+    m_inputs.surface.releaseKeyboard();
+    useItem(*number - 1, ItemUse::click);
+    return true;
 }
 
 void BarContentView::triggerShowDesktop()

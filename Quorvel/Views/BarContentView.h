@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Quorvel/Core/Bar.h"
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Platform/Application.h"
@@ -97,6 +98,10 @@ public:
     void showNote(std::string text);
     /// Towards the trailing end.
     void scrollSideways(double distance, ScrollUnit);
+    void useItem(std::size_t place, ItemUse);
+    /// While the keyboard walks the bar, keys with numbers use its items.
+    void setShowsNumbers(bool);
+    bool keyPressed(const KeyEvent&) override;
     View* preferredKeyView() override;
     bool isRightToLeft() const;
 

@@ -23,6 +23,7 @@ BarPanel::BarPanel(
     };
     m_hostingView.onKeyboardWanted
         = [this] { return m_surface->isVisible() && m_surface->takeKeyboard(); };
+    m_hostingView.onKeyboardChanged = [this](bool) { updateNumbers(); };
     m_hostingView.onHoverChanged = [this](bool isHovered) {
         m_isHovered = isHovered;
         updateKeying();
@@ -33,6 +34,7 @@ BarPanel::~BarPanel()
 {
     // A surface that goes tells of the pointer that was over it.
     m_hostingView.onHoverChanged = nullptr;
+    m_hostingView.onKeyboardChanged = nullptr;
     m_hostingView.setContent(nullptr);
 }
 
@@ -63,6 +65,14 @@ void BarPanel::fill(const BarContents& contents)
     m_content = view.get();
     m_hostingView.isRightToLeft = [this] { return m_content && m_content->isRightToLeft(); };
     m_hostingView.setContent(std::move(view));
+    updateNumbers();
+}
+
+/// The keyboard is there for a drag too, without a walk.
+void BarPanel::updateNumbers()
+{
+    if (m_content)
+        m_content->setShowsNumbers(keyFocusedView() != nullptr);
 }
 
 std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& contents)
@@ -107,6 +117,12 @@ void BarPanel::setShown(bool isShown)
 {
     if (m_content)
         m_content->setShown(isShown);
+}
+
+void BarPanel::useItem(std::size_t place, ItemUse use)
+{
+    if (m_content)
+        m_content->useItem(place, use);
 }
 
 void BarPanel::dismissPopups()

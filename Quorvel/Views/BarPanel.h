@@ -27,6 +27,7 @@ public:
     void clear() override;
     void setShown(bool) override;
     void dismissPopups() override;
+    void useItem(std::size_t place, ItemUse) override;
 
     /// Null while the bar is not filled.
     BarContentView* content() { return m_content; }
@@ -37,6 +38,7 @@ public:
 private:
     std::unique_ptr<BarContentView> makeContentView(const BarContents&);
     void updateKeying();
+    void updateNumbers();
 
     const Platform& m_platform;
     Menus& m_menus;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Quorvel/Core/BarViewModel.h"
+#include "Quorvel/Core/NewWindow.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Platform/Workspace.h"
@@ -52,7 +53,7 @@ void addApplicationEntries(Menu& menu, const std::string& bundleID, const ChipMe
         return;
     bool offersWindow = false;
     for (auto& action : context.workspace.actions(*url)) {
-        offersWindow |= action.identifier == "new-window";
+        offersWindow |= action.identifier == kNewWindowAction;
         menu.push_back(entry(action.title, context.viewModel,
             [&workspace = context.workspace, action, url = *url](
                 BarViewModel&) { workspace.perform(action, url); }));

@@ -245,7 +245,7 @@ ChipView::Parts ChipView::parts() const
     if (pill == 0)
         parts.count = {};
     parts.badge = badgeRect(parts.icon);
-    if (m_isRightToLeft) {
+    if (isRightToLeft()) {
         for (auto* part : {&parts.icon, &parts.title, &parts.count, &parts.badge})
             part->x = face.width - part->maxX();
     }
@@ -281,7 +281,7 @@ void ChipView::paintProgress(Canvas& canvas, const Parts& layout) const
         return;
     auto done = layout.face;
     done.width *= std::clamp(*progress, 0.0, 1.0);
-    if (m_isRightToLeft)
+    if (isRightToLeft())
         done.x = layout.face.maxX() - done.width;
     canvas.save();
     canvas.clip(done);

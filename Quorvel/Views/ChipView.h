@@ -27,7 +27,6 @@ public:
     const DisplayItem& item() const { return m_item; }
     using RowItem::isHovered;
     void setItem(const DisplayItem&);
-    void setRightToLeft(bool isRightToLeft) { set(m_isRightToLeft, isRightToLeft); }
     /// How strongly a request for attention shows now, from 0 to 1.
     void setPulse(double strength);
     void setTitle(Title title) { set(m_title, title); }
@@ -85,7 +84,6 @@ private:
 
     const Text& m_text;
     DisplayItem m_item;
-    bool m_isRightToLeft = false;
     Title m_title = Title::window;
     bool m_hasRoomForTitle = true;
     double m_pulse = 0;

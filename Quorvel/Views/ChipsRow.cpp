@@ -9,6 +9,7 @@ namespace quorvel {
 namespace {
 
 constexpr double kDragScrollSpeed = 400; ///< points a second
+constexpr int kMostNumbers = 9;
 
 }
 
@@ -137,6 +138,7 @@ ChipView& ChipsRow::makeChip(const std::string& id)
 PinView& ChipsRow::makePin(const std::string& bundleID)
 {
     auto& pin = addChild(std::make_unique<PinView>(m_palette, m_metrics));
+    pin.setRightToLeft(m_isRightToLeft);
     pin.onTapped = [this, &pin] {
         if (onPinClick)
             onPinClick(pin);
@@ -170,6 +172,8 @@ void ChipsRow::setRightToLeft(bool isRightToLeft)
         return;
     for (auto& [id, chip] : m_chips)
         chip->setRightToLeft(isRightToLeft);
+    for (auto& [id, pin] : m_pins)
+        pin->setRightToLeft(isRightToLeft);
     m_scroll.setRightToLeft(isRightToLeft);
     layout();
 }
@@ -254,6 +258,7 @@ void ChipsRow::layout()
     m_scroll.setContent(std::max(0.0, x - m_metrics.chipSpacing),
         std::max(m_chipWidth, pinWidth) + m_metrics.chipSpacing);
     placeAll();
+    numberItems();
 }
 
 void ChipsRow::placeAll()
@@ -278,6 +283,39 @@ void ChipsRow::place(View& view, double x, double width)
     double left = x - m_scroll.offset();
     view.setFrame(
         {m_isRightToLeft ? bounds().width - left - width : left, 0, width, bounds().height});
+}
+
+std::vector<RowItem*> ChipsRow::itemsInOrder() const
+{
+    std::vector<RowItem*> items;
+    for (auto* order : {&m_pinOrder, &m_slots.slots()}) {
+        for (auto& id : *order) {
+            if (auto* found = item(id))
+                items.push_back(found);
+        }
+    }
+    return items;
+}
+
+RowItem* ChipsRow::itemAt(std::size_t place) const
+{
+    auto items = itemsInOrder();
+    return place < items.size() ? items[place] : nullptr;
+}
+
+void ChipsRow::setShowsNumbers(bool showsNumbers)
+{
+    if (std::exchange(m_showsNumbers, showsNumbers) != showsNumbers)
+        numberItems();
+}
+
+void ChipsRow::numberItems()
+{
+    int number = 0;
+    for (auto* numbered : itemsInOrder()) {
+        ++number;
+        numbered->setNumber(m_showsNumbers && number <= kMostNumbers ? number : 0);
+    }
 }
 
 RowItem* ChipsRow::item(const std::string& id) const

@@ -49,6 +49,10 @@ public:
     void pointerExited() override;
     /// By this many points towards the end of the row.
     void scrollBy(double distance, ScrollUnit unit) { m_scroll.scrollBy(distance, unit); }
+    /// Pins and chips, from 0; null if there are fewer.
+    RowItem* itemAt(std::size_t place) const;
+    /// The keys 1 to 9, on the items at those places.
+    void setShowsNumbers(bool);
     /// Null if no window here has the focus.
     View* focusedChip() const;
 
@@ -91,6 +95,8 @@ private:
     void reveal(const View& view) override { m_scroll.reveal(view.frame()); }
     void placeAll();
     void place(View&, double x, double width);
+    void numberItems();
+    std::vector<RowItem*> itemsInOrder() const;
     RowItem* item(const std::string& id) const;
     Rect visibleFrame(const View&) const;
 
@@ -114,6 +120,7 @@ private:
     bool m_isRightToLeft = false;
     bool m_isHovered = false;
     bool m_reducesMotion = false;
+    bool m_showsNumbers = false;
     ChipView::Title m_title = ChipView::Title::window;
     double m_chipWidth = 0;
     RowScroll m_scroll;

@@ -1,10 +1,22 @@
 #include "Quorvel/Views/RowItem.h"
 
 #include <cmath>
+#include <string>
 
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
+
+namespace {
+
+struct Style {
+    static constexpr double numberMargin = 2;
+    static constexpr double numberSize = 0.46; ///< share of the height inside the margin
+    static constexpr double numberCorner = 0.25; ///< share of its size
+    static constexpr double numberTextSize = 0.78; ///< share of its size
+};
+
+}
 
 void RowItem::invalidateLifted()
 {
@@ -39,14 +51,32 @@ void RowItem::pressCancelled()
 
 void RowItem::paint(Canvas& canvas) const
 {
-    if (!m_isLifted)
-        return paintItem(canvas);
+    if (!m_isLifted) {
+        paintItem(canvas);
+        return paintNumber(canvas);
+    }
     canvas.save();
     canvas.magnify(kLiftedScale, bounds().centre());
     canvas.beginOpacity(kLiftedOpacity);
     paintItem(canvas);
     canvas.endOpacity();
     canvas.restore();
+}
+
+/// In the leading upper corner, opposite to the badge.
+void RowItem::paintNumber(Canvas& canvas) const
+{
+    if (m_number == 0)
+        return;
+    auto place = face().inset(Style::numberMargin, Style::numberMargin);
+    double size = place.height * Style::numberSize;
+    Rect mark{m_isRightToLeft ? place.maxX() - size : place.x, place.y, size, size};
+    canvas.fillRounded(mark, size * Style::numberCorner, palette().highlight);
+    canvas.drawText(std::to_string(m_number), mark,
+        {.size = size * Style::numberTextSize,
+            .weight = FontWeight::semibold,
+            .color = palette().highlightedText,
+            .alignment = TextAlignment::centre});
 }
 
 void RowItem::paintRing(Canvas& canvas) const

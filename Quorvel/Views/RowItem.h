@@ -19,6 +19,9 @@ public:
     /// It follows the pointer along the bar, above the others; the bar's window ends a few points
     /// above it.
     void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
+    /// The key that uses it during the keyboard walk; 0: none, and none is shown.
+    void setNumber(int number) { set(m_number, number); }
+    void setRightToLeft(bool isRightToLeft) { set(m_isRightToLeft, isRightToLeft); }
     /// Lifted, it is a little larger than its frame.
     void invalidateLifted();
 
@@ -40,6 +43,7 @@ protected:
     }
 
     const BarMetrics& metrics() const { return m_metrics; }
+    bool isRightToLeft() const { return m_isRightToLeft; }
     Rect face() const { return bounds().centred({bounds().width, m_metrics.chipHeight}); }
     virtual void paintItem(Canvas&) const = 0;
     /// The ring while files are over it or the keyboard is on it.
@@ -48,10 +52,13 @@ protected:
 private:
     bool isLifted() const override { return m_isLifted; }
     void paint(Canvas&) const final;
+    void paintNumber(Canvas&) const;
 
     BarMetrics m_metrics;
     bool m_isLifted = false;
     bool m_hasFilesOver = false;
+    bool m_isRightToLeft = false;
+    int m_number = 0;
 };
 
 }

@@ -261,4 +261,28 @@ INSTANTIATE_TEST_SUITE_P(, GlobalShortcut,
         ManagerKind::openbox, ManagerKind::xfwm4, ManagerKind::metacity, ManagerKind::icewm),
     managerName);
 
+/// What they do with each item, the tests in memory know.
+using NumberKeys = UnderOpenbox;
+
+// Faults: the keys are not grabbed, or their presses mean other places than the bar shows.
+TEST_F(NumberKeys, bringTheWindowsForwardThatAreAtThosePlaces)
+{
+    Keyboard hand{server.display()};
+    Bar bar{server};
+    ASSERT_TRUE(bar.appears());
+    Client client{server};
+    std::vector<xcb_window_t> windows;
+    for (const std::string title : {"first", "second"}) {
+        windows.push_back(client.open({.title = title}));
+        ASSERT_TRUE(getsChip(bar, windows.back()));
+        ASSERT_TRUE(becomesActive(windows.back()));
+    }
+    ASSERT_TRUE(settles(bar));
+    ASSERT_EQ(run({"--set", "numberKeys=true"}).status, 0);
+    hand.chord(super, one);
+    EXPECT_TRUE(becomesActive(windows[0]));
+    hand.chord(super, two);
+    EXPECT_TRUE(becomesActive(windows[1]));
+}
+
 }

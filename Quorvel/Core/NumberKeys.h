@@ -1,0 +1,55 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "Quorvel/Core/Bar.h"
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Hotkeys.h"
+#include "Quorvel/Platform/WeakOwner.h"
+
+namespace quorvel {
+
+class HotkeyManager;
+class UserSettings;
+
+/// The keys 1 to 9 as shortcuts for the items of the bar, while the settings have them on: with
+/// modifiers they use an item as a click does, with Shift besides they ask for another window of
+/// its application. Main thread.
+class NumberKeys {
+public:
+    /// By their place on the keyboard, which is the same on every layout.
+    static constexpr std::array<std::uint32_t, 9> kKeyCodes{18, 19, 20, 21, 23, 22, 26, 28, 25};
+    /// Of the shortcuts' identifiers, and of those with Shift.
+    static constexpr std::uint32_t kFirstID = 11;
+    static constexpr std::uint32_t kFirstShiftedID = 21;
+
+    /// Suspended together with the manager's shortcut, so that all keys can be recorded. Null
+    /// hotkeys: the system has none. What is referred to outlives it.
+    NumberKeys(Hotkeys*, const HotkeyManager&, UserSettings&, Dispatch&);
+
+    /// On the turn after the press; the place counts from 0.
+    std::function<void(std::size_t place, ItemUse)> onPressed;
+
+private:
+    /// None while they are off.
+    std::uint32_t wantedModifiers() const;
+    void update();
+    void registerAll(std::uint32_t modifiers);
+    HotkeyStatus handleHotkey(const HotkeyID&);
+
+    Hotkeys* const m_hotkeys;
+    const HotkeyManager& m_manager;
+    UserSettings& m_settings;
+    Dispatch& m_dispatch;
+    std::uint32_t m_modifiers = 0; ///< of those that are registered, 0 if none are
+    std::vector<std::unique_ptr<HotkeyRegistration>> m_registrations;
+    std::vector<Subscription> m_subscriptions;
+    WeakOwner<NumberKeys> m_weak{*this};
+};
+
+}
