@@ -16,6 +16,7 @@ public:
 
     void setActivationPolicy(ActivationPolicy) override;
     ProcessID processID() const override;
+    std::optional<std::string> bundleIdentifier() const override;
     std::optional<int> operatingSystemMajorVersion() const override;
     void warn(std::string_view) override;
     int run() override;

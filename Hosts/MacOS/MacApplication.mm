@@ -3,6 +3,7 @@
 #include <csignal>
 #include <unistd.h>
 
+#include "Hosts/MacOS/Conversions.h"
 #include "Hosts/Posix/StandardStreams.h"
 
 #include "Hosts/MacOS/Rules/ProgramArguments.h"
@@ -127,6 +128,12 @@ void MacApplication::setActivationPolicy(ActivationPolicy policy)
 }
 
 ProcessID MacApplication::processID() const { return ProcessID{getpid()}; }
+
+std::optional<std::string> MacApplication::bundleIdentifier() const
+{
+    NSString* identifier = NSBundle.mainBundle.bundleIdentifier;
+    return identifier ? std::optional{fromSystem(identifier)} : std::nullopt;
+}
 
 std::optional<int> MacApplication::operatingSystemMajorVersion() const
 {

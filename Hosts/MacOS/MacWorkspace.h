@@ -30,6 +30,7 @@ public:
     bool canOpenNewInstance(const ApplicationURL&) const override { return false; }
     void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
     void openFile(const std::string& path) override;
+    bool openURL(const std::string& url) override;
     /// Bundles do not list actions.
     std::vector<ApplicationAction> actions(const ApplicationURL&) const override { return {}; }
     void perform(const ApplicationAction&, const ApplicationURL&) override { }

@@ -225,6 +225,13 @@ void MacWorkspace::openFile(const std::string& path)
         [NSWorkspace.sharedWorkspace openURL:[NSURL fileURLWithPath:file]];
 }
 
+bool MacWorkspace::openURL(const std::string& url)
+{
+    NSString* text = toSystem(url);
+    NSURL* address = text ? [NSURL URLWithString:text] : nil;
+    return address && [NSWorkspace.sharedWorkspace openURL:address];
+}
+
 void MacWorkspace::requestTermination(ProcessID pid) { [findApplication(pid) terminate]; }
 
 bool MacWorkspace::isSelfActive() const { return NSApp.active; }

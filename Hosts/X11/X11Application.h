@@ -24,6 +24,7 @@ public:
 
     void setActivationPolicy(ActivationPolicy) override { }
     ProcessID processID() const override;
+    std::optional<std::string> bundleIdentifier() const override { return std::nullopt; }
     std::optional<int> operatingSystemMajorVersion() const override { return std::nullopt; }
     void warn(std::string_view) override;
     int run() override;

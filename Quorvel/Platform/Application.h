@@ -29,6 +29,9 @@ public:
 
     virtual void setActivationPolicy(ActivationPolicy) = 0;
     virtual ProcessID processID() const = 0;
+    /// By which the system knows the program; absent where it does not know programs so, or for one
+    /// that was started outside its bundle.
+    virtual std::optional<std::string> bundleIdentifier() const = 0;
     /// Absent where the system's look does not depend on its version.
     virtual std::optional<int> operatingSystemMajorVersion() const = 0;
     /// Prints one line to standard error, for whoever started the program.

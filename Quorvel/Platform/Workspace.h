@@ -88,6 +88,9 @@ public:
     virtual void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) = 0;
     /// Opens the path with the system's default application.
     virtual void openFile(const std::string& path) = 0;
+    /// Opens it with the system's application for such addresses; false if the text is no address,
+    /// or nothing opens it.
+    virtual bool openURL(const std::string& url) = 0;
     /// What the application itself offers as actions; empty where applications do not say.
     virtual std::vector<ApplicationAction> actions(const ApplicationURL&) const = 0;
     virtual void perform(const ApplicationAction&, const ApplicationURL&) = 0;

@@ -24,12 +24,17 @@ public:
 
     void setActivationPolicy(ActivationPolicy policy) override { m_policies.push_back(policy); }
     ProcessID processID() const override { return kPID; }
+    std::optional<std::string> bundleIdentifier() const override { return m_bundleIdentifier; }
     std::optional<int> operatingSystemMajorVersion() const override { return m_systemVersion; }
     void warn(std::string_view text) override { m_warnings.emplace_back(text); }
     int run() override;
     void terminate() override;
     const Published<Appearance>& appearance() const override { return m_appearance; }
 
+    void setBundleIdentifier(std::optional<std::string> identifier)
+    {
+        m_bundleIdentifier = std::move(identifier);
+    }
     void setSystemVersion(std::optional<int> major) { m_systemVersion = major; }
     void setAppearance(Appearance appearance) { m_appearance.set(appearance); }
 
@@ -41,6 +46,7 @@ private:
     VirtualDispatch& m_dispatch;
     Published<Appearance> m_appearance;
     std::vector<ActivationPolicy> m_policies;
+    std::optional<std::string> m_bundleIdentifier = "com.example.quorvel";
     std::optional<int> m_systemVersion = 14;
     std::vector<std::string> m_warnings;
     bool m_isTerminated = false;

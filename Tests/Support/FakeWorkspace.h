@@ -37,6 +37,11 @@ public:
     void openNewInstance(const ApplicationURL&) override;
     void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
     void openFile(const std::string& path) override { m_opened.push_back(path); }
+    bool openURL(const std::string& url) override
+    {
+        m_triedURLs.push_back(url);
+        return openableURLs.contains(url);
+    }
     std::vector<ApplicationAction> actions(const ApplicationURL&) const override;
     void perform(const ApplicationAction&, const ApplicationURL&) override;
     void requestTermination(ProcessID) override { }
@@ -51,6 +56,7 @@ public:
     /// The application cannot be started, as the system finds out some time later.
     void failToLaunch(const std::string& bundleIdentifier);
     void setSelfActive(bool value) { m_isSelfActive = value; }
+    std::set<std::string> openableURLs;
     /// By the application's path.
     std::map<std::string, std::vector<ApplicationAction>> offeredActions;
 
@@ -63,6 +69,8 @@ public:
     };
     const std::vector<Activated>& activations() const { return m_activations; }
     const std::vector<std::string>& opened() const { return m_opened; }
+    /// Those that could not be opened too.
+    const std::vector<std::string>& triedURLs() const { return m_triedURLs; }
     /// For icons that a real canvas can draw.
     std::function<Image()> makeIcon;
     /// Icons that were looked up; a cache should keep this low.
@@ -84,6 +92,7 @@ private:
     std::map<std::string, std::string, std::less<>> m_installed;
     std::vector<Activated> m_activations;
     std::vector<std::string> m_opened;
+    std::vector<std::string> m_triedURLs;
     mutable std::map<std::string, Image> m_images;
     mutable int m_iconLookups = 0;
     mutable std::vector<std::string> m_renderedIcons;

@@ -178,6 +178,11 @@ void ApplicationLauncher::onHandlerFound(GObject* file, GAsyncResult* result, gp
     opening->launcher->start(opening->request);
 }
 
+bool ApplicationLauncher::openURL(const std::string& url)
+{
+    return g_app_info_launch_default_for_uri(url.c_str(), nullptr, nullptr);
+}
+
 bool ApplicationLauncher::opensManyWindows(const std::string& desktopFile)
 {
     const auto file = DesktopKeyFile::read(desktopFile);
