@@ -1,11 +1,8 @@
 #include "Hosts/X11/Surface/DockWindow.h"
 
 #include <algorithm>
-#include <array>
-#include <climits>
 #include <utility>
 
-#include <unistd.h>
 #include <xcb/xcb_icccm.h>
 
 #include "Hosts/X11/Connection.h"
@@ -14,7 +11,6 @@ namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr std::string_view kClass{"quorvel\0Quorvel", 16};
 constexpr std::uint32_t kAllDesktops = 0xFFFFFFFF;
 constexpr std::uint32_t kRemoveState = 0;
 constexpr std::uint32_t kAddState = 1;
@@ -29,13 +25,6 @@ constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_ST
     | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_POINTER_MOTION
     | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
 
-std::string hostName()
-{
-    std::array<char, HOST_NAME_MAX + 1> name{};
-    gethostname(name.data(), name.size() - 1);
-    return name.data();
-}
-
 }
 
 DockWindow::DockWindow(
@@ -43,6 +32,7 @@ DockWindow::DockWindow(
     : m_connection(connection)
     , m_dispatch(dispatch)
     , m_window(xcb_generate_id(connection.raw()))
+    , m_properties(connection, m_window)
     , m_colormap(visual.colormap)
     , m_frame(frame)
     , m_place(connection, m_window)
@@ -82,16 +72,14 @@ void DockWindow::create(const WindowVisual& visual)
 void DockWindow::describe()
 {
     auto& atoms = m_connection.atoms();
-    auto pid = static_cast<std::uint32_t>(getpid());
-    setText(atoms.wmClass, XCB_ATOM_STRING, kClass);
-    setText(atoms.wmClientMachine, XCB_ATOM_STRING, hostName());
-    setCardinals(atoms.netWmPid, &pid, 1);
-    setCardinals(atoms.netWmDesktop, &kAllDesktops, 1);
-    setAtoms(atoms.netWmWindowType, {atoms.netWmWindowTypeDock});
-    setAtoms(atoms.netWmState,
+    m_properties.nameProgram();
+    m_properties.setCardinals(atoms.netWmDesktop, &kAllDesktops, 1);
+    m_properties.setAtoms(atoms.netWmWindowType, {atoms.netWmWindowTypeDock});
+    m_properties.setAtoms(atoms.netWmState,
         {atoms.netWmStateSticky, atoms.netWmStateSkipTaskbar, atoms.netWmStateSkipPager,
             m_isLowered ? atoms.netWmStateBelow : atoms.netWmStateSticky});
-    setAtoms(atoms.wmProtocols, {atoms.wmDeleteWindow}); // ignored, but nobody kills us for it
+    m_properties.setAtoms(
+        atoms.wmProtocols, {atoms.wmDeleteWindow}); // ignored, but nobody kills us for it
 
     xcb_icccm_wm_hints_t hints{};
     xcb_icccm_wm_hints_set_input(&hints, 0);
@@ -146,8 +134,7 @@ void DockWindow::setTitle(const std::string& title)
     if (title == m_title)
         return;
     m_title = title;
-    setText(m_connection.atoms().netWmName, m_connection.atoms().utf8String, title);
-    setText(m_connection.atoms().wmName, m_connection.atoms().utf8String, title);
+    m_properties.setTitle(title);
 }
 
 void DockWindow::setStrut(const Strut& strut)
@@ -157,22 +144,22 @@ void DockWindow::setStrut(const Strut& strut)
     m_strut = strut;
     auto& atoms = m_connection.atoms();
     if (strut.bottom == 0) {
-        xcb_delete_property(m_connection.raw(), m_window, atoms.netWmStrutPartial);
-        xcb_delete_property(m_connection.raw(), m_window, atoms.netWmStrut);
+        m_properties.erase(atoms.netWmStrutPartial);
+        m_properties.erase(atoms.netWmStrut);
         return;
     }
     auto values = strut.values();
-    setCardinals(atoms.netWmStrutPartial, values.data(), 12);
-    setCardinals(atoms.netWmStrut, values.data(), 4);
+    m_properties.setCardinals(atoms.netWmStrutPartial, values.data(), 12);
+    m_properties.setCardinals(atoms.netWmStrut, values.data(), 4);
 }
 
 void DockWindow::setBlursBehind(bool blurs)
 {
     auto property = m_connection.atoms().kdeBlurBehind;
     if (blurs)
-        setCardinals(property, nullptr, 0); // an empty region is the whole window
+        m_properties.setCardinals(property, nullptr, 0); // an empty region is the whole window
     else
-        xcb_delete_property(m_connection.raw(), m_window, property);
+        m_properties.erase(property);
 }
 
 void DockWindow::map()
@@ -260,24 +247,6 @@ void DockWindow::endTurn()
         return;
     ++m_corrections;
     configure();
-}
-
-void DockWindow::setAtoms(xcb_atom_t property, std::initializer_list<xcb_atom_t> values)
-{
-    xcb_change_property(m_connection.raw(), XCB_PROP_MODE_REPLACE, m_window, property,
-        XCB_ATOM_ATOM, 32, static_cast<std::uint32_t>(values.size()), std::data(values));
-}
-
-void DockWindow::setCardinals(xcb_atom_t property, const std::uint32_t* values, std::uint32_t count)
-{
-    xcb_change_property(m_connection.raw(), XCB_PROP_MODE_REPLACE, m_window, property,
-        XCB_ATOM_CARDINAL, 32, count, values);
-}
-
-void DockWindow::setText(xcb_atom_t property, xcb_atom_t type, std::string_view text)
-{
-    xcb_change_property(m_connection.raw(), XCB_PROP_MODE_REPLACE, m_window, property, type, 8,
-        static_cast<std::uint32_t>(text.size()), text.data());
 }
 
 }

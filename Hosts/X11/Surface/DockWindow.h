@@ -5,6 +5,7 @@
 #include "Hosts/X11/Surface/BackBuffer.h"
 #include "Hosts/X11/Surface/Strut.h"
 #include "Hosts/X11/Surface/WindowPlace.h"
+#include "Hosts/X11/Surface/WindowProperties.h"
 #include "Quorvel/Platform/Dispatch.h"
 
 namespace quorvel::xdg::x11 {
@@ -42,13 +43,11 @@ private:
     void configure();
     void requestMap(Duration patience);
     void comeBack();
-    void setAtoms(xcb_atom_t property, std::initializer_list<xcb_atom_t>);
-    void setCardinals(xcb_atom_t property, const std::uint32_t* values, std::uint32_t count);
-    void setText(xcb_atom_t property, xcb_atom_t type, std::string_view);
 
     Connection& m_connection;
     Dispatch& m_dispatch;
     const xcb_window_t m_window;
+    WindowProperties m_properties;
     xcb_colormap_t m_colormap;
     Rect m_frame;
     std::string m_title;

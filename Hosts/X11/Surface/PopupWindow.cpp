@@ -4,11 +4,11 @@
 #include <cmath>
 #include <utility>
 
-#include <unistd.h>
 #include <xcb/shape.h>
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Surface/AlphaShape.h"
+#include "Hosts/X11/Surface/WindowProperties.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -71,14 +71,11 @@ void PopupWindow::create(const std::string& title, Kind kind)
     xcb_create_window_aux(raw, m_visual.depth, m_window, m_connection.root(), 0, 0, 1, 1, 0,
         XCB_WINDOW_CLASS_INPUT_OUTPUT, m_visual.visual, mask, &values);
     m_connection.addEventMask(m_window, kEventMask);
-    auto pid = static_cast<std::uint32_t>(getpid());
     auto type = kind == Kind::menu ? atoms.netWmWindowTypePopupMenu : atoms.netWmWindowTypeTooltip;
-    xcb_change_property(
-        raw, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmWindowType, XCB_ATOM_ATOM, 32, 1, &type);
-    xcb_change_property(
-        raw, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmPid, XCB_ATOM_CARDINAL, 32, 1, &pid);
-    xcb_change_property(raw, XCB_PROP_MODE_REPLACE, m_window, atoms.netWmName, atoms.utf8String, 8,
-        static_cast<std::uint32_t>(title.size()), title.data());
+    WindowProperties properties{m_connection, m_window};
+    properties.setAtoms(atoms.netWmWindowType, {type});
+    properties.nameProgram();
+    properties.setTitle(title);
 }
 
 bool PopupWindow::setFrame(const Rect& frame)
