@@ -11,7 +11,7 @@ namespace quorvel {
 
 /// A borderless panel at the Dock's level, on one space only. A proxy on the space of a full-screen
 /// window lies among ordinary windows, is invisible and lets clicks through; a popup lies above
-/// them all, on every space.
+/// them all, on every space. A window is as any program's.
 class MacPanel final : public PanelSurface {
 public:
     MacPanel(const SurfaceContext&, const PanelOptions&, SurfaceClient&);

@@ -9,6 +9,7 @@
 @interface QVPanel : NSPanel
 @property (nonatomic, copy) BOOL (^mayBecomeKey)(void);
 @property (nonatomic, copy) void (^onKeyChanged)(BOOL isKey);
+@property (nonatomic, copy) void (^onCloseWanted)(void);
 /// What the pointer looks like here, whatever a view or another panel says; nil: nobody cares.
 @property (nonatomic) NSCursor* cursor;
 @end
@@ -37,6 +38,14 @@ static BOOL s_panelsRefuseKey = NO;
         self.onKeyChanged(NO);
 }
 
+// Whoever is asked decides what becomes of it.
+- (BOOL)windowShouldClose:(NSWindow*)sender
+{
+    if (self.onCloseWanted)
+        self.onCloseWanted();
+    return NO;
+}
+
 - (BOOL)canBecomeMainWindow
 {
     return NO;
@@ -60,7 +69,8 @@ static BOOL s_panelsRefuseKey = NO;
 // The system would push the frame off the strip that the Dock and the menu bar keep for themselves.
 - (NSRect)constrainFrameRect:(NSRect)frame toScreen:(NSScreen*)screen
 {
-    return frame;
+    const bool isTitled = self.styleMask & NSWindowStyleMaskTitled;
+    return isTitled ? [super constrainFrameRect:frame toScreen:screen] : frame;
 }
 
 @end
@@ -87,11 +97,22 @@ static_assert(static_cast<int>(PanelTraits::Level::floating) == kCGFloatingWindo
 static_assert(static_cast<int>(PanelTraits::Level::dock) == kCGDockWindowLevelKey);
 static_assert(static_cast<int>(PanelTraits::Level::popUpMenu) == kCGPopUpMenuWindowLevelKey);
 
+void makeBare(QVPanel* panel)
+{
+    panel.becomesKeyOnlyIfNeeded = YES;
+    panel.opaque = NO;
+    panel.backgroundColor = NSColor.clearColor;
+    panel.hasShadow = NO;
+    panel.movable = NO;
+    panel.animationBehavior = NSWindowAnimationBehaviorNone;
+}
+
 QVPanel* makePanel(const PanelTraits& traits)
 {
     // The server reads this part of the style only when the window is made.
-    const NSWindowStyleMask style
-        = NSWindowStyleMaskBorderless | NSWindowStyleMaskNonactivatingPanel;
+    const NSWindowStyleMask style = traits.isTitled
+        ? NSWindowStyleMaskTitled | NSWindowStyleMaskClosable
+        : NSWindowStyleMaskBorderless | NSWindowStyleMaskNonactivatingPanel;
     QVPanel* panel = [[QVPanel alloc] initWithContentRect:NSMakeRect(0, 0, 1, 1)
                                                 styleMask:style
                                                   backing:NSBackingStoreBuffered
@@ -99,13 +120,9 @@ QVPanel* makePanel(const PanelTraits& traits)
     panel.releasedWhenClosed = NO;
     panel.hidesOnDeactivate = NO; // the program is never the active one
     panel.canHide = NO; // "Hide Others" would take it off the screen
-    panel.becomesKeyOnlyIfNeeded = YES;
-    panel.opaque = NO;
-    panel.backgroundColor = NSColor.clearColor;
-    panel.hasShadow = NO;
-    panel.movable = NO;
     panel.acceptsMouseMovedEvents = YES;
-    panel.animationBehavior = NSWindowAnimationBehaviorNone;
+    if (!traits.isTitled)
+        makeBare(panel);
     panel.level = CGWindowLevelForKey(static_cast<CGWindowLevelKey>(traits.level));
     panel.collectionBehavior = traits.collectionBehavior;
     if (traits.ignoresMouse)
@@ -193,7 +210,9 @@ MacPanel::MacPanel(
         m_panel.title = title;
     [m_panel.contentView addSubview:m_view];
     m_view.keyboard = &m_keyboard;
-    m_panel.mayBecomeKey = ^BOOL { return m_canBecomeKey || m_keyboard.isWanted(); };
+    m_panel.mayBecomeKey
+        = ^BOOL { return m_kind == PanelKind::window || m_canBecomeKey || m_keyboard.isWanted(); };
+    m_panel.onCloseWanted = ^{ m_client.closeRequested(); };
     m_panel.onKeyChanged = ^(BOOL isKey) { keyDidChange(isKey); };
 }
 
@@ -202,15 +221,19 @@ MacPanel::~MacPanel()
     stopMonitoringKeys();
     m_panel.onKeyChanged = nil;
     m_panel.mayBecomeKey = nil;
+    m_panel.onCloseWanted = nil;
     [m_view detach];
     [m_view removeFromSuperview]; // a menu that waits for its turn has nothing to open over
     [m_panel orderOut:nil];
     [m_panel close];
 }
 
-void MacPanel::setFrame(const Rect& frame) { [m_panel setFrame:toSystem(frame) display:YES]; }
+void MacPanel::setFrame(const Rect& frame)
+{
+    [m_panel setFrame:[m_panel frameRectForContentRect:toSystem(frame)] display:YES];
+}
 
-Rect MacPanel::frame() const { return fromSystem(m_panel.frame); }
+Rect MacPanel::frame() const { return fromSystem([m_panel contentRectForFrameRect:m_panel.frame]); }
 
 void MacPanel::orderFront() { m_place.orderFront(); }
 
@@ -231,7 +254,9 @@ void MacPanel::setCanBecomeKey(bool canBecomeKey) { m_canBecomeKey = canBecomeKe
 
 void MacPanel::makeKeyAndOrderFront()
 {
-    if (m_kind == PanelKind::launcher) {
+    if (m_kind == PanelKind::window)
+        [NSApp activateIgnoringOtherApps:YES];
+    if (m_kind == PanelKind::launcher || m_kind == PanelKind::window) {
         orderFront();
         takeKeyboard();
         return;
@@ -267,6 +292,10 @@ void MacPanel::keyDidChange(bool isKey)
     stopMonitoringKeys();
     if (isKey && m_kind == PanelKind::launcher)
         monitorKeys();
+    if (isKey && m_kind == PanelKind::window && !m_keyboard.isWanted()) {
+        m_keyboard.take(); // the user has turned to it
+        [m_panel makeFirstResponder:m_view];
+    }
     m_keyboard.keyDidChange(isKey); // which may do away with the panel
 }
 

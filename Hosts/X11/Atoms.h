@@ -33,6 +33,8 @@ namespace quorvel::xdg::x11 {
     X(gtkFrameExtents, "_GTK_FRAME_EXTENTS")                                                       \
     X(gtkApplicationId, "_GTK_APPLICATION_ID")                                                     \
     X(netWmName, "_NET_WM_NAME")                                                                   \
+    X(netWmPing, "_NET_WM_PING")                                                                   \
+    X(netWmUserTime, "_NET_WM_USER_TIME")                                                          \
     X(netWmPid, "_NET_WM_PID")                                                                     \
     X(netWmDesktop, "_NET_WM_DESKTOP")                                                             \
     X(netWmIcon, "_NET_WM_ICON")                                                                   \

@@ -17,6 +17,11 @@ xcb_window_t eventWindow(const xcb_generic_event_t* event)
         return as<xcb_reparent_notify_event_t>(event).window;
     case XCB_CONFIGURE_NOTIFY:
         return as<xcb_configure_notify_event_t>(event).window;
+    case XCB_FOCUS_IN:
+    case XCB_FOCUS_OUT:
+        return as<xcb_focus_in_event_t>(event).event;
+    case XCB_CLIENT_MESSAGE:
+        return as<xcb_client_message_event_t>(event).window;
     case XCB_ENTER_NOTIFY:
     case XCB_LEAVE_NOTIFY:
     case XCB_MOTION_NOTIFY:

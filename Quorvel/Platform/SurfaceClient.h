@@ -34,6 +34,9 @@ public:
     virtual TextInputClient* textInputClient() { return nullptr; }
     /// The system refused the panel's `grabInput`, or revoked it.
     virtual void inputGrabDidEnd() { }
+    /// The user wants the window closed, with its button or by the window manager. It stays until
+    /// it is ordered out; destroyed it may be once this has returned.
+    virtual void closeRequested() { }
     /// What a screen reader sees; null: nothing. Lives as long as the client.
     virtual AccessibleElement* accessibleRoot() { return nullptr; }
 };

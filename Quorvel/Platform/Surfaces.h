@@ -44,6 +44,10 @@ enum class PanelKind {
     /// takes the keyboard, the space stays what it is; only a release, another program or a press
     /// outside the panel ends that.
     launcher,
+    /// An ordinary window with its title and a close button, of a size that the user cannot change.
+    /// It comes up on whatever space is shown, and has the keyboard as any program's window. Its
+    /// frame is that of its content, without the title; the user may move it.
+    window,
 };
 
 struct PanelOptions {
@@ -59,7 +63,8 @@ enum class PointerScope { ownWindows, otherPrograms };
 enum class Cursor { arrow };
 
 /// A strip of screen without a frame, above ordinary windows, below full-screen ones, which never
-/// takes the focus on a click. Destroying it removes it from the screen.
+/// takes the focus on a click; or what `PanelKind` says of another kind. Destroying it removes it
+/// from the screen.
 class PanelSurface {
 public:
     virtual ~PanelSurface() = default;

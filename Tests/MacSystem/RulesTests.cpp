@@ -124,13 +124,18 @@ TEST_F(MacRulesTest, aPanelHasOneTraitOfEachKindThatTheSystemKnows)
         kManaged | kTransient | kStationary,
         kFullScreenPrimary | kFullScreenAuxiliary | kFullScreenNone,
         kPrimary | kAuxiliary | kCanJoinAllApplications};
-    for (auto kind :
-        {PanelKind::bar, PanelKind::fullscreenProxy, PanelKind::popup, PanelKind::launcher}) {
+    for (auto kind : {PanelKind::bar, PanelKind::fullscreenProxy, PanelKind::popup,
+             PanelKind::launcher, PanelKind::window}) {
         const auto traits = PanelTraits::of(kind);
+        const bool isOrdinary = kind == PanelKind::window;
         for (auto bits : alternatives)
             EXPECT_LE(std::popcount(traits.collectionBehavior & bits), 1);
-        EXPECT_TRUE(traits.collectionBehavior & kCanJoinAllApplications) << "Stage Manager";
-        EXPECT_EQ(traits.hasOwnSpace, !(traits.collectionBehavior & kCanJoinAllSpaces));
+        EXPECT_EQ(traits.isTitled, isOrdinary);
+        EXPECT_EQ(bool(traits.collectionBehavior & (kCanJoinAllApplications | kIgnoresCycle)),
+            !isOrdinary)
+            << "Stage Manager, Command-`";
+        EXPECT_EQ(traits.hasOwnSpace,
+            !(traits.collectionBehavior & (kCanJoinAllSpaces | kMoveToActiveSpace)));
         EXPECT_EQ(traits.ignoresMouse, kind == PanelKind::fullscreenProxy);
         EXPECT_EQ(bool(traits.collectionBehavior & kFullScreenAuxiliary), kind != PanelKind::bar);
     }

@@ -9,9 +9,14 @@ namespace quorvel::test {
 
 namespace {
 
+bool hasKeysWhenInFront(PanelKind kind)
+{
+    return kind == PanelKind::launcher || kind == PanelKind::window;
+}
+
 bool hasNoSpace(PanelKind kind)
 {
-    return kind == PanelKind::popup || kind == PanelKind::menu || kind == PanelKind::launcher;
+    return kind == PanelKind::popup || kind == PanelKind::menu || hasKeysWhenInFront(kind);
 }
 
 /// The next character of a text in UTF-8.
@@ -65,6 +70,8 @@ void FakePanel::orderFront()
 void FakePanel::orderOut()
 {
     m_isOrderedIn = false;
+    if (m_options.kind == PanelKind::window)
+        releaseKeyboard();
     if (std::erase(m_surfaces.m_grabs, this) > 0)
         std::erase(m_surfaces.m_keyHolders, this);
     losePointer();
@@ -73,7 +80,7 @@ void FakePanel::orderOut()
 void FakePanel::makeKeyAndOrderFront()
 {
     orderFront();
-    if (m_options.kind == PanelKind::launcher)
+    if (hasKeysWhenInFront(m_options.kind))
         takeKeyboard();
     else if (m_canBecomeKey && m_surfaces.followsKeyPanels())
         m_desktop.activateSpace(m_options.space);
@@ -169,6 +176,8 @@ void FakePanel::leave()
 void FakePanel::press(Point at, PointerButton button)
 {
     movePointer(at);
+    if (m_options.kind == PanelKind::window)
+        takeKeyboard();
     if (m_surfaces.m_grabs.empty())
         m_surfaces.m_pressed[PointerScope::ownWindows].emit(m_desktop.model().pointer, button);
     send(PointerAction::pressed, at, button);

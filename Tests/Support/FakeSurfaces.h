@@ -71,6 +71,8 @@ public:
     void leave();
     void press(Point, PointerButton = PointerButton::primary);
     void release(Point, PointerButton = PointerButton::primary);
+    /// The user presses a window's close button.
+    void clickCloseButton() { m_client.closeRequested(); }
     /// Of which the program does not hear.
     void releaseUnheard(PointerButton button) { setHeld(button, false); }
     /// As when a menu takes it.
@@ -168,6 +170,9 @@ public:
 
     /// The launcher that is on the screen; null if there is none.
     FakePanel* launcher() const { return firstOf(open(PanelKind::launcher)); }
+
+    /// The ordinary window that is on the screen; null if there is none.
+    FakePanel* window() const { return firstOf(open(PanelKind::window)); }
 
     void pointerDidMove(PointerScope scope) { m_pointerMoved[scope].emit(); }
     /// On another program's window or the desktop, which then gets the keyboard. Points, global

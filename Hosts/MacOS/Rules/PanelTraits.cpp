@@ -18,6 +18,12 @@ PanelTraits PanelTraits::of(PanelKind kind)
         return {.level = Level::floating,
             .collectionBehavior = always | kCanJoinAllSpaces | kTransient | kFullScreenAuxiliary,
             .hasOwnSpace = false};
+    case PanelKind::window:
+        // The user works with it wherever they are, as with any program's window.
+        return {.level = Level::normal,
+            .collectionBehavior = kMoveToActiveSpace | kManaged | kFullScreenAuxiliary,
+            .isTitled = true,
+            .hasOwnSpace = false};
     case PanelKind::fullscreenProxy:
         return {.level = Level::normal,
             .collectionBehavior = always | kStationary | kFullScreenAuxiliary,

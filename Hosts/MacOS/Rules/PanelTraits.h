@@ -36,6 +36,8 @@ struct PanelTraits {
     /// Clicks go through all of it. For other panels the system must not be told "no" either: that
     /// would stop clicks from passing through transparent pixels.
     bool ignoresMouse = false;
+    /// It has a title and a close button, and the system may move it.
+    bool isTitled = false;
     /// It is on one space; other panels are on whatever space is shown.
     bool hasOwnSpace = true;
 

@@ -20,6 +20,7 @@ class Compositing;
 class Connection;
 class FrameIntervals;
 class InputGrabs;
+class Keyboard;
 class Monitors;
 
 /// What every window of ours needs; all of it outlives the windows.
@@ -34,6 +35,7 @@ struct SurfaceContext {
     AccessibleSurfaces& accessible;
     Compositing& compositing;
     InputGrabs& grabs;
+    Keyboard& keyboard;
     ArrowCursor& arrow;
 
     /// Pixels per point.

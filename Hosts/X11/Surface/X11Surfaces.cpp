@@ -6,6 +6,7 @@
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/X11Panel.h"
 #include "Hosts/X11/Surface/X11Popup.h"
+#include "Hosts/X11/Surface/X11Window.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -19,7 +20,7 @@ X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monit
     , m_compositing(connection)
     , m_arrow(connection)
     , m_context{connection, dispatch, monitors, environment, appearance, m_shaper, m_frames,
-          m_accessible, m_compositing, m_grabs, m_arrow}
+          m_accessible, m_compositing, m_grabs, m_keyboard, m_arrow}
     , m_text(m_shaper, monitors.coordinates().scale)
     , m_appearance(appearance.subscribe([this](auto& now) {
         m_shaper.setFont(now.font); // before any view measures with it
@@ -48,6 +49,10 @@ std::unique_ptr<PanelSurface> X11Surfaces::createPanel(
     if (options.kind == PanelKind::popup || options.kind == PanelKind::menu
         || options.kind == PanelKind::launcher) {
         return std::make_unique<X11Popup>(
+            m_context, options, client, [this] { m_pointerMoved.emit(); });
+    }
+    if (options.kind == PanelKind::window) {
+        return std::make_unique<X11Window>(
             m_context, options, client, [this] { m_pointerMoved.emit(); });
     }
     return std::make_unique<X11Panel>(windowOf(options.display), options, client);

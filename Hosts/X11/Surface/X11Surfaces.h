@@ -20,7 +20,8 @@
 
 namespace quorvel::xdg::x11 {
 
-/// Panels as one window per display, and popups. Main thread; outlives its panels.
+/// Panels as one window per display, popups, and ordinary windows. Main thread; outlives its
+/// panels.
 class X11Surfaces final : public Surfaces {
 public:
     X11Surfaces(Connection&, Dispatch&, const Monitors&, const PanelEnvironment&,

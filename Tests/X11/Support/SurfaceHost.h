@@ -46,6 +46,7 @@ struct SurfaceRecord : SurfaceClient {
         return true;
     }
     void keyboardDidChange(bool has) override { hasKeyboard = has; }
+    void closeRequested() override { ++closeRequests; }
     TextInputClient* textInputClient() override { return hasField ? &field : nullptr; }
 
     std::vector<PointerEvent> pointer;
@@ -53,6 +54,7 @@ struct SurfaceRecord : SurfaceClient {
     FieldRecord field; ///< the characters of all keys, too
     bool hasField = true;
     bool hasKeyboard = false;
+    int closeRequests = 0;
 };
 
 /// The host's surfaces in the test's own process, for what no panel of the bar's does.
