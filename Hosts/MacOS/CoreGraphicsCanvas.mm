@@ -67,6 +67,14 @@ NSString* symbolName(Symbol symbol)
         return @"xmark.circle.fill";
     case Symbol::appDashed:
         return @"app.dashed";
+    case Symbol::lockShield:
+        return @"lock.shield";
+    case Symbol::figureStand:
+        return @"figure.stand";
+    case Symbol::display:
+        return @"display";
+    case Symbol::checkmarkCircle:
+        return @"checkmark.circle.fill";
     }
     return @"questionmark";
 }

@@ -37,6 +37,7 @@ NSAccessibilityRole roleOf(AccessibleRole role)
     case AccessibleRole::listItem:
         return NSAccessibilityRowRole;
     case AccessibleRole::panel:
+    case AccessibleRole::window: // the system's own says that it is one
     case AccessibleRole::group:
         break;
     }

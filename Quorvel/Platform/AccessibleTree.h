@@ -12,6 +12,7 @@ namespace quorvel {
 
 enum class AccessibleRole {
     panel,
+    window, ///< with a title and a close button
     group,
     button,
     toggleButton,

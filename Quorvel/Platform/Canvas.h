@@ -35,6 +35,10 @@ enum class Symbol {
     magnifyingGlass,
     clear, ///< a cross in a filled circle
     appDashed, ///< an application that is not known yet
+    lockShield,
+    figureStand, ///< a person
+    display,
+    checkmarkCircle, ///< a mark left out of a disc
 };
 
 enum class GradientDirection { topToBottom, leadingToTrailing };

@@ -168,10 +168,12 @@ TEST(CairoCanvas, symbolsFillTheirBoxAndMirrorEachOther)
 {
     for (double scale : kScales) {
         for (auto symbol : {Symbol::menuGrid, Symbol::close, Symbol::chevronUp, Symbol::showDesktop,
-                 Symbol::checkmark, Symbol::magnifyingGlass, Symbol::clear, Symbol::appDashed}) {
+                 Symbol::checkmark, Symbol::magnifyingGlass, Symbol::clear, Symbol::appDashed,
+                 Symbol::lockShield, Symbol::figureStand, Symbol::display,
+                 Symbol::checkmarkCircle}) {
             Paper paper{30, 30, scale};
             paper.canvas.drawSymbol(symbol, {5, 5, 16, 16}, kWhite);
-            EXPECT_GT(paper.ink().width, 8 * scale) << int(symbol);
+            EXPECT_GT(std::max(paper.ink().width, paper.ink().height), 8 * scale) << int(symbol);
             EXPECT_TRUE((Rect{4 * scale, 4 * scale, 18 * scale, 18 * scale}.contains(paper.ink())));
         }
         Paper left{16, 16, scale};

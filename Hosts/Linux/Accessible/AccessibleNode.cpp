@@ -46,6 +46,7 @@ AtkRole toSystem(AccessibleRole role)
     case AccessibleRole::listItem:
         return ATK_ROLE_LIST_ITEM;
     case AccessibleRole::panel:
+    case AccessibleRole::window:
     case AccessibleRole::group:
     case AccessibleRole::popup:
         break;
@@ -209,8 +210,11 @@ AtkRole AccessibleNode::role() const
     auto* element_ = element();
     if (!element_)
         return ATK_ROLE_INVALID;
-    // Readers look for windows below the application. This one has neither title nor border.
-    return isSurface() ? ATK_ROLE_WINDOW : toSystem(element_->accessibleState().role);
+    const auto role = element_->accessibleState().role;
+    if (!isSurface())
+        return toSystem(role);
+    // Readers look for windows below the application. Most of ours have neither title nor border.
+    return role == AccessibleRole::window ? ATK_ROLE_FRAME : ATK_ROLE_WINDOW;
 }
 
 const char* AccessibleNode::keep(std::string& kept, std::string answer)

@@ -1,6 +1,7 @@
 #include "Hosts/Linux/Drawing/SymbolPaths.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -104,30 +105,70 @@ void paintGlass(cairo_t* cairo, const Rect& box)
     cairo_stroke(cairo);
 }
 
-struct ClearStyle {
+/// A square around the middle of the box, on which places are given from the centre in parts of the
+/// side: half of it to each edge.
+struct SymbolFrame {
+    explicit SymbolFrame(const Rect& box)
+        : side(std::min(box.width, box.height))
+        , centre(box.centre())
+    {
+    }
+
+    Point at(Point part) const { return {centre.x + part.x * side, centre.y + part.y * side}; }
+    Rect rect(double left, double top, double width, double height) const
+    {
+        auto corner = at({left, top});
+        return {corner.x, corner.y, width * side, height * side};
+    }
+    double line(double part) const { return std::max(LineStyle::thinnest, part * side); }
+
+    double side;
+    Point centre;
+};
+
+void addDisc(cairo_t* cairo, const SymbolFrame& frame, Point centre, double radius)
+{
+    auto at = frame.at(centre);
+    cairo_new_sub_path(cairo);
+    cairo_arc(cairo, at.x, at.y, radius * frame.side, 0, 2 * std::numbers::pi);
+    cairo_close_path(cairo);
+}
+
+void addLine(cairo_t* cairo, const SymbolFrame& frame, std::initializer_list<Point> corners)
+{
+    cairo_new_sub_path(cairo);
+    for (auto& corner : corners) {
+        auto at = frame.at(corner);
+        cairo_line_to(cairo, at.x, at.y);
+    }
+}
+
+void strokeRound(cairo_t* cairo, double width)
+{
+    cairo_set_line_width(cairo, width);
+    cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
+    cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
+    cairo_stroke(cairo);
+}
+
+struct DiscStyle {
     static constexpr double radius = 0.46; ///< in parts of the side
-    static constexpr double reach = 0.17; ///< from the centre to the end of the cross
     static constexpr double line = 0.1;
 };
 
-/// A disc from which the cross is left out, whatever is behind it.
-void paintClear(cairo_t* cairo, const Rect& box)
+using Strokes = std::initializer_list<std::initializer_list<Point>>;
+
+/// A disc from which lines are left out, whatever is behind it.
+void paintDiscWithout(cairo_t* cairo, const Rect& box, Strokes strokes)
 {
-    double side = std::min(box.width, box.height);
-    auto centre = box.centre();
-    double reach = side * ClearStyle::reach;
+    SymbolFrame frame{box};
     cairo_push_group(cairo);
-    cairo_new_sub_path(cairo);
-    cairo_arc(cairo, centre.x, centre.y, side * ClearStyle::radius, 0, 2 * std::numbers::pi);
+    addDisc(cairo, frame, {}, DiscStyle::radius);
     cairo_fill(cairo);
     cairo_set_operator(cairo, CAIRO_OPERATOR_CLEAR);
-    for (double rise : {-reach, reach}) {
-        cairo_move_to(cairo, centre.x - reach, centre.y - rise);
-        cairo_line_to(cairo, centre.x + reach, centre.y + rise);
-    }
-    cairo_set_line_width(cairo, std::max(LineStyle::thinnest, side * ClearStyle::line));
-    cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
-    cairo_stroke(cairo);
+    for (auto& stroke : strokes)
+        addLine(cairo, frame, stroke);
+    strokeRound(cairo, frame.line(DiscStyle::line));
     cairo_set_operator(cairo, CAIRO_OPERATOR_OVER);
     cairo_pop_group_to_source(cairo);
     cairo_paint(cairo);
@@ -157,6 +198,58 @@ void paintDashed(cairo_t* cairo, const Rect& box)
     cairo_set_dash(cairo, nullptr, 0, 0);
 }
 
+/// A shield with a lock on it.
+void paintLockShield(cairo_t* cairo, const Rect& box)
+{
+    SymbolFrame frame{box};
+    auto curve = [&](Point first, Point second, Point end) {
+        auto [a, b, c] = std::array{frame.at(first), frame.at(second), frame.at(end)};
+        cairo_curve_to(cairo, a.x, a.y, b.x, b.y, c.x, c.y);
+    };
+    auto top = frame.at({0, -0.46});
+    cairo_move_to(cairo, top.x, top.y);
+    curve({0.12, -0.37}, {0.25, -0.33}, {0.39, -0.32});
+    curve({0.4, 0.05}, {0.3, 0.32}, {0, 0.46});
+    curve({-0.3, 0.32}, {-0.4, 0.05}, {-0.39, -0.32});
+    curve({-0.25, -0.33}, {-0.12, -0.37}, {0, -0.46});
+    cairo_close_path(cairo);
+    strokeRound(cairo, frame.line(0.07));
+
+    addRoundedPath(cairo, frame.rect(-0.15, -0.04, 0.3, 0.22), 0.04 * frame.side);
+    cairo_fill(cairo);
+    auto bow = frame.at({0, -0.08});
+    addLine(cairo, frame, {{-0.09, -0.03}});
+    cairo_arc(cairo, bow.x, bow.y, 0.09 * frame.side, std::numbers::pi, 0);
+    addLine(cairo, frame, {{0.09, -0.08}, {0.09, -0.03}});
+    strokeRound(cairo, frame.line(0.055));
+}
+
+/// Standing, with the arms down.
+void paintFigure(cairo_t* cairo, const Rect& box)
+{
+    SymbolFrame frame{box};
+    addDisc(cairo, frame, {0, -0.37}, 0.095);
+    addRoundedPath(cairo, frame.rect(-0.11, -0.23, 0.22, 0.36), 0.05 * frame.side);
+    cairo_fill(cairo);
+    addLine(cairo, frame, {{0, -0.19}, {0.17, -0.19}, {0.17, 0.1}});
+    addLine(cairo, frame, {{0, -0.19}, {-0.17, -0.19}, {-0.17, 0.1}});
+    strokeRound(cairo, frame.line(0.08));
+    addLine(cairo, frame, {{-0.06, 0.1}, {-0.06, 0.42}});
+    addLine(cairo, frame, {{0.06, 0.1}, {0.06, 0.42}});
+    strokeRound(cairo, frame.line(0.095));
+}
+
+/// A screen on its foot.
+void paintDisplay(cairo_t* cairo, const Rect& box)
+{
+    SymbolFrame frame{box};
+    addRoundedPath(cairo, frame.rect(-0.43, -0.35, 0.86, 0.56), 0.07 * frame.side);
+    strokeRound(cairo, frame.line(0.075));
+    addRoundedPath(cairo, frame.rect(-0.07, 0.21, 0.14, 0.14), 0);
+    addRoundedPath(cairo, frame.rect(-0.21, 0.32, 0.42, 0.07), 0.035 * frame.side);
+    cairo_fill(cairo);
+}
+
 }
 
 void paintSymbol(cairo_t* cairo, Symbol symbol, const Rect& pixels)
@@ -181,9 +274,18 @@ void paintSymbol(cairo_t* cairo, Symbol symbol, const Rect& pixels)
     case Symbol::magnifyingGlass:
         return paintGlass(cairo, pixels);
     case Symbol::clear:
-        return paintClear(cairo, pixels);
+        return paintDiscWithout(
+            cairo, pixels, {{{-0.17, -0.17}, {0.17, 0.17}}, {{0.17, -0.17}, {-0.17, 0.17}}});
     case Symbol::appDashed:
         return paintDashed(cairo, pixels);
+    case Symbol::lockShield:
+        return paintLockShield(cairo, pixels);
+    case Symbol::figureStand:
+        return paintFigure(cairo, pixels);
+    case Symbol::display:
+        return paintDisplay(cairo, pixels);
+    case Symbol::checkmarkCircle:
+        return paintDiscWithout(cairo, pixels, {{{-0.2, 0.02}, {-0.06, 0.16}, {0.21, -0.15}}});
     }
 }
 
