@@ -5,6 +5,7 @@
 
 #include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/ButtonView.h"
+#include "Quorvel/Views/Kit/Mirrored.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
@@ -20,11 +21,6 @@ struct Style {
     static constexpr double buttonSize = 22;
     static constexpr double clearSymbolSize = 14;
 };
-
-Rect mirrored(const Rect& rect, double width)
-{
-    return {width - rect.maxX(), rect.y, rect.width, rect.height};
-}
 
 }
 

@@ -23,7 +23,7 @@ void BarHostingView::setContent(std::unique_ptr<View> content)
     m_hovered.clear();
     m_filesOver = nullptr;
     bool hadKeyboard = std::exchange(m_keyFocused, nullptr);
-    m_keyFocusBeforeMenu = nullptr;
+    m_keyFocusBefore = nullptr;
     if (m_content)
         m_content->setHost(nullptr);
     m_content = std::move(content);
@@ -59,7 +59,7 @@ void BarHostingView::viewNeedsPaint(const Rect& rect)
 void BarHostingView::viewWillVanish(const View& view)
 {
     std::erase_if(m_hovered, [&](auto* hovered) { return hovered->isWithin(view); });
-    for (auto* pointer : {&m_pressed, &m_filesOver, &m_keyFocused, &m_keyFocusBeforeMenu}) {
+    for (auto* pointer : {&m_pressed, &m_filesOver, &m_keyFocused, &m_keyFocusBefore}) {
         if (*pointer && (*pointer)->isWithin(view))
             *pointer = nullptr;
     }
@@ -257,16 +257,26 @@ void BarHostingView::keyboardDidChange(bool hasKeyboard)
         tell(hasKeyboard);
 }
 
+void BarHostingView::closeRequested()
+{
+    if (auto tell = onCloseRequested)
+        tell();
+}
+
 void BarHostingView::followKeyboard(bool hasKeyboard)
 {
     if (!hasKeyboard) {
         m_hasKeyboardForDrag = false;
+        if (m_keyboard == Keyboard::own)
+            m_keyFocusBefore = m_keyFocused; // a window goes on where it was
         return setKeyFocused(nullptr);
     }
     if (m_keyFocused || m_hasKeyboardForDrag)
         return;
-    auto* before = std::exchange(m_keyFocusBeforeMenu, nullptr);
-    setKeyFocused(before ? before : m_content ? m_content->preferredKeyView() : nullptr);
+    auto* before = std::exchange(m_keyFocusBefore, nullptr);
+    setKeyFocused(before && before->takesKeyboard() ? before
+            : m_content                             ? m_content->preferredKeyView()
+                                                    : nullptr);
     if (!m_keyFocused)
         walk(1);
 }
@@ -311,9 +321,8 @@ void BarHostingView::viewTextInputDidChange()
 
 void BarHostingView::walk(int step)
 {
-    auto views = m_content ? m_content->accessibleViews(isRightToLeft && isRightToLeft())
-                           : std::vector<View*>{};
-    std::erase_if(views, [](auto* view) { return !view->takesKeyboard(); });
+    auto views
+        = m_content ? m_content->keyViews(isRightToLeft && isRightToLeft()) : std::vector<View*>{};
     if (views.empty())
         return;
     auto found = std::find(views.begin(), views.end(), m_keyFocused);
@@ -357,7 +366,7 @@ bool BarHostingView::openMenuByKey()
     if (!view)
         return true;
     if (m_keyboard == Keyboard::borrowed)
-        m_keyFocusBeforeMenu = view;
+        m_keyFocusBefore = view;
     view->showContextMenu();
     return true;
 }
@@ -428,8 +437,8 @@ View* BarHostingView::letGoOfKeyboard()
 void BarHostingView::menuDidClose(MenuEnding ending)
 {
     if (ending != MenuEnding::escaped)
-        m_keyFocusBeforeMenu = nullptr;
-    if (m_keyFocusBeforeMenu && m_surface)
+        m_keyFocusBefore = nullptr;
+    if (m_keyFocusBefore && m_surface)
         m_surface->takeKeyboard();
 }
 

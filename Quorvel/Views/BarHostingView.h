@@ -44,6 +44,8 @@ public:
     std::function<bool()> onKeyboardWanted;
     /// The surface got the keyboard or lost it.
     std::function<void(bool)> onKeyboardChanged;
+    /// The user wants the window closed.
+    std::function<void()> onCloseRequested;
     /// Where the pointer is, in points of the surface; absent while it is elsewhere.
     const std::optional<Point>& pointer() const { return m_pointer; }
     /// Null while the keyboard is elsewhere.
@@ -60,6 +62,7 @@ private:
     bool dropEvent(const DropEvent&) override;
     bool keyPressed(const KeyEvent&) override;
     void keyboardDidChange(bool hasKeyboard) override;
+    void closeRequested() override;
     TextInputClient* textInputClient() override;
     AccessibleElement* accessibleRoot() override { return m_content.get(); }
 
@@ -101,7 +104,7 @@ private:
     ScrollGesture m_scroll;
     View* m_filesOver = nullptr;
     View* m_keyFocused = nullptr;
-    View* m_keyFocusBeforeMenu = nullptr; ///< while a menu has the keyboard
+    View* m_keyFocusBefore = nullptr; ///< while a menu or another window has the keyboard
     PointerButton m_pressedButton = PointerButton::none;
     bool m_isAbandoned = false; ///< the drag that this press began
     std::unique_ptr<View> m_content;

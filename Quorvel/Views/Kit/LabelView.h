@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "Quorvel/Platform/Text.h"
+#include "Quorvel/Views/Kit/MeasuredView.h"
 #include "Quorvel/Views/Kit/Palette.h"
-#include "Quorvel/Views/Kit/View.h"
 
 namespace quorvel {
 
 /// Text to be read, over several lines if it needs them and may have them.
-class LabelView final : public View {
+class LabelView final : public MeasuredView {
 public:
     struct Look {
         double size = 12;
@@ -36,7 +36,7 @@ public:
     void setText(std::string utf8);
     const std::string& text() const { return m_text; }
     /// Of as many lines as it takes at this width, in points.
-    double heightFor(double width) const;
+    double heightFor(double width) const override;
     /// The font changed.
     void measureAgain() { layout(); }
 

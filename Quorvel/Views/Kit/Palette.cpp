@@ -19,6 +19,7 @@ constexpr Color kBlack = Color::grey(0);
 constexpr Color kAccent{0.16, 0.42, 0.84};
 constexpr Color kAccentOnDark{0.30, 0.60, 1.0};
 constexpr Color kAttention{1.0, 0.58, 0.08};
+constexpr Color kGranted{0.18, 0.66, 0.32};
 constexpr Color kBadge{0.88, 0.19, 0.18};
 
 using Grounds = std::vector<Color>;
@@ -92,6 +93,13 @@ Palette darkPalette(bool isStrong)
     palette.menuEdge = Color::grey(isStrong ? 0.7 : 0.32);
     palette.menuSeparator = Color::grey(isStrong ? 0.7 : 0.28);
     palette.disabledText = Color::grey(isStrong ? 0.72 : 0.56);
+    palette.windowGround = Color::grey(0.14);
+    palette.windowCard = Color::grey(0.18);
+    palette.windowEdge = Color::grey(1, isStrong ? 0.6 : 0.09);
+    palette.controlFill = Color::grey(1, 0.1);
+    palette.controlHoveredFill = Color::grey(1, 0.16);
+    palette.controlPressedFill = Color::grey(1, 0.07);
+    palette.controlEdge = Color::grey(1, isStrong ? 0.7 : 0.1);
     return palette;
 }
 
@@ -118,6 +126,13 @@ Palette lightPalette(bool isStrong)
     palette.menuEdge = Color::grey(isStrong ? 0.3 : 0.72);
     palette.menuSeparator = Color::grey(isStrong ? 0.3 : 0.85);
     palette.disabledText = Color::grey(isStrong ? 0.32 : 0.44);
+    palette.windowGround = Color::grey(0.965);
+    palette.windowCard = Color::grey(1);
+    palette.windowEdge = Color::grey(0, isStrong ? 0.6 : 0.1);
+    palette.controlFill = Color::grey(0, 0.05);
+    palette.controlHoveredFill = Color::grey(0, 0.09);
+    palette.controlPressedFill = Color::grey(0, 0.15);
+    palette.controlEdge = Color::grey(0, isStrong ? 0.7 : 0.12);
     return palette;
 }
 
@@ -128,6 +143,17 @@ void setHighlight(Palette& palette, const Color& color)
     palette.highlightedText = isWhite ? kWhite : kBlack;
     palette.highlight = inkLike(
         color, isWhite ? kBlack : kWhite, {palette.highlightedText}, palette.leastContrast);
+    auto end = isWhite ? kBlack : kWhite; // away from the text
+    palette.highlightHovered = mixed(palette.highlight, end, 0.1);
+    palette.highlightPressed = mixed(palette.highlight, end, 0.22);
+}
+
+/// Text of this colour on a wash of it, on a card.
+void setMark(Color& ink, Color& fill, const Color& color, const Palette& palette, bool isDark)
+{
+    fill = color.withAlpha(isDark ? 0.18 : 0.14);
+    ink = inkLike(color, isDark ? kWhite : kBlack, laidOver({palette.windowCard}, {fill}),
+        palette.leastContrast);
 }
 
 void setBadge(Palette& palette)
@@ -157,8 +183,12 @@ Palette Palette::of(const Appearance& appearance)
     auto buttons = laidOver(
         {palette.ground}, {Color{}.withAlpha(0), palette.buttonHoveredFill, palette.focusedFill});
     palette.progress = washOf(accent, isDark ? 0.32 : 0.22, groundEnd, palette.text, chips, least);
+    palette.accentFill = accent.withAlpha(isDark ? 0.16 : 0.1);
+    auto windows = laidOver(
+        {palette.windowGround, palette.windowCard}, {Color{}.withAlpha(0), palette.accentFill});
     auto marked = chips;
     marked.insert(marked.end(), buttons.begin(), buttons.end());
+    marked.insert(marked.end(), windows.begin(), windows.end());
     palette.accent = inkLike(accent, end, marked, least);
     palette.attentionMark = inkLike(kAttention, end, marked, least);
 
@@ -174,6 +204,8 @@ Palette Palette::of(const Appearance& appearance)
 
     setHighlight(palette, appearance.accent.value_or(kAccent));
     setBadge(palette);
+    setMark(palette.granted, palette.grantedFill, kGranted, palette, isDark);
+    setMark(palette.wanting, palette.wantingFill, kAttention, palette, isDark);
     return palette;
 }
 

@@ -47,7 +47,23 @@ struct Palette {
     Color menuSeparator;
     Color disabledText;
     Color highlight;
+    Color highlightHovered;
+    Color highlightPressed;
     Color highlightedText;
+
+    // On windows, whose ground is opaque; cards lie on it, controls on either.
+    Color windowGround;
+    Color windowCard;
+    Color windowEdge; ///< of cards, and between their parts
+    Color controlFill;
+    Color controlHoveredFill;
+    Color controlPressedFill;
+    Color controlEdge;
+    Color accentFill; ///< under a symbol in the accent colour
+    Color granted; ///< of text
+    Color grantedFill;
+    Color wanting; ///< of text
+    Color wantingFill;
 };
 
 /// What is seen of a colour that lies over an opaque one.

@@ -48,19 +48,38 @@ void View::raiseChild(const View& child)
         std::rotate(found, found + 1, m_children.end());
 }
 
-std::vector<View*> View::accessibleViews(bool isRightToLeft) const
+std::vector<View*> View::orderedChildren(bool isRightToLeft) const
 {
     std::vector<View*> ordered;
-    for (auto& child : m_children)
-        ordered.push_back(child.get());
+    for (auto& child : m_children) {
+        if (!child->frame().isEmpty())
+            ordered.push_back(child.get());
+    }
     std::ranges::stable_sort(ordered, {}, [&](auto* child) {
         auto& frame = child->frame();
         return isColumn() ? frame.y : isRightToLeft ? -frame.maxX() : frame.x;
     });
+    return ordered;
+}
+
+std::vector<View*> View::keyViews(bool isRightToLeft) const
+{
     std::vector<View*> views;
-    for (auto* child : ordered) {
-        if (child->frame().isEmpty())
+    for (auto* child : orderedChildren(isRightToLeft)) {
+        if (child->takesKeyboard()) {
+            views.push_back(child);
             continue;
+        }
+        auto below = child->keyViews(isRightToLeft);
+        views.insert(views.end(), below.begin(), below.end());
+    }
+    return views;
+}
+
+std::vector<View*> View::accessibleViews(bool isRightToLeft) const
+{
+    std::vector<View*> views;
+    for (auto* child : orderedChildren(isRightToLeft)) {
         if (child->isAccessible()) {
             views.push_back(child);
             continue;

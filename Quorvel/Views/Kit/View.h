@@ -140,6 +140,8 @@ public:
     bool takeAccessibleFocus() override;
     /// The descendants with a meaning of their own, in the order in which they are read.
     std::vector<View*> accessibleViews(bool isRightToLeft = false) const;
+    /// The descendants where the keyboard walk stops, in its order.
+    std::vector<View*> keyViews(bool isRightToLeft = false) const;
 
     /// Whether the keyboard walk stops here.
     virtual bool takesKeyboard() const { return isAccessible(); }
@@ -180,6 +182,8 @@ protected:
 private:
     void adopt(std::unique_ptr<View>);
     void paintChildren(Canvas&, const Rect& damage, bool areLifted) const;
+    /// Those with a place, in the order in which they are read.
+    std::vector<View*> orderedChildren(bool isRightToLeft) const;
 
     View* m_parent = nullptr;
     ViewHost* m_host = nullptr;

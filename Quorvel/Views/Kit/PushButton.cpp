@@ -1,0 +1,112 @@
+#include "Quorvel/Views/Kit/PushButton.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "Quorvel/Platform/Text.h"
+#include "Quorvel/Views/Kit/Palette.h"
+
+namespace quorvel {
+
+namespace {
+
+struct Style {
+    static constexpr double fontSize = 13;
+    static constexpr double radius = 6;
+    static constexpr double padding = 14; ///< before and after the title
+    static constexpr double leastWidth = 80;
+};
+
+}
+
+PushButton::PushButton(const Text& text, const Palette& palette, Kind kind, std::string id)
+    : ButtonView(palette)
+    , m_measure(text)
+    , m_kind(kind)
+    , m_id(std::move(id))
+{
+}
+
+void PushButton::setTitle(std::string title)
+{
+    set(m_title, std::move(title));
+}
+
+void PushButton::setEnabled(bool isEnabled)
+{
+    if (!isEnabled)
+        setPressed(false);
+    set(m_isEnabled, isEnabled);
+}
+
+double PushButton::idealWidth() const
+{
+    TextStyle style;
+    style.size = Style::fontSize;
+    double title = m_measure.measure(m_title, style).width;
+    return std::max(Style::leastWidth, std::ceil(title + 2 * Style::padding));
+}
+
+void PushButton::pressed(PointerButton button)
+{
+    if (m_isEnabled)
+        ButtonView::pressed(button);
+}
+
+void PushButton::clicked(PointerButton button)
+{
+    if (m_isEnabled)
+        ButtonView::clicked(button);
+}
+
+bool PushButton::performAccessibleAction(std::size_t action)
+{
+    return m_isEnabled && ButtonView::performAccessibleAction(action);
+}
+
+void PushButton::setKeyFocused(bool isFocused)
+{
+    ButtonView::setKeyFocused(isFocused);
+    invalidate(bounds().inset(-kRing, -kRing));
+}
+
+AccessibleState PushButton::accessibleState() const
+{
+    auto state = buttonState(m_title, "Press");
+    state.isEnabled = m_isEnabled;
+    return state;
+}
+
+Color PushButton::face() const
+{
+    auto& colors = palette();
+    bool isDown = isPressed() && isHovered();
+    if (m_kind == Kind::prominent)
+        return isDown     ? colors.highlightPressed
+            : isHovered() ? colors.highlightHovered
+                          : colors.highlight;
+    return isDown     ? colors.controlPressedFill
+        : isHovered() ? colors.controlHoveredFill
+                      : colors.controlFill;
+}
+
+void PushButton::paint(Canvas& canvas) const
+{
+    auto& colors = palette();
+    bool isProminent = m_kind == Kind::prominent && m_isEnabled;
+    if (m_isEnabled)
+        canvas.fillRounded(bounds(), Style::radius, face());
+    if (!isProminent || colors.hasEdges)
+        canvas.strokeRounded(bounds(), Style::radius, 1, colors.controlEdge);
+    canvas.drawText(m_title, bounds(),
+        {.size = Style::fontSize,
+            .color = !m_isEnabled ? colors.disabledText
+                : isProminent     ? colors.highlightedText
+                                  : colors.text,
+            .alignment = TextAlignment::centre});
+    if (hasKeyFocus())
+        paintKeyFocus(canvas, bounds().inset(-kRing, -kRing), Style::radius + kRing, colors);
+}
+
+}
