@@ -1,5 +1,6 @@
 #include "Quorvel/CommandLine.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "Quorvel/Version.h"
@@ -56,12 +57,35 @@ bool isComplete(const std::vector<std::string>& request)
         || (request.size() == 2 && request[1].find('=') != std::string::npos);
 }
 
+/// What a rehearsal begins with: of "--show-permissions-gate=accessibility,screen-recording" the
+/// part behind the name. Absent for any other text.
+std::optional<LaunchPermissionsState> granted(std::string_view text)
+{
+    if (text.empty())
+        return LaunchPermissionsState{};
+    if (!text.starts_with('='))
+        return {};
+    LaunchPermissionsState state;
+    for (text.remove_prefix(1); !text.empty();) {
+        auto word = text.substr(0, text.find(','));
+        if (word == "accessibility")
+            state.accessibilityGranted = true;
+        else if (word == "screen-recording")
+            state.screenRecordingGranted = true;
+        else
+            return {};
+        text.remove_prefix(std::min(text.size(), word.size() + 1));
+    }
+    return state;
+}
+
 }
 
 std::variant<CommandLine, ControlReply> CommandLine::parse(
     const std::vector<std::string>& arguments)
 {
     constexpr std::string_view traceTo = "--trace=";
+    constexpr std::string_view showGate = "--show-permissions-gate";
     CommandLine line;
     for (auto& argument : arguments) {
         if (continues(line.request, argument)) {
@@ -78,6 +102,9 @@ std::variant<CommandLine, ControlReply> CommandLine::parse(
             line.traceFile = "";
         } else if (argument.starts_with(traceTo) && argument.size() > traceTo.size()) {
             line.traceFile = argument.substr(traceTo.size());
+        } else if (argument.starts_with(showGate)
+            && (line.permissionsRehearsal = granted(argument.substr(showGate.size())))) {
+            continue;
         } else if (isRequest(argument) && line.request.empty()) {
             line.action = Action::ask;
             line.request = {argument};
@@ -87,7 +114,7 @@ std::variant<CommandLine, ControlReply> CommandLine::parse(
     }
     if (!isComplete(line.request))
         return mistake("--set takes FIELD=VALUE");
-    if (line.action == Action::ask && (line.replace || line.traceFile))
+    if (line.action == Action::ask && (line.replace || line.traceFile || line.permissionsRehearsal))
         return mistake(line.request.front() + " goes alone");
     return line;
 }

@@ -5,6 +5,7 @@
 #include <variant>
 #include <vector>
 
+#include "Quorvel/Core/LaunchPermissionsState.h"
 #include "Quorvel/Platform/ControlChannel.h"
 
 namespace quorvel {
@@ -21,6 +22,9 @@ struct CommandLine {
     /// Where the trace goes: a file, or standard error if the text is empty; absent: no trace.
     std::optional<std::string> traceFile;
     std::vector<std::string> request;
+    /// For developers, where the system grants everything: what is granted as the way through the
+    /// permissions begins.
+    std::optional<LaunchPermissionsState> permissionsRehearsal;
 
     /// The request, or what to print and exit with at once (help, version, a mistake).
     static std::variant<CommandLine, ControlReply> parse(const std::vector<std::string>& arguments);

@@ -7,6 +7,7 @@
 #include "Quorvel/Core/DockController.h"
 #include "Quorvel/Core/HotkeyManager.h"
 #include "Quorvel/Core/NumberKeys.h"
+#include "Quorvel/Core/PermissionsRehearsal.h"
 #include "Quorvel/Core/SettingsPresenter.h"
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UpdaterService.h"
@@ -22,6 +23,7 @@
 #include "Quorvel/Skylight/WindowStore.h"
 #include "Quorvel/StateReport.h"
 #include "Quorvel/Views/BarViews.h"
+#include "Quorvel/Views/PermissionsGateWindowController.h"
 
 namespace quorvel {
 
@@ -189,22 +191,32 @@ AXObserverManager& Runtime::axManager()
 
 // MARK: LaunchCoordinator
 
-LaunchCoordinator::LaunchCoordinator(const Platform& platform)
+LaunchCoordinator::LaunchCoordinator(
+    const Platform& platform, std::unique_ptr<LaunchPermissionCenter> permissions)
     : app(platform.application)
     , m_platform(platform)
+    , m_permissions(std::move(permissions))
 {
 }
 
+LaunchCoordinator::~LaunchCoordinator() = default;
+
 bool LaunchCoordinator::arePermissionsGranted() const
 {
-    return m_platform.accessibility.isTrusted() && m_platform.screenCapture.preflightAccess();
+    return m_permissions->currentState().areAllGranted();
 }
 
 void LaunchCoordinator::showPermissionsGate()
 {
     m_permissionsController
-        = std::make_unique<PermissionsGate>(m_platform.dispatch, m_platform.accessibility,
-            m_platform.screenCapture, [this] { startMainRuntimeIfPossible(); });
+        = std::make_unique<PermissionsGateWindowController>(m_platform, *m_permissions);
+    m_permissionsController->onContinue = [this] {
+        startMainRuntimeIfPossible();
+        // One of them was taken back just now, when the window had closed.
+        if (!didStartMainRuntime)
+            m_permissionsController->show();
+    };
+    m_permissionsController->onQuit = [this] { app.terminate(); };
     m_permissionsController->show();
 }
 
@@ -212,29 +224,45 @@ void LaunchCoordinator::startMainRuntimeIfPossible()
 {
     if (didStartMainRuntime || !arePermissionsGranted())
         return;
-    m_permissionsController.reset();
+    if (auto controller = std::move(m_permissionsController))
+        controller->close();
     didStartMainRuntime = true;
     QuorvelApp::startMainRuntime(app);
 }
 
 // MARK: QuorvelApp
 
-int QuorvelApp::main(const Platform& platform)
+namespace {
+
+std::unique_ptr<LaunchPermissionCenter> makePermissionCenter(
+    const Platform& platform, const QuorvelApp::Rehearsal& rehearsal)
+{
+    if (rehearsal)
+        return std::make_unique<PermissionsRehearsal>(
+            *rehearsal, platform.accessibility, platform.screenCapture, platform.workspace);
+    return std::make_unique<LaunchPermissionCenter>(
+        platform.accessibility, platform.screenCapture, platform.workspace);
+}
+
+}
+
+int QuorvelApp::main(const Platform& platform, const Rehearsal& rehearsal)
 {
     Runtime runtime(platform);
-    launch(runtime);
+    launch(runtime, rehearsal);
     return platform.application.run();
 }
 
-void QuorvelApp::launch(Runtime& runtime)
+void QuorvelApp::launch(Runtime& runtime, const Rehearsal& rehearsal)
 {
     auto& platform = runtime.m_platform;
     platform.application.setActivationPolicy(ActivationPolicy::accessory);
     runtime.userSettings();
     runtime.dockController();
     answerRequests(runtime);
-    runtime.m_coordinator = std::make_unique<LaunchCoordinator>(platform);
-    if (runtime.m_coordinator->arePermissionsGranted())
+    runtime.m_coordinator
+        = std::make_unique<LaunchCoordinator>(platform, makePermissionCenter(platform, rehearsal));
+    if (!rehearsal && runtime.m_coordinator->arePermissionsGranted())
         runtime.m_coordinator->startMainRuntimeIfPossible();
     else
         runtime.m_coordinator->showPermissionsGate();

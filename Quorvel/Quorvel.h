@@ -3,10 +3,11 @@
 #include <array>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <vector>
 
-#include "Quorvel/Core/PermissionsGate.h"
+#include "Quorvel/Core/LaunchPermissionsState.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Platform/Published.h"
@@ -23,7 +24,9 @@ class BarViews;
 class DockController;
 class HotkeyManager;
 class LaunchCoordinator;
+class LaunchPermissionCenter;
 class NumberKeys;
+class PermissionsGateWindowController;
 class SettingsPresenter;
 class ThumbnailService;
 class UpdaterService;
@@ -87,10 +90,14 @@ public:
     /// Activating one of these never starts window tracking.
     static constexpr auto excludedBootstrapBundleIDs = kSystemBundleIdentifiers;
 
+    /// What the user has granted, for a rehearsal of the way through the permissions: it is shown
+    /// in any case, begins there, and grants whatever it is asked for.
+    using Rehearsal = std::optional<LaunchPermissionsState>;
+
     /// Runs the program until it is terminated; returns the exit status.
-    static int main(const Platform&);
+    static int main(const Platform&, const Rehearsal& = {});
     /// Everything `main` does before the event loop.
-    static void launch(Runtime&);
+    static void launch(Runtime&, const Rehearsal& = {});
 
     static WindowStore& windowStore() { return Runtime::current().windowStore(); }
     static AXObserverManager& axManager() { return Runtime::current().axManager(); }
@@ -114,7 +121,8 @@ private:
 /// Starts the runtime exactly once, as soon as the user has granted both permissions.
 class LaunchCoordinator {
 public:
-    explicit LaunchCoordinator(const Platform&);
+    LaunchCoordinator(const Platform&, std::unique_ptr<LaunchPermissionCenter>);
+    ~LaunchCoordinator();
 
     void startMainRuntimeIfPossible();
     void showPermissionsGate();
@@ -124,8 +132,9 @@ public:
     bool didStartMainRuntime = false;
 
 private:
-    Platform m_platform;
-    std::unique_ptr<PermissionsGate> m_permissionsController;
+    const Platform m_platform;
+    const std::unique_ptr<LaunchPermissionCenter> m_permissions;
+    std::unique_ptr<PermissionsGateWindowController> m_permissionsController;
 };
 
 }

@@ -1,5 +1,8 @@
 #include "Quorvel/Views/Kit/Palette.h"
 
+#include "Quorvel/Core/LaunchPermissionCenter.h"
+#include "Quorvel/Core/PermissionsGateModel.h"
+#include "Quorvel/Views/PermissionsGatePanel.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -80,7 +83,20 @@ TEST_F(PaletteTest, textAndMarksStandOutInEveryLook)
     panel().press(middleOf(inbox), PointerButton::secondary);
     desktop.surfaces().menu()->pressKey(KeyCode::down);
     everyLook([&] { return desktop.surfaces().menus(); });
-    for (auto* what : {"Inbox", "Draft", "Notes", "3", "1", "mark", "ring", "symbol"})
+    desktop.screenCapture().setAllowed(false);
+    auto& platform = runtime->platform();
+    LaunchPermissionCenter center{
+        platform.accessibility, platform.screenCapture, platform.workspace};
+    PermissionsGateModel model{platform.dispatch, center};
+    model.refresh();
+    PermissionsGatePanel gate{platform, model};
+    gate.show();
+    everyLook([&] { return std::vector{desktop.surfaces().window()}; });
+    desktop.screenCapture().setAllowed(true);
+    model.refresh();
+    everyLook([&] { return std::vector{desktop.surfaces().window()}; });
+    for (auto* what : {"Granted", "Required", "Continue", "Inbox", "Draft", "Notes", "3", "1",
+             "mark", "ring", "symbol"})
         EXPECT_GT(checked[what], 0) << what;
 }
 

@@ -32,34 +32,11 @@ TEST_F(QuorvelAppTest, withBothPermissionsTheBarHasItsWindowsBeforeAnyTimePasses
     EXPECT_TRUE(isRunning());
     EXPECT_EQ(desktop.accessibility().prompts(), 0);
     EXPECT_EQ(desktop.screenCapture().requests(), 0);
+    EXPECT_EQ(desktop.surfaces().window(), nullptr);
     EXPECT_THAT(chipTexts(), ElementsAre("Inbox"));
     for (auto policy : desktop.program().policies())
         EXPECT_EQ(policy, ActivationPolicy::accessory);
     EXPECT_THAT(desktop.program().policies(), Not(IsEmpty()));
-}
-
-TEST_F(QuorvelAppTest, theRuntimeWaitsForTheSecondPermissionAndStartsOnce)
-{
-    desktop.accessibility().setTrusted(false);
-    desktop.screenCapture().setAllowed(false);
-    launchOnly();
-    desktop.advance(seconds(5));
-    EXPECT_FALSE(isRunning());
-    EXPECT_EQ(desktop.accessibility().prompts(), 1);
-    EXPECT_EQ(desktop.screenCapture().requests(), 1);
-
-    desktop.accessibility().setTrusted(true);
-    desktop.advance(seconds(5));
-    EXPECT_FALSE(isRunning());
-    EXPECT_THAT(desktop.surfaces().panels(), IsEmpty());
-
-    desktop.screenCapture().setAllowed(true);
-    desktop.advance(seconds(5));
-    ASSERT_TRUE(isRunning());
-    auto panelsMade = desktop.surfaces().panelsMade();
-    desktop.advance(seconds(60));
-    EXPECT_EQ(desktop.surfaces().panelsMade(), panelsMade);
-    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "nobody looks for permissions any more";
 }
 
 // MARK: Applications come and go
@@ -242,7 +219,9 @@ TEST_F(QuorvelAppTest, laterInvocationsAreAnswered)
     launchOnly();
     EXPECT_EQ(desktop.control().send({"--state"})->exitStatus, 1);
     desktop.accessibility().setTrusted(true);
-    desktop.advance(seconds(2));
+    desktop.advance(seconds(1));
+    desktop.surfaces().window()->pressKey(KeyCode::enter);
+    desktop.advance(seconds(1));
 
     auto state = desktop.control().send({"--state"});
     ASSERT_TRUE(state);

@@ -52,7 +52,7 @@ std::optional<std::string> applicationSupportFolder()
     return fromSystem(folder.path);
 }
 
-int runBar(ControlChannel& control, Trace& trace)
+int runBar(const CommandLine& line, ControlChannel& control, Trace& trace)
 {
     const PrivateSymbols symbols = PrivateSymbols::load();
     MacApplication application;
@@ -72,26 +72,28 @@ int runBar(ControlChannel& control, Trace& trace)
     MacLaunchServices launchServices{symbols};
     MacDockControl dock{symbols};
     const std::unique_ptr<MacUpdater> updater = MacUpdater::load();
-    return QuorvelApp::main({
-        .dispatch = dispatch,
-        .accessibility = accessibility,
-        .windowServer = windowServer,
-        .displays = displays,
-        .workspace = workspace,
-        .bundles = bundles,
-        .fileEvents = fileEvents,
-        .screenCapture = screenCapture,
-        .application = application,
-        .surfaces = surfaces,
-        .text = text,
-        .control = control,
-        .files = files,
-        .loginItem = loginItem,
-        .launchServices = launchServices,
-        .trace = trace,
-        .dockControl = MacDockControl::isAvailable(symbols) ? &dock : nullptr,
-        .updater = updater.get(),
-    });
+    return QuorvelApp::main(
+        {
+            .dispatch = dispatch,
+            .accessibility = accessibility,
+            .windowServer = windowServer,
+            .displays = displays,
+            .workspace = workspace,
+            .bundles = bundles,
+            .fileEvents = fileEvents,
+            .screenCapture = screenCapture,
+            .application = application,
+            .surfaces = surfaces,
+            .text = text,
+            .control = control,
+            .files = files,
+            .loginItem = loginItem,
+            .launchServices = launchServices,
+            .trace = trace,
+            .dockControl = MacDockControl::isAvailable(symbols) ? &dock : nullptr,
+            .updater = updater.get(),
+        },
+        line.permissionsRehearsal);
 }
 
 }

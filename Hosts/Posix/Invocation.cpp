@@ -13,7 +13,6 @@
 #include "Hosts/Posix/ControlLock.h"
 #include "Hosts/Posix/ControlSocket.h"
 #include "Hosts/Posix/StandardStreams.h"
-#include "Quorvel/CommandLine.h"
 
 namespace quorvel::posix {
 
@@ -131,7 +130,7 @@ int becomeAndRun(const CommandLine& line, const InvocationHost& host)
     auto control = ControlSocket::open(*address, std::move(*lock), host.loop, problem);
     if (!control || (host.claim && !host.claim(line.replace, problem)))
         return failWith(problem);
-    return host.run(*control, trace);
+    return host.run(line, *control, trace);
 }
 
 }

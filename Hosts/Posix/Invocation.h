@@ -7,6 +7,7 @@
 
 #include "Hosts/Posix/ControlAddress.h"
 #include "Hosts/Posix/HostLoop.h"
+#include "Quorvel/CommandLine.h"
 #include "Quorvel/Platform/ControlChannel.h"
 #include "Quorvel/Platform/Trace.h"
 
@@ -24,7 +25,7 @@ struct InvocationHost {
     /// that one is told to exit if `replace`. Else false with a one-line problem.
     std::function<bool(bool replace, std::string& problem)> claim;
     /// Runs the bar until it exits; returns the exit status.
-    std::function<int(ControlChannel&, Trace&)> run;
+    std::function<int(const CommandLine&, ControlChannel&, Trace&)> run;
 };
 
 /// Does what the arguments (without the program's name) ask for: prints something, sends a request

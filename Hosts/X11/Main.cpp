@@ -61,7 +61,7 @@ void goHome()
         posix::tell("cannot enter " + homeFolder());
 }
 
-int runBar(Display display, ControlChannel& control, Trace& trace)
+int runBar(Display display, const CommandLine& line, ControlChannel& control, Trace& trace)
 {
     goHome();
     GLibDispatch dispatch;
@@ -83,26 +83,28 @@ int runBar(Display display, ControlChannel& control, Trace& trace)
     posix::PosixFiles files{{configurationFolder(), /*keepsRejectedFiles=*/true}};
     SettingsProgram settingsWindow{desktop.launchTokens(), dispatch, SettingsProgram::ownFolder()};
     AutostartItem loginItem{files, AutostartItem::userFile(), AutostartItem::runningProgram()};
-    return QuorvelApp::main({
-        .dispatch = dispatch,
-        .accessibility = desktop.accessibility(),
-        .windowServer = desktop.windowServer(),
-        .displays = desktop.displays(),
-        .workspace = desktop.workspace(),
-        .bundles = bundles,
-        .fileEvents = fileEvents,
-        .screenCapture = screenCapture,
-        .application = application,
-        .surfaces = surfaces,
-        .text = surfaces.text(),
-        .control = control,
-        .files = files,
-        .loginItem = loginItem,
-        .launchServices = desktop.launchServices(),
-        .trace = trace,
-        .hotkeys = &surfaces.hotkeys(),
-        .settingsWindow = &settingsWindow,
-    });
+    return QuorvelApp::main(
+        {
+            .dispatch = dispatch,
+            .accessibility = desktop.accessibility(),
+            .windowServer = desktop.windowServer(),
+            .displays = desktop.displays(),
+            .workspace = desktop.workspace(),
+            .bundles = bundles,
+            .fileEvents = fileEvents,
+            .screenCapture = screenCapture,
+            .application = application,
+            .surfaces = surfaces,
+            .text = surfaces.text(),
+            .control = control,
+            .files = files,
+            .loginItem = loginItem,
+            .launchServices = desktop.launchServices(),
+            .trace = trace,
+            .hotkeys = &surfaces.hotkeys(),
+            .settingsWindow = &settingsWindow,
+        },
+        line.permissionsRehearsal);
 }
 
 }
@@ -124,8 +126,8 @@ int main(int count, char** values)
         display.claim = xdg::x11::DisplayClaim::take(*display.connection, replace, problem);
         return display.claim != nullptr;
     };
-    auto run = [&](ControlChannel& control, Trace& trace) {
-        return xdg::x11::runBar(std::move(display), control, trace);
+    auto run = [&](const CommandLine& line, ControlChannel& control, Trace& trace) {
+        return xdg::x11::runBar(std::move(display), line, control, trace);
     };
     return posix::invoke({values + 1, values + count},
         {xdg::x11::addressOfDisplay, xdg::hostLoop(), open, claim, run});

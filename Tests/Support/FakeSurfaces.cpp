@@ -271,6 +271,17 @@ bool FakePanel::dragFiles(DropAction action, Point at, std::vector<std::string> 
     return m_client.dropEvent({action, at, std::move(paths)});
 }
 
+std::vector<AccessibleElement*> FakePanel::elements() const
+{
+    std::vector<AccessibleElement*> found{accessibleRoot()};
+    for (std::size_t next = 0; next < found.size(); ++next) {
+        auto below = found[next]->accessibleChildren();
+        found.insert(
+            found.begin() + static_cast<std::ptrdiff_t>(next) + 1, below.begin(), below.end());
+    }
+    return found;
+}
+
 FakeSurfaces::FakeSurfaces(FakeDesktop& desktop)
     : m_desktop(desktop)
     , m_clipboard(desktop.dispatch())

@@ -96,6 +96,8 @@ public:
     void setModifiers(std::uint64_t modifiers) { m_modifiers = modifiers; }
     bool dragFiles(DropAction, Point, std::vector<std::string> paths = {});
     AccessibleElement* accessibleRoot() const { return m_client.accessibleRoot(); }
+    /// Of the whole panel, as a screen reader comes by them.
+    std::vector<AccessibleElement*> elements() const;
 
 private:
     void send(PointerAction, Point, PointerButton = PointerButton::none);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -86,18 +85,7 @@ struct LauncherFixture : BarFixture {
         launcher().click(rowFrame(id, section).centre(), PointerButton::secondary);
         desktop.drain();
     }
-    /// Of the whole panel, as a screen reader comes by them.
-    std::vector<AccessibleElement*> elements()
-    {
-        std::vector<AccessibleElement*> found;
-        std::function<void(AccessibleElement&)> visit = [&](AccessibleElement& element) {
-            found.push_back(&element);
-            for (auto* child : element.accessibleChildren())
-                visit(*child);
-        };
-        visit(*launcher().accessibleRoot());
-        return found;
-    }
+    std::vector<AccessibleElement*> elements() { return launcher().elements(); }
     std::vector<std::string> opened() { return desktop.workspace().opened(); }
     bool says(const std::string& text) { return launcher().render().text(text) != nullptr; }
 };

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Quorvel/Platform/Text.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
@@ -73,7 +74,7 @@ void PushButton::setKeyFocused(bool isFocused)
 
 AccessibleState PushButton::accessibleState() const
 {
-    auto state = buttonState(m_title, "Press");
+    auto state = buttonState(m_title, tr("Press"));
     state.isEnabled = m_isEnabled;
     return state;
 }

@@ -182,7 +182,7 @@ Frame Desktop::workArea()
     return {at(0), at(1), at(2), at(3)};
 }
 
-Frame Desktop::frame(xcb_window_t window)
+Frame Desktop::contentFrame(xcb_window_t window)
 {
     auto* const connection = m_connection.get();
     const auto geometry
@@ -191,11 +191,19 @@ Frame Desktop::frame(xcb_window_t window)
         xcb_translate_coordinates(connection, window, m_connection.root(), 0, 0));
     if (!geometry || !place)
         return {};
+    return {place->dst_x, place->dst_y, geometry->width, geometry->height};
+}
+
+Frame Desktop::frame(xcb_window_t window)
+{
+    const auto content = contentFrame(window);
     auto extents = m_connection.numbers(window, "_NET_FRAME_EXTENTS");
     extents.resize(4); // left, right, top, bottom
     const auto extent = [&](std::size_t index) { return static_cast<int>(extents[index]); };
-    return {place->dst_x - extent(0), place->dst_y - extent(2),
-        geometry->width + extent(0) + extent(1), geometry->height + extent(2) + extent(3)};
+    return content == Frame{}
+        ? Frame{}
+        : Frame{content.x - extent(0), content.y - extent(2), content.width + extent(0) + extent(1),
+            content.height + extent(2) + extent(3)};
 }
 
 xcb_window_t Desktop::windowAt(int x, int y)

@@ -49,6 +49,8 @@ public:
     Frame workArea();
     /// Place and size with the manager's decoration, in pixels of the screen.
     Frame frame(xcb_window_t);
+    /// The same without the decoration.
+    Frame contentFrame(xcb_window_t);
     /// The uppermost window there that takes the pointer, a manager's frame with what is in it.
     xcb_window_t windowAt(int x, int y);
     /// What the screen shows there.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <iterator>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -116,23 +117,46 @@ bool ScreenReader::hasHeard(const std::string& event, const std::string& text)
     });
 }
 
-std::vector<ScreenReader::Element> ScreenReader::elementsOf(const std::string& program) const
+ScreenReader::Element ScreenReader::surfaceOf(const std::string& program) const
 {
     const auto application = programNamed(program);
     if (!application)
-        return {};
+        return nullptr;
     for (auto& surface : childrenOf(application.get())) {
         if (has(surface, ATSPI_STATE_SHOWING))
-            return childrenOf(surface.get());
+            return std::move(surface);
     }
-    return {};
+    return nullptr;
+}
+
+std::vector<ScreenReader::Element> ScreenReader::elementsOf(const std::string& program) const
+{
+    const auto surface = surfaceOf(program);
+    return surface ? childrenOf(surface.get()) : std::vector<Element>{};
 }
 
 ScreenReader::Element ScreenReader::find(const std::string& program, const std::string& text) const
 {
-    for (auto& element : elementsOf(program)) {
-        if (name(element).find(text) != std::string::npos)
-            return std::move(element);
+    return first(
+        program, [&](const std::string& name) { return name.find(text) != std::string::npos; });
+}
+
+ScreenReader::Element ScreenReader::named(const std::string& program, const std::string& name) const
+{
+    return first(program, [&](const std::string& candidate) { return candidate == name; });
+}
+
+template <typename Condition>
+ScreenReader::Element ScreenReader::first(const std::string& program, Condition condition) const
+{
+    for (auto level = elementsOf(program); !level.empty();) {
+        std::vector<Element> below;
+        for (auto& element : level) {
+            if (condition(name(element)))
+                return std::move(element);
+            std::ranges::move(childrenOf(element.get()), std::back_inserter(below));
+        }
+        level = std::move(below);
     }
     return nullptr;
 }

@@ -30,10 +30,15 @@ public:
 
     /// Whether this was announced, by now, of something with this text in its name.
     bool hasHeard(const std::string& event, const std::string& text);
-    /// What is on the surface of the program that is seen, in order; empty if there is none.
+    /// The surface of the program that is seen; null if there is none.
+    Element surfaceOf(const std::string& program) const;
+    /// What is directly on it, in order; empty if there is none.
     std::vector<Element> elementsOf(const std::string& program) const;
-    /// The one whose name contains the text; null if there is none.
+    /// The first one on it whose name contains the text, what is in others last; null if there is
+    /// none.
     Element find(const std::string& program, const std::string& text) const;
+    /// The same for the first one that has just this name.
+    Element named(const std::string& program, const std::string& name) const;
 
     /// Of the text field of that name, wherever it is; empty if there is none.
     std::string text(const std::string& program, const std::string& fieldName) const;
@@ -58,6 +63,7 @@ private:
         std::string name; ///< of what it is about
     };
 
+    template <typename Condition> Element first(const std::string& program, Condition) const;
     Element field(const std::string& program, const std::string& fieldName) const;
     static void onEvent(AtspiEvent*, void* self);
     GVariant* call(const char* name, const char* path, const char* interface, const char* member,
