@@ -55,6 +55,7 @@ TEST_F(BarMenuTest, theSettingsAreOpenedFromBothMenusAndTheCommandLine)
     window.didFail.emit();
     EXPECT_THAT(panel().render().texts(), Contains("The settings could not be opened"));
     runtime.reset();
+    EXPECT_FALSE(window.source()) << "it would show what is gone";
     desktop.removeSettingsWindow();
     start();
     openBarMenu();

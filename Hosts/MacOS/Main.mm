@@ -3,6 +3,7 @@
 #include "Hosts/MacOS/MacApplication.h"
 #include "Hosts/MacOS/MacBundles.h"
 #include "Hosts/MacOS/MacLoginItem.h"
+#include "Hosts/MacOS/MacSettingsWindow.h"
 #include "Hosts/MacOS/MacSurfaces.h"
 #include "Hosts/MacOS/MacUpdater.h"
 #include "Hosts/MacOS/MacWindowCapture.h"
@@ -21,6 +22,7 @@
 #include "Hosts/Posix/PosixFiles.h"
 #include "Hosts/Posix/StandardStreams.h"
 #include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Quorvel.h"
 
 namespace quorvel {
@@ -52,6 +54,20 @@ std::optional<std::string> applicationSupportFolder()
     return fromSystem(folder.path);
 }
 
+/// From the tables of the bundle, in the first of the user's languages that it has.
+std::string localized(const char* english)
+{
+    return fromSystem([NSBundle.mainBundle localizedStringForKey:toSystem(english)
+                                                           value:nil
+                                                           table:nil]);
+}
+
+/// English has two forms, and so has a table of texts: languages with more need another.
+std::string localizedPlural(const char* one, const char* many, std::size_t count)
+{
+    return localized(count == 1 ? one : many);
+}
+
 int runBar(const CommandLine& line, ControlChannel& control, Trace& trace)
 {
     const PrivateSymbols symbols = PrivateSymbols::load();
@@ -70,6 +86,7 @@ int runBar(const CommandLine& line, ControlChannel& control, Trace& trace)
     posix::PosixFiles files{{applicationSupportFolder(), /*keepsRejectedFiles=*/false}};
     MacLoginItem loginItem;
     MacLaunchServices launchServices{symbols};
+    MacSettingsWindow settingsWindow;
     MacDockControl dock{symbols};
     const std::unique_ptr<MacUpdater> updater = MacUpdater::load();
     return QuorvelApp::main(
@@ -92,6 +109,7 @@ int runBar(const CommandLine& line, ControlChannel& control, Trace& trace)
             .trace = trace,
             .dockControl = MacDockControl::isAvailable(symbols) ? &dock : nullptr,
             .updater = updater.get(),
+            .settingsWindow = &settingsWindow,
         },
         line.permissionsRehearsal);
 }
@@ -104,6 +122,7 @@ int main(int count, char** values)
 {
     @autoreleasepool {
         quorvel::posix::secureStandardStreams();
+        quorvel::Translator::current() = {quorvel::localized, quorvel::localizedPlural};
         return quorvel::posix::invoke(quorvel::withoutSystemArguments({values + 1, values + count}),
             {quorvel::barAddress, quorvel::hostLoop(), {}, {}, quorvel::runBar});
     }

@@ -10,6 +10,12 @@ SettingsPresenter::SettingsPresenter(
 {
 }
 
+SettingsPresenter::~SettingsPresenter()
+{
+    if (m_window)
+        m_window->close();
+}
+
 SettingsModel& SettingsPresenter::model()
 {
     if (!m_model)

@@ -14,6 +14,9 @@ public:
     /// Where the system has no window for them, the second is null, and only other programs can
     /// show them. All it is given outlives it.
     SettingsPresenter(const SettingsSubjects&, SettingsWindow*, ControlChannel&);
+    ~SettingsPresenter();
+    SettingsPresenter(const SettingsPresenter&) = delete;
+    SettingsPresenter& operator=(const SettingsPresenter&) = delete;
 
     /// Shows the window, or raises the one that is there. False if it cannot be shown.
     bool show();

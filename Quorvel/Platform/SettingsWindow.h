@@ -33,9 +33,11 @@ public:
     virtual ~SettingsWindow() = default;
 
     /// Shows the window, or raises the one that is there. A host whose window is a program of its
-    /// own starts it: the program asks over the control channel what to show. The source lives as
-    /// long as the bar runs. False if it is plain that the window cannot be shown.
+    /// own starts it: the program asks over the control channel what to show. The source lives
+    /// until `close`. False if it is plain that the window cannot be shown.
     virtual bool show(SettingsSource&) = 0;
+    /// Closes a window of this process, and forgets the source.
+    virtual void close() = 0;
 
     /// It could not be shown, which has been reported on standard error by then.
     Signal<> didFail;

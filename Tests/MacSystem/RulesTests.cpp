@@ -7,6 +7,7 @@
 #include "Hosts/MacOS/Rules/PanelTraits.h"
 #include "Hosts/MacOS/Rules/PointerSession.h"
 #include "Hosts/MacOS/Rules/ProgramArguments.h"
+#include "Hosts/MacOS/Rules/SettingsControls.h"
 #include "Tests/MacSystem/Support/MacFixture.h"
 
 namespace quorvel::test {
@@ -286,6 +287,39 @@ TEST_F(MacRulesTest, keysReachTheFieldOrThePanelTheyAreFor)
     EXPECT_FALSE((KeyRoute{true, true, true}.asksClientFirst()));
     EXPECT_FALSE((KeyRoute{true, false, false}.asksClientFirst()));
     EXPECT_FALSE((KeyRoute{false, true, false}.asksClientFirst()));
+}
+
+// Faults: controls made anew under the user's pointer for each change of a value; a row that shows
+// another's; something dropped one place too far.
+TEST_F(MacRulesTest, controlsOfTheSettingsStayWhileTheirRowsAreTheSame)
+{
+    SettingsRow row{.id = "a", .title = "A", .help = {}, .control = SettingsToggle{true}};
+    SettingsRow choice{.id = "b",
+        .title = "B",
+        .help = {},
+        .control = SettingsChoice{"x", {{"x", "X"}, {"y", "Y"}}}};
+    SettingsDescription made{"1", {{"page", "Page", "", {{"group", "Group", "", {row, choice}}}}}};
+    auto changed = [&](auto change) {
+        auto other = made;
+        change(other.pages[0].groups[0].rows);
+        return haveSameControls(made, other);
+    };
+    EXPECT_TRUE(changed([](auto& rows) {
+        rows[0].control = SettingsToggle{false};
+        rows[0].help = "help";
+        std::get<SettingsChoice>(rows[1].control).value = "y";
+    }));
+    EXPECT_FALSE(changed([](auto& rows) { rows.pop_back(); }));
+    EXPECT_FALSE(changed([](auto& rows) { std::swap(rows[0], rows[1]); }));
+    EXPECT_FALSE(changed([](auto& rows) { rows[0].control = SettingsText{"text"}; }));
+    EXPECT_FALSE(
+        changed([](auto& rows) { std::get<SettingsChoice>(rows[1].control).options.pop_back(); }));
+
+    EXPECT_EQ(placeAfterDrop(0, 2), 1U);
+    EXPECT_EQ(placeAfterDrop(2, 0), 0U);
+    EXPECT_EQ(placeAfterDrop(1, 1), 1U);
+    EXPECT_EQ(symbolNameOf("view-pin-symbolic"), "pin");
+    EXPECT_EQ(symbolNameOf("unknown"), "");
 }
 
 TEST_F(MacRulesTest, dropsArgumentsAndVersionsAreWhatTheSystemMeans)

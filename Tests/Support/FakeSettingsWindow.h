@@ -13,9 +13,11 @@ public:
         return m_canShow;
     }
 
+    void close() override { m_source = nullptr; }
+
     void setCanShow(bool value) { m_canShow = value; }
     int shows() const { return m_shows; }
-    /// What it shows; null before it was first shown.
+    /// What it shows; null before it was first shown, and once it has been closed.
     SettingsSource* source() const { return m_source; }
 
 private:

@@ -29,6 +29,8 @@ public:
     static std::string ownFolder();
 
     bool show(SettingsSource&) override;
+    /// The program hears of the bar's end by its connection.
+    void close() override { }
 
 private:
     struct Started;
