@@ -438,6 +438,7 @@ void QuorvelApp::offerSettings(Runtime& runtime)
         .appLauncher = manager.appLauncher(),
         .loginItem = platform.loginItem,
         .hotkeyManager = HotkeyManager::shared(),
+        .hotkeys = platform.hotkeys,
         .dockController = DockController::shared(),
         .updaterService = UpdaterService::shared()};
     runtime.m_settingsPresenter

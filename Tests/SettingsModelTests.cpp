@@ -49,6 +49,7 @@ struct SettingsModelTest : SettingsFixture {
             .appLauncher = *launcher,
             .loginItem = desktop.loginItem(),
             .hotkeyManager = *hotkeys,
+            .hotkeys = &desktop.hotkeys(),
             .dockController = dock.get(),
             .updaterService = updater.get()});
         watch = model->description().subscribe([this](auto&) { ++descriptions; });
@@ -94,8 +95,8 @@ TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
     std::set<std::string> fields;
     UserSettingsData::forEachField(
         settings->data().value(), [&](const char* name, auto&) { fields.insert(name); });
-    for (auto* elsewhere : {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers",
-             "numberKeys", "numberKeyModifiers"})
+    for (auto* elsewhere :
+        {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers", "numberKeyModifiers"})
         EXPECT_EQ(fields.erase(elsewhere), 1U);
     for (auto& field : fields) {
         SCOPED_TRACE(field);
@@ -151,6 +152,24 @@ TEST_F(SettingsModelTest, theShortcutIsRecordedByEitherKindOfWindow)
     EXPECT_EQ(apply(Change::Record{}), "");
     EXPECT_EQ(shown().value, std::nullopt);
     EXPECT_EQ(settings->hotkeyModifiers(), std::nullopt);
+}
+
+// Faults: modifiers that a hand wrote into the file are lost or shown as others; a number that is
+// kept where the host's own choice was meant.
+TEST_F(SettingsModelTest, numberKeysHaveTheModifiersOfTheUsersChoice)
+{
+    open(R"({"numberKeyModifiers": 4608})");
+    auto shown = [this] { return control<SettingsChoice>("numberKeyModifiers"); };
+    EXPECT_FALSE(row("numberKeyModifiers").isEnabled);
+    EXPECT_EQ(apply(Change::Set{"numberKeys", true}), "");
+    EXPECT_EQ(shown().value, "4608");
+    EXPECT_EQ(shown().options.back().title, "⌃⇧1 to 9");
+    EXPECT_EQ(shown().options.front().title, "⌘1 to 9") << "the host's own";
+    EXPECT_EQ(apply(Change::Set{"numberKeyModifiers", "6144"}), "");
+    EXPECT_EQ(settings->numberKeyModifiers(), HotkeyModifier::control | HotkeyModifier::option);
+    EXPECT_NE(apply(Change::Set{"numberKeyModifiers", "4608"}), "") << "is offered no longer";
+    EXPECT_EQ(apply(Change::Set{"numberKeyModifiers", ""}), "");
+    EXPECT_EQ(settings->numberKeyModifiers(), std::nullopt);
 }
 
 // Faults: a value that no control offers is stored; a refusal that says nothing, or changes

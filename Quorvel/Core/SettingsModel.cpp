@@ -9,6 +9,7 @@
 #include "Quorvel/Core/HotkeyManager.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/SettingsPages.h"
+#include "Quorvel/Core/SettingsShortcuts.h"
 #include "Quorvel/Core/UpdaterService.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Translation.h"
@@ -47,35 +48,6 @@ void setField(UserSettingsData& data, const std::string& row, const SettingsChan
                 field = std::get<Field>(value);
         }
     });
-}
-
-std::string statusText(HotkeyManager::State state)
-{
-    switch (state) {
-    case HotkeyManager::State::taken:
-        return tr("Taken by another program");
-    case HotkeyManager::State::failed:
-        return tr("The system refuses this shortcut");
-    case HotkeyManager::State::none:
-    case HotkeyManager::State::registered:
-        break;
-    }
-    return {};
-}
-
-/// Absent where there are no shortcuts for all programs.
-std::optional<SettingsShortcut> describeHotkey(const HotkeyManager& manager)
-{
-    if (!manager.isAvailable())
-        return std::nullopt;
-    SettingsShortcut described;
-    if (auto& shortcut = manager.currentShortcut().value()) {
-        described.value = {shortcut->keyCode, shortcut->modifiers};
-        described.text = shortcut->displayString();
-    }
-    described.status = statusText(manager.state().value());
-    described.recordHelp = tr("Press a key combination with modifiers. Press Esc to cancel.");
-    return described;
 }
 
 /// Absent where the program is updated by other means.
@@ -132,11 +104,19 @@ SettingsFacts SettingsModel::facts() const
         .defaults = m_subjects.settings.defaults(),
         .applications = m_subjects.appLauncher.allApps().value(),
         .loginItem = m_subjects.loginItem.status(),
-        .hotkey = describeHotkey(m_subjects.hotkeyManager),
+        .keys = keys(),
         .hasDock = m_subjects.dockController != nullptr,
         .canCheckForUpdates = canCheckForUpdates(m_subjects.updaterService),
         .file = m_subjects.settings.fileURL(),
         .fileState = m_subjects.settings.fileState().value()};
+}
+
+std::optional<SettingsFacts::Keys> SettingsModel::keys() const
+{
+    if (!m_subjects.hotkeys)
+        return std::nullopt;
+    return SettingsFacts::Keys{describeHotkey(m_subjects.hotkeyManager),
+        describeNumberKeyModifiers(*m_subjects.hotkeys, m_subjects.settings.numberKeyModifiers())};
 }
 
 void SettingsModel::refresh()
@@ -168,6 +148,11 @@ std::string SettingsModel::perform(const SettingsChange::Set& set)
         return tr("This value is not possible.");
     if (set.row == "runAtLogin")
         return setRunAtLogin(std::get<bool>(set.value));
+    if (set.row == "numberKeyModifiers") {
+        m_subjects.settings.setNumberKeyModifiers(
+            numberKeyModifiersOf(std::get<std::string>(set.value)));
+        return {};
+    }
     auto data = m_subjects.settings.data().value();
     setField(data, set.row, set.value);
     m_subjects.settings.setData(std::move(data));

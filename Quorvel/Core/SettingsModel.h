@@ -3,6 +3,7 @@
 #include <optional>
 #include <vector>
 
+#include "Quorvel/Core/SettingsPages.h"
 #include "Quorvel/Core/ShortcutRecorder.h"
 #include "Quorvel/Core/UserSettingsData.h"
 #include "Quorvel/Platform/SettingsWindow.h"
@@ -12,11 +13,11 @@ namespace quorvel {
 class AppLauncher;
 class DockController;
 class HotkeyManager;
+class Hotkeys;
 class LoginItem;
 class PinStore;
 class UpdaterService;
 class UserSettings;
-struct SettingsFacts;
 
 /// Whom the settings window tells of, and through whom it changes what. What is null is not
 /// offered.
@@ -26,6 +27,7 @@ struct SettingsSubjects {
     const AppLauncher& appLauncher;
     const LoginItem& loginItem;
     HotkeyManager& hotkeyManager;
+    const Hotkeys* hotkeys = nullptr;
     DockController* dockController = nullptr;
     UpdaterService* updaterService = nullptr;
 };
@@ -55,6 +57,7 @@ public:
 
 private:
     SettingsFacts facts() const;
+    std::optional<SettingsFacts::Keys> keys() const;
     /// The reason if it is refused; empty if it holds.
     std::string perform(const SettingsChange::Set&);
     std::string perform(const SettingsChange::Press&);

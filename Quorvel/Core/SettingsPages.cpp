@@ -107,14 +107,27 @@ SettingsPage appearancePage(const SettingsFacts& facts)
 
 // MARK: Keyboard
 
+SettingsGroup numberKeysGroup(const SettingsFacts& facts)
+{
+    return {.id = "numberKeys",
+        .title = tr("Number keys"),
+        .help = {},
+        .rows = {toggle("numberKeys", tr("Use what is on the bar by number"), facts.data.numberKeys,
+                     tr("The keys 1 to 9 click what is at that place; with Shift, they open a new "
+                        "window of it.")),
+            {"numberKeyModifiers", tr("Keys"), {}, facts.data.numberKeys,
+                facts.keys->numberKeyModifiers}}};
+}
+
 SettingsPage keyboardPage(const SettingsFacts& facts)
 {
     SettingsGroup launcher{.id = "launcher",
         .title = {},
         .help = {},
         .rows = {{SettingsRowID::hotkey, tr("Open the list of applications"),
-            tr("Works in every application."), true, *facts.hotkey}}};
-    return {"keyboard", tr("Keyboard"), "input-keyboard-symbolic", {std::move(launcher)}};
+            tr("Works in every application."), true, facts.keys->hotkey}}};
+    return {"keyboard", tr("Keyboard"), "input-keyboard-symbolic",
+        {std::move(launcher), numberKeysGroup(facts)}};
 }
 
 // MARK: Pins
@@ -233,7 +246,7 @@ UserSettingsData SettingsFacts::afterReset() const
 SettingsDescription describeSettings(const SettingsFacts& facts)
 {
     SettingsDescription description{kVersion, {generalPage(facts), appearancePage(facts)}};
-    if (facts.hotkey)
+    if (facts.keys)
         description.pages.push_back(keyboardPage(facts));
     description.pages.push_back(pinsPage(facts));
     description.pages.push_back(aboutPage(facts));

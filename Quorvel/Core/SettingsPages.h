@@ -24,11 +24,16 @@ inline constexpr const char* reset = "reset";
 
 /// What the settings window tells of, as it is now.
 struct SettingsFacts {
+    struct Keys {
+        SettingsShortcut hotkey;
+        SettingsChoice numberKeyModifiers;
+    };
+
     UserSettingsData data; ///< with the values that hold
     UserSettingsData defaults;
     const std::vector<AppInfo>& applications; ///< to call pins by their names
     LoginItem::Status loginItem{};
-    std::optional<SettingsShortcut> hotkey; ///< absent: the system has none for all programs
+    std::optional<Keys> keys; ///< absent: the system has no shortcuts for all programs
     bool hasDock = false;
     std::optional<bool> canCheckForUpdates; ///< absent: the program is updated by other means
     std::string file; ///< empty: there is no place for it

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "Quorvel/Platform/Published.h"
 
@@ -60,6 +61,11 @@ public:
     [[nodiscard]] virtual Subscription installHandler(Handler) = 0;
     /// With the keys 1 to 9 these make shortcuts that the system leaves free.
     virtual std::uint32_t numberKeyModifiers() const = 0;
+    /// How programs of this system write a shortcut; empty: in the Mac's symbols.
+    virtual std::string shortcutText(std::uint32_t /*keyCode*/, std::uint32_t /*modifiers*/) const
+    {
+        return {};
+    }
 
     /// Some registration has another outcome than before.
     Signal<> outcomesDidChange;

@@ -9,6 +9,7 @@
 
 #include <xcb/xcb.h>
 
+#include "Hosts/Linux/Keys/ShortcutText.h"
 #include "Hosts/X11/Input/ModifierMap.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/HotkeyHandlers.h"
@@ -33,6 +34,10 @@ public:
         std::uint32_t keyCode, std::uint32_t modifiers, const HotkeyID&) override;
     Subscription installHandler(Handler) override;
     std::uint32_t numberKeyModifiers() const override { return HotkeyModifier::command; }
+    std::string shortcutText(std::uint32_t keyCode, std::uint32_t modifiers) const override
+    {
+        return xdg::shortcutText(keyCode, modifiers);
+    }
 
     enum class Press {
         foreign, ///< not ours

@@ -1,0 +1,89 @@
+#include "Quorvel/Core/SettingsShortcuts.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "Quorvel/Core/HotkeyManager.h"
+#include "Quorvel/Core/NumberKeys.h"
+#include "Quorvel/Platform/Translation.h"
+
+namespace quorvel {
+
+namespace {
+
+constexpr auto kCommand = HotkeyModifier::command;
+constexpr auto kOption = HotkeyModifier::option;
+constexpr auto kControl = HotkeyModifier::control;
+/// Of these few programs make use together with digits.
+constexpr std::array kNumberKeyModifiers{kCommand, kOption | kCommand, kControl | kOption,
+    kControl | kCommand, kControl | kOption | kCommand};
+
+std::string statusText(HotkeyManager::State state)
+{
+    switch (state) {
+    case HotkeyManager::State::taken:
+        return tr("Taken by another program");
+    case HotkeyManager::State::failed:
+        return tr("The system refuses this shortcut");
+    case HotkeyManager::State::none:
+    case HotkeyManager::State::registered:
+        break;
+    }
+    return {};
+}
+
+std::string numberKeysText(const Hotkeys& hotkeys, std::uint32_t modifiers)
+{
+    const auto one = NumberKeys::kKeyCodes.front();
+    auto text = hotkeys.shortcutText(one, modifiers);
+    if (text.empty())
+        text = KeyboardShortcut{one, modifiers}.displayString();
+    return trFormat("{} to 9", text);
+}
+
+}
+
+SettingsShortcut describeHotkey(const HotkeyManager& manager)
+{
+    SettingsShortcut described;
+    if (auto& shortcut = manager.currentShortcut().value()) {
+        described.value = {shortcut->keyCode, shortcut->modifiers};
+        described.text = shortcut->displayString();
+    }
+    described.status = statusText(manager.state().value());
+    described.recordHelp = tr("Press a key combination with modifiers. Press Esc to cancel.");
+    return described;
+}
+
+SettingsChoice describeNumberKeyModifiers(
+    const Hotkeys& hotkeys, const std::optional<std::uint32_t>& stored)
+{
+    const auto own = hotkeys.numberKeyModifiers();
+    SettingsChoice choice{{}, {{{}, numberKeysText(hotkeys, own)}}};
+    auto offer = [&](std::uint32_t modifiers) {
+        choice.options.push_back({std::to_string(modifiers), numberKeysText(hotkeys, modifiers)});
+    };
+    for (auto modifiers : kNumberKeyModifiers) {
+        if (modifiers != own)
+            offer(modifiers);
+    }
+    if (!stored || *stored == own)
+        return choice;
+    choice.value = std::to_string(*stored);
+    if (std::ranges::find(choice.options, choice.value, &SettingsChoice::Option::value)
+        == choice.options.end())
+        offer(*stored);
+    return choice;
+}
+
+std::optional<std::uint32_t> numberKeyModifiersOf(const std::string& value)
+{
+    std::uint32_t modifiers = 0;
+    auto* end = value.data() + value.size();
+    if (std::from_chars(value.data(), end, modifiers).ptr != end || value.empty())
+        return std::nullopt;
+    return modifiers;
+}
+
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "Quorvel/Platform/SettingsDescription.h"
+
+namespace quorvel {
+
+class HotkeyManager;
+class Hotkeys;
+
+/// The shortcut as a row shows it, and why it does not work if it does not.
+SettingsShortcut describeHotkey(const HotkeyManager&);
+
+/// The modifiers that the keys 1 to 9 can have, as the host writes them. What is stored is among
+/// them; absent is the host's own choice.
+SettingsChoice describeNumberKeyModifiers(
+    const Hotkeys&, const std::optional<std::uint32_t>& stored);
+/// The other way: what to store for one of the values.
+std::optional<std::uint32_t> numberKeyModifiersOf(const std::string& value);
+
+}
