@@ -1,8 +1,6 @@
 #include "Settings/BarConnection.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <utility>
 
@@ -20,7 +18,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::size_t kLongestLine = 2 * 1024 * 1024;
-constexpr std::size_t kMostUnsent = 256 * 1024; // by then the bar has not read for long
 constexpr std::chrono::milliseconds kFirstPause = 100ms; // a new socket may not listen yet
 constexpr std::chrono::milliseconds kLongestPause = 15s;
 constexpr std::chrono::milliseconds kLongestSilence = 10s; // before the first message
@@ -46,11 +43,6 @@ posix::UniqueFd connectedTo(const std::string& path)
     return fd;
 }
 
-bool wouldBlock()
-{
-    return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
-}
-
 }
 
 BarConnection::BarConnection(posix::HostLoop loop, Events events)
@@ -64,23 +56,23 @@ BarConnection::BarConnection(posix::HostLoop loop, Events events)
 void BarConnection::connect()
 {
     m_socketPath = socketOfDisplay();
-    m_socket = connectedTo(m_socketPath);
-    if (!m_socket)
+    auto socket = connectedTo(m_socketPath);
+    if (!socket)
         return lose();
     m_folder.reset();
-    m_lines.emplace(kLongestLine);
     m_timer = m_loop.after(kLongestSilence, [this] { lose(); });
-    m_readable = m_loop.watchFd(m_socket.get(), posix::FdCondition::readable, [this] { read(); });
-    m_unsent = posix::encodeRequest({"--settings-session"});
-    write();
+    m_session = std::make_unique<posix::LineConnection>(
+        std::move(socket), posix::LineReader{kLongestLine}, m_loop);
+    m_session->onLine = [this](std::string_view line) { hear(line); };
+    m_session->onEnd = [this] { lose(); };
+    auto request = posix::encodeRequest({std::string{ControlChannel::kSessionRequest}});
+    request.pop_back(); // the end of the line
+    m_session->send(request);
 }
 
 void BarConnection::lose()
 {
-    m_readable = {};
-    m_writable = {};
-    m_socket = {};
-    m_unsent.clear();
+    m_session.reset();
     if (!m_folder && !m_socketPath.empty()) {
         const auto folder = m_socketPath.substr(0, m_socketPath.rfind('/'));
         m_folder = m_loop.watchFolder(folder, [this] {
@@ -98,22 +90,9 @@ void BarConnection::retry()
     m_pause = std::min(2 * m_pause, kLongestPause);
 }
 
-void BarConnection::read()
+void BarConnection::hear(std::string_view line)
 {
-    std::array<char, 16384> bytes;
-    const auto count = ::read(m_socket.get(), bytes.data(), bytes.size());
-    if (count < 0 && wouldBlock())
-        return;
-    const bool isWell = count > 0
-        && m_lines->add({bytes.data(), static_cast<std::size_t>(count)},
-            [this](std::string_view line) { takeLine(line); });
-    if (!isWell)
-        lose();
-}
-
-void BarConnection::takeLine(std::string_view line)
-{
-    const auto news = m_socket ? decodeSettingsNews(line) : std::nullopt;
+    const auto news = decodeSettingsNews(line);
     if (!news)
         return;
     m_timer = {};
@@ -123,28 +102,8 @@ void BarConnection::takeLine(std::string_view line)
 
 void BarConnection::send(const SettingsRequest& request)
 {
-    if (!m_socket)
-        return;
-    m_unsent += encodeSettingsRequest(request) + '\n';
-    if (m_unsent.size() > kMostUnsent)
-        return lose();
-    write();
-}
-
-void BarConnection::write()
-{
-    m_writable = {};
-    while (!m_unsent.empty()) {
-        const auto count = ::send(m_socket.get(), m_unsent.data(), m_unsent.size(), MSG_NOSIGNAL);
-        if (count < 0 && wouldBlock()) {
-            m_writable
-                = m_loop.watchFd(m_socket.get(), posix::FdCondition::writable, [this] { write(); });
-            return;
-        }
-        if (count < 0)
-            return; // its end is read as well
-        m_unsent.erase(0, static_cast<std::size_t>(count));
-    }
+    if (m_session)
+        m_session->send(encodeSettingsRequest(request));
 }
 
 }

@@ -2,13 +2,14 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
-#include "Hosts/Posix/FdWatch.h"
 #include "Hosts/Posix/HostLoop.h"
+#include "Hosts/Posix/LineConnection.h"
 #include "Quorvel/Core/SettingsCoding.h"
-#include "Settings/LineReader.h"
 
 namespace quorvel::settings {
 
@@ -33,19 +34,13 @@ private:
     void connect();
     void lose();
     void retry();
-    void read();
-    void takeLine(std::string_view line);
-    void write();
+    void hear(std::string_view line);
 
     posix::HostLoop m_loop;
     Events m_events;
     std::string m_socketPath; ///< empty where there is no place for it
     std::chrono::milliseconds m_pause; ///< before the next attempt
-    std::optional<LineReader> m_lines;
-    std::string m_unsent;
-    posix::UniqueFd m_socket;
-    Subscription m_readable;
-    Subscription m_writable;
+    std::unique_ptr<posix::LineConnection> m_session; ///< null while there is none
     std::optional<Subscription> m_folder;
     Subscription m_timer; ///< the next attempt, or the end of waiting for the first message
 };

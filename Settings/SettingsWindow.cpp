@@ -38,11 +38,11 @@ void SettingsWindow::present()
 
 void SettingsWindow::receive(const SettingsDescription& description)
 {
+    const bool wasConnected = std::exchange(m_isConnected, true);
     m_description = description;
     showPages();
-    if (m_isConnected)
+    if (wasConnected)
         return;
-    m_isConnected = true;
     m_frame.showPages();
     auto* focus = m_focusWhenLost.get();
     if (focus && gtk_widget_get_root(focus) == GTK_ROOT(m_frame.window()))
@@ -64,7 +64,15 @@ void SettingsWindow::lose()
         for (const auto& page : m_pages)
             page.view->endUse();
     }
+    // Row by row, since a screen reader is told of each thing by itself that it cannot be used.
+    for (auto& page : m_description.pages) {
+        for (auto& group : page.groups) {
+            for (auto& row : group.rows)
+                row.isEnabled = false;
+        }
+    }
     m_isConnected = false;
+    showPages();
     m_frame.showAbsence();
 }
 

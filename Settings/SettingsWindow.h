@@ -41,6 +41,7 @@ private:
     posix::HostLoop m_loop;
     WindowFrame m_frame;
     RowOutlets m_outlets;
+    BarConnection m_bar; ///< before the pages: a row that goes may end its recording
     SettingsDescription m_description; ///< the last
     bool m_isConnected = false;
     bool m_isBehind = false; ///< a page waits until the user is done with one of its rows
@@ -48,7 +49,6 @@ private:
     xdg::GObjectHandle<GtkWidget> m_focusWhenLost;
     SignalHandler m_focusMoved;
     Subscription m_later;
-    BarConnection m_bar; ///< last: its events use all the others
 };
 
 }

@@ -141,7 +141,6 @@ void WindowFrame::addKeys()
 void WindowFrame::showPages()
 {
     gtk_widget_set_visible(m_note, false);
-    gtk_widget_set_sensitive(GTK_WIDGET(m_stack), true);
     adw_view_switcher_title_set_view_switcher_enabled(m_title, true);
     gtk_stack_set_visible_child_name(m_body, kPages);
 }
@@ -153,7 +152,6 @@ void WindowFrame::showAbsence()
         return;
     }
     gtk_widget_set_visible(m_note, true);
-    gtk_widget_set_sensitive(GTK_WIDGET(m_stack), false);
 }
 
 void WindowFrame::tell(const std::string& text)

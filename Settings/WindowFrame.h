@@ -19,9 +19,9 @@ public:
     GtkWindow* window() const { return m_window; }
     AdwViewStack* stack() const { return m_stack; }
 
-    /// The pages can be used.
+    /// The bar is there, and with it the pages.
     void showPages();
-    /// They cannot, and the user is told why: above them, or instead of them as long as there are
+    /// It is not, and the user is told: above the pages, or instead of them as long as there are
     /// none.
     void showAbsence();
     /// A passing note, which replaces the last.

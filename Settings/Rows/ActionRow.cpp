@@ -12,6 +12,8 @@ void ActionRow::show(const SettingsRow& description)
     adw_preferences_row_set_title(ADW_PREFERENCES_ROW(row()), description.title.c_str());
     setHelp(description.help);
     gtk_widget_set_sensitive(widget(), description.isEnabled);
+    if (m_control)
+        gtk_widget_set_sensitive(m_control, description.isEnabled); // for screen readers
 }
 
 void ActionRow::setControl(GtkWidget* control)

@@ -161,8 +161,8 @@ ScreenReader::Element ScreenReader::first(const std::string& program, Condition 
     return nullptr;
 }
 
-ScreenReader::Element ScreenReader::field(
-    const std::string& program, const std::string& fieldName) const
+ScreenReader::Element ScreenReader::seek(const std::string& program, AtspiRole role,
+    const std::string& text, const std::function<bool(const Element&)>& isRight) const
 {
     std::vector<Element> open;
     if (auto application = programNamed(program))
@@ -171,8 +171,9 @@ ScreenReader::Element ScreenReader::field(
         const auto element = std::move(open.back());
         open.pop_back();
         for (auto& child : childrenOf(element.get())) {
-            if (atspi_accessible_get_role(child.get(), nullptr) == ATSPI_ROLE_ENTRY
-                && name(child).find(fieldName) != std::string::npos)
+            atspi_accessible_clear_cache(child.get());
+            if (atspi_accessible_get_role(child.get(), nullptr) == role
+                && name(child).find(text) != std::string::npos && isRight(child))
                 return std::move(child);
             open.push_back(std::move(child));
         }
@@ -182,7 +183,7 @@ ScreenReader::Element ScreenReader::field(
 
 std::string ScreenReader::text(const std::string& program, const std::string& fieldName) const
 {
-    const auto found = field(program, fieldName);
+    const auto found = seek(program, ATSPI_ROLE_ENTRY, fieldName, [](auto&) { return true; });
     auto* text = found ? atspi_accessible_get_text_iface(found.get()) : nullptr;
     if (!text)
         return {};
@@ -194,7 +195,7 @@ std::string ScreenReader::text(const std::string& program, const std::string& fi
 bool ScreenReader::setText(
     const std::string& program, const std::string& fieldName, const std::string& text) const
 {
-    const auto found = field(program, fieldName);
+    const auto found = seek(program, ATSPI_ROLE_ENTRY, fieldName, [](auto&) { return true; });
     auto* editable = found ? atspi_accessible_get_editable_text_iface(found.get()) : nullptr;
     if (!editable)
         return false;
@@ -206,6 +207,11 @@ bool ScreenReader::setText(
 std::string ScreenReader::name(const Element& element)
 {
     return takeText(atspi_accessible_get_name(element.get(), nullptr));
+}
+
+std::string ScreenReader::description(const Element& element)
+{
+    return takeText(atspi_accessible_get_description(element.get(), nullptr));
 }
 
 bool ScreenReader::has(const Element& element, AtspiStateType state)

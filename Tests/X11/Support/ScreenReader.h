@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -40,12 +41,17 @@ public:
     /// The same for the first one that has just this name.
     Element named(const std::string& program, const std::string& name) const;
 
+    /// The first of the role whose name contains the text and that is right, however deep it lies;
+    /// null if there is none. The program is asked anew.
+    Element seek(const std::string& program, AtspiRole, const std::string& text,
+        const std::function<bool(const Element&)>& isRight) const;
     /// Of the text field of that name, wherever it is; empty if there is none.
     std::string text(const std::string& program, const std::string& fieldName) const;
     bool setText(
         const std::string& program, const std::string& fieldName, const std::string& text) const;
 
     static std::string name(const Element&);
+    static std::string description(const Element&);
     static bool has(const Element&, AtspiStateType);
     static Frame frame(const Element&);
     /// False if it has no such action, or is gone.
@@ -64,7 +70,6 @@ private:
     };
 
     template <typename Condition> Element first(const std::string& program, Condition) const;
-    Element field(const std::string& program, const std::string& fieldName) const;
     static void onEvent(AtspiEvent*, void* self);
     GVariant* call(const char* name, const char* path, const char* interface, const char* member,
         GVariant* arguments) const;

@@ -1,0 +1,172 @@
+#include <cstdlib>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "Hosts/Posix/ControlAddress.h"
+#include "Hosts/Posix/LocalSocket.h"
+#include "Tests/X11/Support/DesktopFixture.h"
+#include "Tests/X11/Support/SettingsProgram.h"
+
+namespace quorvel::x11tests {
+
+namespace {
+
+constexpr auto kSwitch = ATSPI_ROLE_CHECK_BOX;
+
+/// Plays the bar, badly.
+class OtherBar {
+public:
+    explicit OtherBar(const XServer& server)
+    {
+        std::string problem;
+        const auto& folder = server.environment().at("XDG_RUNTIME_DIR");
+        const auto address
+            = posix::ControlAddress::forDisplay(server.display(), folder.c_str(), folder, problem);
+        const auto name = posix::socketName(address ? address->socketPath : "");
+        EXPECT_EQ(bind(m_listener.get(), reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
+        EXPECT_EQ(listen(m_listener.get(), 1), 0);
+    }
+
+    /// Waits for the program, and forgets the connection that there was.
+    testing::AssertionResult accept()
+    {
+        if (!isReadable(m_listener.get()))
+            return testing::AssertionFailure() << "nobody connects";
+        m_client = posix::UniqueFd{::accept(m_listener.get(), nullptr, nullptr)};
+        return receives("--settings-session");
+    }
+    void hangUp() { m_client = {}; }
+    /// False once the program has hung up.
+    bool send(std::string_view bytes)
+    {
+        while (!bytes.empty()) {
+            const auto count = ::send(m_client.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+            if (count <= 0)
+                return false;
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        }
+        return true;
+    }
+    testing::AssertionResult receives(const std::string& text)
+    {
+        std::string all;
+        char bytes[4096];
+        while (all.find(text) == std::string::npos) {
+            const auto count = isReadable(m_client.get()) ? read(m_client.get(), bytes, 4096) : 0;
+            if (count <= 0)
+                return testing::AssertionFailure() << "only " << all;
+            all.append(bytes, static_cast<std::size_t>(count));
+        }
+        return testing::AssertionSuccess();
+    }
+
+private:
+    static bool isReadable(int fd)
+    {
+        pollfd descriptor{fd, POLLIN, 0};
+        return poll(&descriptor, 1, static_cast<int>(kWatchdog.count())) == 1;
+    }
+
+    posix::UniqueFd m_listener = posix::makeLocalSocket();
+    posix::UniqueFd m_client;
+};
+
+}
+
+class SettingsWindowProgram : public testing::Test, public DesktopFixture {
+protected:
+    SettingsWindowProgram() : DesktopFixture(ManagerKind::openbox)
+    {
+        // Without a graphics card, and with nothing of the user's that runs the tests.
+        setenv("GSK_RENDERER", "cairo", 1);
+        setenv("GSETTINGS_BACKEND", "memory", 1);
+    }
+
+    /// As the bar tells it.
+    std::string get(const std::string& field) const { return run({"--get", field}).output; }
+    testing::AssertionResult becomes(const std::string& field, const std::string& value) const
+    {
+        return eventually([&] { return get(field) == value + "\n"; })
+            << field << " stays " << get(field);
+    }
+
+    SettingsProgram settings{server, desktop};
+};
+
+// Faults: a second window; one that stays behind the others when it is asked for again, that shows
+// old values as if they could be changed, or that does not find the next bar.
+TEST_F(SettingsWindowProgram, isOneWindowThatComesToTheFrontAndOutlivesTheBar)
+{
+    auto environment = server.environment();
+    environment["XDG_DATA_DIRS"] = server.folder() / "system";
+    auto bar = std::make_unique<Process>(std::vector<std::string>{QUORVEL_PROGRAM}, environment);
+    ASSERT_TRUE(eventually([&] { return run({"--settings"}).status == 0; }));
+    ASSERT_TRUE(settings.isActive());
+    Client client{server};
+    const auto other = client.open({.title = "other"});
+    ASSERT_TRUE(eventually([&] { return desktop.clientTitled("other").has_value(); }));
+    desktop.activate(other);
+    ASSERT_TRUE(becomesActive(other));
+
+    EXPECT_EQ(run({"--settings"}).status, 0);
+    EXPECT_TRUE(settings.isActive());
+    desktop.activate(other);
+    ASSERT_TRUE(becomesActive(other));
+    const Process second{{QUORVEL_SETTINGS_PROGRAM}, environment};
+    EXPECT_TRUE(settings.isActive());
+    EXPECT_EQ(settings.windowCount(), 1U);
+
+    bar.reset(); // by a signal that it cannot answer
+    EXPECT_TRUE(settings.shows(ATSPI_ROLE_LABEL, "Quorvel is not running."));
+    EXPECT_TRUE(settings.hasState(kSwitch, "Start at login", ATSPI_STATE_SENSITIVE, false));
+    Bar next{server};
+    ASSERT_TRUE(next.appears());
+    settings.click(kSwitch, "Start at login");
+    EXPECT_TRUE(becomes("runAtLogin", "true"));
+    EXPECT_EQ(run({"--set", "runAtLogin=false"}).status, 0);
+    EXPECT_TRUE(settings.hasState(kSwitch, "Start at login", ATSPI_STATE_CHECKED, false));
+}
+
+// Faults: nonsense, a flood or an end in the midst that takes the program along, or that it does
+// not recover from.
+TEST_F(SettingsWindowProgram, survivesABarThatTalksNonsense)
+{
+    OtherBar bar{server};
+    Process program{{QUORVEL_SETTINGS_PROGRAM}, server.environment()};
+    ASSERT_TRUE(bar.accept());
+    for (const auto* line : {"\n", "\xff\xfe", "[[[[", "null\n", "{\"pages\":7}\n",
+             "{\"version\":\"\",\"pages\":[{\"id\":1}]}\n", "{\"refused\":{}}\n",
+             "{\"present\":1}\n"})
+        EXPECT_TRUE(bar.send(line));
+    while (bar.send(std::string(1 << 16, '['))) { }
+    ASSERT_TRUE(bar.accept()) << "not tried again";
+    EXPECT_TRUE(bar.send(std::string(1 << 20, '[')));
+    EXPECT_TRUE(bar.send("\n{\"version\":\"1\",\"pages\":["));
+    bar.hangUp();
+    ASSERT_TRUE(bar.accept());
+
+    const auto row = [](const std::string& kind, const std::string& rest) {
+        return R"({"id":"r)" + kind + R"(","title":"<b>&)" + kind + R"(","isEnabled":true,"kind":")"
+            + kind + R"(",)" + rest + "}";
+    };
+    const auto page = [](const std::string& rows) {
+        return R"({"version":"1","pages":[{"id":"p","title":"P","groups":[{"id":"g","rows":[)"
+            + rows + "]}]}]}\n";
+    };
+    const auto first = row("toggle", R"("value":false)");
+    const auto more = first + ',' + row("choice", R"("value":"?","choices":[])") + ','
+        + row("list",
+            R"("movable":true,"removable":true,"items":[{"id":"a","title":"A","icon":"/"},{"id":"a","title":"B"}])")
+        + ',' + first;
+    EXPECT_TRUE(bar.send(page(more) + page(first) + page("") + page(first)));
+    EXPECT_TRUE(settings.perform(kSwitch, "<b>&toggle", "toggle"));
+    EXPECT_TRUE(bar.receives(R"({"set":{"row":"rtoggle","value":true}})"));
+    EXPECT_TRUE(bar.send("{\"refused\":{\"row\":\"rtoggle\",\"reason\":\"<i>never&\"}}\n"));
+    EXPECT_TRUE(settings.shows(ATSPI_ROLE_LABEL, "<i>never&"));
+    EXPECT_TRUE(settings.hasState(kSwitch, "<b>&toggle", ATSPI_STATE_CHECKED, false));
+    EXPECT_TRUE(program.isRunning());
+}
+
+}
