@@ -106,8 +106,8 @@ UserSettings& UserSettings::shared()
 DockController* Runtime::dockController()
 {
     if (!m_dockController && m_platform.dockControl) {
-        m_dockController = std::make_unique<DockController>(*m_platform.dockControl,
-            m_platform.files, userSettings(), m_platform.application, m_platform.dispatch);
+        m_dockController = std::make_unique<DockController>(
+            *m_platform.dockControl, m_platform.files, userSettings(), m_platform.dispatch);
     }
     return m_dockController.get();
 }
@@ -259,6 +259,7 @@ void QuorvelApp::launch(Runtime& runtime, const Rehearsal& rehearsal)
     platform.application.setActivationPolicy(ActivationPolicy::accessory);
     runtime.userSettings();
     runtime.dockController();
+    runtime.keep(platform.application.willTerminate.subscribe([&runtime] { end(runtime); }));
     answerRequests(runtime);
     runtime.m_coordinator
         = std::make_unique<LaunchCoordinator>(platform, makePermissionCenter(platform, rehearsal));
@@ -292,7 +293,15 @@ void QuorvelApp::startMainRuntime(Application& app)
     observeWorkspace(runtime);
     observeHints(runtime);
     bootstrapFrontmost(runtime);
-    runtime.keep(app.willTerminate.subscribe([&runtime] { runtime.m_barManager->end(); }));
+}
+
+void QuorvelApp::end(Runtime& runtime)
+{
+    if (runtime.m_barManager)
+        runtime.m_barManager->end();
+    // Last: it may take seconds, and whoever waits for the end may lose patience.
+    if (runtime.m_dockController)
+        runtime.m_dockController->finishRestarts();
 }
 
 void QuorvelApp::wireShortcuts(Runtime& runtime)
@@ -387,12 +396,14 @@ void QuorvelApp::applicationDidActivate(Runtime& runtime, const RunningApplicati
     if (auto& bundleID = application.bundleIdentifier)
         runtime.badgeService().clearAttention(*bundleID, store.windowIDs(*bundleID));
     store.handleAppActivated(pid);
-    if (!mayBeBootstrapped(application))
-        return;
-    if (!store.needsObserverBootstrap(pid)) {
+    if (!store.needsObserverBootstrap(pid))
         runtime.m_lastBootstrap.erase(pid);
-        return;
-    }
+    else if (mayBeBootstrapped(application))
+        bootstrapUnlessTriedJustNow(runtime, pid);
+}
+
+void QuorvelApp::bootstrapUnlessTriedJustNow(Runtime& runtime, ProcessID pid)
+{
     auto now = runtime.m_platform.dispatch.now();
     auto last = runtime.m_lastBootstrap.find(pid);
     if (last != runtime.m_lastBootstrap.end() && now - last->second < kBootstrapPause)

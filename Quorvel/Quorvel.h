@@ -112,6 +112,8 @@ private:
     static void offerSettings(Runtime&);
     static void answerRequests(Runtime&);
     static void bootstrap(Runtime&, ProcessID);
+    static void bootstrapUnlessTriedJustNow(Runtime&, ProcessID);
+    static void end(Runtime&);
     static void bootstrapFrontmost(Runtime&);
     static void applicationDidActivate(Runtime&, const RunningApplication&);
     enum class Occasion { wake, spaceChange };

@@ -37,8 +37,8 @@ struct SettingsModelTest : SettingsFixture {
             = std::make_unique<HotkeyManager>(&desktop.hotkeys(), *settings, desktop.dispatch());
         if (system == System::withDockAndUpdater) {
             auto platform = desktop.platform();
-            dock = std::make_unique<DockController>(*platform.dockControl, platform.files,
-                *settings, platform.application, platform.dispatch);
+            dock = std::make_unique<DockController>(
+                *platform.dockControl, platform.files, *settings, platform.dispatch);
             updater = std::make_unique<UpdaterService>(*platform.updater);
         }
         pins = std::make_unique<PinStore>(*settings);

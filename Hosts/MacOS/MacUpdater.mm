@@ -35,6 +35,9 @@ bool canCheck(NSObject* updater) { return [[updater valueForKey:kCanCheck] boolV
 
 std::unique_ptr<MacUpdater> MacUpdater::load()
 {
+    // Without an address to ask, the framework would complain to the user of a bundle set up badly.
+    if (![NSBundle.mainBundle objectForInfoDictionaryKey:@"SUFeedURL"])
+        return nullptr;
     Class type = updaterControllerClass();
     const SEL initialiser = @selector(initWithStartingUpdater:updaterDelegate:userDriverDelegate:);
     if (![type instancesRespondToSelector:initialiser])

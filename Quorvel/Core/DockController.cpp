@@ -7,7 +7,6 @@
 #include <nlohmann/json.hpp>
 
 #include "Quorvel/Core/UserSettings.h"
-#include "Quorvel/Platform/Application.h"
 #include "Quorvel/Platform/DockControl.h"
 #include "Quorvel/Platform/Files.h"
 
@@ -73,21 +72,19 @@ bool DockController::captureInitialSettings()
 
 // MARK: What is wanted
 
-DockController::DockController(DockControl& dock, Files& files, const UserSettings& settings,
-    Application& application, Dispatch& dispatch)
+DockController::DockController(
+    DockControl& dock, Files& files, const UserSettings& settings, Dispatch& dispatch)
     : m_dock(dock)
     , m_files(files)
     , m_settings(settings)
     , m_fileURL(locate(files))
     , m_dockDefaults(dock.preferences())
     , m_hideDock(settings.hideDock())
-    , m_restarts(dispatch.makeSerialQueue("dock", QualityOfService::utility))
+    , m_restarts(dispatch.makeSerialQueue("dock", QualityOfService::userInitiated))
 {
     reconcileOnStartup();
     m_settingsDidChange = settings.data().subscribe(
         [this](const UserSettingsData& data) { settingsDidChange(data.hideDock); });
-    // What was written is of no use before the Dock has read it.
-    m_willTerminate = application.willTerminate.subscribe([this] { m_restarts->sync([] {}); });
 }
 
 void DockController::reconcileOnStartup()
@@ -106,6 +103,11 @@ void DockController::settingsDidChange(bool hideDock)
         hide();
     else
         restore(/*synchronous=*/false);
+}
+
+void DockController::finishRestarts()
+{
+    m_restarts->sync([] {});
 }
 
 bool DockController::isHidden() const

@@ -10,7 +10,6 @@
 
 namespace quorvel {
 
-class Application;
 class DockControl;
 class Files;
 class Preferences;
@@ -45,7 +44,7 @@ public:
     static constexpr bool restoredBounceEnabled = true;
 
     /// Brings the Dock in line with the settings at once, and follows them.
-    DockController(DockControl&, Files&, const UserSettings&, Application&, Dispatch&);
+    DockController(DockControl&, Files&, const UserSettings&, Dispatch&);
     DockController(const DockController&) = delete;
     DockController& operator=(const DockController&) = delete;
 
@@ -62,6 +61,9 @@ public:
     /// which blocks the main thread for as long as the host lets a tool run; else that happens on
     /// another thread.
     void restore(bool synchronous);
+    /// Before the program ends: what was written is of no use until the Dock has read it. Blocks as
+    /// a synchronous `restore` does.
+    void finishRestarts();
     /// Seconds.
     std::optional<double> currentAutoHideDelay() const;
     std::optional<bool> currentBounceEnabled() const;
@@ -83,7 +85,6 @@ private:
     bool m_hideDock; ///< the setting, as it was last heeded
     std::unique_ptr<Queue> m_restarts;
     Subscription m_settingsDidChange;
-    Subscription m_willTerminate;
 };
 
 }

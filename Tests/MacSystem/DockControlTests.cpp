@@ -43,8 +43,7 @@ TEST_F(MacDockControlTest, hidesTheDockByItsCallsAndPreferences)
     auto platform = desktop.platform();
     UserSettings settings{platform.files, platform.loginItem, platform.application,
         platform.dispatch, platform.trace};
-    DockController controller{
-        dock, platform.files, settings, platform.application, platform.dispatch};
+    DockController controller{dock, platform.files, settings, platform.dispatch};
     settings.setHideDock(true);
     EXPECT_THAT(desktop.dock().takeCalls(),
         ElementsAre("auto-hide true", "autohide-delay 1000", "synchronise", "no-bouncing true",

@@ -180,6 +180,14 @@ TEST_F(MacSpacesTest, theDocksRectangleIsTheLastOnesThatWasTakenAndTheDocksAgain
     server.clearDockRectangle(DisplayNumber{1});
     EXPECT_EQ(mac.dockRect, docks);
 
+    // Started anew meanwhile.
+    const SimulatedMac::DockRect anew{{0, 800, 1440, 100}, docks.reason, 2};
+    EXPECT_TRUE(server.setDockRectangle({DisplayNumber{1}, left}));
+    mac.dockRect = anew;
+    server.clearDockRectangle(DisplayNumber{1});
+    EXPECT_EQ(mac.dockRect, anew);
+    mac.dockRect = docks;
+
     mac.ignoresDockRect = true;
     EXPECT_FALSE(server.setDockRectangle({DisplayNumber{1}, left}));
     mac.ignoresDockRect = false;

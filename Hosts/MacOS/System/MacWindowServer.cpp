@@ -216,11 +216,18 @@ bool MacWindowServer::setDockRectangle(const DockRectangle& dock)
 
 void MacWindowServer::clearDockRectangle(DisplayNumber display)
 {
+    const auto isShown = [shown = dockPlace().rect](
+                             const auto& registered) { return isAbout(shown, registered.second); };
+    // A Dock that has started anew has registered its own since, which stays.
+    const bool isOurs = std::ranges::any_of(m_dockRectangles, isShown);
     if (m_dockRectangles.erase(display) == 0 || !m_dockBefore)
         return;
+    if (!isOurs && m_dockRectangles.empty())
+        return m_dockBefore.reset();
     if (m_dockRectangles.empty())
         return withdrawDockRectangle();
-    setDockPlace({m_dockRectangles.begin()->second, m_dockBefore->reason, kBottom});
+    if (isOurs)
+        setDockPlace({m_dockRectangles.begin()->second, m_dockBefore->reason, kBottom});
 }
 
 void MacWindowServer::withdrawDockRectangle()
