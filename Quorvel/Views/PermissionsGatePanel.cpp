@@ -95,12 +95,13 @@ void PermissionsGatePanel::show()
     auto screen = screenToUse(m_platform.displays);
     auto room = screen.visibleFrame.isEmpty() ? screen.frame : screen.visibleFrame;
     m_surface->setFrame(placeIn(room, m_content->idealSize()));
+    m_isShown = true;
     m_surface->makeKeyAndOrderFront();
 }
 
 void PermissionsGatePanel::close()
 {
-    if (!m_surface->isVisible())
+    if (!std::exchange(m_isShown, false))
         return;
     m_surface->orderOut();
     if (auto tell = onClosed)
@@ -123,7 +124,7 @@ void PermissionsGatePanel::appearanceDidChange()
     m_content->setAppearance(m_platform.application.appearance().value());
     auto frame = m_surface->frame();
     auto size = m_content->idealSize();
-    if (m_surface->isVisible() && frame.size() != size)
+    if (m_isShown && frame.size() != size)
         m_surface->setFrame({frame.x, frame.maxY() - size.height, size.width, size.height});
 }
 

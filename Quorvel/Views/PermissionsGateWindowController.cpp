@@ -35,6 +35,8 @@ void PermissionsGateWindowController::close()
 /// The button may show what was true a second ago.
 void PermissionsGateWindowController::proceed()
 {
+    if (m_answer.isPending())
+        return;
     m_model.refresh();
     if (!m_model.state().value().areAllGranted())
         return;
@@ -48,6 +50,8 @@ void PermissionsGateWindowController::proceed()
 
 void PermissionsGateWindowController::quit()
 {
+    if (m_answer.isPending())
+        return;
     m_model.stopMonitoring();
     m_answer = m_dispatch.main().after(Duration::zero(), [this] {
         auto tell = onQuit;

@@ -61,7 +61,7 @@ TEST_P(AccessiblePermissionsGate, isWorkedThroughWithPointerAndKeysOrClosed)
         for (const auto key : {XKB_KEY_Escape, XKB_KEY_Tab, XKB_KEY_Tab, XKB_KEY_space})
             keyboard.type(key);
         EXPECT_TRUE(shows(reader, "Screen Recording, Granted"));
-        keyboard.type(XKB_KEY_Return);
+        pointer.click(ScreenReader::frame(reader.named("Quorvel", "Continue")));
         EXPECT_TRUE(bar.appears());
         EXPECT_TRUE(eventually([&] { return !desktop.clientTitled("Quorvel Setup"); }));
         EXPECT_TRUE(bar.isRunning());

@@ -146,6 +146,8 @@ void TitledWindow::handle(const xcb_generic_event_t* event)
     case XCB_REPARENT_NOTIFY:
     case XCB_CONFIGURE_NOTIFY:
         return m_place.ask();
+    case XCB_DESTROY_NOTIFY: // by somebody else
+        return onCloseWanted ? onCloseWanted() : void();
     case XCB_CLIENT_MESSAGE:
         return handleMessage(as<xcb_client_message_event_t>(event));
     default:

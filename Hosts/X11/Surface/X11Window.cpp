@@ -142,9 +142,10 @@ void X11Window::handle(const xcb_generic_event_t* event)
             m_input.release(as<xcb_key_release_event_t>(event));
         return;
     default:
+        // The window's own first: what the pointer does may end it.
+        m_window->handle(event);
         m_pointer.setScale(scale());
         m_pointer.handle(event);
-        m_window->handle(event);
     }
 }
 
