@@ -82,6 +82,15 @@ TEST_F(LauncherTest, closesAsSoonAsTheUserTurnsToSomethingElse)
     };
     EXPECT_FALSE(closesBy([&] { launcher().click({150, 20}); }));
     EXPECT_TRUE(closesBy([&] { key(KeyCode::escape); }));
+    auto controlKey = [&](KeyCode code, const std::string& letter, std::uint64_t more = 0) {
+        launcher().pressKey({.keyCode = code,
+            .charactersIgnoringModifiers = letter,
+            .modifiers = KeyModifier::control | more});
+    };
+    EXPECT_TRUE(closesBy([&] { controlKey(KeyCode{6}, "w"); }));
+    EXPECT_TRUE(closesBy([&] { controlKey(KeyCode{13}, "ц"); }));
+    EXPECT_FALSE(closesBy([&] { controlKey(KeyCode{13}, "z"); }));
+    EXPECT_FALSE(closesBy([&] { controlKey(KeyCode{13}, "w", KeyModifier::option); }));
     EXPECT_TRUE(closesBy([&] { desktop.surfaces().pressElsewhere({900, 300}); }));
     EXPECT_TRUE(closesBy([&] {
         desktop.surfaces().pressElsewhere({900, 300}, PointerButton::middle);

@@ -23,6 +23,7 @@ AppLauncherPanel::AppLauncherPanel(const Platform& platform, Menus& menus,
         if (!hasKeyboard)
             requestDismiss();
     };
+    m_hostingView.onCloseRequested = [this] { requestDismiss(); };
     auto content = std::make_unique<AppLauncherContent>(AppLauncherContent::Inputs{
         m_platform, *m_surface, contents.appLauncher, contents.pinStore, contents.settings});
     m_content = content.get();

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "Quorvel/Views/Kit/StandardKeys.h"
+
 namespace quorvel {
 
 BarHostingView::~BarHostingView()
@@ -373,6 +375,10 @@ bool BarHostingView::openMenuByKey()
 
 bool BarHostingView::useWindowKey(const KeyEvent& event)
 {
+    if (closesWindow(event)) {
+        closeRequested();
+        return true;
+    }
     switch (event.keyCode) {
     case KeyCode::tab:
         walk(event.has(KeyModifier::shift) ? -1 : 1);
