@@ -4,6 +4,7 @@
 #include "Hosts/MacOS/KeyEvents.h"
 #include "Hosts/MacOS/Rules/KeyRoute.h"
 #include "Hosts/MacOS/Rules/PanelTraits.h"
+#include "Hosts/MacOS/StandardKeys.h"
 #include "Quorvel/Platform/Workspace.h"
 
 @interface QVPanel : NSPanel
@@ -44,6 +45,11 @@ static BOOL s_panelsRefuseKey = NO;
     if (self.onCloseWanted)
         self.onCloseWanted();
     return NO;
+}
+
+- (BOOL)performKeyEquivalent:(NSEvent*)event
+{
+    return [super performKeyEquivalent:event] || quorvel::handleStandardKeyEquivalent(event, self);
 }
 
 - (BOOL)canBecomeMainWindow

@@ -1,34 +1,7 @@
 #include "Hosts/MacOS/MacTextField.h"
 
 #include "Hosts/MacOS/Conversions.h"
-#include "Hosts/MacOS/KeyEvents.h"
-#include "Hosts/MacOS/Rules/EditingShortcut.h"
 #include "Hosts/MacOS/TextLine.h"
-
-using quorvel::EditingAction;
-
-namespace {
-
-SEL selectorOf(EditingAction action)
-{
-    switch (action) {
-    case EditingAction::undo:
-        return NSSelectorFromString(@"undo:");
-    case EditingAction::redo:
-        return NSSelectorFromString(@"redo:");
-    case EditingAction::cut:
-        return @selector(cut:);
-    case EditingAction::copy:
-        return @selector(copy:);
-    case EditingAction::paste:
-        return @selector(paste:);
-    case EditingAction::selectAll:
-        return @selector(selectAll:);
-    }
-    return nil;
-}
-
-}
 
 @interface QVTextField : NSTextField
 @property (nonatomic, copy) void (^onFocused)(void);
@@ -53,16 +26,6 @@ SEL selectorOf(EditingAction action)
 - (BOOL)hasFocus
 {
     return _isBecoming || self.currentEditor != nil;
-}
-
-- (BOOL)performKeyEquivalent:(NSEvent*)event
-{
-    const auto action = self.currentEditor && event.type == NSEventTypeKeyDown
-        ? quorvel::editingActionOf(quorvel::keyEventOf(event))
-        : std::nullopt;
-    if (action && [NSApp sendAction:selectorOf(*action) to:nil from:self])
-        return YES;
-    return [super performKeyEquivalent:event];
 }
 
 - (void)moveCaretToEnd

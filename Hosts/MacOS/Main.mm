@@ -15,6 +15,7 @@
 #include "Hosts/MacOS/System/MacDispatch.h"
 #include "Hosts/MacOS/System/MacDockControl.h"
 #include "Hosts/MacOS/System/MacFileEvents.h"
+#include "Hosts/MacOS/System/MacHotkeys.h"
 #include "Hosts/MacOS/System/MacLaunchServices.h"
 #include "Hosts/MacOS/System/MacWindowServer.h"
 #include "Hosts/MacOS/TextLine.h"
@@ -85,6 +86,7 @@ int runBar(const CommandLine& line, ControlChannel& control, Trace& trace)
     CoreTextText text;
     posix::PosixFiles files{{applicationSupportFolder(), /*keepsRejectedFiles=*/false}};
     MacLoginItem loginItem;
+    MacHotkeys hotkeys;
     MacLaunchServices launchServices{symbols};
     MacSettingsWindow settingsWindow;
     MacDockControl dock{symbols};
@@ -109,6 +111,7 @@ int runBar(const CommandLine& line, ControlChannel& control, Trace& trace)
             .trace = trace,
             .dockControl = MacDockControl::isAvailable(symbols) ? &dock : nullptr,
             .updater = updater.get(),
+            .hotkeys = &hotkeys,
             .settingsWindow = &settingsWindow,
         },
         line.permissionsRehearsal);

@@ -1,5 +1,4 @@
 #include "Hosts/MacOS/Rules/DropOperation.h"
-#include "Hosts/MacOS/Rules/EditingShortcut.h"
 #include "Hosts/MacOS/Rules/KeyRoute.h"
 #include "Hosts/MacOS/Rules/KeyboardSession.h"
 #include "Hosts/MacOS/Rules/MenuSession.h"
@@ -8,6 +7,7 @@
 #include "Hosts/MacOS/Rules/PointerSession.h"
 #include "Hosts/MacOS/Rules/ProgramArguments.h"
 #include "Hosts/MacOS/Rules/SettingsControls.h"
+#include "Hosts/MacOS/Rules/StandardShortcut.h"
 #include "Tests/MacSystem/Support/MacFixture.h"
 
 namespace quorvel::test {
@@ -268,20 +268,21 @@ TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrThe
 TEST_F(MacRulesTest, keysReachTheFieldOrThePanelTheyAreFor)
 {
     const auto command = [](std::string typed, std::uint64_t more = 0) {
-        return editingActionOf({.characters = std::move(typed),
+        return standardActionOf({.characters = std::move(typed),
             .charactersIgnoringModifiers = "ф",
             .modifiers = KeyModifier::command | more});
     };
-    EXPECT_EQ(command("x"), EditingAction::cut);
-    EXPECT_EQ(command("c"), EditingAction::copy);
-    EXPECT_EQ(command("v"), EditingAction::paste);
-    EXPECT_EQ(command("a"), EditingAction::selectAll);
-    EXPECT_EQ(command("z"), EditingAction::undo);
-    EXPECT_EQ(command("Z", KeyModifier::shift), EditingAction::redo);
+    EXPECT_EQ(command("w"), StandardAction::close);
+    EXPECT_EQ(command("x"), StandardAction::cut);
+    EXPECT_EQ(command("c"), StandardAction::copy);
+    EXPECT_EQ(command("v"), StandardAction::paste);
+    EXPECT_EQ(command("a"), StandardAction::selectAll);
+    EXPECT_EQ(command("z"), StandardAction::undo);
+    EXPECT_EQ(command("Z", KeyModifier::shift), StandardAction::redo);
     EXPECT_EQ(command("v", KeyModifier::shift), std::nullopt);
     EXPECT_EQ(command("v", KeyModifier::option), std::nullopt);
     EXPECT_EQ(command("q"), std::nullopt);
-    EXPECT_EQ(editingActionOf({.characters = "v"}), std::nullopt);
+    EXPECT_EQ(standardActionOf({.characters = "v"}), std::nullopt);
 
     EXPECT_TRUE((KeyRoute{true, true, false}.asksClientFirst()));
     EXPECT_FALSE((KeyRoute{true, true, true}.asksClientFirst()));

@@ -3,6 +3,7 @@
 // Every C interface of the system that this folder uses is included here and nowhere else.
 
 #include <ApplicationServices/ApplicationServices.h>
+#include <Carbon/Carbon.h>
 #include <CoreFoundation/CoreFoundation.h>
 #include <dispatch/dispatch.h>
 #include <dlfcn.h>

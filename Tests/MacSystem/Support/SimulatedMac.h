@@ -51,6 +51,11 @@ public:
     /// Calls back whoever watches the disk, as the main queue would.
     void changeFiles();
 
+    /// What the program's handler answers to these keys; absent if they are none of its hot keys.
+    static std::optional<std::int32_t> pressHotkey(std::uint32_t keyCode, std::uint32_t modifiers);
+    /// Of those that are registered, and of handlers.
+    static std::size_t hotkeyCount();
+
     /// What the last stream of file events was made with.
     struct Watched {
         Value paths;

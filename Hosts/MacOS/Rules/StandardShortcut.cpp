@@ -1,8 +1,8 @@
-#include "Hosts/MacOS/Rules/EditingShortcut.h"
+#include "Hosts/MacOS/Rules/StandardShortcut.h"
 
 namespace quorvel {
 
-std::optional<EditingAction> editingActionOf(const KeyEvent& event)
+std::optional<StandardAction> standardActionOf(const KeyEvent& event)
 {
     const auto command = event.modifiers & ~KeyModifier::shift;
     // Layouts without Latin letters have them where Command is held.
@@ -11,18 +11,20 @@ std::optional<EditingAction> editingActionOf(const KeyEvent& event)
     const bool isShifted = event.has(KeyModifier::shift);
     const char letter = event.characters[0];
     if (letter == 'z' || letter == 'Z')
-        return isShifted ? EditingAction::redo : EditingAction::undo;
+        return isShifted ? StandardAction::redo : StandardAction::undo;
     if (isShifted)
         return {};
     switch (letter) {
+    case 'w':
+        return StandardAction::close;
     case 'x':
-        return EditingAction::cut;
+        return StandardAction::cut;
     case 'c':
-        return EditingAction::copy;
+        return StandardAction::copy;
     case 'v':
-        return EditingAction::paste;
+        return StandardAction::paste;
     case 'a':
-        return EditingAction::selectAll;
+        return StandardAction::selectAll;
     default:
         return {};
     }
