@@ -28,9 +28,17 @@ void LineConnection::read()
     if (count < 0 && wouldBlock())
         return;
     if (count <= 0)
-        return end();
+        return finish();
     m_reader.add({bytes.data(), static_cast<std::size_t>(count)});
     hear();
+}
+
+void LineConnection::finish()
+{
+    std::weak_ptr<bool> alive = m_isAlive;
+    hear(); // lines that came with the request
+    if (!alive.expired() && !m_isBroken)
+        end();
 }
 
 void LineConnection::hear()
@@ -51,7 +59,7 @@ void LineConnection::hear()
 
 void LineConnection::send(std::string_view line)
 {
-    if (m_isBroken)
+    if (m_isBroken || m_isUnheard)
         return;
     if (m_unread.size() > kMostUnread)
         return endLater();
@@ -65,8 +73,11 @@ void LineConnection::send(std::string_view line)
 void LineConnection::write()
 {
     auto count = ::send(m_fd.get(), m_unread.data(), m_unread.size(), MSG_NOSIGNAL);
-    if (count < 0 && !wouldBlock())
-        return endLater();
+    if (count < 0 && !wouldBlock()) {
+        // What the other one said before it went still counts: its end is read as well.
+        m_isUnheard = true;
+        m_unread.clear();
+    }
     if (count > 0)
         m_unread.erase(0, static_cast<std::size_t>(count));
     bool isWatching = std::exchange(m_isWatchingWrites, !m_unread.empty());

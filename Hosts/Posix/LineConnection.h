@@ -29,6 +29,7 @@ private:
     void read();
     // The caller of these may not touch this afterwards.
     void hear();
+    void finish();
     void end();
     void write();
     void endLater();
@@ -38,6 +39,7 @@ private:
     HostLoop m_loop;
     std::string m_unread;
     bool m_isWatchingWrites = false;
+    bool m_isUnheard = false; ///< nothing can be written any more
     bool m_isBroken = false;
     std::shared_ptr<bool> m_isAlive = std::make_shared<bool>(true);
     Subscription m_reading; ///< these last: they end before the descriptor closes

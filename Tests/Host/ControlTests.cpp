@@ -186,6 +186,8 @@ TEST_F(ControlChannelTest, aSessionCarriesLinesUntilOneEndGoesOrBreaksTheRules)
             heard.emplace_back(line);
             if (line == "quit")
                 session.reset();
+            else if (line.starts_with("set"))
+                session->send("news");
         };
         session->onEnd = [&] {
             isEnded = true;
@@ -218,6 +220,21 @@ TEST_F(ControlChannelTest, aSessionCarriesLinesUntilOneEndGoesOrBreaksTheRules)
     EXPECT_EQ(ask({"--state"})->exitStatus, 5) << "others are answered meanwhile";
     client = {};
     EXPECT_TRUE(xdg::x11::eventually([&] { return isEnded; }));
+
+    // Faults: an answer that nobody takes any more, or the end of the connection, eats the lines.
+    for (bool isWithRequest : {false, true}) {
+        heard.clear();
+        isEnded = false;
+        const std::string last = "set 1\nset 2\nset 3\n";
+        if (isWithRequest)
+            client = connectAsClient();
+        else
+            client = begin();
+        say(client, isWithRequest ? encodeRequest({"--settings-session"}) + last : last);
+        client = {};
+        EXPECT_TRUE(xdg::x11::eventually([&] { return isEnded; }));
+        EXPECT_EQ(heard, (std::vector<std::string>{"set 1", "set 2", "set 3"}));
+    }
 
     client = begin();
     heard.clear();
