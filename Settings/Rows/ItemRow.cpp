@@ -37,6 +37,7 @@ ItemRow::ItemRow(Actions actions)
     , m_row(GTK_WIDGET(g_object_ref_sink(adw_action_row_new())))
     , m_grip(gtk_image_new_from_icon_name("list-drag-handle-symbolic"))
     , m_icon(gtk_image_new())
+    , m_dragSource(gtk_drag_source_new())
 {
     adw_preferences_row_set_use_markup(ADW_PREFERENCES_ROW(m_row.get()), false);
     adw_action_row_set_title_lines(ADW_ACTION_ROW(m_row.get()), 2);
@@ -59,17 +60,21 @@ ItemRow::ItemRow(Actions actions)
         }));
 }
 
+ItemRow::~ItemRow()
+{
+    gtk_drag_source_set_content(m_dragSource, nullptr); // the content holds the row, which holds it
+}
+
 void ItemRow::addGrip()
 {
     gtk_widget_add_css_class(m_grip, "dim-label");
     adw_action_row_add_prefix(ADW_ACTION_ROW(m_row.get()), m_grip);
-    auto* source = gtk_drag_source_new();
-    gtk_drag_source_set_actions(source, GDK_ACTION_MOVE);
+    gtk_drag_source_set_actions(m_dragSource, GDK_ACTION_MOVE);
     const xdg::GObjectHandle<GdkContentProvider> content{
         gdk_content_provider_new_typed(ADW_TYPE_ACTION_ROW, m_row.get())};
-    gtk_drag_source_set_content(source, content.get());
-    gtk_widget_add_controller(m_row.get(), GTK_EVENT_CONTROLLER(source));
-    m_handlers.emplace_back(source, "drag-begin", [this](SignalArguments arguments) {
+    gtk_drag_source_set_content(m_dragSource, content.get());
+    gtk_widget_add_controller(m_row.get(), GTK_EVENT_CONTROLLER(m_dragSource));
+    m_handlers.emplace_back(m_dragSource, "drag-begin", [this](SignalArguments arguments) {
         auto* drag = static_cast<GdkDrag*>(g_value_get_object(&arguments[1]));
         gtk_drag_icon_set_child(GTK_DRAG_ICON(gtk_drag_icon_get_for_drag(drag)), makeDragIcon());
         gdk_drag_set_hotspot(drag, kHotspot, kHotspot);

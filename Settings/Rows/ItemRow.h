@@ -31,6 +31,7 @@ public:
     };
 
     explicit ItemRow(Actions);
+    ~ItemRow();
     ItemRow(const ItemRow&) = delete;
     ItemRow& operator=(const ItemRow&) = delete;
 
@@ -54,6 +55,7 @@ private:
     xdg::GObjectHandle<GtkWidget> m_row;
     GtkWidget* m_grip; ///< this and the others are the row's
     GtkWidget* m_icon;
+    GtkDragSource* m_dragSource;
     GtkWidget* m_up;
     GtkWidget* m_down;
     GtkWidget* m_remove;
