@@ -43,14 +43,31 @@ ShortcutRecording::ShortcutRecording(GtkWindow* window, Events events)
             static_cast<GdkModifierType>(g_value_get_flags(&arguments[3])));
         return true;
     });
-    gdk_toplevel_inhibit_system_shortcuts(toplevel(), nullptr);
+    // Whoever has the keyboard at the moment may refuse it.
+    m_focused = SignalHandler{window, "notify::is-active", [this] { inhibitShortcuts(); }};
+    if (auto* surface = toplevel())
+        m_released
+            = SignalHandler{surface, "notify::shortcuts-inhibited", [this] { inhibitShortcuts(); }};
+    inhibitShortcuts();
 }
 
 ShortcutRecording::~ShortcutRecording()
 {
+    m_released = {};
     if (toplevel())
         gdk_toplevel_restore_system_shortcuts(toplevel());
     gtk_widget_remove_controller(GTK_WIDGET(m_window.get()), m_keys);
+}
+
+/// As long as the window is in use and the system's shortcuts are not its own yet.
+void ShortcutRecording::inhibitShortcuts()
+{
+    auto* surface = toplevel();
+    gboolean isInhibited = false;
+    if (surface)
+        g_object_get(surface, "shortcuts-inhibited", &isInhibited, nullptr);
+    if (surface && !isInhibited && gtk_window_is_active(m_window.get()))
+        gdk_toplevel_inhibit_system_shortcuts(surface, nullptr);
 }
 
 GdkToplevel* ShortcutRecording::toplevel() const

@@ -31,12 +31,15 @@ public:
 
 private:
     void keyPressed(guint hardwareCode, GdkModifierType);
+    void inhibitShortcuts();
     GdkToplevel* toplevel() const;
 
     xdg::GObjectHandle<GtkWindow> m_window;
     Events m_events;
     GtkEventController* m_keys; ///< of the window
     SignalHandler m_pressed;
+    SignalHandler m_focused;
+    SignalHandler m_released; ///< the system took its shortcuts back
     ActiveWindowWatch m_activeWindow;
 };
 
