@@ -6,47 +6,72 @@
 #include <glib.h>
 
 #include "Quorvel/Platform/Hotkeys.h"
+#include "Quorvel/Platform/Translation.h"
 
 namespace quorvel::xdg {
 
 namespace {
 
-struct Name {
+/// A name in the user's language.
+struct Word {
+    std::uint32_t key;
+    std::string (*text)();
+};
+
+/// A print that is the same in every language.
+struct Sign {
     std::uint32_t key;
     std::string_view text;
 };
 
 /// In the order in which they are written.
-constexpr Name kModifiers[] = {
-    {HotkeyModifier::control, "Ctrl"},
-    {HotkeyModifier::option, "Alt"},
-    {HotkeyModifier::shift, "Shift"},
-    {HotkeyModifier::command, "Super"},
+constexpr Word kModifiers[] = {
+    {HotkeyModifier::control, [] { return tr("Ctrl"); }},
+    {HotkeyModifier::option, [] { return tr("Alt"); }},
+    {HotkeyModifier::shift, [] { return tr("Shift"); }},
+    {HotkeyModifier::command, [] { return tr("Super"); }},
 };
 
-/// Keys that every layout has the same on.
-constexpr Name kFixed[] = {
-    {49, "Space"},
-    {36, "Enter"},
-    {48, "Tab"},
-    {53, "Esc"},
-    {51, "Backspace"},
-    {117, "Delete"},
-    {114, "Insert"},
-    {115, "Home"},
-    {119, "End"},
-    {116, "Page Up"},
-    {121, "Page Down"},
-    {123, "Left"},
-    {124, "Right"},
-    {126, "Up"},
-    {125, "Down"},
-    {110, "Menu"},
-    {105, "Print"},
-    {107, "Scroll Lock"},
-    {113, "Pause"},
-    {71, "Num Lock"},
-    {57, "Caps Lock"},
+/// Keys that every layout has the same on, here and in the next two.
+constexpr Word kWords[] = {
+    {49, [] { return tr("Space"); }},
+    {36, [] { return tr("Enter"); }},
+    {48, [] { return tr("Tab"); }},
+    {53, [] { return tr("Esc"); }},
+    {51, [] { return tr("Backspace"); }},
+    {117, [] { return tr("Delete"); }},
+    {114, [] { return tr("Insert"); }},
+    {115, [] { return tr("Home"); }},
+    {119, [] { return tr("End"); }},
+    {116, [] { return tr("Page Up"); }},
+    {121, [] { return tr("Page Down"); }},
+    {123, [] { return tr("Left"); }},
+    {124, [] { return tr("Right"); }},
+    {126, [] { return tr("Up"); }},
+    {125, [] { return tr("Down"); }},
+    {110, [] { return tr("Menu"); }},
+    {105, [] { return tr("Print"); }},
+    {107, [] { return tr("Scroll Lock"); }},
+    {113, [] { return tr("Pause"); }},
+    {71, [] { return tr("Num Lock"); }},
+    {57, [] { return tr("Caps Lock"); }},
+    {76, [] { return tr("Keypad Enter"); }},
+    {102, [] { return tr("Eisu"); }},
+    {104, [] { return tr("Kana"); }},
+    {72, [] { return tr("Volume Up"); }},
+    {73, [] { return tr("Volume Down"); }},
+    {74, [] { return tr("Mute"); }},
+    {54, [] { return tr("Right Super"); }},
+    {55, [] { return tr("Super"); }},
+    {56, [] { return tr("Shift"); }},
+    {60, [] { return tr("Right Shift"); }},
+    {58, [] { return tr("Alt"); }},
+    {61, [] { return tr("Right Alt"); }},
+    {59, [] { return tr("Ctrl"); }},
+    {62, [] { return tr("Right Ctrl"); }},
+};
+
+constexpr Sign kFunctionKeys[] = {
     {122, "F1"},
     {120, "F2"},
     {99, "F3"},
@@ -64,41 +89,30 @@ constexpr Name kFixed[] = {
     {79, "F18"},
     {80, "F19"},
     {90, "F20"},
-    {82, "Keypad 0"},
-    {83, "Keypad 1"},
-    {84, "Keypad 2"},
-    {85, "Keypad 3"},
-    {86, "Keypad 4"},
-    {87, "Keypad 5"},
-    {88, "Keypad 6"},
-    {89, "Keypad 7"},
-    {91, "Keypad 8"},
-    {92, "Keypad 9"},
-    {65, "Keypad ."},
-    {67, "Keypad *"},
-    {69, "Keypad +"},
-    {75, "Keypad /"},
-    {78, "Keypad -"},
-    {81, "Keypad ="},
-    {95, "Keypad ,"},
-    {76, "Keypad Enter"},
-    {102, "Eisu"},
-    {104, "Kana"},
-    {72, "Volume Up"},
-    {73, "Volume Down"},
-    {74, "Mute"},
-    {54, "Right Super"},
-    {55, "Super"},
-    {56, "Shift"},
-    {60, "Right Shift"},
-    {58, "Alt"},
-    {61, "Right Alt"},
-    {59, "Ctrl"},
-    {62, "Right Ctrl"},
+};
+
+constexpr Sign kKeypad[] = {
+    {82, "0"},
+    {83, "1"},
+    {84, "2"},
+    {85, "3"},
+    {86, "4"},
+    {87, "5"},
+    {88, "6"},
+    {89, "7"},
+    {91, "8"},
+    {92, "9"},
+    {65, "."},
+    {67, "*"},
+    {69, "+"},
+    {75, "/"},
+    {78, "-"},
+    {81, "="},
+    {95, ","},
 };
 
 /// What a US keyboard has on the others, and a Japanese or ISO one on those that it lacks.
-constexpr Name kLettersAndSigns[] = {
+constexpr Sign kLettersAndSigns[] = {
     {0, "A"},
     {11, "B"},
     {8, "C"},
@@ -151,7 +165,8 @@ constexpr Name kLettersAndSigns[] = {
     {94, "_"},
 };
 
-template <std::size_t count> const Name* find(const Name (&names)[count], std::uint32_t key)
+template <typename Name, std::size_t count>
+const Name* find(const Name (&names)[count], std::uint32_t key)
 {
     auto* found = std::ranges::find(names, key, &Name::key);
     return found == std::end(names) ? nullptr : found;
@@ -173,13 +188,17 @@ std::string capital(std::string_view character)
 
 std::string keyText(std::uint32_t macKeyCode, std::string_view character)
 {
-    if (auto* fixed = find(kFixed, macKeyCode))
-        return std::string{fixed->text};
+    if (auto* word = find(kWords, macKeyCode))
+        return word->text();
+    if (auto* function = find(kFunctionKeys, macKeyCode))
+        return std::string{function->text};
+    if (auto* sign = find(kKeypad, macKeyCode))
+        return trFormat("Keypad {}", sign->text);
     if (auto printed = capital(character); !printed.empty())
         return printed;
     if (auto* printed = find(kLettersAndSigns, macKeyCode))
         return std::string{printed->text};
-    return "Key " + std::to_string(macKeyCode);
+    return trFormat("Key {}", macKeyCode);
 }
 
 }
@@ -190,7 +209,7 @@ std::string shortcutText(
     std::string text;
     for (auto& modifier : kModifiers) {
         if (modifiers & modifier.key)
-            text.append(modifier.text) += '+';
+            text.append(modifier.text()) += '+';
     }
     return text + keyText(macKeyCode, character);
 }

@@ -6,7 +6,7 @@
 
 namespace quorvel::xdg {
 
-/// A shortcut as Linux programs write it: "Ctrl+Alt+K", "Super+Space".
+/// A shortcut as Linux programs write it, in the user's language: "Ctrl+Alt+K", "Super+Space".
 ///
 /// The key code is the Mac's, the modifiers are of `HotkeyModifier`. `character` is what the
 /// present layout types with the key alone, in UTF-8; it names the keys whose print depends on the
