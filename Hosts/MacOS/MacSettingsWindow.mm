@@ -76,9 +76,12 @@ bool MacSettingsWindow::show(SettingsSource& source)
 void MacSettingsWindow::follow(SettingsSource& source)
 {
     m_source = &source;
-    if (!m_window)
+    const bool isNew = !m_window;
+    if (isNew)
         makeWindow();
     makePages();
+    if (isNew)
+        [m_window center]; // it has its size by now
     m_changes = source.description().subscribe([this](auto&) { descriptionDidChange(); });
 }
 
@@ -116,8 +119,6 @@ void MacSettingsWindow::makePages()
     m_tabs.tabViewItems = items;
     if (selected > 0 && selected < static_cast<NSInteger>(items.count))
         m_tabs.selectedTabViewItemIndex = selected;
-    else
-        [m_window center];
 }
 
 NSView* MacSettingsWindow::makePage(const SettingsPage& page)

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/Rules/SettingsControls.h"
 #include "Hosts/MacOS/SettingsRowView.h"
@@ -119,10 +121,8 @@ public:
         m_id = row.id;
         m_table.accessibilityLabel = shownText(row.title);
         const auto& list = std::get<SettingsList>(row.control);
-        if (list != m_list) {
-            m_list = list;
-            [m_table reloadData];
-        }
+        if (list != m_list)
+            replace(list);
         m_remove.hidden = !m_list.isRemovable;
         update();
     }
@@ -132,6 +132,19 @@ private:
     {
         const bool isThere = row >= 0 && static_cast<std::size_t>(row) < m_list.items.size();
         return isThere ? &m_list.items[static_cast<std::size_t>(row)] : nullptr;
+    }
+    /// The table itself would keep the place of what is selected, where by now another may be.
+    void replace(const SettingsList& list)
+    {
+        const auto* selected = item(m_table.selectedRow);
+        const auto id = selected ? selected->id : std::string{};
+        m_list = list;
+        [m_table reloadData];
+        const auto found = std::ranges::find(m_list.items, id, &SettingsList::Item::id);
+        if (!selected || found == m_list.items.end())
+            return [m_table deselectAll:nil];
+        const auto place = static_cast<NSUInteger>(found - m_list.items.begin());
+        [m_table selectRowIndexes:[NSIndexSet indexSetWithIndex:place] byExtendingSelection:NO];
     }
     void update() { m_remove.enabled = item(m_table.selectedRow) != nullptr; }
     void move(NSInteger from, NSInteger before)

@@ -1,5 +1,7 @@
 #include "Hosts/MacOS/SettingsRowView.h"
 
+#include <algorithm>
+
 #include "Hosts/MacOS/Conversions.h"
 
 @implementation QVAction {
@@ -78,24 +80,33 @@ public:
     {
         const auto& choice = std::get<SettingsChoice>(row.control);
         m_id = row.id;
+        if (choice.options != m_options) // the menu may be open
+            fill(choice.options);
+        const auto chosen
+            = std::ranges::find(m_options, choice.value, &SettingsChoice::Option::value);
+        [m_button selectItemAtIndex:chosen == m_options.end() ? -1 : chosen - m_options.begin()];
+        m_button.enabled = row.isEnabled;
+        m_button.accessibilityLabel = shownText(row.title);
+    }
+
+private:
+    void fill(const std::vector<SettingsChoice::Option>& options)
+    {
+        m_options = options;
         [m_button removeAllItems];
-        for (const auto& option : choice.options) {
+        for (const auto& option : options) {
             // Not by their titles, of which a menu holds each but once.
             NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:shownText(option.title)
                                                           action:nil
                                                    keyEquivalent:@""];
             item.representedObject = shownText(option.value);
             [m_button.menu addItem:item];
-            if (option.value == choice.value)
-                [m_button selectItem:item];
         }
-        m_button.enabled = row.isEnabled;
-        m_button.accessibilityLabel = shownText(row.title);
     }
 
-private:
     OnSettingsChange m_onChange;
     std::string m_id;
+    std::vector<SettingsChoice::Option> m_options; ///< what the menu holds
     NSPopUpButton* m_button = [[NSPopUpButton alloc] initWithFrame:NSZeroRect pullsDown:NO];
     QVAction* m_action;
 };
