@@ -106,4 +106,11 @@ void BarConnection::send(const SettingsRequest& request)
         m_session->send(encodeSettingsRequest(request));
 }
 
+void BarConnection::end()
+{
+    m_session.reset();
+    m_folder.reset();
+    m_timer = {};
+}
+
 }

@@ -29,6 +29,8 @@ public:
     /// What the user does; it is lost where there is no bar. The bar lets go of its own shortcuts
     /// while a recording is on, and that ends with the connection too.
     void send(const SettingsRequest&);
+    /// For good: no event follows.
+    void end();
 
 private:
     void connect();

@@ -34,7 +34,7 @@ int run(int count, char** values)
         adw_application_new(applicationID().c_str(), G_APPLICATION_DEFAULT_FLAGS)};
     std::unique_ptr<SettingsWindow> window;
     const SignalHandler activates{application.get(), "activate", [&] {
-                                      if (!window)
+                                      if (!window || !window->isOpen())
                                           window = std::make_unique<SettingsWindow>(
                                               GTK_APPLICATION(application.get()));
                                       window->present();

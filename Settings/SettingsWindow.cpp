@@ -16,7 +16,7 @@ SettingsWindow::SettingsWindow(GtkApplication* application)
     : m_loop(xdg::hostLoop())
     , m_frame(application)
     , m_outlets{[this](const SettingsChange& change) { m_bar.send(change); },
-          [this](bool isRecording) { m_bar.send(SettingsRecording{isRecording}); },
+          [this](bool isRecording) { setRecording(isRecording); },
           [this](const std::string& text) { m_frame.tell(text); }}
     , m_bar(m_loop,
           {[this](const SettingsNews& news) {
@@ -24,11 +24,33 @@ SettingsWindow::SettingsWindow(GtkApplication* application)
            },
               [this] { lose(); }})
 {
-    // Whatever keeps a page from being shown anew ends with a move of the focus; not within it.
-    m_focusMoved = SignalHandler{m_frame.window(), "notify::focus-widget", [this] {
-                                     if (m_isBehind)
-                                         m_later = m_loop.after(0ms, [this] { showPages(); });
-                                 }};
+    // What keeps a page from being shown anew is a recording, or ends with a move of the focus.
+    m_focusMoved
+        = SignalHandler{m_frame.window(), "notify::focus-widget", [this] { catchUpLater(); }};
+    m_destroyed = SignalHandler{m_frame.window(), "destroy", [this] { endUse(); }};
+}
+
+/// News that come from now on would reach parts of the window that are gone.
+void SettingsWindow::endUse()
+{
+    m_isOpen = false;
+    m_bar.end();
+    m_focusMoved = {};
+    m_later = {};
+}
+
+void SettingsWindow::setRecording(bool isRecording)
+{
+    m_bar.send(SettingsRecording{isRecording});
+    if (!isRecording)
+        catchUpLater();
+}
+
+/// Not at once: what made the page wait may still be at work.
+void SettingsWindow::catchUpLater()
+{
+    if (m_isBehind && m_isOpen)
+        m_later = m_loop.after(0ms, [this] { showPages(); });
 }
 
 void SettingsWindow::present()

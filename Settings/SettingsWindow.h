@@ -24,6 +24,8 @@ public:
 
     /// Brings it to the front.
     void present();
+    /// False once the user has closed it.
+    bool isOpen() const { return m_isOpen; }
 
 private:
     struct ShownPage {
@@ -37,18 +39,23 @@ private:
     void lose();
     void showPages();
     void replacePages();
+    void setRecording(bool);
+    void catchUpLater();
+    void endUse();
 
     posix::HostLoop m_loop;
     WindowFrame m_frame;
     RowOutlets m_outlets;
     BarConnection m_bar; ///< before the pages: a row that goes may end its recording
     SettingsDescription m_description; ///< the last
+    bool m_isOpen = true;
     bool m_isConnected = false;
     bool m_isBehind = false; ///< a page waits until the user is done with one of its rows
+    Subscription m_later; ///< before the pages, as the connection
     std::vector<ShownPage> m_pages;
     xdg::GObjectHandle<GtkWidget> m_focusWhenLost;
     SignalHandler m_focusMoved;
-    Subscription m_later;
+    SignalHandler m_destroyed;
 };
 
 }
