@@ -39,7 +39,7 @@ public:
     {
         std::erase(m_owner.m_registrations, this);
         m_owner.ungrab(*this);
-        m_owner.grabRefusedAgain();
+        m_owner.retrySoon();
     }
     HotkeyOutcome outcome() const override { return state; }
 
@@ -161,6 +161,14 @@ void HotKeys::grabRefusedAgain()
         outcomesDidChange.emit();
 }
 
+/// Shortcuts often go by the dozen, and each question is a round trip to the server.
+void HotKeys::retrySoon()
+{
+    if (!m_retrySoon.isPending()) {
+        m_retrySoon = m_dispatch.main().after(Duration::zero(), [this] { grabRefusedAgain(); });
+    }
+}
+
 /// A key press may wait for a second look at the keyboard, so this comes when all events of a
 /// change have arrived.
 void HotKeys::followModifiers()
@@ -219,7 +227,7 @@ HotKeys::Press HotKeys::takes(const xcb_key_press_event_t& event)
 
 void HotKeys::takesLate(const xcb_key_press_event_t& event)
 {
-    if (takes(event) == Press::foreign)
+    if (takes(event) == Press::foreign || m_isHandedOver)
         return;
     holdOn();
     letGo();
@@ -231,9 +239,24 @@ void HotKeys::release(const xcb_key_release_event_t& event)
         return;
     m_held.reset(event.detail);
     m_lastRelease = event;
-    if (m_held.any() && event.event == m_connection.root())
-        holdOn();
+    if (m_held.any() && event.event == m_connection.root()) {
+        // The grab ended with this key. Those that came up before somebody else of this program had
+        // the keyboard have been released elsewhere.
+        if (m_isHandedOver)
+            m_held &= m_downAtHandOver;
+        else
+            holdOn();
+    }
     letGo();
+}
+
+void HotKeys::handOver(const xcb_query_keymap_reply_t* down)
+{
+    m_holdsOn = false;
+    m_isHandedOver = true;
+    m_downAtHandOver.reset();
+    for (std::size_t key = 0; down && key < m_downAtHandOver.size(); ++key)
+        m_downAtHandOver[key] = down->keys[key / 8] >> key % 8 & 1;
 }
 
 /// Unless another key is still down.

@@ -46,13 +46,15 @@ public:
     };
     /// What a press is that arrived at a window of this program.
     Press takes(const xcb_key_press_event_t&);
-    /// The same for a press that comes when this program has just let go of the keyboard, so that
-    /// the release may go elsewhere.
+    /// The same for a press that comes when nobody of this program has a use for it. If it has just
+    /// let go of the keyboard, the release may go elsewhere.
     void takesLate(const xcb_key_press_event_t&);
     /// The key of a shortcut that was pressed is still down.
     bool isHeld() const { return m_held.any(); }
-    /// Somebody else of this program holds the keyboard from now on.
-    void handOver() { m_holdsOn = false; }
+    /// Somebody else of this program holds the keyboard from now on; the keys that were down then.
+    void handOver(const xcb_query_keymap_reply_t* down);
+    /// And has let go of it.
+    void takeBack() { m_isHandedOver = false; }
     /// The last of them has come up.
     Signal<> released;
 
@@ -65,6 +67,7 @@ private:
     bool requestGrabs(xcb_keycode_t, std::uint16_t bits) const;
     void ungrab(Registration&) const;
     void grabRefusedAgain();
+    void retrySoon();
     void followModifiers();
     const Registration* find(const xcb_key_press_event_t&) const;
 
@@ -85,10 +88,13 @@ private:
     HotkeyHandlers m_handlers;
     std::bitset<256> m_held; ///< keys whose first press was a shortcut
     bool m_holdsOn = false; ///< the keyboard, until they have come up
+    bool m_isHandedOver = false;
+    std::bitset<256> m_downAtHandOver;
     /// Without the server's extension a key that is held comes up for no time at each repeat.
     bool m_releasesAtRepeats = false;
     std::optional<xcb_key_release_event_t> m_lastRelease; ///< of such a key
     WorkItem m_retry;
+    WorkItem m_retrySoon; ///< after one of our own has gone
     std::vector<Subscription> m_subscriptions;
 };
 

@@ -194,7 +194,7 @@ bool InputGrabs::grabKeyboard()
     m_hasKeyboard = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
     if (m_hasKeyboard) {
         m_keyboard.begin(down.get());
-        m_hotKeys.handOver();
+        m_hotKeys.handOver(down.get());
     }
     return m_hasKeyboard;
 }
@@ -203,6 +203,7 @@ void InputGrabs::letGoOfKeyboard()
 {
     if (!std::exchange(m_hasKeyboard, false))
         return;
+    m_hotKeys.takeBack();
     xcb_ungrab_keyboard(m_connection.raw(), XCB_CURRENT_TIME);
     xcb_flush(m_connection.raw());
 }
@@ -238,7 +239,7 @@ void InputGrabs::handle(const xcb_generic_event_t* event)
 {
     if (eventWindow(event) != m_window)
         return;
-    if (m_grabs.empty()) { // it was on its way when the last one ended
+    if (m_grabs.empty()) { // on its way when the last one ended, or a shortcut's key is down still
         if ((event->response_type & 0x7f) == XCB_KEY_PRESS)
             m_hotKeys.takesLate(as<xcb_key_press_event_t>(event));
         return;
