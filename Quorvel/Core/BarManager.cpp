@@ -61,11 +61,8 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     m_panels.onContentNeeded = [this](Bar& panel) { fill(panel); };
     m_launcher.onOpenChanged = [this](bool isOpen) {
         setHoverKeyingSuppressed(isOpen);
-        if (!isOpen)
-            return;
-        dismissPopups();
-        for (auto* bar : m_panels.bars())
-            bar->surface().releaseKeyboard();
+        if (isOpen)
+            releaseKeyboards();
     };
     m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
@@ -276,8 +273,18 @@ bool BarManager::takeKeyboard()
 
 void BarManager::useItem(std::size_t place, ItemUse use)
 {
+    // What comes forward is to have the keys that follow.
+    m_launcher.close();
+    releaseKeyboards();
     if (auto* bar = resolveLauncherAnchorPanel())
         bar->useItem(place, use);
+}
+
+void BarManager::releaseKeyboards()
+{
+    dismissPopups();
+    for (auto* bar : m_panels.bars())
+        bar->surface().releaseKeyboard();
 }
 
 void BarManager::fill(Bar& bar)

@@ -109,6 +109,7 @@ private:
     void fill(Bar&);
     BarContents contents(const Bar&);
     void dismissPopups(const Bar* exception = nullptr);
+    void releaseKeyboards();
     void prefetchCurrentSpaces();
     WindowAvoidanceManager::Bars barsToAvoid();
     WheelNotches::Steps wheelSteps();

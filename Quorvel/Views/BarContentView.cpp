@@ -497,7 +497,7 @@ bool BarContentView::keyPressed(const KeyEvent& event)
     if (!number || !m_row->itemAt(*number - 1))
         return false;
     m_inputs.surface.releaseKeyboard();
-    useItem(*number - 1, ItemUse::click);
+    useItem(*number - 1, event.has(KeyModifier::shift) ? ItemUse::openNewWindow : ItemUse::click);
     return true;
 }
 

@@ -99,7 +99,8 @@ public:
     /// Towards the trailing end.
     void scrollSideways(double distance, ScrollUnit);
     void useItem(std::size_t place, ItemUse);
-    /// While the keyboard walks the bar, keys with numbers use its items.
+    /// While the keyboard walks the bar, keys with numbers use its items; with Shift they ask
+    /// for another window.
     void setShowsNumbers(bool);
     bool keyPressed(const KeyEvent&) override;
     View* preferredKeyView() override;
