@@ -190,6 +190,33 @@ TEST_F(NumberKeyTest, useWhatIsAtThatPlaceAsAClickDoes)
     EXPECT_TRUE(system().registered().empty());
 }
 
+// Faults: a recorded shortcut loses to our own number key, which stays or does not come back; after
+// a press the launcher, or a bar that is walked, keeps the keys that are meant for the window.
+TEST_F(NumberKeyTest, giveWayToTheShortcutAndEndWhatHasTheKeyboard)
+{
+    runtime->userSettings().setNumberKeys(true);
+    auto& manager = runtime->hotkeyManager();
+    auto recording = manager.suspend();
+    manager.setCurrentShortcut(KeyboardShortcut{18, HotkeyModifier::command});
+    recording = {};
+    EXPECT_EQ(manager.state().value(), HotkeyManager::State::registered);
+    EXPECT_EQ(system().registered().size(), 18U);
+    pressNumber(1);
+    EXPECT_NE(desktop.surfaces().launcher(), nullptr);
+    pressNumber(3);
+    EXPECT_EQ(desktop.surfaces().launcher(), nullptr);
+    EXPECT_TRUE(chip(notes)->isFocused);
+
+    manager.setCurrentShortcut(KeyboardShortcut{19, HotkeyModifier::command});
+    EXPECT_EQ(manager.state().value(), HotkeyManager::State::registered);
+    EXPECT_EQ(system().registered().size(), 18U);
+    desktop.control().send({"--focus"});
+    EXPECT_TRUE(panel().hasKeyboard());
+    pressNumber(1);
+    EXPECT_FALSE(panel().hasKeyboard());
+    EXPECT_TRUE(chip(inbox)->isFocused);
+}
+
 // Faults: the numbers stay, or are missing on a row that was made anew; a number uses another item
 // than the one that shows it, or a key without an item ends the walk.
 TEST_F(NumberKeyTest, areShownAndMeantWhileTheKeyboardWalksTheBar)
@@ -212,6 +239,11 @@ TEST_F(NumberKeyTest, areShownAndMeantWhileTheKeyboardWalksTheBar)
     EXPECT_TRUE(chip(memo)->isFocused);
     EXPECT_FALSE(panel().hasKeyboard());
     EXPECT_EQ(timesShown("4"), 0);
+
+    desktop.control().send({"--focus"});
+    panel().pressKey({.keyCode = KeyCode{21}, .characters = "$", .modifiers = KeyModifier::shift});
+    desktop.drain();
+    EXPECT_THAT(desktop.workspace().opened(), ElementsAre("new /Applications/Editor.app"));
 
     // The launcher ends the walk that it opens over.
     desktop.control().send({"--focus"});

@@ -122,14 +122,14 @@ TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
     }
 }
 
-// Faults: a shortcut that is shown and does not work; our own that acts instead of being recorded,
-// or never again.
+// Faults: a shortcut that is shown and does not work; bits that no shortcut has are stored; our own
+// that acts instead of being recorded, or never again.
 TEST_F(SettingsModelTest, theShortcutIsRecordedByEitherKindOfWindow)
 {
     open();
     auto shown = [this] { return control<SettingsShortcut>("hotkey"); };
     EXPECT_EQ(shown().recordHelp, "Press a key combination with modifiers. Press Esc to cancel.");
-    EXPECT_EQ(apply(Change::Record{{{49, HotkeyModifier::option}}}), "");
+    EXPECT_EQ(apply(Change::Record{{{0x10000 | 49, 0x400 | HotkeyModifier::option}}}), "");
     EXPECT_EQ(shown().value, (SettingsShortcut::Keys{49, HotkeyModifier::option}));
     EXPECT_EQ(shown().text, "⌥Space");
     EXPECT_EQ(shown().status, "");
@@ -168,8 +168,15 @@ TEST_F(SettingsModelTest, numberKeysHaveTheModifiersOfTheUsersChoice)
     EXPECT_EQ(apply(Change::Set{"numberKeyModifiers", "6144"}), "");
     EXPECT_EQ(settings->numberKeyModifiers(), HotkeyModifier::control | HotkeyModifier::option);
     EXPECT_NE(apply(Change::Set{"numberKeyModifiers", "4608"}), "") << "is offered no longer";
+    EXPECT_NE(apply(Change::Set{"numberKeyModifiers", "4294973440"}), "") << "overflows";
     EXPECT_EQ(apply(Change::Set{"numberKeyModifiers", ""}), "");
     EXPECT_EQ(settings->numberKeyModifiers(), std::nullopt);
+    for (auto none : {0U, HotkeyModifier::shift, 0x400U}) {
+        settings->setNumberKeyModifiers(none);
+        EXPECT_EQ(shown().value, "") << "the host's own hold";
+    }
+    settings->setNumberKeyModifiers(0x400 | HotkeyModifier::control);
+    EXPECT_EQ(shown().value, "4096");
 }
 
 // Faults: a value that no control offers is stored; a refusal that says nothing, or changes
@@ -179,14 +186,17 @@ TEST_F(SettingsModelTest, whatCannotBeIsRefusedWithAReason)
     open(R"({"showChipTitles": false})");
     desktop.loginItem().setRefuses(true);
     auto before = settings->data().value();
-    for (auto& what : std::vector<decltype(Change::what)>{Change::Set{"theme", "glass"},
-             Change::Set{"theme", true}, Change::Set{"theme", {}},
-             Change::Set{"showOnAllDisplays", "true"}, Change::Set{"version", "2"},
-             Change::Set{"colour", "red"}, Change::Set{"hideDock", true},
-             Change::Set{"pinnedApps", "[]"}, Change::Set{"showWindowNamesInChips", false},
-             Change::Set{"runAtLogin", true}, Change::Press{"theme"}, Change::Press{"nothing"},
-             Change::Move{"theme", "x", 0}, Change::Remove{"reset", "x"}, Change::Record{{{49, 0}}},
-             Change::Record{{{49, 0x400}}}}) {
+    for (auto& what :
+        std::vector<decltype(Change::what)>{Change::Set{"theme", "glass"},
+            Change::Set{"theme", true}, Change::Set{"theme", {}},
+            Change::Set{"showOnAllDisplays", "true"}, Change::Set{"version", "2"},
+            Change::Set{"colour", "red"}, Change::Set{"hideDock", true},
+            Change::Set{"pinnedApps", "[]"}, Change::Set{"showWindowNamesInChips", false},
+            Change::Set{"runAtLogin", true}, Change::Press{"theme"}, Change::Press{"nothing"},
+            Change::Move{"theme", "x", 0}, Change::Remove{"reset", "x"}, Change::Record{{{49, 0}}},
+            Change::Record{{{49, 0x400}}}, Change::Record{{{0x10000 | 53, HotkeyModifier::option}}},
+            Change::Record{{{54, HotkeyModifier::option}}},
+            Change::Record{{{63, HotkeyModifier::option}}}}) {
         auto refusal = model->apply({what});
         ASSERT_TRUE(refusal) << what.index();
         EXPECT_NE(refusal->reason, "");

@@ -33,6 +33,7 @@ void HotkeyManager::loadShortcut()
         stored = KeyboardShortcut{*keyCode, *modifiers};
     if (stored == m_currentShortcut.value())
         return;
+    m_hotkeyRef.reset(); // whoever hears of the new one may want the keys of the old one
     m_currentShortcut.set(stored);
     reregister();
 }
@@ -73,7 +74,7 @@ void HotkeyManager::reregister()
 {
     m_hotkeyRef.reset();
     auto& shortcut = m_currentShortcut.value();
-    if (m_hotkeys && shortcut && !m_isSuspended.value())
+    if (m_hotkeys && shortcut && m_suspensions == 0)
         m_hotkeyRef = m_hotkeys->registerHotkey(shortcut->keyCode, shortcut->modifiers, hotkeyID);
     updateState();
 }
@@ -108,8 +109,8 @@ void HotkeyManager::changeSuspensions(int by)
     bool isSuspended = m_suspensions > 0;
     if (isSuspended == m_isSuspended.value())
         return;
+    reregister(); // before others can take its keys
     m_isSuspended.set(isSuspended);
-    reregister();
 }
 
 HotkeyStatus HotkeyManager::handleHotkey(const HotkeyID& pressed)

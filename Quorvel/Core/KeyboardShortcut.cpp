@@ -100,6 +100,14 @@ std::optional<std::uint32_t> numberOf(const nlohmann::json& json, const char* ke
 
 }
 
+bool isKeyOfShortcut(std::uint32_t keyCode)
+{
+    constexpr std::uint32_t firstModifier = 54;
+    constexpr std::uint32_t lastModifier = 63;
+    return keyCode != static_cast<std::uint32_t>(KeyCode::escape)
+        && (keyCode < firstModifier || keyCode > lastModifier);
+}
+
 std::string keyCodeToString(std::uint32_t keyCode)
 {
     auto* found = std::ranges::find(kKeyNames, keyCode, [](auto& name) { return name.first; });

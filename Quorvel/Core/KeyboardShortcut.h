@@ -20,6 +20,9 @@ struct KeyboardShortcut {
     friend bool operator==(const KeyboardShortcut&, const KeyboardShortcut&) = default;
 };
 
+/// False for Escape, which ends recording, and for keys that are modifiers themselves.
+bool isKeyOfShortcut(std::uint32_t keyCode);
+
 std::string keyCodeToString(std::uint32_t keyCode);
 
 /// Of `KeyModifier` bits those that a shortcut can have, as bits of `HotkeyModifier`.

@@ -26,41 +26,49 @@ NumberKeys::NumberKeys(
         return;
     m_subscriptions.push_back(settings.data().subscribe([this](auto&) { update(); }));
     m_subscriptions.push_back(manager.isSuspended().subscribe([this](bool) { update(); }));
+    m_subscriptions.push_back(manager.currentShortcut().subscribe([this](auto&) { update(); }));
     m_subscriptions.push_back(
         m_hotkeys->installHandler([this](auto& pressed) { return handleHotkey(pressed); }));
     update();
 }
 
-std::uint32_t NumberKeys::wantedModifiers() const
+std::uint32_t NumberKeys::modifiersThatHold(
+    const std::optional<std::uint32_t>& stored, const Hotkeys& hotkeys)
+{
+    auto chosen = stored.value_or(0) & HotkeyModifier::all;
+    return chosen & kLeading ? chosen : hotkeys.numberKeyModifiers();
+}
+
+std::vector<NumberKeys::Combination> NumberKeys::wanted() const
 {
     if (!m_settings.numberKeys() || m_manager.isSuspended().value())
-        return 0;
-    auto chosen = m_settings.numberKeyModifiers().value_or(0) & (kLeading | HotkeyModifier::shift);
-    return chosen & kLeading ? chosen : m_hotkeys->numberKeyModifiers();
+        return {};
+    auto modifiers = modifiersThatHold(m_settings.numberKeyModifiers(), *m_hotkeys);
+    std::vector<Combination> wanted;
+    for (std::uint32_t place = 0; place < kKeyCodes.size(); ++place) {
+        auto key = kKeyCodes[place];
+        wanted.push_back({key, modifiers, kFirstID + place});
+        if ((modifiers & HotkeyModifier::shift) == 0)
+            wanted.push_back({key, modifiers | HotkeyModifier::shift, kFirstShiftedID + place});
+    }
+    if (auto& shortcut = m_manager.currentShortcut().value()) {
+        std::erase_if(wanted, [&](auto& combination) {
+            return combination.keyCode == shortcut->keyCode
+                && combination.modifiers == (shortcut->modifiers & HotkeyModifier::all);
+        });
+    }
+    return wanted;
 }
 
 void NumberKeys::update()
 {
-    auto wanted = wantedModifiers();
-    if (std::exchange(m_modifiers, wanted) == wanted)
+    auto wantedNow = wanted();
+    if (std::exchange(m_wanted, wantedNow) == wantedNow)
         return;
     m_registrations.clear();
-    if (wanted != 0)
-        registerAll(wanted);
-}
-
-void NumberKeys::registerAll(std::uint32_t modifiers)
-{
-    constexpr auto signature = HotkeyManager::hotkeyID.signature;
-    bool hasShift = (modifiers & HotkeyModifier::shift) != 0;
-    for (std::uint32_t place = 0; place < kKeyCodes.size(); ++place) {
-        auto key = kKeyCodes[place];
+    for (auto& [keyCode, modifiers, id] : wantedNow) {
         m_registrations.push_back(
-            m_hotkeys->registerHotkey(key, modifiers, {signature, kFirstID + place}));
-        if (!hasShift) {
-            m_registrations.push_back(m_hotkeys->registerHotkey(
-                key, modifiers | HotkeyModifier::shift, {signature, kFirstShiftedID + place}));
-        }
+            m_hotkeys->registerHotkey(keyCode, modifiers, {HotkeyManager::hotkeyID.signature, id}));
     }
 }
 

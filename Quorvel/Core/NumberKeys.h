@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "Quorvel/Core/Bar.h"
@@ -28,25 +29,37 @@ public:
     static constexpr std::uint32_t kFirstID = 11;
     static constexpr std::uint32_t kFirstShiftedID = 21;
 
-    /// Suspended together with the manager's shortcut, so that all keys can be recorded. Null
-    /// hotkeys: the system has none. What is referred to outlives it.
+    /// What is stored can be anything: with no modifiers that can lead, the host's own hold.
+    static std::uint32_t modifiersThatHold(
+        const std::optional<std::uint32_t>& stored, const Hotkeys&);
+
+    /// Suspended together with the manager's shortcut, so that all keys can be recorded; one that
+    /// is the manager's own is left to it. Null hotkeys: the system has none. What is referred to
+    /// outlives it.
     NumberKeys(Hotkeys*, const HotkeyManager&, UserSettings&, Dispatch&);
 
     /// On the turn after the press; the place counts from 0.
     std::function<void(std::size_t place, ItemUse)> onPressed;
 
 private:
+    struct Combination {
+        std::uint32_t keyCode = 0;
+        std::uint32_t modifiers = 0;
+        std::uint32_t id = 0;
+
+        friend bool operator==(const Combination&, const Combination&) = default;
+    };
+
     /// None while they are off.
-    std::uint32_t wantedModifiers() const;
+    std::vector<Combination> wanted() const;
     void update();
-    void registerAll(std::uint32_t modifiers);
     HotkeyStatus handleHotkey(const HotkeyID&);
 
     Hotkeys* const m_hotkeys;
     const HotkeyManager& m_manager;
     UserSettings& m_settings;
     Dispatch& m_dispatch;
-    std::uint32_t m_modifiers = 0; ///< of those that are registered, 0 if none are
+    std::vector<Combination> m_wanted; ///< each has a registration
     std::vector<std::unique_ptr<HotkeyRegistration>> m_registrations;
     std::vector<Subscription> m_subscriptions;
     WeakOwner<NumberKeys> m_weak{*this};

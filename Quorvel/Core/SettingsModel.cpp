@@ -18,9 +18,6 @@ namespace quorvel {
 
 namespace {
 
-constexpr std::uint32_t kModifiers = HotkeyModifier::command | HotkeyModifier::shift
-    | HotkeyModifier::option | HotkeyModifier::control;
-
 std::string noSuchRow()
 {
     return tr("The running bar has no such setting.");
@@ -149,8 +146,11 @@ std::string SettingsModel::perform(const SettingsChange::Set& set)
     if (set.row == "runAtLogin")
         return setRunAtLogin(std::get<bool>(set.value));
     if (set.row == "numberKeyModifiers") {
-        m_subjects.settings.setNumberKeyModifiers(
-            numberKeyModifiersOf(std::get<std::string>(set.value)));
+        auto& text = std::get<std::string>(set.value);
+        auto modifiers = numberKeyModifiersOf(text);
+        if (!modifiers && !text.empty())
+            return tr("This value is not possible.");
+        m_subjects.settings.setNumberKeyModifiers(modifiers);
         return {};
     }
     auto data = m_subjects.settings.data().value();
@@ -222,11 +222,15 @@ std::string SettingsModel::perform(const SettingsChange::Remove& remove)
 
 std::string SettingsModel::perform(const SettingsChange::Record& record)
 {
-    if (record.keys && (record.keys->modifiers & kModifiers) == 0)
-        return tr("A shortcut needs a modifier key.");
-    m_subjects.hotkeyManager.setCurrentShortcut(record.keys
-            ? std::optional{KeyboardShortcut{record.keys->keyCode, record.keys->modifiers}}
-            : std::nullopt);
+    std::optional<KeyboardShortcut> shortcut;
+    if (record.keys) {
+        shortcut = {record.keys->keyCode & 0xFFFF, record.keys->modifiers & HotkeyModifier::all};
+        if (shortcut->modifiers == 0)
+            return tr("A shortcut needs a modifier key.");
+        if (!isKeyOfShortcut(shortcut->keyCode))
+            return tr("This key cannot be part of a shortcut.");
+    }
+    m_subjects.hotkeyManager.setCurrentShortcut(shortcut);
     return {};
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <system_error>
 
 #include "Quorvel/Core/HotkeyManager.h"
 #include "Quorvel/Core/NumberKeys.h"
@@ -68,12 +69,13 @@ SettingsChoice describeNumberKeyModifiers(
         if (modifiers != own)
             offer(modifiers);
     }
-    if (!stored || *stored == own)
+    const auto held = NumberKeys::modifiersThatHold(stored, hotkeys);
+    if (held == own)
         return choice;
-    choice.value = std::to_string(*stored);
+    choice.value = std::to_string(held);
     if (std::ranges::find(choice.options, choice.value, &SettingsChoice::Option::value)
         == choice.options.end())
-        offer(*stored);
+        offer(held);
     return choice;
 }
 
@@ -81,7 +83,8 @@ std::optional<std::uint32_t> numberKeyModifiersOf(const std::string& value)
 {
     std::uint32_t modifiers = 0;
     auto* end = value.data() + value.size();
-    if (std::from_chars(value.data(), end, modifiers).ptr != end || value.empty())
+    const auto parsed = std::from_chars(value.data(), end, modifiers);
+    if (parsed.ec != std::errc{} || parsed.ptr != end)
         return std::nullopt;
     return modifiers;
 }

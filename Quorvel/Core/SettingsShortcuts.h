@@ -14,11 +14,11 @@ class Hotkeys;
 /// The shortcut as a row shows it, and why it does not work if it does not.
 SettingsShortcut describeHotkey(const HotkeyManager&);
 
-/// The modifiers that the keys 1 to 9 can have, as the host writes them. What is stored is among
-/// them; absent is the host's own choice.
+/// The modifiers that the keys 1 to 9 can have, as the host writes them. What holds is among them;
+/// empty is the host's own choice.
 SettingsChoice describeNumberKeyModifiers(
     const Hotkeys&, const std::optional<std::uint32_t>& stored);
-/// The other way: what to store for one of the values.
+/// The other way: what to store for one of the values; absent for what is no number.
 std::optional<std::uint32_t> numberKeyModifiersOf(const std::string& value);
 
 }

@@ -5,19 +5,11 @@
 
 namespace quorvel {
 
-namespace {
-
-constexpr std::uint32_t kFirstModifierKey = 54;
-constexpr std::uint32_t kLastModifierKey = 63;
-
-}
-
 RecordingStep recordingStep(std::uint32_t keyCode, std::uint64_t modifierFlags)
 {
     if (keyCode == static_cast<std::uint32_t>(KeyCode::escape))
         return RecordingStep::cancelled;
-    bool isModifier = keyCode >= kFirstModifierKey && keyCode <= kLastModifierKey;
-    if (isModifier || hotkeyModifiersFrom(modifierFlags) == 0)
+    if (!isKeyOfShortcut(keyCode) || hotkeyModifiersFrom(modifierFlags) == 0)
         return RecordingStep::ignored;
     return RecordingStep::recorded;
 }

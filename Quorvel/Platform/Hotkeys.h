@@ -15,6 +15,7 @@ struct HotkeyModifier {
     static constexpr std::uint32_t shift = 0x200;
     static constexpr std::uint32_t option = 0x800; ///< Alt
     static constexpr std::uint32_t control = 0x1000;
+    static constexpr std::uint32_t all = command | shift | option | control;
 };
 
 /// The name of a shortcut among those that are registered.
