@@ -10,6 +10,7 @@
 @interface QVPanel : NSPanel
 @property (nonatomic, copy) BOOL (^mayBecomeKey)(void);
 @property (nonatomic, copy) void (^onKeyChanged)(BOOL isKey);
+/// Nil for a panel that the user cannot close.
 @property (nonatomic, copy) void (^onCloseWanted)(void);
 /// What the pointer looks like here, whatever a view or another panel says; nil: nobody cares.
 @property (nonatomic) NSCursor* cursor;
@@ -49,7 +50,8 @@ static BOOL s_panelsRefuseKey = NO;
 
 - (BOOL)performKeyEquivalent:(NSEvent*)event
 {
-    return [super performKeyEquivalent:event] || quorvel::handleStandardKeyEquivalent(event, self);
+    return [super performKeyEquivalent:event]
+        || quorvel::handleStandardKeyEquivalent(event, self, self.onCloseWanted);
 }
 
 - (BOOL)canBecomeMainWindow
@@ -218,7 +220,8 @@ MacPanel::MacPanel(
     m_view.keyboard = &m_keyboard;
     m_panel.mayBecomeKey
         = ^BOOL { return m_kind == PanelKind::window || m_canBecomeKey || m_keyboard.isWanted(); };
-    m_panel.onCloseWanted = ^{ m_client.closeRequested(); };
+    if (m_kind == PanelKind::window || m_kind == PanelKind::launcher)
+        m_panel.onCloseWanted = ^{ m_client.closeRequested(); };
     m_panel.onKeyChanged = ^(BOOL isKey) { keyDidChange(isKey); };
 }
 

@@ -2,6 +2,7 @@
 
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/Rules/SettingsControls.h"
+#include "Hosts/MacOS/StandardKeys.h"
 #include "Quorvel/Platform/Translation.h"
 
 @interface QVSettingsWindow : NSWindow
@@ -16,6 +17,12 @@
     [super resignKeyWindow];
     if (self.onLeave)
         self.onLeave();
+}
+
+- (BOOL)performKeyEquivalent:(NSEvent*)event
+{
+    return [super performKeyEquivalent:event]
+        || quorvel::handleStandardKeyEquivalent(event, self, ^{ [self performClose:nil]; });
 }
 
 @end

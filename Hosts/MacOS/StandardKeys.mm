@@ -29,23 +29,9 @@ SEL selectorOf(StandardAction action)
     return nil;
 }
 
-/// As its close button does; `performClose:` would only beep where there is none.
-void close(NSWindow* window)
-{
-    const SEL asks = @selector(windowShouldClose:);
-    id<NSWindowDelegate> delegate = window.delegate;
-    BOOL mayClose = YES;
-    if ([delegate respondsToSelector:asks])
-        mayClose = [delegate windowShouldClose:window];
-    else if ([window respondsToSelector:asks])
-        mayClose = [(id<NSWindowDelegate>)window windowShouldClose:window];
-    if (mayClose)
-        [window close];
 }
 
-}
-
-bool handleStandardKeyEquivalent(NSEvent* event, NSWindow* window)
+bool handleStandardKeyEquivalent(NSEvent* event, NSWindow* window, void (^close)(void))
 {
     if (event.type != NSEventTypeKeyDown)
         return false;
@@ -54,7 +40,9 @@ bool handleStandardKeyEquivalent(NSEvent* event, NSWindow* window)
         return false;
     if (*action != StandardAction::close)
         return [NSApp sendAction:selectorOf(*action) to:nil from:window];
-    close(window);
+    if (!close)
+        return false;
+    close();
     return true;
 }
 
