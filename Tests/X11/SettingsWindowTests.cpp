@@ -13,7 +13,17 @@ namespace quorvel::x11tests {
 
 namespace {
 
+// Keys by their place.
+constexpr std::uint8_t kEscape = 9;
+constexpr std::uint8_t kReturn = 36;
+constexpr std::uint8_t kControl = 37;
+constexpr std::uint8_t kAlt = 64;
+constexpr std::uint8_t kSpace = 65;
+constexpr std::uint8_t kDown = 116;
+constexpr std::uint8_t kPageDown = 117;
+
 constexpr auto kSwitch = ATSPI_ROLE_CHECK_BOX;
+constexpr auto kButton = ATSPI_ROLE_PUSH_BUTTON;
 
 /// Plays the bar, badly.
 class OtherBar {
@@ -127,6 +137,43 @@ TEST_F(SettingsWindowProgram, isOneWindowThatComesToTheFrontAndOutlivesTheBar)
     EXPECT_TRUE(becomes("runAtLogin", "true"));
     EXPECT_EQ(run({"--set", "runAtLogin=false"}).status, 0);
     EXPECT_TRUE(settings.hasState(kSwitch, "Start at login", ATSPI_STATE_CHECKED, false));
+}
+
+// Faults: keys that the window manager waits for, or the window itself, cannot be recorded; a key
+// that is recorded without a modifier; no word of a shortcut that another program has.
+TEST_F(SettingsWindowProgram, recordsWhatTheWindowManagerWaitsFor)
+{
+    Bar bar{server};
+    ASSERT_TRUE(bar.appears());
+    ASSERT_EQ(run({"--settings"}).status, 0);
+    ASSERT_TRUE(settings.isActive());
+    ASSERT_TRUE(settings.shows(kButton, "Record"));
+    auto& keyboard = settings.keyboard();
+    keyboard.chord(kControl, kPageDown);
+    keyboard.chord(kControl, kPageDown);
+
+    settings.click(kButton, "Record");
+    ASSERT_TRUE(settings.shows(kButton, "Press keys"));
+    keyboard.tap(kEscape);
+    ASSERT_TRUE(settings.shows(kButton, "Record"));
+    keyboard.tap(kReturn);
+    ASSERT_TRUE(settings.shows(kButton, "Press keys"));
+    keyboard.tap(kDown);
+    keyboard.chord(kAlt, kSpace); // openbox shows a window's menu
+    EXPECT_TRUE(settings.shows(kButton, "Alt+Space"));
+    EXPECT_TRUE(becomes("hotkeyKeyCode", "49"));
+    EXPECT_TRUE(becomes("hotkeyModifiers", "2048"));
+    EXPECT_TRUE(settings.isDescribed(kButton, "Alt+Space", "another program"));
+
+    settings.click(kButton, "Alt+Space");
+    ASSERT_TRUE(settings.shows(kButton, "Press keys"));
+    Client client{server};
+    const auto other = client.open({.title = "other"});
+    ASSERT_TRUE(eventually([&] { return desktop.clientTitled("other").has_value(); }));
+    desktop.activate(other);
+    EXPECT_TRUE(settings.shows(kButton, "Alt+Space"));
+    EXPECT_TRUE(settings.perform(kButton, "Clear the shortcut"));
+    EXPECT_TRUE(becomes("hotkeyKeyCode", "null"));
 }
 
 // Faults: nonsense, a flood or an end in the midst that takes the program along, or that it does

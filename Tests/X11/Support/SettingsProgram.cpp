@@ -50,6 +50,14 @@ testing::AssertionResult SettingsProgram::hasState(
         role, name, [&](auto& element) { return ScreenReader::has(element, state) == isSet; });
 }
 
+testing::AssertionResult SettingsProgram::isDescribed(
+    AtspiRole role, const std::string& name, const std::string& description)
+{
+    return ask(role, name, [&](auto& element) {
+        return ScreenReader::description(element).find(description) != std::string::npos;
+    });
+}
+
 testing::AssertionResult SettingsProgram::perform(
     AtspiRole role, const std::string& name, const std::string& action)
 {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Tests/X11/Support/Desktop.h"
+#include "Tests/X11/Support/Keyboard.h"
 #include "Tests/X11/Support/Pointer.h"
 #include "Tests/X11/Support/ScreenReader.h"
 
@@ -15,6 +16,7 @@ public:
     SettingsProgram(const XServer& server, Desktop& desktop)
         : m_desktop(desktop)
         , m_reader(server)
+        , m_keyboard(server.display())
         , m_pointer(server.display())
     {
     }
@@ -28,6 +30,8 @@ public:
     testing::AssertionResult shows(AtspiRole, const std::string& name);
     testing::AssertionResult hasState(
         AtspiRole, const std::string& name, AtspiStateType, bool isSet = true);
+    testing::AssertionResult isDescribed(
+        AtspiRole, const std::string& name, const std::string& description);
     /// Presses it as a screen reader does.
     testing::AssertionResult perform(
         AtspiRole, const std::string& name, const std::string& action = "click");
@@ -35,6 +39,7 @@ public:
     Frame frame(AtspiRole, const std::string& name);
     /// Clicks the middle of it.
     void click(AtspiRole, const std::string& name);
+    Keyboard& keyboard() { return m_keyboard; }
 
 private:
     template <typename Question>
@@ -42,6 +47,7 @@ private:
 
     Desktop& m_desktop;
     ScreenReader m_reader;
+    Keyboard m_keyboard;
     Pointer m_pointer;
 };
 
