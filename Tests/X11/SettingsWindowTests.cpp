@@ -189,7 +189,7 @@ TEST_F(SettingsWindowProgram, survivesABarThatTalksNonsense)
         EXPECT_TRUE(bar.send(line));
     while (bar.send(std::string(1 << 16, '['))) { }
     ASSERT_TRUE(bar.accept()) << "not tried again";
-    EXPECT_TRUE(bar.send(std::string(1 << 20, '[')));
+    EXPECT_TRUE(bar.send(std::string(1 << 14, '[')));
     EXPECT_TRUE(bar.send("\n{\"version\":\"1\",\"pages\":["));
     bar.hangUp();
     ASSERT_TRUE(bar.accept());
