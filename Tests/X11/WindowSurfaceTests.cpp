@@ -62,7 +62,12 @@ TEST_P(WindowSurfaces, haveTheFocusAndGoWhereTheUserMovesThem)
     keyboard.press(kReturn);
     panel->makeKeyAndOrderFront();
     ASSERT_TRUE(comes([&] { return record.hasKeyboard; }));
-    const auto window = desktop.clientTitled("Sample").value_or(XCB_NONE);
+    // The manager gives the focus before it lists the window.
+    auto window = xcb_window_t{XCB_NONE};
+    ASSERT_TRUE(comes([&] {
+        window = desktop.clientTitled("Sample").value_or(XCB_NONE);
+        return window != XCB_NONE;
+    }));
     EXPECT_TRUE(comes([&] { return desktop.activeWindow() == window; }));
     keyboard.release(kReturn);
     keyboard.type(XKB_KEY_a);
