@@ -1,0 +1,132 @@
+#include "Quorvel/Views/BarContentView.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "Quorvel/Core/NewWindow.h"
+#include "Quorvel/Core/NumberKeys.h"
+#include "Quorvel/Views/ChipMenu.h"
+#include "Quorvel/Views/ChipsRow.h"
+
+namespace quorvel {
+
+namespace {
+
+/// As it is typed, or else as the key of a row of numbers that types something else.
+std::optional<std::size_t> numberOf(const KeyEvent& event)
+{
+    if (event.has(KeyModifier::control) || event.has(KeyModifier::option)
+        || event.has(KeyModifier::command))
+        return {};
+    auto& typed = event.characters;
+    if (typed.size() == 1 && typed[0] >= '1' && typed[0] <= '9')
+        return static_cast<std::size_t>(typed[0] - '0');
+    auto key = std::ranges::find(NumberKeys::kKeyCodes, static_cast<std::uint32_t>(event.keyCode));
+    if (key == NumberKeys::kKeyCodes.end())
+        return {};
+    return static_cast<std::size_t>(key - NumberKeys::kKeyCodes.begin()) + 1;
+}
+
+std::string bundleIDOf(const DisplayItem& item)
+{
+    return std::visit([](auto& data) { return data.bundleIdentifier; }, item).value_or("");
+}
+
+}
+
+void BarContentView::onNextTurn(std::function<void(BarViewModel&)> action)
+{
+    // The view may be made anew before that.
+    m_inputs.platform.dispatch.main().async(
+        [weak = m_inputs.viewModel.weakReference(), action = std::move(action)] {
+            if (auto* viewModel = weak.get())
+                action(*viewModel);
+        });
+}
+
+void BarContentView::chipClicked(const ChipView& chip, ChipView::Click click)
+{
+    auto* group = std::get_if<GroupedChipData>(&chip.item());
+    auto* single = std::get_if<ChipData>(&chip.item());
+    if (chip.isHovered())
+        m_popups.suppress(chip.item());
+    if (click == ChipView::Click::secondary) {
+        openMenu(chipMenu(chip.item(), menuContext()), chip.frameInRoot());
+    } else if (click == ChipView::Click::middle) {
+        dismissThumbnailPopupImmediate();
+        auto id = single ? single->id : group->windowIDs.front();
+        onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
+    } else if (single) {
+        handlePrimaryChipTap(single->id, single->isFocused);
+    } else {
+        handleGroupedChipTap(*group);
+    }
+}
+
+void BarContentView::handlePrimaryChipTap(WindowID id, bool isFocused)
+{
+    if (!isFocused)
+        return activateWindowDeferred(id);
+    dismissThumbnailPopupImmediate();
+    onNextTurn([id](BarViewModel& viewModel) { viewModel.minimizeWindow(id); });
+}
+
+void BarContentView::handleGroupedChipTap(const GroupedChipData& group)
+{
+    activateWindowDeferred(m_inputs.viewModel.nextWindow(m_inputs.spaceID, group));
+}
+
+void BarContentView::activateWindowDeferred(WindowID id)
+{
+    dismissThumbnailPopupImmediate();
+    onNextTurn([id](BarViewModel& viewModel) {
+        viewModel.activateWindow(id, BarViewModel::FocusBeforeActivation::no);
+    });
+}
+
+void BarContentView::filesOverChip(const ChipView& chip, bool areOver)
+{
+    m_springTimer = {};
+    if (!areOver)
+        return;
+    auto* group = std::get_if<GroupedChipData>(&chip.item());
+    auto id = group ? group->windowIDs.front() : std::get<ChipData>(chip.item()).id;
+    m_springTimer = m_inputs.platform.dispatch.main().after(
+        kSpringDelay, [this, id] { activateWindowDeferred(id); });
+}
+
+void BarContentView::pinTapped(const std::string& bundleID)
+{
+    dismissThumbnailPopupImmediate();
+    onNextTurn([bundleID](BarViewModel& viewModel) { viewModel.launchApp(bundleID); });
+}
+
+void BarContentView::useItem(std::size_t place, ItemUse use)
+{
+    auto* item = m_row->itemAt(place);
+    if (!item)
+        return;
+    if (use == ItemUse::click)
+        return void(item->performAccessibleAction(0));
+    auto* pin = dynamic_cast<PinView*>(item);
+    auto bundleID = pin ? pin->pin().bundleID : bundleIDOf(static_cast<ChipView*>(item)->item());
+    if (!bundleID.empty())
+        openNewWindow(m_inputs.platform.workspace, bundleID);
+}
+
+void BarContentView::setShowsNumbers(bool showsNumbers)
+{
+    m_row->setShowsNumbers(showsNumbers);
+}
+
+bool BarContentView::keyPressed(const KeyEvent& event)
+{
+    auto number = numberOf(event);
+    if (!number || !m_row->itemAt(*number - 1))
+        return false;
+    m_inputs.surface.releaseKeyboard();
+    useItem(*number - 1, event.has(KeyModifier::shift) ? ItemUse::openNewWindow : ItemUse::click);
+    return true;
+}
+
+}
