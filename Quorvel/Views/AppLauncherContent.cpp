@@ -19,7 +19,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct AppLauncherContentStyle {
     static constexpr double radius = 12;
     static constexpr double titleInset = 16;
     static constexpr double titleTop = 12;
@@ -41,8 +41,9 @@ AppLauncherContent::AppLauncherContent(const Inputs& inputs)
 {
     auto& platform = m_inputs.platform;
     m_background = &addChild(std::make_unique<BarBackground>(m_palette));
-    m_background->setCornerRadius(Style::radius);
-    m_title = &addChild(std::make_unique<LabelView>(platform.text, m_palette, Style::title));
+    m_background->setCornerRadius(AppLauncherContentStyle::radius);
+    m_title = &addChild(
+        std::make_unique<LabelView>(platform.text, m_palette, AppLauncherContentStyle::title));
     m_title->setText(tr("Applications"));
     m_searchField = &addChild(std::make_unique<AppLauncherSearchField>(
         TextFieldView::Inputs{platform, m_inputs.surface, m_palette}));
@@ -135,12 +136,15 @@ void AppLauncherContent::layout()
 {
     double width = bounds().width;
     m_background->setFrame(bounds());
-    m_title->setFrame(
-        {Style::titleInset, Style::titleTop, width - 2 * Style::titleInset, Style::titleHeight});
-    m_searchField->setFrame(
-        {Style::fieldInset, Style::fieldTop, width - 2 * Style::fieldInset, Style::fieldHeight});
-    Rect list{Style::listInset, Style::listTop, width - 2 * Style::listInset,
-        std::max(0.0, bounds().height - Style::listTop - Style::listInset)};
+    m_title->setFrame({AppLauncherContentStyle::titleInset, AppLauncherContentStyle::titleTop,
+        width - 2 * AppLauncherContentStyle::titleInset, AppLauncherContentStyle::titleHeight});
+    m_searchField->setFrame({AppLauncherContentStyle::fieldInset, AppLauncherContentStyle::fieldTop,
+        width - 2 * AppLauncherContentStyle::fieldInset, AppLauncherContentStyle::fieldHeight});
+    Rect list{AppLauncherContentStyle::listInset, AppLauncherContentStyle::listTop,
+        width - 2 * AppLauncherContentStyle::listInset,
+        std::max(0.0,
+            bounds().height - AppLauncherContentStyle::listTop
+                - AppLauncherContentStyle::listInset)};
     m_table->list().setFrameInterval(m_inputs.surface.frameInterval());
     m_table->setFrame(m_isListShown ? list : Rect{});
     m_placeholder->setFrame(m_isListShown ? Rect{} : list);
@@ -149,7 +153,7 @@ void AppLauncherContent::layout()
 void AppLauncherContent::paint(Canvas& canvas) const
 {
     // Text must be readable whatever lies behind: the theme's shine lies over a plain ground.
-    canvas.fillRounded(bounds(), Style::radius, m_palette.ground);
+    canvas.fillRounded(bounds(), AppLauncherContentStyle::radius, m_palette.ground);
 }
 
 // MARK: What is done with it

@@ -9,7 +9,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct AppLauncherPlaceholderStyle {
     static constexpr double symbolSize = 36;
     static constexpr double gap = 10;
     static constexpr double inset = 16;
@@ -24,7 +24,8 @@ struct Style {
 
 AppLauncherPlaceholder::AppLauncherPlaceholder(const Text& text, const Palette& palette)
     : m_palette(palette)
-    , m_label(&addChild(std::make_unique<LabelView>(text, palette, Style::label)))
+    , m_label(
+          &addChild(std::make_unique<LabelView>(text, palette, AppLauncherPlaceholderStyle::label)))
 {
 }
 
@@ -52,9 +53,10 @@ void AppLauncherPlaceholder::measureAgain()
 
 void AppLauncherPlaceholder::layout()
 {
-    auto inner = bounds().inset(Style::inset, 0);
+    auto inner = bounds().inset(AppLauncherPlaceholderStyle::inset, 0);
     double height = m_label->heightFor(inner.width);
-    double y = m_isLoading ? inner.centre().y + Style::gap / 2 : inner.centre().y - height / 2;
+    double y = m_isLoading ? inner.centre().y + AppLauncherPlaceholderStyle::gap / 2
+                           : inner.centre().y - height / 2;
     m_label->setFrame({inner.x, std::round(y), inner.width, std::ceil(height)});
 }
 
@@ -62,10 +64,10 @@ void AppLauncherPlaceholder::paint(Canvas& canvas) const
 {
     if (!m_isLoading)
         return;
-    double side = Style::symbolSize;
+    double side = AppLauncherPlaceholderStyle::symbolSize;
     canvas.drawSymbol(Symbol::appDashed,
-        {std::round(bounds().centre().x - side / 2), m_label->frame().y - Style::gap - side, side,
-            side},
+        {std::round(bounds().centre().x - side / 2),
+            m_label->frame().y - AppLauncherPlaceholderStyle::gap - side, side, side},
         m_palette.quietText);
 }
 

@@ -12,7 +12,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct AppLauncherSearchFieldStyle {
     static constexpr double radius = 7;
     static constexpr double inset = 10;
     static constexpr double symbolSize = 13;
@@ -38,7 +38,7 @@ private:
     void paint(Canvas& canvas) const override
     {
         paintFace(canvas, bounds(), bounds().height / 2);
-        double side = Style::clearSymbolSize;
+        double side = AppLauncherSearchFieldStyle::clearSymbolSize;
         canvas.drawSymbol(Symbol::clear, bounds().centred({side, side}), palette().quietText);
     }
 };
@@ -49,7 +49,7 @@ AppLauncherSearchField::AppLauncherSearchField(const TextFieldView::Inputs& inpu
     , m_clearButton(&addChild(std::make_unique<ClearButton>(inputs.palette)))
 {
     m_field->setPlaceholder(tr("Search applications..."));
-    m_field->setFontSize(Style::fontSize);
+    m_field->setFontSize(AppLauncherSearchFieldStyle::fontSize);
     m_field->onTextChanged = [this](auto& text) { textDidChange(text); };
     m_field->onFocusChanged = [this](bool) { invalidate(); };
     m_clearButton->onTapped = [this] { clear(); };
@@ -94,10 +94,12 @@ void AppLauncherSearchField::layout()
 {
     auto place
         = [&](const Rect& rect) { return m_isRightToLeft ? mirrored(rect, bounds().width) : rect; };
-    double side = m_field->text().empty() ? 0 : Style::buttonSize;
-    double margin = (bounds().height - Style::buttonSize) / 2;
-    double left = Style::inset + Style::symbolSize + Style::gap;
-    double right = bounds().width - (side > 0 ? side + 2 * margin : Style::inset);
+    double side = m_field->text().empty() ? 0 : AppLauncherSearchFieldStyle::buttonSize;
+    double margin = (bounds().height - AppLauncherSearchFieldStyle::buttonSize) / 2;
+    double left = AppLauncherSearchFieldStyle::inset + AppLauncherSearchFieldStyle::symbolSize
+        + AppLauncherSearchFieldStyle::gap;
+    double right
+        = bounds().width - (side > 0 ? side + 2 * margin : AppLauncherSearchFieldStyle::inset);
     m_field->setFrame(place({left, 0, right - left, bounds().height}));
     m_clearButton->setFrame(
         place({bounds().width - margin - side, (bounds().height - side) / 2, side, side}));
@@ -105,13 +107,14 @@ void AppLauncherSearchField::layout()
 
 void AppLauncherSearchField::paint(Canvas& canvas) const
 {
-    canvas.fillRounded(bounds(), Style::radius, m_palette.fill);
+    canvas.fillRounded(bounds(), AppLauncherSearchFieldStyle::radius, m_palette.fill);
     if (m_field->hasFocus())
-        paintKeyFocus(canvas, bounds(), Style::radius, m_palette);
+        paintKeyFocus(canvas, bounds(), AppLauncherSearchFieldStyle::radius, m_palette);
     else
-        canvas.strokeRounded(bounds(), Style::radius, 1, m_palette.edge);
-    double side = Style::symbolSize;
-    Rect symbol{Style::inset, std::round((bounds().height - side) / 2), side, side};
+        canvas.strokeRounded(bounds(), AppLauncherSearchFieldStyle::radius, 1, m_palette.edge);
+    double side = AppLauncherSearchFieldStyle::symbolSize;
+    Rect symbol{
+        AppLauncherSearchFieldStyle::inset, std::round((bounds().height - side) / 2), side, side};
     canvas.drawSymbol(Symbol::magnifyingGlass,
         m_isRightToLeft ? mirrored(symbol, bounds().width) : symbol, m_palette.quietText);
 }

@@ -12,7 +12,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct AppListCoordinatorStyle {
     static constexpr double scrollEdge = 20; ///< points, at the upper and lower end of the list
     static constexpr double scrollSpeed = 300; ///< points a second
 };
@@ -347,9 +347,10 @@ void AppListTableView::Coordinator::clearDrag()
 void AppListTableView::Coordinator::scrollForDrag()
 {
     double height = m_tableView->bounds().height;
-    bool isAtTop = m_dragPointer.y < Style::scrollEdge && m_tableView->offset() > 0;
+    bool isAtTop
+        = m_dragPointer.y < AppListCoordinatorStyle::scrollEdge && m_tableView->offset() > 0;
     double below = m_tableView->rowFrame(firstPinRow() + pinCount()).maxY() - height;
-    bool isAtBottom = m_dragPointer.y > height - Style::scrollEdge && below > 0;
+    bool isAtBottom = m_dragPointer.y > height - AppListCoordinatorStyle::scrollEdge && below > 0;
     if (!isAtTop && !isAtBottom) {
         m_dragScroll = {};
         return;
@@ -359,7 +360,8 @@ void AppListTableView::Coordinator::scrollForDrag()
     auto interval = m_inputs.surface.frameInterval();
     m_dragScroll = m_inputs.dispatch.main().after(interval, [this, interval, isAtTop, below] {
         m_dragScroll = {};
-        double step = Style::scrollSpeed * std::chrono::duration<double>(interval).count();
+        double step = AppListCoordinatorStyle::scrollSpeed
+            * std::chrono::duration<double>(interval).count();
         m_tableView->scrollTo(m_tableView->offset() + (isAtTop ? -step : std::min(step, below)));
         moveDrag();
     });

@@ -12,7 +12,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct AppListItemStyle {
     static constexpr double headerHeight = 28;
     static constexpr double appHeight = 36;
     static constexpr double topSpacerHeight = 4;
@@ -41,10 +41,10 @@ std::vector<AppInfo> pinnedApps(const AppLauncher& launcher, const PinStore& pin
 double AppListItem::rowHeight() const
 {
     struct Heights {
-        double operator()(const SectionHeader&) const { return Style::headerHeight; }
-        double operator()(const App&) const { return Style::appHeight; }
-        double operator()(const TopSpacer&) const { return Style::topSpacerHeight; }
-        double operator()(const Divider&) const { return Style::dividerHeight; }
+        double operator()(const SectionHeader&) const { return AppListItemStyle::headerHeight; }
+        double operator()(const App&) const { return AppListItemStyle::appHeight; }
+        double operator()(const TopSpacer&) const { return AppListItemStyle::topSpacerHeight; }
+        double operator()(const Divider&) const { return AppListItemStyle::dividerHeight; }
     };
     return std::visit(Heights{}, content);
 }

@@ -9,7 +9,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct AppListRowViewStyle {
     static constexpr double inset = 10; ///< of icon, title and line
     static constexpr double iconSize = 24;
     static constexpr double iconGap = 10; ///< between icon and name
@@ -49,17 +49,17 @@ void AppListRowView::setRightToLeft(bool isRightToLeft)
 
 void AppListRowView::paint(Canvas& canvas) const
 {
-    auto inner = bounds().inset(Style::inset, 0);
-    double side = Style::iconSize;
+    auto inner = bounds().inset(AppListRowViewStyle::inset, 0);
+    double side = AppListRowViewStyle::iconSize;
     Rect icon{m_isRightToLeft ? inner.maxX() - side : inner.x,
         std::round(inner.centre().y - side / 2), side, side};
-    double taken = side + Style::iconGap;
+    double taken = side + AppListRowViewStyle::iconGap;
     Rect name{
         m_isRightToLeft ? inner.x : inner.x + taken, inner.y, inner.width - taken, inner.height};
     if (m_icon)
         canvas.drawImage(m_icon, icon);
     canvas.drawText(m_name, name,
-        {.size = Style::nameSize,
+        {.size = AppListRowViewStyle::nameSize,
             .color = m_isHighlighted ? m_palette.highlightedText : m_palette.text});
 }
 
@@ -73,13 +73,15 @@ void AppListHeaderView::setTitle(const std::string& title)
 
 void AppListHeaderView::paint(Canvas& canvas) const
 {
-    canvas.drawText(m_title, bounds().inset(Style::inset, 0),
-        {.size = Style::titleSize, .weight = FontWeight::semibold, .color = m_palette.quietText});
+    canvas.drawText(m_title, bounds().inset(AppListRowViewStyle::inset, 0),
+        {.size = AppListRowViewStyle::titleSize,
+            .weight = FontWeight::semibold,
+            .color = m_palette.quietText});
 }
 
 void AppListDividerView::paint(Canvas& canvas) const
 {
-    auto inner = bounds().inset(Style::inset, 0);
+    auto inner = bounds().inset(AppListRowViewStyle::inset, 0);
     canvas.fill({inner.x, std::floor(inner.centre().y), inner.width, 1}, m_palette.line);
 }
 

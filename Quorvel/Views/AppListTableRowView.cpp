@@ -11,7 +11,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct AppListTableRowViewStyle {
     static constexpr double radius = 6;
     static constexpr double liftedOpacity = 0.9;
 };
@@ -79,24 +79,24 @@ void AppListTableRowView::updateHighlight()
 
 double AppListTableRowView::paintOpacity() const
 {
-    return isLifted() ? Style::liftedOpacity : 1;
+    return isLifted() ? AppListTableRowViewStyle::liftedOpacity : 1;
 }
 
 void AppListTableRowView::paint(Canvas& canvas) const
 {
     auto face = bounds();
     if (isLifted()) {
-        canvas.fillRounded(face, Style::radius, m_palette.ground);
-        canvas.fillRounded(face, Style::radius, m_palette.buttonPressedFill);
-        canvas.strokeRounded(face, Style::radius, 1, m_palette.edge);
+        canvas.fillRounded(face, AppListTableRowViewStyle::radius, m_palette.ground);
+        canvas.fillRounded(face, AppListTableRowViewStyle::radius, m_palette.buttonPressedFill);
+        canvas.strokeRounded(face, AppListTableRowViewStyle::radius, 1, m_palette.edge);
     } else if (looksSelected()) {
-        canvas.fillRounded(face, Style::radius, m_palette.highlight);
+        canvas.fillRounded(face, AppListTableRowViewStyle::radius, m_palette.highlight);
     } else if (m_isPressed || m_isHovered) {
-        canvas.fillRounded(face, Style::radius,
+        canvas.fillRounded(face, AppListTableRowViewStyle::radius,
             m_isPressed ? m_palette.buttonPressedFill : m_palette.buttonHoveredFill);
     }
     if (m_isHovered && looksSelected())
-        canvas.strokeRounded(face, Style::radius, 1, m_palette.edge);
+        canvas.strokeRounded(face, AppListTableRowViewStyle::radius, 1, m_palette.edge);
 }
 
 // MARK: The pointer

@@ -9,7 +9,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct BarBackgroundStyle {
     static constexpr double edgeOpacity = 0.12;
 };
 
@@ -121,8 +121,8 @@ void BarBackground::paintGround(Canvas& canvas) const
     else if (m_theme == BarTheme::aero)
         AeroThemeBackground::paint(canvas, bounds());
     else if (m_isOpaque)
-        canvas.fill(
-            topLine(bounds()), Color::grey(m_appearance.isDark ? 1 : 0, Style::edgeOpacity));
+        canvas.fill(topLine(bounds()),
+            Color::grey(m_appearance.isDark ? 1 : 0, BarBackgroundStyle::edgeOpacity));
 }
 
 }

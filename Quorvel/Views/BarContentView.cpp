@@ -26,7 +26,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct BarContentViewStyle {
     static constexpr double dividerHeight = 0.7; ///< share of the menu button's height
     static constexpr double dividerWidth = 1;
     static constexpr double mostForSpaces = 0.35; ///< share of the bar's width
@@ -301,13 +301,14 @@ void BarContentView::layout()
     whole = freePart();
     // Up to the edges, so that the corners of the screen belong to the buttons.
     double buttonWidth = metrics.menuButtonWidth + metrics.barHorizontalPadding;
-    double dividerHeight = metrics.menuButtonHeight * Style::dividerHeight;
+    double dividerHeight = metrics.menuButtonHeight * BarContentViewStyle::dividerHeight;
     auto divider = [&](double x) {
-        return Rect{x, (whole.height - dividerHeight) / 2, Style::dividerWidth, dividerHeight};
+        return Rect{x, (whole.height - dividerHeight) / 2, BarContentViewStyle::dividerWidth,
+            dividerHeight};
     };
-    double left = buttonWidth + Style::dividerWidth + metrics.scrollHorizontalPadding;
+    double left = buttonWidth + BarContentViewStyle::dividerWidth + metrics.scrollHorizontalPadding;
     double right = whole.width - buttonWidth;
-    double spaces = m_spaceSwitcher->wantedWidth(whole.width * Style::mostForSpaces);
+    double spaces = m_spaceSwitcher->wantedWidth(whole.width * BarContentViewStyle::mostForSpaces);
     double switcherLeft = right - spaces;
     double trailingDivider = switcherLeft - metrics.scrollHorizontalPadding / 2;
     double rowRight = trailingDivider - metrics.scrollHorizontalPadding;

@@ -11,7 +11,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct BarNoteStyle {
     static constexpr double fontSize = 12;
     static constexpr double inset = 12; ///< before and after the text
     static constexpr double margin = 4; ///< above and below
@@ -55,21 +55,21 @@ void BarNote::setRoom(const Rect& room, bool isRightToLeft)
 void BarNote::place()
 {
     TextStyle style;
-    style.size = Style::fontSize;
+    style.size = BarNoteStyle::fontSize;
     double wanted = std::ceil(m_measure.measure(m_text, style).width);
-    double width = m_text.empty() ? 0 : std::min(m_room.width, wanted + 2 * Style::inset);
-    auto inner = m_room.inset(0, Style::margin);
+    double width = m_text.empty() ? 0 : std::min(m_room.width, wanted + 2 * BarNoteStyle::inset);
+    auto inner = m_room.inset(0, BarNoteStyle::margin);
     setFrame({m_isRightToLeft ? inner.x : inner.maxX() - width, inner.y, width, inner.height});
 }
 
 void BarNote::paint(Canvas& canvas) const
 {
     auto& colors = palette();
-    canvas.fillRounded(bounds(), Style::radius, colors.popupGround);
-    paintFace(canvas, bounds(), Style::radius);
-    canvas.strokeRounded(bounds(), Style::radius, 1, colors.popupEdge);
-    canvas.drawText(
-        m_text, bounds().inset(Style::inset, 0), {.size = Style::fontSize, .color = colors.text});
+    canvas.fillRounded(bounds(), BarNoteStyle::radius, colors.popupGround);
+    paintFace(canvas, bounds(), BarNoteStyle::radius);
+    canvas.strokeRounded(bounds(), BarNoteStyle::radius, 1, colors.popupEdge);
+    canvas.drawText(m_text, bounds().inset(BarNoteStyle::inset, 0),
+        {.size = BarNoteStyle::fontSize, .color = colors.text});
 }
 
 }

@@ -12,7 +12,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct ChipViewStyle {
     static constexpr double minimizedOpacity = 0.5;
     static constexpr double leastTitleWidth
         = 2.8; ///< of the text's size: some letters and an ellipsis
@@ -69,7 +69,7 @@ double ChipView::leastTitledWidth() const
     double count = countWidth();
     return iconWidth(metrics()) + metrics().iconTextSpacing
         + (count > 0 ? count + metrics().iconTextSpacing : 0)
-        + titleSize(metrics()) * Style::leastTitleWidth;
+        + titleSize(metrics()) * ChipViewStyle::leastTitleWidth;
 }
 
 void ChipView::setItem(const DisplayItem& item)
@@ -188,13 +188,14 @@ std::string ChipView::count() const
 double ChipView::pillWidth(std::string_view text, double height) const
 {
     TextStyle style{
-        .size = height * Style::pillTextSize, .weight = FontWeight::semibold, .color = {}};
-    return std::max(height, m_text.measure(text, style).width + 2 * Style::pillPadding * height);
+        .size = height * ChipViewStyle::pillTextSize, .weight = FontWeight::semibold, .color = {}};
+    return std::max(
+        height, m_text.measure(text, style).width + 2 * ChipViewStyle::pillPadding * height);
 }
 
 double ChipView::countHeight() const
 {
-    return metrics().chipHeight * Style::countHeight;
+    return metrics().chipHeight * ChipViewStyle::countHeight;
 }
 
 /// 0 for a single window.
@@ -210,9 +211,9 @@ Rect ChipView::badgeRect(const Rect& icon) const
         m_item, [](auto& data) -> auto& { return data.badge; });
     if (!badge)
         return {};
-    double height = metrics().iconSize * Style::badgeHeight;
-    double overhang = height * Style::badgeOverhang;
-    double width = std::min(pillWidth(*badge, height), height * Style::badgeMaximumWidth);
+    double height = metrics().iconSize * ChipViewStyle::badgeHeight;
+    double overhang = height * ChipViewStyle::badgeOverhang;
+    double width = std::min(pillWidth(*badge, height), height * ChipViewStyle::badgeMaximumWidth);
     // Never past the chip: beyond it lies the next one.
     double x = std::min(icon.maxX() + overhang - width, bounds().width - width);
     return {std::max(0.0, x), icon.y - overhang, width, height};
@@ -249,9 +250,9 @@ ChipView::Parts ChipView::parts() const
         for (auto* part : {&parts.icon, &parts.title, &parts.count, &parts.badge})
             part->x = face.width - part->maxX();
     }
-    double mark = face.width * Style::focusMarkWidth;
-    parts.focusMark = {(face.width - mark) / 2, face.maxY() - Style::focusMarkHeight, mark,
-        Style::focusMarkHeight};
+    double mark = face.width * ChipViewStyle::focusMarkWidth;
+    parts.focusMark = {(face.width - mark) / 2, face.maxY() - ChipViewStyle::focusMarkHeight, mark,
+        ChipViewStyle::focusMarkHeight};
     return parts;
 }
 
@@ -266,12 +267,13 @@ void ChipView::paintGround(Canvas& canvas, const Parts& layout) const
     canvas.fillRounded(layout.face, radius, fill);
     paintProgress(canvas, layout);
     if (wantsAttention(m_item)) {
-        double strength = Style::attentionRest + (1 - Style::attentionRest) * m_pulse;
+        double strength
+            = ChipViewStyle::attentionRest + (1 - ChipViewStyle::attentionRest) * m_pulse;
         canvas.fillRounded(
             layout.face, radius, colors.attention.withAlpha(colors.attention.alpha * strength));
     }
     if (isFocusShown || isHovered() || colors.hasEdges)
-        canvas.strokeRounded(layout.face, radius, Style::edgeWidth, colors.edge);
+        canvas.strokeRounded(layout.face, radius, ChipViewStyle::edgeWidth, colors.edge);
 }
 
 void ChipView::paintProgress(Canvas& canvas, const Parts& layout) const
@@ -294,7 +296,7 @@ void ChipView::paintPill(Canvas& canvas, const Rect& rect, std::string_view text
 {
     canvas.fillRounded(rect, rect.height / 2, fill);
     canvas.drawText(text, rect,
-        {.size = rect.height * Style::pillTextSize,
+        {.size = rect.height * ChipViewStyle::pillTextSize,
             .weight = FontWeight::semibold,
             .color = ink,
             .alignment = TextAlignment::centre});
@@ -307,7 +309,7 @@ void ChipView::paintItem(Canvas& canvas) const
     paintGround(canvas, layout);
     bool isDimmed = isMinimized(m_item);
     if (isDimmed)
-        canvas.beginOpacity(Style::minimizedOpacity);
+        canvas.beginOpacity(ChipViewStyle::minimizedOpacity);
     canvas.drawImage(fieldOf(
                          m_item, [](auto& data) -> auto& { return data.icon; }),
         layout.icon);
@@ -327,7 +329,7 @@ void ChipView::paintItem(Canvas& canvas) const
         paintPill(canvas, layout.badge, *badge, colors.badge, colors.badgeText);
     }
     if (isFocused(m_item))
-        canvas.fillRounded(layout.focusMark, Style::focusMarkHeight / 2, colors.accent);
+        canvas.fillRounded(layout.focusMark, ChipViewStyle::focusMarkHeight / 2, colors.accent);
     paintRing(canvas);
 }
 

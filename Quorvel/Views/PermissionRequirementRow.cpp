@@ -12,7 +12,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct PermissionRequirementRowStyle {
     static constexpr double tile = 36;
     static constexpr double tileRadius = 8;
     static constexpr double symbol = 22;
@@ -32,10 +32,13 @@ PermissionRequirementRow::PermissionRequirementRow(
     const Text& text, const Palette& palette, Requirement requirement)
     : m_palette(palette)
     , m_requirement(std::move(requirement))
-    , m_title(&addChild(std::make_unique<LabelView>(text, palette, Style::title)))
+    , m_title(&addChild(
+          std::make_unique<LabelView>(text, palette, PermissionRequirementRowStyle::title)))
     , m_badge(&addChild(std::make_unique<StatusBadge>(text, palette)))
-    , m_description(&addChild(std::make_unique<LabelView>(text, palette, Style::description)))
-    , m_help(&addChild(std::make_unique<LabelView>(text, palette, Style::help)))
+    , m_description(&addChild(
+          std::make_unique<LabelView>(text, palette, PermissionRequirementRowStyle::description)))
+    , m_help(&addChild(
+          std::make_unique<LabelView>(text, palette, PermissionRequirementRowStyle::help)))
     , m_request(&addChild(
           std::make_unique<PushButton>(text, palette, PushButton::Kind::standard, "request")))
     , m_openSettings(&addChild(
@@ -73,23 +76,24 @@ AccessibleState PermissionRequirementRow::accessibleState() const
 
 PermissionRequirementRow::Layout PermissionRequirementRow::layoutFor(double width) const
 {
-    double x = Style::tile + Style::gap;
+    double x = PermissionRequirementRowStyle::tile + PermissionRequirementRowStyle::gap;
     double room = std::max(0.0, width - x);
     Layout layout;
-    layout.tile = {0, 0, Style::tile, Style::tile};
+    layout.tile = {0, 0, PermissionRequirementRowStyle::tile, PermissionRequirementRowStyle::tile};
     double badge = m_badge->idealWidth();
     double titleHeight = std::max(StatusBadge::kHeight, std::ceil(m_title->heightFor(room)));
-    layout.title = {x, 0, std::max(0.0, room - badge - Style::gap), titleHeight};
+    layout.title
+        = {x, 0, std::max(0.0, room - badge - PermissionRequirementRowStyle::gap), titleHeight};
     layout.badge = {width - badge, std::round((titleHeight - StatusBadge::kHeight) / 2), badge,
         StatusBadge::kHeight};
     layout.description = {x, titleHeight, room, std::ceil(m_description->heightFor(room))};
-    layout.help
-        = {x, layout.description.maxY() + Style::lineGap, room, std::ceil(m_help->heightFor(room))};
-    double y = layout.help.maxY() + Style::gap;
-    layout.request = {x, y, m_request->idealWidth(), Style::buttonHeight};
-    layout.openSettings = {layout.request.maxX() + Style::buttonGap, y,
-        m_openSettings->idealWidth(), Style::buttonHeight};
-    layout.height = y + Style::buttonHeight;
+    layout.help = {x, layout.description.maxY() + PermissionRequirementRowStyle::lineGap, room,
+        std::ceil(m_help->heightFor(room))};
+    double y = layout.help.maxY() + PermissionRequirementRowStyle::gap;
+    layout.request = {x, y, m_request->idealWidth(), PermissionRequirementRowStyle::buttonHeight};
+    layout.openSettings = {layout.request.maxX() + PermissionRequirementRowStyle::buttonGap, y,
+        m_openSettings->idealWidth(), PermissionRequirementRowStyle::buttonHeight};
+    layout.height = y + PermissionRequirementRowStyle::buttonHeight;
     return layout;
 }
 
@@ -124,9 +128,11 @@ void PermissionRequirementRow::layout()
 
 void PermissionRequirementRow::paint(Canvas& canvas) const
 {
-    canvas.fillRounded(m_tile, Style::tileRadius, m_palette.accentFill);
-    canvas.drawSymbol(
-        m_requirement.icon, m_tile.centred({Style::symbol, Style::symbol}), m_palette.accent);
+    canvas.fillRounded(m_tile, PermissionRequirementRowStyle::tileRadius, m_palette.accentFill);
+    canvas.drawSymbol(m_requirement.icon,
+        m_tile.centred(
+            {PermissionRequirementRowStyle::symbol, PermissionRequirementRowStyle::symbol}),
+        m_palette.accent);
 }
 
 }

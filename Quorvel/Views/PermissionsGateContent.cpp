@@ -15,7 +15,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct PermissionsGateContentStyle {
     static constexpr double inset = 24;
     static constexpr double gap = 20; ///< between the parts
     static constexpr double footerPadding = 16; ///< above and below
@@ -38,8 +38,8 @@ PermissionsGateContent::PermissionsGateContent(
     , m_header(&addChild(std::make_unique<PermissionsGateHeader>(text, m_palette)))
     , m_required(&addChild(std::make_unique<PermissionsGateSection>(
           text, m_palette, PermissionsGateSection::Look{.hasLines = true})))
-    , m_notes(&addChild(std::make_unique<PermissionsGateSection>(
-          text, m_palette, PermissionsGateSection::Look{.rowGap = Style::noteGap})))
+    , m_notes(&addChild(std::make_unique<PermissionsGateSection>(text, m_palette,
+          PermissionsGateSection::Look{.rowGap = PermissionsGateContentStyle::noteGap})))
     , m_footer(&addChild(std::make_unique<PermissionsGateFooter>(text, m_palette)))
 {
     addRequirements(text);
@@ -82,7 +82,10 @@ void PermissionsGateContent::addNotes(const Text& text, const std::string& bundl
              tr("2. If needed, use Open Settings to grant it manually."),
              tr("3. Click Continue once both rows show Granted."),
              trFormat("4. Accessibility entry must match bundle ID: {}", identifier)}) {
-        m_notes->addRow(std::make_unique<LabelView>(text, m_palette, Style::note)).setText(note);
+        m_notes
+            ->addRow(
+                std::make_unique<LabelView>(text, m_palette, PermissionsGateContentStyle::note))
+            .setText(note);
     }
 }
 
@@ -105,31 +108,35 @@ void PermissionsGateContent::setAppearance(const Appearance& appearance)
 
 Size PermissionsGateContent::idealSize() const
 {
-    double width = kWidth - 2 * Style::inset;
-    double height = Style::inset + m_header->heightFor(width) + Style::gap
-        + m_required->heightFor(width) + Style::gap + m_notes->heightFor(width) + Style::gap
-        + Style::line + 2 * Style::footerPadding + m_footer->heightFor(width);
+    double width = kWidth - 2 * PermissionsGateContentStyle::inset;
+    double height = PermissionsGateContentStyle::inset + m_header->heightFor(width)
+        + PermissionsGateContentStyle::gap + m_required->heightFor(width)
+        + PermissionsGateContentStyle::gap + m_notes->heightFor(width)
+        + PermissionsGateContentStyle::gap + PermissionsGateContentStyle::line
+        + 2 * PermissionsGateContentStyle::footerPadding + m_footer->heightFor(width);
     return {kWidth, std::ceil(height)};
 }
 
 void PermissionsGateContent::layout()
 {
-    double width = std::max(0.0, bounds().width - 2 * Style::inset);
-    double y = Style::inset;
+    double width = std::max(0.0, bounds().width - 2 * PermissionsGateContentStyle::inset);
+    double y = PermissionsGateContentStyle::inset;
     for (MeasuredView* part : std::initializer_list<MeasuredView*>{m_header, m_required, m_notes}) {
-        part->setFrame({Style::inset, y, width, part->heightFor(width)});
-        y = part->frame().maxY() + Style::gap;
+        part->setFrame({PermissionsGateContentStyle::inset, y, width, part->heightFor(width)});
+        y = part->frame().maxY() + PermissionsGateContentStyle::gap;
     }
     double footer = m_footer->heightFor(width);
-    m_footer->setFrame(
-        {Style::inset, bounds().height - Style::footerPadding - footer, width, footer});
+    m_footer->setFrame({PermissionsGateContentStyle::inset,
+        bounds().height - PermissionsGateContentStyle::footerPadding - footer, width, footer});
 }
 
 void PermissionsGateContent::paint(Canvas& canvas) const
 {
     canvas.fill(bounds(), m_palette.windowGround);
-    canvas.fill(
-        {0, m_footer->frame().y - Style::footerPadding - Style::line, bounds().width, Style::line},
+    canvas.fill({0,
+                    m_footer->frame().y - PermissionsGateContentStyle::footerPadding
+                        - PermissionsGateContentStyle::line,
+                    bounds().width, PermissionsGateContentStyle::line},
         m_palette.windowEdge);
 }
 

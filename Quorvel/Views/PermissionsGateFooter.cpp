@@ -10,7 +10,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct PermissionsGateFooterStyle {
     static constexpr double buttonHeight = 32;
     static constexpr double buttonWidth = 96;
     static constexpr double gap = 12; ///< between the buttons
@@ -21,13 +21,14 @@ struct Style {
 
 double widthOf(const PushButton& button)
 {
-    return std::max(Style::buttonWidth, button.idealWidth());
+    return std::max(PermissionsGateFooterStyle::buttonWidth, button.idealWidth());
 }
 
 }
 
 PermissionsGateFooter::PermissionsGateFooter(const Text& text, const Palette& palette)
-    : m_status(&addChild(std::make_unique<LabelView>(text, palette, Style::status)))
+    : m_status(
+        &addChild(std::make_unique<LabelView>(text, palette, PermissionsGateFooterStyle::status)))
     , m_quit(&addChild(
           std::make_unique<PushButton>(text, palette, PushButton::Kind::standard, "quit")))
     , m_continue(&addChild(
@@ -47,13 +48,14 @@ void PermissionsGateFooter::setComplete(bool isComplete)
 
 double PermissionsGateFooter::textRoom(double width) const
 {
-    double buttons = widthOf(*m_quit) + Style::gap + widthOf(*m_continue);
-    return std::max(0.0, width - buttons - Style::textGap);
+    double buttons = widthOf(*m_quit) + PermissionsGateFooterStyle::gap + widthOf(*m_continue);
+    return std::max(0.0, width - buttons - PermissionsGateFooterStyle::textGap);
 }
 
 double PermissionsGateFooter::heightFor(double width) const
 {
-    return std::max(Style::buttonHeight, std::ceil(m_status->heightFor(textRoom(width))));
+    return std::max(
+        PermissionsGateFooterStyle::buttonHeight, std::ceil(m_status->heightFor(textRoom(width))));
 }
 
 void PermissionsGateFooter::appearanceDidChange(bool isRightToLeft)
@@ -69,9 +71,11 @@ void PermissionsGateFooter::layout()
         return m_isRightToLeft ? mirrored(rect, bounds().width) : rect;
     };
     double width = bounds().width;
-    double y = std::round((bounds().height - Style::buttonHeight) / 2);
-    Rect last{width - widthOf(*m_continue), y, widthOf(*m_continue), Style::buttonHeight};
-    Rect first{last.x - Style::gap - widthOf(*m_quit), y, widthOf(*m_quit), Style::buttonHeight};
+    double y = std::round((bounds().height - PermissionsGateFooterStyle::buttonHeight) / 2);
+    Rect last{width - widthOf(*m_continue), y, widthOf(*m_continue),
+        PermissionsGateFooterStyle::buttonHeight};
+    Rect first{last.x - PermissionsGateFooterStyle::gap - widthOf(*m_quit), y, widthOf(*m_quit),
+        PermissionsGateFooterStyle::buttonHeight};
     m_continue->setFrame(place(last));
     m_quit->setFrame(place(first));
     m_status->setFrame(place({0, 0, textRoom(width), bounds().height}));

@@ -9,7 +9,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct PermissionsGateHeaderStyle {
     static constexpr double tile = 48;
     static constexpr double tileRadius = 12;
     static constexpr double symbol = 30;
@@ -24,8 +24,10 @@ struct Style {
 
 PermissionsGateHeader::PermissionsGateHeader(const Text& text, const Palette& palette)
     : m_palette(palette)
-    , m_title(&addChild(std::make_unique<LabelView>(text, palette, Style::title)))
-    , m_subtitle(&addChild(std::make_unique<LabelView>(text, palette, Style::subtitle)))
+    , m_title(
+          &addChild(std::make_unique<LabelView>(text, palette, PermissionsGateHeaderStyle::title)))
+    , m_subtitle(&addChild(
+          std::make_unique<LabelView>(text, palette, PermissionsGateHeaderStyle::subtitle)))
 {
     m_title->setText(tr("Quorvel Setup"));
     m_subtitle->setText(tr("Set up permissions before the app can start."));
@@ -33,9 +35,9 @@ PermissionsGateHeader::PermissionsGateHeader(const Text& text, const Palette& pa
 
 double PermissionsGateHeader::heightFor(double width) const
 {
-    double room = width - Style::tile - Style::gap;
+    double room = width - PermissionsGateHeaderStyle::tile - PermissionsGateHeaderStyle::gap;
     double texts = std::ceil(m_title->heightFor(room)) + std::ceil(m_subtitle->heightFor(room));
-    return std::max(Style::tile, texts);
+    return std::max(PermissionsGateHeaderStyle::tile, texts);
 }
 
 void PermissionsGateHeader::appearanceDidChange(bool isRightToLeft)
@@ -52,20 +54,22 @@ void PermissionsGateHeader::layout()
         return m_isRightToLeft ? mirrored(rect, bounds().width) : rect;
     };
     double height = bounds().height;
-    double x = Style::tile + Style::gap;
+    double x = PermissionsGateHeaderStyle::tile + PermissionsGateHeaderStyle::gap;
     double room = std::max(0.0, bounds().width - x);
     double title = std::ceil(m_title->heightFor(room));
     double subtitle = std::ceil(m_subtitle->heightFor(room));
     double top = std::round((height - title - subtitle) / 2);
-    m_tile = place({0, std::round((height - Style::tile) / 2), Style::tile, Style::tile});
+    m_tile = place({0, std::round((height - PermissionsGateHeaderStyle::tile) / 2),
+        PermissionsGateHeaderStyle::tile, PermissionsGateHeaderStyle::tile});
     m_title->setFrame(place({x, top, room, title}));
     m_subtitle->setFrame(place({x, top + title, room, subtitle}));
 }
 
 void PermissionsGateHeader::paint(Canvas& canvas) const
 {
-    canvas.fillRounded(m_tile, Style::tileRadius, m_palette.highlight);
-    canvas.drawSymbol(Symbol::lockShield, m_tile.centred({Style::symbol, Style::symbol}),
+    canvas.fillRounded(m_tile, PermissionsGateHeaderStyle::tileRadius, m_palette.highlight);
+    canvas.drawSymbol(Symbol::lockShield,
+        m_tile.centred({PermissionsGateHeaderStyle::symbol, PermissionsGateHeaderStyle::symbol}),
         m_palette.highlightedText);
 }
 

@@ -9,7 +9,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct PermissionsGateSectionStyle {
     static constexpr double headGap = 8; ///< above the card
     static constexpr double radius = 10;
     static constexpr double inset = 16;
@@ -26,8 +26,10 @@ struct Style {
 PermissionsGateSection::PermissionsGateSection(const Text& text, const Palette& palette, Look look)
     : m_palette(palette)
     , m_look(look)
-    , m_title(&addChild(std::make_unique<LabelView>(text, palette, Style::title)))
-    , m_subtitle(&addChild(std::make_unique<LabelView>(text, palette, Style::subtitle)))
+    , m_title(
+          &addChild(std::make_unique<LabelView>(text, palette, PermissionsGateSectionStyle::title)))
+    , m_subtitle(&addChild(
+          std::make_unique<LabelView>(text, palette, PermissionsGateSectionStyle::subtitle)))
 {
 }
 
@@ -44,10 +46,13 @@ double PermissionsGateSection::headHeight(double width) const
 
 double PermissionsGateSection::heightFor(double width) const
 {
-    double height = headHeight(width) + Style::headGap + 2 * Style::padding;
+    double height = headHeight(width) + PermissionsGateSectionStyle::headGap
+        + 2 * PermissionsGateSectionStyle::padding;
     for (auto* row : m_rows)
-        height += std::ceil(row->heightFor(width - 2 * Style::inset));
-    double between = m_look.hasLines ? 2 * Style::padding + Style::line : m_look.rowGap;
+        height += std::ceil(row->heightFor(width - 2 * PermissionsGateSectionStyle::inset));
+    double between = m_look.hasLines
+        ? 2 * PermissionsGateSectionStyle::padding + PermissionsGateSectionStyle::line
+        : m_look.rowGap;
     return height + between * static_cast<double>(m_rows.empty() ? 0 : m_rows.size() - 1);
 }
 
@@ -66,25 +71,33 @@ void PermissionsGateSection::layout()
     double title = std::ceil(m_title->heightFor(width));
     m_title->setFrame({0, 0, width, title});
     m_subtitle->setFrame({0, title, width, headHeight(width) - title});
-    double between = m_look.hasLines ? 2 * Style::padding + Style::line : m_look.rowGap;
-    double y = headHeight(width) + Style::headGap + Style::padding;
+    double between = m_look.hasLines
+        ? 2 * PermissionsGateSectionStyle::padding + PermissionsGateSectionStyle::line
+        : m_look.rowGap;
+    double y = headHeight(width) + PermissionsGateSectionStyle::headGap
+        + PermissionsGateSectionStyle::padding;
     for (auto* row : m_rows) {
-        double room = width - 2 * Style::inset;
-        row->setFrame({Style::inset, y, room, std::ceil(row->heightFor(room))});
+        double room = width - 2 * PermissionsGateSectionStyle::inset;
+        row->setFrame(
+            {PermissionsGateSectionStyle::inset, y, room, std::ceil(row->heightFor(room))});
         y += row->frame().height + between;
     }
 }
 
 void PermissionsGateSection::paint(Canvas& canvas) const
 {
-    double top = headHeight(bounds().width) + Style::headGap;
+    double top = headHeight(bounds().width) + PermissionsGateSectionStyle::headGap;
     Rect card{0, top, bounds().width, bounds().height - top};
-    canvas.fillRounded(card, Style::radius, m_palette.windowCard);
-    canvas.strokeRounded(card, Style::radius, Style::line, m_palette.windowEdge);
+    canvas.fillRounded(card, PermissionsGateSectionStyle::radius, m_palette.windowCard);
+    canvas.strokeRounded(card, PermissionsGateSectionStyle::radius,
+        PermissionsGateSectionStyle::line, m_palette.windowEdge);
     for (std::size_t row = 1; m_look.hasLines && row < m_rows.size(); ++row) {
-        double y = m_rows[row]->frame().y - Style::padding - Style::line;
-        canvas.fill(
-            {Style::inset, y, card.width - 2 * Style::inset, Style::line}, m_palette.windowEdge);
+        double y = m_rows[row]->frame().y - PermissionsGateSectionStyle::padding
+            - PermissionsGateSectionStyle::line;
+        canvas.fill({PermissionsGateSectionStyle::inset, y,
+                        card.width - 2 * PermissionsGateSectionStyle::inset,
+                        PermissionsGateSectionStyle::line},
+            m_palette.windowEdge);
     }
 }
 

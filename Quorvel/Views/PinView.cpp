@@ -7,7 +7,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct PinViewStyle {
     static constexpr double launchMarkSize = 4;
     static constexpr double launchMarkGap = 3; ///< from the lower edge
     static constexpr double launchOpacity = 0.6;
@@ -37,14 +37,14 @@ void PinView::paintItem(Canvas& canvas) const
     paintFace(canvas, place, metrics().chipCornerRadius);
     paintRing(canvas);
     if (m_pin.isLaunching)
-        canvas.beginOpacity(Style::launchOpacity);
+        canvas.beginOpacity(PinViewStyle::launchOpacity);
     canvas.drawImage(m_pin.icon, place.centred({metrics().iconSize, metrics().iconSize}));
     if (!m_pin.isLaunching)
         return;
     canvas.endOpacity();
-    Rect mark{place.centre().x - Style::launchMarkSize / 2,
-        place.maxY() - Style::launchMarkGap - Style::launchMarkSize / 2, Style::launchMarkSize,
-        Style::launchMarkSize};
+    Rect mark{place.centre().x - PinViewStyle::launchMarkSize / 2,
+        place.maxY() - PinViewStyle::launchMarkGap - PinViewStyle::launchMarkSize / 2,
+        PinViewStyle::launchMarkSize, PinViewStyle::launchMarkSize};
     canvas.fillRounded(mark, mark.width / 2, palette().accent);
 }
 

@@ -9,7 +9,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct RowItemStyle {
     static constexpr double numberMargin = 2;
     static constexpr double numberSize = 0.46; ///< share of the height inside the margin
     static constexpr double numberCorner = 0.25; ///< share of its size
@@ -68,12 +68,12 @@ void RowItem::paintNumber(Canvas& canvas) const
 {
     if (m_number == 0)
         return;
-    auto place = face().inset(Style::numberMargin, Style::numberMargin);
-    double size = place.height * Style::numberSize;
+    auto place = face().inset(RowItemStyle::numberMargin, RowItemStyle::numberMargin);
+    double size = place.height * RowItemStyle::numberSize;
     Rect mark{m_isRightToLeft ? place.maxX() - size : place.x, place.y, size, size};
-    canvas.fillRounded(mark, size * Style::numberCorner, palette().highlight);
+    canvas.fillRounded(mark, size * RowItemStyle::numberCorner, palette().highlight);
     canvas.drawText(std::to_string(m_number), mark,
-        {.size = size * Style::numberTextSize,
+        {.size = size * RowItemStyle::numberTextSize,
             .weight = FontWeight::semibold,
             .color = palette().highlightedText,
             .alignment = TextAlignment::centre});

@@ -9,7 +9,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct RowScrollStyle {
     static constexpr double step = 0.6; ///< of the row's width, for a click on an arrow
     static constexpr Duration time = seconds(0.2);
 };
@@ -54,9 +54,9 @@ void RowScroll::step(double direction)
 {
     double sign = m_isRightToLeft ? -direction : direction;
     double from = m_offset;
-    double distance = sign * std::max(m_itemWidth, m_row.bounds().width * Style::step);
+    double distance = sign * std::max(m_itemWidth, m_row.bounds().width * RowScrollStyle::step);
     double to = std::clamp(from + distance, 0.0, maximum());
-    m_motion.start(m_reducesMotion ? Duration::zero() : Style::time, m_frameInterval,
+    m_motion.start(m_reducesMotion ? Duration::zero() : RowScrollStyle::time, m_frameInterval,
         [this, from, to](double share) { scrollTo(from + (to - from) * share); });
 }
 

@@ -7,7 +7,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct SpaceCellStyle {
     static constexpr double textSize = 0.5; ///< share of the cell's height
     static constexpr double heightShare = 0.82; ///< of the chip's height
     static constexpr double radius = 5;
@@ -44,23 +44,23 @@ AccessibleState SpaceCell::accessibleState() const
 void SpaceCell::paint(Canvas& canvas) const
 {
     auto& colors = palette();
-    double height = m_metrics.chipHeight * Style::heightShare;
+    double height = m_metrics.chipHeight * SpaceCellStyle::heightShare;
     auto face = bounds().centred({bounds().width, height});
     if (m_data.isCurrent) {
-        canvas.fillRounded(face, Style::radius, colors.focusedFill);
-        canvas.strokeRounded(face, Style::radius, 1, colors.edge);
+        canvas.fillRounded(face, SpaceCellStyle::radius, colors.focusedFill);
+        canvas.strokeRounded(face, SpaceCellStyle::radius, 1, colors.edge);
     }
-    paintFace(canvas, face, Style::radius);
+    paintFace(canvas, face, SpaceCellStyle::radius);
     if (m_isDropTarget)
-        paintKeyFocus(canvas, face, Style::radius, colors);
+        paintKeyFocus(canvas, face, SpaceCellStyle::radius, colors);
     bool isQuiet = !m_data.isCurrent && m_data.windowCount == 0;
     canvas.drawText(m_data.label, face,
-        {.size = height * Style::textSize,
+        {.size = height * SpaceCellStyle::textSize,
             .weight = m_data.isCurrent ? FontWeight::semibold : FontWeight::regular,
             .color = isQuiet ? colors.quietText : colors.text,
             .alignment = TextAlignment::centre});
     if (m_data.wantsAttention) {
-        double size = Style::attentionSize;
+        double size = SpaceCellStyle::attentionSize;
         canvas.fillRounded(
             {face.maxX() - size - 1, face.y + 1, size, size}, size / 2, colors.attentionMark);
     }

@@ -12,7 +12,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct SpaceSwitcherStyle {
     static constexpr double cellWidth = 0.88; ///< of the chip's height
     static constexpr double listButtonWidth = 0.62; ///< of the chip's height
     static constexpr double symbolSize = 0.36; ///< of the chip's height
@@ -36,7 +36,7 @@ private:
     {
         auto face = bounds().centred({bounds().width, m_metrics.chipHeight * 0.82});
         paintFace(canvas, face, 5);
-        double size = m_metrics.chipHeight * Style::symbolSize;
+        double size = m_metrics.chipHeight * SpaceSwitcherStyle::symbolSize;
         canvas.drawSymbol(Symbol::chevronUp, face.centred({size, size}), palette().text);
     }
 
@@ -91,26 +91,27 @@ void SpaceSwitcher::setRightToLeft(bool isRightToLeft)
 
 double SpaceSwitcher::cellWidth() const
 {
-    return std::round(m_metrics.chipHeight * Style::cellWidth);
+    return std::round(m_metrics.chipHeight * SpaceSwitcherStyle::cellWidth);
 }
 
 double SpaceSwitcher::listButtonWidth() const
 {
-    return std::round(m_metrics.chipHeight * Style::listButtonWidth);
+    return std::round(m_metrics.chipHeight * SpaceSwitcherStyle::listButtonWidth);
 }
 
 double SpaceSwitcher::wantedWidth(double available) const
 {
     if (m_spaces.size() < 2)
         return 0;
-    double all
-        = listButtonWidth() + static_cast<double>(m_spaces.size()) * (cellWidth() + Style::spacing);
-    return all <= available ? all : listButtonWidth() + cellWidth() + Style::spacing;
+    double all = listButtonWidth()
+        + static_cast<double>(m_spaces.size()) * (cellWidth() + SpaceSwitcherStyle::spacing);
+    return all <= available ? all : listButtonWidth() + cellWidth() + SpaceSwitcherStyle::spacing;
 }
 
 bool SpaceSwitcher::showsAll(double width) const
 {
-    return width >= static_cast<double>(m_spaces.size()) * (cellWidth() + Style::spacing);
+    return width
+        >= static_cast<double>(m_spaces.size()) * (cellWidth() + SpaceSwitcherStyle::spacing);
 }
 
 void SpaceSwitcher::layout()
@@ -121,7 +122,7 @@ void SpaceSwitcher::layout()
     auto place = [&](View& view, double width) {
         view.setFrame({m_isRightToLeft ? bounds().width - x - width : x, 0, width,
             width > 0 ? bounds().height : 0});
-        x += width > 0 ? width + Style::spacing : 0;
+        x += width > 0 ? width + SpaceSwitcherStyle::spacing : 0;
     };
     for (auto* cell : m_cells)
         place(*cell, isShown && (areAllShown || cell->data().isCurrent) ? cellWidth() : 0);

@@ -12,7 +12,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct StatusBadgeStyle {
     static constexpr double fontSize = 12;
     static constexpr double inset = 10;
     static constexpr double symbol = 14;
@@ -20,11 +20,12 @@ struct Style {
     static constexpr double gap = 4; ///< from the symbol to the text
 };
 
-constexpr double kTextBehindSymbol = Style::symbolInset + Style::symbol + Style::gap;
+constexpr double kTextBehindSymbol
+    = StatusBadgeStyle::symbolInset + StatusBadgeStyle::symbol + StatusBadgeStyle::gap;
 
 TextStyle textStyle()
 {
-    return {.size = Style::fontSize, .weight = FontWeight::medium, .color = {}};
+    return {.size = StatusBadgeStyle::fontSize, .weight = FontWeight::medium, .color = {}};
 }
 
 }
@@ -48,8 +49,9 @@ std::string StatusBadge::text() const
 
 double StatusBadge::idealWidth() const
 {
-    double leading = m_isGranted ? kTextBehindSymbol : Style::inset;
-    return std::ceil(leading + m_measure.measure(text(), textStyle()).width + Style::inset);
+    double leading = m_isGranted ? kTextBehindSymbol : StatusBadgeStyle::inset;
+    return std::ceil(
+        leading + m_measure.measure(text(), textStyle()).width + StatusBadgeStyle::inset);
 }
 
 AccessibleState StatusBadge::accessibleState() const
@@ -73,13 +75,15 @@ void StatusBadge::paint(Canvas& canvas) const
         canvas.strokeRounded(bounds(), height / 2, 1, ink);
     if (m_isGranted) {
         canvas.drawSymbol(Symbol::checkmarkCircle,
-            place({Style::symbolInset, (height - Style::symbol) / 2, Style::symbol, Style::symbol}),
+            place({StatusBadgeStyle::symbolInset, (height - StatusBadgeStyle::symbol) / 2,
+                StatusBadgeStyle::symbol, StatusBadgeStyle::symbol}),
             ink);
     }
-    double x = m_isGranted ? kTextBehindSymbol : Style::inset;
+    double x = m_isGranted ? kTextBehindSymbol : StatusBadgeStyle::inset;
     auto style = textStyle();
     style.color = ink;
-    canvas.drawText(text(), place({x, 0, bounds().width - x - Style::inset, height}), style);
+    canvas.drawText(
+        text(), place({x, 0, bounds().width - x - StatusBadgeStyle::inset, height}), style);
 }
 
 }

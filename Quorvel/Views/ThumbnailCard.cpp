@@ -10,7 +10,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct ThumbnailCardStyle {
     static constexpr double padding = 8;
     static constexpr double headerHeight = 24;
     static constexpr double gap = 6; ///< between header and picture
@@ -59,8 +59,9 @@ ThumbnailCard::ThumbnailCard(const Palette& palette, Size pictureSize)
 
 Size ThumbnailCard::sizeFor(Size picture)
 {
-    return {picture.width + 2 * Style::padding,
-        picture.height + 2 * Style::padding + Style::headerHeight + Style::gap};
+    return {picture.width + 2 * ThumbnailCardStyle::padding,
+        picture.height + 2 * ThumbnailCardStyle::padding + ThumbnailCardStyle::headerHeight
+            + ThumbnailCardStyle::gap};
 }
 
 void ThumbnailCard::setPicture(std::optional<WindowPicture> picture)
@@ -116,16 +117,19 @@ Rect ThumbnailCard::mirrored(Rect rect) const
 
 Rect ThumbnailCard::iconFrame() const
 {
-    return mirrored(
-        Rect{Style::padding, Style::padding, Style::iconSize, Style::headerHeight}.centred(
-            {Style::iconSize, Style::iconSize}));
+    return mirrored(Rect{ThumbnailCardStyle::padding, ThumbnailCardStyle::padding,
+        ThumbnailCardStyle::iconSize, ThumbnailCardStyle::headerHeight}
+                        .centred({ThumbnailCardStyle::iconSize, ThumbnailCardStyle::iconSize}));
 }
 
 Rect ThumbnailCard::titleFrame() const
 {
-    double left = Style::padding + Style::iconSize + Style::gap;
-    double right = bounds().width - Style::padding - Style::closeSize - Style::gap;
-    return mirrored({left, Style::padding, std::max(0.0, right - left), Style::headerHeight});
+    double left
+        = ThumbnailCardStyle::padding + ThumbnailCardStyle::iconSize + ThumbnailCardStyle::gap;
+    double right = bounds().width - ThumbnailCardStyle::padding - ThumbnailCardStyle::closeSize
+        - ThumbnailCardStyle::gap;
+    return mirrored({left, ThumbnailCardStyle::padding, std::max(0.0, right - left),
+        ThumbnailCardStyle::headerHeight});
 }
 
 Rect ThumbnailCard::closeButtonFrame() const
@@ -135,16 +139,19 @@ Rect ThumbnailCard::closeButtonFrame() const
 
 void ThumbnailCard::layout()
 {
-    Rect slot{bounds().width - Style::padding - Style::closeSize, Style::padding, Style::closeSize,
-        Style::headerHeight};
-    m_closeButton->setFrame(mirrored(slot.centred({Style::closeSize, Style::closeSize})));
+    Rect slot{bounds().width - ThumbnailCardStyle::padding - ThumbnailCardStyle::closeSize,
+        ThumbnailCardStyle::padding, ThumbnailCardStyle::closeSize,
+        ThumbnailCardStyle::headerHeight};
+    m_closeButton->setFrame(
+        mirrored(slot.centred({ThumbnailCardStyle::closeSize, ThumbnailCardStyle::closeSize})));
     invalidate();
 }
 
 /// As large as it fits, in the window's own shape.
 Rect ThumbnailCard::pictureFrame() const
 {
-    Rect room{Style::padding, Style::padding + Style::headerHeight + Style::gap,
+    Rect room{ThumbnailCardStyle::padding,
+        ThumbnailCardStyle::padding + ThumbnailCardStyle::headerHeight + ThumbnailCardStyle::gap,
         m_pictureSize.width, m_pictureSize.height};
     if (!m_picture || m_picture->size.isEmpty())
         return room;
@@ -157,30 +164,32 @@ void ThumbnailCard::paint(Canvas& canvas) const
 {
     auto& colors = palette();
     if (m_chip.isFocused)
-        canvas.fillRounded(bounds(), Style::radius, colors.cardFill);
+        canvas.fillRounded(bounds(), ThumbnailCardStyle::radius, colors.cardFill);
     if (m_chip.wantsAttention)
-        canvas.fillRounded(bounds(), Style::radius, colors.attention);
-    paintFace(canvas, bounds(), Style::radius);
+        canvas.fillRounded(bounds(), ThumbnailCardStyle::radius, colors.attention);
+    paintFace(canvas, bounds(), ThumbnailCardStyle::radius);
     canvas.drawImage(m_chip.icon, iconFrame());
     canvas.drawText(m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, titleFrame(),
-        {.size = Style::titleSize, .weight = FontWeight::medium, .color = colors.text});
+        {.size = ThumbnailCardStyle::titleSize,
+            .weight = FontWeight::medium,
+            .color = colors.text});
 
     auto frame = pictureFrame();
     if (!m_picture || !m_picture->image) {
-        canvas.fillRounded(frame, Style::pictureRadius, colors.cardFill);
-        double size = std::min(Style::largeIcon, frame.height * 0.6);
+        canvas.fillRounded(frame, ThumbnailCardStyle::pictureRadius, colors.cardFill);
+        double size = std::min(ThumbnailCardStyle::largeIcon, frame.height * 0.6);
         canvas.drawImage(m_chip.icon, frame.centred({size, size}));
         return;
     }
     if (m_chip.isMinimized)
-        canvas.beginOpacity(Style::minimizedOpacity);
+        canvas.beginOpacity(ThumbnailCardStyle::minimizedOpacity);
     canvas.save();
-    canvas.clipRounded(frame, Style::pictureRadius);
+    canvas.clipRounded(frame, ThumbnailCardStyle::pictureRadius);
     canvas.drawImage(m_picture->image, frame);
     canvas.restore();
     if (m_chip.isMinimized)
         canvas.endOpacity();
-    canvas.strokeRounded(frame, Style::pictureRadius, 1, colors.popupEdge);
+    canvas.strokeRounded(frame, ThumbnailCardStyle::pictureRadius, 1, colors.popupEdge);
 }
 
 }

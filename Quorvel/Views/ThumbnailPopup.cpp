@@ -13,7 +13,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct ThumbnailPopupStyle {
     static constexpr double padding = 8;
     static constexpr double spacing = 4; ///< between cards
     static constexpr double radius = 12;
@@ -34,8 +34,8 @@ Size cardsSize(std::size_t columns, std::size_t rows, Size card)
 {
     auto n = static_cast<double>(columns);
     auto m = static_cast<double>(rows);
-    return {n * (card.width + Style::spacing) - Style::spacing,
-        m * (card.height + Style::spacing) - Style::spacing};
+    return {n * (card.width + ThumbnailPopupStyle::spacing) - ThumbnailPopupStyle::spacing,
+        m * (card.height + ThumbnailPopupStyle::spacing) - ThumbnailPopupStyle::spacing};
 }
 
 /// Until a card with it fits, with its proportions.
@@ -57,25 +57,28 @@ ThumbnailPopupLayout ThumbnailPopupLayout::of(
     std::size_t windowCount, const Rect& chip, const Rect& screen, bool isRightToLeft)
 {
     ThumbnailPopupLayout layout;
-    double room = screen.width - 2 * (Style::screenMargin + Style::padding);
-    double height = screen.maxY() - chip.maxY() - 2 * (Style::screenMargin + Style::padding)
-        - kArrowHeight - Style::moreHeight;
+    double room
+        = screen.width - 2 * (ThumbnailPopupStyle::screenMargin + ThumbnailPopupStyle::padding);
+    double height = screen.maxY() - chip.maxY()
+        - 2 * (ThumbnailPopupStyle::screenMargin + ThumbnailPopupStyle::padding) - kArrowHeight
+        - ThumbnailPopupStyle::moreHeight;
     // The largest pictures with which all windows stand in one row, else as many rows as fit.
     std::size_t columns = 1;
     for (auto size : kPictureSizes) {
         layout.pictureSize = size;
         auto card = ThumbnailCard::sizeFor(size);
-        columns = std::max<std::size_t>(
-            1, static_cast<std::size_t>((room + Style::spacing) / (card.width + Style::spacing)));
+        columns = std::max<std::size_t>(1,
+            static_cast<std::size_t>((room + ThumbnailPopupStyle::spacing)
+                / (card.width + ThumbnailPopupStyle::spacing)));
         if (columns >= windowCount)
             break;
     }
-    layout.pictureSize = shrunkTo(
-        layout.pictureSize, {room, height + (windowCount > columns ? 0 : Style::moreHeight)});
+    layout.pictureSize = shrunkTo(layout.pictureSize,
+        {room, height + (windowCount > columns ? 0 : ThumbnailPopupStyle::moreHeight)});
     auto card = ThumbnailCard::sizeFor(layout.pictureSize);
     auto mostRows = std::max<std::size_t>(1,
-        static_cast<std::size_t>(
-            std::max(0.0, height + Style::spacing) / (card.height + Style::spacing)));
+        static_cast<std::size_t>(std::max(0.0, height + ThumbnailPopupStyle::spacing)
+            / (card.height + ThumbnailPopupStyle::spacing)));
     columns = std::clamp<std::size_t>(windowCount, 1, columns);
     auto rows = std::clamp<std::size_t>((windowCount + columns - 1) / columns, 1, mostRows);
     auto shown = std::min(windowCount, columns * rows);
@@ -84,18 +87,19 @@ ThumbnailPopupLayout ThumbnailPopupLayout::of(
     for (std::size_t index = 0; index < shown; ++index) {
         auto column = static_cast<double>(index % columns);
         auto row = static_cast<double>(index / columns);
-        double x = column * (card.width + Style::spacing);
+        double x = column * (card.width + ThumbnailPopupStyle::spacing);
         if (isRightToLeft)
             x = inner.width - x - card.width;
-        layout.cards.push_back({Style::padding + x,
-            Style::padding + row * (card.height + Style::spacing), card.width, card.height});
+        layout.cards.push_back({ThumbnailPopupStyle::padding + x,
+            ThumbnailPopupStyle::padding + row * (card.height + ThumbnailPopupStyle::spacing),
+            card.width, card.height});
     }
-    Size whole{inner.width + 2 * Style::padding,
-        inner.height + 2 * Style::padding + (layout.hiddenCount > 0 ? Style::moreHeight : 0)
-            + kArrowHeight};
-    double left = std::max(screen.x + Style::screenMargin,
-        std::min(
-            chip.centre().x - whole.width / 2, screen.maxX() - Style::screenMargin - whole.width));
+    Size whole{inner.width + 2 * ThumbnailPopupStyle::padding,
+        inner.height + 2 * ThumbnailPopupStyle::padding
+            + (layout.hiddenCount > 0 ? ThumbnailPopupStyle::moreHeight : 0) + kArrowHeight};
+    double left = std::max(screen.x + ThumbnailPopupStyle::screenMargin,
+        std::min(chip.centre().x - whole.width / 2,
+            screen.maxX() - ThumbnailPopupStyle::screenMargin - whole.width));
     // On the smallest of screens it has to lie over the bar.
     double bottom = std::max(screen.y, std::min(chip.maxY(), screen.maxY() - whole.height));
     layout.frame = Rect{std::round(left), bottom, whole.width, whole.height}.intersected(screen);
@@ -105,7 +109,7 @@ ThumbnailPopupLayout ThumbnailPopupLayout::of(
 
 void ThumbnailPopupLayout::pointAt(const Rect& chip)
 {
-    constexpr double least = Style::radius + Style::arrowHalfWidth;
+    constexpr double least = ThumbnailPopupStyle::radius + ThumbnailPopupStyle::arrowHalfWidth;
     arrowX = std::clamp(chip.centre().x - frame.x, least, std::max(least, frame.width - least));
 }
 
@@ -138,20 +142,22 @@ private:
         face.height -= ThumbnailPopupLayout::kArrowHeight;
         double tip = bounds().maxY() - 1;
         auto arrow = [&](double inset, const Color& color) {
-            canvas.fillPolygon({{m_arrowX - Style::arrowHalfWidth + inset, face.maxY() - 1},
-                                   {m_arrowX + Style::arrowHalfWidth - inset, face.maxY() - 1},
-                                   {m_arrowX, tip - inset}},
+            canvas.fillPolygon(
+                {{m_arrowX - ThumbnailPopupStyle::arrowHalfWidth + inset, face.maxY() - 1},
+                    {m_arrowX + ThumbnailPopupStyle::arrowHalfWidth - inset, face.maxY() - 1},
+                    {m_arrowX, tip - inset}},
                 color);
         };
-        canvas.fillRounded(face, Style::radius, m_palette.popupGround);
-        canvas.strokeRounded(face, Style::radius, 1, m_palette.popupEdge);
+        canvas.fillRounded(face, ThumbnailPopupStyle::radius, m_palette.popupGround);
+        canvas.strokeRounded(face, ThumbnailPopupStyle::radius, 1, m_palette.popupEdge);
         arrow(0, m_palette.popupEdge);
         arrow(1, m_palette.popupGround);
         if (m_hiddenCount > 0) {
-            Rect more{
-                0, face.maxY() - Style::padding - Style::moreHeight, face.width, Style::moreHeight};
+            Rect more{0,
+                face.maxY() - ThumbnailPopupStyle::padding - ThumbnailPopupStyle::moreHeight,
+                face.width, ThumbnailPopupStyle::moreHeight};
             canvas.drawText(std::to_string(m_hiddenCount) + " more", more,
-                {.size = Style::moreTextSize,
+                {.size = ThumbnailPopupStyle::moreTextSize,
                     .color = m_palette.text,
                     .alignment = TextAlignment::centre});
         }
@@ -199,7 +205,7 @@ void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, 
     m_surface->setFrame(m_layout.frame);
     m_surface->orderFront();
     if (fadesIn)
-        m_animation.start(Style::fade, m_surface->frameInterval(),
+        m_animation.start(ThumbnailPopupStyle::fade, m_surface->frameInterval(),
             [this](double share) { m_surface->setOpacity(share); });
     else if (!appearance.reduceMotion)
         animate(*animatingFrom);
@@ -214,11 +220,12 @@ void ThumbnailPopup::hide()
 void ThumbnailPopup::animate(const Rect& from)
 {
     auto to = m_layout.frame;
-    m_animation.start(Style::move, m_surface->frameInterval(), [this, from, to](double share) {
-        // The size is the new one from the start: only the place moves.
-        double x = from.centre().x + (to.centre().x - from.centre().x) * share - to.width / 2;
-        m_surface->setFrame({std::round(x), to.y, to.width, to.height});
-    });
+    m_animation.start(
+        ThumbnailPopupStyle::move, m_surface->frameInterval(), [this, from, to](double share) {
+            // The size is the new one from the start: only the place moves.
+            double x = from.centre().x + (to.centre().x - from.centre().x) * share - to.width / 2;
+            m_surface->setFrame({std::round(x), to.y, to.width, to.height});
+        });
 }
 
 void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)

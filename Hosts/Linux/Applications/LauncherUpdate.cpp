@@ -49,7 +49,7 @@ std::optional<double> finiteNumberIn(GVariant* value)
     return std::isfinite(number) ? std::optional{number} : std::nullopt;
 }
 
-template <typename Value> void take(std::optional<Value>& into, std::optional<Value> value)
+template <typename Value> void takeIfGiven(std::optional<Value>& into, std::optional<Value> value)
 {
     if (value)
         into = value;
@@ -58,18 +58,18 @@ template <typename Value> void take(std::optional<Value>& into, std::optional<Va
 void takeProperty(LauncherUpdate& update, std::string_view name, GVariant* value)
 {
     if (name == "count")
-        take(update.count, integerIn(value));
+        takeIfGiven(update.count, integerIn(value));
     else if (name == "count-visible")
-        take(update.isCountVisible, booleanIn(value));
+        takeIfGiven(update.isCountVisible, booleanIn(value));
     else if (name == "progress")
-        take(update.progress, finiteNumberIn(value));
+        takeIfGiven(update.progress, finiteNumberIn(value));
     else if (name == "progress-visible")
-        take(update.isProgressVisible, booleanIn(value));
+        takeIfGiven(update.isProgressVisible, booleanIn(value));
     else if (name == "urgent")
-        take(update.isUrgent, booleanIn(value));
+        takeIfGiven(update.isUrgent, booleanIn(value));
 }
 
-std::optional<std::string> unescaped(std::string_view text)
+std::optional<std::string> percentDecoded(std::string_view text)
 {
     const std::string copy{text};
     const GText plain{g_uri_unescape_string(copy.c_str(), nullptr)};
@@ -100,7 +100,7 @@ std::optional<std::string> desktopIDOf(std::string_view address)
         address.remove_prefix(scheme.size());
     if (address.size() > LauncherUpdate::kLongestID)
         return std::nullopt;
-    auto path = unescaped(address);
+    auto path = percentDecoded(address);
     if (!path || path->find("://") != std::string::npos)
         return std::nullopt;
     auto id = idOfPath(*std::move(path));

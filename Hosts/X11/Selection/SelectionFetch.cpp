@@ -15,7 +15,7 @@ namespace quorvel::xdg::x11 {
 namespace {
 
 /// For the next word of the owner, and for all of them.
-constexpr auto kPatience = seconds(2);
+constexpr auto kFetchPatience = seconds(2);
 constexpr auto kLongestPatience = seconds(10);
 
 std::string utf8Of(std::string bytes, bool isLatin1)
@@ -119,7 +119,7 @@ void SelectionFetch::receivePiece()
 
 void SelectionFetch::wait()
 {
-    const auto end = std::min(m_dispatch.now() + kPatience, m_latest);
+    const auto end = std::min(m_dispatch.now() + kFetchPatience, m_latest);
     m_patience = m_dispatch.main().after(end - m_dispatch.now(), [this] { finish(std::nullopt); });
 }
 

@@ -9,7 +9,7 @@ namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr auto kPatience = seconds(5);
+constexpr auto kTransferPatience = seconds(5);
 
 }
 
@@ -25,7 +25,7 @@ SelectionTransfer::SelectionTransfer(Connection& connection, Dispatch& dispatch,
     const auto size = static_cast<std::uint32_t>(m_bytes->size());
     xcb_change_property(connection.raw(), XCB_PROP_MODE_REPLACE, target.window, target.property,
         connection.atoms().incr, 32, 1, &size);
-    endAfter(kPatience);
+    endAfter(kTransferPatience);
 }
 
 bool SelectionTransfer::handle(const xcb_property_notify_event_t& change)
@@ -48,7 +48,7 @@ void SelectionTransfer::sendPiece()
         m_bytes->data() + m_sent);
     m_sent += size;
     m_isComplete = size == 0;
-    endAfter(kPatience);
+    endAfter(kTransferPatience);
 }
 
 void SelectionTransfer::endAfter(Duration delay)

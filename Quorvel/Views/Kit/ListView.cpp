@@ -10,7 +10,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct ListViewStyle {
     static constexpr double wheelShare = 0.4; ///< of what is left of the way, in each frame
     static constexpr double wheelEnd = 0.5; ///< points
 };
@@ -276,9 +276,10 @@ void ListView::turnWheel()
 {
     m_wheelTarget = std::min(m_wheelTarget, mostOffset());
     double left = m_wheelTarget - m_offset;
-    bool isLast = m_reducesMotion || std::abs(left) * (1 - Style::wheelShare) < Style::wheelEnd;
+    bool isLast = m_reducesMotion
+        || std::abs(left) * (1 - ListViewStyle::wheelShare) < ListViewStyle::wheelEnd;
     m_wheel = {};
-    setOffset(isLast ? m_wheelTarget : m_offset + left * Style::wheelShare);
+    setOffset(isLast ? m_wheelTarget : m_offset + left * ListViewStyle::wheelShare);
     if (!isLast)
         m_wheel = m_dispatch.main().after(m_frameInterval, [this] { turnWheel(); });
 }

@@ -9,7 +9,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct OverlayScrollerStyle {
     static constexpr double inset = 3;
     static constexpr double width = 5;
     static constexpr double hoveredWidth = 7;
@@ -59,10 +59,12 @@ double OverlayScroller::mostOffset() const
 
 Rect OverlayScroller::knob() const
 {
-    auto track = bounds().inset(Style::inset, Style::inset);
-    double width = m_isHovered || m_isPressed ? Style::hoveredWidth : Style::width;
+    auto track = bounds().inset(OverlayScrollerStyle::inset, OverlayScrollerStyle::inset);
+    double width = m_isHovered || m_isPressed ? OverlayScrollerStyle::hoveredWidth
+                                              : OverlayScrollerStyle::width;
     double share = m_contentHeight > 0 ? bounds().height / m_contentHeight : 1;
-    double height = std::min(track.height, std::max(Style::leastHeight, track.height * share));
+    double height
+        = std::min(track.height, std::max(OverlayScrollerStyle::leastHeight, track.height * share));
     double way = mostOffset() > 0 ? std::clamp(m_offset / mostOffset(), 0.0, 1.0) : 0;
     return {
         bounds().centre().x - width / 2, track.y + (track.height - height) * way, width, height};
@@ -71,8 +73,8 @@ Rect OverlayScroller::knob() const
 void OverlayScroller::paint(Canvas& canvas) const
 {
     auto bar = knob();
-    canvas.fillRounded(
-        bar, bar.width / 2, m_palette.quietText.withAlpha(Style::opacity * m_opacity));
+    canvas.fillRounded(bar, bar.width / 2,
+        m_palette.quietText.withAlpha(OverlayScrollerStyle::opacity * m_opacity));
 }
 
 // MARK: When it shows
@@ -136,7 +138,7 @@ void OverlayScroller::pointerPressed(const PointerPress& press)
 
 void OverlayScroller::dragged(const DragMove& move)
 {
-    double way = bounds().height - 2 * Style::inset - knob().height;
+    double way = bounds().height - 2 * OverlayScrollerStyle::inset - knob().height;
     if (m_isPressed && way > 0 && onScrolled)
         onScrolled(m_offsetWhenPressed + move.translation.y * mostOffset() / way);
 }

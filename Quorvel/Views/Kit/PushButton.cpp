@@ -12,7 +12,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct PushButtonStyle {
     static constexpr double fontSize = 13;
     static constexpr double radius = 6;
     static constexpr double padding = 14; ///< before and after the title
@@ -44,9 +44,9 @@ void PushButton::setEnabled(bool isEnabled)
 double PushButton::idealWidth() const
 {
     TextStyle style;
-    style.size = Style::fontSize;
+    style.size = PushButtonStyle::fontSize;
     double title = m_measure.measure(m_title, style).width;
-    return std::max(Style::leastWidth, std::ceil(title + 2 * Style::padding));
+    return std::max(PushButtonStyle::leastWidth, std::ceil(title + 2 * PushButtonStyle::padding));
 }
 
 void PushButton::pressed(PointerButton button)
@@ -97,17 +97,18 @@ void PushButton::paint(Canvas& canvas) const
     auto& colors = palette();
     bool isProminent = m_kind == Kind::prominent && m_isEnabled;
     if (m_isEnabled)
-        canvas.fillRounded(bounds(), Style::radius, face());
+        canvas.fillRounded(bounds(), PushButtonStyle::radius, face());
     if (!isProminent || colors.hasEdges)
-        canvas.strokeRounded(bounds(), Style::radius, 1, colors.controlEdge);
+        canvas.strokeRounded(bounds(), PushButtonStyle::radius, 1, colors.controlEdge);
     canvas.drawText(m_title, bounds(),
-        {.size = Style::fontSize,
+        {.size = PushButtonStyle::fontSize,
             .color = !m_isEnabled ? colors.disabledText
                 : isProminent     ? colors.highlightedText
                                   : colors.text,
             .alignment = TextAlignment::centre});
     if (hasKeyFocus())
-        paintKeyFocus(canvas, bounds().inset(-kRing, -kRing), Style::radius + kRing, colors);
+        paintKeyFocus(
+            canvas, bounds().inset(-kRing, -kRing), PushButtonStyle::radius + kRing, colors);
 }
 
 }

@@ -10,7 +10,7 @@ namespace quorvel {
 
 namespace {
 
-struct Style {
+struct TextFieldViewStyle {
     static constexpr double caretWidth = 1;
     static constexpr double overhang = 2; ///< room for letters that lean out of their line
     static constexpr double underline = 1;
@@ -99,7 +99,7 @@ void TextFieldView::moved()
 
 void TextFieldView::revealCaret()
 {
-    double room = bounds().width - Style::caretWidth;
+    double room = bounds().width - TextFieldViewStyle::caretWidth;
     double x = m_geometry.caretX(m_shown.caret);
     m_scroll = std::clamp(m_scroll, x - std::max(room, 0.0), x);
     m_scroll = std::clamp(m_scroll, 0.0, std::max(m_geometry.width() - room, 0.0));
@@ -108,7 +108,7 @@ void TextFieldView::revealCaret()
 /// The whole line, also where it reaches out of the view.
 Rect TextFieldView::lineFrame() const
 {
-    double room = bounds().width - Style::caretWidth;
+    double room = bounds().width - TextFieldViewStyle::caretWidth;
     bool isRightToLeft = m_shown.text.empty() ? m_isRightToLeft : m_geometry.isRightToLeft();
     double spare = std::max(room - m_geometry.width(), 0.0);
     return {(isRightToLeft ? spare : 0) - m_scroll, (bounds().height - m_lineHeight) / 2,
@@ -124,7 +124,8 @@ Rect TextFieldView::rectOf(const LineGeometry::Span& span) const
 Rect TextFieldView::caretRect(std::size_t offset) const
 {
     auto line = lineFrame();
-    return {line.x + m_geometry.caretX(offset), line.y, Style::caretWidth, line.height};
+    return {
+        line.x + m_geometry.caretX(offset), line.y, TextFieldViewStyle::caretWidth, line.height};
 }
 
 std::size_t TextFieldView::offsetAt(Point inRoot) const
@@ -161,8 +162,9 @@ void TextFieldView::paint(Canvas& canvas) const
     paintSelection(canvas);
     for (auto& span : m_geometry.spans(m_shown.composition)) {
         auto part = rectOf(span);
-        canvas.fill(
-            {part.x, part.maxY() - Style::underline, part.width, Style::underline}, palette.text);
+        canvas.fill({part.x, part.maxY() - TextFieldViewStyle::underline, part.width,
+                        TextFieldViewStyle::underline},
+            palette.text);
     }
     if (m_blink.isOn() && m_shown.selection.isEmpty())
         canvas.fill(caretRect(m_shown.caret), palette.text);
@@ -173,8 +175,8 @@ void TextFieldView::paint(Canvas& canvas) const
 /// the interface.
 void TextFieldView::paintLine(Canvas& canvas, const Color& color) const
 {
-    canvas.drawText(
-        m_shown.text, lineFrame().inset(-Style::overhang, 0), style(color, TextAlignment::centre));
+    canvas.drawText(m_shown.text, lineFrame().inset(-TextFieldViewStyle::overhang, 0),
+        style(color, TextAlignment::centre));
 }
 
 void TextFieldView::paintSelection(Canvas& canvas) const
