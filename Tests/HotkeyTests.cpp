@@ -12,7 +12,7 @@ namespace {
 using Keys = FakeHotkeys::Keys;
 using State = HotkeyManager::State;
 
-constexpr std::uint32_t kSpace = 49;
+constexpr std::uint32_t kSpaceKey = 49;
 constexpr std::uint32_t kK = 40;
 constexpr std::uint32_t kLeftCommand = 55;
 constexpr std::uint32_t kEscape = 53;
@@ -54,9 +54,9 @@ TEST_F(HotkeyTest, followsTheSettingsAndOpensAndClosesTheLauncher)
 
     EXPECT_EQ(set("hotkeyModifiers=2048").exitStatus, 0);
     EXPECT_EQ(shown(), "⌥Space");
-    EXPECT_TRUE(system().press({kSpace, 0x800}));
+    EXPECT_TRUE(system().press({kSpaceKey, 0x800}));
     EXPECT_TRUE(isLauncherOpen());
-    EXPECT_TRUE(system().press({kSpace, 0x800}));
+    EXPECT_TRUE(system().press({kSpaceKey, 0x800}));
     EXPECT_FALSE(isLauncherOpen());
 
     set("hotkeyKeyCode=40");
@@ -81,9 +81,9 @@ TEST_F(HotkeyTest, recordsWhatItStoresAndShows)
     EXPECT_EQ(shown(), "⌃⌥⇧⌘K");
     EXPECT_EQ(runtime->userSettings().hotkeyKeyCode(), kK);
     EXPECT_EQ(runtime->userSettings().hotkeyModifiers(), 0x1B00U);
-    EXPECT_TRUE(hotkeys().recordShortcut(kSpace, KeyModifier::option));
+    EXPECT_TRUE(hotkeys().recordShortcut(kSpaceKey, KeyModifier::option));
     int before = system().registrations();
-    hotkeys().setCurrentShortcut(KeyboardShortcut{kSpace, 0x800});
+    hotkeys().setCurrentShortcut(KeyboardShortcut{kSpaceKey, 0x800});
     EXPECT_EQ(system().registrations(), before + 1);
     EXPECT_EQ(system().registered().size(), 1U);
     EXPECT_EQ((KeyboardShortcut{111, 0x100}.displayString()), "⌘F12");
@@ -106,13 +106,13 @@ TEST_F(HotkeyTest, isSuspendedWhileAShortcutIsRecorded)
     ShortcutRecorder recorder{hotkeys()};
     EXPECT_FALSE(recorder.keyPressed(kK, KeyModifier::control)) << "before it records";
     recorder.start();
-    EXPECT_FALSE(system().press({kSpace, 0x800}));
+    EXPECT_FALSE(system().press({kSpaceKey, 0x800}));
     EXPECT_TRUE(recorder.keyPressed(kLeftCommand, KeyModifier::command));
     EXPECT_TRUE(recorder.keyPressed(kK, 0));
     EXPECT_TRUE(recorder.isRecording().value());
     EXPECT_TRUE(recorder.keyPressed(kEscape, KeyModifier::control));
     EXPECT_FALSE(recorder.isRecording().value());
-    EXPECT_EQ(system().registered(), (std::vector{Keys{kSpace, 0x800}}));
+    EXPECT_EQ(system().registered(), (std::vector{Keys{kSpaceKey, 0x800}}));
 
     recorder.start();
     auto other = hotkeys().suspend();

@@ -25,7 +25,7 @@ enum Key : std::uint8_t {
 constexpr std::uint32_t kOne = 18;
 constexpr std::uint32_t kTwo = 19;
 constexpr std::uint32_t kK = 40;
-constexpr std::uint32_t kSpace = 49;
+constexpr std::uint32_t kSpaceKey = 49;
 
 /// Another program that has shortcuts.
 class OtherProgram {
@@ -106,7 +106,7 @@ protected:
 // lost, so that the next press passes for a repeat; two keys that overlap, of which one is stuck.
 TEST_F(Shortcuts, areReportedOnceHoweverLongTheyAreHeld)
 {
-    const auto opens = have(kSpace, Modifier::command);
+    const auto opens = have(kSpaceKey, Modifier::command);
     const auto first = have(kOne, Modifier::command);
     const auto second = have(kTwo, Modifier::command);
     ASSERT_EQ(opens->outcome(), HotkeyOutcome::registered);
@@ -145,7 +145,8 @@ TEST_F(Shortcuts, areReportedOnceHoweverLongTheyAreHeld)
     hand.release(two);
     hand.release(super);
     EXPECT_TRUE(press(two));
-    EXPECT_THAT(pressed, testing::ElementsAre(kSpace, kSpace, kSpace, kSpace, kOne, kTwo, kTwo));
+    EXPECT_THAT(pressed,
+        testing::ElementsAre(kSpaceKey, kSpaceKey, kSpaceKey, kSpaceKey, kOne, kTwo, kTwo));
 }
 
 // Faults: a lock hides the shortcut, or half of its grabs stay when another program has one of
@@ -153,8 +154,8 @@ TEST_F(Shortcuts, areReportedOnceHoweverLongTheyAreHeld)
 // modifier that moves takes the shortcut along only in name; keys that are not there.
 TEST_F(Shortcuts, followTheModifiersAndWhatOthersHave)
 {
-    auto shortcut = have(kSpace, Modifier::command);
-    auto same = have(kSpace, Modifier::command);
+    auto shortcut = have(kSpaceKey, Modifier::command);
+    auto same = have(kSpaceKey, Modifier::command);
     EXPECT_EQ(same->outcome(), HotkeyOutcome::taken);
     shortcut.reset();
     EXPECT_TRUE(runUntil([&] { return same->outcome() == HotkeyOutcome::registered; }));

@@ -18,7 +18,7 @@ constexpr std::uint8_t kEscape = 9;
 constexpr std::uint8_t kReturn = 36;
 constexpr std::uint8_t kControl = 37;
 constexpr std::uint8_t kAlt = 64;
-constexpr std::uint8_t kSpace = 65;
+constexpr std::uint8_t kSpaceBar = 65;
 constexpr std::uint8_t kDown = 116;
 constexpr std::uint8_t kPageDown = 117;
 
@@ -159,7 +159,7 @@ TEST_F(SettingsWindowProgram, recordsWhatTheWindowManagerWaitsFor)
     keyboard.tap(kReturn);
     ASSERT_TRUE(settings.shows(kButton, "Press keys"));
     keyboard.tap(kDown);
-    keyboard.chord(kAlt, kSpace); // openbox shows a window's menu
+    keyboard.chord(kAlt, kSpaceBar); // openbox shows a window's menu
     EXPECT_TRUE(settings.shows(kButton, "Alt+Space"));
     EXPECT_TRUE(becomes("hotkeyKeyCode", "49"));
     EXPECT_TRUE(becomes("hotkeyModifiers", "2048"));
