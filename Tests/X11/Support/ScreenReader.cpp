@@ -82,6 +82,8 @@ ScreenReader::ScreenReader(const XServer& server)
     EXPECT_TRUE(answer) << "no accessibility service on the session bus";
     g_clear_pointer(&answer, g_variant_unref);
     EXPECT_EQ(atspi_init(), 0);
+    // On a busy machine the usual 0.8 s pass, and what was heard has no name.
+    atspi_set_timeout(10'000, 10'000);
     m_listener = atspi_event_listener_new(&ScreenReader::onEvent, this, nullptr);
     for (const auto* event : {"object:property-change:accessible-name",
              "object:state-changed:checked", "object:state-changed:focused",
