@@ -52,7 +52,7 @@ std::string userThemeName()
     return kStandardTheme;
 }
 
-bool isFolder(const std::string& path)
+bool isThemeFolder(const std::string& path)
 {
     struct stat status;
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
@@ -178,11 +178,11 @@ IconTheme::Theme IconTheme::existingFolders(
     Theme theme;
     for (const auto& base : m_bases) {
         const auto root = base + '/' + name;
-        if (!isFolder(root))
+        if (!isThemeFolder(root))
             continue;
         for (const auto& folder : file.folders()) {
             auto path = root + '/' + folder.path;
-            if (!isFolder(path))
+            if (!isThemeFolder(path))
                 continue;
             auto& folders = folder.isForApplications ? theme.forApplications : theme.forOthers;
             folders.push_back(
