@@ -10,6 +10,7 @@
 
 #include "Quorvel/Platform/Hotkeys.h"
 #include "Quorvel/Platform/KeyEvent.h"
+#include "Quorvel/Platform/KeyName.h"
 
 namespace quorvel {
 
@@ -28,43 +29,8 @@ constexpr Modifier kModifiers[] = {
     {KeyModifier::command, HotkeyModifier::command, "⌘"},
 };
 
-constexpr std::pair<std::uint32_t, std::string_view> kKeyNames[] = {
-    {0, "A"},
-    {11, "B"},
-    {8, "C"},
-    {2, "D"},
-    {14, "E"},
-    {3, "F"},
-    {5, "G"},
-    {4, "H"},
-    {34, "I"},
-    {38, "J"},
-    {40, "K"},
-    {37, "L"},
-    {46, "M"},
-    {45, "N"},
-    {31, "O"},
-    {35, "P"},
-    {12, "Q"},
-    {15, "R"},
-    {1, "S"},
-    {17, "T"},
-    {32, "U"},
-    {9, "V"},
-    {13, "W"},
-    {7, "X"},
-    {16, "Y"},
-    {6, "Z"},
-    {29, "0"},
-    {18, "1"},
-    {19, "2"},
-    {20, "3"},
-    {21, "4"},
-    {23, "5"},
-    {22, "6"},
-    {26, "7"},
-    {28, "8"},
-    {25, "9"},
+/// What the Mac has symbols for, and Space.
+constexpr KeyName kSymbols[] = {
     {49, "Space"},
     {36, "↩"},
     {48, "⇥"},
@@ -74,18 +40,6 @@ constexpr std::pair<std::uint32_t, std::string_view> kKeyNames[] = {
     {124, "→"},
     {126, "↑"},
     {125, "↓"},
-    {122, "F1"},
-    {120, "F2"},
-    {99, "F3"},
-    {118, "F4"},
-    {96, "F5"},
-    {97, "F6"},
-    {98, "F7"},
-    {100, "F8"},
-    {101, "F9"},
-    {109, "F10"},
-    {103, "F11"},
-    {111, "F12"},
 };
 
 std::optional<std::uint32_t> numberOf(const nlohmann::json& json, const char* key)
@@ -110,8 +64,10 @@ bool isKeyOfShortcut(std::uint32_t keyCode)
 
 std::string keyCodeToString(std::uint32_t keyCode)
 {
-    auto* found = std::ranges::find(kKeyNames, keyCode, [](auto& name) { return name.first; });
-    return std::string{found == std::end(kKeyNames) ? "?" : found->second};
+    auto* symbol = std::ranges::find(kSymbols, keyCode, &KeyName::keyCode);
+    if (symbol != std::end(kSymbols))
+        return std::string{symbol->name};
+    return std::string{keyName(keyCode).value_or("?")};
 }
 
 std::string KeyboardShortcut::displayString() const

@@ -6,6 +6,7 @@
 #include <glib.h>
 
 #include "Quorvel/Platform/Hotkeys.h"
+#include "Quorvel/Platform/KeyName.h"
 #include "Quorvel/Platform/Translation.h"
 
 namespace quorvel::xdg {
@@ -32,7 +33,7 @@ constexpr Word kModifiers[] = {
     {HotkeyModifier::command, [] { return tr("Super"); }},
 };
 
-/// Keys that every layout has the same on, here and in the next two.
+/// Keys that every layout has the same on; so have the function keys and the number pad.
 constexpr Word kWords[] = {
     {49, [] { return tr("Space"); }},
     {36, [] { return tr("Enter"); }},
@@ -71,19 +72,7 @@ constexpr Word kWords[] = {
     {62, [] { return tr("Right Ctrl"); }},
 };
 
-constexpr Sign kFunctionKeys[] = {
-    {122, "F1"},
-    {120, "F2"},
-    {99, "F3"},
-    {118, "F4"},
-    {96, "F5"},
-    {97, "F6"},
-    {98, "F7"},
-    {100, "F8"},
-    {101, "F9"},
-    {109, "F10"},
-    {103, "F11"},
-    {111, "F12"},
+constexpr Sign kFurtherFunctionKeys[] = {
     {106, "F16"},
     {64, "F17"},
     {79, "F18"},
@@ -111,44 +100,9 @@ constexpr Sign kKeypad[] = {
     {95, ","},
 };
 
-/// What a US keyboard has on the others, and a Japanese or ISO one on those that it lacks.
-constexpr Sign kLettersAndSigns[] = {
-    {0, "A"},
-    {11, "B"},
-    {8, "C"},
-    {2, "D"},
-    {14, "E"},
-    {3, "F"},
-    {5, "G"},
-    {4, "H"},
-    {34, "I"},
-    {38, "J"},
-    {40, "K"},
-    {37, "L"},
-    {46, "M"},
-    {45, "N"},
-    {31, "O"},
-    {35, "P"},
-    {12, "Q"},
-    {15, "R"},
-    {1, "S"},
-    {17, "T"},
-    {32, "U"},
-    {9, "V"},
-    {13, "W"},
-    {7, "X"},
-    {16, "Y"},
-    {6, "Z"},
-    {29, "0"},
-    {18, "1"},
-    {19, "2"},
-    {20, "3"},
-    {21, "4"},
-    {23, "5"},
-    {22, "6"},
-    {26, "7"},
-    {28, "8"},
-    {25, "9"},
+/// What a US keyboard has on keys that are neither letters nor digits, and a Japanese or ISO one on
+/// those that it lacks.
+constexpr Sign kSigns[] = {
     {50, "`"},
     {27, "-"},
     {24, "="},
@@ -190,15 +144,18 @@ std::string keyText(std::uint32_t macKeyCode, std::string_view character)
 {
     if (auto* word = find(kWords, macKeyCode))
         return word->text();
-    if (auto* function = find(kFunctionKeys, macKeyCode))
+    if (auto* function = find(kFurtherFunctionKeys, macKeyCode))
         return std::string{function->text};
+    const auto name = keyName(macKeyCode);
+    if (name && name->size() > 1) // a function key's
+        return std::string{*name};
     if (auto* sign = find(kKeypad, macKeyCode))
         return trFormat("Keypad {}", sign->text);
     if (auto printed = capital(character); !printed.empty())
         return printed;
-    if (auto* printed = find(kLettersAndSigns, macKeyCode))
+    if (auto* printed = find(kSigns, macKeyCode))
         return std::string{printed->text};
-    return trFormat("Key {}", macKeyCode);
+    return name ? std::string{*name} : trFormat("Key {}", macKeyCode);
 }
 
 }
