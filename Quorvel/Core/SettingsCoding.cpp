@@ -245,6 +245,17 @@ bool read(const Json& json, SettingsRow& row)
         && readControl(json, kind, row.control);
 }
 
+bool read(const Json&, SettingsGroup&);
+bool read(const Json&, SettingsPage&);
+
+/// Of what is read as a whole.
+template <typename Element>
+bool readList(const Json& object, const char* name, std::vector<Element>& into)
+{
+    return readList(
+        object, name, into, [](auto& json, auto& element) { return read(json, element); });
+}
+
 Json write(const SettingsGroup& group)
 {
     Json json{{"id", group.id}};
@@ -258,9 +269,7 @@ bool read(const Json& json, SettingsGroup& group)
 {
     readText(json, "title", group.title);
     readText(json, "help", group.help);
-    return read(json, "id", group.id)
-        && readList(
-            json, "rows", group.rows, [](auto& row, auto& into) { return read(row, into); });
+    return read(json, "id", group.id) && readList(json, "rows", group.rows);
 }
 
 Json write(const SettingsPage& page)
@@ -275,8 +284,7 @@ bool read(const Json& json, SettingsPage& page)
 {
     readText(json, "icon", page.icon);
     return read(json, "id", page.id) && read(json, "title", page.title)
-        && readList(
-            json, "groups", page.groups, [](auto& group, auto& into) { return read(group, into); });
+        && readList(json, "groups", page.groups);
 }
 
 Json write(const SettingsDescription& description)
@@ -287,9 +295,7 @@ Json write(const SettingsDescription& description)
 
 bool read(const Json& json, SettingsDescription& description)
 {
-    return read(json, "version", description.version)
-        && readList(json, "pages", description.pages,
-            [](auto& page, auto& into) { return read(page, into); });
+    return read(json, "version", description.version) && readList(json, "pages", description.pages);
 }
 
 // MARK: The user's changes
