@@ -148,17 +148,23 @@ TEST_F(ApplicationLauncherTest, givesTheTokenOnlyToWhoeverUsesItUp)
     EXPECT_EQ(startup, (decltype(startup){{"<1>", "none"}, {"<2>", "none"}, {"<3>", "t"}}));
 }
 
-TEST_F(ApplicationLauncherTest, startsAProgramForEachFileWhereItTakesOne)
+// Faults: files that only the first of several programs gets; an address that is taken for a path;
+// a text that is none and is said to be opened.
+TEST_F(ApplicationLauncherTest, startsAProgramForEachFileOrAddressWhereItTakesOne)
 {
+    for (const auto* nothing : {"no address", "nobodys-scheme:page", ""})
+        EXPECT_FALSE(ApplicationLauncher::handlerOf(nothing)) << nothing;
     launcher->start({.desktopFile = entry("Exec=probe %f --name=%c\nName=A \"b\"\nPath=/usr\n"),
-        .files = {"/a b", "/c'd"}});
+        .files = {"/a b", "/c'd", "sample:page?x=1"}});
 
     std::set<std::string> words;
-    for (auto& report : reports(2)) {
+    for (auto& report : reports(3)) {
         words.insert(report["words"]);
         EXPECT_EQ(report["folder"], "/usr");
     }
-    EXPECT_EQ(words, (std::set{"</a b><--name=A \"b\">"s, "</c'd><--name=A \"b\">"s}));
+    EXPECT_EQ(words,
+        (std::set{"</a b><--name=A \"b\">"s, "</c'd><--name=A \"b\">"s,
+            "<sample:page?x=1><--name=A \"b\">"s}));
 }
 
 // Faults: a program without a window, since nobody opened a terminal for it; a terminal that gets

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Hosts/Linux/Applications/ExecLine.h"
 #include "Hosts/Linux/Applications/LaunchRequest.h"
 #include "Hosts/Linux/GHandles.h"
 
@@ -26,8 +27,8 @@ GVariant* uris(const std::vector<std::string>& files)
     GVariantBuilder list;
     g_variant_builder_init(&list, G_VARIANT_TYPE("as"));
     for (const auto& file : files) {
-        if (const GText uri{g_filename_to_uri(file.c_str(), nullptr, nullptr)})
-            g_variant_builder_add(&list, "s", uri.get());
+        if (const auto uri = addressOf(file); !uri.empty())
+            g_variant_builder_add(&list, "s", uri.c_str());
     }
     return g_variant_builder_end(&list);
 }

@@ -178,9 +178,15 @@ void ApplicationLauncher::onHandlerFound(GObject* file, GAsyncResult* result, gp
     opening->launcher->start(opening->request);
 }
 
-bool ApplicationLauncher::openURL(const std::string& url)
+std::optional<std::string> ApplicationLauncher::handlerOf(const std::string& url)
 {
-    return g_app_info_launch_default_for_uri(url.c_str(), nullptr, nullptr);
+    const char* scheme = g_uri_peek_scheme(url.c_str());
+    if (!scheme || !g_uri_is_valid(url.c_str(), G_URI_FLAGS_NONE, nullptr))
+        return std::nullopt;
+    const GObjectHandle<GAppInfo> handler{g_app_info_get_default_for_uri_scheme(scheme)};
+    const char* file
+        = handler ? g_desktop_app_info_get_filename(G_DESKTOP_APP_INFO(handler.get())) : nullptr;
+    return file ? std::optional<std::string>{file} : std::nullopt;
 }
 
 bool ApplicationLauncher::opensManyWindows(const std::string& desktopFile)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -28,8 +29,9 @@ public:
     void start(const LaunchRequest&);
     /// Opens the file with the user's application for such files.
     void openFile(const std::string& path, const std::string& token);
-    /// Opens it with the user's application for such addresses; false if there is none.
-    static bool openURL(const std::string& url);
+    /// The desktop file of the user's application for such addresses; absent if there is none, or
+    /// the text is no address.
+    static std::optional<std::string> handlerOf(const std::string& url);
 
     /// While it is not, applications that start by a message are run as programs.
     bool isOnTheBus() const { return m_bus.connection() != nullptr; }

@@ -22,11 +22,7 @@ std::string fileWord(char code, const std::string& path, const ExecFields& field
     switch (code) {
     case 'u':
     case 'U':
-        if (fields.takesOnlyURIs) {
-            const GText uri{g_filename_to_uri(path.c_str(), nullptr, nullptr)};
-            return uri ? quoted(uri.get()) : std::string{};
-        }
-        return quoted(path);
+        return quoted(fields.takesOnlyURIs ? addressOf(path) : path);
     case 'd':
     case 'D':
         return quoted(GText{g_path_get_dirname(path.c_str())}.get());
@@ -93,6 +89,14 @@ std::string expandedLine(std::string_view exec, const ExecFields& fields, Files&
     return line;
 }
 
+}
+
+std::string addressOf(const std::string& file)
+{
+    if (!file.starts_with('/'))
+        return file;
+    const GText address{g_filename_to_uri(file.c_str(), nullptr, nullptr)};
+    return address ? address.get() : "";
 }
 
 Arguments wordsOf(std::string_view line)

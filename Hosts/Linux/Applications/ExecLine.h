@@ -12,6 +12,10 @@ using Arguments = std::vector<std::string>; ///< of one program, its own name fi
 /// not closed, or there are no words.
 Arguments wordsOf(std::string_view line);
 
+/// The address of a file by its absolute path; what is no path is an address. Empty for a path that
+/// has none.
+std::string addressOf(const std::string& file);
+
 /// What the codes in the command line of a desktop file stand for.
 struct ExecFields {
     std::string name; ///< in the user's language

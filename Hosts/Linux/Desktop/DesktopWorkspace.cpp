@@ -174,6 +174,19 @@ void DesktopWorkspace::openFile(const std::string& path)
     m_tokens.request([this, path](const std::string& token) { m_launcher.openFile(path, token); });
 }
 
+/// The application is known at once, and started like any other.
+bool DesktopWorkspace::openURL(const std::string& url)
+{
+    if (const GText path{g_filename_from_uri(url.c_str(), nullptr, nullptr)}) {
+        openFile(path.get());
+        return true;
+    }
+    const auto desktopFile = ApplicationLauncher::handlerOf(url);
+    if (desktopFile)
+        launch({.desktopFile = *desktopFile, .files = {url}});
+    return desktopFile.has_value();
+}
+
 void DesktopWorkspace::launch(LaunchRequest request)
 {
     launchDidBegin.emit(launchOf(request.desktopFile));

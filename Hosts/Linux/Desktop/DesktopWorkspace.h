@@ -41,7 +41,7 @@ public:
     }
     void openFiles(const std::vector<std::string>& paths, const ApplicationURL&) override;
     void openFile(const std::string& path) override;
-    bool openURL(const std::string& url) override { return ApplicationLauncher::openURL(url); }
+    bool openURL(const std::string& url) override;
     std::vector<ApplicationAction> actions(const ApplicationURL&) const override;
     void perform(const ApplicationAction&, const ApplicationURL&) override;
     /// Asks each of its windows to close: there is no other way to end an application.
