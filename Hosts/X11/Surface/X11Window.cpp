@@ -3,35 +3,20 @@
 #include <algorithm>
 #include <utility>
 
-#include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Monitors.h"
 #include "Hosts/X11/Surface/ArrowCursor.h"
-#include "Hosts/X11/Surface/FrameIntervals.h"
-#include "Hosts/X11/Surface/InputGrabs.h"
-#include "Hosts/X11/Surface/PartPainter.h"
 
 namespace quorvel::xdg::x11 {
 
 X11Window::X11Window(const SurfaceContext& context, const PanelOptions& options,
     SurfaceClient& client, std::function<void()> onPointerMoved)
-    : m_context(context)
-    , m_options(options)
-    , m_client(client)
-    , m_onPointerMoved(std::move(onPointerMoved))
-    , m_paint([this] { paint(); })
+    : WindowedSurface(context, options, client, std::move(onPointerMoved))
     , m_input(context.connection, context.dispatch, context.keyboard)
     , m_time(context.connection)
 {
-    auto& connection = m_context.connection;
-    m_pointer.setClient(&m_client);
-    m_subscriptions.push_back(connection.event.subscribe([this](auto* event) { handle(event); }));
-    m_subscriptions.push_back(connection.turnEnded.subscribe([this] { endTurn(); }));
-    m_subscriptions.push_back(m_context.grabs.pointerTaken.subscribe([this] { m_pointer.lose(); }));
-    m_subscriptions.push_back(m_context.monitors.changed.subscribe([this] { scaleDidChange(); }));
-    m_subscriptions.push_back(m_context.appearance.subscribe([this](auto&) { repaintAll(); }));
 }
 
 X11Window::~X11Window() = default;
@@ -64,7 +49,7 @@ void X11Window::show(Wish wish)
             m_context.connection, m_options.title, m_context.toPixels(m_frame));
         m_window->setCursor(m_context.arrow.id());
         m_window->onCloseWanted = [this] { m_client.closeRequested(); };
-        m_accessible = m_context.accessible.add(*this, m_client);
+        becomeAccessible();
         repaintAll();
     }
     m_time.ask([this, isNew, wish](xcb_timestamp_t now) {
@@ -81,28 +66,9 @@ void X11Window::orderOut()
 {
     if (!m_window)
         return;
-    m_accessible = {};
     setHasKeyboard(false);
     m_window.reset();
-    m_pointer.lose();
-}
-
-void X11Window::invalidate(const Rect& points)
-{
-    if (!m_window)
-        return; // it is painted whole when it comes up
-    m_damage.add(points, scale());
-    m_paint.request();
-}
-
-Duration X11Window::frameInterval() const
-{
-    return m_context.frames.of(m_options.display);
-}
-
-void X11Window::accessibleTreeDidChange()
-{
-    m_context.accessible.changed.emit();
+    windowDidGo();
 }
 
 void X11Window::scaleDidChange()
@@ -110,14 +76,6 @@ void X11Window::scaleDidChange()
     if (m_window)
         m_window->setFrame(m_context.toPixels(m_frame));
     repaintAll();
-}
-
-void X11Window::repaintAll()
-{
-    if (!m_window)
-        return;
-    m_damage.add(Rect::from({}, m_window->frame().size()));
-    m_paint.request();
 }
 
 // MARK: Events
@@ -144,8 +102,7 @@ void X11Window::handle(const xcb_generic_event_t* event)
     default:
         // The window's own first: what the pointer does may end it.
         m_window->handle(event);
-        m_pointer.setScale(scale());
-        m_pointer.handle(event);
+        pointerEvent(event);
     }
 }
 
@@ -187,10 +144,7 @@ void X11Window::endTurn()
 {
     if (m_window && m_window->endTurn())
         followPlace();
-    auto tell
-        = m_onPointerMoved; // a client may do away with the window when it hears of the motion
-    if (m_pointer.endTurn() && tell)
-        tell();
+    WindowedSurface::endTurn();
 }
 
 void X11Window::followPlace()
@@ -212,8 +166,7 @@ void X11Window::paint()
     auto parts = m_damage.take(Rect::from({}, m_window->frame().size()));
     if (!m_window->picture())
         return;
-    for (auto& part : parts)
-        paintPart(m_context, m_client, m_window->picture(), part);
+    paintOn(m_window->picture(), parts);
     m_window->present(parts);
 }
 
