@@ -9,7 +9,8 @@ namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr std::uint32_t kFromApplication = 1;
+/// The user has asked for it; managers may refuse what an application wants by itself.
+constexpr std::uint32_t kFromPager = 2;
 constexpr std::uint32_t kToManager
     = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
 // The state of the keys comes after each focus.
@@ -130,7 +131,7 @@ void TitledWindow::activate(xcb_timestamp_t now)
     message.format = 32;
     message.window = m_window;
     message.type = m_connection.atoms().netActiveWindow;
-    message.data.data32[0] = kFromApplication;
+    message.data.data32[0] = kFromPager;
     message.data.data32[1] = now;
     xcb_send_event(m_connection.raw(), false, m_connection.root(), kToManager,
         reinterpret_cast<const char*>(&message));
