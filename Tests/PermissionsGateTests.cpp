@@ -1,6 +1,8 @@
 #include "Quorvel/Views/PermissionsGatePanel.h"
 
 #include "Quorvel/CommandLine.h"
+#include "Quorvel/Core/LaunchPermissionCenter.h"
+#include "Quorvel/Core/PermissionsGateModel.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -41,6 +43,13 @@ struct PermissionsGateTest : BarFixture {
     void press(KeyCode key, std::uint64_t modifiers = 0, bool isRepeat = false)
     {
         window()->pressKey({.keyCode = key, .modifiers = modifiers, .isRepeat = isRepeat});
+    }
+    std::vector<Symbol> symbols()
+    {
+        std::vector<Symbol> found;
+        for (auto& drawn : window()->render().drawn<DrawnSymbol>())
+            found.push_back(drawn.symbol);
+        return found;
     }
     std::string focused()
     {
@@ -90,10 +99,7 @@ TEST_F(PermissionsGateTest, saysWhatIsMissingAndLeadsToIt)
             "3. Click Continue once both rows show Granted.",
             "4. Accessibility entry must match bundle ID: <missing CFBundleIdentifier>",
             "Grant both permissions to continue", "Quit", "Continue"));
-    std::vector<Symbol> symbols;
-    for (auto& drawn : window()->render().drawn<DrawnSymbol>())
-        symbols.push_back(drawn.symbol);
-    EXPECT_THAT(symbols, ElementsAre(Symbol::lockShield, Symbol::figureStand, Symbol::display));
+    EXPECT_THAT(symbols(), ElementsAre(Symbol::lockShield, Symbol::figureStand, Symbol::display));
     EXPECT_EQ(element("Accessibility, Required")->accessibleState().role, AccessibleRole::group);
     desktop.advance(seconds(5));
     EXPECT_EQ(desktop.accessibility().prompts(), 0);
@@ -105,6 +111,7 @@ TEST_F(PermissionsGateTest, saysWhatIsMissingAndLeadsToIt)
     desktop.screenCapture().setAllowed(true);
     click("Request Access", 1);
     EXPECT_TRUE(shows("Granted")) << "it looks at once";
+    EXPECT_THAT(symbols(), Contains(Symbol::checkmarkCircle).Times(1));
     EXPECT_EQ(desktop.screenCapture().requests(), 1);
 
     auto& workspace = desktop.workspace();
@@ -139,6 +146,7 @@ TEST_F(PermissionsGateTest, goesOnWhenBothAreThereAndNobodyLies)
     window()->forgetPaints();
     desktop.advance(seconds(60));
     EXPECT_THAT(window()->paints(), IsEmpty()) << "nothing is new";
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 1U) << "it looks for ever";
     desktop.accessibility().setTrusted(true);
     desktop.advance(seconds(1));
     EXPECT_TRUE(canContinue());
@@ -180,6 +188,59 @@ TEST_F(PermissionsGateTest, goesOnWhenBothAreThereAndNobodyLies)
     EXPECT_EQ(desktop.surfaces().panelsMade(), panelsMade);
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "nobody looks for permissions any more";
     EXPECT_FALSE(hasQuit());
+}
+
+// Faults: a second start looks twice as often, or opens a second window; one that ends goes on
+// looking; a state that is told though it is the old one.
+TEST_F(PermissionsGateTest, startingAgainDoesNothingNew)
+{
+    startWith(false, false);
+    LaunchPermissionCenter center{desktop.platform().accessibility,
+        desktop.platform().screenCapture, desktop.platform().workspace};
+    PermissionsGateModel model{desktop.dispatch(), center};
+    int told = 0;
+    auto telling = model.state().subscribe([&](auto&) { ++told; });
+    model.startMonitoring();
+    model.startMonitoring();
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 2U) << "the window's and this one";
+    desktop.advance(seconds(10));
+    EXPECT_EQ(told, 0);
+    desktop.screenCapture().setAllowed(true);
+    desktop.advance(PermissionsGateModel::kPollInterval);
+    EXPECT_EQ(told, 1);
+    model.stopMonitoring();
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 1U);
+
+    auto panelsMade = desktop.surfaces().panelsMade();
+    EXPECT_EQ(desktop.control().send({"--settings"})->exitStatus, 1);
+    desktop.drain();
+    EXPECT_EQ(desktop.surfaces().panelsMade(), panelsMade);
+}
+
+// Faults: a window higher than its screen, of which the buttons are out of reach; notes that
+// neither the wheel nor the keys lead to; the keyboard on what is out of sight.
+TEST_F(PermissionsGateTest, scrollsOnALowScreen)
+{
+    auto displays = desktop.model().displays;
+    displays.front().frame = {0, 0, 800, 360};
+    displays.front().visibleFrame = {};
+    desktop.setDisplays({displays.front()});
+    startWith(false, false);
+    auto room = window()->bounds();
+    EXPECT_LT(window()->frame().maxY(), 360 - 20) << "room for a title bar";
+    EXPECT_GE(window()->frame().y, 0);
+    EXPECT_TRUE(room.contains(element("Continue")->accessibleFrame()));
+    auto last = "3. Click Continue once both rows show Granted.";
+    EXPECT_FALSE(shows(last));
+    window()->scroll({100, 100}, -20);
+    EXPECT_TRUE(shows(last));
+    press(KeyCode::tab);
+    press(KeyCode::tab, KeyModifier::shift);
+    EXPECT_EQ(focused(), "Request Access");
+    EXPECT_TRUE(room.contains(element("Request Access")->accessibleFrame()));
+    EXPECT_FALSE(shows(last));
+    press(KeyCode::pageDown);
+    EXPECT_TRUE(shows(last));
 }
 
 // Faults: closing leaves a program that nobody sees; Escape, or a window that the program itself
@@ -249,6 +310,14 @@ TEST_F(PermissionsGateTest, isUsedWithTheKeyboardAlone)
     desktop.drain();
     EXPECT_TRUE(isRunning());
     EXPECT_FALSE(window());
+
+    startWith(true, true, LaunchPermissionsState{true, true});
+    while (focused() != "Quit")
+        press(KeyCode::tab);
+    press(KeyCode::enter);
+    desktop.drain();
+    EXPECT_FALSE(isRunning());
+    EXPECT_TRUE(hasQuit());
 }
 
 // Faults: a side that does not turn round, or parts that overlap; a look that keeps half of the old

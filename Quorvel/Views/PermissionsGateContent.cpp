@@ -1,12 +1,14 @@
 #include "Quorvel/Views/PermissionsGateContent.h"
 
+#include <algorithm>
 #include <cmath>
-#include <initializer_list>
 
 #include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/LabelView.h"
 #include "Quorvel/Views/Kit/PushButton.h"
+#include "Quorvel/Views/Kit/ScrollView.h"
 #include "Quorvel/Views/PermissionRequirementRow.h"
+#include "Quorvel/Views/PermissionsGateBody.h"
 #include "Quorvel/Views/PermissionsGateFooter.h"
 #include "Quorvel/Views/PermissionsGateHeader.h"
 #include "Quorvel/Views/PermissionsGateSection.h"
@@ -16,8 +18,6 @@ namespace quorvel {
 namespace {
 
 struct PermissionsGateContentStyle {
-    static constexpr double inset = 24;
-    static constexpr double gap = 20; ///< between the parts
     static constexpr double footerPadding = 16; ///< above and below
     static constexpr double noteGap = 4;
     static constexpr double line = 1;
@@ -33,15 +33,17 @@ bool pressesButton(const KeyEvent& event)
 }
 
 PermissionsGateContent::PermissionsGateContent(
-    const Text& text, const std::string& bundleIdentifier)
+    const Text& text, const std::string& bundleIdentifier, Dispatch& dispatch)
     : m_palette(Palette::of({}))
-    , m_header(&addChild(std::make_unique<PermissionsGateHeader>(text, m_palette)))
-    , m_required(&addChild(std::make_unique<PermissionsGateSection>(
-          text, m_palette, PermissionsGateSection::Look{.hasLines = true})))
-    , m_notes(&addChild(std::make_unique<PermissionsGateSection>(text, m_palette,
-          PermissionsGateSection::Look{.rowGap = PermissionsGateContentStyle::noteGap})))
-    , m_footer(&addChild(std::make_unique<PermissionsGateFooter>(text, m_palette)))
 {
+    auto body = std::make_unique<PermissionsGateBody>();
+    body->addPart(std::make_unique<PermissionsGateHeader>(text, m_palette));
+    m_required = &body->addPart(std::make_unique<PermissionsGateSection>(
+        text, m_palette, PermissionsGateSection::Look{.hasLines = true}));
+    m_notes = &body->addPart(std::make_unique<PermissionsGateSection>(text, m_palette,
+        PermissionsGateSection::Look{.rowGap = PermissionsGateContentStyle::noteGap}));
+    m_scroll = &addChild(std::make_unique<ScrollView>(std::move(body), m_palette, dispatch));
+    m_footer = &addChild(std::make_unique<PermissionsGateFooter>(text, m_palette));
     addRequirements(text);
     addNotes(text, bundleIdentifier);
     auto run = [](auto& action) {
@@ -99,34 +101,30 @@ void PermissionsGateContent::setState(const LaunchPermissionsState& state)
 void PermissionsGateContent::setAppearance(const Appearance& appearance)
 {
     m_palette = Palette::of(appearance);
-    for (MeasuredView* part :
-        std::initializer_list<MeasuredView*>{m_header, m_required, m_notes, m_footer})
-        part->appearanceDidChange(appearance.isRightToLeft);
+    m_scroll->appearanceDidChange(appearance.isRightToLeft);
+    m_footer->appearanceDidChange(appearance.isRightToLeft);
     layout();
     invalidate();
 }
 
+double PermissionsGateContent::footerRoom(double width) const
+{
+    return PermissionsGateContentStyle::line + 2 * PermissionsGateContentStyle::footerPadding
+        + m_footer->heightFor(width - 2 * PermissionsGateBody::kInset);
+}
+
 Size PermissionsGateContent::idealSize() const
 {
-    double width = kWidth - 2 * PermissionsGateContentStyle::inset;
-    double height = PermissionsGateContentStyle::inset + m_header->heightFor(width)
-        + PermissionsGateContentStyle::gap + m_required->heightFor(width)
-        + PermissionsGateContentStyle::gap + m_notes->heightFor(width)
-        + PermissionsGateContentStyle::gap + PermissionsGateContentStyle::line
-        + 2 * PermissionsGateContentStyle::footerPadding + m_footer->heightFor(width);
-    return {kWidth, std::ceil(height)};
+    return {kWidth, std::ceil(m_scroll->heightFor(kWidth) + footerRoom(kWidth))};
 }
 
 void PermissionsGateContent::layout()
 {
-    double width = std::max(0.0, bounds().width - 2 * PermissionsGateContentStyle::inset);
-    double y = PermissionsGateContentStyle::inset;
-    for (MeasuredView* part : std::initializer_list<MeasuredView*>{m_header, m_required, m_notes}) {
-        part->setFrame({PermissionsGateContentStyle::inset, y, width, part->heightFor(width)});
-        y = part->frame().maxY() + PermissionsGateContentStyle::gap;
-    }
+    double width = std::max(0.0, bounds().width - 2 * PermissionsGateBody::kInset);
+    double room = footerRoom(bounds().width);
+    m_scroll->setFrame({0, 0, bounds().width, std::max(0.0, bounds().height - room)});
     double footer = m_footer->heightFor(width);
-    m_footer->setFrame({PermissionsGateContentStyle::inset,
+    m_footer->setFrame({PermissionsGateBody::kInset,
         bounds().height - PermissionsGateContentStyle::footerPadding - footer, width, footer});
 }
 
@@ -149,14 +147,20 @@ View* PermissionsGateContent::preferredKeyView()
     return &m_footer->continueButton();
 }
 
-/// Return presses the default button wherever the keyboard is, while there is something to
-/// continue with; space presses what has the keyboard. Nobody quits by an Escape too many.
+/// Return presses the default button wherever the keyboard is, but on Quit, while there is
+/// something to continue with; space presses what has the keyboard. Nobody quits by an Escape too
+/// many.
 bool PermissionsGateContent::keyPressed(const KeyEvent& event)
 {
     if (event.keyCode == KeyCode::escape || (event.isRepeat && pressesButton(event)))
         return true;
+    if (event.keyCode == KeyCode::pageUp || event.keyCode == KeyCode::pageDown) {
+        m_scroll->scrollBy(m_scroll->frame().height * (event.keyCode == KeyCode::pageUp ? -1 : 1));
+        return true;
+    }
     bool isReturn = event.keyCode == KeyCode::enter || event.keyCode == KeyCode::keypadEnter;
-    return isReturn && m_footer->continueButton().performAccessibleAction(0);
+    return isReturn && !m_footer->quitButton().accessibleState().hasKeyFocus
+        && m_footer->continueButton().performAccessibleAction(0);
 }
 
 AccessibleState PermissionsGateContent::accessibleState() const

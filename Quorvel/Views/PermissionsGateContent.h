@@ -12,8 +12,8 @@ namespace quorvel {
 
 class PermissionRequirementRow;
 class PermissionsGateFooter;
-class PermissionsGateHeader;
 class PermissionsGateSection;
+class ScrollView;
 class Text;
 
 /// All that is in the window which asks for the permissions. Main thread.
@@ -21,9 +21,9 @@ class PermissionsGateContent final : public View {
 public:
     static constexpr double kWidth = 584;
 
-    /// Text outlives it. The bundle identifier is the one that the system knows the program by;
-    /// empty: it has none.
-    PermissionsGateContent(const Text&, const std::string& bundleIdentifier);
+    /// Text and dispatch outlive it. The bundle identifier is the one that the system knows the
+    /// program by; empty: it has none.
+    PermissionsGateContent(const Text&, const std::string& bundleIdentifier, Dispatch&);
     ~PermissionsGateContent() override;
 
     std::function<void()> onContinue;
@@ -33,6 +33,7 @@ public:
     PermissionRequirementRow& screenRecordingRow() { return *m_screenRecording; }
     void setState(const LaunchPermissionsState&);
     void setAppearance(const Appearance&);
+    /// With less height, all but the buttons at the end scrolls.
     Size idealSize() const;
 
     /// What is to be done next.
@@ -48,11 +49,12 @@ private:
     bool isColumn() const override { return true; }
     void layout() override;
     void paint(Canvas&) const override;
+    double footerRoom(double width) const;
     void addRequirements(const Text&);
     void addNotes(const Text&, const std::string& bundleIdentifier);
 
     Palette m_palette; ///< the views below point at it
-    PermissionsGateHeader* m_header = nullptr;
+    ScrollView* m_scroll = nullptr;
     PermissionsGateSection* m_required = nullptr;
     PermissionRequirementRow* m_accessibility = nullptr;
     PermissionRequirementRow* m_screenRecording = nullptr;

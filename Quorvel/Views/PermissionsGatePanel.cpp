@@ -28,11 +28,25 @@ Screen screenToUse(const Displays& displays)
     return screens.empty() ? Screen{} : screens.front();
 }
 
-/// In the middle, on whole points; where that is too small, its upper end can be seen.
+constexpr double kTitleBar = 40; ///< no system's is higher; points
+
+/// Where windows can be on the screen.
+Rect roomOn(const Screen& screen)
+{
+    return screen.visibleFrame.isEmpty() ? screen.frame : screen.visibleFrame;
+}
+
+/// With its title bar.
+Size fitted(Size size, const Rect& room)
+{
+    return {size.width, std::min(size.height, std::floor(room.height - kTitleBar))};
+}
+
+/// In the middle, on whole points, with its title bar in sight.
 Rect placeIn(const Rect& room, Size size)
 {
     auto middle = room.centred(size);
-    double y = std::min(middle.y, room.maxY() - size.height);
+    double y = std::min(middle.y, room.maxY() - kTitleBar - size.height);
     return {std::round(middle.x), std::round(y), size.width, size.height};
 }
 
@@ -47,7 +61,7 @@ PermissionsGatePanel::PermissionsGatePanel(const Platform& platform, Permissions
           m_hostingView))
 {
     auto content = std::make_unique<PermissionsGateContent>(
-        platform.text, platform.application.bundleIdentifier().value_or(""));
+        platform.text, platform.application.bundleIdentifier().value_or(""), platform.dispatch);
     m_content = content.get();
     m_hostingView.attach(*m_surface);
     m_hostingView.isRightToLeft
@@ -92,9 +106,8 @@ void PermissionsGatePanel::connect(PermissionsGateModel& model)
 
 void PermissionsGatePanel::show()
 {
-    auto screen = screenToUse(m_platform.displays);
-    auto room = screen.visibleFrame.isEmpty() ? screen.frame : screen.visibleFrame;
-    m_surface->setFrame(placeIn(room, m_content->idealSize()));
+    m_room = roomOn(screenToUse(m_platform.displays));
+    m_surface->setFrame(placeIn(m_room, fitted(m_content->idealSize(), m_room)));
     m_isShown = true;
     m_surface->makeKeyAndOrderFront();
 }
@@ -123,7 +136,7 @@ void PermissionsGatePanel::appearanceDidChange()
 {
     m_content->setAppearance(m_platform.application.appearance().value());
     auto frame = m_surface->frame();
-    auto size = m_content->idealSize();
+    auto size = fitted(m_content->idealSize(), m_room);
     if (m_isShown && frame.size() != size)
         m_surface->setFrame({frame.x, frame.maxY() - size.height, size.width, size.height});
 }

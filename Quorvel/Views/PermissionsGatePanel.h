@@ -40,6 +40,7 @@ private:
     BarHostingView m_hostingView{BarHostingView::Keyboard::own};
     std::unique_ptr<PanelSurface> m_surface;
     PermissionsGateContent* m_content = nullptr;
+    Rect m_room; ///< for windows on its display, when it was shown
     bool m_isShown = false; ///< perhaps on another space
     std::vector<Subscription> m_subscriptions;
 };
