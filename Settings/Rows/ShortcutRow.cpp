@@ -6,40 +6,13 @@
 
 namespace quorvel::settings {
 
-namespace {
-
-/// What the first layout types with the key alone, in UTF-8; empty if nothing.
-std::string characterOf(GdkDisplay* display, std::uint32_t macKeyCode)
-{
-    const auto device = xdg::deviceCodeOf(macKeyCode);
-    GdkKeymapKey* keys = nullptr;
-    guint* symbols = nullptr;
-    int count = 0;
-    if (!device
-        || !gdk_display_map_keycode(display,
-            static_cast<guint>(*device) + ShortcutRecording::kFirstHardwareCode, &keys, &symbols,
-            &count))
-        return {};
-    gunichar character = 0;
-    for (int index = 0; index < count && character == 0; ++index) {
-        if (keys[index].group == 0 && keys[index].level == 0)
-            character = gdk_keyval_to_unicode(symbols[index]);
-    }
-    g_free(keys);
-    g_free(symbols);
-    char text[6];
-    const auto length = character == 0 ? 0 : g_unichar_to_utf8(character, text);
-    return {text, static_cast<std::size_t>(length)};
-}
-
-}
-
 ShortcutRow::ShortcutRow(const SettingsRow& description, const RowOutlets& outlets)
     : m_outlets(outlets)
     , m_description(description)
     , m_warning(gtk_image_new_from_icon_name("dialog-warning-symbolic"))
     , m_button(GTK_BUTTON(gtk_button_new()))
     , m_clear(gtk_button_new_from_icon_name("edit-clear-symbolic"))
+    , m_layout(gtk_widget_get_display(widget()), [this] { refresh(); })
 {
     gtk_widget_add_css_class(m_warning, "warning");
     adw_action_row_add_suffix(row(), m_warning);
@@ -70,8 +43,11 @@ std::string ShortcutRow::valueText() const
     const auto& keys = std::get<SettingsShortcut>(m_description.control).value;
     if (!keys)
         return tr("Record…");
-    auto* display = gtk_widget_get_display(widget());
-    return xdg::shortcutText(keys->keyCode, keys->modifiers, characterOf(display, keys->keyCode));
+    const auto device = xdg::deviceCodeOf(keys->keyCode);
+    const auto character = device
+        ? m_layout.characterOf(static_cast<guint>(*device) + ShortcutRecording::kFirstHardwareCode)
+        : std::string{};
+    return xdg::shortcutText(keys->keyCode, keys->modifiers, character);
 }
 
 void ShortcutRow::refresh()

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "Settings/Rows/ActionRow.h"
+#include "Settings/Toolkit/KeyboardLayout.h"
 #include "Settings/Toolkit/ShortcutRecording.h"
 #include "Settings/Toolkit/SignalHandler.h"
 
@@ -30,6 +31,7 @@ private:
     GtkWidget* m_warning; ///< this and the others are the row's
     GtkButton* m_button;
     GtkWidget* m_clear;
+    KeyboardLayout m_layout; ///< names the key
     std::unique_ptr<ShortcutRecording> m_recording;
     SignalHandler m_clicked;
     SignalHandler m_cleared;
