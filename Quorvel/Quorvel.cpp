@@ -283,10 +283,10 @@ void QuorvelApp::startMainRuntime(Application& app)
     runtime.m_barManager
         = std::make_unique<BarManager>(platform, runtime.windowStore(), UserSettings::shared(),
             BadgeService::shared(), ThumbnailService::shared(), *runtime.m_barViews);
+    wireShortcuts(runtime);
     offerSettings(runtime);
     runtime.m_barManager->syncPanels();
     runtime.m_barManager->repositionPanels();
-    wireShortcuts(runtime);
     runtime.keep(platform.displays.parametersDidChange.subscribe(
         [&runtime] { runtime.m_barManager->screensDidChange(); }));
     wireObserverManager(runtime);
@@ -449,6 +449,7 @@ void QuorvelApp::offerSettings(Runtime& runtime)
         .appLauncher = manager.appLauncher(),
         .loginItem = platform.loginItem,
         .hotkeyManager = HotkeyManager::shared(),
+        .numberKeys = *runtime.m_numberKeys,
         .hotkeys = platform.hotkeys,
         .dockController = DockController::shared(),
         .updaterService = UpdaterService::shared()};
@@ -487,7 +488,7 @@ void QuorvelApp::answerRequests(Runtime& runtime)
                 return answerSettingsWindowRequest(*runtime.m_settingsPresenter);
             return {0,
                 stateReport(runtime.m_platform, runtime.windowStore(), *runtime.barManager(),
-                    *runtime.m_barViews, runtime.hotkeyManager()),
+                    *runtime.m_barViews, runtime.hotkeyManager(), *runtime.m_numberKeys),
                 ""};
         });
 }

@@ -4,6 +4,7 @@
 
 #include "Quorvel/Core/BarManager.h"
 #include "Quorvel/Core/HotkeyManager.h"
+#include "Quorvel/Core/NumberKeys.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/WindowServer.h"
 #include "Quorvel/Skylight/WindowStore.h"
@@ -229,10 +230,25 @@ Json hotkeyJson(const HotkeyManager& hotkeys)
     return {{"shortcut", shortcut->displayString()}, {"state", nameOf(hotkeys.state().value())}};
 }
 
+/// Null while they are off.
+Json numberKeysJson(const NumberKeys& keys)
+{
+    if (!keys.isInUse())
+        return nullptr;
+    Json taken = Json::array();
+    for (auto& shortcut : keys.taken().value())
+        taken.push_back(shortcut.displayString());
+    return {
+        {"state",
+            nameOf(taken.empty() ? HotkeyManager::State::registered : HotkeyManager::State::taken)},
+        {"taken", std::move(taken)}};
+}
+
 }
 
 std::string stateReport(const Platform& platform, const WindowStore& store,
-    const BarManager& manager, const BarViews& views, const HotkeyManager& hotkeys)
+    const BarManager& manager, const BarViews& views, const HotkeyManager& hotkeys,
+    const NumberKeys& numberKeys)
 {
     auto& model = manager.viewModel();
     // What has the focus may be no window of the list: a dialog, or the desktop itself.
@@ -258,6 +274,7 @@ std::string stateReport(const Platform& platform, const WindowStore& store,
         {"launcher", launcherJson(platform, manager.launcherPanel())},
         {"menu", menuJson(platform, views.menus())},
         {"hotkey", hotkeyJson(hotkeys)},
+        {"numberKeys", numberKeysJson(numberKeys)},
     };
     // Titles come from other programs and may hold anything.
     return state.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -7,12 +7,13 @@ namespace quorvel {
 class BarManager;
 class BarViews;
 class HotkeyManager;
+class NumberKeys;
 class WindowStore;
 struct Platform;
 
 /// The state of the running bar as JSON, for scripts and tests. Frames are global, origin top left,
 /// in what other programs of the system count in; what is absent is null. Main thread.
-std::string stateReport(
-    const Platform&, const WindowStore&, const BarManager&, const BarViews&, const HotkeyManager&);
+std::string stateReport(const Platform&, const WindowStore&, const BarManager&, const BarViews&,
+    const HotkeyManager&, const NumberKeys&);
 
 }

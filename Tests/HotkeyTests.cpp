@@ -190,6 +190,26 @@ TEST_F(NumberKeyTest, useWhatIsAtThatPlaceAsAClickDoes)
     EXPECT_TRUE(system().registered().empty());
 }
 
+// Faults: a key that does nothing is said to work; what becomes free, or is on no longer, is told
+// as taken.
+TEST_F(NumberKeyTest, sayWhichOfThemAreTaken)
+{
+    auto report = [this] {
+        return nlohmann::json::parse(desktop.control().send({"--state"})->output)["numberKeys"];
+    };
+    system().takeElsewhere({19, HotkeyModifier::command});
+    EXPECT_EQ(report(), nullptr);
+    runtime->userSettings().setNumberKeys(true);
+    EXPECT_EQ(report(), (nlohmann::json{{"state", "taken"}, {"taken", {"⌘2"}}}));
+    system().giveBackElsewhere({19, HotkeyModifier::command});
+    EXPECT_EQ(report()["state"], "registered");
+    system().takeElsewhere({20, HotkeyModifier::control});
+    runtime->userSettings().setNumberKeyModifiers(HotkeyModifier::control);
+    EXPECT_THAT(report()["taken"], ElementsAre("⌃3"));
+    runtime->userSettings().setNumberKeys(false);
+    EXPECT_EQ(report(), nullptr);
+}
+
 // Faults: a recorded shortcut loses to our own number key, which stays or does not come back; after
 // a press the launcher, or a bar that is walked, keeps the keys that are meant for the window.
 TEST_F(NumberKeyTest, giveWayToTheShortcutAndEndWhatHasTheKeyboard)

@@ -4,6 +4,7 @@
 #include "Quorvel/Core/AppLauncher.h"
 #include "Quorvel/Core/DockController.h"
 #include "Quorvel/Core/HotkeyManager.h"
+#include "Quorvel/Core/NumberKeys.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/SettingsCoding.h"
 #include "Quorvel/Core/UpdaterService.h"
@@ -21,6 +22,7 @@ struct SettingsModelTest : SettingsFixture {
     std::unique_ptr<PinStore> pins;
     std::unique_ptr<AppLauncher> launcher;
     std::unique_ptr<HotkeyManager> hotkeys;
+    std::unique_ptr<NumberKeys> numberKeys;
     std::unique_ptr<DockController> dock; ///< null: there is none
     std::unique_ptr<UpdaterService> updater; ///< null: there is none
     std::unique_ptr<SettingsModel> model;
@@ -31,10 +33,13 @@ struct SettingsModelTest : SettingsFixture {
     void open(const std::string& file = "{}", System system = System::plain)
     {
         model.reset();
+        numberKeys.reset();
         hotkeys.reset();
         start(file);
         hotkeys
             = std::make_unique<HotkeyManager>(&desktop.hotkeys(), *settings, desktop.dispatch());
+        numberKeys = std::make_unique<NumberKeys>(
+            &desktop.hotkeys(), *hotkeys, *settings, desktop.dispatch());
         if (system == System::withDockAndUpdater) {
             auto platform = desktop.platform();
             dock = std::make_unique<DockController>(
@@ -49,6 +54,7 @@ struct SettingsModelTest : SettingsFixture {
             .appLauncher = *launcher,
             .loginItem = desktop.loginItem(),
             .hotkeyManager = *hotkeys,
+            .numberKeys = *numberKeys,
             .hotkeys = &desktop.hotkeys(),
             .dockController = dock.get(),
             .updaterService = updater.get()});
@@ -177,6 +183,30 @@ TEST_F(SettingsModelTest, numberKeysHaveTheModifiersOfTheUsersChoice)
     }
     settings->setNumberKeyModifiers(0x400 | HotkeyModifier::control);
     EXPECT_EQ(shown().value, "4096");
+}
+
+// Faults: a number key that does nothing and a row that does not say so, or goes on saying it; a
+// window that is opened shows what was taken when the bar started.
+TEST_F(SettingsModelTest, numberKeysThatAreTakenAreTold)
+{
+    constexpr auto command = HotkeyModifier::command;
+    constexpr auto shift = HotkeyModifier::shift;
+    for (auto key : NumberKeys::kKeyCodes)
+        desktop.hotkeys().takeElsewhere({key, command | shift});
+    desktop.hotkeys().takeElsewhere({19, command});
+    desktop.hotkeys().takeElsewhere({20, command});
+    open(R"({"numberKeys": true})");
+    auto help = [this] { return row("numberKeyModifiers").help; };
+    EXPECT_EQ(help(), "Taken by another program: ⇧⌘1 to 9, ⌘2, ⌘3");
+    desktop.hotkeys().giveBackElsewhere({19, command});
+    EXPECT_EQ(help(), "Taken by another program: ⇧⌘1 to 9, ⌘3");
+    desktop.hotkeys().giveBackUnnoticed({20, command});
+    model->refresh();
+    EXPECT_THAT(help(), HasSubstr("⌘3"));
+    model->lookAgain();
+    EXPECT_THAT(help(), Not(HasSubstr("⌘3")));
+    EXPECT_EQ(apply(Change::Set{"numberKeyModifiers", "6144"}), "");
+    EXPECT_EQ(help(), "");
 }
 
 // Faults: a value that no control offers is stored; a refusal that says nothing, or changes

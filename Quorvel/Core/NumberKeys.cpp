@@ -27,6 +27,7 @@ NumberKeys::NumberKeys(
     m_subscriptions.push_back(settings.data().subscribe([this](auto&) { update(); }));
     m_subscriptions.push_back(manager.isSuspended().subscribe([this](bool) { update(); }));
     m_subscriptions.push_back(manager.currentShortcut().subscribe([this](auto&) { update(); }));
+    m_subscriptions.push_back(m_hotkeys->outcomesDidChange.subscribe([this] { updateTaken(); }));
     m_subscriptions.push_back(
         m_hotkeys->installHandler([this](auto& pressed) { return handleHotkey(pressed); }));
     update();
@@ -65,11 +66,22 @@ void NumberKeys::update()
     auto wantedNow = wanted();
     if (std::exchange(m_wanted, wantedNow) == wantedNow)
         return;
-    m_registrations.clear();
+    std::exchange(m_registrations, {}).clear(); // some may become free as others go
     for (auto& [keyCode, modifiers, id] : wantedNow) {
         m_registrations.push_back(
             m_hotkeys->registerHotkey(keyCode, modifiers, {HotkeyManager::hotkeyID.signature, id}));
     }
+    updateTaken();
+}
+
+void NumberKeys::updateTaken()
+{
+    std::vector<KeyboardShortcut> taken;
+    for (std::size_t index = 0; index < m_registrations.size(); ++index) {
+        if (m_registrations[index]->outcome() == HotkeyOutcome::taken)
+            taken.push_back({m_wanted[index].keyCode, m_wanted[index].modifiers});
+    }
+    m_taken.set(std::move(taken));
 }
 
 HotkeyStatus NumberKeys::handleHotkey(const HotkeyID& pressed)

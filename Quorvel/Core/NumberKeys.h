@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Quorvel/Core/Bar.h"
+#include "Quorvel/Core/KeyboardShortcut.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Hotkeys.h"
 #include "Quorvel/Platform/WeakOwner.h"
@@ -41,6 +42,11 @@ public:
     /// On the turn after the press; the place counts from 0.
     std::function<void(std::size_t place, ItemUse)> onPressed;
 
+    /// They are on, and nothing suspends them.
+    bool isInUse() const { return !m_wanted.empty(); }
+    /// Of those that are in use, the ones that another program has.
+    const Published<std::vector<KeyboardShortcut>>& taken() const { return m_taken; }
+
 private:
     struct Combination {
         std::uint32_t keyCode = 0;
@@ -53,6 +59,7 @@ private:
     /// None while they are off.
     std::vector<Combination> wanted() const;
     void update();
+    void updateTaken();
     HotkeyStatus handleHotkey(const HotkeyID&);
 
     Hotkeys* const m_hotkeys;
@@ -61,6 +68,7 @@ private:
     Dispatch& m_dispatch;
     std::vector<Combination> m_wanted; ///< each has a registration
     std::vector<std::unique_ptr<HotkeyRegistration>> m_registrations;
+    Published<std::vector<KeyboardShortcut>> m_taken;
     std::vector<Subscription> m_subscriptions;
     WeakOwner<NumberKeys> m_weak{*this};
 };

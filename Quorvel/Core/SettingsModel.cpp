@@ -7,6 +7,7 @@
 #include "Quorvel/Core/AppLauncher.h"
 #include "Quorvel/Core/DockController.h"
 #include "Quorvel/Core/HotkeyManager.h"
+#include "Quorvel/Core/NumberKeys.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/SettingsPages.h"
 #include "Quorvel/Core/SettingsShortcuts.h"
@@ -89,6 +90,7 @@ SettingsModel::SettingsModel(const SettingsSubjects& subjects)
     follow(subjects.appLauncher.allApps());
     follow(subjects.hotkeyManager.currentShortcut());
     follow(subjects.hotkeyManager.state());
+    follow(subjects.numberKeys.taken());
     if (subjects.updaterService)
         follow(subjects.updaterService->canCheckForUpdates);
     refresh();
@@ -112,13 +114,22 @@ std::optional<SettingsFacts::Keys> SettingsModel::keys() const
 {
     if (!m_subjects.hotkeys)
         return std::nullopt;
+    auto& hotkeys = *m_subjects.hotkeys;
     return SettingsFacts::Keys{describeHotkey(m_subjects.hotkeyManager),
-        describeNumberKeyModifiers(*m_subjects.hotkeys, m_subjects.settings.numberKeyModifiers())};
+        describeNumberKeyModifiers(hotkeys, m_subjects.settings.numberKeyModifiers()),
+        describeTakenNumberKeys(hotkeys, m_subjects.numberKeys)};
 }
 
 void SettingsModel::refresh()
 {
     m_description.set(describeSettings(facts()));
+}
+
+void SettingsModel::lookAgain()
+{
+    if (m_subjects.hotkeys)
+        m_subjects.hotkeys->askAgain();
+    refresh();
 }
 
 // MARK: Changes

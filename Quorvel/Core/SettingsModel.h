@@ -15,6 +15,7 @@ class DockController;
 class HotkeyManager;
 class Hotkeys;
 class LoginItem;
+class NumberKeys;
 class PinStore;
 class UpdaterService;
 class UserSettings;
@@ -27,7 +28,8 @@ struct SettingsSubjects {
     const AppLauncher& appLauncher;
     const LoginItem& loginItem;
     HotkeyManager& hotkeyManager;
-    const Hotkeys* hotkeys = nullptr;
+    const NumberKeys& numberKeys;
+    Hotkeys* hotkeys = nullptr;
     DockController* dockController = nullptr;
     UpdaterService* updaterService = nullptr;
 };
@@ -54,6 +56,8 @@ public:
     [[nodiscard]] Subscription holdShortcuts();
     /// Looks at what changes without anybody's telling, such as the login item.
     void refresh();
+    /// The same for someone who begins to look; shortcuts that are taken may be free by now.
+    void lookAgain();
 
 private:
     SettingsFacts facts() const;

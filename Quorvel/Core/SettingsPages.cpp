@@ -115,7 +115,7 @@ SettingsGroup numberKeysGroup(const SettingsFacts& facts)
         .rows = {toggle("numberKeys", tr("Use what is on the bar by number"), facts.data.numberKeys,
                      tr("The keys 1 to 9 click what is at that place; with Shift, they open a new "
                         "window of it.")),
-            {"numberKeyModifiers", tr("Keys"), {}, facts.data.numberKeys,
+            {"numberKeyModifiers", tr("Keys"), facts.keys->numberKeysTaken, facts.data.numberKeys,
                 facts.keys->numberKeyModifiers}}};
 }
 

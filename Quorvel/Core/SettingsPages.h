@@ -27,6 +27,7 @@ struct SettingsFacts {
     struct Keys {
         SettingsShortcut hotkey;
         SettingsChoice numberKeyModifiers;
+        std::string numberKeysTaken; ///< which of them do not work; empty: all do
     };
 
     UserSettingsData data; ///< with the values that hold

@@ -34,13 +34,15 @@ std::string statusText(HotkeyManager::State state)
     return {};
 }
 
+std::string textOf(const Hotkeys& hotkeys, const KeyboardShortcut& shortcut)
+{
+    auto text = hotkeys.shortcutText(shortcut.keyCode, shortcut.modifiers);
+    return text.empty() ? shortcut.displayString() : text;
+}
+
 std::string numberKeysText(const Hotkeys& hotkeys, std::uint32_t modifiers)
 {
-    const auto one = NumberKeys::kKeyCodes.front();
-    auto text = hotkeys.shortcutText(one, modifiers);
-    if (text.empty())
-        text = KeyboardShortcut{one, modifiers}.displayString();
-    return trFormat("{} to 9", text);
+    return trFormat("{} to 9", textOf(hotkeys, {NumberKeys::kKeyCodes.front(), modifiers}));
 }
 
 }
@@ -77,6 +79,22 @@ SettingsChoice describeNumberKeyModifiers(
         == choice.options.end())
         offer(held);
     return choice;
+}
+
+std::string describeTakenNumberKeys(const Hotkeys& hotkeys, const NumberKeys& keys)
+{
+    auto& taken = keys.taken().value();
+    std::string list;
+    auto add = [&](const std::string& text) { list += (list.empty() ? "" : ", ") + text; };
+    for (auto shortcut = taken.begin(); shortcut != taken.end(); ++shortcut) {
+        const auto modifiers = shortcut->modifiers;
+        auto isAlike = [&](auto& other) { return other.modifiers == modifiers; };
+        if (std::count_if(taken.begin(), taken.end(), isAlike) < std::ssize(NumberKeys::kKeyCodes))
+            add(textOf(hotkeys, *shortcut));
+        else if (std::none_of(taken.begin(), shortcut, isAlike))
+            add(numberKeysText(hotkeys, modifiers));
+    }
+    return list.empty() ? list : trFormat("Taken by another program: {}", list);
 }
 
 std::optional<std::uint32_t> numberKeyModifiersOf(const std::string& value)

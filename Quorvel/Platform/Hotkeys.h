@@ -60,6 +60,9 @@ public:
     /// Called for each press of a registered shortcut; the newest handler first, until one has
     /// handled it.
     [[nodiscard]] virtual Subscription installHandler(Handler) = 0;
+    /// Now is a good time to ask once more for shortcuts that are taken, where the system does not
+    /// tell when they become free; `outcomesDidChange` reports what came of it.
+    virtual void askAgain() { }
     /// With the keys 1 to 9 these make shortcuts that the system leaves free.
     virtual std::uint32_t numberKeyModifiers() const = 0;
     /// How programs of this system write a shortcut; empty: in the Mac's symbols.

@@ -22,8 +22,11 @@ void ChoiceRow::show(const SettingsRow& description)
     m_selected.mutedFor([&] { showOptions(choice); });
     // The name of a combo row is its title; a screen reader finds the value nowhere else.
     auto* chosen = static_cast<GtkStringObject*>(adw_combo_row_get_selected_item(comboRow()));
-    gtk_accessible_update_property(GTK_ACCESSIBLE(widget()), GTK_ACCESSIBLE_PROPERTY_DESCRIPTION,
-        chosen ? gtk_string_object_get_string(chosen) : "", -1);
+    std::string value = chosen ? gtk_string_object_get_string(chosen) : "";
+    if (!description.help.empty())
+        value += ". " + description.help;
+    gtk_accessible_update_property(
+        GTK_ACCESSIBLE(widget()), GTK_ACCESSIBLE_PROPERTY_DESCRIPTION, value.c_str(), -1);
 }
 
 void ChoiceRow::showOptions(const SettingsChoice& choice)

@@ -25,11 +25,14 @@ public:
     {
         return m_handlers.install(std::move(handler));
     }
+    void askAgain() override { settle(); }
     std::uint32_t numberKeyModifiers() const override { return HotkeyModifier::command; }
 
     /// Another program takes a shortcut that nobody has, or gives it back.
     void takeElsewhere(Keys);
     void giveBackElsewhere(Keys);
+    /// As on systems that do not tell.
+    void giveBackUnnoticed(Keys keys) { std::erase(m_elsewhere, keys); }
     /// The user presses these keys. False if no handler has handled it: they are for others.
     bool press(Keys);
     /// Those that this program has in the table.

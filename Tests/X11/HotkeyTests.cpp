@@ -54,6 +54,13 @@ public:
         m_connection.sync();
     }
 
+    /// As a window manager that gives the focus to another window.
+    void announceActiveWindow()
+    {
+        m_connection.setNumbers(m_connection.root(), "_NET_ACTIVE_WINDOW", "WINDOW", {XCB_NONE});
+        m_connection.sync();
+    }
+
 private:
     Connection m_connection;
 };
@@ -149,6 +156,40 @@ TEST_F(Shortcuts, areReportedOnceHoweverLongTheyAreHeld)
         testing::ElementsAre(kSpaceKey, kSpaceKey, kSpaceKey, kSpaceKey, kOne, kTwo, kTwo));
 }
 
+// Faults: a key whose release went to another program, or that is still down when a panel takes the
+// keyboard, passes for held, so that its next press is none, or for pressed anew.
+TEST_F(Shortcuts, keepTrackOfTheirKeysWhileTheKeyboardChangesHands)
+{
+    const auto first = have(kOne, Modifier::command);
+    const auto second = have(kTwo, Modifier::command);
+    SurfaceRecord record;
+    auto panel = surfaces.make(PanelKind::launcher, record);
+    panel->setFrame({10, 10, 100, 50});
+    const auto hold = [&](std::size_t presses) {
+        hand.press(super);
+        hand.press(one);
+        hand.press(two);
+        EXPECT_TRUE(runUntil([&] { return pressed.size() == presses; }));
+        hand.release(one); // and with it the grab
+    };
+    hold(2);
+    hand.release(two);
+    hand.release(super);
+    panel->makeKeyAndOrderFront();
+    EXPECT_TRUE(press(two)) << "it came up before";
+    EXPECT_TRUE(press(one));
+    panel->orderOut();
+
+    hold(6);
+    panel->makeKeyAndOrderFront();
+    waitForRepeats();
+    EXPECT_EQ(pressed.size(), 6U) << "it was down all the time";
+    hand.release(two);
+    hand.release(super);
+    EXPECT_TRUE(press(two));
+    EXPECT_EQ(record.field.text, "");
+}
+
 // Faults: a lock hides the shortcut, or half of its grabs stay when another program has one of
 // them; one's own second registration replaces the first; what becomes free is not noticed; a
 // modifier that moves takes the shortcut along only in name; keys that are not there.
@@ -179,6 +220,24 @@ TEST_F(Shortcuts, followTheModifiersAndWhatOthersHave)
     other.announceManager();
     EXPECT_TRUE(runUntil([&] { return refused->outcome() == HotkeyOutcome::registered; }));
     EXPECT_EQ(changes, 1);
+
+    const std::vector<std::function<void()>> occasions{
+        [&] { hotkeys.askAgain(); },
+        [&] { other.announceActiveWindow(); },
+        [&] {
+            run({"xmodmap", "-e", "keycode 248 = F35"});
+        },
+    };
+    for (std::size_t index = 0; index < occasions.size(); ++index) {
+        refused.reset();
+        other.grab(k, XCB_MOD_MASK_4);
+        refused = have(kK, Modifier::command);
+        EXPECT_EQ(refused->outcome(), HotkeyOutcome::taken);
+        other.giveBack(k, XCB_MOD_MASK_4);
+        occasions[index]();
+        EXPECT_TRUE(runUntil([&] { return refused->outcome() == HotkeyOutcome::registered; }))
+            << "occasion " << index;
+    }
 
     for (const auto* const modifier : {"mod3", "mod4"}) {
         run({"xmodmap", "-e", "clear mod3", "-e", "clear mod4", "-e",

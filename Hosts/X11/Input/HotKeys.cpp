@@ -20,6 +20,8 @@ constexpr unsigned kModifierBits = 0xFF;
 /// After a window manager has come or gone. A manager that replaces another grabs its keys a moment
 /// after it has announced itself, and the other one gives them back late.
 constexpr std::array kRetries{Duration::zero(), seconds(0.5), seconds(1.5), seconds(4)};
+/// The least from one attempt to the next when other windows become active.
+constexpr Duration kNowAndThen = seconds(3);
 
 }
 
@@ -39,7 +41,7 @@ public:
     {
         std::erase(m_owner.m_registrations, this);
         m_owner.ungrab(*this);
-        m_owner.retrySoon();
+        m_owner.retryRefused(Duration::zero());
     }
     HotkeyOutcome outcome() const override { return state; }
 
@@ -149,6 +151,8 @@ void HotKeys::ungrab(Registration& registration) const
 
 void HotKeys::grabRefusedAgain()
 {
+    m_retryOnce = {};
+    m_lastRetry = m_dispatch.now();
     bool hasChanged = false;
     for (auto* registration : m_registrations) {
         if (registration->state == HotkeyOutcome::registered)
@@ -161,12 +165,26 @@ void HotKeys::grabRefusedAgain()
         outcomesDidChange.emit();
 }
 
-/// Shortcuts often go by the dozen, and each question is a round trip to the server.
-void HotKeys::retrySoon()
+bool HotKeys::isAllRight() const
 {
-    if (!m_retrySoon.isPending()) {
-        m_retrySoon = m_dispatch.main().after(Duration::zero(), [this] { grabRefusedAgain(); });
-    }
+    return std::ranges::all_of(m_registrations,
+        [](auto* registration) { return registration->state == HotkeyOutcome::registered; });
+}
+
+/// Shortcuts often go by the dozen, and each question is a round trip to the server.
+void HotKeys::retryRefused(Duration after)
+{
+    const auto due = m_dispatch.now() + after;
+    if (isAllRight() || (m_retryOnce.isPending() && m_retryDue <= due))
+        return;
+    m_retryDue = due;
+    m_retryOnce = m_dispatch.main().after(after, [this] { grabRefusedAgain(); });
+}
+
+void HotKeys::retryNowAndThen()
+{
+    const auto since = m_lastRetry ? m_dispatch.now() - *m_lastRetry : kNowAndThen;
+    retryRefused(std::max(Duration::zero(), kNowAndThen - since));
 }
 
 /// A key press may wait for a second look at the keyboard, so this comes when all events of a
@@ -177,7 +195,7 @@ void HotKeys::followModifiers()
         return;
     const auto now = ModifierMap::read(m_connection);
     if (now == m_modifiers)
-        return;
+        return retryRefused(Duration::zero()); // others may have moved their keys with the map
     std::vector<HotkeyOutcome> before;
     for (auto* registration : m_registrations) {
         before.push_back(registration->state);
@@ -300,9 +318,12 @@ void HotKeys::handle(const xcb_generic_event_t* event)
         return;
     case XCB_PROPERTY_NOTIFY: {
         const auto& change = as<xcb_property_notify_event_t>(event);
-        if (change.window == m_connection.root()
-            && change.atom == m_connection.atoms().netSupportingWmCheck)
+        if (change.window != m_connection.root())
+            return;
+        if (change.atom == m_connection.atoms().netSupportingWmCheck)
             retry(0);
+        else if (change.atom == m_connection.atoms().netActiveWindow)
+            retryNowAndThen();
         return;
     }
     default:
@@ -316,9 +337,7 @@ void HotKeys::handle(const xcb_generic_event_t* event)
 
 void HotKeys::retry(std::size_t attempt)
 {
-    const bool isAllRight = std::ranges::all_of(m_registrations,
-        [](auto* registration) { return registration->state == HotkeyOutcome::registered; });
-    if (attempt == kRetries.size() || isAllRight)
+    if (attempt == kRetries.size() || isAllRight())
         return;
     m_retry = m_dispatch.main().after(kRetries[attempt], [this, attempt] {
         grabRefusedAgain();

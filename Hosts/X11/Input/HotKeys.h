@@ -22,9 +22,12 @@ class Keyboard;
 /// Shortcuts as passive grabs on the root window: by the place of the key, so that they survive a
 /// change of layout, and for every state of Caps, Num and Scroll Lock.
 ///
-/// A grab that another program has is refused. It is asked for again when the window manager
-/// changes, and when a shortcut of our own goes. While this program itself holds the keyboard no
-/// passive grab works; its holder asks `takes` about each press. Main thread.
+/// A grab that another program has is refused, and the server does not tell when it becomes free.
+/// It is asked for again when the window manager or the keyboard's map changes, when a shortcut of
+/// our own goes, and, at most every few seconds, when another window becomes the active one:
+/// programs that come and go, or lose a shortcut in their settings, bring that about. While this
+/// program itself holds the keyboard no passive grab works; its holder asks `takes` about each
+/// press. Main thread.
 class HotKeys final : public Hotkeys {
 public:
     HotKeys(Connection&, Dispatch&, Keyboard&);
@@ -33,6 +36,7 @@ public:
     std::unique_ptr<HotkeyRegistration> registerHotkey(
         std::uint32_t keyCode, std::uint32_t modifiers, const HotkeyID&) override;
     Subscription installHandler(Handler) override;
+    void askAgain() override { retryRefused(Duration::zero()); }
     std::uint32_t numberKeyModifiers() const override { return HotkeyModifier::command; }
     std::string shortcutText(std::uint32_t keyCode, std::uint32_t modifiers) const override
     {
@@ -67,7 +71,9 @@ private:
     bool requestGrabs(xcb_keycode_t, std::uint16_t bits) const;
     void ungrab(Registration&) const;
     void grabRefusedAgain();
-    void retrySoon();
+    bool isAllRight() const;
+    void retryRefused(Duration after);
+    void retryNowAndThen();
     void followModifiers();
     const Registration* find(const xcb_key_press_event_t&) const;
 
@@ -94,7 +100,9 @@ private:
     bool m_releasesAtRepeats = false;
     std::optional<xcb_key_release_event_t> m_lastRelease; ///< of such a key
     WorkItem m_retry;
-    WorkItem m_retrySoon; ///< after one of our own has gone
+    WorkItem m_retryOnce;
+    Instant m_retryDue{};
+    std::optional<Instant> m_lastRetry;
     std::vector<Subscription> m_subscriptions;
 };
 

@@ -252,6 +252,7 @@ State State::parse(const std::string& json)
     try {
         const auto said = Json::parse(json);
         state.hotkey = stateOf(said.at("hotkey"));
+        state.numberKeys = stateOf(said.at("numberKeys"));
         read(said, "activeSpace", state.activeSpace, "focusedWindow", state.focusedWindow,
             "windows", state.windows, "spaces", state.spaces, "panels", state.panels, "menu",
             state.menu, "launcher", state.launcher);

@@ -122,6 +122,7 @@ struct State {
     std::vector<MenuEntry> menu; ///< of the open menu and its submenus
     std::optional<Launcher> launcher; ///< none while it is closed
     std::optional<std::string> hotkey; ///< what became of the global shortcut; none without one
+    std::optional<std::string> numberKeys; ///< the same for the number keys
 };
 
 /// Whether the bar shows just what the server and the window manager say of the clients: which
