@@ -453,8 +453,8 @@ void QuorvelApp::offerSettings(Runtime& runtime)
         .hotkeys = platform.hotkeys,
         .dockController = DockController::shared(),
         .updaterService = UpdaterService::shared()};
-    runtime.m_settingsPresenter
-        = std::make_unique<SettingsPresenter>(subjects, platform.settingsWindow, platform.control);
+    runtime.m_settingsPresenter = std::make_unique<SettingsPresenter>(
+        subjects, platform.settingsWindow, platform.control, platform.dispatch);
     if (platform.settingsWindow)
         manager.onSettingsRequested
             = [&presenter = *runtime.m_settingsPresenter] { presenter.show(); };

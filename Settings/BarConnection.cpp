@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 constexpr std::size_t kLongestLine = 2 * 1024 * 1024;
 constexpr std::chrono::milliseconds kFirstPause = 100ms; // a new socket may not listen yet
 constexpr std::chrono::milliseconds kLongestPause = 15s;
-constexpr std::chrono::milliseconds kLongestSilence = 10s; // before the first message
+constexpr std::chrono::milliseconds kLongestSilence = 5s;
 
 std::string socketOfDisplay()
 {
@@ -60,7 +60,6 @@ void BarConnection::connect()
     if (!socket)
         return lose();
     m_folder.reset();
-    m_timer = m_loop.after(kLongestSilence, [this] { lose(); });
     m_session = std::make_unique<posix::LineConnection>(
         std::move(socket), posix::LineReader{kLongestLine}, m_loop);
     m_session->onLine = [this](std::string_view line) { hear(line); };
@@ -68,11 +67,20 @@ void BarConnection::connect()
     auto request = posix::encodeRequest({std::string{ControlChannel::kSessionRequest}});
     request.pop_back(); // the end of the line
     m_session->send(request);
+    awaitAnswer();
+}
+
+void BarConnection::awaitAnswer()
+{
+    if (!std::exchange(m_isWaiting, true))
+        m_patience = m_loop.after(kLongestSilence, [this] { m_events.silent(); });
 }
 
 void BarConnection::lose()
 {
     m_session.reset();
+    m_patience = {};
+    m_isWaiting = false;
     if (!m_folder && !m_socketPath.empty()) {
         const auto folder = m_socketPath.substr(0, m_socketPath.rfind('/'));
         m_folder = m_loop.watchFolder(folder, [this] {
@@ -95,15 +103,19 @@ void BarConnection::hear(std::string_view line)
     const auto news = decodeSettingsNews(line);
     if (!news)
         return;
-    m_timer = {};
+    m_patience = {};
+    m_isWaiting = false;
     m_pause = kFirstPause;
     m_events.news(*news);
 }
 
 void BarConnection::send(const SettingsRequest& request)
 {
-    if (m_session)
-        m_session->send(encodeSettingsRequest(request));
+    if (!m_session)
+        return;
+    m_session->send(encodeSettingsRequest(request));
+    if (!std::holds_alternative<SettingsRecording>(request))
+        awaitAnswer();
 }
 
 void BarConnection::end()
@@ -111,6 +123,7 @@ void BarConnection::end()
     m_session.reset();
     m_folder.reset();
     m_timer = {};
+    m_patience = {};
 }
 
 }

@@ -19,7 +19,8 @@ class BarConnection {
 public:
     struct Events {
         std::function<void(const SettingsNews&)> news;
-        std::function<void()> lost; ///< no bar answers, or none does any longer
+        std::function<void()> lost; ///< there is no bar, or none any longer
+        std::function<void()> silent; ///< it does not answer; when it does, news follow
     };
 
     BarConnection(posix::HostLoop, Events);
@@ -35,6 +36,7 @@ public:
 private:
     void connect();
     void lose();
+    void awaitAnswer();
     void retry();
     void hear(std::string_view line);
 
@@ -44,7 +46,9 @@ private:
     std::chrono::milliseconds m_pause; ///< before the next attempt
     std::unique_ptr<posix::LineConnection> m_session; ///< null while there is none
     std::optional<Subscription> m_folder;
-    Subscription m_timer; ///< the next attempt, or the end of waiting for the first message
+    Subscription m_timer; ///< the next attempt
+    Subscription m_patience; ///< the end of waiting for an answer
+    bool m_isWaiting = false; ///< for an answer
 };
 
 }

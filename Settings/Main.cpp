@@ -31,7 +31,7 @@ std::string applicationID()
 int run(int count, char** values)
 {
     const xdg::GObjectHandle<AdwApplication> application{
-        adw_application_new(applicationID().c_str(), G_APPLICATION_DEFAULT_FLAGS)};
+        adw_application_new(applicationID().c_str(), G_APPLICATION_ALLOW_REPLACEMENT)};
     std::unique_ptr<SettingsWindow> window;
     const SignalHandler activates{application.get(), "activate", [&] {
                                       if (!window || !window->isOpen())

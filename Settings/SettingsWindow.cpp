@@ -22,8 +22,14 @@ SettingsWindow::SettingsWindow(GtkApplication* application)
           {[this](const SettingsNews& news) {
                std::visit([this](const auto& what) { receive(what); }, news);
            },
-              [this] { lose(); }})
+              [this] { lose(WindowFrame::Absence::notRunning); },
+              [this] { lose(WindowFrame::Absence::silent); }})
 {
+    // What changes without a word, or a bar that hangs, shows when the user comes back.
+    m_activated = SignalHandler{m_frame.window(), "notify::is-active", [this] {
+                                    if (gtk_window_is_active(m_frame.window()))
+                                        m_bar.send(SettingsQuestion{});
+                                }};
     // What keeps a page from being shown anew is a recording, or ends with a move of the focus.
     m_focusMoved
         = SignalHandler{m_frame.window(), "notify::focus-widget", [this] { catchUpLater(); }};
@@ -36,6 +42,7 @@ void SettingsWindow::endUse()
     m_isOpen = false;
     m_bar.end();
     m_focusMoved = {};
+    m_activated = {};
     m_later = {};
 }
 
@@ -58,6 +65,12 @@ void SettingsWindow::present()
     raise(m_frame.window());
 }
 
+void SettingsWindow::receive(const SettingsPresent&)
+{
+    present();
+    m_bar.send(SettingsQuestion{}); // it waits for an answer
+}
+
 void SettingsWindow::receive(const SettingsDescription& description)
 {
     const bool wasConnected = std::exchange(m_isConnected, true);
@@ -78,7 +91,7 @@ void SettingsWindow::receive(const SettingsRefusal& refusal)
     m_frame.tell(refusal.reason.empty() ? tr("This cannot be changed now.") : refusal.reason);
 }
 
-void SettingsWindow::lose()
+void SettingsWindow::lose(WindowFrame::Absence absence)
 {
     if (m_isConnected) {
         if (auto* focus = gtk_root_get_focus(GTK_ROOT(m_frame.window())))
@@ -95,7 +108,7 @@ void SettingsWindow::lose()
     }
     m_isConnected = false;
     showPages();
-    m_frame.showAbsence();
+    m_frame.showAbsence(absence);
 }
 
 void SettingsWindow::showPages()

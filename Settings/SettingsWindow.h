@@ -34,9 +34,9 @@ private:
     };
 
     void receive(const SettingsDescription&);
-    void receive(const SettingsPresent&) { present(); }
+    void receive(const SettingsPresent&);
     void receive(const SettingsRefusal&);
-    void lose();
+    void lose(WindowFrame::Absence);
     void showPages();
     void replacePages();
     void setRecording(bool);
@@ -55,6 +55,7 @@ private:
     std::vector<ShownPage> m_pages;
     xdg::GObjectHandle<GtkWidget> m_focusWhenLost;
     SignalHandler m_focusMoved;
+    SignalHandler m_activated;
     SignalHandler m_destroyed;
 };
 

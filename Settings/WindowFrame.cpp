@@ -17,23 +17,17 @@ constexpr char kPages[] = "pages";
 constexpr char kAbsence[] = "absence";
 constexpr char kNothing[] = "nothing"; // nobody knows yet
 
-std::string absence()
-{
-    return tr("Quorvel is not running");
-}
+struct AbsenceTexts {
+    std::string title;
+    std::string help;
+};
 
-std::string absenceHelp()
+AbsenceTexts textsOf(WindowFrame::Absence absence)
 {
-    return tr("The settings can be changed as soon as it is.");
-}
-
-GtkWidget* makeAbsencePage()
-{
-    auto* page = adw_status_page_new();
-    adw_status_page_set_icon_name(ADW_STATUS_PAGE(page), "dialog-information-symbolic");
-    adw_status_page_set_title(ADW_STATUS_PAGE(page), escapedMarkup(absence()).c_str());
-    adw_status_page_set_description(ADW_STATUS_PAGE(page), escapedMarkup(absenceHelp()).c_str());
-    return page;
+    if (absence == WindowFrame::Absence::silent)
+        return {
+            tr("Quorvel does not answer"), tr("The settings can be changed as soon as it does.")};
+    return {tr("Quorvel is not running"), tr("The settings can be changed as soon as it is.")};
 }
 
 void addKey(GtkEventController* keys, const char* trigger, GtkShortcutAction* action)
@@ -88,15 +82,22 @@ GtkWidget* WindowFrame::makeHeader()
 
 GtkWidget* WindowFrame::makeNote()
 {
-    auto* label = gtk_label_new((absence() + ". " + absenceHelp()).c_str());
-    gtk_label_set_wrap(GTK_LABEL(label), true);
-    gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
-    gtk_widget_set_hexpand(label, true);
+    m_noteText = GTK_LABEL(gtk_label_new(nullptr));
+    gtk_label_set_wrap(m_noteText, true);
+    gtk_label_set_justify(m_noteText, GTK_JUSTIFY_CENTER);
+    gtk_widget_set_hexpand(GTK_WIDGET(m_noteText), true);
     m_note = GTK_WIDGET(g_object_new(
         GTK_TYPE_BOX, "accessible-role", GTK_ACCESSIBLE_ROLE_ALERT, "visible", false, nullptr));
     gtk_widget_add_css_class(m_note, "quorvel-note");
-    gtk_box_append(GTK_BOX(m_note), label);
+    gtk_box_append(GTK_BOX(m_note), GTK_WIDGET(m_noteText));
     return m_note;
+}
+
+GtkWidget* WindowFrame::makeAbsencePage()
+{
+    m_absence = ADW_STATUS_PAGE(adw_status_page_new());
+    adw_status_page_set_icon_name(m_absence, "dialog-information-symbolic");
+    return GTK_WIDGET(m_absence);
 }
 
 GtkWidget* WindowFrame::makeBody()
@@ -145,8 +146,12 @@ void WindowFrame::showPages()
     gtk_stack_set_visible_child_name(m_body, kPages);
 }
 
-void WindowFrame::showAbsence()
+void WindowFrame::showAbsence(Absence absence)
 {
+    const auto [title, help] = textsOf(absence);
+    gtk_label_set_text(m_noteText, (title + ". " + help).c_str());
+    adw_status_page_set_title(m_absence, escapedMarkup(title).c_str());
+    adw_status_page_set_description(m_absence, escapedMarkup(help).c_str());
     if (!adw_view_stack_get_visible_child(m_stack)) {
         gtk_stack_set_visible_child_name(m_body, kAbsence);
         return;

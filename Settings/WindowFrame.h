@@ -21,15 +21,17 @@ public:
 
     /// The bar is there, and with it the pages.
     void showPages();
-    /// It is not, and the user is told: above the pages, or instead of them as long as there are
-    /// none.
-    void showAbsence();
+    enum class Absence { notRunning, silent };
+    /// It is not, or it hangs, and the user is told: above the pages, or instead of them as long as
+    /// there are none.
+    void showAbsence(Absence);
     /// A passing note, which replaces the last.
     void tell(const std::string&);
 
 private:
     GtkWidget* makeHeader();
     GtkWidget* makeNote();
+    GtkWidget* makeAbsencePage();
     GtkWidget* makeBody();
     void addKeys();
 
@@ -40,6 +42,8 @@ private:
     GtkStack* m_body = nullptr;
     AdwToastOverlay* m_toasts = nullptr;
     GtkWidget* m_note = nullptr;
+    GtkLabel* m_noteText = nullptr;
+    AdwStatusPage* m_absence = nullptr;
     xdg::GObjectHandle<AdwToast> m_toast;
 };
 

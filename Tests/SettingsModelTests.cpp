@@ -372,9 +372,12 @@ TEST_F(SettingsModelTest, theDescriptionAndTheChangesCrossAsTheyAre)
     EXPECT_EQ(decodeSettingsRequest(R"({"record":{"keyCode":null}})"),
         (Request{Change{Change::Record{}}}));
     EXPECT_EQ(decodeSettingsRequest(R"({"recording":true})"), (Request{SettingsRecording{true}}));
+    EXPECT_EQ(decodeSettingsRequest(encodeSettingsRequest(SettingsQuestion{})),
+        Request{SettingsQuestion{}});
     for (auto* nonsense : {"", "{", "[]", "null", "{}", R"({"set":{"row":"theme"}})",
              R"({"set":[]})", R"({"move":{"row":"a","item":"b","to":-1}})",
-             R"({"record":{"keyCode":4294967296,"modifiers":0}})", R"({"recording":1})"})
+             R"({"record":{"keyCode":4294967296,"modifiers":0}})", R"({"recording":1})",
+             R"({"ask":false})"})
         EXPECT_FALSE(decodeSettingsRequest(nonsense)) << nonsense;
 }
 

@@ -58,6 +58,44 @@ TEST_F(SettingsSessionTest, everyWindowShowsTheChangesOfTheOthers)
     EXPECT_THAT(other->takeLines(), IsEmpty());
 }
 
+// Faults: a change that has no effect has no answer, from which the window would take the bar for
+// hung; a question that is not answered.
+TEST_F(SettingsSessionTest, whateverTheWindowSaysIsAnswered)
+{
+    auto one = connect();
+    described(one);
+    for (auto* line : {R"({"set":{"row":"theme","value":"frosted"}})", R"({"ask":true})"}) {
+        one->say(line);
+        EXPECT_EQ(theme(one), "frosted") << line;
+    }
+}
+
+// Faults: a window that hangs keeps the settings from being opened; one that is alive is replaced,
+// or one of two; several clicks replace it several times.
+TEST_F(SettingsSessionTest, aWindowThatDoesNotAnswerIsReplaced)
+{
+    auto& window = desktop.settingsWindow();
+    auto present = [this] { EXPECT_EQ(desktop.control().send({"--settings"})->exitStatus, 0); };
+    auto one = connect();
+    auto other = connect();
+    present();
+    desktop.advance(seconds(1));
+    present();
+    one->say(R"({"ask":true})");
+    desktop.advance(SettingsSessions::kPatience);
+    EXPECT_TRUE(one->isConnected());
+    EXPECT_FALSE(other->isConnected());
+    EXPECT_EQ(window.shows(), 0);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0U);
+
+    present();
+    desktop.advance(SettingsSessions::kPatience);
+    EXPECT_FALSE(one->isConnected());
+    EXPECT_EQ(window.replacements(), 1);
+    present();
+    EXPECT_EQ(window.shows(), 2) << "as if there had been none";
+}
+
 // Fault: a control that stays where the user moved it though nothing has changed.
 TEST_F(SettingsSessionTest, aRefusalComesWithItsReasonAndThenWhatHolds)
 {

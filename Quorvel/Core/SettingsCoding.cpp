@@ -381,6 +381,11 @@ Json write(const SettingsRecording& recording)
     return {{"recording", recording.isOn}};
 }
 
+Json write(const SettingsQuestion&)
+{
+    return {{"ask", true}};
+}
+
 Json write(const SettingsPresent&)
 {
     return {{"present", true}};
@@ -436,6 +441,9 @@ std::optional<SettingsRequest> decodeSettingsRequest(std::string_view line)
     SettingsRecording recording;
     if (read(json, "recording", recording.isOn))
         return recording;
+    bool isQuestion = false;
+    if (read(json, "ask", isQuestion) && isQuestion)
+        return SettingsQuestion{};
     return std::nullopt;
 }
 

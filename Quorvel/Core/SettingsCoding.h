@@ -31,8 +31,14 @@ struct SettingsRecording {
     friend bool operator==(const SettingsRecording&, const SettingsRecording&) = default;
 };
 
-/// From the window to the bar.
-using SettingsRequest = std::variant<SettingsChange, SettingsRecording>;
+/// The window wants to be told everything again; from the answer it sees that the bar is alive, and
+/// from the question the bar that the window is.
+struct SettingsQuestion {
+    friend bool operator==(const SettingsQuestion&, const SettingsQuestion&) = default;
+};
+
+/// From the window to the bar. Changes and questions are answered, if only with a description.
+using SettingsRequest = std::variant<SettingsChange, SettingsRecording, SettingsQuestion>;
 
 std::string encodeSettingsRequest(const SettingsRequest&);
 std::optional<SettingsRequest> decodeSettingsRequest(std::string_view line);

@@ -2,12 +2,16 @@
 
 namespace quorvel {
 
-SettingsPresenter::SettingsPresenter(
-    const SettingsSubjects& subjects, SettingsWindow* window, ControlChannel& control)
+SettingsPresenter::SettingsPresenter(const SettingsSubjects& subjects, SettingsWindow* window,
+    ControlChannel& control, Dispatch& dispatch)
     : m_subjects(subjects)
     , m_window(window)
-    , m_sessions(control, [this]() -> SettingsModel& { return model(); })
+    , m_sessions(control, dispatch, [this]() -> SettingsModel& { return model(); })
 {
+    m_sessions.onSilence = [this] {
+        if (m_window)
+            m_window->replace(model());
+    };
 }
 
 SettingsPresenter::~SettingsPresenter()
@@ -29,7 +33,7 @@ bool SettingsPresenter::show()
         return true;
     if (!m_window)
         return false;
-    model().refresh();
+    model().lookAgain();
     return m_window->show(model());
 }
 

@@ -13,12 +13,13 @@ class SettingsPresenter {
 public:
     /// Where the system has no window for them, the second is null, and only other programs can
     /// show them. All it is given outlives it.
-    SettingsPresenter(const SettingsSubjects&, SettingsWindow*, ControlChannel&);
+    SettingsPresenter(const SettingsSubjects&, SettingsWindow*, ControlChannel&, Dispatch&);
     ~SettingsPresenter();
     SettingsPresenter(const SettingsPresenter&) = delete;
     SettingsPresenter& operator=(const SettingsPresenter&) = delete;
 
-    /// Shows the window, or raises the one that is there. False if it cannot be shown.
+    /// Shows the window, or raises the one that is there; if that one does not answer, another
+    /// takes its place. False if it cannot be shown.
     bool show();
 
 private:

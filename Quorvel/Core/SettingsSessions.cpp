@@ -6,8 +6,10 @@
 
 namespace quorvel {
 
-SettingsSessions::SettingsSessions(ControlChannel& control, std::function<SettingsModel&()> model)
+SettingsSessions::SettingsSessions(
+    ControlChannel& control, Dispatch& dispatch, std::function<SettingsModel&()> model)
     : m_control(control)
+    , m_dispatch(dispatch)
     , m_model(std::move(model))
 {
     control.setSessionHandler(
@@ -21,8 +23,25 @@ SettingsSessions::~SettingsSessions()
 
 bool SettingsSessions::present()
 {
+    if (m_sessions.empty())
+        return false;
     sendToAll(SettingsPresent{});
-    return !m_sessions.empty();
+    for (auto& session : m_sessions)
+        session.isAwaited = true;
+    if (!m_silence.isPending())
+        m_silence = m_dispatch.main().after(kPatience, [this] { endSilent(); });
+    return true;
+}
+
+void SettingsSessions::endSilent()
+{
+    if (std::erase_if(m_sessions, [](auto& session) { return session.isAwaited; }) == 0)
+        return;
+    if (!m_sessions.empty())
+        return;
+    m_changes = {};
+    if (onSilence)
+        onSilence();
 }
 
 void SettingsSessions::begin(std::unique_ptr<ControlSession> connection)
@@ -30,7 +49,7 @@ void SettingsSessions::begin(std::unique_ptr<ControlSession> connection)
     if (m_sessions.size() >= kMost)
         m_sessions.pop_front();
     auto& model = m_model();
-    model.refresh();
+    model.lookAgain();
     if (m_sessions.empty())
         m_changes = model.description().subscribe(
             [this](const SettingsDescription& description) { sendToAll(description); });
@@ -47,18 +66,30 @@ void SettingsSessions::begin(std::unique_ptr<ControlSession> connection)
 /// What makes no sense may come from a newer window.
 void SettingsSessions::hear(Session& session, std::string_view line)
 {
+    session.isAwaited = false;
     auto request = decodeSettingsRequest(line);
     if (!request)
         return;
     if (auto* recording = std::get_if<SettingsRecording>(&*request)) {
         session.heldShortcuts = recording->isOn ? m_model().holdShortcuts() : Subscription{};
-        return;
+    } else if (std::holds_alternative<SettingsQuestion>(*request)) {
+        m_model().lookAgain();
+        describe(session);
+    } else {
+        apply(session, std::get<SettingsChange>(*request));
     }
-    auto refusal = m_model().apply(std::get<SettingsChange>(*request));
-    if (!refusal)
-        return;
-    session.connection->send(encodeSettingsNews(*refusal));
-    describe(session); // what holds may be what it showed before
+}
+
+/// It always has an answer, from which the window sees that the bar is alive.
+void SettingsSessions::apply(Session& session, const SettingsChange& change)
+{
+    auto& description = m_model().description();
+    const auto before = description.value();
+    auto refusal = m_model().apply(change);
+    if (refusal)
+        session.connection->send(encodeSettingsNews(*refusal));
+    if (refusal || description.value() == before) // what holds is what it showed before
+        describe(session);
 }
 
 void SettingsSessions::describe(Session& session)

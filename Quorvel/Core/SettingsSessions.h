@@ -7,6 +7,7 @@
 
 #include "Quorvel/Core/SettingsCoding.h"
 #include "Quorvel/Platform/ControlChannel.h"
+#include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Published.h"
 
 namespace quorvel {
@@ -21,30 +22,41 @@ public:
     /// For one more, the one that has been connected longest has to go.
     static constexpr std::size_t kMost = 8;
 
+    /// How long a window may take to answer before it counts as hung.
+    static constexpr Duration kPatience = seconds(5);
+
     /// The model is asked for when it is first needed.
-    SettingsSessions(ControlChannel&, std::function<SettingsModel&()> model);
+    SettingsSessions(ControlChannel&, Dispatch&, std::function<SettingsModel&()> model);
     ~SettingsSessions();
     SettingsSessions(const SettingsSessions&) = delete;
     SettingsSessions& operator=(const SettingsSessions&) = delete;
 
-    /// Asks the windows to come to the front. False if there is none.
+    /// Asks the windows to come to the front. False if there is none. Those that do not answer in
+    /// time lose their sessions.
     bool present();
+    /// None of them has answered.
+    std::function<void()> onSilence;
 
 private:
     struct Session {
         std::unique_ptr<ControlSession> connection;
         Subscription heldShortcuts;
+        bool isAwaited = false; ///< since it was last asked to come to the front
     };
 
     void begin(std::unique_ptr<ControlSession>);
     void hear(Session&, std::string_view line);
+    void apply(Session&, const SettingsChange&);
     void describe(Session&);
+    void endSilent();
     void sendToAll(const SettingsNews&);
 
     ControlChannel& m_control;
+    Dispatch& m_dispatch;
     std::function<SettingsModel&()> m_model;
     Subscription m_changes;
     std::list<Session> m_sessions; ///< the oldest first
+    WorkItem m_silence; ///< the end of waiting for answers
 };
 
 }

@@ -36,6 +36,8 @@ public:
     /// own starts it: the program asks over the control channel what to show. The source lives
     /// until `close`. False if it is plain that the window cannot be shown.
     virtual bool show(SettingsSource&) = 0;
+    /// Shows one in the place of a window in another process that does not answer.
+    virtual bool replace(SettingsSource& source) { return show(source); }
     /// Closes a window of this process, and forgets the source.
     virtual void close() = 0;
 

@@ -17,6 +17,9 @@ namespace quorvel::xdg {
 namespace {
 
 constexpr char kProgram[] = "quorvel-settings";
+/// The toolkit's own: the program takes over the name under which the other one runs, which ends as
+/// soon as it hears of that.
+constexpr char kReplace[] = "--gapplication-replace";
 
 }
 
@@ -45,7 +48,13 @@ std::string SettingsProgram::ownFolder()
     return program.substr(0, program.rfind('/'));
 }
 
-bool SettingsProgram::show(SettingsSource&)
+bool SettingsProgram::replace(SettingsSource&)
+{
+    posix::tell(fmt::format("{} does not answer: another one is started", kProgram));
+    return launch({kReplace});
+}
+
+bool SettingsProgram::launch(const std::vector<std::string>& arguments)
 {
     if (m_start.isPending())
         return true;
@@ -57,13 +66,15 @@ bool SettingsProgram::show(SettingsSource&)
         return false;
     }
     m_start = m_dispatch.main().after(kStartLimit, [] {});
-    m_tokens.request([this, path = *program](const std::string& token) { start(path, token); });
+    std::vector<std::string> command{*program};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    m_tokens.request([this, command](const std::string& token) { start(command, token); });
     return true;
 }
 
-void SettingsProgram::start(const std::string& program, const std::string& token)
+void SettingsProgram::start(const std::vector<std::string>& command, const std::string& token)
 {
-    const auto outcome = ProgramStart{{program}, homeFolder(), token}.run();
+    const auto outcome = ProgramStart{command, homeFolder(), token}.run();
     if (const auto* reason = std::get_if<std::string>(&outcome))
         return fail(*reason);
     auto* started = new Started{this};

@@ -2,6 +2,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 #include <glib.h>
 
@@ -28,14 +29,16 @@ public:
     /// The folder of the running program.
     static std::string ownFolder();
 
-    bool show(SettingsSource&) override;
+    bool show(SettingsSource&) override { return launch({}); }
+    bool replace(SettingsSource&) override;
     /// The program hears of the bar's end by its connection.
     void close() override { }
 
 private:
     struct Started;
 
-    void start(const std::string& program, const std::string& token);
+    bool launch(const std::vector<std::string>& arguments);
+    void start(const std::vector<std::string>& command, const std::string& token);
     void didEnd(int waitStatus);
     void fail(const std::string& reason);
 
