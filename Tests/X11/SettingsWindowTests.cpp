@@ -1,4 +1,4 @@
-#include <cstdlib>
+#include <csignal>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -17,6 +17,9 @@ namespace {
 constexpr std::uint8_t kEscape = 9;
 constexpr std::uint8_t kReturn = 36;
 constexpr std::uint8_t kControl = 37;
+constexpr std::uint8_t kLetterY = 29;
+constexpr std::uint8_t kLetterK = 45;
+constexpr std::uint8_t kCapsLock = 66;
 constexpr std::uint8_t kAlt = 64;
 constexpr std::uint8_t kSpaceBar = 65;
 constexpr std::uint8_t kDown = 116;
@@ -85,14 +88,10 @@ private:
 
 }
 
-class SettingsWindowProgram : public testing::Test, public DesktopFixture {
+/// A desktop whose user changes settings.
+class SettingsDesktop : public DesktopFixture {
 protected:
-    SettingsWindowProgram() : DesktopFixture(ManagerKind::openbox)
-    {
-        // Without a graphics card, and with nothing of the user's that runs the tests.
-        setenv("GSK_RENDERER", "cairo", 1);
-        setenv("GSETTINGS_BACKEND", "memory", 1);
-    }
+    using DesktopFixture::DesktopFixture;
 
     /// As the bar tells it.
     std::string get(const std::string& field) const { return run({"--get", field}).output; }
@@ -103,6 +102,11 @@ protected:
     }
 
     SettingsProgram settings{server, desktop};
+};
+
+class SettingsWindowProgram : public testing::Test, public SettingsDesktop {
+protected:
+    SettingsWindowProgram() : SettingsDesktop(ManagerKind::openbox) { }
 };
 
 // Faults: a second window; one that stays behind the others when it is asked for again, that shows
@@ -165,13 +169,28 @@ TEST_F(SettingsWindowProgram, recordsWhatTheWindowManagerWaitsFor)
     EXPECT_TRUE(becomes("hotkeyModifiers", "2048"));
     EXPECT_TRUE(settings.isDescribed(kButton, "Alt+Space", "another program"));
 
+    // The next key is another one in each layout; the one in use counts.
     settings.click(kButton, "Alt+Space");
+    ASSERT_TRUE(settings.shows(kButton, "Press keys"));
+    const auto setLayouts = [&](const std::string& layouts) {
+        const std::vector<std::string> command{"setxkbmap", layouts, "-option", "grp:caps_toggle"};
+        EXPECT_EQ((Process{command, server.environment()}.waitForEnd()), 0);
+    };
+    setLayouts("de,us");
+    keyboard.chord(kAlt, kLetterY);
+    EXPECT_TRUE(settings.shows(kButton, "Alt+Z"));
+    keyboard.tap(kCapsLock);
+    EXPECT_TRUE(settings.shows(kButton, "Alt+Y"));
+    setLayouts("de");
+    EXPECT_TRUE(settings.shows(kButton, "Alt+Z"));
+
+    settings.click(kButton, "Alt+Z");
     ASSERT_TRUE(settings.shows(kButton, "Press keys"));
     Client client{server};
     const auto other = client.open({.title = "other"});
     ASSERT_TRUE(eventually([&] { return desktop.clientTitled("other").has_value(); }));
     desktop.activate(other);
-    EXPECT_TRUE(settings.shows(kButton, "Alt+Space"));
+    EXPECT_TRUE(settings.shows(kButton, "Alt+Z"));
     EXPECT_TRUE(settings.perform(kButton, "Clear the shortcut"));
     EXPECT_TRUE(becomes("hotkeyKeyCode", "null"));
 }
@@ -214,6 +233,35 @@ TEST_F(SettingsWindowProgram, survivesABarThatTalksNonsense)
     EXPECT_TRUE(settings.shows(ATSPI_ROLE_LABEL, "<i>never&"));
     EXPECT_TRUE(settings.hasState(kSwitch, "<b>&toggle", ATSPI_STATE_CHECKED, false));
     EXPECT_TRUE(program.isRunning());
+}
+
+// Faults: a window that hangs keeps the user from the settings, or comes back beside the new one; a
+// bar that hangs is not told, or not forgiven.
+TEST_F(SettingsWindowProgram, isReplacedWhenItHangsAndTellsThatTheBarDoes)
+{
+    Bar bar{server};
+    ASSERT_TRUE(bar.appears());
+    Process hung{{QUORVEL_SETTINGS_PROGRAM}, server.environment()};
+    ASSERT_TRUE(settings.isActive());
+    ASSERT_TRUE(settings.shows(kSwitch, "Start at login"));
+    const auto first = settings.window();
+    kill(hung.pid(), SIGSTOP);
+    ASSERT_EQ(run({"--settings"}).status, 0);
+    ASSERT_TRUE(eventually([&] { return settings.windowCount() == 2; }));
+    EXPECT_NE(bar.log().find("quorvel-settings does not answer"), std::string::npos);
+    kill(hung.pid(), SIGCONT);
+    EXPECT_TRUE(eventually([&] { return !hung.isRunning(); }));
+    EXPECT_EQ(settings.windowCount(), 1U);
+    EXPECT_NE(settings.window(), first);
+    ASSERT_TRUE(settings.hasState(kSwitch, "Start at login", ATSPI_STATE_SENSITIVE));
+
+    kill(bar.process().pid(), SIGSTOP);
+    EXPECT_TRUE(settings.perform(kSwitch, "Start at login", "toggle"));
+    EXPECT_TRUE(settings.shows(ATSPI_ROLE_LABEL, "Quorvel does not answer."));
+    EXPECT_TRUE(settings.hasState(kSwitch, "Start at login", ATSPI_STATE_SENSITIVE, false));
+    kill(bar.process().pid(), SIGCONT);
+    EXPECT_TRUE(settings.hasState(kSwitch, "Start at login", ATSPI_STATE_SENSITIVE));
+    EXPECT_TRUE(becomes("runAtLogin", "true"));
 }
 
 }

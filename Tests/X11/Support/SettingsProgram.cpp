@@ -1,6 +1,7 @@
 #include "Tests/X11/Support/SettingsProgram.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "Tests/X11/Support/Eventually.h"
 
@@ -11,6 +12,16 @@ namespace {
 constexpr char kProgram[] = "quorvel-settings";
 constexpr char kTitle[] = "Quorvel Settings";
 
+}
+
+SettingsProgram::SettingsProgram(const XServer& server, Desktop& desktop)
+    : m_desktop(desktop)
+    , m_reader(server)
+    , m_keyboard(server.display())
+    , m_pointer(server.display())
+{
+    setenv("GSK_RENDERER", "cairo", 1);
+    setenv("GSETTINGS_BACKEND", "memory", 1);
 }
 
 testing::AssertionResult SettingsProgram::isActive()

@@ -13,13 +13,9 @@ namespace quorvel::x11tests {
 /// there is an answer.
 class SettingsProgram {
 public:
-    SettingsProgram(const XServer& server, Desktop& desktop)
-        : m_desktop(desktop)
-        , m_reader(server)
-        , m_keyboard(server.display())
-        , m_pointer(server.display())
-    {
-    }
+    /// Those that are started from now on do without a graphics card, and with nothing of the
+    /// user's that runs the tests.
+    SettingsProgram(const XServer&, Desktop&);
 
     /// Whether the window is there, and the active one.
     testing::AssertionResult isActive();
