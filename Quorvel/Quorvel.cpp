@@ -234,14 +234,16 @@ void LaunchCoordinator::startMainRuntimeIfPossible()
 
 namespace {
 
+/// Where something is missing in earnest, the way through the permissions is no rehearsal.
 std::unique_ptr<LaunchPermissionCenter> makePermissionCenter(
     const Platform& platform, const QuorvelApp::Rehearsal& rehearsal)
 {
-    if (rehearsal)
-        return std::make_unique<PermissionsRehearsal>(
-            *rehearsal, platform.accessibility, platform.screenCapture, platform.workspace);
-    return std::make_unique<LaunchPermissionCenter>(
+    auto center = std::make_unique<LaunchPermissionCenter>(
         platform.accessibility, platform.screenCapture, platform.workspace);
+    if (!rehearsal || !center->currentState().areAllGranted())
+        return center;
+    return std::make_unique<PermissionsRehearsal>(
+        *rehearsal, platform.accessibility, platform.screenCapture, platform.workspace);
 }
 
 }

@@ -91,7 +91,8 @@ public:
     static constexpr auto excludedBootstrapBundleIDs = kSystemBundleIdentifiers;
 
     /// What the user has granted, for a rehearsal of the way through the permissions: it is shown
-    /// in any case, begins there, and grants whatever it is asked for.
+    /// in any case, begins there, and grants whatever it is asked for. Where one of them is really
+    /// missing, the way is the real one.
     using Rehearsal = std::optional<LaunchPermissionsState>;
 
     /// Runs the program until it is terminated; returns the exit status.

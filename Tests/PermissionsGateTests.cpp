@@ -276,7 +276,7 @@ TEST_F(PermissionsGateTest, quitsWhenItIsClosedOrToldTo)
 // or presses what it should not; a press that is let go elsewhere counts.
 TEST_F(PermissionsGateTest, isUsedWithTheKeyboardAlone)
 {
-    startWith(false, false, LaunchPermissionsState{});
+    startWith(true, true, LaunchPermissionsState{});
     std::string order;
     for (int stop = 0; stop < 6; ++stop) {
         order += focused() + ", ";
@@ -318,6 +318,9 @@ TEST_F(PermissionsGateTest, isUsedWithTheKeyboardAlone)
     desktop.drain();
     EXPECT_FALSE(isRunning());
     EXPECT_TRUE(hasQuit());
+
+    startWith(true, false, LaunchPermissionsState{true, true});
+    EXPECT_FALSE(canContinue()) << "what is missing in earnest is not rehearsed";
 }
 
 // Faults: a side that does not turn round, or parts that overlap; a look that keeps half of the old
