@@ -2,7 +2,6 @@
 
 #include "Hosts/MacOS/Rules/ApplicationPlaces.h"
 #include "Hosts/MacOS/System/BundleInformation.h"
-#include "Hosts/MacOS/System/CFText.h"
 #include "Hosts/MacOS/System/CFValues.h"
 #include "Hosts/MacOS/System/MacFileEvents.h"
 #include "Tests/MacSystem/Support/MacFixture.h"
@@ -10,45 +9,11 @@
 namespace quorvel::test {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace {
 
-struct MacText final : CFText {
-    Size measure(std::string_view, const TextStyle&) const override { return {}; }
-    LineLayout lineLayout(std::string_view, const TextStyle&) const override { return {}; }
-};
+struct MacApplicationsTest : MacFixture { };
 
-struct MacApplicationsTest : MacFixture {
-    MacText letters;
-};
-
-}
-
-// Faults: offsets counted in UTF-16; a text that is no UTF-8 is no string there, and null.
-TEST_F(MacApplicationsTest, textIsCutIntoCharactersByBytes)
-{
-    EXPECT_THAT(letters.characterEnds("aé€"), ElementsAre(1, 3, 6));
-    EXPECT_THAT(letters.characterEnds("e\u0301👍🏽!"), ElementsAre(3, 11, 12));
-    EXPECT_THAT(letters.characterEnds("a\xFF\xC3"), ElementsAre(1, 2, 3));
-    EXPECT_THAT(letters.characterEnds(""), IsEmpty());
-}
-
-TEST_F(MacApplicationsTest, textIsFoldedComparedAndClassified)
-{
-    EXPECT_EQ(letters.fold("ÀＢＣ"), "abc");
-    EXPECT_EQ(letters.fold("か\u3099"), "が") << "as a file name on an old disk";
-    EXPECT_EQ(letters.fold("\xFF"), "\xFF");
-    EXPECT_EQ(letters.compare("alpha", "ALPHA"), std::weak_ordering::equivalent);
-    EXPECT_EQ(letters.compare("alpha", "Beta"), std::weak_ordering::less);
-    EXPECT_EQ(letters.compare("gamma", "Beta"), std::weak_ordering::greater);
-    EXPECT_EQ(letters.compare("\xFF", "a"), std::weak_ordering::greater);
-    using enum CharacterClass;
-    const std::pair<char32_t, CharacterClass> expected[]{{U'a', lowerCaseLetter},
-        {U'Ж', upperCaseLetter}, {U'ǅ', otherLetter}, {U'か', otherLetter}, {U'٣', decimalDigit},
-        {U'Ⅳ', otherNumber}, {U'½', otherNumber}, {U'\u0301', other}, {U'-', other}};
-    for (auto [point, kind] : expected)
-        EXPECT_EQ(letters.classOf(point), kind) << static_cast<std::uint32_t>(point);
 }
 
 TEST_F(MacApplicationsTest, aBundleSaysWhatItsDictionaryHoldsAsText)

@@ -2,54 +2,17 @@
 #include "Hosts/MacOS/Rules/KeyRoute.h"
 #include "Hosts/MacOS/Rules/KeyboardSession.h"
 #include "Hosts/MacOS/Rules/MenuSession.h"
-#include "Hosts/MacOS/Rules/PanelPlace.h"
 #include "Hosts/MacOS/Rules/PanelTraits.h"
 #include "Hosts/MacOS/Rules/PointerSession.h"
 #include "Hosts/MacOS/Rules/ProgramArguments.h"
 #include "Hosts/MacOS/Rules/SettingsControls.h"
 #include "Hosts/MacOS/Rules/StandardShortcut.h"
-#include "Tests/MacSystem/Support/MacFixture.h"
+#include "Tests/MacSystem/Support/AppKitPanel.h"
+#include "Tests/Support/Matchers.h"
 
 namespace quorvel::test {
 
 namespace {
-
-/// AppKit's panel: believes at once that it is key, and lies where the window server puts it.
-struct AppKitPanel final : SystemPanel {
-    explicit AppKitPanel(FakeDesktop& desktop_) : desktop(desktop_) { }
-
-    void orderIn() override
-    {
-        if (!std::exchange(isIn, true) && !window)
-            window = desktop.open(process, {.title = "Bar"});
-        note();
-    }
-    void orderOut() override { isIn = false; }
-    void setUnseen(bool value) override
-    {
-        isUnseen = value;
-        note();
-    }
-    std::optional<WindowID> number() const override { return window; }
-    void becomeKey() override { isKeyNow = mayBecomeKey; }
-    void resignKey() override { isKeyNow = false; }
-    bool isKey() const override { return isKeyNow; }
-
-    void note()
-    {
-        if (isIn && !isUnseen)
-            seenOn.merge(std::set{desktop.window(*window).spaces});
-    }
-
-    FakeDesktop& desktop;
-    ProcessID process = desktop.launch({.name = "Quorvel"});
-    std::optional<WindowID> window;
-    std::set<SpaceID> seenOn;
-    bool isIn = false;
-    bool isUnseen = false;
-    bool isKeyNow = false;
-    bool mayBecomeKey = true;
-};
 
 struct Client final : SurfaceClient {
     void paint(Canvas&, const Rect&) override { }
@@ -64,58 +27,13 @@ struct Client final : SurfaceClient {
     int losses = 0;
 };
 
-struct MacRulesTest : MacFixture {
+struct MacRulesTest : testing::Test {
+    FakeDesktop desktop;
     AppKitPanel panel{desktop};
     Client client;
     Queue& mainQueue = desktop.dispatch().main();
-
-    void show(PanelPlace& place, SpaceID space)
-    {
-        desktop.activateSpace(space);
-        place.activeSpaceDidChange();
-    }
 };
 
-}
-
-// Faults: a bar of another space is seen on this one for a moment; a refused move goes unnoticed
-// and the bar stays where it does not belong.
-TEST_F(MacRulesTest, aPanelIsNeverSeenOnAnotherSpaceThanItsOwn)
-{
-    const auto server = makeWindowServer();
-    PanelPlace second{server, panel, SpaceID{2}};
-    second.orderFront();
-    show(second, SpaceID{3});
-    EXPECT_FALSE(panel.isIn);
-    show(second, SpaceID{2});
-    EXPECT_TRUE(panel.isIn);
-    second.orderOut();
-    show(second, SpaceID{1});
-    show(second, SpaceID{2});
-    EXPECT_FALSE(panel.isIn);
-
-    AppKitPanel farPanel{desktop};
-    PanelPlace far{server, farPanel, SpaceID{3}};
-    mac.answer("CopySpacesForWindows", array({number(2)}));
-    EXPECT_FALSE(far.orderFrontForKey()) << "the server lets it lie where it is";
-    EXPECT_FALSE(farPanel.isIn);
-    mac.forgetAnswer("CopySpacesForWindows");
-    EXPECT_TRUE(far.orderFrontForKey());
-    EXPECT_THAT(desktop.window(*farPanel.window).spaces, ElementsAre(SpaceID{3}));
-    EXPECT_FALSE(farPanel.isUnseen);
-
-    // It went in just when the user left the space.
-    desktop.moveToSpace(*farPanel.window, SpaceID{1});
-    show(far, SpaceID{2});
-    EXPECT_THAT(desktop.window(*farPanel.window).spaces, ElementsAre(SpaceID{3}));
-    EXPECT_THAT(farPanel.seenOn, ElementsAre(SpaceID{3}));
-    EXPECT_THAT(panel.seenOn, ElementsAre(SpaceID{2}));
-
-    // Nobody says what is active: a bar somewhere is better than none.
-    AppKitPanel lost{desktop};
-    mac.answer("CopyManagedDisplaySpaces", {});
-    PanelPlace{server, lost, SpaceID{1}}.orderFront();
-    EXPECT_TRUE(lost.isIn);
 }
 
 TEST_F(MacRulesTest, aPanelHasOneTraitOfEachKindThatTheSystemKnows)

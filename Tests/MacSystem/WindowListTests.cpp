@@ -21,23 +21,6 @@ struct MacWindowListTest : MacFixture {
 
 }
 
-TEST_F(MacWindowListTest, anEntryIsReadWhateverKindOfNumbersItHas)
-{
-    answerWindows({dictionary({{"kCGWindowNumber", number(-1)}, {"kCGWindowOwnerPID", number(501)},
-        {"kCGWindowLayer", real(3)}, {"kCGWindowAlpha", number(1)},
-        {"kCGWindowBounds", rectangle(-1440, 25.5, 800, 600)},
-        {"kCGWindowOwnerName", text("Écran 😀")}, {"kCGWindowName", text("")}})});
-
-    const CGWindowInfo expected{.windowNumber = WindowID{0xFFFFFFFF},
-        .ownerPID = ProcessID{501},
-        .layer = 3,
-        .bounds = Rect{-1440, 25.5, 800, 600},
-        .alpha = 1,
-        .ownerName = "Écran 😀",
-        .windowName = ""};
-    EXPECT_EQ(onlyWindow(), expected);
-}
-
 // Faults: a value of the wrong type, or half of a number that does not fit, is believed; what is no
 // dictionary is a window; half of a surrogate pair loses the title.
 TEST_F(MacWindowListTest, whatIsMissingOrWrongIsAbsent)

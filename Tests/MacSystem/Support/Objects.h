@@ -9,6 +9,8 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
+#include "Tests/MacSystem/Support/LeakCheck.h"
+
 namespace quorvel::test {
 
 enum class TypeID : CFTypeID {
@@ -62,16 +64,6 @@ private:
     std::vector<std::unique_ptr<Object>> m_constants; ///< strings and truth values of the system
     std::vector<std::string> m_faults;
     int m_pools = 0;
-};
-
-/// Fails the test that leaks an object, releases one too often or uses one after its release.
-/// Declared first in a fixture, so that it dies last.
-class LeakCheck {
-public:
-    LeakCheck() = default;
-    ~LeakCheck();
-    LeakCheck(const LeakCheck&) = delete;
-    LeakCheck& operator=(const LeakCheck&) = delete;
 };
 
 /// Gives the first reference away, like a call with Create or Copy in its name.

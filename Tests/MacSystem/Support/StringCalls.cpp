@@ -23,8 +23,8 @@ constexpr bool isLowSurrogate(char16_t unit)
 }
 
 /// The letters of this system serve for those of the other.
-struct Letters final : xdg::UnicodeText {
-    Letters() : UnicodeText("en") { }
+struct EnglishLetters final : xdg::UnicodeText {
+    EnglishLetters() : UnicodeText("en") { }
     Size measure(std::string_view, const TextStyle&) const override { return {}; }
     LineLayout lineLayout(std::string_view, const TextStyle&) const override { return {}; }
 };
@@ -162,7 +162,7 @@ CFRange CFStringGetRangeOfComposedCharactersAtIndex(CFStringRef string, CFIndex 
     const auto whole = utf8(string);
     CFIndex start = 0;
     std::size_t byte = 0;
-    for (const auto end : Letters{}.characterEnds(whole)) {
+    for (const auto end : EnglishLetters{}.characterEnds(whole)) {
         const auto units = decode(whole.substr(byte, end - byte)).value().size();
         const auto next = start + static_cast<CFIndex>(units);
         if (index < next)
@@ -180,7 +180,7 @@ CFIndex CFStringCompareWithOptionsAndLocale(CFStringRef first, CFStringRef secon
     if (flags != (kCFCompareCaseInsensitive | kCFCompareLocalized)
         || range.length != CFStringGetLength(first))
         Heap::shared().note("names were compared in another way than users expect");
-    const auto order = Letters{}.compare(utf8(first), utf8(second));
+    const auto order = EnglishLetters{}.compare(utf8(first), utf8(second));
     return order < 0 ? -1 : order > 0 ? 1 : 0;
 }
 
@@ -197,7 +197,7 @@ void CFStringFold(CFMutableStringRef string, CFStringCompareFlags flags, CFLocal
         != (kCFCompareCaseInsensitive | kCFCompareDiacriticInsensitive
             | kCFCompareWidthInsensitive))
         Heap::shared().note("text was folded in part");
-    set(string, Letters{}.fold(utf8(string)));
+    set(string, EnglishLetters{}.fold(utf8(string)));
 }
 
 void CFStringLowercase(CFMutableStringRef, CFLocaleRef locale)

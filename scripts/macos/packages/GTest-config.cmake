@@ -1,0 +1,18 @@
+# GoogleTest from the folder of its sources, QUORVEL_GOOGLETEST, without warnings of ours.
+if(NOT TARGET GTest::gtest)
+  set(sources ${QUORVEL_GOOGLETEST}/googletest ${QUORVEL_GOOGLETEST}/googlemock)
+  foreach(name gtest gtest_main)
+    add_library(quorvel_${name} STATIC)
+    target_compile_options(quorvel_${name} PRIVATE -w)
+    foreach(source ${sources})
+      target_include_directories(quorvel_${name} SYSTEM PUBLIC ${source}/include PRIVATE ${source})
+    endforeach()
+  endforeach()
+  target_sources(quorvel_gtest PRIVATE ${QUORVEL_GOOGLETEST}/googletest/src/gtest-all.cc
+    ${QUORVEL_GOOGLETEST}/googlemock/src/gmock-all.cc)
+  target_sources(quorvel_gtest_main PRIVATE ${QUORVEL_GOOGLETEST}/googlemock/src/gmock_main.cc)
+  target_link_libraries(quorvel_gtest_main PUBLIC quorvel_gtest)
+  add_library(GTest::gtest ALIAS quorvel_gtest)
+  add_library(GTest::gmock ALIAS quorvel_gtest)
+  add_library(GTest::gtest_main ALIAS quorvel_gtest_main)
+endif()
