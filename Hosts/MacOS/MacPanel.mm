@@ -1,6 +1,7 @@
 #include "Hosts/MacOS/MacPanel.h"
 
 #include "Hosts/MacOS/Conversions.h"
+#include "Hosts/MacOS/Focus.h"
 #include "Hosts/MacOS/KeyEvents.h"
 #include "Hosts/MacOS/Rules/KeyRoute.h"
 #include "Hosts/MacOS/Rules/PanelTraits.h"
@@ -250,6 +251,8 @@ void MacPanel::orderOut()
 {
     [m_view losePointer];
     m_place.orderOut();
+    if (m_kind == PanelKind::window)
+        handBackFocus();
 }
 
 void MacPanel::activeSpaceDidChange()

@@ -1,6 +1,7 @@
 #include "Hosts/MacOS/MacSettingsWindow.h"
 
 #include "Hosts/MacOS/Conversions.h"
+#include "Hosts/MacOS/Focus.h"
 #include "Hosts/MacOS/Rules/SettingsControls.h"
 #include "Hosts/MacOS/StandardKeys.h"
 #include "Quorvel/Platform/Translation.h"
@@ -17,6 +18,12 @@
     [super resignKeyWindow];
     if (self.onLeave)
         self.onLeave();
+}
+
+- (void)close
+{
+    [super close];
+    quorvel::handBackFocus();
 }
 
 - (BOOL)performKeyEquivalent:(NSEvent*)event

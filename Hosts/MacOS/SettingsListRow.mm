@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "Hosts/MacOS/Conversions.h"
+#include "Hosts/MacOS/KeyEvents.h"
 #include "Hosts/MacOS/Rules/SettingsControls.h"
 #include "Hosts/MacOS/SettingsRowView.h"
 #include "Quorvel/Platform/Translation.h"
@@ -80,6 +81,22 @@ NSPasteboardType const kRowType = @"com.quorvel.settings-row";
 
 @end
 
+/// Keys move and remove what is selected, as the pointer and the button do.
+@interface QVSettingsTableView : NSTableView
+@property (nonatomic, copy) BOOL (^onKey)(quorvel::ListKey);
+@end
+
+@implementation QVSettingsTableView
+
+- (void)keyDown:(NSEvent*)event
+{
+    const auto key = quorvel::listKeyOf(quorvel::keyEventOf(event));
+    if (!key || !self.onKey || !self.onKey(*key))
+        [super keyDown:event];
+}
+
+@end
+
 namespace quorvel {
 
 namespace {
@@ -95,8 +112,9 @@ public:
         [m_table addTableColumn:[[NSTableColumn alloc] initWithIdentifier:@"item"]];
         [m_table registerForDraggedTypes:@[ kRowType ]];
         m_source.list = &m_list;
-        m_source.onMove = ^(NSInteger from, NSInteger before) { move(from, before); };
+        m_source.onMove = ^(NSInteger from, NSInteger before) { drop(from, before); };
         m_source.onSelect = ^{ update(); };
+        m_table.onKey = ^BOOL(ListKey key) { return act(key); };
         NSScrollView* scroll = [[NSScrollView alloc] initWithFrame:NSZeroRect];
         scroll.documentView = m_table;
         scroll.hasVerticalScroller = YES;
@@ -110,6 +128,7 @@ public:
     }
     ~ListRow() override
     {
+        m_table.onKey = nil;
         m_source.list = nullptr;
         m_source.onMove = nil;
         m_source.onSelect = nil;
@@ -147,11 +166,32 @@ private:
         [m_table selectRowIndexes:[NSIndexSet indexSetWithIndex:place] byExtendingSelection:NO];
     }
     void update() { m_remove.enabled = item(m_table.selectedRow) != nullptr; }
-    void move(NSInteger from, NSInteger before)
+    void drop(NSInteger from, NSInteger before)
     {
-        if (const auto* moved = item(from))
-            m_onChange({SettingsChange::Move{m_id, moved->id,
-                placeAfterDrop(static_cast<std::size_t>(from), static_cast<std::size_t>(before))}});
+        if (item(from))
+            move(static_cast<std::size_t>(from),
+                placeAfterDrop(static_cast<std::size_t>(from), static_cast<std::size_t>(before)));
+    }
+    void move(std::size_t from, std::size_t to)
+    {
+        m_onChange({SettingsChange::Move{m_id, m_list.items[from].id, to}});
+    }
+    /// False for what cannot be done here.
+    bool act(ListKey key)
+    {
+        if (!item(m_table.selectedRow))
+            return false;
+        if (key == ListKey::remove) {
+            if (m_list.isRemovable)
+                remove();
+            return m_list.isRemovable;
+        }
+        const auto from = static_cast<std::size_t>(m_table.selectedRow);
+        const auto to = placeAfterKey(key, from, m_list.items.size());
+        if (!m_list.isMovable || !to)
+            return false;
+        move(from, *to);
+        return true;
     }
     void remove()
     {
@@ -163,7 +203,7 @@ private:
     std::string m_id;
     SettingsList m_list;
     QVSettingsTable* m_source = [[QVSettingsTable alloc] init];
-    NSTableView* m_table = [[NSTableView alloc] initWithFrame:NSZeroRect];
+    QVSettingsTableView* m_table = [[QVSettingsTableView alloc] initWithFrame:NSZeroRect];
     NSButton* m_remove = [NSButton buttonWithTitle:shownText(tr("Remove")) target:nil action:nil];
     NSStackView* m_view;
     QVAction* m_action;

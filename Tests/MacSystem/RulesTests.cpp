@@ -209,7 +209,7 @@ TEST_F(MacRulesTest, keysReachTheFieldOrThePanelTheyAreFor)
 }
 
 // Faults: controls made anew under the user's pointer for each change of a value; a row that shows
-// another's; something dropped one place too far.
+// another's; something dropped or moved one place too far; a key that is held empties a list.
 TEST_F(MacRulesTest, controlsOfTheSettingsStayWhileTheirRowsAreTheSame)
 {
     SettingsRow row{.id = "a", .title = "A", .help = {}, .control = SettingsToggle{true}};
@@ -237,6 +237,15 @@ TEST_F(MacRulesTest, controlsOfTheSettingsStayWhileTheirRowsAreTheSame)
     EXPECT_EQ(placeAfterDrop(0, 2), 1U);
     EXPECT_EQ(placeAfterDrop(2, 0), 0U);
     EXPECT_EQ(placeAfterDrop(1, 1), 1U);
+    EXPECT_EQ(
+        listKeyOf({.keyCode = KeyCode::up, .modifiers = KeyModifier::option}), ListKey::moveUp);
+    EXPECT_EQ(listKeyOf({.keyCode = KeyCode::up}), std::nullopt) << "it selects";
+    EXPECT_EQ(listKeyOf({.keyCode = KeyCode::backspace}), ListKey::remove);
+    EXPECT_EQ(listKeyOf({.keyCode = KeyCode::backspace, .isRepeat = true}), std::nullopt);
+    EXPECT_EQ(placeAfterKey(ListKey::moveUp, 0, 2), std::nullopt);
+    EXPECT_EQ(placeAfterKey(ListKey::moveUp, 1, 2), 0U);
+    EXPECT_EQ(placeAfterKey(ListKey::moveDown, 0, 2), 1U);
+    EXPECT_EQ(placeAfterKey(ListKey::moveDown, 1, 2), std::nullopt);
     EXPECT_EQ(symbolNameOf("view-pin-symbolic"), "pin");
     EXPECT_EQ(symbolNameOf("unknown"), "");
 }

@@ -52,4 +52,30 @@ std::string_view symbolNameOf(std::string_view icon)
     return {};
 }
 
+std::optional<ListKey> listKeyOf(const KeyEvent& event)
+{
+    constexpr auto kModifiers
+        = KeyModifier::shift | KeyModifier::control | KeyModifier::option | KeyModifier::command;
+    const auto held = event.modifiers & kModifiers;
+    if (held == KeyModifier::option && event.keyCode == KeyCode::up)
+        return ListKey::moveUp;
+    if (held == KeyModifier::option && event.keyCode == KeyCode::down)
+        return ListKey::moveDown;
+    const bool deletes
+        = event.keyCode == KeyCode::backspace || event.keyCode == KeyCode::forwardDelete;
+    // A key that is held would empty the list.
+    if (held == 0 && deletes && !event.isRepeat)
+        return ListKey::remove;
+    return std::nullopt;
+}
+
+std::optional<std::size_t> placeAfterKey(ListKey key, std::size_t from, std::size_t count)
+{
+    if (key == ListKey::moveUp && from > 0 && from < count)
+        return from - 1;
+    if (key == ListKey::moveDown && from + 1 < count)
+        return from + 1;
+    return std::nullopt;
+}
+
 }

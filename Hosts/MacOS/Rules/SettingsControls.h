@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
+#include "Quorvel/Platform/KeyEvent.h"
 #include "Quorvel/Platform/SettingsDescription.h"
 
 namespace quorvel {
@@ -19,5 +21,15 @@ constexpr std::size_t placeAfterDrop(std::size_t from, std::size_t before)
 {
     return before > from ? before - 1 : before;
 }
+
+/// What a key does to the selected row of a list.
+enum class ListKey { moveUp, moveDown, remove };
+
+/// Absent: the key is the table's own.
+std::optional<ListKey> listKeyOf(const KeyEvent&);
+
+/// The place of the row that stands at `from` once the key has moved it; absent at the end of the
+/// list, and for a key that moves nothing.
+std::optional<std::size_t> placeAfterKey(ListKey, std::size_t from, std::size_t count);
 
 }
