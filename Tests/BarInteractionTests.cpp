@@ -225,10 +225,10 @@ TEST_F(BarInteractionTest, pinsStandBeforeTheChipsWhileTheirApplicationHasNoWind
 
     // It is not said to start any longer once its window is there, wherever that is.
     auto isStarting = [this](const std::string& id) {
-        auto said = content().accessibleViews();
-        return std::ranges::any_of(said, [&](View* view) {
-            return view->accessibleID() == "pin-" + id
-                && view->accessibleState().name.ends_with("starting");
+        auto said = content().accessibleChildren();
+        return std::ranges::any_of(said, [&](auto* element) {
+            return element->accessibleID() == "pin-" + id
+                && element->accessibleState().name.ends_with("starting");
         });
     };
     auto browser = content().pinFrames().back().second.centre();

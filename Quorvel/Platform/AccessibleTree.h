@@ -82,7 +82,7 @@ public:
     virtual Rect accessibleFrame() const = 0;
     virtual std::vector<AccessibleElement*> accessibleChildren() = 0;
     /// By index into the list of actions. False if there is no such action.
-    virtual bool performAccessibleAction(std::size_t) = 0;
+    virtual bool performAccessibleAction(std::size_t) { return false; }
     /// Gives it the keyboard, as if the user had moved there. False where it cannot have it.
     virtual bool takeAccessibleFocus() { return false; }
 

@@ -73,18 +73,17 @@ public:
     void setReducesMotion(bool);
     void setFrameInterval(Duration);
 
-    bool scrolled(const ScrollEvent&) override;
-
     /// As a screen reader says it.
     void setName(std::string name) { m_name = std::move(name); }
+    std::vector<AccessibleElement*> accessibleChildren() override;
+    bool scrolled(const ScrollEvent&) override;
+
+protected:
     bool isAccessible() const override { return true; }
     /// Whoever has the keyboard walks the rows.
     bool takesKeyboard() const override { return false; }
     std::string accessibleID() const override { return "list"; }
     AccessibleState accessibleState() const override;
-    std::vector<AccessibleElement*> accessibleChildren() override;
-
-protected:
     bool clipsChildren() const override { return true; }
     void layout() override;
 

@@ -53,17 +53,7 @@ public:
     /// Takes a key that was pressed while the keyboard was elsewhere in the window, if it types
     /// text, and the keyboard with it.
     bool takeTyping(const KeyEvent&);
-
-    bool takesPointer() const override { return true; }
-    void pointerPressed(const PointerPress&) override;
-    void dragged(const DragMove&) override;
-    void released(PointerButton, bool isInside) override;
-    void pressCancelled() override;
-    void setKeyFocused(bool) override;
-    bool keyPressed(const KeyEvent&) override;
     TextInputClient* textInput() override { return m_native ? nullptr : this; }
-    void showContextMenu() override;
-    void showContextMenuAt(Point) override;
 
     bool isAccessible() const override { return true; }
     bool isSystemControl() const override { return m_native != nullptr; }
@@ -75,6 +65,15 @@ public:
     std::size_t accessibleOffsetAt(Point) const override;
 
 private:
+    bool takesPointer() const override { return true; }
+    void pointerPressed(const PointerPress&) override;
+    void dragged(const DragMove&) override;
+    void released(PointerButton, bool isInside) override;
+    void pressCancelled() override;
+    void setKeyFocused(bool) override;
+    bool keyPressed(const KeyEvent&) override;
+    void showContextMenu() override;
+    void showContextMenuAt(Point) override;
     void paint(Canvas&) const override;
     void layout() override;
     void moved() override;

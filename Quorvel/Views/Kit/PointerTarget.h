@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+
+#include "Quorvel/Platform/Geometry.h"
+#include "Quorvel/Platform/PointerEvent.h"
+
+namespace quorvel {
+
+/// A button going down.
+struct PointerPress {
+    PointerButton button = PointerButton::primary;
+    Point pointer; ///< in the root view's coordinates
+    std::uint64_t modifiers = 0; ///< of `KeyModifier`
+};
+
+/// The pointer with a button down.
+struct DragMove {
+    Point translation; ///< from where the button went down
+    Point pointer; ///< in the root view's coordinates
+};
+
+/// What the pointer does to a view.
+///
+/// The pointer goes to the deepest view under it that `takesPointer()`. A press is followed by any
+/// number of `dragged` and then exactly one `released` or `pressCancelled` on the same view,
+/// wherever the pointer is by then. Main thread.
+class PointerTarget {
+public:
+    virtual ~PointerTarget() = default;
+
+    virtual bool takesPointer() const { return false; }
+    /// The pointer entered the view or a descendant of it.
+    virtual void pointerEntered() { }
+    virtual void pointerExited() { }
+    /// Never the secondary button, which opens the context menu.
+    virtual void pointerPressed(const PointerPress& press) { pressed(press.button); }
+    virtual void pressed(PointerButton) { }
+    virtual void dragged(const DragMove&) { }
+    virtual void released(PointerButton, bool /*isInside*/) { }
+    virtual void pressCancelled() { }
+    /// Whether the press has become a drag, which Escape cancels.
+    virtual bool isDragged() const { return false; }
+    /// Of a view under the pointer, the deepest first. True: it is used.
+    virtual bool scrolled(const ScrollEvent&) { return false; }
+};
+
+}
