@@ -1,29 +1,17 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "Quorvel/Platform/Identifiers.h"
+#include "Quorvel/Platform/Activation.h"
 #include "Quorvel/Platform/Image.h"
 #include "Quorvel/Platform/Published.h"
+#include "Quorvel/Platform/RunningApplications.h"
 
 namespace quorvel {
-
-enum class ActivationPolicy { regular = 0, accessory = 1, prohibited = 2 };
-
-struct RunningApplication {
-    ProcessID pid{};
-    std::optional<std::string> bundleIdentifier;
-    std::string localizedName;
-    ActivationPolicy activationPolicy = ActivationPolicy::prohibited;
-    bool isTerminated = false;
-
-    friend bool operator==(const RunningApplication&, const RunningApplication&) = default;
-};
 
 /// Where an application is stored: a bundle or a desktop file.
 struct ApplicationURL {
@@ -54,18 +42,10 @@ struct IconPicture {
     std::size_t bytes = 0; ///< of its pixels
 };
 
-/// Running and installed applications. Main thread, except where it says otherwise.
-class Workspace {
+/// Running and installed applications, as one service of the system. Code that needs only a part
+/// takes that part. Main thread, except where it says otherwise.
+class Workspace : public RunningApplications, public Activation {
 public:
-    virtual ~Workspace() = default;
-
-    /// The visitor must not call the platform: a lock may be held.
-    virtual void enumerateRunningApplications(
-        const std::function<void(const RunningApplication&)>& visitor) const = 0;
-    /// Absent once the process is gone.
-    virtual std::optional<RunningApplication> runningApplication(ProcessID) const = 0;
-    virtual std::optional<ProcessID> frontmostApplication() const = 0;
-
     virtual std::optional<ApplicationURL> applicationURL(
         std::string_view bundleIdentifier) const = 0;
     virtual Image icon(const ApplicationURL&) const = 0;
@@ -75,8 +55,6 @@ public:
     {
         return std::nullopt;
     }
-    /// The icon that the running process shows for itself.
-    virtual Image runningApplicationIcon(ProcessID) const = 0;
     virtual Image genericApplicationIcon() const = 0;
 
     /// Starts the application, or brings the running one to the front.
@@ -94,19 +72,7 @@ public:
     /// What the application itself offers as actions; empty where applications do not say.
     virtual std::vector<ApplicationAction> actions(const ApplicationURL&) const = 0;
     virtual void perform(const ApplicationAction&, const ApplicationURL&) = 0;
-    /// Asks the application to end; it may ask its user first.
-    virtual void requestTermination(ProcessID) = 0;
 
-    /// Whether this program is the active application.
-    virtual bool isSelfActive() const = 0;
-    virtual void activateSelf() = 0;
-    /// Yields activation to the process and asks it to take over; false where the system refuses.
-    virtual bool activateCooperatively(ProcessID) = 0;
-    virtual bool activateDirectly(ProcessID) = 0;
-
-    Signal<RunningApplication> didLaunch;
-    Signal<RunningApplication> didTerminate;
-    Signal<RunningApplication> didActivate;
     /// One of the calls above starts a program. `didLaunch` follows when it shows up, if it does.
     Signal<ApplicationLaunch> launchDidBegin;
     /// It could not be started, or ended at once because its program or a library is missing.
