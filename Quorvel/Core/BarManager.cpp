@@ -165,11 +165,13 @@ void BarManager::applyMetrics(const BarMetrics& metrics)
 
 // MARK: Panels
 
-void BarManager::syncPanels(const SpaceWindows::Answer& answer)
+void BarManager::syncPanels(const std::optional<SpaceWindows::Answer>& answer)
 {
-    placePanels(answer);
+    if (!answer)
+        return syncPanels(m_spaceWindows.ask());
+    placePanels(*answer);
     applyEdgeReservationsIfNeeded();
-    refreshNow(answer);
+    refreshNow(*answer);
     m_avoidanceManager.scheduleAdjustment(Duration::zero());
 }
 

@@ -51,9 +51,8 @@ public:
     const BarPanels::Mirrors& mirrorPanels() const { return m_panels.mirrorPanels(); }
 
     /// After spaces, screens or both have changed: makes a panel for each existing space, removes
-    /// the others, and refreshes the model.
-    void syncPanels() { syncPanels(m_spaceWindows.ask()); }
-    void syncPanels(const SpaceWindows::Answer&);
+    /// the others, and refreshes the model. Asks for the spaces if they are not given.
+    void syncPanels(const std::optional<SpaceWindows::Answer>& = {});
     /// The same, and once more when the list of spaces has caught up with the screens.
     void screensDidChange();
     /// Repositions every panel on its screen.

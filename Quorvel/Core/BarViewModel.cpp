@@ -82,8 +82,9 @@ void BarViewModel::refreshSoon()
         m_refresh = m_dispatch.main().after(Duration::zero(), [this] { refresh(); });
 }
 
-void BarViewModel::refresh(SpaceWindows::Answer answer)
+void BarViewModel::refresh(std::optional<SpaceWindows::Answer> given)
 {
+    auto answer = given ? std::move(*given) : m_spaceWindows.ask();
     m_refresh = {};
     ++m_debugEventSequence;
     // With a screen there is a space: no answer says nothing about the windows.
@@ -341,52 +342,16 @@ std::set<std::string> BarViewModel::bundleIDsWithWindows(SpaceID space) const
     return found == summaries.value().end() ? std::set<std::string>{} : found->second.bundleIDs;
 }
 
-bool BarViewModel::hasWindows(const std::string& bundleID) const
-{
-    return std::ranges::any_of(
-        summaries.value(), [&](auto& entry) { return entry.second.bundleIDs.contains(bundleID); });
-}
-
-const ChipData* BarViewModel::chip(SpaceID space, WindowID id) const
-{
-    auto chips = chipsBySpace.value().find(space);
-    if (chips == chipsBySpace.value().end())
-        return nullptr;
-    // They stand in the order of their numbers.
-    auto found = std::ranges::lower_bound(chips->second, id, {}, &ChipData::id);
-    return found == chips->second.end() || found->id != id ? nullptr : &*found;
-}
-
-std::vector<WindowID> BarViewModel::walkingOrder(SpaceID space, const GroupedChipData& group) const
-{
-    auto chips = chipsOf(space, group.windowIDs);
-    std::ranges::sort(chips, {}, [](auto* chip) { return std::pair{chip->isMinimized, chip->id}; });
-    std::vector<WindowID> order;
-    std::ranges::transform(chips, std::back_inserter(order), [](auto* chip) { return chip->id; });
-    return order;
-}
-
 WindowID BarViewModel::nextWindow(SpaceID space, const GroupedChipData& group)
 {
     auto focused = focusedWindowID.value();
     if (group.attentionWindow && group.attentionWindow != focused)
         return *group.attentionWindow;
-    auto chips = chipsOf(space, group.windowIDs);
+    auto chips = findChips(chipsBySpace.value(), space, group.windowIDs);
     if (!focused || std::ranges::find(chips, *focused, &ChipData::id) == chips.end())
         return group.windowIDs.front();
     std::ranges::sort(chips, {}, &ChipData::id);
     return m_walk.next(space, group.id, chips, *focused);
-}
-
-std::vector<const ChipData*> BarViewModel::chipsOf(
-    SpaceID space, const std::vector<WindowID>& ids) const
-{
-    std::vector<const ChipData*> chips;
-    for (auto id : ids) {
-        if (auto* found = chip(space, id))
-            chips.push_back(found);
-    }
-    return chips;
 }
 
 // MARK: Stored applications
@@ -456,10 +421,10 @@ std::optional<DisplayItem> BarViewModel::onScreen(
     if (group.windowIDs.empty())
         return std::nullopt;
     if (group.windowIDs.size() == 1) {
-        auto* only = chip(space, group.windowIDs.front());
+        auto* only = findChip(chipsBySpace.value(), space, group.windowIDs.front());
         return only ? std::optional<DisplayItem>{*only} : std::nullopt;
     }
-    summarize(group, chipsOf(space, group.windowIDs));
+    summarize(group, findChips(chipsBySpace.value(), space, group.windowIDs));
     return group;
 }
 

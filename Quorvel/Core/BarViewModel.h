@@ -10,6 +10,7 @@
 #include "Quorvel/Core/ApplicationIcons.h"
 #include "Quorvel/Core/ChipGroups.h"
 #include "Quorvel/Core/ChipOrder.h"
+#include "Quorvel/Core/ChipsBySpace.h"
 #include "Quorvel/Core/DisplayItem.h"
 #include "Quorvel/Core/GroupWalk.h"
 #include "Quorvel/Platform/Dispatch.h"
@@ -36,7 +37,6 @@ struct TrackedWindow;
 class BarViewModel {
 public:
     using ItemsBySpace = std::map<SpaceID, std::vector<DisplayItem>>;
-    using ChipsBySpace = std::map<SpaceID, std::vector<ChipData>>;
 
     /// What others than the space's own bars need to know of it.
     struct SpaceSummary {
@@ -69,9 +69,9 @@ public:
     /// its bars show. After everything is published.
     const Signal<>& barDidChange(SpaceID space) { return m_barDidChange[space]; }
 
-    /// Recomputes everything; chips and items that come out equal are kept.
-    void refresh() { refresh(m_spaceWindows.ask()); }
-    void refresh(SpaceWindows::Answer);
+    /// Recomputes everything; chips and items that come out equal are kept. Asks for the spaces if
+    /// they are not given.
+    void refresh(std::optional<SpaceWindows::Answer> = {});
 
     /// The items of a bar on one screen; without an index, or with one screen only, all of the
     /// space. A window that touches no screen is on the bar of the space's own display.
@@ -81,15 +81,6 @@ public:
     /// into a group stands for the group.
     void moveChip(const std::string& id, const std::optional<std::string>& before, SpaceID);
     std::set<std::string> bundleIDsWithWindows(SpaceID) const;
-
-    /// On any space.
-    bool hasWindows(const std::string& bundleID) const;
-
-    /// Null if the window has no chip there.
-    const ChipData* chip(SpaceID, WindowID) const;
-    /// The group's windows, those that are not minimised first, each part in the order of the
-    /// chips.
-    std::vector<WindowID> walkingOrder(SpaceID, const GroupedChipData&) const;
     /// Where a click on the group leads: to the window that asks for attention, else to the
     /// representative, or to the next window if one of them has the focus.
     WindowID nextWindow(SpaceID, const GroupedChipData&);
@@ -159,8 +150,6 @@ private:
 
     bool isOnDisplayOf(SpaceID, const Screen&, const std::vector<Screen>&) const;
     std::optional<DisplayItem> onScreen(SpaceID, const DisplayItem&, const ScreenFilter&) const;
-    /// Those that have chips, in the order given.
-    std::vector<const ChipData*> chipsOf(SpaceID, const std::vector<WindowID>&) const;
     bool isOnScreen(WindowID, const ScreenFilter&) const;
 
     /// From now on the window represents its group on every space it is on.

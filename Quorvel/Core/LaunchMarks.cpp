@@ -12,7 +12,7 @@ LaunchMarks::LaunchMarks(const BarViewModel& viewModel, const Workspace& workspa
     , m_main(main)
 {
     m_subscriptions.push_back(workspace.launchDidBegin.subscribe([this](auto& launch) {
-        if (launch.bundleIdentifier && !m_viewModel.hasWindows(*launch.bundleIdentifier))
+        if (launch.bundleIdentifier && !hasWindows(*launch.bundleIdentifier))
             mark(*launch.bundleIdentifier);
     }));
     m_subscriptions.push_back(workspace.launchDidFail.subscribe([this](auto& launch) {
@@ -26,6 +26,12 @@ LaunchMarks::LaunchMarks(const BarViewModel& viewModel, const Workspace& workspa
 bool LaunchMarks::contains(const std::string& bundleID) const
 {
     return std::ranges::find(m_launching.value(), bundleID) != m_launching.value().end();
+}
+
+bool LaunchMarks::hasWindows(const std::string& bundleID) const
+{
+    return std::ranges::any_of(m_viewModel.summaries.value(),
+        [&](auto& entry) { return entry.second.bundleIDs.contains(bundleID); });
 }
 
 void LaunchMarks::mark(const std::string& bundleID)
@@ -48,7 +54,7 @@ void LaunchMarks::unmark(const std::string& bundleID)
 void LaunchMarks::unmarkThoseWithWindows()
 {
     for (auto& bundleID : std::vector{m_launching.value()}) {
-        if (m_viewModel.hasWindows(bundleID))
+        if (hasWindows(bundleID))
             unmark(bundleID);
     }
 }

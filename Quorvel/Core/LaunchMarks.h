@@ -28,6 +28,8 @@ public:
     bool contains(const std::string& bundleID) const;
 
 private:
+    /// On any space.
+    bool hasWindows(const std::string& bundleID) const;
     void mark(const std::string& bundleID);
     void unmark(const std::string& bundleID);
     void unmarkThoseWithWindows();

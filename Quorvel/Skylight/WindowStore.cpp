@@ -369,9 +369,11 @@ void WindowStore::removeWindows(ProcessID pid)
         notifyChange();
 }
 
-void WindowStore::refreshSpaces(const WindowScanner::SpacesMoment& moment)
+void WindowStore::refreshSpaces(const std::optional<WindowScanner::SpacesMoment>& moment)
 {
-    auto& map = moment.windows;
+    if (!moment)
+        return refreshSpaces(m_scanner.lookAtSpaces());
+    auto& map = moment->windows;
     bool hasChanged = false;
     for (auto& [id, window] : m_windows) {
         auto spaces = spacesNow(window, map.spaces(id), map.unlistedSpaces());
@@ -404,10 +406,10 @@ void WindowStore::resyncMinimizedWindows()
         notifyChange();
 }
 
-int WindowStore::discoverNewWindowsForTrackedPIDs(WindowScanner::SpacesMoment spaces)
+int WindowStore::discoverNewWindowsForTrackedPIDs(std::optional<WindowScanner::SpacesMoment> spaces)
 {
     AXCalls::Scan hungOnlyOnce(m_scanner.calls());
-    auto moment = m_scanner.lookAtAll(std::move(spaces));
+    auto moment = spaces ? m_scanner.lookAtAll(std::move(*spaces)) : m_scanner.lookAtAll();
     auto pids = trackedPIDs();
     for (auto& [pid, windows] : moment.windowsByOwner)
         pids.insert(pid);

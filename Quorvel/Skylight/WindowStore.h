@@ -70,21 +70,17 @@ public:
     int addWindowsForPID(ProcessID);
     /// The process has ended.
     void removeWindows(ProcessID);
-    /// For the two calls below, so that one change of space reads the spaces once.
+    /// For the two calls below, so that one change of space reads the spaces once. Without it, they
+    /// read them themselves.
     WindowScanner::SpacesMoment lookAtSpaces(const SpaceWindows::Answer& answer) const
     {
         return m_scanner.lookAtSpaces(answer);
     }
-    void refreshSpaces(const WindowScanner::SpacesMoment&);
-    void refreshSpaces() { refreshSpaces(m_scanner.lookAtSpaces()); }
+    void refreshSpaces(const std::optional<WindowScanner::SpacesMoment>& = {});
     void resyncMinimizedWindows();
     /// Looks at all applications that have windows: if all of an application's windows were on
     /// other spaces, this may be its first sighting.
-    int discoverNewWindowsForTrackedPIDs(WindowScanner::SpacesMoment);
-    int discoverNewWindowsForTrackedPIDs()
-    {
-        return discoverNewWindowsForTrackedPIDs(m_scanner.lookAtSpaces());
-    }
+    int discoverNewWindowsForTrackedPIDs(std::optional<WindowScanner::SpacesMoment> = {});
     void handleAXEvent(const AXWindowEvent&);
 
     // The schedule.

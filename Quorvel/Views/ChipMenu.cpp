@@ -127,10 +127,9 @@ Menu groupMenu(const GroupedChipData& group, const ChipMenuContext& context)
 {
     auto& model = context.viewModel;
     Menu menu;
-    for (auto id : model.walkingOrder(context.spaceID, group)) {
-        auto* chip = model.chip(context.spaceID, id);
-        if (!chip)
-            continue;
+    auto& chips = model.chipsBySpace.value();
+    for (auto id : walkingOrder(chips, context.spaceID, group)) {
+        auto* chip = findChip(chips, context.spaceID, id);
         auto title = entryTitle(*chip);
         if (chip->wantsAttention)
             title += "  \u2022";

@@ -30,7 +30,7 @@ HoverTarget ChipPopups::target(const DisplayItem& item) const
 {
     if (auto* group = std::get_if<GroupedChipData>(&item))
         return {HoverTarget::Kind::group, group->id,
-            m_inputs.viewModel.walkingOrder(m_inputs.spaceID, *group)};
+            walkingOrder(m_inputs.viewModel.chipsBySpace.value(), m_inputs.spaceID, *group)};
     return {HoverTarget::Kind::single, displayItemID(item), {std::get<ChipData>(item).id}};
 }
 
@@ -48,7 +48,7 @@ std::optional<ChipPopups::Contents> ChipPopups::contents(const std::string& chip
         return {};
     Contents contents{.windows = {}, .chip = *frame};
     for (auto id : target(*item).windows) {
-        if (auto* chip = m_inputs.viewModel.chip(m_inputs.spaceID, id))
+        if (auto* chip = findChip(m_inputs.viewModel.chipsBySpace.value(), m_inputs.spaceID, id))
             contents.windows.push_back(*chip);
     }
     return contents;
