@@ -68,16 +68,16 @@ BarContentView::~BarContentView() = default;
 
 void BarContentView::connectButtons()
 {
-    m_menuButton->onPressed = [this] { return onMenuPressed && onMenuPressed(); };
+    m_menuButton->onPressed = [this] { return m_inputs.onMenuPressed && m_inputs.onMenuPressed(); };
     m_menuButton->onTapped = [this] {
-        if (onMenuTapped)
-            onMenuTapped();
+        if (m_inputs.onMenuTapped)
+            m_inputs.onMenuTapped();
     };
     m_menuButton->onSecondaryTapped = [this] { showBarMenu(m_menuButton->frameInRoot()); };
     m_showDesktopButton->onTapped = [this] { triggerShowDesktop(); };
     m_spaceSwitcher->onSpaceSwitchRequested = [this](SpaceID space) {
-        if (onSpaceSwitchRequested)
-            onSpaceSwitchRequested(space);
+        if (m_inputs.onSpaceSwitchRequested)
+            m_inputs.onSpaceSwitchRequested(space);
     };
     m_spaceSwitcher->onListRequested = [this] { showSpaceList(); };
 }
@@ -96,8 +96,8 @@ ChipPopups::Inputs BarContentView::popupInputs()
 void BarContentView::connectPopups()
 {
     m_popups.onWillShow = [this] {
-        if (onThumbnailWillShow)
-            onThumbnailWillShow();
+        if (m_inputs.onThumbnailWillShow)
+            m_inputs.onThumbnailWillShow();
     };
     m_popups.onWindowChosen = [this](WindowID id) { activateWindowDeferred(id); };
     m_popups.onWindowClosed = [this](WindowID id) {
@@ -173,30 +173,30 @@ void BarContentView::connectRow()
         if (onChipsAreaHoverChanged)
             onChipsAreaHoverChanged(isHovered);
     };
-    m_row->onChipClick
+    m_row->onChip.clicked
         = [this](const ChipView& chip, ChipView::Click click) { chipClicked(chip, click); };
-    m_row->onChipHover = [this](const ChipView& chip, bool isHovered) {
+    m_row->onChip.hovered = [this](const ChipView& chip, bool isHovered) {
         m_popups.chipHovered(chip.item(), isHovered);
     };
-    m_row->onChipFilesOver
+    m_row->onChip.filesOver
         = [this](const ChipView& chip, bool areOver) { filesOverChip(chip, areOver); };
-    m_row->onChipDragged
+    m_row->onChip.dragged
         = [this](const ChipView& chip, Point pointer) { chipDragged(chip, pointer); };
-    m_row->onChipDropped
+    m_row->onChip.dropped
         = [this](const ChipView& chip, Point pointer) { return chipDropped(chip, pointer); };
-    m_row->onChipDragEnded = [this] { m_spaceSwitcher->setDropTarget({}); };
-    m_row->onChipMoved = [this](const std::string& id, std::optional<std::string> before) {
+    m_row->onChip.dragEnded = [this] { m_spaceSwitcher->setDropTarget({}); };
+    m_row->onChip.moved = [this](const std::string& id, std::optional<std::string> before) {
         m_inputs.viewModel.moveChip(id, before, m_inputs.spaceID);
     };
-    m_row->onPinClick = [this](const PinView& pin) { pinTapped(pin.pin().bundleID); };
-    m_row->onPinMenu = [this](const PinView& pin) {
+    m_row->onPin.clicked = [this](const PinView& pin) { pinTapped(pin.pin().bundleID); };
+    m_row->onPin.menuRequested = [this](const PinView& pin) {
         openMenu(pinMenu(pin.pin().bundleID, menuContext()), pin.frameInRoot());
     };
-    m_row->onPinFiles = [this](const PinView& pin, std::vector<std::string> paths) {
+    m_row->onPin.filesDropped = [this](const PinView& pin, std::vector<std::string> paths) {
         if (auto url = m_inputs.platform.workspace.applicationURL(pin.pin().bundleID))
             m_inputs.platform.workspace.openFiles(paths, *url);
     };
-    m_row->onPinMoved = [this](const std::string& bundleID, const ReorderDrag& drag) {
+    m_row->onPin.moved = [this](const std::string& bundleID, const ReorderDrag& drag) {
         pinMoved(bundleID, drag);
     };
 }
@@ -446,7 +446,7 @@ void BarContentView::openMenu(Menu menu, const Rect& anchor)
 ChipMenuContext BarContentView::menuContext()
 {
     return {m_inputs.viewModel, m_inputs.pinStore, m_inputs.platform.workspace, m_inputs.spaceID,
-        m_spaceSwitcher->spaces(), onMoveWindowToSpaceRequested,
+        m_spaceSwitcher->spaces(), m_inputs.onMoveWindowToSpaceRequested,
         [weak = m_weak.reference()](const std::string& bundleID) {
             if (auto* view = weak.get())
                 view->pinTapped(bundleID);
@@ -462,7 +462,8 @@ void BarContentView::showBarMenu(const Rect& anchor)
                                    view->openActivityMonitor();
                            }};
     openMenu(
-        barMenu(m_inputs.platform.application, onSettingsRequested, std::move(monitor)), anchor);
+        barMenu(m_inputs.platform.application, m_inputs.onSettingsRequested, std::move(monitor)),
+        anchor);
 }
 
 void BarContentView::showSpaceList()
@@ -475,8 +476,8 @@ void BarContentView::showSpaceList()
         menu.push_back({std::move(title), true,
             [weak = m_weak.reference(), id = space.id] {
                 auto* view = weak.get();
-                if (view && view->onSpaceSwitchRequested)
-                    view->onSpaceSwitchRequested(id);
+                if (view && view->m_inputs.onSpaceSwitchRequested)
+                    view->m_inputs.onSpaceSwitchRequested(id);
             },
             space.isCurrent, {}, MenuItemKind::choice});
     }
@@ -499,10 +500,10 @@ bool BarContentView::chipDropped(const ChipView& chip, Point pointer)
     auto* cell = m_spaceSwitcher->spaceAt(pointer);
     if (!cell)
         return false;
-    if (cell->isCurrent || cell->isFullscreen || !onMoveWindowToSpaceRequested)
+    if (cell->isCurrent || cell->isFullscreen || !m_inputs.onMoveWindowToSpaceRequested)
         return true;
     auto* group = std::get_if<GroupedChipData>(&chip.item());
-    onMoveWindowToSpaceRequested(
+    m_inputs.onMoveWindowToSpaceRequested(
         group ? group->windowIDs : std::vector{std::get<ChipData>(chip.item()).id}, cell->id);
     return true;
 }

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "Quorvel/Core/Bar.h"
-#include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Views/ChipPopups.h"
@@ -20,34 +19,23 @@ namespace quorvel {
 class BarBackground;
 class BarNote;
 class ChipsRow;
-class LaunchMarks;
 class MenuButton;
-class PinStore;
 class PinView;
 class ReorderDrag;
 class ShowDesktopButton;
 class SpaceSwitcher;
-class ThumbnailService;
-class UserSettings;
 struct ChipMenuContext;
 
 /// The content of one bar: menu button, pins and chips of its space, space switcher, show-desktop
 /// button; and the effects of hovering, clicking and dragging on them. Main thread.
 class BarContentView final : public View {
 public:
-    struct Inputs {
-        BarViewModel& viewModel;
-        PinStore& pinStore;
-        const LaunchMarks& launchMarks;
-        UserSettings& settings;
-        ThumbnailService& thumbnailService;
+    /// What it refers to outlives the view.
+    struct Inputs : BarContents {
         const Platform& platform;
         PanelSurface& surface;
         SpaceID spaceID{};
         DisplayNumber display{};
-        /// Absent while one bar stands for every screen.
-        std::optional<std::size_t> screenIndex;
-        BarMetrics metrics;
     };
 
     /// How long files must rest on a chip before its window comes to the front.
@@ -59,17 +47,7 @@ public:
     /// A bar that is not seen only notes what changes, and catches up when it is shown again.
     void setShown(bool);
 
-    /// The menu button goes down. True: the press means nothing more.
-    std::function<bool()> onMenuPressed;
-    std::function<void()> onMenuTapped;
-    /// Empty: the settings are not offered.
-    std::function<void()> onSettingsRequested;
-    std::function<void(SpaceID)> onSpaceSwitchRequested;
-    /// The windows of a group move together.
-    std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpaceRequested;
     std::function<void(bool isHovered)> onChipsAreaHoverChanged;
-    /// Just before a popup is shown.
-    std::function<void()> onThumbnailWillShow;
     /// Opens a menu beside a rectangle (points of the bar, origin top left).
     std::function<void(Menu, const Rect&, std::function<void(MenuEnding)> onClosed)>
         onMenuRequested;
@@ -102,20 +80,20 @@ public:
     /// While the keyboard walks the bar, keys with numbers use its items; with Shift they ask
     /// for another window.
     void setShowsNumbers(bool);
-    bool keyPressed(const KeyEvent&) override;
-    View* preferredKeyView() override;
     bool isRightToLeft() const;
-
-    bool takesPointer() const override { return true; }
-    void showContextMenu() override;
-    std::string accessibleID() const override { return "bar"; }
-    AccessibleState accessibleState() const override;
 
 private:
     /// What it shows, each from something of its own; in the order of catching up.
     enum class Part { appearance, settings, layout, spaces, pins, items };
 
+    bool takesPointer() const override { return true; }
+    bool keyPressed(const KeyEvent&) override;
+    View* preferredKeyView() override;
+    void showContextMenu() override;
+    std::string accessibleID() const override { return "bar"; }
+    AccessibleState accessibleState() const override;
     void layout() override;
+
     void connectButtons();
     void connectRow();
     void connectPopups();

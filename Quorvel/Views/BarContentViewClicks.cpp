@@ -27,11 +27,6 @@ std::optional<std::size_t> numberOf(const KeyEvent& event)
     return static_cast<std::size_t>(key - NumberKeys::kKeyCodes.begin()) + 1;
 }
 
-std::string bundleIDOf(const DisplayItem& item)
-{
-    return std::visit([](auto& data) { return data.bundleIdentifier; }, item).value_or("");
-}
-
 }
 
 void BarContentView::onNextTurn(std::function<void(BarViewModel&)> action)
@@ -108,9 +103,7 @@ void BarContentView::useItem(std::size_t place, ItemUse use)
         return;
     if (use == ItemUse::click)
         return void(item->performAccessibleAction(0));
-    auto* pin = dynamic_cast<PinView*>(item);
-    auto bundleID = pin ? pin->pin().bundleID : bundleIDOf(static_cast<ChipView*>(item)->item());
-    if (!bundleID.empty())
+    if (auto bundleID = item->bundleID(); !bundleID.empty())
         openNewWindow(m_inputs.platform.workspace, bundleID);
 }
 

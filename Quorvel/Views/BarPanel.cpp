@@ -77,22 +77,8 @@ void BarPanel::updateNumbers()
 
 std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& contents)
 {
-    auto view = std::make_unique<BarContentView>(BarContentView::Inputs{
-        .viewModel = contents.viewModel,
-        .pinStore = contents.pinStore,
-        .launchMarks = contents.launchMarks,
-        .settings = contents.settings,
-        .thumbnailService = contents.thumbnailService,
-        .platform = m_platform,
-        .surface = *m_surface,
-        .spaceID = spaceID(),
-        .display = display(),
-        .screenIndex = contents.screenIndex,
-        .metrics = contents.metrics,
-    });
-    view->onMenuPressed = contents.onMenuPressed;
-    view->onMenuTapped = contents.onMenuTapped;
-    view->onSettingsRequested = contents.onSettingsRequested;
+    auto view = std::make_unique<BarContentView>(
+        BarContentView::Inputs{contents, m_platform, *m_surface, spaceID(), display()});
     view->onMenuRequested
         = [this](Menu menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed) {
               m_menus.popUp(*m_surface, std::move(menu), anchor, std::move(onClosed));
@@ -101,9 +87,6 @@ std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& con
         m_areChipsHovered = areHovered;
         updateKeying();
     };
-    view->onSpaceSwitchRequested = contents.onSpaceSwitchRequested;
-    view->onMoveWindowToSpaceRequested = contents.onMoveWindowToSpaceRequested;
-    view->onThumbnailWillShow = contents.onThumbnailWillShow;
     return view;
 }
 

@@ -72,6 +72,11 @@ double ChipView::leastTitledWidth() const
         + titleSize(metrics()) * ChipViewStyle::leastTitleWidth;
 }
 
+std::string ChipView::bundleID() const
+{
+    return std::visit([](auto& data) { return data.bundleIdentifier; }, m_item).value_or("");
+}
+
 void ChipView::setItem(const DisplayItem& item)
 {
     if (item == m_item)

@@ -118,16 +118,16 @@ ChipView& ChipsRow::makeChip(const std::string& id)
     chip.setRightToLeft(m_isRightToLeft);
     chip.setTitle(m_title);
     chip.onClick = [this](const ChipView& clicked, ChipView::Click click) {
-        if (onChipClick)
-            onChipClick(clicked, click);
+        if (onChip.clicked)
+            onChip.clicked(clicked, click);
     };
     chip.onHover = [this](const ChipView& hovered, bool isHovered) {
-        if (onChipHover && !m_drag)
-            onChipHover(hovered, isHovered);
+        if (onChip.hovered && !m_drag)
+            onChip.hovered(hovered, isHovered);
     };
     chip.onFilesOver = [this](const ChipView& target, bool areOver) {
-        if (onChipFilesOver)
-            onChipFilesOver(target, areOver);
+        if (onChip.filesOver)
+            onChip.filesOver(target, areOver);
     };
     chip.drag.onDrag = dragOf(chip, id, DragKind::chip);
     m_chips.emplace(id, &chip);
@@ -140,16 +140,16 @@ PinView& ChipsRow::makePin(const std::string& bundleID)
     auto& pin = addChild(std::make_unique<PinView>(m_palette, m_metrics));
     pin.setRightToLeft(m_isRightToLeft);
     pin.onTapped = [this, &pin] {
-        if (onPinClick)
-            onPinClick(pin);
+        if (onPin.clicked)
+            onPin.clicked(pin);
     };
     pin.onSecondaryTapped = [this, &pin] {
-        if (onPinMenu)
-            onPinMenu(pin);
+        if (onPin.menuRequested)
+            onPin.menuRequested(pin);
     };
     pin.onFilesDropped = [this](const PinView& target, std::vector<std::string> paths) {
-        if (onPinFiles)
-            onPinFiles(target, std::move(paths));
+        if (onPin.filesDropped)
+            onPin.filesDropped(target, std::move(paths));
     };
     pin.drag.onDrag = dragOf(pin, bundleID, DragKind::pin);
     m_pins.emplace(bundleID, &pin);
@@ -407,8 +407,8 @@ void ChipsRow::moveDrag(RowItem& lifted, const DragMove& move)
     lifted.invalidateLifted();
     place(lifted, m_shown[id], lifted.frame().width);
     lifted.invalidateLifted();
-    if (m_dragKind == DragKind::chip && onChipDragged)
-        onChipDragged(*m_chips.at(id), move.pointer);
+    if (m_dragKind == DragKind::chip && onChip.dragged)
+        onChip.dragged(*m_chips.at(id), move.pointer);
     scrollForDrag(lifted);
 }
 
@@ -441,16 +441,17 @@ void ChipsRow::endDrag(RowItem& lifted, DragPhase phase)
     m_scroll.raiseArrows();
     auto* chip = m_dragKind == DragKind::chip ? m_chips.at(drag.draggedID()) : nullptr;
     bool isDropped = phase == DragPhase::dropped;
-    if (isDropped && chip && onChipDropped && onChipDropped(*chip, m_dragMove.pointer))
+    if (isDropped && chip && onChip.dropped && onChip.dropped(*chip, m_dragMove.pointer))
         isDropped = false; // on something else
     if (isDropped && chip) {
         m_slots.arrange(drag.previewOrder());
-        if (onChipMoved)
-            onChipMoved(drag.draggedID(), drag.dropTargetID([this](auto& id) { return item(id); }));
+        if (onChip.moved)
+            onChip.moved(
+                drag.draggedID(), drag.dropTargetID([this](auto& id) { return item(id); }));
     } else if (isDropped) {
         m_pinOrder = drag.previewOrder();
-        if (onPinMoved)
-            onPinMoved(drag.draggedID(), drag);
+        if (onPin.moved)
+            onPin.moved(drag.draggedID(), drag);
     }
     if (chip)
         chipDragEnded(*chip);
@@ -465,11 +466,11 @@ void ChipsRow::endDrag(RowItem& lifted, DragPhase phase)
 
 void ChipsRow::chipDragEnded(const ChipView& chip)
 {
-    if (onChipDragEnded)
-        onChipDragEnded();
+    if (onChip.dragEnded)
+        onChip.dragEnded();
     // What the pointer left during the drag has not been told yet.
-    if (!chip.isHovered() && onChipHover)
-        onChipHover(chip, false);
+    if (!chip.isHovered() && onChip.hovered)
+        onChip.hovered(chip, false);
 }
 
 /// The dragged one is about to vanish.
@@ -484,8 +485,8 @@ void ChipsRow::abandonDrag()
     m_shown.clear();
     placeAll();
     m_scroll.raiseArrows();
-    if (wasChip && onChipDragEnded)
-        onChipDragEnded();
+    if (wasChip && onChip.dragEnded)
+        onChip.dragEnded();
 }
 
 void ChipsRow::animateTo(std::map<std::string, double> targets, Duration length)

@@ -34,6 +34,25 @@ public:
     static constexpr Duration kMakeRoom = seconds(0.16);
     static constexpr Duration kFallIntoPlace = seconds(0.12);
 
+    struct ChipEvents {
+        std::function<void(const ChipView&, ChipView::Click)> clicked;
+        std::function<void(const ChipView&, bool isHovered)> hovered;
+        std::function<void(const ChipView&, bool areOver)> filesOver;
+        /// A drag began or moved; the pointer is in the root's coordinates.
+        std::function<void(const ChipView&, Point)> dragged;
+        /// Dropped there. True: it was dropped on something else, and its order stays.
+        std::function<bool(const ChipView&, Point)> dropped;
+        std::function<void()> dragEnded;
+        std::function<void(const std::string& id, std::optional<std::string> before)> moved;
+    };
+    struct PinEvents {
+        std::function<void(const PinView&)> clicked;
+        std::function<void(const PinView&)> menuRequested;
+        std::function<void(const PinView&, std::vector<std::string> paths)> filesDropped;
+        /// The identifiers in this drag are bundle identifiers.
+        std::function<void(const std::string& bundleID, const ReorderDrag&)> moved;
+    };
+
     /// All it is given outlives it; whoever changes the palette has all of it painted anew.
     ChipsRow(const Palette&, const BarMetrics&, const Text&, Dispatch&);
     ~ChipsRow() override;
@@ -45,8 +64,6 @@ public:
     void setFrameInterval(Duration);
     void setRightToLeft(bool);
 
-    void pointerEntered() override;
-    void pointerExited() override;
     /// By this many points towards the end of the row.
     void scrollBy(double distance, ScrollUnit unit) { m_scroll.scrollBy(distance, unit); }
     /// Pins and chips, from 0; null if there are fewer.
@@ -57,20 +74,8 @@ public:
     View* focusedChip() const;
 
     std::function<void(bool isHovered)> onHoverChanged;
-    std::function<void(const ChipView&, ChipView::Click)> onChipClick;
-    std::function<void(const ChipView&, bool isHovered)> onChipHover;
-    std::function<void(const ChipView&, bool areOver)> onChipFilesOver;
-    std::function<void(const PinView&)> onPinClick;
-    std::function<void(const PinView&)> onPinMenu;
-    std::function<void(const PinView&, std::vector<std::string> paths)> onPinFiles;
-    /// A drag of a chip began or moved; the pointer is in the root's coordinates.
-    std::function<void(const ChipView&, Point)> onChipDragged;
-    /// The chip was dropped there. True: it was dropped on something else, and its order stays.
-    std::function<bool(const ChipView&, Point)> onChipDropped;
-    std::function<void()> onChipDragEnded;
-    std::function<void(const std::string& id, std::optional<std::string> before)> onChipMoved;
-    /// The identifiers in this drag are bundle identifiers.
-    std::function<void(const std::string& bundleID, const ReorderDrag&)> onPinMoved;
+    ChipEvents onChip;
+    PinEvents onPin;
 
     /// By identifier, in row order; the visible part of each, empty where none is.
     std::vector<std::pair<std::string, Rect>> chipFrames() const;
@@ -79,6 +84,8 @@ public:
 private:
     enum class DragKind { chip, pin };
 
+    void pointerEntered() override;
+    void pointerExited() override;
     void layout() override;
     bool clipsChildren() const override { return true; }
     Rect paintFrame() const override;

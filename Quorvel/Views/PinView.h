@@ -23,6 +23,7 @@ public:
     PinView(const Palette& palette, const BarMetrics& metrics) : RowItem(palette, metrics) { }
 
     const PinData& pin() const { return m_pin; }
+    std::string bundleID() const override { return m_pin.bundleID; }
     void setPin(const PinData& pin) { set(m_pin, pin); }
     void setLaunching(bool isLaunching) { set(m_pin.isLaunching, isLaunching); }
 

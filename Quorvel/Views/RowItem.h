@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Views/Kit/ButtonView.h"
 #include "Quorvel/Views/Kit/DragSource.h"
@@ -15,6 +17,9 @@ public:
     static constexpr double kLiftedScale = 1.05;
 
     DragSource drag;
+
+    /// Of its application; empty if it has none.
+    virtual std::string bundleID() const = 0;
 
     /// It follows the pointer along the bar, above the others; the bar's window ends a few points
     /// above it.
