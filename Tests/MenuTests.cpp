@@ -131,8 +131,7 @@ struct MenuTest : Test {
 }
 
 // Faults: a step onto what cannot be chosen; a submenu with no way in or back, or with the arrows
-// of the other direction; an action before the menu has gone, twice, or after Escape; a letter that
-// finds what it does not begin, always the first, or never the one with a space.
+// of the other direction; an action before the menu has gone, twice, or after Escape.
 TEST_F(MenuTest, isWalkedWithTheKeys)
 {
     for (bool isRightToLeft : {false, true}) {
@@ -172,7 +171,12 @@ TEST_F(MenuTest, isWalkedWithTheKeys)
     key(KeyCode::up);
     key(KeyCode::escape);
     EXPECT_THAT(logged(), ElementsAre("closed"));
+}
 
+// Faults: a letter that finds what it does not begin, always the first, or never the one with a
+// space.
+TEST_F(MenuTest, isSearchedByTyping)
+{
     open({item("Alpha"), item("Alto"), item("New Folder"), item("New Window")});
     type("a");
     EXPECT_EQ(highlighted(), "Alpha");

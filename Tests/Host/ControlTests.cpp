@@ -168,46 +168,63 @@ TEST_F(ControlChannelTest, silentAndBrokenClientsDisturbNobody)
     EXPECT_EQ(requests, 1);
 }
 
-// Faults: lines lost, joined or cut; a bar that waits for a program that does not read, or keeps
-// all that is meant for it; one that falls over a session that ends inside its own call.
-TEST_F(ControlChannelTest, aSessionCarriesLinesUntilOneEndGoesOrBreaksTheRules)
-{
-    auto bar = startBar();
-    ASSERT_TRUE(bar);
-    bar->setHandler([](auto&) { return ControlReply{5, "", ""}; });
-    EXPECT_EQ(ask({"--settings-session"})->exitStatus, 5) << "while nobody takes sessions";
+/// A bar that takes one session and writes down what it hears.
+class ControlSessionTest : public ControlChannelTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(bar);
+        bar->setHandler([](auto&) { return ControlReply{5, "", ""}; });
+        EXPECT_EQ(ask({"--settings-session"})->exitStatus, 5) << "while nobody takes sessions";
+        bar->setSessionHandler([this](std::unique_ptr<ControlSession> begun) {
+            isEnded = false;
+            session = std::move(begun);
+            session->onLine = [this](std::string_view line) { heardLine(line); };
+            session->onEnd = [this] {
+                isEnded = true;
+                session.reset();
+            };
+        });
+    }
+
+    void heardLine(std::string_view line)
+    {
+        heard.emplace_back(line);
+        if (line == "quit")
+            session.reset();
+        else if (line.starts_with("set"))
+            session->send("news");
+    }
+    UniqueFd begin(std::string_view more = "")
+    {
+        auto client = connectAsClient();
+        say(client, encodeRequest({"--settings-session"}).append(more));
+        EXPECT_TRUE(xdg::x11::eventually([&] { return session != nullptr; }));
+        return client;
+    }
+    static void say(const UniqueFd& client, std::string_view bytes)
+    {
+        send(client.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    }
+    bool hears(const std::vector<std::string>& lines)
+    {
+        return xdg::x11::eventually([&] { return heard == lines; });
+    }
+    bool ends()
+    {
+        return xdg::x11::eventually([&] { return isEnded; });
+    }
+
+    std::unique_ptr<ControlSocket> bar = startBar();
     std::unique_ptr<ControlSession> session;
     std::vector<std::string> heard;
     bool isEnded = false;
-    bar->setSessionHandler([&](std::unique_ptr<ControlSession> begun) {
-        isEnded = false;
-        session = std::move(begun);
-        session->onLine = [&](std::string_view line) {
-            heard.emplace_back(line);
-            if (line == "quit")
-                session.reset();
-            else if (line.starts_with("set"))
-                session->send("news");
-        };
-        session->onEnd = [&] {
-            isEnded = true;
-            session.reset();
-        };
-    });
-    auto begin = [&](std::string_view more = "") {
-        auto client = connectAsClient();
-        auto bytes = encodeRequest({"--settings-session"}).append(more);
-        EXPECT_EQ(send(client.get(), bytes.data(), bytes.size(), 0), ssize_t(bytes.size()));
-        EXPECT_TRUE(xdg::x11::eventually([&] { return session != nullptr; }));
-        return client;
-    };
-    auto say = [](const UniqueFd& client, std::string_view bytes) {
-        send(client.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
-    };
-    auto hears = [&](const std::vector<std::string>& lines) {
-        return xdg::x11::eventually([&] { return heard == lines; });
-    };
+};
 
+// Faults: lines lost, joined or cut; an answer that nobody takes any more, or the end of the
+// connection, eats the lines.
+TEST_F(ControlSessionTest, carriesLinesUntilOneEndGoes)
+{
     auto client = begin("a\n\nb"); // lines may come with the request
     EXPECT_TRUE(hears({"a", ""}));
     say(client, "c\nd\n");
@@ -219,20 +236,16 @@ TEST_F(ControlChannelTest, aSessionCarriesLinesUntilOneEndGoesOrBreaksTheRules)
     EXPECT_STREQ(bytes.data(), "one\ntwo\n");
     EXPECT_EQ(ask({"--state"})->exitStatus, 5) << "others are answered meanwhile";
     client = {};
-    EXPECT_TRUE(xdg::x11::eventually([&] { return isEnded; }));
+    EXPECT_TRUE(ends());
 
-    // Faults: an answer that nobody takes any more, or the end of the connection, eats the lines.
     for (bool isWithRequest : {false, true}) {
         heard.clear();
         isEnded = false;
         const std::string last = "set 1\nset 2\nset 3\n";
-        if (isWithRequest)
-            client = connectAsClient();
-        else
-            client = begin();
+        client = isWithRequest ? connectAsClient() : begin();
         say(client, isWithRequest ? encodeRequest({"--settings-session"}) + last : last);
         client = {};
-        EXPECT_TRUE(xdg::x11::eventually([&] { return isEnded; }));
+        EXPECT_TRUE(ends());
         EXPECT_EQ(heard, (std::vector<std::string>{"set 1", "set 2", "set 3"}));
     }
 
@@ -242,8 +255,13 @@ TEST_F(ControlChannelTest, aSessionCarriesLinesUntilOneEndGoesOrBreaksTheRules)
     EXPECT_TRUE(xdg::x11::eventually([&] { return !session; }));
     EXPECT_EQ(heard, std::vector<std::string>{"quit"});
     EXPECT_EQ(recv(client.get(), bytes.data(), 1, 0), 0) << "the other end hears of it";
+}
 
-    client = begin();
+// Faults: a bar that waits for a program that does not read, or keeps all that is meant for it; one
+// that falls over a session that ends inside its own call.
+TEST_F(ControlSessionTest, endsWithWhoeverBreaksTheRules)
+{
+    auto client = begin();
     for (std::string endless(kLongestRequest / 8, 'x'); session;) {
         say(client, endless);
         while (g_main_context_iteration(nullptr, false)) { }
@@ -255,7 +273,7 @@ TEST_F(ControlChannelTest, aSessionCarriesLinesUntilOneEndGoesOrBreaksTheRules)
     for (int i = 0; i < 8; ++i)
         session->send(large);
     EXPECT_TRUE(session) << "not within the call";
-    EXPECT_TRUE(xdg::x11::eventually([&] { return isEnded; }));
+    EXPECT_TRUE(ends());
 
     client = begin();
     session->send(large);

@@ -121,6 +121,7 @@ TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrThe
     Signal<> willTerminate;
     std::vector<std::string> log;
     const auto note = [&](std::string text) { return [&log, text] { log.push_back(text); }; };
+    const auto nothing = [] {};
     const auto make = [&](std::string name) {
         const auto closed = [&log, name](MenuEnding ending) {
             log.push_back(name + (ending == MenuEnding::chosen ? " chosen" : " closed"));
@@ -132,12 +133,11 @@ TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrThe
     OpenMenu menu{willTerminate};
     const auto first = make("1");
     menu.open(first, note("1 begins"));
-    first->run(
-        [&] {
-            first->choose(0);
-            return MenuEnding::chosen;
-        },
-        [] {});
+    const auto chooseFirst = [&] {
+        first->choose(0);
+        return MenuEnding::chosen;
+    };
+    first->run(chooseFirst, nothing);
     EXPECT_THAT(log, ElementsAre("1 begins"));
     desktop.drain();
     EXPECT_THAT(log, ElementsAre("1 begins", "1 chosen", "1 acts"));
@@ -146,10 +146,8 @@ TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrThe
     EXPECT_EQ(log.back(), "1 acts");
 
     log.clear();
-    const auto second = make("2");
-    const auto third = make("3");
-    const auto fourth = make("4");
-    menu.open(second, [] {});
+    const auto second = make("2"), third = make("3"), fourth = make("4");
+    menu.open(second, nothing);
     second->run(
         [&] {
             second->choose(0);
@@ -159,22 +157,20 @@ TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrThe
             return MenuEnding::chosen;
         },
         note("2 is told"));
-    third->run(
-        [&] {
-            log.emplace_back("3 is shown");
-            return MenuEnding::dismissed;
-        },
-        [] {});
+    const auto show = [&] {
+        log.emplace_back("3 is shown");
+        return MenuEnding::dismissed;
+    };
+    third->run(show, nothing);
     desktop.drain();
     EXPECT_THAT(log, ElementsAre("2 is told", "2 goes", "4 begins", "3 closed", "2 closed"));
 
     log.clear();
-    fourth->run(
-        [&] {
-            willTerminate.emit();
-            return MenuEnding::escaped;
-        },
-        note("4 is told"));
+    const auto endProgram = [&] {
+        willTerminate.emit();
+        return MenuEnding::escaped;
+    };
+    fourth->run(endProgram, note("4 is told"));
     const auto late = make("5");
     menu.open(late, note("5 begins"));
     desktop.drain();

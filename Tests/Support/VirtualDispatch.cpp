@@ -100,11 +100,10 @@ VirtualDispatch::VirtualDispatch()
 
 VirtualDispatch::~VirtualDispatch()
 {
-    while (!m_items.empty())
-        std::shared_ptr
-        {
-            m_items.begin()->second
-            } -> cancel();
+    while (!m_items.empty()) {
+        auto item = m_items.begin()->second; // it takes itself off the list
+        item->cancel();
+    }
 }
 
 Queue& VirtualDispatch::main()

@@ -192,18 +192,18 @@ TEST_F(SideBySideTest, everybodyMayAskWhileWindowsComeAndGoAndObserversStartAndS
     EXPECT_TRUE(host.runUntil([&] { return last.order('t'), events > 0; }));
 }
 
-TEST_F(SideBySideTest, windowsAreShortenedAndBadgesPolledWhileApplicationsComeAndGo)
-{
-    Host host;
-    auto& services = host.services;
-    Trace trace;
-    WindowStore store{host.dispatch, services.accessibility(), services.windowServer(),
-        services.displays(), services.workspace(), trace};
-    const SpaceWindows spaces{services.windowServer(), services.displays()};
-    // They end while applications are being asked.
-    std::optional<BadgeService> badges;
-    std::optional<WindowAvoidanceManager> avoidance;
-    const auto begin = [&] {
+namespace {
+
+/// Shortens windows and asks for badges, and begins anew while applications are being asked.
+struct Shorteners {
+    explicit Shorteners(Host& host_) : host(host_)
+    {
+        begin();
+        store.onChange = [this] { avoidance->scheduleAdjustment(Duration::zero()); };
+    }
+
+    void begin()
+    {
         badges.emplace(host.dispatch, services.launchServices(), trace);
         badges->start();
         avoidance.emplace(store, host.dispatch, services.accessibility(), services.windowServer(),
@@ -211,22 +211,12 @@ TEST_F(SideBySideTest, windowsAreShortenedAndBadgesPolledWhileApplicationsComeAn
             WindowAvoidanceManager::Bars{
                 [] { return std::set{SpaceID{1}}; },
                 [] { return std::vector<std::size_t>{}; },
-                [&] { return spaces.getSpaces(); },
+                [this] { return spaces.getSpaces(); },
             });
         avoidance->setBarHeight(36);
-    };
-    begin();
-    store.onChange = [&] { avoidance->scheduleAdjustment(Duration::zero()); };
-    auto launches
-        = services.workspace().didLaunch.subscribe([&](const RunningApplication& launched) {
-              store.addWindowsForPID(launched.pid);
-              store.startLifecycleMonitoring(launched.pid, seconds(0.1));
-          });
-    auto ends = services.workspace().didTerminate.subscribe(
-        [&](const RunningApplication& gone) { store.removeWindows(gone.pid); });
-
-    int turns = 0;
-    const auto turn = [&] {
+    }
+    void turn()
+    {
         if (++turns % 10 == 0) {
             for (auto pid : store.trackedPIDs())
                 store.startLifecycleMonitoring(pid, Duration::zero());
@@ -235,17 +225,44 @@ TEST_F(SideBySideTest, windowsAreShortenedAndBadgesPolledWhileApplicationsComeAn
             services.launchServices().answersMayHaveChanged.emit();
             badges->clearAttention("sample", {});
         }
-    };
+    }
+
+    Host& host;
+    xdg::x11::DesktopServices& services = host.services;
+    Trace trace;
+    WindowStore store{host.dispatch, services.accessibility(), services.windowServer(),
+        services.displays(), services.workspace(), trace};
+    const SpaceWindows spaces{services.windowServer(), services.displays()};
+    std::optional<BadgeService> badges;
+    std::optional<WindowAvoidanceManager> avoidance;
+    int turns = 0;
+};
+
+}
+
+TEST_F(SideBySideTest, windowsAreShortenedAndBadgesPolledWhileApplicationsComeAndGo)
+{
+    Host host;
+    Shorteners shorteners{host};
+    auto& store = shorteners.store;
+    auto& workspace = host.services.workspace();
+    auto launches = workspace.didLaunch.subscribe([&](const RunningApplication& launched) {
+        store.addWindowsForPID(launched.pid);
+        store.startLifecycleMonitoring(launched.pid, seconds(0.1));
+    });
+    auto ends = workspace.didTerminate.subscribe(
+        [&](const RunningApplication& gone) { store.removeWindows(gone.pid); });
+
     Crowd crowd{server, 9, {.windows = 5, .pause = 120'000, .height = kTall}};
     EXPECT_TRUE(host.runUntil([&] {
-        turn();
-        if (turns % 100 == 0)
-            begin();
-        return crowd.haveAllDied() && turns >= kFewestTurns;
+        shorteners.turn();
+        if (shorteners.turns % 100 == 0)
+            shorteners.begin();
+        return crowd.haveAllDied() && shorteners.turns >= kFewestTurns;
     }));
 
     // Nothing of it is left, and the next window is looked after as the first was.
-    EXPECT_TRUE(host.runUntil([&] { return turn(), store.windows().empty(); }));
+    EXPECT_TRUE(host.runUntil([&] { return shorteners.turn(), store.windows().empty(); }));
     ClientProcess last{server, [](Client& client, char) {
                            client.open({.title = "last",
                                .applicationClass = "Last",
@@ -255,13 +272,14 @@ TEST_F(SideBySideTest, windowsAreShortenedAndBadgesPolledWhileApplicationsComeAn
                        }};
     last.order('o');
     EXPECT_TRUE(host.runUntil([&] {
-        turn();
+        shorteners.turn();
         return std::ranges::any_of(store.windows(), [](const auto& entry) {
             return entry.second.frame.height > 250 && entry.second.frame.height < kTall;
         });
     }));
-    EXPECT_TRUE(host.runUntil(
-        [&] { return turn(), badges->attentionByBundleID().value().contains("last"); }));
+    EXPECT_TRUE(host.runUntil([&] {
+        return shorteners.turn(), shorteners.badges->attentionByBundleID().value().contains("last");
+    }));
 }
 
 }

@@ -148,8 +148,7 @@ TEST_P(ClicksUnderChurn, reachTheChipThatWasUnderThePointer)
         const auto wanted = chipAt(seen, x);
         if (wanted.empty())
             continue;
-        while (deeds.next())
-            continue;
+        while (deeds.next()) { }
 
         churnAtRandom(random() % 4);
         pointer.press(Button::primary);
@@ -160,8 +159,7 @@ TEST_P(ClicksUnderChurn, reachTheChipThatWasUnderThePointer)
         State after;
         const auto isDone = [&] {
             deed = deeds.next();
-            after = bar->state();
-            return deed || !hasChip(after, wanted);
+            return after = bar->state(), deed || !hasChip(after, wanted);
         };
         const auto tell = [&] {
             return "click " + std::to_string(click) + " at " + std::to_string(x) + " on " + wanted
