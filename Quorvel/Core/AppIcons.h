@@ -23,9 +23,9 @@ class AppIcons {
 public:
     /// Points on a side.
     static constexpr double kSide = 32;
-    /// For the pixels of all; those not used for the longest time go.
+    /// The limit for the pixels of all; the least recently used go first.
     static constexpr std::size_t kMostBytes = 2U << 20;
-    /// Of those asked for longer ago, nobody is waiting any more: they were scrolled past.
+    /// The newest requests; older ones were scrolled past, and nobody waits for them any more.
     static constexpr std::size_t kMostWanted = 64;
 
     AppIcons(Workspace&, Dispatch&);

@@ -21,7 +21,7 @@ class UserSettings;
 /// What a number key does with an item of the bar.
 enum class ItemUse { click, openNewWindow };
 
-/// What a bar shows, and whom it tells what its user wants. What is referred to outlives the bar.
+/// What a bar shows, and where it reports what its user wants. All it refers to outlives the bar.
 struct BarContents {
     BarViewModel& viewModel;
     PinStore& pinStore;
@@ -43,7 +43,7 @@ struct BarContents {
     std::function<void()> onThumbnailWillShow;
 };
 
-/// One bar on the screen as those see it who place it; the views draw it. Main thread.
+/// One bar on the screen, for the code that places it; the views draw it. Main thread.
 class Bar {
 public:
     /// The second is the place of its screen in the list of screens.
@@ -67,9 +67,9 @@ public:
 
     virtual PanelSurface& surface() = 0;
     virtual const PanelSurface& surface() const = 0;
-    /// For a switch of space, which follows the key panel, whatever is suppressed.
+    /// Whatever is suppressed: the system switches to the space of the key panel.
     virtual void setAllowBecomeKey(bool) = 0;
-    /// Else the panel may take the keyboard while the pointer is over it.
+    /// Unless suppressed, the panel may take the keyboard while the pointer is over it.
     virtual void setHoverKeyingSuppressed(bool) = 0;
     /// Replaces what is on the bar.
     virtual void fill(const BarContents&) = 0;

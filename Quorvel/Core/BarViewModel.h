@@ -38,7 +38,7 @@ class BarViewModel {
 public:
     using ItemsBySpace = std::map<SpaceID, std::vector<DisplayItem>>;
 
-    /// What others than the space's own bars need to know of it.
+    /// What is needed of a space elsewhere than on its own bars.
     struct SpaceSummary {
         int windowCount = 0;
         bool wantsAttention = false;
@@ -57,7 +57,7 @@ public:
     Published<ChipsBySpace> chipsBySpace;
     /// The same windows as the bar draws them: grouped, and in the user's order.
     Published<ItemsBySpace> displayItemsBySpace;
-    /// Of each space that has a chip. A title that changes changes nothing here.
+    /// Of each space that has a chip. Titles do not matter here.
     Published<Summaries> summaries;
     Published<std::vector<SpaceWindows::Info>> spaces;
     Published<SpaceID> activeSpaceID;
@@ -65,8 +65,8 @@ public:
 
     /// Windows are about to be minimised by the bar: the last chance to capture them.
     Signal<std::vector<WindowID>> willMinimizeWindows;
-    /// The space's chips, its items, or which screens its windows are on may be others now: what
-    /// its bars show. After everything is published.
+    /// What the bars of the space show may have changed: its chips, its items, or which screens
+    /// its windows are on. Emitted after everything is published.
     const Signal<>& barDidChange(SpaceID space) { return m_barDidChange[space]; }
 
     /// Recomputes everything; chips and items that come out equal are kept. Asks for the spaces if
@@ -130,7 +130,7 @@ private:
 
     using WindowsBySpace = std::map<SpaceID, std::vector<const TrackedWindow*>>;
 
-    /// Puts the spaces whose chips are others now into `changed`; so do the next ones.
+    /// Adds the spaces whose chips have changed to `changed`; so do the next ones.
     void updateChips(const WindowsBySpace&, std::set<SpaceID>& changed);
     bool updateChips(std::vector<ChipData>&, const std::vector<const TrackedWindow*>&);
     bool updateChip(ChipData&, const TrackedWindow&);

@@ -82,7 +82,7 @@ private:
     const UserSettings& m_settings;
     std::string m_fileURL;
     Preferences* m_dockDefaults; ///< null if they cannot be opened
-    bool m_hideDock; ///< the setting, as it was last heeded
+    bool m_hideDock; ///< the setting, as it was last applied
     std::unique_ptr<Queue> m_restarts;
     Subscription m_settingsDidChange;
 };

@@ -14,8 +14,8 @@ namespace quorvel {
 
 class UserSettings;
 
-/// The one shortcut that works in every program. It is what the settings say, however they came to
-/// say it; until the user records one there is none. Main thread.
+/// The one shortcut that works in every program. It follows the settings, whoever changes them;
+/// until the user records one there is none. Main thread.
 class HotkeyManager {
 public:
     enum class State {

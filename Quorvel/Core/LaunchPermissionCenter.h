@@ -11,7 +11,7 @@ class Accessibility;
 class ScreenCapture;
 class Workspace;
 
-/// The checks of the two permissions and the ways to them. Requests report nothing: their effect
+/// Checks the two permissions, and leads the user to them. Requests report nothing: their effect
 /// shows in the state, at once, later or never. Main thread.
 class LaunchPermissionCenter {
 public:

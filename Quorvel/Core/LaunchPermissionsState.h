@@ -2,7 +2,7 @@
 
 namespace quorvel {
 
-/// What the user has granted of what the bar cannot work without.
+/// Which of the permissions that the bar cannot work without have been granted.
 struct LaunchPermissionsState {
     bool accessibilityGranted = false;
     bool screenRecordingGranted = false;

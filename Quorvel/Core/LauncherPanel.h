@@ -16,7 +16,7 @@ enum class LauncherDismissal {
     other,
 };
 
-/// What the launcher shows, and whom it tells that it wants to close. What is referred to outlives
+/// What the launcher shows, and how it asks to be closed. Everything that this refers to outlives
 /// the panel.
 struct LauncherContents {
     AppLauncher& appLauncher;
@@ -26,7 +26,7 @@ struct LauncherContents {
     std::function<void(LauncherDismissal)> onDismiss;
 };
 
-/// The list of all applications as those see it who place it; the views draw it. It asks to be
+/// The list of all applications, for the code that places it; the views draw it. It asks to be
 /// closed when the user presses a button elsewhere, when it loses the keyboard, and once it has
 /// opened an application. Main thread.
 class LauncherPanel {

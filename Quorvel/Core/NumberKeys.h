@@ -30,7 +30,7 @@ public:
     static constexpr std::uint32_t kFirstID = 11;
     static constexpr std::uint32_t kFirstShiftedID = 21;
 
-    /// What is stored can be anything: with no modifiers that can lead, the host's own hold.
+    /// What is stored can be anything: without a usable modifier, the host's own apply.
     static std::uint32_t modifiersThatHold(
         const std::optional<std::uint32_t>& stored, const Hotkeys&);
 

@@ -8,7 +8,7 @@ namespace quorvel {
 
 class LaunchPermissionCenter;
 
-/// What is granted by now. Nobody tells a program that it was granted something, so it looks every
+/// What has been granted so far. Systems do not announce it to the program, so it looks every
 /// second. Main thread.
 class PermissionsGateModel {
 public:

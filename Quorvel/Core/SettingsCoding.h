@@ -11,7 +11,7 @@ namespace quorvel {
 
 // What the bar and a settings window in another process tell each other: JSON objects without a
 // line break. Texts that are empty are left out. What makes no sense decodes as absent; members
-// that this version does not know are passed over.
+// that this version does not know are ignored.
 
 /// The window is to come to the front.
 struct SettingsPresent {

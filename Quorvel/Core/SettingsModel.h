@@ -20,8 +20,8 @@ class PinStore;
 class UpdaterService;
 class UserSettings;
 
-/// Whom the settings window tells of, and through whom it changes what. What is null is not
-/// offered.
+/// The objects whose state the settings window shows and changes. Settings of one that is null are
+/// not offered.
 struct SettingsSubjects {
     UserSettings& settings;
     PinStore& pinStore;
@@ -34,7 +34,7 @@ struct SettingsSubjects {
     UpdaterService* updaterService = nullptr;
 };
 
-/// What the settings window shows, kept in step with everything it tells of, and what its changes
+/// What the settings window shows, kept in step with everything it describes, and what its changes
 /// do. Main thread.
 class SettingsModel final : public SettingsSource {
 public:
@@ -51,10 +51,10 @@ public:
     {
         return m_recorder.keyPressed(keyCode, modifierFlags);
     }
-    /// For as long as the answer is kept, the program's own shortcuts do not act, so that another
+    /// While the returned token is kept, the program's own shortcuts do not act, so that another
     /// process can record them.
     [[nodiscard]] Subscription holdShortcuts();
-    /// Looks at what changes without anybody's telling, such as the login item.
+    /// Reads anew what changes without notice, such as the login item.
     void refresh();
     /// The same for someone who begins to look; shortcuts that are taken may be free by now.
     void lookAgain();
@@ -62,7 +62,7 @@ public:
 private:
     SettingsFacts facts() const;
     std::optional<SettingsFacts::Keys> keys() const;
-    /// The reason if it is refused; empty if it holds.
+    /// The reason if it is refused; empty if it is applied.
     std::string perform(const SettingsChange::Set&);
     std::string perform(const SettingsChange::Press&);
     std::string perform(const SettingsChange::Move&);

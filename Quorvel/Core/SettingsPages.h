@@ -10,9 +10,9 @@
 
 namespace quorvel {
 
-/// The ids of the rows that are no field of the record.
+/// The ids of the rows that are not fields of the record.
 namespace SettingsRowID {
-inline constexpr const char* hotkey = "hotkey"; ///< of two fields
+inline constexpr const char* hotkey = "hotkey"; ///< made of two fields
 inline constexpr const char* pinsOnBar = "pinsOnBar";
 inline constexpr const char* pinsInLauncher = "pinsInLauncher";
 inline constexpr const char* restoreDock = "restoreDock";
@@ -22,7 +22,7 @@ inline constexpr const char* settingsFile = "settingsFile";
 inline constexpr const char* reset = "reset";
 }
 
-/// What the settings window tells of, as it is now.
+/// Everything that the settings window describes, as it is now.
 struct SettingsFacts {
     struct Keys {
         SettingsShortcut hotkey;
@@ -30,9 +30,9 @@ struct SettingsFacts {
         std::string numberKeysTaken; ///< which of them do not work; empty: all do
     };
 
-    UserSettingsData data; ///< with the values that hold
+    UserSettingsData data; ///< with the values in effect
     UserSettingsData defaults;
-    const std::vector<AppInfo>& applications; ///< to call pins by their names
+    const std::vector<AppInfo>& applications; ///< for the names of pins
     LoginItem::Status loginItem{};
     std::optional<Keys> keys; ///< absent: the system has no shortcuts for all programs
     bool hasDock = false;
@@ -40,7 +40,7 @@ struct SettingsFacts {
     std::string file; ///< empty: there is no place for it
     UserSettings::FileState fileState{};
 
-    /// The record that "Reset" leads to. What the user has made himself, the pins, stays.
+    /// The record after "Reset". The pins, which are the user's own work, stay.
     UserSettingsData afterReset() const;
 };
 

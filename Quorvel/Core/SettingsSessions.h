@@ -19,7 +19,7 @@ class SettingsModel;
 /// with its connection. Main thread.
 class SettingsSessions {
 public:
-    /// For one more, the one that has been connected longest has to go.
+    /// With one more, the one that has been connected longest is closed.
     static constexpr std::size_t kMost = 8;
 
     /// How long a window may take to answer before it counts as hung.

@@ -44,7 +44,7 @@ public:
         failing, ///< what was changed last could not be written
     };
     const Published<FileState>& fileState() const { return m_fileState; }
-    /// The record of somebody who has changed nothing.
+    /// The record before the user has changed anything.
     UserSettingsData defaults() const;
 
     /// The record with each text that this version does not know replaced by the value in effect.

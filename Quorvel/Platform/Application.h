@@ -16,7 +16,7 @@ struct Appearance {
     bool reduceMotion = false;
     bool increaseContrast = false;
     bool isRightToLeft = false;
-    std::optional<Color> accent = {}; ///< for marked things; absent: the bar has its own
+    std::optional<Color> accent = {}; ///< of the system; absent: the bar uses its own
     std::string font = {}; ///< of the interface, in the host's terms; on a change, measure again
 
     friend bool operator==(const Appearance&, const Appearance&) = default;
@@ -29,8 +29,8 @@ public:
 
     virtual void setActivationPolicy(ActivationPolicy) = 0;
     virtual ProcessID processID() const = 0;
-    /// By which the system knows the program; absent where it does not know programs so, or for one
-    /// that was started outside its bundle.
+    /// The identifier by which the system knows the program; absent where programs have none, and
+    /// for one that was started outside its bundle.
     virtual std::optional<std::string> bundleIdentifier() const = 0;
     /// Absent where the system's look does not depend on its version.
     virtual std::optional<int> operatingSystemMajorVersion() const = 0;

@@ -11,7 +11,7 @@ namespace quorvel {
 enum class FolderWatch {
     never,
     whileItExists, ///< it must exist when the watch begins
-    always, ///< also for its being made
+    always, ///< it may also be created later
 };
 
 /// A folder with applications.
@@ -25,7 +25,7 @@ struct ApplicationFolder {
 
 /// Where this system stores applications.
 struct ApplicationSources {
-    std::vector<ApplicationFolder> folders; ///< of two with one identity, the first counts
+    std::vector<ApplicationFolder> folders; ///< of two with the same identity, the first wins
     std::vector<ApplicationURL> extras; ///< single applications elsewhere; they come last
     std::string extension; ///< of an application's path, without the dot
 };

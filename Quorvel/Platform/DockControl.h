@@ -29,7 +29,7 @@ public:
     virtual bool isAutoHideEnabled() const = 0;
     /// Takes effect at once and is stored among the Dock's preferences.
     virtual void setAutoHideEnabled(bool) = 0;
-    /// Of the screen it is on, and not at one of its sides; false too if the system does not say.
+    /// Whether it lies along the bottom of its screen; false too if the system does not say.
     virtual bool isAtBottom() const = 0;
     /// Null if they cannot be opened. The Dock reads them when it starts.
     virtual Preferences* preferences() = 0;

@@ -26,17 +26,17 @@ struct HotkeyID {
     friend bool operator==(const HotkeyID&, const HotkeyID&) = default;
 };
 
-/// What has become of a registration.
+/// The outcome of a registration.
 enum class HotkeyOutcome {
     registered,
     taken, ///< somebody else has the shortcut; it may become free
     failed, ///< the system refuses it: the keyboard has no such key, for example
 };
 
-/// What a handler says of a press, with the Mac's status codes.
+/// A handler's answer to a press, with the Mac's status codes.
 enum class HotkeyStatus : std::int32_t { handled = 0, notHandled = -9874 };
 
-/// Dropping it ends the registration. May outlive nothing of the host.
+/// Dropping it ends the registration. It must not outlive the host's services.
 class HotkeyRegistration {
 public:
     virtual ~HotkeyRegistration() = default;
@@ -71,7 +71,7 @@ public:
         return {};
     }
 
-    /// Some registration has another outcome than before.
+    /// The outcome of some registration has changed.
     Signal<> outcomesDidChange;
 };
 

@@ -70,12 +70,12 @@ struct SettingsLink {
     friend bool operator==(const SettingsLink&, const SettingsLink&) = default;
 };
 
-/// Things in an order of the user's.
+/// Things in an order that the user chooses.
 struct SettingsList {
     struct Item {
         std::string id;
         std::string title;
-        /// Where the application is stored whose icon it bears: a bundle or a desktop file.
+        /// The stored application whose icon it bears: a bundle or a desktop file.
         std::string icon;
 
         friend bool operator==(const Item&, const Item&) = default;
@@ -143,7 +143,7 @@ struct SettingsDescription {
 
 /// What the user does in the window.
 struct SettingsChange {
-    /// The value of a toggle or of a choice; neither: what a row of no kind can have.
+    /// The value of a toggle or of a choice; `monostate` fits no row.
     using Value = std::variant<std::monostate, bool, std::string>;
 
     struct Set {
@@ -170,7 +170,7 @@ struct SettingsChange {
 
         friend bool operator==(const Remove&, const Remove&) = default;
     };
-    /// A combination of keys was recorded; absent: there is to be none.
+    /// A combination of keys was recorded; absent: the shortcut is removed.
     struct Record {
         std::optional<SettingsShortcut::Keys> keys;
 
@@ -182,7 +182,7 @@ struct SettingsChange {
     friend bool operator==(const SettingsChange&, const SettingsChange&) = default;
 };
 
-/// Why a change does not hold, or not for long, in words for the user.
+/// Why a change was refused, or will not last, in words for the user.
 struct SettingsRefusal {
     std::string row;
     std::string reason;

@@ -9,17 +9,17 @@
 
 namespace quorvel {
 
-/// What a settings window shows, and whom it tells what its user does. Main thread.
+/// What a settings window shows, and where it reports what its user does. Main thread.
 class SettingsSource {
 public:
     virtual ~SettingsSource() = default;
 
     virtual const Published<SettingsDescription>& description() const = 0;
-    /// Applies the change at once. What does not hold is refused; the description shows what does.
+    /// Applies the change at once, or refuses it; the description shows what is then in effect.
     virtual std::optional<SettingsRefusal> apply(const SettingsChange&) = 0;
 
-    // A window in this process hands the keys that are pressed while it records to these. Meanwhile
-    // the program's own shortcuts do not act.
+    // A window in this process calls these with the keys that are pressed while it records.
+    // Meanwhile the program's own shortcuts do not act.
 
     virtual const Published<bool>& isRecording() const = 0;
     virtual void setRecording(bool) = 0;

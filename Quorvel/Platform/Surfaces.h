@@ -41,11 +41,11 @@ enum class PanelKind {
     /// Like a popup, as the window of a menu: `grabInput` says what it takes.
     menu,
     /// Lies above ordinary windows on every space, below popups and menus. `makeKeyAndOrderFront`
-    /// takes the keyboard, the space stays what it is; only a release, another program or a press
+    /// takes the keyboard without a change of space; only a release, another program or a press
     /// outside the panel ends that.
     launcher,
     /// An ordinary window with its title and a close button, of a size that the user cannot change.
-    /// It comes up on whatever space is shown, and has the keyboard as any program's window. Its
+    /// It comes up on the current space, and gets the keyboard as any program's window does. Its
     /// frame is that of its content, without the title; the user may move it.
     window,
 };
@@ -63,7 +63,7 @@ enum class PointerScope { ownWindows, otherPrograms };
 enum class Cursor { arrow };
 
 /// A strip of screen without a frame, above ordinary windows, below full-screen ones, which never
-/// takes the focus on a click; or what `PanelKind` says of another kind. Destroying it removes it
+/// takes the focus on a click; for other kinds see `PanelKind`. Destroying it removes it
 /// from the screen.
 class PanelSurface {
 public:

@@ -8,12 +8,12 @@
 
 namespace quorvel {
 
-/// Finds texts of ours in the user's language; each host has its own way (catalogues, tables of the
-/// bundle). Without one, and for a text that nobody has translated, the text itself is used, which
-/// is English. From any thread.
+/// Finds the program's texts in the user's language; each host has its own way (catalogues, tables
+/// of the bundle). Without one, and for a text that nobody has translated, the text itself is used,
+/// which is English. From any thread.
 struct Translator {
     std::string (*text)(const char* english) = nullptr;
-    /// The form for `count` things, which languages divide differently.
+    /// The plural form for `count` things; languages differ in how many forms they have.
     std::string (*plural)(const char* one, const char* many, std::size_t count) = nullptr;
 
     /// The one in use. To be set before anything is shown.
@@ -24,8 +24,8 @@ struct Translator {
     }
 };
 
-/// Every text of ours that a user reads passes through here. The argument must be a literal:
-/// catalogues are made from what stands in these calls.
+/// Every text that a user reads passes through here. The argument must be a literal: the catalogues
+/// are made from the texts in these calls.
 inline std::string tr(const char* english)
 {
     auto* translate = Translator::current().text;

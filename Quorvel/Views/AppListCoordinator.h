@@ -25,7 +25,7 @@ public:
         AppIcons& icons;
         Dispatch& dispatch;
         const Palette& palette;
-        const PanelSurface& surface; ///< which may come to other screens
+        const PanelSurface& surface; ///< which may move to other screens
     };
 
     static constexpr Duration kMakeRoom = seconds(0.16);
@@ -34,7 +34,7 @@ public:
     explicit Coordinator(const Inputs&);
     ~Coordinator() override;
 
-    /// The list that it drives, which goes before it does.
+    /// The list that it drives, which is destroyed first.
     void setTableView(ListView&);
     void setRightToLeft(bool);
 
@@ -43,11 +43,11 @@ public:
     std::function<void(const AppInfo&, const Rect& anchor)> onMenu;
 
     const std::vector<AppListItem>& items() const { return m_items; }
-    /// What made the list another one.
+    /// Why the list has changed.
     enum class Change {
-        query, ///< always leads to the top
-        pins, ///< leads to the top unless all rows look as before, as they do after a drop
-        catalogue, ///< leads to the top only if the selected application has gone
+        query, ///< always scrolls to the top
+        pins, ///< scrolls to the top unless all rows look as before, as after a drop
+        catalogue, ///< scrolls to the top only if the selected application has gone
     };
     /// At the top, the first application is selected.
     void setItems(std::vector<AppListItem>, Change);

@@ -83,7 +83,7 @@ public:
     bool isRightToLeft() const;
 
 private:
-    /// What it shows, each from something of its own; in the order of catching up.
+    /// What it shows, each part with a source of its own; in the order of catching up.
     enum class Part { appearance, settings, layout, spaces, pins, items };
 
     bool takesPointer() const override { return true; }

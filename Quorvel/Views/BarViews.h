@@ -23,7 +23,7 @@ public:
     {
         return std::make_unique<AppLauncherPanel>(m_platform, m_menus, options, contents);
     }
-    /// What a bar that came from here is.
+    /// The panel behind a bar that was made here.
     static BarPanel& panel(Bar& bar) { return static_cast<BarPanel&>(bar); }
     static const BarPanel& panel(const Bar& bar) { return static_cast<const BarPanel&>(bar); }
     static const AppLauncherPanel& panel(const LauncherPanel& launcher)

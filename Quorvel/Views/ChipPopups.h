@@ -21,7 +21,7 @@ public:
         const Platform& platform;
         SpaceID spaceID{};
         DisplayNumber display{};
-        std::optional<std::size_t> screenIndex; ///< as of the bar
+        std::optional<std::size_t> screenIndex; ///< as for the bar
         /// Where the chip is now (points, bottom-left origin); absent if it has gone.
         std::function<std::optional<Rect>(const std::string& chipID)> chipFrame;
     };
@@ -39,7 +39,7 @@ public:
     void suppress(const DisplayItem& item) { m_hover.suppressForCurrentHover(displayItemID(item)); }
     /// No popup beside an open menu.
     void setMenuOpen(bool isOpen) { m_hover.setMenuOpen(isOpen); }
-    /// The chips, or what they stand for, may be others now.
+    /// The chips, or what they stand for, may have changed.
     void update();
     void dismiss() { m_hover.dismissThumbnailPopupImmediate(); }
     /// Null while none is open.

@@ -13,7 +13,7 @@ class StatusBadge;
 class Text;
 struct Palette;
 
-/// A permission: what it is for, whether it is granted, and the ways to it. Main thread.
+/// A permission: what it is for, whether it is granted, and how to grant it. Main thread.
 class PermissionRequirementRow final : public MeasuredView {
 public:
     struct Requirement {

@@ -36,7 +36,7 @@ public:
     /// With less height, all but the buttons at the end scrolls.
     Size idealSize() const;
 
-    /// What is to be done next.
+    /// The button for the next step.
     View* preferredKeyView() override;
     bool keyPressed(const KeyEvent&) override;
     bool takesPointer() const override { return true; }

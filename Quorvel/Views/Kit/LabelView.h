@@ -20,8 +20,8 @@ public:
         Color Palette::*color = &Palette::text;
         std::size_t mostLines = 1;
         AccessibleRole role = AccessibleRole::label;
-        /// For assistive programs, which then hear of other text; if empty, other text is another
-        /// element.
+        /// For assistive programs, which then hear when the text changes; if empty, a changed text
+        /// is another element.
         std::string_view id{};
     };
 

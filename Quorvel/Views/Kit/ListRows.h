@@ -16,7 +16,7 @@ public:
     void setLifted(bool);
     bool isLifted() const override { return m_isLifted; }
 
-    /// Another row, or none, is about to be shown: a press on this one means nothing any more.
+    /// It is about to show another row, or none: a press on this one no longer counts.
     virtual void rowWillChange() { }
 
 protected:

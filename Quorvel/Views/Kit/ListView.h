@@ -30,7 +30,7 @@ public:
     ListView(ListRows&, const Palette&, Dispatch&);
     ~ListView() override;
 
-    /// There are other rows. Nothing glides any more; the selection stays at its number if that row
+    /// The rows have changed. Nothing glides any more; the selection keeps its number if that row
     /// can be selected. The offset becomes this one; it stays as far as possible if absent.
     void reload(std::optional<double> offset = {});
     /// The row went to another place among the others, which glide there from where they are seen.

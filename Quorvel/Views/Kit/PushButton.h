@@ -15,7 +15,7 @@ public:
         standard,
         prominent, ///< what Return presses: in the accent colour while it is enabled
     };
-    /// Around the button, of its ring.
+    /// The distance of its ring from the button.
     static constexpr double kRing = 3;
 
     /// Text and palette outlive it.

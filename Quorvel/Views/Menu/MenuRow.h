@@ -10,7 +10,7 @@
 
 namespace quorvel {
 
-/// What all of a menu goes by.
+/// What all rows of a menu share.
 struct MenuLook {
     Palette palette;
     bool isRightToLeft = false;
