@@ -1,7 +1,5 @@
 #include <filesystem>
-#include <fstream>
 
-#include <gmock/gmock.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "Tests/X11/Support/DesktopFixture.h"
@@ -16,31 +14,20 @@ protected:
     /// Programs that write down that they were started.
     AppLaunchers()
     {
-        const auto script = server.folder() / "program";
-        std::ofstream(script) << "#!/bin/sh\necho \"$1\" >> '" << starts.string() << "'\n";
-        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
-        const auto folder = server.folder() / "data" / "applications";
-        std::filesystem::create_directories(folder);
-        for (const std::string name : {"Zebra", "Zinc", "Zoo"}) {
-            std::ofstream(folder / (name + ".desktop"))
-                << "[Desktop Entry]\nType=Application\nName=" << name
-                << " Sample\nExec=" << script.string() << ' ' << name << '\n';
-        }
+        const auto program
+            = server.addProgram("program", "echo \"$1\" >> '" + starts.string() + "'");
+        for (const std::string name : {"Zebra", "Zinc", "Zoo"})
+            server.addApplication(name, name + " Sample", "Exec=" + program + ' ' + name);
     }
     void SetUp() override
     {
-        start();
+        bar = std::make_unique<Bar>(server);
+        ASSERT_TRUE(bar->appears());
         client.order('o');
         ASSERT_TRUE(eventually([&] { return desktop.clientTitled("typed").has_value(); }));
         window = *desktop.clientTitled("typed");
         ASSERT_TRUE(eventually(desktop.activation(window)));
         ASSERT_TRUE(settles(*bar));
-    }
-    void start()
-    {
-        bar.reset();
-        bar = std::make_unique<Bar>(server);
-        ASSERT_TRUE(bar->appears());
     }
     void ask()
     {
@@ -69,16 +56,6 @@ protected:
         }
         return text;
     }
-    Frame row(const std::string& id, const std::string& section)
-    {
-        const auto state = bar->state();
-        for (const auto& candidate : state.launcher.value_or(State::Launcher{}).rows) {
-            if (candidate.id == id && candidate.section == section)
-                return candidate.frame;
-        }
-        ADD_FAILURE() << "no row " << id << " in " << rows();
-        return {};
-    }
     testing::AssertionResult shows(const std::string& wanted)
     {
         return eventually([&] {
@@ -98,15 +75,6 @@ protected:
     {
         for (const auto symbol : symbols)
             keyboard.type(symbol);
-    }
-    void pin(const std::string& id)
-    {
-        pointer.click(row(id, "main"), Button::secondary);
-        ASSERT_TRUE(eventually([&] { return bar->state().entryTitled("Pin to") != nullptr; }));
-        pointer.click(bar->state().entryTitled("Pin to")->frame);
-        ASSERT_TRUE(eventually([&] { return bar->state().entryTitled("App menu") != nullptr; }));
-        pointer.click(bar->state().entryTitled("App menu")->frame);
-        ASSERT_TRUE(eventually([&] { return bar->state().menu.empty(); }));
     }
 
     const std::filesystem::path starts = server.folder() / "starts";
@@ -160,27 +128,6 @@ TEST_P(AppLaunchers, openAndCloseOverAWindowThatKeepsTheFocus)
     EXPECT_EQ(readFile(starts), "Zinc\n");
 }
 
-// Faults: a pin that is not kept, or in another order than it was dragged to.
-TEST_P(AppLaunchers, keepThePinsInTheOrderTheyWereDraggedTo)
-{
-    open();
-    for (const std::string id : {"Zebra", "Zinc", "Zoo"}) {
-        type({XKB_KEY_z});
-        ASSERT_TRUE(asksFor("z"));
-        pin(id);
-        type({XKB_KEY_Escape});
-        ASSERT_TRUE(asksFor(""));
-    }
-    ASSERT_TRUE(eventually([&] { return rows().starts_with("*[Zebra] [Zinc] [Zoo] "); }));
-    const auto to = row("Zoo", "pinned");
-    pointer.drag(row("Zebra", "pinned"), to.x + to.width / 2, to.y + to.height - 4);
-    EXPECT_TRUE(eventually([&] { return rows().starts_with("[Zinc] [Zoo] *[Zebra] "); })) << rows();
-
-    start();
-    open();
-    EXPECT_THAT(rows(), testing::StartsWith("*[Zinc] [Zoo] [Zebra] "));
-}
-
 QUORVEL_UNDER_EACH_MANAGER(AppLaunchers);
 
 /// One of the programs opens a window.
@@ -188,9 +135,7 @@ class AppLauncherFocus : public AppLaunchers {
 protected:
     AppLauncherFocus()
     {
-        std::ofstream(server.folder() / "data" / "applications" / "quiz.desktop")
-            << "[Desktop Entry]\nType=Application\nName=Quiz\n"
-               "Exec=xterm -T Launched -geometry 40x10+500+450\n";
+        server.addApplication("quiz", "Quiz", "Exec=xterm -T Launched -geometry 40x10+500+450");
     }
 };
 

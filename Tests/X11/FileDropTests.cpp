@@ -11,16 +11,10 @@ protected:
     /// An application that writes down what it is to open, and is pinned.
     FileDrops()
     {
-        const auto folder = server.folder() / "data" / "applications";
-        std::filesystem::create_directories(folder);
-        const auto script = server.folder() / "opener";
-        std::ofstream(script) << "#!/bin/sh\nprintf '%s\\n' \"$@\" >> '" << opened.string()
-                              << ".part'\nmv '" << opened.string() << ".part' '" << opened.string()
-                              << "'\n";
-        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
-        std::ofstream(folder / "opener.desktop")
-            << "[Desktop Entry]\nType=Application\nName=Opener\nExec=" << script.string()
-            << " %F\n";
+        const auto program = server.addProgram("opener",
+            "cd '" + server.folder().string()
+                + "'; printf '%s\\n' \"$@\" >> opened.part; mv opened.part opened");
+        server.addApplication("opener", "Opener", "Exec=" + program + " %F");
         std::ofstream(server.settingsFile())
             << R"({"groupWindowsByApp": false, "pinnedApps": [{"id": "opener", "d": 1}]})";
     }

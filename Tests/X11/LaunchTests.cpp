@@ -13,17 +13,12 @@ class Launches : public UnderEachManager {
 protected:
     Launches()
     {
-        const auto folder = server.folder() / "data" / "applications";
-        std::filesystem::create_directories(folder);
-        const auto script = server.folder() / "program";
-        std::ofstream(script) << "#!/bin/sh\necho \"$DESKTOP_STARTUP_ID $$\" > '"
-                              << started.string() << ".part'\nmv '" << started.string()
-                              << ".part' '" << started.string() << "'\nexec sleep 600\n";
-        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
-        std::ofstream(folder / "launched.desktop")
-            << "[Desktop Entry]\nType=Application\nName=Launched\nExec=" << script.string() << "\n";
-        std::ofstream(folder / "broken.desktop")
-            << "[Desktop Entry]\nType=Application\nName=Broken\nExec=missing-program\n";
+        const auto program = server.addProgram("program",
+            "cd '" + server.folder().string()
+                + "'; echo \"$DESKTOP_STARTUP_ID $$\" > started.part; mv started.part started\n"
+                  "exec sleep 600");
+        server.addApplication("launched", "Launched", "Exec=" + program);
+        server.addApplication("broken", "Broken", "Exec=missing-program");
         std::ofstream(server.settingsFile()) << R"({"groupWindowsByApp": false, "pinnedApps":
             [{"id": "launched", "d": 1}, {"id": "broken", "d": 1}]})";
     }

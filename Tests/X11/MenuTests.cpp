@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include <xkbcommon/xkbcommon-keysyms.h>
 
@@ -14,17 +13,12 @@ protected:
     /// The windows belong to an application that writes down how it is started.
     Menus()
     {
-        const auto folder = server.folder() / "data" / "applications";
-        std::filesystem::create_directories(folder);
-        const auto script = server.folder() / "sample";
-        std::ofstream(script) << "#!/bin/sh\necho \"started $*\" >> '" << starts.string() << "'\n";
-        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
-        std::ofstream(folder / "sample.desktop")
-            << "[Desktop "
-               "Entry]\nType=Application\nName=Sample\nStartupWMClass=Sample\nExec="
-            << script.string()
-            << "\nActions=write;\n[Desktop Action write]\nName=Write\nExec=" << script.string()
-            << " --write\n";
+        const auto program
+            = server.addProgram("sample", "echo \"started $*\" >> '" + starts.string() + "'");
+        server.addApplication("sample", "Sample",
+            "StartupWMClass=Sample\nExec=" + program
+                + "\nActions=write;\n[Desktop Action write]\nName=Write\nExec=" + program
+                + " --write");
         bar = std::make_unique<Bar>(server);
     }
     void SetUp() override

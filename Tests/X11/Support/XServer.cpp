@@ -35,6 +35,24 @@ std::filesystem::path XServer::settingsFile() const
     return folder() / "config" / "Quorvel" / "settings.json";
 }
 
+std::string XServer::addProgram(const std::string& name, const std::string& commands) const
+{
+    const auto path = folder() / name;
+    std::ofstream(path) << "#!/bin/sh\n" << commands << '\n';
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    return path.string();
+}
+
+void XServer::addApplication(
+    const std::string& id, const std::string& name, const std::string& entry) const
+{
+    const auto path = folder() / "data" / "applications";
+    std::filesystem::create_directories(path);
+    std::ofstream(path / (id + ".desktop"))
+        << "[Desktop Entry]\nType=Application\nName=" << name << '\n'
+        << entry << '\n';
+}
+
 void XServer::makeHome()
 {
     const std::map<std::string, std::string> folders{{"HOME", "home"},

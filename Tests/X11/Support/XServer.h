@@ -23,6 +23,11 @@ public:
     const std::filesystem::path& folder() const { return m_folder.path(); }
     /// Where the bar looks for its settings.
     std::filesystem::path settingsFile() const;
+    /// Makes a program of these commands of the shell; returns its path.
+    std::string addProgram(const std::string& name, const std::string& commands) const;
+    /// Installs an application; `entry` has the lines that say more of it than its name.
+    void addApplication(
+        const std::string& id, const std::string& name, const std::string& entry) const;
 
 private:
     void makeHome();
