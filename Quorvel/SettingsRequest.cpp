@@ -49,12 +49,14 @@ std::string expectation(std::string_view name)
 {
     std::string expected;
     const UserSettingsData data;
-    UserSettingsData::forEachField(data, [&](std::string_view candidate, const auto& field) {
+    UserSettingsData::forEachSetting(data, [&](std::string_view candidate, const auto& field) {
         using Field = std::remove_cvref_t<decltype(field)>;
         if (candidate != name)
             return;
         if constexpr (std::is_same_v<Field, bool>)
             expected = "true or false";
+        else if constexpr (std::is_same_v<Field, std::optional<bool>>)
+            expected = "true, false or null";
         else if constexpr (std::is_same_v<Field, std::string>)
             expected = fmt::format("one of {}", fmt::join(choices(name), ", "));
         else
@@ -130,7 +132,7 @@ ControlReply answerSettingsRequest(
     UserSettings& settings, const std::vector<std::string>& arguments)
 {
     if (arguments.size() == 1)
-        return {0, encodeUserSettings(settings.dataThatHolds(), AbsentValues::asNull), ""};
+        return {0, listUserSettings(settings.dataThatHolds()), ""};
     if (arguments[0] == "--get")
         return get(settings, arguments[1]);
     auto equals = arguments[1].find('=');

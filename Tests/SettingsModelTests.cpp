@@ -80,7 +80,7 @@ struct SettingsModelTest : SettingsFixture {
     }
     std::string stored(const std::string& field)
     {
-        return encodeUserSetting(settings->data().value(), field).value_or("no field");
+        return encodeUserSetting(settings->dataThatHolds(), field).value_or("no field");
     }
     std::vector<std::string> titles(const std::string& list)
     {
@@ -99,14 +99,14 @@ TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
 {
     open("{}", System::withDockAndUpdater);
     std::set<std::string> fields;
-    UserSettingsData::forEachField(
+    UserSettingsData::forEachSetting(
         settings->data().value(), [&](const char* name, auto&) { fields.insert(name); });
     for (auto* elsewhere :
         {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers", "numberKeyModifiers"})
         EXPECT_EQ(fields.erase(elsewhere), 1U);
     for (auto& field : fields) {
         SCOPED_TRACE(field);
-        auto before = settings->data().value();
+        auto before = settings->dataThatHolds();
         if (std::holds_alternative<SettingsToggle>(row(field).control)) {
             bool isOn = control<SettingsToggle>(field).value;
             EXPECT_EQ(stored(field), isOn ? "true" : "false");
@@ -124,7 +124,7 @@ TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
             }
             EXPECT_EQ(apply(Change::Set{field, initial}), "");
         }
-        EXPECT_EQ(settings->data().value(), before) << "and nothing else";
+        EXPECT_EQ(settings->dataThatHolds(), before) << "and nothing else";
     }
 }
 
@@ -164,7 +164,7 @@ TEST_F(SettingsModelTest, theShortcutIsRecordedByEitherKindOfWindow)
 // kept where the host's own choice was meant.
 TEST_F(SettingsModelTest, numberKeysHaveTheModifiersOfTheUsersChoice)
 {
-    open(R"({"numberKeyModifiers": 4608})");
+    open(R"({"more": {"numberKeyModifiers": 4608}})");
     auto shown = [this] { return control<SettingsChoice>("numberKeyModifiers"); };
     EXPECT_FALSE(row("numberKeyModifiers").isEnabled);
     EXPECT_EQ(apply(Change::Set{"numberKeys", true}), "");
@@ -195,7 +195,7 @@ TEST_F(SettingsModelTest, numberKeysThatAreTakenAreTold)
         desktop.hotkeys().takeElsewhere({key, command | shift});
     desktop.hotkeys().takeElsewhere({19, command});
     desktop.hotkeys().takeElsewhere({20, command});
-    open(R"({"numberKeys": true})");
+    open(R"({"more": {"numberKeys": true}})");
     auto help = [this] { return row("numberKeyModifiers").help; };
     EXPECT_EQ(help(), "Taken by another program: ⇧⌘1 to 9, ⌘2, ⌘3");
     desktop.hotkeys().giveBackElsewhere({19, command});

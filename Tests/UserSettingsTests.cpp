@@ -25,7 +25,7 @@ TEST_F(UserSettingsTest, whatAFileDoesNotSayIsAsOnTheFirstStart)
 {
     for (auto* file :
         {"{}", R"({"barSize": null, "hideDock": null, "pinnedApps": null, "new": [1]})",
-            "\xEF\xBB\xBF{}"})
+            R"({"more": null})", R"({"more": {"numberKeys": null, "new": [1]}})", "\xEF\xBB\xBF{}"})
         EXPECT_EQ(start(file).data().value(), defaults()) << file;
     settle();
     EXPECT_EQ(desktop.files().writes(), 0) << "reading is no change";
@@ -64,8 +64,10 @@ TEST_F(UserSettingsTest, everyFieldIsStoredUnderItsNameAndReadBack)
   "hideDock": true,
   "hotkeyKeyCode": 4294967295,
   "hotkeyModifiers": 0,
-  "numberKeyModifiers": 2304,
-  "numberKeys": true,
+  "more": {
+    "numberKeyModifiers": 2304,
+    "numberKeys": true
+  },
   "pinnedApps": [
     {
       "d": 3,
@@ -87,7 +89,12 @@ TEST_F(UserSettingsTest, everyFieldIsStoredUnderItsNameAndReadBack)
 )");
     auto written = settings->data().value();
     EXPECT_EQ(start().data().value(), written);
+    settings->setData(defaults());
+    settle();
+    EXPECT_THAT(file(), Not(HasSubstr("more"))) << "as before there was more";
 
+    settings->setHotkeyKeyCode(4);
+    settle();
     settings->setHotkeyKeyCode(std::nullopt);
     settle();
     EXPECT_THAT(file(), Not(HasSubstr("hotkeyKeyCode"))) << "absent, not null";
@@ -102,7 +109,8 @@ TEST_F(UserSettingsTest, oneWrongValueRejectsTheWholeFile)
              R"("settingsVersion": 9223372036854775808)", R"("pinnedApps": {})",
              R"("pinnedApps": [null])", R"("pinnedApps": [{"id": "a"}])",
              R"("pinnedApps": [{"id": "a", "d": null}])", R"("pinnedApps": [{"id": 1, "d": 1}])",
-             R"("theme": "\ud800")", "\"theme\": \"\xff\"", R"("theme": ["aero"])"}) {
+             R"("theme": "\ud800")", "\"theme\": \"\xff\"", R"("theme": ["aero"])",
+             R"("more": true)", R"("more": {"numberKeys": 1})"}) {
         EXPECT_EQ(start(R"({"barSize": "xl", "runAtLogin": true, )" + wrong + "}").data().value(),
             defaults())
             << wrong;
@@ -195,7 +203,9 @@ TEST_F(UserSettingsTest, quittingSavesAtOnceAndOnlyWhatHasChanged)
 // other, a field that a newer version or a hand wrote, a shortcut that does not stay cleared.
 TEST_F(UserSettingsTest, aSaveWritesOnlyWhatThisBarHasChanged)
 {
-    start(R"({"hotkeyKeyCode": 4, "theme": "aero"})").setHotkeyKeyCode(std::nullopt);
+    start(R"({"hotkeyKeyCode": 4, "theme": "aero",
+        "more": {"numberKeys": true, "new": 1}})")
+        .setHotkeyKeyCode(std::nullopt);
     FakeDesktop elsewhere;
     auto platform = elsewhere.platform();
     UserSettings other(desktop.files(), platform.loginItem, platform.application, platform.dispatch,
@@ -207,8 +217,10 @@ TEST_F(UserSettingsTest, aSaveWritesOnlyWhatThisBarHasChanged)
     settings->setBarSize(BarSize::xl);
     settle();
     other.setHideDock(true);
+    other.setNumberKeyModifiers(256);
     ASSERT_TRUE(other.saveChanges());
 
+    EXPECT_THAT(file(), HasSubstr("\"new\": 1"));
     EXPECT_THAT(file(), HasSubstr("\"x\": null"));
     auto found = start().data().value();
     EXPECT_EQ(found.pinnedApps, other.pinnedApps());
@@ -216,6 +228,7 @@ TEST_F(UserSettingsTest, aSaveWritesOnlyWhatThisBarHasChanged)
     EXPECT_EQ(found.theme, "aero");
     EXPECT_EQ(found.hotkeyKeyCode, std::nullopt);
     EXPECT_TRUE(found.hideDock);
+    EXPECT_EQ(found.more, (MoreSettings{true, 256}));
 }
 
 // MARK: When the disk fails
@@ -395,11 +408,13 @@ TEST_F(SettingsInTheBar, aScriptReadsAndSetsThem)
     EXPECT_EQ(ask({"--get", "barSize"})->output, "\"medium\"\n");
     EXPECT_EQ(ask({"--get", "hotkeyKeyCode"})->output, "null\n");
     EXPECT_THAT(ask({"--get"})->output, HasSubstr("\"hotkeyKeyCode\": null"));
+    EXPECT_THAT(ask({"--get"})->output, HasSubstr("  \"numberKeys\": false,\n"))
+        << "by its name alone, and what holds";
     EXPECT_EQ(ask({"--get", "colour"})->exitStatus, 1);
 
     for (auto [name, value] : {std::pair{"barSize", "large"}, {"theme", "\"aero\""},
              {"groupWindowsByApp", "true"}, {"hotkeyKeyCode", "49"}, {"hotkeyKeyCode", "null"},
-             {"hotkeyModifiers", "0"}, {"runAtLogin", "true"}}) {
+             {"hotkeyModifiers", "0"}, {"numberKeys", "true"}, {"runAtLogin", "true"}}) {
         EXPECT_EQ(ask({"--set", fmt::format("{}={}", name, value)})->exitStatus, 0) << name;
         EXPECT_THAT(ask({"--get", name})->output, HasSubstr(value));
     }
@@ -414,6 +429,7 @@ TEST_F(SettingsInTheBar, aScriptReadsAndSetsThem)
     expectRefusal("groupWindowsByApp=yes", "true or false");
     expectRefusal("groupWindowsByApp=1", "true or false");
     expectRefusal("groupWindowsByApp=null", "true or false");
+    expectRefusal("numberKeys=1", "true, false or null");
     expectRefusal("hotkeyKeyCode=4294967296", "from 0 to 4294967295");
     expectRefusal("hotkeyKeyCode=\"49\"", "whole number");
     expectRefusal("settingsVersion=2", "cannot be set");

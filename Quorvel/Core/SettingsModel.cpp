@@ -36,15 +36,21 @@ bool canBe(const SettingsControl& control, const SettingsChange::Value& value)
         != choice->options.end();
 }
 
+/// Where the setting is a value of this type, chosen or not.
+template <typename Field, typename Value>
+constexpr bool kHolds = std::is_same_v<Field, Value> || std::is_same_v<Field, std::optional<Value>>;
+
 /// The rows of stored settings bear the names of their fields.
 void setField(UserSettingsData& data, const std::string& row, const SettingsChange::Value& value)
 {
-    UserSettingsData::forEachField(data, [&](std::string_view name, auto& field) {
+    UserSettingsData::forEachSetting(data, [&](std::string_view name, auto& field) {
         using Field = std::remove_cvref_t<decltype(field)>;
-        if constexpr (std::is_same_v<Field, bool> || std::is_same_v<Field, std::string>) {
-            if (name == row)
-                field = std::get<Field>(value);
-        }
+        if (name != row)
+            return;
+        if constexpr (kHolds<Field, bool>)
+            field = std::get<bool>(value);
+        else if constexpr (kHolds<Field, std::string>)
+            field = std::get<std::string>(value);
     });
 }
 

@@ -109,13 +109,14 @@ SettingsPage appearancePage(const SettingsFacts& facts)
 
 SettingsGroup numberKeysGroup(const SettingsFacts& facts)
 {
+    const bool isOn = *facts.data.more.withDefaults().numberKeys;
     return {.id = "numberKeys",
         .title = tr("Number keys"),
         .help = {},
-        .rows = {toggle("numberKeys", tr("Use what is on the bar by number"), facts.data.numberKeys,
+        .rows = {toggle("numberKeys", tr("Use what is on the bar by number"), isOn,
                      tr("The keys 1 to 9 click what is at that place; with Shift, they open a new "
                         "window of it.")),
-            {"numberKeyModifiers", tr("Keys"), facts.keys->numberKeysTaken, facts.data.numberKeys,
+            {"numberKeyModifiers", tr("Keys"), facts.keys->numberKeysTaken, isOn,
                 facts.keys->numberKeyModifiers}}};
 }
 
@@ -209,9 +210,11 @@ SettingsRow fileRow(const SettingsFacts& facts)
 
 SettingsRow resetRow(const SettingsFacts& facts)
 {
+    auto reset = facts.afterReset();
+    reset.more = reset.more.withDefaults();
     return {SettingsRowID::reset, tr("Reset all settings"),
         tr("The keyboard shortcut and starting at login too; pinned applications stay."),
-        facts.data != facts.afterReset(), SettingsButton{tr("Reset")}};
+        facts.data != reset, SettingsButton{tr("Reset")}};
 }
 
 SettingsPage aboutPage(const SettingsFacts& facts)

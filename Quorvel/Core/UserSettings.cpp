@@ -100,6 +100,7 @@ UserSettingsData UserSettings::dataThatHolds() const
     data.barSize = rawValue(barSize());
     data.theme = rawValue(theme());
     data.scrollUpSpaceSwitch = rawValue(scrollUpSpaceSwitch());
+    data.more = data.more.withDefaults();
     return data;
 }
 

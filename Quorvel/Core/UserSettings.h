@@ -47,7 +47,8 @@ public:
     /// The record before the user has changed anything.
     UserSettingsData defaults() const;
 
-    /// The record with each text that this version does not know replaced by the value in effect.
+    /// The record with the value in effect for each text that this version does not know, and for
+    /// what the user has not chosen.
     UserSettingsData dataThatHolds() const;
 
     // A text that this version does not know reads as the default.
@@ -89,12 +90,15 @@ public:
     /// Stores the system's state afterwards, which may differ from the request.
     void setRunAtLogin(bool isWanted);
 
-    bool numberKeys() const { return value().numberKeys; }
-    void setNumberKeys(bool isOn) { set(&UserSettingsData::numberKeys, isOn); }
-    std::optional<std::uint32_t> numberKeyModifiers() const { return value().numberKeyModifiers; }
+    bool numberKeys() const { return *value().more.withDefaults().numberKeys; }
+    void setNumberKeys(bool isOn) { set(&MoreSettings::numberKeys, std::optional{isOn}); }
+    std::optional<std::uint32_t> numberKeyModifiers() const
+    {
+        return value().more.numberKeyModifiers;
+    }
     void setNumberKeyModifiers(std::optional<std::uint32_t> modifiers)
     {
-        set(&UserSettingsData::numberKeyModifiers, modifiers);
+        set(&MoreSettings::numberKeyModifiers, modifiers);
     }
 
     const std::vector<PinnedAppRecord>& pinnedApps() const { return value().pinnedApps; }
@@ -109,6 +113,12 @@ private:
     {
         auto changed = m_data.value();
         changed.*field = std::move(value);
+        setData(std::move(changed));
+    }
+    template <typename Value> void set(Value MoreSettings::*field, Value value)
+    {
+        auto changed = m_data.value();
+        changed.more.*field = std::move(value);
         setData(std::move(changed));
     }
     void setText(std::string UserSettingsData::*field, std::string_view text)

@@ -16,6 +16,7 @@ using Json = nlohmann::json; // its objects are sorted
 constexpr int kIndent = 2;
 /// The record itself has three levels.
 constexpr int kDeepestNesting = 8;
+constexpr char kMore[] = "more";
 
 /// Discarded if the bytes are no JSON or nested deeper than anything of ours.
 Json parse(std::string_view bytes)
@@ -140,15 +141,58 @@ Json write(const std::vector<PinnedAppRecord>& records)
     return list;
 }
 
-Json toJson(const UserSettingsData& data, AbsentValues absentValues)
+// MARK: Records
+
+template <typename Record> bool readRecord(const Json& json, Record& record)
+{
+    if (!json.is_object())
+        return false;
+    bool isSound = true;
+    Record::forEachField(record, [&](const char* name, auto& field) {
+        auto found = json.find(name);
+        if (found != json.end() && !found->is_null())
+            isSound = read(*found, field) && isSound;
+    });
+    return isSound;
+}
+
+template <typename Record> Json writeRecord(const Record& record)
 {
     auto json = Json::object();
-    UserSettingsData::forEachField(data, [&](const char* name, auto& field) {
-        auto value = write(field);
-        if (!value.is_null() || absentValues == AbsentValues::asNull)
+    Record::forEachField(record, [&](const char* name, auto& field) {
+        if (auto value = write(field); !value.is_null())
             json[name] = std::move(value);
     });
     return json;
+}
+
+template <typename Record> void reviseRecord(Json& json, const Record& before, const Record& now)
+{
+    auto known = writeRecord(before);
+    Record::forEachField(now, [&](const char* name, auto& field) {
+        auto value = write(field);
+        bool isLacking = !mayBeAbsent(field) && !json.contains(name);
+        if (value == known.value(name, Json()) && !isLacking)
+            return;
+        if (value.is_null())
+            json.erase(name);
+        else
+            json[name] = std::move(value);
+    });
+}
+
+void reviseMore(Json& json, const MoreSettings& before, const MoreSettings& now)
+{
+    if (before == now)
+        return;
+    auto more = json.value(kMore, Json());
+    if (more.is_null())
+        more = Json::object();
+    reviseRecord(more, before, now);
+    if (more.empty())
+        json.erase(kMore);
+    else
+        json[kMore] = std::move(more);
 }
 
 /// Identifiers come from other programs' files and may hold anything; one bad text must not keep
@@ -160,9 +204,19 @@ std::string text(const Json& json, int indent)
 
 }
 
-std::string encodeUserSettings(const UserSettingsData& data, AbsentValues absentValues)
+std::string encodeUserSettings(const UserSettingsData& data)
 {
-    return text(toJson(data, absentValues), kIndent) + "\n";
+    auto json = writeRecord(data);
+    reviseMore(json, {}, data.more);
+    return text(json, kIndent) + "\n";
+}
+
+std::string listUserSettings(const UserSettingsData& data)
+{
+    auto json = Json::object();
+    UserSettingsData::forEachSetting(
+        data, [&](const char* name, auto& field) { json[name] = write(field); });
+    return text(json, kIndent) + "\n";
 }
 
 std::optional<std::string> reviseUserSettings(
@@ -171,17 +225,8 @@ std::optional<std::string> reviseUserSettings(
     if (!decodeUserSettings(file, now))
         return std::nullopt;
     auto json = parse(file);
-    auto known = toJson(before, AbsentValues::asNull);
-    UserSettingsData::forEachField(now, [&](const char* name, auto& field) {
-        auto value = write(field);
-        bool isLacking = !mayBeAbsent(field) && !json.contains(name);
-        if (value == known[name] && !isLacking)
-            return;
-        if (value.is_null())
-            json.erase(name);
-        else
-            json[name] = std::move(value);
-    });
+    reviseRecord(json, before, now);
+    reviseMore(json, before.more, now.more);
     return text(json, kIndent) + "\n";
 }
 
@@ -189,22 +234,19 @@ std::optional<UserSettingsData> decodeUserSettings(
     std::string_view bytes, const UserSettingsData& defaults)
 {
     auto json = parse(bytes);
-    if (!json.is_object())
-        return std::nullopt;
     auto data = defaults;
-    bool isSound = true;
-    UserSettingsData::forEachField(data, [&](const char* name, auto& field) {
-        auto found = json.find(name);
-        if (found != json.end() && !found->is_null())
-            isSound = read(*found, field) && isSound;
-    });
-    return isSound ? std::optional{std::move(data)} : std::nullopt;
+    if (!readRecord(json, data))
+        return std::nullopt;
+    auto more = json.value(kMore, Json());
+    if (!more.is_null() && !readRecord(more, data.more))
+        return std::nullopt;
+    return data;
 }
 
 std::optional<std::string> encodeUserSetting(const UserSettingsData& data, std::string_view name)
 {
     std::optional<std::string> encoded;
-    UserSettingsData::forEachField(data, [&](std::string_view candidate, auto& field) {
+    UserSettingsData::forEachSetting(data, [&](std::string_view candidate, auto& field) {
         if (candidate == name)
             encoded = text(write(field), -1);
     });
@@ -217,7 +259,7 @@ bool decodeUserSetting(UserSettingsData& data, std::string_view name, std::strin
     if (json.is_discarded())
         json = std::string{value};
     bool isSet = false;
-    UserSettingsData::forEachField(data, [&](std::string_view candidate, auto& field) {
+    UserSettingsData::forEachSetting(data, [&](std::string_view candidate, auto& field) {
         if (candidate == name)
             isSet = read(json, field);
     });

@@ -8,10 +8,8 @@
 
 namespace quorvel {
 
-enum class AbsentValues { omitted, asNull };
-
-/// The record as indented JSON with its keys in alphabetical order.
-std::string encodeUserSettings(const UserSettingsData&, AbsentValues = AbsentValues::omitted);
+/// The record as it is stored: indented JSON with its keys in alphabetical order.
+std::string encodeUserSettings(const UserSettingsData&);
 
 /// A key that is missing or null keeps its default. Absent if the bytes are not a JSON object or
 /// one of the keys has a value of another type: JSON's types, so that a boolean is not a number.
@@ -24,11 +22,14 @@ std::optional<UserSettingsData> decodeUserSettings(
 std::optional<std::string> reviseUserSettings(
     std::string_view file, const UserSettingsData& before, const UserSettingsData& now);
 
-/// One field as JSON, "null" for an absent value; absent if there is no such field.
+/// All settings by their names alone, as indented JSON; "null" for an absent value.
+std::string listUserSettings(const UserSettingsData&);
+
+/// One setting as JSON, "null" for an absent value; absent if there is no such setting.
 std::optional<std::string> encodeUserSetting(const UserSettingsData&, std::string_view name);
 
-/// Sets one field from JSON, or from bare text that is not JSON; "null" clears an optional field.
-/// False, and nothing is set, if there is no such field or it has another type.
+/// Sets one setting from JSON, or from bare text that is not JSON; "null" clears an optional one.
+/// False, and nothing is set, if there is no such setting or it has another type.
 bool decodeUserSetting(UserSettingsData&, std::string_view name, std::string_view value);
 
 }

@@ -13,6 +13,30 @@
 
 namespace quorvel {
 
+/// Preferences beside those that every version has, under the key "more" in the file. Each is
+/// absent until the user chooses.
+struct MoreSettings {
+    std::optional<bool> numberKeys; ///< shortcuts with the keys 1 to 9 for what is on the bar
+    std::optional<std::uint32_t> numberKeyModifiers; ///< absent: those that the host offers
+
+    /// With what holds where the user has not chosen; absent only where the host decides.
+    MoreSettings withDefaults() const
+    {
+        auto more = *this;
+        more.numberKeys = numberKeys.value_or(false);
+        return more;
+    }
+
+    /// Calls `visit(name, field)` for each field, in order; all are optional.
+    template <typename More, typename Visitor> static void forEachField(More& more, Visitor&& visit)
+    {
+        visit("numberKeys", more.numberKeys);
+        visit("numberKeyModifiers", more.numberKeyModifiers);
+    }
+
+    friend bool operator==(const MoreSettings&, const MoreSettings&) = default;
+};
+
 /// Every preference of the user, as it is stored. Enumerations are kept as text, so that values
 /// written by a newer version survive this one.
 struct UserSettingsData {
@@ -27,10 +51,9 @@ struct UserSettingsData {
     bool hideDock = false;
     bool showOnAllDisplays = false;
     bool runAtLogin = false;
-    bool numberKeys = false; ///< shortcuts with the keys 1 to 9 for what is on the bar
-    std::optional<std::uint32_t> numberKeyModifiers; ///< absent: those that the host offers
     std::vector<PinnedAppRecord> pinnedApps;
     std::int64_t settingsVersion = 1; ///< of the file's format
+    MoreSettings more;
 
     static UserSettingsData defaults(std::optional<int> systemMajorVersion)
     {
@@ -39,7 +62,8 @@ struct UserSettingsData {
         return data;
     }
 
-    /// Calls `visit(name, field)` for each field, in order; the names are those used in the file.
+    /// Calls `visit(name, field)` for each field but `more`, in order; the names are those used in
+    /// the file.
     template <typename Data, typename Visitor> static void forEachField(Data& data, Visitor&& visit)
     {
         visit("barSize", data.barSize);
@@ -53,10 +77,16 @@ struct UserSettingsData {
         visit("hideDock", data.hideDock);
         visit("showOnAllDisplays", data.showOnAllDisplays);
         visit("runAtLogin", data.runAtLogin);
-        visit("numberKeys", data.numberKeys);
-        visit("numberKeyModifiers", data.numberKeyModifiers);
         visit("pinnedApps", data.pinnedApps);
         visit("settingsVersion", data.settingsVersion);
+    }
+
+    /// The fields of `more` too: where settings go by their names alone.
+    template <typename Data, typename Visitor>
+    static void forEachSetting(Data& data, Visitor&& visit)
+    {
+        forEachField(data, visit);
+        MoreSettings::forEachField(data.more, visit);
     }
 
     friend bool operator==(const UserSettingsData&, const UserSettingsData&) = default;
