@@ -23,7 +23,8 @@ public:
         Duration age{}; ///< since the acknowledgement
     };
 
-    /// Takes the current requests and running applications. Returns the requests to show, in order.
+    /// Takes the current requests and running applications. Returns the acknowledged requests that
+    /// stay hidden, in order.
     std::vector<Suppressed> update(const std::set<std::string>& raw,
         const std::set<std::string>& runningBundleIDs, std::vector<AttentionRequest>, Instant now);
     void acknowledge(const std::string& bundleID, Instant now);

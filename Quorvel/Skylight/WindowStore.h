@@ -146,7 +146,7 @@ private:
     void runDueLook(ProcessID, ProcessRecord::Due, const WindowScanner::Moment&);
     void lookAt(ProcessID, ProcessRecord::Due, const WindowScanner::Moment&);
     void advanceBurst(ProcessID);
-    /// Starts a whole burst now: the remaining scans of one in progress may come too early.
+    /// Starts a whole burst, after the one in progress: its remaining scans may come too early.
     void scheduleFreshDeferredScan(ProcessID);
     void endDeferredScanBurst(ProcessID);
     void scheduleLifecycleTick(ProcessID, Duration delay);
