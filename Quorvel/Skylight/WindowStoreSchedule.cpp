@@ -224,7 +224,10 @@ void WindowStore::startLifecycleMonitoring(ProcessID pid, Duration initialDelay)
 
 void WindowStore::scheduleLifecycleTick(ProcessID pid, Duration delay)
 {
-    record(pid).lifecycle->nextTickAt = m_dispatch.now() + delay;
+    auto& state = *record(pid).lifecycle;
+    state.nextTickAt = m_dispatch.now() + delay;
+    m_trace.line("lifecycle pid={} phase={} stableScans={} delay={:.3f}", raw(pid),
+        rawValue(state.phase), state.stableScans, std::chrono::duration<double>(delay).count());
     scheduleNextLook();
 }
 
