@@ -144,7 +144,10 @@ bool WindowScanner::admit(const CGWindowInfo& window, const AXWindowMetadataByID
     bool isKnown = metadata != metadataByID.end();
     ScannedWindowCandidate candidate;
     candidate.appName = window.ownerName.value_or("Unknown");
-    candidate.title = isKnown ? metadata->second.title : readTitleFromAX(*window.ownerPID, id);
+    if (isKnown)
+        candidate.title = metadata->second.title;
+    if (!candidate.title)
+        candidate.title = readTitleFromAX(*window.ownerPID, id);
     candidate.frame = *window.bounds;
     candidate.spaces = moment.spaces.windows.spaces(id);
     candidate.unlistedSpaces = moment.spaces.windows.unlistedSpaces();
