@@ -41,6 +41,27 @@ TEST_F(WindowStoreEvents, aFocusEventWithoutAWindowIsAnsweredByTheApplication)
     EXPECT_EQ(store.focusedWindowID(), inbox) << "no answer says nothing about the focus";
 }
 
+// Fault: an application that is busy while it makes a dialog gets a chip for it, for half an
+// answer.
+TEST_F(WindowStoreEvents, halfAnAnswerAboutANewWindowMakesNoChip)
+{
+    for (int answers = 0; answers < 6; ++answers) {
+        auto dialog = desktop.open(mail, {.subrole = "AXDialog"});
+        desktop.application(mail).faults.messagesUntilHang = answers;
+        store.handleAXEvent(event(dialog, ax::windowCreated));
+        EXPECT_FALSE(isTracked(dialog)) << answers << " answers";
+        desktop.application(mail).faults = {};
+        desktop.advance(seconds(20));
+        EXPECT_FALSE(isTracked(dialog)) << answers << " answers";
+    }
+    auto window = desktop.open(mail);
+    desktop.application(mail).faults.messagesUntilHang = 2;
+    store.handleAXEvent(event(window, ax::windowCreated));
+    desktop.application(mail).faults = {};
+    desktop.advance(seconds(20));
+    EXPECT_TRUE(isTracked(window)) << "looked at again";
+}
+
 TEST_F(WindowStoreEvents, anActivationThatCannotBeResolvedLeavesTheFocus)
 {
     desktop.activate(news);

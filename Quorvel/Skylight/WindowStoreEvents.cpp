@@ -43,10 +43,12 @@ void WindowStore::scanForUntracked(ProcessID pid)
 void WindowStore::handleWindowCreated(const AXWindowEvent& event)
 {
     auto metadata = m_scanner.readMetadata(event.pid, event.element);
-    if (event.windowID)
+    // Half an answer would make a window of another kind of it.
+    const bool isWhole = !m_scanner.calls().hasTimedOut(event.pid);
+    if (event.windowID && isWhole)
         admitCreatedWindow(event, *event.windowID, metadata);
     // Announced before the window server lists it, or while nobody knows its space.
-    if (isDockEligibleAXWindow(metadata) && !tracked(event.windowID))
+    if ((!isWhole || isDockEligibleAXWindow(metadata)) && !tracked(event.windowID))
         scanForUntracked(event.pid);
     ensureLifecycleMonitoringForWindowActivity(event.pid);
 }
