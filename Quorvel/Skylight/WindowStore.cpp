@@ -287,7 +287,9 @@ void WindowStore::populate()
         std::ranges::for_each(moment.eligiblePIDs, [this](auto pid) { scheduleDeferredScan(pid); });
     for (auto& [pid, windows] : moment.windowsByOwner)
         populateProcess(pid, moment);
-    if (auto frontmost = m_workspace.frontmostApplication())
+    // A question to ourselves would wait for the very thread that asks.
+    if (auto frontmost = m_workspace.frontmostApplication();
+        frontmost && !m_workspace.isSelfActive())
         handleAppActivated(*frontmost);
     notifyChange();
 }
