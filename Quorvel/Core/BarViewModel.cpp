@@ -433,7 +433,7 @@ bool BarViewModel::isOnScreen(WindowID id, const ScreenFilter& filter) const
     auto* window = m_windowStore.window(id);
     if (!window || window->isMinimized)
         return true;
-    auto frame = window->frame.flipped(filter.screens.front().frame.height);
+    auto frame = window->frame.flipped(m_spaceWindows.primaryScreenMaxY(filter.screens));
     auto meets = [&](const Screen& screen) { return frame.intersects(screen.frame); };
     return meets(filter.screens[filter.index])
         || (filter.isHome && std::ranges::none_of(filter.screens, meets));

@@ -148,7 +148,7 @@ std::vector<WindowAvoidanceManager::Resize> WindowAvoidanceManager::findOverlaps
     const auto screens = m_displays.screens();
     if (screens.empty())
         return overlaps;
-    const double height = screens.front().frame.height;
+    const double top = m_spaceWindows.primaryScreenMaxY(screens);
     const bool hasSeparateSpaces = m_windowServer.displaysHaveSeparateSpaces();
     std::vector<const TrackedWindow*> all;
     for (auto& [id, window] : m_windowStore.windows())
@@ -160,12 +160,12 @@ std::vector<WindowAvoidanceManager::Resize> WindowAvoidanceManager::findOverlaps
         const auto info = std::ranges::find(spaces, space, &SpaceWindows::Info::spaceID);
         if (!panels.contains(space) || info == spaces.end())
             continue;
-        shortenOn(screenOf(*info, screens), height,
+        shortenOn(screenOf(*info, screens), top,
             hasSeparateSpaces ? m_windowStore.windows(space) : all, overlaps);
     }
     for (auto index : m_bars.getMirrorScreenIndices()) {
         if (index < screens.size())
-            shortenOn(screens[index], height, all, overlaps);
+            shortenOn(screens[index], top, all, overlaps);
     }
     return overlaps;
 }
@@ -182,10 +182,10 @@ Screen WindowAvoidanceManager::screenOf(
     return m_spaceWindows.screen("MAIN", screens).value_or(screens.front());
 }
 
-void WindowAvoidanceManager::shortenOn(const Screen& screen, double firstScreenHeight,
+void WindowAvoidanceManager::shortenOn(const Screen& screen, double primaryScreenMaxY,
     const std::vector<const TrackedWindow*>& candidates, std::vector<Resize>& overlaps) const
 {
-    const auto area = screen.frame.flipped(firstScreenHeight);
+    const auto area = screen.frame.flipped(primaryScreenMaxY);
     const double limit
         = area.maxY() - m_bars.getDockRoom(screen) - m_barHeight - resizeCursorClearance;
     for (auto* window : candidates) {

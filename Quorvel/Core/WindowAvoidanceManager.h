@@ -80,7 +80,7 @@ private:
     void forgetMovedWindows();
     std::vector<Resize> findOverlaps() const;
     Screen screenOf(const SpaceWindows::Info&, const std::vector<Screen>&) const;
-    void shortenOn(const Screen&, double firstScreenHeight,
+    void shortenOn(const Screen&, double primaryScreenMaxY,
         const std::vector<const TrackedWindow*>& candidates, std::vector<Resize>&) const;
 
     const WindowStore& m_windowStore;

@@ -271,7 +271,7 @@ std::optional<Rect> WindowMoves::displayOf(SpaceID space) const
     auto screen = known ? m_spaceWindows.screen(known->displayIdentifier, screens) : std::nullopt;
     if (!screen)
         return {};
-    return screen->frame.flipped(screens.front().frame.height);
+    return screen->frame.flipped(m_spaceWindows.primaryScreenMaxY(screens));
 }
 
 }

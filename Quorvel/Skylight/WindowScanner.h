@@ -81,6 +81,7 @@ public:
     WindowScanner(Accessibility&, WindowServer&, Displays&, const Workspace&, const Trace&);
 
     AXCalls& calls() { return m_calls; }
+    const SpaceWindows& spaceWindows() const { return m_spaceWindows; }
 
     /// The windows of these processes.
     Moment lookAt(const std::set<ProcessID>&) const;

@@ -155,9 +155,7 @@ void WindowStore::handleFrameChanged(const AXWindowEvent& event)
 std::optional<std::size_t> WindowStore::indexOfScreenContaining(const Rect& windowFrame) const
 {
     auto screens = m_displays.screens();
-    if (screens.empty())
-        return {};
-    auto flipped = windowFrame.flipped(screens.front().frame.height);
+    auto flipped = windowFrame.flipped(m_scanner.spaceWindows().primaryScreenMaxY(screens));
     auto found = std::find_if(screens.begin(), screens.end(),
         [&](const Screen& screen) { return screen.frame.contains(flipped.centre()); });
     if (found == screens.end())
