@@ -446,6 +446,12 @@ TEST_F(BarInteractionTest, themesLieOverTheBlurUnlessTheUserWantsNoTransparency)
         EXPECT_THAT(panel().render().drawn<DrawnGradient>(), IsEmpty());
         EXPECT_EQ(panel().render().drawn<DrawnFill>().front().color.red < 0.5, isDark);
     }
+    desktop.program().setAppearance({.increaseContrast = true});
+    desktop.drain();
+    EXPECT_FALSE(panel().effect());
+    auto ground = panel().render().drawn<DrawnFill>().front();
+    EXPECT_EQ(ground.rect, panel().bounds()) << "and not only where no blur is possible";
+    EXPECT_EQ(ground.color.alpha, 1);
 }
 
 TEST_F(BarInteractionTest, titlesFollowTheSettings)

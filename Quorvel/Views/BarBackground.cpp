@@ -112,7 +112,7 @@ void BarBackground::paintGround(Canvas& canvas) const
         canvas.fill(bounds(), m_appearance.isDark ? m_palette.ground : white(0.92));
         return;
     }
-    if (m_isOpaque)
+    if (m_isOpaque || m_appearance.increaseContrast)
         canvas.fill(bounds(), m_palette.ground);
     if (m_appearance.increaseContrast)
         return canvas.fill(topLine(bounds()), m_palette.edge);
