@@ -252,6 +252,20 @@ TEST_F(BarInteractionTest, pinsStandBeforeTheChipsWhileTheirApplicationHasNoWind
     EXPECT_THAT(manager().pinStore().pinnedAppIDs(PinDestination::bar),
         ElementsAre("mail", "browser", "player", "editor"));
 
+    // The same while something without a pin has a place behind it.
+    leave();
+    desktop.workspace().install("viewer", "/Applications/viewer");
+    desktop.workspace().openApplication({"/Applications/viewer"});
+    desktop.drain();
+    pins = content().pinFrames();
+    ASSERT_THAT(pins, SizeIs(3));
+    drag(pins[0].second.centre(), pins[1].second.centre().translated(15, 0));
+    EXPECT_THAT(manager().pinStore().pinnedAppIDs(PinDestination::bar),
+        ElementsAre("mail", "player", "browser", "editor"));
+    drag(pins[0].second.centre(), pins[1].second.centre().translated(15, 0));
+    leave();
+    desktop.advance(LaunchMarks::kPatience);
+
     panel().movePointer(middleOf(inbox));
     auto player = desktop.launch({.name = "Player", .bundleIdentifier = "player"});
     desktop.open(player, {.title = "Song"});

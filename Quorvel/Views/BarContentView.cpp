@@ -513,10 +513,14 @@ void BarContentView::pinMoved(const std::string& bundleID, const ReorderDrag& dr
     if (!drag.isElsewhere())
         return; // behind the last one means something else than where it is
     auto pinned = m_inputs.pinStore.pinnedAppIDs(PinDestination::bar);
-    auto before = drag.dropTargetID(
-        [&](auto& id) { return std::ranges::find(pinned, id) != pinned.end(); });
-    if (!before)
-        before = nextPinnedAppIDAfterVisibleEnd(bundleID, drag.previewOrder(), pinned);
+    auto isPinned = [&](auto& id) { return std::ranges::find(pinned, id) != pinned.end(); };
+    auto before = drag.dropTargetID(isPinned);
+    if (!before) {
+        // An application that is being started has a place on the bar without a pin.
+        auto visible = drag.previewOrder();
+        std::erase_if(visible, std::not_fn(isPinned));
+        before = nextPinnedAppIDAfterVisibleEnd(bundleID, visible, pinned);
+    }
     m_inputs.pinStore.movePinnedApp(bundleID, before, PinDestination::bar);
 }
 
