@@ -159,6 +159,16 @@ TEST_F(BadgeServiceTest, aRequestIsWithdrawnByProcessAndByNameOnlyIfThatFails)
     acknowledge("mail");
     EXPECT_EQ(system.takeRuns(), (Runs{kList, withdrawal("pid:431"), kList, withdrawal("pid:431")}))
         << "what cannot be started once is not started again";
+
+    std::string traced;
+    desktop.trace().setSink([&](std::string_view line) {
+        if (line.starts_with("badges setinfo"))
+            traced = line.substr(line.find("stdout="));
+    });
+    const std::string almost = std::string(233, 'x') + "\xC3\xA9";
+    system.answer("setinfo", ToolResult{0, " \r\na\n" + almost + "y", almost + "\n\nb"});
+    acknowledge("mail");
+    EXPECT_EQ(traced, "stdout=| a | " + almost + "… stderr=" + almost + " |  | …");
 }
 
 TEST_F(BadgeServiceTest, aToolThatFailsTakesNothingButAttentionWithItAndOnlyUntilItWorks)

@@ -10,29 +10,36 @@ namespace {
 
 constexpr std::size_t kTracedCharacters = 240;
 
+/// Cut between two characters.
+std::string shortened(std::string_view text)
+{
+    std::size_t characters = 0;
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        const bool continues = (static_cast<unsigned char>(text[index]) & 0xC0) == 0x80;
+        if (!continues && ++characters > kTracedCharacters)
+            return std::string{text.substr(0, index)} + "…";
+    }
+    return std::string{text};
+}
+
 /// What a tool printed, as one short line. The text is valid UTF-8.
 std::string condensed(std::string_view text)
 {
-    constexpr std::string_view blanks = " \t\n\v\f\r";
-    const auto first = std::min(text.find_first_not_of(blanks), text.size());
-    text.remove_prefix(first);
-    text.remove_suffix(text.size() - (text.find_last_not_of(blanks) + 1));
-
     std::string line;
-    std::size_t characters = 0;
     for (std::size_t index = 0; index < text.size(); ++index) {
         const auto byte = static_cast<unsigned char>(text[index]);
         if (text.substr(index).starts_with("\r\n"))
             continue;
-        const bool continues = (byte & 0xC0) == 0x80;
-        if (!continues && ++characters > kTracedCharacters)
-            return line + "…";
         if (byte == '\n')
             line += " | ";
+        else if (byte == '\t' || byte == '\v' || byte == '\f')
+            line += ' ';
         else
             line += byte < 0x20 || byte == 0x7F ? '?' : text[index];
     }
-    return line;
+    line.erase(0, line.find_first_not_of(' '));
+    line.erase(line.find_last_not_of(' ') + 1);
+    return shortened(line);
 }
 
 }
