@@ -141,17 +141,16 @@ TEST_F(AppLauncherTest, foldersThatCannotBeListedAreLeftOut)
     EXPECT_THAT(names(), ElementsAre("Four", "One"));
 }
 
-// A folder that links to its own parents is a tree without an end.
+// Faults: a tree without an end, as where a folder links to its own parents; one folder with many
+// others hides what lies beside it.
 TEST_F(AppLauncherTest, aDiskFullOfFoldersComesToAnEnd)
 {
-    auto& sources = desktop.bundles().sources();
-    sources.folders = {{"/deep", 1'000'000}, {"/later"}};
-    std::string path = "/deep";
+    desktop.bundles().sources().folders = {{"/full", 1'000'000}, {"/later"}};
     for (std::size_t i = 0; i < AppDiscovery::kMostFolders; ++i)
-        path += "/a";
-    install("/deep/First.app");
-    install(path + "/TooDeep.app");
-    install("/deep/second.app");
+        desktop.bundles().makeFolder("/full/a/" + std::to_string(i));
+    install("/full/a/last/TooMuch.app");
+    install("/full/First.app");
+    install("/full/z/second.app");
     install("/later/Third.app");
     start();
     EXPECT_THAT(names(), ElementsAre("First", "second", "Third"));

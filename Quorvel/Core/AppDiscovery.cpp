@@ -46,17 +46,22 @@ std::vector<AppInfo> AppDiscovery::discoverApplications()
     return apps;
 }
 
+/// The uppermost folders first: what the limit cuts off is the deepest.
 void AppDiscovery::discoverApps(const ApplicationFolder& folder)
 {
-    const bool exists = discoverAppsRecursively(folder.path, 0, folder.maximumDepth);
+    std::deque<Folder> folders;
+    const bool isListed = discoverAppsIn({folder.path}, folder.maximumDepth, folders);
+    for (; !folders.empty() && m_listedFolders < kMostFolders && !isEnough(); folders.pop_front())
+        discoverAppsIn(folders.front(), folder.maximumDepth, folders);
     if (folder.watch == FolderWatch::always
-        || (folder.watch == FolderWatch::whileItExists && exists))
+        || (folder.watch == FolderWatch::whileItExists && isListed))
         m_foldersToWatch.push_back(folder.path);
 }
 
-bool AppDiscovery::discoverAppsRecursively(const std::string& folder, int depth, int maximumDepth)
+bool AppDiscovery::discoverAppsIn(
+    const Folder& folder, int maximumDepth, std::deque<Folder>& folders)
 {
-    auto entries = m_bundles.list(folder);
+    auto entries = m_bundles.list(folder.path);
     if (!entries)
         return false;
     ++m_listedFolders;
@@ -67,11 +72,11 @@ bool AppDiscovery::discoverAppsRecursively(const std::string& folder, int depth,
             break;
         if (entry.isHidden)
             continue;
-        const auto path = folder + '/' + entry.name;
+        auto path = folder.path + '/' + entry.name;
         if (isApp(path))
             offer(path);
-        else if (entry.isFolder && depth < maximumDepth && m_listedFolders < kMostFolders)
-            discoverAppsRecursively(path, depth + 1, maximumDepth);
+        else if (entry.isFolder && folder.depth < maximumDepth)
+            folders.push_back({std::move(path), folder.depth + 1});
     }
     return true;
 }

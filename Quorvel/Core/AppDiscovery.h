@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <deque>
 #include <optional>
 #include <set>
 #include <string>
@@ -19,7 +20,7 @@ class AppDiscovery {
 public:
     /// More than any user has; a disk full of applications stays bearable.
     static constexpr std::size_t kMostApps = 20'000;
-    static constexpr std::size_t kMostFolders = 500;
+    static constexpr std::size_t kMostFolders = 5'000;
 
     /// Once `isCancelled` is set, it ends with what it has.
     AppDiscovery(const Bundles&, const Text&, const std::atomic_bool& isCancelled);
@@ -31,8 +32,12 @@ public:
 
 private:
     void discoverApps(const ApplicationFolder&);
-    /// Whether the folder could be listed.
-    bool discoverAppsRecursively(const std::string& folder, int depth, int maximumDepth);
+    struct Folder {
+        std::string path;
+        int depth = 0;
+    };
+    /// Adds the folders within to `folders`. False if it could not be listed.
+    bool discoverAppsIn(const Folder&, int maximumDepth, std::deque<Folder>& folders);
     void offer(const std::string& path);
     std::optional<AppInfo::Facts> createAppInfo(
         const ApplicationURL&, std::set<std::string>& seenBundleIDs) const;
