@@ -45,8 +45,6 @@ private:
     void observe(NSNotificationName, const Signal<RunningApplication>&);
     void observe(NSNotificationName, const Signal<>&);
     void announceLaunch(NSString* path);
-    using Completion = void (^)(NSRunningApplication*, NSError*);
-    Completion reportsFailure(NSString* path);
 
     std::vector<NotificationObserver> m_observers;
 };

@@ -46,14 +46,6 @@ ApplicationLaunch launchOf(NSString* path)
     return launch;
 }
 
-/// As when the system asks before it opens what came from the net, and the user says no.
-bool isUsersOwnChoice(NSError* error)
-{
-    constexpr NSInteger kUserCancelled = -128;
-    return ([error.domain isEqualToString:NSCocoaErrorDomain] && error.code == NSUserCancelledError)
-        || ([error.domain isEqualToString:NSOSStatusErrorDomain] && error.code == kUserCancelled);
-}
-
 /// Nil for lack of memory.
 NSBitmapImageRep* makeBitmap(int pixels)
 {
@@ -171,16 +163,6 @@ void MacWorkspace::announceLaunch(NSString* path)
         launchDidBegin.emit(launchOf(path));
 }
 
-/// The system calls it on a queue of its own, also after the program was only brought to the front.
-MacWorkspace::Completion MacWorkspace::reportsFailure(NSString* path)
-{
-    return ^(NSRunningApplication*, NSError* error) {
-        if (!error || isUsersOwnChoice(error))
-            return;
-        dispatch_async(dispatch_get_main_queue(), ^{ launchDidFail.emit(launchOf(path)); });
-    };
-}
-
 void MacWorkspace::openApplication(const ApplicationURL& url)
 {
     if (NSString* path = toSystem(url.path)) {
@@ -188,7 +170,7 @@ void MacWorkspace::openApplication(const ApplicationURL& url)
         [NSWorkspace.sharedWorkspace
             openApplicationAtURL:[NSURL fileURLWithPath:path]
                    configuration:[NSWorkspaceOpenConfiguration configuration]
-               completionHandler:reportsFailure(path)];
+               completionHandler:nil];
     }
 }
 
@@ -199,7 +181,7 @@ void MacWorkspace::openNewInstance(const ApplicationURL& url)
         configuration.createsNewApplicationInstance = YES;
         [NSWorkspace.sharedWorkspace openApplicationAtURL:[NSURL fileURLWithPath:path]
                                             configuration:configuration
-                                        completionHandler:reportsFailure(path)];
+                                        completionHandler:nil];
     }
 }
 
@@ -215,7 +197,7 @@ void MacWorkspace::openFiles(const std::vector<std::string>& paths, const Applic
         [NSWorkspace.sharedWorkspace openURLs:files
                          withApplicationAtURL:[NSURL fileURLWithPath:path]
                                 configuration:[NSWorkspaceOpenConfiguration configuration]
-                            completionHandler:reportsFailure(path)];
+                            completionHandler:nil];
     }
 }
 

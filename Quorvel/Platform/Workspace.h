@@ -75,7 +75,8 @@ public:
 
     /// One of the calls above starts a program. `didLaunch` follows when it shows up, if it does.
     Signal<ApplicationLaunch> launchDidBegin;
-    /// It could not be started, or ended at once because its program or a library is missing.
+    /// It could not be started, or ended at once because its program or a library is missing. Only
+    /// where the system itself says nothing.
     Signal<ApplicationLaunch> launchDidFail;
     Signal<> didWake;
     Signal<> activeSpaceDidChange;
