@@ -211,7 +211,9 @@ MacPanel::MacPanel(
                                           context:context])
     , m_calls(m_panel)
     , m_place(context.windowServer, m_calls, ownSpace(options))
-    , m_keyboard(m_calls, client, context.mainQueue)
+    , m_keyboard(m_calls, client, context.mainQueue,
+          m_kind == PanelKind::launcher ? KeyboardSession::ToldEnds::all
+                                        : KeyboardSession::ToldEnds::ofHeldKeyboard)
     , m_activeSpaceChange(
           context.workspace.activeSpaceDidChange.subscribe([this] { activeSpaceDidChange(); }))
 {

@@ -87,6 +87,29 @@ TEST_F(MacRulesTest, theKeyboardIsTheClientsOnceTheSystemHasHadItsSay)
     EXPECT_THAT(client.keyboard, ElementsAre(true, false));
 }
 
+// Faults: a launcher stays open over what the user turned to before the keys were known to be its
+// own, or after they came late; it is told twice.
+TEST_F(MacRulesTest, whereTheKeysMatterMostEveryLossIsTold)
+{
+    KeyboardSession keyboard{panel, client, mainQueue, KeyboardSession::ToldEnds::all};
+    keyboard.take();
+    keyboard.keyDidChange(false);
+    EXPECT_THAT(client.keyboard, ElementsAre(false)) << "before the confirmation";
+
+    panel.mayBecomeKey = false;
+    keyboard.take();
+    desktop.advance(KeyboardSession::kPatience);
+    keyboard.keyDidChange(true);
+    keyboard.keyDidChange(false);
+    EXPECT_THAT(client.keyboard, ElementsAre(false, false)) << "keys that came late";
+
+    panel.mayBecomeKey = true;
+    keyboard.take();
+    desktop.advance(KeyboardSession::kPatience);
+    keyboard.keyDidChange(false);
+    EXPECT_THAT(client.keyboard, ElementsAre(false, false, true, false));
+}
+
 // Faults: a chip stays lit after its bar went with its space; a hover timer sleeps; the program is
 // kept awake for ever.
 TEST_F(MacRulesTest, thePointerLeavesWithItsSurfaceAndTheProgramIsAwakeWhileItIsThere)

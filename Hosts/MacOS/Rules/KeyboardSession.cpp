@@ -6,10 +6,12 @@
 
 namespace quorvel {
 
-KeyboardSession::KeyboardSession(SystemPanel& panel, SurfaceClient& client, Queue& mainQueue)
+KeyboardSession::KeyboardSession(
+    SystemPanel& panel, SurfaceClient& client, Queue& mainQueue, ToldEnds toldEnds)
     : m_panel(panel)
     , m_client(client)
     , m_mainQueue(mainQueue)
+    , m_toldEnds(toldEnds)
 {
 }
 
@@ -42,8 +44,13 @@ void KeyboardSession::release()
 
 void KeyboardSession::keyDidChange(bool isKey)
 {
-    if (m_isWanted && !isKey)
-        end();
+    if (isKey)
+        return;
+    const bool wasHeld = m_isHeld;
+    if (m_isWanted)
+        end(); // which may do away with this, if the client is told
+    if (!wasHeld && m_toldEnds == ToldEnds::all)
+        m_client.keyboardDidChange(false);
 }
 
 void KeyboardSession::end()

@@ -14,7 +14,12 @@ class KeyboardSession {
 public:
     static constexpr Duration kPatience = seconds(0.05);
 
-    KeyboardSession(SystemPanel&, SurfaceClient&, Queue& mainQueue);
+    /// Which end the client is told of. A panel that is there for its keys has to hear also that
+    /// they never came, or came too late and are gone.
+    enum class ToldEnds { ofHeldKeyboard, all };
+
+    KeyboardSession(
+        SystemPanel&, SurfaceClient&, Queue& mainQueue, ToldEnds = ToldEnds::ofHeldKeyboard);
 
     void take();
     void release();
@@ -32,6 +37,7 @@ private:
     SystemPanel& m_panel;
     SurfaceClient& m_client;
     Queue& m_mainQueue;
+    ToldEnds m_toldEnds;
     bool m_isWanted = false;
     bool m_isHeld = false;
     WorkItem m_confirmation;
