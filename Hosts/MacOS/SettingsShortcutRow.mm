@@ -42,6 +42,7 @@ public:
     {
         m_shortcut = std::get<SettingsShortcut>(row.control);
         m_record.accessibilityLabel = shownText(row.title);
+        m_record.toolTip = shownText(m_shortcut.recordHelp);
         m_record.enabled = row.isEnabled;
         m_clear.enabled = row.isEnabled && m_shortcut.value.has_value();
         update();

@@ -57,6 +57,7 @@ void ShortcutRow::refresh()
     const auto& help = shortcut.status.empty() ? m_description.help : shortcut.status;
     gtk_button_set_label(m_button, text.c_str());
     setAccessibleName(GTK_WIDGET(m_button), text);
+    gtk_widget_set_tooltip_text(GTK_WIDGET(m_button), shortcut.recordHelp.c_str());
     setHelp(m_recording ? shortcut.recordHelp : help);
     gtk_widget_set_visible(m_warning, !m_recording && !shortcut.status.empty());
     gtk_widget_set_visible(m_clear, !m_recording && shortcut.value.has_value());
