@@ -397,6 +397,18 @@ TEST_F(BarViewModelTest, aLitChipWaitsForItsWindowUnlessTheUserGoesElsewhere)
     desktop.focus(other);
     desktop.advance(seconds(0.1));
     EXPECT_TRUE(chip(other)->isFocused) << "answered, the click is done with";
+
+    focusOn(editor, notes);
+    settle();
+    desktop.window(draft).faults.ignoredRequests.insert("AXFocusedWindow");
+    desktop.application(mail).faults.refusesActivation = true;
+    click(s(draft));
+    for (auto focused : {inbox, notes}) {
+        focusOn(desktop.window(focused).pid, focused);
+        desktop.advance(seconds(0.1));
+        EXPECT_EQ(chip(draft)->isFocused, focused == inbox);
+    }
+    EXPECT_TRUE(chip(notes)->isFocused) << "after an answer, to come back to it is news";
 }
 
 TEST_F(BarViewModelTest, focusThroughAccessibilityAloneActivatesNobody)

@@ -152,6 +152,9 @@ BarViewModel::FocusDecision BarViewModel::resolveFocus()
             return {m_pendingFocusedWindowID, "pending-preserved-unanswered", std::move(keys)};
         return follow("pending-abandoned-different-app", std::move(keys));
     }
+    // The system has answered: to come back to the old window is news.
+    if (focused && !m_focusBeforePending.contains(*store))
+        m_focusBeforePending.clear();
     return {m_pendingFocusedWindowID, "pending-preserved-same-app", std::move(keys)};
 }
 
