@@ -98,9 +98,9 @@ void BarViewModel::refresh(std::optional<SpaceWindows::Answer> given)
     activeSpaceID.set(m_windowServer.activeSpace());
 
     auto focus = resolveFocus();
-    m_trace.line("refresh focus store={} pendingIn={} effective={} reason={}{}",
+    m_trace.line("refresh focus store={} pendingIn={} effective={} reason={}{} seq={}",
         orNil(m_windowStore.focusedWindowID()), orNil(m_pendingFocusedWindowID),
-        orNil(focus.effective), focus.reason, focus.keys);
+        orNil(focus.effective), focus.reason, focus.keys, m_debugEventSequence);
     publish(focus.effective);
 }
 
@@ -316,8 +316,9 @@ void BarViewModel::updateItems(std::set<SpaceID>& changed)
 
 std::vector<DisplayItem> BarViewModel::makeItems(SpaceID space, const std::vector<ChipData>& chips)
 {
-    auto items = m_isGrouped ? m_groups.group(space, chips, focusedWindowID.value())
-                             : std::vector<DisplayItem>{chips.begin(), chips.end()};
+    auto items = m_isGrouped
+        ? m_groups.group(space, chips, focusedWindowID.value(), m_debugEventSequence)
+        : std::vector<DisplayItem>{chips.begin(), chips.end()};
     return m_order.apply(space, std::move(items));
 }
 

@@ -155,10 +155,21 @@ private:
     /// From now on the window represents its group on every space it is on.
     void preferInItsGroups(const TrackedWindow&);
     std::optional<AXElement> findAXWindow(ProcessID, const AXElement& application, WindowID);
-    void focusThroughApplication(WindowID, ProcessID, const AXElement& application);
-    void applyFocusAndRaise(ProcessID, const AXElement&, WindowID, bool isMinimized);
-    void requestApplicationActivation(ProcessID);
-    void retryActivation(WindowID, ProcessID, const AXElement& application, bool isMinimized);
+    /// A click on a window. The store may drop the window meanwhile.
+    struct Activation {
+        AXElement application;
+        WindowID id{};
+        ProcessID pid{};
+        bool isMinimized = false;
+        std::uint64_t sequence = 0; ///< for the trace
+    };
+    void focusThroughApplication(const Activation&);
+    void applyFocusAndRaise(const Activation&, const AXElement&);
+    void requestApplicationActivation(const Activation&);
+    void retryActivation(const Activation&);
+    using ElementOfProcess = std::pair<ProcessID, AXElement>;
+    std::optional<ElementOfProcess> prepareToMinimize(WindowID);
+    std::optional<ElementOfProcess> closeButtonOf(WindowID);
 
     WindowStore& m_windowStore;
     UserSettings& m_settings;
@@ -188,7 +199,7 @@ private:
     /// earlier clicks whose answer may still come.
     std::set<WindowID> m_focusBeforePending;
     bool m_hasPendingExpired = false;
-    std::uint64_t m_debugEventSequence = 0;
+    std::uint64_t m_debugEventSequence = 0; ///< of refreshes and activations
 
     std::vector<Subscription> m_subscriptions;
     WorkItem m_refresh;

@@ -51,45 +51,39 @@ void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore
     auto* window = m_windowStore.window(id);
     if (!window)
         return;
-    ++m_debugEventSequence;
     AXCalls::Scan hungOnlyOnce(m_calls);
     m_activationRetry = {};
     if (m_trace.isOn()) {
-        m_trace.line(
-            "activateWindow begin id={} pid={} key={} spaces={} storeFocused={} pendingBefore={}",
+        m_trace.line("activateWindow begin id={} pid={} key={} spaces={} storeFocused={} "
+                     "pendingBefore={} seq={}",
             raw(id), raw(window->pid), sanitizeLogField(groupKey(*window)),
             joined(window->spaceIDs), orNil(m_windowStore.focusedWindowID()),
-            orNil(m_pendingFocusedWindowID));
+            orNil(m_pendingFocusedWindowID), click.sequence);
     }
-    // The store may drop the window while applications are being asked.
-    auto pid = window->pid;
-    bool isMinimized = window->isMinimized;
     preferInItsGroups(*window);
     if (auto& bundleID = window->bundleIdentifier) {
         if (m_trace.isOn())
-            m_trace.line("activateWindow clearAttention bundleID={}", sanitizeLogField(*bundleID));
+            m_trace.line("activateWindow clearAttention bundleID={} seq={}",
+                sanitizeLogField(*bundleID), click.sequence);
         m_badgeService.clearAttention(*bundleID, m_windowStore.windowIDs(*bundleID));
     }
     setPendingFocus(id);
-    auto application = m_calls.application(pid);
     if (focusBefore == FocusBeforeActivation::yes)
-        focusThroughApplication(id, pid, application);
-    if (m_workspace.runningApplication(pid))
-        requestApplicationActivation(pid);
-    if (auto element = findAXWindow(pid, application, id)) {
-        applyFocusAndRaise(pid, *element, id, isMinimized);
+        focusThroughApplication(click);
+    if (m_workspace.runningApplication(click.pid))
+        requestApplicationActivation(click);
+    if (auto element = findAXWindow(click.pid, click.application, id)) {
+        applyFocusAndRaise(click, *element);
     } else {
-        m_trace.line(
-            "activateWindow AX resolve failed, scheduling retry id={} pid={}", raw(id), raw(pid));
+        m_trace.line("activateWindow AX resolve failed, scheduling retry id={} pid={} seq={}",
+            raw(id), raw(click.pid), click.sequence);
         m_activationRetry
-            = m_dispatch.main().after(kActivationRetry, [this, id, pid, application, isMinimized] {
-                  retryActivation(id, pid, application, isMinimized);
-              });
+            = m_dispatch.main().after(kActivationRetry, [this, click] { retryActivation(click); });
     }
     // Lit at once; a refresh would ask the store, which cannot know yet.
     publish(id);
-    m_trace.line(
-        "activateWindow end id={} focusedWindowID={}", raw(id), orNil(focusedWindowID.value()));
+    m_trace.line("activateWindow end id={} focusedWindowID={} seq={}", raw(id),
+        orNil(focusedWindowID.value()), click.sequence);
 }
 
 void BarViewModel::preferInItsGroups(const TrackedWindow& window)
@@ -101,36 +95,41 @@ void BarViewModel::preferInItsGroups(const TrackedWindow& window)
     m_areItemsStale = true;
 }
 
-void BarViewModel::focusThroughApplication(WindowID id, ProcessID pid, const AXElement& application)
+void BarViewModel::focusThroughApplication(const Activation& click)
 {
-    auto element = findAXWindow(pid, application, id);
+    auto element = findAXWindow(click.pid, click.application, click.id);
     if (!element) {
-        m_trace.line(
-            "activateWindow preactivation AX resolve failed id={} pid={}", raw(id), raw(pid));
+        m_trace.line("activateWindow preactivation AX resolve failed id={} pid={} seq={}",
+            raw(click.id), raw(click.pid), click.sequence);
         return;
     }
-    auto focused = m_calls.setAttribute(pid, application, ax::focusedWindow, *element);
-    auto main = m_calls.setAttribute(pid, application, ax::mainWindow, *element);
-    m_trace.line("activateWindow AX app focused/main sent id={} focusedWindow={} mainWindow={}",
-        raw(id), code(focused), code(main));
-    auto* window = m_windowStore.window(id);
-    applyFocusAndRaise(pid, *element, id, window && window->isMinimized);
+    auto focused = m_calls.setAttribute(click.pid, click.application, ax::focusedWindow, *element);
+    auto main = m_calls.setAttribute(click.pid, click.application, ax::mainWindow, *element);
+    m_trace.line(
+        "activateWindow AX app focused/main sent id={} focusedWindow={} mainWindow={} seq={}",
+        raw(click.id), code(focused), code(main), click.sequence);
+    auto now = click;
+    auto* window = m_windowStore.window(click.id);
+    now.isMinimized = window && window->isMinimized;
+    applyFocusAndRaise(now, *element);
 }
 
-void BarViewModel::applyFocusAndRaise(
-    ProcessID pid, const AXElement& element, WindowID id, bool isMinimized)
+void BarViewModel::applyFocusAndRaise(const Activation& click, const AXElement& element)
 {
-    auto unminimize
-        = isMinimized ? m_calls.setAttribute(pid, element, ax::minimized, false) : AXError::success;
-    auto main = m_calls.setAttribute(pid, element, ax::main, true);
-    auto focus = m_calls.setAttribute(pid, element, ax::focused, true);
-    auto raise = m_calls.performAction(pid, element, ax::raiseAction);
-    m_trace.line("activateWindow AX focus/raise sent id={} unminimize={} main={} focus={} raise={}",
-        raw(id), code(unminimize), code(main), code(focus), code(raise));
+    auto unminimize = click.isMinimized
+        ? m_calls.setAttribute(click.pid, element, ax::minimized, false)
+        : AXError::success;
+    auto main = m_calls.setAttribute(click.pid, element, ax::main, true);
+    auto focus = m_calls.setAttribute(click.pid, element, ax::focused, true);
+    auto raise = m_calls.performAction(click.pid, element, ax::raiseAction);
+    m_trace.line(
+        "activateWindow AX focus/raise sent id={} unminimize={} main={} focus={} raise={} seq={}",
+        raw(click.id), code(unminimize), code(main), code(focus), code(raise), click.sequence);
 }
 
-void BarViewModel::requestApplicationActivation(ProcessID pid)
+void BarViewModel::requestApplicationActivation(const Activation& click)
 {
+    auto pid = click.pid;
     auto frontmost = [this] {
         auto front = m_workspace.frontmostApplication();
         return front ? raw(*front) : -1;
@@ -139,8 +138,8 @@ void BarViewModel::requestApplicationActivation(ProcessID pid)
     int frontmostBefore = m_trace.isOn() ? frontmost() : -1;
     bool isAccepted = m_workspace.activateCooperatively(pid);
     m_trace.line("activateWindow app.activate mode=cooperative pid={} accepted={} "
-                 "selfActiveBefore={} frontmostBefore={}",
-        raw(pid), isAccepted, wasSelfActive, frontmostBefore);
+                 "selfActiveBefore={} frontmostBefore={} seq={}",
+        raw(pid), isAccepted, wasSelfActive, frontmostBefore, click.sequence);
     if (isAccepted)
         return;
     // A yielded activation counts only from the active application, so become that first.
@@ -148,23 +147,22 @@ void BarViewModel::requestApplicationActivation(ProcessID pid)
         m_workspace.activateSelf();
     isAccepted = m_workspace.activateDirectly(pid);
     m_trace.line("activateWindow app.activate mode={} pid={} accepted={} selfActiveAfter={} "
-                 "frontmostAfter={}",
+                 "frontmostAfter={} seq={}",
         wasSelfActive ? "direct" : "direct-after-self-activate", raw(pid), isAccepted,
-        m_workspace.isSelfActive(), frontmost());
+        m_workspace.isSelfActive(), frontmost(), click.sequence);
 }
 
-void BarViewModel::retryActivation(
-    WindowID id, ProcessID pid, const AXElement& application, bool isMinimized)
+void BarViewModel::retryActivation(const Activation& click)
 {
     AXCalls::Scan hungOnlyOnce(m_calls);
     if (auto element = findAXWindow(pid, application, id)) {
         applyFocusAndRaise(pid, *element, id, isMinimized);
         return;
     }
-    m_trace.line(
-        "activateWindow failed resolve AX window after retry id={} pid={}", raw(id), raw(pid));
-    m_windowStore.scheduleDeferredScan(pid);
-    if (m_pendingFocusedWindowID == id)
+    m_trace.line("activateWindow failed resolve AX window after retry id={} pid={} seq={}",
+        raw(click.id), raw(click.pid), click.sequence);
+    m_windowStore.scheduleDeferredScan(click.pid);
+    if (m_pendingFocusedWindowID == click.id)
         dropPendingFocus();
     // The chip was lit when the click came; nothing else would darken it.
     refresh();
@@ -237,14 +235,14 @@ void BarViewModel::closeWindow(WindowID id)
     AXCalls::Scan hungOnlyOnce(m_calls);
     auto pid = window->pid;
     auto element = findAXWindow(pid, m_calls.application(pid), id);
-    if (!element)
-        return;
-    auto button = m_calls.read<AXElement>(pid, *element, ax::closeButton);
+    auto button = element ? m_calls.read<AXElement>(pid, *element, ax::closeButton) : std::nullopt;
     if (!button)
-        return;
+        return {};
     m_calls.setMessagingTimeout(*button);
     m_calls.performAction(pid, *button, ax::pressAction);
 }
+
+// All windows are looked for first: an application that is busy with one of them does not answer.
 
 void BarViewModel::minimizeWindows(const std::vector<WindowID>& ids)
 {

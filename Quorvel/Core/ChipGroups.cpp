@@ -44,9 +44,10 @@ std::string joined(const std::vector<WindowID>& ids)
 
 }
 
-std::vector<DisplayItem> ChipGroups::group(
-    SpaceID space, const std::vector<ChipData>& chips, std::optional<WindowID> focused)
+std::vector<DisplayItem> ChipGroups::group(SpaceID space, const std::vector<ChipData>& chips,
+    std::optional<WindowID> focused, std::uint64_t sequence)
 {
+    m_sequence = sequence;
     std::vector<Bucket> buckets;
     std::unordered_map<std::string_view, std::size_t> bucketByKey;
     for (auto& chip : chips) {
@@ -75,8 +76,8 @@ DisplayItem ChipGroups::single(const std::string& preferredKey, SpaceID space, c
 {
     auto dropped = m_preferredWindowIDByGroupKey.extract(preferredKey);
     if (dropped && m_trace.isOn())
-        m_trace.line("group space={} key={} downgraded-single clearPreferred={}", raw(space),
-            sanitizeLogField(groupKey(chip)), raw(dropped.mapped()));
+        m_trace.line("group space={} key={} downgraded-single clearPreferred={} seq={}", raw(space),
+            sanitizeLogField(groupKey(chip)), raw(dropped.mapped()), m_sequence);
     return chip;
 }
 
@@ -92,9 +93,9 @@ DisplayItem ChipGroups::grouped(const std::string& preferredKey, SpaceID space,
     std::vector<WindowID> ids;
     std::ranges::transform(chips, std::back_inserter(ids), [](auto* chip) { return chip->id; });
     if (m_trace.isOn())
-        m_trace.line("group space={} key={} focused={} preferred={} titleChip={} ordered={}",
+        m_trace.line("group space={} key={} focused={} preferred={} titleChip={} ordered={} seq={}",
             raw(space), sanitizeLogField(groupKey(title)), orNil(focused), orNil(preferredID),
-            raw(title.id), joined(ids));
+            raw(title.id), joined(ids), m_sequence);
     GroupedChipData group{
         .id = groupItemID(groupKey(title)),
         .appName = title.appName,
@@ -118,13 +119,14 @@ void ChipGroups::follow(
             return;
         m_preferredWindowIDByGroupKey.insert_or_assign(preferredKey, focused->id);
         if (m_trace.isOn())
-            m_trace.line("group space={} key={} preferredFromFocused old={} new={}", raw(space),
-                sanitizeLogField(groupKey(*focused)), orNil(old), raw(focused->id));
+            m_trace.line("group space={} key={} preferredFromFocused old={} new={} seq={}",
+                raw(space), sanitizeLogField(groupKey(*focused)), orNil(old), raw(focused->id),
+                m_sequence);
     } else if (old && !chipOf(bucket, old)) {
         m_preferredWindowIDByGroupKey.erase(preferredKey);
         if (m_trace.isOn())
-            m_trace.line("group space={} key={} preferredMissing remove={}", raw(space),
-                sanitizeLogField(groupKey(*bucket.front())), raw(*old));
+            m_trace.line("group space={} key={} preferredMissing remove={} seq={}", raw(space),
+                sanitizeLogField(groupKey(*bucket.front())), raw(*old), m_sequence);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -19,9 +20,10 @@ class ChipGroups {
 public:
     explicit ChipGroups(const Trace& trace) : m_trace(trace) { }
 
-    /// Single chips and groups, in the order in which their applications first appear.
-    std::vector<DisplayItem> group(
-        SpaceID, const std::vector<ChipData>&, std::optional<WindowID> focused);
+    /// Single chips and groups, in the order in which their applications first appear. The sequence
+    /// number is for the trace.
+    std::vector<DisplayItem> group(SpaceID, const std::vector<ChipData>&,
+        std::optional<WindowID> focused, std::uint64_t sequence);
 
     /// From now on this window represents its group on the space.
     void prefer(SpaceID, std::string_view groupKey, WindowID);
@@ -36,6 +38,7 @@ private:
     std::optional<WindowID> preferred(const std::string& preferredKey) const;
 
     const Trace& m_trace;
+    std::uint64_t m_sequence = 0;
     std::map<std::string, WindowID> m_preferredWindowIDByGroupKey;
 };
 
