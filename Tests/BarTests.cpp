@@ -199,7 +199,7 @@ TEST_F(BarTest, aHungApplicationWithManyWindowsLeavesTheBarAliveForTheOthers)
 }
 
 // Fault: an application that hangs in the middle is waited for with each thing that is asked of it.
-TEST_F(BarTest, anApplicationThatHangsAfterItsFirstAnswerCostsOneTimeOut)
+TEST_F(BarTest, anApplicationThatHangsAfterItsFirstAnswerCostsOneRequestAndOneQuestion)
 {
     auto cost = [this](const std::function<void()>& ask) {
         desktop.application(mail).faults.messagesUntilHang = 1;
@@ -211,8 +211,8 @@ TEST_F(BarTest, anApplicationThatHangsAfterItsFirstAnswerCostsOneTimeOut)
         return spent;
     };
     using enum BarViewModel::FocusBeforeActivation;
-    for (auto before : {no, yes})
-        EXPECT_EQ(cost([&] { model().activateWindow(draft, before); }), seconds(0.05));
+    EXPECT_EQ(cost([&] { model().activateWindow(draft, no); }), seconds(0.05));
+    EXPECT_EQ(cost([&] { model().activateWindow(draft, yes); }), seconds(0.1));
     EXPECT_EQ(cost([&] { model().focusWindowWithAXOnly(draft, "test"); }), seconds(0.05));
     EXPECT_EQ(cost([&] { model().minimizeWindows({inbox, draft}); }), seconds(0.05));
 }

@@ -428,6 +428,54 @@ TEST_F(BarViewModelTest, focusThroughAccessibilityAloneActivatesNobody)
     EXPECT_FALSE(model().focusWindowWithAXOnly(draft, "test"));
 }
 
+// Faults: the first request that is answered late is the last one that is made; the bar waits for
+// each; an older click takes the focus of a newer one.
+TEST_F(BarViewModelTest, whatAnApplicationAnswersLateIsAskedOfItAllTheSame)
+{
+    using enum BarViewModel::FocusBeforeActivation;
+    std::set<std::string> threads;
+    auto asked = [&] {
+        std::vector<std::string> names;
+        for (auto& message : desktop.accessibility().messages()) {
+            if (message.kind != AXMessage::Kind::copy && message.pid == mail) {
+                names.push_back(message.name);
+                threads.insert(message.thread);
+            }
+        }
+        return names;
+    };
+    auto cost = [&](const std::function<void()>& click) {
+        desktop.accessibility().forgetMessages();
+        auto before = desktop.dispatch().now();
+        click();
+        auto spent = desktop.dispatch().now() - before;
+        settle();
+        return spent;
+    };
+    desktop.minimise(draft);
+    focusOn(editor, notes);
+    settle();
+    desktop.application(mail).faults.answersRequestsLate = true;
+    EXPECT_EQ(cost([&] { model().activateWindow(draft, no); }), seconds(0.05));
+    EXPECT_THAT(asked(), ElementsAre("AXMinimized", "AXMain", "AXFocused", "AXRaise"));
+    EXPECT_THAT(threads, ElementsAre("com.quorvel.lateRequests", "main"));
+    EXPECT_FALSE(desktop.window(draft).isMinimized);
+
+    EXPECT_EQ(
+        cost([&] { EXPECT_FALSE(model().focusWindowWithAXOnly(inbox, "test")); }), seconds(0.05));
+    EXPECT_EQ(desktop.application(mail).focusedWindow, inbox);
+    EXPECT_THAT(asked(), SizeIs(6)) << "the frontmost and the five of the window";
+
+    EXPECT_EQ(cost([&] { model().minimizeWindows({inbox, draft}); }), seconds(0.05));
+    EXPECT_TRUE(desktop.window(inbox).isMinimized && desktop.window(draft).isMinimized);
+
+    cost([&] {
+        model().activateWindow(draft, no);
+        model().activateWindow(notes, no);
+    });
+    EXPECT_THAT(asked(), ElementsAre("AXMinimized")) << "the newer click holds";
+}
+
 // MARK: Stored applications
 
 TEST_F(BarViewModelTest, aStoredApplicationHasANameAndCanBeOpened)

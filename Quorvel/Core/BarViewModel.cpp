@@ -56,7 +56,8 @@ BarViewModel::BarViewModel(WindowStore& windowStore, UserSettings& settings,
     , m_bundles(platform.bundles)
     , m_trace(platform.trace)
     , m_spaceWindows(platform.windowServer, platform.displays)
-    , m_calls(platform.accessibility)
+    , m_lateRequests(platform.dispatch)
+    , m_calls(platform.accessibility, &m_lateRequests)
     , m_icons(platform.workspace)
     , m_groups(platform.trace)
 {

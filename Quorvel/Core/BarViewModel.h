@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Quorvel/Core/ApplicationIcons.h"
@@ -19,6 +20,7 @@
 #include "Quorvel/Platform/Trace.h"
 #include "Quorvel/Platform/WeakOwner.h"
 #include "Quorvel/Skylight/AXCalls.h"
+#include "Quorvel/Skylight/LateRequests.h"
 #include "Quorvel/Skylight/SpaceWindows.h"
 
 namespace quorvel {
@@ -96,8 +98,8 @@ public:
     /// Gives the window the focus without activating its application. The context is for the trace.
     /// True if every essential request was accepted.
     bool focusWindowWithAXOnly(WindowID, std::string_view context);
-    void minimizeWindow(WindowID);
-    void closeWindow(WindowID);
+    void minimizeWindow(WindowID id) { minimizeWindows({id}); }
+    void closeWindow(WindowID id) { closeWindows({id}); }
     /// Waits once for an application that does not answer, not once for each window.
     void minimizeWindows(const std::vector<WindowID>&);
     void closeWindows(const std::vector<WindowID>&);
@@ -181,6 +183,7 @@ private:
     const Bundles& m_bundles;
     const Trace& m_trace;
     SpaceWindows m_spaceWindows;
+    LateRequests m_lateRequests;
     AXCalls m_calls;
 
     ApplicationIcons m_icons;

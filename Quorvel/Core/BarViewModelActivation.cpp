@@ -53,6 +53,9 @@ void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore
         return;
     AXCalls::Scan hungOnlyOnce(m_calls);
     m_activationRetry = {};
+    m_lateRequests.beginActivation();
+    const Activation click{m_calls.application(window->pid), id, window->pid, window->isMinimized,
+        ++m_debugEventSequence};
     if (m_trace.isOn()) {
         m_trace.line("activateWindow begin id={} pid={} key={} spaces={} storeFocused={} "
                      "pendingBefore={} seq={}",
@@ -155,8 +158,9 @@ void BarViewModel::requestApplicationActivation(const Activation& click)
 void BarViewModel::retryActivation(const Activation& click)
 {
     AXCalls::Scan hungOnlyOnce(m_calls);
-    if (auto element = findAXWindow(pid, application, id)) {
-        applyFocusAndRaise(pid, *element, id, isMinimized);
+    m_lateRequests.continueActivation();
+    if (auto element = findAXWindow(click.pid, click.application, click.id)) {
+        applyFocusAndRaise(click, *element);
         return;
     }
     m_trace.line("activateWindow failed resolve AX window after retry id={} pid={} seq={}",
@@ -175,6 +179,7 @@ bool BarViewModel::focusWindowWithAXOnly(WindowID id, std::string_view context)
         return false;
     AXCalls::Scan hungOnlyOnce(m_calls);
     m_activationRetry = {};
+    m_lateRequests.beginActivation();
     auto pid = window->pid;
     bool isMinimized = window->isMinimized;
     auto application = m_calls.application(pid);
@@ -208,12 +213,11 @@ bool BarViewModel::focusWindowWithAXOnly(WindowID id, std::string_view context)
     return std::ranges::all_of(counting, [](auto error) { return error == AXError::success; });
 }
 
-void BarViewModel::minimizeWindow(WindowID id)
+std::optional<BarViewModel::ElementOfProcess> BarViewModel::prepareToMinimize(WindowID id)
 {
     auto* window = m_windowStore.window(id);
     if (!window)
-        return;
-    AXCalls::Scan hungOnlyOnce(m_calls);
+        return {};
     auto pid = window->pid;
     m_trace.line("minimizeWindow begin id={} pid={}", raw(id), raw(pid));
     willMinimizeWindows.emit({id});
@@ -223,23 +227,22 @@ void BarViewModel::minimizeWindow(WindowID id)
     }
     if (focusedWindowID.value() == id)
         publish(std::nullopt);
-    if (auto element = findAXWindow(pid, m_calls.application(pid), id))
-        m_calls.setAttribute(pid, *element, ax::minimized, true);
+    auto element = findAXWindow(pid, m_calls.application(pid), id);
+    return element ? std::optional{ElementOfProcess{pid, *element}} : std::nullopt;
 }
 
-void BarViewModel::closeWindow(WindowID id)
+std::optional<BarViewModel::ElementOfProcess> BarViewModel::closeButtonOf(WindowID id)
 {
     auto* window = m_windowStore.window(id);
     if (!window)
-        return;
-    AXCalls::Scan hungOnlyOnce(m_calls);
+        return {};
     auto pid = window->pid;
     auto element = findAXWindow(pid, m_calls.application(pid), id);
     auto button = element ? m_calls.read<AXElement>(pid, *element, ax::closeButton) : std::nullopt;
     if (!button)
         return {};
     m_calls.setMessagingTimeout(*button);
-    m_calls.performAction(pid, *button, ax::pressAction);
+    return ElementOfProcess{pid, *button};
 }
 
 // All windows are looked for first: an application that is busy with one of them does not answer.
@@ -247,15 +250,27 @@ void BarViewModel::closeWindow(WindowID id)
 void BarViewModel::minimizeWindows(const std::vector<WindowID>& ids)
 {
     AXCalls::Scan hungOnlyOnce(m_calls);
-    for (auto id : ids)
-        minimizeWindow(id);
+    m_lateRequests.beginOther();
+    std::vector<ElementOfProcess> found;
+    for (auto id : ids) {
+        if (auto window = prepareToMinimize(id))
+            found.push_back(std::move(*window));
+    }
+    for (auto& [pid, window] : found)
+        m_calls.setAttribute(pid, window, ax::minimized, true);
 }
 
 void BarViewModel::closeWindows(const std::vector<WindowID>& ids)
 {
     AXCalls::Scan hungOnlyOnce(m_calls);
-    for (auto id : ids)
-        closeWindow(id);
+    m_lateRequests.beginOther();
+    std::vector<ElementOfProcess> found;
+    for (auto id : ids) {
+        if (auto button = closeButtonOf(id))
+            found.push_back(std::move(*button));
+    }
+    for (auto& [pid, button] : found)
+        m_calls.performAction(pid, button, ax::pressAction);
 }
 
 void BarViewModel::quitApplicationOf(WindowID id)

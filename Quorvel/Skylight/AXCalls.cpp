@@ -1,9 +1,14 @@
 #include "Quorvel/Skylight/AXCalls.h"
 
+#include <string>
+
+#include "Quorvel/Skylight/LateRequests.h"
+
 namespace quorvel {
 
-AXCalls::AXCalls(Accessibility& accessibility)
+AXCalls::AXCalls(Accessibility& accessibility, LateRequests* late)
     : m_accessibility(accessibility)
+    , m_late(late)
     , m_axGetWindow(accessibility.windowIDResolver())
 {
 }
@@ -15,8 +20,10 @@ AXCalls::Scan::Scan(AXCalls& calls) : m_calls(calls)
 
 AXCalls::Scan::~Scan()
 {
-    if (--m_calls.m_scanDepth == 0)
+    if (--m_calls.m_scanDepth == 0) {
         m_calls.m_hungInScan.clear();
+        m_calls.m_lateInScan.clear();
+    }
 }
 
 void AXCalls::setMessagingTimeout(const AXElement& element) const
@@ -44,18 +51,38 @@ AXReply AXCalls::copyAttribute(ProcessID pid, const AXElement& element, std::str
 AXError AXCalls::setAttribute(
     ProcessID pid, const AXElement& element, std::string_view attribute, const AXValue& value)
 {
-    return bounded(pid, [&] { return m_accessibility.setAttribute(element, attribute, value); });
+    return request(
+        pid, [&accessibility = m_accessibility, element, name = std::string{attribute}, value] {
+            return accessibility.setAttribute(element, name, value);
+        });
 }
 
 AXError AXCalls::performAction(ProcessID pid, const AXElement& element, std::string_view action)
 {
-    return bounded(pid, [&] { return m_accessibility.performAction(element, action); });
+    return request(pid, [&accessibility = m_accessibility, element, name = std::string{action}] {
+        return accessibility.performAction(element, name);
+    });
 }
 
 AXError AXCalls::addNotification(
     ProcessID pid, AXObserver& observer, const AXElement& element, std::string_view notification)
 {
     return bounded(pid, [&] { return observer.addNotification(element, notification); });
+}
+
+AXError AXCalls::request(ProcessID pid, std::function<AXError()> send)
+{
+    const bool isHung = m_hungInScan.contains(pid);
+    if (m_late && (isHung || m_lateInScan.contains(pid) || m_late->isWaiting(pid))) {
+        m_late->add(pid, [send = std::move(send)] { send(); });
+        return AXError::cannotComplete;
+    }
+    if (isHung)
+        return AXError::cannotComplete;
+    auto error = send();
+    if (error == AXError::cannotComplete && m_scanDepth > 0)
+        m_lateInScan.insert(pid);
+    return error;
 }
 
 void AXCalls::noteTimeOut(ProcessID pid, AXError error)

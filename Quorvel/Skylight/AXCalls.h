@@ -10,18 +10,25 @@
 
 namespace quorvel {
 
+class LateRequests;
+
 /// Accessibility calls to other applications, each bounded by a messaging timeout. One instance per
 /// thread.
 ///
 /// A hung application answers every call only when the timeout has expired. While a `Scan` is
-/// alive, the first such answer of a process is reused for all its further calls, so that the
-/// process costs the caller one timeout per scan and not one per window.
+/// alive, the first question that a process does not answer is the last one it is asked, so that it
+/// costs the caller one timeout per scan and not one per window.
+///
+/// A request (`setAttribute`, `performAction`) that is answered late has as a rule been understood,
+/// so it keeps no other one from being made. Where the caller must not wait, the first late one of
+/// a process in a scan sends all that follow to `LateRequests`; they answer `cannotComplete`.
 class AXCalls {
 public:
     /// Seconds; set on every element that the program queries.
     static constexpr float axMessagingTimeoutSeconds = 0.05F;
 
-    explicit AXCalls(Accessibility& accessibility);
+    /// Without `late` every request is made at once.
+    explicit AXCalls(Accessibility&, LateRequests* late = nullptr);
 
     class Scan {
     public:
@@ -34,10 +41,11 @@ public:
         AXCalls& m_calls;
     };
 
-    /// Emitted when a process did not answer in time: at most once per scan, from inside the call.
+    /// Emitted when a process did not answer a question in time: at most once per scan, from inside
+    /// the call.
     std::function<void(ProcessID)> onTimeOut;
 
-    /// Whether the process has failed to answer in this scan.
+    /// Whether the process has failed to answer a question in this scan.
     bool hasTimedOut(ProcessID pid) const { return m_hungInScan.contains(pid); }
 
     AXElement application(ProcessID) const;
@@ -62,7 +70,7 @@ public:
     void setMessagingTimeout(const AXElement&) const;
 
 private:
-    /// Makes the call unless the process has failed to answer an earlier one in this scan.
+    /// Asks unless the process has failed to answer an earlier question in this scan.
     template <typename Call> AXError bounded(ProcessID pid, Call&& call)
     {
         if (m_hungInScan.contains(pid))
@@ -72,11 +80,14 @@ private:
         return error;
     }
     void noteTimeOut(ProcessID, AXError);
+    AXError request(ProcessID, std::function<AXError()>);
 
     Accessibility& m_accessibility;
+    LateRequests* m_late;
     Accessibility::WindowIDResolver m_axGetWindow;
     int m_scanDepth = 0;
     std::set<ProcessID> m_hungInScan;
+    std::set<ProcessID> m_lateInScan; ///< with a request
 };
 
 }

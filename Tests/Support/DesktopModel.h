@@ -89,6 +89,7 @@ struct ApplicationFaults {
     bool isHung = false; ///< each message costs its timeout and fails
     bool isDead = false; ///< each message fails at once
     int failingMessages = 0; ///< so many messages fail at once, then it answers
+    bool answersRequestsLate = false; ///< they are done, but cost their timeout and fail
     std::optional<int> messagesUntilHang{}; ///< so many are answered, then it hangs
     int failingObservers = 0; ///< so many attempts to make an observer fail
     std::set<std::string> failingRegistrations{}; ///< notifications that cannot be registered

@@ -152,6 +152,14 @@ AXError FakeAccessibility::fault(const Target& to, float timeout)
     return AXError::success;
 }
 
+std::optional<AXError> FakeAccessibility::lateAnswer(const Target& to, const AXElement& element)
+{
+    if (!to.application->faults.answersRequestsLate)
+        return std::nullopt;
+    m_desktop.dispatch().spend(std::chrono::microseconds{std::lround(timeoutOf(element) * 1e6F)});
+    return AXError::cannotComplete;
+}
+
 AXReply FakeAccessibility::copyAttribute(const AXElement& element, std::string_view attribute)
 {
     AXMessage message{.kind = AXMessage::Kind::copy, .name = std::string{attribute}};
@@ -218,11 +226,13 @@ AXError FakeAccessibility::setAttribute(
     if (auto error = send(element, message); error != AXError::success)
         return error;
     auto to = target(element);
+    const auto late = lateAnswer(to, element);
+    auto error = AXError::attributeUnsupported;
     if (to.part == Part::application)
-        return setApplicationAttribute(*to.application, attribute, value);
-    if (to.part == Part::window)
-        return setWindowAttribute(*to.windowState, attribute, value);
-    return AXError::attributeUnsupported;
+        error = setApplicationAttribute(*to.application, attribute, value);
+    else if (to.part == Part::window)
+        error = setWindowAttribute(*to.windowState, attribute, value);
+    return late.value_or(error);
 }
 
 AXError FakeAccessibility::setApplicationAttribute(
@@ -283,6 +293,7 @@ AXError FakeAccessibility::performAction(const AXElement& element, std::string_v
     auto to = target(element);
     if (to.part == Part::application)
         return AXError::actionUnsupported;
+    const auto late = lateAnswer(to, element);
     if (to.windowState->faults.refusedRequests.contains(message.name))
         return AXError::failure;
     if (to.windowState->faults.ignoredRequests.contains(message.name))
@@ -293,7 +304,7 @@ AXError FakeAccessibility::performAction(const AXElement& element, std::string_v
         m_desktop.close(*to.window);
     else
         return AXError::actionUnsupported;
-    return AXError::success;
+    return late.value_or(AXError::success);
 }
 
 // The number is part of the reference, so asking for it reaches no application and costs nothing.

@@ -73,6 +73,8 @@ private:
     Target target(const AXElement&) const;
     AXError send(const AXElement&, AXMessage);
     AXError fault(const Target&, float timeout);
+    /// What a request is answered if that takes too long.
+    std::optional<AXError> lateAnswer(const Target&, const AXElement&);
     AXReply applicationAttribute(FakeApplication&, std::string_view attribute) const;
     AXReply windowAttribute(const FakeWindow&, std::string_view attribute) const;
     bool isListed(const FakeWindow&) const;
