@@ -77,7 +77,7 @@ int runBar(Display display, const CommandLine& line, ControlChannel& control, Tr
     X11Surfaces surfaces{*connection, dispatch, monitors, environment, application.appearance()};
     AccessibleExport accessible{dispatch, surfaces.accessible(), environment};
     DesktopServices desktop{*connection, dispatch, monitors, environment, entries, icons};
-    X11ScreenCapture screenCapture{desktop.model(), dispatch};
+    X11ScreenCapture screenCapture{desktop.model(), dispatch, connection.get()};
     DesktopBundles bundles{entries};
     DirectoryEvents fileEvents{dispatch};
     posix::PosixFiles files{{configurationFolder(), /*keepsRejectedFiles=*/true}};

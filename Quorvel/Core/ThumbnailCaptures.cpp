@@ -28,6 +28,12 @@ double wholePoints(double length)
     return length >= 1 ? std::floor(length) : 1;
 }
 
+std::optional<ShareableWindow> windowIn(const ShareableContent& content, WindowID id)
+{
+    const auto window = std::ranges::find(content.windows, id, &ShareableWindow::windowID);
+    return window == content.windows.end() ? std::nullopt : std::optional{*window};
+}
+
 }
 
 ThumbnailCaptures::ThumbnailCaptures(
@@ -44,9 +50,9 @@ void ThumbnailCaptures::thumbnail(WindowID id, std::function<bool()> isWanted, R
 {
     if (auto fresh = cachedThumbnailIfFresh(id))
         return result(std::move(fresh));
-    captureWindow(id,
+    captureWindow(id, PictureSize::popup,
         [weak = weak_from_this(), id, isWanted = std::move(isWanted), result = std::move(result)](
-            std::optional<WindowPicture> picture) {
+            std::optional<WindowPicture> picture, const Rect&) {
             auto self = weak.lock();
             if (!self)
                 return;
@@ -105,7 +111,7 @@ void ThumbnailCaptures::fetchShareableContent(ContentResult result)
     Content content;
     {
         const std::scoped_lock lock{m_stateLock};
-        content = cachedShareableContentIfFresh();
+        content = cachedShareableContent();
         if (!content) {
             m_contentWaiters.push_back(std::move(result));
             if (std::exchange(m_isFetchingContent, true))
@@ -118,10 +124,17 @@ void ThumbnailCaptures::fetchShareableContent(ContentResult result)
         requestShareableContent();
 }
 
-ThumbnailCaptures::Content ThumbnailCaptures::cachedShareableContentIfFresh() const
+ThumbnailCaptures::Content ThumbnailCaptures::cachedShareableContent(Duration youngerThan) const
 {
-    const bool isFresh = m_dispatch.now() - m_cachedContentTimestamp < kContentTTL;
+    const bool isFresh = m_dispatch.now() - m_cachedContentTimestamp < youngerThan;
     return isFresh ? m_cachedContent : nullptr;
+}
+
+std::optional<ShareableWindow> ThumbnailCaptures::knownWindow(WindowID id) const
+{
+    const std::scoped_lock lock{m_stateLock};
+    const auto content = cachedShareableContent(kKnownWindowTTL);
+    return content ? windowIn(*content, id) : std::nullopt;
 }
 
 void ThumbnailCaptures::requestShareableContent()
@@ -159,38 +172,58 @@ void ThumbnailCaptures::contentArrived(const Content& content)
 
 // MARK: Captures
 
-void ThumbnailCaptures::captureWindow(WindowID id, Result result)
+void ThumbnailCaptures::captureAnew(WindowID id, PictureSize size, AnewResult result)
+{
+    auto store = [weak = weak_from_this(), id, size, result = std::move(result)](
+                     std::optional<WindowPicture> picture, const Rect& frame) {
+        auto self = weak.lock();
+        if (self && picture && size == PictureSize::popup)
+            self->cacheImage(id, *picture);
+        result(std::move(picture), frame);
+    };
+    // A picture that lies in its window's place has to know where that is now.
+    const auto window = size == PictureSize::popup ? knownWindow(id) : std::nullopt;
+    if (window)
+        captureImage(*window, size, store);
+    else
+        captureWindow(id, size, std::move(store));
+}
+
+void ThumbnailCaptures::captureWindow(WindowID id, PictureSize size, AnewResult result)
 {
     fetchShareableContent(
-        [weak = weak_from_this(), id, result = std::move(result)](const Content& content) {
+        [weak = weak_from_this(), id, size, result = std::move(result)](const Content& content) {
             auto self = weak.lock();
             if (!self)
                 return;
-            if (!content)
-                return result(std::nullopt);
-            const auto window = std::ranges::find(content->windows, id, &ShareableWindow::windowID);
-            if (window == content->windows.end())
-                return result(std::nullopt);
-            self->captureImage(*window, result);
+            const auto window = content ? windowIn(*content, id) : std::nullopt;
+            if (!window)
+                return result(std::nullopt, {});
+            self->captureImage(*window, size, result);
         });
 }
 
-void ThumbnailCaptures::captureImage(const ShareableWindow& window, Result result)
+void ThumbnailCaptures::captureImage(
+    const ShareableWindow& window, PictureSize size, const AnewResult& result)
 {
-    auto once
-        = std::make_shared<OneShotContinuation<std::optional<WindowPicture>>>(std::move(result));
-    m_screenCapture.captureImage(window, configurationFor(window.frame),
+    auto once = std::make_shared<OneShotContinuation<std::optional<WindowPicture>>>(
+        [result, frame = window.frame](
+            std::optional<WindowPicture> picture) { result(std::move(picture), frame); });
+    m_screenCapture.captureImage(window, configurationFor(window.frame, size),
         [once](std::optional<WindowPicture> picture) { once->resume(std::move(picture)); });
 }
 
-/// A pixel for each point of the window, but no more than a popup shows.
-CaptureConfiguration ThumbnailCaptures::configurationFor(const Rect& windowFrame) const
+/// A pixel for each point of the window, but no more than a popup shows; or all that it has.
+CaptureConfiguration ThumbnailCaptures::configurationFor(
+    const Rect& windowFrame, PictureSize size) const
 {
     double scale = 1;
     for (auto& screen : m_displays.screens())
         scale = std::max(scale, screen.scale);
     const double width = wholePoints(windowFrame.width);
     const double height = wholePoints(windowFrame.height);
+    if (size == PictureSize::window)
+        return {static_cast<int>(width * scale), static_cast<int>(height * scale)};
     const double ratio = std::min({1.0, ThumbnailService::kPopupPictureSize.width * scale / width,
         ThumbnailService::kPopupPictureSize.height * scale / height});
     return {static_cast<int>(wholePoints(std::round(width * ratio))),

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "Quorvel/Core/PictureSize.h"
 #include "Quorvel/Core/ThumbnailCache.h"
 
 namespace quorvel {
@@ -20,9 +21,13 @@ public:
     static constexpr Duration kContentTTL = seconds(2);
     /// A question not answered in this time has failed; otherwise it would block every capture.
     static constexpr Duration kContentTimeout = seconds(5);
+    /// How long an answer is good enough to capture a window in it once more.
+    static constexpr Duration kKnownWindowTTL = seconds(10);
 
     using Content = std::shared_ptr<const ShareableContent>;
     using Result = std::function<void(std::optional<WindowPicture>)>;
+    /// The frame is that of the list it was captured from; points, global top-left origin.
+    using AnewResult = std::function<void(std::optional<WindowPicture>, const Rect& frame)>;
 
     ThumbnailCaptures(Dispatch&, ScreenCapture&, const Displays&);
 
@@ -31,6 +36,9 @@ public:
     void thumbnail(WindowID, std::function<bool()> isWanted, Result);
     std::optional<WindowPicture> staleCachedImage(WindowID) const;
     void prefetch(const std::vector<WindowID>&);
+    /// However fresh the one is that there is. Popup-sized pictures are stored.
+    void captureAnew(WindowID, PictureSize, AnewResult);
+    ScreenCapture& screenCapture() { return m_screenCapture; }
 
 private:
     using ContentResult = std::function<void(const Content&)>;
@@ -42,11 +50,13 @@ private:
     void fetchShareableContent(ContentResult);
     void requestShareableContent();
     void contentArrived(const Content&);
-    Content cachedShareableContentIfFresh() const; ///< call with the lock held
+    /// Call with the lock held.
+    Content cachedShareableContent(Duration youngerThan = kContentTTL) const;
+    std::optional<ShareableWindow> knownWindow(WindowID) const;
 
-    void captureWindow(WindowID, Result);
-    void captureImage(const ShareableWindow&, Result);
-    CaptureConfiguration configurationFor(const Rect& windowFrame) const;
+    void captureWindow(WindowID, PictureSize, AnewResult);
+    void captureImage(const ShareableWindow&, PictureSize, const AnewResult&);
+    CaptureConfiguration configurationFor(const Rect& windowFrame, PictureSize) const;
 
     Dispatch& m_dispatch;
     ScreenCapture& m_screenCapture;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Quorvel/Core/ThumbnailCaptures.h"
+#include "Quorvel/Core/ThumbnailFollower.h"
 
 namespace quorvel {
 
@@ -37,6 +38,13 @@ std::optional<WindowPicture> ThumbnailService::cached(WindowID id) const
 void ThumbnailService::prefetch(const std::vector<WindowID>& ids)
 {
     m_captures->prefetch(ids);
+}
+
+Subscription ThumbnailService::follow(
+    const std::vector<WindowID>& windows, PictureSize size, OnPicture onPicture)
+{
+    return Subscription{
+        std::make_shared<ThumbnailFollower>(m_captures, windows, size, std::move(onPicture))};
 }
 
 }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "Quorvel/Core/PictureSize.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Published.h"
 #include "Quorvel/Platform/ScreenCapture.h"
@@ -43,6 +44,12 @@ public:
     std::optional<WindowPicture> cached(WindowID) const;
     /// Captures those without a fresh picture, so that pictures are ready when a popup opens.
     void prefetch(const std::vector<WindowID>&);
+
+    /// The frame is that of the window, in points, global top-left origin.
+    using OnPicture = std::function<void(WindowID, const WindowPicture&, const Rect& frame)>;
+    /// A picture of each window soon and whenever it has changed, until the result is dropped, at a
+    /// bounded cost: see `ThumbnailFollower`. Main thread.
+    [[nodiscard]] Subscription follow(const std::vector<WindowID>&, PictureSize, OnPicture);
 
 private:
     /// The platform may answer after the service is gone: its answers hold this weakly.

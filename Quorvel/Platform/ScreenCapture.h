@@ -9,6 +9,7 @@
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
 #include "Quorvel/Platform/Image.h"
+#include "Quorvel/Platform/Published.h"
 
 namespace quorvel {
 
@@ -67,6 +68,15 @@ public:
     /// X11 does for windows that are minimised or on another space.
     virtual void captureImage(const ShareableWindow&, const CaptureConfiguration&, PictureHandler)
         = 0;
+
+    /// Calls the handler when the window has drawn something since it was last captured, or since
+    /// this call; then not again before its next capture. While it is watched, a capture need not
+    /// wait for the window to be drawn anew. Absent where the system does not tell. Main thread.
+    [[nodiscard]] virtual std::optional<Subscription> watch(
+        WindowID, std::function<void()> /*onDrawn*/)
+    {
+        return {};
+    }
 };
 
 }

@@ -66,8 +66,12 @@ Size ThumbnailCard::sizeFor(Size picture)
 
 void ThumbnailCard::setPicture(std::optional<WindowPicture> picture)
 {
+    const auto before = pictureFrame();
     m_picture = std::move(picture);
-    invalidate();
+    const auto now = pictureFrame();
+    invalidate(before);
+    if (now != before)
+        invalidate(now);
 }
 
 void ThumbnailCard::setRightToLeft(bool isRightToLeft)

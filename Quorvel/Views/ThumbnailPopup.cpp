@@ -213,6 +213,7 @@ void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, 
 
 void ThumbnailPopup::hide()
 {
+    m_following = {};
     m_animation.stop();
     m_surface->orderOut();
 }
@@ -232,6 +233,7 @@ void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
 {
     auto& appearance = m_inputs.appearance.value();
     m_filling = {};
+    m_following = {};
     m_pictures.clear();
     m_cards.clear();
     m_windows.clear();
@@ -266,9 +268,10 @@ void ThumbnailPopup::askForPictures()
     auto end = std::min(m_cards.size(), m_pictures.size() + kPicturesAFrame);
     while (m_pictures.size() < end)
         askForPicture(*m_cards[m_pictures.size()]);
-    if (end < m_cards.size())
-        m_filling = m_inputs.dispatch.main().after(
-            m_surface->frameInterval(), [this] { askForPictures(); });
+    if (end == m_cards.size())
+        return followWindows();
+    m_filling
+        = m_inputs.dispatch.main().after(m_surface->frameInterval(), [this] { askForPictures(); });
 }
 
 /// The one there is at once, the fresh one when it comes.
@@ -280,6 +283,24 @@ void ThumbnailPopup::askForPicture(ThumbnailCard& card)
         if (picture)
             card.setPicture(std::move(picture));
     }));
+}
+
+void ThumbnailPopup::followWindows()
+{
+    std::vector<WindowID> windows;
+    for (auto* card : m_cards)
+        windows.push_back(card->chip().id);
+    m_following = m_inputs.thumbnailService.follow(windows, PictureSize::popup,
+        [this](WindowID id, const WindowPicture& picture, const Rect&) {
+            if (auto* card = cardOf(id))
+                card->setPicture(picture);
+        });
+}
+
+ThumbnailCard* ThumbnailPopup::cardOf(WindowID id) const
+{
+    auto found = std::ranges::find(m_cards, id, [](auto* card) { return card->chip().id; });
+    return found == m_cards.end() ? nullptr : *found;
 }
 
 bool ThumbnailPopup::update(const std::vector<ChipData>& chips, const Rect& chip)

@@ -79,6 +79,8 @@ private:
     void makeCards(const std::vector<ChipData>&);
     void askForPictures();
     void askForPicture(ThumbnailCard&);
+    void followWindows();
+    ThumbnailCard* cardOf(WindowID) const;
     void animate(const Rect& from);
     Rect onScreen(const Rect& inRoot) const;
 
@@ -91,6 +93,7 @@ private:
     std::vector<WindowID> m_windows; ///< including those without room for a card
     std::vector<ThumbnailCard*> m_cards;
     std::vector<Subscription> m_pictures;
+    Subscription m_following;
     Animation m_animation;
     WorkItem m_filling;
     Subscription m_appearanceChanged;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "Tests/Support/FakeDesktop.h"
 
@@ -38,6 +39,8 @@ void FakeScreenCapture::captureImage(const ShareableWindow& window,
     const CaptureConfiguration& configuration, PictureHandler handler)
 {
     m_captured.push_back({window.windowID, configuration});
+    for (auto& watch : watches(window.windowID))
+        watch->hasTold = false;
     answer(m_captures,
         [this, id = window.windowID, configuration, handler = std::move(handler)](bool succeeded) {
             if (!succeeded || !m_isAllowed || !m_desktop.model().window(id))
@@ -48,6 +51,44 @@ void FakeScreenCapture::captureImage(const ShareableWindow& window,
             handler(WindowPicture{
                 std::move(picture), {double(configuration.width), double(configuration.height)}});
         });
+}
+
+std::optional<Subscription> FakeScreenCapture::watch(WindowID id, std::function<void()> onDrawn)
+{
+    if (!m_tellsOfDrawing)
+        return {};
+    auto watch = std::make_shared<Watch>(Watch{id, std::move(onDrawn)});
+    m_watches.push_back(watch);
+    return Subscription{std::move(watch)};
+}
+
+std::vector<std::shared_ptr<FakeScreenCapture::Watch>> FakeScreenCapture::watches(WindowID id) const
+{
+    std::vector<std::shared_ptr<Watch>> found;
+    for (auto& weak : m_watches) {
+        auto watch = weak.lock();
+        if (watch && watch->window == id)
+            found.push_back(std::move(watch));
+    }
+    return found;
+}
+
+void FakeScreenCapture::windowDraws(WindowID id)
+{
+    for (auto& watch : watches(id)) {
+        if (!std::exchange(watch->hasTold, true))
+            watch->onDrawn();
+    }
+}
+
+std::vector<WindowID> FakeScreenCapture::watchedWindows() const
+{
+    std::vector<WindowID> windows;
+    for (auto& weak : m_watches) {
+        if (auto watch = weak.lock())
+            windows.push_back(watch->window);
+    }
+    return windows;
 }
 
 std::vector<WindowID> FakeScreenCapture::capturedWindows() const

@@ -33,8 +33,12 @@ public:
     }
     void getShareableContent(ContentHandler) override;
     void captureImage(const ShareableWindow&, const CaptureConfiguration&, PictureHandler) override;
+    std::optional<Subscription> watch(WindowID, std::function<void()> onDrawn) override;
 
     // Knobs. Without a delay the answer comes inside the call.
+    /// Whether it says which windows drew something, as the Mac does not.
+    void setTellsOfDrawing(bool value) { m_tellsOfDrawing = value; }
+    void windowDraws(WindowID);
     void setAllowed(bool value) { m_isAllowed = value; }
     void setContent(Answers answers, Duration delay = {}) { m_content = {answers, delay}; }
     void setCaptures(Answers answers, Duration delay = {}) { m_captures = {answers, delay}; }
@@ -48,6 +52,7 @@ public:
     };
     int requests() const { return m_requests; }
     int contentRequests() const { return m_contentRequests; }
+    std::vector<WindowID> watchedWindows() const;
     const std::vector<Captured>& captured() const { return m_captured; }
     std::vector<WindowID> capturedWindows() const;
 
@@ -57,7 +62,14 @@ private:
         Duration delay{};
     };
 
+    struct Watch {
+        WindowID window{};
+        std::function<void()> onDrawn;
+        bool hasTold = false; ///< since the last capture
+    };
+
     void answer(const Manner&, const std::function<void(bool succeeded)>&);
+    std::vector<std::shared_ptr<Watch>> watches(WindowID) const;
 
     FakeDesktop& m_desktop;
     bool m_isAllowed = true;
@@ -67,6 +79,8 @@ private:
     Manner m_captures;
     std::vector<Captured> m_captured;
     std::vector<WorkItem> m_late;
+    bool m_tellsOfDrawing = true;
+    std::vector<std::weak_ptr<Watch>> m_watches;
 };
 
 }

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <chrono>
+#include <cstring>
 
 #include "Tests/X11/Support/DesktopFixture.h"
 
@@ -57,10 +59,53 @@ protected:
         return found;
     }
 
+    void fill(xcb_window_t window, std::uint32_t colour)
+    {
+        auto* const x = client.connection().get();
+        const auto context = xcb_generate_id(x);
+        const xcb_rectangle_t whole{0, 0, 2000, 2000};
+        xcb_create_gc(x, context, window, XCB_GC_FOREGROUND, &colour);
+        xcb_poly_fill_rectangle(x, window, context, 1, &whole);
+        xcb_free_gc(x, context);
+        client.connection().sync();
+    }
+    /// In the middle of the first card.
+    testing::AssertionResult shows(std::uint32_t colour)
+    {
+        const auto place = card(0).frame;
+        return eventually([&] {
+            const auto pixel
+                = desktop.picture({place.x + place.width / 2, place.y + place.height / 2, 1, 1});
+            std::uint32_t shown = 0;
+            std::memcpy(&shown, pixel.data(), std::min(pixel.size(), sizeof shown));
+            return (shown & 0xFFFFFF) == colour;
+        });
+    }
+
     Client client{server};
     Bar bar{server};
     std::vector<xcb_window_t> windows;
 };
+
+// Faults: a picture that stands still, above all that of a covered window, which no drawing of its
+// reaches the screen from; one that misses what was drawn last.
+TEST_P(Popups, showWhatTheirWindowsDrawMeanwhile)
+{
+    client.place(windows[0], {220, 120, 200, 120});
+    client.place(windows[1], {200, 100, 300, 200});
+    pointAtChip(windows[0]);
+    ASSERT_TRUE(opens({numberOf(windows[0])}));
+    for (const auto colour : {0xFF0000U, 0x00FF00U, 0x0000FFU}) {
+        fill(windows[0], colour);
+        EXPECT_TRUE(shows(colour));
+    }
+    for (std::uint32_t colour = 1; colour <= 100; ++colour)
+        fill(windows[0], colour);
+    EXPECT_TRUE(shows(100));
+    pointer.moveTo(5, 5);
+    EXPECT_TRUE(closes());
+    EXPECT_TRUE(settles(bar));
+}
 
 // Faults: a popup for a hand that only passes, none for one that rests; one that vanishes on the
 // way to it or takes the focus; a card that brings another window, or closes it.

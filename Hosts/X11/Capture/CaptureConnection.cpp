@@ -1,11 +1,15 @@
 #include "Hosts/X11/Capture/CaptureConnection.h"
 
+#include "Hosts/X11/Capture/DrawingWatch.h"
+
 namespace quorvel::xdg::x11 {
 
 namespace {
 
 /// Pixmaps of windows came with this version.
 constexpr std::uint32_t kCompositeMinor = 2;
+/// Window managers nest one or two frames.
+constexpr int kDeepestNesting = 16;
 
 bool hasComposite(xcb_connection_t* connection)
 {
@@ -37,12 +41,27 @@ CaptureConnection::CaptureConnection(xcb_connection_t* connection, xcb_screen_t*
     : m_connection(connection)
     , m_screen(screen)
     , m_atoms(Atoms::intern(connection))
+    , m_hasDamage(DrawingWatch::hasDamage(connection))
 {
 }
 
 CaptureConnection::~CaptureConnection()
 {
     xcb_disconnect(m_connection);
+}
+
+xcb_window_t CaptureConnection::topLevelOf(xcb_window_t window) const
+{
+    for (int i = 0; i < kDeepestNesting; ++i) {
+        const Reply<xcb_query_tree_reply_t> tree{
+            xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, window), nullptr)};
+        if (!tree || tree->parent == XCB_WINDOW_NONE)
+            break;
+        if (tree->parent == tree->root)
+            return window;
+        window = tree->parent;
+    }
+    return XCB_WINDOW_NONE;
 }
 
 bool CaptureConnection::succeeds(xcb_void_cookie_t cookie) const

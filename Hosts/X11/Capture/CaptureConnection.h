@@ -25,6 +25,11 @@ public:
     const xcb_screen_t& screen() const { return *m_screen; }
     const Atoms& atoms() const { return m_atoms; }
 
+    /// Whether drawing on windows is reported (DAMAGE).
+    bool hasDamage() const { return m_hasDamage; }
+    /// The ancestor of the window below the root: its decoration, if it has one. None if the window
+    /// has gone.
+    xcb_window_t topLevelOf(xcb_window_t) const;
     /// Whether the request succeeded. Waits for the server.
     bool succeeds(xcb_void_cookie_t) const;
     PixelLayout layout(std::uint8_t depth, xcb_visualid_t visual) const
@@ -40,6 +45,7 @@ private:
     xcb_connection_t* m_connection;
     xcb_screen_t* m_screen;
     Atoms m_atoms;
+    bool m_hasDamage;
 };
 
 }

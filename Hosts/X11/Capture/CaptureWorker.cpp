@@ -5,15 +5,31 @@
 
 namespace quorvel::xdg::x11 {
 
-void CaptureWorker::capture(xcb_window_t client, const CaptureConfiguration& configuration,
-    ScreenCapture::PictureHandler handler)
+void CaptureWorker::capture(
+    Target target, const CaptureConfiguration& configuration, ScreenCapture::PictureHandler handler)
 {
     if (!connect())
         return handler({});
     keepConnected();
     m_connection->dropEvents();
-    m_waiting.push_back({client, configuration, std::move(handler), nullptr, {}});
+    m_waiting.push_back({target, configuration, std::move(handler), nullptr, {}});
     beginWaiting();
+}
+
+void CaptureWorker::hold(xcb_window_t client)
+{
+    if (!connect())
+        return;
+    if (const auto topLevel = m_connection->topLevelOf(client); topLevel != XCB_WINDOW_NONE)
+        m_held[client] = std::make_unique<WindowRedirection>(*m_connection, topLevel);
+    keepConnected();
+}
+
+void CaptureWorker::letGo(xcb_window_t client)
+{
+    m_held.erase(client);
+    if (m_connection)
+        keepConnected();
 }
 
 bool CaptureWorker::connect()
@@ -28,6 +44,9 @@ bool CaptureWorker::connect()
 
 void CaptureWorker::keepConnected()
 {
+    m_disconnect = {};
+    if (!m_held.empty())
+        return;
     m_disconnect = m_queue.after(kIdleTime, [this] {
         m_reader.reset();
         m_connection.reset();
@@ -45,7 +64,8 @@ void CaptureWorker::beginWaiting()
 
 void CaptureWorker::begin(Job job)
 {
-    job.capture = std::make_unique<WindowCapture>(*m_connection, job.client);
+    job.capture
+        = std::make_unique<WindowCapture>(*m_connection, job.target.client, job.target.damage);
     const auto progress = job.capture->begin();
     if (progress == WindowCapture::Progress::failed)
         return job.handler({});

@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <list>
+#include <map>
 #include <memory>
 
 #include <xcb/xcb.h>
@@ -9,6 +10,7 @@
 #include "Hosts/X11/Capture/CaptureConnection.h"
 #include "Hosts/X11/Capture/PixmapReader.h"
 #include "Hosts/X11/Capture/WindowCapture.h"
+#include "Hosts/X11/Capture/WindowRedirection.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/ScreenCapture.h"
 
@@ -27,11 +29,19 @@ public:
 
     explicit CaptureWorker(Queue& queue) : m_queue(queue) { }
 
-    void capture(xcb_window_t client, const CaptureConfiguration&, ScreenCapture::PictureHandler);
+    struct Target {
+        xcb_window_t client = XCB_WINDOW_NONE;
+        xcb_damage_damage_t damage = XCB_NONE; ///< of a client that is watched
+    };
+
+    void capture(Target, const CaptureConfiguration&, ScreenCapture::PictureHandler);
+    /// Until it is let go, the client has a whole picture of its own, and a capture need not wait.
+    void hold(xcb_window_t client);
+    void letGo(xcb_window_t client);
 
 private:
     struct Job {
-        xcb_window_t client = XCB_WINDOW_NONE;
+        Target target;
         CaptureConfiguration configuration;
         ScreenCapture::PictureHandler handler;
         std::unique_ptr<WindowCapture> capture;
@@ -50,6 +60,7 @@ private:
     std::unique_ptr<PixmapReader> m_reader;
     std::deque<Job> m_waiting;
     Jobs m_repainting;
+    std::map<xcb_window_t, std::unique_ptr<WindowRedirection>> m_held;
     WorkItem m_disconnect;
 };
 

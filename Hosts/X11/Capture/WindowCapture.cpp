@@ -17,8 +17,6 @@ namespace quorvel::xdg::x11 {
 
 namespace {
 
-/// Window managers nest one or two frames.
-constexpr int kDeepestNesting = 16;
 constexpr int kLargestExtent = 1000;
 
 using Area = PixmapReader::Area;
@@ -68,9 +66,11 @@ int extent(std::uint32_t value)
 
 }
 
-WindowCapture::WindowCapture(CaptureConnection& connection, xcb_window_t client)
+WindowCapture::WindowCapture(
+    CaptureConnection& connection, xcb_window_t client, xcb_damage_damage_t damage)
     : m_connection(connection)
     , m_client(client)
+    , m_damage(damage)
 {
 }
 
@@ -87,7 +87,8 @@ WindowCapture::~WindowCapture()
 
 WindowCapture::Progress WindowCapture::begin()
 {
-    if (!findTopLevel() || !isViewable(m_client))
+    m_topLevel = m_connection.topLevelOf(m_client);
+    if (m_topLevel == XCB_WINDOW_NONE || !isViewable(m_client))
         return Progress::failed;
     if (namePixmap())
         return Progress::ready;
@@ -95,21 +96,6 @@ WindowCapture::Progress WindowCapture::begin()
     if (!redirect())
         return Progress::failed;
     return hasItsPicture ? Progress::ready : Progress::waitsForClient;
-}
-
-bool WindowCapture::findTopLevel()
-{
-    m_topLevel = m_client;
-    for (int i = 0; i < kDeepestNesting; ++i) {
-        const Reply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(
-            m_connection.raw(), xcb_query_tree(m_connection.raw(), m_topLevel), nullptr)};
-        if (!tree || tree->parent == XCB_WINDOW_NONE)
-            return false;
-        if (tree->parent == tree->root)
-            return true;
-        m_topLevel = tree->parent;
-    }
-    return false;
 }
 
 bool WindowCapture::isViewable(xcb_window_t window) const
@@ -230,6 +216,9 @@ std::optional<WindowPicture> WindowCapture::finish(
         return {};
     BoxReduction reduction{{area.width, area.height},
         {size, cairo_image_surface_get_data(surface), cairo_image_surface_get_stride(surface)}};
+    // From here on the picture would lack what is drawn.
+    if (m_damage != XCB_NONE && m_connection.hasDamage())
+        xcb_damage_subtract(m_connection.raw(), m_damage, XCB_NONE, XCB_NONE);
     if (!reader.read(m_pixmap, area, layout, [&](auto row) { reduction.addRow(row); }))
         return {};
     cairo_surface_mark_dirty(surface);

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include <xcb/damage.h>
 #include <xcb/xcb.h>
 
 #include "Hosts/X11/Capture/PixmapReader.h"
@@ -19,7 +20,9 @@ class WindowCapture {
 public:
     enum class Progress { failed, waitsForClient, ready };
 
-    WindowCapture(CaptureConnection&, xcb_window_t client);
+    /// The damage, if any, is what reports drawing on the client: it is emptied, so that it reports
+    /// whatever the picture does not show.
+    WindowCapture(CaptureConnection&, xcb_window_t client, xcb_damage_damage_t);
     ~WindowCapture();
     WindowCapture(const WindowCapture&) = delete;
     WindowCapture& operator=(const WindowCapture&) = delete;
@@ -31,7 +34,6 @@ public:
 private:
     using Area = PixmapReader::Area;
 
-    bool findTopLevel();
     bool isViewable(xcb_window_t) const;
     bool redirect();
     bool namePixmap();
@@ -41,6 +43,7 @@ private:
 
     CaptureConnection& m_connection;
     const xcb_window_t m_client;
+    const xcb_damage_damage_t m_damage;
     xcb_window_t m_topLevel = XCB_WINDOW_NONE; ///< the ancestor below the root
     bool m_isRedirected = false; ///< by us
     xcb_pixmap_t m_pixmap = XCB_PIXMAP_NONE;
