@@ -27,7 +27,7 @@ TEST_F(BarPlaceTest, theSmallestScreensHoldTheBarAndItsPopup)
         settle();
         EXPECT_TRUE(screen.contains(panel().frame())) << size.height;
         for (std::size_t count : {1u, 5u}) {
-            auto layout = ThumbnailPopupLayout::of(count, panel().frame(), screen, false);
+            auto layout = ThumbnailPopupLayout::of({count}, panel().frame(), screen, false);
             EXPECT_TRUE(screen.contains(layout.frame)) << count << " on " << size.height;
         }
     }
@@ -106,7 +106,7 @@ TEST(ThumbnailPopupLayout, isWhollyOnTheScreenWhateverTheCountAndThePlace)
         for (double x : {1000.0, 1400.0, 1760.0}) {
             for (std::size_t count : {1u, 2u, 5u, 40u}) {
                 auto layout
-                    = ThumbnailPopupLayout::of(count, {x, 0, 40, 36}, screen, isRightToLeft);
+                    = ThumbnailPopupLayout::of({count}, {x, 0, 40, 36}, screen, isRightToLeft);
                 EXPECT_TRUE(screen.contains(layout.frame)) << count << " at " << x;
                 EXPECT_EQ(layout.cards.size() + layout.hiddenCount, count);
                 for (auto& card : layout.cards)

@@ -103,6 +103,8 @@ void BarContentView::connectPopups()
     m_popups.onWindowClosed = [this](WindowID id) {
         onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
     };
+    m_popups.onMenuRequested
+        = [this](WindowID id, const Rect& onScreen) { openWindowMenu(id, onScreen); };
 }
 
 void BarContentView::subscribe()
@@ -428,16 +430,16 @@ void BarContentView::showNote(std::string text)
 
 // MARK: Menus
 
-void BarContentView::openMenu(Menu menu, const Rect& anchor)
+void BarContentView::openMenu(Menu menu, const Rect& anchor, ThumbnailHover::OpenMenu kind)
 {
     if (!onMenuRequested)
         return;
-    m_popups.setMenuOpen(true);
+    m_popups.setMenuOpen(kind);
     onMenuRequested(std::move(menu), anchor, [weak = m_weak.reference()](MenuEnding ending) {
         auto* view = weak.get();
         if (!view)
             return;
-        view->m_popups.setMenuOpen(false);
+        view->m_popups.setMenuOpen(ThumbnailHover::OpenMenu::none);
         if (view->host())
             view->host()->menuDidClose(ending);
     });

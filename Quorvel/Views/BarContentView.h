@@ -80,6 +80,7 @@ public:
     /// While the keyboard walks the bar, keys with numbers use its items; with Shift they ask
     /// for another window.
     void setShowsNumbers(bool);
+    void keyboardDidLeave();
     bool isRightToLeft() const;
 
 private:
@@ -117,7 +118,13 @@ private:
     bool chipDropped(const ChipView&, Point pointer);
     void pinTapped(const std::string& bundleID);
     void pinMoved(const std::string& bundleID, const ReorderDrag&);
-    void openMenu(Menu, const Rect& anchor);
+    void openMenu(
+        Menu, const Rect& anchor, ThumbnailHover::OpenMenu = ThumbnailHover::OpenMenu::elsewhere);
+    /// Of a card; points, bottom-left origin.
+    void openWindowMenu(WindowID, const Rect& onScreen);
+    /// Up leads from a chip to the cards of its popup, Escape back.
+    bool popupKeyPressed(const KeyEvent&);
+    void returnKeysToChip();
     /// A menu, so that keyboard, outside clicks and the native look come with it.
     void showSpaceList();
     ChipMenuContext menuContext();

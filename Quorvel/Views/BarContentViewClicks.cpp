@@ -114,12 +114,77 @@ void BarContentView::setShowsNumbers(bool showsNumbers)
 
 bool BarContentView::keyPressed(const KeyEvent& event)
 {
+    if (popupKeyPressed(event))
+        return true;
     auto number = numberOf(event);
     if (!number || !m_row->itemAt(*number - 1))
         return false;
     m_inputs.surface.releaseKeyboard();
     useItem(*number - 1, event.has(KeyModifier::shift) ? ItemUse::openNewWindow : ItemUse::click);
     return true;
+}
+
+void BarContentView::openWindowMenu(WindowID id, const Rect& onScreen)
+{
+    auto* chip = findChip(m_inputs.viewModel.chipsBySpace.value(), m_inputs.spaceID, id);
+    if (!chip)
+        return;
+    auto panel = m_inputs.surface.frame();
+    openMenu(chipMenu(*chip, menuContext()),
+        {onScreen.x - panel.x, panel.maxY() - onScreen.maxY(), onScreen.width, onScreen.height},
+        ThumbnailHover::OpenMenu::ofCard);
+}
+
+bool BarContentView::popupKeyPressed(const KeyEvent& event)
+{
+    auto card = m_popups.keyCard();
+    if (!card) {
+        auto* chip = event.keyCode == KeyCode::up ? m_row->keyFocusedChip() : nullptr;
+        if (!chip || !m_popups.takeKeys(chip->item()))
+            return false;
+        chip->setKeyFocused(false);
+        return true;
+    }
+    if (event.asksForMenu()) {
+        m_inputs.surface.releaseKeyboard();
+        openWindowMenu(card->first, card->second);
+        return true;
+    }
+    if (m_popups.walk(event))
+        return true;
+    switch (event.keyCode) {
+    case KeyCode::escape:
+    case KeyCode::down:
+        returnKeysToChip();
+        return true;
+    case KeyCode::enter:
+    case KeyCode::keypadEnter:
+    case KeyCode::space:
+        m_inputs.surface.releaseKeyboard();
+        activateWindowDeferred(card->first);
+        return true;
+    case KeyCode::forwardDelete:
+    case KeyCode::backspace:
+        onNextTurn([id = card->first](BarViewModel& viewModel) { viewModel.closeWindow(id); });
+        return true;
+    default:
+        return false;
+    }
+}
+
+void BarContentView::returnKeysToChip()
+{
+    auto id = m_popups.chipID();
+    m_popups.dismiss();
+    auto* chip = id ? m_row->chip(*id) : nullptr;
+    if (chip)
+        chip->takeAccessibleFocus();
+}
+
+void BarContentView::keyboardDidLeave()
+{
+    if (m_popups.keyCard())
+        m_popups.dismiss();
 }
 
 }

@@ -23,7 +23,11 @@ BarPanel::BarPanel(
     };
     m_hostingView.onKeyboardWanted
         = [this] { return m_surface->isVisible() && m_surface->takeKeyboard(); };
-    m_hostingView.onKeyboardChanged = [this](bool) { updateNumbers(); };
+    m_hostingView.onKeyboardChanged = [this](bool hasKeyboard) {
+        updateNumbers();
+        if (!hasKeyboard && m_content)
+            m_content->keyboardDidLeave();
+    };
     m_hostingView.onHoverChanged = [this](bool isHovered) {
         m_isHovered = isHovered;
         updateKeying();

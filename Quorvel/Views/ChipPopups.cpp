@@ -5,6 +5,7 @@
 
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Views/ThumbnailPopup.h"
 
 namespace quorvel {
 
@@ -21,7 +22,13 @@ ChipPopups::ChipPopups(Inputs inputs)
         if (onWillShow)
             onWillShow();
     };
-    m_presenter.onHoverChanged = [this](bool isHovered) { m_hover.setPopupHovered(isHovered); };
+    m_presenter.onHoverChanged = [this](bool isHovered) {
+        m_hover.setPopupHovered(isHovered);
+        if (!isHovered)
+            update(); // it held still
+    };
+    m_presenter.onMenuRequested
+        = [this](WindowID id, const Rect& place) { onMenuRequested(id, place); };
     m_presenter.onWindowChosen = [this](WindowID id) { onWindowChosen(id); };
     m_presenter.onWindowClosed = [this](WindowID id) { onWindowClosed(id); };
 }
@@ -67,10 +74,52 @@ void ChipPopups::update()
     if (!m_presenter.popup() || !chipID)
         return;
     auto now = contents(*chipID);
-    if (!now)
-        return m_hover.targetDidVanish();
+    if (!now) {
+        chipID = successor();
+        now = chipID ? contents(*chipID) : std::nullopt;
+        if (!now)
+            return m_hover.targetDidVanish();
+        m_hover.targetDidBecome(*chipID);
+    }
     if (!m_presenter.update(now->windows, now->chip))
         show(*chipID);
+}
+
+/// Windows become a group, or one remains of it.
+std::optional<std::string> ChipPopups::successor() const
+{
+    auto places = m_presenter.popup()->cardPlaces();
+    for (auto& item : m_inputs.viewModel.displayItems(m_inputs.spaceID, m_inputs.screenIndex)) {
+        auto windows = target(item).windows;
+        bool isShown = std::ranges::any_of(places,
+            [&](auto& place) { return std::ranges::find(windows, place.window) != windows.end(); });
+        if (isShown)
+            return displayItemID(item);
+    }
+    return {};
+}
+
+// MARK: The keyboard
+
+bool ChipPopups::takeKeys(const DisplayItem& item)
+{
+    m_hover.openForKeyboard(target(item));
+    if (auto* popup = m_presenter.popup())
+        popup->takeKeys();
+    return keyCard().has_value();
+}
+
+bool ChipPopups::walk(const KeyEvent& event)
+{
+    return m_presenter.popup() && m_presenter.popup()->walk(event);
+}
+
+std::optional<std::pair<WindowID, Rect>> ChipPopups::keyCard() const
+{
+    auto card = m_presenter.popup() ? m_presenter.popup()->keyCard() : std::nullopt;
+    if (!card)
+        return {};
+    return std::pair{card->window, card->frame};
 }
 
 }

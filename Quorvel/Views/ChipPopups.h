@@ -33,17 +33,27 @@ public:
     std::function<void()> onWillShow;
     std::function<void(WindowID)> onWindowChosen;
     std::function<void(WindowID)> onWindowClosed;
+    /// Beside a place on the screen (points, bottom-left origin).
+    std::function<void(WindowID, const Rect&)> onMenuRequested;
 
     void chipHovered(const DisplayItem&, bool isHovered);
     /// No popup until the pointer leaves the chip: it was clicked or dragged.
     void suppress(const DisplayItem& item) { m_hover.suppressForCurrentHover(displayItemID(item)); }
-    /// No popup beside an open menu.
-    void setMenuOpen(bool isOpen) { m_hover.setMenuOpen(isOpen); }
+    void setMenuOpen(ThumbnailHover::OpenMenu menu) { m_hover.setMenuOpen(menu); }
     /// The chips, or what they stand for, may have changed.
     void update();
     void dismiss() { m_hover.dismissThumbnailPopupImmediate(); }
     /// Null while none is open.
     const ThumbnailPopup* popup() const { return m_presenter.popup(); }
+
+    /// The chip that the open popup belongs to.
+    const std::optional<std::string>& chipID() const { return m_hover.thumbnailTargetID(); }
+    /// Opens the chip's popup and takes the keyboard to its cards. False: it has none.
+    bool takeKeys(const DisplayItem&);
+    /// True if the key moves the keyboard among the cards.
+    bool walk(const KeyEvent&);
+    /// The window whose card has the keyboard, and its place on the screen.
+    std::optional<std::pair<WindowID, Rect>> keyCard() const;
 
 private:
     struct Contents {
@@ -55,6 +65,8 @@ private:
     /// As things are now; absent if the chip has gone.
     std::optional<Contents> contents(const std::string& chipID) const;
     void show(const std::string& chipID);
+    /// The chip that now stands for windows that the popup shows.
+    std::optional<std::string> successor() const;
 
     Inputs m_inputs;
     ThumbnailHover m_hover;

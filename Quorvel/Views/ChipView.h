@@ -26,6 +26,7 @@ public:
 
     const DisplayItem& item() const { return m_item; }
     std::string bundleID() const override;
+    using RowItem::hasKeyFocus;
     using RowItem::isHovered;
     void setItem(const DisplayItem&);
     /// How strongly a request for attention shows now, from 0 to 1.

@@ -223,6 +223,19 @@ View* ChipsRow::focusedChip() const
     return found == m_chips.end() ? nullptr : found->second;
 }
 
+ChipView* ChipsRow::chip(const std::string& id) const
+{
+    auto found = m_chips.find(id);
+    return found == m_chips.end() ? nullptr : found->second;
+}
+
+ChipView* ChipsRow::keyFocusedChip() const
+{
+    auto found
+        = std::ranges::find_if(m_chips, [](auto& entry) { return entry.second->hasKeyFocus(); });
+    return found == m_chips.end() ? nullptr : found->second;
+}
+
 // MARK: Where everything is
 
 void ChipsRow::layout()

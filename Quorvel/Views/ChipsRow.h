@@ -72,6 +72,10 @@ public:
     void setShowsNumbers(bool);
     /// Null if no window here has the focus.
     View* focusedChip() const;
+    /// Null if there is none of this identifier.
+    ChipView* chip(const std::string& id) const;
+    /// The one that the keyboard walk has reached, if it has reached a chip.
+    ChipView* keyFocusedChip() const;
 
     std::function<void(bool isHovered)> onHoverChanged;
     ChipEvents onChip;

@@ -12,7 +12,8 @@ namespace {
 
 struct ThumbnailCardStyle {
     static constexpr double padding = 8;
-    static constexpr double headerHeight = 24;
+    static constexpr double headerHeight = 24; ///< with one line
+    static constexpr double lineHeight = 16; ///< of each further one
     static constexpr double gap = 6; ///< between header and picture
     static constexpr double iconSize = 16;
     static constexpr double titleSize = 12;
@@ -21,6 +22,13 @@ struct ThumbnailCardStyle {
     static constexpr double closeSize = 20;
     static constexpr double largeIcon = 48; ///< where there is no picture
     static constexpr double minimizedOpacity = 0.6;
+    static constexpr double focusEdge = 2;
+
+    static double header(std::size_t titleLines)
+    {
+        return headerHeight
+            + static_cast<double>(std::max<std::size_t>(titleLines, 1) - 1) * lineHeight;
+    }
 };
 
 class CloseButton final : public ButtonView {
@@ -57,11 +65,35 @@ ThumbnailCard::ThumbnailCard(const Palette& palette, Size pictureSize)
     };
 }
 
-Size ThumbnailCard::sizeFor(Size picture)
+Size ThumbnailCard::sizeFor(Size picture, std::size_t titleLines)
 {
     return {picture.width + 2 * ThumbnailCardStyle::padding,
-        picture.height + 2 * ThumbnailCardStyle::padding + ThumbnailCardStyle::headerHeight
+        picture.height + 2 * ThumbnailCardStyle::padding + ThumbnailCardStyle::header(titleLines)
             + ThumbnailCardStyle::gap};
+}
+
+double ThumbnailCard::titleWidth(double pictureWidth)
+{
+    return pictureWidth - ThumbnailCardStyle::iconSize - ThumbnailCardStyle::closeSize
+        - 2 * ThumbnailCardStyle::gap;
+}
+
+TextStyle ThumbnailCard::titleStyle()
+{
+    TextStyle style;
+    style.size = ThumbnailCardStyle::titleSize;
+    style.weight = FontWeight::medium;
+    return style;
+}
+
+void ThumbnailCard::setTitleLines(std::vector<std::string> lines)
+{
+    set(m_titleLines, std::move(lines));
+}
+
+double ThumbnailCard::headerHeight() const
+{
+    return ThumbnailCardStyle::header(m_titleLines.size());
 }
 
 void ThumbnailCard::setPicture(std::optional<WindowPicture> picture)
@@ -87,6 +119,18 @@ void ThumbnailCard::clicked(PointerButton button)
     ButtonView::clicked(button);
 }
 
+void ThumbnailCard::showContextMenu()
+{
+    if (onMenuRequested)
+        onMenuRequested(m_chip.id, frameInRoot());
+}
+
+void ThumbnailCard::showContextMenuAt(Point pointer)
+{
+    if (onMenuRequested)
+        onMenuRequested(m_chip.id, Rect::from(pointer, {1, 1}));
+}
+
 std::string ThumbnailCard::accessibleID() const
 {
     return displayItemID(m_chip.id);
@@ -97,7 +141,7 @@ AccessibleState ThumbnailCard::accessibleState() const
     auto state = buttonState(
         m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, tr("Activate"));
     if (m_chip.wantsAttention)
-        state.name += ", wants attention";
+        state.name += ", " + tr("wants attention");
     state.isSelected = m_chip.isFocused;
     state.actions.push_back(tr("Close"));
     return state;
@@ -155,8 +199,8 @@ void ThumbnailCard::layout()
 Rect ThumbnailCard::pictureFrame() const
 {
     Rect room{ThumbnailCardStyle::padding,
-        ThumbnailCardStyle::padding + ThumbnailCardStyle::headerHeight + ThumbnailCardStyle::gap,
-        m_pictureSize.width, m_pictureSize.height};
+        ThumbnailCardStyle::padding + headerHeight() + ThumbnailCardStyle::gap, m_pictureSize.width,
+        m_pictureSize.height};
     if (!m_picture || m_picture->size.isEmpty())
         return room;
     auto& size = m_picture->size;
@@ -173,11 +217,27 @@ void ThumbnailCard::paint(Canvas& canvas) const
         canvas.fillRounded(bounds(), ThumbnailCardStyle::radius, colors.attention);
     paintFace(canvas, bounds(), ThumbnailCardStyle::radius);
     canvas.drawImage(m_chip.icon, iconFrame());
-    canvas.drawText(m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, titleFrame(),
-        {.size = ThumbnailCardStyle::titleSize,
-            .weight = FontWeight::medium,
-            .color = colors.text});
+    paintTitle(canvas);
+    paintPicture(canvas);
+}
 
+void ThumbnailCard::paintTitle(Canvas& canvas) const
+{
+    auto style = titleStyle();
+    style.color = palette().text;
+    auto line = titleFrame();
+    if (m_titleLines.empty())
+        canvas.drawText(
+            m_chip.windowTitle.empty() ? m_chip.appName : m_chip.windowTitle, line, style);
+    for (auto& text : m_titleLines) {
+        canvas.drawText(text, line, style);
+        line = line.translated(0, ThumbnailCardStyle::lineHeight);
+    }
+}
+
+void ThumbnailCard::paintPicture(Canvas& canvas) const
+{
+    auto& colors = palette();
     auto frame = pictureFrame();
     if (!m_picture || !m_picture->image) {
         canvas.fillRounded(frame, ThumbnailCardStyle::pictureRadius, colors.cardFill);
@@ -194,6 +254,12 @@ void ThumbnailCard::paint(Canvas& canvas) const
     if (m_chip.isMinimized)
         canvas.endOpacity();
     canvas.strokeRounded(frame, ThumbnailCardStyle::pictureRadius, 1, colors.popupEdge);
+    if (m_chip.isFocused)
+        canvas.strokeRounded(
+            frame, ThumbnailCardStyle::pictureRadius, ThumbnailCardStyle::focusEdge, colors.accent);
+    else if (m_chip.wantsAttention)
+        canvas.strokeRounded(frame, ThumbnailCardStyle::pictureRadius,
+            ThumbnailCardStyle::focusEdge, colors.attentionMark);
 }
 
 }

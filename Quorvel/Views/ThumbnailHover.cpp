@@ -12,13 +12,15 @@ ThumbnailHover::ThumbnailHover(Dispatch& dispatch, Surfaces& surfaces)
 
 void ThumbnailHover::handleChipHover(bool isHovering, const HoverTarget& target)
 {
+    if (m_isHeldByKeyboard)
+        return;
     if (!isHovering) {
         m_suppressThumbnailForCurrentHover.reset();
         m_pendingHoverTarget.reset();
         m_mouseMovementMonitor = {};
         return startDismissTimer();
     }
-    if (m_suppressThumbnailForCurrentHover == target.chipID || m_isMenuOpen)
+    if (m_suppressThumbnailForCurrentHover == target.chipID || m_openMenu != OpenMenu::none)
         return;
     m_suppressThumbnailForCurrentHover.reset();
     if (onPrefetch)
@@ -28,6 +30,8 @@ void ThumbnailHover::handleChipHover(bool isHovering, const HoverTarget& target)
         return;
     }
     m_pendingHoverTarget = target;
+    if (m_thumbnailTargetID)
+        return show();
     restartShowTimer();
     startMouseStabilityMonitoring();
 }
@@ -50,6 +54,7 @@ void ThumbnailHover::startMouseStabilityMonitoring()
 void ThumbnailHover::show()
 {
     m_showTimer = {};
+    m_dismissTimer = {};
     m_mouseMovementMonitor = {};
     auto target = std::exchange(m_pendingHoverTarget, std::nullopt);
     if (!target)
@@ -63,7 +68,7 @@ void ThumbnailHover::show()
 void ThumbnailHover::startDismissTimer()
 {
     m_showTimer = {};
-    if (!m_thumbnailTargetID)
+    if (!m_thumbnailTargetID || m_openMenu != OpenMenu::none || m_isHeldByKeyboard)
         return;
     m_dismissTimer = m_dispatch.main().after(kDismissDelay, [this] {
         if (!m_isThumbnailPopupHovered)
@@ -84,24 +89,35 @@ void ThumbnailHover::dismissThumbnailPopupImmediate()
     m_dismissTimer = {};
     m_mouseMovementMonitor = {};
     m_pendingHoverTarget.reset();
-    m_isThumbnailPopupHovered = false;
-    if (std::exchange(m_thumbnailTargetID, std::nullopt) && onDismiss)
-        onDismiss();
+    targetDidVanish();
 }
 
 void ThumbnailHover::targetDidVanish()
 {
     m_dismissTimer = {};
     m_isThumbnailPopupHovered = false;
+    m_isHeldByKeyboard = false;
     if (std::exchange(m_thumbnailTargetID, std::nullopt) && onDismiss)
         onDismiss();
 }
 
-void ThumbnailHover::setMenuOpen(bool isOpen)
+void ThumbnailHover::setMenuOpen(OpenMenu menu)
 {
-    m_isMenuOpen = isOpen;
-    if (isOpen)
+    m_openMenu = menu;
+    m_dismissTimer = {};
+    if (menu == OpenMenu::elsewhere)
         dismissThumbnailPopupImmediate();
+    else if (menu == OpenMenu::none && !m_isThumbnailPopupHovered)
+        startDismissTimer();
+}
+
+void ThumbnailHover::openForKeyboard(const HoverTarget& target)
+{
+    if (onPrefetch)
+        onPrefetch(target);
+    m_pendingHoverTarget = target;
+    m_isHeldByKeyboard = true;
+    show();
 }
 
 }

@@ -22,8 +22,9 @@ struct HoverTarget {
     friend bool operator==(const HoverTarget&, const HoverTarget&) = default;
 };
 
-/// When a popup opens and closes. It opens once the pointer has rested on a chip, and closes
-/// shortly after the pointer has left both the chip and the popup. Main thread.
+/// When a popup opens and closes. The first opens once the pointer has rested on a chip; while one
+/// is open, the next chip's opens at once. It closes shortly after the pointer has left both the
+/// chip and the popup. Main thread.
 class ThumbnailHover {
 public:
     static constexpr Duration kShowDelay = seconds(0.25);
@@ -46,8 +47,14 @@ public:
     }
     /// The chip has gone, and its popup with it. What the pointer now rests on may open its own.
     void targetDidVanish();
-    /// No popup beside an open menu.
-    void setMenuOpen(bool);
+    /// Another chip stands for its windows now.
+    void targetDidBecome(std::string chipID) { m_thumbnailTargetID = std::move(chipID); }
+    /// No popup opens beside a menu; the one that is open goes, unless the menu is that of a card.
+    enum class OpenMenu { none, elsewhere, ofCard };
+    void setMenuOpen(OpenMenu);
+    /// Opens it for the keyboard; then it stays, wherever the pointer is, until it is dismissed.
+    void openForKeyboard(const HoverTarget&);
+    bool isHeldByKeyboard() const { return m_isHeldByKeyboard; }
 
     /// The chip that the shown popup belongs to.
     const std::optional<std::string>& thumbnailTargetID() const { return m_thumbnailTargetID; }
@@ -64,7 +71,8 @@ private:
     std::optional<HoverTarget> m_pendingHoverTarget;
     bool m_isThumbnailPopupHovered = false;
     std::optional<std::string> m_suppressThumbnailForCurrentHover; ///< the chip it applies to
-    bool m_isMenuOpen = false;
+    OpenMenu m_openMenu = OpenMenu::none;
+    bool m_isHeldByKeyboard = false;
     Subscription m_mouseMovementMonitor;
     WorkItem m_showTimer;
     WorkItem m_dismissTimer;

@@ -1,116 +1,27 @@
 #include "Quorvel/Views/ThumbnailPopup.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <iterator>
 #include <utility>
 
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Platform/Translation.h"
+#include "Quorvel/Views/Kit/WrappedText.h"
 
 namespace quorvel {
 
 namespace {
 
 struct ThumbnailPopupStyle {
-    static constexpr double padding = 8;
-    static constexpr double spacing = 4; ///< between cards
-    static constexpr double radius = 12;
-    static constexpr double screenMargin = 8;
-    static constexpr double arrowHalfWidth = 9;
-    static constexpr double moreHeight = 22;
     static constexpr double moreTextSize = 12;
+    static constexpr std::size_t mostTitleLines = 8;
     static constexpr Duration fade = seconds(0.12);
     static constexpr Duration move = seconds(0.16);
 };
 
 constexpr std::size_t kPicturesAFrame = 8;
 
-constexpr std::array kPictureSizes{
-    ThumbnailService::kPopupPictureSize, Size{180, 112.5}, Size{132, 82.5}};
-
-Size cardsSize(std::size_t columns, std::size_t rows, Size card)
-{
-    auto n = static_cast<double>(columns);
-    auto m = static_cast<double>(rows);
-    return {n * (card.width + ThumbnailPopupStyle::spacing) - ThumbnailPopupStyle::spacing,
-        m * (card.height + ThumbnailPopupStyle::spacing) - ThumbnailPopupStyle::spacing};
-}
-
-/// Until a card with it fits, with its proportions.
-Size shrunkTo(Size picture, Size room)
-{
-    auto around = ThumbnailCard::sizeFor({});
-    double share = std::clamp(std::min((room.width - around.width) / picture.width,
-                                  (room.height - around.height) / picture.height),
-        0.0, 1.0);
-    return {std::max(1.0, std::floor(picture.width * share)),
-        std::max(1.0, std::floor(picture.height * share))};
-}
-
-}
-
-// MARK: Where everything goes
-
-ThumbnailPopupLayout ThumbnailPopupLayout::of(
-    std::size_t windowCount, const Rect& chip, const Rect& screen, bool isRightToLeft)
-{
-    ThumbnailPopupLayout layout;
-    double room
-        = screen.width - 2 * (ThumbnailPopupStyle::screenMargin + ThumbnailPopupStyle::padding);
-    double height = screen.maxY() - chip.maxY()
-        - 2 * (ThumbnailPopupStyle::screenMargin + ThumbnailPopupStyle::padding) - kArrowHeight
-        - ThumbnailPopupStyle::moreHeight;
-    // The largest pictures with which all windows stand in one row, else as many rows as fit.
-    std::size_t columns = 1;
-    for (auto size : kPictureSizes) {
-        layout.pictureSize = size;
-        auto card = ThumbnailCard::sizeFor(size);
-        columns = std::max<std::size_t>(1,
-            static_cast<std::size_t>((room + ThumbnailPopupStyle::spacing)
-                / (card.width + ThumbnailPopupStyle::spacing)));
-        if (columns >= windowCount)
-            break;
-    }
-    layout.pictureSize = shrunkTo(layout.pictureSize,
-        {room, height + (windowCount > columns ? 0 : ThumbnailPopupStyle::moreHeight)});
-    auto card = ThumbnailCard::sizeFor(layout.pictureSize);
-    auto mostRows = std::max<std::size_t>(1,
-        static_cast<std::size_t>(std::max(0.0, height + ThumbnailPopupStyle::spacing)
-            / (card.height + ThumbnailPopupStyle::spacing)));
-    columns = std::clamp<std::size_t>(windowCount, 1, columns);
-    auto rows = std::clamp<std::size_t>((windowCount + columns - 1) / columns, 1, mostRows);
-    auto shown = std::min(windowCount, columns * rows);
-    layout.hiddenCount = windowCount - shown;
-    auto inner = cardsSize(columns, rows, card);
-    for (std::size_t index = 0; index < shown; ++index) {
-        auto column = static_cast<double>(index % columns);
-        auto row = static_cast<double>(index / columns);
-        double x = column * (card.width + ThumbnailPopupStyle::spacing);
-        if (isRightToLeft)
-            x = inner.width - x - card.width;
-        layout.cards.push_back({ThumbnailPopupStyle::padding + x,
-            ThumbnailPopupStyle::padding + row * (card.height + ThumbnailPopupStyle::spacing),
-            card.width, card.height});
-    }
-    Size whole{inner.width + 2 * ThumbnailPopupStyle::padding,
-        inner.height + 2 * ThumbnailPopupStyle::padding
-            + (layout.hiddenCount > 0 ? ThumbnailPopupStyle::moreHeight : 0) + kArrowHeight};
-    double left = std::max(screen.x + ThumbnailPopupStyle::screenMargin,
-        std::min(chip.centre().x - whole.width / 2,
-            screen.maxX() - ThumbnailPopupStyle::screenMargin - whole.width));
-    // On the smallest of screens it has to lie over the bar.
-    double bottom = std::max(screen.y, std::min(chip.maxY(), screen.maxY() - whole.height));
-    layout.frame = Rect{std::round(left), bottom, whole.width, whole.height}.intersected(screen);
-    layout.pointAt(chip);
-    return layout;
-}
-
-void ThumbnailPopupLayout::pointAt(const Rect& chip)
-{
-    constexpr double least = ThumbnailPopupStyle::radius + ThumbnailPopupStyle::arrowHalfWidth;
-    arrowX = std::clamp(chip.centre().x - frame.x, least, std::max(least, frame.width - least));
 }
 
 // MARK: What it looks like
@@ -143,19 +54,19 @@ private:
         double tip = bounds().maxY() - 1;
         auto arrow = [&](double inset, const Color& color) {
             canvas.fillPolygon(
-                {{m_arrowX - ThumbnailPopupStyle::arrowHalfWidth + inset, face.maxY() - 1},
-                    {m_arrowX + ThumbnailPopupStyle::arrowHalfWidth - inset, face.maxY() - 1},
+                {{m_arrowX - ThumbnailPopupLayout::kArrowHalfWidth + inset, face.maxY() - 1},
+                    {m_arrowX + ThumbnailPopupLayout::kArrowHalfWidth - inset, face.maxY() - 1},
                     {m_arrowX, tip - inset}},
                 color);
         };
-        canvas.fillRounded(face, ThumbnailPopupStyle::radius, m_palette.popupGround);
-        canvas.strokeRounded(face, ThumbnailPopupStyle::radius, 1, m_palette.popupEdge);
+        canvas.fillRounded(face, ThumbnailPopupLayout::kRadius, m_palette.popupGround);
+        canvas.strokeRounded(face, ThumbnailPopupLayout::kRadius, 1, m_palette.popupEdge);
         arrow(0, m_palette.popupEdge);
         arrow(1, m_palette.popupGround);
         if (m_hiddenCount > 0) {
             Rect more{0,
-                face.maxY() - ThumbnailPopupStyle::padding - ThumbnailPopupStyle::moreHeight,
-                face.width, ThumbnailPopupStyle::moreHeight};
+                face.maxY() - ThumbnailPopupLayout::kPadding - ThumbnailPopupLayout::kMoreHeight,
+                face.width, ThumbnailPopupLayout::kMoreHeight};
             canvas.drawText(std::to_string(m_hiddenCount) + " more", more,
                 {.size = ThumbnailPopupStyle::moreTextSize,
                     .color = m_palette.text,
@@ -196,7 +107,9 @@ void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, 
     const std::optional<Rect>& animatingFrom)
 {
     auto& appearance = m_inputs.appearance.value();
-    m_layout = ThumbnailPopupLayout::of(chips.size(), chip, screen, appearance.isRightToLeft);
+    m_titleLines = titleLines(chips);
+    m_layout = ThumbnailPopupLayout::of(
+        {chips.size(), m_titleLines.size()}, chip, screen, appearance.isRightToLeft);
     makeCards(chips);
     m_animation.stop();
     bool fadesIn = !appearance.reduceMotion && !animatingFrom;
@@ -214,6 +127,7 @@ void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, 
 void ThumbnailPopup::hide()
 {
     m_following = {};
+    m_filling = {};
     m_animation.stop();
     m_surface->orderOut();
 }
@@ -229,12 +143,26 @@ void ThumbnailPopup::animate(const Rect& from)
         });
 }
 
+// MARK: Cards
+
+/// A title that stands alone is shown whole; several cards are as high as each other.
+std::vector<std::string> ThumbnailPopup::titleLines(const std::vector<ChipData>& chips) const
+{
+    if (chips.size() != 1)
+        return {};
+    auto& chip = chips.front();
+    return wrappedLines(m_inputs.text, chip.windowTitle.empty() ? chip.appName : chip.windowTitle,
+        ThumbnailCard::titleStyle(),
+        ThumbnailCard::titleWidth(ThumbnailService::kPopupPictureSize.width),
+        ThumbnailPopupStyle::mostTitleLines);
+}
+
 void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
 {
-    auto& appearance = m_inputs.appearance.value();
+    auto keyCard = std::exchange(m_keyCard, std::nullopt);
     m_filling = {};
     m_following = {};
-    m_pictures.clear();
+    m_filled = 0;
     m_cards.clear();
     m_windows.clear();
     std::ranges::transform(chips, std::back_inserter(m_windows), &ChipData::id);
@@ -242,32 +170,50 @@ void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
     m_content = content.get();
     m_content->setLayout(m_layout);
     for (std::size_t index = 0; index < m_layout.cards.size(); ++index) {
-        auto& card
-            = m_content->addChild(std::make_unique<ThumbnailCard>(m_palette, m_layout.pictureSize));
-        card.setRightToLeft(appearance.isRightToLeft);
-        card.setChip(chips[index]);
+        auto& card = makeCard(chips[index]);
         card.setFrame(m_layout.cards[index]);
-        card.onTapped = [this, id = chips[index].id] {
-            if (onWindowChosen)
-                onWindowChosen(id);
-        };
-        card.onCloseTapped = card.onMiddleTapped = [this](WindowID id) {
-            if (onWindowClosed)
-                onWindowClosed(id);
-        };
-        m_cards.push_back(&card);
+        m_cards.push_back({&card, {}});
     }
     askForPictures();
     m_hostingView.setContent(std::move(content));
+    if (keyCard && !m_cards.empty())
+        setKeyCard(std::min(*keyCard, m_cards.size() - 1));
     m_surface->accessibleTreeDidChange();
+}
+
+ThumbnailCard& ThumbnailPopup::makeCard(const ChipData& chip)
+{
+    auto& card
+        = m_content->addChild(std::make_unique<ThumbnailCard>(m_palette, m_layout.pictureSize));
+    card.setRightToLeft(m_inputs.appearance.value().isRightToLeft);
+    card.setChip(chip);
+    card.setTitleLines(m_titleLines);
+    connect(card);
+    return card;
+}
+
+void ThumbnailPopup::connect(ThumbnailCard& card)
+{
+    card.onTapped = [this, id = card.chip().id] {
+        if (onWindowChosen)
+            onWindowChosen(id);
+    };
+    card.onCloseTapped = card.onMiddleTapped = [this](WindowID id) {
+        if (onWindowClosed)
+            onWindowClosed(id);
+    };
+    card.onMenuRequested = [this](WindowID id, const Rect& place) {
+        if (onMenuRequested)
+            onMenuRequested(id, onScreen(place));
+    };
 }
 
 /// A few each frame: to draw those of fifty windows takes longer than one.
 void ThumbnailPopup::askForPictures()
 {
-    auto end = std::min(m_cards.size(), m_pictures.size() + kPicturesAFrame);
-    while (m_pictures.size() < end)
-        askForPicture(*m_cards[m_pictures.size()]);
+    auto end = std::min(m_cards.size(), m_filled + kPicturesAFrame);
+    for (; m_filled < end; ++m_filled)
+        askForPicture(m_cards[m_filled]);
     if (end == m_cards.size())
         return followWindows();
     m_filling
@@ -275,21 +221,22 @@ void ThumbnailPopup::askForPictures()
 }
 
 /// The one there is at once, the fresh one when it comes.
-void ThumbnailPopup::askForPicture(ThumbnailCard& card)
+void ThumbnailPopup::askForPicture(ShownCard& shown)
 {
+    auto& card = *shown.card;
     auto id = card.chip().id;
     card.setPicture(m_inputs.thumbnailService.cached(id));
-    m_pictures.push_back(m_inputs.thumbnailService.thumbnail(id, [&card](auto picture) {
+    shown.picture = m_inputs.thumbnailService.thumbnail(id, [&card](auto picture) {
         if (picture)
             card.setPicture(std::move(picture));
-    }));
+    });
 }
 
 void ThumbnailPopup::followWindows()
 {
     std::vector<WindowID> windows;
-    for (auto* card : m_cards)
-        windows.push_back(card->chip().id);
+    for (auto& shown : m_cards)
+        windows.push_back(shown.card->chip().id);
     m_following = m_inputs.thumbnailService.follow(windows, PictureSize::popup,
         [this](WindowID id, const WindowPicture& picture, const Rect&) {
             if (auto* card = cardOf(id))
@@ -299,21 +246,111 @@ void ThumbnailPopup::followWindows()
 
 ThumbnailCard* ThumbnailPopup::cardOf(WindowID id) const
 {
-    auto found = std::ranges::find(m_cards, id, [](auto* card) { return card->chip().id; });
-    return found == m_cards.end() ? nullptr : *found;
+    auto found = std::ranges::find(m_cards, id, [](auto& shown) { return shown.card->chip().id; });
+    return found == m_cards.end() ? nullptr : found->card;
 }
 
 bool ThumbnailPopup::update(const std::vector<ChipData>& chips, const Rect& chip)
 {
-    if (!std::ranges::is_permutation(chips, m_windows, {}, &ChipData::id))
+    bool isSame = std::ranges::is_permutation(chips, m_windows, {}, &ChipData::id)
+        && titleLines(chips).size() == m_titleLines.size();
+    bool isHeld = m_hostingView.pointer()
+        && std::ranges::any_of(chips, [this](auto& known) { return cardOf(known.id) != nullptr; });
+    if (!isSame && !isHeld)
         return false;
-    for (auto* card : m_cards)
-        card->setChip(*std::ranges::find(chips, card->chip().id, &ChipData::id));
+    removeCardsExcept(chips);
+    if (!m_titleLines.empty() && isSame)
+        m_titleLines = titleLines(chips);
+    for (auto& known : chips) {
+        if (auto* card = cardOf(known.id)) {
+            card->setChip(known);
+            card->setTitleLines(m_titleLines);
+        }
+    }
     m_layout.pointAt(chip);
     m_content->setLayout(m_layout);
     m_surface->accessibleTreeDidChange();
     return true;
 }
+
+void ThumbnailPopup::removeCardsExcept(const std::vector<ChipData>& chips)
+{
+    for (std::size_t index = m_cards.size(); index-- > 0;) {
+        auto& card = *m_cards[index].card;
+        if (std::ranges::find(chips, card.chip().id, &ChipData::id) != chips.end())
+            continue;
+        m_cards.erase(m_cards.begin() + static_cast<std::ptrdiff_t>(index));
+        if (index < m_filled)
+            --m_filled;
+        m_content->removeChild(card);
+    }
+    if (m_keyCard)
+        setKeyCard(std::min(*m_keyCard, m_cards.size() - 1));
+}
+
+// MARK: The keyboard
+
+void ThumbnailPopup::takeKeys()
+{
+    auto focused
+        = std::ranges::find_if(m_cards, [](auto& shown) { return shown.card->chip().isFocused; });
+    if (m_cards.empty())
+        return;
+    setKeyCard(focused == m_cards.end() ? 0 : static_cast<std::size_t>(focused - m_cards.begin()));
+}
+
+void ThumbnailPopup::setKeyCard(std::optional<std::size_t> index)
+{
+    m_keyCard = index;
+    m_hostingView.setKeyFocused(index ? m_cards[*index].card : nullptr);
+}
+
+std::optional<ThumbnailPopup::CardPlace> ThumbnailPopup::keyCard() const
+{
+    if (!m_keyCard)
+        return {};
+    return placeOf(*m_cards[*m_keyCard].card);
+}
+
+bool ThumbnailPopup::walk(const KeyEvent& event)
+{
+    if (!m_keyCard)
+        return false;
+    auto next = event.keyCode == KeyCode::tab
+        ? std::optional{(*m_keyCard + (event.has(KeyModifier::shift) ? m_cards.size() - 1 : 1))
+            % m_cards.size()}
+        : neighbour(*m_keyCard, event.keyCode);
+    if (next)
+        setKeyCard(next);
+    return next.has_value();
+}
+
+/// Sideways in the order of the cards, up and down in their columns; at the first and the last one
+/// the keyboard stays. Absent: there is none that way.
+std::optional<std::size_t> ThumbnailPopup::neighbour(std::size_t card, KeyCode key) const
+{
+    auto forwards = m_inputs.appearance.value().isRightToLeft ? KeyCode::left : KeyCode::right;
+    auto backwards = forwards == KeyCode::right ? KeyCode::left : KeyCode::right;
+    if (key == forwards)
+        return std::min(card + 1, m_cards.size() - 1);
+    if (key == backwards)
+        return card > 0 ? card - 1 : 0;
+    if (key == KeyCode::home)
+        return 0;
+    if (key == KeyCode::end)
+        return m_cards.size() - 1;
+    if (key != KeyCode::up && key != KeyCode::down)
+        return {};
+    auto from = m_cards[card].card->frame();
+    double step = key == KeyCode::up ? -from.height / 2 : from.height * 1.5;
+    for (std::size_t index = 0; index < m_cards.size(); ++index) {
+        if (m_cards[index].card->frame().contains(Point{from.centre().x, from.y + step}))
+            return index;
+    }
+    return key == KeyCode::up ? std::optional{card} : std::nullopt;
+}
+
+// MARK: Where things are
 
 Rect ThumbnailPopup::onScreen(const Rect& inRoot) const
 {
@@ -321,12 +358,16 @@ Rect ThumbnailPopup::onScreen(const Rect& inRoot) const
     return {frame.x + inRoot.x, frame.maxY() - inRoot.maxY(), inRoot.width, inRoot.height};
 }
 
+ThumbnailPopup::CardPlace ThumbnailPopup::placeOf(const ThumbnailCard& card) const
+{
+    return {card.chip().id, onScreen(card.frameInRoot()), onScreen(card.closeButtonFrame())};
+}
+
 std::vector<ThumbnailPopup::CardPlace> ThumbnailPopup::cardPlaces() const
 {
     std::vector<CardPlace> places;
-    for (auto* card : m_cards)
-        places.push_back(
-            {card->chip().id, onScreen(card->frameInRoot()), onScreen(card->closeButtonFrame())});
+    for (auto& shown : m_cards)
+        places.push_back(placeOf(*shown.card));
     return places;
 }
 

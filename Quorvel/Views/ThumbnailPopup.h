@@ -1,10 +1,8 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "Quorvel/Core/DisplayItem.h"
@@ -14,35 +12,24 @@
 #include "Quorvel/Views/Kit/Animation.h"
 #include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/ThumbnailCard.h"
+#include "Quorvel/Views/ThumbnailPopupLayout.h"
 
 namespace quorvel {
 
+class Text;
 class ThumbnailService;
 
-/// The positions of a popup and its cards; values only.
-struct ThumbnailPopupLayout {
-    static constexpr double kArrowHeight = 8;
-
-    Size pictureSize;
-    std::vector<Rect> cards; ///< in the popup, origin top left
-    std::size_t hiddenCount = 0; ///< windows for which there is no room
-    Rect frame; ///< on the screen, points, bottom-left origin
-    double arrowX = 0; ///< in the popup
-
-    void pointAt(const Rect& chip);
-
-    /// Above the chip and wholly on its screen; all in points, bottom-left origin.
-    static ThumbnailPopupLayout of(
-        std::size_t windowCount, const Rect& chip, const Rect& screen, bool isRightToLeft);
-};
-
 /// The popup above a chip: a card with a live picture for each of its windows. Never takes the
-/// focus. Destroying it removes it from the screen. Main thread.
+/// focus; keys come to it from the bar. Destroying it removes it from the screen. Main thread.
+///
+/// While the pointer is on it, its cards hold still: one whose window closes leaves its place
+/// empty, and a new window waits. Whoever shows it does so again when the pointer has left.
 class ThumbnailPopup {
 public:
     struct Inputs {
         Surfaces& surfaces;
         Dispatch& dispatch;
+        const Text& text;
         ThumbnailService& thumbnailService;
         const Published<Appearance>& appearance;
         DisplayNumber display{};
@@ -56,7 +43,7 @@ public:
     void show(const std::vector<ChipData>&, const Rect& chip, const Rect& screen,
         const std::optional<Rect>& animatingFrom);
     void hide();
-    /// True if it already shows exactly these windows: they are updated, and the arrow moves to the
+    /// True if it shows these windows, or holds still: they are updated, and the arrow moves to the
     /// chip. Otherwise nothing changes.
     bool update(const std::vector<ChipData>&, const Rect& chip);
 
@@ -69,19 +56,40 @@ public:
     };
     std::vector<CardPlace> cardPlaces() const;
 
+    /// The keyboard comes to the cards: to that of the focused window, or the first.
+    void takeKeys();
+    /// The arrows, Tab, Home and End walk the cards. False: the key leads out of them, or means
+    /// nothing here.
+    bool walk(const KeyEvent&);
+    /// The card with the keyboard; absent while it is elsewhere.
+    std::optional<CardPlace> keyCard() const;
+
     std::function<void(WindowID)> onWindowChosen;
     std::function<void(WindowID)> onWindowClosed;
+    /// Beside a place on the screen (points, bottom-left origin).
+    std::function<void(WindowID, const Rect&)> onMenuRequested;
     std::function<void(bool isHovered)> onHoverChanged;
 
 private:
     class Content;
+    struct ShownCard {
+        ThumbnailCard* card = nullptr;
+        Subscription picture;
+    };
 
     void makeCards(const std::vector<ChipData>&);
+    ThumbnailCard& makeCard(const ChipData&);
+    void connect(ThumbnailCard&);
     void askForPictures();
-    void askForPicture(ThumbnailCard&);
+    void askForPicture(ShownCard&);
     void followWindows();
+    void removeCardsExcept(const std::vector<ChipData>&);
+    std::vector<std::string> titleLines(const std::vector<ChipData>&) const;
     ThumbnailCard* cardOf(WindowID) const;
+    std::optional<std::size_t> neighbour(std::size_t card, KeyCode) const;
+    void setKeyCard(std::optional<std::size_t>);
     void animate(const Rect& from);
+    CardPlace placeOf(const ThumbnailCard&) const;
     Rect onScreen(const Rect& inRoot) const;
 
     Inputs m_inputs;
@@ -90,9 +98,11 @@ private:
     std::unique_ptr<PanelSurface> m_surface;
     Content* m_content = nullptr;
     ThumbnailPopupLayout m_layout;
-    std::vector<WindowID> m_windows; ///< including those without room for a card
-    std::vector<ThumbnailCard*> m_cards;
-    std::vector<Subscription> m_pictures;
+    std::vector<WindowID> m_windows; ///< as laid out, including those without room for a card
+    std::vector<ShownCard> m_cards;
+    std::size_t m_filled = 0; ///< the first cards, for which pictures have been asked
+    std::optional<std::size_t> m_keyCard;
+    std::vector<std::string> m_titleLines;
     Subscription m_following;
     Animation m_animation;
     WorkItem m_filling;

@@ -29,6 +29,8 @@ public:
     std::function<void(bool isHovered)> onHoverChanged;
     std::function<void(WindowID)> onWindowChosen;
     std::function<void(WindowID)> onWindowClosed;
+    /// Beside a place on the screen (points, bottom-left origin).
+    std::function<void(WindowID, const Rect&)> onMenuRequested;
 
     /// Above the chip (points, bottom-left origin). False: there is nothing to show, or no screen.
     bool show(const std::vector<ChipData>&, const Rect& chip);
@@ -38,7 +40,7 @@ public:
     void hide();
 
     /// Null while none is open.
-    const ThumbnailPopup* popup() const { return m_activeThumbnailPanel.get(); }
+    ThumbnailPopup* popup() const { return m_activeThumbnailPanel.get(); }
 
 private:
     void makePopup();

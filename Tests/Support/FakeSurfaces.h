@@ -168,7 +168,9 @@ public:
     /// enabled entry.
     bool chooseMenuItem(std::string_view title);
     /// The popup that is on the screen; null if there is none.
-    FakePanel* popup() const { return firstOf(open(PanelKind::popup)); }
+    FakePanel* popup() const { return firstOf(popups()); }
+    /// In the order made.
+    std::vector<FakePanel*> popups() const { return open(PanelKind::popup); }
 
     /// The launcher that is on the screen; null if there is none.
     FakePanel* launcher() const { return firstOf(open(PanelKind::launcher)); }

@@ -1,0 +1,217 @@
+// What the cards of a popup show and do, through real pointer and key events.
+#include "Quorvel/Views/ThumbnailPopup.h"
+
+#include "Tests/Support/BarFixture.h"
+
+namespace quorvel::test {
+
+namespace {
+
+struct ThumbnailPopupTest : ThreeWindows {
+    WindowID sent = desktop.open(mail, {.title = "Sent", .frame = {100, 50, 800, 600}});
+
+    ThumbnailPopupTest()
+    {
+        desktop.focus(inbox);
+        settle();
+    }
+    /// Of the three windows of one application.
+    void openGroup()
+    {
+        runtime->userSettings().setGroupWindowsByApp(true);
+        settle();
+        panel().movePointer(content().chipFrames().front().second.centre());
+        desktop.advance(seconds(0.5));
+        ASSERT_TRUE(popup());
+        ASSERT_THAT(cards(), ElementsAre(inbox, draft, sent));
+    }
+    std::vector<WindowID> cards()
+    {
+        std::vector<WindowID> windows;
+        if (auto* shown = content().thumbnailPopup()) {
+            for (auto& place : shown->cardPlaces())
+                windows.push_back(place.window);
+        }
+        return windows;
+    }
+    Rect cardFrame(WindowID window)
+    {
+        for (auto& place : content().thumbnailPopup()->cardPlaces()) {
+            if (place.window == window)
+                return place.frame;
+        }
+        ADD_FAILURE() << "no card";
+        return {};
+    }
+    /// In the popup.
+    Point onCard(WindowID window)
+    {
+        auto at = cardFrame(window).centre();
+        return {at.x - popup()->frame().x, popup()->frame().maxY() - at.y};
+    }
+    void pointAt(WindowID window)
+    {
+        panel().leave();
+        popup()->movePointer(onCard(window));
+    }
+    FakeScreenCapture& capture() { return desktop.screenCapture(); }
+    int picturesOf(WindowID window)
+    {
+        return int(std::ranges::count(capture().capturedWindows(), window));
+    }
+    std::optional<WindowID> keyCard()
+    {
+        auto card
+            = content().thumbnailPopup() ? content().thumbnailPopup()->keyCard() : std::nullopt;
+        return card ? std::optional{card->window} : std::nullopt;
+    }
+    std::string walkedTo()
+    {
+        auto* view = bar().keyFocusedView();
+        return view ? view->accessibleID() : "";
+    }
+};
+
+}
+
+// Faults: a picture that stands still, one that is followed for nobody, a popup painted whole.
+TEST_F(ThumbnailPopupTest, picturesFollowTheirWindowsWhileThePopupIsOpen)
+{
+    EXPECT_THAT(capture().watchedWindows(), SizeIs(0));
+    hoverUntilShown(draft);
+    desktop.advance(seconds(2));
+    EXPECT_THAT(capture().watchedWindows(), ElementsAre(draft));
+    const auto before = picturesOf(draft);
+    popup()->forgetPaints();
+    capture().windowDraws(draft);
+    desktop.advance(seconds(0.1));
+    EXPECT_EQ(picturesOf(draft), before + 1);
+    ASSERT_THAT(popup()->paints(), SizeIs(1));
+    EXPECT_LE(popup()->paints().front().damage.height, 150);
+
+    leave();
+    desktop.advance(seconds(1));
+    ASSERT_FALSE(popup());
+    EXPECT_THAT(capture().watchedWindows(), SizeIs(0));
+}
+
+// Faults: a wait at each chip; a popup that closes on the way to the next one.
+TEST_F(ThumbnailPopupTest, ofTheNextChipOpensAtOnce)
+{
+    hoverUntilShown(draft);
+    panel().movePointer(middleOf(notes));
+    EXPECT_THAT(popup()->render().texts(), Contains("Notes"));
+    desktop.advance(seconds(1));
+    EXPECT_THAT(popup()->render().texts(), Contains("Notes"));
+}
+
+// Faults: after a close, the next click closes a window that nobody aimed at; a gap that stays.
+TEST_F(ThumbnailPopupTest, cardsHoldStillUnderThePointerUntilItLeaves)
+{
+    openGroup();
+    auto first = cardFrame(inbox);
+    auto last = cardFrame(sent);
+    pointAt(draft);
+    popup()->click(onCard(draft), PointerButton::middle);
+    settle();
+    ASSERT_THAT(cards(), ElementsAre(inbox, sent));
+    EXPECT_EQ(cardFrame(inbox), first);
+    EXPECT_EQ(cardFrame(sent), last);
+
+    auto other = desktop.open(mail, {.title = "New"});
+    settle();
+    EXPECT_THAT(cards(), ElementsAre(inbox, sent)) << "it waits";
+    panel().movePointer(content().chipFrames().front().second.centre());
+    popup()->leave();
+    EXPECT_THAT(cards(), ElementsAre(inbox, sent, other));
+
+    // Down to the last one, which is no group any longer.
+    for (auto id : {inbox, other}) {
+        pointAt(id);
+        popup()->click(onCard(id), PointerButton::middle);
+        settle();
+        ASSERT_TRUE(popup());
+    }
+    EXPECT_THAT(cards(), ElementsAre(sent));
+    popup()->leave();
+    desktop.advance(seconds(0.5));
+    EXPECT_FALSE(popup());
+}
+
+// Faults: no menu, the menu of another window, a popup that goes beneath it or stays for ever.
+TEST_F(ThumbnailPopupTest, aCardHasTheMenuOfItsWindow)
+{
+    openGroup();
+    pointAt(draft);
+    popup()->press(onCard(draft), PointerButton::secondary);
+    desktop.advance(seconds(2));
+    EXPECT_THAT(desktop.surfaces().menuTitles(), Contains("Minimise"));
+    EXPECT_THAT(cards(), SizeIs(3));
+    ASSERT_TRUE(desktop.surfaces().chooseMenuItem("Minimise"));
+    settle();
+    EXPECT_TRUE(chip(draft)->isMinimized);
+    EXPECT_FALSE(chip(inbox)->isMinimized);
+    EXPECT_FALSE(popup()) << "the pointer went into the menu and did not come back";
+}
+
+// Faults: cards that only a pointer reaches; a walk that loses its place in the bar.
+TEST_F(ThumbnailPopupTest, theKeyboardReachesTheCards)
+{
+    runtime->userSettings().setGroupWindowsByApp(true);
+    settle();
+    panel().takeKeyboard();
+    auto group = walkedTo();
+    ASSERT_EQ(group, content().chipFrames().front().first);
+    panel().pressKey(KeyCode::up);
+    ASSERT_TRUE(popup());
+    EXPECT_EQ(keyCard(), inbox) << "the focused one";
+    panel().pressKey(KeyCode::left);
+    EXPECT_EQ(keyCard(), inbox);
+    panel().pressKey(KeyCode::right);
+    EXPECT_EQ(keyCard(), draft);
+    panel().pressKey(KeyCode::up);
+    EXPECT_EQ(keyCard(), draft);
+    desktop.advance(seconds(5));
+    ASSERT_TRUE(popup()) << "no pointer has to be there";
+
+    panel().pressKey(KeyCode::forwardDelete);
+    settle();
+    EXPECT_THAT(cards(), ElementsAre(inbox, sent));
+    EXPECT_EQ(keyCard(), sent);
+    panel().pressKey(KeyCode::escape);
+    EXPECT_FALSE(popup());
+    EXPECT_TRUE(panel().hasKeyboard());
+    EXPECT_EQ(walkedTo(), group);
+
+    panel().pressKey(KeyCode::up);
+    panel().pressKey(KeyCode::end);
+    panel().pressKey(KeyCode::enter);
+    desktop.advance(seconds(0.5));
+    EXPECT_FALSE(popup());
+    EXPECT_FALSE(panel().hasKeyboard());
+    EXPECT_TRUE(chip(sent)->isFocused);
+
+    panel().takeKeyboard();
+    panel().pressKey(KeyCode::up);
+    ASSERT_TRUE(popup());
+    panel().releaseKeyboard();
+    EXPECT_FALSE(popup()) << "nobody could close it";
+}
+
+// Fault: the end of a long title, which tells the windows apart, is nowhere to be read.
+TEST_F(ThumbnailPopupTest, aSingleWindowsTitleIsShownWhole)
+{
+    hoverUntilShown(draft);
+    auto height = popup()->frame().height;
+    EXPECT_THAT(popup()->render().texts(), ElementsAre("Draft"));
+
+    desktop.retitle(draft, "A rather long title of a letter that was begun on a Monday in spring");
+    settle();
+    std::string whole;
+    for (auto& line : popup()->render().texts())
+        whole += (whole.empty() ? "" : " ") + line;
+    EXPECT_EQ(whole, "A rather long title of a letter that was begun on a Monday in spring");
+    EXPECT_GT(popup()->frame().height, height);
+}
+
+}
