@@ -51,7 +51,7 @@ std::optional<WindowPicture> pictureOf(CGImageRef image)
             static_cast<double>(CGImageGetHeight(image))}};
 }
 
-SCStreamConfiguration* toSystem(const CaptureConfiguration& wanted)
+SCStreamConfiguration* toSystem(const CaptureConfiguration& wanted, const Rect& frame)
 {
     SCStreamConfiguration* configuration = [[captureClass(@"SCStreamConfiguration") alloc] init];
     configuration.width = static_cast<std::size_t>(wanted.width);
@@ -59,7 +59,8 @@ SCStreamConfiguration* toSystem(const CaptureConfiguration& wanted)
     configuration.scalesToFit = YES;
     configuration.showsCursor = NO;
     if (@available(macOS 14.0, *)) {
-        configuration.captureResolution = SCCaptureResolutionNominal;
+        configuration.captureResolution
+            = wanted.width > frame.width ? SCCaptureResolutionBest : SCCaptureResolutionNominal;
         // The shadow would be scaled into the picture, and the window smaller for it.
         configuration.ignoreShadowsSingleWindow = YES;
     }
@@ -135,7 +136,7 @@ void MacWindowCapture::captureImage(const ShareableWindow& window,
             return handler({});
         [manager
             captureImageWithFilter:filter
-                     configuration:toSystem(configuration)
+                     configuration:toSystem(configuration, window.frame)
                  completionHandler:^(CGImageRef image, NSError*) { handler(pictureOf(image)); }];
     } else {
         captureByWindowServer(native->window.windowID, configuration, std::move(handler));

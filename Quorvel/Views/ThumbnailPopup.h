@@ -13,9 +13,11 @@
 #include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/ThumbnailCard.h"
 #include "Quorvel/Views/ThumbnailPopupLayout.h"
+#include "Quorvel/Views/WindowPeek.h"
 
 namespace quorvel {
 
+class Displays;
 class Text;
 class ThumbnailService;
 
@@ -29,6 +31,7 @@ public:
     struct Inputs {
         Surfaces& surfaces;
         Dispatch& dispatch;
+        const Displays& displays;
         const Text& text;
         ThumbnailService& thumbnailService;
         const Published<Appearance>& appearance;
@@ -88,6 +91,7 @@ private:
     ThumbnailCard* cardOf(WindowID) const;
     std::optional<std::size_t> neighbour(std::size_t card, KeyCode) const;
     void setKeyCard(std::optional<std::size_t>);
+    void cardHovered(WindowID, bool isHovered);
     void animate(const Rect& from);
     CardPlace placeOf(const ThumbnailCard&) const;
     Rect onScreen(const Rect& inRoot) const;
@@ -104,6 +108,7 @@ private:
     std::optional<std::size_t> m_keyCard;
     std::vector<std::string> m_titleLines;
     Subscription m_following;
+    WindowPeek m_peek;
     Animation m_animation;
     WorkItem m_filling;
     Subscription m_appearanceChanged;
