@@ -126,6 +126,7 @@ void SettingsWindow::showPages()
         adw_view_stack_page_set_icon_name(entry, page.icon.c_str());
         m_isBehind |= !view.show(page);
     }
+    m_frame.nameThePage();
 }
 
 /// Pages come and go with the platform's abilities, hardly ever while the window is open.

@@ -70,13 +70,14 @@ WindowFrame::WindowFrame(GtkApplication* application)
 
 GtkWidget* WindowFrame::makeHeader()
 {
-    m_title = ADW_VIEW_SWITCHER_TITLE(adw_view_switcher_title_new());
-    adw_view_switcher_title_set_stack(m_title, m_stack);
-    adw_view_switcher_title_set_title(m_title, gtk_window_get_title(m_window));
-    adw_view_switcher_title_set_view_switcher_enabled(m_title, false);
+    m_title.reset(ADW_VIEW_SWITCHER_TITLE(g_object_ref_sink(adw_view_switcher_title_new())));
+    adw_view_switcher_title_set_stack(m_title.get(), m_stack);
+    adw_view_switcher_title_set_view_switcher_enabled(m_title.get(), false);
+    nameThePage();
+    m_pageTurned = SignalHandler{m_stack, "notify::visible-child", [this] { nameThePage(); }};
     auto* header = adw_header_bar_new();
     adw_header_bar_set_centering_policy(ADW_HEADER_BAR(header), ADW_CENTERING_POLICY_LOOSE);
-    adw_header_bar_set_title_widget(ADW_HEADER_BAR(header), GTK_WIDGET(m_title));
+    adw_header_bar_set_title_widget(ADW_HEADER_BAR(header), GTK_WIDGET(m_title.get()));
     return header;
 }
 
@@ -104,7 +105,8 @@ GtkWidget* WindowFrame::makeBody()
 {
     auto* switcher = adw_view_switcher_bar_new();
     adw_view_switcher_bar_set_stack(ADW_VIEW_SWITCHER_BAR(switcher), m_stack);
-    g_object_bind_property(m_title, "title-visible", switcher, "reveal", G_BINDING_SYNC_CREATE);
+    g_object_bind_property(
+        m_title.get(), "title-visible", switcher, "reveal", G_BINDING_SYNC_CREATE);
     gtk_widget_set_vexpand(GTK_WIDGET(m_stack), true);
     m_toasts = ADW_TOAST_OVERLAY(adw_toast_overlay_new());
     adw_toast_overlay_set_child(m_toasts, GTK_WIDGET(m_stack));
@@ -139,10 +141,20 @@ void WindowFrame::addKeys()
     gtk_widget_add_controller(GTK_WIDGET(m_window), turning);
 }
 
+void WindowFrame::nameThePage()
+{
+    const char* window = gtk_window_get_title(m_window);
+    auto* child = adw_view_stack_get_visible_child(m_stack);
+    auto* page = child ? adw_view_stack_get_page(m_stack, child) : nullptr;
+    const char* title = page ? adw_view_stack_page_get_title(page) : nullptr;
+    adw_view_switcher_title_set_title(m_title.get(), title ? title : window);
+    adw_view_switcher_title_set_subtitle(m_title.get(), title ? window : nullptr);
+}
+
 void WindowFrame::showPages()
 {
     gtk_widget_set_visible(m_note, false);
-    adw_view_switcher_title_set_view_switcher_enabled(m_title, true);
+    adw_view_switcher_title_set_view_switcher_enabled(m_title.get(), true);
     gtk_stack_set_visible_child_name(m_body, kPages);
 }
 

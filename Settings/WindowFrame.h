@@ -5,6 +5,7 @@
 #include <adwaita.h>
 
 #include "Hosts/Linux/GHandles.h"
+#include "Settings/Toolkit/SignalHandler.h"
 
 namespace quorvel::settings {
 
@@ -19,6 +20,9 @@ public:
     GtkWindow* window() const { return m_window; }
     AdwViewStack* stack() const { return m_stack; }
 
+    /// Call when the pages have their titles. In a narrow window, whose tabs have no room for each
+    /// language's, the one that is seen stands above it.
+    void nameThePage();
     /// The bar is there, and with it the pages.
     void showPages();
     enum class Absence { notRunning, silent };
@@ -38,13 +42,15 @@ private:
     // The window is its application's, and the others are the window's.
     GtkWindow* m_window;
     AdwViewStack* m_stack;
-    AdwViewSwitcherTitle* m_title = nullptr;
     GtkStack* m_body = nullptr;
     AdwToastOverlay* m_toasts = nullptr;
     GtkWidget* m_note = nullptr;
     GtkLabel* m_noteText = nullptr;
     AdwStatusPage* m_absence = nullptr;
+    xdg::GObjectHandle<AdwViewSwitcherTitle>
+        m_title; ///< the window may let go of it before the stack
     xdg::GObjectHandle<AdwToast> m_toast;
+    SignalHandler m_pageTurned;
 };
 
 }

@@ -17,6 +17,9 @@ constexpr char kStyle[] = R"(
 .quorvel-empty { padding: 15px; }
 .quorvel-dragged { background-color: @card_bg_color; padding: 9px 12px; }
 preferencesgroup list + list, preferencesgroup label.heading { margin-top: 12px; }
+viewswitcherbar actionbar > revealer > box { padding: 0; border-spacing: 0; }
+viewswitcherbar button { padding-left: 0; padding-right: 0; }
+viewswitcherbar label { font-size: 0.9em; letter-spacing: -0.2px; }
 )";
 
 /// A theme that is forced on the toolkit would replace the library's style.
