@@ -48,7 +48,7 @@ Runtime* s_current = nullptr;
 
 ControlReply answerLauncherRequest(BarManager& manager)
 {
-    if (manager.toggleAppLauncher())
+    if (manager.toggleAppLauncher(BarManager::LauncherCaller::anotherProgram))
         return {};
     return {1, "", "quorvel: no bar is to be seen that the launcher could open from\n"};
 }

@@ -43,6 +43,33 @@ struct HotkeyTest : BarFixture {
     }
 };
 
+// Faults: a shortcut of another program opens the launcher and cannot close it; it closes what it
+// has not opened; it stays ours when the launcher is closed.
+TEST_F(HotkeyTest, ofAnotherProgramClosesTheLauncherThatItHasOpened)
+{
+    start();
+    const Keys other{kSpaceKey, HotkeyModifier::command};
+    const auto ask = [&] {
+        EXPECT_EQ(desktop.control().send({"--launcher"})->exitStatus, 0);
+        return isLauncherOpen();
+    };
+    system().hold(other);
+    ASSERT_TRUE(ask());
+    system().hold({});
+    EXPECT_FALSE(system().press({kK, HotkeyModifier::command}));
+    EXPECT_TRUE(isLauncherOpen());
+    EXPECT_TRUE(system().press(other));
+    EXPECT_FALSE(isLauncherOpen());
+    EXPECT_FALSE(system().press(other));
+
+    ASSERT_TRUE(ask()); // from a terminal
+    EXPECT_FALSE(system().press(other));
+    EXPECT_TRUE(isLauncherOpen());
+    system().hold(other);
+    EXPECT_FALSE(ask()) << "by a host that leaves the shortcut to the other program";
+    EXPECT_FALSE(system().press(other));
+}
+
 // Faults: half a shortcut is registered; a change that comes from the command line, or clears one
 // field, is not followed; the press opens but does not close; a shortcut that is cleared still
 // works.

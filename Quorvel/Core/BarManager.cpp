@@ -251,16 +251,20 @@ Bar* BarManager::resolveLauncherAnchorPanel()
     return chosen;
 }
 
-bool BarManager::toggleAppLauncher()
+bool BarManager::toggleAppLauncher(LauncherCaller caller)
 {
     if (launcherPanel()) {
         m_launcher.close();
         return true;
     }
     auto* anchor = resolveLauncherAnchorPanel();
-    if (anchor)
-        showAppLauncher(*anchor);
-    return anchor != nullptr;
+    if (!anchor)
+        return false;
+    if (caller == LauncherCaller::anotherProgram)
+        m_launcher.showForHeldShortcut(*anchor);
+    else
+        m_launcher.show(*anchor);
+    return true;
 }
 
 bool BarManager::takeKeyboard()

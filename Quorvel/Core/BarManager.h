@@ -71,8 +71,13 @@ public:
     /// Null while it is closed.
     LauncherPanel* launcherPanel() const { return m_launcher.panel(); }
     void showAppLauncher(Bar& anchor) { m_launcher.show(anchor); }
+    /// Who asks for the launcher.
+    enum class LauncherCaller {
+        thisProgram,
+        anotherProgram, ///< on a shortcut of its own, perhaps
+    };
     /// Opens it where the pointer is, or closes it. False if there is no bar to open it from.
-    bool toggleAppLauncher();
+    bool toggleAppLauncher(LauncherCaller = LauncherCaller::thisProgram);
     /// An item of the bar where the pointer is, by its place in the row from 0.
     void useItem(std::size_t place, ItemUse);
     /// While something else needs the keyboard, a bar does not take it when the pointer enters.

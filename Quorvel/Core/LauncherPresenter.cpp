@@ -40,10 +40,36 @@ void LauncherPresenter::show(const Bar& anchor)
     m_panel->open(*frame);
 }
 
+void LauncherPresenter::showForHeldShortcut(const Bar& anchor)
+{
+    // Before anything is drawn: the user is about to let go of it.
+    auto* hotkeys = m_platform.hotkeys;
+    auto held = hotkeys ? hotkeys->registerHeld(kHeldShortcutID) : nullptr;
+    show(anchor);
+    if (!m_panel || !held)
+        return;
+    m_heldShortcut = std::move(held);
+    m_eventHandler
+        = hotkeys->installHandler([this](const HotkeyID& id) { return handleHotkey(id); });
+}
+
+HotkeyStatus LauncherPresenter::handleHotkey(const HotkeyID& pressed)
+{
+    if (pressed != kHeldShortcutID)
+        return HotkeyStatus::notHandled;
+    m_platform.dispatch.main().async([weak = m_weak.reference()] {
+        if (auto* presenter = weak.get())
+            presenter->close();
+    });
+    return HotkeyStatus::handled;
+}
+
 void LauncherPresenter::close()
 {
     if (!m_panel)
         return;
+    m_eventHandler = {};
+    m_heldShortcut = nullptr;
     // Whoever closes it may have been called by it, so it goes in a turn of its own.
     m_closed.push_back(std::move(m_panel));
     m_closed.back()->close();

@@ -8,6 +8,7 @@
 #include "Quorvel/Core/LauncherPanel.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/Hotkeys.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Platform/WeakOwner.h"
 
@@ -27,6 +28,7 @@ public:
     static constexpr double kAboveBar = 8;
     /// On a screen too low for this it lies over the bar.
     static constexpr double kLeastHeight = 200;
+    static constexpr HotkeyID kHeldShortcutID{0x5152564C, 2}; ///< "QRVL"
 
     /// All it is given outlives it.
     LauncherPresenter(const Platform&, BarFactory&, AppLauncher&, PinStore&, const UserSettings&);
@@ -37,6 +39,9 @@ public:
     /// Null while it is closed.
     LauncherPanel* panel() const { return m_panel.get(); }
     void show(const Bar& anchor);
+    /// The same for another program's shortcut, which it cannot receive while the launcher has the
+    /// keyboard: pressed again, it closes the launcher.
+    void showForHeldShortcut(const Bar& anchor);
     void close();
     /// The button of this bar that opens the launcher goes down. True: the press closes the
     /// launcher that opened from there, or has just closed it, and must not open it anew.
@@ -59,6 +64,7 @@ private:
     };
 
     static Anchor anchorOf(const Bar&);
+    HotkeyStatus handleHotkey(const HotkeyID&);
     void dismissed(LauncherDismissal);
     std::optional<Rect> frameFor(const Bar&) const;
 
@@ -70,6 +76,9 @@ private:
     Anchor m_anchor;
     bool m_isClosedByPrimaryPress = false; ///< and the bar may yet receive that press
     WorkItem m_closingPressEnds;
+    /// Of another program, while the launcher is open that it has opened; null else.
+    std::unique_ptr<HotkeyRegistration> m_heldShortcut;
+    Subscription m_eventHandler;
     std::unique_ptr<LauncherPanel> m_panel;
     std::vector<std::unique_ptr<LauncherPanel>> m_closed; ///< destroyed in the next turn
     WeakOwner<LauncherPresenter> m_weak{*this};

@@ -60,6 +60,15 @@ public:
     /// Called for each press of a registered shortcut; the newest handler first, until one has
     /// handled it.
     [[nodiscard]] virtual Subscription installHandler(Handler) = 0;
+    /// What the user is holding down just now: a shortcut of another program, a window manager for
+    /// example, which has asked for something on it. While this program has the keyboard, the other
+    /// one cannot receive it, and its next press is reported like one of ours. Null if it is not
+    /// one key with its modifiers, or if that is what one types or walks a list with; and where the
+    /// host cannot tell, or other programs receive their shortcuts all the same.
+    [[nodiscard]] virtual std::unique_ptr<HotkeyRegistration> registerHeld(const HotkeyID&)
+    {
+        return nullptr;
+    }
     /// Now is a good time to ask once more for shortcuts that are taken, where the system does not
     /// tell when they become free; `outcomesDidChange` reports what came of it.
     virtual void askAgain() { }

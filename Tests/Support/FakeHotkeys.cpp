@@ -30,6 +30,28 @@ private:
     FakeHotkeys& m_table;
 };
 
+/// Reported, but in nobody's table.
+class FakeHotkeys::Held final : public HotkeyRegistration {
+public:
+    Held(FakeHotkeys& table, Keys wanted, HotkeyID name) : keys(wanted), id(name), m_table(table)
+    {
+        m_table.m_heldElsewhere.push_back(this);
+    }
+    ~Held() override { std::erase(m_table.m_heldElsewhere, this); }
+    HotkeyOutcome outcome() const override { return HotkeyOutcome::taken; }
+
+    const Keys keys;
+    const HotkeyID id;
+
+private:
+    FakeHotkeys& m_table;
+};
+
+std::unique_ptr<HotkeyRegistration> FakeHotkeys::registerHeld(const HotkeyID& id)
+{
+    return m_heldDown ? std::make_unique<Held>(*this, *m_heldDown, id) : nullptr;
+}
+
 std::unique_ptr<HotkeyRegistration> FakeHotkeys::registerHotkey(
     std::uint32_t keyCode, std::uint32_t modifiers, const HotkeyID& id)
 {
@@ -71,7 +93,10 @@ bool FakeHotkeys::press(Keys keys)
 {
     auto found = std::ranges::find_if(
         m_entries, [&](auto* entry) { return entry->isRegistered && entry->keys == keys; });
-    return found != m_entries.end() && ask((*found)->id) == HotkeyStatus::handled;
+    if (found != m_entries.end())
+        return ask((*found)->id) == HotkeyStatus::handled;
+    auto held = std::ranges::find(m_heldElsewhere, keys, [](auto* entry) { return entry->keys; });
+    return held != m_heldElsewhere.end() && ask((*held)->id) == HotkeyStatus::handled;
 }
 
 std::vector<FakeHotkeys::Keys> FakeHotkeys::registered() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -25,6 +26,7 @@ public:
     {
         return m_handlers.install(std::move(handler));
     }
+    std::unique_ptr<HotkeyRegistration> registerHeld(const HotkeyID&) override;
     void askAgain() override { settle(); }
     std::uint32_t numberKeyModifiers() const override { return HotkeyModifier::command; }
 
@@ -33,6 +35,8 @@ public:
     void giveBackElsewhere(Keys);
     /// As on systems that do not tell.
     void giveBackUnnoticed(Keys keys) { std::erase(m_elsewhere, keys); }
+    /// The user holds down a shortcut of another program, or nothing any longer.
+    void hold(std::optional<Keys> keys) { m_heldDown = keys; }
     /// The user presses these keys. False if no handler has handled it: they are for others.
     bool press(Keys);
     /// Those that this program has in the table.
@@ -44,11 +48,14 @@ public:
 
 private:
     class Entry;
+    class Held;
 
     bool isTaken(Keys, const Entry* exception) const;
     void settle();
 
     std::vector<Entry*> m_entries;
+    std::vector<Held*> m_heldElsewhere;
+    std::optional<Keys> m_heldDown;
     std::vector<Keys> m_elsewhere;
     HotkeyHandlers m_handlers;
     int m_registrations = 0;

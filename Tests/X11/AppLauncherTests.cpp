@@ -224,7 +224,76 @@ TEST_P(AccessibleLauncher, isReadWhileTheUserTypes)
     EXPECT_EQ(reader.text("Quorvel", "Search"), "zin");
 }
 
+/// A window manager that runs the program for a shortcut of its own.
+class LaunchersOfAManager : public AppLaunchers {
+protected:
+    void SetUp() override
+    {
+        const auto script = server.folder() / "launcher";
+        std::ofstream(script) << "#!/bin/sh\necho >> '" << runs.string() << "'\nexec '"
+                              << QUORVEL_PROGRAM << "' --launcher\n";
+        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+        const auto folder = server.folder() / "config" / "openbox";
+        std::filesystem::create_directories(folder);
+        std::ofstream(folder / "rc.xml")
+            << R"(<openbox_config xmlns="http://openbox.org/3.4/rc"><keyboard>)"
+            << R"(<keybind key="W-space"><action name="Execute"><command>)" << script.string()
+            << "</command></action></keybind></keyboard></openbox_config>";
+        manager.beginReplace();
+        manager.waitUntilManaging();
+        setRepeats(false); // a key that is down while all is slow would run the program again
+        AppLaunchers::SetUp();
+    }
+    void holdShortcut()
+    {
+        keyboard.press(kSuper);
+        keyboard.press(kSpace);
+    }
+    void setRepeats(bool areOn)
+    {
+        const std::vector<std::string> command{"xset", "r", areOn ? "on" : "off"};
+        ASSERT_EQ((Process{command, server.environment()}.waitForEnd()), 0);
+    }
+    void repeat() { keyboard.press(kSpace); }
+    void letGo()
+    {
+        keyboard.release(kSpace);
+        keyboard.release(kSuper);
+    }
+
+    static constexpr std::uint8_t kSpace = 65;
+    static constexpr std::uint8_t kSuper = 133;
+    const std::filesystem::path runs = server.folder() / "runs";
+};
+
+// Faults: the shortcut that opens it does not close it, since the manager does not receive it then;
+// what it repeats while it is held closes it at once, is typed, or opens it again.
+TEST_P(LaunchersOfAManager, closeByTheShortcutThatOpensThem)
+{
+    holdShortcut();
+    ASSERT_TRUE(isOpen());
+    setRepeats(true);
+    repeat();
+    keyboard.release(kSuper);
+    type({XKB_KEY_z});
+    EXPECT_TRUE(asksFor("z"));
+    keyboard.release(kSpace);
+
+    holdShortcut();
+    EXPECT_TRUE(isOpen(false));
+    repeat();
+    letGo();
+    setRepeats(false);
+    holdShortcut();
+    EXPECT_TRUE(isOpen());
+    letGo();
+    EXPECT_EQ(readFile(runs), "\n\n");
+    keyboard.chord(kSuper, kSpace);
+    EXPECT_TRUE(isOpen(false));
+}
+
 INSTANTIATE_TEST_SUITE_P(, LauncherFields, testing::Values(ManagerKind::openbox), managerName);
 INSTANTIATE_TEST_SUITE_P(, AccessibleLauncher, testing::Values(ManagerKind::openbox), managerName);
+INSTANTIATE_TEST_SUITE_P(, LaunchersOfAManager, testing::Values(ManagerKind::openbox), managerName);
 
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <utility>
 
 #include "Hosts/X11/Connection.h"
@@ -22,6 +23,29 @@ constexpr unsigned kModifierBits = 0xFF;
 constexpr std::array kRetries{Duration::zero(), seconds(0.5), seconds(1.5), seconds(4)};
 /// The least from one attempt to the next when other windows become active.
 constexpr Duration kNowAndThen = seconds(3);
+
+bool isDown(const xcb_query_keymap_reply_t& keys, std::size_t key)
+{
+    return keys.keys[key / 8] >> key % 8 & 1;
+}
+
+/// Of the keys that are down, the one that is no modifier; absent if there are more, or none.
+std::optional<xcb_keycode_t> onlyKey(
+    const xcb_query_keymap_reply_t& down, const xcb_get_modifier_mapping_reply_t& mapping)
+{
+    const std::span modifiers{xcb_get_modifier_mapping_keycodes(&mapping),
+        static_cast<std::size_t>(xcb_get_modifier_mapping_keycodes_length(&mapping))};
+    std::optional<xcb_keycode_t> found;
+    for (unsigned key = 1; key < 256; ++key) {
+        const auto code = static_cast<xcb_keycode_t>(key);
+        if (!isDown(down, key) || std::ranges::find(modifiers, code) != modifiers.end())
+            continue;
+        if (found)
+            return std::nullopt;
+        found = code;
+    }
+    return found;
+}
 
 }
 
@@ -56,6 +80,28 @@ private:
     HotKeys& m_owner;
 };
 
+/// What another program has a grab for.
+class HotKeys::Held final : public HotkeyRegistration {
+public:
+    Held(HotKeys& owner, xcb_keycode_t ofKey, std::uint16_t withBits, HotkeyID name)
+        : key(ofKey)
+        , bits(withBits)
+        , id(name)
+        , m_owner(owner)
+    {
+        m_owner.m_heldElsewhere.push_back(this);
+    }
+    ~Held() override { std::erase(m_owner.m_heldElsewhere, this); }
+    HotkeyOutcome outcome() const override { return HotkeyOutcome::taken; }
+
+    const xcb_keycode_t key;
+    const std::uint16_t bits; ///< of the X server
+    const HotkeyID id;
+
+private:
+    HotKeys& m_owner;
+};
+
 HotKeys::HotKeys(Connection& connection, Dispatch& dispatch, Keyboard& keyboard)
     : m_connection(connection)
     , m_dispatch(dispatch)
@@ -77,6 +123,31 @@ std::unique_ptr<HotkeyRegistration> HotKeys::registerHotkey(
 Subscription HotKeys::installHandler(Handler handler)
 {
     return m_handlers.install(std::move(handler));
+}
+
+std::unique_ptr<HotkeyRegistration> HotKeys::registerHeld(const HotkeyID& id)
+{
+    begin();
+    auto* raw = m_connection.raw();
+    const auto keys = xcb_query_keymap(raw);
+    const auto state = xcb_query_pointer(raw, m_connection.root()); // and the modifiers
+    const auto mapping = xcb_get_modifier_mapping(raw);
+    const auto down = owned(xcb_query_keymap_reply(raw, keys, nullptr));
+    const auto pointer = owned(xcb_query_pointer_reply(raw, state, nullptr));
+    const auto modifiers = owned(xcb_get_modifier_mapping_reply(raw, mapping, nullptr));
+    const auto key = down && modifiers ? onlyKey(*down, *modifiers) : std::nullopt;
+    if (!key || !pointer)
+        return nullptr;
+    unsigned locks = 0;
+    for (auto lock : m_modifiers.lockStates(0))
+        locks |= lock;
+    const unsigned bits = pointer->mask & kModifierBits & ~locks;
+    // Without a modifier, Return that ends a command line passes for a shortcut; what no other
+    // keyboard has, as a key with a magnifier on it, is pressed for nothing else.
+    const bool isTyped = !(bits & ~unsigned{XCB_MOD_MASK_SHIFT});
+    if (isTyped && keyCodeOf(*key, XCB_NO_SYMBOL) != KeyCode::unknown)
+        return nullptr;
+    return std::make_unique<Held>(*this, *key, static_cast<std::uint16_t>(bits), id);
 }
 
 /// Most sessions have no shortcut, and none of this costs them anything.
@@ -213,33 +284,43 @@ void HotKeys::followModifiers()
 
 // MARK: Presses
 
-const HotKeys::Registration* HotKeys::find(const xcb_key_press_event_t& event) const
+bool HotKeys::matches(
+    const xcb_key_press_event_t& event, xcb_keycode_t key, std::uint16_t bits) const
 {
     unsigned locks = 0;
     for (auto state : m_modifiers.lockStates(0))
         locks |= state;
     const unsigned held = event.state & kModifierBits;
-    auto found = std::ranges::find_if(m_registrations, [&](auto* candidate) {
-        const unsigned wanted = candidate->bits;
-        return candidate->state == HotkeyOutcome::registered && candidate->key == event.detail
-            && (held & ~(locks & ~wanted)) == wanted;
-    });
-    return found == m_registrations.end() ? nullptr : *found;
+    return event.detail == key && (held & ~(locks & ~bits)) == bits;
+}
+
+std::optional<HotkeyID> HotKeys::find(const xcb_key_press_event_t& event) const
+{
+    for (auto* candidate : m_registrations) {
+        if (candidate->state == HotkeyOutcome::registered
+            && matches(event, candidate->key, candidate->bits))
+            return candidate->id;
+    }
+    for (auto* held : m_heldElsewhere) {
+        if (m_isHandedOver && matches(event, held->key, held->bits))
+            return held->id;
+    }
+    return std::nullopt;
 }
 
 HotKeys::Press HotKeys::takes(const xcb_key_press_event_t& event)
 {
     if (m_held[event.detail])
         return Press::repeated;
-    const auto* registration = find(event);
-    if (!registration)
+    const auto id = find(event);
+    if (!id)
         return Press::foreign;
     const bool isRepeat = m_releasesAtRepeats && m_lastRelease
         && m_lastRelease->detail == event.detail && m_lastRelease->time == event.time;
     m_held.set(event.detail);
     if (isRepeat)
         return Press::repeated;
-    m_handlers.offer(registration->id);
+    m_handlers.offer(*id);
     return Press::first;
 }
 
@@ -274,7 +355,11 @@ void HotKeys::handOver(const xcb_query_keymap_reply_t* down)
     m_isHandedOver = true;
     m_downAtHandOver.reset();
     for (std::size_t key = 0; down && key < m_downAtHandOver.size(); ++key)
-        m_downAtHandOver[key] = down->keys[key / 8] >> key % 8 & 1;
+        m_downAtHandOver[key] = isDown(*down, key);
+    for (auto* held : m_heldElsewhere) {
+        if (m_downAtHandOver[held->key])
+            m_held.set(held->key); // what comes of it now are repeats, and its release
+    }
 }
 
 /// Unless another key is still down.
@@ -299,7 +384,7 @@ void HotKeys::holdOn()
     const auto down = owned(xcb_query_keymap_reply(raw, keys, nullptr));
     m_holdsOn = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
     for (std::size_t key = 0; key < m_held.size(); ++key) {
-        if (!m_holdsOn || !down || !(down->keys[key / 8] >> key % 8 & 1))
+        if (!m_holdsOn || !down || !isDown(*down, key))
             m_held.reset(key);
     }
 }

@@ -36,6 +36,7 @@ public:
     std::unique_ptr<HotkeyRegistration> registerHotkey(
         std::uint32_t keyCode, std::uint32_t modifiers, const HotkeyID&) override;
     Subscription installHandler(Handler) override;
+    std::unique_ptr<HotkeyRegistration> registerHeld(const HotkeyID&) override;
     void askAgain() override { retryRefused(Duration::zero()); }
     std::uint32_t numberKeyModifiers() const override { return HotkeyModifier::command; }
     std::string shortcutText(std::uint32_t keyCode, std::uint32_t modifiers) const override
@@ -64,6 +65,7 @@ public:
 
 private:
     class Registration;
+    class Held;
 
     void begin();
     void grab(Registration&);
@@ -75,7 +77,8 @@ private:
     void retryRefused(Duration after);
     void retryNowAndThen();
     void followModifiers();
-    const Registration* find(const xcb_key_press_event_t&) const;
+    bool matches(const xcb_key_press_event_t&, xcb_keycode_t, std::uint16_t bits) const;
+    std::optional<HotkeyID> find(const xcb_key_press_event_t&) const;
 
     void handle(const xcb_generic_event_t*);
     void release(const xcb_key_release_event_t&);
@@ -91,6 +94,7 @@ private:
     ModifierMap m_modifiers;
     bool m_isMapStale = false;
     std::vector<Registration*> m_registrations;
+    std::vector<Held*> m_heldElsewhere; ///< other programs', without a grab
     HotkeyHandlers m_handlers;
     std::bitset<256> m_held; ///< keys whose first press was a shortcut
     bool m_holdsOn = false; ///< the keyboard, until they have come up
