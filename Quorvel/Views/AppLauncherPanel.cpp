@@ -2,172 +2,29 @@
 
 #include <utility>
 
-#include "Quorvel/Platform/Application.h"
-#include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Workspace.h"
-#include "Quorvel/Views/Menu/Menus.h"
 
 namespace quorvel {
 
-AppLauncherPanel::AppLauncherPanel(const Platform& platform, Menus& menus,
-    const PanelOptions& options, const LauncherContents& contents)
-    : m_platform(platform)
-    , m_menus(menus)
-    , m_onDismissHandler(contents.onDismiss)
-    , m_surface(platform.surfaces.createPanel(options, m_hostingView))
+AppLauncherPanel::AppLauncherPanel(const Platform& given, Menus& menus, const PanelOptions& options,
+    const LauncherContents& contents)
+    : SearchPanel(given, menus, options, contents.onDismiss)
 {
-    m_hostingView.attach(*m_surface);
-    m_hostingView.isRightToLeft
-        = [this] { return m_platform.application.appearance().value().isRightToLeft; };
-    m_hostingView.onKeyboardChanged = [this](bool hasKeyboard) {
-        if (!hasKeyboard)
-            requestDismiss();
-    };
-    m_hostingView.onCloseRequested = [this] { requestDismiss(); };
-    auto content = std::make_unique<AppLauncherContent>(AppLauncherContent::Inputs{
-        m_platform, *m_surface, contents.appLauncher, contents.pinStore, contents.settings});
+    auto content = std::make_unique<AppLauncherContent>(
+        SearchPanelContent::Inputs{platform(), surface(), contents.settings}, contents.appLauncher,
+        contents.pinStore);
     m_content = content.get();
-    connectContent();
-    m_hostingView.setContent(std::move(content));
-    auto monitor = [&](PointerScope scope) {
-        return m_platform.surfaces.monitorPresses(
-            scope, [this](auto& place, auto& button) { pressed(place, button); });
-    };
-    m_localMouseEventMonitor = monitor(PointerScope::ownWindows);
-    m_globalMouseEventMonitor = monitor(PointerScope::otherPrograms);
-}
-
-AppLauncherPanel::~AppLauncherPanel()
-{
-    m_hostingView.onKeyboardChanged = nullptr;
-    m_hostingView.setContent(nullptr);
-}
-
-void AppLauncherPanel::connectContent()
-{
-    onArrowUp = [this] { m_content->moveSelection(-1); };
-    onArrowDown = [this] { m_content->moveSelection(1); };
-    onReturn = [this] { m_content->openSelected(); };
-    m_content->onKey = [this](auto& event) { return keyPressed(event); };
     // Copies of these two are in menus, which may outlive the panel.
-    auto dismiss = [weak = m_weak.reference()] {
-        if (auto* panel = weak.get())
-            panel->requestDismiss();
-    };
-    m_content->onLaunch = [&workspace = m_platform.workspace, dismiss](auto& app) {
+    content->onLaunch = [&workspace = platform().workspace, dismiss = dismissal()](auto& app) {
         workspace.openApplication(app.path());
         dismiss();
     };
-    m_content->onActionChosen
-        = [&workspace = m_platform.workspace, dismiss](auto& app, auto& action) {
+    content->onActionChosen
+        = [&workspace = platform().workspace, dismiss = dismissal()](auto& app, auto& action) {
               workspace.perform(action, app.path());
               dismiss();
           };
-    m_content->onMenuRequested
-        = [this](Menu menu, const Rect& anchor) { popUp(std::move(menu), anchor); };
-}
-
-void AppLauncherPanel::open(const Rect& frame)
-{
-    m_menus.close();
-    m_surface->setFrame(frame);
-    m_surface->setCanBecomeKey(true);
-    m_surface->setCursor(Cursor::arrow);
-    m_surface->makeKeyAndOrderFront();
-    m_content->flashScroller();
-}
-
-void AppLauncherPanel::close()
-{
-    m_didRequestDismiss = true;
-    m_localMouseEventMonitor = {};
-    m_globalMouseEventMonitor = {};
-    if (std::exchange(m_openMenus, 0) > 0)
-        m_menus.close();
-    m_surface->releaseKeyboard();
-    m_surface->orderOut();
-}
-
-void AppLauncherPanel::requestDismiss(LauncherDismissal dismissal)
-{
-    if (std::exchange(m_didRequestDismiss, true))
-        return;
-    if (m_onDismissHandler)
-        m_onDismissHandler(dismissal);
-}
-
-/// While a menu is open it has the pointer to itself; its end tells of a press outside.
-void AppLauncherPanel::pressed(Point globalTopLeft, PointerButton button)
-{
-    if (m_openMenus == 0 && isOutside(globalTopLeft))
-        requestDismiss(button == PointerButton::primary ? LauncherDismissal::primaryPress
-                                                        : LauncherDismissal::other);
-}
-
-bool AppLauncherPanel::isOutside(Point globalTopLeft) const
-{
-    auto screens = m_platform.displays.screens();
-    return !screens.empty() && m_surface->isVisible()
-        && !m_surface->frame().flipped(screens.front().frame.height).contains(globalTopLeft);
-}
-
-void AppLauncherPanel::popUp(Menu menu, const Rect& anchor)
-{
-    ++m_openMenus;
-    m_menus.popUp(
-        *m_surface, std::move(menu), anchor, [weak = m_weak.reference()](MenuEnding ending) {
-            if (auto* panel = weak.get())
-                panel->menuClosed(ending);
-        });
-}
-
-void AppLauncherPanel::menuClosed(MenuEnding ending)
-{
-    if (m_openMenus == 0 || --m_openMenus > 0)
-        return;
-    if (ending == MenuEnding::dismissed && isOutside(m_platform.displays.pointerLocation()))
-        requestDismiss();
-}
-
-bool AppLauncherPanel::keyPressed(const KeyEvent& event)
-{
-    if (event.asksForMenu()) {
-        m_content->showMenuOfSelected();
-        return true;
-    }
-    auto run = [](auto& action) {
-        if (action)
-            action();
-        return true;
-    };
-    auto* focused = m_hostingView.keyFocusedView();
-    bool isOnButton = focused && focused != m_content->preferredKeyView();
-    bool pressesButton = event.keyCode == KeyCode::enter || event.keyCode == KeyCode::keypadEnter
-        || event.keyCode == KeyCode::space;
-    if (isOnButton && pressesButton)
-        return false;
-    switch (event.keyCode) {
-    case KeyCode::up:
-        return run(onArrowUp);
-    case KeyCode::down:
-        return run(onArrowDown);
-    case KeyCode::pageUp:
-        m_content->moveSelectionByPage(-1);
-        return true;
-    case KeyCode::pageDown:
-        m_content->moveSelectionByPage(1);
-        return true;
-    case KeyCode::enter:
-    case KeyCode::keypadEnter:
-        // Perhaps it is still down from the command that opened the panel.
-        return event.isRepeat || run(onReturn);
-    case KeyCode::escape:
-        if (!event.isRepeat && !m_content->clearQuery())
-            requestDismiss();
-        return true;
-    default:
-        return m_content->takeTyping(event);
-    }
+    setContent(std::move(content));
 }
 
 }

@@ -3,8 +3,6 @@
 #include <cmath>
 #include <utility>
 
-#include "Quorvel/Platform/Translation.h"
-
 namespace quorvel {
 
 namespace {
@@ -29,18 +27,20 @@ AppLauncherPlaceholder::AppLauncherPlaceholder(const Text& text, const Palette& 
 {
 }
 
-void AppLauncherPlaceholder::showLoading()
+void AppLauncherPlaceholder::showWaiting(std::string text)
 {
-    m_isLoading = true;
-    m_label->setText(tr("Loading applications..."));
-    layout();
-    invalidate();
+    show(std::move(text), true);
 }
 
-void AppLauncherPlaceholder::showNoMatch(const std::string& query)
+void AppLauncherPlaceholder::showMessage(std::string text)
 {
-    m_isLoading = false;
-    m_label->setText(trFormat("No apps matching \"{}\"", query));
+    show(std::move(text), false);
+}
+
+void AppLauncherPlaceholder::show(std::string text, bool isWaiting)
+{
+    m_isWaiting = isWaiting;
+    m_label->setText(std::move(text));
     layout();
     invalidate();
 }
@@ -55,14 +55,14 @@ void AppLauncherPlaceholder::layout()
 {
     auto inner = bounds().inset(AppLauncherPlaceholderStyle::inset, 0);
     double height = m_label->heightFor(inner.width);
-    double y = m_isLoading ? inner.centre().y + AppLauncherPlaceholderStyle::gap / 2
+    double y = m_isWaiting ? inner.centre().y + AppLauncherPlaceholderStyle::gap / 2
                            : inner.centre().y - height / 2;
     m_label->setFrame({inner.x, std::round(y), inner.width, std::ceil(height)});
 }
 
 void AppLauncherPlaceholder::paint(Canvas& canvas) const
 {
-    if (!m_isLoading)
+    if (!m_isWaiting)
         return;
     double side = AppLauncherPlaceholderStyle::symbolSize;
     canvas.drawSymbol(Symbol::appDashed,

@@ -6,24 +6,25 @@
 
 namespace quorvel {
 
-/// What the launcher shows where there is no list: that the applications are still being looked
-/// for, or that none matches.
+/// What a list to search in shows in its own place: that something is still being looked for, or
+/// why there are no rows.
 class AppLauncherPlaceholder final : public View {
 public:
     /// Both outlive it.
     AppLauncherPlaceholder(const Text&, const Palette&);
 
-    void showLoading();
-    void showNoMatch(const std::string& query);
+    void showWaiting(std::string text);
+    void showMessage(std::string text);
     void measureAgain();
 
 private:
+    void show(std::string text, bool isWaiting);
     void layout() override;
     void paint(Canvas&) const override;
 
     const Palette& m_palette;
     LabelView* m_label;
-    bool m_isLoading = false;
+    bool m_isWaiting = false;
 };
 
 }

@@ -43,12 +43,13 @@ private:
     }
 };
 
-AppLauncherSearchField::AppLauncherSearchField(const TextFieldView::Inputs& inputs)
+AppLauncherSearchField::AppLauncherSearchField(
+    const TextFieldView::Inputs& inputs, std::string placeholder)
     : m_palette(inputs.palette)
     , m_field(&addChild(std::make_unique<TextFieldView>(inputs, tr("Search"))))
     , m_clearButton(&addChild(std::make_unique<ClearButton>(inputs.palette)))
 {
-    m_field->setPlaceholder(tr("Search applications..."));
+    m_field->setPlaceholder(std::move(placeholder));
     m_field->setFontSize(AppLauncherSearchFieldStyle::fontSize);
     m_field->onTextChanged = [this](auto& text) { textDidChange(text); };
     m_field->onFocusChanged = [this](bool) { invalidate(); };

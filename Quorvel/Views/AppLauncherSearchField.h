@@ -9,12 +9,12 @@ namespace quorvel {
 
 class ButtonView;
 
-/// What the launcher's user types into: a symbol, the text, and a button that empties it while
+/// What the user of a list types into: a symbol, the text, and a button that empties it while
 /// there is any.
 class AppLauncherSearchField final : public View {
 public:
     /// All of it outlives the view.
-    explicit AppLauncherSearchField(const TextFieldView::Inputs&);
+    AppLauncherSearchField(const TextFieldView::Inputs&, std::string placeholder);
     ~AppLauncherSearchField() override;
 
     /// By the user, or by `clear`.

@@ -89,7 +89,7 @@ std::unique_ptr<ListRowView> AppListTableView::Coordinator::makeRowView(int kind
     auto view = std::make_unique<AppListTableRowView>(m_inputs.palette, *item);
     view->onTapped = [this](auto& row) { onLaunch(AppInfo{row.item().app()->app}); };
     view->onMenu = [this](auto& row, auto& anchor) {
-        select(rowOf(row));
+        selectAndReveal(*m_tableView, rowOf(row));
         onMenu(AppInfo{row.item().app()->app}, anchor);
     };
     view->drag.onDrag = [this, row = view.get()](
@@ -151,38 +151,10 @@ const AppInfo* AppListTableView::Coordinator::selectedApp() const
     return row ? &m_items[*row].app()->app : nullptr;
 }
 
-void AppListTableView::Coordinator::select(std::optional<Row> row)
-{
-    if (!row)
-        return;
-    m_tableView->select(row);
-    m_tableView->revealRow(*row);
-}
-
-void AppListTableView::Coordinator::moveSelection(int side)
-{
-    select(m_tableView->selectableBeside(m_tableView->selectedRow(), side));
-}
-
-void AppListTableView::Coordinator::moveSelectionByPage(int side)
-{
-    select(m_tableView->selectableAPageFrom(m_tableView->selectedRow(), side));
-}
-
 void AppListTableView::Coordinator::openSelected()
 {
     if (auto* app = selectedApp())
         onLaunch(AppInfo{*app});
-}
-
-void AppListTableView::Coordinator::showMenuOfSelected()
-{
-    auto row = m_tableView->selectedRow();
-    if (!row)
-        return;
-    m_tableView->revealRow(*row);
-    if (auto* view = m_tableView->rowView(*row))
-        view->showContextMenu();
 }
 
 // MARK: Dragging pins

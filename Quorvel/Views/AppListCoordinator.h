@@ -54,11 +54,7 @@ public:
 
     /// Null if there is none.
     const AppInfo* selectedApp() const;
-    /// Down (1) or up (-1); stops at the ends.
-    void moveSelection(int side);
-    void moveSelectionByPage(int side);
     void openSelected();
-    void showMenuOfSelected();
 
     std::size_t rowCount() const override { return m_items.size(); }
     double rowHeight(std::size_t row) const override { return m_items[row].rowHeight(); }
@@ -75,7 +71,6 @@ private:
     void iconDidArrive(const std::string& id);
     std::optional<Row> rowOfSelectedIn(const std::vector<AppListItem>&) const;
     void refill();
-    void select(std::optional<Row>);
 
     /// Where the pins begin, or else where they would.
     Row firstPinRow() const;

@@ -5,21 +5,11 @@
 #include "Quorvel/Core/PinnedAppRecord.h"
 #include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/AppListRowView.h"
-#include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
 
-namespace {
-
-struct AppListTableRowViewStyle {
-    static constexpr double radius = 6;
-    static constexpr double liftedOpacity = 0.9;
-};
-
-}
-
 AppListTableRowView::AppListTableRowView(const Palette& palette, const AppListItem& kind)
-    : m_palette(palette)
+    : SelectableRowView(palette)
     , m_item(kind)
 {
     if (m_item.app())
@@ -77,51 +67,11 @@ void AppListTableRowView::updateHighlight()
     invalidate();
 }
 
-double AppListTableRowView::paintOpacity() const
-{
-    return isLifted() ? AppListTableRowViewStyle::liftedOpacity : 1;
-}
-
-void AppListTableRowView::paint(Canvas& canvas) const
-{
-    auto face = bounds();
-    if (isLifted()) {
-        canvas.fillRounded(face, AppListTableRowViewStyle::radius, m_palette.ground);
-        canvas.fillRounded(face, AppListTableRowViewStyle::radius, m_palette.buttonPressedFill);
-        canvas.strokeRounded(face, AppListTableRowViewStyle::radius, 1, m_palette.edge);
-    } else if (looksSelected()) {
-        canvas.fillRounded(face, AppListTableRowViewStyle::radius, m_palette.highlight);
-    } else if (m_isPressed || m_isHovered) {
-        canvas.fillRounded(face, AppListTableRowViewStyle::radius,
-            m_isPressed ? m_palette.buttonPressedFill : m_palette.buttonHoveredFill);
-    }
-    if (m_isHovered && looksSelected())
-        canvas.strokeRounded(face, AppListTableRowViewStyle::radius, 1, m_palette.edge);
-}
-
 // MARK: The pointer
-
-void AppListTableRowView::pointerEntered()
-{
-    m_isHovered = true;
-    invalidate();
-}
-
-void AppListTableRowView::pointerExited()
-{
-    m_isHovered = false;
-    invalidate();
-}
-
-void AppListTableRowView::setPressed(bool isPressed)
-{
-    if (std::exchange(m_isPressed, isPressed) != isPressed)
-        invalidate();
-}
 
 void AppListTableRowView::pressed(PointerButton button)
 {
-    setPressed(button == PointerButton::primary);
+    SelectableRowView::pressed(button);
     if (m_item.isPin())
         drag.pressed(button);
 }
@@ -134,7 +84,7 @@ void AppListTableRowView::dragged(const DragMove& move)
 
 void AppListTableRowView::released(PointerButton, bool isInside)
 {
-    bool wasPressed = m_isPressed;
+    bool wasPressed = isPressed();
     setPressed(false);
     if (!drag.released() && wasPressed && isInside && onTapped)
         onTapped(*this);
@@ -142,13 +92,8 @@ void AppListTableRowView::released(PointerButton, bool isInside)
 
 void AppListTableRowView::pressCancelled()
 {
-    setPressed(false);
+    SelectableRowView::pressCancelled();
     drag.cancelled();
-}
-
-void AppListTableRowView::rowWillChange()
-{
-    pressCancelled();
 }
 
 void AppListTableRowView::showContextMenuAt(Point at)

@@ -5,16 +5,15 @@
 
 #include "Quorvel/Views/AppListItem.h"
 #include "Quorvel/Views/Kit/DragSource.h"
-#include "Quorvel/Views/Kit/ListRows.h"
+#include "Quorvel/Views/SelectableRowView.h"
 
 namespace quorvel {
 
 struct Palette;
 
-/// A row of the launcher's list: the background, which shows what is selected and what the pointer
-/// is on, and above it what the row has to show. Rows with an application can be clicked, have a
-/// menu, and those that are pins can be dragged.
-class AppListTableRowView final : public ListRowView {
+/// A row of the launcher's list: the background, and above it what the row has to show. Rows with
+/// an application can be clicked, have a menu, and those that are pins can be dragged.
+class AppListTableRowView final : public SelectableRowView {
 public:
     /// For items of this kind. The palette outlives it.
     AppListTableRowView(const Palette&, const AppListItem& kind);
@@ -32,8 +31,6 @@ public:
     std::function<void(const AppListTableRowView&, const Rect& anchor)> onMenu;
 
     bool takesPointer() const override { return m_item.app() != nullptr; }
-    void pointerEntered() override;
-    void pointerExited() override;
     void pressed(PointerButton) override;
     void dragged(const DragMove&) override;
     void released(PointerButton, bool isInside) override;
@@ -41,10 +38,8 @@ public:
     bool isDragged() const override { return drag.isDragging(); }
     void showContextMenu() override;
     void showContextMenuAt(Point) override;
-    void rowWillChange() override;
 
     bool isAccessible() const override;
-    bool takesKeyboard() const override { return false; } // the list is walked from its field
     std::string accessibleID() const override;
     AccessibleState accessibleState() const override;
     bool performAccessibleAction(std::size_t) override;
@@ -52,18 +47,12 @@ public:
 private:
     void selectionDidChange() override { updateHighlight(); }
     void layout() override;
-    void paint(Canvas&) const override;
-    double paintOpacity() const override;
-    bool looksSelected() const { return isSelected() && !m_suppressSelectionHighlight; }
+    bool looksSelected() const override { return isSelected() && !m_suppressSelectionHighlight; }
     void updateHighlight();
-    void setPressed(bool);
 
-    const Palette& m_palette;
     AppListItem m_item;
     std::optional<AccessiblePosition> m_position;
     View* m_content = nullptr; ///< of the item's kind; null for a space
-    bool m_isHovered = false;
-    bool m_isPressed = false;
     bool m_suppressSelectionHighlight = false;
 };
 

@@ -1,6 +1,5 @@
 #include "Quorvel/Views/AppListTableView.h"
 
-#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/AppListCoordinator.h"
 
 namespace quorvel {
@@ -10,7 +9,6 @@ AppListTableView::AppListTableView(
     : m_coordinator(std::move(coordinator))
     , m_list(&addChild(std::make_unique<ListView>(*m_coordinator, palette, dispatch)))
 {
-    m_list->setName(tr("Applications"));
     m_coordinator->setTableView(*m_list);
 }
 

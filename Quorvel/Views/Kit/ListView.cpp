@@ -434,4 +434,12 @@ std::vector<AccessibleElement*> ListView::accessibleChildren()
     return elements;
 }
 
+void selectAndReveal(ListView& list, std::optional<ListView::Row> row)
+{
+    if (!row)
+        return;
+    list.select(row);
+    list.revealRow(*row);
+}
+
 }

@@ -129,4 +129,7 @@ private:
     WorkItem m_wheel;
 };
 
+/// Does nothing without a row.
+void selectAndReveal(ListView&, std::optional<ListView::Row>);
+
 }

@@ -38,6 +38,8 @@ public:
     /// By the user; not called for `setText`.
     std::function<void(const std::string&)> onTextChanged;
     std::function<void(bool hasFocus)> onFocusChanged;
+    /// Keys that mean something else to the owner than to a field. True: this one is used.
+    std::function<bool(const KeyEvent&)> onKey;
     /// Opens a menu beside the anchor, in the root view's coordinates; if unset, there is none.
     std::function<void(Menu, const Rect& anchor)> onMenuRequested;
 

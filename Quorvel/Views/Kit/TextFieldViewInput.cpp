@@ -98,6 +98,8 @@ void TextFieldView::setKeyFocused(bool isFocused)
 
 bool TextFieldView::keyPressed(const KeyEvent& event)
 {
+    if (onKey && onKey(event))
+        return true;
     auto command = m_native ? std::nullopt : textCommandOf(event);
     if (command)
         perform(*command, event);
