@@ -24,6 +24,7 @@ To the running bar:
                    change a setting: VALUE is JSON or plain text; null clears
                    hotkeyKeyCode, hotkeyModifiers, numberKeyModifiers
   --launcher       open the list of applications, or close it
+  --find           open the list of windows, to go to one, or close it
   --settings       open the settings
   --focus          give it the keyboard: arrows, Return, Menu, Escape
   --quit           end it
@@ -40,8 +41,8 @@ ControlReply mistake(const std::string& text)
 bool isRequest(std::string_view argument)
 {
     return argument == "--state" || argument == "--quit" || argument == "--focus"
-        || argument == "--launcher" || argument == "--settings" || argument == "--get"
-        || argument == "--set";
+        || argument == "--launcher" || argument == "--find" || argument == "--settings"
+        || argument == "--get" || argument == "--set";
 }
 
 /// Whether the argument belongs to the request before it.

@@ -46,11 +46,11 @@ bool mayBeBootstrapped(const RunningApplication& application)
 
 Runtime* s_current = nullptr;
 
-ControlReply answerLauncherRequest(BarManager& manager)
+ControlReply answerLauncherRequest(BarManager& manager, LauncherKind kind)
 {
-    if (manager.toggleAppLauncher(BarManager::LauncherCaller::anotherProgram))
+    if (manager.toggleAppLauncher(BarManager::LauncherCaller::anotherProgram, kind))
         return {};
-    return {1, "", "quorvel: no bar is to be seen that the launcher could open from\n"};
+    return {1, "", "quorvel: no bar is to be seen that the list could open from\n"};
 }
 
 ControlReply answerSettingsWindowRequest(SettingsPresenter& presenter)
@@ -136,6 +136,15 @@ HotkeyManager& Runtime::hotkeyManager()
             m_platform.hotkeys, userSettings(), m_platform.dispatch);
     }
     return *m_hotkeyManager;
+}
+
+HotkeyManager& Runtime::findHotkeyManager()
+{
+    if (!m_findHotkeyManager) {
+        m_findHotkeyManager = std::make_unique<HotkeyManager>(
+            m_platform.hotkeys, userSettings(), m_platform.dispatch, hotkeyManager());
+    }
+    return *m_findHotkeyManager;
 }
 
 HotkeyManager& HotkeyManager::shared()
@@ -310,8 +319,13 @@ void QuorvelApp::wireShortcuts(Runtime& runtime)
 {
     auto& hotkeys = HotkeyManager::shared();
     hotkeys.onHotkeyPressed = [&runtime] { runtime.m_barManager->toggleAppLauncher(); };
-    runtime.m_numberKeys = std::make_unique<NumberKeys>(
-        runtime.m_platform.hotkeys, hotkeys, runtime.userSettings(), runtime.m_platform.dispatch);
+    auto& findHotkeys = runtime.findHotkeyManager();
+    findHotkeys.onHotkeyPressed
+        = [&runtime] { runtime.m_barManager->toggleAppLauncher(
+              BarManager::LauncherCaller::thisProgram, LauncherKind::windows); };
+    runtime.m_numberKeys = std::make_unique<NumberKeys>(runtime.m_platform.hotkeys,
+        std::vector<const HotkeyManager*>{&hotkeys, &findHotkeys}, runtime.userSettings(),
+        runtime.m_platform.dispatch);
     runtime.m_numberKeys->onPressed
         = [&runtime](std::size_t place, ItemUse use) { runtime.m_barManager->useItem(place, use); };
 }
@@ -451,6 +465,7 @@ void QuorvelApp::offerSettings(Runtime& runtime)
         .appLauncher = manager.appLauncher(),
         .loginItem = platform.loginItem,
         .hotkeyManager = HotkeyManager::shared(),
+        .findHotkeyManager = runtime.findHotkeyManager(),
         .numberKeys = *runtime.m_numberKeys,
         .hotkeys = platform.hotkeys,
         .dockController = DockController::shared(),
@@ -476,21 +491,24 @@ void QuorvelApp::answerRequests(Runtime& runtime)
                 return answerSettingsRequest(runtime.userSettings(), arguments);
             bool asksForFocus = arguments == std::vector<std::string>{"--focus"};
             bool asksForLauncher = arguments == std::vector<std::string>{"--launcher"};
+            bool asksForWindows = arguments == std::vector<std::string>{"--find"};
             bool asksForSettings = arguments == std::vector<std::string>{"--settings"};
-            if (!asksForFocus && !asksForLauncher && !asksForSettings
+            if (!asksForFocus && !asksForLauncher && !asksForWindows && !asksForSettings
                 && arguments != std::vector<std::string>{"--state"})
                 return {1, "", "quorvel: the running bar does not know this request\n"};
             if (!runtime.barManager())
                 return {1, "", "quorvel: the bar is waiting for permissions\n"};
             if (asksForFocus)
                 return answerFocusRequest(*runtime.barManager());
-            if (asksForLauncher)
-                return answerLauncherRequest(*runtime.barManager());
+            if (asksForLauncher || asksForWindows)
+                return answerLauncherRequest(*runtime.barManager(),
+                    asksForLauncher ? LauncherKind::applications : LauncherKind::windows);
             if (asksForSettings)
                 return answerSettingsWindowRequest(*runtime.m_settingsPresenter);
             return {0,
                 stateReport(runtime.m_platform, runtime.windowStore(), *runtime.barManager(),
-                    *runtime.m_barViews, runtime.hotkeyManager(), *runtime.m_numberKeys),
+                    *runtime.m_barViews,
+                    {runtime.hotkeyManager(), runtime.findHotkeyManager(), *runtime.m_numberKeys}),
                 ""};
         });
 }

@@ -51,6 +51,7 @@ public:
     /// Null where there is nothing to update the program with.
     UpdaterService* updaterService();
     HotkeyManager& hotkeyManager();
+    HotkeyManager& findHotkeyManager();
     BadgeService& badgeService();
     ThumbnailService& thumbnailService();
     WindowStore& windowStore();
@@ -68,6 +69,7 @@ private:
     std::unique_ptr<DockController> m_dockController;
     std::unique_ptr<UpdaterService> m_updaterService;
     std::unique_ptr<HotkeyManager> m_hotkeyManager;
+    std::unique_ptr<HotkeyManager> m_findHotkeyManager;
     std::unique_ptr<NumberKeys> m_numberKeys;
     std::unique_ptr<BadgeService> m_badgeService;
     std::unique_ptr<ThumbnailService> m_thumbnailService;

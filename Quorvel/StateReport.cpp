@@ -172,19 +172,10 @@ Json panelJson(const Platform& platform, const BarPanel& panel)
     return report;
 }
 
-/// Null while it is closed. Of its rows, those in sight.
-Json launcherJson(const Platform& platform, const LauncherPanel* open)
+Json searchJson(const Platform& platform, const SearchPanel& panel, Json rows)
 {
-    if (!open)
-        return nullptr;
-    auto& panel = BarViews::panel(*open);
-    auto& content = panel.content();
+    auto& content = panel.searchContent();
     Places places{platform};
-    Json rows = Json::array();
-    for (auto& row : content.rowPlaces())
-        rows.push_back({{"id", row.id},
-            {"section", row.section == AppListSection::pinned ? "pinned" : "main"},
-            {"selected", row.isSelected}, {"frame", places.inSurface(panel.surface(), row.frame)}});
     return {
         {"frame", places.onScreen(panel.surface().frame())},
         {"query", content.query()},
@@ -195,6 +186,35 @@ Json launcherJson(const Platform& platform, const LauncherPanel* open)
                                    : Json(nullptr)},
         {"rows", std::move(rows)},
     };
+}
+
+/// Null while it is closed. Of its rows, those in sight.
+Json launcherJson(const Platform& platform, const LauncherPanel* open)
+{
+    if (!open)
+        return nullptr;
+    auto& panel = BarViews::panel(*open);
+    Places places{platform};
+    Json rows = Json::array();
+    for (auto& row : panel.content().rowPlaces())
+        rows.push_back({{"id", row.id},
+            {"section", row.section == AppListSection::pinned ? "pinned" : "main"},
+            {"selected", row.isSelected}, {"frame", places.inSurface(panel.surface(), row.frame)}});
+    return searchJson(platform, panel, std::move(rows));
+}
+
+/// The same of the list of windows.
+Json finderJson(const Platform& platform, const LauncherPanel* open)
+{
+    if (!open)
+        return nullptr;
+    auto& panel = BarViews::finderPanel(*open);
+    Places places{platform};
+    Json rows = Json::array();
+    for (auto& row : panel.content().rowPlaces())
+        rows.push_back({{"window", raw(row.window)}, {"selected", row.isSelected},
+            {"frame", places.inSurface(panel.surface(), row.frame)}});
+    return searchJson(platform, panel, std::move(rows));
 }
 
 Json menuJson(const Platform& platform, const Menus& menus)
@@ -247,8 +267,7 @@ Json numberKeysJson(const NumberKeys& keys)
 }
 
 std::string stateReport(const Platform& platform, const WindowStore& store,
-    const BarManager& manager, const BarViews& views, const HotkeyManager& hotkeys,
-    const NumberKeys& numberKeys)
+    const BarManager& manager, const BarViews& views, const ReportedHotkeys& hotkeys)
 {
     auto& model = manager.viewModel();
     // What has the focus may be no window of the list: a dialog, or the desktop itself.
@@ -271,10 +290,12 @@ std::string stateReport(const Platform& platform, const WindowStore& store,
         {"windows", std::move(windows)},
         {"spaces", std::move(spaces)},
         {"panels", std::move(panels)},
-        {"launcher", launcherJson(platform, manager.launcherPanel())},
+        {"launcher", launcherJson(platform, manager.launcherPanel(LauncherKind::applications))},
+        {"finder", finderJson(platform, manager.launcherPanel(LauncherKind::windows))},
         {"menu", menuJson(platform, views.menus())},
-        {"hotkey", hotkeyJson(hotkeys)},
-        {"numberKeys", numberKeysJson(numberKeys)},
+        {"hotkey", hotkeyJson(hotkeys.applications)},
+        {"findHotkey", hotkeyJson(hotkeys.windows)},
+        {"numberKeys", numberKeysJson(hotkeys.numberKeys)},
     };
     // Titles come from other programs and may hold anything.
     return state.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";

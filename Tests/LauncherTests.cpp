@@ -53,7 +53,8 @@ TEST(LauncherPresenterTest, keepsTheLauncherOnTheScreen)
         .frame = {100, 50, 1000, 700}, .visibleFrame = {100, 90, 1000, 600}, .number = {}};
     auto frame = [&](double barHeight, bool isRightToLeft = false) {
         return LauncherPresenter::frameFor(
-            {screen.frame.x, screen.frame.y, screen.frame.width, barHeight}, screen, isRightToLeft);
+            {screen.frame.x, screen.frame.y, screen.frame.width, barHeight}, screen,
+            LauncherPresenter::sizeOf(LauncherKind::applications), isRightToLeft);
     };
     EXPECT_EQ(frame(40), (Rect{105, 98, 300, 400}));
     EXPECT_EQ(frame(40, true), (Rect{795, 98, 300, 400}));

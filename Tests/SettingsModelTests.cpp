@@ -22,6 +22,7 @@ struct SettingsModelTest : SettingsFixture {
     std::unique_ptr<PinStore> pins;
     std::unique_ptr<AppLauncher> launcher;
     std::unique_ptr<HotkeyManager> hotkeys;
+    std::unique_ptr<HotkeyManager> findHotkeys;
     std::unique_ptr<NumberKeys> numberKeys;
     std::unique_ptr<DockController> dock; ///< null: there is none
     std::unique_ptr<UpdaterService> updater; ///< null: there is none
@@ -34,12 +35,16 @@ struct SettingsModelTest : SettingsFixture {
     {
         model.reset();
         numberKeys.reset();
+        findHotkeys.reset();
         hotkeys.reset();
         start(file);
         hotkeys
             = std::make_unique<HotkeyManager>(&desktop.hotkeys(), *settings, desktop.dispatch());
-        numberKeys = std::make_unique<NumberKeys>(
-            &desktop.hotkeys(), *hotkeys, *settings, desktop.dispatch());
+        findHotkeys = std::make_unique<HotkeyManager>(
+            &desktop.hotkeys(), *settings, desktop.dispatch(), *hotkeys);
+        numberKeys = std::make_unique<NumberKeys>(&desktop.hotkeys(),
+            std::vector<const HotkeyManager*>{hotkeys.get(), findHotkeys.get()}, *settings,
+            desktop.dispatch());
         if (system == System::withDockAndUpdater) {
             auto platform = desktop.platform();
             dock = std::make_unique<DockController>(
@@ -54,6 +59,7 @@ struct SettingsModelTest : SettingsFixture {
             .appLauncher = *launcher,
             .loginItem = desktop.loginItem(),
             .hotkeyManager = *hotkeys,
+            .findHotkeyManager = *findHotkeys,
             .numberKeys = *numberKeys,
             .hotkeys = &desktop.hotkeys(),
             .dockController = dock.get(),
@@ -101,8 +107,8 @@ TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
     std::set<std::string> fields;
     UserSettingsData::forEachSetting(
         settings->data().value(), [&](const char* name, auto&) { fields.insert(name); });
-    for (auto* elsewhere :
-        {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers", "numberKeyModifiers"})
+    for (auto* elsewhere : {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers",
+             "numberKeyModifiers", "findKeyCode", "findModifiers"})
         EXPECT_EQ(fields.erase(elsewhere), 1U);
     for (auto& field : fields) {
         SCOPED_TRACE(field);
@@ -148,16 +154,45 @@ TEST_F(SettingsModelTest, theShortcutIsRecordedByEitherKindOfWindow)
     elsewhere = {};
     EXPECT_EQ(shown().status, "Taken by another program");
 
-    model->setRecording(true); // in a window of this process
+    model->setRecordingRow("hotkey"); // in a window of this process
     EXPECT_TRUE(model->keyPressed(0, 0)) << "goes on";
     EXPECT_TRUE(model->keyPressed(4, KeyModifier::control));
-    EXPECT_FALSE(model->isRecording().value());
+    EXPECT_EQ(model->recordingRow().value(), "");
     EXPECT_EQ(shown().text, "⌃H");
     EXPECT_EQ(shown().status, "");
     EXPECT_EQ(settings->hotkeyKeyCode(), 4U);
     EXPECT_EQ(apply(Change::Record{}), "");
     EXPECT_EQ(shown().value, std::nullopt);
     EXPECT_EQ(settings->hotkeyModifiers(), std::nullopt);
+}
+
+// Faults: one row records for the other, or both at once; both shortcuts on the same keys act, or
+// which of them does depends on the order; the second is not free once the first has gone.
+TEST_F(SettingsModelTest, theListOfWindowsHasAShortcutBesideTheFirstOne)
+{
+    open(R"({"hotkeyKeyCode": 49, "hotkeyModifiers": 2048})");
+    auto shown = [this](auto* row) { return control<SettingsShortcut>(row); };
+    model->setRecordingRow("hotkey");
+    model->setRecordingRow("findHotkey");
+    EXPECT_EQ(model->recordingRow().value(), "findHotkey");
+    EXPECT_THAT(desktop.hotkeys().registered(), IsEmpty());
+    EXPECT_TRUE(model->keyPressed(49, KeyModifier::option));
+    EXPECT_EQ(model->recordingRow().value(), "");
+    EXPECT_EQ(settings->data().value().more.findKeyCode, 49U);
+    EXPECT_EQ(shown("findHotkey").status, "Taken by another program");
+    EXPECT_EQ(shown("hotkey").status, "");
+    EXPECT_THAT(desktop.hotkeys().registered(), SizeIs(1));
+
+    EXPECT_EQ(apply(Change::Record{{{40, HotkeyModifier::command}}, "findHotkey"}), "");
+    EXPECT_EQ(shown("findHotkey").text, "⌘K");
+    EXPECT_THAT(desktop.hotkeys().registered(), SizeIs(2));
+    EXPECT_EQ(apply(Change::Record{{{40, HotkeyModifier::command}}}), "");
+    EXPECT_EQ(shown("findHotkey").status, "Taken by another program");
+    EXPECT_EQ(apply(Change::Record{}), "");
+    EXPECT_EQ(shown("findHotkey").status, "");
+    EXPECT_EQ(apply(Change::Record{{}, "theme"}), "The running bar has no such setting.");
+    EXPECT_EQ(apply(Change::Record{{}, "findHotkey"}), "");
+    EXPECT_THAT(desktop.hotkeys().registered(), IsEmpty());
 }
 
 // Faults: modifiers that a hand wrote into the file are lost or shown as others; a number that is
@@ -371,6 +406,8 @@ TEST_F(SettingsModelTest, theDescriptionAndTheChangesCrossAsTheyAre)
         (Request{Change{Change::Move{"a", "b", 2}}}));
     EXPECT_EQ(decodeSettingsRequest(R"({"record":{"keyCode":null}})"),
         (Request{Change{Change::Record{}}}));
+    EXPECT_EQ(decodeSettingsRequest(R"({"record":{"keyCode":null,"row":"b"}})"),
+        (Request{Change{Change::Record{{}, "b"}}}));
     EXPECT_EQ(decodeSettingsRequest(R"({"recording":true})"), (Request{SettingsRecording{true}}));
     EXPECT_EQ(decodeSettingsRequest(encodeSettingsRequest(SettingsQuestion{})),
         Request{SettingsQuestion{}});
@@ -380,5 +417,4 @@ TEST_F(SettingsModelTest, theDescriptionAndTheChangesCrossAsTheyAre)
              R"({"ask":false})"})
         EXPECT_FALSE(decodeSettingsRequest(nonsense)) << nonsense;
 }
-
 }

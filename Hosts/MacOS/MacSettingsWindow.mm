@@ -108,7 +108,7 @@ void MacSettingsWindow::makeWindow()
                       defer:YES];
     window.releasedWhenClosed = NO;
     window.toolbarStyle = NSWindowToolbarStylePreference;
-    window.onLeave = ^{ m_source->setRecording(false); };
+    window.onLeave = ^{ m_source->setRecordingRow(""); };
     m_tabs = [[NSTabViewController alloc] init];
     m_tabs.tabStyle = NSTabViewControllerTabStyleToolbar;
     window.contentViewController = m_tabs;

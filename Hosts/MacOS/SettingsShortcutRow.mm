@@ -22,24 +22,28 @@ public:
         m_view.alignment = NSLayoutAttributeLeading;
         m_recordAction = [QVAction
             actionOf:m_record
-             handler:^{ m_source.setRecording(m_record.state == NSControlStateValueOn); }];
+             handler:^{
+                 m_source.setRecordingRow(m_record.state == NSControlStateValueOn ? m_row : "");
+             }];
         m_clearAction = [QVAction actionOf:m_clear
                                    handler:^{
-                                       m_source.setRecording(false);
-                                       m_onChange({SettingsChange::Record{}});
+                                       m_source.setRecordingRow("");
+                                       m_onChange({SettingsChange::Record{{}, m_row}});
                                    }];
-        m_recording = source.isRecording().subscribe([this](bool) { recordingDidChange(); });
+        m_recording = source.recordingRow().subscribe([this](auto&) { recordingDidChange(); });
     }
     ~ShortcutRow() override
     {
         m_recording = {};
-        m_source.setRecording(false);
+        if (isRecording())
+            m_source.setRecordingRow("");
         setListening(false);
     }
 
     NSView* view() const override { return m_view; }
     void show(const SettingsRow& row) override
     {
+        m_row = row.id;
         m_shortcut = std::get<SettingsShortcut>(row.control);
         m_record.accessibilityLabel = shownText(row.title);
         m_record.toolTip = shownText(m_shortcut.recordHelp);
@@ -49,19 +53,20 @@ public:
     }
 
 private:
+    bool isRecording() const { return !m_row.empty() && m_source.recordingRow().value() == m_row; }
+
     void recordingDidChange()
     {
-        setListening(m_source.isRecording().value());
+        setListening(isRecording());
         update();
     }
 
     void update()
     {
-        const bool isRecording = m_source.isRecording().value();
-        m_record.state = isRecording ? NSControlStateValueOn : NSControlStateValueOff;
+        m_record.state = isRecording() ? NSControlStateValueOn : NSControlStateValueOff;
         m_record.title
             = shownText(m_shortcut.text.empty() ? tr("Record Shortcut") : m_shortcut.text);
-        m_status.stringValue = shownText(isRecording ? m_shortcut.recordHelp : m_shortcut.status);
+        m_status.stringValue = shownText(isRecording() ? m_shortcut.recordHelp : m_shortcut.status);
         m_status.hidden = m_status.stringValue.length == 0;
     }
 
@@ -86,6 +91,7 @@ private:
 
     SettingsSource& m_source;
     OnSettingsChange m_onChange;
+    std::string m_row; ///< its identifier
     SettingsShortcut m_shortcut;
     NSButton* m_record = [NSButton buttonWithTitle:@"" target:nil action:nil];
     NSButton* m_clear = [NSButton buttonWithTitle:shownText(tr("Clear")) target:nil action:nil];

@@ -88,8 +88,8 @@ private:
     std::size_t m_screenIndex;
 };
 
-/// Makes bars and the launcher, which are views, for the services below the views. Outlives what it
-/// makes.
+/// Makes bars, the launcher and the list of windows, which are views, for the services below the
+/// views. Outlives what it makes.
 class BarFactory {
 public:
     virtual ~BarFactory() = default;
@@ -97,6 +97,9 @@ public:
     virtual std::unique_ptr<Bar> makeBar(const PanelOptions&, std::size_t screenIndex) = 0;
     virtual std::unique_ptr<LauncherPanel> makeLauncher(
         const PanelOptions&, const LauncherContents&)
+        = 0;
+    virtual std::unique_ptr<LauncherPanel> makeWindowFinder(
+        const PanelOptions&, const WindowFinderContents&)
         = 0;
 };
 

@@ -48,7 +48,9 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_reservations(platform, edgeReservation())
     , m_dockRoom(platform.dockControl, m_reservations)
     , m_panels(platform, settings, m_dockRoom, factory)
-    , m_launcher(platform, factory, m_appLauncher, m_pinStore, settings)
+    , m_windowFinder(m_viewModel, platform)
+    , m_launcher(platform, factory,
+          {m_appLauncher, m_pinStore, settings, m_windowFinder, thumbnailService})
     , m_navigation(platform, windowStore, m_viewModel, settings, m_panels)
     , m_moves(platform, windowStore, m_viewModel, m_navigation)
     , m_avoidanceManager(windowStore, platform.dispatch, platform.accessibility,
@@ -64,6 +66,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
         if (isOpen)
             releaseKeyboards();
     };
+    m_launcher.onWindowChosen = [this](WindowID window) { m_navigation.goToWindow(window); };
     m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
     m_navigation.onWillSwitch = [this] { prefetchCurrentSpaces(); };
@@ -251,9 +254,9 @@ Bar* BarManager::resolveLauncherAnchorPanel()
     return chosen;
 }
 
-bool BarManager::toggleAppLauncher(LauncherCaller caller)
+bool BarManager::toggleAppLauncher(LauncherCaller caller, LauncherKind kind)
 {
-    if (launcherPanel()) {
+    if (launcherPanel(kind)) {
         m_launcher.close();
         return true;
     }
@@ -261,9 +264,9 @@ bool BarManager::toggleAppLauncher(LauncherCaller caller)
     if (!anchor)
         return false;
     if (caller == LauncherCaller::anotherProgram)
-        m_launcher.showForHeldShortcut(*anchor);
+        m_launcher.showForHeldShortcut(*anchor, kind);
     else
-        m_launcher.show(*anchor);
+        m_launcher.show(*anchor, kind);
     return true;
 }
 

@@ -17,6 +17,7 @@
 #include "Quorvel/Core/SpaceNavigation.h"
 #include "Quorvel/Core/WheelNotches.h"
 #include "Quorvel/Core/WindowAvoidanceManager.h"
+#include "Quorvel/Core/WindowFinder.h"
 #include "Quorvel/Core/WindowMoves.h"
 #include "Quorvel/Platform/Platform.h"
 
@@ -68,16 +69,20 @@ public:
     void switchToAdjacentSpace(Direction, SpaceID from);
     void switchToSpace(SpaceID, std::optional<ProcessID> yieldingBack = {});
     void moveWindowToSpaceByDragging(WindowID, SpaceID from, SpaceID to);
-    /// Null while it is closed.
-    LauncherPanel* launcherPanel() const { return m_launcher.panel(); }
-    void showAppLauncher(Bar& anchor) { m_launcher.show(anchor); }
+    /// Null unless this kind is open.
+    LauncherPanel* launcherPanel(LauncherKind kind = LauncherKind::applications) const
+    {
+        return m_launcher.panel(kind);
+    }
+    void showAppLauncher(Bar& anchor) { m_launcher.show(anchor, LauncherKind::applications); }
     /// Who asks for the launcher.
     enum class LauncherCaller {
         thisProgram,
         anotherProgram, ///< on a shortcut of its own, perhaps
     };
     /// Opens it where the pointer is, or closes it. False if there is no bar to open it from.
-    bool toggleAppLauncher(LauncherCaller = LauncherCaller::thisProgram);
+    bool toggleAppLauncher(LauncherCaller = LauncherCaller::thisProgram,
+        LauncherKind = LauncherKind::applications);
     /// An item of the bar where the pointer is, by its place in the row from 0.
     void useItem(std::size_t place, ItemUse);
     /// While something else needs the keyboard, a bar does not take it when the pointer enters.
@@ -132,6 +137,7 @@ private:
     BarReservations m_reservations;
     DockRoom m_dockRoom;
     BarPanels m_panels;
+    WindowFinder m_windowFinder;
     LauncherPresenter m_launcher;
     SpaceNavigation m_navigation;
     WheelNotches m_wheel{wheelSteps()};

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "Quorvel/Core/KeyboardShortcut.h"
 #include "Quorvel/Platform/Dispatch.h"
@@ -13,22 +14,31 @@
 namespace quorvel {
 
 class UserSettings;
+struct UserSettingsData;
 
-/// The one shortcut that works in every program. It follows the settings, whoever changes them;
+/// What a shortcut opens: of each there is at most one.
+enum class HotkeyPurpose { applications, windows };
+
+/// A shortcut that works in every program. It follows the settings, whoever changes them;
 /// until the user records one there is none. Main thread.
 class HotkeyManager {
 public:
     enum class State {
         none, ///< there is no shortcut, or it is suspended
         registered,
-        taken, ///< another program has it
+        taken, ///< another program has it, or the first manager
         failed, ///< the system refuses it
     };
 
     static constexpr HotkeyID hotkeyID{0x5152564C, 1}; ///< "QRVL"
+    static constexpr HotkeyID findHotkeyID{hotkeyID.signature, 3};
 
-    /// Null where the system has no such shortcuts: they are stored all the same.
+    /// The one that opens the applications. Null where the system has no such shortcuts: they are
+    /// stored all the same.
     HotkeyManager(Hotkeys*, UserSettings&, Dispatch&);
+    /// The one that opens the windows. The same keys are left to the first manager, which outlives
+    /// this one; both are suspended together.
+    HotkeyManager(Hotkeys*, UserSettings&, Dispatch&, HotkeyManager& first);
     ~HotkeyManager();
     HotkeyManager(const HotkeyManager&) = delete;
     HotkeyManager& operator=(const HotkeyManager&) = delete;
@@ -56,6 +66,16 @@ public:
     const Published<bool>& isSuspended() const { return m_isSuspended; }
 
 private:
+    HotkeyManager(Hotkeys*, UserSettings&, Dispatch&, HotkeyPurpose, HotkeyManager* first);
+
+    using Field = std::optional<std::uint32_t>;
+    struct Fields {
+        Field& keyCode;
+        Field& modifiers;
+    };
+    Fields fields(UserSettingsData&) const;
+    HotkeyID ownID() const;
+    bool isLeftToFirst() const;
     HotkeyStatus handleHotkey(const HotkeyID&);
     void loadShortcut();
     void save(const std::optional<KeyboardShortcut>&);
@@ -66,11 +86,14 @@ private:
     Hotkeys* const m_hotkeys;
     UserSettings& m_settings;
     Dispatch& m_dispatch;
+    const HotkeyPurpose m_purpose;
+    HotkeyManager* const m_first; ///< null in the first one
     Published<std::optional<KeyboardShortcut>> m_currentShortcut;
     Published<State> m_state;
     Published<bool> m_isSuspended;
     int m_suspensions = 0;
     Subscription m_settingsChange;
+    std::vector<Subscription> m_firstChanges;
     Subscription m_outcomeChange;
     Subscription m_eventHandler;
     std::unique_ptr<HotkeyRegistration> m_hotkeyRef; ///< null if there is nothing to register

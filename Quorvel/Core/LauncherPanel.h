@@ -8,7 +8,9 @@ namespace quorvel {
 
 class AppLauncher;
 class PinStore;
+class ThumbnailService;
 class UserSettings;
+class WindowFinder;
 
 /// Why the launcher wants to close.
 enum class LauncherDismissal {
@@ -26,9 +28,19 @@ struct LauncherContents {
     std::function<void(LauncherDismissal)> onDismiss;
 };
 
-/// The list of all applications, for the code that places it; the views draw it. It asks to be
-/// closed when the user presses a button elsewhere, when it loses the keyboard, and once it has
-/// opened an application. Main thread.
+/// The same for the list of open windows.
+struct WindowFinderContents {
+    WindowFinder& windowFinder;
+    ThumbnailService& thumbnailService;
+    const UserSettings& settings;
+    std::function<void(LauncherDismissal)> onDismiss;
+    /// After it has asked to be closed.
+    std::function<void(WindowID)> onWindowChosen;
+};
+
+/// A list with a search field, of all applications or of all windows, for the code that
+/// places it; the views draw it. It asks to be closed when the user presses a button elsewhere,
+/// when it loses the keyboard, and once something has been chosen. Main thread.
 class LauncherPanel {
 public:
     virtual ~LauncherPanel() = default;

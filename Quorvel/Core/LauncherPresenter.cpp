@@ -9,43 +9,59 @@
 
 namespace quorvel {
 
-LauncherPresenter::LauncherPresenter(const Platform& platform, BarFactory& factory,
-    AppLauncher& appLauncher, PinStore& pinStore, const UserSettings& settings)
+LauncherPresenter::LauncherPresenter(
+    const Platform& platform, BarFactory& factory, const Sources& sources)
     : m_platform(platform)
     , m_factory(factory)
-    , m_appLauncher(appLauncher)
-    , m_pinStore(pinStore)
-    , m_settings(settings)
+    , m_sources(sources)
 {
 }
 
 LauncherPresenter::~LauncherPresenter() = default;
 
-void LauncherPresenter::show(const Bar& anchor)
+std::unique_ptr<LauncherPanel> LauncherPresenter::makePanel(const Bar& anchor, LauncherKind kind)
 {
-    auto frame = frameFor(anchor);
+    auto onDismiss = [this](auto dismissal) { dismissed(dismissal); };
+    PanelOptions options{
+        .display = anchor.display(), .title = {}, .kind = PanelKind::launcher};
+    if (kind == LauncherKind::applications) {
+        options.title = tr("Applications");
+        return m_factory.makeLauncher(options,
+            {.appLauncher = m_sources.appLauncher,
+                .pinStore = m_sources.pinStore,
+                .settings = m_sources.settings,
+                .onDismiss = std::move(onDismiss)});
+    }
+    options.title = tr("Find a Window");
+    return m_factory.makeWindowFinder(options,
+        {.windowFinder = m_sources.windowFinder,
+            .thumbnailService = m_sources.thumbnailService,
+            .settings = m_sources.settings,
+            .onDismiss = std::move(onDismiss),
+            .onWindowChosen = onWindowChosen});
+}
+
+void LauncherPresenter::show(const Bar& anchor, LauncherKind kind)
+{
+    auto frame = frameFor(anchor, kind);
     close();
     if (!frame)
         return;
     m_isClosedByPrimaryPress = false;
     m_anchor = anchorOf(anchor);
-    m_panel = m_factory.makeLauncher(
-        {.display = anchor.display(), .title = tr("Applications"), .kind = PanelKind::launcher},
-        {.appLauncher = m_appLauncher,
-            .pinStore = m_pinStore,
-            .settings = m_settings,
-            .onDismiss = [this](auto dismissal) { dismissed(dismissal); }});
+    m_kind = kind;
+    m_panel = makePanel(anchor, kind);
     if (onOpenChanged)
         onOpenChanged(true);
     m_panel->open(*frame);
 }
 
-void LauncherPresenter::showForHeldShortcut(const Bar& anchor)
+void LauncherPresenter::showForHeldShortcut(const Bar& anchor, LauncherKind kind)
 {
     // Before anything is drawn: the user is about to let go of it.
     auto* hotkeys = m_platform.hotkeys;
     auto held = hotkeys ? hotkeys->registerHeld(kHeldShortcutID) : nullptr;
-    show(anchor);
+    show(anchor, kind);
     if (!m_panel || !held)
         return;
     m_heldShortcut = std::move(held);
@@ -83,7 +99,9 @@ void LauncherPresenter::close()
 
 void LauncherPresenter::dismissed(LauncherDismissal dismissal)
 {
-    m_isClosedByPrimaryPress = dismissal == LauncherDismissal::primaryPress;
+    // The button opens the applications, even while there are windows in their place.
+    m_isClosedByPrimaryPress
+        = dismissal == LauncherDismissal::primaryPress && m_kind == LauncherKind::applications;
     m_closingPressEnds
         = m_platform.dispatch.main().after(kHeldBack, [this] { m_isClosedByPrimaryPress = false; });
     close();
@@ -97,16 +115,16 @@ bool LauncherPresenter::buttonPressed(const Bar& bar)
     if (anchorOf(bar) != m_anchor)
         return false;
     // Where the system does not report presses it is still open.
-    bool isOpen = m_panel != nullptr;
+    bool isOpen = panel(LauncherKind::applications) != nullptr;
     close();
     return isOpen || hasClosed;
 }
 
 void LauncherPresenter::buttonTapped(const Bar& bar)
 {
-    if (m_panel && anchorOf(bar) == m_anchor)
+    if (panel(LauncherKind::applications) && anchorOf(bar) == m_anchor)
         return close();
-    show(bar);
+    show(bar, LauncherKind::applications);
 }
 
 // MARK: Its place
@@ -122,30 +140,31 @@ void LauncherPresenter::follow(const std::vector<Bar*>& bars)
         return;
     auto bar
         = std::ranges::find(bars, m_anchor, [](auto* candidate) { return anchorOf(*candidate); });
-    auto frame = bar == bars.end() ? std::nullopt : frameFor(**bar);
+    auto frame = bar == bars.end() ? std::nullopt : frameFor(**bar, m_kind);
     if (frame)
         m_panel->surface().setFrame(*frame);
     else
         close();
 }
 
-std::optional<Rect> LauncherPresenter::frameFor(const Bar& bar) const
+std::optional<Rect> LauncherPresenter::frameFor(const Bar& bar, LauncherKind kind) const
 {
     auto screens = m_platform.displays.screens();
     if (bar.screenIndex() >= screens.size())
         return {};
-    return frameFor(bar.surface().frame(), screens[bar.screenIndex()],
+    return frameFor(bar.surface().frame(), screens[bar.screenIndex()], sizeOf(kind),
         m_platform.application.appearance().value().isRightToLeft);
 }
 
-Rect LauncherPresenter::frameFor(const Rect& bar, const Screen& screen, bool isRightToLeft)
+Rect LauncherPresenter::frameFor(
+    const Rect& bar, const Screen& screen, Size size, bool isRightToLeft)
 {
     // Bars of the system, or other panels, may have the sides and the top to themselves.
     auto room = screen.visibleFrame.isEmpty() ? screen.frame : screen.visibleFrame;
-    double width = std::min(kSize.width, room.width);
+    double width = std::min(size.width, room.width);
     double wanted = bar.maxY() + kAboveBar;
     double least = std::min(kLeastHeight, room.maxY() - screen.frame.y);
-    double height = std::clamp(room.maxY() - wanted, least, std::max(least, kSize.height));
+    double height = std::clamp(room.maxY() - wanted, least, std::max(least, size.height));
     double x = isRightToLeft ? bar.maxX() - kFromEdge - width : bar.x + kFromEdge;
     return {std::clamp(x, room.x, room.maxX() - width), std::min(wanted, room.maxY() - height),
         width, height};

@@ -17,10 +17,27 @@ namespace quorvel {
 class Bar;
 class BarFactory;
 
-/// Opens the launcher above a bar, at most one, and closes it when it asks for that. Main thread.
+/// What a launcher lists.
+enum class LauncherKind { applications, windows };
+
+/// Opens the launcher above a bar, or the list of windows in its place, and closes it when it asks
+/// for that. At most one is open. Main thread.
 class LauncherPresenter {
 public:
-    static constexpr Size kSize{300, 400}; ///< points
+    /// What its lists show and act through; all of it outlives the presenter.
+    struct Sources {
+        AppLauncher& appLauncher;
+        PinStore& pinStore;
+        const UserSettings& settings;
+        WindowFinder& windowFinder;
+        ThumbnailService& thumbnailService;
+    };
+
+    /// In points, the room that it takes where there is enough.
+    static constexpr Size sizeOf(LauncherKind kind)
+    {
+        return kind == LauncherKind::applications ? Size{300, 400} : Size{440, 480};
+    }
     /// A window manager may hold a press back for a moment after it was reported, before the bar
     /// receives it.
     static constexpr Duration kHeldBack = seconds(0.25);
@@ -30,18 +47,23 @@ public:
     static constexpr double kLeastHeight = 200;
     static constexpr HotkeyID kHeldShortcutID{0x5152564C, 2}; ///< "QRVL"
 
-    /// All it is given outlives it.
-    LauncherPresenter(const Platform&, BarFactory&, AppLauncher&, PinStore&, const UserSettings&);
+    /// The factory outlives it.
+    LauncherPresenter(const Platform&, BarFactory&, const Sources&);
     ~LauncherPresenter();
 
     std::function<void(bool isOpen)> onOpenChanged;
+    /// In the list of windows.
+    std::function<void(WindowID)> onWindowChosen;
 
-    /// Null while it is closed.
-    LauncherPanel* panel() const { return m_panel.get(); }
-    void show(const Bar& anchor);
+    /// Null unless this kind is open.
+    LauncherPanel* panel(LauncherKind kind) const
+    {
+        return m_kind == kind ? m_panel.get() : nullptr;
+    }
+    void show(const Bar& anchor, LauncherKind);
     /// The same for another program's shortcut, which it cannot receive while the launcher has the
     /// keyboard: pressed again, it closes the launcher.
-    void showForHeldShortcut(const Bar& anchor);
+    void showForHeldShortcut(const Bar& anchor, LauncherKind);
     void close();
     /// The button of this bar that opens the launcher goes down. True: the press closes the
     /// launcher that opened from there, or has just closed it, and must not open it anew.
@@ -52,7 +74,7 @@ public:
     void follow(const std::vector<Bar*>&);
 
     /// Where it belongs; all in points, bottom-left origin.
-    static Rect frameFor(const Rect& bar, const Screen&, bool isRightToLeft);
+    static Rect frameFor(const Rect& bar, const Screen&, Size wanted, bool isRightToLeft);
 
 private:
     /// Which bar it opened from, which may have gone since.
@@ -65,14 +87,14 @@ private:
 
     static Anchor anchorOf(const Bar&);
     HotkeyStatus handleHotkey(const HotkeyID&);
+    std::unique_ptr<LauncherPanel> makePanel(const Bar& anchor, LauncherKind);
     void dismissed(LauncherDismissal);
-    std::optional<Rect> frameFor(const Bar&) const;
+    std::optional<Rect> frameFor(const Bar&, LauncherKind) const;
 
     const Platform m_platform;
     BarFactory& m_factory;
-    AppLauncher& m_appLauncher;
-    PinStore& m_pinStore;
-    const UserSettings& m_settings;
+    const Sources m_sources;
+    LauncherKind m_kind = LauncherKind::applications; ///< of the one that is open, or was last
     Anchor m_anchor;
     bool m_isClosedByPrimaryPress = false; ///< and the bar may yet receive that press
     WorkItem m_closingPressEnds;

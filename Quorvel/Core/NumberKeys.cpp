@@ -15,18 +15,21 @@ constexpr std::uint32_t kLeading
 
 }
 
-NumberKeys::NumberKeys(
-    Hotkeys* hotkeys, const HotkeyManager& manager, UserSettings& settings, Dispatch& dispatch)
+NumberKeys::NumberKeys(Hotkeys* hotkeys, std::vector<const HotkeyManager*> managers,
+    UserSettings& settings, Dispatch& dispatch)
     : m_hotkeys(hotkeys)
-    , m_manager(manager)
+    , m_managers(std::move(managers))
     , m_settings(settings)
     , m_dispatch(dispatch)
 {
     if (!m_hotkeys)
         return;
     m_subscriptions.push_back(settings.data().subscribe([this](auto&) { update(); }));
-    m_subscriptions.push_back(manager.isSuspended().subscribe([this](bool) { update(); }));
-    m_subscriptions.push_back(manager.currentShortcut().subscribe([this](auto&) { update(); }));
+    m_subscriptions.push_back(
+        m_managers.front()->isSuspended().subscribe([this](bool) { update(); }));
+    for (auto* manager : m_managers)
+        m_subscriptions.push_back(
+            manager->currentShortcut().subscribe([this](auto&) { update(); }));
     m_subscriptions.push_back(m_hotkeys->outcomesDidChange.subscribe([this] { updateTaken(); }));
     m_subscriptions.push_back(
         m_hotkeys->installHandler([this](auto& pressed) { return handleHotkey(pressed); }));
@@ -42,7 +45,7 @@ std::uint32_t NumberKeys::modifiersThatHold(
 
 std::vector<NumberKeys::Combination> NumberKeys::wanted() const
 {
-    if (!m_settings.numberKeys() || m_manager.isSuspended().value())
+    if (!m_settings.numberKeys() || m_managers.front()->isSuspended().value())
         return {};
     auto modifiers = modifiersThatHold(m_settings.numberKeyModifiers(), *m_hotkeys);
     std::vector<Combination> wanted;
@@ -52,9 +55,10 @@ std::vector<NumberKeys::Combination> NumberKeys::wanted() const
         if ((modifiers & HotkeyModifier::shift) == 0)
             wanted.push_back({key, modifiers | HotkeyModifier::shift, kFirstShiftedID + place});
     }
-    if (auto& shortcut = m_manager.currentShortcut().value()) {
+    for (auto* manager : m_managers) {
+        auto& shortcut = manager->currentShortcut().value();
         std::erase_if(wanted, [&](auto& combination) {
-            return combination.keyCode == shortcut->keyCode
+            return shortcut && combination.keyCode == shortcut->keyCode
                 && combination.modifiers == (shortcut->modifiers & HotkeyModifier::all);
         });
     }

@@ -34,10 +34,10 @@ public:
     static std::uint32_t modifiersThatHold(
         const std::optional<std::uint32_t>& stored, const Hotkeys&);
 
-    /// Suspended together with the manager's shortcut, so that all keys can be recorded; one that
-    /// is the manager's own is left to it. Null hotkeys: the system has none. What is referred to
-    /// outlives it.
-    NumberKeys(Hotkeys*, const HotkeyManager&, UserSettings&, Dispatch&);
+    /// Suspended together with the first manager's shortcut, so that all keys can be recorded;
+    /// those that are the managers' own are left to them. Null hotkeys: the system has none. What
+    /// is referred to outlives it.
+    NumberKeys(Hotkeys*, std::vector<const HotkeyManager*>, UserSettings&, Dispatch&);
 
     /// On the turn after the press; the place counts from 0.
     std::function<void(std::size_t place, ItemUse)> onPressed;
@@ -63,7 +63,7 @@ private:
     HotkeyStatus handleHotkey(const HotkeyID&);
 
     Hotkeys* const m_hotkeys;
-    const HotkeyManager& m_manager;
+    const std::vector<const HotkeyManager*> m_managers; ///< one at least
     UserSettings& m_settings;
     Dispatch& m_dispatch;
     std::vector<Combination> m_wanted; ///< each has a registration

@@ -353,13 +353,16 @@ bool read(const Json& json, SettingsChange::Remove& remove)
 
 Json write(const SettingsChange::Record& record)
 {
-    auto keys = write(record.keys);
-    return {{"record", record.keys ? keys : Json{{"keyCode", nullptr}}}};
+    auto json = record.keys ? write(record.keys) : Json{{"keyCode", nullptr}};
+    json["row"] = record.row;
+    return {{"record", std::move(json)}};
 }
 
 bool read(const Json& json, SettingsChange::Record& record)
 {
     auto* keyCode = member(json, "keyCode");
+    if (member(json, "row") && !read(json, "row", record.row))
+        return false;
     return keyCode && (keyCode->is_null() || read(json, record.keys.emplace()));
 }
 

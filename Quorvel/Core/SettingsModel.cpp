@@ -71,23 +71,21 @@ std::optional<PinDestination> placeOf(const std::string& row)
 
 std::string rowOf(const SettingsChange& change)
 {
-    return std::visit(
-        [](auto& what) -> std::string {
-            if constexpr (std::is_same_v<std::remove_cvref_t<decltype(what)>,
-                              SettingsChange::Record>)
-                return SettingsRowID::hotkey;
-            else
-                return what.row;
-        },
-        change.what);
+    return std::visit([](auto& what) -> std::string { return what.row; }, change.what);
 }
 
 }
 
-SettingsModel::SettingsModel(const SettingsSubjects& subjects)
-    : m_subjects(subjects)
-    , m_recorder(subjects.hotkeyManager)
+SettingsModel::SettingsModel(const SettingsSubjects& subjects) : m_subjects(subjects)
 {
+    for (auto [row, manager] : {std::pair{SettingsRowID::hotkey, &subjects.hotkeyManager},
+             {SettingsRowID::findHotkey, &subjects.findHotkeyManager}}) {
+        auto& recorder = m_recorders.try_emplace(row, *manager).first->second;
+        m_sources.push_back(recorder.isRecording().subscribe([this, row](bool isRecording) {
+            if (isRecording || m_recordingRow.value() == row)
+                m_recordingRow.set(isRecording ? row : "");
+        }));
+    }
     auto follow = [this](auto& source) {
         m_sources.push_back(source.subscribe([this](auto&) { refresh(); }));
     };
@@ -96,6 +94,8 @@ SettingsModel::SettingsModel(const SettingsSubjects& subjects)
     follow(subjects.appLauncher.allApps());
     follow(subjects.hotkeyManager.currentShortcut());
     follow(subjects.hotkeyManager.state());
+    follow(subjects.findHotkeyManager.currentShortcut());
+    follow(subjects.findHotkeyManager.state());
     follow(subjects.numberKeys.taken());
     if (subjects.updaterService)
         follow(subjects.updaterService->canCheckForUpdates);
@@ -122,6 +122,7 @@ std::optional<SettingsFacts::Keys> SettingsModel::keys() const
         return std::nullopt;
     auto& hotkeys = *m_subjects.hotkeys;
     return SettingsFacts::Keys{describeHotkey(m_subjects.hotkeyManager),
+        describeHotkey(m_subjects.findHotkeyManager),
         describeNumberKeyModifiers(hotkeys, m_subjects.settings.numberKeyModifiers()),
         describeTakenNumberKeys(hotkeys, m_subjects.numberKeys)};
 }
@@ -240,6 +241,8 @@ std::string SettingsModel::perform(const SettingsChange::Remove& remove)
 std::string SettingsModel::perform(const SettingsChange::Record& record)
 {
     std::optional<KeyboardShortcut> shortcut;
+    if (!m_recorders.contains(record.row))
+        return noSuchRow();
     if (record.keys) {
         shortcut = {record.keys->keyCode & 0xFFFF, record.keys->modifiers & HotkeyModifier::all};
         if (shortcut->modifiers == 0)
@@ -247,16 +250,26 @@ std::string SettingsModel::perform(const SettingsChange::Record& record)
         if (!isKeyOfShortcut(shortcut->keyCode))
             return tr("This key cannot be part of a shortcut.");
     }
-    m_subjects.hotkeyManager.setCurrentShortcut(shortcut);
+    auto& manager = record.row == SettingsRowID::findHotkey ? m_subjects.findHotkeyManager
+                                                            : m_subjects.hotkeyManager;
+    manager.setCurrentShortcut(shortcut);
     return {};
 }
 
-void SettingsModel::setRecording(bool isOn)
+void SettingsModel::setRecordingRow(const std::string& row)
 {
-    if (isOn)
-        m_recorder.start();
-    else
-        m_recorder.stop();
+    for (auto& [other, recorder] : m_recorders) {
+        if (other != row)
+            recorder.stop();
+    }
+    if (auto found = m_recorders.find(row); found != m_recorders.end())
+        found->second.start();
+}
+
+bool SettingsModel::keyPressed(std::uint32_t keyCode, std::uint64_t modifierFlags)
+{
+    auto recording = m_recorders.find(m_recordingRow.value());
+    return recording != m_recorders.end() && recording->second.keyPressed(keyCode, modifierFlags);
 }
 
 Subscription SettingsModel::holdShortcuts()

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <map>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "Quorvel/Core/SettingsPages.h"
@@ -28,6 +30,7 @@ struct SettingsSubjects {
     const AppLauncher& appLauncher;
     const LoginItem& loginItem;
     HotkeyManager& hotkeyManager;
+    HotkeyManager& findHotkeyManager;
     const NumberKeys& numberKeys;
     Hotkeys* hotkeys = nullptr;
     DockController* dockController = nullptr;
@@ -45,12 +48,9 @@ public:
 
     const Published<SettingsDescription>& description() const override { return m_description; }
     std::optional<SettingsRefusal> apply(const SettingsChange&) override;
-    const Published<bool>& isRecording() const override { return m_recorder.isRecording(); }
-    void setRecording(bool) override;
-    bool keyPressed(std::uint32_t keyCode, std::uint64_t modifierFlags) override
-    {
-        return m_recorder.keyPressed(keyCode, modifierFlags);
-    }
+    const Published<std::string>& recordingRow() const override { return m_recordingRow; }
+    void setRecordingRow(const std::string&) override;
+    bool keyPressed(std::uint32_t keyCode, std::uint64_t modifierFlags) override;
     /// While the returned token is kept, the program's own shortcuts do not act, so that another
     /// process can record them.
     [[nodiscard]] Subscription holdShortcuts();
@@ -74,7 +74,8 @@ private:
 
     const SettingsSubjects m_subjects;
     Published<SettingsDescription> m_description;
-    ShortcutRecorder m_recorder;
+    std::map<std::string, ShortcutRecorder> m_recorders; ///< by row
+    Published<std::string> m_recordingRow;
     std::vector<Subscription> m_sources;
 };
 

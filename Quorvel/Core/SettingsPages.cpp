@@ -126,7 +126,10 @@ SettingsPage keyboardPage(const SettingsFacts& facts)
         .title = {},
         .help = {},
         .rows = {{SettingsRowID::hotkey, tr("Open the list of applications"),
-            tr("Works in every application."), true, facts.keys->hotkey}}};
+                     tr("Works in every application."), true, facts.keys->hotkey},
+            {SettingsRowID::findHotkey, tr("Find a window"),
+                tr("Opens the list of all open windows, to go to one by typing."), true,
+                facts.keys->findHotkey}}};
     return {"keyboard", tr("Keyboard"), "input-keyboard-symbolic",
         {std::move(launcher), numberKeysGroup(facts)}};
 }

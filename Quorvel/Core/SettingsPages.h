@@ -13,6 +13,7 @@ namespace quorvel {
 /// The ids of the rows that are not fields of the record.
 namespace SettingsRowID {
 inline constexpr const char* hotkey = "hotkey"; ///< made of two fields
+inline constexpr const char* findHotkey = "findHotkey"; ///< made of two fields
 inline constexpr const char* pinsOnBar = "pinsOnBar";
 inline constexpr const char* pinsInLauncher = "pinsInLauncher";
 inline constexpr const char* restoreDock = "restoreDock";
@@ -26,6 +27,7 @@ inline constexpr const char* reset = "reset";
 struct SettingsFacts {
     struct Keys {
         SettingsShortcut hotkey;
+        SettingsShortcut findHotkey;
         SettingsChoice numberKeyModifiers;
         std::string numberKeysTaken; ///< which of them do not work; empty: all do
     };

@@ -1,6 +1,7 @@
 #include "Quorvel/Core/SpaceNavigation.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Quorvel/Core/BarPanels.h"
 #include "Quorvel/Core/BarViewModel.h"
@@ -132,6 +133,29 @@ void SpaceNavigation::switchToSpace(SpaceID target, std::optional<ProcessID> yie
     becomeKey(*panel, yieldingBack);
 }
 
+void SpaceNavigation::goToWindow(WindowID id)
+{
+    auto* window = m_windowStore.window(id);
+    if (!window)
+        return;
+    auto& spaces = window->spaceIDs;
+    m_pendingWindow = {id, spaces.empty() ? SpaceID{} : *spaces.begin()};
+    bool isHere = std::ranges::any_of(spaces, [this](SpaceID space) { return isCurrent(space); });
+    if (isHere || !info(m_pendingWindow->spaceID))
+        return activatePendingWindow();
+    // Where the switch is refused, the application is asked all the same.
+    m_pendingWindowPatience
+        = m_dispatch.main().after(kSwitchPatience, [this] { activatePendingWindow(); });
+    switchToSpace(m_pendingWindow->spaceID);
+}
+
+void SpaceNavigation::activatePendingWindow()
+{
+    m_pendingWindowPatience.cancel();
+    if (auto pending = std::exchange(m_pendingWindow, std::nullopt))
+        m_viewModel.activateWindow(pending->windowID, BarViewModel::FocusBeforeActivation::no);
+}
+
 void SpaceNavigation::becomeKey(Bar& panel, std::optional<ProcessID> previousApp)
 {
     m_pendingPreviousApp = previousApp ? previousApp : m_workspace.frontmostApplication();
@@ -154,6 +178,10 @@ void SpaceNavigation::spaceDidChange(const std::vector<SpaceID>& shown)
     if (m_pendingFullscreenAXActivation
         && m_pendingFullscreenAXActivation->targetSpaceID == m_targetSpaceID)
         completeFullscreenProxySwitch(m_pendingFullscreenAXActivation->windowID);
+    if (m_pendingWindow && m_pendingWindow->spaceID == m_targetSpaceID) {
+        m_pendingPreviousApp.reset(); // the window is to have the focus, not what had it before
+        activatePendingWindow();
+    }
     handlePostSwitchYield();
 }
 

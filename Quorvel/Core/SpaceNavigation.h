@@ -46,6 +46,8 @@ public:
     void switchToAdjacentSpace(Direction, SpaceID from);
     /// Afterwards returns the focus to this application, if the switch has taken it.
     void switchToSpace(SpaceID, std::optional<ProcessID> yieldingBack = {});
+    /// Gives the window the focus, after a switch to its space if that is not shown.
+    void goToWindow(WindowID);
     /// Desktops as the system counts them, from 1: the ordinary spaces of all displays.
     std::optional<int> missionControlDesktopNumber(SpaceID) const;
     std::optional<SymbolicHotKey> desktopSwitchShortcut(SpaceID);
@@ -65,7 +67,13 @@ private:
         SpaceID targetSpaceID{};
     };
 
+    struct PendingWindow {
+        WindowID windowID{};
+        SpaceID spaceID{};
+    };
+
     const SpaceWindows::Info* info(SpaceID) const;
+    void activatePendingWindow();
     void lockScrollSwitching();
     void switchToFullscreenSpace(SpaceID);
     void completeFullscreenProxySwitch(WindowID);
@@ -88,9 +96,11 @@ private:
     SpaceID m_targetSpaceID{};
     std::optional<ProcessID> m_pendingPreviousApp;
     std::optional<PendingFullscreenAXActivation> m_pendingFullscreenAXActivation;
+    std::optional<PendingWindow> m_pendingWindow; ///< to be activated once its space is shown
     Instant m_switchStartTime;
     WorkItem m_scrollUnlockWork; ///< while pending, scrolling is ignored
     WorkItem m_yieldWork;
+    WorkItem m_pendingWindowPatience;
     WorkItem m_pendingFullscreenProxyCleanupWork;
 };
 

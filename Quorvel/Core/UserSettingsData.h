@@ -16,8 +16,11 @@ namespace quorvel {
 /// Preferences beside those that every version has, under the key "more" in the file. Each is
 /// absent until the user chooses.
 struct MoreSettings {
-    std::optional<bool> numberKeys; ///< shortcuts with the keys 1 to 9 for what is on the bar
-    std::optional<std::uint32_t> numberKeyModifiers; ///< absent: those that the host offers
+    std::optional<bool> numberKeys{}; ///< shortcuts with the keys 1 to 9 for what is on the bar
+    std::optional<std::uint32_t> numberKeyModifiers{}; ///< absent: those that the host offers
+    /// The shortcut of the list of windows; without one of the two there is none.
+    std::optional<std::uint32_t> findKeyCode{};
+    std::optional<std::uint32_t> findModifiers{};
 
     /// With what holds where the user has not chosen; absent only where the host decides.
     MoreSettings withDefaults() const
@@ -32,6 +35,8 @@ struct MoreSettings {
     {
         visit("numberKeys", more.numberKeys);
         visit("numberKeyModifiers", more.numberKeyModifiers);
+        visit("findKeyCode", more.findKeyCode);
+        visit("findModifiers", more.findModifiers);
     }
 
     friend bool operator==(const MoreSettings&, const MoreSettings&) = default;

@@ -173,6 +173,7 @@ struct SettingsChange {
     /// A combination of keys was recorded; absent: the shortcut is removed.
     struct Record {
         std::optional<SettingsShortcut::Keys> keys;
+        std::string row = "hotkey";
 
         friend bool operator==(const Record&, const Record&) = default;
     };

@@ -21,8 +21,10 @@ public:
     // A window in this process calls these with the keys that are pressed while it records.
     // Meanwhile the program's own shortcuts do not act.
 
-    virtual const Published<bool>& isRecording() const = 0;
-    virtual void setRecording(bool) = 0;
+    /// The row of the shortcut that is being recorded; empty if none is.
+    virtual const Published<std::string>& recordingRow() const = 0;
+    /// Recording of another row ends; an empty one ends it too.
+    virtual void setRecordingRow(const std::string&) = 0;
     /// A virtual key code of the Mac, and flags of `KeyModifier`. True: the key is consumed.
     virtual bool keyPressed(std::uint32_t keyCode, std::uint64_t modifierFlags) = 0;
 };

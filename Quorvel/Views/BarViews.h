@@ -5,6 +5,7 @@
 #include "Quorvel/Views/AppLauncherPanel.h"
 #include "Quorvel/Views/BarPanel.h"
 #include "Quorvel/Views/Menu/Menus.h"
+#include "Quorvel/Views/WindowFinderPanel.h"
 
 namespace quorvel {
 
@@ -23,12 +24,21 @@ public:
     {
         return std::make_unique<AppLauncherPanel>(m_platform, m_menus, options, contents);
     }
+    std::unique_ptr<LauncherPanel> makeWindowFinder(
+        const PanelOptions& options, const WindowFinderContents& contents) override
+    {
+        return std::make_unique<WindowFinderPanel>(m_platform, m_menus, options, contents);
+    }
     /// The panel behind a bar that was made here.
     static BarPanel& panel(Bar& bar) { return static_cast<BarPanel&>(bar); }
     static const BarPanel& panel(const Bar& bar) { return static_cast<const BarPanel&>(bar); }
     static const AppLauncherPanel& panel(const LauncherPanel& launcher)
     {
         return static_cast<const AppLauncherPanel&>(launcher);
+    }
+    static const WindowFinderPanel& finderPanel(const LauncherPanel& finder)
+    {
+        return static_cast<const WindowFinderPanel&>(finder);
     }
     const Menus& menus() const { return m_menus; }
 

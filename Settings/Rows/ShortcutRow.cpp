@@ -93,7 +93,7 @@ void ShortcutRow::endUse()
 
 void ShortcutRow::record(std::optional<SettingsShortcut::Keys> keys)
 {
-    m_outlets.change({SettingsChange::Record{keys}});
+    m_outlets.change({SettingsChange::Record{keys, m_description.id}});
     endUse();
 }
 

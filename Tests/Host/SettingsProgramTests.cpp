@@ -26,12 +26,12 @@ struct OneToken final : LaunchTokens {
 struct NoSource final : SettingsSource {
     const Published<SettingsDescription>& description() const override { return m_description; }
     std::optional<SettingsRefusal> apply(const SettingsChange&) override { return {}; }
-    const Published<bool>& isRecording() const override { return m_isRecording; }
-    void setRecording(bool) override { }
+    const Published<std::string>& recordingRow() const override { return m_recordingRow; }
+    void setRecordingRow(const std::string&) override { }
     bool keyPressed(std::uint32_t, std::uint64_t) override { return false; }
 
     Published<SettingsDescription> m_description;
-    Published<bool> m_isRecording;
+    Published<std::string> m_recordingRow;
 };
 
 struct SettingsProgramTest : testing::Test {

@@ -17,6 +17,8 @@ public:
     void tap(std::uint8_t key);
     /// With the other one held down.
     void chord(std::uint8_t held, std::uint8_t key);
+    /// The same, by what is on the keys.
+    void typeChord(std::uint32_t held, std::uint32_t symbol) { chord(keyOf(held), keyOf(symbol)); }
 
 private:
     std::uint8_t keyOf(std::uint32_t symbol);

@@ -101,6 +101,14 @@ static void from_json(const Json& json, State::Launcher& launcher)
     read(json, "frame", launcher.frame, "query", launcher.query, "field", launcher.field,
         "keyFocus", launcher.keyFocus, "rows", launcher.rows);
 }
+static void from_json(const Json& json, State::Finder::Row& row)
+{
+    read(json, "window", row.window, "selected", row.isSelected, "frame", row.frame);
+}
+static void from_json(const Json& json, State::Finder& finder)
+{
+    read(json, "frame", finder.frame, "query", finder.query, "rows", finder.rows);
+}
 
 namespace {
 
@@ -255,7 +263,7 @@ State State::parse(const std::string& json)
         state.numberKeys = stateOf(said.at("numberKeys"));
         read(said, "activeSpace", state.activeSpace, "focusedWindow", state.focusedWindow,
             "windows", state.windows, "spaces", state.spaces, "panels", state.panels, "menu",
-            state.menu, "launcher", state.launcher);
+            state.menu, "launcher", state.launcher, "finder", state.finder);
     } catch (const Json::exception& error) {
         ADD_FAILURE() << error.what() << " in " << json;
     }

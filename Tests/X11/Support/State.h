@@ -96,6 +96,18 @@ struct State {
         std::vector<Row> rows; ///< with applications, in sight
     };
 
+    /// The list of open windows.
+    struct Finder {
+        struct Row {
+            std::uint32_t window = 0;
+            bool isSelected = false;
+            Frame frame;
+        };
+        Frame frame;
+        std::string query;
+        std::vector<Row> rows; ///< in sight
+    };
+
     /// Empty, with a failure, unless the text is JSON that says all of this.
     static State parse(const std::string& json);
 
@@ -121,6 +133,7 @@ struct State {
     std::vector<Panel> panels;
     std::vector<MenuEntry> menu; ///< of the open menu and its submenus
     std::optional<Launcher> launcher; ///< none while it is closed
+    std::optional<Finder> finder; ///< none while it is closed
     std::optional<std::string> hotkey; ///< what became of the global shortcut; none without one
     std::optional<std::string> numberKeys; ///< the same for the number keys
 };

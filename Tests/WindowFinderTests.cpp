@@ -1,0 +1,200 @@
+// The list of open windows as its user meets it: what it lists and in which order, and what keys
+// and clicks do in it.
+#include <gmock/gmock.h>
+
+#include "Tests/Support/LauncherFixture.h"
+
+namespace quorvel::test {
+
+using namespace testing;
+
+/// Four windows of three applications on two spaces; the user was in them from last to first.
+struct WindowFinderTest : LauncherFixture {
+    ProcessID mail = desktop.launch({.name = "Post", .bundleIdentifier = "mail"});
+    ProcessID editor = desktop.launch({.name = "Scribe", .bundleIdentifier = "editor"});
+    ProcessID terminal = desktop.launch({.name = "Terminal", .bundleIdentifier = "terminal"});
+    WindowID inbox = desktop.open(mail, {.title = "Inbox"});
+    WindowID draft = desktop.open(mail, {.title = "Résumé draft"});
+    WindowID notes = desktop.open(editor, {.title = "Notes"});
+    WindowID shell = desktop.open(terminal, {.title = "draft.txt", .spaces = {SpaceID{2}}});
+
+    void SetUp() override
+    {
+        startWithApplications();
+        for (auto [window, application] :
+            {std::pair{notes, editor}, {draft, mail}, {inbox, mail}}) {
+            desktop.focus(window);
+            desktop.activate(application);
+            settle();
+        }
+    }
+    void open()
+    {
+        EXPECT_EQ(desktop.control().send({"--find"})->exitStatus, 0);
+        desktop.drain();
+    }
+    const WindowFinderPanel* finder()
+    {
+        auto* panel = manager().launcherPanel(LauncherKind::windows);
+        return panel ? &BarViews::finderPanel(*panel) : nullptr;
+    }
+    /// The titles of the rows in sight: * selected.
+    std::string titles()
+    {
+        std::string text;
+        if (!finder())
+            return "closed";
+        for (auto& row : finder()->content().rowPlaces())
+            text += (text.empty() ? "" : "|") + std::string{row.isSelected ? "*" : ""}
+                + chip(row.window)->windowTitle;
+        return text;
+    }
+    void pressWithControl(KeyCode code, bool isRepeat = false)
+    {
+        launcher().pressKey(
+            {.keyCode = code, .modifiers = KeyModifier::control, .isRepeat = isRepeat});
+        settle();
+    }
+    Point rowOf(WindowID window)
+    {
+        for (auto& row : finder()->content().rowPlaces()) {
+            if (row.window == window)
+                return row.frame.centre();
+        }
+        return {};
+    }
+};
+
+// Faults: another order than that of use; Return leads to where one is already; one of several
+// words is enough, or their order matters; accents and case matter; a letter inside a word beats
+// the beginning of one; a query that finds nothing leaves old rows.
+TEST_F(WindowFinderTest, findsByWordsOfTitleAndApplicationInTheOrderOfUse)
+{
+    open();
+    EXPECT_EQ(titles(), "Inbox|*Résumé draft|Notes|draft.txt");
+    type("draft");
+    EXPECT_EQ(titles(), "*Résumé draft|draft.txt");
+    type(" TERM");
+    EXPECT_EQ(titles(), "*draft.txt");
+    key(KeyCode::escape);
+    EXPECT_EQ(titles(), "Inbox|*Résumé draft|Notes|draft.txt");
+    type("po resume");
+    EXPECT_EQ(titles(), "*Résumé draft");
+    key(KeyCode::escape);
+    type("o");
+    EXPECT_EQ(titles(), "*Inbox|Résumé draft|Notes") << "all inside, by use";
+    key(KeyCode::escape);
+    type("t");
+    EXPECT_EQ(titles(), "*draft.txt|Inbox|Résumé draft|Notes") << "Terminal, txt first";
+    type("q");
+    EXPECT_EQ(titles(), "");
+    EXPECT_TRUE(says("No windows matching \"tq\""));
+    key(KeyCode::escape);
+    key(KeyCode::escape);
+    EXPECT_EQ(titles(), "closed");
+}
+
+// Faults: a window on another space is asked before its space is shown, or the focus goes back to
+// what had it before the switch; a minimised window stays so.
+TEST_F(WindowFinderTest, returnGoesToTheWindowWhereverItIs)
+{
+    open();
+    key(KeyCode::enter);
+    settle();
+    EXPECT_EQ(titles(), "closed");
+    EXPECT_EQ(model().focusedWindowID.value(), draft);
+
+    open();
+    type("shell");
+    EXPECT_EQ(titles(), "");
+    key(KeyCode::escape);
+    type("term");
+    key(KeyCode::enter);
+    settle();
+    EXPECT_EQ(current(), SpaceID{2});
+    EXPECT_EQ(desktop.workspace().frontmostApplication(), terminal);
+    EXPECT_EQ(model().focusedWindowID.value(), shell);
+
+    desktop.minimise(notes);
+    settle();
+    open();
+    EXPECT_TRUE(says("Scribe \u00B7 Desktop 1 \u00B7 Minimised"));
+    launcher().click(rowOf(notes));
+    settle();
+    EXPECT_EQ(current(), SpaceID{1});
+    EXPECT_EQ(model().focusedWindowID.value(), notes);
+    EXPECT_FALSE(desktop.window(notes).isMinimized);
+}
+
+// Faults: the list closes with the window; rows change places under the hand; a key that is held
+// closes one window after the other; the key erases text instead, or text keys close windows.
+TEST_F(WindowFinderTest, controlDeleteClosesAndTheRestHoldsStill)
+{
+    open();
+    pressWithControl(KeyCode::forwardDelete);
+    EXPECT_EQ(titles(), "Inbox|*Notes|draft.txt");
+    pressWithControl(KeyCode::forwardDelete, true);
+    key(KeyCode::forwardDelete);
+    EXPECT_EQ(titles(), "Inbox|*Notes|draft.txt");
+    type("in");
+    pressWithControl(KeyCode::backspace);
+    EXPECT_EQ(titles(), "Inbox|*Notes|draft.txt");
+    auto fresh = desktop.open(editor, {.title = "Fresh"});
+    desktop.focus(fresh);
+    settle();
+    EXPECT_EQ(titles(), "Inbox|*Notes|draft.txt|Fresh");
+    launcher().click(rowOf(inbox), PointerButton::middle);
+    settle();
+    EXPECT_EQ(titles(), "*Notes|draft.txt|Fresh");
+    for (int left = 3; left > 0; --left)
+        pressWithControl(KeyCode::forwardDelete);
+    EXPECT_TRUE(says("No open windows"));
+}
+
+// Faults: two panels at once; the button of the bar closes the windows and opens nothing; a second
+// request opens anew.
+TEST_F(WindowFinderTest, itAndTheLauncherTakeEachOthersPlace)
+{
+    open();
+    auto bar = panel().frame();
+    EXPECT_EQ(launcher().frame(), (Rect{bar.x + 5, bar.maxY() + 8, 440, 480}));
+    clickButton();
+    EXPECT_EQ(titles(), "closed");
+    EXPECT_THAT(rows(), StartsWith("*Calendar"));
+    open();
+    EXPECT_EQ(manager().launcherPanel(), nullptr);
+    EXPECT_THAT(titles(), StartsWith("Inbox"));
+    open();
+    EXPECT_FALSE(isOpen());
+}
+
+// Faults: pictures of rows out of sight are taken; a late one is not shown; the icon stays beside
+// the picture; a screen reader hears the title alone.
+TEST_F(WindowFinderTest, showsPicturesAndIsReadAloud)
+{
+    desktop.screenCapture().setCaptures(FakeScreenCapture::Answers::once, seconds(0.3));
+    open();
+    EXPECT_THAT(desktop.screenCapture().capturedWindows(), Contains(inbox));
+    auto pictures = [this] {
+        int count = 0;
+        for (auto& image : launcher().render().drawn<DrawnImage>())
+            count += dynamic_cast<const FakePicture*>(image.image.get()) != nullptr;
+        return count;
+    };
+    EXPECT_EQ(pictures(), 0);
+    desktop.advance(seconds(1));
+    EXPECT_GE(pictures(), 3);
+
+    auto elements = launcher().elements();
+    auto row = std::ranges::find_if(
+        elements, [&](auto* each) { return each->accessibleID() == displayItemID(draft); });
+    ASSERT_NE(row, elements.end());
+    EXPECT_EQ((*row)->accessibleState().name, "Résumé draft, Post, Desktop 1");
+    EXPECT_TRUE((*row)->accessibleState().isSelected);
+    EXPECT_THAT((*row)->accessibleState().actions, ElementsAre("Activate", "Close", "Show Menu"));
+    (*row)->performAccessibleAction(0);
+    settle();
+    EXPECT_EQ(model().focusedWindowID.value(), draft);
+}
+
+}
