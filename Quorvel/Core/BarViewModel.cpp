@@ -60,6 +60,7 @@ BarViewModel::BarViewModel(WindowStore& windowStore, UserSettings& settings,
     , m_calls(platform.accessibility, &m_lateRequests)
     , m_icons(platform.workspace)
     , m_groups(platform.trace)
+    , m_titleNews(platform.text)
 {
     subscribe();
     m_badgeService.start();
@@ -113,6 +114,7 @@ void BarViewModel::publish(std::optional<WindowID> focused)
     if (focused != focusedWindowID.value())
         m_trace.line("published focus id={}", orNil(focused));
     focusedWindowID.set(focused);
+    forgetOldTitles();
     findBundlesWithAttentionWindows();
     auto windows = m_windowStore.windowsBySpace();
     auto changed = std::exchange(m_changedBars, {});
@@ -231,7 +233,23 @@ bool BarViewModel::updateChip(ChipData& chip, const TrackedWindow& window)
     hasChanged |= assign(chip.progress,
         lookUp(m_badgeService.progressByBundleID().value(), window.bundleIdentifier));
     hasChanged |= assign(chip.wantsAttention, wantsAttention(window));
+    hasChanged |= assign(chip.hasNews, hasNews(window));
     return hasChanged;
+}
+
+/// They cost something only while they are wanted.
+void BarViewModel::forgetOldTitles()
+{
+    m_titleNews.keepIf([this](WindowID id) {
+        return m_settings.marksTitleNews() && m_windowStore.window(id) != nullptr;
+    });
+}
+
+bool BarViewModel::hasNews(const TrackedWindow& window)
+{
+    return m_settings.marksTitleNews()
+        && m_titleNews.update(
+            window.windowID, window.windowTitle, focusedWindowID.value() == window.windowID);
 }
 
 void BarViewModel::updateSummaries(const std::set<SpaceID>& changed)

@@ -14,6 +14,7 @@
 #include "Quorvel/Core/ChipsBySpace.h"
 #include "Quorvel/Core/DisplayItem.h"
 #include "Quorvel/Core/GroupWalk.h"
+#include "Quorvel/Core/TitleNews.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Platform/Published.h"
@@ -142,6 +143,8 @@ private:
     std::vector<DisplayItem> makeItems(SpaceID, const std::vector<ChipData>&);
     void findBundlesWithAttentionWindows();
     bool wantsAttention(const TrackedWindow&) const;
+    void forgetOldTitles();
+    bool hasNews(const TrackedWindow&);
 
     /// One of several screens, and whether it takes the windows that touch none.
     struct ScreenFilter {
@@ -190,6 +193,7 @@ private:
     ChipOrder m_order;
     ChipGroups m_groups;
     GroupWalk m_walk;
+    TitleNews m_titleNews; ///< of no window while that is not wanted
     bool m_isGrouped = false; ///< as of the last items
     bool m_areItemsStale = false;
     std::map<SpaceID, std::vector<Rect>>

@@ -34,6 +34,7 @@ void summarize(GroupedChipData& group, const std::vector<const ChipData*>& chips
     // Where windows ask for themselves, one that asks is enough.
     auto asking = std::ranges::find_if(chips, &ChipData::wantsAttention);
     group.wantsAttention = asking != chips.end();
+    group.hasNews = std::ranges::any_of(chips, &ChipData::hasNews);
     group.attentionWindow = asking == chips.end() ? std::nullopt : std::optional{(*asking)->id};
 }
 
@@ -45,6 +46,11 @@ bool isFocused(const DisplayItem& item)
 bool wantsAttention(const DisplayItem& item)
 {
     return std::visit([](auto& data) { return data.wantsAttention; }, item);
+}
+
+bool hasNews(const DisplayItem& item)
+{
+    return std::visit([](auto& data) { return data.hasNews; }, item);
 }
 
 }

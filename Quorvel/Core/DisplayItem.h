@@ -21,6 +21,7 @@ struct ChipData {
     bool isMinimized = false;
     std::optional<std::string> badge;
     bool wantsAttention = false;
+    bool hasNews = false; ///< in its title, since it was last in front
     /// From 0 to 1.
     std::optional<double> progress;
 
@@ -43,6 +44,7 @@ struct GroupedChipData {
     bool wantsAttention = false;
     /// The first of them that asks for attention; absent if none does.
     std::optional<WindowID> attentionWindow{};
+    bool hasNews = false; ///< one of them has
     std::optional<double> progress;
 
     friend bool operator==(const GroupedChipData&, const GroupedChipData&) = default;
@@ -62,5 +64,6 @@ std::string displayItemID(const DisplayItem&);
 void summarize(GroupedChipData&, const std::vector<const ChipData*>& chips);
 bool isFocused(const DisplayItem&);
 bool wantsAttention(const DisplayItem&);
+bool hasNews(const DisplayItem&);
 
 }

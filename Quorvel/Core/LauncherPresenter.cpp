@@ -22,8 +22,7 @@ LauncherPresenter::~LauncherPresenter() = default;
 std::unique_ptr<LauncherPanel> LauncherPresenter::makePanel(const Bar& anchor, LauncherKind kind)
 {
     auto onDismiss = [this](auto dismissal) { dismissed(dismissal); };
-    PanelOptions options{
-        .display = anchor.display(), .title = {}, .kind = PanelKind::launcher};
+    PanelOptions options{.display = anchor.display(), .title = {}, .kind = PanelKind::launcher};
     if (kind == LauncherKind::applications) {
         options.title = tr("Applications");
         return m_factory.makeLauncher(options,

@@ -100,7 +100,10 @@ SettingsPage appearancePage(const SettingsFacts& facts)
         .help = {},
         .rows = {toggle("groupWindowsByApp", tr("Group windows by application"),
                      data.groupWindowsByApp, tr("All windows of an application share one place.")),
-            toggle("showChipTitles", tr("Show titles"), data.showChipTitles), std::move(names)}};
+            toggle("showChipTitles", tr("Show titles"), data.showChipTitles), std::move(names),
+            toggle("markTitleNews", tr("Mark new titles"), *data.more.withDefaults().markTitleNews,
+                tr("A dot shows that a window's title has changed since you were last there. "
+                   "Numbers that count do not matter."))}};
     return {"appearance", tr("Appearance"), "preferences-desktop-appearance-symbolic",
         {std::move(bar), std::move(windows)}};
 }

@@ -92,6 +92,8 @@ public:
 
     bool numberKeys() const { return *value().more.withDefaults().numberKeys; }
     void setNumberKeys(bool isOn) { set(&MoreSettings::numberKeys, std::optional{isOn}); }
+    bool marksTitleNews() const { return value().more.markTitleNews.value_or(false); }
+    void setMarksTitleNews(bool isOn) { set(&MoreSettings::markTitleNews, std::optional{isOn}); }
     std::optional<std::uint32_t> numberKeyModifiers() const
     {
         return value().more.numberKeyModifiers;

@@ -18,6 +18,7 @@ namespace quorvel {
 struct MoreSettings {
     std::optional<bool> numberKeys{}; ///< shortcuts with the keys 1 to 9 for what is on the bar
     std::optional<std::uint32_t> numberKeyModifiers{}; ///< absent: those that the host offers
+    std::optional<bool> markTitleNews{}; ///< a dot on chips whose title has changed unseen
     /// The shortcut of the list of windows; without one of the two there is none.
     std::optional<std::uint32_t> findKeyCode{};
     std::optional<std::uint32_t> findModifiers{};
@@ -27,6 +28,7 @@ struct MoreSettings {
     {
         auto more = *this;
         more.numberKeys = numberKeys.value_or(false);
+        more.markTitleNews = markTitleNews.value_or(false);
         return more;
     }
 
@@ -35,6 +37,7 @@ struct MoreSettings {
     {
         visit("numberKeys", more.numberKeys);
         visit("numberKeyModifiers", more.numberKeyModifiers);
+        visit("markTitleNews", more.markTitleNews);
         visit("findKeyCode", more.findKeyCode);
         visit("findModifiers", more.findModifiers);
     }

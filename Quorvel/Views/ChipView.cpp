@@ -1,6 +1,7 @@
 #include "Quorvel/Views/ChipView.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <utility>
 
@@ -23,6 +24,8 @@ struct ChipViewStyle {
     static constexpr double badgeHeight = 0.62; ///< share of the icon's size
     static constexpr double badgeOverhang = 0.3; ///< share of the badge's height
     static constexpr double badgeMaximumWidth = 2.4; ///< of the badge's height
+    static constexpr double newsSize = 0.3; ///< share of the icon's size
+    static constexpr double newsEdge = 1.5; ///< between the dot and what it lies on
     static constexpr double pillTextSize = 0.76; ///< share of the pill's height
     static constexpr double pillPadding = 0.3; ///< share of the pill's height
     static constexpr double attentionRest = 0.25; ///< strength at the weakest of a pulse
@@ -159,6 +162,8 @@ AccessibleState ChipView::accessibleState() const
         state.name += ", " + tr("minimised");
     if (isFocused(m_item))
         state.name += ", " + tr("focused");
+    if (hasNews(m_item))
+        state.name += ", " + tr("new title");
     if (wantsAttention(m_item))
         state.name += ", " + tr("wants attention");
     return state;
@@ -224,6 +229,15 @@ Rect ChipView::badgeRect(const Rect& icon) const
     return {std::max(0.0, x), icon.y - overhang, width, height};
 }
 
+/// On the icon's lower leading corner: the others have the badge, or the count of a group.
+Rect ChipView::newsRect(const Rect& icon) const
+{
+    if (!hasNews(m_item))
+        return {};
+    double side = std::max(5.0, std::round(metrics().iconSize * ChipViewStyle::newsSize));
+    return {std::max(0.0, icon.x - side / 3), icon.maxY() - side * 2 / 3, side, side};
+}
+
 ChipView::Parts ChipView::parts() const
 {
     Parts parts;
@@ -251,8 +265,9 @@ ChipView::Parts ChipView::parts() const
     if (pill == 0)
         parts.count = {};
     parts.badge = badgeRect(parts.icon);
+    parts.news = newsRect(parts.icon);
     if (isRightToLeft()) {
-        for (auto* part : {&parts.icon, &parts.title, &parts.count, &parts.badge})
+        for (auto* part : {&parts.icon, &parts.title, &parts.count, &parts.badge, &parts.news})
             part->x = face.width - part->maxX();
     }
     double mark = face.width * ChipViewStyle::focusMarkWidth;
@@ -332,6 +347,11 @@ void ChipView::paintItem(Canvas& canvas) const
         auto& badge = fieldOf(
             m_item, [](auto& data) -> auto& { return data.badge; });
         paintPill(canvas, layout.badge, *badge, colors.badge, colors.badgeText);
+    }
+    if (!layout.news.isEmpty()) {
+        auto edge = layout.news.inset(-ChipViewStyle::newsEdge, -ChipViewStyle::newsEdge);
+        canvas.fillRounded(edge, edge.height / 2, colors.ground);
+        canvas.fillRounded(layout.news, layout.news.height / 2, colors.accent);
     }
     if (isFocused(m_item))
         canvas.fillRounded(layout.focusMark, ChipViewStyle::focusMarkHeight / 2, colors.accent);

@@ -59,6 +59,7 @@ private:
         Rect title; ///< empty where there is no room for one
         Rect count; ///< empty for a single window
         Rect badge; ///< empty if there is none
+        Rect news; ///< a dot; empty if there is none
         Rect focusMark;
     };
 
@@ -78,6 +79,7 @@ private:
     void paintPill(Canvas&, const Rect&, std::string_view, const Color& fill, const Color&) const;
     Parts parts() const;
     Rect badgeRect(const Rect& icon) const;
+    Rect newsRect(const Rect& icon) const;
     double pillWidth(std::string_view, double height) const;
     double countWidth() const;
     double countHeight() const;
