@@ -22,10 +22,17 @@ To the running bar:
   --get [FIELD]    print its settings, or one of them, as JSON
   --set FIELD=VALUE
                    change a setting: VALUE is JSON or plain text; null clears
-                   hotkeyKeyCode, hotkeyModifiers, numberKeyModifiers
+                   hotkeyKeyCode, hotkeyModifiers, findKeyCode, findModifiers and
+                   others
   --launcher       open the list of applications, or close it
   --find           open the list of windows, to go to one, or close it
   --settings       open the settings
+  --explain WINDOW
+                   say why a window has a chip or none, and which application it
+                   was matched to: by its number or its number in hex, or focused
+  --match WINDOW [APPLICATION]
+                   match windows like this one to an installed application, named
+                   by its desktop file; without one, as before
   --focus          give it the keyboard: arrows, Return, Menu, Escape
   --quit           end it
 
@@ -41,21 +48,36 @@ ControlReply mistake(const std::string& text)
 bool isRequest(std::string_view argument)
 {
     return argument == "--state" || argument == "--quit" || argument == "--focus"
-        || argument == "--launcher" || argument == "--find" || argument == "--settings"
-        || argument == "--get" || argument == "--set";
+        || argument == "--explain" || argument == "--match" || argument == "--launcher"
+        || argument == "--find" || argument == "--settings" || argument == "--get"
+        || argument == "--set";
 }
 
 /// Whether the argument belongs to the request before it.
 bool continues(const std::vector<std::string>& request, std::string_view argument)
 {
-    return request.size() == 1
-        && (request[0] == "--set" || (request[0] == "--get" && !argument.starts_with('-')));
+    if (request.empty())
+        return false;
+    auto& name = request[0];
+    if (request.size() == 1 && (name == "--set" || name == "--explain" || name == "--match"))
+        return true;
+    bool mayFollow
+        = (request.size() == 1 && name == "--get") || (request.size() == 2 && name == "--match");
+    return mayFollow && !argument.starts_with('-');
 }
 
-bool isComplete(const std::vector<std::string>& request)
+/// What a request lacks; empty if nothing.
+std::string_view lacking(const std::vector<std::string>& request)
 {
-    return request.empty() || request[0] != "--set"
-        || (request.size() == 2 && request[1].find('=') != std::string::npos);
+    if (request.empty())
+        return {};
+    if (request[0] == "--set" && (request.size() < 2 || request[1].find('=') == std::string::npos))
+        return "--set takes FIELD=VALUE";
+    if (request[0] == "--explain" && request.size() < 2)
+        return "--explain takes a window";
+    if (request[0] == "--match" && request.size() < 2)
+        return "--match takes a window";
+    return {};
 }
 
 /// What a rehearsal begins with: of "--show-permissions-gate=accessibility,screen-recording" the
@@ -113,8 +135,8 @@ std::variant<CommandLine, ControlReply> CommandLine::parse(
             return mistake("unexpected argument '" + argument + "'");
         }
     }
-    if (!isComplete(line.request))
-        return mistake("--set takes FIELD=VALUE");
+    if (auto problem = lacking(line.request); !problem.empty())
+        return mistake(std::string{problem});
     if (line.action == Action::ask && (line.replace || line.traceFile || line.permissionsRehearsal))
         return mistake(line.request.front() + " goes alone");
     return line;

@@ -14,6 +14,7 @@
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Accessibility.h"
 #include "Quorvel/Platform/Application.h"
+#include "Quorvel/Platform/ApplicationMatching.h"
 #include "Quorvel/Platform/ControlChannel.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/ScreenCapture.h"
@@ -24,6 +25,7 @@
 #include "Quorvel/StateReport.h"
 #include "Quorvel/Views/BarViews.h"
 #include "Quorvel/Views/PermissionsGateWindowController.h"
+#include "Quorvel/WindowExplanation.h"
 
 namespace quorvel {
 
@@ -288,6 +290,7 @@ void QuorvelApp::startMainRuntime(Application& app)
     if (auto* updater = UpdaterService::shared())
         updater->start();
     runtime.m_lastBootstrap.clear();
+    followMendedMatches(runtime);
     // The bar must have windows before its first layout.
     runtime.windowStore().populate();
     runtime.m_barViews = std::make_unique<BarViews>(platform);
@@ -306,6 +309,17 @@ void QuorvelApp::startMainRuntime(Application& app)
     bootstrapFrontmost(runtime);
 }
 
+void QuorvelApp::followMendedMatches(Runtime& runtime)
+{
+    auto* matching = runtime.m_platform.applicationMatching;
+    if (!matching)
+        return;
+    matching->setMended(runtime.userSettings().mendedMatches());
+    runtime.keep(runtime.userSettings().data().subscribe([matching](const UserSettingsData& data) {
+        matching->setMended(data.more.mendedMatches.value_or(ApplicationMatching::Mended{}));
+    }));
+}
+
 void QuorvelApp::end(Runtime& runtime)
 {
     if (runtime.m_barManager)
@@ -320,9 +334,10 @@ void QuorvelApp::wireShortcuts(Runtime& runtime)
     auto& hotkeys = HotkeyManager::shared();
     hotkeys.onHotkeyPressed = [&runtime] { runtime.m_barManager->toggleAppLauncher(); };
     auto& findHotkeys = runtime.findHotkeyManager();
-    findHotkeys.onHotkeyPressed
-        = [&runtime] { runtime.m_barManager->toggleAppLauncher(
-              BarManager::LauncherCaller::thisProgram, LauncherKind::windows); };
+    findHotkeys.onHotkeyPressed = [&runtime] {
+        runtime.m_barManager->toggleAppLauncher(
+            BarManager::LauncherCaller::thisProgram, LauncherKind::windows);
+    };
     runtime.m_numberKeys = std::make_unique<NumberKeys>(runtime.m_platform.hotkeys,
         std::vector<const HotkeyManager*>{&hotkeys, &findHotkeys}, runtime.userSettings(),
         runtime.m_platform.dispatch);
@@ -489,15 +504,20 @@ void QuorvelApp::answerRequests(Runtime& runtime)
             }
             if (isSettingsRequest(arguments))
                 return answerSettingsRequest(runtime.userSettings(), arguments);
+            bool asksForWindow = WindowExplanation::isRequest(arguments);
             bool asksForFocus = arguments == std::vector<std::string>{"--focus"};
             bool asksForLauncher = arguments == std::vector<std::string>{"--launcher"};
             bool asksForWindows = arguments == std::vector<std::string>{"--find"};
             bool asksForSettings = arguments == std::vector<std::string>{"--settings"};
-            if (!asksForFocus && !asksForLauncher && !asksForWindows && !asksForSettings
-                && arguments != std::vector<std::string>{"--state"})
+            if (!asksForWindow && !asksForFocus && !asksForLauncher && !asksForWindows
+                && !asksForSettings && arguments != std::vector<std::string>{"--state"})
                 return {1, "", "quorvel: the running bar does not know this request\n"};
             if (!runtime.barManager())
                 return {1, "", "quorvel: the bar is waiting for permissions\n"};
+            if (asksForWindow)
+                return WindowExplanation(runtime.m_platform, runtime.windowStore(),
+                    runtime.barManager()->viewModel(), runtime.userSettings())
+                    .answer(arguments);
             if (asksForFocus)
                 return answerFocusRequest(*runtime.barManager());
             if (asksForLauncher || asksForWindows)

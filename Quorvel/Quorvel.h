@@ -116,6 +116,7 @@ private:
     static void answerRequests(Runtime&);
     static void bootstrap(Runtime&, ProcessID);
     static void bootstrapUnlessTriedJustNow(Runtime&, ProcessID);
+    static void followMendedMatches(Runtime&);
     static void end(Runtime&);
     static void bootstrapFrontmost(Runtime&);
     static void applicationDidActivate(Runtime&, const RunningApplication&);

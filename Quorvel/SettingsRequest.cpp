@@ -59,6 +59,8 @@ std::string expectation(std::string_view name)
             expected = "true, false or null";
         else if constexpr (std::is_same_v<Field, std::string>)
             expected = fmt::format("one of {}", fmt::join(choices(name), ", "));
+        else if constexpr (std::is_same_v<Field, std::optional<std::map<std::string, std::string>>>)
+            expected = "an object of texts, or null";
         else
             expected = fmt::format(
                 "a whole number from 0 to {}, or null", std::numeric_limits<std::uint32_t>::max());

@@ -108,7 +108,7 @@ TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
     UserSettingsData::forEachSetting(
         settings->data().value(), [&](const char* name, auto&) { fields.insert(name); });
     for (auto* elsewhere : {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers",
-             "numberKeyModifiers", "findKeyCode", "findModifiers"})
+             "numberKeyModifiers", "findKeyCode", "findModifiers", "mendedMatches"})
         EXPECT_EQ(fields.erase(elsewhere), 1U);
     for (auto& field : fields) {
         SCOPED_TRACE(field);
@@ -417,4 +417,5 @@ TEST_F(SettingsModelTest, theDescriptionAndTheChangesCrossAsTheyAre)
              R"({"ask":false})"})
         EXPECT_FALSE(decodeSettingsRequest(nonsense)) << nonsense;
 }
+
 }

@@ -103,6 +103,7 @@ int runBar(Display display, const CommandLine& line, ControlChannel& control, Tr
             .trace = trace,
             .hotkeys = &surfaces.hotkeys(),
             .settingsWindow = &settingsWindow,
+            .applicationMatching = &desktop.applicationMatching(),
         },
         line.permissionsRehearsal);
 }

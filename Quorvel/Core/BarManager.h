@@ -81,8 +81,8 @@ public:
         anotherProgram, ///< on a shortcut of its own, perhaps
     };
     /// Opens it where the pointer is, or closes it. False if there is no bar to open it from.
-    bool toggleAppLauncher(LauncherCaller = LauncherCaller::thisProgram,
-        LauncherKind = LauncherKind::applications);
+    bool toggleAppLauncher(
+        LauncherCaller = LauncherCaller::thisProgram, LauncherKind = LauncherKind::applications);
     /// An item of the bar where the pointer is, by its place in the row from 0.
     void useItem(std::size_t place, ItemUse);
     /// While something else needs the keyboard, a bar does not take it when the pointer enters.

@@ -92,6 +92,16 @@ public:
 
     bool numberKeys() const { return *value().more.withDefaults().numberKeys; }
     void setNumberKeys(bool isOn) { set(&MoreSettings::numberKeys, std::optional{isOn}); }
+    std::map<std::string, std::string> mendedMatches() const
+    {
+        return value().more.mendedMatches.value_or(std::map<std::string, std::string>{});
+    }
+    /// None leaves no trace in the file.
+    void setMendedMatches(std::map<std::string, std::string> matches)
+    {
+        auto wanted = matches.empty() ? std::nullopt : std::optional{std::move(matches)};
+        set(&MoreSettings::mendedMatches, std::move(wanted));
+    }
     bool marksTitleNews() const { return value().more.markTitleNews.value_or(false); }
     void setMarksTitleNews(bool isOn) { set(&MoreSettings::markTitleNews, std::optional{isOn}); }
     std::optional<std::uint32_t> numberKeyModifiers() const

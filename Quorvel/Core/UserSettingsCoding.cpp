@@ -77,6 +77,19 @@ template <std::integral Integer> bool read(const Json& json, Integer& into)
     return true;
 }
 
+bool read(const Json& json, std::map<std::string, std::string>& into)
+{
+    if (!json.is_object())
+        return false;
+    std::map<std::string, std::string> texts;
+    for (auto& [name, value] : json.items()) {
+        if (!read(value, texts[name]))
+            return false;
+    }
+    into = std::move(texts);
+    return true;
+}
+
 template <typename Value> bool read(const Json& json, std::optional<Value>& into)
 {
     if (json.is_null()) {

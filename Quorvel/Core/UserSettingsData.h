@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +20,8 @@ struct MoreSettings {
     std::optional<bool> numberKeys{}; ///< shortcuts with the keys 1 to 9 for what is on the bar
     std::optional<std::uint32_t> numberKeyModifiers{}; ///< absent: those that the host offers
     std::optional<bool> markTitleNews{}; ///< a dot on chips whose title has changed unseen
+    /// The application that the user has chosen for windows, by what the host knows them by.
+    std::optional<std::map<std::string, std::string>> mendedMatches{};
     /// The shortcut of the list of windows; without one of the two there is none.
     std::optional<std::uint32_t> findKeyCode{};
     std::optional<std::uint32_t> findModifiers{};
@@ -38,6 +41,7 @@ struct MoreSettings {
         visit("numberKeys", more.numberKeys);
         visit("numberKeyModifiers", more.numberKeyModifiers);
         visit("markTitleNews", more.markTitleNews);
+        visit("mendedMatches", more.mendedMatches);
         visit("findKeyCode", more.findKeyCode);
         visit("findModifiers", more.findModifiers);
     }

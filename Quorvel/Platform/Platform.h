@@ -4,6 +4,7 @@ namespace quorvel {
 
 class Accessibility;
 class Application;
+class ApplicationMatching;
 class Bundles;
 class ControlChannel;
 class Dispatch;
@@ -61,6 +62,7 @@ struct Platform {
     Updater* updater = nullptr; ///< null where the program is updated by other means
     Hotkeys* hotkeys = nullptr; ///< null where the system has no shortcuts for all programs
     SettingsWindow* settingsWindow = nullptr; ///< null where there is none
+    ApplicationMatching* applicationMatching = nullptr; ///< null where windows need no matching
 };
 
 }

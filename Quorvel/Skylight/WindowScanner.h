@@ -10,6 +10,7 @@
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Trace.h"
 #include "Quorvel/Skylight/AXCalls.h"
+#include "Quorvel/Skylight/ChipRule.h"
 #include "Quorvel/Skylight/Minimal.h"
 #include "Quorvel/Skylight/SpaceWindows.h"
 
@@ -94,6 +95,9 @@ public:
     PIDWindowScan scan(ProcessID, const Moment&);
     PIDWindowScan scanWindows(ProcessID pid) { return scan(pid, lookAt({pid})); }
 
+    /// What a scan finds of this window: each rule that it meets, and the first that it does not.
+    std::vector<ChipRuleAnswer> judge(const CGWindowInfo&);
+
     /// The map, and whether "AXWindows" could be read.
     std::pair<AXWindowMetadataByID, bool> copyAXWindowMetadataByID(ProcessID);
     AXWindowMetadata readMetadata(ProcessID, const AXElement&);
@@ -108,6 +112,7 @@ private:
     std::optional<std::string> readTitleFromAX(ProcessID, WindowID);
     std::optional<std::string> bundleIdentifier(ProcessID) const;
     void logRejection(const CGWindowInfo&, const std::string& reason) const;
+    std::vector<ChipRuleAnswer> judgeOwner(const CGWindowInfo&) const;
     bool admit(const CGWindowInfo&, const AXWindowMetadataByID&, bool hasAXWindowList,
         const Moment&, PIDWindowScan&);
 

@@ -8,6 +8,7 @@
 #include "Quorvel/Platform/Trace.h"
 #include "Tests/Support/DesktopModel.h"
 #include "Tests/Support/FakeAccessibility.h"
+#include "Tests/Support/FakeApplicationMatching.h"
 #include "Tests/Support/FakeBundles.h"
 #include "Tests/Support/FakeDisplays.h"
 #include "Tests/Support/FakeDock.h"
@@ -85,6 +86,7 @@ public:
     FakeHotkeys& hotkeys() { return m_hotkeys; }
     FakeLaunchServices& launchServices() { return m_launchServices; }
     FakeDock& dock() { return m_dock; }
+    FakeApplicationMatching& applicationMatching() { return m_applicationMatching; }
     FakeUpdater& updater() { return m_updater; }
     FakeSettingsWindow& settingsWindow() { return m_settingsWindow; }
     /// As on a system that has neither a Dock nor a framework for updates.
@@ -174,6 +176,7 @@ private:
     FakeLaunchServices m_launchServices{m_dispatch};
     FakeDock m_dock;
     FakeUpdater m_updater;
+    FakeApplicationMatching m_applicationMatching;
     Trace m_trace;
     std::int32_t m_nextPID = 501;
     std::uint32_t m_nextWindow = 1001;

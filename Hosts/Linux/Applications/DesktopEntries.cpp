@@ -1,6 +1,7 @@
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Hosts/Linux/Applications/DesktopEntryIndex.h"
 #include "Hosts/Linux/Applications/FolderMonitors.h"
@@ -33,10 +34,23 @@ DesktopEntries::DesktopEntries(Dispatch& dispatch)
 
 DesktopEntries::~DesktopEntries() = default;
 
-std::string DesktopEntries::bundleIdentifier(const WindowIdentity& window) const
+DesktopEntries::Match DesktopEntries::match(const WindowIdentity& window) const
 {
-    const auto* entry = matchingEntry(index(), window);
-    return entry ? std::string{entry->id()} : identifierWithoutEntry(window);
+    if (!m_mended.empty()) {
+        const auto mended = m_mended.find(matchKey(window));
+        const auto* entry = mended == m_mended.end() ? nullptr : index().withId(mended->second);
+        if (entry)
+            return {std::string{entry->id()}, "the user's own match"};
+    }
+    const auto found = matchEntry(index(), window);
+    return {
+        found.entry ? std::string{found.entry->id()} : identifierWithoutEntry(window), found.road};
+}
+
+bool DesktopEntries::setMended(std::map<std::string, std::string> mended)
+{
+    mended.erase(""); // of windows that have nothing in common
+    return std::exchange(m_mended, mended) != mended;
 }
 
 std::optional<std::string> DesktopEntries::path(std::string_view bundleIdentifier) const

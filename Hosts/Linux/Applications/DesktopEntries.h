@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,8 +32,20 @@ public:
     DesktopEntries(const DesktopEntries&) = delete;
     DesktopEntries& operator=(const DesktopEntries&) = delete;
 
-    /// The installed application, else a name derived from the window; never empty.
-    std::string bundleIdentifier(const WindowIdentity&) const;
+    /// Which application a window belongs to, and by what that was found.
+    struct Match {
+        std::string bundleIdentifier; ///< of an installed one, else derived from the window
+        std::string_view road;
+    };
+    Match match(const WindowIdentity&) const;
+    /// The same without the road; never empty.
+    std::string bundleIdentifier(const WindowIdentity& window) const
+    {
+        return match(window).bundleIdentifier;
+    }
+    /// Applications that the user has chosen, by the key of the windows. They come before all other
+    /// roads where they are installed. False if nothing changes.
+    bool setMended(std::map<std::string, std::string>);
 
     /// The desktop file; absent for an application that has none.
     std::optional<std::string> path(std::string_view bundleIdentifier) const;
@@ -61,6 +74,7 @@ private:
     const std::function<void(std::string_view path)> m_fileDidChange;
     mutable std::unique_ptr<DesktopEntryIndex> m_index; ///< null until needed, or outdated
     mutable std::unique_ptr<FolderMonitors> m_watch; ///< null until something was asked
+    std::map<std::string, std::string> m_mended;
     std::optional<Instant> m_changingSince;
     WorkItem m_refresh;
 };

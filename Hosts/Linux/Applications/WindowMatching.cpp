@@ -165,14 +165,38 @@ std::string lowerCase(std::string text)
 
 }
 
-const Entry* matchingEntry(const DesktopEntryIndex& index, const WindowIdentity& window)
+EntryMatch matchEntry(const DesktopEntryIndex& index, const WindowIdentity& window)
 {
-    for (const auto rule : {byApplicationId, byOwnInstance, byClass, byInstance, bySimilarName,
-             byCommand, byShapeOfName, byJavaPackage, byExecutable}) {
-        if (const auto* entry = rule(index, window))
-            return entry;
+    struct Rule {
+        const Entry* (*find)(const DesktopEntryIndex&, const WindowIdentity&);
+        std::string_view road;
+    };
+    static constexpr Rule rules[] = {
+        {byApplicationId, "application id (_GTK_APPLICATION_ID)"},
+        {byOwnInstance, "StartupWMClass, by the instance (WM_CLASS)"},
+        {byClass, "name of the file or StartupWMClass, by the class (WM_CLASS)"},
+        {byInstance, "name of the file, by the instance (WM_CLASS)"},
+        {bySimilarName, "name of the file or StartupWMClass, in other letter case"},
+        {byCommand, "program that the file starts, by class or instance"},
+        {byShapeOfName, "name of the file, written another way"},
+        {byJavaPackage, "package of a Java class"},
+        {byExecutable, "program that the file starts, by the executable"},
+    };
+    for (const auto& rule : rules) {
+        if (const auto* entry = rule.find(index, window))
+            return {entry, rule.road};
     }
-    return nullptr;
+    return {};
+}
+
+std::string matchKey(const WindowIdentity& window)
+{
+    const auto name = tidied(window.wmClass);
+    const auto instance = tidied(window.wmInstance);
+    if (!name.empty() || !instance.empty())
+        return "class:" + instance + "." + name;
+    const auto executable = tidied(window.executableName.value_or(""));
+    return executable.empty() ? std::string{} : "executable:" + executable;
 }
 
 std::string identifierWithoutEntry(const WindowIdentity& window)

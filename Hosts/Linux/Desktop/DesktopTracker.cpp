@@ -114,6 +114,14 @@ ProcessID DesktopTracker::assign(WindowID id, const WindowOrigin& origin)
     return pair.pid;
 }
 
+std::optional<WindowIdentity> DesktopTracker::identityOf(WindowID id) const
+{
+    auto known = m_known.find(id);
+    if (known == m_known.end())
+        return std::nullopt;
+    return ProcessTable::identityOf(id, known->second.present());
+}
+
 void DesktopTracker::reassign(WindowID id)
 {
     auto record = recordOf(id);

@@ -35,6 +35,10 @@ public:
     /// A lost focus may be accepted only later: `deadline` says when to report it again.
     void setActive(const FocusTracker::Active&);
     void setFrontToBack(std::vector<WindowID>);
+    /// What the window says of its application; absent if it is not there.
+    std::optional<WindowIdentity> identityOf(WindowID) const;
+    /// Finds the application of every window anew.
+    void matchAnew() { entriesDidChange(); }
     /// The window has new pictures of itself.
     void iconDidChange(WindowID);
     /// The display server is being asked to activate this window, or to take the focus from one.

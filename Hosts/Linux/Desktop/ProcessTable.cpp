@@ -7,7 +7,6 @@
 #include <fmt/format.h>
 
 #include "Hosts/Linux/Applications/DesktopEntries.h"
-#include "Hosts/Linux/Applications/WindowIdentity.h"
 
 namespace quorvel::xdg {
 
@@ -34,7 +33,7 @@ ProcessTable::ProcessTable(Dispatch& dispatch, const DesktopEntries& entries)
 {
 }
 
-std::string ProcessTable::bundleIdentifierOf(WindowID window, const WindowOrigin& origin) const
+WindowIdentity ProcessTable::identityOf(WindowID window, const WindowOrigin& origin)
 {
     WindowIdentity identity;
     identity.gtkApplicationId = origin.applicationID;
@@ -43,7 +42,12 @@ std::string ProcessTable::bundleIdentifierOf(WindowID window, const WindowOrigin
     if (origin.process)
         identity.executableName = executableOf(*origin.process);
     identity.number = raw(window);
-    return m_entries.bundleIdentifier(identity);
+    return identity;
+}
+
+std::string ProcessTable::bundleIdentifierOf(WindowID window, const WindowOrigin& origin) const
+{
+    return m_entries.bundleIdentifier(identityOf(window, origin));
 }
 
 ProcessTable::Pair& ProcessTable::pairFor(

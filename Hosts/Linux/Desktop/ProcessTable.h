@@ -9,6 +9,7 @@
 #include <tuple>
 #include <vector>
 
+#include "Hosts/Linux/Applications/WindowIdentity.h"
 #include "Hosts/Linux/Desktop/ProcessEnd.h"
 #include "Hosts/Linux/Desktop/WindowOrigin.h"
 #include "Quorvel/Platform/Dispatch.h"
@@ -41,6 +42,8 @@ public:
 
     ProcessTable(Dispatch&, const DesktopEntries&);
 
+    /// What the window says of its application.
+    static WindowIdentity identityOf(WindowID, const WindowOrigin&);
     /// The application of the window; the same for every window of one class and process.
     std::string bundleIdentifierOf(WindowID, const WindowOrigin&) const;
 

@@ -5,6 +5,7 @@
 #include "Hosts/Linux/Applications/LauncherBus.h"
 #include "Hosts/Linux/Desktop/DesktopAccessibility.h"
 #include "Hosts/Linux/Desktop/DesktopLaunchServices.h"
+#include "Hosts/Linux/Desktop/DesktopMatching.h"
 #include "Hosts/Linux/Desktop/DesktopTracker.h"
 #include "Hosts/Linux/Desktop/DesktopWindowServer.h"
 #include "Hosts/Linux/Desktop/DesktopWorkspace.h"
@@ -33,6 +34,7 @@ struct DesktopServices::Parts {
         , windowServer(model, tracker, requests, environment)
         , displays(monitors, mirror)
         , workspace(model, tracker, requests, tokens, windowIcons, entries, icons)
+        , matching(tracker, entries)
         , launchServices(model)
         , launcherBus(launchServices.entries(), entries,
               [this] { launchServices.answersMayHaveChanged.emit(); })
@@ -61,6 +63,7 @@ struct DesktopServices::Parts {
     DesktopWindowServer windowServer;
     X11Displays displays;
     DesktopWorkspace workspace;
+    DesktopMatching matching;
     DesktopLaunchServices launchServices;
     LauncherBus launcherBus;
     Subscription attentionChanged;
@@ -99,6 +102,10 @@ Workspace& DesktopServices::workspace()
 LaunchServices& DesktopServices::launchServices()
 {
     return m_parts->launchServices;
+}
+ApplicationMatching& DesktopServices::applicationMatching()
+{
+    return m_parts->matching;
 }
 LaunchTokens& DesktopServices::launchTokens()
 {

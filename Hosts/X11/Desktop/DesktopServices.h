@@ -4,6 +4,7 @@
 
 namespace quorvel {
 class Accessibility;
+class ApplicationMatching;
 class Dispatch;
 class Displays;
 class LaunchServices;
@@ -39,6 +40,7 @@ public:
     Displays& displays();
     Workspace& workspace();
     LaunchServices& launchServices();
+    ApplicationMatching& applicationMatching();
     LaunchTokens& launchTokens();
 
 private:
