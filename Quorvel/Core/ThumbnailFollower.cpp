@@ -85,7 +85,10 @@ void ThumbnailFollower::captureEnded(
     const auto now = m_captures->dispatch().now();
     const auto id = *std::exchange(m_capturing, std::nullopt);
     auto& window = *followed(id);
-    m_restsUntil = now + (now - window.lastCapture) * kRest;
+    const auto took = now - window.lastCapture;
+    const auto most = std::chrono::duration_cast<Duration>(window.cost * kDearer);
+    window.cost = window.cost > Duration::zero() ? std::min(took, most) : took;
+    m_restsUntil = now + window.cost * kRest;
     if (!window.watch)
         window.due = now + kPollInterval;
     schedule();

@@ -14,7 +14,7 @@ namespace quorvel {
 /// tells, else all of them every second. Main thread.
 ///
 /// It captures one window at a time, the one that has waited longest, and then rests for several
-/// times as long as that took. So what it costs is bounded by a share of the time, whatever the
+/// times as long as that takes. So what it costs is bounded by a share of the time, whatever the
 /// machine, and however many and large the windows are: more windows are captured less often.
 class ThumbnailFollower {
 public:
@@ -26,6 +26,9 @@ public:
     static constexpr Duration kSettleTime = seconds(0.1);
     /// How many times as long as a capture the rest is that follows it.
     static constexpr int kRest = 14;
+    /// Where other programs keep the machine busy, a capture takes longer than it costs: it counts
+    /// for at most so many times the one before.
+    static constexpr double kDearer = 1.25;
     /// A capture that is not answered in this time has failed.
     static constexpr Duration kCaptureTimeout = seconds(2);
 
@@ -40,6 +43,7 @@ private:
         std::optional<Subscription> watch;
         std::optional<Instant> due; ///< absent: nothing has changed
         Instant lastCapture{};
+        Duration cost{}; ///< what one capture takes; zero: not known yet
     };
 
     void windowDrew(WindowID);
