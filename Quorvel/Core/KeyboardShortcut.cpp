@@ -11,6 +11,7 @@
 #include "Quorvel/Platform/Hotkeys.h"
 #include "Quorvel/Platform/KeyEvent.h"
 #include "Quorvel/Platform/KeyName.h"
+#include "Quorvel/Platform/Translation.h"
 
 namespace quorvel {
 
@@ -29,9 +30,10 @@ constexpr Modifier kModifiers[] = {
     {KeyModifier::command, HotkeyModifier::command, "⌘"},
 };
 
-/// What the Mac has symbols for, and Space.
+constexpr std::uint32_t kSpaceBar = 49; // the only key whose name is a word
+
+/// What the Mac has symbols for.
 constexpr KeyName kSymbols[] = {
-    {49, "Space"},
     {36, "↩"},
     {48, "⇥"},
     {53, "⎋"},
@@ -64,6 +66,8 @@ bool isKeyOfShortcut(std::uint32_t keyCode)
 
 std::string keyCodeToString(std::uint32_t keyCode)
 {
+    if (keyCode == kSpaceBar)
+        return tr("Space");
     auto* symbol = std::ranges::find(kSymbols, keyCode, &KeyName::keyCode);
     if (symbol != std::end(kSymbols))
         return std::string{symbol->name};

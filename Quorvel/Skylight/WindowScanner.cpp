@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel {
@@ -143,7 +144,7 @@ bool WindowScanner::admit(const CGWindowInfo& window, const AXWindowMetadataByID
     auto metadata = metadataByID.find(id);
     bool isKnown = metadata != metadataByID.end();
     ScannedWindowCandidate candidate;
-    candidate.appName = window.ownerName.value_or("Unknown");
+    candidate.appName = window.ownerName.value_or(tr("Unknown"));
     if (isKnown)
         candidate.title = metadata->second.title;
     if (!candidate.title)

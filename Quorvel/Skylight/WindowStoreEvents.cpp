@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/WindowStore.h"
 
@@ -71,7 +72,7 @@ void WindowStore::admitCreatedWindow(
         return;
     auto application = m_workspace.runningApplication(event.pid);
     ScannedWindowCandidate candidate{
-        .appName = found->ownerName.value_or("Unknown"),
+        .appName = found->ownerName.value_or(tr("Unknown")),
         .bundleID = application ? application->bundleIdentifier : std::nullopt,
         .title = metadata.title,
         .frame = *found->bounds,

@@ -8,6 +8,7 @@
 #include "Hosts/Linux/Applications/XdgFolders.h"
 #include "Hosts/Linux/GHandles.h"
 #include "Quorvel/Platform/Files.h"
+#include "Quorvel/Platform/Translation.h"
 
 namespace quorvel::xdg {
 
@@ -85,7 +86,7 @@ void name(GKeyFile* keys, const std::string& program)
     g_key_file_set_string(
         keys, kGroup, G_KEY_FILE_DESKTOP_KEY_TYPE, G_KEY_FILE_DESKTOP_TYPE_APPLICATION);
     g_key_file_set_string(keys, kGroup, G_KEY_FILE_DESKTOP_KEY_NAME, "Quorvel");
-    g_key_file_set_string(keys, kGroup, G_KEY_FILE_DESKTOP_KEY_COMMENT, "Taskbar");
+    g_key_file_set_string(keys, kGroup, G_KEY_FILE_DESKTOP_KEY_COMMENT, tr("Taskbar").c_str());
     // Nothing is started, and no session complains, once the program is gone.
     g_key_file_set_string(keys, kGroup, G_KEY_FILE_DESKTOP_KEY_TRY_EXEC, program.c_str());
     g_key_file_set_string(keys, kGroup, kExec, quoted(program).c_str());
