@@ -63,10 +63,14 @@ std::string localized(const char* english)
                                                            table:nil]);
 }
 
-/// English has two forms, and so has a table of texts: languages with more need another.
+/// A table of plural forms (stringsdict) has the text for one thing as its key. What it answers
+/// looks like any text, and becomes one of the forms when it is formatted with the number.
 std::string localizedPlural(const char* one, const char* many, std::size_t count)
 {
-    return localized(count == 1 ? one : many);
+    NSString* text = [NSBundle.mainBundle localizedStringForKey:toSystem(one)
+                                                          value:toSystem(count == 1 ? one : many)
+                                                          table:nil];
+    return fromSystem([NSString localizedStringWithFormat:text, static_cast<unsigned long>(count)]);
 }
 
 int runBar(const CommandLine& line, ControlChannel& control, Trace& trace)
