@@ -1,5 +1,11 @@
 #include "Hosts/Linux/Gettext.h"
 
+#include <algorithm>
+#include <clocale>
+#include <cstdlib>
+#include <string_view>
+#include <system_error>
+
 #include <libintl.h>
 
 #include "Quorvel/Platform/Translation.h"
@@ -10,11 +16,29 @@ namespace {
 
 constexpr char kCatalogue[] = "quorvel";
 
+std::string_view firstOf(std::string_view names)
+{
+    names.remove_prefix(std::min(names.size(), names.find_first_not_of(':')));
+    return names.substr(0, names.find(':'));
 }
 
-void useGettext()
+}
+
+std::filesystem::path localeFolder()
 {
-    bindtextdomain(kCatalogue, QUORVEL_LOCALE_FOLDER);
+    std::error_code error; // without /proc
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    for (const auto* place : {"share/locale", "../share/locale"}) {
+        auto folder = program.parent_path() / place;
+        if (!program.empty() && std::filesystem::is_directory(folder, error))
+            return folder;
+    }
+    return QUORVEL_LOCALE_FOLDER;
+}
+
+void useGettext(const std::filesystem::path& folder)
+{
+    bindtextdomain(kCatalogue, folder.c_str());
     bind_textdomain_codeset(kCatalogue, "UTF-8");
     Translator::current() = {// The empty text would be answered with the catalogue's own header.
         [](const char* english) -> std::string {
@@ -23,6 +47,16 @@ void useGettext()
         [](const char* one, const char* many, std::size_t count) -> std::string {
             return dngettext(kCatalogue, one, many, count);
         }};
+}
+
+std::string languageOfTexts()
+{
+    const char* set = std::setlocale(LC_MESSAGES, nullptr);
+    const std::string locale = set ? set : "C";
+    // In the locale C nothing is translated, whatever LANGUAGE says.
+    const char* wanted = locale == "C" || locale == "POSIX" ? nullptr : std::getenv("LANGUAGE");
+    const auto first = firstOf(wanted ? wanted : "");
+    return first.empty() ? locale : std::string{first};
 }
 
 }

@@ -1,9 +1,21 @@
 #pragma once
 
+#include <filesystem>
+#include <string>
+
 namespace quorvel::xdg {
 
-/// Texts are found in the installed catalogues of the user's language, from now on. After the
-/// locale has been set, before anything is shown.
-void useGettext();
+/// Where this program's catalogues are: in `share/locale` beside it if it runs from the folder that
+/// it was built in, else where it was installed.
+std::filesystem::path localeFolder();
+
+/// Texts are found in the catalogues of the user's language in that folder, from now on. After the
+/// locale has been set, before anything is shown. A catalogue that is cut short or none at all is
+/// passed over, and so is everything while the locale is "C".
+void useGettext(const std::filesystem::path& folder = localeFolder());
+
+/// The language that the user wants texts in, as a locale is called ("de_AT", "ar_EG.UTF-8"): the
+/// first of LANGUAGE, else that of LC_MESSAGES. "C" if neither was set.
+std::string languageOfTexts();
 
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <clocale>
 #include <csignal>
 #include <cstdlib>
 #include <utility>
@@ -10,6 +9,7 @@
 #include <glib-unix.h>
 #include <unistd.h>
 
+#include "Hosts/Linux/Gettext.h"
 #include "Hosts/Posix/StandardStreams.h"
 #include "Hosts/X11/Connection.h"
 
@@ -22,8 +22,7 @@ constexpr bool kIsDarkByDefault = true;
 
 bool isRightToLeft()
 {
-    const char* locale = std::setlocale(LC_MESSAGES, nullptr);
-    return locale && isRightToLeftLocale(locale);
+    return isRightToLeftLocale(languageOfTexts());
 }
 
 }

@@ -10,9 +10,7 @@
 #include <sys/stat.h>
 
 #include "Hosts/Linux/Desktop/LaunchTokens.h"
-#include "Hosts/Linux/Gettext.h"
 #include "Hosts/Linux/Loop/GLibDispatch.h"
-#include "Quorvel/Platform/Translation.h"
 #include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 
@@ -131,24 +129,6 @@ TEST_F(SettingsProgramTest, aProgramThatDoesNotComeUpIsReported)
         EXPECT_NE(testing::internal::GetCapturedStderr().find("cannot start quorvel-settings"),
             std::string::npos);
     }
-}
-
-// Faults: a text of ours that is shown in English for want of the catalogue, or empty; a
-// translation with a mistake that ends the bar.
-TEST(Catalogues, textsAreLookedUpAndAMistakeInOneIsHarmless)
-{
-    EXPECT_EQ(tr("Close"), "Close");
-    EXPECT_EQ(trCount("{} window", "{} windows", 1) + trCount("{} window", "{} windows", 2),
-        "1 window2 windows");
-    Translator::current() = {[](const char*) { return std::string{"{} {}"}; },
-        [](const char*, const char*, std::size_t) { return std::string{"{"}; }};
-    EXPECT_EQ(tr("Close"), "{} {}");
-    EXPECT_EQ(trFormat("Desktop {}", 3), "Desktop 3");
-    EXPECT_EQ(trCount("{} window", "{} windows", 2), "2 windows");
-    useGettext();
-    EXPECT_EQ(tr(""), "");
-    EXPECT_EQ(trCount("{} window", "{} windows", 2), "2 windows");
-    Translator::current() = {};
 }
 
 }

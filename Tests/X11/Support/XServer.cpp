@@ -64,7 +64,7 @@ void XServer::makeHome()
         std::filesystem::permissions(path, std::filesystem::perms::owner_all);
         m_environment[variable] = path;
     }
-    for (const auto* variable : {"WAYLAND_DISPLAY", "XAUTHORITY", "SESSION_MANAGER",
+    for (const auto* variable : {"LANGUAGE", "WAYLAND_DISPLAY", "XAUTHORITY", "SESSION_MANAGER",
              "DESKTOP_STARTUP_ID", "DBUS_SESSION_BUS_ADDRESS"})
         m_environment[variable] = "";
     m_environment["LC_ALL"] = "C.UTF-8";
