@@ -34,10 +34,10 @@ AccessibleState SpaceCell::accessibleState() const
     auto state = buttonState(m_data.name, tr("Switch"));
     state.role = AccessibleRole::toggleButton;
     state.isSelected = m_data.isCurrent;
-    state.name += ", " + std::to_string(m_data.windowCount)
-        + (m_data.windowCount == 1 ? " window" : " windows");
+    state.name
+        += ", " + trCount("{} window", "{} windows", static_cast<std::size_t>(m_data.windowCount));
     if (m_data.wantsAttention)
-        state.name += ", wants attention";
+        state.name += ", " + tr("wants attention");
     return state;
 }
 
