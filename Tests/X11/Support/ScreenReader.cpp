@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <iterator>
+#include <ranges>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -166,19 +167,18 @@ ScreenReader::Element ScreenReader::first(const std::string& program, Condition 
 ScreenReader::Element ScreenReader::seek(const std::string& program, AtspiRole role,
     const std::string& text, const std::function<bool(const Element&)>& isRight) const
 {
-    std::vector<Element> open;
+    std::vector<Element> open; // the next one in the order of reading is the last
     if (auto application = programNamed(program))
         open.push_back(std::move(application));
     while (!open.empty()) {
-        const auto element = std::move(open.back());
+        auto element = std::move(open.back());
         open.pop_back();
-        for (auto& child : childrenOf(element.get())) {
-            atspi_accessible_clear_cache(child.get());
-            if (atspi_accessible_get_role(child.get(), nullptr) == role
-                && name(child).find(text) != std::string::npos && isRight(child))
-                return std::move(child);
-            open.push_back(std::move(child));
-        }
+        atspi_accessible_clear_cache(element.get());
+        if (atspi_accessible_get_role(element.get(), nullptr) == role
+            && name(element).find(text) != std::string::npos && isRight(element))
+            return element;
+        auto children = childrenOf(element.get());
+        std::ranges::move(std::views::reverse(children), std::back_inserter(open));
     }
     return nullptr;
 }

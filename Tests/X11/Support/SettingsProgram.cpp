@@ -54,6 +54,12 @@ testing::AssertionResult SettingsProgram::shows(AtspiRole role, const std::strin
     return ask(role, name, [](auto&) { return true; });
 }
 
+testing::AssertionResult SettingsProgram::lacks(AtspiRole role, const std::string& name)
+{
+    const auto isAny = [](auto&) { return true; };
+    return eventually([&] { return !m_reader.seek(kProgram, role, name, isAny); }) << name;
+}
+
 testing::AssertionResult SettingsProgram::hasState(
     AtspiRole role, const std::string& name, AtspiStateType state, bool isSet)
 {

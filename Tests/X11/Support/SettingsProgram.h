@@ -24,6 +24,7 @@ public:
 
     /// Whether there is such a thing, in this state.
     testing::AssertionResult shows(AtspiRole, const std::string& name);
+    testing::AssertionResult lacks(AtspiRole, const std::string& name);
     testing::AssertionResult hasState(
         AtspiRole, const std::string& name, AtspiStateType, bool isSet = true);
     testing::AssertionResult isDescribed(
