@@ -1,7 +1,6 @@
 // What the cards of a popup show and do, through real pointer and key events.
 #include "Quorvel/Views/ThumbnailPopup.h"
 
-#include "Quorvel/Views/WindowPeek.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -59,12 +58,6 @@ struct ThumbnailPopupTest : ThreeWindows {
     int picturesOf(WindowID window)
     {
         return int(std::ranges::count(capture().capturedWindows(), window));
-    }
-    /// What shows one window alone; null while nothing does.
-    FakePanel* peek()
-    {
-        auto popups = desktop.surfaces().popups();
-        return popups.size() < 2 ? nullptr : popups[1];
     }
     std::optional<WindowID> keyCard()
     {
@@ -143,41 +136,6 @@ TEST_F(ThumbnailPopupTest, cardsHoldStillUnderThePointerUntilItLeaves)
     popup()->leave();
     desktop.advance(seconds(0.5));
     EXPECT_FALSE(popup());
-}
-
-// Faults: a window that flashes up under a pointer on its way, one that stays when it has gone.
-TEST_F(ThumbnailPopupTest, aWindowIsShownAloneWhileThePointerRestsOnItsCard)
-{
-    openGroup();
-    pointAt(sent);
-    desktop.advance(WindowPeek::kRest - Duration{1});
-    EXPECT_FALSE(peek());
-    desktop.advance(seconds(0.2));
-    ASSERT_TRUE(peek());
-    EXPECT_EQ(
-        peek()->frame(), (Rect{0, panel().frame().maxY(), 1440, 900 - panel().frame().maxY()}));
-    EXPECT_EQ(peek()->opacity(), 1);
-    auto drawn = peek()->render();
-    ASSERT_THAT(drawn.drawn<DrawnImage>(), SizeIs(1));
-    EXPECT_EQ(drawn.drawn<DrawnImage>().front().rect, (Rect{100, 50, 800, 600}));
-    EXPECT_THAT(drawn.drawn<DrawnFill>(), SizeIs(1)) << "a shade over the others";
-    EXPECT_EQ(capture().captured().back().configuration, (CaptureConfiguration{800, 600}));
-    popup()->movePointer(onCard(draft));
-    EXPECT_FALSE(peek());
-
-    // Where nothing can be seen through, only the window is covered, with itself.
-    desktop.surfaces().setShowsTransparency(false);
-    popup()->movePointer(onCard(sent));
-    desktop.advance(seconds(1));
-    ASSERT_TRUE(peek());
-    EXPECT_EQ(peek()->frame(), (Rect{100, 900 - 650, 800, 600}));
-    EXPECT_THAT(peek()->render().drawn<DrawnFill>(), SizeIs(0));
-
-    popup()->click(onCard(sent));
-    desktop.advance(seconds(0.5));
-    EXPECT_TRUE(chip(sent)->isFocused);
-    EXPECT_THAT(desktop.surfaces().popups(), SizeIs(0));
-    EXPECT_THAT(capture().watchedWindows(), SizeIs(0));
 }
 
 // Faults: no menu, the menu of another window, a popup that goes beneath it or stays for ever.

@@ -51,7 +51,7 @@ std::optional<WindowPicture> pictureOf(CGImageRef image)
             static_cast<double>(CGImageGetHeight(image))}};
 }
 
-SCStreamConfiguration* toSystem(const CaptureConfiguration& wanted, const Rect& frame)
+SCStreamConfiguration* toSystem(const CaptureConfiguration& wanted)
 {
     SCStreamConfiguration* configuration = [[captureClass(@"SCStreamConfiguration") alloc] init];
     configuration.width = static_cast<std::size_t>(wanted.width);
@@ -59,8 +59,7 @@ SCStreamConfiguration* toSystem(const CaptureConfiguration& wanted, const Rect& 
     configuration.scalesToFit = YES;
     configuration.showsCursor = NO;
     if (@available(macOS 14.0, *)) {
-        configuration.captureResolution
-            = wanted.width > frame.width ? SCCaptureResolutionBest : SCCaptureResolutionNominal;
+        configuration.captureResolution = SCCaptureResolutionNominal;
         // The shadow would be scaled into the picture, and the window smaller for it.
         configuration.ignoreShadowsSingleWindow = YES;
     }
@@ -136,7 +135,7 @@ void MacWindowCapture::captureImage(const ShareableWindow& window,
             return handler({});
         [manager
             captureImageWithFilter:filter
-                     configuration:toSystem(configuration, window.frame)
+                     configuration:toSystem(configuration)
                  completionHandler:^(CGImageRef image, NSError*) { handler(pictureOf(image)); }];
     } else {
         captureByWindowServer(native->window.windowID, configuration, std::move(handler));

@@ -8,10 +8,7 @@
 // The headers of some SDKs lack this framework: here are the parts that the host uses.
 NS_ASSUME_NONNULL_BEGIN
 
-typedef NS_ENUM(NSInteger, SCCaptureResolutionType) {
-    SCCaptureResolutionBest = 1,
-    SCCaptureResolutionNominal = 2,
-};
+typedef NS_ENUM(NSInteger, SCCaptureResolutionType) { SCCaptureResolutionNominal = 2 };
 
 API_AVAILABLE(macos(12.3))
 @interface SCWindow : NSObject

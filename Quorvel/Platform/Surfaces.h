@@ -124,9 +124,6 @@ public:
     /// Null where the system draws no menus; they are panels then.
     virtual NativeMenus* nativeMenus() { return nullptr; }
 
-    /// Whether what lies behind popups is seen where they are partly transparent.
-    virtual bool showsTransparency() const { return true; }
-
     /// The answer of `setBlursBehind` may have changed.
     Signal<> blurDidChange;
 

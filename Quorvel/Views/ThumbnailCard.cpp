@@ -119,20 +119,6 @@ void ThumbnailCard::clicked(PointerButton button)
     ButtonView::clicked(button);
 }
 
-void ThumbnailCard::pointerEntered()
-{
-    ButtonView::pointerEntered();
-    if (onHoverChanged)
-        onHoverChanged(m_chip.id, true);
-}
-
-void ThumbnailCard::pointerExited()
-{
-    ButtonView::pointerExited();
-    if (onHoverChanged)
-        onHoverChanged(m_chip.id, false);
-}
-
 void ThumbnailCard::showContextMenu()
 {
     if (onMenuRequested)

@@ -34,13 +34,10 @@ public:
     std::function<void(WindowID)> onMiddleTapped;
     /// Wants a menu beside that place, in the root view's coordinates.
     std::function<void(WindowID, const Rect&)> onMenuRequested;
-    std::function<void(WindowID, bool isHovered)> onHoverChanged;
 
     std::string accessibleID() const override;
     AccessibleState accessibleState() const override;
     bool performAccessibleAction(std::size_t) override;
-    void pointerEntered() override;
-    void pointerExited() override;
     void showContextMenu() override;
     void showContextMenuAt(Point) override;
 

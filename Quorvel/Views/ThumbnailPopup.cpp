@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "Quorvel/Core/ThumbnailService.h"
-#include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/WrappedText.h"
 
@@ -88,8 +87,6 @@ ThumbnailPopup::ThumbnailPopup(const Inputs& inputs)
     , m_surface(inputs.surfaces.createPanel(
           {.display = inputs.display, .title = tr("Windows"), .kind = PanelKind::popup},
           m_hostingView))
-    , m_peek({inputs.surfaces, inputs.dispatch, inputs.displays, inputs.thumbnailService,
-          inputs.appearance, inputs.display})
     , m_animation(inputs.dispatch)
 {
     m_hostingView.attach(*m_surface);
@@ -102,7 +99,6 @@ ThumbnailPopup::ThumbnailPopup(const Inputs& inputs)
         if (onHoverChanged)
             onHoverChanged(isHovered);
     };
-    m_peek.onShown = [this] { m_surface->orderFront(); };
 }
 
 ThumbnailPopup::~ThumbnailPopup() = default;
@@ -130,7 +126,6 @@ void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, 
 
 void ThumbnailPopup::hide()
 {
-    m_peek.end();
     m_following = {};
     m_filling = {};
     m_animation.stop();
@@ -165,7 +160,6 @@ std::vector<std::string> ThumbnailPopup::titleLines(const std::vector<ChipData>&
 void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
 {
     auto keyCard = std::exchange(m_keyCard, std::nullopt);
-    m_peek.end();
     m_filling = {};
     m_following = {};
     m_filled = 0;
@@ -209,19 +203,9 @@ void ThumbnailPopup::connect(ThumbnailCard& card)
             onWindowClosed(id);
     };
     card.onMenuRequested = [this](WindowID id, const Rect& place) {
-        m_peek.end();
         if (onMenuRequested)
             onMenuRequested(id, onScreen(place));
     };
-    card.onHoverChanged = [this](WindowID id, bool isHovered) { cardHovered(id, isHovered); };
-}
-
-void ThumbnailPopup::cardHovered(WindowID id, bool isHovered)
-{
-    if (isHovered)
-        m_peek.begin(id, m_layout.frame.y);
-    else
-        m_peek.end();
 }
 
 /// A few each frame: to draw those of fifty windows takes longer than one.
@@ -298,7 +282,6 @@ void ThumbnailPopup::removeCardsExcept(const std::vector<ChipData>& chips)
         m_cards.erase(m_cards.begin() + static_cast<std::ptrdiff_t>(index));
         if (index < m_filled)
             --m_filled;
-        m_peek.end();
         m_content->removeChild(card);
     }
     if (m_keyCard)

@@ -13,11 +13,9 @@
 #include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/ThumbnailCard.h"
 #include "Quorvel/Views/ThumbnailPopupLayout.h"
-#include "Quorvel/Views/WindowPeek.h"
 
 namespace quorvel {
 
-class Displays;
 class Text;
 class ThumbnailService;
 
@@ -31,7 +29,6 @@ public:
     struct Inputs {
         Surfaces& surfaces;
         Dispatch& dispatch;
-        const Displays& displays;
         const Text& text;
         ThumbnailService& thumbnailService;
         const Published<Appearance>& appearance;
@@ -91,7 +88,6 @@ private:
     ThumbnailCard* cardOf(WindowID) const;
     std::optional<std::size_t> neighbour(std::size_t card, KeyCode) const;
     void setKeyCard(std::optional<std::size_t>);
-    void cardHovered(WindowID, bool isHovered);
     void animate(const Rect& from);
     CardPlace placeOf(const ThumbnailCard&) const;
     Rect onScreen(const Rect& inRoot) const;
@@ -108,7 +104,6 @@ private:
     std::optional<std::size_t> m_keyCard;
     std::vector<std::string> m_titleLines;
     Subscription m_following;
-    WindowPeek m_peek;
     Animation m_animation;
     WorkItem m_filling;
     Subscription m_appearanceChanged;

@@ -135,8 +135,6 @@ public:
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
-    bool showsTransparency() const override { return m_showsTransparency; }
-    void setShowsTransparency(bool value) { m_showsTransparency = value; }
     NativeMenus* nativeMenus() override { return m_nativeMenus; }
     void setNativeMenus(NativeMenus* menus) { m_nativeMenus = menus; }
     Subscription monitorPresses(PointerScope, PressHandler) override;
@@ -205,7 +203,6 @@ private:
     std::vector<FakePanel*> m_keyHolders; ///< the last one hears
     std::vector<FakePanel*> m_grabs; ///< of the pointer, the last one hears
     bool m_followsKeyPanels = true;
-    bool m_showsTransparency = true;
     NativeMenus* m_nativeMenus = nullptr; ///< as on the Mac, where it is given
     std::map<PointerScope, Signal<>> m_pointerMoved;
     std::map<PointerScope, Signal<Point, PointerButton>> m_pressed;

@@ -29,7 +29,6 @@ public:
     ~X11Surfaces() override;
 
     std::unique_ptr<PanelSurface> createPanel(const PanelOptions&, SurfaceClient&) override;
-    bool showsTransparency() const override { return m_compositing.isActive().value(); }
     Subscription monitorPointer(PointerScope, std::function<void()>) override;
     Subscription monitorPresses(PointerScope, PressHandler) override;
     Clipboard* clipboard() override;
