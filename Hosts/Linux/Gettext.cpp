@@ -2,12 +2,17 @@
 
 #include <algorithm>
 #include <clocale>
+#include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 
+#include <glib.h>
 #include <libintl.h>
 
+#include "Hosts/Linux/CatalogueFile.h"
 #include "Quorvel/Platform/Translation.h"
 
 namespace quorvel::xdg {
@@ -20,6 +25,22 @@ std::string_view firstOf(std::string_view names)
 {
     names.remove_prefix(std::min(names.size(), names.find_first_not_of(':')));
     return names.substr(0, names.find(':'));
+}
+
+/// Of those that may be read for the user. Absent ones are no fault.
+bool areCataloguesWhole(const std::filesystem::path& folder)
+{
+    const auto* languages = g_get_language_names_with_category("LC_MESSAGES");
+    for (; *languages; ++languages) {
+        const auto path = folder / *languages / "LC_MESSAGES" / (std::string{kCatalogue} + ".mo");
+        std::ifstream file{path, std::ios::binary};
+        const std::string bytes{std::istreambuf_iterator<char>{file}, {}};
+        if (file.is_open() && !isWholeCatalogue(bytes)) {
+            std::fprintf(stderr, "quorvel: %s is broken\n", path.c_str());
+            return false;
+        }
+    }
+    return true;
 }
 
 }
@@ -38,6 +59,9 @@ std::filesystem::path localeFolder()
 
 void useGettext(const std::filesystem::path& folder)
 {
+    Translator::current() = {};
+    if (!areCataloguesWhole(folder))
+        return;
     bindtextdomain(kCatalogue, folder.c_str());
     bind_textdomain_codeset(kCatalogue, "UTF-8");
     Translator::current() = {// The empty text would be answered with the catalogue's own header.

@@ -10,8 +10,9 @@ namespace quorvel::xdg {
 std::filesystem::path localeFolder();
 
 /// Texts are found in the catalogues of the user's language in that folder, from now on. After the
-/// locale has been set, before anything is shown. A catalogue that is cut short or none at all is
-/// passed over, and so is everything while the locale is "C".
+/// locale has been set, before anything is shown. In the locale "C", and in a language without a
+/// catalogue, they are English. One that is broken is reported on standard error, and all is
+/// English.
 void useGettext(const std::filesystem::path& folder = localeFolder());
 
 /// The language that the user wants texts in, as a locale is called ("de_AT", "ar_EG.UTF-8"): the

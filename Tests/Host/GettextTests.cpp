@@ -1,6 +1,8 @@
 // Texts in the user's language, from the catalogues that the build has made.
 #include <clocale>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -8,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Hosts/Linux/CatalogueFile.h"
 #include "Hosts/Linux/Gettext.h"
 #include "Hosts/X11/X11Application.h"
 #include "Quorvel/Platform/Translation.h"
@@ -98,6 +101,40 @@ TEST_F(GettextTest, numbersHaveTheFormsOfTheirLanguage)
     EXPECT_EQ(windows(3) + windows(10) + windows(105), "3 نوافذ10 نوافذ105 نوافذ");
     EXPECT_EQ(windows(11) + windows(99), "11 نافذة99 نافذة");
     EXPECT_EQ(windows(100) + windows(102), "100 نافذة102 نافذة");
+}
+
+// Faults: a crash of the C library, or an empty text, from a catalogue that a full disk has cut
+// short or that has bytes of another file in it; a whole one that is taken for broken.
+TEST_F(GettextTest, aBrokenCatalogueIsPassedOver)
+{
+    std::ifstream file{localeFolder() / "de/LC_MESSAGES/quorvel.mo", std::ios::binary};
+    const std::string whole{std::istreambuf_iterator<char>{file}, {}};
+    ASSERT_GT(whole.size(), 1000u);
+    auto broken = std::vector<std::string>{"", "no catalogue", std::string(4000, '\xFF')};
+    for (std::size_t size = 4; size < whole.size(); size += whole.size() / 40)
+        broken.push_back(whole.substr(0, size));
+    std::uint32_t tablesEnd = 0; // where the first text is
+    std::memcpy(&tablesEnd, whole.data() + 32, sizeof(tablesEnd));
+    ASSERT_LT(tablesEnd, whole.size() / 2);
+    for (std::size_t at = 0; at + 16 < tablesEnd; at += 116)
+        broken.push_back(std::string{whole}.replace(at, 16, 16, '\xFF'));
+    want("de");
+    for (const auto& content : broken) {
+        EXPECT_FALSE(isWholeCatalogue(content));
+        const test::TemporaryFolder folder; // what was read once is not read again
+        const auto place = folder.path() / "de/LC_MESSAGES";
+        std::filesystem::create_directories(place);
+        std::ofstream{place / "quorvel.mo", std::ios::binary} << content;
+        testing::internal::CaptureStderr();
+        useGettext(folder.path());
+        EXPECT_NE(
+            testing::internal::GetCapturedStderr().find("quorvel.mo is broken"), std::string::npos);
+        EXPECT_EQ(tr("Close"), "Close");
+        EXPECT_EQ(windows(2), "2 windows");
+    }
+    EXPECT_TRUE(isWholeCatalogue(whole));
+    useGettext();
+    EXPECT_EQ(tr("Close"), "Schließen");
 }
 
 }
