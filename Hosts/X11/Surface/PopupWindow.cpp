@@ -137,9 +137,10 @@ void PopupWindow::present(const std::vector<Rect>& parts)
     // Inside, nothing is transparent.
     if (std::ranges::any_of(parts, [this](auto& part) { return reachesEdge(part); }))
         shape();
-    // Not raised: a window that was ordered to the front since this one was stays above it.
-    if (!std::exchange(m_isMapped, true))
+    if (!std::exchange(m_isMapped, true)) {
+        raise();
         xcb_map_window(m_connection.raw(), m_window);
+    }
     // All requests go out together, so that nobody sees one without the others.
     for (auto& part : parts)
         m_buffer.copyTo(m_window, part);
