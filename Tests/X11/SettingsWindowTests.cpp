@@ -18,7 +18,6 @@ constexpr std::uint8_t kEscape = 9;
 constexpr std::uint8_t kReturn = 36;
 constexpr std::uint8_t kControl = 37;
 constexpr std::uint8_t kLetterY = 29;
-constexpr std::uint8_t kLetterK = 45;
 constexpr std::uint8_t kCapsLock = 66;
 constexpr std::uint8_t kAlt = 64;
 constexpr std::uint8_t kSpaceBar = 65;
