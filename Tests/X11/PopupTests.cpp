@@ -59,14 +59,12 @@ protected:
         return found;
     }
 
+    /// As its background, with which the X server paints again what it uncovers.
     void fill(xcb_window_t window, std::uint32_t colour)
     {
         auto* const x = client.connection().get();
-        const auto context = xcb_generate_id(x);
-        const xcb_rectangle_t whole{0, 0, 2000, 2000};
-        xcb_create_gc(x, context, window, XCB_GC_FOREGROUND, &colour);
-        xcb_poly_fill_rectangle(x, window, context, 1, &whole);
-        xcb_free_gc(x, context);
+        xcb_change_window_attributes(x, window, XCB_CW_BACK_PIXEL, &colour);
+        xcb_clear_area(x, 0, window, 0, 0, 0, 0);
         client.connection().sync();
     }
     /// In the middle of the first card.
