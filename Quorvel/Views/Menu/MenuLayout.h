@@ -18,8 +18,8 @@ struct MenuMetrics {
     static constexpr double markWidth = 20; ///< before all titles, if any entry can have a mark
     static constexpr double arrowWidth = 20; ///< after all titles, if any entry opens a submenu
     static constexpr double symbolSize = 12;
-    static constexpr double rowRadius = 5;
-    static constexpr double radius = 8;
+    static constexpr double rowRadius = 7; ///< concentric with the corners of the menu
+    static constexpr double radius = 12; ///< as of popups and launchers
     static constexpr double minimumWidth = 150;
     static constexpr double maximumWidth = 420;
     static constexpr double fontSize = 13;
