@@ -105,6 +105,33 @@ TEST_F(ThumbnailPopupTest, ofTheNextChipOpensAtOnce)
     EXPECT_THAT(popup()->render().texts(), Contains("Notes"));
 }
 
+// Faults: nothing says whose popup or menu it is once the pointer is in it; a chip that stays lit.
+TEST_F(ThumbnailPopupTest, aChipStaysLitWhileItsPopupOrMenuIsOpen)
+{
+    auto isLit = [&](WindowID id) {
+        auto lit = Palette::of({}).hoveredFill;
+        return std::ranges::any_of(panel().render().drawn<DrawnFill>(),
+            [&](auto& fill) { return fill.color == lit && fill.rect.contains(middleOf(id)); });
+    };
+    EXPECT_FALSE(isLit(draft));
+    hoverUntilShown(draft);
+    leave();
+    popup()->movePointer({20, 20});
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(isLit(draft));
+    EXPECT_FALSE(isLit(notes));
+    popup()->leave();
+    desktop.advance(seconds(0.5));
+    EXPECT_FALSE(isLit(draft));
+
+    panel().press(middleOf(notes), PointerButton::secondary);
+    leave();
+    EXPECT_TRUE(isLit(notes));
+    desktop.surfaces().menu()->pressKey(KeyCode::escape);
+    desktop.drain();
+    EXPECT_FALSE(isLit(notes));
+}
+
 // Faults: after a close, the next click closes a window that nobody aimed at; a gap that stays.
 TEST_F(ThumbnailPopupTest, cardsHoldStillUnderThePointerUntilItLeaves)
 {

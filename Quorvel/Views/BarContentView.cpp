@@ -73,7 +73,10 @@ void BarContentView::connectButtons()
         if (m_inputs.onMenuTapped)
             m_inputs.onMenuTapped();
     };
-    m_menuButton->onSecondaryTapped = [this] { showBarMenu(m_menuButton->frameInRoot()); };
+    m_menuButton->onSecondaryTapped = [this] {
+        showBarMenu(m_menuButton->frameInRoot());
+        m_menuButton->setOpen(true);
+    };
     m_showDesktopButton->onTapped = [this] { triggerShowDesktop(); };
     m_spaceSwitcher->onSpaceSwitchRequested = [this](SpaceID space) {
         if (m_inputs.onSpaceSwitchRequested)
@@ -99,6 +102,7 @@ void BarContentView::connectPopups()
         if (m_inputs.onThumbnailWillShow)
             m_inputs.onThumbnailWillShow();
     };
+    m_popups.onChipChanged = [this] { openItemsDidChange(); };
     m_popups.onWindowChosen = [this](WindowID id) { activateWindowDeferred(id); };
     m_popups.onWindowClosed = [this](WindowID id) {
         onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
@@ -192,7 +196,8 @@ void BarContentView::connectRow()
     };
     m_row->onPin.clicked = [this](const PinView& pin) { pinTapped(pin.pin().bundleID); };
     m_row->onPin.menuRequested = [this](const PinView& pin) {
-        openMenu(pinMenu(pin.pin().bundleID, menuContext()), pin.frameInRoot());
+        auto& id = pin.pin().bundleID;
+        openMenu(pinMenu(id, menuContext()), pin.frameInRoot(), id);
     };
     m_row->onPin.filesDropped = [this](const PinView& pin, std::vector<std::string> paths) {
         if (auto url = m_inputs.platform.workspace.applicationURL(pin.pin().bundleID))
@@ -430,23 +435,50 @@ void BarContentView::showNote(std::string text)
 
 // MARK: Menus
 
-void BarContentView::openMenu(Menu menu, const Rect& anchor, ThumbnailHover::OpenMenu kind)
+void BarContentView::openMenu(
+    Menu menu, const Rect& anchor, std::optional<std::string> item, ThumbnailHover::OpenMenu kind)
 {
     if (!onMenuRequested)
         return;
     m_popups.setMenuOpen(kind);
     onMenuRequested(std::move(menu), anchor, [weak = m_weak.reference()](MenuEnding ending) {
-        auto* view = weak.get();
-        if (!view)
-            return;
-        view->m_popups.setMenuOpen(ThumbnailHover::OpenMenu::none);
-        if (view->host())
-            view->host()->menuDidClose(ending);
+    ++m_openMenus;
+    showMenuOf(std::move(item));
+        if (auto* view = weak.get())
+            view->menuDidClose(ending);
     });
 }
 
 ChipMenuContext BarContentView::menuContext()
 {
+void BarContentView::menuDidClose(MenuEnding ending)
+{
+    if (--m_openMenus > 0)
+        return;
+    showMenuOf({});
+    m_popups.setMenuOpen(ThumbnailHover::OpenMenu::none);
+    if (host())
+        host()->menuDidClose(ending);
+}
+
+void BarContentView::showMenuOf(std::optional<std::string> item)
+{
+    m_itemOfMenu = std::move(item);
+    m_menuButton->setOpen(false);
+    m_spaceSwitcher->setListOpen(false);
+    openItemsDidChange();
+}
+
+void BarContentView::openItemsDidChange()
+{
+    std::set<std::string> open;
+    for (auto& id : {m_itemOfMenu, m_popups.chipID()}) {
+        if (id)
+            open.insert(*id);
+    }
+    m_row->setOpenItems(std::move(open));
+}
+
     return {m_inputs.viewModel, m_inputs.pinStore, m_inputs.platform.workspace, m_inputs.spaceID,
         m_spaceSwitcher->spaces(), m_inputs.onMoveWindowToSpaceRequested,
         [weak = m_weak.reference()](const std::string& bundleID) {
@@ -465,7 +497,7 @@ void BarContentView::showBarMenu(const Rect& anchor)
                            }};
     openMenu(
         barMenu(m_inputs.platform.application, m_inputs.onSettingsRequested, std::move(monitor)),
-        anchor);
+        anchor, {});
 }
 
 void BarContentView::showSpaceList()
@@ -483,7 +515,8 @@ void BarContentView::showSpaceList()
             },
             space.isCurrent, {}, MenuItemKind::choice});
     }
-    openMenu(std::move(menu), spaceListButtonFrame());
+    openMenu(std::move(menu), spaceListButtonFrame(), {});
+    m_spaceSwitcher->setListOpen(true);
 }
 
 // MARK: Dragging

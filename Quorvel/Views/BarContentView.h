@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -118,8 +119,13 @@ private:
     bool chipDropped(const ChipView&, Point pointer);
     void pinTapped(const std::string& bundleID);
     void pinMoved(const std::string& bundleID, const ReorderDrag&);
-    void openMenu(
-        Menu, const Rect& anchor, ThumbnailHover::OpenMenu = ThumbnailHover::OpenMenu::elsewhere);
+    /// The chip or pin that it is of is given by its identifier.
+    void openMenu(Menu, const Rect& anchor, std::optional<std::string> item,
+        ThumbnailHover::OpenMenu = ThumbnailHover::OpenMenu::elsewhere);
+    void menuDidClose(MenuEnding);
+    void showMenuOf(std::optional<std::string> item);
+    /// What a menu or a popup belongs to looks so while that is open.
+    void openItemsDidChange();
     /// Of a card; points, bottom-left origin.
     void openWindowMenu(WindowID, const Rect& onScreen);
     /// Up leads from a chip to the cards of its popup, Escape back.
@@ -148,6 +154,8 @@ private:
     std::set<Part> m_stale; ///< while it is not
     std::vector<std::string> m_pins; ///< bundle identifiers, as they were looked up
     ChipPopups m_popups;
+    int m_openMenus = 0; ///< one that replaces another is open before that one has told its end
+    std::optional<std::string> m_itemOfMenu; ///< the chip or pin that the menu is of
     WorkItem m_springTimer;
     WorkItem m_screensChange;
     std::vector<Subscription> m_subscriptions;

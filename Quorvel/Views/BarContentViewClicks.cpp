@@ -46,7 +46,8 @@ void BarContentView::chipClicked(const ChipView& chip, ChipView::Click click)
     if (chip.isHovered())
         m_popups.suppress(chip.item());
     if (click == ChipView::Click::secondary) {
-        openMenu(chipMenu(chip.item(), menuContext()), chip.frameInRoot());
+        openMenu(
+            chipMenu(chip.item(), menuContext()), chip.frameInRoot(), displayItemID(chip.item()));
     } else if (click == ChipView::Click::middle) {
         dismissThumbnailPopupImmediate();
         auto id = single ? single->id : group->windowIDs.front();
@@ -131,7 +132,7 @@ void BarContentView::openWindowMenu(WindowID id, const Rect& onScreen)
         return;
     auto panel = m_inputs.surface.frame();
     openMenu(chipMenu(*chip, menuContext()),
-        {onScreen.x - panel.x, panel.maxY() - onScreen.maxY(), onScreen.width, onScreen.height},
+        {onScreen.x - panel.x, panel.maxY() - onScreen.maxY(), onScreen.width, onScreen.height}, {},
         ThumbnailHover::OpenMenu::ofCard);
 }
 

@@ -17,7 +17,10 @@ ChipPopups::ChipPopups(Inputs inputs)
     m_hover.onPrefetch
         = [this](const HoverTarget& target) { m_inputs.thumbnailService.prefetch(target.windows); };
     m_hover.onShow = [this](const HoverTarget& target) { show(target.chipID); };
-    m_hover.onDismiss = [this] { m_presenter.hide(); };
+    m_hover.onDismiss = [this] {
+        m_presenter.hide();
+        chipDidChange();
+    };
     m_presenter.onWillShow = [this] {
         if (onWillShow)
             onWillShow();
@@ -65,7 +68,14 @@ void ChipPopups::show(const std::string& chipID)
 {
     auto now = contents(chipID);
     if (!now || !m_presenter.show(now->windows, now->chip))
-        dismiss();
+        return dismiss();
+    chipDidChange();
+}
+
+void ChipPopups::chipDidChange() const
+{
+    if (onChipChanged)
+        onChipChanged();
 }
 
 void ChipPopups::update()
@@ -80,6 +90,7 @@ void ChipPopups::update()
         if (!now)
             return m_hover.targetDidVanish();
         m_hover.targetDidBecome(*chipID);
+        chipDidChange();
     }
     if (!m_presenter.update(now->windows, now->chip))
         show(*chipID);

@@ -31,6 +31,8 @@ public:
 
     /// Just before a popup is shown.
     std::function<void()> onWillShow;
+    /// The popup belongs to another chip, or to none, now.
+    std::function<void()> onChipChanged;
     std::function<void(WindowID)> onWindowChosen;
     std::function<void(WindowID)> onWindowClosed;
     /// Beside a place on the screen (points, bottom-left origin).
@@ -65,6 +67,7 @@ private:
     /// As things are now; absent if the chip has gone.
     std::optional<Contents> contents(const std::string& chipID) const;
     void show(const std::string& chipID);
+    void chipDidChange() const;
     /// The chip that now stands for windows that the popup shows.
     std::optional<std::string> successor() const;
 

@@ -281,9 +281,9 @@ void ChipView::paintGround(Canvas& canvas, const Parts& layout) const
     auto& colors = palette();
     double radius = metrics().chipCornerRadius;
     bool isFocusShown = isFocused(m_item);
-    auto fill = isPressed() ? colors.pressedFill : isHovered() ? colors.hoveredFill : colors.fill;
+    auto fill = isPressed() ? colors.pressedFill : isLit() ? colors.hoveredFill : colors.fill;
     if (isFocusShown && !isPressed())
-        fill = isHovered() ? colors.focusedHoveredFill : colors.focusedFill;
+        fill = isLit() ? colors.focusedHoveredFill : colors.focusedFill;
     canvas.fillRounded(layout.face, radius, fill);
     paintProgress(canvas, layout);
     if (wantsAttention(m_item)) {
@@ -292,7 +292,7 @@ void ChipView::paintGround(Canvas& canvas, const Parts& layout) const
         canvas.fillRounded(
             layout.face, radius, colors.attention.withAlpha(colors.attention.alpha * strength));
     }
-    if (isFocusShown || isHovered() || colors.hasEdges)
+    if (isFocusShown || isLit() || colors.hasEdges)
         canvas.strokeRounded(layout.face, radius, ChipViewStyle::edgeWidth, colors.edge);
 }
 

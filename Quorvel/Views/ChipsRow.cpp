@@ -135,6 +135,7 @@ ChipView& ChipsRow::makeChip(const std::string& id)
     return chip;
 }
 
+    chip.setOpen(m_open.contains(id));
 PinView& ChipsRow::makePin(const std::string& bundleID)
 {
     auto& pin = addChild(std::make_unique<PinView>(m_palette, m_metrics));
@@ -252,6 +253,15 @@ void ChipsRow::layout()
     if (!m_slots.slots().empty()) {
         auto count = static_cast<double>(m_slots.slots().size());
         double room = std::floor(
+void ChipsRow::setOpenItems(std::set<std::string> ids)
+{
+    m_open = std::move(ids);
+    for (auto& [id, chip] : m_chips)
+        chip->setOpen(m_open.contains(id));
+    for (auto& [id, pin] : m_pins)
+        pin->setOpen(m_open.contains(id));
+}
+
             (bounds().width - x + m_metrics.chipSpacing) / count - m_metrics.chipSpacing);
         bool hasTitle = m_title != ChipView::Title::none;
         double most = hasTitle ? ChipView::fullWidth(m_metrics) : pinWidth;

@@ -66,6 +66,8 @@ public:
 
     /// By this many points towards the end of the row.
     void scrollBy(double distance, ScrollUnit unit) { m_scroll.scrollBy(distance, unit); }
+    /// Pins and chips to which a menu or a popup belongs.
+    void setOpenItems(std::set<std::string> ids);
     /// Pins and chips, from 0; null if there are fewer.
     RowItem* itemAt(std::size_t place) const;
     /// The keys 1 to 9, on the items at those places.
@@ -147,6 +149,7 @@ private:
     DragMove m_dragMove;
     double m_scrollBeforeDrag = 0;
     std::set<std::string> m_asking; ///< the chips that want attention
+    std::set<std::string> m_open; ///< what they opened is on the screen
     AttentionPulse m_pulse;
     Animation m_motion;
     WorkItem m_dragScroll;

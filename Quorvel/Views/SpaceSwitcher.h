@@ -36,6 +36,8 @@ public:
 
     void setSpaces(const std::vector<SpaceCellData>&);
     void setRightToLeft(bool);
+    /// The list of the spaces is on the screen.
+    void setListOpen(bool isOpen) { m_listButton->setOpen(isOpen); }
     /// The width limit.
     double wantedWidth(double available) const;
     /// A window is being dragged over this cell; absent: over none.

@@ -55,7 +55,7 @@ void ButtonView::paintFace(Canvas& canvas, const Rect& face, double radius) cons
 {
     if (m_isPressed)
         canvas.fillRounded(face, radius, m_palette.buttonPressedFill);
-    else if (m_isHovered)
+    else if (isLit())
         canvas.fillRounded(face, radius, m_palette.buttonHoveredFill);
     if (m_palette.hasEdges)
         canvas.strokeRounded(face, radius, 1, m_palette.edge);

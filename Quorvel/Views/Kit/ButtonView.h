@@ -29,6 +29,8 @@ public:
     bool isAccessible() const override { return true; }
     bool performAccessibleAction(std::size_t) override;
     void setKeyFocused(bool isFocused) override { set(m_hasKeyFocus, isFocused); }
+    /// While something that it opened is on the screen, it looks as under the pointer.
+    void setOpen(bool isOpen) { set(m_isOpen, isOpen); }
     void showContextMenu() override
     {
         if (onSecondaryTapped)
@@ -41,6 +43,8 @@ protected:
     /// It was pressed and let go on the view.
     virtual void clicked(PointerButton);
     bool isHovered() const { return m_isHovered; }
+    /// Under the pointer, or it looks so.
+    bool isLit() const { return m_isHovered || m_isOpen; }
     bool isPressed() const { return m_isPressed; }
     bool hasKeyFocus() const { return m_hasKeyFocus; }
     /// The accessible state of a button with this name and one action.
@@ -58,6 +62,7 @@ protected:
 private:
     const Palette& m_palette;
     bool m_isHovered = false;
+    bool m_isOpen = false;
     bool m_isPressed = false;
     bool m_hasKeyFocus = false;
 };
