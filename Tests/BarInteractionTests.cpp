@@ -504,16 +504,32 @@ TEST_F(BarInteractionTest, titlesGoForAllAlikeWhereThereIsNoRoomForLetters)
     EXPECT_EQ(std::ranges::count(panel().render().texts(), "Window"), 0);
 }
 
-// Fault: sixty windows overlap, or lie where nobody can reach them.
+// Faults: sixty windows overlap, or lie where nobody can reach them, or below an arrow.
 TEST_F(BarInteractionTest, moreChipsThanFitScroll)
 {
     auto many = openMany();
+    auto expectChipsBesideArrows = [&](std::size_t arrows) {
+        auto symbols = panel().render().drawn<DrawnSymbol>();
+        std::erase_if(symbols, [](auto& symbol) {
+            return symbol.symbol != Symbol::chevronLeft && symbol.symbol != Symbol::chevronRight;
+        });
+        EXPECT_THAT(symbols, SizeIs(arrows));
+        for (auto& symbol : symbols) {
+            for (auto& icon : panel().render().drawn<DrawnImage>())
+                EXPECT_FALSE(icon.visible.intersects(symbol.rect));
+            for (auto& [id, frame] : content().chipFrames())
+                EXPECT_FALSE(frame.intersects(symbol.rect));
+        }
+    };
+    expectChipsBesideArrows(1);
     EXPECT_TRUE(chipFrame(many.back())->isEmpty());
     auto width = chipFrame(inbox)->width;
     EXPECT_EQ(width, ChipView::iconWidth(BarMetrics::of(BarSize::medium)));
     auto second = chipFrame(draft)->x;
     panel().scrollSideways(middleOf(inbox), -1);
-    EXPECT_EQ(chipFrame(notes)->x, second) << "a notch of the wheel is a chip";
+    expectChipsBesideArrows(2);
+    EXPECT_EQ(chipFrame(notes)->x, std::max(second, chipFrame(draft)->maxX()))
+        << "a notch of the wheel is a chip";
     for (int i = 0; i < 100; ++i)
         panel().scrollSideways(middleOf(inbox), -1);
     EXPECT_EQ(chipFrame(many.back())->width, width);
@@ -546,7 +562,7 @@ TEST_F(BarInteractionTest, aScrolledRowHoldsStillUnderThePointer)
     auto many = openMany();
     auto end = Point{middleOf(notes).x, 10};
     for (auto& [id, frame] : content().chipFrames())
-        end.x = std::max(end.x, frame.maxX() - 5);
+        end.x = std::max(end.x, frame.maxX() + 5);
     for (int i = 0; i < 10; ++i) {
         panel().click(end);
         desktop.advance(seconds(0.5));

@@ -11,7 +11,24 @@ namespace {
 constexpr double kDragScrollSpeed = 400; ///< points a second
 constexpr int kMostNumbers = 9;
 
+// What is dragged may be anywhere on the bar.
+constexpr Rect kAnywhere{-1e6, -1e6, 2e6, 2e6};
+
 }
+
+/// Where pins and chips are seen.
+class ChipsRow::Items final : public View {
+public:
+    /// One of them is dragged out, above everything else.
+    void setFree(bool isFree) { m_isFree = isFree; }
+
+private:
+    bool clipsChildren() const override { return true; }
+    bool isLifted() const override { return m_isFree; }
+    Rect paintFrame() const override { return m_isFree ? kAnywhere : frame(); }
+
+    bool m_isFree = false;
+};
 
 ChipsRow::ChipsRow(
     const Palette& palette, const BarMetrics& metrics, const Text& text, Dispatch& dispatch)
@@ -19,6 +36,7 @@ ChipsRow::ChipsRow(
     , m_metrics(metrics)
     , m_text(text)
     , m_dispatch(dispatch)
+    , m_items(addChild(std::make_unique<Items>()))
     , m_scroll(*this, palette, dispatch)
     , m_pulse(dispatch,
           [this](double strength) {
@@ -62,7 +80,7 @@ bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
     std::erase_if(m_chips, [&](auto& entry) {
         if (present.contains(entry.first))
             return false;
-        removeChild(*entry.second);
+        m_items.removeChild(*entry.second);
         return true;
     });
     updatePulse(std::move(asking));
@@ -95,7 +113,7 @@ void ChipsRow::updatePins()
     std::erase_if(m_pins, [&](auto& entry) {
         if (std::ranges::find(order, entry.first) != order.end())
             return false;
-        removeChild(*entry.second);
+        m_items.removeChild(*entry.second);
         return true;
     });
     if (std::exchange(m_pinOrder, order) != order)
@@ -114,9 +132,10 @@ void ChipsRow::updatePulse(std::set<std::string> asking)
 
 ChipView& ChipsRow::makeChip(const std::string& id)
 {
-    auto& chip = addChild(std::make_unique<ChipView>(m_palette, m_metrics, m_text));
+    auto& chip = m_items.addChild(std::make_unique<ChipView>(m_palette, m_metrics, m_text));
     chip.setRightToLeft(m_isRightToLeft);
     chip.setTitle(m_title);
+    chip.setOpen(m_open.contains(id));
     chip.onClick = [this](const ChipView& clicked, ChipView::Click click) {
         if (onChip.clicked)
             onChip.clicked(clicked, click);
@@ -131,14 +150,12 @@ ChipView& ChipsRow::makeChip(const std::string& id)
     };
     chip.drag.onDrag = dragOf(chip, id, DragKind::chip);
     m_chips.emplace(id, &chip);
-    m_scroll.raiseArrows();
     return chip;
 }
 
-    chip.setOpen(m_open.contains(id));
 PinView& ChipsRow::makePin(const std::string& bundleID)
 {
-    auto& pin = addChild(std::make_unique<PinView>(m_palette, m_metrics));
+    auto& pin = m_items.addChild(std::make_unique<PinView>(m_palette, m_metrics));
     pin.setRightToLeft(m_isRightToLeft);
     pin.onTapped = [this, &pin] {
         if (onPin.clicked)
@@ -154,7 +171,6 @@ PinView& ChipsRow::makePin(const std::string& bundleID)
     };
     pin.drag.onDrag = dragOf(pin, bundleID, DragKind::pin);
     m_pins.emplace(bundleID, &pin);
-    m_scroll.raiseArrows();
     return pin;
 }
 
@@ -237,6 +253,15 @@ ChipView* ChipsRow::keyFocusedChip() const
     return found == m_chips.end() ? nullptr : found->second;
 }
 
+void ChipsRow::setOpenItems(std::set<std::string> ids)
+{
+    m_open = std::move(ids);
+    for (auto& [id, chip] : m_chips)
+        chip->setOpen(m_open.contains(id));
+    for (auto& [id, pin] : m_pins)
+        pin->setOpen(m_open.contains(id));
+}
+
 // MARK: Where everything is
 
 void ChipsRow::layout()
@@ -253,15 +278,6 @@ void ChipsRow::layout()
     if (!m_slots.slots().empty()) {
         auto count = static_cast<double>(m_slots.slots().size());
         double room = std::floor(
-void ChipsRow::setOpenItems(std::set<std::string> ids)
-{
-    m_open = std::move(ids);
-    for (auto& [id, chip] : m_chips)
-        chip->setOpen(m_open.contains(id));
-    for (auto& [id, pin] : m_pins)
-        pin->setOpen(m_open.contains(id));
-}
-
             (bounds().width - x + m_metrics.chipSpacing) / count - m_metrics.chipSpacing);
         bool hasTitle = m_title != ChipView::Title::none;
         double most = hasTitle ? ChipView::fullWidth(m_metrics) : pinWidth;
@@ -286,6 +302,8 @@ void ChipsRow::setOpenItems(std::set<std::string> ids)
 
 void ChipsRow::placeAll()
 {
+    m_scroll.placeArrows(isHeld());
+    m_items.setFrame(m_scroll.roomForItems());
     auto shownAt = [&](const std::string& id) {
         auto moving = m_shown.find(id);
         return moving == m_shown.end() ? m_places.at(id) : moving->second;
@@ -296,16 +314,20 @@ void ChipsRow::placeAll()
         if (auto chip = m_chips.find(id); chip != m_chips.end())
             place(*chip->second, shownAt(id), m_chipWidth);
     }
-    m_scroll.placeArrows(isHeld());
     if (auto* host_ = host())
         host_->viewsDidMove();
 }
 
-void ChipsRow::place(View& view, double x, double width)
+void ChipsRow::place(View& view, double slot, double width)
 {
-    double left = x - m_scroll.offset();
-    view.setFrame(
-        {m_isRightToLeft ? bounds().width - left - width : left, 0, width, bounds().height});
+    double left = slot - m_scroll.offset();
+    double x = m_isRightToLeft ? bounds().width - left - width : left;
+    view.setFrame({x - m_items.frame().x, 0, width, bounds().height});
+}
+
+void ChipsRow::reveal(const View& view)
+{
+    m_scroll.reveal(view.frame().translated(m_items.frame().x, 0));
 }
 
 std::vector<RowItem*> ChipsRow::itemsInOrder() const
@@ -351,14 +373,14 @@ RowItem* ChipsRow::item(const std::string& id) const
 
 Rect ChipsRow::paintFrame() const
 {
-    // What is dragged may be anywhere on the bar.
-    return m_drag ? Rect{-1e6, -1e6, 2e6, 2e6} : frame();
+    return m_drag ? kAnywhere : frame();
 }
 
 Rect ChipsRow::visibleFrame(const View& view) const
 {
-    auto visible = view.frame().intersected(bounds());
-    return visible.isEmpty() ? Rect{} : visible.translated(frameInRoot().x, frameInRoot().y);
+    auto visible = view.frame().intersected(m_items.bounds());
+    auto place = m_items.frameInRoot();
+    return visible.isEmpty() ? Rect{} : visible.translated(place.x, place.y);
 }
 
 std::vector<std::pair<std::string, Rect>> ChipsRow::chipFrames() const
@@ -412,7 +434,8 @@ void ChipsRow::beginDrag(RowItem& lifted, const std::string& id, DragKind kind)
     m_dragKind = kind;
     m_scrollBeforeDrag = m_scroll.offset();
     m_drag.emplace(id, std::move(frames), std::move(visible));
-    raiseChild(lifted);
+    m_items.raiseChild(lifted);
+    m_items.setFree(true);
     lifted.setLifted(true);
 }
 
@@ -461,7 +484,7 @@ void ChipsRow::endDrag(RowItem& lifted, DragPhase phase)
     auto drag = *std::exchange(m_drag, std::nullopt);
     m_dragScroll = {};
     lifted.setLifted(false);
-    m_scroll.raiseArrows();
+    m_items.setFree(false);
     auto* chip = m_dragKind == DragKind::chip ? m_chips.at(drag.draggedID()) : nullptr;
     bool isDropped = phase == DragPhase::dropped;
     if (isDropped && chip && onChip.dropped && onChip.dropped(*chip, m_dragMove.pointer))
@@ -503,11 +526,11 @@ void ChipsRow::abandonDrag()
         dragged->invalidateLifted();
     bool wasChip = m_dragKind == DragKind::chip;
     m_drag.reset();
+    m_items.setFree(false);
     m_dragScroll = {};
     m_motion.stop();
     m_shown.clear();
     placeAll();
-    m_scroll.raiseArrows();
     if (wasChip && onChip.dragEnded)
         onChip.dragEnded();
 }

@@ -26,8 +26,8 @@ namespace quorvel {
 /// when the pointer leaves; until then a row without room for a new chip continues out of sight.
 ///
 /// Chips shrink down to their icons, which are told apart more easily than titles of three letters;
-/// then the row scrolls, with an arrow at each end where there is more. Chips and pins can each be
-/// reordered among their own kind.
+/// then the row scrolls, with an arrow beside them at each end where there is more. Chips and pins
+/// can each be reordered among their own kind.
 class ChipsRow final : public View {
 public:
     /// How long the others take to make room, and the dropped one to settle into its place.
@@ -88,12 +88,12 @@ public:
     std::vector<std::pair<std::string, Rect>> pinFrames() const;
 
 private:
+    class Items;
     enum class DragKind { chip, pin };
 
     void pointerEntered() override;
     void pointerExited() override;
     void layout() override;
-    bool clipsChildren() const override { return true; }
     Rect paintFrame() const override;
 
     /// True if a chip was made that has no place yet.
@@ -105,9 +105,9 @@ private:
     bool isHeld() const { return m_isHovered || m_drag; }
     void updatePulse(std::set<std::string> asking);
 
-    void reveal(const View& view) override { m_scroll.reveal(view.frame()); }
+    void reveal(const View&) override;
     void placeAll();
-    void place(View&, double x, double width);
+    void place(View&, double slot, double width);
     void numberItems();
     std::vector<RowItem*> itemsInOrder() const;
     RowItem* item(const std::string& id) const;
@@ -136,6 +136,7 @@ private:
     bool m_showsNumbers = false;
     ChipView::Title m_title = ChipView::Title::window;
     double m_chipWidth = 0;
+    Items& m_items; ///< holds pins and chips; the arrows stand beside it
     RowScroll m_scroll;
     RowSlots m_slots;
     std::map<std::string, ChipView*> m_chips;
@@ -148,8 +149,8 @@ private:
     DragKind m_dragKind{};
     DragMove m_dragMove;
     double m_scrollBeforeDrag = 0;
-    std::set<std::string> m_asking; ///< the chips that want attention
     std::set<std::string> m_open; ///< what they opened is on the screen
+    std::set<std::string> m_asking; ///< the chips that want attention
     AttentionPulse m_pulse;
     Animation m_motion;
     WorkItem m_dragScroll;

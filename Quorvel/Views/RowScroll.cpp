@@ -31,13 +31,6 @@ RowScroll::RowScroll(View& row, const Palette& palette, Dispatch& dispatch)
     };
 }
 
-void RowScroll::setRightToLeft(bool isRightToLeft)
-{
-    m_isRightToLeft = isRightToLeft;
-    m_backArrow.setRightToLeft(isRightToLeft);
-    m_forwardArrow.setRightToLeft(isRightToLeft);
-}
-
 void RowScroll::setContent(double width, double itemWidth)
 {
     m_contentWidth = width;
@@ -110,10 +103,11 @@ void RowScroll::placeArrows(bool isHeld)
     place(m_forwardArrow, hasAfter, row.width - (hasAfter ? ScrollArrow::kWidth : 0));
 }
 
-void RowScroll::raiseArrows()
+Rect RowScroll::roomForItems() const
 {
-    m_row.raiseChild(m_backArrow);
-    m_row.raiseChild(m_forwardArrow);
+    auto row = m_row.bounds();
+    double left = m_backArrow.frame().width;
+    return {left, 0, std::max(0.0, row.width - left - m_forwardArrow.frame().width), row.height};
 }
 
 }

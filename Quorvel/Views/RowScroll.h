@@ -15,12 +15,12 @@ struct Palette;
 /// row asks for the offset when it places its children. Main thread.
 class RowScroll {
 public:
-    /// The arrows become children of the row.
+    /// The arrows become children of the row, above what it has by then.
     RowScroll(View& row, const Palette&, Dispatch&);
 
     std::function<void()> onScrolled;
 
-    void setRightToLeft(bool);
+    void setRightToLeft(bool isRightToLeft) { m_isRightToLeft = isRightToLeft; }
     void setReducesMotion(bool value) { m_reducesMotion = value; }
     void setFrameInterval(Duration interval) { m_frameInterval = interval; }
     /// Points. An arrow scrolls by at least one item.
@@ -39,8 +39,8 @@ public:
     /// While the row is held, no arrow appears over what the pointer may be on, unless the user
     /// scrolls, and none disappears under the pointer.
     void placeArrows(bool isHeld);
-    /// They cover the ends of the row.
-    void raiseArrows();
+    /// The part of the row that the arrows leave to the items, in the row's coordinates.
+    Rect roomForItems() const;
 
 private:
     void step(double direction);

@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-/// Appears at the end of a row where there is more than is visible, over the items it covers.
+/// Appears at the end of a row where there is more than is visible.
 class ScrollArrow final : public ButtonView {
 public:
     enum class Towards { left, right };
@@ -14,9 +14,6 @@ public:
     }
 
     static constexpr double kWidth = 22;
-
-    /// A canvas mirrors content that runs from the leading to the trailing end.
-    void setRightToLeft(bool isRightToLeft) { set(m_isRightToLeft, isRightToLeft); }
 
     std::function<void()> onPointerLeft;
 
@@ -33,7 +30,6 @@ private:
     void paint(Canvas&) const override;
 
     Towards m_towards;
-    bool m_isRightToLeft = false;
 };
 
 }
