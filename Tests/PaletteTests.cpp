@@ -2,6 +2,7 @@
 
 #include "Quorvel/Core/LaunchPermissionCenter.h"
 #include "Quorvel/Core/PermissionsGateModel.h"
+#include "Quorvel/Views/BarBackground.h"
 #include "Quorvel/Views/PermissionsGatePanel.h"
 #include "Tests/Support/BarFixture.h"
 
@@ -14,8 +15,11 @@ struct PaletteTest : ThreeWindows {
     void expectContrast(const FakePanel& surface, const Palette& palette)
     {
         std::vector<std::pair<Rect, Color>> fills{{surface.bounds(), palette.ground}};
+        std::vector<DrawnGradient> gradients;
         auto check = [&](const Color& ink, Point at, const std::string& what) {
             auto ground = palette.ground;
+            for (auto& gradient : gradients)
+                ground = gradient.rect.contains(at) ? over(colorAt(gradient, at), ground) : ground;
             for (auto& [rect, color] : fills)
                 ground = rect.contains(at) ? over(color, ground) : ground;
             EXPECT_GE(contrast(ink, ground), palette.leastContrast - 1e-9) << what;
@@ -23,8 +27,13 @@ struct PaletteTest : ThreeWindows {
         };
         auto drawn = surface.render();
         for (auto& operation : drawn.operations()) {
-            if (auto* text = std::get_if<DrawnText>(&operation))
-                check(text->style.color, text->rect.centre(), text->text);
+            if (auto* text = std::get_if<DrawnText>(&operation)) {
+                for (double part : {-0.5, 0.0, 0.5}) {
+                    auto at = text->rect.centre().translated(0, part * text->style.size);
+                    check(text->style.color, at, text->text);
+                }
+            } else if (auto* gradient = std::get_if<DrawnGradient>(&operation))
+                gradients.push_back(*gradient);
             else if (auto* symbol = std::get_if<DrawnSymbol>(&operation))
                 check(symbol->color, symbol->rect.centre(), "symbol");
             else if (auto* ring = std::get_if<DrawnStroke>(&operation); ring && ring->width > 1)
@@ -35,6 +44,20 @@ struct PaletteTest : ThreeWindows {
                 fills.emplace_back(fill->rect, fill->color);
             }
         }
+    }
+    /// Of a gradient from the top to the bottom.
+    static Color colorAt(const DrawnGradient& gradient, Point at)
+    {
+        double place = (at.y - gradient.rect.y) / gradient.rect.height;
+        auto after = std::ranges::find_if(
+            gradient.stops, [&](auto& stop) { return stop.position >= place; });
+        if (after == gradient.stops.begin() || after == gradient.stops.end())
+            return after == gradient.stops.end() ? gradient.stops.back().color : after->color;
+        auto& [from, first] = after[-1];
+        double share = (place - from) / (after->position - from);
+        auto mixed = [share](double a, double b) { return a + (b - a) * share; };
+        return {mixed(first.red, after->color.red), mixed(first.green, after->color.green),
+            mixed(first.blue, after->color.blue), mixed(first.alpha, after->color.alpha)};
     }
     std::map<std::string, int> checked;
 };
@@ -63,9 +86,11 @@ TEST_F(PaletteTest, textAndMarksStandOutInEveryLook)
                 .increaseContrast = look % 4 < 2,
                 .accent = accents[look / 4]};
             SCOPED_TRACE(look);
+            auto theme = kAllBarThemes[std::size_t(look % 3)];
+            runtime->userSettings().setTheme(theme);
             desktop.program().setAppearance(appearance);
             desktop.advance(seconds(0.3));
-            auto palette = Palette::of(appearance);
+            auto palette = Palette::of(appearance, BarBackground::ground(theme, appearance));
             auto asking = over(palette.attention, over(palette.fill, palette.ground));
             EXPECT_GT(asking.red - asking.blue, 0.08);
             EXPECT_EQ(palette.leastContrast, appearance.increaseContrast ? 7 : 4.5);

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/VisualEffectBlur.h"
 
 namespace quorvel {
@@ -33,12 +32,23 @@ Rect bottomLine(const Rect& bar)
 
 }
 
+/// With the shine where letters are, which is in the middle half.
+Palette::Ground LonghornThemeBackground::ground(bool isDark)
+{
+    return {isDark ? Color{0.13, 0.18, 0.26} : Color{0.76, 0.82, 0.91}, {white(0.09), black(0.03)}};
+}
+
 void LonghornThemeBackground::paint(Canvas& canvas, const Rect& bar)
 {
     canvas.fillGradient(bar, GradientDirection::topToBottom,
         {{0, white(0.12)}, {0.5, white(0.05)}, {1, black(0.08)}});
     canvas.fill(topLine(bar), white(0.18));
     canvas.fill(bottomLine(bar), black(0.12));
+}
+
+Palette::Ground AeroThemeBackground::ground(bool isDark)
+{
+    return {isDark ? Color{0.03, 0.05, 0.07} : Color{0.68, 0.78, 0.80}, {white(0.08)}};
 }
 
 void AeroThemeBackground::paint(Canvas& canvas, const Rect& bar)
@@ -66,6 +76,21 @@ void BarBackground::setOpaque(bool isOpaque)
 {
     if (std::exchange(m_isOpaque, isOpaque) != isOpaque)
         invalidate();
+}
+
+std::optional<Palette::Ground> BarBackground::ground(BarTheme theme, const Appearance& appearance)
+{
+    if (appearance.reduceTransparency || appearance.increaseContrast)
+        return {};
+    switch (theme) {
+    case BarTheme::longhorn:
+        return LonghornThemeBackground::ground(appearance.isDark);
+    case BarTheme::aero:
+        return AeroThemeBackground::ground(appearance.isDark);
+    case BarTheme::frosted:
+        break;
+    }
+    return {};
 }
 
 std::optional<VisualEffect> BarBackground::blur(BarTheme theme, const Appearance& appearance)

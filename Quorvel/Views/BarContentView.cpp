@@ -276,7 +276,6 @@ void BarContentView::settingsDidChange()
 void BarContentView::appearanceDidChange()
 {
     auto& appearance = m_inputs.platform.application.appearance().value();
-    m_palette = Palette::of(appearance);
     m_spaceSwitcher->setRightToLeft(appearance.isRightToLeft);
     m_row->setReducesMotion(appearance.reduceMotion);
     updateBackground();
@@ -288,6 +287,9 @@ void BarContentView::updateBackground()
 {
     auto& appearance = m_inputs.platform.application.appearance().value();
     auto theme = m_inputs.settings.theme();
+    m_palette = Palette::of(appearance, BarBackground::ground(theme, appearance));
+    if (m_background->theme() != theme)
+        invalidate();
     m_background->setTheme(theme);
     m_background->setAppearance(appearance);
     bool isBlurred = m_inputs.surface.setBlursBehind(BarBackground::blur(theme, appearance));
@@ -440,17 +442,15 @@ void BarContentView::openMenu(
 {
     if (!onMenuRequested)
         return;
-    m_popups.setMenuOpen(kind);
-    onMenuRequested(std::move(menu), anchor, [weak = m_weak.reference()](MenuEnding ending) {
     ++m_openMenus;
     showMenuOf(std::move(item));
+    m_popups.setMenuOpen(kind);
+    onMenuRequested(std::move(menu), anchor, [weak = m_weak.reference()](MenuEnding ending) {
         if (auto* view = weak.get())
             view->menuDidClose(ending);
     });
 }
 
-ChipMenuContext BarContentView::menuContext()
-{
 void BarContentView::menuDidClose(MenuEnding ending)
 {
     if (--m_openMenus > 0)
@@ -479,6 +479,8 @@ void BarContentView::openItemsDidChange()
     m_row->setOpenItems(std::move(open));
 }
 
+ChipMenuContext BarContentView::menuContext()
+{
     return {m_inputs.viewModel, m_inputs.pinStore, m_inputs.platform.workspace, m_inputs.spaceID,
         m_spaceSwitcher->spaces(), m_inputs.onMoveWindowToSpaceRequested,
         [weak = m_weak.reference()](const std::string& bundleID) {

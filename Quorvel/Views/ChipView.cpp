@@ -311,6 +311,13 @@ void ChipView::paintProgress(Canvas& canvas, const Parts& layout) const
     canvas.restore();
 }
 
+/// A colour that leaves no room for quieter text.
+bool ChipView::hasWash() const
+{
+    return wantsAttention(m_item)
+        || fieldOf(m_item, [](auto& data) { return data.progress.has_value(); });
+}
+
 void ChipView::paintPill(Canvas& canvas, const Rect& rect, std::string_view text, const Color& fill,
     const Color& ink) const
 {
@@ -339,7 +346,7 @@ void ChipView::paintItem(Canvas& canvas) const
         canvas.drawText(title(), layout.title,
             {.size = titleSize(metrics()),
                 .weight = FontWeight::regular,
-                .color = isDimmed ? colors.quietText : colors.text});
+                .color = isDimmed && !hasWash() ? colors.quietText : colors.text});
     }
     if (!layout.count.isEmpty())
         paintPill(canvas, layout.count, count(), colors.countFill, colors.text);

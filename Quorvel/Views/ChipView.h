@@ -75,6 +75,7 @@ private:
 
     void paintItem(Canvas&) const override;
     void paintGround(Canvas&, const Parts&) const;
+    bool hasWash() const;
     void paintProgress(Canvas&, const Parts&) const;
     void paintPill(Canvas&, const Rect&, std::string_view, const Color& fill, const Color&) const;
     Parts parts() const;

@@ -63,8 +63,10 @@ void SearchPanelContent::setList(View& holder, ListView& list)
         = &addChild(std::make_unique<AppLauncherPlaceholder>(m_inputs.platform.text, m_palette));
     keep(m_inputs.platform.application.appearance().subscribe(
         [this](auto&) { appearanceDidChange(); }));
-    keep(m_inputs.settings.data().subscribe(
-        [this](auto&) { m_background->setTheme(m_inputs.settings.theme()); }));
+    keep(m_inputs.settings.data().subscribe([this](auto&) {
+        if (m_background->theme() != m_inputs.settings.theme())
+            appearanceDidChange();
+    }));
     appearanceDidChange();
 }
 
@@ -97,7 +99,8 @@ void SearchPanelContent::setListShown(bool isShown)
 void SearchPanelContent::appearanceDidChange()
 {
     auto& appearance = m_inputs.platform.application.appearance().value();
-    m_palette = Palette::of(appearance);
+    m_palette
+        = Palette::of(appearance, BarBackground::ground(m_inputs.settings.theme(), appearance));
     m_title->measureAgain();
     m_placeholder->measureAgain();
     m_searchField->field().appearanceDidChange();

@@ -165,24 +165,34 @@ void setBadge(Palette& palette)
 
 }
 
-Palette Palette::of(const Appearance& appearance)
+Palette Palette::of(const Appearance& appearance, const std::optional<Ground>& ground)
 {
     bool isDark = appearance.isDark;
     auto palette = isDark ? darkPalette(appearance.increaseContrast)
                           : lightPalette(appearance.increaseContrast);
     palette.hasEdges = appearance.increaseContrast;
     palette.leastContrast = appearance.increaseContrast ? kIncreasedContrast : kLeastContrast;
+    if (ground)
+        palette.ground = ground->color;
     auto end = isDark ? kWhite : kBlack;
     auto groundEnd = isDark ? kBlack : kWhite;
     auto least = palette.leastContrast;
     auto accent = appearance.accent.value_or(isDark ? kAccentOnDark : kAccent);
 
-    auto chips = laidOver({palette.ground},
-        {palette.fill, palette.hoveredFill, palette.pressedFill, palette.focusedFill,
-            palette.focusedHoveredFill});
+    Grounds chipFills{palette.fill, palette.hoveredFill, palette.pressedFill, palette.focusedFill,
+        palette.focusedHoveredFill};
+    auto chips = laidOver({palette.ground}, chipFills);
     auto buttons = laidOver(
         {palette.ground}, {Color{}.withAlpha(0), palette.buttonHoveredFill, palette.focusedFill});
-    palette.progress = washOf(accent, isDark ? 0.32 : 0.22, groundEnd, palette.text, chips, least);
+    auto shine = ground ? ground->shine : Grounds{};
+    shine.push_back(Color{}.withAlpha(0));
+    auto bare = laidOver({palette.ground}, shine);
+    auto titled = laidOver(bare, chipFills);
+    palette.text = inkLike(palette.text, end, titled, least);
+    palette.progress = washOf(accent, isDark ? 0.32 : 0.22, groundEnd, palette.text, titled, least);
+    auto quiet = titled;
+    quiet.insert(quiet.end(), bare.begin(), bare.end());
+    palette.quietText = inkLike(palette.quietText, end, quiet, least);
     palette.accentFill = accent.withAlpha(isDark ? 0.16 : 0.1);
     auto windows = laidOver(
         {palette.windowGround, palette.windowCard}, {Color{}.withAlpha(0), palette.accentFill});
@@ -193,9 +203,9 @@ Palette Palette::of(const Appearance& appearance)
     palette.attentionMark = inkLike(kAttention, end, marked, least);
 
     // What asks for attention has no focus, but perhaps a progress.
-    auto asking = laidOver({palette.ground}, {palette.fill, palette.hoveredFill});
-    for (auto& ground : laidOver(asking, {palette.progress}))
-        asking.push_back(ground);
+    auto asking = laidOver(bare, {palette.fill, palette.hoveredFill});
+    for (auto& color : laidOver(asking, {palette.progress}))
+        asking.push_back(color);
     auto cards
         = laidOver({palette.popupGround}, {palette.buttonHoveredFill, palette.buttonPressedFill});
     asking.insert(asking.end(), cards.begin(), cards.end());

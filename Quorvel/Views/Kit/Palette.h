@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <vector>
+
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Platform/Geometry.h"
 
@@ -7,10 +10,16 @@ namespace quorvel {
 
 /// The colours of everything the views draw, made for one appearance. Text and marks stand out by
 /// at least `leastContrast` from whatever they lie on, with the system's accent colour too, which
-/// is made lighter or darker as far as that takes. Only where the desktop or a theme's shine shows
-/// through is the ground not known.
+/// is made lighter or darker as far as that takes. Only where the desktop shows through is
+/// the ground not known.
 struct Palette {
-    static Palette of(const Appearance&);
+    /// What lies below everything else on a bar.
+    struct Ground {
+        Color color; ///< opaque
+        std::vector<Color> shine; ///< what of a gradient text may meet over it
+    };
+    /// On a plain ground, if none is given.
+    static Palette of(const Appearance&, const std::optional<Ground>& = {});
 
     double leastContrast = 4.5; ///< as WCAG 2 counts it, from 1 to 21
     bool hasEdges = false; ///< everything that can be clicked has an edge, for more contrast
