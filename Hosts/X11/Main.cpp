@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <unistd.h>
@@ -12,6 +13,7 @@
 #include "Hosts/Linux/Applications/DesktopBundles.h"
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Hosts/Linux/Applications/DirectoryEvents.h"
+#include "Hosts/Linux/Applications/IconPictures.h"
 #include "Hosts/Linux/Applications/Icons.h"
 #include "Hosts/Linux/Applications/XdgFolders.h"
 #include "Hosts/Linux/Desktop/SettingsProgram.h"
@@ -19,6 +21,7 @@
 #include "Hosts/Linux/Loop/FdSource.h"
 #include "Hosts/Linux/Loop/GLibDispatch.h"
 #include "Hosts/Linux/PanelEnvironment.h"
+#include "Hosts/Linux/Pictures/PictureDecoding.h"
 #include "Hosts/Posix/Invocation.h"
 #include "Hosts/Posix/PosixFiles.h"
 #include "Hosts/Posix/StandardStreams.h"
@@ -70,11 +73,13 @@ int runBar(Display display, const CommandLine& line, ControlChannel& control, Tr
     Monitors monitors{*connection, dispatch, settings.looks()};
     PanelEnvironment environment;
     DesktopEntries entries{dispatch};
-    Icons icons{entries};
+    IconPictures pictures{dispatch, DecoderProcess::ownCommand()};
+    Icons icons{entries, pictures};
     icons.follow(settings.looks());
     X11Application application{*connection, settings.looks()};
     auto replaced = display.claim->lost.subscribe([&] { application.terminate(); });
     X11Surfaces surfaces{*connection, dispatch, monitors, environment, application.appearance()};
+    auto picturesArrived = pictures.arrived.subscribe([&] { surfaces.repaintAll(); });
     AccessibleExport accessible{dispatch, surfaces.accessible(), environment};
     DesktopServices desktop{*connection, dispatch, monitors, environment, entries, icons};
     X11ScreenCapture screenCapture{desktop.model(), dispatch, connection.get()};
@@ -115,6 +120,8 @@ int runBar(Display display, const CommandLine& line, ControlChannel& control, Tr
 int main(int count, char** values)
 {
     using namespace quorvel;
+    if (count == 2 && std::string_view{values[1]} == xdg::kDecodePictures)
+        return xdg::decodePictures();
     std::setlocale(LC_ALL, "");
     posix::secureStandardStreams();
     xdg::useGettext();

@@ -6,9 +6,11 @@
 #include "Hosts/Linux/Applications/DesktopBundles.h"
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Hosts/Linux/Applications/DirectoryEvents.h"
+#include "Hosts/Linux/Applications/IconPictures.h"
 #include "Hosts/Linux/Applications/Icons.h"
 #include "Hosts/Linux/Drawing/PixelPicture.h"
 #include "Hosts/Linux/Loop/GLibDispatch.h"
+#include "Hosts/Linux/Pictures/PictureDecoding.h"
 #include "Quorvel/Core/AppLauncher.h"
 #include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
@@ -82,7 +84,8 @@ TEST_F(CatalogueTest, isSearchedWhileItIsMadeAnew)
 TEST_F(CatalogueTest, iconsAreDrawnOnOtherThreadsWhileTheThemeChanges)
 {
     ASSERT_TRUE(eventually([&] { return app("program0") != nullptr; }));
-    Icons icons{entries};
+    IconPictures pictures{dispatch, {QUORVEL_PROGRAM, kDecodePictures}};
+    Icons icons{entries, pictures};
     const auto path = app("program0")->path().path;
     std::optional<IconPicture> picture;
     const auto queue = dispatch.makeSerialQueue("icons", QualityOfService::userInitiated);

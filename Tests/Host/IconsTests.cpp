@@ -9,8 +9,10 @@
 #include <sys/stat.h>
 
 #include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/IconPictures.h"
 #include "Hosts/Linux/Applications/IconTheme.h"
 #include "Hosts/Linux/Drawing/IconImage.h"
+#include "Hosts/Linux/Pictures/PictureDecoding.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
 #include "Tests/Support/VirtualDispatch.h"
 
@@ -21,28 +23,11 @@ constexpr std::uint32_t kRed = 0xFFFF0000;
 constexpr std::uint32_t kGreen = 0xFF00FF00;
 constexpr std::uint32_t kBlue = 0xFF0000FF;
 
-cairo_surface_t* rendered(const Image& image, int pixels)
-{
-    const auto* icon = dynamic_cast<const IconImage*>(image.get());
-    return icon ? icon->rendered(pixels) : nullptr;
-}
-
 std::uint32_t pixel(cairo_surface_t* surface, int x, int y)
 {
     const auto* row
         = cairo_image_surface_get_data(surface) + y * cairo_image_surface_get_stride(surface);
     return reinterpret_cast<const std::uint32_t*>(row)[x];
-}
-
-/// The colour in the middle of the picture at this size; 0 for no picture.
-std::uint32_t middle(const Image& image, int pixels)
-{
-    auto* surface = rendered(image, pixels);
-    if (!surface)
-        return 0;
-    EXPECT_EQ(cairo_image_surface_get_width(surface), pixels);
-    EXPECT_EQ(cairo_image_surface_get_height(surface), pixels);
-    return pixel(surface, pixels / 2, pixels / 2);
 }
 
 IconPixels filled(int width, int height, std::uint32_t argb)
@@ -90,10 +75,30 @@ protected:
         return icons.forEntry(installed.install("app", "Icon=" + value + '\n'));
     }
 
+    /// As soon as it has been decoded.
+    cairo_surface_t* rendered(const Image& image, int pixels)
+    {
+        const auto* icon = dynamic_cast<const IconImage*>(image.get());
+        if (icon && !icon->rendered(pixels))
+            dispatch.drain();
+        return icon ? icon->rendered(pixels) : nullptr;
+    }
+    /// The colour in the middle of the picture at this size; 0 for no picture.
+    std::uint32_t middle(const Image& image, int pixels)
+    {
+        auto* surface = rendered(image, pixels);
+        if (!surface)
+            return 0;
+        EXPECT_EQ(cairo_image_surface_get_width(surface), pixels);
+        EXPECT_EQ(cairo_image_surface_get_height(surface), pixels);
+        return pixel(surface, pixels / 2, pixels / 2);
+    }
+
     test::InstalledApplications installed;
     test::VirtualDispatch dispatch;
     DesktopEntries entries{dispatch};
-    Icons icons{entries};
+    IconPictures pictures{dispatch, {QUORVEL_PROGRAM, kDecodePictures}};
+    Icons icons{entries, pictures};
 };
 
 TEST_F(IconFiles, usesTheFileMadeForTheSizeElseTheNextLargerOne)
@@ -202,7 +207,7 @@ TEST_F(IconFiles, thereIsAlwaysAGenericPicture)
     EXPECT_EQ(icons.generic(), drawn);
 
     png("system/icons/hicolor/32/apps/application-x-executable.png", 32, kGreen);
-    EXPECT_EQ(middle((Icons{entries}.generic()), 32), kGreen);
+    EXPECT_EQ(middle((Icons{entries, pictures}.generic()), 32), kGreen);
 }
 
 TEST_F(IconFiles, windowPixelsAreScaledFromTheNextLargerSizeAndKeepTheirProportions)
@@ -228,7 +233,7 @@ TEST_F(IconFiles, keepsWhatWasUsedLastWithinItsBytesAndTheRestComesAgain)
 {
     static constexpr int side = 32;
     constexpr std::size_t bytes = side * side * 4;
-    Icons few{entries, 5 * bytes};
+    Icons few{entries, pictures, 5 * bytes};
     int reloads = 0;
     bool isGone = false;
     auto give = [&](std::uint32_t argb) {

@@ -1,6 +1,6 @@
 #include "Hosts/Linux/Applications/DesktopKeyFile.h"
 
-#include "Hosts/Linux/Applications/FileReading.h"
+#include "Hosts/Linux/FileReading.h"
 
 namespace quorvel::xdg {
 

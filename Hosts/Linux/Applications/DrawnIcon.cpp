@@ -55,11 +55,11 @@ void drawWindow(cairo_t* context, double side)
 
 }
 
-SurfacePointer DrawnIcon::draw(int pixels) const
+std::optional<SurfacePointer> DrawnIcon::draw(int pixels) const
 {
     auto square = makeSquare(pixels);
     if (!square)
-        return nullptr;
+        return std::nullopt;
     cairo_t* context = cairo_create(square.get());
     drawWindow(context, pixels);
     cairo_destroy(context);

@@ -10,7 +10,7 @@ public:
     using RenderedIcon::RenderedIcon;
 
 protected:
-    SurfacePointer draw(int pixels) const override;
+    std::optional<SurfacePointer> draw(int pixels) const override;
 };
 
 }

@@ -8,11 +8,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "Hosts/Linux/Applications/FileReading.h"
 #include "Hosts/Linux/Applications/IconFile.h"
 #include "Hosts/Linux/Applications/IconThemeFile.h"
 #include "Hosts/Linux/Applications/KeyFileReader.h"
 #include "Hosts/Linux/Applications/XdgFolders.h"
+#include "Hosts/Linux/FileReading.h"
 
 namespace quorvel::xdg {
 namespace {

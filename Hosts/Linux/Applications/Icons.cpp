@@ -6,6 +6,7 @@
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Hosts/Linux/Applications/DrawnIcon.h"
 #include "Hosts/Linux/Applications/IconFile.h"
+#include "Hosts/Linux/Applications/IconPictures.h"
 #include "Hosts/Linux/Applications/IconTheme.h"
 #include "Hosts/Linux/Applications/PixelIcon.h"
 #include "Hosts/Linux/Drawing/PixelPicture.h"
@@ -15,33 +16,41 @@ namespace {
 
 constexpr const char* kGenericName = "application-x-executable";
 
+IconPictures::Files filesForSize(const std::vector<IconCandidate>& candidates, int pixels)
+{
+    IconPictures::Files files;
+    for (auto& candidate : sortedForSize(candidates, pixels))
+        files.push_back(std::move(candidate.path));
+    return files;
+}
+
 /// Files of one picture in several sizes.
 class FileIcon final : public RenderedIcon {
 public:
-    FileIcon(std::vector<IconCandidate> files, std::shared_ptr<PixelBudget> budget)
+    FileIcon(std::vector<IconCandidate> candidates, IconPictures& pictures,
+        std::shared_ptr<PixelBudget> budget)
         : RenderedIcon(std::move(budget))
-        , m_files(std::move(files))
+        , m_candidates(std::move(candidates))
+        , m_pictures(pictures)
     {
     }
 
 protected:
-    SurfacePointer draw(int pixels) const override
+    std::optional<SurfacePointer> draw(int pixels) const override
     {
-        for (const auto& file : sortedForSize(m_files, pixels)) {
-            if (auto surface = drawIconFile(file.path, pixels))
-                return surface;
-        }
-        return nullptr;
+        return m_pictures.find(filesForSize(m_candidates, pixels), pixels);
     }
 
 private:
-    std::vector<IconCandidate> m_files;
+    const std::vector<IconCandidate> m_candidates;
+    IconPictures& m_pictures;
 };
 
 }
 
-Icons::Icons(DesktopEntries& entries, std::size_t pixelBytes)
+Icons::Icons(DesktopEntries& entries, IconPictures& pictures, std::size_t pixelBytes)
     : m_entries(entries)
+    , m_pictures(pictures)
     , m_budget(std::make_shared<PixelBudget>(pixelBytes))
     , m_entriesChanged(entries.changed.subscribe([this] { forget(); }))
 {
@@ -80,14 +89,11 @@ std::optional<IconPicture> Icons::render(std::string_view desktopFilePath, int p
     const auto icon = m_entries.icon(desktopFilePath);
     if (!icon || pixels < 1 || pixels > RenderedIcon::kLargestSize)
         return std::nullopt;
-    for (const auto& file : sortedForSize(filesOf(*icon), pixels)) {
-        auto surface = drawIconFile(file.path, pixels);
-        if (!surface)
-            continue;
-        const auto bytes = bytesOf(surface);
-        return IconPicture{std::make_shared<PixelPicture>(surface.release()), bytes};
-    }
-    return std::nullopt;
+    auto surface = m_pictures.draw(filesForSize(filesOf(*icon), pixels), pixels);
+    if (!surface)
+        return std::nullopt;
+    const auto bytes = bytesOf(surface);
+    return IconPicture{std::make_shared<PixelPicture>(surface.release()), bytes};
 }
 
 Image Icons::fromPixels(
@@ -121,7 +127,8 @@ Image Icons::named(const std::string& nameOrPath)
 Image Icons::makeNamed(const std::string& nameOrPath)
 {
     auto files = filesOf(nameOrPath);
-    return files.empty() ? Image{} : std::make_shared<FileIcon>(std::move(files), m_budget);
+    return files.empty() ? Image{}
+                         : std::make_shared<FileIcon>(std::move(files), m_pictures, m_budget);
 }
 
 /// From any thread.

@@ -19,6 +19,7 @@
 namespace quorvel::xdg {
 
 class DesktopEntries;
+class IconPictures;
 class IconTheme;
 class PixelBudget;
 struct IconCandidate;
@@ -31,14 +32,15 @@ struct IconPixels {
 };
 
 /// Pictures of applications, as images that this host's canvas draws (`IconImage`). Files are
-/// looked up when a name is requested, and read when a picture is first drawn. Main thread, except
-/// where it says otherwise.
+/// looked up when a name is requested, and read when a picture is first drawn: one that has yet to
+/// be decoded is drawn as nothing until it arrives. Main thread, except where it says otherwise.
 class Icons {
 public:
     /// The limit for the pixels of all icons: enough for a bar of hundreds of chips.
     static constexpr std::size_t kPixelBytes = 4 << 20;
 
-    explicit Icons(DesktopEntries&, std::size_t pixelBytes = kPixelBytes);
+    /// The pictures outlive every image.
+    Icons(DesktopEntries&, IconPictures&, std::size_t pixelBytes = kPixelBytes);
     ~Icons();
     Icons(const Icons&) = delete;
     Icons& operator=(const Icons&) = delete;
@@ -50,8 +52,8 @@ public:
 
     /// The icon that the desktop file names; empty when it names none or none is found.
     Image forEntry(std::string_view desktopFilePath);
-    /// The same icon, drawn at once in a square of this many pixels and not kept here; absent when
-    /// it cannot be drawn. From any thread.
+    /// The same icon, waited for, in a square of this many pixels and not kept here; absent when it
+    /// cannot be drawn. From any thread.
     std::optional<IconPicture> render(std::string_view desktopFilePath, int pixels);
     /// The icon that a window provides; empty when no size of it is usable. Pixels that were
     /// dropped are read again when they are drawn.
@@ -68,6 +70,7 @@ private:
     void setTheme(const std::string& name);
 
     DesktopEntries& m_entries;
+    IconPictures& m_pictures;
     const std::shared_ptr<PixelBudget> m_budget;
     std::mutex m_themeLock; ///< guards the two below
     std::unique_ptr<IconTheme> m_theme;

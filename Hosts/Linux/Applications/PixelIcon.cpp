@@ -114,14 +114,14 @@ void PixelIcon::Source::use()
     Piece::use(bytes);
 }
 
-SurfacePointer PixelIcon::draw(int pixels) const
+std::optional<SurfacePointer> PixelIcon::draw(int pixels) const
 {
     auto& sizes = m_source.sizes;
     if (sizes.empty() && m_reload)
         sizes = reduced(m_reload());
     m_source.use();
     if (sizes.empty())
-        return nullptr;
+        return std::nullopt;
     const auto largeEnough = std::find_if(sizes.begin(), sizes.end(),
         [pixels](const auto& surface) { return longerSide(surface) >= pixels; });
     const auto& best = largeEnough == sizes.end() ? sizes.back() : *largeEnough;

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -27,8 +28,7 @@ public:
     PixelIcon(std::vector<SurfacePointer> sizes, Reload, const std::shared_ptr<PixelBudget>&);
 
 protected:
-    SurfacePointer draw(int pixels) const override;
-    bool failsForGood() const override { return false; }
+    std::optional<SurfacePointer> draw(int pixels) const override;
 
 private:
     struct Source final : PixelBudget::Piece {

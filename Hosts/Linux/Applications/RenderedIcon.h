@@ -2,19 +2,15 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "Hosts/Linux/Applications/PixelBudget.h"
 #include "Hosts/Linux/Drawing/IconImage.h"
-#include "Hosts/Linux/GHandles.h"
+#include "Hosts/Linux/Pictures/PictureSurface.h"
 
 namespace quorvel::xdg {
-
-using SurfacePointer = std::unique_ptr<cairo_surface_t, FreeWith<cairo_surface_destroy>>;
-
-/// The memory that the pixels take, in bytes.
-std::size_t bytesOf(const SurfacePointer&);
 
 /// An icon that keeps its most recently drawn sizes: those of the bar, a menu and a popup, each at
 /// the scale in use, within the budget of all icons. A surface stays valid until the next one is
@@ -29,10 +25,9 @@ public:
     cairo_surface_t* rendered(int pixels) const final;
 
 protected:
-    /// A square of `pixels` on a side, null when it cannot be drawn.
-    virtual SurfacePointer draw(int pixels) const = 0;
-    /// Whether a failure is final, so that a broken file is read only once.
-    virtual bool failsForGood() const { return true; }
+    /// A square of `pixels` on a side, null when it can never be drawn; absent where it may be
+    /// there the next time.
+    virtual std::optional<SurfacePointer> draw(int pixels) const = 0;
 
 private:
     struct Rendering final : PixelBudget::Piece {
@@ -56,11 +51,5 @@ private:
     const std::shared_ptr<PixelBudget> m_budget;
     mutable std::vector<std::unique_ptr<Rendering>> m_renderings; ///< the last used comes first
 };
-
-/// An empty square; null for lack of memory.
-SurfacePointer makeSquare(int pixels);
-
-/// Draws the picture centred and as large as fits, smoothly, keeping its aspect ratio.
-SurfacePointer fitted(cairo_surface_t* picture, int pixels);
 
 }

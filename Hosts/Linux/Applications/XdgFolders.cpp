@@ -55,6 +55,11 @@ std::string configurationFolder()
     return folderFrom("XDG_CONFIG_HOME", homeFolder() + "/.config");
 }
 
+std::string cacheFolder()
+{
+    return folderFrom("XDG_CACHE_HOME", homeFolder() + "/.cache");
+}
+
 std::string homeFolder()
 {
     return folderFrom("HOME", g_get_home_dir());

@@ -11,6 +11,7 @@ std::vector<std::string> dataFolders();
 /// The same subfolder of each.
 std::vector<std::string> dataFolders(std::string_view subfolder);
 std::string configurationFolder();
+std::string cacheFolder();
 std::string homeFolder();
 
 }

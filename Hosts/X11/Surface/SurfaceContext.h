@@ -37,6 +37,7 @@ struct SurfaceContext {
     InputGrabs& grabs;
     Keyboard& keyboard;
     ArrowCursor& arrow;
+    Signal<>& repaint; ///< emitted when all that is in sight has to be drawn anew
 
     /// Pixels per point.
     double scale() const;

@@ -26,6 +26,7 @@ WindowedSurface::WindowedSurface(const SurfaceContext& context, const PanelOptio
     m_subscriptions.push_back(m_context.grabs.pointerTaken.subscribe([this] { m_pointer.lose(); }));
     m_subscriptions.push_back(m_context.monitors.changed.subscribe([this] { scaleDidChange(); }));
     m_subscriptions.push_back(m_context.appearance.subscribe([this](auto&) { repaintAll(); }));
+    m_subscriptions.push_back(m_context.repaint.subscribe([this] { repaintAll(); }));
 }
 
 WindowedSurface::~WindowedSurface() = default;

@@ -20,7 +20,7 @@ X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monit
     , m_compositing(connection)
     , m_arrow(connection)
     , m_context{connection, dispatch, monitors, environment, appearance, m_shaper, m_frames,
-          m_accessible, m_compositing, m_grabs, m_keyboard, m_arrow}
+          m_accessible, m_compositing, m_grabs, m_keyboard, m_arrow, m_repaint}
     , m_text(m_shaper, monitors.coordinates().scale)
     , m_appearance(appearance.subscribe([this](auto& now) {
         m_shaper.setFont(now.font); // before any view measures with it
@@ -34,6 +34,13 @@ X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monit
 }
 
 X11Surfaces::~X11Surfaces() = default;
+
+void X11Surfaces::repaintAll()
+{
+    for (auto& [display, window] : m_windows)
+        window->repaintAll();
+    m_repaint.emit();
+}
 
 /// A window that is transparent without need would cost the compositor time.
 void X11Surfaces::setCanBlur(bool canBlur)

@@ -33,6 +33,9 @@ public:
     Subscription monitorPresses(PointerScope, PressHandler) override;
     Clipboard* clipboard() override;
 
+    /// Draws anew all that is in sight.
+    void repaintAll();
+
     Text& text() { return m_text; }
     /// Those that are pressed while a surface has the keyboard reach it through the surface.
     Hotkeys& hotkeys() { return m_hotKeys; }
@@ -51,6 +54,7 @@ private:
     std::map<PointerScope, Signal<Point, PointerButton>> m_pressed;
     /// Before the grabs', which end by the same presses: whoever watches has heard of them then.
     const std::vector<Subscription> m_pressEvents = followPresses();
+    Signal<> m_repaint; ///< of what has an X window of its own
     Keyboard m_keyboard;
     HotKeys m_hotKeys;
     InputGrabs m_grabs;

@@ -8,9 +8,11 @@
 #include <glib.h>
 
 #include "Hosts/Linux/Applications/DesktopEntries.h"
+#include "Hosts/Linux/Applications/IconPictures.h"
 #include "Hosts/Linux/Applications/Icons.h"
 #include "Hosts/Linux/Loop/GLibDispatch.h"
 #include "Hosts/Linux/PanelEnvironment.h"
+#include "Hosts/Linux/Pictures/PictureDecoding.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/DesktopServices.h"
 #include "Hosts/X11/Monitors.h"
@@ -27,7 +29,8 @@ struct HostServices {
     xdg::x11::Monitors monitors{*connection, dispatch, looks};
     xdg::PanelEnvironment environment;
     xdg::DesktopEntries entries{dispatch};
-    xdg::Icons icons{entries};
+    xdg::IconPictures pictures{dispatch, {QUORVEL_PROGRAM, xdg::kDecodePictures}};
+    xdg::Icons icons{entries, pictures};
     xdg::x11::DesktopServices services{
         *connection, dispatch, monitors, environment, entries, icons};
 

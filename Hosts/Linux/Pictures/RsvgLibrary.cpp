@@ -1,4 +1,4 @@
-#include "Hosts/Linux/Applications/RsvgLibrary.h"
+#include "Hosts/Linux/Pictures/RsvgLibrary.h"
 
 #include <optional>
 

@@ -1,4 +1,4 @@
-#include "Hosts/Linux/Applications/FileReading.h"
+#include "Hosts/Linux/FileReading.h"
 
 #include <cerrno>
 
