@@ -13,6 +13,7 @@ namespace quorvel::test {
 class Letters : public CFText {
 public:
     static constexpr bool kAreOfAnyLanguage = false;
+    Letters() = default;
     explicit Letters(std::string_view) { }
 };
 #else

@@ -5,6 +5,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "Quorvel/Platform/Dispatch.h"
@@ -56,7 +57,11 @@ private:
     struct Key {
         Instant due;
         std::uint64_t sequence;
-        friend auto operator<=>(const Key&, const Key&) = default;
+        // Not defaulted: the Mac's library has no `<=>` for points in time.
+        friend bool operator<(const Key& one, const Key& other)
+        {
+            return std::tie(one.due, one.sequence) < std::tie(other.due, other.sequence);
+        }
     };
 
     std::shared_ptr<Item> schedule(
