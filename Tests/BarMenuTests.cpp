@@ -103,4 +103,100 @@ TEST_F(BarMenuTest, noWindowIsOfferedAFullScreenSpace)
     EXPECT_FALSE(chipFrame(inbox));
 }
 
+// Faults: a state that the system or the window does not offer, or that is offered of another
+// window; a mark that says the opposite; an application that hangs and keeps the menu from opening.
+TEST_F(BarMenuTest, theStatesOfAWindowAreSwitched)
+{
+    auto draft = desktop.open(mail, {.title = "Draft"});
+    settle();
+    auto& switches = desktop.window(inbox).switches;
+    switches = {{"QuorvelMaximized", false}, {"AXFullScreen", false}, {"QuorvelKeptAbove", true}};
+    openMenuOf(inbox);
+    EXPECT_THAT(desktop.surfaces().checkedMenuTitles(), ElementsAre("Keep Above Others"));
+    EXPECT_FALSE(desktop.surfaces().chooseMenuItem("On All Desktops"));
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Maximise"));
+    desktop.drain();
+    EXPECT_TRUE(switches.at("QuorvelMaximized"));
+    openMenuOf(inbox);
+    EXPECT_THAT(
+        desktop.surfaces().checkedMenuTitles(), ElementsAre("Maximise", "Keep Above Others"));
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Keep Above Others"));
+    desktop.drain();
+    EXPECT_FALSE(switches.at("QuorvelKeptAbove"));
+
+    openMenuOf(draft);
+    EXPECT_THAT(desktop.surfaces().menuTitles(), Not(Contains("Full Screen")));
+    desktop.surfaces().closeMenu();
+    desktop.window(inbox).faults.refusedRequests = {"AXFullScreen"};
+    openMenuOf(inbox);
+    EXPECT_THAT(desktop.surfaces().menuTitles(), Not(Contains("Full Screen")));
+    desktop.surfaces().closeMenu();
+    desktop.application(mail).faults.isHung = true;
+    auto before = desktop.dispatch().now();
+    openMenuOf(inbox);
+    EXPECT_LE(desktop.dispatch().now() - before, seconds(0.06));
+    EXPECT_THAT(desktop.surfaces().menuTitles(), Contains("Close"));
+}
+
+// Faults: a window of all desktops that cannot be brought back to this one alone, or to another.
+TEST_F(BarMenuTest, aWindowIsPutOnAllDesktopsAndTakenOffAgain)
+{
+    desktop.setGivesSpaceHints(true);
+    auto& window = desktop.window(inbox);
+    window.switches = {{"QuorvelOnEverySpace", false}};
+    openMenuOf(inbox);
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("On All Desktops"));
+    settle();
+    EXPECT_EQ(chipTitles(SpaceID{3}), std::vector<std::string>{"Inbox"});
+
+    openMenuOf(inbox);
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Only on This Desktop"));
+    settle();
+    EXPECT_EQ(window.spaces, std::set{SpaceID{1}});
+    desktop.setOnEverySpace(inbox, true);
+    window.switches = {{"QuorvelOnEverySpace", true}};
+    settle();
+    openMenuOf(inbox);
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Desktop 2"));
+    settle();
+    EXPECT_EQ(window.spaces, std::set{SpaceID{2}});
+}
+
+// Faults: the button enters full screen where the window was to be zoomed; one that does nothing is
+// offered.
+TEST_F(BarMenuTest, aWindowWithAZoomButtonIsZoomed)
+{
+    auto& button = desktop.window(inbox).zoomButton.emplace();
+    for (auto* subrole : {"AXFullScreenButton", "AXZoomButton"}) {
+        button.subrole = subrole;
+        openMenuOf(inbox);
+        EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Zoom"));
+        desktop.drain();
+    }
+    EXPECT_THAT(button.actions, ElementsAre("AXZoomWindow", "AXPress"));
+    button.isEnabled = false;
+    openMenuOf(inbox);
+    EXPECT_THAT(desktop.surfaces().menuTitles(), Not(Contains("Zoom")));
+}
+
+// Faults: what concerns all windows is out of sight below them; a window that no entry leads to.
+TEST_F(BarMenuTest, closeAllIsInSightHoweverManyWindowsThereAre)
+{
+    for (int i = 0; i < 40; ++i)
+        desktop.open(mail, {.title = "Letter " + std::to_string(i)});
+    settle();
+    runtime->userSettings().setGroupWindowsByApp(true);
+    settle();
+    panel().click(content().chipFrames().front().second.centre(), PointerButton::secondary);
+    desktop.drain();
+    EXPECT_LE(desktop.surfaces().menuTitles().size(), 20U);
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Letter 39"));
+    settle();
+    EXPECT_EQ(desktop.application(mail).focusedWindow, WindowID{raw(inbox) + 40});
+    panel().click(content().chipFrames().front().second.centre(), PointerButton::secondary);
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Close All"));
+    settle();
+    EXPECT_TRUE(desktop.model().windows.empty());
+}
+
 }

@@ -60,6 +60,14 @@ namespace quorvel::xdg::x11 {
     X(netWmStateBelow, "_NET_WM_STATE_BELOW")                                                      \
     X(netWmStateFullscreen, "_NET_WM_STATE_FULLSCREEN")                                            \
     X(netWmStateMaximizedVert, "_NET_WM_STATE_MAXIMIZED_VERT")                                     \
+    X(netWmStateMaximizedHorz, "_NET_WM_STATE_MAXIMIZED_HORZ")                                     \
+    X(netWmStateAbove, "_NET_WM_STATE_ABOVE")                                                      \
+    X(netWmAllowedActions, "_NET_WM_ALLOWED_ACTIONS")                                              \
+    X(netWmActionMaximizeHorz, "_NET_WM_ACTION_MAXIMIZE_HORZ")                                     \
+    X(netWmActionMaximizeVert, "_NET_WM_ACTION_MAXIMIZE_VERT")                                     \
+    X(netWmActionFullscreen, "_NET_WM_ACTION_FULLSCREEN")                                          \
+    X(netWmActionAbove, "_NET_WM_ACTION_ABOVE")                                                    \
+    X(netWmActionChangeDesktop, "_NET_WM_ACTION_CHANGE_DESKTOP")                                   \
     X(netWmStateSkipTaskbar, "_NET_WM_STATE_SKIP_TASKBAR")                                         \
     X(netWmStateSkipPager, "_NET_WM_STATE_SKIP_PAGER")                                             \
     X(netWmStateDemandsAttention, "_NET_WM_STATE_DEMANDS_ATTENTION")                               \

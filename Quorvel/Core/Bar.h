@@ -17,6 +17,7 @@ class LaunchMarks;
 class PinStore;
 class ThumbnailService;
 class UserSettings;
+class WindowStates;
 
 /// What a number key does with an item of the bar.
 enum class ItemUse { click, openNewWindow };
@@ -28,6 +29,7 @@ struct BarContents {
     const LaunchMarks& launchMarks;
     UserSettings& settings;
     ThumbnailService& thumbnailService;
+    WindowStates& windowStates;
     /// Absent while one bar stands for every screen.
     std::optional<std::size_t> screenIndex;
     BarMetrics metrics;

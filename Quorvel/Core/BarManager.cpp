@@ -53,6 +53,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
           {m_appLauncher, m_pinStore, settings, m_windowFinder, thumbnailService})
     , m_navigation(platform, windowStore, m_viewModel, settings, m_panels)
     , m_moves(platform, windowStore, m_viewModel, m_navigation)
+    , m_windowStates(windowStore, platform.accessibility)
     , m_avoidanceManager(windowStore, platform.dispatch, platform.accessibility,
           platform.windowServer, platform.displays, barsToAvoid())
 {
@@ -312,6 +313,7 @@ BarContents BarManager::contents(const Bar& bar)
         .launchMarks = m_launchMarks,
         .settings = m_settings,
         .thumbnailService = m_thumbnailService,
+        .windowStates = m_windowStates,
         // Where one bar stands for every screen it leaves no window out.
         .screenIndex = m_panels.isPerScreen() ? std::optional{bar.screenIndex()} : std::nullopt,
         .metrics = m_metrics,

@@ -19,6 +19,7 @@
 #include "Quorvel/Core/WindowAvoidanceManager.h"
 #include "Quorvel/Core/WindowFinder.h"
 #include "Quorvel/Core/WindowMoves.h"
+#include "Quorvel/Core/WindowStates.h"
 #include "Quorvel/Platform/Platform.h"
 
 namespace quorvel {
@@ -142,6 +143,7 @@ private:
     SpaceNavigation m_navigation;
     WheelNotches m_wheel{wheelSteps()};
     WindowMoves m_moves;
+    WindowStates m_windowStates;
     WindowAvoidanceManager m_avoidanceManager;
     std::unique_ptr<MouseDisplayTracker> m_mouseDisplayTracker; ///< null until it is asked
     std::unique_ptr<CursorOwnershipLog> m_cursorOwnershipLog; ///< null unless asked for

@@ -159,7 +159,6 @@ private:
 
     /// From now on the window represents its group on every space it is on.
     void preferInItsGroups(const TrackedWindow&);
-    std::optional<AXElement> findAXWindow(ProcessID, const AXElement& application, WindowID);
     /// A click on a window. The store may drop the window meanwhile.
     struct Activation {
         AXElement application;

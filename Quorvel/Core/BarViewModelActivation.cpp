@@ -31,21 +31,6 @@ int code(AXError error)
 
 }
 
-std::optional<AXElement> BarViewModel::findAXWindow(
-    ProcessID pid, const AXElement& application, WindowID id)
-{
-    AXCalls::Scan hungOnlyOnce(m_calls);
-    auto elements = m_calls.read<std::vector<AXElement>>(pid, application, ax::windows);
-    if (!elements)
-        return {};
-    for (auto& element : *elements) {
-        m_calls.setMessagingTimeout(element);
-        if (m_calls.windowID(pid, element) == id)
-            return element;
-    }
-    return {};
-}
-
 void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore)
 {
     auto* window = m_windowStore.window(id);
@@ -75,7 +60,7 @@ void BarViewModel::activateWindow(WindowID id, FocusBeforeActivation focusBefore
         focusThroughApplication(click);
     if (m_workspace.runningApplication(click.pid))
         requestApplicationActivation(click);
-    if (auto element = findAXWindow(click.pid, click.application, id)) {
+    if (auto element = m_calls.window(click.pid, click.application, id)) {
         applyFocusAndRaise(click, *element);
     } else {
         m_trace.line("activateWindow AX resolve failed, scheduling retry id={} pid={} seq={}",
@@ -100,7 +85,7 @@ void BarViewModel::preferInItsGroups(const TrackedWindow& window)
 
 void BarViewModel::focusThroughApplication(const Activation& click)
 {
-    auto element = findAXWindow(click.pid, click.application, click.id);
+    auto element = m_calls.window(click.pid, click.application, click.id);
     if (!element) {
         m_trace.line("activateWindow preactivation AX resolve failed id={} pid={} seq={}",
             raw(click.id), raw(click.pid), click.sequence);
@@ -159,7 +144,7 @@ void BarViewModel::retryActivation(const Activation& click)
 {
     AXCalls::Scan hungOnlyOnce(m_calls);
     m_lateRequests.continueActivation();
-    if (auto element = findAXWindow(click.pid, click.application, click.id)) {
+    if (auto element = m_calls.window(click.pid, click.application, click.id)) {
         applyFocusAndRaise(click, *element);
         return;
     }
@@ -188,7 +173,7 @@ bool BarViewModel::focusWindowWithAXOnly(WindowID id, std::string_view context)
             raw(pid), sanitizeLogField(window->appName));
     }
     setPendingFocus(id);
-    auto element = findAXWindow(pid, application, id);
+    auto element = m_calls.window(pid, application, id);
     if (!element) {
         m_trace.line("AX-only focus failed resolve AX window context={} id={} pid={}", context,
             raw(id), raw(pid));
@@ -227,7 +212,7 @@ std::optional<BarViewModel::ElementOfProcess> BarViewModel::prepareToMinimize(Wi
     }
     if (focusedWindowID.value() == id)
         publish(std::nullopt);
-    auto element = findAXWindow(pid, m_calls.application(pid), id);
+    auto element = m_calls.window(pid, m_calls.application(pid), id);
     return element ? std::optional{ElementOfProcess{pid, *element}} : std::nullopt;
 }
 
@@ -237,7 +222,7 @@ std::optional<BarViewModel::ElementOfProcess> BarViewModel::closeButtonOf(Window
     if (!window)
         return {};
     auto pid = window->pid;
-    auto element = findAXWindow(pid, m_calls.application(pid), id);
+    auto element = m_calls.window(pid, m_calls.application(pid), id);
     auto button = element ? m_calls.read<AXElement>(pid, *element, ax::closeButton) : std::nullopt;
     if (!button)
         return {};

@@ -83,12 +83,22 @@ inline constexpr std::string_view focused = "AXFocused";
 inline constexpr std::string_view position = "AXPosition"; ///< global, top-left origin
 inline constexpr std::string_view size = "AXSize";
 inline constexpr std::string_view closeButton = "AXCloseButton";
+inline constexpr std::string_view zoomButton = "AXZoomButton";
+inline constexpr std::string_view enabled = "AXEnabled";
+inline constexpr std::string_view fullScreen = "AXFullScreen"; ///< undocumented, a bool
+// States that the Mac does not know, bools of windows: it answers `attributeUnsupported`.
+inline constexpr std::string_view maximized = "QuorvelMaximized";
+inline constexpr std::string_view keptAbove = "QuorvelKeptAbove";
+inline constexpr std::string_view onEverySpace = "QuorvelOnEverySpace";
 
 inline constexpr std::string_view raiseAction = "AXRaise";
 inline constexpr std::string_view pressAction = "AXPress";
+/// Of a zoom button that enters full screen when it is pressed.
+inline constexpr std::string_view zoomWindowAction = "AXZoomWindow";
 
 inline constexpr std::string_view windowRole = "AXWindow";
 inline constexpr std::string_view standardWindowSubrole = "AXStandardWindow";
+inline constexpr std::string_view fullScreenButtonSubrole = "AXFullScreenButton";
 
 inline constexpr std::string_view windowCreated = "AXWindowCreated";
 inline constexpr std::string_view focusedWindowChanged = "AXFocusedWindowChanged";
@@ -129,6 +139,8 @@ public:
     /// Applies to this very element value and its copies.
     virtual void setMessagingTimeout(const AXElement&, float seconds) = 0;
     virtual AXReply copyAttribute(const AXElement&, std::string_view attribute) = 0;
+    /// Answers a bool.
+    virtual AXReply isAttributeSettable(const AXElement&, std::string_view attribute) = 0;
     virtual AXError setAttribute(const AXElement&, std::string_view attribute, const AXValue&) = 0;
     virtual AXError performAction(const AXElement&, std::string_view action) = 0;
 

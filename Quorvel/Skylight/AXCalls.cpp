@@ -48,6 +48,17 @@ AXReply AXCalls::copyAttribute(ProcessID pid, const AXElement& element, std::str
     return reply;
 }
 
+bool AXCalls::isSettable(ProcessID pid, const AXElement& element, std::string_view attribute)
+{
+    AXReply reply;
+    reply.error = bounded(pid, [&] {
+        reply = m_accessibility.isAttributeSettable(element, attribute);
+        return reply.error;
+    });
+    auto* isSettable = reply.get<bool>();
+    return isSettable && *isSettable;
+}
+
 AXError AXCalls::setAttribute(
     ProcessID pid, const AXElement& element, std::string_view attribute, const AXValue& value)
 {
@@ -103,6 +114,20 @@ std::optional<std::vector<AXElement>> AXCalls::windows(ProcessID pid)
             setMessagingTimeout(element);
     }
     return elements;
+}
+
+std::optional<AXElement> AXCalls::window(ProcessID pid, const AXElement& application, WindowID id)
+{
+    Scan hungOnlyOnce(*this);
+    auto elements = read<std::vector<AXElement>>(pid, application, ax::windows);
+    if (!elements)
+        return {};
+    for (auto& element : *elements) {
+        setMessagingTimeout(element);
+        if (windowID(pid, element) == id)
+            return element;
+    }
+    return {};
 }
 
 std::optional<WindowID> AXCalls::windowID(ProcessID pid, const AXElement& element)

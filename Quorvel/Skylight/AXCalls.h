@@ -50,12 +50,16 @@ public:
 
     AXElement application(ProcessID) const;
     AXReply copyAttribute(ProcessID, const AXElement&, std::string_view attribute);
+    /// False too if the question was not answered.
+    bool isSettable(ProcessID, const AXElement&, std::string_view attribute);
     AXError setAttribute(ProcessID, const AXElement&, std::string_view attribute, const AXValue&);
     AXError performAction(ProcessID, const AXElement&, std::string_view action);
     AXError addNotification(
         ProcessID, AXObserver&, const AXElement&, std::string_view notification);
     /// The elements in "AXWindows", with timeouts set; absent when the list cannot be read.
     std::optional<std::vector<AXElement>> windows(ProcessID);
+    /// The one of this number, with its timeout set; absent too if the list cannot be read.
+    std::optional<AXElement> window(ProcessID, const AXElement& application, WindowID);
     /// By the private resolver, else from "AXWindowNumber".
     std::optional<WindowID> windowID(ProcessID, const AXElement&);
 

@@ -481,8 +481,9 @@ void BarContentView::openItemsDidChange()
 
 ChipMenuContext BarContentView::menuContext()
 {
-    return {m_inputs.viewModel, m_inputs.pinStore, m_inputs.platform.workspace, m_inputs.spaceID,
-        m_spaceSwitcher->spaces(), m_inputs.onMoveWindowToSpaceRequested,
+    return {m_inputs.viewModel, m_inputs.pinStore, m_inputs.platform.workspace,
+        m_inputs.windowStates, m_inputs.spaceID, m_spaceSwitcher->spaces(),
+        m_inputs.onMoveWindowToSpaceRequested,
         [weak = m_weak.reference()](const std::string& bundleID) {
             if (auto* view = weak.get())
                 view->pinTapped(bundleID);

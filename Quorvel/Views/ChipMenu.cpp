@@ -6,12 +6,17 @@
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Core/NewWindow.h"
 #include "Quorvel/Core/PinStore.h"
+#include "Quorvel/Core/WindowStates.h"
 #include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Platform/Workspace.h"
 
 namespace quorvel {
 
 namespace {
+
+/// Windows of a group that its menu lists itself.
+constexpr std::size_t kMostWindowEntries = 10;
+constexpr auto* kAttentionMark = "  \u2022";
 
 template <typename Action>
 MenuItem entry(std::string title, const BarViewModel& model, Action action)
@@ -75,12 +80,74 @@ void addPinEntry(Menu& menu, const std::string& bundleID, const ChipMenuContext&
             BarViewModel&) { pins.setPin(bundleID, PinDestination::bar, !isPinned); }));
 }
 
-void addMoveEntry(Menu& menu, const std::vector<WindowID>& windows, const ChipMenuContext& context)
+std::string titleOf(WindowState state)
+{
+    switch (state) {
+    case WindowState::maximized:
+        return tr("Maximise");
+    case WindowState::zoomed:
+        return tr("Zoom");
+    case WindowState::fullScreen:
+        return tr("Full Screen");
+    case WindowState::keptAbove:
+        return tr("Keep Above Others");
+    case WindowState::onEverySpace:
+        return tr("On All Desktops");
+    }
+    return {};
+}
+
+MenuItem stateEntry(
+    std::string title, WindowID id, WindowState state, bool isOn, const ChipMenuContext& context)
+{
+    return entry(std::move(title), context.viewModel,
+        [&states = context.windowStates, id, state, isOn](
+            BarViewModel&) { states.set(id, state, isOn); });
+}
+
+void addStateEntries(
+    Menu& menu, WindowID id, const WindowStates::Offers& offers, const ChipMenuContext& context)
+{
+    for (auto& [state, isOn] : offers) {
+        if (state == WindowState::onEverySpace)
+            continue; // where the desktops are
+        bool isChecked = isOn.value_or(false);
+        menu.push_back(stateEntry(titleOf(state), id, state, !isChecked, context));
+        menu.back().isChecked = isChecked;
+        menu.back().kind = isOn ? MenuItemKind::toggle : MenuItemKind::action;
+    }
+}
+
+/// Whether the windows, or the only one, are on every desktop; absent if that cannot be changed.
+using OnEverySpace = std::optional<bool>;
+
+OnEverySpace onEverySpace(const WindowStates::Offers& offers)
+{
+    auto found = std::ranges::find(offers, WindowState::onEverySpace, &WindowStates::Offer::state);
+    return found == offers.end() ? std::nullopt : found->isOn;
+}
+
+void addEverySpaceEntries(Menu& menu, WindowID id, bool isOnEvery, const ChipMenuContext& context)
+{
+    for (bool every : {true, false}) {
+        menu.push_back(
+            stateEntry(every ? titleOf(WindowState::onEverySpace) : tr("Only on This Desktop"), id,
+                WindowState::onEverySpace, every, context));
+        menu.back().isChecked = every == isOnEvery;
+        menu.back().kind = MenuItemKind::choice;
+    }
+    separate(menu);
+}
+
+void addMoveEntry(Menu& menu, const std::vector<WindowID>& windows, OnEverySpace isOnEvery,
+    const ChipMenuContext& context)
 {
     if (std::ranges::count(context.spaces, false, &SpaceCellData::isFullscreen) < 2
         || !context.onMoveWindowToSpace)
         return;
     MenuItem move{tr("Move to Desktop"), true, {}};
+    if (isOnEvery)
+        addEverySpaceEntries(move.submenu, windows.front(), *isOnEvery, context);
     for (auto& space : context.spaces) {
         if (space.isFullscreen)
             continue;
@@ -88,7 +155,7 @@ void addMoveEntry(Menu& menu, const std::vector<WindowID>& windows, const ChipMe
             [onMove = context.onMoveWindowToSpace, windows, to = space.id](
                 BarViewModel&) { onMove(windows, to); });
         item.isEnabled = space.id != context.spaceID;
-        item.isChecked = !item.isEnabled;
+        item.isChecked = !item.isEnabled && !isOnEvery.value_or(false);
         item.kind = MenuItemKind::choice;
         move.submenu.push_back(std::move(item));
     }
@@ -116,27 +183,46 @@ Menu windowMenu(const ChipData& chip, const ChipMenuContext& context)
             ? activateEntry(tr("Restore"), id, context.viewModel)
             : entry(tr("Minimise"), context.viewModel,
                 [id](BarViewModel& current) { current.minimizeWindow(id); }));
-    addMoveEntry(menu, {id}, context);
+    auto offers = context.windowStates.offers(id);
+    addStateEntries(menu, id, offers, context);
+    addMoveEntry(menu, {id}, onEverySpace(offers), context);
     menu.push_back(entry(
         tr("Close"), context.viewModel, [id](BarViewModel& current) { current.closeWindow(id); }));
     addFooter(menu, chip.bundleIdentifier, id, context);
     return menu;
 }
 
+/// An entry for each window; what follows them stays in sight however many there are.
+Menu windowEntries(const GroupedChipData& group, const ChipMenuContext& context)
+{
+    Menu menu;
+    auto& chips = context.viewModel.chipsBySpace.value();
+    auto ids = walkingOrder(chips, context.spaceID, group);
+    bool haveAllRoom = ids.size() <= kMostWindowEntries;
+    MenuItem more{tr("More Windows"), true, {}};
+    bool isMoreAsking = false;
+    for (auto id : ids) {
+        auto* chip = findChip(chips, context.spaceID, id);
+        bool isListed = haveAllRoom || menu.size() + 1 < kMostWindowEntries;
+        auto title = entryTitle(*chip) + (chip->wantsAttention ? kAttentionMark : "");
+        isMoreAsking |= !isListed && chip->wantsAttention;
+        auto& list = isListed ? menu : more.submenu;
+        list.push_back(activateEntry(std::move(title), id, context.viewModel));
+        list.back().isChecked = chip->isFocused;
+        list.back().kind = MenuItemKind::choice;
+    }
+    if (haveAllRoom)
+        return menu;
+    if (isMoreAsking)
+        more.title += kAttentionMark;
+    menu.push_back(std::move(more));
+    return menu;
+}
+
 Menu groupMenu(const GroupedChipData& group, const ChipMenuContext& context)
 {
     auto& model = context.viewModel;
-    Menu menu;
-    auto& chips = model.chipsBySpace.value();
-    for (auto id : walkingOrder(chips, context.spaceID, group)) {
-        auto* chip = findChip(chips, context.spaceID, id);
-        auto title = entryTitle(*chip);
-        if (chip->wantsAttention)
-            title += "  \u2022";
-        menu.push_back(activateEntry(std::move(title), id, model));
-        menu.back().isChecked = chip->isFocused;
-        menu.back().kind = MenuItemKind::choice;
-    }
+    auto menu = windowEntries(group, context);
     separate(menu);
     if (group.bundleIdentifier)
         addApplicationEntries(menu, *group.bundleIdentifier, context);
@@ -144,7 +230,7 @@ Menu groupMenu(const GroupedChipData& group, const ChipMenuContext& context)
     auto ids = group.windowIDs;
     menu.push_back(entry(
         tr("Minimise All"), model, [ids](BarViewModel& current) { current.minimizeWindows(ids); }));
-    addMoveEntry(menu, ids, context);
+    addMoveEntry(menu, ids, {}, context);
     menu.push_back(
         entry(tr("Close All"), model, [ids](BarViewModel& current) { current.closeWindows(ids); }));
     addFooter(menu, group.bundleIdentifier, ids.front(), context);

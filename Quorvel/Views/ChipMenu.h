@@ -11,6 +11,7 @@ namespace quorvel {
 
 class BarViewModel;
 class PinStore;
+class WindowStates;
 class Workspace;
 
 /// What the menus of chips and pins are built from and act on. The services live as long as the
@@ -19,6 +20,7 @@ struct ChipMenuContext {
     BarViewModel& viewModel;
     PinStore& pinStore;
     Workspace& workspace;
+    WindowStates& windowStates;
     SpaceID spaceID{};
     std::vector<SpaceCellData> spaces; ///< of the display
     std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpace;

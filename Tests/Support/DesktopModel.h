@@ -72,6 +72,13 @@ struct OpenOptions {
     bool takesFocus = true; ///< within its application
 };
 
+/// The button in a window's title bar.
+struct FakeZoomButton {
+    bool isEnabled = true;
+    std::string subrole = "AXZoomButton";
+    std::vector<std::string> actions{}; ///< that were performed
+};
+
 /// And what becomes of it.
 struct FakeWindow : OpenOptions {
     WindowID id{};
@@ -82,6 +89,9 @@ struct FakeWindow : OpenOptions {
     /// Changes what the window server says of the window: takes keys away, tells old values.
     std::function<void(CGWindowInfo&)> distortEntry{};
     bool isInSpaceLists = true; ///< false: only `spacesOfWindows` knows where it is
+    /// The states that can be switched, by attribute, each with whether it is on.
+    std::map<std::string, bool, std::less<>> switches{};
+    std::optional<FakeZoomButton> zoomButton{};
 };
 
 /// How an application answers accessibility messages.

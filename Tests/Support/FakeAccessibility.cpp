@@ -10,7 +10,7 @@
 namespace quorvel::test {
 
 // A token says what the element stands for, and whose it is.
-enum class Part : std::uint64_t { application = 1, window = 2, closeButton = 3 };
+enum class Part : std::uint64_t { application = 1, window = 2, closeButton = 3, zoomButton = 4 };
 
 namespace {
 
@@ -51,6 +51,12 @@ AXReply answer(const std::optional<std::string>& text)
 AXReply answer(const std::optional<WindowID>& window)
 {
     return window ? answer(AXValue{elementOf(*window)}) : AXReply{AXError::noValue, {}};
+}
+
+bool isSwitch(std::string_view attribute)
+{
+    return attribute == ax::maximized || attribute == ax::fullScreen || attribute == ax::keptAbove
+        || attribute == ax::onEverySpace;
 }
 
 AXReply oneOf(const std::map<std::string_view, AXReply>& answers, std::string_view attribute)
@@ -172,7 +178,28 @@ AXReply FakeAccessibility::copyAttribute(const AXElement& element, std::string_v
     if (to.part == Part::window)
         return lie(to.windowState->faults, attribute)
             .value_or(windowAttribute(*to.windowState, attribute));
+    if (auto& zoom = to.windowState->zoomButton; to.part == Part::zoomButton && zoom)
+        return oneOf({{ax::enabled, answer(AXValue{zoom->isEnabled})},
+                         {ax::subrole, answer(AXValue{zoom->subrole})}},
+            attribute);
     return {AXError::attributeUnsupported, {}};
+}
+
+AXReply FakeAccessibility::isAttributeSettable(const AXElement& element, std::string_view attribute)
+{
+    AXMessage message{.kind = AXMessage::Kind::copy, .name = std::string{attribute}};
+    if (auto error = send(element, message); error != AXError::success)
+        return {error, {}};
+    auto to = target(element);
+    if (to.part != Part::window)
+        return {AXError::attributeUnsupported, {}};
+    auto& window = *to.windowState;
+    if (isSwitch(attribute) && !window.switches.contains(attribute))
+        return {AXError::attributeUnsupported, {}};
+    bool isKept = window.faults.refusedRequests.contains(message.name);
+    return answer(AXValue{!isKept
+        && (isSwitch(attribute) || attribute == ax::position || attribute == ax::size
+            || attribute == ax::minimized || attribute == ax::main || attribute == ax::focused)});
 }
 
 AXReply FakeAccessibility::applicationAttribute(
@@ -206,6 +233,13 @@ AXReply FakeAccessibility::windowAttribute(
     auto& application = *m_desktop.model().application(window.pid);
     if (attribute == ax::windowNumber && !window.faults.hasWindowNumber)
         return {AXError::attributeUnsupported, {}};
+    if (isSwitch(attribute)) {
+        auto found = window.switches.find(attribute);
+        return found == window.switches.end() ? AXReply{AXError::attributeUnsupported, {}}
+                                              : answer(AXValue{found->second});
+    }
+    if (attribute == ax::zoomButton && !window.zoomButton)
+        return {AXError::noValue, {}};
     return oneOf(
         {{ax::title, answer(AXValue{window.title})}, {ax::role, answer(window.role)},
             {ax::subrole, answer(window.subrole)}, {ax::modal, answer(AXValue{window.isModal})},
@@ -215,6 +249,7 @@ AXReply FakeAccessibility::windowAttribute(
             {ax::position, answer(AXValue{window.frame.origin()})},
             {ax::size, answer(AXValue{window.frame.size()})},
             {ax::closeButton, answer(AXValue{element(Part::closeButton, raw(window.id))})},
+            {ax::zoomButton, answer(AXValue{element(Part::zoomButton, raw(window.id))})},
             {ax::windowNumber, answer(AXValue{static_cast<double>(raw(window.id))})}},
         attribute);
 }
@@ -276,7 +311,11 @@ AXError FakeAccessibility::setWindowAttribute(
     auto* flag = std::get_if<bool>(&value);
     if (!flag)
         return AXError::illegalArgument;
-    if (attribute == ax::minimized)
+    if (auto found = window.switches.find(attribute); found != window.switches.end()) {
+        found->second = *flag;
+        if (attribute == ax::onEverySpace)
+            m_desktop.setOnEverySpace(window.id, *flag);
+    } else if (attribute == ax::minimized)
         *flag ? m_desktop.minimise(window.id) : m_desktop.restore(window.id);
     else if (attribute != ax::main && attribute != ax::focused)
         return AXError::attributeUnsupported;
@@ -302,6 +341,8 @@ AXError FakeAccessibility::performAction(const AXElement& element, std::string_v
         m_desktop.focus(*to.window);
     else if (to.part == Part::closeButton && action == ax::pressAction)
         m_desktop.close(*to.window);
+    else if (to.part == Part::zoomButton && to.windowState->zoomButton)
+        to.windowState->zoomButton->actions.push_back(message.name);
     else
         return AXError::actionUnsupported;
     return late.value_or(AXError::success);

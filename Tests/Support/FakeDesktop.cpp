@@ -212,7 +212,23 @@ void FakeDesktop::focus(WindowID id)
 
 void FakeDesktop::moveToSpace(WindowID id, SpaceID space)
 {
-    window(id).spaces = {space};
+    setSpaces(id, {space});
+}
+
+void FakeDesktop::setOnEverySpace(WindowID id, bool isOnEvery)
+{
+    auto& display = m_model.displays.front();
+    std::set<SpaceID> spaces{display.current};
+    for (auto& space : display.spaces) {
+        if (isOnEvery)
+            spaces.insert(space.id);
+    }
+    setSpaces(id, std::move(spaces));
+}
+
+void FakeDesktop::setSpaces(WindowID id, std::set<SpaceID> spaces)
+{
+    window(id).spaces = std::move(spaces);
     if (m_givesSpaceHints)
         post([this] { m_windowServer.spacesOfWindowsDidChange.emit(); });
 }

@@ -124,6 +124,8 @@ public:
     /// Raises it and makes it its application's focused window.
     void focus(WindowID);
     void moveToSpace(WindowID, SpaceID);
+    /// Of the first display; otherwise on the one that it shows.
+    void setOnEverySpace(WindowID, bool isOnEvery);
 
     // Spaces, displays, sleep.
     void activateSpace(SpaceID);
@@ -156,6 +158,7 @@ private:
     void announceFocus(ProcessID);
     void appear(WindowID);
     void focusNext(ProcessID);
+    void setSpaces(WindowID, std::set<SpaceID>);
 
     VirtualDispatch m_dispatch;
     DesktopModel m_model;

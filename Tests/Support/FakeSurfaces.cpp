@@ -369,6 +369,18 @@ std::vector<std::string> FakeSurfaces::menuTitles() const
     return titles;
 }
 
+std::vector<std::string> FakeSurfaces::checkedMenuTitles() const
+{
+    std::vector<std::string> titles;
+    for (auto* open : menus()) {
+        for (auto* entry : entriesOf(*open)) {
+            if (entry->accessibleState().isChecked)
+                titles.push_back(entry->accessibleState().name);
+        }
+    }
+    return titles;
+}
+
 void FakeSurfaces::closeMenu()
 {
     while (auto* open = menu())

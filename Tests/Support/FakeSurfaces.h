@@ -164,6 +164,8 @@ public:
     void closeMenu();
     /// Of the open menu; separators have none.
     std::vector<std::string> menuTitles() const;
+    /// The entries with a mark, of the open menu and its open submenus.
+    std::vector<std::string> checkedMenuTitles() const;
     /// As an assistive program does. False if neither the open menu nor one below it has such an
     /// enabled entry.
     bool chooseMenuItem(std::string_view title);

@@ -28,11 +28,12 @@ protected:
         open("second");
     }
 
-    void open(const std::string& title)
+    void open(const std::string& title, bool isFixed = false)
     {
-        clients.push_back(std::make_unique<ClientProcess>(server, [title](Client& client, char) {
-            client.open({.title = title, .answersClose = true});
-        }));
+        clients.push_back(
+            std::make_unique<ClientProcess>(server, [title, isFixed](Client& client, char) {
+                client.open({.title = title, .isFixed = isFixed, .answersClose = true});
+            }));
         clients.back()->order('o');
         ASSERT_TRUE(eventually([&] { return desktop.clientTitled(title).has_value(); }));
         windows.push_back(*desktop.clientTitled(title));
@@ -186,6 +187,48 @@ TEST_P(Menus, doWhatTheirEntriesSay)
     openBarMenu();
     choose("Quit Quorvel");
     EXPECT_EQ(bar->process().waitForEnd(), 0);
+}
+
+// Faults: a request that the manager does not understand; a state that is asked for again instead
+// of being taken back; one that the window does not allow is offered all the same.
+TEST_P(Menus, switchTheStatesOfAWindow)
+{
+    const auto window = windows[0];
+    const auto isMaximised = [&] {
+        return desktop.hasState(window, "_NET_WM_STATE_MAXIMIZED_VERT")
+            && desktop.hasState(window, "_NET_WM_STATE_MAXIMIZED_HORZ");
+    };
+    for (const bool isOn : {true, false}) {
+        openMenuOf(window);
+        choose("Maximise");
+        EXPECT_TRUE(eventually([&] { return isMaximised() == isOn; }));
+        ASSERT_TRUE(settles(*bar));
+        openMenuOf(window);
+        choose("Keep Above Others");
+        EXPECT_TRUE(
+            eventually([&] { return desktop.hasState(window, "_NET_WM_STATE_ABOVE") == isOn; }));
+        ASSERT_TRUE(settles(*bar));
+        openMenuOf(window);
+        pointer.moveTo(entry("Move to Desktop"));
+        const std::string wanted = isOn ? "On All Desktops" : "Only on This Desktop";
+        ASSERT_TRUE(eventually([&] { return bar->state().entryTitled(wanted) != nullptr; }));
+        choose(wanted);
+        EXPECT_TRUE(eventually([&] {
+            return desktop.desktopOf(window) == (isOn ? kAllDesktops : desktop.currentDesktop());
+        }));
+        ASSERT_TRUE(settles(*bar));
+    }
+    openMenuOf(window);
+    choose("Full Screen");
+    EXPECT_TRUE(eventually([&] { return desktop.hasState(window, "_NET_WM_STATE_FULLSCREEN"); }));
+    desktop.setState(window, "FULLSCREEN", false);
+    EXPECT_TRUE(eventually([&] { return bar->state().panel().isVisible; }));
+    ASSERT_TRUE(settles(*bar));
+
+    open("fixed", true);
+    openMenuOf(windows[2]);
+    EXPECT_THAT(entries(), testing::Not(testing::Contains("Maximise")));
+    EXPECT_THAT(entries(), testing::Contains("Close"));
 }
 
 QUORVEL_UNDER_EACH_MANAGER(Menus);

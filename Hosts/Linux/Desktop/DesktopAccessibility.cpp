@@ -60,9 +60,24 @@ bool isFocused(const DesktopModel& model, const WindowRecord& window)
         && application->focusedWindow == window.id;
 }
 
+std::optional<WindowSwitch> switchOf(std::string_view attribute)
+{
+    if (attribute == ax::maximized)
+        return WindowSwitch::maximized;
+    if (attribute == ax::fullScreen)
+        return WindowSwitch::fullScreen;
+    if (attribute == ax::keptAbove)
+        return WindowSwitch::keptAbove;
+    if (attribute == ax::onEverySpace)
+        return WindowSwitch::onEverySpace;
+    return std::nullopt;
+}
+
 AXReply attributeOf(
     const DesktopModel& model, const WindowRecord& window, std::string_view attribute)
 {
+    if (auto one = switchOf(attribute))
+        return answer(window.on.contains(*one));
     if (attribute == ax::title)
         return answer(window.title);
     if (attribute == ax::role)
@@ -131,6 +146,25 @@ AXReply DesktopAccessibility::windowAttribute(WindowID id, std::string_view attr
     });
 }
 
+AXReply DesktopAccessibility::isAttributeSettable(
+    const AXElement& element, std::string_view attribute)
+{
+    auto id = windowIn(element, ElementKind::window);
+    if (!id)
+        return {AXError::attributeUnsupported, {}};
+    return m_model.read([&](const DesktopModel& model) -> AXReply {
+        auto* window = model.window(*id);
+        if (!window)
+            return {AXError::invalidElement, {}};
+        if (auto one = switchOf(attribute))
+            return answer(window->offered.contains(*one));
+        if (attribute == ax::size)
+            return answer(window->canResize);
+        return answer(
+            attribute == ax::minimized || attribute == ax::main || attribute == ax::focused);
+    });
+}
+
 AXError DesktopAccessibility::setAttribute(
     const AXElement& element, std::string_view attribute, const AXValue& value)
 {
@@ -174,7 +208,25 @@ AXError DesktopAccessibility::setWindowAttribute(
         return activate(window, std::get_if<bool>(&value));
     if (attribute == ax::size)
         return setSize(window, std::get_if<Size>(&value));
+    if (auto one = switchOf(attribute))
+        return setSwitch(window, *one, std::get_if<bool>(&value));
     return AXError::attributeUnsupported;
+}
+
+AXError DesktopAccessibility::setSwitch(WindowID id, WindowSwitch one, const bool* isWanted)
+{
+    if (!isWanted)
+        return AXError::illegalArgument;
+    auto error = m_model.read([&](const DesktopModel& model) {
+        auto* window = model.window(id);
+        if (!window)
+            return AXError::invalidElement;
+        return window->offered.contains(one) ? AXError::success : AXError::attributeUnsupported;
+    });
+    if (error != AXError::success)
+        return error;
+    return request([id, one, isOn = *isWanted](
+                       DesktopRequests& requests) { requests.setSwitch(id, one, isOn); });
 }
 
 AXError DesktopAccessibility::setMinimized(WindowID window, const bool* isWanted)

@@ -25,6 +25,7 @@ public:
     AXElement application(ProcessID) const override;
     void setMessagingTimeout(const AXElement&, float) override { }
     AXReply copyAttribute(const AXElement&, std::string_view attribute) override;
+    AXReply isAttributeSettable(const AXElement&, std::string_view attribute) override;
     AXError setAttribute(const AXElement&, std::string_view attribute, const AXValue&) override;
     AXError performAction(const AXElement&, std::string_view action) override;
     WindowIDResolver windowIDResolver() const override;
@@ -37,6 +38,7 @@ private:
     AXError setApplicationAttribute(ProcessID, std::string_view attribute, const AXValue&);
     AXError setWindowAttribute(WindowID, std::string_view attribute, const AXValue&);
     AXError setSize(WindowID, const Size*);
+    AXError setSwitch(WindowID, WindowSwitch, const bool*);
     AXError setMinimized(WindowID, const bool*);
     AXError activate(WindowID, const bool*);
     AXError request(std::function<void(DesktopRequests&)>);

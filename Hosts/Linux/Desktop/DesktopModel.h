@@ -15,6 +15,23 @@
 
 namespace quorvel::xdg {
 
+/// What the display server can be asked to switch on and off of a window.
+enum class WindowSwitch : std::uint8_t { maximized, fullScreen, keptAbove, onEverySpace };
+
+class WindowSwitches {
+public:
+    constexpr bool contains(WindowSwitch one) const { return (m_bits & bit(one)) != 0; }
+    constexpr void set(WindowSwitch one, bool isIn)
+    {
+        m_bits = static_cast<std::uint8_t>(isIn ? m_bits | bit(one) : m_bits & ~bit(one));
+    }
+    friend bool operator==(const WindowSwitches&, const WindowSwitches&) = default;
+
+private:
+    static constexpr unsigned bit(WindowSwitch one) { return 1u << static_cast<unsigned>(one); }
+    std::uint8_t m_bits = 0;
+};
+
 /// A managed client in the model's terms.
 struct WindowRecord {
     WindowID id{};
@@ -32,6 +49,8 @@ struct WindowRecord {
     double alpha = 1;
     Rect frame; ///< points, global top-left origin
     std::optional<SpaceID> space; ///< absent: on every space
+    WindowSwitches offered{}; ///< that the window and its manager let one change
+    WindowSwitches on{};
     std::uint64_t activation = 0; ///< grows with each activation on the desktop; 0: never active
 
     bool isOn(SpaceID other) const { return !space || *space == other; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
 
@@ -17,6 +18,8 @@ public:
     virtual void activateApplication(ProcessID) = 0;
     virtual void minimize(WindowID) = 0;
     virtual void close(WindowID) = 0;
+    /// No longer on every space, it is on the current one.
+    virtual void setSwitch(WindowID, WindowSwitch, bool isOn) = 0;
     /// Of the window including its frame, in points.
     virtual void resize(WindowID, Size) = 0;
     /// Makes this the current space; an unknown space is ignored.

@@ -53,6 +53,18 @@ AXReply MacAccessibility::copyAttribute(const AXElement& element, std::string_vi
     return {error, makeValue(value.get())};
 }
 
+AXReply MacAccessibility::isAttributeSettable(const AXElement& element, std::string_view attribute)
+{
+    const AXUIElementRef target = systemElement(element);
+    const auto name = makeString(attribute);
+    if (!target || !name)
+        return {AXError::illegalArgument, {}};
+    Boolean isSettable = 0;
+    const auto error
+        = static_cast<AXError>(AXUIElementIsAttributeSettable(target, name.get(), &isSettable));
+    return {error, isSettable != 0};
+}
+
 AXError MacAccessibility::setAttribute(
     const AXElement& element, std::string_view attribute, const AXValue& value)
 {

@@ -18,6 +18,7 @@ public:
     AXElement application(ProcessID) const override;
     void setMessagingTimeout(const AXElement&, float seconds) override;
     AXReply copyAttribute(const AXElement&, std::string_view attribute) override;
+    AXReply isAttributeSettable(const AXElement&, std::string_view attribute) override;
     AXError setAttribute(const AXElement&, std::string_view attribute, const AXValue&) override;
     AXError performAction(const AXElement&, std::string_view action) override;
 

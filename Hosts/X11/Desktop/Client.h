@@ -8,6 +8,7 @@
 
 #include <xcb/xcb.h>
 
+#include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/X11/Desktop/Properties.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Geometry.h"
@@ -46,6 +47,7 @@ enum class Facet : std::uint32_t {
     opacity = 1 << 12,
     place = 1 << 13,
     strut = 1 << 14,
+    allowedActions = 1 << 15,
 };
 
 class Facets {
@@ -75,12 +77,12 @@ constexpr Facets operator|(Facet a, Facet b)
 
 /// What the window manager says about a client; unreliable while there is no manager.
 inline constexpr Facets kManagerFacets
-    = Facet::state | Facet::desktop | Facet::frameExtents | Facet::place;
+    = Facet::state | Facet::desktop | Facet::frameExtents | Facet::place | Facet::allowedActions;
 /// What is read when a client is first seen.
 inline constexpr Facets kFirstFacets = Facet::netName | Facet::wmName | Facet::windowClass
     | Facet::applicationID | Facet::process | Facet::type | Facet::state | Facet::desktop
     | Facet::parent | Facet::hints | Facet::frameExtents | Facet::gtkExtents | Facet::opacity
-    | Facet::place;
+    | Facet::place | Facet::allowedActions;
 
 struct ClientState {
     bool isHidden = false;
@@ -88,6 +90,8 @@ struct ClientState {
     bool isModal = false;
     bool isFullScreen = false;
     bool isMaximizedVertically = false;
+    bool isMaximizedHorizontally = false;
+    bool isKeptAbove = false;
     bool skipsTaskbar = false;
     bool demandsAttention = false;
 
@@ -110,6 +114,7 @@ struct Client {
     std::optional<std::string> machine;
     std::optional<WindowType> type; ///< absent: the client names no known type
     ClientState state;
+    std::optional<WindowSwitches> allowed; ///< absent: the manager does not say
     std::optional<std::uint32_t> desktop;
     std::optional<xcb_window_t> parent; ///< `WM_TRANSIENT_FOR`, unchecked
     WindowHints hints;

@@ -7,6 +7,7 @@
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/RequestBatch.h"
+#include "Hosts/X11/Desktop/SwitchAtoms.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -19,10 +20,11 @@ ClientReader::ClientReader(Connection& connection) : m_connection(connection)
 Facets ClientReader::facetsOf(xcb_atom_t property) const
 {
     auto& atoms = m_connection.atoms();
-    const std::array<std::pair<xcb_atom_t, Facets>, 15> table{{
+    const std::array<std::pair<xcb_atom_t, Facets>, 16> table{{
         {atoms.netWmName, Facet::netName},
         {atoms.wmName, Facet::wmName},
         {atoms.netWmState, Facet::state},
+        {atoms.netWmAllowedActions, Facet::allowedActions},
         {atoms.netWmDesktop, Facet::desktop},
         {atoms.netFrameExtents, Facet::frameExtents},
         {atoms.gtkFrameExtents, Facet::gtkExtents},
@@ -124,6 +126,14 @@ void ClientReader::requestRole(RequestBatch& batch, Client& client, Facets facet
         batch.property(window, atoms.netWmState, limits::atoms,
             [&](const RawProperty& raw) { client.state = stateOf(decodeAtoms(raw)); });
     }
+    if (facets.contains(Facet::allowedActions)) {
+        batch.property(
+            window, atoms.netWmAllowedActions, limits::atoms, [&](const RawProperty& raw) {
+                client.allowed.reset();
+                if (raw.type == XCB_ATOM_ATOM)
+                    client.allowed = allowedSwitches(atoms, decodeAtoms(raw));
+            });
+    }
     if (facets.contains(Facet::desktop)) {
         batch.property(window, atoms.netWmDesktop, 1,
             [&](const RawProperty& raw) { client.desktop = decodeCardinal(raw); });
@@ -212,12 +222,14 @@ std::optional<WindowType> ClientReader::typeOf(const std::vector<xcb_atom_t>& li
 ClientState ClientReader::stateOf(const std::vector<xcb_atom_t>& list) const
 {
     auto& atoms = m_connection.atoms();
-    const std::array<std::pair<xcb_atom_t, bool ClientState::*>, 7> table{{
+    const std::array<std::pair<xcb_atom_t, bool ClientState::*>, 9> table{{
         {atoms.netWmStateHidden, &ClientState::isHidden},
         {atoms.netWmStateShaded, &ClientState::isShaded},
         {atoms.netWmStateModal, &ClientState::isModal},
         {atoms.netWmStateFullscreen, &ClientState::isFullScreen},
         {atoms.netWmStateMaximizedVert, &ClientState::isMaximizedVertically},
+        {atoms.netWmStateMaximizedHorz, &ClientState::isMaximizedHorizontally},
+        {atoms.netWmStateAbove, &ClientState::isKeptAbove},
         {atoms.netWmStateSkipTaskbar, &ClientState::skipsTaskbar},
         {atoms.netWmStateDemandsAttention, &ClientState::demandsAttention},
     }};

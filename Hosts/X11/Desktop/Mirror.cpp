@@ -116,6 +116,8 @@ void Mirror::readAll()
         m_root.request(batch);
         batch.finish();
         m_root.setKeepsLastWords(true);
+        if (m_root.takeSwitchesDidChange())
+            m_clients.markAllDirty();
         if (m_root.takeListDidChange())
             m_clients.follow(m_root.clients(), m_root.currentDesktop(), now);
     }
@@ -152,7 +154,7 @@ void Mirror::followManager()
 TranslationContext Mirror::context() const
 {
     return {m_monitors.coordinates(), m_monitors.list(), m_root.desktopCount(),
-        m_root.currentDesktop(), m_root.hasDesktops()};
+        m_root.currentDesktop(), m_root.hasDesktops(), m_root.switches()};
 }
 
 void Mirror::translateSpaces()

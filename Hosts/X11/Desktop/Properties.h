@@ -32,6 +32,7 @@ struct RawProperty {
 namespace limits {
 inline constexpr std::uint32_t text = 1024;
 inline constexpr std::uint32_t atoms = 64;
+inline constexpr std::uint32_t features = 4096;
 inline constexpr std::uint32_t windows = 1 << 16;
 inline constexpr std::uint32_t desktopNames = 4096;
 inline constexpr std::uint32_t icons = 600'000;

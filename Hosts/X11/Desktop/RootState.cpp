@@ -16,7 +16,7 @@ RootState::RootState(Connection& connection) : m_connection(connection)
 bool RootState::propertyDidChange(xcb_atom_t property)
 {
     auto& atoms = m_connection.atoms();
-    const std::array<std::pair<xcb_atom_t, Bit>, 7> table{{
+    const std::array<std::pair<xcb_atom_t, Bit>, 8> table{{
         {atoms.netClientList, clientsBit},
         {atoms.netClientListStacking, stackingBit},
         {atoms.netActiveWindow, activeBit},
@@ -24,6 +24,7 @@ bool RootState::propertyDidChange(xcb_atom_t property)
         {atoms.netNumberOfDesktops, countBit},
         {atoms.netDesktopNames, namesBit},
         {atoms.netShowingDesktop, showingBit},
+        {atoms.netSupported, supportedBit},
     }};
     for (auto& [atom, bit] : table) {
         if (atom != property)
@@ -60,7 +61,18 @@ void RootState::request(RequestBatch& batch)
             ++m_showingDesktopReads[m_isShowingDesktop];
         });
     }
+    if (stale & supportedBit)
+        requestSwitches(batch);
     requestDesktops(batch, stale);
+}
+
+void RootState::requestSwitches(RequestBatch& batch)
+{
+    batch.property(m_connection.root(), m_connection.atoms().netSupported, limits::features,
+        [this](const RawProperty& raw) {
+            auto switches = managerSwitches(m_connection.atoms(), decodeAtoms(raw));
+            m_switchesDidChange |= std::exchange(m_switches, switches) != switches;
+        });
 }
 
 void RootState::requestDesktops(RequestBatch& batch, unsigned stale)

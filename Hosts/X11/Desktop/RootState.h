@@ -9,6 +9,8 @@
 
 #include <xcb/xcb.h>
 
+#include "Hosts/X11/Desktop/SwitchAtoms.h"
+
 namespace quorvel::xdg::x11 {
 
 class Connection;
@@ -29,6 +31,9 @@ public:
     bool takeListDidChange() { return std::exchange(m_listDidChange, false); }
     bool takeStackingDidChange() { return std::exchange(m_stackingDidChange, false); }
 
+    bool takeSwitchesDidChange() { return std::exchange(m_switchesDidChange, false); }
+
+    const ManagerSwitches& switches() const { return m_switches; }
     const std::vector<xcb_window_t>& clients() const { return m_clients; }
     const std::vector<xcb_window_t>& bottomToTop() const { return m_bottomToTop; }
     xcb_window_t activeWindow() const { return m_activeWindow; }
@@ -54,9 +59,11 @@ private:
         countBit = 16,
         namesBit = 32,
         showingBit = 64,
+        supportedBit = 128,
     };
-    static constexpr unsigned kAll = 127;
+    static constexpr unsigned kAll = 255;
 
+    void requestSwitches(RequestBatch&);
     void requestDesktops(RequestBatch&, unsigned stale);
     void keepOrSet(std::optional<std::uint32_t>& target, std::optional<std::uint32_t> value) const;
 
@@ -65,6 +72,8 @@ private:
     bool m_keepsLastWords = false;
     bool m_listDidChange = false;
     bool m_stackingDidChange = false;
+    bool m_switchesDidChange = false;
+    ManagerSwitches m_switches;
     std::vector<xcb_window_t> m_clients;
     std::vector<xcb_window_t> m_bottomToTop;
     xcb_window_t m_activeWindow = XCB_WINDOW_NONE;

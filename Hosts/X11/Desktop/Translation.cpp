@@ -64,6 +64,30 @@ std::int32_t layerOf(const Client& client)
     return isDesktopElement(client) ? kDesktopLayer : 0;
 }
 
+WindowSwitches offeredSwitches(const Client& client, const TranslationContext& context)
+{
+    WindowSwitches offered;
+    for (auto one : {WindowSwitch::maximized, WindowSwitch::fullScreen, WindowSwitch::keptAbove,
+             WindowSwitch::onEverySpace}) {
+        bool isForbidden = context.switches.namedInActions.contains(one) && client.allowed
+            && !client.allowed->contains(one);
+        bool isPointless = one == WindowSwitch::onEverySpace && context.desktopCount < 2;
+        offered.set(one, context.switches.supported.contains(one) && !isForbidden && !isPointless);
+    }
+    return offered;
+}
+
+WindowSwitches switchesOf(const Client& client)
+{
+    auto& state = client.state;
+    WindowSwitches on;
+    on.set(WindowSwitch::maximized, state.isMaximizedVertically && state.isMaximizedHorizontally);
+    on.set(WindowSwitch::fullScreen, state.isFullScreen);
+    on.set(WindowSwitch::keptAbove, state.isKeptAbove);
+    on.set(WindowSwitch::onEverySpace, client.desktop == kEveryDesktop);
+    return on;
+}
+
 }
 
 bool isStandardWindow(const Client& client, bool hasParent)
@@ -124,6 +148,8 @@ WindowRecord recordOf(const Client& client, bool hasParent, const TranslationCon
     record.alpha = client.opacity;
     record.frame = context.coordinates.toPoints(frame);
     record.space = spaceOf(client, context);
+    record.offered = offeredSwitches(client, context);
+    record.on = switchesOf(client);
     return record;
 }
 

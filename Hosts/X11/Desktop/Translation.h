@@ -3,6 +3,7 @@
 #include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/Linux/Desktop/WindowOrigin.h"
 #include "Hosts/X11/Desktop/Client.h"
+#include "Hosts/X11/Desktop/SwitchAtoms.h"
 #include "Hosts/X11/Monitors.h"
 
 namespace quorvel::xdg::x11 {
@@ -14,6 +15,7 @@ struct TranslationContext {
     std::uint32_t desktopCount = 1;
     std::uint32_t currentDesktop = 0;
     bool hasDesktops = true;
+    ManagerSwitches switches{};
 };
 
 /// A client's type if it names none: a window with a parent is a dialog, as for managers.

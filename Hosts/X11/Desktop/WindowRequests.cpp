@@ -18,6 +18,7 @@ constexpr std::uint32_t kIconicState = 3;
 constexpr xcb_timestamp_t kFarActivationCounts = 1000; ///< milliseconds
 constexpr std::uint32_t kNorthWestGravity = 1;
 constexpr std::uint32_t kRemoveState = 0;
+constexpr std::uint32_t kAddState = 1;
 constexpr std::uint32_t kVerticalPlace = 1u << 9;
 constexpr std::uint32_t kWidthAndHeight = 1u << 10 | 1u << 11;
 constexpr double kLargestSide = 32767;
@@ -104,6 +105,12 @@ void WindowRequests::close(WindowID window)
     wish();
 }
 
+void WindowRequests::setSwitch(WindowID window, WindowSwitch one, bool isOn)
+{
+    m_wishes.switches[{window, one}] = isOn;
+    wish();
+}
+
 void WindowRequests::resize(WindowID window, Size size)
 {
     m_wishes.sizes[window] = size;
@@ -141,6 +148,8 @@ void WindowRequests::send(xcb_timestamp_t time)
         sendSwitch(time, *wishes.space);
     for (auto& [window, size] : wishes.sizes)
         sendSize(window, size);
+    for (auto& [target, isOn] : wishes.switches)
+        sendSwitch(target.first, target.second, isOn);
     for (auto& [window, isWanted] : wishes.minimized) {
         if (auto* client = m_clients.find(window); client && isWanted)
             message(client->window, m_connection.atoms().wmChangeState, {kIconicState});
@@ -207,6 +216,22 @@ void WindowRequests::sendSize(WindowID window, Size points)
             static_cast<std::int32_t>(client->place.y - client->frameExtents.top));
     }
     message(client->window, atoms.netMoveResizeWindow, {flags, 0, y, side(width), side(height)});
+}
+
+void WindowRequests::sendSwitch(WindowID window, WindowSwitch one, bool isOn)
+{
+    auto* client = m_clients.find(window);
+    if (!client)
+        return;
+    auto& atoms = m_connection.atoms();
+    if (one == WindowSwitch::onEverySpace) {
+        auto desktop = isOn ? kEveryDesktop : m_root.currentDesktop();
+        return message(client->window, atoms.netWmDesktop, {desktop, kSourcePager});
+    }
+    auto all = switchAtoms(atoms);
+    auto& [first, second] = std::ranges::find(all, one, &SwitchAtoms::which)->feature;
+    message(client->window, atoms.netWmState,
+        {isOn ? kAddState : kRemoveState, first, first == second ? 0 : second, kSourcePager});
 }
 
 void WindowRequests::sendSpaces()

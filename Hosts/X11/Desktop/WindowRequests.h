@@ -5,6 +5,8 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/Linux/Desktop/DesktopRequests.h"
@@ -33,6 +35,7 @@ public:
     void activateApplication(ProcessID) override;
     void minimize(WindowID) override;
     void close(WindowID) override;
+    void setSwitch(WindowID, WindowSwitch, bool isOn) override;
     void resize(WindowID, Size) override;
     void switchTo(SpaceID) override;
     void toggleShowingDesktop() override;
@@ -44,6 +47,7 @@ private:
         std::optional<ProcessID> applicationActivation;
         std::map<WindowID, bool> minimized; ///< false: the request was withdrawn
         std::map<WindowID, Size> sizes;
+        std::map<std::pair<WindowID, WindowSwitch>, bool> switches;
         std::vector<WindowID> closed;
         std::optional<SpaceID> space;
         bool hasSpaces = false;
@@ -53,6 +57,7 @@ private:
     void send(xcb_timestamp_t);
     void sendActivation(xcb_timestamp_t, WindowID);
     void sendSize(WindowID, Size);
+    void sendSwitch(WindowID, WindowSwitch, bool isOn);
     void sendSwitch(xcb_timestamp_t, SpaceID);
     void sendSpaces();
     std::optional<WindowID> windowToActivate(ProcessID) const;

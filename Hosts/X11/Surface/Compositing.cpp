@@ -5,17 +5,12 @@
 #include <utility>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/Desktop/Properties.h"
 #include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Reply.h"
 #include "Hosts/X11/SelectionEvents.h"
 
 namespace quorvel::xdg::x11 {
-
-namespace {
-
-constexpr std::uint32_t kMostSupportedAtoms = 4096;
-
-}
 
 Compositing::Compositing(Connection& connection)
     : m_connection(connection)
@@ -68,7 +63,7 @@ bool Compositing::managerSupports(xcb_atom_t feature) const
     auto* raw = m_connection.raw();
     auto reply = owned(xcb_get_property_reply(raw,
         xcb_get_property(raw, 0, m_connection.root(), m_connection.atoms().netSupported,
-            XCB_ATOM_ATOM, 0, kMostSupportedAtoms),
+            XCB_ATOM_ATOM, 0, limits::features),
         nullptr));
     if (!reply || reply->format != 32)
         return false;

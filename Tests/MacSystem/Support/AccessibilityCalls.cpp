@@ -237,6 +237,15 @@ AXError AXUIElementCopyAttributeValue(AXUIElementRef ref, CFStringRef attribute,
     return kAXErrorSuccess;
 }
 
+AXError AXUIElementIsAttributeSettable(AXUIElementRef ref, CFStringRef attribute, Boolean* settable)
+{
+    const auto reply
+        = accessibility().isAttributeSettable(contentOf<quorvel::AXElement>(ref), utf8(attribute));
+    if (const auto* answer = reply.get<bool>())
+        *settable = *answer;
+    return result(reply.error);
+}
+
 AXError AXUIElementSetAttributeValue(AXUIElementRef ref, CFStringRef attribute, CFTypeRef value)
 {
     return result(accessibility().setAttribute(

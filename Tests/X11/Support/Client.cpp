@@ -38,6 +38,13 @@ void Client::describe(xcb_window_t window, const WindowOptions& options)
         m_connection.setNumbers(
             window, "_MOTIF_WM_HINTS", "_MOTIF_WM_HINTS", {kDecorationsGiven, 0, 0, 0, 0});
     }
+    if (options.isFixed) {
+        std::vector<std::uint32_t> hints(18, 0);
+        hints[0] = 1U << 4 | 1U << 5; // least and largest size
+        hints[5] = hints[7] = static_cast<std::uint32_t>(options.frame.width);
+        hints[6] = hints[8] = static_cast<std::uint32_t>(options.frame.height);
+        m_connection.setNumbers(window, "WM_NORMAL_HINTS", "WM_SIZE_HINTS", hints);
+    }
     if (options.type)
         setType(window, *options.type);
     if (options.state)

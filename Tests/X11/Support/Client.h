@@ -15,6 +15,7 @@ struct WindowOptions {
     std::string applicationClass = "Sample";
     Frame frame{200, 100, 300, 200};
     bool isDecorated = true;
+    bool isFixed = false; ///< its least size is its largest one
     std::optional<std::string> type = {}; ///< of _NET_WM_WINDOW_TYPE
     std::optional<std::string> state = {}; ///< of _NET_WM_STATE
     std::optional<xcb_window_t> parent = {}; ///< of WM_TRANSIENT_FOR

@@ -75,9 +75,10 @@ public:
     void setState(xcb_window_t, const std::string& state, bool isOn);
     void maximise(xcb_window_t);
 
+    bool hasState(xcb_window_t, const std::string& state);
+
 private:
     std::string typeOf(xcb_window_t);
-    bool hasState(xcb_window_t, const std::string& state);
     std::optional<std::uint32_t> number(xcb_window_t, const std::string& property);
     void send(xcb_window_t, const std::string& message, const std::vector<std::uint32_t>& data);
 

@@ -111,6 +111,7 @@ AXUIElementRef AXUIElementCreateSystemWide();
 AXUIElementRef AXUIElementCreateApplication(pid_t);
 AXError AXUIElementSetMessagingTimeout(AXUIElementRef, float seconds);
 AXError AXUIElementCopyAttributeValue(AXUIElementRef, CFStringRef attribute, CFTypeRef* value);
+AXError AXUIElementIsAttributeSettable(AXUIElementRef, CFStringRef attribute, Boolean* settable);
 AXError AXUIElementSetAttributeValue(AXUIElementRef, CFStringRef attribute, CFTypeRef value);
 AXError AXUIElementPerformAction(AXUIElementRef, CFStringRef action);
 
