@@ -18,10 +18,12 @@ std::vector<std::string> commandLine(const std::vector<std::string>& arguments)
 }
 
 /// What is installed on this machine, and what comes while the bar runs, is nothing to it.
-Environment withoutInstalledFiles(const XServer& server)
+Environment withoutInstalledFiles(const XServer& server, const Environment& changes)
 {
     auto environment = server.environment();
     environment["XDG_DATA_DIRS"] = environment["XDG_CONFIG_DIRS"] = server.folder() / "system";
+    for (const auto& [name, value] : changes)
+        environment[name] = value;
     return environment;
 }
 
@@ -54,10 +56,11 @@ bool hasSanitizerReport(const std::string& log)
 
 }
 
-Bar::Bar(const XServer& server, const std::vector<std::string>& arguments)
+Bar::Bar(
+    const XServer& server, const std::vector<std::string>& arguments, const Environment& changes)
     : m_server(server)
     , m_log(freshLog(server.folder()))
-    , m_process(commandLine(arguments), withoutInstalledFiles(server), Outputs{{}, m_log})
+    , m_process(commandLine(arguments), withoutInstalledFiles(server, changes), Outputs{{}, m_log})
 {
 }
 

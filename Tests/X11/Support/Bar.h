@@ -15,8 +15,9 @@ namespace quorvel::x11tests {
 /// sanitizer wrote are judged.
 class Bar {
 public:
-    /// Starts it and does not wait.
-    explicit Bar(const XServer&, const std::vector<std::string>& arguments = {});
+    /// Starts it and does not wait; `changes` are to the server's environment.
+    explicit Bar(const XServer&, const std::vector<std::string>& arguments = {},
+        const Environment& changes = {});
     Bar(const Bar&) = delete;
     Bar& operator=(const Bar&) = delete;
     ~Bar();

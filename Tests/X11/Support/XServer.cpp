@@ -30,6 +30,11 @@ XServer::XServer(const std::vector<std::string>& arguments, int depth)
     startBus();
 }
 
+void XServer::kill()
+{
+    m_server.reset();
+}
+
 std::filesystem::path XServer::settingsFile() const
 {
     return folder() / "config" / "Quorvel" / "settings.json";

@@ -21,6 +21,8 @@ public:
     std::string networkDisplay() const { return "127.0.0.1" + m_display; }
     const Environment& environment() const { return m_environment; }
     const std::filesystem::path& folder() const { return m_folder.path(); }
+    /// Takes the display away from everybody.
+    void kill();
     /// Where the bar looks for its settings.
     std::filesystem::path settingsFile() const;
     /// Makes a program of these commands of the shell; returns its path.

@@ -1,0 +1,181 @@
+#include <algorithm>
+#include <fstream>
+#include <memory>
+#include <vector>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "Tests/X11/Support/DesktopFixture.h"
+
+namespace quorvel::x11tests {
+
+/// What surrounds the bar is not the manager's: one is enough.
+class HostileEnvironment : public UnderOpenbox {
+protected:
+    /// A bar that starts under these circumstances shows the window with its title.
+    testing::AssertionResult shows(const Bar& bar, xcb_window_t window, const std::string& title)
+    {
+        return eventually([&]() -> testing::AssertionResult {
+            const auto state = bar.state();
+            const auto* const item = state.itemOf(window);
+            if (!item || !state.chipOf(window))
+                return testing::AssertionFailure() << "no chip: " << bar.log();
+            return item->title == title
+                ? testing::AssertionSuccess()
+                : testing::AssertionFailure() << "its title is " << item->title;
+        });
+    }
+
+    Client client{server};
+};
+
+// Faults: a bar that cannot do without a home, a bus, fonts or a language, or says titles wrongly
+// then; one that waits for the bus.
+TEST_F(HostileEnvironment, leavesABarThatShowsTheWindows)
+{
+    const auto title = std::string{"Grüße \u65E5\u672C \xF0\x9F\x98\x80"};
+    const auto window = client.open({.title = title});
+    std::ofstream(server.folder() / "no-fonts.conf")
+        << "<?xml version='1.0'?><fontconfig></fontconfig>";
+    const std::vector<Environment> circumstances{
+        {{"HOME", "/dev/null/home"}, {"XDG_CONFIG_HOME", ""}, {"XDG_DATA_HOME", ""},
+            {"XDG_CACHE_HOME", ""}, {"XDG_STATE_HOME", ""}},
+        {{"HOME", "/proc"}, {"XDG_CONFIG_HOME", "/proc"}, {"XDG_CACHE_HOME", "/proc"},
+            {"XDG_STATE_HOME", "/proc"}, {"XDG_DATA_HOME", "/proc"}},
+        {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null/bus"}},
+        {{"FONTCONFIG_FILE", server.folder() / "no-fonts.conf"}},
+        {{"LC_ALL", "C"}, {"LANG", ""}},
+        {{"LC_ALL", "xx_YY.NO-SUCH-CHARSET"}, {"LANGUAGE", "xx"}},
+        {{"PATH", "/dev/null"}},
+    };
+    for (const auto& changes : circumstances) {
+        SCOPED_TRACE(changes.begin()->first + '=' + changes.begin()->second);
+        Bar bar(server, {}, changes);
+        ASSERT_TRUE(bar.appears());
+        EXPECT_TRUE(shows(bar, window, title));
+    }
+}
+
+// Faults: a settings file cut short by a disk that is full; a bar that ends over it, or says
+// nothing.
+TEST_F(HostileEnvironment, ofAFullDiskLosesNoSettings)
+{
+    const auto folder = server.settingsFile().parent_path();
+    const auto before = readFile(server.settingsFile());
+    // A disk of its own, which nobody else sees, with the settings on it and no byte more.
+    const std::string commands = "cp -r '" + folder.string() + "' '" + folder.string()
+        + ".kept' && mount -t tmpfs -o size=8k none '" + folder.string() + "' && cp '"
+        + folder.string() + ".kept/settings.json' '" + folder.string() + "/' && { cat /dev/zero > '"
+        + folder.string() + "/rest' 2>/dev/null; exec '" QUORVEL_PROGRAM "'; }";
+    const Outputs outputs{{}, server.folder() / "full.log"};
+    Process bar({"unshare", "--user", "--map-root-user", "--mount", "sh", "-c", commands},
+        server.environment(), outputs);
+    const auto answers = [&] { return run({"--state"}).status == 0; };
+    while (!answers()) {
+        if (!bar.isRunning())
+            GTEST_SKIP() << "no namespaces here: " << readFile(outputs.error);
+    }
+    const auto log = [&] { return readFile(outputs.error); };
+    const auto set = run({"--set", "showChipTitles=false"});
+    EXPECT_EQ(set.status, 1);
+    EXPECT_NE(set.error.find("cannot be written"), std::string::npos) << set.error;
+    EXPECT_NE(log().find("No space left on device"), std::string::npos) << log();
+    EXPECT_EQ(run({"--get", "showChipTitles"}).output, "false\n");
+    EXPECT_EQ(
+        readFile("/proc/" + std::to_string(bar.pid()) + "/root" + server.settingsFile().string()),
+        before);
+    EXPECT_EQ(run({"--quit"}).status, 0);
+    EXPECT_EQ(bar.waitForEnd(), 0) << log();
+}
+
+// Faults: a bar that outlives its display, ends with a crash, or leaves its address behind.
+TEST(DyingXServer, takesTheBarAlongWithAWord)
+{
+    auto server = std::make_unique<XServer>();
+    const Outputs outputs{{}, server->folder() / "dying.log"};
+    Process bar({QUORVEL_PROGRAM}, server->environment(), outputs);
+    ASSERT_TRUE(eventually([&] {
+        return runProgram(server->environment(), server->folder(), {"--state"}).status == 0;
+    })) << readFile(outputs.error);
+    server->kill();
+    EXPECT_EQ(bar.waitForEnd(), 1);
+    EXPECT_NE(readFile(outputs.error).find("the X server has gone"), std::string::npos)
+        << readFile(outputs.error);
+}
+
+// Faults: sizes of a screen that nobody thought of end the bar, or cost more memory than there is.
+TEST(OddScreens, haveABarThatAnswers)
+{
+    for (const char* size : {"1x1x24", "16384x2000x24"}) {
+        SCOPED_TRACE(size);
+        DesktopFixture fixture(ManagerKind::openbox, {"-screen", "0", size});
+        Client client(fixture.server);
+        Bar bar(fixture.server);
+        ASSERT_TRUE(bar.appears());
+        const auto window = client.open({.title = "any"});
+        // One pixel has no room for a window.
+        EXPECT_TRUE(std::string_view{size} == "1x1x24" || DesktopFixture::getsChip(bar, window));
+    }
+}
+
+// Faults: work that grows with the square of the windows or desktops; panels of hidden desktops
+// that cost pixels.
+TEST_F(HostileEnvironment, ofAThousandWindowsAtOnceAndAHundredDesktops)
+{
+    // Window managers need long for a thousand.
+    const std::size_t kWindowsAtOnce = std::getenv("QUORVEL_TEST_FULL") ? 1000 : 200;
+    Bar bar(server);
+    ASSERT_TRUE(bar.appears());
+    desktop.setDesktopCount(100);
+    ClientProcess crowd(server, "crowd", static_cast<int>(kWindowsAtOnce));
+    ASSERT_TRUE(crowd.finish());
+    ASSERT_TRUE(eventually([&] { return bar.state().windows.size() == kWindowsAtOnce; }));
+    EXPECT_EQ(bar.state().spaces.size(), 100U);
+    crowd.kill();
+    EXPECT_TRUE(eventually([&] { return bar.state().windows.empty(); }));
+    desktop.setDesktopCount(4);
+    EXPECT_TRUE(settles(bar));
+}
+
+// Faults: one client that never stops keeps all others from being seen, and the user from the bar.
+TEST_F(HostileEnvironment, ofAFloodOfTitlesAndRequestsLeavesTheBarFree)
+{
+    const auto quiet = client.open({.title = "quiet"});
+    Bar bar(server);
+    ASSERT_TRUE(bar.appears());
+    ClientProcess flood(server, [](Client& noisy, char) {
+        const auto window = noisy.open({.title = "noisy"});
+        for (int i = 0; i < 20'000; ++i)
+            noisy.setTitle(window, "noisy " + std::to_string(i));
+    });
+    flood.order('f');
+
+    // Connections that say nothing, half a request, and nonsense.
+    std::vector<int> connections;
+    sockaddr_un address{AF_UNIX, {}};
+    const auto path
+        = (server.folder() / "runtime/quorvel" / ("X" + server.display().substr(1) + ".socket"))
+              .string();
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    for (int i = 0; i < 60; ++i) {
+        const int connection = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+        connections.push_back(connection);
+        if (::connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0
+            && i % 3 > 0)
+            ::send(connection, i % 3 == 1 ? "[\"--sta" : "}\n{\0\n", 5, MSG_NOSIGNAL);
+    }
+    client.setTitle(quiet, "still seen");
+    EXPECT_TRUE(shows(bar, quiet, "still seen"));
+    ASSERT_TRUE(flood.finish());
+    for (const int connection : connections)
+        ::close(connection);
+    EXPECT_TRUE(eventually([&] {
+        const auto state = bar.state();
+        return std::ranges::any_of(
+            state.windows, [](auto& window) { return window.title == "noisy 19999"; });
+    }));
+}
+
+}
