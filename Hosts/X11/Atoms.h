@@ -73,6 +73,7 @@ namespace quorvel::xdg::x11 {
     X(netWmStateDemandsAttention, "_NET_WM_STATE_DEMANDS_ATTENTION")                               \
     X(netWmStrut, "_NET_WM_STRUT")                                                                 \
     X(netWmStrutPartial, "_NET_WM_STRUT_PARTIAL")                                                  \
+    X(comptonShadow, "_COMPTON_SHADOW")                                                            \
     X(kdeBlurBehind, "_KDE_NET_WM_BLUR_BEHIND_REGION")                                             \
     X(xsettings, "_XSETTINGS_SETTINGS")                                                            \
     X(xsettingsS0, "_XSETTINGS_S0")                                                                \

@@ -166,7 +166,7 @@ protected:
 };
 
 // Faults: black corners around an open popup whose compositor has gone; a bar that blurs, or does
-// not, for ever after its first look.
+// not, for ever after its first look; a shadow that darkens what lies beside either.
 TEST_F(Compositor, mayComeAndGoAtAnyTime)
 {
     Bar bar{server};
@@ -189,6 +189,10 @@ TEST_F(Compositor, mayComeAndGoAtAnyTime)
     const Frame corner{popup.x, popup.y, 1, 1};
     const auto behind = desktop.picture({1200, popup.y, 1, 1});
     ASSERT_TRUE(eventually([&] { return desktop.picture(corner) != behind; })) << "no popup";
+    for (const auto y : {popup.y + 4, bar.state().panel().frame.y + 4}) {
+        const auto window = desktop.windowAt(popup.x + popup.width / 2, y);
+        EXPECT_EQ(desktop.connection().numbers(window, "_COMPTON_SHADOW"), std::vector{0U});
+    }
     setRunning(false);
     EXPECT_TRUE(eventually([&] { return desktop.picture(corner) == behind; }));
     EXPECT_TRUE(eventually([&] { return depthOfBar() == 24; }));

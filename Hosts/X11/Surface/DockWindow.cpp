@@ -73,6 +73,7 @@ void DockWindow::describe()
 {
     auto& atoms = m_connection.atoms();
     m_properties.nameProgram();
+    m_properties.declineShadow();
     m_properties.setCardinals(atoms.netWmDesktop, &kAllDesktops, 1);
     m_properties.setAtoms(atoms.netWmWindowType, {atoms.netWmWindowTypeDock});
     m_properties.setAtoms(atoms.netWmState,
@@ -218,14 +219,24 @@ void DockWindow::setLowered(bool isLowered)
     xcb_configure_window_aux(raw, m_window, XCB_CONFIG_WINDOW_STACK_MODE, &values);
 }
 
+/// For picom the window manager's frame is the window.
+void DockWindow::declineShadowOf(xcb_window_t frame) const
+{
+    if (frame != m_connection.root())
+        WindowProperties{m_connection, frame}.declineShadow();
+}
+
 void DockWindow::handle(const xcb_generic_event_t* event)
 {
     switch (event->response_type & 0x7f) {
+    case XCB_REPARENT_NOTIFY:
+        declineShadowOf(as<xcb_reparent_notify_event_t>(event).parent);
+        m_corrections = 0; // a window manager has just taken it, perhaps a new one
+        m_place.ask();
+        break;
     case XCB_MAP_NOTIFY:
         m_mapAgain.cancel();
-        [[fallthrough]];
-    case XCB_REPARENT_NOTIFY:
-        m_corrections = 0; // a window manager has just taken it, perhaps a new one
+        m_corrections = 0;
         m_place.ask();
         break;
     case XCB_CONFIGURE_NOTIFY:

@@ -43,6 +43,7 @@ private:
     void configure();
     void requestMap(Duration patience);
     void comeBack();
+    void declineShadowOf(xcb_window_t frame) const;
 
     Connection& m_connection;
     Dispatch& m_dispatch;

@@ -75,6 +75,7 @@ void PopupWindow::create(const std::string& title, Kind kind)
     WindowProperties properties{m_connection, m_window};
     properties.setAtoms(atoms.netWmWindowType, {type});
     properties.nameProgram();
+    properties.declineShadow();
     properties.setTitle(title);
 }
 

@@ -62,4 +62,15 @@ void WindowProperties::nameProgram()
     setCardinals(atoms.netWmPid, &pid, 1);
 }
 
+/// There is no standard for it. picom reads the first; metacity, Mutter and Muffin, and the rules
+/// that picom comes with, take a window with the second for one that draws its own shadow, here
+/// one of no width.
+void WindowProperties::declineShadow()
+{
+    constexpr std::uint32_t none[4]{};
+    auto& atoms = m_connection.atoms();
+    setCardinals(atoms.comptonShadow, none, 1);
+    setCardinals(atoms.gtkFrameExtents, none, 4);
+}
+
 }

@@ -28,6 +28,9 @@ public:
     void setTitle(std::string_view utf8);
     /// The class, the process and its machine.
     void nameProgram();
+    /// Asks compositors for no shadow: it would darken what lies beside the bar, and a rectangle
+    /// around what is round.
+    void declineShadow();
 
 private:
     Connection& m_connection;
