@@ -165,6 +165,38 @@ protected:
     xcb_window_t ground = compositor.open({.title = "ground", .frame = {0, 0, 1280, 700}});
 };
 
+// Faults: round corners that look jagged; a rim of the colour that lay there before.
+TEST_F(Compositor, isNotNeededForSmoothCorners)
+{
+    const auto fill = [&](std::uint32_t colour) {
+        auto* const x = compositor.connection().get();
+        xcb_change_window_attributes(x, ground, XCB_CW_BACK_PIXEL, &colour);
+        xcb_clear_area(x, 0, ground, 0, 0, 0, 0);
+        compositor.connection().sync();
+    };
+    Bar bar{server};
+    ASSERT_TRUE(bar.appears());
+    ASSERT_TRUE(settles(bar));
+    fill(0xFF0000);
+    pointer.moveTo(bar.state().chipFrame(ground));
+    ASSERT_TRUE(eventually([&] { return bar.state().panel().popup.has_value(); }));
+    const auto popup = bar.state().panel().popup->frame;
+    // Between the colour of the popup, which is grey, and that of what is pure in one channel.
+    const auto mixedWith = [&](std::size_t channel) {
+        const auto pixels = desktop.picture({popup.x, popup.y, 12, 12});
+        int mixed = 0;
+        for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
+            const auto value = [&](std::size_t c) { return int{std::uint8_t(pixels[i + c])}; };
+            const auto other = value((channel + 1) % 3);
+            mixed += value(channel) > other + 10 && value(channel) < 0xF0 ? 1 : 0;
+        }
+        return mixed;
+    };
+    EXPECT_TRUE(eventually([&] { return mixedWith(2) > 8; })) << "with red";
+    fill(0x0000FF);
+    EXPECT_TRUE(eventually([&] { return mixedWith(0) > 8 && mixedWith(2) == 0; })) << "with blue";
+}
+
 // Faults: black corners around an open popup whose compositor has gone; a bar that blurs, or does
 // not, for ever after its first look; a shadow that darkens what lies beside either.
 TEST_F(Compositor, mayComeAndGoAtAnyTime)

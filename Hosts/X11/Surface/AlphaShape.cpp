@@ -8,18 +8,17 @@ namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr std::uint32_t kHalf = 128;
-
 std::uint32_t* rowOf(cairo_surface_t* surface, int y)
 {
     auto offset = static_cast<std::ptrdiff_t>(y) * cairo_image_surface_get_stride(surface);
     return reinterpret_cast<std::uint32_t*>(cairo_image_surface_get_data(surface) + offset);
 }
 
-std::vector<xcb_rectangle_t> runsOf(const std::uint32_t* row, int width, int y)
+std::vector<xcb_rectangle_t> runsOf(
+    const std::uint32_t* row, int width, int y, std::uint32_t leastAlpha)
 {
     std::vector<xcb_rectangle_t> runs;
-    auto isThere = [row](int x) { return row[x] >> 24 >= kHalf; };
+    auto isThere = [&](int x) { return row[x] >> 24 >= leastAlpha; };
     for (int x = 0; x < width;) {
         int start = x;
         while (x < width && isThere(x) == isThere(start))
@@ -56,13 +55,14 @@ std::uint32_t inFull(std::uint32_t pixel)
 
 }
 
-std::vector<xcb_rectangle_t> opaqueRectangles(cairo_surface_t* surface)
+std::vector<xcb_rectangle_t> opaqueRectangles(cairo_surface_t* surface, std::uint32_t leastAlpha)
 {
     cairo_surface_flush(surface);
     std::vector<xcb_rectangle_t> all;
     std::size_t band = 0; // where the rectangles of the last row begin
     for (int y = 0; y < cairo_image_surface_get_height(surface); ++y) {
-        auto runs = runsOf(rowOf(surface, y), cairo_image_surface_get_width(surface), y);
+        auto runs
+            = runsOf(rowOf(surface, y), cairo_image_surface_get_width(surface), y, leastAlpha);
         if (continues(all, band, runs)) {
             for (std::size_t i = band; i < all.size(); ++i)
                 ++all[i].height;

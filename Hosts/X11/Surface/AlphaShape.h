@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include <cairo/cairo.h>
@@ -7,9 +8,13 @@
 
 namespace quorvel::xdg::x11 {
 
-/// The pixels of an ARGB surface that are more than half opaque, as rectangles that do not overlap,
+/// Half opaque.
+constexpr std::uint32_t kHalfAlpha = 128;
+
+/// The pixels of an ARGB surface that are at least so opaque, as rectangles that do not overlap,
 /// sorted by y and then by x. Equal rows share theirs.
-std::vector<xcb_rectangle_t> opaqueRectangles(cairo_surface_t*);
+std::vector<xcb_rectangle_t> opaqueRectangles(
+    cairo_surface_t*, std::uint32_t leastAlpha = kHalfAlpha);
 
 /// Paints this part of `source` on `target` without transparency. Colours of half transparent
 /// pixels come out at full strength, since the shape decides what is seen.

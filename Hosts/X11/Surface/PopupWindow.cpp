@@ -40,6 +40,7 @@ PopupWindow::PopupWindow(
           isComposited ? WindowVisual::withAlpha(connection) : WindowVisual::ofRoot(connection))
     , m_keepsAlpha(m_visual.depth == kDepthWithAlpha)
     , m_buffer(connection, m_visual)
+    , m_backdrop(connection)
     , m_window(xcb_generate_id(connection.raw()))
 {
     create(title, kind);
@@ -129,15 +130,12 @@ void PopupWindow::present(const std::vector<Rect>& parts)
 {
     if (!picture() || m_buffer.isEmpty())
         return;
-    for (auto& part : parts) {
-        cairo_rectangle_int_t pixels{static_cast<int>(part.x), static_cast<int>(part.y),
-            static_cast<int>(part.width), static_cast<int>(part.height)};
-        if (m_picture)
-            flatten(m_picture.get(), m_buffer.surface(), pixels);
-    }
+    flattenParts(parts);
     // Inside, nothing is transparent.
     if (std::ranges::any_of(parts, [this](auto& part) { return reachesEdge(part); }))
         shape();
+    if (m_picture && m_backdrop.isKnown())
+        m_backdrop.blend(m_buffer.surface());
     if (!std::exchange(m_isMapped, true)) {
         raise();
         xcb_map_window(m_connection.raw(), m_window);
@@ -146,6 +144,17 @@ void PopupWindow::present(const std::vector<Rect>& parts)
     for (auto& part : parts)
         m_buffer.copyTo(m_window, part);
     xcb_flush(m_connection.raw());
+}
+
+/// What is painted keeps its transparency; what is shown has none.
+void PopupWindow::flattenParts(const std::vector<Rect>& parts)
+{
+    if (!m_picture)
+        return;
+    for (auto& part : parts)
+        flatten(m_picture.get(), m_buffer.surface(),
+            {static_cast<int>(part.x), static_cast<int>(part.y), static_cast<int>(part.width),
+                static_cast<int>(part.height)});
 }
 
 bool PopupWindow::reachesEdge(const Rect& part) const
@@ -164,7 +173,17 @@ void PopupWindow::setOpacity(double opacity)
 
 void PopupWindow::shape()
 {
-    auto rectangles = opaqueRectangles(picture());
+    if (m_picture) {
+        m_backdrop.setPicture(m_picture.get());
+        m_backdrop.read(m_picture.get(), m_frame);
+    }
+    applyShape();
+}
+
+void PopupWindow::applyShape()
+{
+    bool isSmooth = m_picture && m_backdrop.isKnown();
+    auto rectangles = opaqueRectangles(picture(), isSmooth ? Backdrop::kLeastAlpha : kHalfAlpha);
     if (!hasShapes(m_connection)
         || (m_hasShape && std::ranges::equal(rectangles, m_shape, isEqual)))
         return;
@@ -173,6 +192,22 @@ void PopupWindow::shape()
     xcb_shape_rectangles(m_connection.raw(), XCB_SHAPE_SO_SET,
         m_picture ? XCB_SHAPE_SK_BOUNDING : XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_YX_BANDED,
         m_window, 0, 0, static_cast<std::uint32_t>(m_shape.size()), m_shape.data());
+}
+
+bool PopupWindow::followBackdrop()
+{
+    if (!m_picture || !m_isMapped || m_buffer.isEmpty())
+        return false;
+    if (!m_backdrop.read(m_picture.get(), m_frame))
+        return !m_backdrop.parts().empty();
+    flattenParts(m_backdrop.parts());
+    if (m_backdrop.isKnown())
+        m_backdrop.blend(m_buffer.surface());
+    applyShape();
+    for (auto& part : m_backdrop.parts())
+        m_buffer.copyTo(m_window, part);
+    xcb_flush(m_connection.raw());
+    return true;
 }
 
 void PopupWindow::raise()

@@ -10,6 +10,9 @@ namespace quorvel::xdg::x11 {
 
 namespace {
 
+/// Until colours beside a window are followed: windows move, and films play.
+constexpr Duration kBackdropPause = seconds(0.25);
+
 /// The list of a launcher is clicked, and typing goes on.
 KeyboardHold holdOf(PanelKind kind)
 {
@@ -75,6 +78,7 @@ void X11Popup::orderOut()
 {
     m_isOrderedIn = false;
     m_grab.release();
+    m_backdropTimer = {};
     m_window.reset();
     windowDidGo();
 }
@@ -120,6 +124,17 @@ void X11Popup::paint()
         return;
     paintOn(m_window->picture(), parts);
     m_window->present(parts);
+    if (!m_backdropTimer.isPending())
+        followBackdrop();
+}
+
+void X11Popup::followBackdrop()
+{
+    m_backdropTimer = m_context.dispatch.main().after(kBackdropPause, [this] {
+        m_backdropTimer = {};
+        if (m_window && m_window->followBackdrop())
+            followBackdrop();
+    });
 }
 
 }

@@ -37,10 +37,12 @@ private:
     bool hasWindow() const override { return m_window != nullptr; }
     void handle(const xcb_generic_event_t*) override;
     void paint() override;
+    void followBackdrop();
 
     double m_opacity = 1;
     bool m_isOrderedIn = false;
     std::unique_ptr<PopupWindow> m_window;
+    WorkItem m_backdropTimer;
     InputGrabs::Grab m_grab;
     Subscription m_compositingChange;
 };
