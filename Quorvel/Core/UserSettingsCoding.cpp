@@ -7,6 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Quorvel/Core/StoredJson.h"
+
 namespace quorvel {
 
 namespace {
@@ -18,18 +20,9 @@ constexpr int kIndent = 2;
 constexpr int kDeepestNesting = 8;
 constexpr char kMore[] = "more";
 
-/// Discarded if the bytes are no JSON or nested deeper than anything of ours.
 Json parse(std::string_view bytes)
 {
-    bool isTooDeep = false;
-    auto json = Json::parse(
-        bytes,
-        [&](int depth, Json::parse_event_t, Json&) {
-            isTooDeep = isTooDeep || depth > kDeepestNesting;
-            return !isTooDeep;
-        },
-        false);
-    return isTooDeep ? Json(Json::value_t::discarded) : json;
+    return parseStoredJson(bytes, kDeepestNesting);
 }
 
 // MARK: Values; false for a value of another type
@@ -208,20 +201,13 @@ void reviseMore(Json& json, const MoreSettings& before, const MoreSettings& now)
         json[kMore] = std::move(more);
 }
 
-/// Identifiers come from other programs' files and may hold anything; one bad text must not keep
-/// the rest from being stored.
-std::string text(const Json& json, int indent)
-{
-    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
-}
-
 }
 
 std::string encodeUserSettings(const UserSettingsData& data)
 {
     auto json = writeRecord(data);
     reviseMore(json, {}, data.more);
-    return text(json, kIndent) + "\n";
+    return storedText(json, kIndent) + "\n";
 }
 
 std::string listUserSettings(const UserSettingsData& data)
@@ -229,7 +215,7 @@ std::string listUserSettings(const UserSettingsData& data)
     auto json = Json::object();
     UserSettingsData::forEachSetting(
         data, [&](const char* name, auto& field) { json[name] = write(field); });
-    return text(json, kIndent) + "\n";
+    return storedText(json, kIndent) + "\n";
 }
 
 std::optional<std::string> reviseUserSettings(
@@ -240,7 +226,7 @@ std::optional<std::string> reviseUserSettings(
     auto json = parse(file);
     reviseRecord(json, before, now);
     reviseMore(json, before.more, now.more);
-    return text(json, kIndent) + "\n";
+    return storedText(json, kIndent) + "\n";
 }
 
 std::optional<UserSettingsData> decodeUserSettings(
@@ -261,7 +247,7 @@ std::optional<std::string> encodeUserSetting(const UserSettingsData& data, std::
     std::optional<std::string> encoded;
     UserSettingsData::forEachSetting(data, [&](std::string_view candidate, auto& field) {
         if (candidate == name)
-            encoded = text(write(field), -1);
+            encoded = storedText(write(field), -1);
     });
     return encoded;
 }
