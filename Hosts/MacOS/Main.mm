@@ -1,3 +1,9 @@
+#include <array>
+
+#include <Security/AuthSession.h>
+#include <Security/SecBase.h>
+#include <sys/sysctl.h>
+
 #include "Hosts/MacOS/Cocoa.h"
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/MacApplication.h"
@@ -45,6 +51,18 @@ std::optional<posix::ControlAddress> barAddress(std::string& problem)
     return posix::ControlAddress::forDisplay("screen", folder.c_str(), "/tmp", problem);
 }
 
+/// The start of the machine and the log-in. Window numbers last as long as both.
+std::optional<std::string> windowSession()
+{
+    std::array<char, 64> boot{};
+    std::size_t size = boot.size() - 1;
+    SecuritySessionId session = noSecuritySession;
+    if (sysctlbyname("kern.bootsessionuuid", boot.data(), &size, nullptr, 0) != 0
+        || SessionGetInfo(callerSecuritySession, &session, nullptr) != errSecSuccess)
+        return std::nullopt;
+    return std::string{boot.data()} + "-" + std::to_string(session);
+}
+
 std::optional<std::string> applicationSupportFolder()
 {
     NSURL* folder = [NSFileManager.defaultManager URLsForDirectory:NSApplicationSupportDirectory
@@ -79,7 +97,7 @@ int runBar(const CommandLine& line, ControlChannel& control, Trace& trace)
     MacApplication application;
     MacDispatch dispatch;
     MacAccessibility accessibility{symbols};
-    MacWindowServer windowServer{symbols, displaySpaces()};
+    MacWindowServer windowServer{symbols, displaySpaces(), windowSession()};
     MacDisplays displays;
     const ScreenWatcher screenWatcher{displays};
     MacWorkspace workspace;
@@ -88,7 +106,8 @@ int runBar(const CommandLine& line, ControlChannel& control, Trace& trace)
     MacWindowCapture screenCapture;
     MacSurfaces surfaces{{windowServer, application, workspace, dispatch.main()}};
     CoreTextText text;
-    posix::PosixFiles files{{applicationSupportFolder(), /*keepsRejectedFiles=*/false}};
+    posix::PosixFiles files{
+        {applicationSupportFolder(), applicationSupportFolder(), /*keepsRejectedFiles=*/false}};
     MacLoginItem loginItem;
     MacHotkeys hotkeys;
     MacLaunchServices launchServices{symbols};

@@ -7,6 +7,7 @@ namespace quorvel::posix {
 /// What a host knows about the user's disk beyond POSIX.
 struct DiskConventions {
     std::optional<std::string> applicationSupportFolder;
+    std::optional<std::string> stateFolder;
     bool keepsRejectedFiles = true;
 };
 
@@ -18,6 +19,7 @@ public:
     {
         return m_conventions.applicationSupportFolder;
     }
+    std::optional<std::string> stateFolder() const override { return m_conventions.stateFolder; }
     bool keepsRejectedFiles() const override { return m_conventions.keepsRejectedFiles; }
 
     std::error_code createFolder(const std::string& path) override;

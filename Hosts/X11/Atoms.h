@@ -6,10 +6,12 @@ namespace quorvel::xdg::x11 {
 
 // One line per atom: the member's name, then the server's.
 #define QUORVEL_ATOMS(X)                                                                           \
+    X(quorvelSession, "_QUORVEL_SESSION")                                                          \
     X(utf8String, "UTF8_STRING")                                                                   \
     X(compoundText, "COMPOUND_TEXT")                                                               \
     X(wmName, "WM_NAME")                                                                           \
     X(wmClass, "WM_CLASS")                                                                         \
+    X(wmWindowRole, "WM_WINDOW_ROLE")                                                              \
     X(wmProtocols, "WM_PROTOCOLS")                                                                 \
     X(wmDeleteWindow, "WM_DELETE_WINDOW")                                                          \
     X(wmChangeState, "WM_CHANGE_STATE")                                                            \

@@ -85,7 +85,7 @@ int runBar(Display display, const CommandLine& line, ControlChannel& control, Tr
     X11ScreenCapture screenCapture{desktop.model(), dispatch, connection.get()};
     DesktopBundles bundles{entries};
     DirectoryEvents fileEvents{dispatch};
-    posix::PosixFiles files{{configurationFolder(), /*keepsRejectedFiles=*/true}};
+    posix::PosixFiles files{{configurationFolder(), stateFolder(), /*keepsRejectedFiles=*/true}};
     SettingsProgram settingsWindow{desktop.launchTokens(), dispatch, SettingsProgram::ownFolder()};
     AutostartItem loginItem{files, AutostartItem::userFile(), AutostartItem::runningProgram()};
     return QuorvelApp::main(

@@ -19,6 +19,9 @@ public:
     /// Where programs store their data for the user, each in a folder of its own. Absent if the
     /// system names none.
     virtual std::optional<std::string> applicationSupportFolder() const = 0;
+    /// Where programs keep what they remember from one run to the next, and nobody has set. Absent
+    /// if the system names none.
+    virtual std::optional<std::string> stateFolder() const = 0;
     /// Whether users of this system expect a file that could not be understood to be kept beside
     /// the new one instead of being overwritten.
     virtual bool keepsRejectedFiles() const = 0;

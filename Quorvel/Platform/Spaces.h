@@ -16,6 +16,9 @@ struct ManagedSpace {
     std::optional<std::uint64_t> id64;
     std::optional<std::uint64_t> managedSpaceID;
     std::optional<std::int64_t> type;
+    /// Under which the system knows the space also after the user has logged out. Absent or empty
+    /// where it has none.
+    std::optional<std::string> uuid = {};
 };
 
 struct ManagedDisplay {

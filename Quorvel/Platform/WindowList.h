@@ -56,6 +56,12 @@ public:
         ProcessID owner, std::uint32_t options, const WindowVisitor&) const = 0;
     /// The number by which other programs know the window; absent where there is none.
     virtual std::optional<std::uint32_t> nativeWindowNumber(WindowID) const = 0;
+    /// Names the time during which those numbers are not given anew: in another session they belong
+    /// to other windows. Absent where nothing tells one session from the next.
+    virtual std::optional<std::string> windowSession() const = 0;
+    /// Which of its application's kinds of windows it is, in words that are the same each time one
+    /// of that kind is opened; not for users. Absent where windows do not say.
+    virtual std::optional<std::string> windowRole(WindowID) const { return {}; }
 };
 
 }

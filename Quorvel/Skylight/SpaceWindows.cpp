@@ -59,8 +59,8 @@ SpaceWindows::Answer SpaceWindows::ask() const
         for (auto& space : display.spaces) {
             // A space without a readable id is left out, but keeps its place in the count.
             if (auto id = spaceID(space))
-                answer.spaces.push_back(
-                    {displayIndex, identifier, spaceIndex, *id, space.type.value_or(0)});
+                answer.spaces.push_back({displayIndex, identifier, spaceIndex, *id,
+                    space.type.value_or(0), space.uuid.value_or("")});
             ++spaceIndex;
         }
         auto shown = display.currentSpace ? spaceID(*display.currentSpace) : std::nullopt;

@@ -25,6 +25,7 @@ public:
         int spaceIndex = 0; ///< in its display's list of spaces
         SpaceID spaceID{};
         std::int64_t spaceType = 0;
+        std::string uuid = {}; ///< empty where the system has none for this space
 
         friend bool operator==(const Info&, const Info&) = default;
     };

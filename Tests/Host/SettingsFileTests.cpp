@@ -40,7 +40,8 @@ protected:
 
     test::TemporaryFolder folder;
     std::string root = folder.path();
-    std::unique_ptr<PosixFiles> files = std::make_unique<PosixFiles>(DiskConventions{root, true});
+    std::unique_ptr<PosixFiles> files
+        = std::make_unique<PosixFiles>(DiskConventions{root, root, true});
 };
 
 /// Counts up in the settings, and says on the pipe which numbers are saved, until it is killed.

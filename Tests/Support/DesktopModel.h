@@ -19,6 +19,7 @@ struct FakeSpace {
     SpaceID id{};
     std::int64_t type = 0; ///< 4: full screen
     std::optional<std::string> name{};
+    std::optional<std::string> uuid{};
 };
 
 struct FakeDisplay {
@@ -70,6 +71,8 @@ struct OpenOptions {
     Duration accessibilityDelay{}; ///< until AXWindows has it and its creation is announced
     Duration serverDelay{}; ///< until the window list and the space lists have it
     bool takesFocus = true; ///< within its application
+    std::optional<std::uint32_t> number{}; ///< for other programs; absent: that of its identifier
+    std::optional<std::string> windowRole{};
 };
 
 /// The button in a window's title bar.

@@ -15,8 +15,10 @@ public:
     enum class Step { createFolder, read, write, rename, remove };
 
     static constexpr char kSettingsFile[] = "/support/Quorvel/settings.json";
+    static constexpr char kOrderFile[] = "/state/Quorvel/order.json";
 
     std::optional<std::string> applicationSupportFolder() const override { return m_support; }
+    std::optional<std::string> stateFolder() const override { return m_state; }
     bool keepsRejectedFiles() const override { return m_keepsRejectedFiles; }
     std::error_code createFolder(const std::string& path) override;
     bool exists(const std::string& path) const override;
@@ -48,8 +50,9 @@ private:
     bool isFolder(const std::string& path) const { return m_folders.contains(path); }
 
     std::optional<std::string> m_support = "/support";
+    std::optional<std::string> m_state = "/state";
     std::map<std::string, std::string> m_files;
-    std::set<std::string> m_folders{"", "/support"};
+    std::set<std::string> m_folders{"", "/support", "/state"};
     std::set<Step> m_failing;
     bool m_keepsRejectedFiles = true;
     bool m_isFull = false;

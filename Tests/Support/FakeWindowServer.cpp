@@ -10,7 +10,10 @@ namespace {
 
 ManagedSpace managed(const FakeSpace& space)
 {
-    return {.id64 = raw(space.id), .managedSpaceID = raw(space.id), .type = space.type};
+    return {.id64 = raw(space.id),
+        .managedSpaceID = raw(space.id),
+        .type = space.type,
+        .uuid = space.uuid};
 }
 
 ManagedDisplay managed(const FakeDisplay& display)
@@ -70,6 +73,18 @@ Listing FakeWindowServer::enumerateWindows(std::uint32_t, const WindowVisitor& v
             visitor(entry(ghost.window));
     }
     return Listing::complete;
+}
+
+std::optional<std::uint32_t> FakeWindowServer::nativeWindowNumber(WindowID id) const
+{
+    auto* window = m_desktop.model().window(id);
+    return window ? std::optional{window->number.value_or(raw(id))} : std::nullopt;
+}
+
+std::optional<std::string> FakeWindowServer::windowRole(WindowID id) const
+{
+    auto* window = m_desktop.model().window(id);
+    return window ? window->windowRole : std::nullopt;
 }
 
 std::optional<std::vector<ManagedDisplay>> FakeWindowServer::managedDisplaySpaces() const

@@ -20,7 +20,9 @@ public:
     Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const override;
     Listing enumerateWindows(
         ProcessID owner, std::uint32_t options, const WindowVisitor&) const override;
-    std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override { return {}; }
+    std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
+    std::optional<std::string> windowSession() const override { return m_windowSession; }
+    std::optional<std::string> windowRole(WindowID) const override;
     std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces() const override;
     std::optional<std::vector<WindowID>> windowsOfSpaces(
         const std::vector<SpaceID>&, std::uint32_t options) const override;
@@ -53,6 +55,7 @@ public:
     bool isShowingDesktop() const { return m_isShowingDesktop; }
 
     // Knobs.
+    void setWindowSession(std::optional<std::string> name) { m_windowSession = std::move(name); }
     /// Entries that the list gives beside the real ones.
     void addStrayEntry(CGWindowInfo entry) { m_strayEntries.push_back(std::move(entry)); }
     /// How long a closed window stays listed.
@@ -149,6 +152,7 @@ private:
     bool m_failsSpaceLists = false;
     bool m_failsSpacesOfWindows = false;
     bool m_isShowingDesktop = false;
+    std::optional<std::string> m_windowSession = "session";
     std::function<void(std::vector<ManagedDisplay>&)> m_distortion;
     std::vector<Moved> m_moves;
     std::map<SpaceID, double> m_edgeReservations;

@@ -60,6 +60,11 @@ std::string cacheFolder()
     return folderFrom("XDG_CACHE_HOME", homeFolder() + "/.cache");
 }
 
+std::string stateFolder()
+{
+    return folderFrom("XDG_STATE_HOME", homeFolder() + "/.local/state");
+}
+
 std::string homeFolder()
 {
     return folderFrom("HOME", g_get_home_dir());

@@ -12,6 +12,9 @@ std::vector<std::string> dataFolders();
 std::vector<std::string> dataFolders(std::string_view subfolder);
 std::string configurationFolder();
 std::string cacheFolder();
+/// For what a program remembers between its runs, which is neither set by the user nor worth a
+/// backup.
+std::string stateFolder();
 std::string homeFolder();
 
 }

@@ -38,6 +38,7 @@ struct WindowRecord {
     std::uint32_t native = 0; ///< the display server's own number
     ProcessID owner{};
     std::string title;
+    std::string role; ///< as `WindowList::windowRole` says; empty: absent
     bool isStandard = false; ///< else its role is unknown
     bool isModal = false;
     bool isMinimized = false;

@@ -36,10 +36,12 @@ CGWindowInfo infoOf(const DesktopModel& model, const WindowRecord& window)
 }
 
 DesktopWindowServer::DesktopWindowServer(SharedModel& model, DesktopTracker& tracker,
-    DesktopRequests& requests, PanelEnvironment& environment)
+    DesktopRequests& requests, PanelEnvironment& environment,
+    std::optional<std::string> windowSession)
     : m_model(model)
     , m_requests(requests)
     , m_environment(environment)
+    , m_windowSession(std::move(windowSession))
 {
     m_spacesChanged = tracker.spacesDidChange.subscribe([this] { spacesDidChange.emit(); });
     m_spacesOfWindowsChanged
@@ -95,6 +97,14 @@ std::optional<std::uint32_t> DesktopWindowServer::nativeWindowNumber(WindowID id
     return m_model.read([&](const DesktopModel& model) -> std::optional<std::uint32_t> {
         auto* window = model.window(id);
         return window ? std::optional{window->native} : std::nullopt;
+    });
+}
+
+std::optional<std::string> DesktopWindowServer::windowRole(WindowID id) const
+{
+    return m_model.read([&](const DesktopModel& model) -> std::optional<std::string> {
+        auto* window = model.window(id);
+        return window && !window->role.empty() ? std::optional{window->role} : std::nullopt;
     });
 }
 

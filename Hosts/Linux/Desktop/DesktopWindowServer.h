@@ -13,12 +13,16 @@ class DesktopTracker;
 /// display.
 class DesktopWindowServer final : public WindowServer {
 public:
-    DesktopWindowServer(SharedModel&, DesktopTracker&, DesktopRequests&, PanelEnvironment&);
+    /// `windowSession` names the time for which the display server's window numbers hold.
+    DesktopWindowServer(SharedModel&, DesktopTracker&, DesktopRequests&, PanelEnvironment&,
+        std::optional<std::string> windowSession);
 
     Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const override;
     Listing enumerateWindows(
         ProcessID owner, std::uint32_t options, const WindowVisitor&) const override;
     std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
+    std::optional<std::string> windowSession() const override { return m_windowSession; }
+    std::optional<std::string> windowRole(WindowID) const override;
 
     std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces() const override;
     std::optional<std::vector<WindowID>> windowsOfSpaces(
@@ -55,6 +59,7 @@ private:
     SharedModel& m_model;
     DesktopRequests& m_requests;
     PanelEnvironment& m_environment;
+    const std::optional<std::string> m_windowSession;
     Subscription m_spacesChanged;
     Subscription m_spacesOfWindowsChanged;
     Subscription m_spaceWanted;

@@ -67,9 +67,11 @@ CGEventType eventType(PointerPost post)
 
 }
 
-MacWindowServer::MacWindowServer(const PrivateSymbols& symbols, DisplaySpaces displaySpaces)
+MacWindowServer::MacWindowServer(const PrivateSymbols& symbols, DisplaySpaces displaySpaces,
+    std::optional<std::string> windowSession)
     : m_symbols(symbols)
     , m_displaySpaces(displaySpaces)
+    , m_windowSession(std::move(windowSession))
 {
 }
 

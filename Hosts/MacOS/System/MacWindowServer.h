@@ -20,12 +20,15 @@ class MacWindowServer final : public WindowServer {
 public:
     enum class DisplaySpaces { shared, separate };
 
-    MacWindowServer(const PrivateSymbols&, DisplaySpaces);
+    /// `windowSession` names the log-in for which window numbers hold.
+    MacWindowServer(
+        const PrivateSymbols&, DisplaySpaces, std::optional<std::string> windowSession = {});
 
     Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const override;
     Listing enumerateWindows(
         ProcessID owner, std::uint32_t options, const WindowVisitor&) const override;
     std::optional<std::uint32_t> nativeWindowNumber(WindowID) const override;
+    std::optional<std::string> windowSession() const override { return m_windowSession; }
 
     std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces() const override;
     std::optional<std::vector<WindowID>> windowsOfSpaces(
@@ -76,6 +79,7 @@ private:
     PrivateSymbols m_symbols;
     WindowDecoder m_decoder;
     DisplaySpaces m_displaySpaces;
+    std::optional<std::string> m_windowSession;
     std::map<DisplayNumber, CGRect> m_dockRectangles; ///< as the window server accepted them
     std::optional<DockPlace> m_dockBefore; ///< as it was before the first change
 };

@@ -19,7 +19,8 @@ ManagedSpace spaceFrom(CFTypeRef value)
         return {};
     return {identifierIn(dictionary, CFSTR("id64")),
         identifierIn(dictionary, CFSTR("ManagedSpaceID")),
-        int64From(valueIn(dictionary, CFSTR("type")))};
+        int64From(valueIn(dictionary, CFSTR("type"))),
+        textFrom(valueIn(dictionary, CFSTR("uuid")))};
 }
 
 ManagedDisplay displayFrom(CFTypeRef value)

@@ -48,6 +48,7 @@ enum class Facet : std::uint32_t {
     place = 1 << 13,
     strut = 1 << 14,
     allowedActions = 1 << 15,
+    role = 1 << 16,
 };
 
 class Facets {
@@ -82,7 +83,7 @@ inline constexpr Facets kManagerFacets
 inline constexpr Facets kFirstFacets = Facet::netName | Facet::wmName | Facet::windowClass
     | Facet::applicationID | Facet::process | Facet::type | Facet::state | Facet::desktop
     | Facet::parent | Facet::hints | Facet::frameExtents | Facet::gtkExtents | Facet::opacity
-    | Facet::place | Facet::allowedActions;
+    | Facet::place | Facet::allowedActions | Facet::role;
 
 struct ClientState {
     bool isHidden = false;
@@ -108,6 +109,7 @@ struct Client {
     std::optional<std::string> netName;
     std::optional<std::string> wmName;
     WindowClass windowClass;
+    std::optional<std::string> role; ///< among the windows of its client
     std::optional<std::string> applicationID;
     std::optional<std::uint32_t> serverProcess; ///< from the X server
     std::optional<std::uint32_t> claimedProcess; ///< `_NET_WM_PID`

@@ -20,7 +20,7 @@ ClientReader::ClientReader(Connection& connection) : m_connection(connection)
 Facets ClientReader::facetsOf(xcb_atom_t property) const
 {
     auto& atoms = m_connection.atoms();
-    const std::array<std::pair<xcb_atom_t, Facets>, 16> table{{
+    const std::array<std::pair<xcb_atom_t, Facets>, 17> table{{
         {atoms.netWmName, Facet::netName},
         {atoms.wmName, Facet::wmName},
         {atoms.netWmState, Facet::state},
@@ -33,6 +33,7 @@ Facets ClientReader::facetsOf(xcb_atom_t property) const
         {atoms.netWmWindowType, Facet::type},
         {atoms.netWmWindowOpacity, Facet::opacity},
         {atoms.wmClass, Facet::windowClass},
+        {atoms.wmWindowRole, Facet::role},
         {atoms.gtkApplicationId, Facet::applicationID},
         {atoms.netWmPid, Facet::process},
         {atoms.netWmStrut, Facet::strut},
@@ -88,6 +89,10 @@ void ClientReader::requestIdentity(RequestBatch& batch, Client& client, Facets f
         batch.property(client.window, atoms.wmClass, limits::text, [&](const RawProperty& raw) {
             client.windowClass = decodeClass(raw, textTypes(atoms)).value_or(WindowClass{});
         });
+    }
+    if (facets.contains(Facet::role)) {
+        batch.property(client.window, atoms.wmWindowRole, limits::text,
+            [&](const RawProperty& raw) { client.role = decodeText(raw, textTypes(atoms)); });
     }
     if (facets.contains(Facet::applicationID)) {
         batch.property(

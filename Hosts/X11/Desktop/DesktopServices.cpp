@@ -16,6 +16,7 @@
 #include "Hosts/X11/Desktop/SessionReport.h"
 #include "Hosts/X11/Desktop/StartupTokens.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
+#include "Hosts/X11/Desktop/WindowSession.h"
 #include "Hosts/X11/Desktop/X11Displays.h"
 #include "Hosts/X11/Monitors.h"
 
@@ -31,7 +32,7 @@ struct DesktopServices::Parts {
         , accessibility(model, observers, requests, dispatch)
         , tokens(connection)
         , windowIcons(connection, mirror.clients())
-        , windowServer(model, tracker, requests, environment)
+        , windowServer(model, tracker, requests, environment, windowSession(connection))
         , displays(monitors, mirror)
         , workspace(model, tracker, requests, tokens, windowIcons, entries, icons)
         , matching(tracker, entries)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <climits>
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 namespace quorvel::xdg::x11 {
@@ -55,6 +56,15 @@ bool canResize(const Client& client, const std::vector<Monitor>& monitors)
         return false;
     return client.state.isMaximizedVertically ? isLeftToUs(client, monitors)
                                               : !coversItsMonitor(client.frame(), monitors);
+}
+
+/// Together these three are what session managers have always known windows again by.
+std::string roleOf(const Client& client)
+{
+    auto& [instance, name] = client.windowClass;
+    if (instance.empty() && name.empty() && !client.role)
+        return {};
+    return fmt::format("{}.{}/{}", instance, name, client.role.value_or(""));
 }
 
 std::int32_t layerOf(const Client& client)
@@ -137,6 +147,7 @@ WindowRecord recordOf(const Client& client, bool hasParent, const TranslationCon
     record.id = client.id;
     record.native = client.window;
     record.title = client.title();
+    record.role = roleOf(client);
     record.isStandard = isStandardWindow(client, hasParent);
     record.isModal = state.isModal;
     record.isMinimized = client.isMinimized;
