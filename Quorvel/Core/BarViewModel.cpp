@@ -60,6 +60,7 @@ BarViewModel::BarViewModel(WindowStore& windowStore, UserSettings& settings,
     , m_calls(platform.accessibility, &m_lateRequests)
     , m_icons(platform.workspace)
     , m_groups(platform.trace)
+    , m_memory(m_order, m_groups, windowStore, platform)
     , m_titleNews(platform.text)
 {
     subscribe();
@@ -95,6 +96,7 @@ void BarViewModel::refresh(std::optional<SpaceWindows::Answer> given)
         // Which display is a space's own decides where windows are that meet none.
         for (auto& info : answer.spaces)
             m_changedBars.insert(info.spaceID);
+        m_memory.follow(answer.spaces);
         spaces.set(std::move(answer.spaces));
     }
     activeSpaceID.set(m_windowServer.activeSpace());
@@ -319,12 +321,17 @@ void BarViewModel::updateItems(std::set<SpaceID>& changed)
     bool isAll = std::exchange(m_areItemsStale, false) || regroups || m_trace.isOn();
     displayItemsBySpace.update([&](ItemsBySpace& items) {
         auto& chips = chipsBySpace.value();
-        bool hasChanged
-            = std::erase_if(items, [&](auto& entry) { return !chips.contains(entry.first); }) > 0;
+        bool hasChanged = std::erase_if(items, [&](auto& entry) {
+            bool isGone = !chips.contains(entry.first);
+            if (isGone)
+                m_memory.didShow(entry.first, {});
+            return isGone;
+        }) > 0;
         for (auto& [space, chipsOfSpace] : chips) {
             if (!isAll && !changed.contains(space))
                 continue;
             if (assign(items[space], makeItems(space, chipsOfSpace))) {
+                m_memory.didShow(space, items[space]);
                 changed.insert(space);
                 hasChanged = true;
             }
@@ -335,9 +342,13 @@ void BarViewModel::updateItems(std::set<SpaceID>& changed)
 
 std::vector<DisplayItem> BarViewModel::makeItems(SpaceID space, const std::vector<ChipData>& chips)
 {
-    auto items = m_isGrouped
-        ? m_groups.group(space, chips, focusedWindowID.value(), m_debugEventSequence)
-        : std::vector<DisplayItem>{chips.begin(), chips.end()};
+    auto arranged = m_memory.arrange(space, chips);
+    std::vector<DisplayItem> items;
+    if (m_isGrouped)
+        items = m_groups.group(space, arranged, focusedWindowID.value(), m_debugEventSequence);
+    else
+        std::ranges::transform(
+            arranged, std::back_inserter(items), [](auto* chip) { return DisplayItem{*chip}; });
     return m_order.apply(space, std::move(items));
 }
 
@@ -355,6 +366,7 @@ void BarViewModel::moveChip(
     auto target = before ? std::optional{canonical(*before)} : std::nullopt;
     if (moved == target || !m_order.move(space, moved, target, items->second))
         return;
+    m_memory.userDidMove(space);
     m_areItemsStale = true;
     refresh();
 }
@@ -365,16 +377,34 @@ std::set<std::string> BarViewModel::bundleIDsWithWindows(SpaceID space) const
     return found == summaries.value().end() ? std::set<std::string>{} : found->second.bundleIDs;
 }
 
+std::vector<WindowID> BarViewModel::walkingOrder(SpaceID space, const GroupedChipData& group) const
+{
+    auto chips = inOrder(space, group.windowIDs);
+    std::ranges::stable_partition(chips, [](auto* chip) { return !chip->isMinimized; });
+    std::vector<WindowID> order;
+    std::ranges::transform(chips, std::back_inserter(order), [](auto* chip) { return chip->id; });
+    return order;
+}
+
 WindowID BarViewModel::nextWindow(SpaceID space, const GroupedChipData& group)
 {
     auto focused = focusedWindowID.value();
     if (group.attentionWindow && group.attentionWindow != focused)
         return *group.attentionWindow;
-    auto chips = findChips(chipsBySpace.value(), space, group.windowIDs);
+    auto chips = inOrder(space, group.windowIDs);
     if (!focused || std::ranges::find(chips, *focused, &ChipData::id) == chips.end())
         return group.windowIDs.front();
-    std::ranges::sort(chips, {}, &ChipData::id);
     return m_walk.next(space, group.id, chips, *focused);
+}
+
+std::vector<const ChipData*> BarViewModel::inOrder(
+    SpaceID space, const std::vector<WindowID>& ids) const
+{
+    auto chips = findChips(chipsBySpace.value(), space, ids);
+    std::ranges::sort(chips, {}, [&](auto* chip) {
+        return std::pair{m_memory.placeOf(space, chip->id), chip->id};
+    });
+    return chips;
 }
 
 // MARK: Stored applications

@@ -14,6 +14,7 @@
 #include "Quorvel/Core/ChipsBySpace.h"
 #include "Quorvel/Core/DisplayItem.h"
 #include "Quorvel/Core/GroupWalk.h"
+#include "Quorvel/Core/OrderMemory.h"
 #include "Quorvel/Core/TitleNews.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Platform.h"
@@ -84,6 +85,9 @@ public:
     /// into a group stands for the group.
     void moveChip(const std::string& id, const std::optional<std::string>& before, SpaceID);
     std::set<std::string> bundleIDsWithWindows(SpaceID) const;
+    /// The group's windows, those that are not minimised first, each part in the order of the
+    /// chips.
+    std::vector<WindowID> walkingOrder(SpaceID, const GroupedChipData&) const;
     /// Where a click on the group leads: to the window that asks for attention, else to the
     /// representative, or to the next window if one of them has the focus.
     WindowID nextWindow(SpaceID, const GroupedChipData&);
@@ -155,6 +159,8 @@ private:
 
     bool isOnDisplayOf(SpaceID, const Screen&, const std::vector<Screen>&) const;
     std::optional<DisplayItem> onScreen(SpaceID, const DisplayItem&, const ScreenFilter&) const;
+    /// Those that have chips, in the order in which these stand.
+    std::vector<const ChipData*> inOrder(SpaceID, const std::vector<WindowID>&) const;
     bool isOnScreen(WindowID, const ScreenFilter&) const;
 
     /// From now on the window represents its group on every space it is on.
@@ -191,6 +197,7 @@ private:
     ApplicationIcons m_icons;
     ChipOrder m_order;
     ChipGroups m_groups;
+    OrderMemory m_memory;
     GroupWalk m_walk;
     TitleNews m_titleNews; ///< of no window while that is not wanted
     bool m_isGrouped = false; ///< as of the last items

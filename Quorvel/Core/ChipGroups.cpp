@@ -44,17 +44,17 @@ std::string joined(const std::vector<WindowID>& ids)
 
 }
 
-std::vector<DisplayItem> ChipGroups::group(SpaceID space, const std::vector<ChipData>& chips,
+std::vector<DisplayItem> ChipGroups::group(SpaceID space, const std::vector<const ChipData*>& chips,
     std::optional<WindowID> focused, std::uint64_t sequence)
 {
     m_sequence = sequence;
     std::vector<Bucket> buckets;
     std::unordered_map<std::string_view, std::size_t> bucketByKey;
-    for (auto& chip : chips) {
-        auto [known, isNew] = bucketByKey.try_emplace(groupKey(chip), buckets.size());
+    for (auto* chip : chips) {
+        auto [known, isNew] = bucketByKey.try_emplace(groupKey(*chip), buckets.size());
         if (isNew)
             buckets.emplace_back();
-        buckets[known->second].push_back(&chip);
+        buckets[known->second].push_back(chip);
     }
 
     std::vector<DisplayItem> items;
@@ -70,6 +70,11 @@ std::vector<DisplayItem> ChipGroups::group(SpaceID space, const std::vector<Chip
 void ChipGroups::prefer(SpaceID space, std::string_view groupKey, WindowID window)
 {
     m_preferredWindowIDByGroupKey.insert_or_assign(preferredKeyOf(space, groupKey), window);
+}
+
+bool ChipGroups::isPreferred(SpaceID space, std::string_view groupKey, WindowID window) const
+{
+    return preferred(preferredKeyOf(space, groupKey)) == window;
 }
 
 DisplayItem ChipGroups::single(const std::string& preferredKey, SpaceID space, const ChipData& chip)

@@ -22,11 +22,12 @@ public:
 
     /// Single chips and groups, in the order in which their applications first appear. The sequence
     /// number is for the trace.
-    std::vector<DisplayItem> group(SpaceID, const std::vector<ChipData>&,
+    std::vector<DisplayItem> group(SpaceID, const std::vector<const ChipData*>&,
         std::optional<WindowID> focused, std::uint64_t sequence);
 
     /// From now on this window represents its group on the space.
     void prefer(SpaceID, std::string_view groupKey, WindowID);
+    bool isPreferred(SpaceID, std::string_view groupKey, WindowID) const;
 
 private:
     using Bucket = std::vector<const ChipData*>;

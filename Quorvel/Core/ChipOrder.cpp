@@ -19,6 +19,8 @@ std::vector<std::string> idsOf(const std::vector<DisplayItem>& items)
     return ids;
 }
 
+constexpr std::string_view kAwaited = "awaited-";
+
 bool contains(const std::vector<std::string>& ids, const std::string& id)
 {
     return std::find(ids.begin(), ids.end(), id) != ids.end();
@@ -68,7 +70,8 @@ bool ChipOrder::move(SpaceID space, const std::string& id, const std::optional<s
 {
     auto ids = idsOf(displayed);
     auto order = m_chipOrderBySpace[space];
-    std::erase_if(order, [&](auto& stored) { return !contains(ids, stored); });
+    std::erase_if(order,
+        [&](auto& stored) { return !contains(ids, stored) && !stored.starts_with(kAwaited); });
     for (auto& shown : ids) {
         if (!contains(order, shown))
             order.push_back(shown);
@@ -79,6 +82,33 @@ bool ChipOrder::move(SpaceID space, const std::string& id, const std::optional<s
     order.insert(target, id);
     m_chipOrderBySpace[space] = std::move(order);
     return true;
+}
+
+std::vector<std::string> ChipOrder::ids(SpaceID space) const
+{
+    auto stored = m_chipOrderBySpace.find(space);
+    return stored == m_chipOrderBySpace.end() ? std::vector<std::string>{} : stored->second;
+}
+
+void ChipOrder::restore(SpaceID space, std::vector<std::string> ids)
+{
+    m_chipOrderBySpace[space] = std::move(ids);
+}
+
+void ChipOrder::substitute(SpaceID space, const std::map<std::string, std::string>& newByOld)
+{
+    auto stored = m_chipOrderBySpace.find(space);
+    if (stored == m_chipOrderBySpace.end())
+        return;
+    for (auto& id : stored->second) {
+        if (auto found = newByOld.find(id); found != newByOld.end())
+            id = found->second;
+    }
+}
+
+std::string awaitedItemID(std::uint64_t number)
+{
+    return std::string{kAwaited} + std::to_string(number);
 }
 
 std::string canonicalDisplayItemID(const std::string& id, const std::vector<DisplayItem>& displayed,

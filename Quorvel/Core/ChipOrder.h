@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -10,8 +11,9 @@
 
 namespace quorvel {
 
-/// The order into which the user dragged the items of each space. It lasts as long as the program,
-/// keeps the places of absent items, and puts unknown ones last. Main thread.
+/// The order into which the user dragged the items of each space. It keeps the places of absent
+/// items and puts unknown ones last; `OrderMemory` carries it over the end of the program. Main
+/// thread.
 class ChipOrder {
 public:
     std::vector<DisplayItem> apply(SpaceID, std::vector<DisplayItem>) const;
@@ -21,9 +23,19 @@ public:
     bool move(SpaceID, const std::string& id, const std::optional<std::string>& before,
         const std::vector<DisplayItem>& displayed);
 
+    /// Empty for a space whose items the user never moved.
+    std::vector<std::string> ids(SpaceID) const;
+    void restore(SpaceID, std::vector<std::string> ids);
+    /// Puts other identifiers into the places of these.
+    void substitute(SpaceID, const std::map<std::string, std::string>& newByOld);
+
 private:
     std::map<SpaceID, std::vector<std::string>> m_chipOrderBySpace;
 };
+
+/// Stands in the order for a window that is remembered and may come back; `move` leaves it in its
+/// place.
+std::string awaitedItemID(std::uint64_t number);
 
 /// The identifier under which an item is displayed: for a window that has since been folded into a
 /// group, the group's. Otherwise the identifier itself.

@@ -1,8 +1,6 @@
 #include "Quorvel/Core/ChipsBySpace.h"
 
 #include <algorithm>
-#include <iterator>
-#include <utility>
 
 namespace quorvel {
 
@@ -24,16 +22,6 @@ std::vector<const ChipData*> findChips(
             chips.push_back(found);
     }
     return chips;
-}
-
-std::vector<WindowID> walkingOrder(
-    const ChipsBySpace& chipsBySpace, SpaceID space, const GroupedChipData& group)
-{
-    auto chips = findChips(chipsBySpace, space, group.windowIDs);
-    std::ranges::sort(chips, {}, [](auto* chip) { return std::pair{chip->isMinimized, chip->id}; });
-    std::vector<WindowID> order;
-    std::ranges::transform(chips, std::back_inserter(order), [](auto* chip) { return chip->id; });
-    return order;
 }
 
 }

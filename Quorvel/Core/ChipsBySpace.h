@@ -14,7 +14,5 @@ using ChipsBySpace = std::map<SpaceID, std::vector<ChipData>>;
 const ChipData* findChip(const ChipsBySpace&, SpaceID, WindowID);
 /// Of those that have one, in the order given.
 std::vector<const ChipData*> findChips(const ChipsBySpace&, SpaceID, const std::vector<WindowID>&);
-/// The group's windows, those that are not minimised first, each part in the order of the chips.
-std::vector<WindowID> walkingOrder(const ChipsBySpace&, SpaceID, const GroupedChipData&);
 
 }

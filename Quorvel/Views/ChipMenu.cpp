@@ -197,7 +197,7 @@ Menu windowEntries(const GroupedChipData& group, const ChipMenuContext& context)
 {
     Menu menu;
     auto& chips = context.viewModel.chipsBySpace.value();
-    auto ids = walkingOrder(chips, context.spaceID, group);
+    auto ids = context.viewModel.walkingOrder(context.spaceID, group);
     bool haveAllRoom = ids.size() <= kMostWindowEntries;
     MenuItem more{tr("More Windows"), true, {}};
     bool isMoreAsking = false;

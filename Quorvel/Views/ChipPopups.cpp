@@ -40,7 +40,7 @@ HoverTarget ChipPopups::target(const DisplayItem& item) const
 {
     if (auto* group = std::get_if<GroupedChipData>(&item))
         return {HoverTarget::Kind::group, group->id,
-            walkingOrder(m_inputs.viewModel.chipsBySpace.value(), m_inputs.spaceID, *group)};
+            m_inputs.viewModel.walkingOrder(m_inputs.spaceID, *group)};
     return {HoverTarget::Kind::single, displayItemID(item), {std::get<ChipData>(item).id}};
 }
 
