@@ -66,10 +66,12 @@ Bar::Bar(
 
 Bar::~Bar()
 {
-    m_process.signal(SIGTERM);
-    const auto status = m_process.waitForEnd();
-    EXPECT_TRUE(status) << "the bar does not end";
-    EXPECT_EQ(status.value_or(0), 0) << log();
+    if (!m_isKilled) {
+        m_process.signal(SIGTERM);
+        const auto status = m_process.waitForEnd();
+        EXPECT_TRUE(status) << "the bar does not end";
+        EXPECT_EQ(status.value_or(0), 0) << log();
+    }
     EXPECT_FALSE(hasSanitizerReport(log())) << log();
 }
 
@@ -84,6 +86,13 @@ testing::AssertionResult Bar::appears()
         return testing::AssertionSuccess();
     };
     return eventually(isVisible);
+}
+
+void Bar::kill()
+{
+    m_isKilled = true;
+    m_process.signal(SIGKILL);
+    EXPECT_TRUE(m_process.waitForEnd()) << "the bar does not end";
 }
 
 std::string Bar::log() const

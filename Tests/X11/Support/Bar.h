@@ -24,6 +24,8 @@ public:
 
     /// Whether its panel is on the screen; waits for it.
     testing::AssertionResult appears();
+    /// Ends it at once, as a crash does.
+    void kill();
     bool isRunning() { return m_process.isRunning(); }
     Process& process() { return m_process; }
     std::string log() const;
@@ -36,6 +38,7 @@ private:
     const XServer& m_server;
     std::filesystem::path m_log;
     Process m_process;
+    bool m_isKilled = false;
 };
 
 /// Runs the program once with these arguments, to its end.

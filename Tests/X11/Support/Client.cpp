@@ -60,6 +60,8 @@ void Client::describe(xcb_window_t window, const WindowOptions& options)
         m_connection.setText(window, "WM_CLIENT_MACHINE", "STRING", *options.machine);
     if (options.userTime)
         m_connection.setNumbers(window, "_NET_WM_USER_TIME", "CARDINAL", {*options.userTime});
+    if (options.role)
+        m_connection.setText(window, "WM_WINDOW_ROLE", "STRING", *options.role);
     if (options.startupID)
         m_connection.setText(window, "_NET_STARTUP_ID", "UTF8_STRING", *options.startupID);
     if (options.icon)

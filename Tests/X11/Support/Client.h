@@ -25,6 +25,7 @@ struct WindowOptions {
     std::optional<xcb_window_t> number = {}; ///< one that it had before
     std::optional<std::uint32_t> userTime = {}; ///< 0: it wants no focus when it comes
     std::optional<xcb_pixmap_t> icon = {}; ///< of WM_HINTS; openbox gives one to who has none yet
+    std::optional<std::string> role = {}; ///< of WM_WINDOW_ROLE
     std::optional<std::string> startupID = {}; ///< that its program was started with
     bool answersClose = false; ///< else a manager that closes the window cuts the connection
 };
