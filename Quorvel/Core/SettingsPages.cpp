@@ -180,8 +180,7 @@ SettingsPage pinsPage(const SettingsFacts& facts)
         .help = {},
         .rows = {pinList(SettingsRowID::pinsInLauncher, tr("Pinned to the list of applications"),
             PinDestination::launcher, facts)}};
-    return {"pins", tr("Pinned Applications"), "view-pin-symbolic",
-        {std::move(bar), std::move(launcher)}};
+    return {"pins", tr("Pins"), "view-pin-symbolic", {std::move(bar), std::move(launcher)}};
 }
 
 // MARK: About
