@@ -1,4 +1,5 @@
 #include <csignal>
+#include <fstream>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -7,6 +8,7 @@
 #include "Hosts/Posix/ControlAddress.h"
 #include "Hosts/Posix/LocalSocket.h"
 #include "Tests/X11/Support/DesktopFixture.h"
+#include "Tests/X11/Support/MonitorLayout.h"
 #include "Tests/X11/Support/SettingsProgram.h"
 
 namespace quorvel::x11tests {
@@ -16,16 +18,15 @@ namespace {
 // Keys by their place.
 constexpr std::uint8_t kEscape = 9;
 constexpr std::uint8_t kReturn = 36;
-constexpr std::uint8_t kControl = 37;
 constexpr std::uint8_t kLetterY = 29;
 constexpr std::uint8_t kCapsLock = 66;
 constexpr std::uint8_t kAlt = 64;
 constexpr std::uint8_t kSpaceBar = 65;
 constexpr std::uint8_t kDown = 116;
-constexpr std::uint8_t kPageDown = 117;
 
 constexpr auto kSwitch = ATSPI_ROLE_CHECK_BOX;
 constexpr auto kButton = ATSPI_ROLE_PUSH_BUTTON;
+constexpr auto kChoice = ATSPI_ROLE_COMBO_BOX;
 
 /// Plays the bar, badly.
 class OtherBar {
@@ -152,8 +153,7 @@ TEST_F(SettingsWindowProgram, recordsWhatTheWindowManagerWaitsFor)
     ASSERT_TRUE(settings.isActive());
     ASSERT_TRUE(settings.shows(kButton, "Record"));
     auto& keyboard = settings.keyboard();
-    keyboard.chord(kControl, kPageDown);
-    keyboard.chord(kControl, kPageDown);
+    settings.turnTo(2);
 
     settings.click(kButton, "Record");
     ASSERT_TRUE(settings.shows(kButton, "Press keys"));
@@ -262,5 +262,126 @@ TEST_F(SettingsWindowProgram, isReplacedWhenItHangsAndTellsThatTheBarDoes)
     EXPECT_TRUE(settings.hasState(kSwitch, "Start at login", ATSPI_STATE_SENSITIVE));
     EXPECT_TRUE(becomes("runAtLogin", "true"));
 }
+
+/// What is done on a page of the window, and what follows.
+struct PageOfSettings {
+    struct Step {
+        AtspiRole role;
+        std::string title;
+        std::string field;
+        std::string value;
+        std::function<bool(const State&)> isOnTheBar;
+        std::string option; ///< that is chosen
+        int place = 0; ///< its own, in the list
+    };
+
+    std::string name;
+    int number;
+    std::vector<Step> steps;
+};
+
+/// Two monitors, two windows of one application, and pins.
+class SettingsWindowPages : public testing::TestWithParam<PageOfSettings>, public SettingsDesktop {
+protected:
+    SettingsWindowPages() : SettingsDesktop(ManagerKind::openbox)
+    {
+        for (const std::string name : {"Ash", "Birch", "Cedar"})
+            server.addApplication(name, name, "Exec=true");
+        std::ofstream(server.settingsFile()) << R"({"barSize": "large", "pinnedApps":
+            [{"id": "Ash", "d": 3}, {"id": "Birch", "d": 1}, {"id": "Cedar", "d": 1}]})";
+        MonitorLayout{server}.set({{0, 0, 640, 800}, {640, 0, 640, 800}});
+    }
+
+    void take(const PageOfSettings::Step& step)
+    {
+        const auto control = settings.find(step.role, step.title);
+        ASSERT_TRUE(control);
+        EXPECT_NE(get(step.field), step.value + '\n');
+        if (step.role == kChoice)
+            EXPECT_TRUE(settings.choose(control, step.place, step.option));
+        else
+            EXPECT_TRUE(ScreenReader::perform(control, step.role == kSwitch ? "toggle" : "click"));
+        EXPECT_TRUE(becomes(step.field, step.value));
+        EXPECT_TRUE(SettingsProgram::becomes(control, [&](auto& element) {
+            if (step.role == kChoice)
+                return ScreenReader::description(element).starts_with(step.option);
+            return step.role == kButton
+                || ScreenReader::has(element, ATSPI_STATE_CHECKED) == (step.value == "true");
+        }));
+        EXPECT_TRUE(!step.isOnTheBar || eventually([&] { return step.isOnTheBar(bar->state()); }));
+    }
+
+    Client client{server};
+    std::unique_ptr<Bar> bar;
+};
+
+// Faults: a row that changes nothing, or another setting; one that springs back, or shows what is
+// not; a bar that follows at its next start.
+TEST_P(SettingsWindowPages, changeTheBarRowByRow)
+{
+    bar = std::make_unique<Bar>(server);
+    ASSERT_TRUE(bar->appears());
+    client.open({.title = "first"});
+    client.open({.title = "second"});
+    ASSERT_EQ(run({"--settings"}).status, 0);
+    ASSERT_TRUE(settings.isActive());
+    settings.turnTo(GetParam().number);
+    for (const auto& step : GetParam().steps) {
+        SCOPED_TRACE(step.title);
+        take(step);
+    }
+}
+
+namespace {
+
+std::function<bool(const State&)> hasChips(std::size_t count, int widest = 1280)
+{
+    return [=](const State& state) {
+        const auto& chips = state.panel().chips;
+        return chips.size() == count && chips.front().frame.width <= widest;
+    };
+}
+
+std::function<bool(const State&)> hasPins(const std::vector<std::string>& ids)
+{
+    return [ids](const State& state) {
+        return std::ranges::equal(state.panel().pins, ids, {}, &State::Chip::id);
+    };
+}
+
+const PageOfSettings kPages[] = {
+    {"General", 0,
+        {{kSwitch, "Start at login", "runAtLogin", "true", {}, {}},
+            {kSwitch, "Show on all displays", "showOnAllDisplays", "true",
+                [](auto& state) { return state.visiblePanels().size() == 2; }, {}},
+            {kChoice, "Scrolling up", "scrollUpSpaceSwitch", "\"right\"", {},
+                "The desktop on the right", 1}}},
+    {"Appearance", 1,
+        {{kChoice, "Size", "barSize", "\"xxl\"",
+             [](auto& state) { return state.panel().frame.height > 50; }, "Largest", 4},
+            {kChoice, "Theme", "theme", "\"aero\"", {}, "Aero", 2},
+            {kSwitch, "Group windows", "groupWindowsByApp", "false", hasChips(3), {}},
+            {kSwitch, "Show window names", "showWindowNamesInChips", "false", {}, {}},
+            {kSwitch, "Show titles", "showChipTitles", "false", hasChips(3, 80), {}},
+            {kSwitch, "Mark new titles", "markTitleNews", "true", {}, {}}}},
+    {"Keyboard", 2,
+        {{kSwitch, "Use what is on the bar", "numberKeys", "true",
+             [](auto& state) { return state.numberKeys == "registered"; }, {}},
+            {kChoice, "Keys", "numberKeyModifiers", "6144", {}, "Ctrl+Alt+1 to 9", 2}}},
+    {"Pins", 3,
+        {{kButton, "Move Birch up", "pinnedApps",
+             R"([{"d":1,"id":"Birch"},{"d":3,"id":"Ash"},{"d":1,"id":"Cedar"}])",
+             hasPins({"Birch", "Ash", "Cedar"}), {}},
+            {kButton, "Remove Cedar", "pinnedApps", R"([{"d":1,"id":"Birch"},{"d":3,"id":"Ash"}])",
+                hasPins({"Birch", "Ash"}), {}}}},
+    {"About", 4,
+        {{kButton, "Reset", "barSize", "\"medium\"",
+            [](auto& state) { return state.panel().frame.height < 40; }, {}}}},
+};
+
+}
+
+INSTANTIATE_TEST_SUITE_P(, SettingsWindowPages, testing::ValuesIn(kPages),
+    [](const auto& page) { return page.param.name; });
 
 }

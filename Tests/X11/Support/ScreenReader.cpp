@@ -167,9 +167,15 @@ ScreenReader::Element ScreenReader::first(const std::string& program, Condition 
 ScreenReader::Element ScreenReader::seek(const std::string& program, AtspiRole role,
     const std::string& text, const std::function<bool(const Element&)>& isRight) const
 {
+    const auto application = programNamed(program);
+    return application ? seekIn(application, role, text, isRight) : nullptr;
+}
+
+ScreenReader::Element ScreenReader::seekIn(const Element& whole, AtspiRole role,
+    const std::string& text, const std::function<bool(const Element&)>& isRight)
+{
     std::vector<Element> open; // the next one in the order of reading is the last
-    if (auto application = programNamed(program))
-        open.push_back(std::move(application));
+    open.emplace_back(ATSPI_ACCESSIBLE(g_object_ref(whole.get())));
     while (!open.empty()) {
         auto element = std::move(open.back());
         open.pop_back();

@@ -45,6 +45,9 @@ public:
     /// null if there is none. The program is asked anew.
     Element seek(const std::string& program, AtspiRole, const std::string& text,
         const std::function<bool(const Element&)>& isRight) const;
+    /// The same in an element, which may be it.
+    static Element seekIn(const Element& whole, AtspiRole, const std::string& text,
+        const std::function<bool(const Element&)>& isRight);
     /// Of the text field of that name, wherever it is; empty if there is none.
     std::string text(const std::string& program, const std::string& fieldName) const;
     bool setText(

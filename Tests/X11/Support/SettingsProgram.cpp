@@ -12,6 +12,13 @@ namespace {
 constexpr char kProgram[] = "quorvel-settings";
 constexpr char kTitle[] = "Quorvel Settings";
 
+// Keys by their place.
+constexpr std::uint8_t kReturn = 36;
+constexpr std::uint8_t kControl = 37;
+constexpr std::uint8_t kHome = 110;
+constexpr std::uint8_t kDown = 116;
+constexpr std::uint8_t kPageDown = 117;
+
 }
 
 SettingsProgram::SettingsProgram(const XServer& server, Desktop& desktop)
@@ -84,13 +91,12 @@ testing::AssertionResult SettingsProgram::perform(
     });
 }
 
-Frame SettingsProgram::frame(AtspiRole role, const std::string& name)
+Frame SettingsProgram::frame(const ScreenReader::Element& part)
 {
     // What the toolkit says begins within the border that it draws around its window.
     const auto isSeen = [](auto& element) { return ScreenReader::frame(element).width > 0; };
     const auto whole = m_reader.seek(kProgram, ATSPI_ROLE_FRAME, kTitle, isSeen);
-    const auto part = m_reader.seek(kProgram, role, name, isSeen);
-    if (!whole || !part)
+    if (!whole || !isSeen(part))
         return {};
     const auto outer = m_desktop.frame(window());
     const auto inner = ScreenReader::frame(whole);
@@ -102,8 +108,78 @@ Frame SettingsProgram::frame(AtspiRole role, const std::string& name)
 
 void SettingsProgram::click(AtspiRole role, const std::string& name)
 {
-    EXPECT_TRUE(eventually([&] { return frame(role, name).width > 0; })) << name;
-    m_pointer.click(frame(role, name));
+    if (const auto found = find(role, name))
+        m_pointer.click(frame(found));
+}
+
+/// The toolkit gives it to a window of its own within.
+bool SettingsProgram::hasKeyboard()
+{
+    auto& connection = m_desktop.connection();
+    const auto focus
+        = connection.wait(xcb_get_input_focus_reply, xcb_get_input_focus(connection.get()));
+    if (!focus)
+        return false;
+    const auto tree
+        = connection.wait(xcb_query_tree_reply, xcb_query_tree(connection.get(), focus->focus));
+    return focus->focus == window() || (tree && tree->parent == window());
+}
+
+void SettingsProgram::turnTo(int page)
+{
+    EXPECT_TRUE(eventually([&] { return hasKeyboard(); }));
+    EXPECT_TRUE(shows(ATSPI_ROLE_PAGE_TAB, ""));
+    for (; page > 0; --page)
+        m_keyboard.chord(kControl, kPageDown);
+}
+
+ScreenReader::Element SettingsProgram::find(AtspiRole role, const std::string& name)
+{
+    ScreenReader::Element found;
+    const auto isUsable = [](auto& element) {
+        return ScreenReader::has(element, ATSPI_STATE_SENSITIVE)
+            && ScreenReader::frame(element).width > 0;
+    };
+    EXPECT_TRUE(eventually([&] {
+        return (found = m_reader.seek(kProgram, role, name, isUsable)) != nullptr;
+    })) << name;
+    return found;
+}
+
+testing::AssertionResult SettingsProgram::becomes(const ScreenReader::Element& element,
+    const std::function<bool(const ScreenReader::Element&)>& condition)
+{
+    return eventually([&] {
+        atspi_accessible_clear_cache(element.get());
+        return condition(element);
+    });
+}
+
+testing::AssertionResult SettingsProgram::choose(
+    const ScreenReader::Element& choice, int place, const std::string& title)
+{
+    const auto hasTitle = [&](auto& option) {
+        const auto isAny = [](auto&) { return true; };
+        return ScreenReader::has(option, ATSPI_STATE_FOCUSED)
+            && ScreenReader::seekIn(option, ATSPI_ROLE_LABEL, title, isAny);
+    };
+    const auto offers = [&](auto isRight) {
+        return eventually([&] {
+            return ScreenReader::seekIn(choice, ATSPI_ROLE_LIST_ITEM, "", isRight) != nullptr;
+        });
+    };
+    m_pointer.click(frame(choice));
+    const auto isFocused
+        = [](auto& option) { return ScreenReader::has(option, ATSPI_STATE_FOCUSED); };
+    if (auto answer = offers(isFocused); !answer)
+        return answer << "it does not open";
+    m_keyboard.tap(kHome);
+    for (; place > 0; --place)
+        m_keyboard.tap(kDown);
+    if (auto answer = offers(hasTitle); !answer)
+        return answer << "the keys do not lead to " << title;
+    m_keyboard.tap(kReturn);
+    return testing::AssertionSuccess();
 }
 
 }

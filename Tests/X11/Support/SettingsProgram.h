@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "Tests/X11/Support/Desktop.h"
@@ -32,13 +33,26 @@ public:
     /// Presses it as a screen reader does.
     testing::AssertionResult perform(
         AtspiRole, const std::string& name, const std::string& action = "click");
-    /// Its place on the screen, in pixels; empty if it is not seen.
-    Frame frame(AtspiRole, const std::string& name);
     /// Clicks the middle of it.
     void click(AtspiRole, const std::string& name);
     Keyboard& keyboard() { return m_keyboard; }
 
+    /// Leaves the first page for the one at this place, with the keyboard.
+    void turnTo(int page);
+    /// It, once its page is seen and it can be used; null after a failure.
+    ScreenReader::Element find(AtspiRole, const std::string& name);
+    /// Whether this becomes true of it.
+    static testing::AssertionResult becomes(const ScreenReader::Element&,
+        const std::function<bool(const ScreenReader::Element&)>& condition);
+    /// Opens a choice's list with the pointer, and takes what is at this place of it with the
+    /// keyboard, if that has this title.
+    testing::AssertionResult choose(
+        const ScreenReader::Element&, int place, const std::string& title);
+
 private:
+    /// Its place on the screen, in pixels; empty if it is not seen.
+    Frame frame(const ScreenReader::Element&);
+    bool hasKeyboard();
     template <typename Question>
     testing::AssertionResult ask(AtspiRole, const std::string& name, Question);
 
