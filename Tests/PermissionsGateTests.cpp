@@ -3,6 +3,7 @@
 #include "Quorvel/CommandLine.h"
 #include "Quorvel/Core/LaunchPermissionCenter.h"
 #include "Quorvel/Core/PermissionsGateModel.h"
+#include "Quorvel/Views/Kit/OverlayScroller.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -232,6 +233,13 @@ TEST_F(PermissionsGateTest, scrollsOnALowScreen)
     EXPECT_TRUE(room.contains(element("Continue")->accessibleFrame()));
     auto last = "3. Click Continue once both rows show Granted.";
     EXPECT_FALSE(shows(last));
+    const auto isScrollerShown = [&] {
+        return std::ranges::any_of(window()->render().drawn<DrawnFill>(),
+            [&](auto& fill) { return fill.rect.x > room.maxX() - OverlayScroller::kWidth; });
+    };
+    EXPECT_TRUE(isScrollerShown()) << "nobody would know that there is more";
+    desktop.advance(OverlayScroller::kStays + OverlayScroller::kFades + seconds(0.1));
+    EXPECT_FALSE(isScrollerShown());
     window()->scroll({100, 100}, -20);
     EXPECT_TRUE(shows(last));
     press(KeyCode::tab);

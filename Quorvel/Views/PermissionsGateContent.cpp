@@ -101,10 +101,16 @@ void PermissionsGateContent::setState(const LaunchPermissionsState& state)
 void PermissionsGateContent::setAppearance(const Appearance& appearance)
 {
     m_palette = Palette::of(appearance);
+    m_scroll->setReducesMotion(appearance.reduceMotion);
     m_scroll->appearanceDidChange(appearance.isRightToLeft);
     m_footer->appearanceDidChange(appearance.isRightToLeft);
     layout();
     invalidate();
+}
+
+void PermissionsGateContent::flashScroller()
+{
+    m_scroll->flashScroller();
 }
 
 double PermissionsGateContent::footerRoom(double width) const

@@ -33,6 +33,7 @@ public:
     PermissionRequirementRow& screenRecordingRow() { return *m_screenRecording; }
     void setState(const LaunchPermissionsState&);
     void setAppearance(const Appearance&);
+    void flashScroller();
     /// With less height, all but the buttons at the end scrolls.
     Size idealSize() const;
 

@@ -110,6 +110,7 @@ void PermissionsGatePanel::show()
     m_surface->setFrame(placeIn(m_room, fitted(m_content->idealSize(), m_room)));
     m_isShown = true;
     m_surface->makeKeyAndOrderFront();
+    m_content->flashScroller();
 }
 
 void PermissionsGatePanel::close()

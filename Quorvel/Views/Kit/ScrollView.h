@@ -17,6 +17,9 @@ public:
     double heightFor(double width) const { return m_content->heightFor(width); }
     /// In points, downwards; as far as there is something.
     void scrollBy(double distance);
+    /// Shows for a moment how much there is, if that is more than fits.
+    void flashScroller() { m_scroller->flash(); }
+    void setReducesMotion(bool value) { m_scroller->setReducesMotion(value); }
     void appearanceDidChange(bool isRightToLeft);
 
     bool scrolled(const ScrollEvent&) override;
