@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "Quorvel/Platform/Translation.h"
+#include "Quorvel/Views/Kit/ColumnView.h"
 #include "Quorvel/Views/Kit/LabelView.h"
 #include "Quorvel/Views/Kit/PushButton.h"
 #include "Quorvel/Views/Kit/ScrollView.h"
 #include "Quorvel/Views/PermissionRequirementRow.h"
-#include "Quorvel/Views/PermissionsGateBody.h"
 #include "Quorvel/Views/PermissionsGateFooter.h"
 #include "Quorvel/Views/PermissionsGateHeader.h"
 #include "Quorvel/Views/PermissionsGateSection.h"
@@ -18,6 +18,10 @@ namespace quorvel {
 namespace {
 
 struct PermissionsGateContentStyle {
+    static constexpr double inset = 24; ///< around everything
+    static constexpr double gap = 20;
+    static constexpr ColumnView::Spacing body{
+        .sides = inset, .top = inset, .bottom = gap, .gap = gap};
     static constexpr double footerPadding = 16; ///< above and below
     static constexpr double noteGap = 4;
     static constexpr double line = 1;
@@ -36,7 +40,7 @@ PermissionsGateContent::PermissionsGateContent(
     const Text& text, const std::string& bundleIdentifier, Dispatch& dispatch)
     : m_palette(Palette::of({}))
 {
-    auto body = std::make_unique<PermissionsGateBody>();
+    auto body = std::make_unique<ColumnView>(PermissionsGateContentStyle::body);
     body->addPart(std::make_unique<PermissionsGateHeader>(text, m_palette));
     m_required = &body->addPart(std::make_unique<PermissionsGateSection>(
         text, m_palette, PermissionsGateSection::Look{.hasLines = true}));
@@ -116,7 +120,7 @@ void PermissionsGateContent::flashScroller()
 double PermissionsGateContent::footerRoom(double width) const
 {
     return PermissionsGateContentStyle::line + 2 * PermissionsGateContentStyle::footerPadding
-        + m_footer->heightFor(width - 2 * PermissionsGateBody::kInset);
+        + m_footer->heightFor(width - 2 * PermissionsGateContentStyle::inset);
 }
 
 Size PermissionsGateContent::idealSize() const
@@ -126,11 +130,11 @@ Size PermissionsGateContent::idealSize() const
 
 void PermissionsGateContent::layout()
 {
-    double width = std::max(0.0, bounds().width - 2 * PermissionsGateBody::kInset);
+    double width = std::max(0.0, bounds().width - 2 * PermissionsGateContentStyle::inset);
     double room = footerRoom(bounds().width);
     m_scroll->setFrame({0, 0, bounds().width, std::max(0.0, bounds().height - room)});
     double footer = m_footer->heightFor(width);
-    m_footer->setFrame({PermissionsGateBody::kInset,
+    m_footer->setFrame({PermissionsGateContentStyle::inset,
         bounds().height - PermissionsGateContentStyle::footerPadding - footer, width, footer});
 }
 

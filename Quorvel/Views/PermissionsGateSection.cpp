@@ -1,8 +1,5 @@
 #include "Quorvel/Views/PermissionsGateSection.h"
 
-#include <cmath>
-#include <utility>
-
 #include "Quorvel/Views/Kit/LabelView.h"
 
 namespace quorvel {
@@ -21,15 +18,46 @@ struct PermissionsGateSectionStyle {
         .size = 12, .color = &Palette::quietText, .mostLines = 2};
 };
 
+class PermissionsGateCard final : public ColumnView {
+    using Style = PermissionsGateSectionStyle;
+
+public:
+    PermissionsGateCard(const Palette& palette, PermissionsGateSection::Look look)
+        : ColumnView({.sides = Style::inset,
+            .top = Style::padding,
+            .bottom = Style::padding,
+            .gap = look.hasLines ? 2 * Style::padding + Style::line : look.rowGap})
+        , m_palette(palette)
+        , m_hasLines(look.hasLines)
+    {
+    }
+
+private:
+    void paint(Canvas& canvas) const override
+    {
+        canvas.fillRounded(bounds(), Style::radius, m_palette.windowCard);
+        canvas.strokeRounded(bounds(), Style::radius, Style::line, m_palette.windowEdge);
+        for (std::size_t row = 1; m_hasLines && row < parts().size(); ++row) {
+            auto below = parts()[row].view->frame();
+            canvas.fill({below.x, below.y - Style::padding - Style::line, below.width, Style::line},
+                m_palette.windowEdge);
+        }
+    }
+
+    const Palette& m_palette;
+    const bool m_hasLines;
+};
+
 }
 
 PermissionsGateSection::PermissionsGateSection(const Text& text, const Palette& palette, Look look)
-    : m_palette(palette)
-    , m_look(look)
+    : ColumnView({})
     , m_title(
-          &addChild(std::make_unique<LabelView>(text, palette, PermissionsGateSectionStyle::title)))
-    , m_subtitle(&addChild(
+          &addPart(std::make_unique<LabelView>(text, palette, PermissionsGateSectionStyle::title)))
+    , m_subtitle(&addPart(
           std::make_unique<LabelView>(text, palette, PermissionsGateSectionStyle::subtitle)))
+    , m_card(&addPart(std::make_unique<PermissionsGateCard>(palette, look),
+          PermissionsGateSectionStyle::headGap))
 {
 }
 
@@ -37,68 +65,6 @@ void PermissionsGateSection::setTitles(std::string title, std::string subtitle)
 {
     m_title->setText(std::move(title));
     m_subtitle->setText(std::move(subtitle));
-}
-
-double PermissionsGateSection::headHeight(double width) const
-{
-    return std::ceil(m_title->heightFor(width)) + std::ceil(m_subtitle->heightFor(width));
-}
-
-double PermissionsGateSection::heightFor(double width) const
-{
-    double height = headHeight(width) + PermissionsGateSectionStyle::headGap
-        + 2 * PermissionsGateSectionStyle::padding;
-    for (auto* row : m_rows)
-        height += std::ceil(row->heightFor(width - 2 * PermissionsGateSectionStyle::inset));
-    double between = m_look.hasLines
-        ? 2 * PermissionsGateSectionStyle::padding + PermissionsGateSectionStyle::line
-        : m_look.rowGap;
-    return height + between * static_cast<double>(m_rows.empty() ? 0 : m_rows.size() - 1);
-}
-
-void PermissionsGateSection::appearanceDidChange(bool isRightToLeft)
-{
-    m_title->measureAgain();
-    m_subtitle->measureAgain();
-    for (auto* row : m_rows)
-        row->appearanceDidChange(isRightToLeft);
-    layout();
-}
-
-void PermissionsGateSection::layout()
-{
-    double width = bounds().width;
-    double title = std::ceil(m_title->heightFor(width));
-    m_title->setFrame({0, 0, width, title});
-    m_subtitle->setFrame({0, title, width, headHeight(width) - title});
-    double between = m_look.hasLines
-        ? 2 * PermissionsGateSectionStyle::padding + PermissionsGateSectionStyle::line
-        : m_look.rowGap;
-    double y = headHeight(width) + PermissionsGateSectionStyle::headGap
-        + PermissionsGateSectionStyle::padding;
-    for (auto* row : m_rows) {
-        double room = width - 2 * PermissionsGateSectionStyle::inset;
-        row->setFrame(
-            {PermissionsGateSectionStyle::inset, y, room, std::ceil(row->heightFor(room))});
-        y += row->frame().height + between;
-    }
-}
-
-void PermissionsGateSection::paint(Canvas& canvas) const
-{
-    double top = headHeight(bounds().width) + PermissionsGateSectionStyle::headGap;
-    Rect card{0, top, bounds().width, bounds().height - top};
-    canvas.fillRounded(card, PermissionsGateSectionStyle::radius, m_palette.windowCard);
-    canvas.strokeRounded(card, PermissionsGateSectionStyle::radius,
-        PermissionsGateSectionStyle::line, m_palette.windowEdge);
-    for (std::size_t row = 1; m_look.hasLines && row < m_rows.size(); ++row) {
-        double y = m_rows[row]->frame().y - PermissionsGateSectionStyle::padding
-            - PermissionsGateSectionStyle::line;
-        canvas.fill({PermissionsGateSectionStyle::inset, y,
-                        card.width - 2 * PermissionsGateSectionStyle::inset,
-                        PermissionsGateSectionStyle::line},
-            m_palette.windowEdge);
-    }
 }
 
 }

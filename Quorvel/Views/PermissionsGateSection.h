@@ -2,9 +2,9 @@
 
 #include <memory>
 #include <string>
-#include <vector>
+#include <utility>
 
-#include "Quorvel/Views/Kit/MeasuredView.h"
+#include "Quorvel/Views/Kit/ColumnView.h"
 
 namespace quorvel {
 
@@ -13,7 +13,7 @@ class Text;
 struct Palette;
 
 /// A heading with its line of explanation, and below them a card with what it is about.
-class PermissionsGateSection final : public MeasuredView {
+class PermissionsGateSection final : public ColumnView {
 public:
     struct Look {
         double rowGap = 0;
@@ -25,25 +25,13 @@ public:
     void setTitles(std::string title, std::string subtitle);
     template <typename RowType> RowType& addRow(std::unique_ptr<RowType> row)
     {
-        auto& added = addChild(std::move(row));
-        m_rows.push_back(&added);
-        return added;
+        return m_card->addPart(std::move(row));
     }
 
-    double heightFor(double width) const override;
-    void appearanceDidChange(bool isRightToLeft) override;
-
 private:
-    bool isColumn() const override { return true; }
-    void layout() override;
-    void paint(Canvas&) const override;
-    double headHeight(double width) const;
-
-    const Palette& m_palette;
-    const Look m_look;
     LabelView* m_title;
     LabelView* m_subtitle;
-    std::vector<MeasuredView*> m_rows;
+    ColumnView* m_card;
 };
 
 }
