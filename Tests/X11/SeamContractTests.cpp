@@ -36,7 +36,7 @@ template <ManagerKind kind> struct RealDesktop : DesktopFixture {
 };
 
 using Desktops = testing::Types<RealDesktop<ManagerKind::openbox>, RealDesktop<ManagerKind::xfwm4>,
-    RealDesktop<ManagerKind::metacity>>;
+    RealDesktop<ManagerKind::metacity>, RealDesktop<ManagerKind::icewm>>;
 
 }
 

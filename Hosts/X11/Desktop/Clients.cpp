@@ -66,10 +66,7 @@ bool Clients::configured(xcb_window_t event, xcb_window_t window)
 {
     if (event != window)
         return false;
-    if (auto* client = find(window))
-        return markStale(client, Facet::place);
-    auto framed = m_clientByTopLevel.find(window);
-    return framed != m_clientByTopLevel.end() && markStale(find(framed->second), Facet::place);
+    return markStale(findIn(window), Facet::place);
 }
 
 bool Clients::destroyed(xcb_window_t window)
@@ -230,6 +227,12 @@ Client* Clients::find(WindowID number)
 {
     auto found = m_byNumber.find(number);
     return found == m_byNumber.end() ? nullptr : found->second.get();
+}
+
+Client* Clients::findIn(xcb_window_t topLevel)
+{
+    auto framed = m_clientByTopLevel.find(topLevel);
+    return find(framed == m_clientByTopLevel.end() ? topLevel : framed->second);
 }
 
 Client* Clients::parentOf(const Client& client)

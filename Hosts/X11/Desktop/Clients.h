@@ -42,6 +42,8 @@ public:
 
     Client* find(xcb_window_t);
     Client* find(WindowID);
+    /// The one in this window below the root; null if there is none.
+    Client* findIn(xcb_window_t topLevel);
     /// The client that this one's `WM_TRANSIENT_FOR` names, if it is another managed client.
     Client* parentOf(const Client&);
     /// Oldest first; the function must not add or remove clients.

@@ -53,6 +53,8 @@ void Mirror::handle(const xcb_generic_event_t* event)
     m_needsUpdate |= concernsManager || concernsClients || endsMove;
     auto type = event->response_type & 0x7f;
     m_isUrgent |= type == XCB_DESTROY_NOTIFY && concernsClients;
+    if (type == XCB_CONFIGURE_NOTIFY && concernsClients)
+        m_root.markStackingStale();
     if (type != XCB_PROPERTY_NOTIFY)
         return;
 
@@ -130,10 +132,8 @@ void Mirror::readAll()
 void Mirror::readAncestry()
 {
     m_clients.readAncestry();
-    if (m_manager.isPresent() && m_clients.read(Facet::place)) {
-        translateClients();
-        announce();
-    }
+    m_root.markStackingStale();
+    scheduleUpdate();
 }
 
 void Mirror::followManager()
@@ -249,7 +249,7 @@ void Mirror::translateStacking()
     std::vector<WindowID> order;
     auto& stacking = m_root.bottomToTop();
     for (auto window = stacking.rbegin(); window != stacking.rend(); ++window) {
-        if (auto* client = m_clients.find(*window))
+        if (auto* client = m_clients.findIn(*window))
             order.push_back(client->id);
     }
     m_tracker.setFrontToBack(std::move(order));

@@ -77,6 +77,15 @@ void RequestBatch::parent(xcb_window_t window, OnWindow handle)
     });
 }
 
+void RequestBatch::children(xcb_window_t window, OnWindows handle)
+{
+    add(xcb_query_tree(m_connection, window), [handle = std::move(handle)](void* data) {
+        auto* reply = static_cast<const xcb_query_tree_reply_t*>(data);
+        handle(reply ? std::span{xcb_query_tree_children(reply), reply->children_len}
+                     : std::span<const xcb_window_t>{});
+    });
+}
+
 void RequestBatch::clientProcess(xcb_window_t window, OnNumber handle)
 {
     xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};

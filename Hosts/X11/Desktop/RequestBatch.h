@@ -38,6 +38,7 @@ public:
     using OnProperty = std::function<void(const RawProperty&)>;
     using OnPlace = std::function<void(std::optional<WindowPlace>)>;
     using OnSize = std::function<void(std::optional<Size>)>;
+    using OnWindows = std::function<void(std::span<const xcb_window_t>)>;
     using OnWindow = std::function<void(std::optional<xcb_window_t>)>;
     using OnDrawable = std::function<void(std::optional<DrawableSize>)>;
     using OnData = std::function<void(std::span<const std::byte>)>;
@@ -48,6 +49,8 @@ public:
     void place(xcb_window_t, xcb_window_t root, OnPlace);
     void size(xcb_window_t, OnSize);
     void parent(xcb_window_t, OnWindow);
+    /// From the lowest to the uppermost; none if it has gone.
+    void children(xcb_window_t, OnWindows);
     /// The process of the client that created the window, if it runs on this machine.
     void clientProcess(xcb_window_t, OnNumber);
     /// The events that this program receives from the window.

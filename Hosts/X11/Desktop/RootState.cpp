@@ -16,9 +16,8 @@ RootState::RootState(Connection& connection) : m_connection(connection)
 bool RootState::propertyDidChange(xcb_atom_t property)
 {
     auto& atoms = m_connection.atoms();
-    const std::array<std::pair<xcb_atom_t, Bit>, 8> table{{
+    const std::array<std::pair<xcb_atom_t, Bit>, 7> table{{
         {atoms.netClientList, clientsBit},
-        {atoms.netClientListStacking, stackingBit},
         {atoms.netActiveWindow, activeBit},
         {atoms.netCurrentDesktop, currentBit},
         {atoms.netNumberOfDesktops, countBit},
@@ -47,8 +46,8 @@ void RootState::request(RequestBatch& batch)
     }
     if (stale & stackingBit) {
         m_stackingDidChange = true;
-        batch.property(root, atoms.netClientListStacking, limits::windows,
-            [this](const RawProperty& raw) { m_bottomToTop = decodeWindows(raw); });
+        batch.children(
+            root, [this](auto windows) { m_bottomToTop.assign(windows.begin(), windows.end()); });
     }
     if (stale & activeBit) {
         batch.property(root, atoms.netActiveWindow, 1, [this](const RawProperty& raw) {

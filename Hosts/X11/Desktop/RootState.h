@@ -25,6 +25,7 @@ public:
     /// Notes a changed property; false if it is none of these.
     bool propertyDidChange(xcb_atom_t);
     void markAllStale() { m_stale = kAll; }
+    void markStackingStale() { m_stale |= stackingBit; }
     bool isStale() const { return m_stale != 0; }
     void request(RequestBatch&);
     /// Whether the lists were read since the last call.
@@ -35,6 +36,8 @@ public:
 
     const ManagerSwitches& switches() const { return m_switches; }
     const std::vector<xcb_window_t>& clients() const { return m_clients; }
+    /// The windows below the root, most of them managers' frames. The manager's own list is not
+    /// asked: icewm writes it before it changes the order.
     const std::vector<xcb_window_t>& bottomToTop() const { return m_bottomToTop; }
     xcb_window_t activeWindow() const { return m_activeWindow; }
     bool isShowingDesktop() const { return m_isShowingDesktop; }
