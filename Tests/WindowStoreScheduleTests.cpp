@@ -131,24 +131,6 @@ TEST_F(WindowStoreSchedule, theFocusOfAnUnobservedProcessIsPolledToo)
 
 // MARK: The life cycle
 
-TEST_F(WindowStoreSchedule, theTraceTellsTheLifeCycle)
-{
-    std::vector<std::string> phases;
-    desktop.trace().setSink([&](std::string_view line) {
-        if (line.starts_with("lifecycle pid="))
-            phases.emplace_back(line.substr(line.find("phase=")));
-    });
-    store.startLifecycleMonitoring(mail, seconds(0.5));
-    desktop.advance(seconds(1));
-    store.handleObserverAttached(mail);
-    desktop.trace().setSink({});
-
-    ASSERT_THAT(phases, SizeIs(3));
-    EXPECT_EQ(phases[0], "phase=launching stableScans=0 delay=0.500");
-    EXPECT_THAT(phases[1], testing::StartsWith("phase=runningUnobserved stableScans=1"));
-    EXPECT_THAT(phases[2], testing::StartsWith("phase=runningObserved stableScans=0"));
-}
-
 TEST_F(WindowStoreSchedule, anObservedProcessIsLeftAloneAfterTwoTicksThatAgree)
 {
     store.startLifecycleMonitoring(mail, seconds(2.6));

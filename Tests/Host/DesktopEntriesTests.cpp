@@ -1,11 +1,7 @@
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 
-#include <chrono>
-#include <functional>
-
 #include <glib.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include "Tests/Host/MainLoop.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
@@ -40,24 +36,6 @@ TEST(DesktopEntries, theFirstFolderWinsAndCanHideWhatIsInstalledLater)
     EXPECT_EQ(entries.path("../more/applications/both"), std::nullopt);
 }
 
-TEST(DesktopEntries, isNotHeldUpByPipesAndFoldersThatLinkToThemselves)
-{
-    InstalledApplications installed;
-    VirtualDispatch dispatch;
-    installed.install("good", "Icon=star\n");
-    ASSERT_EQ(::mkfifo(installed.path("user/applications/pipe.desktop").c_str(), 0600), 0);
-    std::filesystem::create_directory_symlink(
-        installed.path("user/applications"), installed.path("user/applications/loop"));
-    std::filesystem::create_symlink("/dev/zero", installed.path("user/applications/zero.desktop"));
-    DesktopEntries entries{dispatch};
-
-    EXPECT_EQ(entries.bundleIdentifier({{}, "Unknown", "unknown", {}, 1}), "unknown");
-    EXPECT_EQ(entries.icon(entries.path("good").value_or("")), "star");
-    EXPECT_EQ(entries.path("pipe"), std::nullopt);
-    EXPECT_EQ(entries.path("zero"), std::nullopt);
-    EXPECT_EQ(entries.icon(installed.path("user/applications/pipe.desktop")), std::nullopt);
-}
-
 TEST(DesktopEntries, tellsOfNewApplicationsOnceWhenThingsHaveSettled)
 {
     InstalledApplications installed;
@@ -76,27 +54,6 @@ TEST(DesktopEntries, tellsOfNewApplicationsOnceWhenThingsHaveSettled)
 
     EXPECT_EQ(changes, 1);
     EXPECT_TRUE(entries.path("new"));
-}
-
-TEST(DesktopEntries, findsWhatComesIntoFoldersThatDidNotExist)
-{
-    InstalledApplications installed;
-    VirtualDispatch dispatch;
-    std::filesystem::create_directories(installed.path("user"));
-    std::filesystem::create_directories(installed.path("system/applications"));
-    DesktopEntries entries{dispatch};
-    ASSERT_EQ(entries.path("new"), std::nullopt);
-
-    installed.install("new", "");
-    ASSERT_TRUE(eventually([&] { return dispatch.pendingTimers() > 0; }));
-    dispatch.advance(DesktopEntries::kSettleTime);
-    EXPECT_TRUE(entries.path("new"));
-
-    installed.write(
-        "system/applications/vendor/tool.desktop", "[Desktop Entry]\nType=Application\nName=Tool");
-    ASSERT_TRUE(eventually([&] { return dispatch.pendingTimers() > 0; }));
-    dispatch.advance(DesktopEntries::kSettleTime);
-    EXPECT_TRUE(entries.path("vendor-tool"));
 }
 
 }

@@ -1,6 +1,3 @@
-#include <filesystem>
-#include <fstream>
-
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
@@ -15,12 +12,8 @@ class Explanations : public UnderOpenbox {
 protected:
     Explanations()
     {
-        const auto folder = server.folder() / "data" / "applications";
-        std::filesystem::create_directories(folder);
-        std::ofstream(folder / "org.example.Studio.desktop")
-            << "[Desktop Entry]\nType=Application\nName=Studio\nExec=/bin/true\n";
-        std::ofstream(folder / "draw.desktop")
-            << "[Desktop Entry]\nType=Application\nName=Draw\nExec=/bin/true\n";
+        server.addApplication("org.example.Studio", "Studio", "Exec=/bin/true");
+        server.addApplication("draw", "Draw", "Exec=/bin/true");
     }
     std::string explain(xcb_window_t window)
     {
