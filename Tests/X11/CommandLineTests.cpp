@@ -58,7 +58,8 @@ TEST_F(CommandLine, aSecondBarIsRefusedOrTakesOver)
     EXPECT_EQ(
         std::filesystem::read_symlink("/proc/" + std::to_string(first.process().pid()) + "/cwd"),
         server.environment().at("HOME"));
-    EXPECT_EQ(run({"--replace", "--trace=/nowhere/trace"}).status, 1);
+    const auto noFolder = server.folder() / "none" / "trace";
+    EXPECT_EQ(run({"--replace", "--trace=" + noFolder.string()}).status, 1);
     EXPECT_TRUE(first.isRunning()) << "ended by one that cannot run";
 
     first.process().signal(SIGSTOP);
