@@ -273,6 +273,7 @@ struct PageOfSettings {
         std::function<bool(const State&)> isOnTheBar;
         std::string option; ///< that is chosen
         int place = 0; ///< its own, in the list
+        bool isSeen = false; ///< the bar looks otherwise, which its state does not tell
     };
 
     std::string name;
@@ -289,7 +290,7 @@ protected:
             server.addApplication(name, name, "Exec=true");
         std::ofstream(server.settingsFile()) << R"({"barSize": "large", "pinnedApps":
             [{"id": "Ash", "d": 3}, {"id": "Birch", "d": 1}, {"id": "Cedar", "d": 1}]})";
-        MonitorLayout{server}.set({{0, 0, 640, 800}, {640, 0, 640, 800}});
+        MonitorLayout{server}.set({{0, 0, 960, 800}, {960, 0, 320, 800}});
     }
 
     void take(const PageOfSettings::Step& step)
@@ -297,6 +298,8 @@ protected:
         const auto control = settings.find(step.role, step.title);
         ASSERT_TRUE(control);
         EXPECT_NE(get(step.field), step.value + '\n');
+        const auto frame = bar->state().panel().frame;
+        const auto before = desktop.picture(frame);
         if (step.role == kChoice)
             EXPECT_TRUE(settings.choose(control, step.place, step.option));
         else
@@ -309,6 +312,7 @@ protected:
                 || ScreenReader::has(element, ATSPI_STATE_CHECKED) == (step.value == "true");
         }));
         EXPECT_TRUE(!step.isOnTheBar || eventually([&] { return step.isOnTheBar(bar->state()); }));
+        EXPECT_TRUE(!step.isSeen || eventually([&] { return desktop.picture(frame) != before; }));
     }
 
     Client client{server};
@@ -357,13 +361,13 @@ const PageOfSettings kPages[] = {
             {kChoice, "Scrolling up", "scrollUpSpaceSwitch", "\"right\"", {},
                 "The desktop on the right", 1}}},
     {"Appearance", 1,
-        {{kChoice, "Size", "barSize", "\"xxl\"",
-             [](auto& state) { return state.panel().frame.height > 50; }, "Largest", 4},
-            {kChoice, "Theme", "theme", "\"aero\"", {}, "Aero", 2},
+        {{kChoice, "Theme", "theme", "\"aero\"", {}, "Aero", 2, true},
             {kSwitch, "Group windows", "groupWindowsByApp", "false", hasChips(3), {}},
-            {kSwitch, "Show window names", "showWindowNamesInChips", "false", {}, {}},
+            {kSwitch, "Show window names", "showWindowNamesInChips", "false", {}, {}, 0, true},
             {kSwitch, "Show titles", "showChipTitles", "false", hasChips(3, 80), {}},
-            {kSwitch, "Mark new titles", "markTitleNews", "true", {}, {}}}},
+            {kSwitch, "Mark new titles", "markTitleNews", "true", {}, {}},
+            {kChoice, "Size", "barSize", "\"xxl\"",
+                [](auto& state) { return state.panel().frame.height > 50; }, "Largest", 4}}},
     {"Keyboard", 2,
         {{kSwitch, "Use what is on the bar", "numberKeys", "true",
              [](auto& state) { return state.numberKeys == "registered"; }, {}},
