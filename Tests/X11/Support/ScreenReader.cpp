@@ -180,9 +180,11 @@ ScreenReader::Element ScreenReader::seekIn(const Element& whole, AtspiRole role,
         auto element = std::move(open.back());
         open.pop_back();
         atspi_accessible_clear_cache(element.get());
-        if (atspi_accessible_get_role(element.get(), nullptr) == role
-            && name(element).find(text) != std::string::npos && isRight(element))
+        const auto its = atspi_accessible_get_role(element.get(), nullptr);
+        if (its == role && name(element).find(text) != std::string::npos && isRight(element))
             return element;
+        if (its == ATSPI_ROLE_PAGE_TAB) // a toolkit has many things in one, and all are its name
+            continue;
         auto children = childrenOf(element.get());
         std::ranges::move(std::views::reverse(children), std::back_inserter(open));
     }
