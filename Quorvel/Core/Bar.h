@@ -14,6 +14,7 @@ namespace quorvel {
 
 class BarViewModel;
 class LaunchMarks;
+class PinStates;
 class PinStore;
 class ThumbnailService;
 class UserSettings;
@@ -27,6 +28,7 @@ struct BarContents {
     BarViewModel& viewModel;
     PinStore& pinStore;
     const LaunchMarks& launchMarks;
+    const PinStates& pinStates;
     UserSettings& settings;
     ThumbnailService& thumbnailService;
     WindowStates& windowStates;
@@ -41,6 +43,10 @@ struct BarContents {
     std::function<void(SpaceID)> onSpaceSwitchRequested;
     /// A group's windows go together.
     std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpaceRequested;
+    /// Brings windows of another space to the bar's.
+    std::function<void(const std::vector<WindowID>&, SpaceID from)> onWindowsFetched;
+    /// Goes to a window, wherever it is.
+    std::function<void(WindowID)> onWindowRequested;
     /// Just before a popup is shown.
     std::function<void()> onThumbnailWillShow;
 };

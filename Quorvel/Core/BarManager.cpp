@@ -49,6 +49,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_dockRoom(platform.dockControl, m_reservations)
     , m_panels(platform, settings, m_dockRoom, factory)
     , m_windowFinder(m_viewModel, platform)
+    , m_pinStates(m_windowFinder, badgeService)
     , m_launcher(platform, factory,
           {m_appLauncher, m_pinStore, settings, m_windowFinder, thumbnailService})
     , m_navigation(platform, windowStore, m_viewModel, settings, m_panels)
@@ -311,6 +312,7 @@ BarContents BarManager::contents(const Bar& bar)
         .viewModel = m_viewModel,
         .pinStore = m_pinStore,
         .launchMarks = m_launchMarks,
+        .pinStates = m_pinStates,
         .settings = m_settings,
         .thumbnailService = m_thumbnailService,
         .windowStates = m_windowStates,
@@ -324,6 +326,9 @@ BarContents BarManager::contents(const Bar& bar)
         .onMoveWindowToSpaceRequested
         = [this, from = bar.spaceID()](const std::vector<WindowID>& windows,
               SpaceID to) { m_moves.moveWindowsToSpace(windows, from, to); },
+        .onWindowsFetched = [this, to = bar.spaceID()](const std::vector<WindowID>& windows,
+                                SpaceID from) { m_moves.fetchWindows(windows, from, to); },
+        .onWindowRequested = [this](WindowID window) { m_navigation.goToWindow(window); },
         .onThumbnailWillShow = [this, &bar] { dismissPopups(&bar); },
     };
 }

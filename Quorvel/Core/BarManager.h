@@ -13,6 +13,7 @@
 #include "Quorvel/Core/DockRoom.h"
 #include "Quorvel/Core/LaunchMarks.h"
 #include "Quorvel/Core/LauncherPresenter.h"
+#include "Quorvel/Core/PinStates.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/SpaceNavigation.h"
 #include "Quorvel/Core/WheelNotches.h"
@@ -139,6 +140,7 @@ private:
     DockRoom m_dockRoom;
     BarPanels m_panels;
     WindowFinder m_windowFinder;
+    PinStates m_pinStates;
     LauncherPresenter m_launcher;
     SpaceNavigation m_navigation;
     WheelNotches m_wheel{wheelSteps()};

@@ -57,11 +57,22 @@ void WindowMoves::moveWindowToSpaceByDragging(WindowID window, SpaceID from, Spa
 
 void WindowMoves::moveWindowsToSpace(const std::vector<WindowID>& windows, SpaceID from, SpaceID to)
 {
-    auto target = info(to);
-    if (from == to || !info(from) || !target || target->spaceType == kFullscreenSpaceType)
+    beginMoves({{windows.begin(), windows.end()}, from, to});
+}
+
+void WindowMoves::fetchWindows(const std::vector<WindowID>& windows, SpaceID from, SpaceID to)
+{
+    beginMoves({{windows.begin(), windows.end()}, from, to, true});
+}
+
+void WindowMoves::beginMoves(Waiting moves)
+{
+    auto target = info(moves.to);
+    if (moves.from == moves.to || !info(moves.from) || !target
+        || target->spaceType == kFullscreenSpaceType)
         return;
     abandon();
-    m_waiting = {{windows.begin(), windows.end()}, from, to};
+    m_waiting = std::move(moves);
     moveNext();
 }
 
@@ -72,15 +83,14 @@ void WindowMoves::moveNext()
         bool isRefused = m_windowStore.window(window) && !moveDirectly(window, m_waiting.to);
         bool isInReach = m_navigation.isCurrent(m_waiting.from);
         bool canCarry = isRefused && m_windowServer.canPostPointerEvents();
-        if (canCarry && !isInReach && m_waiting.hasCarried) {
-            // The one before has taken the display along.
+        if (canCarry && !isInReach && m_waiting.isFromAfar) {
             m_pendingWindowMoveDragTimeoutWork
                 = m_dispatch.main().after(kMoveTimeout, [this] { abandon(); });
             return m_navigation.switchToSpace(m_waiting.from, {});
         }
         m_waiting.windows.pop_front();
         if (canCarry && isInReach && begin(window, m_waiting.from, m_waiting.to)) {
-            m_waiting.hasCarried = true;
+            m_waiting.isFromAfar = true; // it takes the display along
             return;
         }
     }

@@ -32,6 +32,8 @@ public:
     void moveWindowToSpaceByDragging(WindowID, SpaceID from, SpaceID to);
     /// One after the other; if they are carried, the display returns to its space for each.
     void moveWindowsToSpace(const std::vector<WindowID>&, SpaceID from, SpaceID to);
+    /// From a space that need not be shown: if they are carried, the display goes there for them.
+    void fetchWindows(const std::vector<WindowID>&, SpaceID from, SpaceID to);
     /// A display shows another space.
     void spaceDidChange();
     /// Releases whatever is held: the program may end without destructors.
@@ -57,8 +59,10 @@ private:
         std::deque<WindowID> windows;
         SpaceID from{};
         SpaceID to{};
-        bool hasCarried = false;
+        bool isFromAfar = false; ///< the display may have to go to the space first
     };
+
+    void beginMoves(Waiting);
 
     void moveNext();
     /// False if it is already done, or cannot be done.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Quorvel/Core/LaunchMarks.h"
+#include "Quorvel/Core/PinStates.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Core/UserSettings.h"
@@ -127,7 +128,7 @@ void BarContentView::subscribe()
         keep(platform.settingsWindow->didFail.subscribe(
             [this] { showNote(tr("The settings could not be opened")); }));
     keep(platform.workspace.iconDidChange.subscribe([this](auto& id) {
-        if (id.empty() || std::ranges::find(m_pins, id) != m_pins.end())
+        if (id.empty() || std::ranges::find(m_pins, id, &PinData::bundleID) != m_pins.end())
             partDidChange(Part::pins);
     }));
     // Other panels may keep a side of the screen for themselves from now on, and windows be on
@@ -142,6 +143,7 @@ void BarContentView::subscribe()
     keep(platform.windowServer.spacesDidChange.subscribe(changes(Part::spaces)));
     keep(m_inputs.viewModel.summaries.subscribe(changes(Part::spaces)));
     keep(m_inputs.launchMarks.launching().subscribe(changes(Part::pins)));
+    keep(m_inputs.pinStates.didChange.subscribe(changes(Part::pinStates)));
     keep(m_inputs.viewModel.barDidChange(m_inputs.spaceID).subscribe(changes(Part::items)));
 }
 
@@ -167,6 +169,8 @@ void BarContentView::partDidChange(Part part)
         return spacesDidChange();
     case Part::pins:
         return pinsDidChange();
+    case Part::pinStates:
+        return pinStatesDidChange();
     case Part::items:
         return itemsDidChange();
     }
@@ -175,6 +179,7 @@ void BarContentView::partDidChange(Part part)
 void BarContentView::connectRow()
 {
     m_row->onHoverChanged = [this](bool isHovered) {
+        m_tappedPin.clear();
         m_popups.update(); // the row may have closed up
         if (onChipsAreaHoverChanged)
             onChipsAreaHoverChanged(isHovered);
@@ -182,6 +187,13 @@ void BarContentView::connectRow()
     m_row->onChip.clicked
         = [this](const ChipView& chip, ChipView::Click click) { chipClicked(chip, click); };
     m_row->onChip.hovered = [this](const ChipView& chip, bool isHovered) {
+        // What came in the place of a pin that was clicked is not asked for its picture.
+        if (!m_tappedPin.empty() && chip.bundleID() == m_tappedPin) {
+            if (isHovered)
+                m_popups.suppress(chip.item());
+            else
+                m_tappedPin.clear();
+        }
         m_popups.chipHovered(chip.item(), isHovered);
     };
     m_row->onChip.filesOver
@@ -194,18 +206,7 @@ void BarContentView::connectRow()
     m_row->onChip.moved = [this](const std::string& id, std::optional<std::string> before) {
         m_inputs.viewModel.moveChip(id, before, m_inputs.spaceID);
     };
-    m_row->onPin.clicked = [this](const PinView& pin) { pinTapped(pin.pin().bundleID); };
-    m_row->onPin.menuRequested = [this](const PinView& pin) {
-        auto& id = pin.pin().bundleID;
-        openMenu(pinMenu(id, menuContext()), pin.frameInRoot(), id);
-    };
-    m_row->onPin.filesDropped = [this](const PinView& pin, std::vector<std::string> paths) {
-        if (auto url = m_inputs.platform.workspace.applicationURL(pin.pin().bundleID))
-            m_inputs.platform.workspace.openFiles(paths, *url);
-    };
-    m_row->onPin.moved = [this](const std::string& bundleID, const ReorderDrag& drag) {
-        pinMoved(bundleID, drag);
-    };
+    connectPins();
 }
 
 // MARK: What it shows
@@ -216,41 +217,6 @@ void BarContentView::itemsDidChange()
     m_popups.update();
     if (!arePinsCurrent())
         pinsDidChange();
-    m_inputs.surface.accessibleTreeDidChange();
-}
-
-std::vector<std::string> BarContentView::wantedPins() const
-{
-    auto wanted = m_inputs.pinStore.pinnedAppIDs(PinDestination::bar);
-    if (!wanted.empty()) {
-        auto withWindows = m_inputs.viewModel.bundleIDsWithWindows(m_inputs.spaceID);
-        std::erase_if(wanted, [&](auto& id) { return withWindows.contains(id); });
-    }
-    for (auto& id : m_inputs.launchMarks.launching().value()) {
-        if (!m_inputs.pinStore.isPinned(id, PinDestination::bar))
-            wanted.push_back(id);
-    }
-    return wanted;
-}
-
-/// Names and icons are looked up in files: not for each title that changes.
-bool BarContentView::arePinsCurrent() const
-{
-    return wantedPins() == m_pins;
-}
-
-void BarContentView::pinsDidChange()
-{
-    m_pins = wantedPins();
-    std::vector<PinData> pins;
-    for (auto& id : m_pins) {
-        auto icon = m_inputs.viewModel.icon(id);
-        if (!icon)
-            icon = m_inputs.platform.workspace.genericApplicationIcon();
-        pins.push_back({id, m_inputs.viewModel.appName(id), std::move(icon),
-            m_inputs.launchMarks.contains(id)});
-    }
-    m_row->setPins(pins);
     m_inputs.surface.accessibleTreeDidChange();
 }
 
@@ -482,9 +448,9 @@ void BarContentView::openItemsDidChange()
 ChipMenuContext BarContentView::menuContext()
 {
     return {m_inputs.viewModel, m_inputs.pinStore, m_inputs.platform.workspace,
-        m_inputs.windowStates, m_inputs.spaceID, m_spaceSwitcher->spaces(),
-        m_inputs.onMoveWindowToSpaceRequested,
-        [weak = m_weak.reference()](const std::string& bundleID) {
+        m_inputs.windowStates, m_inputs.pinStates, m_inputs.spaceID, m_spaceSwitcher->spaces(),
+        m_inputs.onMoveWindowToSpaceRequested, m_inputs.onWindowsFetched,
+        m_inputs.onWindowRequested, [weak = m_weak.reference()](const std::string& bundleID) {
             if (auto* view = weak.get())
                 view->pinTapped(bundleID);
         }};
@@ -544,22 +510,6 @@ bool BarContentView::chipDropped(const ChipView& chip, Point pointer)
     m_inputs.onMoveWindowToSpaceRequested(
         group ? group->windowIDs : std::vector{std::get<ChipData>(chip.item()).id}, cell->id);
     return true;
-}
-
-void BarContentView::pinMoved(const std::string& bundleID, const ReorderDrag& drag)
-{
-    if (!drag.isElsewhere())
-        return; // behind the last one means something else than where it is
-    auto pinned = m_inputs.pinStore.pinnedAppIDs(PinDestination::bar);
-    auto isPinned = [&](auto& id) { return std::ranges::find(pinned, id) != pinned.end(); };
-    auto before = drag.dropTargetID(isPinned);
-    if (!before) {
-        // An application that is being started has a place on the bar without a pin.
-        auto visible = drag.previewOrder();
-        std::erase_if(visible, std::not_fn(isPinned));
-        before = nextPinnedAppIDAfterVisibleEnd(bundleID, visible, pinned);
-    }
-    m_inputs.pinStore.movePinnedApp(bundleID, before, PinDestination::bar);
 }
 
 }

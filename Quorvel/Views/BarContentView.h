@@ -14,6 +14,7 @@
 #include "Quorvel/Views/ChipView.h"
 #include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/Kit/View.h"
+#include "Quorvel/Views/PinView.h"
 
 namespace quorvel {
 
@@ -21,7 +22,6 @@ class BarBackground;
 class BarNote;
 class ChipsRow;
 class MenuButton;
-class PinView;
 class ReorderDrag;
 class ShowDesktopButton;
 class SpaceSwitcher;
@@ -86,7 +86,7 @@ public:
 
 private:
     /// What it shows, each part with a source of its own; in the order of catching up.
-    enum class Part { appearance, settings, layout, spaces, pins, items };
+    enum class Part { appearance, settings, layout, spaces, pins, pinStates, items };
 
     bool takesPointer() const override { return true; }
     bool keyPressed(const KeyEvent&) override;
@@ -98,11 +98,13 @@ private:
 
     void connectButtons();
     void connectRow();
+    void connectPins();
     void connectPopups();
     void subscribe();
     void partDidChange(Part);
     void itemsDidChange();
     void pinsDidChange();
+    void pinStatesDidChange();
     /// Of pinned applications, and of others that are being started: those without a window here.
     std::vector<std::string> wantedPins() const;
     bool arePinsCurrent() const;
@@ -117,7 +119,10 @@ private:
     void filesOverChip(const ChipView&, bool areOver);
     void chipDragged(const ChipView&, Point pointer);
     bool chipDropped(const ChipView&, Point pointer);
+    /// Goes to a window of the application, wherever it is; starts it where there is none.
     void pinTapped(const std::string& bundleID);
+    void unpin(const PinData&);
+    void pinChip(const ChipView&, std::optional<std::string> before);
     void pinMoved(const std::string& bundleID, const ReorderDrag&);
     /// The chip or pin that it is of is given by its identifier.
     void openMenu(Menu, const Rect& anchor, std::optional<std::string> item,
@@ -152,7 +157,8 @@ private:
     BarNote* m_note = nullptr;
     bool m_isShown = true;
     std::set<Part> m_stale; ///< while it is not
-    std::vector<std::string> m_pins; ///< bundle identifiers, as they were looked up
+    std::string m_tappedPin; ///< since the pointer came to the row
+    std::vector<PinData> m_pins; ///< names and icons as they were looked up
     ChipPopups m_popups;
     int m_openMenus = 0; ///< one that replaces another is open before that one has told its end
     std::optional<std::string> m_itemOfMenu; ///< the chip or pin that the menu is of

@@ -91,12 +91,6 @@ void BarContentView::filesOverChip(const ChipView& chip, bool areOver)
         kSpringDelay, [this, id] { activateWindowDeferred(id); });
 }
 
-void BarContentView::pinTapped(const std::string& bundleID)
-{
-    dismissThumbnailPopupImmediate();
-    onNextTurn([bundleID](BarViewModel& viewModel) { viewModel.launchApp(bundleID); });
-}
-
 void BarContentView::useItem(std::size_t place, ItemUse use)
 {
     auto* item = m_row->itemAt(place);

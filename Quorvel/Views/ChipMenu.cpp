@@ -5,6 +5,7 @@
 
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Core/NewWindow.h"
+#include "Quorvel/Core/PinStates.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Core/WindowStates.h"
 #include "Quorvel/Platform/Translation.h"
@@ -237,6 +238,62 @@ Menu groupMenu(const GroupedChipData& group, const ChipMenuContext& context)
     return menu;
 }
 
+/// "Inbox – Desktop 2", so that it is known where the entry leads.
+std::string titleElsewhere(const FoundWindow& window, const ChipMenuContext& context)
+{
+    auto title = entryTitle(window.chip);
+    auto space = std::ranges::find(
+        context.spaces, window.space, [](auto& cell) { return std::optional{cell.id}; });
+    if (space != context.spaces.end())
+        title += "  \u2013  " + space->name;
+    return window.chip.wantsAttention ? title + kAttentionMark : title;
+}
+
+bool canFetch(const FoundWindow& window, const ChipMenuContext& context)
+{
+    auto isFullscreen = [&](auto& cell) { return cell.id == window.space && cell.isFullscreen; };
+    return window.space && context.onWindowsFetched
+        && std::ranges::none_of(context.spaces, isFullscreen);
+}
+
+MenuItem fetchEntry(std::string title, const FoundWindow& window, const ChipMenuContext& context)
+{
+    return entry(std::move(title), context.viewModel,
+        [fetch = context.onWindowsFetched, id = window.chip.id, from = *window.space](
+            BarViewModel&) { fetch({id}, from); });
+}
+
+/// The windows of an application that has none here: each leads there.
+void addWindowsElsewhere(
+    Menu& menu, const std::vector<FoundWindow>& windows, const ChipMenuContext& context)
+{
+    MenuItem more{tr("More Windows"), true, {}};
+    for (auto& window : windows) {
+        bool isListed
+            = windows.size() <= kMostWindowEntries || menu.size() + 1 < kMostWindowEntries;
+        (isListed ? menu : more.submenu)
+            .push_back(entry(titleElsewhere(window, context), context.viewModel,
+                [go = context.onWindowRequested, id = window.chip.id](BarViewModel&) { go(id); }));
+    }
+    if (!more.submenu.empty())
+        menu.push_back(std::move(more));
+}
+
+/// Those that can come here.
+void addFetchEntry(
+    Menu& menu, const std::vector<FoundWindow>& windows, const ChipMenuContext& context)
+{
+    MenuItem fetch{tr("Move Here"), true, {}};
+    for (auto& window : windows) {
+        if (canFetch(window, context))
+            fetch.submenu.push_back(fetchEntry(titleElsewhere(window, context), window, context));
+    }
+    if (windows.size() == 1 && !fetch.submenu.empty())
+        menu.push_back(fetchEntry(std::move(fetch.title), windows.front(), context));
+    else if (!fetch.submenu.empty())
+        menu.push_back(std::move(fetch));
+}
+
 }
 
 Menu chipMenu(const DisplayItem& item, const ChipMenuContext& context)
@@ -249,10 +306,26 @@ Menu chipMenu(const DisplayItem& item, const ChipMenuContext& context)
 Menu pinMenu(const std::string& bundleID, const ChipMenuContext& context)
 {
     Menu menu;
-    menu.push_back({tr("Open"), true, [bundleID, launch = context.onLaunch] { launch(bundleID); }});
+    auto windows = context.pinStates.windows(bundleID);
+    if (windows.empty()) {
+        menu.push_back(
+            {tr("Open"), true, [bundleID, launch = context.onLaunch] { launch(bundleID); }});
+        addApplicationEntries(menu, bundleID, context);
+        separate(menu);
+        addPinEntry(menu, bundleID, context);
+        return menu;
+    }
+    addWindowsElsewhere(menu, windows, context);
+    separate(menu);
     addApplicationEntries(menu, bundleID, context);
     separate(menu);
-    addPinEntry(menu, bundleID, context);
+    addFetchEntry(menu, windows, context);
+    std::vector<WindowID> ids;
+    for (auto& window : windows)
+        ids.push_back(window.chip.id);
+    menu.push_back(entry(ids.size() > 1 ? tr("Close All") : tr("Close"), context.viewModel,
+        [ids](BarViewModel& current) { current.closeWindows(ids); }));
+    addFooter(menu, bundleID, ids.front(), context);
     return menu;
 }
 

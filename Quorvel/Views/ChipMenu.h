@@ -10,6 +10,7 @@
 namespace quorvel {
 
 class BarViewModel;
+class PinStates;
 class PinStore;
 class WindowStates;
 class Workspace;
@@ -21,15 +22,18 @@ struct ChipMenuContext {
     PinStore& pinStore;
     Workspace& workspace;
     WindowStates& windowStates;
+    const PinStates& pinStates;
     SpaceID spaceID{};
     std::vector<SpaceCellData> spaces; ///< of the display
     std::function<void(const std::vector<WindowID>&, SpaceID to)> onMoveWindowToSpace;
+    std::function<void(const std::vector<WindowID>&, SpaceID from)> onWindowsFetched;
+    std::function<void(WindowID)> onWindowRequested;
     std::function<void(const std::string& bundleID)> onLaunch;
 };
 
 /// The entries in the menu of a chip. Their actions do nothing once the model is gone.
 Menu chipMenu(const DisplayItem&, const ChipMenuContext&);
-/// The entries in the menu of a pinned application without a window.
+/// The entries in the menu of a pinned application without a window on the bar's space.
 Menu pinMenu(const std::string& bundleID, const ChipMenuContext&);
 
 }

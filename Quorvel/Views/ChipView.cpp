@@ -7,6 +7,7 @@
 
 #include "Quorvel/Platform/Text.h"
 #include "Quorvel/Platform/Translation.h"
+#include "Quorvel/Views/ItemMarks.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
 namespace quorvel {
@@ -21,14 +22,8 @@ struct ChipViewStyle {
     static constexpr double focusMarkWidth = 0.4; ///< share of the chip's width
     static constexpr double edgeWidth = 1;
     static constexpr double countHeight = 0.52; ///< share of the chip's height
-    static constexpr double badgeHeight = 0.62; ///< share of the icon's size
-    static constexpr double badgeOverhang = 0.3; ///< share of the badge's height
-    static constexpr double badgeMaximumWidth = 2.4; ///< of the badge's height
     static constexpr double newsSize = 0.3; ///< share of the icon's size
     static constexpr double newsEdge = 1.5; ///< between the dot and what it lies on
-    static constexpr double pillTextSize = 0.76; ///< share of the pill's height
-    static constexpr double pillPadding = 0.3; ///< share of the pill's height
-    static constexpr double attentionRest = 0.25; ///< strength at the weakest of a pulse
 };
 
 /// What both kinds of item have under the same name.
@@ -40,13 +35,6 @@ template <typename Member> decltype(auto) fieldOf(const DisplayItem& item, Membe
 bool isMinimized(const DisplayItem& item)
 {
     return fieldOf(item, [](auto& data) { return data.isMinimized; });
-}
-
-/// As it is read out. What is no number says that there is something, not how much.
-std::string badgeText(const std::string& badge)
-{
-    bool hasNumber = std::ranges::any_of(badge, [](char c) { return c >= '0' && c <= '9'; });
-    return hasNumber ? trFormat("{} unread", badge) : tr("unread");
 }
 
 /// Text sizes follow the chip's height, as the rest of the metrics do.
@@ -154,7 +142,7 @@ AccessibleState ChipView::accessibleState() const
     if (single && !single->windowTitle.empty() && single->windowTitle != single->appName)
         state.name += ", " + single->windowTitle;
     if (auto badge = fieldOf(m_item, [](auto& data) { return data.badge; }))
-        state.name += ", " + badgeText(*badge);
+        state.name += ", " + itemMarks::badgeText(*badge);
     if (group)
         state.name += ", "
             + trCount("{} window", "{} windows", static_cast<std::size_t>(group->windowCount));
@@ -195,14 +183,6 @@ std::string ChipView::count() const
     return group ? std::to_string(group->windowCount) : std::string{};
 }
 
-double ChipView::pillWidth(std::string_view text, double height) const
-{
-    TextStyle style{
-        .size = height * ChipViewStyle::pillTextSize, .weight = FontWeight::semibold, .color = {}};
-    return std::max(
-        height, m_text.measure(text, style).width + 2 * ChipViewStyle::pillPadding * height);
-}
-
 double ChipView::countHeight() const
 {
     return metrics().chipHeight * ChipViewStyle::countHeight;
@@ -212,7 +192,7 @@ double ChipView::countHeight() const
 double ChipView::countWidth() const
 {
     auto text = count();
-    return text.empty() ? 0 : pillWidth(text, countHeight());
+    return text.empty() ? 0 : itemMarks::pillWidth(m_text, text, countHeight());
 }
 
 Rect ChipView::badgeRect(const Rect& icon) const
@@ -221,12 +201,7 @@ Rect ChipView::badgeRect(const Rect& icon) const
         m_item, [](auto& data) -> auto& { return data.badge; });
     if (!badge)
         return {};
-    double height = metrics().iconSize * ChipViewStyle::badgeHeight;
-    double overhang = height * ChipViewStyle::badgeOverhang;
-    double width = std::min(pillWidth(*badge, height), height * ChipViewStyle::badgeMaximumWidth);
-    // Never past the chip: beyond it lies the next one.
-    double x = std::min(icon.maxX() + overhang - width, bounds().width - width);
-    return {std::max(0.0, x), icon.y - overhang, width, height};
+    return itemMarks::badgeRect(m_text, *badge, icon, bounds().width, metrics());
 }
 
 /// On the icon's lower leading corner: the others have the badge, or the count of a group.
@@ -285,30 +260,12 @@ void ChipView::paintGround(Canvas& canvas, const Parts& layout) const
     if (isFocusShown && !isPressed())
         fill = isLit() ? colors.focusedHoveredFill : colors.focusedFill;
     canvas.fillRounded(layout.face, radius, fill);
-    paintProgress(canvas, layout);
-    if (wantsAttention(m_item)) {
-        double strength
-            = ChipViewStyle::attentionRest + (1 - ChipViewStyle::attentionRest) * m_pulse;
-        canvas.fillRounded(
-            layout.face, radius, colors.attention.withAlpha(colors.attention.alpha * strength));
-    }
+    itemMarks::paintProgress(canvas, layout.face, radius,
+        fieldOf(m_item, [](auto& data) { return data.progress; }), isRightToLeft(), colors);
+    if (wantsAttention(m_item))
+        itemMarks::paintAttention(canvas, layout.face, radius, m_pulse, colors);
     if (isFocusShown || isLit() || colors.hasEdges)
         canvas.strokeRounded(layout.face, radius, ChipViewStyle::edgeWidth, colors.edge);
-}
-
-void ChipView::paintProgress(Canvas& canvas, const Parts& layout) const
-{
-    auto progress = fieldOf(m_item, [](auto& data) { return data.progress; });
-    if (!progress)
-        return;
-    auto done = layout.face;
-    done.width *= std::clamp(*progress, 0.0, 1.0);
-    if (isRightToLeft())
-        done.x = layout.face.maxX() - done.width;
-    canvas.save();
-    canvas.clip(done);
-    canvas.fillRounded(layout.face, metrics().chipCornerRadius, palette().progress);
-    canvas.restore();
 }
 
 /// A colour that leaves no room for quieter text.
@@ -316,17 +273,6 @@ bool ChipView::hasWash() const
 {
     return wantsAttention(m_item)
         || fieldOf(m_item, [](auto& data) { return data.progress.has_value(); });
-}
-
-void ChipView::paintPill(Canvas& canvas, const Rect& rect, std::string_view text, const Color& fill,
-    const Color& ink) const
-{
-    canvas.fillRounded(rect, rect.height / 2, fill);
-    canvas.drawText(text, rect,
-        {.size = rect.height * ChipViewStyle::pillTextSize,
-            .weight = FontWeight::semibold,
-            .color = ink,
-            .alignment = TextAlignment::centre});
 }
 
 void ChipView::paintItem(Canvas& canvas) const
@@ -349,11 +295,11 @@ void ChipView::paintItem(Canvas& canvas) const
                 .color = isDimmed && !hasWash() ? colors.quietText : colors.text});
     }
     if (!layout.count.isEmpty())
-        paintPill(canvas, layout.count, count(), colors.countFill, colors.text);
+        itemMarks::paintPill(canvas, layout.count, count(), colors.countFill, colors.text);
     if (!layout.badge.isEmpty()) {
         auto& badge = fieldOf(
             m_item, [](auto& data) -> auto& { return data.badge; });
-        paintPill(canvas, layout.badge, *badge, colors.badge, colors.badgeText);
+        itemMarks::paintPill(canvas, layout.badge, *badge, colors.badge, colors.badgeText);
     }
     if (!layout.news.isEmpty()) {
         auto edge = layout.news.inset(-ChipViewStyle::newsEdge, -ChipViewStyle::newsEdge);

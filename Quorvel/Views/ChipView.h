@@ -29,8 +29,8 @@ public:
     using RowItem::hasKeyFocus;
     using RowItem::isHovered;
     void setItem(const DisplayItem&);
-    /// How strongly a request for attention shows now, from 0 to 1.
-    void setPulse(double strength);
+    void setPulse(double strength) override;
+    bool asksForAttention() const override { return wantsAttention(m_item); }
     void setTitle(Title title) { set(m_title, title); }
     /// The row is wide enough for titles.
     void setHasRoomForTitle(bool hasRoom) { set(m_hasRoomForTitle, hasRoom); }
@@ -76,12 +76,9 @@ private:
     void paintItem(Canvas&) const override;
     void paintGround(Canvas&, const Parts&) const;
     bool hasWash() const;
-    void paintProgress(Canvas&, const Parts&) const;
-    void paintPill(Canvas&, const Rect&, std::string_view, const Color& fill, const Color&) const;
     Parts parts() const;
     Rect badgeRect(const Rect& icon) const;
     Rect newsRect(const Rect& icon) const;
-    double pillWidth(std::string_view, double height) const;
     double countWidth() const;
     double countHeight() const;
     std::string count() const;

@@ -4,31 +4,17 @@
 #include <cmath>
 #include <utility>
 
+#include "Quorvel/Views/ChipsRowItems.h"
+#include "Quorvel/Views/Kit/Palette.h"
+
 namespace quorvel {
 
 namespace {
 
-constexpr double kDragScrollSpeed = 400; ///< points a second
 constexpr int kMostNumbers = 9;
-
-// What is dragged may be anywhere on the bar.
-constexpr Rect kAnywhere{-1e6, -1e6, 2e6, 2e6};
+constexpr double kPinMarkWidth = 2;
 
 }
-
-/// Where pins and chips are seen.
-class ChipsRow::Items final : public View {
-public:
-    /// One of them is dragged out, above everything else.
-    void setFree(bool isFree) { m_isFree = isFree; }
-
-private:
-    bool clipsChildren() const override { return true; }
-    bool isLifted() const override { return m_isFree; }
-    Rect paintFrame() const override { return m_isFree ? kAnywhere : frame(); }
-
-    bool m_isFree = false;
-};
 
 ChipsRow::ChipsRow(
     const Palette& palette, const BarMetrics& metrics, const Text& text, Dispatch& dispatch)
@@ -40,8 +26,10 @@ ChipsRow::ChipsRow(
     , m_scroll(*this, palette, dispatch)
     , m_pulse(dispatch,
           [this](double strength) {
-              for (auto& id : m_asking)
-                  m_chips.at(id)->setPulse(strength);
+              for (auto& id : m_asking) {
+                  if (auto* asking = item(id))
+                      asking->setPulse(strength);
+              }
           })
     , m_motion(dispatch)
 {
@@ -54,16 +42,40 @@ ChipsRow::~ChipsRow() = default;
 
 void ChipsRow::setItems(const std::vector<DisplayItem>& items)
 {
-    bool hasNew = updateChips(items);
-    bool isOther = m_slots.setItems(items, isHeld());
-    if (hasNew || isOther)
+    bool isOther = updateChips(items);
+    isOther |= updateStandIns(items);
+    std::set<std::string> placed;
+    for (auto& [pin, chip] : m_standIns)
+        placed.insert(chip);
+    isOther |= m_slots.setItems(items, isHeld(), placed);
+    if (isOther)
         layout();
+}
+
+bool ChipsRow::updateStandIns(const std::vector<DisplayItem>& items)
+{
+    if (!isHeld())
+        return !std::exchange(m_standIns, {}).empty();
+    auto before = m_standIns;
+    std::erase_if(m_standIns, [this](auto& entry) { return !m_chips.contains(entry.second); });
+    for (auto& item : items) {
+        auto id = displayItemID(item);
+        auto pin = m_chips.at(id)->bundleID();
+        if (!m_slots.contains(id) && std::ranges::find(m_pinOrder, pin) != m_pinOrder.end())
+            m_standIns.try_emplace(std::move(pin), std::move(id));
+    }
+    return m_standIns != before;
+}
+
+const std::string& ChipsRow::shownFor(const std::string& pin) const
+{
+    auto standIn = m_standIns.find(pin);
+    return standIn == m_standIns.end() ? pin : standIn->second;
 }
 
 bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
 {
     std::set<std::string> present;
-    std::set<std::string> asking;
     bool hasNew = false;
     for (auto& item : items) {
         auto id = displayItemID(item);
@@ -71,8 +83,6 @@ bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
         hasNew |= known == m_chips.end();
         auto& chip = known == m_chips.end() ? makeChip(id) : *known->second;
         chip.setItem(item);
-        if (wantsAttention(item))
-            asking.insert(id);
         present.insert(std::move(id));
     }
     if (m_drag && m_dragKind == DragKind::chip && !present.contains(m_drag->draggedID()))
@@ -83,7 +93,7 @@ bool ChipsRow::updateChips(const std::vector<DisplayItem>& items)
         m_items.removeChild(*entry.second);
         return true;
     });
-    updatePulse(std::move(asking));
+    updatePulse();
     return hasNew;
 }
 
@@ -100,6 +110,7 @@ void ChipsRow::setPins(const std::vector<PinData>& pins)
         else
             view->setLaunching(false);
     }
+    updatePulse();
 }
 
 void ChipsRow::updatePins()
@@ -116,12 +127,22 @@ void ChipsRow::updatePins()
         m_items.removeChild(*entry.second);
         return true;
     });
+    updatePulse();
     if (std::exchange(m_pinOrder, order) != order)
         layout();
 }
 
-void ChipsRow::updatePulse(std::set<std::string> asking)
+void ChipsRow::updatePulse()
 {
+    std::set<std::string> asking;
+    for (auto& [id, chip] : m_chips) {
+        if (chip->asksForAttention())
+            asking.insert(id);
+    }
+    for (auto& [id, pin] : m_pins) {
+        if (pin->asksForAttention())
+            asking.insert(id);
+    }
     bool hasNew = !std::includes(m_asking.begin(), m_asking.end(), asking.begin(), asking.end());
     m_asking = std::move(asking);
     if (m_asking.empty())
@@ -155,7 +176,7 @@ ChipView& ChipsRow::makeChip(const std::string& id)
 
 PinView& ChipsRow::makePin(const std::string& bundleID)
 {
-    auto& pin = m_items.addChild(std::make_unique<PinView>(m_palette, m_metrics));
+    auto& pin = m_items.addChild(std::make_unique<PinView>(m_palette, m_metrics, m_text));
     pin.setRightToLeft(m_isRightToLeft);
     pin.onTapped = [this, &pin] {
         if (onPin.clicked)
@@ -228,6 +249,7 @@ void ChipsRow::settle()
 {
     if (isHeld())
         return;
+    m_standIns.clear();
     updatePins();
     m_slots.settle();
     layout();
@@ -270,7 +292,7 @@ void ChipsRow::layout()
     double x = 0;
     m_places.clear();
     for (auto& id : m_pinOrder) {
-        m_places[id] = x;
+        m_places[id] = m_places[shownFor(id)] = x;
         x += pinWidth + m_metrics.chipSpacing;
     }
     if (!m_pinOrder.empty() && !m_slots.slots().empty())
@@ -294,6 +316,8 @@ void ChipsRow::layout()
         m_chips, [this](auto& entry) { return m_chipWidth >= entry.second->leastTitledWidth(); });
     for (auto& [id, chip] : m_chips)
         chip->setHasRoomForTitle(haveTitles);
+    for (auto& [pin, chip] : m_standIns)
+        m_chips.at(chip)->setHasRoomForTitle(false);
     m_scroll.setContent(std::max(0.0, x - m_metrics.chipSpacing),
         std::max(m_chipWidth, pinWidth) + m_metrics.chipSpacing);
     placeAll();
@@ -308,14 +332,27 @@ void ChipsRow::placeAll()
         auto moving = m_shown.find(id);
         return moving == m_shown.end() ? m_places.at(id) : moving->second;
     };
-    for (auto& id : m_pinOrder)
-        place(*m_pins.at(id), shownAt(id), ChipView::iconWidth(m_metrics));
+    placePins();
     for (auto& id : m_slots.slots()) {
         if (auto chip = m_chips.find(id); chip != m_chips.end())
             place(*chip->second, shownAt(id), m_chipWidth);
     }
     if (auto* host_ = host())
         host_->viewsDidMove();
+}
+
+void ChipsRow::placePins()
+{
+    for (auto& pin : m_pinOrder) {
+        auto& shown = shownFor(pin);
+        if (shown != pin)
+            m_pins.at(pin)->setFrame({});
+        auto moving = m_shown.find(shown);
+        if (moving == m_shown.end())
+            moving = m_shown.find(pin);
+        place(*item(shown), moving == m_shown.end() ? m_places.at(pin) : moving->second,
+            ChipView::iconWidth(m_metrics));
+    }
 }
 
 void ChipsRow::place(View& view, double slot, double width)
@@ -333,11 +370,11 @@ void ChipsRow::reveal(const View& view)
 std::vector<RowItem*> ChipsRow::itemsInOrder() const
 {
     std::vector<RowItem*> items;
-    for (auto* order : {&m_pinOrder, &m_slots.slots()}) {
-        for (auto& id : *order) {
-            if (auto* found = item(id))
-                items.push_back(found);
-        }
+    for (auto& pin : m_pinOrder)
+        items.push_back(item(shownFor(pin)));
+    for (auto& id : m_slots.slots()) {
+        if (auto* found = item(id))
+            items.push_back(found);
     }
     return items;
 }
@@ -371,9 +408,23 @@ RowItem* ChipsRow::item(const std::string& id) const
     return pin == m_pins.end() ? nullptr : pin->second;
 }
 
+/// The gap among the pins where the dragged chip would become one.
+void ChipsRow::paint(Canvas& canvas) const
+{
+    if (!m_pinPlace)
+        return;
+    double slot = static_cast<double>(*m_pinPlace)
+        * (ChipView::iconWidth(m_metrics) + m_metrics.chipSpacing);
+    double left = std::max(0.0, slot - (m_metrics.chipSpacing + kPinMarkWidth) / 2);
+    left += m_items.frame().x - m_scroll.offset();
+    Rect mark = bounds().centred({kPinMarkWidth, m_metrics.chipHeight});
+    mark.x = m_isRightToLeft ? bounds().width - left - kPinMarkWidth : left;
+    canvas.fillRounded(mark, kPinMarkWidth / 2, m_palette.accent);
+}
+
 Rect ChipsRow::paintFrame() const
 {
-    return m_drag ? kAnywhere : frame();
+    return m_drag ? Items::kAnywhere : frame();
 }
 
 Rect ChipsRow::visibleFrame(const View& view) const
@@ -386,6 +437,10 @@ Rect ChipsRow::visibleFrame(const View& view) const
 std::vector<std::pair<std::string, Rect>> ChipsRow::chipFrames() const
 {
     std::vector<std::pair<std::string, Rect>> frames;
+    for (auto& pin : m_pinOrder) {
+        if (auto chip = m_chips.find(shownFor(pin)); chip != m_chips.end())
+            frames.emplace_back(chip->first, visibleFrame(*chip->second));
+    }
     for (auto& id : m_slots.slots()) {
         if (auto chip = m_chips.find(id); chip != m_chips.end())
             frames.emplace_back(id, visibleFrame(*chip->second));
@@ -396,162 +451,11 @@ std::vector<std::pair<std::string, Rect>> ChipsRow::chipFrames() const
 std::vector<std::pair<std::string, Rect>> ChipsRow::pinFrames() const
 {
     std::vector<std::pair<std::string, Rect>> frames;
-    for (auto& id : m_pinOrder)
-        frames.emplace_back(id, visibleFrame(*m_pins.at(id)));
+    for (auto& id : m_pinOrder) {
+        if (!m_standIns.contains(id))
+            frames.emplace_back(id, visibleFrame(*m_pins.at(id)));
+    }
     return frames;
-}
-
-// MARK: Dragging
-
-std::function<void(DragPhase, const DragMove&)> ChipsRow::dragOf(
-    RowItem& item, const std::string& id, DragKind kind)
-{
-    return [this, &item, id, kind](DragPhase phase, const DragMove& move) {
-        if (!m_drag && phase == DragPhase::moved)
-            beginDrag(item, id, kind);
-        if (!m_drag || m_drag->draggedID() != id)
-            return;
-        if (phase == DragPhase::moved)
-            moveDrag(item, move);
-        else
-            endDrag(item, phase);
-    };
-}
-
-void ChipsRow::beginDrag(RowItem& lifted, const std::string& id, DragKind kind)
-{
-    ReorderDrag::Frames frames;
-    std::vector<std::string> visible;
-    for (auto& other : kind == DragKind::chip ? m_slots.slots() : m_pinOrder) {
-        if (auto* sibling = item(other)) {
-            frames[other] = {m_places.at(other), 0, sibling->frame().width, bounds().height};
-            visible.push_back(other);
-        }
-    }
-    m_motion.stop();
-    m_scroll.stop();
-    m_shown.clear();
-    m_dragKind = kind;
-    m_scrollBeforeDrag = m_scroll.offset();
-    m_drag.emplace(id, std::move(frames), std::move(visible));
-    m_items.raiseChild(lifted);
-    m_items.setFree(true);
-    lifted.setLifted(true);
-}
-
-void ChipsRow::moveDrag(RowItem& lifted, const DragMove& move)
-{
-    int before = m_drag->insertionIndex();
-    m_dragMove = move;
-    auto& [x, y] = move.translation;
-    m_drag->setTranslation(
-        {(m_isRightToLeft ? -x : x) + m_scroll.offset() - m_scrollBeforeDrag, y});
-    auto& id = m_drag->draggedID();
-    m_shown[id] = m_drag->draggedX();
-    if (m_drag->insertionIndex() != before)
-        animateTo(m_drag->slotsOfOthers(), kMakeRoom);
-    lifted.invalidateLifted();
-    place(lifted, m_shown[id], lifted.frame().width);
-    lifted.invalidateLifted();
-    if (m_dragKind == DragKind::chip && onChip.dragged)
-        onChip.dragged(*m_chips.at(id), move.pointer);
-    scrollForDrag(lifted);
-}
-
-void ChipsRow::scrollForDrag(RowItem& lifted)
-{
-    double leading = m_drag->draggedX() - m_scroll.offset();
-    bool isAtStart = leading < 0 && m_scroll.offset() > 0;
-    bool isAtEnd
-        = leading + lifted.frame().width > bounds().width && m_scroll.offset() < m_scroll.maximum();
-    if (!isAtStart && !isAtEnd) {
-        m_dragScroll = {};
-        return;
-    }
-    if (m_dragScroll.isPending())
-        return;
-    m_dragScroll = m_dispatch.main().after(m_frameInterval, [this, &lifted, isAtStart] {
-        m_dragScroll = {};
-        double step = kDragScrollSpeed * std::chrono::duration<double>(m_frameInterval).count();
-        m_scroll.scrollBy(isAtStart ? -step : step);
-        moveDrag(lifted, m_dragMove);
-    });
-}
-
-void ChipsRow::endDrag(RowItem& lifted, DragPhase phase)
-{
-    lifted.invalidateLifted(); // while it may still paint outside the row
-    auto drag = *std::exchange(m_drag, std::nullopt);
-    m_dragScroll = {};
-    lifted.setLifted(false);
-    m_items.setFree(false);
-    auto* chip = m_dragKind == DragKind::chip ? m_chips.at(drag.draggedID()) : nullptr;
-    bool isDropped = phase == DragPhase::dropped;
-    if (isDropped && chip && onChip.dropped && onChip.dropped(*chip, m_dragMove.pointer))
-        isDropped = false; // on something else
-    if (isDropped && chip) {
-        m_slots.arrange(drag.previewOrder());
-        if (onChip.moved)
-            onChip.moved(
-                drag.draggedID(), drag.dropTargetID([this](auto& id) { return item(id); }));
-    } else if (isDropped) {
-        m_pinOrder = drag.previewOrder();
-        if (onPin.moved)
-            onPin.moved(drag.draggedID(), drag);
-    }
-    if (chip)
-        chipDragEnded(*chip);
-    layout();
-    std::map<std::string, double> targets;
-    for (auto& [id, x] : m_shown) {
-        if (m_places.contains(id))
-            targets[id] = m_places.at(id);
-    }
-    animateTo(std::move(targets), kFallIntoPlace);
-}
-
-void ChipsRow::chipDragEnded(const ChipView& chip)
-{
-    if (onChip.dragEnded)
-        onChip.dragEnded();
-    // What the pointer left during the drag has not been told yet.
-    if (!chip.isHovered() && onChip.hovered)
-        onChip.hovered(chip, false);
-}
-
-/// The dragged one is about to vanish.
-void ChipsRow::abandonDrag()
-{
-    if (auto* dragged = item(m_drag->draggedID()))
-        dragged->invalidateLifted();
-    bool wasChip = m_dragKind == DragKind::chip;
-    m_drag.reset();
-    m_items.setFree(false);
-    m_dragScroll = {};
-    m_motion.stop();
-    m_shown.clear();
-    placeAll();
-    if (wasChip && onChip.dragEnded)
-        onChip.dragEnded();
-}
-
-void ChipsRow::animateTo(std::map<std::string, double> targets, Duration length)
-{
-    std::map<std::string, std::pair<double, double>> ways;
-    for (auto& [id, to] : targets) {
-        auto moving = m_shown.find(id);
-        ways[id] = {moving == m_shown.end() ? m_places[id] : moving->second, to};
-    }
-    m_motion.start(m_reducesMotion ? Duration::zero() : length, m_frameInterval,
-        [this, ways = std::move(ways)](double share) {
-            for (auto& [id, way] : ways)
-                m_shown[id] = way.first + (way.second - way.first) * share;
-            if (share == 1 && !m_drag)
-                m_shown.clear();
-            placeAll();
-            if (share == 1 && !m_drag)
-                settle();
-        });
 }
 
 }

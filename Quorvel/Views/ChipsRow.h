@@ -21,9 +21,10 @@
 namespace quorvel {
 
 /// The row of pins and chips. Targets hold still while the pointer is over the row: a chip that
-/// goes leaves an empty slot, a new one is added at the end, and pins neither come nor go; an
-/// application whose windows become a group, or a single one, keeps its slot. The row closes up
-/// when the pointer leaves; until then a row without room for a new chip continues out of sight.
+/// goes leaves an empty slot, a new one is added at the end, or takes the place of its
+/// application's pin, and pins neither come nor go; an application whose windows become a group, or
+/// a single one, keeps its slot. The row closes up when the pointer leaves; until then a row
+/// without room for a new chip continues out of sight.
 ///
 /// Chips shrink down to their icons, which are told apart more easily than titles of three letters;
 /// then the row scrolls, with an arrow beside them at each end where there is more. Chips and pins
@@ -44,6 +45,10 @@ public:
         std::function<bool(const ChipView&, Point)> dropped;
         std::function<void()> dragEnded;
         std::function<void(const std::string& id, std::optional<std::string> before)> moved;
+        /// Whether it would become a pin, or its pin move, if it were dropped among the pins.
+        std::function<bool(const ChipView&)> canPin;
+        /// Dropped before that pin, or behind the last one.
+        std::function<void(const ChipView&, std::optional<std::string> beforePin)> pinned;
     };
     struct PinEvents {
         std::function<void(const PinView&)> clicked;
@@ -51,6 +56,8 @@ public:
         std::function<void(const PinView&, std::vector<std::string> paths)> filesDropped;
         /// The identifiers in this drag are bundle identifiers.
         std::function<void(const std::string& bundleID, const ReorderDrag&)> moved;
+        /// Dropped above the bar.
+        std::function<void(const PinView&)> removed;
     };
 
     /// All it is given outlives it; whoever changes the palette has all of it painted anew.
@@ -98,15 +105,22 @@ private:
 
     /// True if a chip was made that has no place yet.
     bool updateChips(const std::vector<DisplayItem>&);
+    /// While the row is held, the chip of a pin's application stands in the pin's place. True if
+    /// that changed something.
+    bool updateStandIns(const std::vector<DisplayItem>&);
+    /// What is seen in the place of a pin.
+    const std::string& shownFor(const std::string& pin) const;
     ChipView& makeChip(const std::string& id);
     PinView& makePin(const std::string& bundleID);
     void updatePins();
     void settle();
     bool isHeld() const { return m_isHovered || m_drag; }
-    void updatePulse(std::set<std::string> asking);
+    void updatePulse();
 
     void reveal(const View&) override;
+    void paint(Canvas&) const override;
     void placeAll();
+    void placePins();
     void place(View&, double slot, double width);
     void numberItems();
     std::vector<RowItem*> itemsInOrder() const;
@@ -121,6 +135,12 @@ private:
     /// While the dragged one is held at an end of the row, what is beyond comes into sight.
     void scrollForDrag(RowItem&);
     void endDrag(RowItem&, DragPhase);
+    /// True if that was the end of a drag which changes no order of its own kind.
+    bool dropElsewhere(const ReorderDrag&);
+    /// Where among the pins the dragged chip would become one.
+    std::optional<std::size_t> pinPlaceAt(Point inRoot, const ChipView&) const;
+    bool isAboveBar(Point inRoot) const;
+    void showDragTarget(const DragMove&);
     void chipDragEnded(const ChipView&);
     void abandonDrag();
     void animateTo(std::map<std::string, double> targets, Duration);
@@ -143,6 +163,7 @@ private:
     std::vector<PinData> m_wantedPins;
     std::vector<std::string> m_pinOrder; ///< as laid out, by identifier of the view
     std::map<std::string, PinView*> m_pins;
+    std::map<std::string, std::string> m_standIns; ///< the chip, by the pin it stands in for
     std::map<std::string, double> m_places; ///< left edge of each slot, as if not scrolled
     std::map<std::string, double> m_shown; ///< current position of chips that are moving
     std::optional<ReorderDrag> m_drag;
@@ -150,7 +171,8 @@ private:
     DragMove m_dragMove;
     double m_scrollBeforeDrag = 0;
     std::set<std::string> m_open; ///< what they opened is on the screen
-    std::set<std::string> m_asking; ///< the chips that want attention
+    std::optional<std::size_t> m_pinPlace; ///< where the dragged chip would become a pin
+    std::set<std::string> m_asking; ///< the items that want attention
     AttentionPulse m_pulse;
     Animation m_motion;
     WorkItem m_dragScroll;

@@ -20,6 +20,9 @@ public:
 
     /// Of its application; empty if it has none.
     virtual std::string bundleID() const = 0;
+    virtual bool asksForAttention() const = 0;
+    /// How strongly a request for attention shows now, from 0 to 1.
+    virtual void setPulse(double strength) = 0;
 
     /// It follows the pointer along the bar, above the others; the bar's window ends a few points
     /// above it.

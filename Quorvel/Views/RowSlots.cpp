@@ -24,12 +24,13 @@ bool isGroup(std::string_view chipID)
 
 }
 
-bool RowSlots::setItems(const std::vector<DisplayItem>& items, bool isHeld)
+bool RowSlots::setItems(const std::vector<DisplayItem>& items, bool isHeld,
+    const std::set<std::string>& placedElsewhere)
 {
     m_order.clear();
     for (auto& item : items)
         m_order.push_back(displayItemID(item));
-    auto slots = isHeld ? heldSlots(items) : m_order;
+    auto slots = isHeld ? heldSlots(items, placedElsewhere) : m_order;
     for (auto& item : items)
         m_applications[displayItemID(item)] = application(item);
     if (slots == m_slots)
@@ -50,14 +51,20 @@ void RowSlots::arrange(std::vector<std::string> order)
     m_slots = std::move(order);
 }
 
-std::vector<std::string> RowSlots::heldSlots(const std::vector<DisplayItem>& items) const
+bool RowSlots::contains(const std::string& id) const
+{
+    return std::ranges::find(m_slots, id) != m_slots.end();
+}
+
+std::vector<std::string> RowSlots::heldSlots(
+    const std::vector<DisplayItem>& items, const std::set<std::string>& placedElsewhere) const
 {
     std::set<std::string_view> present(m_order.begin(), m_order.end());
     std::set<std::string_view> placed(m_slots.begin(), m_slots.end());
     auto slots = m_slots;
     for (std::size_t index = 0; index < items.size(); ++index) {
         auto& id = m_order[index];
-        if (placed.contains(id))
+        if (placed.contains(id) || placedElsewhere.contains(id))
             continue;
         auto isEmpty = [&](auto& slot) { return !present.contains(slot); };
         auto slot = std::ranges::find_if(slots, [&](auto& old) {

@@ -14,8 +14,11 @@ namespace quorvel {
 /// become a group, or a single one, keeps its slot. Values only.
 class RowSlots {
 public:
-    /// True if the slots changed.
-    bool setItems(const std::vector<DisplayItem>&, bool isHeld);
+    /// True if the slots changed. Items that have a place elsewhere get no slot while the row is
+    /// held.
+    bool setItems(const std::vector<DisplayItem>&, bool isHeld,
+        const std::set<std::string>& placedElsewhere = {});
+    bool contains(const std::string& id) const;
     /// No longer held: just the items, in their own order.
     void settle() { m_slots = m_order; }
     /// In the user's order; items that it does not name come last.
@@ -25,7 +28,8 @@ public:
     const std::vector<std::string>& slots() const { return m_slots; }
 
 private:
-    std::vector<std::string> heldSlots(const std::vector<DisplayItem>&) const;
+    std::vector<std::string> heldSlots(
+        const std::vector<DisplayItem>&, const std::set<std::string>& placedElsewhere) const;
 
     std::vector<std::string> m_order; ///< of the latest items
     std::vector<std::string> m_slots;
