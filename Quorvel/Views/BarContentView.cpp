@@ -158,6 +158,13 @@ void BarContentView::partDidChange(Part part)
 {
     if (!m_isShown)
         return void(m_stale.insert(part));
+    update(part);
+    if (onShownChanged)
+        onShownChanged();
+}
+
+void BarContentView::update(Part part)
+{
     switch (part) {
     case Part::appearance:
         return appearanceDidChange();

@@ -49,6 +49,8 @@ public:
     void setShown(bool);
 
     std::function<void(bool isHovered)> onChipsAreaHoverChanged;
+    /// What its views show may be other than before.
+    std::function<void()> onShownChanged;
     /// Opens a menu beside a rectangle (points of the bar, origin top left).
     std::function<void(Menu, const Rect&, std::function<void(MenuEnding)> onClosed)>
         onMenuRequested;
@@ -102,6 +104,7 @@ private:
     void connectPopups();
     void subscribe();
     void partDidChange(Part);
+    void update(Part);
     void itemsDidChange();
     void pinsDidChange();
     void pinStatesDidChange();

@@ -23,6 +23,7 @@ void BarHostingView::setContent(std::unique_ptr<View> content)
 {
     cancelPress();
     m_hovered.clear();
+    setPointedAt(nullptr);
     m_filesOver = nullptr;
     bool hadKeyboard = std::exchange(m_keyFocused, nullptr);
     m_keyFocusBefore = nullptr;
@@ -61,6 +62,8 @@ void BarHostingView::viewNeedsPaint(const Rect& rect)
 void BarHostingView::viewWillVanish(const View& view)
 {
     std::erase_if(m_hovered, [&](auto* hovered) { return hovered->isWithin(view); });
+    if (m_pointedAt && m_pointedAt->isWithin(view))
+        setPointedAt(nullptr);
     for (auto* pointer : {&m_pressed, &m_filesOver, &m_keyFocused, &m_keyFocusBefore}) {
         if (*pointer && (*pointer)->isWithin(view))
             *pointer = nullptr;
@@ -113,6 +116,8 @@ void BarHostingView::press(const PointerEvent& event)
 {
     if (m_pressedButton != PointerButton::none || event.button == PointerButton::none)
         return;
+    if (onUsed)
+        onUsed();
     auto* view = m_content ? m_content->hitTest(event.location) : nullptr;
     m_pressedButton = event.button;
     m_pressPlace = event.location;
@@ -201,10 +206,23 @@ void BarHostingView::updateHover()
         if (std::find(before.begin(), before.end(), view) == before.end())
             view->pointerEntered();
     }
+    if (m_pressedButton != PointerButton::none)
+        return; // until it is released
+    auto deepest = std::find_if(
+        m_hovered.rbegin(), m_hovered.rend(), [](auto* view) { return view->takesPointer(); });
+    setPointedAt(deepest == m_hovered.rend() ? nullptr : *deepest);
+}
+
+void BarHostingView::setPointedAt(const View* view)
+{
+    if (std::exchange(m_pointedAt, view) != view && onPointedAt)
+        onPointedAt(view);
 }
 
 void BarHostingView::scrollEvent(const ScrollEvent& event)
 {
+    if (onUsed)
+        onUsed();
     auto path = m_content ? m_content->pathTo(event.location) : std::vector<View*>{};
     if (std::any_of(path.rbegin(), path.rend(), [&](auto* view) { return view->scrolled(event); }))
         return;
@@ -342,6 +360,8 @@ void BarHostingView::walkFromTheEdge(int step)
 
 bool BarHostingView::keyPressed(const KeyEvent& event)
 {
+    if (onUsed)
+        onUsed();
     if (m_hasKeyboardForDrag) {
         if (event.keyCode == KeyCode::escape)
             abandonDrag();

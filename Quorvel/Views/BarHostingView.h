@@ -38,6 +38,11 @@ public:
     std::function<void(double distance, ScrollUnit)> onScrollSideways;
     /// The pointer entered the surface or left it.
     std::function<void(bool)> onHoverChanged;
+    /// The deepest view under the pointer that takes it is another one now, or there is none: null.
+    /// A view that vanishes is told of before that.
+    std::function<void(const View*)> onPointedAt;
+    /// A button or a key has gone down, or a wheel was turned.
+    std::function<void()> onUsed;
     /// Whether the views run from right to left; if unset, they do not.
     std::function<bool()> isRightToLeft;
     /// Gives the surface the keyboard; returns whether it now has it; if unset, it never does.
@@ -81,6 +86,7 @@ private:
     void abandonDrag();
     void pressDidEnd();
     void updateHover();
+    void setPointedAt(const View*);
     std::vector<View*> viewsUnderPointer() const;
     void setFilesOver(View*);
     void followKeyboard(bool hasKeyboard);
@@ -98,6 +104,7 @@ private:
     Size m_size;
     std::optional<Point> m_pointer; ///< absent while it is elsewhere
     std::vector<View*> m_hovered; ///< the views under the pointer, from the root to the leaf
+    const View* m_pointedAt = nullptr;
     View* m_pressed = nullptr;
     Point m_pressPlace;
     bool m_hasKeyboardForDrag = false;

@@ -11,6 +11,7 @@ BarPanel::BarPanel(
     , m_platform(platform)
     , m_menus(menus)
     , m_surface(platform.surfaces.createPanel(options, m_hostingView))
+    , m_tooltips(platform, *m_surface, options.display)
 {
     m_hostingView.attach(*m_surface);
     m_hostingView.onScroll = [this](const ScrollEvent& event) {
@@ -28,6 +29,8 @@ BarPanel::BarPanel(
         if (!hasKeyboard && m_content)
             m_content->keyboardDidLeave();
     };
+    m_hostingView.onPointedAt = [this](const View* view) { m_tooltips.pointAt(view); };
+    m_hostingView.onUsed = [this] { m_tooltips.dismiss(); };
     m_hostingView.onHoverChanged = [this](bool isHovered) {
         m_isHovered = isHovered;
         updateKeying();
@@ -39,6 +42,7 @@ BarPanel::~BarPanel()
     // A surface that goes tells of the pointer that was over it.
     m_hostingView.onHoverChanged = nullptr;
     m_hostingView.onKeyboardChanged = nullptr;
+    m_hostingView.onPointedAt = nullptr;
     m_hostingView.setContent(nullptr);
 }
 
@@ -85,8 +89,10 @@ std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& con
         BarContentView::Inputs{contents, m_platform, *m_surface, spaceID(), display()});
     view->onMenuRequested
         = [this](Menu menu, const Rect& anchor, std::function<void(MenuEnding)> onClosed) {
+              m_tooltips.dismiss();
               m_menus.popUp(*m_surface, std::move(menu), anchor, std::move(onClosed));
           };
+    view->onShownChanged = [this] { m_tooltips.update(); };
     view->onChipsAreaHoverChanged = [this](bool areHovered) {
         m_areChipsHovered = areHovered;
         updateKeying();
@@ -102,6 +108,8 @@ void BarPanel::clear()
 
 void BarPanel::setShown(bool isShown)
 {
+    if (!isShown)
+        m_tooltips.dismiss();
     if (m_content)
         m_content->setShown(isShown);
 }
@@ -114,6 +122,7 @@ void BarPanel::useItem(std::size_t place, ItemUse use)
 
 void BarPanel::dismissPopups()
 {
+    m_tooltips.dismiss();
     if (m_content)
         m_content->dismissThumbnailPopupImmediate();
 }

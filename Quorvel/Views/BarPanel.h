@@ -6,6 +6,7 @@
 #include "Quorvel/Platform/Surfaces.h"
 #include "Quorvel/Views/BarContentView.h"
 #include "Quorvel/Views/BarHostingView.h"
+#include "Quorvel/Views/Tooltips.h"
 
 namespace quorvel {
 
@@ -34,6 +35,7 @@ public:
     const BarContentView* content() const { return m_content; }
     /// The view that the keyboard walk has reached; null if the keyboard is elsewhere.
     const View* keyFocusedView() const { return m_hostingView.keyFocusedView(); }
+    const Tooltips& tooltips() const { return m_tooltips; }
 
 private:
     std::unique_ptr<BarContentView> makeContentView(const BarContents&);
@@ -44,7 +46,8 @@ private:
     Menus& m_menus;
     BarHostingView m_hostingView;
     BarContentView* m_content = nullptr;
-    std::unique_ptr<PanelSurface> m_surface; ///< last: it calls the hosting view
+    std::unique_ptr<PanelSurface> m_surface; ///< after the hosting view, which it calls
+    Tooltips m_tooltips;
     bool m_allowBecomeKey = false;
     bool m_isHovered = false;
     bool m_areChipsHovered = false;

@@ -21,6 +21,7 @@ public:
 
     std::string accessibleID() const override { return "menu"; }
     AccessibleState accessibleState() const override;
+    std::string tooltip() const override { return accessibleState().name; }
 
 private:
     void clicked(PointerButton) override;

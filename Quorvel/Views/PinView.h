@@ -45,6 +45,7 @@ public:
 
     std::string accessibleID() const override { return "pin-" + m_pin.bundleID; }
     AccessibleState accessibleState() const override;
+    std::string tooltip() const override { return m_pin.name; }
 
 private:
     void paintItem(Canvas&) const override;

@@ -20,6 +20,7 @@ public:
     {
         return buttonState(tr("Show Desktop"), tr("Show Desktop"));
     }
+    std::string tooltip() const override { return accessibleState().name; }
 
 private:
     void paint(Canvas&) const override;

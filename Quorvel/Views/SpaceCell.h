@@ -19,6 +19,8 @@ public:
 
     std::string accessibleID() const override { return "space-" + std::to_string(raw(m_data.id)); }
     AccessibleState accessibleState() const override;
+    /// The cell shows only a number.
+    std::string tooltip() const override { return m_data.name; }
 
 private:
     void paint(Canvas&) const override;

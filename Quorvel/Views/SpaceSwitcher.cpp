@@ -30,6 +30,7 @@ public:
 
     std::string accessibleID() const override { return "space-list"; }
     AccessibleState accessibleState() const override { return menuButtonState(tr("Desktops")); }
+    std::string tooltip() const override { return accessibleState().name; }
 
 private:
     void paint(Canvas& canvas) const override

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/PointerEvent.h"
@@ -41,6 +42,8 @@ public:
     virtual void pressCancelled() { }
     /// Whether the press has become a drag, which Escape cancels.
     virtual bool isDragged() const { return false; }
+    /// What a pointer that rests on it is told; empty: nothing.
+    virtual std::string tooltip() const { return {}; }
     /// Of a view under the pointer, the deepest first. True: it is used.
     virtual bool scrolled(const ScrollEvent&) { return false; }
 };

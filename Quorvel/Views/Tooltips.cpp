@@ -1,0 +1,78 @@
+#include "Quorvel/Views/Tooltips.h"
+
+#include <algorithm>
+
+#include "Quorvel/Platform/Displays.h"
+#include "Quorvel/Views/Kit/View.h"
+
+namespace quorvel {
+
+Tooltips::Tooltips(const Platform& platform, const PanelSurface& bar, DisplayNumber display)
+    : m_platform(platform)
+    , m_bar(bar)
+    , m_display(display)
+{
+}
+
+void Tooltips::pointAt(const View* view)
+{
+    hide();
+    m_target = view && !view->tooltip().empty() ? view : nullptr;
+    if (!m_target)
+        return;
+    bool isNext
+        = m_lastSeen != Instant::min() && m_platform.dispatch.now() - m_lastSeen < kNextAtOnce;
+    if (isNext)
+        return show();
+    rest();
+    m_moves = m_platform.surfaces.monitorPointer(PointerScope::ownWindows, [this] {
+        if (m_showTimer.isPending())
+            rest();
+    });
+}
+
+void Tooltips::rest()
+{
+    m_showTimer = m_platform.dispatch.main().after(kShowDelay, [this] { show(); });
+}
+
+void Tooltips::update()
+{
+    if (m_panel && m_target->tooltip().empty())
+        dismiss();
+    else if (m_panel && m_target->tooltip() != m_text)
+        show();
+}
+
+void Tooltips::dismiss()
+{
+    hide();
+    m_target = nullptr;
+    m_lastSeen = Instant::min();
+}
+
+void Tooltips::show()
+{
+    m_showTimer = {};
+    m_moves = {};
+    auto screens = m_platform.displays.screens();
+    auto screen = std::ranges::find(screens, std::optional{m_display}, &Screen::number);
+    m_text = m_target->tooltip();
+    if (screen == screens.end() || m_text.empty() || !m_bar.isVisible())
+        return;
+    auto bar = m_bar.frame();
+    auto view = m_target->frameInRoot();
+    m_panel = std::make_unique<TooltipPanel>(m_platform, *screen, m_text,
+        Rect{bar.x + view.x, bar.maxY() - view.maxY(), view.width, view.height}, bar);
+}
+
+void Tooltips::hide()
+{
+    m_showTimer = {};
+    m_moves = {};
+    if (m_panel)
+        m_lastSeen = m_platform.dispatch.now();
+    m_panel.reset();
+}
+
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Views/TooltipPanel.h"
+
+namespace quorvel {
+
+class View;
+
+/// When the views of a bar say what they are: the first once the pointer has rested on it, the next
+/// ones at once while the pointer goes on from one to the other. A press, a key or a scroll ends
+/// it until the pointer comes to another view. Main thread.
+class Tooltips {
+public:
+    static constexpr Duration kShowDelay = seconds(0.25);
+    /// For so long after one has gone, the next shows at once: there are gaps between views.
+    static constexpr Duration kNextAtOnce = seconds(0.4);
+
+    /// Both outlive it.
+    Tooltips(const Platform&, const PanelSurface& bar, DisplayNumber);
+
+    /// The deepest view that takes the pointer; null: none does, or the last one has gone.
+    void pointAt(const View*);
+    /// What the view says may have changed.
+    void update();
+    /// The user does something: none is wanted now.
+    void dismiss();
+
+    /// Null while none is on the screen.
+    const TooltipPanel* panel() const { return m_panel.get(); }
+
+private:
+    void rest();
+    void show();
+    void hide();
+
+    const Platform& m_platform;
+    const PanelSurface& m_bar;
+    DisplayNumber m_display;
+    const View* m_target = nullptr; ///< null once it is not to show any
+    std::string m_text; ///< of the panel
+    std::unique_ptr<TooltipPanel> m_panel;
+    Instant m_lastSeen = Instant::min();
+    WorkItem m_showTimer;
+    Subscription m_moves;
+};
+
+}

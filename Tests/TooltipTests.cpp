@@ -1,0 +1,133 @@
+// When the views of the bar say what they are, and where, through real pointer events.
+#include "Quorvel/Views/Tooltips.h"
+
+#include "Tests/Support/BarFixture.h"
+
+namespace quorvel::test {
+
+namespace {
+
+struct TooltipTest : ThreeWindows {
+    TooltipTest()
+    {
+        pin("player");
+        pin("browser");
+        settle();
+    }
+    /// In one line; empty while there is none.
+    std::string shown()
+    {
+        std::string text;
+        for (auto& line : popup() ? popup()->render().texts() : std::vector<std::string>{})
+            text += (text.empty() ? "" : " ") + line;
+        return text;
+    }
+    void pointAt(const Rect& view) { panel().movePointer(view.centre()); }
+    Rect pinFrame(std::size_t index) { return content().pinFrames()[index].second; }
+    void rest() { desktop.advance(Tooltips::kShowDelay); }
+};
+
+}
+
+// Faults: nothing says what a symbol means; a pointer that passes leaves a trail of tooltips; each
+// next one has to be waited for; one that stays after the pointer has gone.
+TEST_F(TooltipTest, nameWhatThePointerRestsOn)
+{
+    auto idle = desktop.dispatch().pendingTimers();
+    pointAt(pinFrame(0));
+    desktop.advance(seconds(0.2));
+    panel().movePointer(pinFrame(0).centre().translated(2, 0));
+    desktop.advance(seconds(0.2));
+    EXPECT_EQ(shown(), "") << "it moved";
+    desktop.advance(seconds(0.05));
+    EXPECT_EQ(shown(), "player");
+    pointAt(pinFrame(1));
+    EXPECT_EQ(shown(), "browser");
+
+    pointAt(content().showDesktopButtonFrame());
+    EXPECT_EQ(shown(), "Show Desktop");
+    pointAt(content().menuButtonFrame());
+    EXPECT_EQ(shown(), "Applications");
+    pointAt(content().spaceListButtonFrame());
+    EXPECT_EQ(shown(), "Desktops");
+    pointAt(content().spaceCellFrames()[1].second);
+    EXPECT_EQ(shown(), "Desktop 2");
+
+    leave();
+    EXPECT_EQ(shown(), "");
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), idle);
+    desktop.advance(seconds(1));
+    pointAt(pinFrame(0));
+    EXPECT_EQ(shown(), "") << "the first of another row";
+}
+
+// Faults: a tooltip that lies on what is pointed at, or beyond the screen.
+TEST_F(TooltipTest, lieAboveTheBarAndOnTheScreen)
+{
+    auto screen = desktop.displays().screens().front().frame;
+    for (bool isRightToLeft : {false, true}) {
+        desktop.program().setAppearance({.isRightToLeft = isRightToLeft});
+        settle();
+        for (auto& frame :
+            {content().menuButtonFrame(), content().showDesktopButtonFrame(), pinFrame(0)}) {
+            pointAt(frame);
+            rest();
+            ASSERT_TRUE(popup());
+            EXPECT_GE(popup()->frame().y, panel().frame().maxY());
+            EXPECT_TRUE(screen.contains(popup()->frame()));
+            EXPECT_LT(std::abs(popup()->frame().centre().x - frame.centre().x), 60);
+        }
+        leave();
+        desktop.advance(seconds(1));
+    }
+}
+
+// Faults: one that comes back under a click, lies beside a menu, or over what is dragged; the words
+// read out twice.
+TEST_F(TooltipTest, goWithWhateverTheUserDoes)
+{
+    auto appears = [&] {
+        leave();
+        desktop.advance(seconds(1));
+        pointAt(pinFrame(1));
+        rest();
+        return shown() == "browser";
+    };
+    auto staysAway = [&] {
+        bool isGone = shown().empty();
+        desktop.advance(seconds(2));
+        return isGone && shown().empty();
+    };
+    ASSERT_TRUE(appears());
+    EXPECT_FALSE(popup()->accessibleRoot());
+    panel().press(pinFrame(1).centre());
+    EXPECT_TRUE(staysAway());
+    panel().movePointer({pinFrame(1).centre().x, -40});
+    panel().movePointer(pinFrame(1).centre());
+    EXPECT_TRUE(staysAway()) << "the button is still down";
+    panel().releaseUnheard(PointerButton::primary);
+    panel().losePointer();
+
+    ASSERT_TRUE(appears());
+    panel().press(pinFrame(1).centre(), PointerButton::secondary);
+    EXPECT_TRUE(staysAway());
+    desktop.surfaces().menu()->pressKey(KeyCode::escape);
+    panel().release(pinFrame(1).centre(), PointerButton::secondary);
+
+    ASSERT_TRUE(appears());
+    panel().takeKeyboard();
+    panel().pressKey(KeyCode::right);
+    EXPECT_TRUE(staysAway());
+    panel().releaseKeyboard();
+
+    ASSERT_TRUE(appears());
+    panel().scrollSideways(pinFrame(1).centre(), -1);
+    EXPECT_TRUE(staysAway());
+
+    ASSERT_TRUE(appears());
+    manager().pinStore().setPin("browser", PinDestination::bar, false);
+    leave();
+    EXPECT_TRUE(staysAway());
+}
+
+}
