@@ -82,6 +82,40 @@ TEST_F(TooltipTest, lieAboveTheBarAndOnTheScreen)
     }
 }
 
+// Faults: the end of a title is nowhere to be read where there are no previews; a preview that
+// comes all the same; a second way to read what can be read.
+TEST_F(TooltipTest, ofChipsSayATitleThatIsCutWhereThereIsNoPreview)
+{
+    std::string title = "A rather long title of a letter that was begun on a Monday in spring";
+    desktop.retitle(draft, title);
+    settle();
+    panel().movePointer(middleOf(draft));
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(content().thumbnailPopup());
+    runtime->userSettings().setShowsWindowPreviews(false);
+    desktop.drain();
+    EXPECT_FALSE(popup());
+    leave();
+    desktop.advance(seconds(1));
+
+    panel().movePointer(middleOf(draft));
+    rest();
+    EXPECT_EQ(shown(), title);
+    panel().movePointer(middleOf(notes));
+    desktop.advance(seconds(1));
+    EXPECT_EQ(shown(), "");
+    runtime->userSettings().setShowChipTitles(false);
+    settle();
+    leave();
+    panel().movePointer(middleOf(notes));
+    rest();
+    EXPECT_EQ(shown(), "Notes") << "which is cut wholly";
+    panel().takeKeyboard();
+    panel().pressKey(KeyCode::up);
+    EXPECT_FALSE(content().thumbnailPopup());
+    panel().releaseKeyboard();
+}
+
 // Faults: one that comes back under a click, lies beside a menu, or over what is dragged; the words
 // read out twice.
 TEST_F(TooltipTest, goWithWhateverTheUserDoes)

@@ -101,6 +101,8 @@ SettingsPage appearancePage(const SettingsFacts& facts)
         .rows = {toggle("groupWindowsByApp", tr("Group windows by application"),
                      data.groupWindowsByApp, tr("All windows of an application share one place.")),
             toggle("showChipTitles", tr("Show titles"), data.showChipTitles), std::move(names),
+            toggle("windowPreviews", tr("Show previews"), *data.more.withDefaults().windowPreviews,
+                tr("Pictures of the windows, when the pointer rests on their place on the bar.")),
             toggle("markTitleNews", tr("Mark new titles"), *data.more.withDefaults().markTitleNews,
                 tr("A dot shows that a window's title has changed since you were last there. "
                    "Numbers that count do not matter."))}};

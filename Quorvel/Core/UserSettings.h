@@ -104,6 +104,11 @@ public:
     }
     bool marksTitleNews() const { return value().more.markTitleNews.value_or(false); }
     void setMarksTitleNews(bool isOn) { set(&MoreSettings::markTitleNews, std::optional{isOn}); }
+    bool showsWindowPreviews() const { return value().more.windowPreviews.value_or(true); }
+    void setShowsWindowPreviews(bool isOn)
+    {
+        set(&MoreSettings::windowPreviews, std::optional{isOn});
+    }
     std::optional<std::uint32_t> numberKeyModifiers() const
     {
         return value().more.numberKeyModifiers;

@@ -20,6 +20,7 @@ struct MoreSettings {
     std::optional<bool> numberKeys{}; ///< shortcuts with the keys 1 to 9 for what is on the bar
     std::optional<std::uint32_t> numberKeyModifiers{}; ///< absent: those that the host offers
     std::optional<bool> markTitleNews{}; ///< a dot on chips whose title has changed unseen
+    std::optional<bool> windowPreviews{}; ///< popups with pictures above chips
     /// The application that the user has chosen for windows, by what the host knows them by.
     std::optional<std::map<std::string, std::string>> mendedMatches{};
     /// The shortcut of the list of windows; without one of the two there is none.
@@ -32,6 +33,7 @@ struct MoreSettings {
         auto more = *this;
         more.numberKeys = numberKeys.value_or(false);
         more.markTitleNews = markTitleNews.value_or(false);
+        more.windowPreviews = windowPreviews.value_or(true);
         return more;
     }
 
@@ -41,6 +43,7 @@ struct MoreSettings {
         visit("numberKeys", more.numberKeys);
         visit("numberKeyModifiers", more.numberKeyModifiers);
         visit("markTitleNews", more.markTitleNews);
+        visit("windowPreviews", more.windowPreviews);
         visit("mendedMatches", more.mendedMatches);
         visit("findKeyCode", more.findKeyCode);
         visit("findModifiers", more.findModifiers);

@@ -201,7 +201,8 @@ void BarContentView::connectRow()
             else
                 m_tappedPin.clear();
         }
-        m_popups.chipHovered(chip.item(), isHovered);
+        if (m_inputs.settings.showsWindowPreviews())
+            m_popups.chipHovered(chip.item(), isHovered);
     };
     m_row->onChip.filesOver
         = [this](const ChipView& chip, bool areOver) { filesOverChip(chip, areOver); };
@@ -243,6 +244,9 @@ void BarContentView::settingsDidChange()
     m_row->setTitle(!settings.showChipTitles()  ? ChipView::Title::none
             : settings.showWindowNamesInChips() ? ChipView::Title::window
                                                 : ChipView::Title::application);
+    m_row->setTellsTitles(!settings.showsWindowPreviews());
+    if (!settings.showsWindowPreviews())
+        m_popups.dismiss();
     updateBackground();
 }
 

@@ -5,6 +5,7 @@
 
 #include "Quorvel/Core/NewWindow.h"
 #include "Quorvel/Core/NumberKeys.h"
+#include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Views/ChipMenu.h"
 #include "Quorvel/Views/ChipsRow.h"
 
@@ -135,7 +136,7 @@ bool BarContentView::popupKeyPressed(const KeyEvent& event)
     auto card = m_popups.keyCard();
     if (!card) {
         auto* chip = event.keyCode == KeyCode::up ? m_row->keyFocusedChip() : nullptr;
-        if (!chip || !m_popups.takeKeys(chip->item()))
+        if (!chip || !m_inputs.settings.showsWindowPreviews() || !m_popups.takeKeys(chip->item()))
             return false;
         chip->setKeyFocused(false);
         return true;

@@ -166,15 +166,35 @@ bool ChipView::performAccessibleAction(std::size_t action)
     return true;
 }
 
+std::string ChipView::tooltip() const
+{
+    if (!m_tellsTitle)
+        return {};
+    TextStyle style;
+    style.size = titleSize(metrics());
+    auto room = parts().title.width;
+    bool isWhole = m_title != Title::none && m_text.measure(title(), style).width <= room;
+    return isWhole ? std::string{} : std::string{wholeTitle()};
+}
+
 // MARK: What it looks like
 
-std::string_view ChipView::title() const
+std::string_view ChipView::wholeTitle() const
 {
     auto* group = std::get_if<GroupedChipData>(&m_item);
     auto* single = std::get_if<ChipData>(&m_item);
     auto& window = group ? group->displayTitle : single->windowTitle;
-    auto& application = group ? group->appName : single->appName;
-    return m_title == Title::window && !window.empty() ? window : application;
+    return window.empty() ? fieldOf(
+               m_item, [](auto& data) -> auto& { return data.appName; })
+                          : window;
+}
+
+std::string_view ChipView::title() const
+{
+    if (m_title == Title::window)
+        return wholeTitle();
+    return fieldOf(
+        m_item, [](auto& data) -> auto& { return data.appName; });
 }
 
 std::string ChipView::count() const

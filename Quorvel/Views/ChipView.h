@@ -32,6 +32,8 @@ public:
     void setPulse(double strength) override;
     bool asksForAttention() const override { return wantsAttention(m_item); }
     void setTitle(Title title) { set(m_title, title); }
+    /// A pointer that rests on it is told a title that it cuts.
+    void setTellsTitle(bool tellsTitle) { m_tellsTitle = tellsTitle; }
     /// The row is wide enough for titles.
     void setHasRoomForTitle(bool hasRoom) { set(m_hasRoomForTitle, hasRoom); }
 
@@ -51,6 +53,7 @@ public:
     /// "Mail, 3 unread, 2 windows, focused".
     AccessibleState accessibleState() const override;
     bool performAccessibleAction(std::size_t) override;
+    std::string tooltip() const override;
 
 private:
     struct Parts {
@@ -83,11 +86,13 @@ private:
     double countHeight() const;
     std::string count() const;
     std::string_view title() const;
+    std::string_view wholeTitle() const;
 
     const Text& m_text;
     DisplayItem m_item;
     Title m_title = Title::window;
     bool m_hasRoomForTitle = true;
+    bool m_tellsTitle = false;
     double m_pulse = 0;
 };
 

@@ -156,6 +156,7 @@ ChipView& ChipsRow::makeChip(const std::string& id)
     auto& chip = m_items.addChild(std::make_unique<ChipView>(m_palette, m_metrics, m_text));
     chip.setRightToLeft(m_isRightToLeft);
     chip.setTitle(m_title);
+    chip.setTellsTitle(m_tellsTitles);
     chip.setOpen(m_open.contains(id));
     chip.onClick = [this](const ChipView& clicked, ChipView::Click click) {
         if (onChip.clicked)
@@ -202,6 +203,13 @@ void ChipsRow::setTitle(ChipView::Title title)
     for (auto& [id, chip] : m_chips)
         chip->setTitle(title);
     layout();
+}
+
+void ChipsRow::setTellsTitles(bool tellsTitles)
+{
+    m_tellsTitles = tellsTitles;
+    for (auto& [id, chip] : m_chips)
+        chip->setTellsTitle(tellsTitles);
 }
 
 void ChipsRow::setRightToLeft(bool isRightToLeft)

@@ -67,6 +67,8 @@ public:
     void setItems(const std::vector<DisplayItem>&);
     void setPins(const std::vector<PinData>&);
     void setTitle(ChipView::Title);
+    /// Chips tell a pointer that rests on them a title that they cut.
+    void setTellsTitles(bool);
     void setReducesMotion(bool);
     void setFrameInterval(Duration);
     void setRightToLeft(bool);
@@ -153,6 +155,7 @@ private:
     bool m_isRightToLeft = false;
     bool m_isHovered = false;
     bool m_reducesMotion = false;
+    bool m_tellsTitles = false;
     bool m_showsNumbers = false;
     ChipView::Title m_title = ChipView::Title::window;
     double m_chipWidth = 0;
