@@ -67,7 +67,7 @@ private:
             Rect more{0,
                 face.maxY() - ThumbnailPopupLayout::kPadding - ThumbnailPopupLayout::kMoreHeight,
                 face.width, ThumbnailPopupLayout::kMoreHeight};
-            canvas.drawText(std::to_string(m_hiddenCount) + " more", more,
+            canvas.drawText(trFormat("{} more", m_hiddenCount), more,
                 {.size = ThumbnailPopupStyle::moreTextSize,
                     .color = m_palette.text,
                     .alignment = TextAlignment::centre});
