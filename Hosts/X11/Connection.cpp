@@ -65,9 +65,10 @@ struct Connection::Masks {
     std::unordered_map<xcb_window_t, std::uint32_t> byWindow;
 };
 
-/// The descriptor in GLib's loop. Reading a reply queues the events that came before it inside xcb,
-/// where no poll on the descriptor sees them: so the queue is looked at before and after each
-/// sleep, and what the look takes out is kept for the dispatch.
+/// The descriptor in GLib's loop. Any wait for a reply, and any flush, may read what else has come
+/// into queues inside xcb, where no poll on the descriptor sees it. So the queue of events is
+/// looked at before and after each sleep (what the look takes out is kept for the dispatch), and
+/// bytes that were read since a turn ended bring another turn: an answer may be among them.
 struct Connection::Source {
     struct Base : GSource {
         Source* owner;
@@ -85,11 +86,12 @@ struct Connection::Source {
         g_source_attach(base.get(), nullptr);
     }
 
-    bool hasEvents()
+    bool hasInput()
     {
         if (!queued)
             queued = owned(xcb_poll_for_queued_event(connection.m_connection));
-        return queued || xcb_connection_has_error(connection.m_connection);
+        return queued || xcb_total_read(connection.m_connection) != readBeforeTurnEnd
+            || xcb_connection_has_error(connection.m_connection);
     }
 
     Reply<xcb_generic_event_t> next()
@@ -104,13 +106,13 @@ struct Connection::Source {
         // Requests made from timers and other sources leave here at the latest. A flush may itself
         // read, so it comes before the look at the queue.
         xcb_flush(self->connection.m_connection);
-        return self->hasEvents();
+        return self->hasInput();
     }
 
     static gboolean check(GSource* source)
     {
         auto* self = static_cast<Base*>(source)->owner;
-        return g_source_query_unix_fd(source, self->tag) != 0 || self->hasEvents();
+        return g_source_query_unix_fd(source, self->tag) != 0 || self->hasInput();
     }
 
     static gboolean dispatch(GSource* source, GSourceFunc, gpointer)
@@ -127,6 +129,7 @@ struct Connection::Source {
     GSourceHandle<Base> base;
     gpointer tag = nullptr;
     Reply<xcb_generic_event_t> queued;
+    std::uint64_t readBeforeTurnEnd = 0; ///< bytes, since the connection was opened
 };
 
 std::unique_ptr<Connection> Connection::open(std::string& problem)
@@ -187,6 +190,7 @@ void Connection::dispatchEvents()
             continue; // an error of a request that nobody waits for
         event.emit(next.get());
     }
+    m_source->readBeforeTurnEnd = xcb_total_read(m_connection);
     turnEnded.emit();
     xcb_flush(m_connection);
 }

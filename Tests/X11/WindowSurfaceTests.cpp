@@ -104,6 +104,31 @@ TEST_P(WindowSurfaces, haveTheFocusAndGoWhereTheUserMovesThem)
     EXPECT_TRUE(comes([&] { return !desktop.clientTitled("Sample"); }));
 }
 
+// Fault: an answer that a flush has read stays unseen until the next event, which may never come.
+TEST(WindowPlaces, areSeenThoughAFlushReadTheAnswer)
+{
+    XServer server;
+    SurfaceHost::Display display{server};
+    std::string problem;
+    const auto connection = xdg::x11::Connection::open(problem);
+    ASSERT_TRUE(connection) << problem;
+    xdg::x11::WindowPlaceQuery query{*connection, connection->root()};
+    std::optional<Rect> place;
+    const auto seen = connection->turnEnded.subscribe([&] { place = query.takeAnswer(); });
+    const auto before = xcb_total_read(connection->raw());
+    query.ask();
+    constexpr auto kBothAnswers = 2 * 32; // bytes
+    ASSERT_TRUE(eventually([&] {
+        xcb_no_operation(connection->raw());
+        xcb_flush(connection->raw());
+        return xcb_total_read(connection->raw()) >= before + kBothAnswers;
+    }));
+    EXPECT_TRUE(eventually([&] {
+        g_main_context_iteration(nullptr, false);
+        return place.has_value();
+    }));
+}
+
 INSTANTIATE_TEST_SUITE_P(, WindowSurfaces,
     testing::Values(ManagerKind::openbox, ManagerKind::xfwm4, ManagerKind::metacity), managerName);
 

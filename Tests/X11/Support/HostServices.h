@@ -17,6 +17,8 @@
 #include "Hosts/X11/Desktop/DesktopServices.h"
 #include "Hosts/X11/Monitors.h"
 
+#include "Tests/X11/Support/Eventually.h"
+
 namespace quorvel::x11tests {
 
 /// The services of the X11 host as the bar has them, in the test's own process. The environment
@@ -37,7 +39,7 @@ struct HostServices {
     /// Turns of the real loop until the condition holds; false if it never does.
     bool runUntil(const std::function<bool()>& isDone)
     {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::minutes{5};
+        const auto end = std::chrono::steady_clock::now() + kWatchdog;
         const auto guard = g_timeout_add(
             5, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
         while (!isDone() && std::chrono::steady_clock::now() < end)
