@@ -61,6 +61,15 @@ testing::AssertionResult SettingsProgram::shows(AtspiRole role, const std::strin
     return ask(role, name, [](auto&) { return true; });
 }
 
+testing::AssertionResult SettingsProgram::showsForAMoment(
+    AtspiRole role, const std::string& name, const std::function<bool()>& bringUp)
+{
+    const auto isAny = [](auto&) { return true; };
+    return eventually([&] {
+        return bringUp() && m_reader.seek(kProgram, role, name, isAny) != nullptr;
+    }) << name;
+}
+
 testing::AssertionResult SettingsProgram::lacks(AtspiRole role, const std::string& name)
 {
     const auto isAny = [](auto&) { return true; };

@@ -25,6 +25,9 @@ public:
 
     /// Whether there is such a thing, in this state.
     testing::AssertionResult shows(AtspiRole, const std::string& name);
+    /// Of what goes by itself: it is brought up before each look.
+    testing::AssertionResult showsForAMoment(
+        AtspiRole, const std::string& name, const std::function<bool()>& bringUp);
     testing::AssertionResult lacks(AtspiRole, const std::string& name);
     testing::AssertionResult hasState(
         AtspiRole, const std::string& name, AtspiStateType, bool isSet = true);
