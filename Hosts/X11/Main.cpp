@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include "Hosts/Linux/Accessible/AccessibleExport.h"
@@ -122,6 +123,9 @@ int main(int count, char** values)
     using namespace quorvel;
     if (count == 2 && std::string_view{values[1]} == xdg::kDecodePictures)
         return xdg::decodePictures();
+    // The other threads allocate little; memory of its own would cost each of them more than a
+    // lock.
+    mallopt(M_ARENA_MAX, 1);
     std::setlocale(LC_ALL, "");
     posix::secureStandardStreams();
     xdg::useGettext();

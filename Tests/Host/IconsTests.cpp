@@ -11,6 +11,7 @@
 #include "Hosts/Linux/Applications/DesktopEntries.h"
 #include "Hosts/Linux/Applications/IconPictures.h"
 #include "Hosts/Linux/Applications/IconTheme.h"
+#include "Hosts/Linux/Applications/SharedSurfaces.h"
 #include "Hosts/Linux/Drawing/IconImage.h"
 #include "Hosts/Linux/Pictures/PictureDecoding.h"
 #include "Tests/Host/fixtures/InstalledApplications.h"
@@ -268,6 +269,29 @@ TEST_F(IconFiles, keepsWhatWasUsedLastWithinItsBytesAndTheRestComesAgain)
         ASSERT_EQ(middle(image, side), kBlue);
     png("system/pixmaps/file.png", side, kBlue);
     EXPECT_EQ(middle(file, side), kBlue) << "it was dropped as well, and is read again";
+}
+
+// Faults: windows that got the same icon take its memory each; other pixels are shown instead; a
+// picture that has gone is handed out.
+TEST_F(IconFiles, picturesThatLookTheSameAreKeptOnce)
+{
+    SharedSurfaces surfaces;
+    const auto make = [](int side, std::uint32_t argb) {
+        auto surface = makeSquare(side);
+        auto* data = reinterpret_cast<std::uint32_t*>(cairo_image_surface_get_data(surface.get()));
+        std::fill_n(data, side * side, argb);
+        cairo_surface_mark_dirty(surface.get());
+        return surface;
+    };
+    auto first = surfaces.share(make(16, kRed));
+    const auto second = surfaces.share(make(16, kRed));
+    EXPECT_EQ(second.get(), first.get());
+    EXPECT_NE(surfaces.share(make(16, kBlue)).get(), first.get());
+    EXPECT_NE(surfaces.share(make(8, kRed)).get(), first.get());
+    first.reset();
+    EXPECT_EQ(surfaces.share(make(16, kRed)).get(), second.get());
+    EXPECT_EQ(cairo_surface_get_reference_count(second.get()), 1U);
+    EXPECT_EQ(pixel(surfaces.share(make(16, kBlue)).get(), 8, 8), kBlue);
 }
 
 TEST_F(IconFiles, aThinLineOfALargePictureStaysWholeWhenItIsShrunk)

@@ -4,6 +4,8 @@
 #include <list>
 #include <memory>
 
+#include "Hosts/Linux/Applications/SharedSurfaces.h"
+
 namespace quorvel::xdg {
 
 /// Keeps pictures that can be made again up to a total number of bytes; the least recently used go
@@ -16,6 +18,8 @@ public:
         Piece(const Piece&) = delete;
         Piece& operator=(const Piece&) = delete;
         virtual ~Piece() { leave(); }
+
+        PixelBudget& budget() const { return *m_budget; }
 
     protected:
         explicit Piece(std::shared_ptr<PixelBudget> budget) : m_budget(std::move(budget)) { }
@@ -38,11 +42,14 @@ public:
 
     /// The total of all that is kept.
     std::size_t bytes() const { return m_bytes; }
+    /// Those that look the same take their memory once, though each counts.
+    SharedSurfaces& surfaces() { return m_surfaces; }
 
 private:
     const std::size_t m_limit;
     std::size_t m_bytes = 0;
     std::list<Piece*> m_pieces; ///< the most recently used comes first
+    SharedSurfaces m_surfaces;
 };
 
 }

@@ -70,7 +70,7 @@ std::vector<const IconPixels*> inOrder(const std::vector<IconPixels>& sizes)
 }
 
 /// What of it a bar shows, the smallest first.
-std::vector<SurfacePointer> reduced(const std::vector<IconPixels>& sizes)
+std::vector<SurfacePointer> reduced(const std::vector<IconPixels>& sizes, PixelBudget& budget)
 {
     std::vector<SurfacePointer> kept;
     for (const auto* size : inOrder(sizes)) {
@@ -81,7 +81,7 @@ std::vector<SurfacePointer> reduced(const std::vector<IconPixels>& sizes)
         if (surface && longerSide(*size) > PixelIcon::kLargestKept)
             surface = fitted(surface.get(), PixelIcon::kLargestKept);
         if (surface)
-            kept.push_back(std::move(surface));
+            kept.push_back(budget.surfaces().share(std::move(surface)));
     }
     return kept;
 }
@@ -91,7 +91,7 @@ std::vector<SurfacePointer> reduced(const std::vector<IconPixels>& sizes)
 Image PixelIcon::from(
     const std::vector<IconPixels>& sizes, Reload reload, const std::shared_ptr<PixelBudget>& budget)
 {
-    auto kept = reduced(sizes);
+    auto kept = reduced(sizes, *budget);
     return kept.empty() ? Image{}
                         : std::make_shared<PixelIcon>(std::move(kept), std::move(reload), budget);
 }
@@ -118,7 +118,7 @@ std::optional<SurfacePointer> PixelIcon::draw(int pixels) const
 {
     auto& sizes = m_source.sizes;
     if (sizes.empty() && m_reload)
-        sizes = reduced(m_reload());
+        sizes = reduced(m_reload(), m_source.budget());
     m_source.use();
     if (sizes.empty())
         return std::nullopt;

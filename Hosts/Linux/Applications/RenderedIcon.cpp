@@ -21,7 +21,7 @@ cairo_surface_t* RenderedIcon::rendered(int pixels) const
     if (!rendering.isMade) {
         auto drawn = draw(pixels);
         rendering.isMade = drawn.has_value();
-        rendering.surface = std::move(drawn).value_or(nullptr);
+        rendering.surface = m_budget->surfaces().share(std::move(drawn).value_or(nullptr));
     }
     rendering.use();
     return rendering.surface.get();
