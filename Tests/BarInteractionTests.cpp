@@ -9,14 +9,6 @@ namespace quorvel::test {
 namespace {
 
 struct BarInteractionTest : ThreeWindows {
-    std::vector<WindowID> openMany()
-    {
-        std::vector<WindowID> many;
-        for (int i = 0; i < 60; ++i)
-            many.push_back(desktop.open(editor, {.title = "Window"}));
-        settle();
-        return many;
-    }
     void drag(Point from, Point to)
     {
         panel().press(from);
@@ -502,86 +494,6 @@ TEST_F(BarInteractionTest, titlesGoForAllAlikeWhereThereIsNoRoomForLetters)
         }
     }
     EXPECT_EQ(std::ranges::count(panel().render().texts(), "Window"), 0);
-}
-
-// Faults: sixty windows overlap, or lie where nobody can reach them, or below an arrow.
-TEST_F(BarInteractionTest, moreChipsThanFitScroll)
-{
-    auto many = openMany();
-    auto expectChipsBesideArrows = [&](std::size_t arrows) {
-        auto symbols = panel().render().drawn<DrawnSymbol>();
-        std::erase_if(symbols, [](auto& symbol) {
-            return symbol.symbol != Symbol::chevronLeft && symbol.symbol != Symbol::chevronRight;
-        });
-        EXPECT_THAT(symbols, SizeIs(arrows));
-        for (auto& symbol : symbols) {
-            for (auto& icon : panel().render().drawn<DrawnImage>())
-                EXPECT_FALSE(icon.visible.intersects(symbol.rect));
-            for (auto& [id, frame] : content().chipFrames())
-                EXPECT_FALSE(frame.intersects(symbol.rect));
-        }
-    };
-    expectChipsBesideArrows(1);
-    EXPECT_TRUE(chipFrame(many.back())->isEmpty());
-    auto width = chipFrame(inbox)->width;
-    EXPECT_EQ(width, ChipView::iconWidth(BarMetrics::of(BarSize::medium)));
-    auto second = chipFrame(draft)->x;
-    panel().scrollSideways(middleOf(inbox), -1);
-    expectChipsBesideArrows(2);
-    EXPECT_EQ(chipFrame(notes)->x, std::max(second, chipFrame(draft)->maxX()))
-        << "a notch of the wheel is a chip";
-    for (int i = 0; i < 100; ++i)
-        panel().scrollSideways(middleOf(inbox), -1);
-    EXPECT_EQ(chipFrame(many.back())->width, width);
-    EXPECT_TRUE(chipFrame(inbox)->isEmpty());
-    EXPECT_TRUE(desktop.model().isCurrent(SpaceID{1}));
-
-    // A chip that is held at the end of the row comes to what is beyond.
-    auto row = chipFrame(many.back())->maxX();
-    auto from = middleOf(many.back());
-    panel().press(from);
-    panel().movePointer({from.x - 40, from.y});
-    panel().movePointer({from.x - row, from.y});
-    desktop.advance(seconds(20));
-    panel().movePointer({from.x + 60, from.y});
-    int outside = 0;
-    for (auto& icon : panel().render().drawn<DrawnImage>())
-        outside += icon.visible.maxX() > row ? 1 : 0;
-    EXPECT_EQ(outside, 1) << "the dragged one alone leaves the row";
-    panel().movePointer({from.x - row, from.y});
-    panel().release({from.x - row, from.y});
-    desktop.advance(seconds(0.3));
-    EXPECT_EQ(chipIDs().front(), displayItemID(many.back()));
-    EXPECT_FALSE(chipFrame(inbox)->isEmpty());
-}
-
-// Faults: in a row that is scrolled to its end the chips move when the last one closes; an arrow
-// goes from under the pointer, so that the next click meets a chip.
-TEST_F(BarInteractionTest, aScrolledRowHoldsStillUnderThePointer)
-{
-    auto many = openMany();
-    auto end = Point{middleOf(notes).x, 10};
-    for (auto& [id, frame] : content().chipFrames())
-        end.x = std::max(end.x, frame.maxX() + 5);
-    for (int i = 0; i < 10; ++i) {
-        panel().click(end);
-        desktop.advance(seconds(0.5));
-    }
-    EXPECT_FALSE(chipFrame(many.back())->isEmpty()) << "the arrow leads to the end";
-    EXPECT_FALSE(chip(many.back())->isFocused);
-
-    panel().movePointer(middleOf(many[50]));
-    auto place = chipFrame(many[50]);
-    desktop.close(many.back());
-    desktop.close(many[58]);
-    settle();
-    EXPECT_EQ(chipFrame(many[50]), place);
-    auto opened = desktop.open(editor, {.title = "New"});
-    settle();
-    EXPECT_EQ(chipFrame(many[50]), place);
-    EXPECT_GT(chipFrame(opened)->x, chipFrame(many[57])->x);
-    leave();
-    EXPECT_NE(chipFrame(many[50]), place);
 }
 
 }

@@ -176,7 +176,7 @@ TEST_F(BarTest, aHungApplicationsChipIsDarkAgainAfterTheOneRetry)
 TEST_F(BarTest, aHungApplicationWithManyWindowsLeavesTheBarAliveForTheOthers)
 {
     for (int i = 0; i < 50; ++i)
-        desktop.open(mail);
+        desktop.open(mail, {.takesFocus = false});
     settle();
     desktop.application(mail).faults.isHung = true;
     panel().forgetPaints();

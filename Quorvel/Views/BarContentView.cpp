@@ -103,7 +103,10 @@ void BarContentView::connectPopups()
         if (m_inputs.onThumbnailWillShow)
             m_inputs.onThumbnailWillShow();
     };
-    m_popups.onChipChanged = [this] { openItemsDidChange(); };
+    m_popups.onChipChanged = [this] {
+        openItemsDidChange();
+        updateFollowing();
+    };
     m_popups.onWindowChosen = [this](WindowID id) { activateWindowDeferred(id); };
     m_popups.onWindowClosed = [this](WindowID id) {
         onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
@@ -152,6 +155,7 @@ void BarContentView::setShown(bool isShown)
     m_isShown = isShown;
     for (auto part : isShown ? std::exchange(m_stale, {}) : std::set<Part>{})
         partDidChange(part);
+    updateFollowing();
 }
 
 void BarContentView::partDidChange(Part part)
@@ -190,6 +194,11 @@ void BarContentView::connectRow()
         m_popups.update(); // the row may have closed up
         if (onChipsAreaHoverChanged)
             onChipsAreaHoverChanged(isHovered);
+    };
+    m_row->onArrowsChanged = [this] {
+        m_inputs.surface.accessibleTreeDidChange();
+        if (onShownChanged)
+            onShownChanged();
     };
     m_row->onChip.clicked
         = [this](const ChipView& chip, ChipView::Click click) { chipClicked(chip, click); };
@@ -420,6 +429,7 @@ void BarContentView::openMenu(
     if (!onMenuRequested)
         return;
     ++m_openMenus;
+    updateFollowing();
     showMenuOf(std::move(item));
     m_popups.setMenuOpen(kind);
     onMenuRequested(std::move(menu), anchor, [weak = m_weak.reference()](MenuEnding ending) {
@@ -436,6 +446,12 @@ void BarContentView::menuDidClose(MenuEnding ending)
     m_popups.setMenuOpen(ThumbnailHover::OpenMenu::none);
     if (host())
         host()->menuDidClose(ending);
+    updateFollowing();
+}
+
+void BarContentView::updateFollowing()
+{
+    m_row->setFollowsFocus(m_isShown && m_openMenus == 0 && !m_popups.chipID() && !m_isWalked);
 }
 
 void BarContentView::showMenuOf(std::optional<std::string> item)

@@ -134,6 +134,8 @@ private:
     void showMenuOf(std::optional<std::string> item);
     /// What a menu or a popup belongs to looks so while that is open.
     void openItemsDidChange();
+    /// A menu or a popup belongs to a place in the row, and the keyboard to another chip.
+    void updateFollowing();
     /// Of a card; points, bottom-left origin.
     void openWindowMenu(WindowID, const Rect& onScreen);
     /// Up leads from a chip to the cards of its popup, Escape back.
@@ -159,6 +161,7 @@ private:
     ChipsRow* m_row = nullptr;
     BarNote* m_note = nullptr;
     bool m_isShown = true;
+    bool m_isWalked = false; ///< by the keyboard
     std::set<Part> m_stale; ///< while it is not
     std::string m_tappedPin; ///< since the pointer came to the row
     std::vector<PinData> m_pins; ///< names and icons as they were looked up

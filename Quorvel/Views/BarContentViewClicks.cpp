@@ -106,6 +106,8 @@ void BarContentView::useItem(std::size_t place, ItemUse use)
 void BarContentView::setShowsNumbers(bool showsNumbers)
 {
     m_row->setShowsNumbers(showsNumbers);
+    m_isWalked = showsNumbers;
+    updateFollowing();
 }
 
 bool BarContentView::keyPressed(const KeyEvent& event)

@@ -112,20 +112,6 @@ void ChipView::clicked(PointerButton button)
         performAccessibleAction(2);
 }
 
-void ChipView::filesEntered()
-{
-    RowItem::filesEntered();
-    if (onFilesOver)
-        onFilesOver(*this, true);
-}
-
-void ChipView::filesExited()
-{
-    RowItem::filesExited();
-    if (onFilesOver)
-        onFilesOver(*this, false);
-}
-
 // MARK: For screen readers and the keyboard
 
 AccessibleState ChipView::accessibleState() const

@@ -39,8 +39,6 @@ public:
 
     std::function<void(const ChipView&, Click)> onClick;
     std::function<void(const ChipView&, bool isHovered)> onHover;
-    /// Files from another program rest on the chip, or no longer do.
-    std::function<void(const ChipView&, bool areOver)> onFilesOver;
 
     /// The width at which a title has all the room that the size allows.
     static double fullWidth(const BarMetrics&);
@@ -70,8 +68,6 @@ private:
     void pointerExited() override;
     void pressed(PointerButton) override;
     void clicked(PointerButton) override;
-    void filesEntered() override;
-    void filesExited() override;
     /// Which of its documents the window would open is its program's to say.
     bool acceptsFiles() const override { return false; }
     void showContextMenu() override { performAccessibleAction(1); }

@@ -13,6 +13,8 @@ namespace {
 
 constexpr int kMostNumbers = 9;
 constexpr double kPinMarkWidth = 2;
+/// After a menu has closed, it takes a moment until the pointer is heard of again.
+constexpr Duration kBeforeFollowing = seconds(0.1);
 
 }
 
@@ -34,6 +36,7 @@ ChipsRow::ChipsRow(
     , m_motion(dispatch)
 {
     m_scroll.onScrolled = [this] { placeAll(); };
+    m_scroll.onUserScrolls = [this] { m_wantsFocusInSight = false; };
 }
 
 ChipsRow::~ChipsRow() = default;
@@ -48,8 +51,11 @@ void ChipsRow::setItems(const std::vector<DisplayItem>& items)
     for (auto& [pin, chip] : m_standIns)
         placed.insert(chip);
     isOther |= m_slots.setItems(items, isHeld(), placed);
+    bool isFocusOther = updateFocus(items);
     if (isOther)
-        layout();
+        arrange();
+    else if (isFocusOther)
+        followFocus();
 }
 
 bool ChipsRow::updateStandIns(const std::vector<DisplayItem>& items)
@@ -129,7 +135,7 @@ void ChipsRow::updatePins()
     });
     updatePulse();
     if (std::exchange(m_pinOrder, order) != order)
-        layout();
+        arrange();
 }
 
 void ChipsRow::updatePulse()
@@ -149,6 +155,7 @@ void ChipsRow::updatePulse()
         m_pulse.stop();
     else if (hasNew)
         m_pulse.start(m_reducesMotion);
+    tellAttention();
 }
 
 ChipView& ChipsRow::makeChip(const std::string& id)
@@ -166,9 +173,10 @@ ChipView& ChipsRow::makeChip(const std::string& id)
         if (onChip.hovered && !m_drag)
             onChip.hovered(hovered, isHovered);
     };
-    chip.onFilesOver = [this](const ChipView& target, bool areOver) {
+    chip.onFilesOver = [this, &chip](bool areOver) {
+        filesAreOver(areOver);
         if (onChip.filesOver)
-            onChip.filesOver(target, areOver);
+            onChip.filesOver(chip, areOver);
     };
     chip.drag.onDrag = dragOf(chip, id, DragKind::chip);
     m_chips.emplace(id, &chip);
@@ -187,6 +195,7 @@ PinView& ChipsRow::makePin(const std::string& bundleID)
         if (onPin.menuRequested)
             onPin.menuRequested(pin);
     };
+    pin.onFilesOver = [this](bool areOver) { filesAreOver(areOver); };
     pin.onFilesDropped = [this](const PinView& target, std::vector<std::string> paths) {
         if (onPin.filesDropped)
             onPin.filesDropped(target, std::move(paths));
@@ -202,7 +211,7 @@ void ChipsRow::setTitle(ChipView::Title title)
         return;
     for (auto& [id, chip] : m_chips)
         chip->setTitle(title);
-    layout();
+    arrange();
 }
 
 void ChipsRow::setTellsTitles(bool tellsTitles)
@@ -221,7 +230,7 @@ void ChipsRow::setRightToLeft(bool isRightToLeft)
     for (auto& [id, pin] : m_pins)
         pin->setRightToLeft(isRightToLeft);
     m_scroll.setRightToLeft(isRightToLeft);
-    layout();
+    arrange();
 }
 
 void ChipsRow::setReducesMotion(bool reducesMotion)
@@ -241,6 +250,7 @@ void ChipsRow::setFrameInterval(Duration interval)
 void ChipsRow::pointerEntered()
 {
     m_isHovered = true;
+    m_scroll.stopGlide();
     if (onHoverChanged)
         onHoverChanged(true);
 }
@@ -260,7 +270,64 @@ void ChipsRow::settle()
     m_standIns.clear();
     updatePins();
     m_slots.settle();
-    layout();
+    arrange();
+}
+
+// MARK: What has the focus
+
+bool ChipsRow::updateFocus(const std::vector<DisplayItem>& items)
+{
+    std::optional<WindowID> focused;
+    for (auto& item : items) {
+        auto* group = std::get_if<GroupedChipData>(&item);
+        if (isFocused(item))
+            focused = group ? group->windowIDs.front() : std::get<ChipData>(item).id;
+    }
+    bool isOther = std::exchange(m_focused, focused) != focused;
+    m_wantsFocusInSight |= isOther;
+    return isOther;
+}
+
+void ChipsRow::setFollowsFocus(bool follows)
+{
+    if (std::exchange(m_followsFocus, follows) == follows)
+        return;
+    if (follows)
+        followFocusSoon();
+    else
+        m_scroll.stopGlide();
+}
+
+/// While files are dragged, nothing is heard of the pointer.
+bool ChipsRow::isStill() const
+{
+    auto hasFilesOver = [](auto& entry) { return entry.second->hasFilesOver(); };
+    return !m_followsFocus || isHeld() || m_hasFilesOver || bounds().isEmpty()
+        || std::ranges::any_of(m_chips, hasFilesOver) || std::ranges::any_of(m_pins, hasFilesOver);
+}
+
+void ChipsRow::followFocus()
+{
+    auto focused = std::ranges::find_if(
+        m_chips, [](auto& entry) { return isFocused(entry.second->item()); });
+    if (!m_wantsFocusInSight || focused == m_chips.end() || isStill())
+        return;
+    if (auto place = m_places.find(focused->first); place != m_places.end())
+        m_scroll.glideTo(place->second, focused->second->frame().width);
+}
+
+void ChipsRow::followFocusSoon()
+{
+    if (m_wantsFocusInSight)
+        m_followSoon = m_dispatch.main().after(kBeforeFollowing, [this] { followFocus(); });
+}
+
+void ChipsRow::filesAreOver(bool areOver)
+{
+    if (areOver)
+        m_scroll.stopGlide();
+    else
+        followFocusSoon();
 }
 
 View* ChipsRow::focusedChip() const
@@ -294,7 +361,14 @@ void ChipsRow::setOpenItems(std::set<std::string> ids)
 
 // MARK: Where everything is
 
+/// What has another size is not seen on its way.
 void ChipsRow::layout()
+{
+    arrange();
+    m_scroll.finishGlide();
+}
+
+void ChipsRow::arrange()
 {
     double pinWidth = ChipView::iconWidth(m_metrics);
     double x = 0;
@@ -330,6 +404,7 @@ void ChipsRow::layout()
         std::max(m_chipWidth, pinWidth) + m_metrics.chipSpacing);
     placeAll();
     numberItems();
+    followFocus();
 }
 
 void ChipsRow::placeAll()
@@ -345,6 +420,7 @@ void ChipsRow::placeAll()
         if (auto chip = m_chips.find(id); chip != m_chips.end())
             place(*chip->second, shownAt(id), m_chipWidth);
     }
+    tellAttention();
     if (auto* host_ = host())
         host_->viewsDidMove();
 }
@@ -368,6 +444,23 @@ void ChipsRow::place(View& view, double slot, double width)
     double left = slot - m_scroll.offset();
     double x = m_isRightToLeft ? bounds().width - left - width : left;
     view.setFrame({x - m_items.frame().x, 0, width, bounds().height});
+}
+
+/// What is seen by half is seen.
+void ChipsRow::tellAttention()
+{
+    bool isLeft = false;
+    bool isRight = false;
+    for (auto& id : m_asking) {
+        auto* asking = item(id);
+        if (!asking || (m_drag && m_drag->draggedID() == id))
+            continue;
+        double middle = asking->frame().centre().x;
+        isLeft |= middle < 0;
+        isRight |= middle > m_items.bounds().width;
+    }
+    if (m_scroll.setAttention(isLeft, isRight) && onArrowsChanged)
+        onArrowsChanged();
 }
 
 void ChipsRow::reveal(const View& view)

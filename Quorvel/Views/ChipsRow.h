@@ -27,8 +27,10 @@ namespace quorvel {
 /// without room for a new chip continues out of sight.
 ///
 /// Chips shrink down to their icons, which are told apart more easily than titles of three letters;
-/// then the row scrolls, with an arrow beside them at each end where there is more. Chips and pins
-/// can each be reordered among their own kind.
+/// then the row scrolls, with an arrow beside them at each end where there is more. It keeps the
+/// chip of the focused window in sight from when the window got the focus until the user scrolls,
+/// but never moves by itself while it is held still. Chips and pins can each be reordered among
+/// their own kind.
 class ChipsRow final : public View {
 public:
     /// How long the others take to make room, and the dropped one to settle into its place.
@@ -72,6 +74,9 @@ public:
     void setReducesMotion(bool);
     void setFrameInterval(Duration);
     void setRightToLeft(bool);
+    /// Whether the row may scroll by itself now. Not where nobody sees it, nor while the user is at
+    /// something that belongs to a place in the row.
+    void setFollowsFocus(bool);
 
     /// By this many points towards the end of the row.
     void scrollBy(double distance, ScrollUnit unit) { m_scroll.scrollBy(distance, unit); }
@@ -89,6 +94,8 @@ public:
     ChipView* keyFocusedChip() const;
 
     std::function<void(bool isHovered)> onHoverChanged;
+    /// The arrows tell of another end, or of none, where something wants attention.
+    std::function<void()> onArrowsChanged;
     ChipEvents onChip;
     PinEvents onPin;
 
@@ -102,6 +109,10 @@ private:
 
     void pointerEntered() override;
     void pointerExited() override;
+    bool takesFiles() const override { return true; }
+    bool acceptsFiles() const override { return false; }
+    void filesEntered() override { filesAreOver(m_hasFilesOver = true); }
+    void filesExited() override { filesAreOver(m_hasFilesOver = false); }
     void layout() override;
     Rect paintFrame() const override;
 
@@ -118,12 +129,21 @@ private:
     void settle();
     bool isHeld() const { return m_isHovered || m_drag; }
     void updatePulse();
+    /// True if another window has the focus.
+    bool updateFocus(const std::vector<DisplayItem>&);
+    bool isStill() const;
+    void followFocus();
+    /// Unless the user goes on at once.
+    void followFocusSoon();
+    void filesAreOver(bool);
 
     void reveal(const View&) override;
     void paint(Canvas&) const override;
+    void arrange();
     void placeAll();
     void placePins();
     void place(View&, double slot, double width);
+    void tellAttention();
     void numberItems();
     std::vector<RowItem*> itemsInOrder() const;
     RowItem* item(const std::string& id) const;
@@ -176,9 +196,14 @@ private:
     std::set<std::string> m_open; ///< what they opened is on the screen
     std::optional<std::size_t> m_pinPlace; ///< where the dragged chip would become a pin
     std::set<std::string> m_asking; ///< the items that want attention
+    std::optional<WindowID> m_focused;
+    bool m_wantsFocusInSight = false;
+    bool m_followsFocus = true;
+    bool m_hasFilesOver = false; ///< between its items
     AttentionPulse m_pulse;
     Animation m_motion;
     WorkItem m_dragScroll;
+    WorkItem m_followSoon;
 };
 
 }

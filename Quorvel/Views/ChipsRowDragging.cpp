@@ -123,7 +123,7 @@ void ChipsRow::endDrag(RowItem& lifted, DragPhase phase)
     }
     if (chip)
         chipDragEnded(*chip);
-    layout();
+    arrange();
     std::map<std::string, double> targets;
     for (auto& [id, x] : m_shown) {
         if (m_places.contains(id))

@@ -49,6 +49,13 @@ void RowItem::pressCancelled()
     drag.cancelled();
 }
 
+void RowItem::setFilesOver(bool areOver)
+{
+    set(m_hasFilesOver, areOver);
+    if (onFilesOver)
+        onFilesOver(areOver);
+}
+
 void RowItem::paint(Canvas& canvas) const
 {
     if (!m_isLifted) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "Quorvel/Core/BarSize.h"
@@ -17,6 +18,8 @@ public:
     static constexpr double kLiftedScale = 1.05;
 
     DragSource drag;
+    /// Files from another program rest on the item, or no longer do.
+    std::function<void(bool areOver)> onFilesOver;
 
     /// Of its application; empty if it has none.
     virtual std::string bundleID() const = 0;
@@ -40,8 +43,9 @@ public:
     bool isDragged() const override { return drag.isDragging(); }
 
     bool takesFiles() const override { return true; }
-    void filesEntered() override { set(m_hasFilesOver, true); }
-    void filesExited() override { set(m_hasFilesOver, false); }
+    bool hasFilesOver() const { return m_hasFilesOver; }
+    void filesEntered() override { setFilesOver(true); }
+    void filesExited() override { setFilesOver(false); }
 
 protected:
     RowItem(const Palette& palette, const BarMetrics& metrics)
@@ -58,6 +62,7 @@ protected:
     void paintRing(Canvas&) const;
 
 private:
+    void setFilesOver(bool areOver);
     bool isLifted() const override { return m_isLifted; }
     void paint(Canvas&) const final;
     void paintNumber(Canvas&) const;

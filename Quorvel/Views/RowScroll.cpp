@@ -22,6 +22,7 @@ RowScroll::RowScroll(View& row, const Palette& palette, Dispatch& dispatch)
     , m_forwardArrow(
           row.addChild(std::make_unique<ScrollArrow>(palette, ScrollArrow::Towards::right)))
     , m_motion(dispatch)
+    , m_glide(dispatch)
 {
     m_backArrow.onTapped = [this] { step(-1); };
     m_forwardArrow.onTapped = [this] { step(1); };
@@ -43,19 +44,33 @@ double RowScroll::maximum() const
     return std::max(0.0, m_contentWidth - m_row.bounds().width);
 }
 
+void RowScroll::stop()
+{
+    m_motion.stop();
+    m_glide.stop();
+}
+
+void RowScroll::animate(Animation& motion, double to)
+{
+    stop();
+    motion.start(m_reducesMotion ? Duration::zero() : RowScrollStyle::time, m_frameInterval,
+        [this, from = m_offset, to](double share) { scrollTo(from + (to - from) * share); });
+}
+
 void RowScroll::step(double direction)
 {
+    if (onUserScrolls)
+        onUserScrolls();
     double sign = m_isRightToLeft ? -direction : direction;
-    double from = m_offset;
     double distance = sign * std::max(m_itemWidth, m_row.bounds().width * RowScrollStyle::step);
-    double to = std::clamp(from + distance, 0.0, maximum());
-    m_motion.start(m_reducesMotion ? Duration::zero() : RowScrollStyle::time, m_frameInterval,
-        [this, from, to](double share) { scrollTo(from + (to - from) * share); });
+    animate(m_motion, std::clamp(m_offset + distance, 0.0, maximum()));
 }
 
 void RowScroll::scrollBy(double distance)
 {
-    m_motion.stop();
+    if (onUserScrolls)
+        onUserScrolls();
+    stop();
     scrollTo(m_offset + distance);
 }
 
@@ -75,11 +90,35 @@ void RowScroll::reveal(const Rect& frame)
 {
     double width = m_row.bounds().width;
     double leading = m_isRightToLeft ? width - frame.maxX() : frame.x;
-    double trailing = leading + frame.width;
-    if (leading < ScrollArrow::kWidth)
-        scrollBy(leading - ScrollArrow::kWidth);
-    else if (trailing > width - ScrollArrow::kWidth)
-        scrollBy(trailing - width + ScrollArrow::kWidth);
+    stop();
+    scrollTo(offsetThatShows(leading + m_offset, frame.width));
+}
+
+double RowScroll::offsetThatShows(double start, double width) const
+{
+    double most = start - ScrollArrow::kWidth;
+    double least = start + width + ScrollArrow::kWidth - m_row.bounds().width;
+    return std::clamp(std::min(most, std::max(least, m_offset)), 0.0, maximum());
+}
+
+void RowScroll::glideTo(double start, double width)
+{
+    double to = offsetThatShows(start, width);
+    if (m_glide.isRunning() && to == m_glideEnd)
+        return;
+    m_glideEnd = to;
+    if (to == m_offset)
+        stop();
+    else
+        animate(m_glide, to);
+}
+
+void RowScroll::finishGlide()
+{
+    if (!m_glide.isRunning())
+        return;
+    m_glide.stop();
+    scrollTo(m_glideEnd);
 }
 
 void RowScroll::placeArrows(bool isHeld)
@@ -101,6 +140,12 @@ void RowScroll::placeArrows(bool isHeld)
     };
     place(m_backArrow, hasBefore, 0);
     place(m_forwardArrow, hasAfter, row.width - (hasAfter ? ScrollArrow::kWidth : 0));
+}
+
+bool RowScroll::setAttention(bool isLeft, bool isRight)
+{
+    bool isNews = m_backArrow.setTellsAttention(isLeft);
+    return m_forwardArrow.setTellsAttention(isRight) || isNews;
 }
 
 Rect RowScroll::roomForItems() const

@@ -19,6 +19,8 @@ public:
     RowScroll(View& row, const Palette&, Dispatch&);
 
     std::function<void()> onScrolled;
+    /// By the wheel, an arrow or a drag; called before.
+    std::function<void()> onUserScrolls;
 
     void setRightToLeft(bool isRightToLeft) { m_isRightToLeft = isRightToLeft; }
     void setReducesMotion(bool value) { m_reducesMotion = value; }
@@ -34,22 +36,33 @@ public:
     void scrollBy(double distance, ScrollUnit);
     /// Scrolls this range (in the row's coordinates) into view, clear of the arrows.
     void reveal(const Rect&);
-    void stop() { m_motion.stop(); }
+    /// The same in its own time, for a range from so far behind the start of the content.
+    void glideTo(double start, double width);
+    /// Where a glide leads to, at once.
+    void finishGlide();
+    void stopGlide() { m_glide.stop(); }
+    void stop();
 
     /// While the row is held, no arrow appears over what the pointer may be on, unless the user
     /// scrolls, and none disappears under the pointer.
     void placeArrows(bool isHeld);
+    /// Something that cannot be seen there wants attention. True if that is news.
+    bool setAttention(bool isLeft, bool isRight);
     /// The part of the row that the arrows leave to the items, in the row's coordinates.
     Rect roomForItems() const;
 
 private:
     void step(double direction);
     void scrollTo(double offset);
+    void animate(Animation&, double to);
+    double offsetThatShows(double start, double width) const;
 
     View& m_row;
     ScrollArrow& m_backArrow;
     ScrollArrow& m_forwardArrow;
-    Animation m_motion;
+    Animation m_motion; ///< of a click on an arrow
+    Animation m_glide;
+    double m_glideEnd = 0;
     Duration m_frameInterval = seconds(1.0 / 60);
     bool m_isRightToLeft = false;
     bool m_reducesMotion = false;

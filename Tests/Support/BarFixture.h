@@ -124,6 +124,15 @@ struct ThreeWindows : BarFixture {
         start();
     }
 
+    /// More than there is room for; none of them gets the focus.
+    std::vector<WindowID> openMany()
+    {
+        std::vector<WindowID> many;
+        for (int i = 0; i < 60; ++i)
+            many.push_back(desktop.open(editor, {.title = "Window"}));
+        settle();
+        return many;
+    }
     FakePanel* popup() { return desktop.surfaces().popup(); }
     Point middleOf(WindowID window) { return chipFrame(window)->centre(); }
     void pin(const std::string& id) { manager().pinStore().setPin(id, PinDestination::bar, true); }
