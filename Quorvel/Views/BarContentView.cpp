@@ -153,9 +153,9 @@ void BarContentView::subscribe()
 void BarContentView::setShown(bool isShown)
 {
     m_isShown = isShown;
+    updateFollowing();
     for (auto part : isShown ? std::exchange(m_stale, {}) : std::set<Part>{})
         partDidChange(part);
-    updateFollowing();
 }
 
 void BarContentView::partDidChange(Part part)
@@ -216,10 +216,10 @@ void BarContentView::connectRow()
     m_row->onChip.filesOver
         = [this](const ChipView& chip, bool areOver) { filesOverChip(chip, areOver); };
     m_row->onChip.dragged
-        = [this](const ChipView& chip, Point pointer) { chipDragged(chip, pointer); };
+        = [this](const ChipView& chip, Point pointer) { return chipDragged(chip, pointer); };
     m_row->onChip.dropped
         = [this](const ChipView& chip, Point pointer) { return chipDropped(chip, pointer); };
-    m_row->onChip.dragEnded = [this] { m_spaceSwitcher->setDropTarget({}); };
+    m_row->onChip.dragEnded = [this] { setDropTarget(nullptr); };
     m_row->onChip.moved = [this](const std::string& id, std::optional<std::string> before) {
         m_inputs.viewModel.moveChip(id, before, m_inputs.spaceID);
     };
@@ -517,13 +517,31 @@ void BarContentView::showSpaceList()
 
 // MARK: Dragging
 
-void BarContentView::chipDragged(const ChipView& chip, Point pointer)
+bool BarContentView::chipDragged(const ChipView& chip, Point pointer)
 {
     m_popups.suppress(chip.item());
     dismissThumbnailPopupImmediate();
     auto* cell = m_spaceSwitcher->spaceAt(pointer);
-    bool isTarget = cell && !cell->isCurrent && !cell->isFullscreen;
-    m_spaceSwitcher->setDropTarget(isTarget ? std::optional{cell->id} : std::nullopt);
+    bool isTarget
+        = cell && !cell->isCurrent && !cell->isFullscreen && m_inputs.onMoveWindowToSpaceRequested;
+    setDropTarget(isTarget ? cell : nullptr);
+    return isTarget;
+}
+
+void BarContentView::setDropTarget(const SpaceCellData* cell)
+{
+    auto target = cell ? std::optional{cell->id} : std::nullopt;
+    if (std::exchange(m_dropTarget, target) == target)
+        return;
+    m_spaceSwitcher->setDropTarget(target);
+    if (!onDropTold)
+        return;
+    if (!cell)
+        return onDropTold({}, {});
+    for (auto& [space, place] : spaceCellFrames()) {
+        if (space == cell->id)
+            onDropTold(trFormat("Move to {}", cell->name), place);
+    }
 }
 
 bool BarContentView::chipDropped(const ChipView& chip, Point pointer)

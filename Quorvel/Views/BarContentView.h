@@ -26,6 +26,7 @@ class ReorderDrag;
 class ShowDesktopButton;
 class SpaceSwitcher;
 struct ChipMenuContext;
+struct SpaceCellData;
 
 /// The content of one bar: menu button, pins and chips of its space, space switcher, show-desktop
 /// button; and the effects of hovering, clicking and dragging on them. Main thread.
@@ -51,6 +52,9 @@ public:
     std::function<void(bool isHovered)> onChipsAreaHoverChanged;
     /// What its views show may be other than before.
     std::function<void()> onShownChanged;
+    /// What a drop at this place (points of the bar, origin top left) would do; empty: nothing to
+    /// tell.
+    std::function<void(std::string text, const Rect& place)> onDropTold;
     /// Opens a menu beside a rectangle (points of the bar, origin top left).
     std::function<void(Menu, const Rect&, std::function<void(MenuEnding)> onClosed)>
         onMenuRequested;
@@ -67,16 +71,11 @@ public:
     /// Null while none is open.
     const ThumbnailPopup* thumbnailPopup() const { return m_popups.popup(); }
 
-    void handlePrimaryChipTap(WindowID, bool isFocused);
-    /// For another application's group, its representative; for the focused group, its next window.
-    void handleGroupedChipTap(const GroupedChipData&);
     void activateWindowDeferred(WindowID);
     void dismissThumbnailPopupImmediate() { m_popups.dismiss(); }
     void openActivityMonitor();
     void triggerShowDesktop();
     void showBarMenu(const Rect& anchor);
-    /// Says what went wrong, if the bar can be seen.
-    void showNote(std::string text);
     /// Towards the trailing end.
     void scrollSideways(double distance, ScrollUnit);
     void useItem(std::size_t place, ItemUse);
@@ -116,11 +115,18 @@ private:
     void appearanceDidChange();
     void updateBackground();
 
+    /// Says what went wrong, if the bar can be seen.
+    void showNote(std::string text);
     void chipClicked(const ChipView&, ChipView::Click);
+    void handlePrimaryChipTap(WindowID, bool isFocused);
+    /// For another application's group, its representative; for the focused group, its next window.
+    void handleGroupedChipTap(const GroupedChipData&);
     /// A window comes forward for files that rest on its chip; they are dropped in the window,
     /// where their place is.
     void filesOverChip(const ChipView&, bool areOver);
-    void chipDragged(const ChipView&, Point pointer);
+    /// True if the window would go to another space.
+    bool chipDragged(const ChipView&, Point pointer);
+    void setDropTarget(const SpaceCellData*);
     bool chipDropped(const ChipView&, Point pointer);
     /// Goes to a window of the application, wherever it is; starts it where there is none.
     void pinTapped(const std::string& bundleID);
@@ -167,6 +173,7 @@ private:
     std::vector<PinData> m_pins; ///< names and icons as they were looked up
     ChipPopups m_popups;
     int m_openMenus = 0; ///< one that replaces another is open before that one has told its end
+    std::optional<SpaceID> m_dropTarget; ///< of a drag
     std::optional<std::string> m_itemOfMenu; ///< the chip or pin that the menu is of
     WorkItem m_springTimer;
     WorkItem m_screensChange;

@@ -93,6 +93,8 @@ std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& con
               m_menus.popUp(*m_surface, std::move(menu), anchor, std::move(onClosed));
           };
     view->onShownChanged = [this] { m_tooltips.update(); };
+    view->onDropTold
+        = [this](std::string text, const Rect& place) { m_tooltips.tell(std::move(text), place); };
     view->onChipsAreaHoverChanged = [this](bool areHovered) {
         m_areChipsHovered = areHovered;
         updateKeying();

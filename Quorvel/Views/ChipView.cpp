@@ -233,7 +233,7 @@ ChipView::Parts ChipView::parts() const
     double right = face.width - padding;
     if (pill > 0)
         right -= pill + metrics().iconTextSpacing;
-    if (m_title != Title::none && m_hasRoomForTitle) {
+    if (m_title != Title::none && m_hasRoomForTitle && !isOverTarget()) {
         parts.title = {left, face.y, std::max(0.0, right - left), face.height};
         parts.count = {
             face.width - padding - pill, face.y + (face.height - pillHeight) / 2, pill, pillHeight};

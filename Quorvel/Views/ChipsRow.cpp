@@ -417,8 +417,9 @@ void ChipsRow::placeAll()
     };
     placePins();
     for (auto& id : m_slots.slots()) {
+        bool isDragged = m_drag && m_drag->draggedID() == id;
         if (auto chip = m_chips.find(id); chip != m_chips.end())
-            place(*chip->second, shownAt(id), m_chipWidth);
+            place(*chip->second, shownAt(id), isDragged ? draggedWidth() : m_chipWidth);
     }
     tellAttention();
     if (auto* host_ = host())

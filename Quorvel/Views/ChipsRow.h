@@ -41,8 +41,9 @@ public:
         std::function<void(const ChipView&, ChipView::Click)> clicked;
         std::function<void(const ChipView&, bool isHovered)> hovered;
         std::function<void(const ChipView&, bool areOver)> filesOver;
-        /// A drag began or moved; the pointer is in the root's coordinates.
-        std::function<void(const ChipView&, Point)> dragged;
+        /// A drag began or moved; the pointer is in the root's coordinates. True: it is over
+        /// something else than the row that would take it.
+        std::function<bool(const ChipView&, Point)> dragged;
         /// Dropped there. True: it was dropped on something else, and its order stays.
         std::function<bool(const ChipView&, Point)> dropped;
         std::function<void()> dragEnded;
@@ -154,6 +155,9 @@ private:
         RowItem&, const std::string& id, DragKind);
     void beginDrag(RowItem&, const std::string& id, DragKind);
     void moveDrag(RowItem&, const DragMove&);
+    double draggedWidth() const;
+    /// Of the dragged one, if the pointer is to be at its middle.
+    double slotUnder(Point inRoot) const;
     /// While the dragged one is held at an end of the row, what is beyond comes into sight.
     void scrollForDrag(RowItem&);
     void endDrag(RowItem&, DragPhase);
@@ -192,6 +196,8 @@ private:
     std::optional<ReorderDrag> m_drag;
     DragKind m_dragKind{};
     DragMove m_dragMove;
+    double m_dragWidth = 0; ///< of what is in the hand
+    bool m_isOverTarget = false; ///< what is in the hand is no wider than its icon there
     double m_scrollBeforeDrag = 0;
     std::set<std::string> m_open; ///< what they opened is on the screen
     std::optional<std::size_t> m_pinPlace; ///< where the dragged chip would become a pin

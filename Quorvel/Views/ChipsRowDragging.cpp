@@ -57,7 +57,8 @@ void ChipsRow::beginDrag(RowItem& lifted, const std::string& id, DragKind kind)
     m_drag.emplace(id, std::move(frames), std::move(visible));
     m_items.raiseChild(lifted);
     m_items.setFree(true);
-    lifted.setLifted(true);
+    m_dragWidth = lifted.frame().width;
+    lifted.setLift(RowItem::Lift::inHand);
 }
 
 void ChipsRow::moveDrag(RowItem& lifted, const DragMove& move)
@@ -68,16 +69,27 @@ void ChipsRow::moveDrag(RowItem& lifted, const DragMove& move)
     m_drag->setTranslation(
         {(m_isRightToLeft ? -x : x) + m_scroll.offset() - m_scrollBeforeDrag, y});
     auto& id = m_drag->draggedID();
-    m_shown[id] = m_drag->draggedX();
+    m_isOverTarget = m_dragKind == DragKind::chip && onChip.dragged
+        && onChip.dragged(*m_chips.at(id), move.pointer);
+    lifted.setLift(m_isOverTarget ? RowItem::Lift::overTarget : RowItem::Lift::inHand);
+    m_shown[id] = m_isOverTarget ? slotUnder(move.pointer) : m_drag->draggedX();
     if (m_drag->insertionIndex() != before)
         animateTo(m_drag->slotsOfOthers(), kMakeRoom);
-    lifted.invalidateLifted();
-    place(lifted, m_shown[id], lifted.frame().width);
-    lifted.invalidateLifted();
+    place(lifted, m_shown[id], draggedWidth());
     showDragTarget(move);
-    if (m_dragKind == DragKind::chip && onChip.dragged)
-        onChip.dragged(*m_chips.at(id), move.pointer);
     scrollForDrag(lifted);
+}
+
+double ChipsRow::draggedWidth() const
+{
+    return m_isOverTarget ? ChipView::iconWidth(m_metrics) : m_dragWidth;
+}
+
+double ChipsRow::slotUnder(Point inRoot) const
+{
+    auto row = frameInRoot();
+    double middle = m_isRightToLeft ? row.maxX() - inRoot.x : inRoot.x - row.x;
+    return middle - draggedWidth() / 2 + m_scroll.offset();
 }
 
 void ChipsRow::scrollForDrag(RowItem& lifted)
@@ -86,7 +98,7 @@ void ChipsRow::scrollForDrag(RowItem& lifted)
     bool isAtStart = leading < 0 && m_scroll.offset() > 0;
     bool isAtEnd
         = leading + lifted.frame().width > bounds().width && m_scroll.offset() < m_scroll.maximum();
-    if (!isAtStart && !isAtEnd) {
+    if (m_isOverTarget || (!isAtStart && !isAtEnd)) {
         m_dragScroll = {};
         return;
     }
@@ -102,10 +114,11 @@ void ChipsRow::scrollForDrag(RowItem& lifted)
 
 void ChipsRow::endDrag(RowItem& lifted, DragPhase phase)
 {
-    lifted.invalidateLifted(); // while it may still paint outside the row
     auto drag = *std::exchange(m_drag, std::nullopt);
     m_dragScroll = {};
-    lifted.setLifted(false);
+    m_isOverTarget = false;
+    m_shown[drag.draggedID()] = drag.draggedX();
+    lifted.setLift(RowItem::Lift::none); // while it may still paint outside the row
     m_items.setFree(false);
     auto* chip = m_dragKind == DragKind::chip ? m_chips.at(drag.draggedID()) : nullptr;
     bool isDropped = phase == DragPhase::dropped && !dropElsewhere(drag);
@@ -197,9 +210,10 @@ void ChipsRow::chipDragEnded(const ChipView& chip)
 void ChipsRow::abandonDrag()
 {
     if (auto* dragged = item(m_drag->draggedID()))
-        dragged->invalidateLifted();
+        dragged->setLift(RowItem::Lift::none);
     bool wasChip = m_dragKind == DragKind::chip;
     m_drag.reset();
+    m_isOverTarget = false;
     showDragTarget({});
     m_items.setFree(false);
     m_dragScroll = {};

@@ -1,15 +1,18 @@
 #include "Quorvel/Views/RowItem.h"
 
-#include <cmath>
 #include <string>
 
 #include "Quorvel/Views/Kit/Palette.h"
+#include "Quorvel/Views/Kit/Shadow.h"
 
 namespace quorvel {
 
 namespace {
 
 struct RowItemStyle {
+    static constexpr double liftedScale = 1.05;
+    static constexpr double overTargetScale = 0.6;
+    static constexpr double edgeWidth = 1;
     static constexpr double numberMargin = 2;
     static constexpr double numberSize = 0.46; ///< share of the height inside the margin
     static constexpr double numberCorner = 0.25; ///< share of its size
@@ -18,11 +21,22 @@ struct RowItemStyle {
 
 }
 
-void RowItem::invalidateLifted()
+Rect RowItem::paintFrame() const
 {
-    constexpr double share = (kLiftedScale - 1) / 2;
-    invalidate(bounds().inset(
-        -std::ceil(frame().width * share) - 1, -std::ceil(frame().height * share) - 1));
+    if (!isLifted())
+        return frame();
+    constexpr double share = (RowItemStyle::liftedScale - 1) / 2;
+    double reach = kShadowReach * RowItemStyle::liftedScale + 1;
+    return frame().inset(-frame().width * share - reach, -frame().height * share - reach);
+}
+
+void RowItem::setLift(Lift lift)
+{
+    if (lift == m_lift)
+        return;
+    invalidatePaint();
+    m_lift = lift;
+    invalidatePaint();
 }
 
 void RowItem::pressed(PointerButton button)
@@ -58,15 +72,22 @@ void RowItem::setFilesOver(bool areOver)
 
 void RowItem::paint(Canvas& canvas) const
 {
-    if (!m_isLifted) {
-        paintItem(canvas);
-        return paintNumber(canvas);
-    }
-    canvas.save();
-    canvas.magnify(kLiftedScale, bounds().centre());
-    canvas.beginOpacity(kLiftedOpacity);
+    if (isLifted())
+        return paintLifted(canvas);
     paintItem(canvas);
-    canvas.endOpacity();
+    paintNumber(canvas);
+}
+
+void RowItem::paintLifted(Canvas& canvas) const
+{
+    double radius = m_metrics.chipCornerRadius;
+    canvas.save();
+    canvas.magnify(isOverTarget() ? RowItemStyle::overTargetScale : RowItemStyle::liftedScale,
+        bounds().centre());
+    paintShadow(canvas, face(), radius, palette());
+    canvas.fillRounded(face(), radius, palette().ground);
+    paintItem(canvas);
+    canvas.strokeRounded(face(), radius, RowItemStyle::edgeWidth, palette().popupEdge);
     canvas.restore();
 }
 

@@ -14,8 +14,11 @@ namespace quorvel {
 /// top to the bottom of the bar, so that a click at the very edge of the screen meets it.
 class RowItem : public ButtonView {
 public:
-    static constexpr double kLiftedOpacity = 0.82;
-    static constexpr double kLiftedScale = 1.05;
+    enum class Lift {
+        none,
+        inHand, ///< it follows the pointer along the bar, above the others
+        overTarget, ///< it is small, so that what it is over can be seen around it
+    };
 
     DragSource drag;
     /// Files from another program rest on the item, or no longer do.
@@ -27,15 +30,10 @@ public:
     /// How strongly a request for attention shows now, from 0 to 1.
     virtual void setPulse(double strength) = 0;
 
-    /// It follows the pointer along the bar, above the others; the bar's window ends a few points
-    /// above it.
-    void setLifted(bool isLifted) { set(m_isLifted, isLifted); }
+    void setLift(Lift);
     /// The key that uses it during the keyboard walk; 0: none, and none is shown.
     void setNumber(int number) { set(m_number, number); }
     void setRightToLeft(bool isRightToLeft) { set(m_isRightToLeft, isRightToLeft); }
-    /// Lifted, it is a little larger than its frame.
-    void invalidateLifted();
-
     void pressed(PointerButton) override;
     void dragged(const DragMove&) override;
     void released(PointerButton, bool isInside) override;
@@ -56,6 +54,7 @@ protected:
 
     const BarMetrics& metrics() const { return m_metrics; }
     bool isRightToLeft() const { return m_isRightToLeft; }
+    bool isOverTarget() const { return m_lift == Lift::overTarget; }
     Rect face() const { return bounds().centred({bounds().width, m_metrics.chipHeight}); }
     virtual void paintItem(Canvas&) const = 0;
     /// The ring while files are over it or the keyboard is on it.
@@ -63,12 +62,15 @@ protected:
 
 private:
     void setFilesOver(bool areOver);
-    bool isLifted() const override { return m_isLifted; }
+    bool isLifted() const override { return m_lift != Lift::none; }
+    /// Lifted, it throws a shadow around its frame.
+    Rect paintFrame() const override;
     void paint(Canvas&) const final;
+    void paintLifted(Canvas&) const;
     void paintNumber(Canvas&) const;
 
     BarMetrics m_metrics;
-    bool m_isLifted = false;
+    Lift m_lift = Lift::none;
     bool m_hasFilesOver = false;
     bool m_isRightToLeft = false;
     int m_number = 0;

@@ -38,10 +38,18 @@ void Tooltips::rest()
 
 void Tooltips::update()
 {
-    if (m_panel && m_target->tooltip().empty())
+    if (!m_panel || !m_target)
+        return;
+    if (m_target->tooltip().empty())
         dismiss();
-    else if (m_panel && m_target->tooltip() != m_text)
+    else if (m_target->tooltip() != m_text)
         show();
+}
+
+void Tooltips::tell(std::string text, const Rect& place)
+{
+    dismiss();
+    open(std::move(text), place);
 }
 
 void Tooltips::dismiss()
@@ -55,15 +63,19 @@ void Tooltips::show()
 {
     m_showTimer = {};
     m_moves = {};
+    open(m_target->tooltip(), m_target->frameInRoot());
+}
+
+void Tooltips::open(std::string text, const Rect& place)
+{
+    m_text = std::move(text);
     auto screens = m_platform.displays.screens();
     auto screen = std::ranges::find(screens, std::optional{m_display}, &Screen::number);
-    m_text = m_target->tooltip();
     if (screen == screens.end() || m_text.empty() || !m_bar.isVisible())
         return;
     auto bar = m_bar.frame();
-    auto view = m_target->frameInRoot();
     m_panel = std::make_unique<TooltipPanel>(m_platform, *screen, m_text,
-        Rect{bar.x + view.x, bar.maxY() - view.maxY(), view.width, view.height}, bar);
+        Rect{bar.x + place.x, bar.maxY() - place.maxY(), place.width, place.height}, bar);
 }
 
 void Tooltips::hide()

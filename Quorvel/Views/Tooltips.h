@@ -27,6 +27,9 @@ public:
     void pointAt(const View*);
     /// What the view says may have changed.
     void update();
+    /// Says at once, over a place of the bar (points, origin top left), what the pointer is about
+    /// to do there, until it is told something else; empty: nothing.
+    void tell(std::string text, const Rect& place);
     /// The user does something: none is wanted now.
     void dismiss();
 
@@ -36,6 +39,7 @@ public:
 private:
     void rest();
     void show();
+    void open(std::string text, const Rect& place);
     void hide();
 
     const Platform& m_platform;

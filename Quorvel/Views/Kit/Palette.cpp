@@ -86,6 +86,7 @@ Palette darkPalette(bool isStrong)
     palette.buttonHoveredFill = Color::grey(1, 0.1);
     palette.buttonPressedFill = Color::grey(1, 0.16);
     palette.countFill = Color::grey(0.31);
+    palette.shadow = Color::grey(0, 0.12);
     palette.popupGround = Color::grey(0.16);
     palette.popupEdge = Color::grey(1, isStrong ? 0.6 : 0.16);
     palette.cardFill = Color::grey(1, 0.08);
@@ -119,6 +120,7 @@ Palette lightPalette(bool isStrong)
     palette.buttonHoveredFill = Color::grey(0, 0.08);
     palette.buttonPressedFill = Color::grey(0, 0.13);
     palette.countFill = Color::grey(0.8);
+    palette.shadow = Color::grey(0, 0.055);
     palette.popupGround = Color::grey(0.975);
     palette.popupEdge = Color::grey(0, isStrong ? 0.6 : 0.18);
     palette.cardFill = Color::grey(0, 0.05);

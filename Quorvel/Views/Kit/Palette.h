@@ -38,6 +38,7 @@ struct Palette {
     Color buttonHoveredFill;
     Color buttonPressedFill;
     Color countFill;
+    Color shadow; ///< one of the layers that make one
 
     Color accent; ///< of marks and of the ring around what has the keyboard
     Color progress; ///< over a fill, below the text

@@ -113,14 +113,14 @@ void View::setFrame(const Rect& frame)
 {
     if (frame == m_frame)
         return;
-    invalidate();
+    invalidatePaint();
     bool isResized = frame.size() != m_frame.size();
     m_frame = frame;
     if (isResized)
         layout();
     else
         moved();
-    invalidate();
+    invalidatePaint();
 }
 
 bool View::isWithin(const View& ancestor) const
@@ -145,11 +145,13 @@ void View::invalidate(const Rect& rect)
     if (!host_ || rect.isEmpty())
         return;
     auto damage = rect;
-    for (auto* view = this; view->m_parent; view = view->m_parent) {
+    auto* view = this;
+    for (; view->m_parent; view = view->m_parent) {
         damage = damage.translated(view->m_frame.x, view->m_frame.y);
         if (view->m_parent->clipsChildren() && !view->isLifted())
             damage = damage.intersected(view->m_parent->bounds());
     }
+    damage = damage.intersected(view->bounds());
     if (!damage.isEmpty())
         host_->viewNeedsPaint(damage);
 }

@@ -101,6 +101,8 @@ protected:
     virtual bool isLifted() const { return false; }
     /// The area it paints, its children included, in the parent's coordinates.
     virtual Rect paintFrame() const { return m_frame; }
+    /// The whole of that area.
+    void invalidatePaint() { invalidate(paintFrame().translated(-m_frame.x, -m_frame.y)); }
 
     /// The descendants with a meaning of their own, in the order in which they are read.
     std::vector<View*> accessibleViews(bool isRightToLeft = false) const;

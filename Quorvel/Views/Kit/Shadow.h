@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Quorvel/Platform/Canvas.h"
+
+namespace quorvel {
+
+struct Palette;
+
+/// So far beyond its edges a face throws a shadow; points.
+constexpr double kShadowReach = 6;
+
+/// The soft shadow of what lies above the rest, to be painted before the face, which covers its
+/// middle.
+void paintShadow(Canvas&, const Rect& face, double radius, const Palette&);
+
+}
