@@ -2,6 +2,7 @@
 
 #include <cassert>
 
+#include "Quorvel/AboutWindowMenu.h"
 #include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Core/BarManager.h"
 #include "Quorvel/Core/DockController.h"
@@ -297,6 +298,7 @@ void QuorvelApp::startMainRuntime(Application& app)
     runtime.m_barManager
         = std::make_unique<BarManager>(platform, runtime.windowStore(), UserSettings::shared(),
             BadgeService::shared(), ThumbnailService::shared(), *runtime.m_barViews);
+    runtime.m_barManager->aboutWindow = [&runtime](WindowID id) { return about(runtime, id); };
     wireShortcuts(runtime);
     offerSettings(runtime);
     runtime.m_barManager->syncPanels();
@@ -307,6 +309,14 @@ void QuorvelApp::startMainRuntime(Application& app)
     observeWorkspace(runtime);
     observeHints(runtime);
     bootstrapFrontmost(runtime);
+}
+
+Menu QuorvelApp::about(Runtime& runtime, WindowID id)
+{
+    auto& manager = *runtime.m_barManager;
+    return AboutWindowMenu(runtime.m_platform, runtime.windowStore(), manager.viewModel(),
+        manager.pinStore(), runtime.userSettings())
+        .of(id);
 }
 
 void QuorvelApp::followMendedMatches(Runtime& runtime)

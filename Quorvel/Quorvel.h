@@ -9,6 +9,7 @@
 
 #include "Quorvel/Core/LaunchPermissionsState.h"
 #include "Quorvel/Platform/Dispatch.h"
+#include "Quorvel/Platform/Menu.h"
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Platform/Published.h"
 #include "Quorvel/Platform/Workspace.h"
@@ -117,6 +118,7 @@ private:
     static void bootstrap(Runtime&, ProcessID);
     static void bootstrapUnlessTriedJustNow(Runtime&, ProcessID);
     static void followMendedMatches(Runtime&);
+    static Menu about(Runtime&, WindowID);
     static void end(Runtime&);
     static void bootstrapFrontmost(Runtime&);
     static void applicationDidActivate(Runtime&, const RunningApplication&);

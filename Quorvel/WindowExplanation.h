@@ -5,8 +5,9 @@
 #include <string_view>
 #include <vector>
 
+#include "Quorvel/MatchMending.h"
 #include "Quorvel/Platform/ControlChannel.h"
-#include "Quorvel/Platform/WindowList.h"
+#include "Quorvel/WindowFacts.h"
 
 namespace quorvel {
 
@@ -20,9 +21,6 @@ struct Platform;
 /// thread.
 class WindowExplanation {
 public:
-    /// So many mended matches are kept.
-    static constexpr std::size_t kMostMended = 200;
-
     /// All it is given outlives it.
     WindowExplanation(const Platform&, const WindowStore&, const BarViewModel&, UserSettings&);
 
@@ -34,14 +32,12 @@ public:
 private:
     std::optional<CGWindowInfo> find(const std::string& window) const;
     std::string explain(const CGWindowInfo&) const;
-    std::string chipText(WindowID, bool isTracked) const;
-    void addMatch(std::string& text, const CGWindowInfo&) const;
     ControlReply mend(const CGWindowInfo&, const std::optional<std::string>& application);
 
     const Platform& m_platform;
-    const WindowStore& m_windowStore;
     const BarViewModel& m_viewModel;
-    UserSettings& m_settings;
+    WindowFacts m_facts;
+    MatchMending m_mending;
 };
 
 }

@@ -8,6 +8,7 @@
 
 #include "Quorvel/Core/BarSize.h"
 #include "Quorvel/Core/LauncherPanel.h"
+#include "Quorvel/Platform/Menu.h"
 #include "Quorvel/Platform/Surfaces.h"
 
 namespace quorvel {
@@ -47,6 +48,8 @@ struct BarContents {
     std::function<void(const std::vector<WindowID>&, SpaceID from)> onWindowsFetched;
     /// Goes to a window, wherever it is.
     std::function<void(WindowID)> onWindowRequested;
+    /// What a menu tells of a window, for whoever asks why it is here; empty if it has gone.
+    std::function<Menu(WindowID)> aboutWindow;
     /// Just before a popup is shown.
     std::function<void()> onThumbnailWillShow;
 };

@@ -329,6 +329,7 @@ BarContents BarManager::contents(const Bar& bar)
         .onWindowsFetched = [this, to = bar.spaceID()](const std::vector<WindowID>& windows,
                                 SpaceID from) { m_moves.fetchWindows(windows, from, to); },
         .onWindowRequested = [this](WindowID window) { m_navigation.goToWindow(window); },
+        .aboutWindow = aboutWindow,
         .onThumbnailWillShow = [this, &bar] { dismissPopups(&bar); },
     };
 }

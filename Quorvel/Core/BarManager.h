@@ -45,6 +45,8 @@ public:
 
     /// The user asks for the settings. Only where there is a window for them.
     std::function<void()> onSettingsRequested;
+    /// Answers for the bars. Set before they are made.
+    std::function<Menu(WindowID)> aboutWindow;
 
     AppLauncher& appLauncher() { return m_appLauncher; }
     PinStore& pinStore() { return m_pinStore; }
@@ -76,7 +78,6 @@ public:
     {
         return m_launcher.panel(kind);
     }
-    void showAppLauncher(Bar& anchor) { m_launcher.show(anchor, LauncherKind::applications); }
     /// Who asks for the launcher.
     enum class LauncherCaller {
         thisProgram,

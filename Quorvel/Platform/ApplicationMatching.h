@@ -10,13 +10,26 @@
 
 namespace quorvel {
 
+/// What led from a window to its application.
+enum class MatchKind {
+    nothing, ///< the application is not installed, as far as is known
+    userChoice,
+    applicationID,
+    windowClass,
+    similarName,
+    program, ///< that runs, or that the application starts
+};
+
+/// What a window says of itself and what is known of it.
+enum class MatchFact { applicationID, windowClass, instance, executable, desktopFile };
+
 /// The application that a window was found to belong to, and by what. Texts come from the window
 /// and may hold anything.
 struct ApplicationMatch {
     std::string bundleIdentifier;
-    std::string road; ///< in English, for whoever looks into it
-    /// What the window says of itself: the name of a fact, and its value.
-    std::vector<std::pair<std::string, std::string>> facts;
+    MatchKind kind = MatchKind::nothing;
+    std::string road; ///< the same exactly, in English, for whoever looks into it
+    std::vector<std::pair<MatchFact, std::string>> facts; ///< none is empty
     /// What its windows have in common, for a match that the user mends; empty: cannot be mended.
     std::string key;
 };

@@ -22,6 +22,7 @@
 #include "Quorvel/Views/ShowDesktopButton.h"
 #include "Quorvel/Views/SpaceCells.h"
 #include "Quorvel/Views/SpaceSwitcher.h"
+#include "Quorvel/Views/ThumbnailPopup.h"
 
 namespace quorvel {
 
@@ -111,8 +112,9 @@ void BarContentView::connectPopups()
     m_popups.onWindowClosed = [this](WindowID id) {
         onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
     };
-    m_popups.onMenuRequested
-        = [this](WindowID id, const Rect& onScreen) { openWindowMenu(id, onScreen); };
+    m_popups.onMenuRequested = [this](WindowID id, const Rect& onScreen) {
+        openWindowMenu(id, onScreen, m_popups.popup()->menuModifiers());
+    };
 }
 
 void BarContentView::subscribe()
@@ -472,15 +474,18 @@ void BarContentView::openItemsDidChange()
     m_row->setOpenItems(std::move(open));
 }
 
-ChipMenuContext BarContentView::menuContext()
+ChipMenuContext BarContentView::menuContext(std::uint64_t modifiers)
 {
+    bool asksAboutWindow = (modifiers & KeyModifier::option) != 0;
     return {m_inputs.viewModel, m_inputs.pinStore, m_inputs.platform.workspace,
         m_inputs.windowStates, m_inputs.pinStates, m_inputs.spaceID, m_spaceSwitcher->spaces(),
         m_inputs.onMoveWindowToSpaceRequested, m_inputs.onWindowsFetched,
-        m_inputs.onWindowRequested, [weak = m_weak.reference()](const std::string& bundleID) {
+        m_inputs.onWindowRequested,
+        [weak = m_weak.reference()](const std::string& bundleID) {
             if (auto* view = weak.get())
                 view->pinTapped(bundleID);
-        }};
+        },
+        asksAboutWindow ? m_inputs.aboutWindow : nullptr};
 }
 
 void BarContentView::showBarMenu(const Rect& anchor)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -143,13 +144,14 @@ private:
     /// A menu or a popup belongs to a place in the row, and the keyboard to another chip.
     void updateFollowing();
     /// Of a card; points, bottom-left origin.
-    void openWindowMenu(WindowID, const Rect& onScreen);
+    void openWindowMenu(WindowID, const Rect& onScreen, std::uint64_t modifiers);
     /// Up leads from a chip to the cards of its popup, Escape back.
     bool popupKeyPressed(const KeyEvent&);
     void returnKeysToChip();
     /// A menu, so that keyboard, outside clicks and the native look come with it.
     void showSpaceList();
-    ChipMenuContext menuContext();
+    /// The modifiers are those with which the menu is asked for.
+    ChipMenuContext menuContext(std::uint64_t modifiers = 0);
 
     ChipPopups::Inputs popupInputs();
     Rect onScreen(const Rect& inBar) const;

@@ -47,8 +47,8 @@ void BarContentView::chipClicked(const ChipView& chip, ChipView::Click click)
     if (chip.isHovered())
         m_popups.suppress(chip.item());
     if (click == ChipView::Click::secondary) {
-        openMenu(
-            chipMenu(chip.item(), menuContext()), chip.frameInRoot(), displayItemID(chip.item()));
+        openMenu(chipMenu(chip.item(), menuContext(host() ? host()->menuModifiers() : 0)),
+            chip.frameInRoot(), displayItemID(chip.item()));
     } else if (click == ChipView::Click::middle) {
         dismissThumbnailPopupImmediate();
         auto id = single ? single->id : group->windowIDs.front();
@@ -122,13 +122,13 @@ bool BarContentView::keyPressed(const KeyEvent& event)
     return true;
 }
 
-void BarContentView::openWindowMenu(WindowID id, const Rect& onScreen)
+void BarContentView::openWindowMenu(WindowID id, const Rect& onScreen, std::uint64_t modifiers)
 {
     auto* chip = findChip(m_inputs.viewModel.chipsBySpace.value(), m_inputs.spaceID, id);
     if (!chip)
         return;
     auto panel = m_inputs.surface.frame();
-    openMenu(chipMenu(*chip, menuContext()),
+    openMenu(chipMenu(*chip, menuContext(modifiers)),
         {onScreen.x - panel.x, panel.maxY() - onScreen.maxY(), onScreen.width, onScreen.height}, {},
         ThumbnailHover::OpenMenu::ofCard);
 }
@@ -145,7 +145,7 @@ bool BarContentView::popupKeyPressed(const KeyEvent& event)
     }
     if (event.asksForMenu()) {
         m_inputs.surface.releaseKeyboard();
-        openWindowMenu(card->first, card->second);
+        openWindowMenu(card->first, card->second, event.modifiers);
         return true;
     }
     if (m_popups.walk(event))

@@ -124,8 +124,12 @@ void BarHostingView::press(const PointerEvent& event)
     if (!view)
         return;
     // A menu opens on the press, so that one can drag to an entry and let go.
-    if (event.button == PointerButton::secondary)
-        return view->showContextMenuAt(event.location);
+    if (event.button == PointerButton::secondary) {
+        m_menuModifiers = event.modifiers;
+        view->showContextMenuAt(event.location);
+        m_menuModifiers = 0;
+        return;
+    }
     m_pressed = view;
     m_pressed->pointerPressed({event.button, event.location, event.modifiers});
 }
@@ -370,7 +374,7 @@ bool BarHostingView::keyPressed(const KeyEvent& event)
     if (offerKey(event))
         return true;
     if (event.asksForMenu())
-        return openMenuByKey();
+        return openMenuByKey(event);
     return m_keyboard == Keyboard::own ? useWindowKey(event) : useBarKey(event);
 }
 
@@ -382,14 +386,16 @@ bool BarHostingView::offerKey(const KeyEvent& event)
     return view != nullptr;
 }
 
-bool BarHostingView::openMenuByKey()
+bool BarHostingView::openMenuByKey(const KeyEvent& event)
 {
     auto* view = m_keyboard == Keyboard::own ? m_keyFocused : letGoOfKeyboard();
     if (!view)
         return true;
     if (m_keyboard == Keyboard::borrowed)
         m_keyFocusBefore = view;
+    m_menuModifiers = event.modifiers;
     view->showContextMenu();
+    m_menuModifiers = 0;
     return true;
 }
 

@@ -57,6 +57,7 @@ public:
     const View* keyFocusedView() const { return m_keyFocused; }
     /// Moves the keyboard within the surface.
     void setKeyFocused(View*);
+    std::uint64_t menuModifiers() const override { return m_menuModifiers; }
 
 private:
     void paint(Canvas&, const Rect& damage) override;
@@ -91,7 +92,7 @@ private:
     void setFilesOver(View*);
     void followKeyboard(bool hasKeyboard);
     bool offerKey(const KeyEvent&);
-    bool openMenuByKey();
+    bool openMenuByKey(const KeyEvent&);
     bool useWindowKey(const KeyEvent&);
     bool useBarKey(const KeyEvent&);
     void walk(int step);
@@ -113,6 +114,7 @@ private:
     View* m_keyFocused = nullptr;
     View* m_keyFocusBefore = nullptr; ///< while a menu or another window has the keyboard
     PointerButton m_pressedButton = PointerButton::none;
+    std::uint64_t m_menuModifiers = 0; ///< while a view opens its menu
     bool m_isAbandoned = false; ///< the drag that this press began
     std::unique_ptr<View> m_content;
 };

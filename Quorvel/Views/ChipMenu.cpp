@@ -173,6 +173,19 @@ void addFooter(Menu& menu, const std::optional<std::string>& bundleID, WindowID 
         [window](BarViewModel& current) { current.quitApplicationOf(window); }));
 }
 
+/// Of a group, it is about the window that stands for it, and says so.
+void addAboutEntry(Menu& menu, WindowID id, bool isInGroup, const ChipMenuContext& context)
+{
+    auto about = context.aboutWindow ? context.aboutWindow(id) : Menu{};
+    auto* chip = findChip(context.viewModel.chipsBySpace.value(), context.spaceID, id);
+    if (about.empty() || !chip)
+        return;
+    if (isInGroup)
+        about.insert(about.begin(), {{entryTitle(*chip), false, {}}, {}});
+    separate(menu);
+    menu.push_back({tr("About This Window"), true, {}, false, std::move(about)});
+}
+
 Menu windowMenu(const ChipData& chip, const ChipMenuContext& context)
 {
     auto id = chip.id;
@@ -190,6 +203,7 @@ Menu windowMenu(const ChipData& chip, const ChipMenuContext& context)
     menu.push_back(entry(
         tr("Close"), context.viewModel, [id](BarViewModel& current) { current.closeWindow(id); }));
     addFooter(menu, chip.bundleIdentifier, id, context);
+    addAboutEntry(menu, id, false, context);
     return menu;
 }
 
@@ -235,6 +249,7 @@ Menu groupMenu(const GroupedChipData& group, const ChipMenuContext& context)
     menu.push_back(
         entry(tr("Close All"), model, [ids](BarViewModel& current) { current.closeWindows(ids); }));
     addFooter(menu, group.bundleIdentifier, ids.front(), context);
+    addAboutEntry(menu, ids.front(), true, context);
     return menu;
 }
 

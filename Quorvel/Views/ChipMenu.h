@@ -29,6 +29,7 @@ struct ChipMenuContext {
     std::function<void(const std::vector<WindowID>&, SpaceID from)> onWindowsFetched;
     std::function<void(WindowID)> onWindowRequested;
     std::function<void(const std::string& bundleID)> onLaunch;
+    std::function<Menu(WindowID)> aboutWindow; ///< empty unless it is asked for
 };
 
 /// The entries in the menu of a chip. Their actions do nothing once the model is gone.

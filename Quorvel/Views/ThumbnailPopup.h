@@ -64,6 +64,9 @@ public:
     /// The card with the keyboard; absent while it is elsewhere.
     std::optional<CardPlace> keyCard() const;
 
+    /// As of a view's host, while a card asks for its menu.
+    std::uint64_t menuModifiers() const { return m_hostingView.menuModifiers(); }
+
     std::function<void(WindowID)> onWindowChosen;
     std::function<void(WindowID)> onWindowClosed;
     /// Beside a place on the screen (points, bottom-left origin).

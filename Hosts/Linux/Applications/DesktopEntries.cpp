@@ -40,11 +40,11 @@ DesktopEntries::Match DesktopEntries::match(const WindowIdentity& window) const
         const auto mended = m_mended.find(matchKey(window));
         const auto* entry = mended == m_mended.end() ? nullptr : index().withId(mended->second);
         if (entry)
-            return {std::string{entry->id()}, "the user's own match"};
+            return {std::string{entry->id()}, MatchKind::userChoice, "the user's own match"};
     }
     const auto found = matchEntry(index(), window);
-    return {
-        found.entry ? std::string{found.entry->id()} : identifierWithoutEntry(window), found.road};
+    return {found.entry ? std::string{found.entry->id()} : identifierWithoutEntry(window),
+        found.kind, found.road};
 }
 
 bool DesktopEntries::setMended(std::map<std::string, std::string> mended)

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Hosts/Linux/Applications/WindowIdentity.h"
+#include "Quorvel/Platform/ApplicationMatching.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Published.h"
 
@@ -35,7 +36,8 @@ public:
     /// Which application a window belongs to, and by what that was found.
     struct Match {
         std::string bundleIdentifier; ///< of an installed one, else derived from the window
-        std::string_view road;
+        MatchKind kind{};
+        std::string_view road; ///< the same exactly
     };
     Match match(const WindowIdentity&) const;
     /// The same without the road; never empty.

@@ -169,22 +169,25 @@ EntryMatch matchEntry(const DesktopEntryIndex& index, const WindowIdentity& wind
 {
     struct Rule {
         const Entry* (*find)(const DesktopEntryIndex&, const WindowIdentity&);
+        MatchKind kind;
         std::string_view road;
     };
+    using Kind = MatchKind;
     static constexpr Rule rules[] = {
-        {byApplicationId, "application id (_GTK_APPLICATION_ID)"},
-        {byOwnInstance, "StartupWMClass, by the instance (WM_CLASS)"},
-        {byClass, "name of the file or StartupWMClass, by the class (WM_CLASS)"},
-        {byInstance, "name of the file, by the instance (WM_CLASS)"},
-        {bySimilarName, "name of the file or StartupWMClass, in other letter case"},
-        {byCommand, "program that the file starts, by class or instance"},
-        {byShapeOfName, "name of the file, written another way"},
-        {byJavaPackage, "package of a Java class"},
-        {byExecutable, "program that the file starts, by the executable"},
+        {byApplicationId, Kind::applicationID, "application id (_GTK_APPLICATION_ID)"},
+        {byOwnInstance, Kind::windowClass, "StartupWMClass, by the instance (WM_CLASS)"},
+        {byClass, Kind::windowClass, "name of the file or StartupWMClass, by the class (WM_CLASS)"},
+        {byInstance, Kind::windowClass, "name of the file, by the instance (WM_CLASS)"},
+        {bySimilarName, Kind::similarName,
+            "name of the file or StartupWMClass, in other letter case"},
+        {byCommand, Kind::program, "program that the file starts, by class or instance"},
+        {byShapeOfName, Kind::similarName, "name of the file, written another way"},
+        {byJavaPackage, Kind::similarName, "package of a Java class"},
+        {byExecutable, Kind::program, "program that the file starts, by the executable"},
     };
     for (const auto& rule : rules) {
         if (const auto* entry = rule.find(index, window))
-            return {entry, rule.road};
+            return {entry, rule.kind, rule.road};
     }
     return {};
 }

@@ -5,13 +5,15 @@
 
 #include "Hosts/Linux/Applications/DesktopEntryIndex.h"
 #include "Hosts/Linux/Applications/WindowIdentity.h"
+#include "Quorvel/Platform/ApplicationMatching.h"
 
 namespace quorvel::xdg {
 
 /// The installed application that a window belongs to.
 struct EntryMatch {
     const DesktopEntryIndex::Entry* entry = nullptr; ///< null when that is not clear
-    std::string_view road = "no desktop file fits"; ///< by what it was found
+    MatchKind kind = MatchKind::nothing; ///< by what it was found
+    std::string_view road = "no desktop file fits"; ///< the same exactly
 };
 EntryMatch matchEntry(const DesktopEntryIndex&, const WindowIdentity&);
 

@@ -19,18 +19,19 @@ std::optional<ApplicationMatch> DesktopMatching::match(WindowID window) const
         return std::nullopt;
     const auto found = m_entries.match(*identity);
     ApplicationMatch match{.bundleIdentifier = found.bundleIdentifier,
+        .kind = found.kind,
         .road = std::string{found.road},
         .facts = {},
         .key = matchKey(*identity)};
-    const auto add = [&](const char* name, const std::string& value) {
+    const auto add = [&](MatchFact fact, const std::string& value) {
         if (!value.empty())
-            match.facts.emplace_back(name, value);
+            match.facts.emplace_back(fact, value);
     };
-    add("application id", identity->gtkApplicationId.value_or(""));
-    add("class", identity->wmClass);
-    add("instance", identity->wmInstance);
-    add("executable", identity->executableName.value_or(""));
-    add("desktop file", m_entries.path(found.bundleIdentifier).value_or(""));
+    add(MatchFact::applicationID, identity->gtkApplicationId.value_or(""));
+    add(MatchFact::windowClass, identity->wmClass);
+    add(MatchFact::instance, identity->wmInstance);
+    add(MatchFact::executable, identity->executableName.value_or(""));
+    add(MatchFact::desktopFile, m_entries.path(found.bundleIdentifier).value_or(""));
     return match;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "Quorvel/Platform/Surfaces.h"
 
 namespace quorvel {
@@ -21,6 +23,9 @@ public:
     virtual bool viewWantsKeyboard(View&) = 0;
     /// The caret of the field that takes typed text moved.
     virtual void viewTextInputDidChange() { }
+    /// The keys that were held when a menu was asked for which a view is opening now, of
+    /// `KeyModifier`; 0 at any other time.
+    virtual std::uint64_t menuModifiers() const { return 0; }
     /// Called by a view that opened a menu. Escaped: the user is where they were before.
     virtual void menuDidClose(MenuEnding) = 0;
 };
