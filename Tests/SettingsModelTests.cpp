@@ -336,6 +336,25 @@ TEST_F(SettingsModelTest, pinsAreNamedMovedAndRemovedPlaceByPlace)
     EXPECT_THAT(titles("pinsInLauncher"), Contains("Mail"));
 }
 
+// Faults: a mended match that the window does not show, goes on showing, or cannot remove; a list
+// of none.
+TEST_F(SettingsModelTest, mendedMatchesAreShownUntilTheyAreRemoved)
+{
+    desktop.install("/Applications/Mail.app", {.identifier = "mail"});
+    open();
+    auto* id = SettingsRowID::mendedMatches;
+    EXPECT_FALSE(model->description().value().row(id));
+    settings->setMendedMatches({{"class:a.A", "mail"}, {"class:b.B", "lost"}});
+    EXPECT_THAT(titles(id), ElementsAre("Mail  \u2013  class:a.A", "lost  \u2013  class:b.B"));
+    EXPECT_EQ(control<SettingsList>(id).items.front().icon, "/Applications/Mail.app");
+
+    EXPECT_EQ(apply(Change::Remove{id, "class:a.A"}), "");
+    EXPECT_THAT(settings->mendedMatches(), ElementsAre(Pair("class:b.B", "lost")));
+    EXPECT_THAT(titles(id), SizeIs(1));
+    EXPECT_EQ(apply(Change::Remove{id, "class:b.B"}), "");
+    EXPECT_FALSE(model->description().value().row(id));
+}
+
 // Faults: a row where the system has no such thing; a Dock that nobody gets back.
 TEST_F(SettingsModelTest, theDockAndUpdatesAreOfferedWhereThereAreAny)
 {

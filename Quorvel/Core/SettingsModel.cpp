@@ -231,6 +231,12 @@ std::string SettingsModel::perform(const SettingsChange::Move& move)
 
 std::string SettingsModel::perform(const SettingsChange::Remove& remove)
 {
+    if (remove.row == SettingsRowID::mendedMatches) {
+        auto mended = m_subjects.settings.mendedMatches();
+        mended.erase(remove.item);
+        m_subjects.settings.setMendedMatches(std::move(mended));
+        return {};
+    }
     auto place = placeOf(remove.row);
     if (!place)
         return noSuchRow();

@@ -31,6 +31,21 @@ SettingsRow choice(const char* id, std::string title, const std::string& value,
     return {id, std::move(title), {}, true, std::move(control)};
 }
 
+/// What is no longer installed has no name; its bundle's or desktop file's says most.
+std::string nameOfLost(const std::string& id)
+{
+    return id.substr(id.rfind('/') + 1);
+}
+
+SettingsList::Item applicationItem(const std::string& id, const SettingsFacts& facts)
+{
+    auto& applications = facts.applications;
+    auto found = std::ranges::find(applications, id, &AppInfo::id);
+    if (found == applications.end())
+        return {id, nameOfLost(id), {}};
+    return {id, found->name(), found->path().path};
+}
+
 // MARK: General
 
 std::string loginItemHelp(const SettingsFacts& facts)
@@ -81,6 +96,22 @@ SettingsPage generalPage(const SettingsFacts& facts)
 
 // MARK: Appearance
 
+/// Each application with what its windows are known by.
+SettingsGroup mendedMatchesGroup(const SettingsFacts& facts)
+{
+    SettingsList list{{}, /*isMovable=*/false, /*isRemovable=*/true};
+    for (auto& [windows, application] : *facts.data.more.mendedMatches) {
+        auto item = applicationItem(application, facts);
+        list.items.push_back({windows, item.title + "  \u2013  " + windows, std::move(item.icon)});
+    }
+    auto title = tr("Applications that you chose for windows");
+    return {.id = "mendedMatches",
+        .title = title,
+        .help = tr("Once it is removed here, windows belong to the application that is found for "
+                   "them."),
+        .rows = {{SettingsRowID::mendedMatches, title, {}, true, std::move(list)}}};
+}
+
 SettingsPage appearancePage(const SettingsFacts& facts)
 {
     auto& data = facts.data;
@@ -106,8 +137,11 @@ SettingsPage appearancePage(const SettingsFacts& facts)
             toggle("markTitleNews", tr("Mark new titles"), *data.more.withDefaults().markTitleNews,
                 tr("A dot shows that a window's title has changed since you were last there. "
                    "Numbers that count do not matter."))}};
-    return {"appearance", tr("Appearance"), "preferences-desktop-appearance-symbolic",
+    SettingsPage page{"appearance", tr("Appearance"), "preferences-desktop-appearance-symbolic",
         {std::move(bar), std::move(windows)}};
+    if (data.more.mendedMatches && !data.more.mendedMatches->empty())
+        page.groups.push_back(mendedMatchesGroup(facts));
+    return page;
 }
 
 // MARK: Keyboard
@@ -141,28 +175,13 @@ SettingsPage keyboardPage(const SettingsFacts& facts)
 
 // MARK: Pins
 
-/// What is no longer installed has no name; its bundle's or desktop file's says most.
-std::string nameOfLost(const std::string& id)
-{
-    return id.substr(id.rfind('/') + 1);
-}
-
-SettingsList::Item pinItem(const std::string& id, const SettingsFacts& facts)
-{
-    auto& applications = facts.applications;
-    auto found = std::ranges::find(applications, id, &AppInfo::id);
-    if (found == applications.end())
-        return {id, nameOfLost(id), {}};
-    return {id, found->name(), found->path().path};
-}
-
 SettingsRow pinList(
     const char* id, std::string title, PinDestination place, const SettingsFacts& facts)
 {
     SettingsList list{{}, /*isMovable=*/true, /*isRemovable=*/true};
     for (auto& record : facts.data.pinnedApps) {
         if (record.isPinned(place))
-            list.items.push_back(pinItem(record.id, facts));
+            list.items.push_back(applicationItem(record.id, facts));
     }
     auto help = list.items.empty() ? tr("Nothing is pinned here.") : std::string{};
     return {id, std::move(title), std::move(help), true, std::move(list)};

@@ -10,12 +10,13 @@
 
 namespace quorvel {
 
-/// The ids of the rows that are not fields of the record.
+/// The ids of the rows that are not fields of the record, or no simple ones.
 namespace SettingsRowID {
 inline constexpr const char* hotkey = "hotkey"; ///< made of two fields
 inline constexpr const char* findHotkey = "findHotkey"; ///< made of two fields
 inline constexpr const char* pinsOnBar = "pinsOnBar";
 inline constexpr const char* pinsInLauncher = "pinsInLauncher";
+inline constexpr const char* mendedMatches = "mendedMatches";
 inline constexpr const char* restoreDock = "restoreDock";
 inline constexpr const char* version = "version";
 inline constexpr const char* checkForUpdates = "checkForUpdates";
