@@ -30,7 +30,9 @@ TEST_P(StoppedClients, delayNobodyElse)
 
     const auto opened = other.open({.title = "opened"});
     ASSERT_TRUE(settles(bar));
-    const auto chip = bar.state().chipFrame(opened);
+    // Out of sight until the row hears that the pointer has left it.
+    Frame chip;
+    ASSERT_TRUE(eventually([&] { return (chip = bar.state().chipFrame(opened)).width > 0; }));
     const auto before = desktop.picture(chip);
     other.setTitle(opened, "retitled");
     EXPECT_TRUE(eventually([&] { return desktop.picture(chip) != before; }));
