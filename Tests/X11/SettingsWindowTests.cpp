@@ -121,13 +121,18 @@ TEST_F(SettingsWindowProgram, isOneWindowThatComesToTheFrontAndOutlivesTheBar)
     Client client{server};
     const auto other = client.open({.title = "other"});
     ASSERT_TRUE(eventually([&] { return desktop.clientTitled("other").has_value(); }));
-    desktop.activate(other);
-    ASSERT_TRUE(becomesActive(other));
+    // The program may ask once more to come to the front after it has.
+    const auto leave = [&] {
+        return eventually([&] {
+            desktop.activate(other);
+            return desktop.finishRequests() && desktop.activeWindow() == other;
+        });
+    };
+    ASSERT_TRUE(leave());
 
     EXPECT_EQ(run({"--settings"}).status, 0);
     EXPECT_TRUE(settings.isActive());
-    desktop.activate(other);
-    ASSERT_TRUE(becomesActive(other));
+    ASSERT_TRUE(leave());
     const Process second{{QUORVEL_SETTINGS_PROGRAM}, environment};
     EXPECT_TRUE(settings.isActive());
     EXPECT_EQ(settings.windowCount(), 1U);
