@@ -356,6 +356,34 @@ TEST_F(OrderMemoryTest, aDisplayComesBackWithItsOrder)
     EXPECT_EQ(shown(), here);
 }
 
+// Fault: each time that a display comes back, the windows that closed on it are waited for anew, so
+// that in the end there are more of them than the file may have, and nothing is read from it.
+TEST_F(OrderMemoryTest, closedWindowsAreForgottenHoweverOftenTheirDisplayComesBack)
+{
+    start();
+    const auto alone = desktop.model().displays;
+    for (int evening = 0; evening < 20; ++evening) {
+        desktop.addDisplay({.number = DisplayNumber{2},
+            .identifier = "second",
+            .frame = {1440, 0, 1440, 900},
+            .spaces = {{.id = SpaceID{11}, .uuid = "left"}},
+            .current = SpaceID{11}});
+        const auto window = open(editor, "closed", SpaceID{11});
+        settle();
+        ASSERT_EQ(shown(SpaceID{11}), Titles{"closed"});
+        desktop.close(window);
+        settle();
+        desktop.advance(SpacePlaces::kClosedTime);
+        desktop.setDisplays(alone);
+        settle();
+    }
+    desktop.program().willTerminate.emit();
+    const auto orders = decodeOrders(*desktop.files().bytes(FakeFiles::kOrderFile));
+    ASSERT_TRUE(orders && orders->size() == 1);
+    for (auto& space : orders->front().spaces)
+        EXPECT_LE(space.windows.size(), 1U);
+}
+
 // Faults: a space without a uuid is known by its number alone; a name that moved is not followed.
 TEST_F(OrderMemoryTest, aSpaceIsKnownByItsNameElseByItsPosition)
 {

@@ -151,10 +151,13 @@ std::vector<const ChipData*> OrderMemory::arrange(SpaceID space, const std::vect
 void OrderMemory::didShow(SpaceID space, const std::vector<DisplayItem>& items)
 {
     auto windows = windowsIn(items);
-    auto& shown = m_shown[space];
-    if (windows == shown)
+    auto shown = m_shown.find(space);
+    if (shown == m_shown.end() ? windows.empty() : windows == shown->second)
         return;
-    shown = std::move(windows);
+    if (windows.empty()) // the space may have gone, and its number never come again
+        m_shown.erase(shown);
+    else
+        m_shown.insert_or_assign(space, std::move(windows));
     m_file.writeSoon();
 }
 

@@ -68,7 +68,8 @@ void SpacePlaces::attach(SpaceID space)
     m_hasOwnOrder = m_hasOwnOrder || !m_places.empty();
     auto until = m_services.dispatch.now() + kReturnTime;
     for (auto& place : m_places) {
-        if (!place.window)
+        // Those that are waited for already get no more time, however often their display comes.
+        if (!place.window && !place.until)
             place.until = until;
     }
     if (!m_order.empty() && m_services.order.ids(space).empty())
