@@ -1,6 +1,7 @@
 // What the cards of a popup show and do, through real pointer and key events.
 #include "Quorvel/Views/ThumbnailPopup.h"
 
+#include "Quorvel/Core/ThumbnailService.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -93,6 +94,21 @@ TEST_F(ThumbnailPopupTest, picturesFollowTheirWindowsWhileThePopupIsOpen)
     desktop.advance(seconds(1));
     ASSERT_FALSE(popup());
     EXPECT_THAT(capture().watchedWindows(), SizeIs(0));
+}
+
+// Fault: a bar that runs for days holds fifty pictures of windows that have long closed.
+TEST_F(ThumbnailPopupTest, picturesGoWithTheirWindows)
+{
+    openGroup();
+    desktop.advance(seconds(1));
+    auto& pictures = runtime->thumbnailService();
+    ASSERT_TRUE(pictures.cached(draft));
+    leave();
+    desktop.minimise(inbox);
+    desktop.close(draft);
+    settle();
+    EXPECT_FALSE(pictures.cached(draft));
+    EXPECT_TRUE(pictures.cached(inbox));
 }
 
 // Faults: a wait at each chip; a popup that closes on the way to the next one.

@@ -127,6 +127,7 @@ void BarManager::refreshNow(const SpaceWindows::Answer& answer)
 {
     m_refresh = {};
     m_viewModel.refresh(answer);
+    m_thumbnailService.keepIf([this](WindowID id) { return m_windowStore.window(id) != nullptr; });
 }
 
 void BarManager::setupSpaceChangeObserver()

@@ -29,12 +29,30 @@ void ThumbnailCache::store(WindowID id, WindowPicture picture, Instant now)
         removeOldest();
 }
 
+std::vector<WindowID> ThumbnailCache::windows() const
+{
+    std::vector<WindowID> ids;
+    for (auto& [id, cached] : m_cache)
+        ids.push_back(id);
+    return ids;
+}
+
+void ThumbnailCache::forget(WindowID id)
+{
+    if (const auto found = m_cache.find(id); found != m_cache.end())
+        remove(found);
+}
+
 void ThumbnailCache::removeOldest()
 {
-    const auto oldest = std::ranges::min_element(
-        m_cache, {}, [](const auto& entry) { return entry.second.capturedAt; });
-    m_bytes -= oldest->second.picture.bytes();
-    m_cache.erase(oldest);
+    remove(std::ranges::min_element(
+        m_cache, {}, [](const auto& entry) { return entry.second.capturedAt; }));
+}
+
+void ThumbnailCache::remove(Cached::iterator cached)
+{
+    m_bytes -= cached->second.picture.bytes();
+    m_cache.erase(cached);
 }
 
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <map>
 #include <optional>
+#include <vector>
 
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/ScreenCapture.h"
@@ -19,6 +20,9 @@ public:
     std::optional<WindowPicture> ifFresh(WindowID, Instant now) const;
     std::optional<WindowPicture> ofAnyAge(WindowID) const;
     void store(WindowID, WindowPicture, Instant now);
+    /// Those that there are pictures of.
+    std::vector<WindowID> windows() const;
+    void forget(WindowID);
 
 private:
     struct CachedThumbnail {
@@ -26,9 +30,12 @@ private:
         Instant capturedAt;
     };
 
-    void removeOldest();
+    using Cached = std::map<WindowID, CachedThumbnail>;
 
-    std::map<WindowID, CachedThumbnail> m_cache;
+    void removeOldest();
+    void remove(Cached::iterator);
+
+    Cached m_cache;
     std::size_t m_bytes = 0;
 };
 

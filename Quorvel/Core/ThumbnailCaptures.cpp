@@ -81,6 +81,18 @@ void ThumbnailCaptures::cacheImage(WindowID id, const WindowPicture& picture)
     m_cache.store(id, picture, m_dispatch.now());
 }
 
+void ThumbnailCaptures::keepIf(const std::function<bool(WindowID)>& isThere)
+{
+    auto gone = [this] {
+        const std::scoped_lock lock{m_stateLock};
+        return m_cache.windows();
+    }();
+    std::erase_if(gone, isThere);
+    const std::scoped_lock lock{m_stateLock};
+    for (auto id : gone)
+        m_cache.forget(id);
+}
+
 std::vector<WindowID> ThumbnailCaptures::withoutFreshPicture(const std::vector<WindowID>& ids) const
 {
     auto wanted = uniqued(ids);

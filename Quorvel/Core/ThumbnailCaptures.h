@@ -36,6 +36,7 @@ public:
     void thumbnail(WindowID, std::function<bool()> isWanted, Result);
     std::optional<WindowPicture> staleCachedImage(WindowID) const;
     void prefetch(const std::vector<WindowID>&);
+    void keepIf(const std::function<bool(WindowID)>& isThere);
     /// However fresh the one is that there is. Popup-sized pictures are stored.
     void captureAnew(WindowID, PictureSize, AnewResult);
     ScreenCapture& screenCapture() { return m_screenCapture; }

@@ -40,6 +40,11 @@ void ThumbnailService::prefetch(const std::vector<WindowID>& ids)
     m_captures->prefetch(ids);
 }
 
+void ThumbnailService::keepIf(const std::function<bool(WindowID)>& isThere)
+{
+    m_captures->keepIf(isThere);
+}
+
 Subscription ThumbnailService::follow(
     const std::vector<WindowID>& windows, PictureSize size, OnPicture onPicture)
 {

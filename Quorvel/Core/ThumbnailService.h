@@ -17,10 +17,10 @@ class ThumbnailCaptures;
 
 /// Still pictures of windows, for the popups above the chips.
 ///
-/// A picture is fresh for 30 s; after that it is kept, as long as there is room, in case no newer
-/// one is available. Asking for the list of capturable windows is the slow part: all captures that
-/// begin while it is being requested share the answer, which is then reused for 2 s. Pictures are
-/// captured no larger than a popup shows them. Any thread.
+/// A picture is fresh for 30 s; after that it is kept, as long as there is room and the window is
+/// there, in case no newer one is available. Asking for the list of capturable windows is the slow
+/// part: all captures that begin while it is being requested share the answer, which is then reused
+/// for 2 s. Pictures are captured no larger than a popup shows them. Any thread.
 class ThumbnailService {
 public:
     using Completion = std::function<void(std::optional<WindowPicture>)>;
@@ -44,6 +44,8 @@ public:
     std::optional<WindowPicture> cached(WindowID) const;
     /// Captures those without a fresh picture, so that pictures are ready when a popup opens.
     void prefetch(const std::vector<WindowID>&);
+    /// Drops the pictures of the other windows: nobody can ask for those of closed ones again.
+    void keepIf(const std::function<bool(WindowID)>& isThere);
 
     /// The frame is that of the window, in points, global top-left origin.
     using OnPicture = std::function<void(WindowID, const WindowPicture&, const Rect& frame)>;
