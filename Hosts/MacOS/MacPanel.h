@@ -34,6 +34,7 @@ public:
     bool takeKeyboard() override;
     void releaseKeyboard() override;
     void setOpacity(double) override;
+    void setSlide(double share) override;
     void accessibleTreeDidChange() override;
     void setCursor(Cursor) override;
 
@@ -62,6 +63,7 @@ private:
         double m_opacity = 1;
     };
 
+    void placeSlid();
     void activeSpaceDidChange();
     void keyDidChange(bool isKey);
     void monitorKeys();
@@ -76,6 +78,8 @@ private:
     Calls m_calls;
     PanelPlace m_place;
     KeyboardSession m_keyboard;
+    Rect m_frame; ///< of the whole panel, wherever it has slid to
+    double m_slide = 0;
     bool m_canBecomeKey = false;
     id m_keyMonitor = nil; ///< of a launcher, while it is the key window
     Subscription m_activeSpaceChange;

@@ -1,5 +1,7 @@
 #include "Hosts/MacOS/MacPanel.h"
 
+#include <algorithm>
+
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/Focus.h"
 #include "Hosts/MacOS/KeyEvents.h"
@@ -135,7 +137,7 @@ QVPanel* makePanel(const PanelTraits& traits)
     panel.level = CGWindowLevelForKey(static_cast<CGWindowLevelKey>(traits.level));
     panel.collectionBehavior = traits.collectionBehavior;
     if (traits.ignoresMouse)
-        panel.ignoresMouseEvents = YES;
+        panel.ignoresMouseEvents = *traits.ignoresMouse;
     return panel;
 }
 
@@ -242,10 +244,47 @@ MacPanel::~MacPanel()
 
 void MacPanel::setFrame(const Rect& frame)
 {
+    m_frame = frame;
+    if (m_slide > 0)
+        return placeSlid();
     [m_panel setFrame:[m_panel frameRectForContentRect:toSystem(frame)] display:YES];
 }
 
-Rect MacPanel::frame() const { return fromSystem([m_panel contentRectForFrameRect:m_panel.frame]); }
+Rect MacPanel::frame() const
+{
+    if (m_slide > 0)
+        return m_frame;
+    return fromSystem(
+        [m_panel contentRectForFrameRect:m_panel.frame]); // the user may have moved it
+}
+
+void MacPanel::setSlide(double share)
+{
+    if (m_slide == 0)
+        m_frame = frame();
+    m_slide = share;
+    placeSlid();
+}
+
+/// The panel becomes lower, and its content hangs from its upper edge: moved down as it is, it
+/// would be seen on a display below. A panel of no height there cannot be, so the content of one
+/// that has gone whole hangs below it; were it hidden, screen readers would not find it.
+void MacPanel::placeSlid()
+{
+    const double seen = std::max(1.0, m_frame.height * (1 - m_slide));
+    const bool isGone = m_slide >= 1;
+    m_panel.contentView.autoresizesSubviews = NO;
+    [m_panel setFrame:NSMakeRect(m_frame.x, m_frame.y, m_frame.width, seen) display:YES];
+    const double above = isGone ? 0 : seen;
+    const NSRect whole = NSMakeRect(0, above - m_frame.height, m_frame.width, m_frame.height);
+    m_view.frame = whole;
+    m_blur.frame = whole;
+    m_panel.contentView.autoresizesSubviews = YES;
+    if (!isGone)
+        return;
+    releaseKeyboard();
+    [m_view losePointer];
+}
 
 void MacPanel::orderFront() { m_place.orderFront(); }
 

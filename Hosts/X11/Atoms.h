@@ -23,6 +23,7 @@ namespace quorvel::xdg::x11 {
     X(netSupported, "_NET_SUPPORTED")                                                              \
     X(netSupportingWmCheck, "_NET_SUPPORTING_WM_CHECK")                                            \
     X(netClientList, "_NET_CLIENT_LIST")                                                           \
+    X(netClientListStacking, "_NET_CLIENT_LIST_STACKING")                                          \
     X(netActiveWindow, "_NET_ACTIVE_WINDOW")                                                       \
     X(netCloseWindow, "_NET_CLOSE_WINDOW")                                                         \
     X(netCurrentDesktop, "_NET_CURRENT_DESKTOP")                                                   \

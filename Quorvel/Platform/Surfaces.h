@@ -38,6 +38,10 @@ enum class PanelKind {
     /// Lies above the bars on every space, and starts out transparent. Takes the pointer, never the
     /// keyboard.
     popup,
+    /// A strip at a screen's edge, at least one pixel high, that nobody sees: it hears of the
+    /// pointer and of files, takes presses from what is below, and is never painted. Lies above
+    /// ordinary windows and below full-screen ones, on every space.
+    edge,
     /// Like a popup, as the window of a menu: `grabInput` says what it takes.
     menu,
     /// Lies above ordinary windows on every space, below popups and menus. `makeKeyAndOrderFront`
@@ -87,6 +91,11 @@ public:
     /// Of the whole panel, from 0 to 1, without repainting. No effect where windows are not
     /// composited.
     virtual void setOpacity(double) = 0;
+    /// Slides a bar down behind the lower edge of its frame, by a share of its height from 0 (it is
+    /// seen whole) to 1; the frame stays what it is. What is behind the edge is not drawn, on no
+    /// display, and takes no pointer. A bar that has gone whole loses pointer and keyboard, but
+    /// counts as visible, and screen readers find it. No effect on other kinds.
+    virtual void setSlide(double /*share*/) { }
     /// Starts or stops blurring the desktop behind the whole panel; false where that is impossible:
     /// then paint opaque.
     virtual bool setBlursBehind(const std::optional<VisualEffect>&) = 0;

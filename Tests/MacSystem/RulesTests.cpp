@@ -44,7 +44,7 @@ TEST_F(MacRulesTest, aPanelHasOneTraitOfEachKindThatTheSystemKnows)
         kFullScreenPrimary | kFullScreenAuxiliary | kFullScreenNone,
         kPrimary | kAuxiliary | kCanJoinAllApplications};
     for (auto kind : {PanelKind::bar, PanelKind::fullscreenProxy, PanelKind::popup,
-             PanelKind::launcher, PanelKind::window}) {
+             PanelKind::launcher, PanelKind::window, PanelKind::edge}) {
         const auto traits = PanelTraits::of(kind);
         const bool isOrdinary = kind == PanelKind::window;
         for (auto bits : alternatives)
@@ -55,8 +55,12 @@ TEST_F(MacRulesTest, aPanelHasOneTraitOfEachKindThatTheSystemKnows)
             << "Stage Manager, Command-`";
         EXPECT_EQ(traits.hasOwnSpace,
             !(traits.collectionBehavior & (kCanJoinAllSpaces | kMoveToActiveSpace)));
-        EXPECT_EQ(traits.ignoresMouse, kind == PanelKind::fullscreenProxy);
-        EXPECT_EQ(bool(traits.collectionBehavior & kFullScreenAuxiliary), kind != PanelKind::bar);
+        const bool isSaidToTheSystem
+            = kind == PanelKind::fullscreenProxy || kind == PanelKind::edge;
+        EXPECT_EQ(traits.ignoresMouse.has_value(), isSaidToTheSystem);
+        EXPECT_EQ(traits.ignoresMouse.value_or(false), kind == PanelKind::fullscreenProxy);
+        EXPECT_EQ(bool(traits.collectionBehavior & kFullScreenAuxiliary),
+            kind != PanelKind::bar && kind != PanelKind::edge);
     }
 }
 

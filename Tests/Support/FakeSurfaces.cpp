@@ -16,7 +16,8 @@ bool hasKeysWhenInFront(PanelKind kind)
 
 bool hasNoSpace(PanelKind kind)
 {
-    return kind == PanelKind::popup || kind == PanelKind::menu || hasKeysWhenInFront(kind);
+    return kind == PanelKind::popup || kind == PanelKind::menu || kind == PanelKind::edge
+        || hasKeysWhenInFront(kind);
 }
 
 /// The next character of a text in UTF-8.
@@ -74,6 +75,15 @@ void FakePanel::orderOut()
         releaseKeyboard();
     if (std::erase(m_surfaces.m_grabs, this) > 0)
         std::erase(m_surfaces.m_keyHolders, this);
+    losePointer();
+}
+
+void FakePanel::setSlide(double share)
+{
+    m_slide = share;
+    if (share < 1)
+        return;
+    releaseKeyboard();
     losePointer();
 }
 

@@ -40,6 +40,7 @@ public:
     void invalidate(const Rect&) override;
     bool setBlursBehind(const std::optional<VisualEffect>&) override;
     void setOpacity(double opacity) override { m_opacity = opacity; }
+    void setSlide(double share) override;
     Duration frameInterval() const override { return seconds(1.0 / 60); }
     bool takeKeyboard() override;
     void releaseKeyboard() override;
@@ -53,6 +54,7 @@ public:
     bool isOrderedIn() const { return m_isOrderedIn; }
     bool canBecomeKey() const { return m_canBecomeKey; }
     double opacity() const { return m_opacity; }
+    double slide() const { return m_slide; }
     const std::optional<VisualEffect>& effect() const { return m_effect; }
     std::optional<Cursor> cursor() const { return m_cursor; }
     Rect bounds() const { return Rect::from({}, m_frame.size()); }
@@ -115,6 +117,7 @@ private:
     bool m_canBecomeKey = false;
     std::optional<VisualEffect> m_effect;
     double m_opacity = 1;
+    double m_slide = 0;
     bool m_hasPointer = false;
     PointerButtons m_held;
     std::uint64_t m_modifiers = 0;
@@ -173,6 +176,10 @@ public:
     FakePanel* popup() const { return firstOf(popups()); }
     /// In the order made.
     std::vector<FakePanel*> popups() const { return open(PanelKind::popup); }
+
+    /// The strip at a display's edge that calls its bar; null if there is none.
+    FakePanel* edge() const { return firstOf(edges()); }
+    std::vector<FakePanel*> edges() const { return open(PanelKind::edge); }
 
     /// The launcher that is on the screen; null if there is none.
     FakePanel* launcher() const { return firstOf(open(PanelKind::launcher)); }

@@ -28,6 +28,11 @@ PanelTraits PanelTraits::of(PanelKind kind)
         return {.level = Level::normal,
             .collectionBehavior = always | kStationary | kFullScreenAuxiliary,
             .ignoresMouse = true};
+    case PanelKind::edge:
+        return {.level = Level::dock,
+            .collectionBehavior = always | kCanJoinAllSpaces | kStationary | kFullScreenNone,
+            .ignoresMouse = false,
+            .hasOwnSpace = false};
     case PanelKind::bar:
         break;
     }

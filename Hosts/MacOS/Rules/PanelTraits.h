@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "Quorvel/Platform/Surfaces.h"
 
@@ -33,9 +34,9 @@ struct PanelTraits {
 
     Level level = Level::dock;
     std::uint64_t collectionBehavior = 0;
-    /// Clicks go through all of it. For other panels the system must not be told "no" either: that
-    /// would stop clicks from passing through transparent pixels.
-    bool ignoresMouse = false;
+    /// Whether clicks go through all of it, or through none though it is transparent. Absent:
+    /// through its transparent pixels, which ends once the system is told either.
+    std::optional<bool> ignoresMouse{};
     /// It has a title and a close button, and the system may move it.
     bool isTitled = false;
     /// It is on one space; other panels are on whatever space is shown.

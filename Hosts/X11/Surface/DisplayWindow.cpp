@@ -94,7 +94,7 @@ bool DisplayWindow::hasOrderedInPanel() const
 void DisplayWindow::update()
 {
     auto* current = panelOfCurrentSpace();
-    if (current && current->isOrderedIn())
+    if (current && current->isOrderedIn() && !current->seenPixels().isEmpty())
         return show(*current);
     // A space that is new has no panel yet: what is seen stays until it has.
     if (current || !hasOrderedInPanel())
@@ -103,9 +103,7 @@ void DisplayWindow::update()
 
 void DisplayWindow::show(X11Panel& panel)
 {
-    if (panel.frame().isEmpty())
-        return;
-    placeWindow(panel.framePixels());
+    placeWindow(panel.seenPixels(), panel.framePixels().size());
     m_drops->setPlace(m_window->frame().origin(), scale());
     if (m_shown != &panel || m_paintedScale != scale()) {
         takeAway(&panel);
@@ -149,24 +147,21 @@ void DisplayWindow::hide()
     m_hasContent = m_isLowered = m_blurs = false;
 }
 
-void DisplayWindow::placeWindow(const Rect& pixels)
+void DisplayWindow::placeWindow(const Rect& seen, Size whole)
 {
     if (!m_window) {
         m_visual = m_canBlur ? WindowVisual::withAlpha(m_context.connection)
                              : WindowVisual::ofRoot(m_context.connection);
         m_buffer = std::make_unique<BackBuffer>(m_context.connection, m_visual);
         m_window = std::make_unique<DockWindow>(
-            m_context.connection, m_context.dispatch, m_visual, pixels);
+            m_context.connection, m_context.dispatch, m_visual, seen);
         m_drops = std::make_unique<DropTarget>(
             m_context.connection, m_context.dispatch, m_window->id());
-    } else if (pixels == m_window->frame() && !m_buffer->isEmpty()) {
-        return;
     }
-    bool isResized = pixels.size() != m_window->frame().size() || m_buffer->isEmpty();
-    m_window->setFrame(pixels);
-    if (!isResized)
+    m_window->setFrame(seen);
+    if (std::exchange(m_contentSize, whole) == whole && !m_buffer->isEmpty())
         return;
-    m_buffer->resize(static_cast<int>(pixels.width), static_cast<int>(pixels.height));
+    m_buffer->resize(static_cast<int>(whole.width), static_cast<int>(whole.height));
     m_hasContent = false;
     repaintAll();
 }
@@ -175,7 +170,7 @@ void DisplayWindow::repaintAll()
 {
     if (!m_window)
         return;
-    m_damage.add(Rect::from({}, m_window->frame().size()));
+    m_damage.add(Rect::from({}, m_contentSize));
     m_paint.request();
 }
 
@@ -251,7 +246,7 @@ void DisplayWindow::endTurn()
 
 void DisplayWindow::paint()
 {
-    auto parts = m_damage.take(m_window ? Rect::from({}, m_window->frame().size()) : Rect{});
+    auto parts = m_damage.take(m_window ? Rect::from({}, m_contentSize) : Rect{});
     if (!m_shown || !m_window || m_buffer->isEmpty())
         return;
     for (auto& part : parts) {

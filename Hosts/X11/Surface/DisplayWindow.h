@@ -59,7 +59,8 @@ private:
     /// Who receives the pointer and files from now on.
     void setListener(SurfaceClient*);
     void hide();
-    void placeWindow(const Rect& pixels);
+    /// What is seen of the panel; the content behind the edge is kept, and comes up unpainted.
+    void placeWindow(const Rect& seen, Size whole);
     void updateStrut();
     void updateStacking();
 
@@ -80,6 +81,7 @@ private:
     std::unique_ptr<BackBuffer> m_buffer;
     std::unique_ptr<DockWindow> m_window;
     std::unique_ptr<DropTarget> m_drops; ///< exists as long as the window
+    Size m_contentSize; ///< pixels
     double m_paintedScale = 0;
     bool m_hasContent = false;
     bool m_isLost = false; ///< destroyed by another program

@@ -1,5 +1,7 @@
 #include "Hosts/X11/Surface/X11Panel.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
@@ -31,6 +33,12 @@ void X11Panel::setFrame(const Rect& frame)
     m_window.update();
     if (isResized)
         m_client.surfaceDidResize(frame.size());
+}
+
+void X11Panel::setSlide(double share)
+{
+    m_slide = share;
+    m_window.update();
 }
 
 void X11Panel::orderFront()
@@ -105,6 +113,15 @@ void X11Panel::accessibleTreeDidChange()
 Rect X11Panel::framePixels() const
 {
     return m_window.context().toPixels(m_frame);
+}
+
+Rect X11Panel::seenPixels() const
+{
+    auto frame = framePixels();
+    if (m_slide >= 1 || frame.isEmpty())
+        return {};
+    double gone = std::min(std::round(frame.height * m_slide), frame.height - 1);
+    return {frame.x, frame.y + gone, frame.width, frame.height - gone};
 }
 
 }

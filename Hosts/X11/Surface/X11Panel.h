@@ -28,6 +28,7 @@ public:
     Duration frameInterval() const override;
     bool takeKeyboard() override;
     void setOpacity(double) override { } // a bar never fades
+    void setSlide(double share) override;
     void releaseKeyboard() override { m_grab.release(); }
     void accessibleTreeDidChange() override;
 
@@ -38,12 +39,15 @@ public:
     /// What is painted under the content: over a blur, the tint of its material.
     Color ground() const;
     Rect framePixels() const override;
+    /// The part that is not behind the edge; empty once it has gone whole.
+    Rect seenPixels() const;
 
 private:
     DisplayWindow& m_window;
     const PanelOptions m_options;
     SurfaceClient& m_client;
     Rect m_frame; ///< points, bottom-left origin
+    double m_slide = 0;
     bool m_isOrderedIn = false;
     bool m_canBecomeKey = false;
     std::optional<VisualEffect> m_blur; ///< as far as it is available

@@ -4,6 +4,7 @@
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
+#include "Hosts/X11/Surface/X11Edge.h"
 #include "Hosts/X11/Surface/X11Panel.h"
 #include "Hosts/X11/Surface/X11Popup.h"
 #include "Hosts/X11/Surface/X11Window.h"
@@ -58,6 +59,8 @@ std::unique_ptr<PanelSurface> X11Surfaces::createPanel(
         return std::make_unique<X11Popup>(
             m_context, options, client, [this] { m_pointerMoved.emit(); });
     }
+    if (options.kind == PanelKind::edge)
+        return std::make_unique<X11Edge>(m_context, options.display, client);
     if (options.kind == PanelKind::window) {
         return std::make_unique<X11Window>(
             m_context, options, client, [this] { m_pointerMoved.emit(); });
