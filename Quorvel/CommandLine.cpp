@@ -34,6 +34,7 @@ To the running bar:
                    match windows like this one to an installed application, named
                    by its desktop file; without one, as before
   --focus          give it the keyboard: arrows, Return, Menu, Escape
+  --toggle-bar     send it out of sight, or get it back: where autoHide is on
   --quit           end it
 
   --help           show this text
@@ -49,8 +50,8 @@ bool isRequest(std::string_view argument)
 {
     return argument == "--state" || argument == "--quit" || argument == "--focus"
         || argument == "--explain" || argument == "--match" || argument == "--launcher"
-        || argument == "--find" || argument == "--settings" || argument == "--get"
-        || argument == "--set";
+        || argument == "--find" || argument == "--settings" || argument == "--toggle-bar"
+        || argument == "--get" || argument == "--set";
 }
 
 /// Whether the argument belongs to the request before it.

@@ -63,6 +63,15 @@ ControlReply answerSettingsWindowRequest(SettingsPresenter& presenter)
     return {1, "", "quorvel: there is no settings window; is quorvel-settings installed?\n"};
 }
 
+ControlReply answerToggleRequest(BarManager& manager, const UserSettings& settings)
+{
+    if (!settings.hidesBar())
+        return {1, "", "quorvel: the bar does not hide; see --set autoHide=true\n"};
+    if (manager.toggleBar())
+        return {};
+    return {1, "", "quorvel: no bar is to be seen that could hide\n"};
+}
+
 ControlReply answerFocusRequest(BarManager& manager)
 {
     if (manager.takeKeyboard())
@@ -519,8 +528,10 @@ void QuorvelApp::answerRequests(Runtime& runtime)
             bool asksForLauncher = arguments == std::vector<std::string>{"--launcher"};
             bool asksForWindows = arguments == std::vector<std::string>{"--find"};
             bool asksForSettings = arguments == std::vector<std::string>{"--settings"};
+            bool asksToToggle = arguments == std::vector<std::string>{"--toggle-bar"};
             if (!asksForWindow && !asksForFocus && !asksForLauncher && !asksForWindows
-                && !asksForSettings && arguments != std::vector<std::string>{"--state"})
+                && !asksForSettings && !asksToToggle
+                && arguments != std::vector<std::string>{"--state"})
                 return {1, "", "quorvel: the running bar does not know this request\n"};
             if (!runtime.barManager())
                 return {1, "", "quorvel: the bar is waiting for permissions\n"};
@@ -533,6 +544,8 @@ void QuorvelApp::answerRequests(Runtime& runtime)
             if (asksForLauncher || asksForWindows)
                 return answerLauncherRequest(*runtime.barManager(),
                     asksForLauncher ? LauncherKind::applications : LauncherKind::windows);
+            if (asksToToggle)
+                return answerToggleRequest(*runtime.barManager(), runtime.userSettings());
             if (asksForSettings)
                 return answerSettingsWindowRequest(*runtime.m_settingsPresenter);
             return {0,

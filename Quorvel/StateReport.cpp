@@ -141,6 +141,7 @@ Json panelJson(const Platform& platform, const BarPanel& panel)
         {"space", raw(panel.spaceID())},
         {"screen", panel.screenIndex()},
         {"visible", panel.surface().isVisible()},
+        {"slide", panel.slide().share()},
         {"frame", places.onScreen(panel.surface().frame())},
     };
     if (!panel.content())

@@ -75,6 +75,8 @@ public:
     bool setScreenIndex(std::size_t index) { return std::exchange(m_screenIndex, index) != index; }
 
     std::function<void(const ScrollEvent&)> onScroll;
+    /// The answer of `isInUse` may have changed.
+    std::function<void()> onUseChanged;
 
     virtual PanelSurface& surface() = 0;
     virtual const PanelSurface& surface() const = 0;
@@ -91,6 +93,11 @@ public:
     /// A filled bar that is not shown rests, and catches up when it is shown again.
     virtual void setShown(bool) = 0;
     virtual void dismissPopups() = 0;
+    /// The pointer is over it, or has something of it in its hand; it has the keyboard; a menu or a
+    /// popup of it is open; or it says what has gone wrong.
+    virtual bool isInUse() const = 0;
+    /// Slides it out of sight behind its screen's edge, or back.
+    virtual void setOut(bool) = 0;
     /// An item by its place in the row, pins before chips, from 0; nothing if there is none there.
     virtual void useItem(std::size_t place, ItemUse) = 0;
 

@@ -52,6 +52,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     , m_pinStates(m_windowFinder, badgeService)
     , m_launcher(platform, factory,
           {m_appLauncher, m_pinStore, settings, m_windowFinder, thumbnailService})
+    , m_hiding(platform, windowStore, settings, m_viewModel, m_panels, m_launcher)
     , m_navigation(platform, windowStore, m_viewModel, settings, m_panels)
     , m_moves(platform, windowStore, m_viewModel, m_navigation)
     , m_windowStates(windowStore, platform.accessibility)
@@ -63,11 +64,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
             platform.surfaces, platform.displays, m_panels, platform.trace);
     }
     m_panels.onContentNeeded = [this](Bar& panel) { fill(panel); };
-    m_launcher.onOpenChanged = [this](bool isOpen) {
-        setHoverKeyingSuppressed(isOpen);
-        if (isOpen)
-            releaseKeyboards();
-    };
+    m_launcher.onOpenChanged = [this](bool isOpen) { launcherDidOpen(isOpen); };
     m_launcher.onWindowChosen = [this](WindowID window) { m_navigation.goToWindow(window); };
     m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
@@ -105,9 +102,12 @@ WindowAvoidanceManager::Bars BarManager::barsToAvoid()
                 std::set<SpaceID> spaces;
                 for (auto& [space, panel] : m_panels.panels())
                     spaces.insert(space);
-                return spaces;
+                return m_hiding.isOn() ? std::set<SpaceID>{} : spaces;
             },
-        .getMirrorScreenIndices = [this] { return m_panels.mirrorScreens(); },
+        .getMirrorScreenIndices =
+            [this] {
+                return m_hiding.isOn() ? std::vector<std::size_t>{} : m_panels.mirrorScreens();
+            },
         .getSpaces = [this] { return m_spaceWindows.getSpaces(); },
         .getDockRoom = [this](const Screen& screen) { return m_dockRoom.on(screen); },
     };
@@ -127,6 +127,7 @@ void BarManager::refreshNow(const SpaceWindows::Answer& answer)
 {
     m_refresh = {};
     m_viewModel.refresh(answer);
+    m_hiding.update();
     m_thumbnailService.keepIf([this](WindowID id) { return m_windowStore.window(id) != nullptr; });
 }
 
@@ -154,6 +155,7 @@ void BarManager::handleSettingsChanged()
     }
     syncMirrorPanels();
     applyDockRectRegistrations();
+    applyEdgeReservationsIfNeeded();
     m_avoidanceManager.scheduleAdjustment(Duration::zero());
 }
 
@@ -205,6 +207,7 @@ void BarManager::placePanels(const SpaceWindows::Answer& answer)
     else if (m_unansweredSyncs++ < kMostSyncsAgain)
         syncAgain();
     m_launcher.follow(m_panels.bars());
+    m_hiding.update();
     applyDockRectRegistrations();
 }
 
@@ -213,11 +216,13 @@ void BarManager::syncMirrorPanels()
     if (!m_panels.syncMirrorPanels())
         syncAgain();
     m_launcher.follow(m_panels.bars());
+    m_hiding.update();
 }
 
 void BarManager::updateActiveSpacePanelVisibility(const SpaceWindows::Answer& answer)
 {
     m_panels.orderFront(answer.shown);
+    m_hiding.update();
 }
 
 void BarManager::closeAllPanels()
@@ -228,6 +233,7 @@ void BarManager::closeAllPanels()
     m_syncAgain = {};
     m_launcher.close();
     m_panels.closeAll();
+    m_hiding.update();
 }
 
 void BarManager::end()
@@ -273,6 +279,20 @@ bool BarManager::toggleAppLauncher(LauncherCaller caller, LauncherKind kind)
     return true;
 }
 
+void BarManager::launcherDidOpen(bool isOpen)
+{
+    setHoverKeyingSuppressed(isOpen);
+    if (isOpen)
+        releaseKeyboards();
+    m_hiding.update();
+}
+
+bool BarManager::toggleBar()
+{
+    auto* bar = resolveLauncherAnchorPanel();
+    return bar && m_hiding.toggle(*bar);
+}
+
 bool BarManager::takeKeyboard()
 {
     auto* chosen = resolveLauncherAnchorPanel();
@@ -280,7 +300,10 @@ bool BarManager::takeKeyboard()
         if (bar != chosen)
             bar->surface().releaseKeyboard();
     }
-    return chosen && chosen->surface().takeKeyboard();
+    if (!chosen)
+        return false;
+    m_hiding.callIn(*chosen);
+    return chosen->surface().takeKeyboard();
 }
 
 void BarManager::useItem(std::size_t place, ItemUse use)
@@ -368,6 +391,8 @@ std::vector<Screen> BarManager::coveredScreensForBar() const
 {
     auto screens = m_platform.displays.screens();
     std::vector<Screen> covered;
+    if (m_hiding.isOn())
+        return covered;
     for (auto index : m_panels.coveredScreens()) {
         // Where the Dock stands, the window server keeps its rectangle and no other.
         if (index < screens.size() && m_dockRoom.on(screens[index]) == 0)

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Quorvel/Core/AppLauncher.h"
+#include "Quorvel/Core/BarHiding.h"
 #include "Quorvel/Core/BarPanels.h"
 #include "Quorvel/Core/BarReservations.h"
 #include "Quorvel/Core/BarSize.h"
@@ -62,7 +63,6 @@ public:
     void screensDidChange();
     /// Repositions every panel on its screen.
     void repositionPanels();
-    void syncMirrorPanels();
     void closeAllPanels();
     /// The program is about to end, perhaps without destructors: restores the desktop.
     void end();
@@ -93,6 +93,9 @@ public:
     /// Gives the keyboard to the bar where the pointer is, to be walked with the arrow keys. False
     /// if there is none, or the system refuses.
     bool takeKeyboard();
+    /// Sends the bar where the pointer is out of sight, or gets it back. False if there is none, or
+    /// bars do not hide.
+    bool toggleBar();
 
 private:
     static constexpr Duration kAvoidanceAfterStart = seconds(0.5);
@@ -107,10 +110,12 @@ private:
     void windowsDidChange();
     void refreshNow() { refreshNow(m_spaceWindows.ask()); }
     void refreshNow(const SpaceWindows::Answer&);
+    void launcherDidOpen(bool isOpen);
     void updateActiveSpacePanelVisibility(const SpaceWindows::Answer&);
     void handleSettingsChanged();
     void applyMetrics(const BarMetrics&);
     void placePanels(const SpaceWindows::Answer&);
+    void syncMirrorPanels();
     void syncAgain();
     std::vector<Screen> coveredScreensForBar() const;
     void applyDockRectRegistrations();
@@ -143,6 +148,7 @@ private:
     WindowFinder m_windowFinder;
     PinStates m_pinStates;
     LauncherPresenter m_launcher;
+    BarHiding m_hiding;
     SpaceNavigation m_navigation;
     WheelNotches m_wheel{wheelSteps()};
     WindowMoves m_moves;

@@ -60,6 +60,8 @@ public:
     {
         return m_kind == kind ? m_panel.get() : nullptr;
     }
+    /// One that was opened from this bar is open.
+    bool isOpenFrom(const Bar& bar) const { return m_panel && anchorOf(bar) == m_anchor; }
     void show(const Bar& anchor, LauncherKind);
     /// The same for another program's shortcut, which it cannot receive while the launcher has the
     /// keyboard: pressed again, it closes the launcher.

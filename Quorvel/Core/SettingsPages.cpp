@@ -122,7 +122,10 @@ SettingsPage appearancePage(const SettingsFacts& facts)
                      std::array{
                          tr("Small"), tr("Medium"), tr("Large"), tr("Extra Large"), tr("Largest")}),
             choice("theme", tr("Theme"), data.theme, kAllBarThemes,
-                std::array{tr("Frosted"), tr("Longhorn"), tr("Aero")})}};
+                std::array{tr("Frosted"), tr("Longhorn"), tr("Aero")}),
+            toggle("autoHide", tr("Hide automatically"), *data.more.withDefaults().autoHide,
+                tr("The bar makes room for windows, and comes back when the pointer rests at the "
+                   "edge of the screen."))}};
     auto names = toggle("showWindowNamesInChips", tr("Show window names"),
         data.showWindowNamesInChips, tr("Otherwise a title is the application's name."));
     names.isEnabled = data.showChipTitles;

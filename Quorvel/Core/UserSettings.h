@@ -109,6 +109,8 @@ public:
     {
         set(&MoreSettings::windowPreviews, std::optional{isOn});
     }
+    bool hidesBar() const { return value().more.autoHide.value_or(false); }
+    void setHidesBar(bool isOn) { set(&MoreSettings::autoHide, std::optional{isOn}); }
     std::optional<std::uint32_t> numberKeyModifiers() const
     {
         return value().more.numberKeyModifiers;

@@ -21,6 +21,7 @@ struct MoreSettings {
     std::optional<std::uint32_t> numberKeyModifiers{}; ///< absent: those that the host offers
     std::optional<bool> markTitleNews{}; ///< a dot on chips whose title has changed unseen
     std::optional<bool> windowPreviews{}; ///< popups with pictures above chips
+    std::optional<bool> autoHide{}; ///< the bar goes where windows need its room
     /// The application that the user has chosen for windows, by what the host knows them by.
     std::optional<std::map<std::string, std::string>> mendedMatches{};
     /// The shortcut of the list of windows; without one of the two there is none.
@@ -34,6 +35,7 @@ struct MoreSettings {
         more.numberKeys = numberKeys.value_or(false);
         more.markTitleNews = markTitleNews.value_or(false);
         more.windowPreviews = windowPreviews.value_or(true);
+        more.autoHide = autoHide.value_or(false);
         return more;
     }
 
@@ -44,6 +46,7 @@ struct MoreSettings {
         visit("numberKeyModifiers", more.numberKeyModifiers);
         visit("markTitleNews", more.markTitleNews);
         visit("windowPreviews", more.windowPreviews);
+        visit("autoHide", more.autoHide);
         visit("mendedMatches", more.mendedMatches);
         visit("findKeyCode", more.findKeyCode);
         visit("findModifiers", more.findModifiers);

@@ -57,6 +57,7 @@ BarContentView::BarContentView(Inputs inputs)
     m_row->setFrameInterval(m_inputs.surface.frameInterval());
     m_note = &addChild(std::make_unique<BarNote>(
         m_palette, m_inputs.platform.text, m_inputs.platform.dispatch.main()));
+    m_note->onShownChanged = [this] { tellBusy(); };
 
     connectButtons();
     connectRow();
@@ -454,6 +455,18 @@ void BarContentView::menuDidClose(MenuEnding ending)
 void BarContentView::updateFollowing()
 {
     m_row->setFollowsFocus(m_isShown && m_openMenus == 0 && !m_popups.chipID() && !m_isWalked);
+    tellBusy();
+}
+
+bool BarContentView::isBusy() const
+{
+    return m_openMenus > 0 || m_popups.chipID() || m_note->isShown();
+}
+
+void BarContentView::tellBusy() const
+{
+    if (onBusyChanged)
+        onBusyChanged();
 }
 
 void BarContentView::showMenuOf(std::optional<std::string> item)

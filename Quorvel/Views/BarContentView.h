@@ -51,6 +51,8 @@ public:
     void setShown(bool);
 
     std::function<void(bool isHovered)> onChipsAreaHoverChanged;
+    /// The answer of `isBusy` may have changed.
+    std::function<void()> onBusyChanged;
     /// What its views show may be other than before.
     std::function<void()> onShownChanged;
     /// What a drop at this place (points of the bar, origin top left) would do; empty: nothing to
@@ -71,6 +73,8 @@ public:
     std::vector<std::pair<SpaceID, Rect>> spaceCellFrames() const;
     /// Null while none is open.
     const ThumbnailPopup* thumbnailPopup() const { return m_popups.popup(); }
+    /// A menu or a popup is open, or a note is to be read.
+    bool isBusy() const;
 
     void activateWindowDeferred(WindowID);
     void dismissThumbnailPopupImmediate() { m_popups.dismiss(); }
@@ -139,6 +143,7 @@ private:
         ThumbnailHover::OpenMenu = ThumbnailHover::OpenMenu::elsewhere);
     void menuDidClose(MenuEnding);
     void showMenuOf(std::optional<std::string> item);
+    void tellBusy() const;
     /// What a menu or a popup belongs to looks so while that is open.
     void openItemsDidChange();
     /// A menu or a popup belongs to a place in the row, and the keyboard to another chip.

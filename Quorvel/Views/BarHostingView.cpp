@@ -109,7 +109,15 @@ void BarHostingView::setPointer(std::optional<Point> pointer)
     bool wasHovered = std::exchange(m_pointer, pointer).has_value();
     if (m_pointer.has_value() != wasHovered && onHoverChanged)
         onHoverChanged(!wasHovered);
+    if (m_pointer.has_value() != wasHovered)
+        tellUse();
     updateHover();
+}
+
+void BarHostingView::tellUse() const
+{
+    if (onUseChanged)
+        onUseChanged();
 }
 
 void BarHostingView::press(const PointerEvent& event)
@@ -180,6 +188,7 @@ void BarHostingView::pressDidEnd()
     if (std::exchange(m_hasKeyboardForDrag, false) && m_keyboard == Keyboard::borrowed)
         m_surface->releaseKeyboard();
     updateHover();
+    tellUse();
 }
 
 std::vector<View*> BarHostingView::viewsUnderPointer() const
@@ -244,6 +253,9 @@ void BarHostingView::scrollEvent(const ScrollEvent& event)
 bool BarHostingView::dropEvent(const DropEvent& event)
 {
     View* target = nullptr;
+    bool areHere = event.action != DropAction::exited && event.action != DropAction::dropped;
+    if (std::exchange(m_areFilesHere, areHere) != areHere)
+        tellUse();
     if (m_content && event.action != DropAction::exited) {
         auto path = m_content->pathTo(event.location);
         auto found = std::find_if(
@@ -277,6 +289,8 @@ void BarHostingView::setFilesOver(View* view)
 void BarHostingView::keyboardDidChange(bool hasKeyboard)
 {
     followKeyboard(hasKeyboard);
+    if (std::exchange(m_hasKeyboard, hasKeyboard) != hasKeyboard)
+        tellUse();
     if (auto tell = onKeyboardChanged) // which may do away with the surface
         tell(hasKeyboard);
 }

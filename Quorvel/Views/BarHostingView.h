@@ -41,6 +41,8 @@ public:
     /// The deepest view under the pointer that takes it is another one now, or there is none: null.
     /// A view that vanishes is told of before that.
     std::function<void(const View*)> onPointedAt;
+    /// The answer of `isInUse` may have changed.
+    std::function<void()> onUseChanged;
     /// A button or a key has gone down, or a wheel was turned.
     std::function<void()> onUsed;
     /// Whether the views run from right to left; if unset, they do not.
@@ -53,6 +55,13 @@ public:
     std::function<void()> onCloseRequested;
     /// Where the pointer is, in points of the surface; absent while it is elsewhere.
     const std::optional<Point>& pointer() const { return m_pointer; }
+    /// The pointer is over the surface, or holds something of it or files above it; or the surface
+    /// has the keyboard.
+    bool isInUse() const
+    {
+        return m_pointer || m_pressedButton != PointerButton::none || m_areFilesHere
+            || m_hasKeyboard;
+    }
     /// Null while the keyboard is elsewhere.
     const View* keyFocusedView() const { return m_keyFocused; }
     /// Moves the keyboard within the surface.
@@ -90,6 +99,7 @@ private:
     void setPointedAt(const View*);
     std::vector<View*> viewsUnderPointer() const;
     void setFilesOver(View*);
+    void tellUse() const;
     void followKeyboard(bool hasKeyboard);
     bool offerKey(const KeyEvent&);
     bool openMenuByKey(const KeyEvent&);
@@ -111,6 +121,8 @@ private:
     bool m_hasKeyboardForDrag = false;
     ScrollGesture m_scroll;
     View* m_filesOver = nullptr;
+    bool m_areFilesHere = false; ///< over a view that takes them or not
+    bool m_hasKeyboard = false;
     View* m_keyFocused = nullptr;
     View* m_keyFocusBefore = nullptr; ///< while a menu or another window has the keyboard
     PointerButton m_pressedButton = PointerButton::none;

@@ -34,6 +34,8 @@ void BarNote::show(std::string text)
     m_end = m_main.after(kTimeToRead, [this] { hide(); });
     place();
     invalidate();
+    if (onShownChanged)
+        onShownChanged();
 }
 
 void BarNote::hide()
@@ -43,6 +45,8 @@ void BarNote::hide()
     place();
     if (auto* surface = host())
         surface->viewsDidMove();
+    if (onShownChanged)
+        onShownChanged();
 }
 
 void BarNote::setRoom(const Rect& room, bool isRightToLeft)

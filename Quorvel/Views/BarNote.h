@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "Quorvel/Platform/Dispatch.h"
@@ -19,6 +20,10 @@ public:
     /// All it is given outlives it.
     BarNote(const Palette&, const Text&, Queue& main);
 
+    /// It has begun to say something, or has ended.
+    std::function<void()> onShownChanged;
+
+    bool isShown() const { return !m_text.empty(); }
     /// Replaces what it says.
     void show(std::string text);
     void hide();

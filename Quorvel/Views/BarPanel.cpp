@@ -12,6 +12,7 @@ BarPanel::BarPanel(
     , m_menus(menus)
     , m_surface(platform.surfaces.createPanel(options, m_hostingView))
     , m_tooltips(platform, *m_surface, options.display)
+    , m_slide(platform, *m_surface)
 {
     m_hostingView.attach(*m_surface);
     m_hostingView.onScroll = [this](const ScrollEvent& event) {
@@ -30,6 +31,7 @@ BarPanel::BarPanel(
             m_content->keyboardDidLeave();
     };
     m_hostingView.onPointedAt = [this](const View* view) { m_tooltips.pointAt(view); };
+    m_hostingView.onUseChanged = [this] { tellUse(); };
     m_hostingView.onUsed = [this] { m_tooltips.dismiss(); };
     m_hostingView.onHoverChanged = [this](bool isHovered) {
         m_isHovered = isHovered;
@@ -43,6 +45,7 @@ BarPanel::~BarPanel()
     m_hostingView.onHoverChanged = nullptr;
     m_hostingView.onKeyboardChanged = nullptr;
     m_hostingView.onPointedAt = nullptr;
+    m_hostingView.onUseChanged = nullptr;
     m_hostingView.setContent(nullptr);
 }
 
@@ -74,6 +77,18 @@ void BarPanel::fill(const BarContents& contents)
     m_hostingView.isRightToLeft = [this] { return m_content && m_content->isRightToLeft(); };
     m_hostingView.setContent(std::move(view));
     updateNumbers();
+    tellUse();
+}
+
+bool BarPanel::isInUse() const
+{
+    return m_hostingView.isInUse() || (m_content && m_content->isBusy());
+}
+
+void BarPanel::tellUse() const
+{
+    if (onUseChanged)
+        onUseChanged();
 }
 
 /// The keyboard is there for a drag too, without a walk.
@@ -92,6 +107,7 @@ std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& con
               m_tooltips.dismiss();
               m_menus.popUp(*m_surface, std::move(menu), anchor, std::move(onClosed));
           };
+    view->onBusyChanged = [this] { tellUse(); };
     view->onShownChanged = [this] { m_tooltips.update(); };
     view->onDropTold
         = [this](std::string text, const Rect& place) { m_tooltips.tell(std::move(text), place); };
@@ -106,6 +122,7 @@ void BarPanel::clear()
 {
     m_content = nullptr;
     m_hostingView.setContent(nullptr);
+    tellUse();
 }
 
 void BarPanel::setShown(bool isShown)

@@ -6,6 +6,7 @@
 #include "Quorvel/Platform/Surfaces.h"
 #include "Quorvel/Views/BarContentView.h"
 #include "Quorvel/Views/BarHostingView.h"
+#include "Quorvel/Views/BarSlide.h"
 #include "Quorvel/Views/Tooltips.h"
 
 namespace quorvel {
@@ -28,6 +29,8 @@ public:
     void clear() override;
     void setShown(bool) override;
     void dismissPopups() override;
+    bool isInUse() const override;
+    void setOut(bool isOut) override { m_slide.setOut(isOut); }
     void useItem(std::size_t place, ItemUse) override;
 
     /// Null while the bar is not filled.
@@ -36,11 +39,13 @@ public:
     /// The view that the keyboard walk has reached; null if the keyboard is elsewhere.
     const View* keyFocusedView() const { return m_hostingView.keyFocusedView(); }
     const Tooltips& tooltips() const { return m_tooltips; }
+    const BarSlide& slide() const { return m_slide; }
 
 private:
     std::unique_ptr<BarContentView> makeContentView(const BarContents&);
     void updateKeying();
     void updateNumbers();
+    void tellUse() const;
 
     const Platform& m_platform;
     Menus& m_menus;
@@ -48,6 +53,7 @@ private:
     BarContentView* m_content = nullptr;
     std::unique_ptr<PanelSurface> m_surface; ///< after the hosting view, which it calls
     Tooltips m_tooltips;
+    BarSlide m_slide;
     bool m_allowBecomeKey = false;
     bool m_isHovered = false;
     bool m_areChipsHovered = false;
