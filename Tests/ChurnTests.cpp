@@ -89,6 +89,7 @@ struct ChurnRound final : ChurnOperations {
                 SCOPED_TRACE("space " + std::to_string(raw(space)));
                 ++panels;
                 expectBar(space, display, expected);
+                expectRoom(space, expected);
             }
         }
         auto isBar = [](auto* shown) { return shown->options().kind == PanelKind::bar; };
@@ -101,6 +102,21 @@ struct ChurnRound final : ChurnOperations {
         if (!runtime->userSettings().groupWindowsByApp()) { // a group remembers its last window
             EXPECT_EQ(model().displayItemsBySpace.value(), fromNothing.displayItemsBySpace.value());
         }
+    }
+    /// A bar that hides is out of the way of windows, and of nothing else.
+    void expectRoom(SpaceID space, const std::map<WindowID, TrackedWindow>& expected)
+    {
+        auto* shown = desktop.surfaces().panel(space);
+        if (!shown || bar(space).isInUse())
+            return;
+        auto place = shown->frame().flipped(desktop.model().flipHeight());
+        bool isNeeded = std::ranges::any_of(expected, [&](auto& entry) {
+            auto& window = entry.second;
+            return !window.isMinimized && window.spaceIDs.contains(space)
+                && window.frame.intersects(place);
+        });
+        bool hides = runtime->userSettings().hidesBar() && isNeeded;
+        EXPECT_EQ(shown->slide(), hides ? 1 : 0);
     }
     void expectBar(SpaceID space, const FakeDisplay& display,
         const std::map<WindowID, TrackedWindow>& expected)

@@ -352,6 +352,7 @@ struct ChurnOperations : BarFixture {
         if (!desktop.givesSpaceHints())
             switchSpace();
         runtime->userSettings().setGroupWindowsByApp(oneIn(2));
+        runtime->userSettings().setHidesBar(oneIn(2));
         settle();
         desktop.accessibility().forgetMessages();
         desktop.windowServer().forgetListings();
