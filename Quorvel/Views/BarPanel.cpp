@@ -41,11 +41,11 @@ BarPanel::BarPanel(
 
 BarPanel::~BarPanel()
 {
+    onUseChanged = nullptr;
     // A surface that goes tells of the pointer that was over it.
     m_hostingView.onHoverChanged = nullptr;
     m_hostingView.onKeyboardChanged = nullptr;
     m_hostingView.onPointedAt = nullptr;
-    m_hostingView.onUseChanged = nullptr;
     m_hostingView.setContent(nullptr);
 }
 

@@ -118,8 +118,8 @@ void DisplayWindow::show(X11Panel& panel)
     if (std::exchange(m_blurs, blurs) != blurs)
         m_window->setBlursBehind(m_blurs);
     updateStrut();
-    m_window->map();
     updateStacking();
+    m_window->map();
 }
 
 /// A panel that is no longer seen gives the keyboard back.

@@ -201,6 +201,9 @@ void DockWindow::comeBack()
 void DockWindow::setLowered(bool isLowered)
 {
     m_isLowered = isLowered;
+    // Nobody hears of a window that no manager has: it comes up as it is described.
+    if (!m_isMapped)
+        return describe();
     auto* raw = m_connection.raw();
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
