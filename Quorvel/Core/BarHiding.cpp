@@ -90,8 +90,8 @@ bool BarHiding::isOverlapped(const Bar& bar) const
     auto place = bar.surface().frame().flipped(screens.front().frame.height);
     return std::ranges::any_of(m_windowStore.windows(), [&](auto& entry) {
         auto& window = entry.second;
-        return !window.isMinimized && window.spaceIDs.contains(bar.spaceID())
-            && window.frame.intersects(place);
+        return !window.isMinimized && window.frame.intersects(place)
+            && window.spaceIDs.contains(bar.spaceID());
     });
 }
 
