@@ -138,15 +138,20 @@ TEST_P(HidingBar, leavesTheEdgeToWhoeverHasIt)
     pointer.moveTo(kAway);
     EXPECT_TRUE(eventually([&] { return isOut(); }));
 
-    // What comes to the front does not cover it.
-    const auto late = client.open({.title = "late", .frame = {0, 700, 1280, 100}});
-    ASSERT_TRUE(eventually(desktop.activation(late)));
-    pointer.moveTo(kEdge);
-    EXPECT_TRUE(eventually([&] { return isIn(); }));
-    pointer.moveTo(kAway);
-    EXPECT_TRUE(eventually([&] { return isOut(); }));
+    // What lies above everything lies below the strip once windows have changed their order.
+    auto& connection = desktop.connection();
+    const auto above = xcb_generate_id(connection.get());
+    constexpr std::uint32_t isUnmanaged = 1;
+    xcb_create_window(connection.get(), XCB_COPY_FROM_PARENT, above, connection.root(), 0, 700,
+        1280, 100, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT,
+        &isUnmanaged);
+    xcb_map_window(connection.get(), above);
+    connection.sync();
+    client.open({.title = "one more", .frame = {700, 50, 200, 100}});
+    EXPECT_TRUE(eventually([&] { return desktop.windowAt(kEdge.x, kEdge.y) != above; }));
+    xcb_destroy_window(connection.get(), above);
+    connection.sync();
     bar.kill();
-    client.destroy(late);
     EXPECT_TRUE(eventually([&] { return reachesEdge(); }));
 }
 
