@@ -183,6 +183,24 @@ TEST_F(BarScrollTest, theChipOfTheFocusedWindowComesIntoSight)
     EXPECT_EQ(desktop.dispatch().pendingTimers(), timers);
 }
 
+// Fault: each popup or menu that closes wakes the machine once more for a chip that is in sight.
+TEST_F(BarScrollTest, nothingIsWaitedForWhereNothingHasToScroll)
+{
+    ASSERT_TRUE(isWhole(inbox));
+    auto timers = desktop.dispatch().pendingTimers();
+    hoverUntilShown(draft);
+    leave();
+    desktop.advance(seconds(0.2));
+    ASSERT_FALSE(popup());
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), timers);
+
+    panel().press(hand, PointerButton::secondary);
+    panel().release(hand, PointerButton::secondary);
+    desktop.surfaces().menu()->pressKey(KeyCode::escape);
+    leave();
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), timers);
+}
+
 // Faults: a chip slides away under the pointer, the menu or the keyboard that is on it; what was
 // put off is forgotten, or done after the user has gone elsewhere by hand.
 TEST_F(BarScrollTest, theRowDoesNotMoveByItselfWhileItIsInUse)

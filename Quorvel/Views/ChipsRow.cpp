@@ -306,19 +306,30 @@ bool ChipsRow::isStill() const
         || std::ranges::any_of(m_chips, hasFilesOver) || std::ranges::any_of(m_pins, hasFilesOver);
 }
 
-void ChipsRow::followFocus()
+std::optional<ChipsRow::Place> ChipsRow::wantedInSight() const
 {
     auto focused = std::ranges::find_if(
         m_chips, [](auto& entry) { return isFocused(entry.second->item()); });
-    if (!m_wantsFocusInSight || focused == m_chips.end() || isStill())
-        return;
-    if (auto place = m_places.find(focused->first); place != m_places.end())
-        m_scroll.glideTo(place->second, focused->second->frame().width);
+    if (!m_wantsFocusInSight || focused == m_chips.end())
+        return {};
+    auto place = m_places.find(focused->first);
+    if (place == m_places.end())
+        return {};
+    return Place{place->second, focused->second->frame().width};
+}
+
+void ChipsRow::followFocus()
+{
+    auto wanted = wantedInSight();
+    if (wanted && !isStill())
+        m_scroll.glideTo(wanted->start, wanted->width);
 }
 
 void ChipsRow::followFocusSoon()
 {
-    if (m_wantsFocusInSight)
+    m_followSoon = {};
+    auto wanted = wantedInSight();
+    if (wanted && !m_scroll.isInSight(wanted->start, wanted->width))
         m_followSoon = m_dispatch.main().after(kBeforeFollowing, [this] { followFocus(); });
 }
 

@@ -133,6 +133,13 @@ private:
     /// True if another window has the focus.
     bool updateFocus(const std::vector<DisplayItem>&);
     bool isStill() const;
+    /// As if not scrolled.
+    struct Place {
+        double start = 0;
+        double width = 0;
+    };
+    /// The focused chip's, while the row is to keep it in sight.
+    std::optional<Place> wantedInSight() const;
     void followFocus();
     /// Unless the user goes on at once.
     void followFocusSoon();

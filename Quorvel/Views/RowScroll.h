@@ -38,6 +38,11 @@ public:
     void reveal(const Rect&);
     /// The same in its own time, for a range from so far behind the start of the content.
     void glideTo(double start, double width);
+    /// Whether that range is clear of the arrows now.
+    bool isInSight(double start, double width) const
+    {
+        return offsetThatShows(start, width) == m_offset;
+    }
     /// Where a glide leads to, at once.
     void finishGlide();
     void stopGlide() { m_glide.stop(); }
