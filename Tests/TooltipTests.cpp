@@ -116,6 +116,49 @@ TEST_F(TooltipTest, ofChipsSayATitleThatIsCutWhereThereIsNoPreview)
     panel().releaseKeyboard();
 }
 
+// Faults: after a switch of spaces the name of the cell comes back over what the user looks at; the
+// next cell, or the same one later, says nothing either.
+TEST_F(TooltipTest, ofASpaceCellStaysAwayAfterTheSwitch)
+{
+    auto cell = [this](std::size_t index, SpaceID space) {
+        return content(space).spaceCellFrames()[index].second.centre();
+    };
+    // What the bar of a space does once it is shown, of which some systems tell late.
+    auto comeTo = [&](SpaceID space, bool isToldBefore) {
+        auto at = cell(raw(space) - 1, current());
+        panel(current()).movePointer(at);
+        rest();
+        EXPECT_EQ(shown(), "Desktop " + std::to_string(raw(space)));
+        panel(current()).click(at);
+        panel(current()).leave();
+        if (isToldBefore)
+            panel(space).movePointer(at);
+        desktop.activateSpace(space);
+        settle();
+        panel(space).movePointer(at);
+        desktop.advance(seconds(2));
+    };
+    desktop.activateSpace(SpaceID{2});
+    settle();
+    desktop.activateSpace(SpaceID{1});
+    settle();
+    for (auto [space, isToldBefore] :
+        {std::pair{SpaceID{2}, false}, {SpaceID{3}, false}, {SpaceID{1}, true}}) {
+        comeTo(space, isToldBefore);
+        EXPECT_EQ(shown(), "") << raw(space);
+        panel(space).movePointer(cell(raw(space) % 3, space));
+        rest();
+        EXPECT_NE(shown(), "") << raw(space);
+        panel(space).leave();
+        desktop.advance(seconds(1));
+        panel(space).movePointer(cell(raw(space) - 1, space));
+        rest();
+        EXPECT_EQ(shown(), "Desktop " + std::to_string(raw(space)));
+        panel(space).leave();
+        desktop.advance(seconds(1));
+    }
+}
+
 // Faults: one that comes back under a click, lies beside a menu, or over what is dragged; the words
 // read out twice.
 TEST_F(TooltipTest, goWithWhateverTheUserDoes)

@@ -1,5 +1,7 @@
 #include "Quorvel/Views/BarPanel.h"
 
+#include <utility>
+
 #include "Quorvel/Platform/Platform.h"
 #include "Quorvel/Views/Menu/Menus.h"
 
@@ -76,6 +78,8 @@ void BarPanel::fill(const BarContents& contents)
     m_content = view.get();
     m_hostingView.isRightToLeft = [this] { return m_content && m_content->isRightToLeft(); };
     m_hostingView.setContent(std::move(view));
+    m_isShown = true;
+    m_tooltips.barDidAppear();
     updateNumbers();
     tellUse();
 }
@@ -121,14 +125,18 @@ std::unique_ptr<BarContentView> BarPanel::makeContentView(const BarContents& con
 void BarPanel::clear()
 {
     m_content = nullptr;
+    m_isShown = false;
     m_hostingView.setContent(nullptr);
     tellUse();
 }
 
 void BarPanel::setShown(bool isShown)
 {
+    bool wasShown = std::exchange(m_isShown, isShown);
     if (!isShown)
         m_tooltips.dismiss();
+    else if (!wasShown)
+        m_tooltips.barDidAppear();
     if (m_content)
         m_content->setShown(isShown);
 }

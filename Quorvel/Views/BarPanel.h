@@ -56,6 +56,7 @@ private:
     BarSlide m_slide;
     bool m_allowBecomeKey = false;
     bool m_isHovered = false;
+    bool m_isShown = false;
     bool m_areChipsHovered = false;
     bool m_isHoverKeyingSuppressed = false;
 };

@@ -1,6 +1,7 @@
 #include "Quorvel/Views/Tooltips.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Views/Kit/View.h"
@@ -17,7 +18,11 @@ Tooltips::Tooltips(const Platform& platform, const PanelSurface& bar, DisplayNum
 void Tooltips::pointAt(const View* view)
 {
     hide();
-    m_target = view && !view->tooltip().empty() ? view : nullptr;
+    m_hasPointer = view != nullptr;
+    auto appearedUnder = view ? std::exchange(m_appearedUnder, std::nullopt) : std::nullopt;
+    bool isQuiet
+        = !view || view->tooltip().empty() || (appearedUnder && isUnder(*view, *appearedUnder));
+    m_target = isQuiet ? nullptr : view;
     if (!m_target)
         return;
     bool isNext
@@ -44,6 +49,23 @@ void Tooltips::update()
         dismiss();
     else if (m_target->tooltip() != m_text)
         show();
+}
+
+void Tooltips::barDidAppear()
+{
+    dismiss();
+    // Some systems tell of the pointer before, others after.
+    m_appearedUnder
+        = m_hasPointer ? std::nullopt : std::optional{m_platform.displays.pointerLocation()};
+}
+
+bool Tooltips::isUnder(const View& view, Point globalTopLeft) const
+{
+    auto screens = m_platform.displays.screens();
+    if (screens.empty())
+        return false;
+    auto bar = m_bar.frame().flipped(screens.front().frame.height);
+    return view.frameInRoot().translated(bar.x, bar.y).contains(globalTopLeft);
 }
 
 void Tooltips::tell(std::string text, const Rect& place)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "Quorvel/Platform/Dispatch.h"
@@ -27,6 +28,9 @@ public:
     void pointAt(const View*);
     /// What the view says may have changed.
     void update();
+    /// The bar is shown from now on. Whatever it comes under says nothing until the pointer goes
+    /// on: it rests there since before, perhaps after the click that has shown this bar.
+    void barDidAppear();
     /// Says at once, over a place of the bar (points, origin top left), what the pointer is about
     /// to do there, until it is told something else; empty: nothing.
     void tell(std::string text, const Rect& place);
@@ -41,11 +45,14 @@ private:
     void show();
     void open(std::string text, const Rect& place);
     void hide();
+    bool isUnder(const View&, Point globalTopLeft) const;
 
     const Platform& m_platform;
     const PanelSurface& m_bar;
     DisplayNumber m_display;
     const View* m_target = nullptr; ///< null once it is not to show any
+    bool m_hasPointer = false;
+    std::optional<Point> m_appearedUnder; ///< the pointer, of which nothing has been heard yet
     std::string m_text; ///< of the panel
     std::unique_ptr<TooltipPanel> m_panel;
     Instant m_lastSeen = Instant::min();
