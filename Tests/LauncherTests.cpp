@@ -116,6 +116,42 @@ TEST_F(LauncherTest, closesAsSoonAsTheUserTurnsToSomethingElse)
     EXPECT_FALSE(isOpen());
 }
 
+// Faults: the button does not show that the launcher is its own; it stays lit, or goes out with
+// something else; that of another display is lit as well.
+TEST_F(LauncherTest, theButtonIsLitWhileTheLauncherIsOpenFromItsBar)
+{
+    desktop.addDisplay({.number = DisplayNumber{2},
+        .identifier = "SECOND",
+        .frame = {1440, 0, 1000, 900},
+        .spaces = {{SpaceID{11}}},
+        .current = SpaceID{11}});
+    startWithApplications();
+    auto isLit = [this](SpaceID space) {
+        auto at = content(space).menuButtonFrame().centre();
+        auto pressed = Palette::of({}).buttonPressedFill;
+        return std::ranges::any_of(panel(space).render().drawn<DrawnFill>(),
+            [&](auto& fill) { return fill.color == pressed && fill.rect.contains(at); });
+    };
+    clickButton();
+    leave();
+    EXPECT_TRUE(isLit(SpaceID{1}));
+    EXPECT_FALSE(isLit(SpaceID{11}));
+    openMenuOf("Maps");
+    desktop.surfaces().closeMenu();
+    desktop.drain();
+    EXPECT_TRUE(isLit(SpaceID{1}));
+    runtime->userSettings().setBarSize(BarSize::large);
+    desktop.drain();
+    ASSERT_TRUE(isOpen());
+    EXPECT_TRUE(isLit(SpaceID{1})) << "the bar was made anew";
+    key(KeyCode::escape);
+    EXPECT_FALSE(isLit(SpaceID{1}));
+    desktop.control().send({"--find"});
+    desktop.drain();
+    EXPECT_TRUE(isOpen());
+    EXPECT_FALSE(isLit(SpaceID{1})) << "the button opens something else";
+}
+
 // Faults: the press of another button, or one that is long past, keeps the button from opening it;
 // a press opens what it has just closed, since the pointer has moved on while it was handled.
 TEST_F(LauncherTest, onlyThePressThatClosesItDoesNotOpenItAnew)

@@ -98,6 +98,8 @@ public:
     virtual bool isInUse() const = 0;
     /// Slides it out of sight behind its screen's edge, or back.
     virtual void setOut(bool) = 0;
+    /// What its menu button opens is on the screen, or not.
+    virtual void setLauncherOpen(bool) = 0;
     /// An item by its place in the row, pins before chips, from 0; nothing if there is none there.
     virtual void useItem(std::size_t place, ItemUse) = 0;
 

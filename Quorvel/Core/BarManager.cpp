@@ -282,6 +282,8 @@ bool BarManager::toggleAppLauncher(LauncherCaller caller, LauncherKind kind)
 void BarManager::launcherDidOpen(bool isOpen)
 {
     setHoverKeyingSuppressed(isOpen);
+    for (auto* bar : m_panels.bars())
+        bar->setLauncherOpen(m_launcher.areApplicationsOpenFrom(*bar));
     if (isOpen)
         releaseKeyboards();
     m_hiding.update();
@@ -328,6 +330,7 @@ void BarManager::fill(Bar& bar)
     bar.onScroll
         = [this, space = bar.spaceID()](const ScrollEvent& event) { m_wheel.scroll(event, space); };
     bar.fill(contents(bar));
+    bar.setLauncherOpen(m_launcher.areApplicationsOpenFrom(bar));
 }
 
 BarContents BarManager::contents(const Bar& bar)

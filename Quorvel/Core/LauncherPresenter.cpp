@@ -121,7 +121,7 @@ bool LauncherPresenter::buttonPressed(const Bar& bar)
 
 void LauncherPresenter::buttonTapped(const Bar& bar)
 {
-    if (panel(LauncherKind::applications) && anchorOf(bar) == m_anchor)
+    if (areApplicationsOpenFrom(bar))
         return close();
     show(bar, LauncherKind::applications);
 }

@@ -62,6 +62,11 @@ public:
     }
     /// One that was opened from this bar is open.
     bool isOpenFrom(const Bar& bar) const { return m_panel && anchorOf(bar) == m_anchor; }
+    /// Of its menu button.
+    bool areApplicationsOpenFrom(const Bar& bar) const
+    {
+        return m_kind == LauncherKind::applications && isOpenFrom(bar);
+    }
     void show(const Bar& anchor, LauncherKind);
     /// The same for another program's shortcut, which it cannot receive while the launcher has the
     /// keyboard: pressed again, it closes the launcher.

@@ -78,7 +78,7 @@ void BarContentView::connectButtons()
     };
     m_menuButton->onSecondaryTapped = [this] {
         showBarMenu(m_menuButton->frameInRoot());
-        m_menuButton->setOpen(true);
+        m_menuButton->setMenuOpen(true);
     };
     m_showDesktopButton->onTapped = [this] { triggerShowDesktop(); };
     m_spaceSwitcher->onSpaceSwitchRequested = [this](SpaceID space) {
@@ -383,6 +383,11 @@ Rect BarContentView::onScreen(const Rect& inBar) const
 
 // MARK: Buttons and the keyboard
 
+void BarContentView::setLauncherOpen(bool isOpen)
+{
+    m_menuButton->setLauncherOpen(isOpen);
+}
+
 void BarContentView::triggerShowDesktop()
 {
     dismissThumbnailPopupImmediate();
@@ -472,7 +477,7 @@ void BarContentView::tellBusy() const
 void BarContentView::showMenuOf(std::optional<std::string> item)
 {
     m_itemOfMenu = std::move(item);
-    m_menuButton->setOpen(false);
+    m_menuButton->setMenuOpen(false);
     m_spaceSwitcher->setListOpen(false);
     openItemsDidChange();
 }

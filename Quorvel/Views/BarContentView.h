@@ -88,6 +88,7 @@ public:
     /// for another window.
     void setShowsNumbers(bool);
     void keyboardDidLeave();
+    void setLauncherOpen(bool);
     bool isRightToLeft() const;
 
 private:

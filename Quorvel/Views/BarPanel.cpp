@@ -154,4 +154,10 @@ void BarPanel::dismissPopups()
         m_content->dismissThumbnailPopupImmediate();
 }
 
+void BarPanel::setLauncherOpen(bool isOpen)
+{
+    if (m_content)
+        m_content->setLauncherOpen(isOpen);
+}
+
 }

@@ -31,6 +31,7 @@ public:
     void dismissPopups() override;
     bool isInUse() const override;
     void setOut(bool isOut) override { m_slide.setOut(isOut); }
+    void setLauncherOpen(bool) override;
     void useItem(std::size_t place, ItemUse) override;
 
     /// Null while the bar is not filled.
@@ -55,8 +56,8 @@ private:
     Tooltips m_tooltips;
     BarSlide m_slide;
     bool m_allowBecomeKey = false;
-    bool m_isHovered = false;
     bool m_isShown = false;
+    bool m_isHovered = false;
     bool m_areChipsHovered = false;
     bool m_isHoverKeyingSuppressed = false;
 };

@@ -17,6 +17,18 @@ void MenuButton::clicked(PointerButton button)
         ButtonView::clicked(button);
 }
 
+void MenuButton::setLauncherOpen(bool isOpen)
+{
+    m_isLauncherOpen = isOpen;
+    setOpen(m_isLauncherOpen || m_isMenuOpen);
+}
+
+void MenuButton::setMenuOpen(bool isOpen)
+{
+    m_isMenuOpen = isOpen;
+    setOpen(m_isLauncherOpen || m_isMenuOpen);
+}
+
 AccessibleState MenuButton::accessibleState() const
 {
     auto state = buttonState(tr("Applications"), tr("Open"));

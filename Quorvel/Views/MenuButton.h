@@ -17,6 +17,10 @@ public:
     /// It goes down. True: the press means nothing more.
     std::function<bool()> onPressed;
 
+    /// What it opens is on the screen.
+    void setLauncherOpen(bool isOpen);
+    void setMenuOpen(bool isOpen);
+
     void pressed(PointerButton) override;
 
     std::string accessibleID() const override { return "menu"; }
@@ -29,6 +33,8 @@ private:
 
     BarMetrics m_metrics;
     bool m_isPressUsed = false;
+    bool m_isLauncherOpen = false;
+    bool m_isMenuOpen = false;
 };
 
 }

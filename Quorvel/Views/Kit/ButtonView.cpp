@@ -53,9 +53,9 @@ AccessibleState ButtonView::menuButtonState(std::string name) const
 
 void ButtonView::paintFace(Canvas& canvas, const Rect& face, double radius) const
 {
-    if (m_isPressed)
+    if (m_isPressed || m_isOpen)
         canvas.fillRounded(face, radius, m_palette.buttonPressedFill);
-    else if (isLit())
+    else if (m_isHovered)
         canvas.fillRounded(face, radius, m_palette.buttonHoveredFill);
     if (m_palette.hasEdges)
         canvas.strokeRounded(face, radius, 1, m_palette.edge);

@@ -29,7 +29,7 @@ public:
     bool isAccessible() const override { return true; }
     bool performAccessibleAction(std::size_t) override;
     void setKeyFocused(bool isFocused) override { set(m_hasKeyFocus, isFocused); }
-    /// While something that it opened is on the screen, it looks as under the pointer.
+    /// While something that it opened is on the screen, its face is that of a pressed one.
     void setOpen(bool isOpen) { set(m_isOpen, isOpen); }
     void showContextMenu() override
     {
@@ -43,7 +43,7 @@ protected:
     /// It was pressed and let go on the view.
     virtual void clicked(PointerButton);
     bool isHovered() const { return m_isHovered; }
-    /// Under the pointer, or it looks so.
+    /// Under the pointer, or open.
     bool isLit() const { return m_isHovered || m_isOpen; }
     bool isPressed() const { return m_isPressed; }
     bool hasKeyFocus() const { return m_hasKeyFocus; }
@@ -51,7 +51,7 @@ protected:
     AccessibleState buttonState(std::string name, std::string action) const;
     /// The same for a button that opens a menu.
     AccessibleState menuButtonState(std::string name) const;
-    /// The usual background: nothing at rest, more under the pointer and while pressed.
+    /// The usual background: nothing at rest, more under the pointer, most while pressed or open.
     void paintFace(Canvas&, const Rect& face, double radius) const;
     template <typename Value> void set(Value& member, Value value)
     {
