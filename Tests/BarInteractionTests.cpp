@@ -237,6 +237,29 @@ TEST_F(BarInteractionTest, whatIsInTheHandLiesAboveTheRestAndSaysWhereItGoes)
     EXPECT_EQ(chipFrame(draft)->centre(), start);
 }
 
+// Faults: the edge of the bar cuts the shadow; on a low bar there is none left.
+TEST_F(BarInteractionTest, theShadowOfWhatIsInTheHandEndsInsideTheBar)
+{
+    for (auto size : kAllBarSizes) {
+        runtime->userSettings().setBarSize(size);
+        settle();
+        auto start = middleOf(draft);
+        panel().press(start);
+        panel().movePointer(start.translated(20, 0));
+        desktop.drain();
+        Rect shadow;
+        for (auto& fill : panel().render().drawn<DrawnFill>())
+            shadow = fill.color == palette().shadow ? shadow.united(fill.rect) : shadow;
+        auto lifted = groundOfLifted();
+        EXPECT_GE(shadow.maxY(), lifted.maxY() + 2) << rawValue(size);
+        EXPECT_LE(shadow.maxY(), panel().bounds().maxY() + 1e-9) << rawValue(size);
+        EXPECT_GE(shadow.y, 0) << rawValue(size);
+        panel().release(start.translated(20, 0));
+        leave();
+        settle();
+    }
+}
+
 // Faults: a press where a chip was a moment ago closes the gap, so that the next one hits a
 // neighbour; a window that opens makes the chips of a full row narrower under the pointer.
 TEST_F(BarInteractionTest, nothingMovesUnderTheHandThatPressesAGapOrRestsOnAFullRow)

@@ -1,5 +1,6 @@
 #include "Quorvel/Views/RowItem.h"
 
+#include <algorithm>
 #include <string>
 
 #include "Quorvel/Views/Kit/Palette.h"
@@ -82,9 +83,11 @@ void RowItem::paintLifted(Canvas& canvas) const
 {
     double radius = m_metrics.chipCornerRadius;
     canvas.save();
-    canvas.magnify(isOverTarget() ? RowItemStyle::overTargetScale : RowItemStyle::liftedScale,
-        bounds().centre());
-    paintShadow(canvas, face(), radius, palette());
+    double scale = isOverTarget() ? RowItemStyle::overTargetScale : RowItemStyle::liftedScale;
+    canvas.magnify(scale, bounds().centre());
+    // Cut at the edge of the bar it would look like a fault.
+    double room = (bounds().height / scale - face().height) / 2;
+    paintShadow(canvas, face(), radius, std::clamp(room, 0.0, kShadowReach), palette());
     canvas.fillRounded(face(), radius, palette().ground);
     paintItem(canvas);
     canvas.strokeRounded(face(), radius, RowItemStyle::edgeWidth, palette().popupEdge);

@@ -6,17 +6,21 @@ namespace quorvel {
 
 namespace {
 
-constexpr double kStep = 1;
-constexpr double kFall = 1; ///< light comes from above
+constexpr int kLayers = 5;
+constexpr double kFall = 1.0 / 6; ///< of its reach: light comes from above
 
 }
 
 /// Each layer adds to those around it, so that the shadow is darkest at the face.
-void paintShadow(Canvas& canvas, const Rect& face, double radius, const Palette& palette)
+void paintShadow(
+    Canvas& canvas, const Rect& face, double radius, double reach, const Palette& palette)
 {
-    for (double reach = kShadowReach - kFall; reach > 0; reach -= kStep)
+    double fall = reach * kFall;
+    for (int layer = kLayers; layer > 0; --layer) {
+        double around = (reach - fall) * layer / kLayers;
         canvas.fillRounded(
-            face.inset(-reach, -reach).translated(0, kFall), radius + reach, palette.shadow);
+            face.inset(-around, -around).translated(0, fall), radius + around, palette.shadow);
+    }
 }
 
 }

@@ -6,11 +6,11 @@ namespace quorvel {
 
 struct Palette;
 
-/// So far beyond its edges a face throws a shadow; points.
+/// So far beyond its edges a face throws a shadow where there is room; points.
 constexpr double kShadowReach = 6;
 
 /// The soft shadow of what lies above the rest, to be painted before the face, which covers its
-/// middle.
-void paintShadow(Canvas&, const Rect& face, double radius, const Palette&);
+/// middle. It reaches no further than that many points.
+void paintShadow(Canvas&, const Rect& face, double radius, double reach, const Palette&);
 
 }
