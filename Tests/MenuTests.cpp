@@ -369,6 +369,33 @@ TEST_F(MenuTest, isReadPressedAndMirrored)
     EXPECT_THAT(logged(), ElementsAre("closed", "Two"));
 }
 
+// Faults: keys lie under a title or an arrow, or in no column; those of another system; they stay
+// where they are when reading goes left.
+TEST_F(MenuTest, tellsTheKeysThatDoTheSame)
+{
+    auto menu = sample();
+    menu[0].keys = MenuKeys{KeyCode::enter, KeyModifier::shift};
+    menu[4].keys = MenuKeys{KeyCode::forwardDelete, KeyModifier::control};
+    for (bool isRightToLeft : {false, true}) {
+        desktop.program().setAppearance({.isRightToLeft = isRightToLeft});
+        open(menu, {700, 20});
+        auto drawn = top().render();
+        auto* title = drawn.text("Alto");
+        auto* keys = drawn.text("⌃⌦");
+        auto* otherKeys = drawn.text("⇧↩");
+        ASSERT_TRUE(title && keys && otherKeys);
+        EXPECT_EQ(keys->style.alignment, TextAlignment::trailing);
+        EXPECT_EQ(keys->rect.x, otherKeys->rect.x);
+        EXPECT_FALSE(keys->rect.intersects(title->rect));
+        EXPECT_EQ(keys->rect.x > title->rect.x, !isRightToLeft);
+        for (auto& symbol : drawn.drawn<DrawnSymbol>())
+            EXPECT_FALSE(
+                keys->rect.intersects(symbol.rect.translated(0, keys->rect.y - symbol.rect.y)));
+        top().pressKey(KeyCode::escape);
+        desktop.drain();
+    }
+}
+
 // Fault: views are drawn where the system has menus of its own.
 TEST_F(MenuTest, isLeftToASystemThatDrawsMenus)
 {

@@ -45,6 +45,20 @@ std::uint64_t modifiersOf(NSEvent* event)
     return event.modifierFlags & known;
 }
 
+NSString* keyEquivalentOf(KeyCode key)
+{
+    switch (key) {
+    case KeyCode::enter:
+        return @"\r";
+    case KeyCode::backspace:
+        return @"\b";
+    case KeyCode::forwardDelete:
+        return [NSString stringWithFormat:@"%C", static_cast<unichar>(NSDeleteFunctionKey)];
+    default:
+        return @"";
+    }
+}
+
 KeyEvent keyEventOf(NSEvent* event)
 {
     return {KeyCode{event.keyCode}, typed(event.characters),

@@ -1,6 +1,7 @@
 #include "Hosts/MacOS/MacSurfaces.h"
 
 #include "Hosts/MacOS/Conversions.h"
+#include "Hosts/MacOS/KeyEvents.h"
 #include "Hosts/MacOS/MacPanel.h"
 #include "Hosts/MacOS/MacTextField.h"
 
@@ -48,6 +49,10 @@
     entry.enabled = item.isEnabled;
     entry.state = item.isChecked ? NSControlStateValueOn : NSControlStateValueOff;
     entry.tag = static_cast<NSInteger>(_session->add(item.action));
+    if (item.keys) {
+        entry.keyEquivalent = quorvel::keyEquivalentOf(item.keys->key);
+        entry.keyEquivalentModifierMask = item.keys->modifiers;
+    }
     if (!item.submenu.empty())
         entry.submenu = [self makeMenu:item.submenu];
     return entry;

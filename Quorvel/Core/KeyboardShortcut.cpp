@@ -38,6 +38,7 @@ constexpr KeyName kSymbols[] = {
     {48, "⇥"},
     {53, "⎋"},
     {51, "⌫"},
+    {117, "⌦"},
     {123, "←"},
     {124, "→"},
     {126, "↑"},
@@ -72,6 +73,12 @@ std::string keyCodeToString(std::uint32_t keyCode)
     if (symbol != std::end(kSymbols))
         return std::string{symbol->name};
     return std::string{keyName(keyCode).value_or("?")};
+}
+
+std::string shortcutText(const Hotkeys* hotkeys, const KeyboardShortcut& shortcut)
+{
+    auto text = hotkeys ? hotkeys->shortcutText(shortcut.keyCode, shortcut.modifiers) : "";
+    return text.empty() ? shortcut.displayString() : text;
 }
 
 std::string KeyboardShortcut::displayString() const

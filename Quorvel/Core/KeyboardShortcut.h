@@ -8,6 +8,8 @@
 
 namespace quorvel {
 
+class Hotkeys;
+
 /// A key by its place, with modifiers. The numbers are the Mac's on every host, so that a settings
 /// file can move from one system to another.
 struct KeyboardShortcut {
@@ -24,6 +26,9 @@ struct KeyboardShortcut {
 bool isKeyOfShortcut(std::uint32_t keyCode);
 
 std::string keyCodeToString(std::uint32_t keyCode);
+
+/// As programs of this system write it, which the Mac's do where that is not known.
+std::string shortcutText(const Hotkeys*, const KeyboardShortcut&);
 
 /// Of `KeyModifier` bits those that a shortcut can have, as bits of `HotkeyModifier`.
 std::uint32_t hotkeyModifiersFrom(std::uint64_t modifierFlags);

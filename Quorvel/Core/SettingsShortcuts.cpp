@@ -34,15 +34,9 @@ std::string statusText(HotkeyManager::State state)
     return {};
 }
 
-std::string textOf(const Hotkeys& hotkeys, const KeyboardShortcut& shortcut)
-{
-    auto text = hotkeys.shortcutText(shortcut.keyCode, shortcut.modifiers);
-    return text.empty() ? shortcut.displayString() : text;
-}
-
 std::string numberKeysText(const Hotkeys& hotkeys, std::uint32_t modifiers)
 {
-    return trFormat("{} to 9", textOf(hotkeys, {NumberKeys::kKeyCodes.front(), modifiers}));
+    return trFormat("{} to 9", shortcutText(&hotkeys, {NumberKeys::kKeyCodes.front(), modifiers}));
 }
 
 }
@@ -90,7 +84,7 @@ std::string describeTakenNumberKeys(const Hotkeys& hotkeys, const NumberKeys& ke
         const auto modifiers = shortcut->modifiers;
         auto isAlike = [&](auto& other) { return other.modifiers == modifiers; };
         if (std::count_if(taken.begin(), taken.end(), isAlike) < std::ssize(NumberKeys::kKeyCodes))
-            add(textOf(hotkeys, *shortcut));
+            add(shortcutText(&hotkeys, *shortcut));
         else if (std::none_of(taken.begin(), shortcut, isAlike))
             add(numberKeysText(hotkeys, modifiers));
     }

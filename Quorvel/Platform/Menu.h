@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "Quorvel/Platform/Geometry.h"
+#include "Quorvel/Platform/KeyEvent.h"
 
 namespace quorvel {
 
@@ -16,6 +19,12 @@ enum class MenuItemKind {
     choice, ///< one of several entries, exactly one of which is on
 };
 
+/// What one can press instead while no menu is open. A menu only tells of it.
+struct MenuKeys {
+    KeyCode key = KeyCode::unknown;
+    std::uint64_t modifiers = 0; ///< of `KeyModifier`
+};
+
 struct MenuItem {
     std::string title; ///< empty: a separator
     bool isEnabled = true;
@@ -23,6 +32,7 @@ struct MenuItem {
     bool isChecked = false;
     std::vector<MenuItem> submenu{}; ///< of an entry that opens another menu instead of acting
     MenuItemKind kind = MenuItemKind::action;
+    std::optional<MenuKeys> keys{};
 
     bool isSeparator() const { return title.empty(); }
     bool canBeChosen() const { return !isSeparator() && isEnabled; }

@@ -7,7 +7,7 @@
 
 namespace quorvel {
 
-MenuLayout::MenuLayout(const Menu& menu, const Text& text)
+MenuLayout::MenuLayout(const Menu& menu, const MenuKeyTexts& keys, const Text& text)
 {
     using M = MenuMetrics;
     TextStyle style;
@@ -20,7 +20,10 @@ MenuLayout::MenuLayout(const Menu& menu, const Text& text)
         if (!item.submenu.empty())
             m_arrowWidth = M::arrowWidth;
     }
-    double around = 2 * (M::padding + M::textInset) + m_markWidth + m_arrowWidth;
+    for (auto& each : keys)
+        m_keysWidth = std::max(m_keysWidth, std::ceil(text.measure(each, style).width));
+    double around = 2 * (M::padding + M::textInset) + m_markWidth + m_arrowWidth + m_keysWidth
+        + (m_keysWidth > 0 ? M::keysGap : 0);
     m_size.width = std::clamp(std::ceil(widest) + around, M::minimumWidth, M::maximumWidth);
 
     double y = M::padding;
@@ -38,12 +41,17 @@ MenuRowParts MenuLayout::partsOf(const Rect& row, bool isRightToLeft) const
     auto inner = row.inset(MenuMetrics::textInset, 0);
     double left = inner.x + (isRightToLeft ? m_arrowWidth : m_markWidth);
     double width = std::max(0.0, inner.width - m_markWidth - m_arrowWidth);
-    Rect title{left, row.y, width, row.height};
+    double keysWidth = std::min(m_keysWidth, width);
+    double titleWidth
+        = std::max(0.0, width - keysWidth - (keysWidth > 0 ? MenuMetrics::keysGap : 0));
+    Rect title{left + (isRightToLeft ? width - titleWidth : 0), row.y, titleWidth, row.height};
+    Rect keys{left + (isRightToLeft ? 0 : width - keysWidth), row.y, keysWidth, row.height};
     double side = MenuMetrics::symbolSize;
     double y = row.centre().y - side / 2;
     Rect first{inner.x, y, side, side};
     Rect last{inner.maxX() - side, y, side, side};
-    return isRightToLeft ? MenuRowParts{last, title, first} : MenuRowParts{first, title, last};
+    return isRightToLeft ? MenuRowParts{last, title, keys, first}
+                         : MenuRowParts{first, title, keys, last};
 }
 
 std::optional<std::size_t> MenuLayout::rowAt(double y) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "Quorvel/Platform/Menu.h"
@@ -17,6 +18,7 @@ struct MenuMetrics {
     static constexpr double textInset = 12;
     static constexpr double markWidth = 20; ///< before all titles, if any entry can have a mark
     static constexpr double arrowWidth = 20; ///< after all titles, if any entry opens a submenu
+    static constexpr double keysGap = 28; ///< at least, between a title and its keys
     static constexpr double symbolSize = 12;
     static constexpr double rowRadius = 7; ///< concentric with the corners of the menu
     static constexpr double radius = 12; ///< as of popups and launchers
@@ -30,13 +32,17 @@ struct MenuMetrics {
 struct MenuRowParts {
     Rect mark;
     Rect title;
+    Rect keys; ///< in the same column in all rows; empty where no entry has any
     Rect arrow;
 };
+
+/// What is written beside the titles, for each row; empty: nothing.
+using MenuKeyTexts = std::vector<std::string>;
 
 /// The positions of a menu's rows, in points from its top left corner; pure.
 class MenuLayout {
 public:
-    MenuLayout(const Menu&, const Text&);
+    MenuLayout(const Menu&, const MenuKeyTexts&, const Text&);
 
     Size size() const { return m_size; }
     const std::vector<Rect>& rows() const { return m_rows; }
@@ -52,6 +58,7 @@ private:
     std::vector<bool> m_canBeChosen;
     double m_markWidth = 0;
     double m_arrowWidth = 0;
+    double m_keysWidth = 0;
     Size m_size;
 };
 

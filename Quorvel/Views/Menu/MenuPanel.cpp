@@ -2,12 +2,25 @@
 
 #include <cmath>
 
+#include "Quorvel/Core/KeyboardShortcut.h"
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Platform/Translation.h"
 
 namespace quorvel {
 
 namespace {
+
+MenuKeyTexts keyTexts(const Menu& menu, const Platform& platform)
+{
+    MenuKeyTexts texts;
+    for (auto& item : menu) {
+        texts.push_back(!item.keys ? ""
+                                   : shortcutText(platform.hotkeys,
+                                       {static_cast<std::uint32_t>(item.keys->key),
+                                           hotkeyModifiersFrom(item.keys->modifiers)}));
+    }
+    return texts;
+}
 
 Rect wholePoints(const Rect& rect)
 {
@@ -20,8 +33,8 @@ Rect wholePoints(const Rect& rect)
 MenuPanel::MenuPanel(const Platform& platform, const Screen& screen, const Menu& menu,
     const Place& place, MenuListener& listener)
     : m_listener(listener)
-    , m_view(&m_root.addChild(std::make_unique<MenuView>(
-          menu, platform.text, platform.application.appearance().value())))
+    , m_view(&m_root.addChild(std::make_unique<MenuView>(menu, keyTexts(menu, platform),
+          platform.text, platform.application.appearance().value())))
     , m_frame(wholePoints(place(m_view->wantedSize())))
     , m_surface(platform.surfaces.createPanel({.display = screen.number.value_or(DisplayNumber{}),
                                                   .title = tr("Menu"),

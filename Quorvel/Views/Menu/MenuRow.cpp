@@ -26,9 +26,10 @@ AccessibleRole roleOf(const MenuItem& item)
 
 }
 
-MenuRow::MenuRow(
-    const MenuItem& item, std::size_t index, const MenuLayout& layout, const MenuLook& look)
+MenuRow::MenuRow(const MenuItem& item, const std::string& keys, std::size_t index,
+    const MenuLayout& layout, const MenuLook& look)
     : m_item(item)
+    , m_keys(keys)
     , m_index(index)
     , m_layout(layout)
     , m_look(look)
@@ -78,6 +79,11 @@ void MenuRow::paint(Canvas& canvas) const
                                    : colors.text;
     auto parts = m_layout.partsOf(bounds(), m_look.isRightToLeft);
     canvas.drawText(m_item.title, parts.title, {.size = MenuMetrics::fontSize, .color = color});
+    if (!m_keys.empty())
+        canvas.drawText(m_keys, parts.keys,
+            {.size = MenuMetrics::fontSize,
+                .color = m_isHighlighted ? colors.highlightedText : colors.disabledText,
+                .alignment = TextAlignment::trailing});
     if (m_item.isChecked)
         canvas.drawSymbol(Symbol::checkmark, parts.mark, color);
     if (!m_item.submenu.empty())

@@ -24,7 +24,8 @@ struct MenuLook {
 /// One entry of a menu, or a separator line. All parameters outlive it.
 class MenuRow final : public View {
 public:
-    MenuRow(const MenuItem&, std::size_t index, const MenuLayout&, const MenuLook&);
+    MenuRow(const MenuItem&, const std::string& keys, std::size_t index, const MenuLayout&,
+        const MenuLook&);
 
     /// An assistive program presses it.
     std::function<void()> onChosen;
@@ -40,6 +41,7 @@ private:
     void paint(Canvas&) const override;
 
     const MenuItem& m_item;
+    const std::string& m_keys;
     const std::size_t m_index;
     const MenuLayout& m_layout;
     const MenuLook& m_look;

@@ -41,17 +41,19 @@ private:
     const Palette& m_palette;
 };
 
-MenuView::MenuView(const Menu& menu, const Text& text, const Appearance& appearance)
+MenuView::MenuView(
+    const Menu& menu, MenuKeyTexts keys, const Text& text, const Appearance& appearance)
     : m_menu(menu)
+    , m_keys(std::move(keys))
     , m_look(MenuLook::of(appearance))
-    , m_layout(menu, text)
+    , m_layout(menu, m_keys, text)
     , m_viewport(&addChild(std::make_unique<Viewport>()))
     , m_strips{&addChild(std::make_unique<Strip>(-1, m_look.palette)),
           &addChild(std::make_unique<Strip>(1, m_look.palette))}
 {
     for (Row row = 0; row < menu.size(); ++row) {
-        m_rows.push_back(
-            &m_viewport->addChild(std::make_unique<MenuRow>(menu[row], row, m_layout, m_look)));
+        m_rows.push_back(&m_viewport->addChild(
+            std::make_unique<MenuRow>(menu[row], m_keys[row], row, m_layout, m_look)));
         m_rows.back()->onChosen = [this, row] {
             if (onChosen)
                 onChosen(row);

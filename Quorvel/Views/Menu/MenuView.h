@@ -16,7 +16,7 @@ public:
     using Row = std::size_t;
 
     /// All it is given outlives it.
-    MenuView(const Menu&, const Text&, const Appearance&);
+    MenuView(const Menu&, MenuKeyTexts, const Text&, const Appearance&);
 
     void setAppearance(const Appearance&);
 
@@ -61,6 +61,7 @@ private:
     Rect strip(int side) const;
 
     const Menu& m_menu;
+    const MenuKeyTexts m_keys;
     MenuLook m_look;
     const MenuLayout m_layout;
     Viewport* m_viewport;
