@@ -151,6 +151,76 @@ TEST_F(WindowFinderTest, controlDeleteClosesAndTheRestHoldsStill)
     EXPECT_TRUE(says("No open windows"));
 }
 
+// Faults: the display goes to the window instead; it comes without the focus, or stays minimised;
+// the entry is offered for what is here, or on a space of its own; a held key brings one after the
+// other; the keys are not told.
+TEST_F(WindowFinderTest, shiftReturnBringsTheWindowHere)
+{
+    desktop.minimise(shell);
+    settle();
+    open();
+    type("term");
+    launcher().pressKey(
+        {.keyCode = KeyCode::enter, .modifiers = KeyModifier::shift, .isRepeat = true});
+    EXPECT_EQ(titles(), "*draft.txt");
+    launcher().pressKey({.keyCode = KeyCode::enter, .modifiers = KeyModifier::shift});
+    settle();
+    EXPECT_EQ(titles(), "closed");
+    EXPECT_EQ(desktop.window(shell).spaces, std::set{SpaceID{1}});
+    EXPECT_EQ(current(), SpaceID{1});
+    EXPECT_EQ(model().focusedWindowID.value(), shell);
+    EXPECT_FALSE(desktop.window(shell).isMinimized);
+
+    desktop.setGivesSpaceHints(true);
+    desktop.moveToSpace(inbox, SpaceID{3});
+    settle();
+    open();
+    launcher().click(rowOf(draft), PointerButton::secondary);
+    desktop.drain();
+    EXPECT_THAT(desktop.surfaces().menuTitles(), ElementsAre("Activate", "Close"));
+    EXPECT_TRUE(desktop.surfaces().menu()->render().text("⌃⌦"));
+    desktop.surfaces().closeMenu();
+    desktop.drain();
+    launcher().click(rowOf(inbox), PointerButton::secondary);
+    desktop.drain();
+    EXPECT_TRUE(desktop.surfaces().menu()->render().text("⇧↩"));
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("Move Here"));
+    settle();
+    EXPECT_EQ(desktop.window(inbox).spaces, std::set{SpaceID{1}});
+    EXPECT_EQ(model().focusedWindowID.value(), inbox);
+
+    open();
+    launcher().pressKey({.keyCode = KeyCode::enter, .modifiers = KeyModifier::shift});
+    settle();
+    EXPECT_EQ(model().focusedWindowID.value(), shell) << "it is here already";
+}
+
+// Faults: one that the server does not move gets the focus all the same, which leads away; one that
+// is carried comes without it.
+TEST_F(WindowFinderTest, aWindowThatCannotComeLeadsNowhere)
+{
+    server().refuseMoves(true);
+    auto bring = [this] {
+        open();
+        type("term");
+        launcher().pressKey({.keyCode = KeyCode::enter, .modifiers = KeyModifier::shift});
+        settle();
+        desktop.advance(seconds(5));
+    };
+    bring();
+    EXPECT_EQ(desktop.window(shell).spaces, std::set{SpaceID{2}});
+    EXPECT_NE(model().focusedWindowID.value(), shell);
+
+    desktop.activateSpace(SpaceID{1});
+    settle();
+    server().setDesktopHotKey(118, {.keys = {18, 1}}, SpaceID{1});
+    server().setDesktopHotKey(119, {.keys = {19, 1}}, SpaceID{2});
+    bring();
+    EXPECT_EQ(desktop.window(shell).spaces, std::set{SpaceID{1}});
+    EXPECT_EQ(current(), SpaceID{1});
+    EXPECT_EQ(model().focusedWindowID.value(), shell);
+}
+
 // Faults: two panels at once; the button of the bar closes the windows and opens nothing; a second
 // request opens anew.
 TEST_F(WindowFinderTest, itAndTheLauncherTakeEachOthersPlace)

@@ -66,6 +66,9 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
     m_panels.onContentNeeded = [this](Bar& panel) { fill(panel); };
     m_launcher.onOpenChanged = [this](bool isOpen) { launcherDidOpen(isOpen); };
     m_launcher.onWindowChosen = [this](WindowID window) { m_navigation.goToWindow(window); };
+    m_launcher.onWindowBrought = [this](WindowID window, SpaceID from, SpaceID to) {
+        m_moves.bringWindow(window, from, to);
+    };
     m_avoidanceManager.setBarHeight(barHeight(m_metrics.barSize));
     m_windowStore.onChange = [this] { windowsDidChange(); };
     m_navigation.onWillSwitch = [this] { prefetchCurrentSpaces(); };

@@ -34,8 +34,11 @@ struct WindowFinderContents {
     ThumbnailService& thumbnailService;
     const UserSettings& settings;
     std::function<void(LauncherDismissal)> onDismiss;
-    /// After it has asked to be closed.
+    SpaceID space{}; ///< on which it is open
+    /// After it has asked to be closed; so is the next one.
     std::function<void(WindowID)> onWindowChosen;
+    /// A window of another space is to come to this one and get the focus.
+    std::function<void(WindowID, SpaceID from)> onWindowBrought;
 };
 
 /// A list with a search field, of all applications or of all windows, for the code that

@@ -37,7 +37,10 @@ std::unique_ptr<LauncherPanel> LauncherPresenter::makePanel(const Bar& anchor, L
             .thumbnailService = m_sources.thumbnailService,
             .settings = m_sources.settings,
             .onDismiss = std::move(onDismiss),
-            .onWindowChosen = onWindowChosen});
+            .space = anchor.spaceID(),
+            .onWindowChosen = onWindowChosen,
+            .onWindowBrought = [bring = onWindowBrought, to = anchor.spaceID()](
+                                   WindowID window, SpaceID from) { bring(window, from, to); }});
 }
 
 void LauncherPresenter::show(const Bar& anchor, LauncherKind kind)

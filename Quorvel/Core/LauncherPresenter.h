@@ -54,6 +54,7 @@ public:
     std::function<void(bool isOpen)> onOpenChanged;
     /// In the list of windows.
     std::function<void(WindowID)> onWindowChosen;
+    std::function<void(WindowID, SpaceID from, SpaceID to)> onWindowBrought;
 
     /// Null unless this kind is open.
     LauncherPanel* panel(LauncherKind kind) const

@@ -90,6 +90,17 @@ std::vector<FoundWindow> WindowFinder::windows() const
     return windows;
 }
 
+/// A full-screen space is its window's own.
+bool WindowFinder::canBring(const FoundWindow& window, SpaceID to) const
+{
+    auto isOrdinary = [this](SpaceID space) {
+        auto& spaces = m_viewModel.spaces.value();
+        auto found = std::ranges::find(spaces, space, &SpaceWindows::Info::spaceID);
+        return found != spaces.end() && found->spaceType != kFullscreenSpaceType;
+    };
+    return window.space && *window.space != to && isOrdinary(*window.space) && isOrdinary(to);
+}
+
 // MARK: The search
 
 const WindowFinder::Terms& WindowFinder::terms(const ChipData& chip)

@@ -40,6 +40,9 @@ public:
     /// it stands. Where all words begin one, the window comes before the others.
     std::vector<FoundWindow> search(const std::vector<FoundWindow>&, std::string_view query);
 
+    /// Whether the window is on another space and can come to this one.
+    bool canBring(const FoundWindow&, SpaceID to) const;
+
     BarViewModel& viewModel() const { return m_viewModel; }
 
 private:

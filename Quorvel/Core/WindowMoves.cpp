@@ -57,12 +57,17 @@ void WindowMoves::moveWindowToSpaceByDragging(WindowID window, SpaceID from, Spa
 
 void WindowMoves::moveWindowsToSpace(const std::vector<WindowID>& windows, SpaceID from, SpaceID to)
 {
-    beginMoves({{windows.begin(), windows.end()}, from, to});
+    beginMoves({{windows.begin(), windows.end()}, from, to, false, {}});
 }
 
 void WindowMoves::fetchWindows(const std::vector<WindowID>& windows, SpaceID from, SpaceID to)
 {
-    beginMoves({{windows.begin(), windows.end()}, from, to, true});
+    beginMoves({{windows.begin(), windows.end()}, from, to, true, {}});
+}
+
+void WindowMoves::bringWindow(WindowID window, SpaceID from, SpaceID to)
+{
+    beginMoves({{window}, from, to, true, window});
 }
 
 void WindowMoves::beginMoves(Waiting moves)
@@ -82,19 +87,37 @@ void WindowMoves::moveNext()
         auto window = m_waiting.windows.front();
         bool isRefused = m_windowStore.window(window) && !moveDirectly(window, m_waiting.to);
         bool isInReach = m_navigation.isCurrent(m_waiting.from);
-        bool canCarry = isRefused && m_windowServer.canPostPointerEvents();
-        if (canCarry && !isInReach && m_waiting.isFromAfar) {
+        bool isToBeCarried = isRefused && canCarry(m_waiting.from, m_waiting.to);
+        if (isToBeCarried && !isInReach && m_waiting.isFromAfar) {
             m_pendingWindowMoveDragTimeoutWork
                 = m_dispatch.main().after(kMoveTimeout, [this] { abandon(); });
             return m_navigation.switchToSpace(m_waiting.from, {});
         }
         m_waiting.windows.pop_front();
-        if (canCarry && isInReach && begin(window, m_waiting.from, m_waiting.to)) {
+        if (isToBeCarried && isInReach && begin(window, m_waiting.from, m_waiting.to)) {
             m_waiting.isFromAfar = true; // it takes the display along
             return;
         }
     }
     m_windowStore.refreshSpaces();
+    focusWhatCame();
+}
+
+void WindowMoves::focusWhatCame()
+{
+    auto id = std::exchange(m_waiting.toFocus, std::nullopt);
+    auto* window = id ? m_windowStore.window(*id) : nullptr;
+    if (window && std::ranges::find(window->spaceIDs, m_waiting.to) != window->spaceIDs.end())
+        m_viewModel.activateWindow(*id, BarViewModel::FocusBeforeActivation::no);
+}
+
+/// Along one display, a key has to lead to the space while the button is held.
+bool WindowMoves::canCarry(SpaceID from, SpaceID to)
+{
+    auto source = info(from);
+    auto target = info(to);
+    return source && target && m_windowServer.canPostPointerEvents()
+        && (source->displayIndex != target->displayIndex || m_navigation.desktopSwitchShortcut(to));
 }
 
 bool WindowMoves::begin(WindowID window, SpaceID from, SpaceID to)

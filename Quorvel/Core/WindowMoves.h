@@ -34,6 +34,9 @@ public:
     void moveWindowsToSpace(const std::vector<WindowID>&, SpaceID from, SpaceID to);
     /// From a space that need not be shown: if they are carried, the display goes there for them.
     void fetchWindows(const std::vector<WindowID>&, SpaceID from, SpaceID to);
+    /// The same with one window, which then gets the focus. Where it does not come, nothing else
+    /// happens.
+    void bringWindow(WindowID, SpaceID from, SpaceID to);
     /// A display shows another space.
     void spaceDidChange();
     /// Releases whatever is held: the program may end without destructors.
@@ -60,11 +63,14 @@ private:
         SpaceID from{};
         SpaceID to{};
         bool isFromAfar = false; ///< the display may have to go to the space first
+        std::optional<WindowID> toFocus; ///< once it is there; what is carried gets it anyway
     };
 
     void beginMoves(Waiting);
 
     void moveNext();
+    void focusWhatCame();
+    bool canCarry(SpaceID from, SpaceID to);
     /// False if it is already done, or cannot be done.
     bool begin(WindowID, SpaceID from, SpaceID to);
     bool moveDirectly(WindowID, SpaceID) const;

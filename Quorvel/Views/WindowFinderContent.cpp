@@ -14,6 +14,13 @@ namespace quorvel {
 
 namespace {
 
+bool isChord(const KeyEvent& event, std::uint64_t modifier)
+{
+    constexpr auto all
+        = KeyModifier::shift | KeyModifier::control | KeyModifier::option | KeyModifier::command;
+    return (event.modifiers & all) == modifier;
+}
+
 /// The list on the screen, as large as its room.
 class WindowListHolder final : public View {
 public:
@@ -32,11 +39,12 @@ private:
 
 }
 
-WindowFinderContent::WindowFinderContent(
-    const Inputs& given, WindowFinder& windowFinder, ThumbnailService& thumbnailService)
+WindowFinderContent::WindowFinderContent(const Inputs& given, WindowFinder& windowFinder,
+    ThumbnailService& thumbnailService, SpaceID space)
     : SearchPanelContent(
         given, {.title = tr("Find a Window"), .placeholder = tr("Search windows...")})
     , m_windowFinder(windowFinder)
+    , m_space(space)
     , m_windows(windowFinder.windows())
     , m_rows(std::make_unique<WindowFinderRows>(thumbnailService, palette()))
 {
@@ -132,38 +140,74 @@ void WindowFinderContent::closeWindow(WindowID window)
     m_windowFinder.viewModel().closeWindow(window);
 }
 
+void WindowFinderContent::bringSelected()
+{
+    auto* found = m_rows->selected() ? window(*m_rows->selected()) : nullptr;
+    if (!found)
+        return;
+    if (m_windowFinder.canBring(*found, m_space) && onWindowBrought)
+        onWindowBrought(found->chip.id, *found->space);
+    else if ((!found->space || found->space == m_space) && onWindowChosen)
+        onWindowChosen(found->chip.id);
+}
+
+const FoundWindow* WindowFinderContent::window(WindowID id) const
+{
+    auto found = std::ranges::find(m_windows, id, [](auto& each) { return each.chip.id; });
+    return found == m_windows.end() ? nullptr : &*found;
+}
+
+bool WindowFinderContent::useKey(const KeyEvent& event)
+{
+    return useCloseKey(event) || useBringKey(event);
+}
+
 /// A system with text fields of its own is a Mac, whose Delete is what others call Backspace.
 /// Elsewhere Control-Backspace erases a word of the query.
-bool WindowFinderContent::useKey(const KeyEvent& event)
+bool WindowFinderContent::useCloseKey(const KeyEvent& event)
 {
     bool isDelete = event.keyCode == KeyCode::forwardDelete
         || (event.keyCode == KeyCode::backspace && hasSystemField());
-    bool isChord = event.has(KeyModifier::control) && !event.has(KeyModifier::option)
-        && !event.has(KeyModifier::command) && !event.has(KeyModifier::shift);
-    if (!isDelete || !isChord)
+    if (!isDelete || !isChord(event, KeyModifier::control))
         return false;
     // Held down it would close one window after the other.
-    if (auto window = event.isRepeat ? std::nullopt : m_rows->selected())
-        closeWindow(*window);
+    if (auto selected = event.isRepeat ? std::nullopt : m_rows->selected())
+        closeWindow(*selected);
     return true;
 }
 
-void WindowFinderContent::showMenu(WindowID window, const Rect& anchor)
+/// Control-Return, which others have for it, asks for a menu on the Mac.
+bool WindowFinderContent::useBringKey(const KeyEvent& event)
 {
-    if (!onMenuRequested)
+    bool isReturn = event.keyCode == KeyCode::enter || event.keyCode == KeyCode::keypadEnter;
+    if (!isReturn || !isChord(event, KeyModifier::shift))
+        return false;
+    if (!event.isRepeat)
+        bringSelected();
+    return true;
+}
+
+void WindowFinderContent::showMenu(WindowID id, const Rect& anchor)
+{
+    auto* found = window(id);
+    if (!onMenuRequested || !found)
         return;
-    auto model = m_windowFinder.viewModel().weakReference();
-    auto close = [model, window] {
-        if (auto* current = model.get())
-            current->closeWindow(window);
-    };
-    onMenuRequested({{tr("Activate"), true,
-                         [choose = onWindowChosen, window] {
-                             if (choose)
-                                 choose(window);
-                         }},
-                        {tr("Close"), true, close}},
-        anchor);
+    Menu menu{{tr("Activate"), true, [choose = onWindowChosen, id] {
+                   if (choose)
+                       choose(id);
+               }}};
+    if (m_windowFinder.canBring(*found, m_space) && onWindowBrought) {
+        menu.push_back({tr("Move Here"), true,
+            [bring = onWindowBrought, id, from = *found->space] { bring(id, from); }});
+        menu.back().keys = MenuKeys{KeyCode::enter, KeyModifier::shift};
+    }
+    menu.push_back({tr("Close"), true, [model = m_windowFinder.viewModel().weakReference(), id] {
+                        if (auto* current = model.get())
+                            current->closeWindow(id);
+                    }});
+    menu.back().keys = MenuKeys{
+        hasSystemField() ? KeyCode::backspace : KeyCode::forwardDelete, KeyModifier::control};
+    onMenuRequested(std::move(menu), anchor);
 }
 
 // MARK: What is where

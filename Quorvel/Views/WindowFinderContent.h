@@ -15,11 +15,13 @@ namespace quorvel {
 /// that go leave the list, new ones come to its end. Main thread.
 class WindowFinderContent final : public SearchPanelContent {
 public:
-    /// All of it outlives the view.
-    WindowFinderContent(const Inputs&, WindowFinder&, ThumbnailService&);
+    /// All of it outlives the view, which is on that space.
+    WindowFinderContent(const Inputs&, WindowFinder&, ThumbnailService&, SpaceID);
     ~WindowFinderContent() override;
 
     std::function<void(WindowID)> onWindowChosen;
+    /// From another space to that of the view.
+    std::function<void(WindowID, SpaceID from)> onWindowBrought;
 
     void openSelected() override;
 
@@ -44,10 +46,16 @@ private:
     void updateRows(Selection);
     Selection selectionAtTop() const;
     std::map<SpaceID, std::string> spaceNames() const;
+    bool useCloseKey(const KeyEvent&);
+    bool useBringKey(const KeyEvent&);
     void closeWindow(WindowID);
+    /// Goes to it where it is here already.
+    void bringSelected();
+    const FoundWindow* window(WindowID) const;
     void showMenu(WindowID, const Rect& anchor);
 
     WindowFinder& m_windowFinder;
+    const SpaceID m_space;
     std::string m_query;
     std::vector<FoundWindow> m_windows; ///< all of them, in the order of the list
     std::unique_ptr<WindowFinderRows> m_rows;

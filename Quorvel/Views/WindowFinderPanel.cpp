@@ -10,7 +10,7 @@ WindowFinderPanel::WindowFinderPanel(const Platform& given, Menus& menus,
 {
     auto content = std::make_unique<WindowFinderContent>(
         SearchPanelContent::Inputs{platform(), surface(), contents.settings}, contents.windowFinder,
-        contents.thumbnailService);
+        contents.thumbnailService, contents.space);
     m_content = content.get();
     // The keyboard is given back first, so that it is not taken from the window again. A copy is in
     // menus, which may outlive the panel.
@@ -19,6 +19,12 @@ WindowFinderPanel::WindowFinderPanel(const Platform& given, Menus& menus,
               dismiss();
               if (choose)
                   choose(window);
+          };
+    content->onWindowBrought
+        = [dismiss = dismissal(), bring = contents.onWindowBrought](WindowID window, SpaceID from) {
+              dismiss();
+              if (bring)
+                  bring(window, from);
           };
     setContent(std::move(content));
 }

@@ -112,6 +112,31 @@ TEST_P(FarActivation, takesTheUserToTheWindow)
     }
 }
 
+// Faults: the user is taken to where the window has been, which comes here meanwhile; it comes
+// without the focus, or minimised.
+TEST_P(FarActivation, ofAWindowThatIsBroughtHereGoesNowhere)
+{
+    for (const bool isMinimised : {false, true}) {
+        SCOPED_TRACE(isMinimised ? "minimised" : "shown");
+        leaveTarget(isMinimised);
+        const auto element = elementOf("target");
+        ASSERT_TRUE(element);
+        WindowID number{};
+        accessibility().windowIDResolver()(*element, number);
+        auto& windows = host->services.windowServer();
+        windows.addWindowsToSpaces({number}, {SpaceID{1}});
+        windows.removeWindowsFromSpaces({number}, {SpaceID{kFar + 1}});
+        askForTarget();
+        bool hasLeft = false;
+        EXPECT_TRUE(eventuallyIn([&] {
+            hasLeft |= desktop.currentDesktop() != 0;
+            return desktop.activeWindow() == target && desktop.desktopOf(target) == 0
+                && !desktop.isHidden(target);
+        }));
+        EXPECT_FALSE(hasLeft);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(, FarActivation,
     testing::Values(
         ManagerKind::openbox, ManagerKind::xfwm4, ManagerKind::metacity, ManagerKind::icewm),

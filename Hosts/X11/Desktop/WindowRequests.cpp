@@ -142,8 +142,7 @@ void WindowRequests::send(xcb_timestamp_t time)
     m_isAsking = false;
     m_farActivation.reset();
     auto wishes = std::exchange(m_wishes, {});
-    if (wishes.hasSpaces)
-        sendSpaces();
+    auto sent = wishes.hasSpaces ? sendSpaces() : Sent{};
     if (wishes.space)
         sendSwitch(time, *wishes.space);
     for (auto& [window, size] : wishes.sizes)
@@ -163,11 +162,11 @@ void WindowRequests::send(xcb_timestamp_t time)
     if (!activation && wishes.applicationActivation)
         activation = windowToActivate(*wishes.applicationActivation);
     if (activation)
-        sendActivation(time, *activation);
+        sendActivation(time, *activation, sent);
     xcb_flush(m_connection.raw());
 }
 
-void WindowRequests::sendActivation(xcb_timestamp_t time, WindowID window)
+void WindowRequests::sendActivation(xcb_timestamp_t time, WindowID window, const Sent& sent)
 {
     auto* client = m_clients.find(window);
     if (!client)
@@ -175,7 +174,9 @@ void WindowRequests::sendActivation(xcb_timestamp_t time, WindowID window)
     // Alone, the activation of a window of another desktop is refused by some managers, and others
     // drag the window here.
     auto& atoms = m_connection.atoms();
-    auto desktop = client->desktop.value_or(kEveryDesktop);
+    auto comesTo = sent.find(window);
+    auto desktop
+        = comesTo != sent.end() ? comesTo->second : client->desktop.value_or(kEveryDesktop);
     bool isElsewhere = desktop != kEveryDesktop && desktop < m_root.desktopCount()
         && desktop != m_root.currentDesktop();
     if (isElsewhere) {
@@ -234,8 +235,9 @@ void WindowRequests::sendSwitch(WindowID window, WindowSwitch one, bool isOn)
         {isOn ? kAddState : kRemoveState, first, first == second ? 0 : second, kSourcePager});
 }
 
-void WindowRequests::sendSpaces()
+WindowRequests::Sent WindowRequests::sendSpaces()
 {
+    Sent sent;
     auto wanted
         = m_model.write([](DesktopModel& model) { return std::exchange(model.wantedSpaces, {}); });
     for (auto& [window, spaces] : wanted) {
@@ -247,7 +249,9 @@ void WindowRequests::sendSpaces()
         auto desktop = isEvery ? kEveryDesktop : static_cast<std::uint32_t>(raw(spaces.back()) - 1);
         if (client->desktop != desktop)
             message(client->window, m_connection.atoms().netWmDesktop, {desktop, kSourcePager});
+        sent[window] = desktop;
     }
+    return sent;
 }
 
 std::optional<WindowID> WindowRequests::windowToActivate(ProcessID pid) const

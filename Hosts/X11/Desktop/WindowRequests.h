@@ -55,11 +55,13 @@ private:
 
     void wish();
     void send(xcb_timestamp_t);
-    void sendActivation(xcb_timestamp_t, WindowID);
+    /// The desktops that windows have just been sent to.
+    using Sent = std::map<WindowID, std::uint32_t>;
+    void sendActivation(xcb_timestamp_t, WindowID, const Sent&);
     void sendSize(WindowID, Size);
     void sendSwitch(WindowID, WindowSwitch, bool isOn);
     void sendSwitch(xcb_timestamp_t, SpaceID);
-    void sendSpaces();
+    Sent sendSpaces();
     std::optional<WindowID> windowToActivate(ProcessID) const;
     void message(xcb_window_t, xcb_atom_t type, std::array<std::uint32_t, 5> data) const;
 
