@@ -50,6 +50,7 @@ void readWords(const RawProperty& property)
     decodeHints(property);
     decodeExtents(property);
     decodeStrut(property);
+    expect(decodeNotedOpacities(property).size() * 3 <= property.words());
     auto opacity = decodeOpacity(property);
     expect(opacity >= 0 && opacity <= 1);
     for (auto window : decodeWindows(property))

@@ -55,6 +55,14 @@ struct ThumbnailPopupTest : ThreeWindows {
         panel().leave();
         popup()->movePointer(onCard(window));
     }
+    std::optional<WindowID> alone() { return desktop.peeking().alone(); }
+    /// Until the window itself is shown.
+    void peekAt(WindowID window)
+    {
+        pointAt(window);
+        desktop.advance(WindowPeek::kRest);
+        ASSERT_EQ(alone(), window);
+    }
     FakeScreenCapture& capture() { return desktop.screenCapture(); }
     int picturesOf(WindowID window)
     {
@@ -255,6 +263,136 @@ TEST_F(ThumbnailPopupTest, aSingleWindowsTitleIsShownWhole)
         whole += (whole.empty() ? "" : " ") + line;
     EXPECT_EQ(whole, "A rather long title of a letter that was begun on a Monday in spring");
     EXPECT_GT(popup()->frame().height, height);
+}
+
+// Faults: windows fade for a pointer that only passes; each card has to be waited for, or windows
+// flicker between two of them; what has faded stays so once the pointer is elsewhere.
+TEST_F(ThumbnailPopupTest, aPointerThatRestsOnACardSeesItsWindowAlone)
+{
+    openGroup();
+    auto between = [&] {
+        auto left = onCard(inbox);
+        auto right = onCard(draft);
+        return Point{(left.x + right.x) / 2, left.y};
+    };
+    pointAt(inbox);
+    desktop.advance(seconds(0.3));
+    popup()->movePointer(onCard(inbox).translated(3, 0));
+    desktop.advance(seconds(0.4));
+    EXPECT_EQ(alone(), std::nullopt) << "it moved";
+    desktop.advance(seconds(0.1));
+    EXPECT_EQ(alone(), inbox);
+
+    popup()->movePointer(between());
+    desktop.advance(WindowPeek::kBetweenCards - seconds(0.01));
+    EXPECT_EQ(alone(), inbox);
+    popup()->movePointer(onCard(draft));
+    EXPECT_EQ(alone(), draft);
+    desktop.advance(seconds(5));
+    EXPECT_EQ(alone(), draft);
+    popup()->movePointer(between());
+    desktop.advance(WindowPeek::kBetweenCards);
+    EXPECT_EQ(alone(), std::nullopt);
+    popup()->movePointer(onCard(sent));
+    desktop.advance(WindowPeek::kRest - seconds(0.01));
+    EXPECT_EQ(alone(), std::nullopt) << "it ended";
+    desktop.advance(seconds(0.01));
+    EXPECT_EQ(alone(), sent);
+    popup()->leave();
+    EXPECT_EQ(alone(), std::nullopt);
+}
+
+// Faults: the window that was chosen gets the focus among faded ones; a menu, another space or the
+// end of the program leaves them faded; a peek at nothing once the window has gone.
+TEST_F(ThumbnailPopupTest, peekingEndsWithWhateverTheUserDoes)
+{
+    openGroup();
+    peekAt(draft);
+    popup()->click(onCard(draft), PointerButton::secondary);
+    desktop.drain();
+    EXPECT_EQ(alone(), std::nullopt);
+    desktop.surfaces().menu()->pressKey(KeyCode::escape);
+    desktop.drain();
+    peekAt(sent);
+    desktop.activateSpace(SpaceID{2});
+    desktop.drain();
+    EXPECT_EQ(alone(), std::nullopt);
+    desktop.activateSpace(SpaceID{1});
+    settle();
+
+    auto timers = desktop.dispatch().pendingTimers();
+    openGroup();
+    peekAt(draft);
+    popup()->click(onCard(draft));
+    EXPECT_EQ(alone(), std::nullopt);
+    settle();
+    EXPECT_EQ(model().focusedWindowID.value(), draft);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), timers);
+
+    leave();
+    panel().movePointer(content().chipFrames().front().second.centre());
+    desktop.advance(seconds(0.5));
+    ASSERT_TRUE(popup());
+    peekAt(sent);
+    desktop.close(sent);
+    desktop.advance(seconds(1));
+    EXPECT_EQ(alone(), std::nullopt);
+    peekAt(draft);
+    desktop.program().terminate();
+    EXPECT_EQ(alone(), std::nullopt);
+}
+
+// Faults: what cannot be shown ends the way from card to card; a window that opens, or is
+// minimised, meanwhile is not taken into account.
+TEST_F(ThumbnailPopupTest, peekingFollowsTheWindows)
+{
+    desktop.peeking().hide(draft);
+    openGroup();
+    peekAt(inbox);
+    popup()->movePointer(onCard(draft));
+    EXPECT_EQ(alone(), std::nullopt);
+    popup()->movePointer(onCard(sent));
+    EXPECT_EQ(alone(), sent);
+    auto asked = desktop.peeking().asked().size();
+    desktop.open(editor, {.title = "Late"});
+    desktop.advance(seconds(1));
+    EXPECT_GT(desktop.peeking().asked().size(), asked);
+    EXPECT_EQ(alone(), sent);
+    desktop.peeking().hide(sent);
+    desktop.minimise(sent);
+    desktop.advance(seconds(1));
+    EXPECT_EQ(alone(), std::nullopt);
+}
+
+// Fault: whoever walks the cards with the keys sees windows come and go, since a pointer lies
+// there.
+TEST_F(ThumbnailPopupTest, peekingIsForThePointerAlone)
+{
+    panel().takeKeyboard();
+    panel().pressKey(KeyCode::up);
+    ASSERT_TRUE(keyCard());
+    popup()->movePointer(onCard(*keyCard()));
+    desktop.advance(seconds(2));
+    EXPECT_EQ(alone(), std::nullopt);
+    popup()->leave();
+    panel().pressKey(KeyCode::escape);
+    panel().releaseKeyboard();
+
+    openGroup();
+    peekAt(draft);
+    desktop.advance(seconds(1));
+    EXPECT_EQ(alone(), draft);
+}
+
+// Fault: a timer that runs for nothing.
+TEST(ThumbnailPopupWithoutPeekingTest, waitsForNothing)
+{
+    FakeDesktop desktop;
+    WindowPeek peek{desktop.dispatch(), desktop.surfaces(), nullptr};
+    peek.pointAt(WindowID{1});
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), 0);
+    peek.update();
+    peek.end();
 }
 
 }

@@ -7,6 +7,8 @@ namespace quorvel::xdg::x11 {
 // One line per atom: the member's name, then the server's.
 #define QUORVEL_ATOMS(X)                                                                           \
     X(quorvelSession, "_QUORVEL_SESSION")                                                          \
+    X(quorvelFaded, "_QUORVEL_FADED")                                                              \
+    X(quorvelRaised, "_QUORVEL_RAISED")                                                            \
     X(utf8String, "UTF8_STRING")                                                                   \
     X(compoundText, "COMPOUND_TEXT")                                                               \
     X(wmName, "WM_NAME")                                                                           \
@@ -31,6 +33,7 @@ namespace quorvel::xdg::x11 {
     X(netDesktopNames, "_NET_DESKTOP_NAMES")                                                       \
     X(netShowingDesktop, "_NET_SHOWING_DESKTOP")                                                   \
     X(netMoveResizeWindow, "_NET_MOVERESIZE_WINDOW")                                               \
+    X(netRestackWindow, "_NET_RESTACK_WINDOW")                                                     \
     X(netFrameExtents, "_NET_FRAME_EXTENTS")                                                       \
     X(gtkFrameExtents, "_GTK_FRAME_EXTENTS")                                                       \
     X(gtkApplicationId, "_GTK_APPLICATION_ID")                                                     \

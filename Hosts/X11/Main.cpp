@@ -110,6 +110,7 @@ int runBar(Display display, const CommandLine& line, ControlChannel& control, Tr
             .hotkeys = &surfaces.hotkeys(),
             .settingsWindow = &settingsWindow,
             .applicationMatching = &desktop.applicationMatching(),
+            .peeking = &desktop.peeking(),
         },
         line.permissionsRehearsal);
 }

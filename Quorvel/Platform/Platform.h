@@ -15,6 +15,7 @@ class Files;
 class Hotkeys;
 class LaunchServices;
 class LoginItem;
+class Peeking;
 class ScreenCapture;
 class SettingsWindow;
 class Surfaces;
@@ -63,6 +64,7 @@ struct Platform {
     Hotkeys* hotkeys = nullptr; ///< null where the system has no shortcuts for all programs
     SettingsWindow* settingsWindow = nullptr; ///< null where there is none
     ApplicationMatching* applicationMatching = nullptr; ///< null where windows need no matching
+    Peeking* peeking = nullptr; ///< null where a window cannot be shown without being activated
 };
 
 }

@@ -112,6 +112,20 @@ void ThumbnailCard::setRightToLeft(bool isRightToLeft)
         layout();
 }
 
+void ThumbnailCard::pointerEntered()
+{
+    ButtonView::pointerEntered();
+    if (onHovered)
+        onHovered(true);
+}
+
+void ThumbnailCard::pointerExited()
+{
+    ButtonView::pointerExited();
+    if (onHovered)
+        onHovered(false);
+}
+
 void ThumbnailCard::clicked(PointerButton button)
 {
     if (button == PointerButton::middle && onMiddleTapped)

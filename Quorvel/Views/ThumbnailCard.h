@@ -30,11 +30,14 @@ public:
     void setRightToLeft(bool);
     Rect closeButtonFrame() const;
 
+    std::function<void(bool isHovered)> onHovered;
     std::function<void(WindowID)> onCloseTapped;
     std::function<void(WindowID)> onMiddleTapped;
     /// Wants a menu beside that place, in the root view's coordinates.
     std::function<void(WindowID, const Rect&)> onMenuRequested;
 
+    void pointerEntered() override;
+    void pointerExited() override;
     std::string accessibleID() const override;
     AccessibleState accessibleState() const override;
     bool performAccessibleAction(std::size_t) override;

@@ -84,6 +84,7 @@ private:
 ThumbnailPopup::ThumbnailPopup(const Inputs& inputs)
     : m_inputs(inputs)
     , m_palette(Palette::of(inputs.appearance.value()))
+    , m_peek(inputs.dispatch, inputs.surfaces, inputs.peeking)
     , m_surface(inputs.surfaces.createPanel(
           {.display = inputs.display, .title = tr("Windows"), .kind = PanelKind::popup},
           m_hostingView))
@@ -96,12 +97,18 @@ ThumbnailPopup::ThumbnailPopup(const Inputs& inputs)
             m_content->invalidate();
     });
     m_hostingView.onHoverChanged = [this](bool isHovered) {
+        if (!isHovered)
+            m_peek.end();
         if (onHoverChanged)
             onHoverChanged(isHovered);
     };
 }
 
-ThumbnailPopup::~ThumbnailPopup() = default;
+ThumbnailPopup::~ThumbnailPopup()
+{
+    // A surface that goes tells of the pointer that was over it.
+    m_hostingView.onHoverChanged = nullptr;
+}
 
 void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, const Rect& screen,
     const std::optional<Rect>& animatingFrom)
@@ -126,6 +133,7 @@ void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, 
 
 void ThumbnailPopup::hide()
 {
+    m_peek.end();
     m_following = {};
     m_filling = {};
     m_animation.stop();
@@ -160,6 +168,7 @@ std::vector<std::string> ThumbnailPopup::titleLines(const std::vector<ChipData>&
 void ThumbnailPopup::makeCards(const std::vector<ChipData>& chips)
 {
     auto keyCard = std::exchange(m_keyCard, std::nullopt);
+    m_peek.end();
     m_filling = {};
     m_following = {};
     m_filled = 0;
@@ -194,15 +203,22 @@ ThumbnailCard& ThumbnailPopup::makeCard(const ChipData& chip)
 
 void ThumbnailPopup::connect(ThumbnailCard& card)
 {
+    card.onHovered = [this, id = card.chip().id](bool isHovered) {
+        // A popup that the keyboard opens may come under a pointer that nobody moves.
+        m_peek.pointAt(isHovered && !m_keyCard ? std::optional{id} : std::nullopt);
+    };
     card.onTapped = [this, id = card.chip().id] {
+        m_peek.end();
         if (onWindowChosen)
             onWindowChosen(id);
     };
     card.onCloseTapped = card.onMiddleTapped = [this](WindowID id) {
+        m_peek.end();
         if (onWindowClosed)
             onWindowClosed(id);
     };
     card.onMenuRequested = [this](WindowID id, const Rect& place) {
+        m_peek.end();
         if (onMenuRequested)
             onMenuRequested(id, onScreen(place));
     };
@@ -269,6 +285,7 @@ bool ThumbnailPopup::update(const std::vector<ChipData>& chips, const Rect& chip
     }
     m_layout.pointAt(chip);
     m_content->setLayout(m_layout);
+    m_peek.update();
     m_surface->accessibleTreeDidChange();
     return true;
 }
@@ -282,6 +299,7 @@ void ThumbnailPopup::removeCardsExcept(const std::vector<ChipData>& chips)
         m_cards.erase(m_cards.begin() + static_cast<std::ptrdiff_t>(index));
         if (index < m_filled)
             --m_filled;
+        m_peek.windowDidGo(card.chip().id);
         m_content->removeChild(card);
     }
     if (m_keyCard)
@@ -302,6 +320,8 @@ void ThumbnailPopup::takeKeys()
 void ThumbnailPopup::setKeyCard(std::optional<std::size_t> index)
 {
     m_keyCard = index;
+    if (index)
+        m_peek.end();
     m_hostingView.setKeyFocused(index ? m_cards[*index].card : nullptr);
 }
 

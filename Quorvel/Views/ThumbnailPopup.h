@@ -13,6 +13,7 @@
 #include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/ThumbnailCard.h"
 #include "Quorvel/Views/ThumbnailPopupLayout.h"
+#include "Quorvel/Views/WindowPeek.h"
 
 namespace quorvel {
 
@@ -23,7 +24,8 @@ class ThumbnailService;
 /// focus; keys come to it from the bar. Destroying it removes it from the screen. Main thread.
 ///
 /// While the pointer is on it, its cards hold still: one whose window closes leaves its place
-/// empty, and a new window waits. Whoever shows it does so again when the pointer has left.
+/// empty, and a new window waits. Whoever shows it does so again when the pointer has left. To a
+/// pointer that rests on a card, the window itself is shown.
 class ThumbnailPopup {
 public:
     struct Inputs {
@@ -32,6 +34,7 @@ public:
         const Text& text;
         ThumbnailService& thumbnailService;
         const Published<Appearance>& appearance;
+        Peeking* peeking = nullptr; ///< as of the platform
         DisplayNumber display{};
     };
 
@@ -97,6 +100,7 @@ private:
 
     Inputs m_inputs;
     Palette m_palette; ///< outlives the views that point at it
+    WindowPeek m_peek; ///< outlives the cards, of which the last ones go with their surface
     BarHostingView m_hostingView;
     std::unique_ptr<PanelSurface> m_surface;
     Content* m_content = nullptr;

@@ -37,9 +37,9 @@ bool ThumbnailPresenter::show(const std::vector<ChipData>& windows, const Rect& 
 
 void ThumbnailPresenter::makePopup()
 {
-    m_activeThumbnailPanel = std::make_unique<ThumbnailPopup>(
-        ThumbnailPopup::Inputs{m_platform.surfaces, m_platform.dispatch, m_platform.text,
-            m_thumbnailService, m_platform.application.appearance(), m_display});
+    m_activeThumbnailPanel = std::make_unique<ThumbnailPopup>(ThumbnailPopup::Inputs{
+        m_platform.surfaces, m_platform.dispatch, m_platform.text, m_thumbnailService,
+        m_platform.application.appearance(), m_platform.peeking, m_display});
     m_activeThumbnailPanel->onHoverChanged = onHoverChanged;
     m_activeThumbnailPanel->onWindowChosen = onWindowChosen;
     m_activeThumbnailPanel->onWindowClosed = onWindowClosed;

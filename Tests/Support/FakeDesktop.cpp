@@ -20,7 +20,7 @@ Platform FakeDesktop::platform()
         m_fileEvents, m_screenCapture, m_program, m_surfaces, m_text, m_control, m_files,
         m_loginItem, m_launchServices, m_trace, m_hasDockAndUpdater ? &m_dock : nullptr,
         m_hasDockAndUpdater ? &m_updater : nullptr, &m_hotkeys,
-        m_hasSettingsWindow ? &m_settingsWindow : nullptr, &m_applicationMatching};
+        m_hasSettingsWindow ? &m_settingsWindow : nullptr, &m_applicationMatching, &m_peeking};
 }
 
 void FakeDesktop::install(const std::string& path, BundleDescription description)

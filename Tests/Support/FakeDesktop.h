@@ -17,6 +17,7 @@
 #include "Tests/Support/FakeHotkeys.h"
 #include "Tests/Support/FakeLaunchServices.h"
 #include "Tests/Support/FakeLoginItem.h"
+#include "Tests/Support/FakePeeking.h"
 #include "Tests/Support/FakeProgram.h"
 #include "Tests/Support/FakeScreenCapture.h"
 #include "Tests/Support/FakeSettingsWindow.h"
@@ -87,6 +88,7 @@ public:
     FakeLaunchServices& launchServices() { return m_launchServices; }
     FakeDock& dock() { return m_dock; }
     FakeApplicationMatching& applicationMatching() { return m_applicationMatching; }
+    FakePeeking& peeking() { return m_peeking; }
     FakeUpdater& updater() { return m_updater; }
     FakeSettingsWindow& settingsWindow() { return m_settingsWindow; }
     /// As on a system that has neither a Dock nor a framework for updates.
@@ -179,6 +181,7 @@ private:
     FakeLaunchServices m_launchServices{m_dispatch};
     FakeDock m_dock;
     FakeUpdater m_updater;
+    FakePeeking m_peeking;
     FakeApplicationMatching m_applicationMatching;
     Trace m_trace;
     std::int32_t m_nextPID = 501;

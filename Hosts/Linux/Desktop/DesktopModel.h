@@ -50,6 +50,7 @@ struct WindowRecord {
     double alpha = 1;
     Rect frame; ///< points, global top-left origin
     std::optional<SpaceID> space; ///< absent: on every space
+    std::optional<WindowID> parent{}; ///< of a dialog and the like
     WindowSwitches offered{}; ///< that the window and its manager let one change
     WindowSwitches on{};
     std::uint64_t activation = 0; ///< grows with each activation on the desktop; 0: never active

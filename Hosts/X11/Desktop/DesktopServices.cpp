@@ -6,6 +6,7 @@
 #include "Hosts/Linux/Desktop/DesktopAccessibility.h"
 #include "Hosts/Linux/Desktop/DesktopLaunchServices.h"
 #include "Hosts/Linux/Desktop/DesktopMatching.h"
+#include "Hosts/Linux/Desktop/DesktopPeeking.h"
 #include "Hosts/Linux/Desktop/DesktopTracker.h"
 #include "Hosts/Linux/Desktop/DesktopWindowServer.h"
 #include "Hosts/Linux/Desktop/DesktopWorkspace.h"
@@ -18,6 +19,7 @@
 #include "Hosts/X11/Desktop/WindowRequests.h"
 #include "Hosts/X11/Desktop/WindowSession.h"
 #include "Hosts/X11/Desktop/X11Displays.h"
+#include "Hosts/X11/Desktop/X11PeekRequests.h"
 #include "Hosts/X11/Monitors.h"
 
 namespace quorvel::xdg::x11 {
@@ -25,7 +27,8 @@ namespace quorvel::xdg::x11 {
 struct DesktopServices::Parts {
     Parts(Connection& connection, Dispatch& dispatch, Monitors& monitors,
         PanelEnvironment& environment, DesktopEntries& entries, Icons& icons)
-        : observers(model)
+        : faded(connection)
+        , observers(model)
         , tracker(dispatch, entries, model, observers)
         , mirror(connection, dispatch, monitors, environment, model, tracker)
         , requests(connection, monitors, mirror.clients(), mirror.root(), model)
@@ -36,6 +39,8 @@ struct DesktopServices::Parts {
         , displays(monitors, mirror)
         , workspace(model, tracker, requests, tokens, windowIcons, entries, icons)
         , matching(tracker, entries)
+        , peekRequests(connection, faded, mirror.clients(), mirror.root())
+        , peeking(model, peekRequests)
         , launchServices(model)
         , launcherBus(launchServices.entries(), entries,
               [this] { launchServices.answersMayHaveChanged.emit(); })
@@ -53,6 +58,7 @@ struct DesktopServices::Parts {
             = [this](std::optional<WindowID> window) { tracker.expectFocus(window); };
     }
 
+    FadedWindows faded; ///< before windows are read: a bar that was killed may have left some
     SharedModel model;
     ObserverRegistry observers;
     DesktopTracker tracker;
@@ -65,6 +71,8 @@ struct DesktopServices::Parts {
     X11Displays displays;
     DesktopWorkspace workspace;
     DesktopMatching matching;
+    X11PeekRequests peekRequests;
+    DesktopPeeking peeking;
     DesktopLaunchServices launchServices;
     LauncherBus launcherBus;
     Subscription attentionChanged;
@@ -107,6 +115,10 @@ LaunchServices& DesktopServices::launchServices()
 ApplicationMatching& DesktopServices::applicationMatching()
 {
     return m_parts->matching;
+}
+Peeking& DesktopServices::peeking()
+{
+    return m_parts->peeking;
 }
 LaunchTokens& DesktopServices::launchTokens()
 {

@@ -8,6 +8,7 @@ class ApplicationMatching;
 class Dispatch;
 class Displays;
 class LaunchServices;
+class Peeking;
 class WindowServer;
 class Workspace;
 }
@@ -41,6 +42,7 @@ public:
     Workspace& workspace();
     LaunchServices& launchServices();
     ApplicationMatching& applicationMatching();
+    Peeking& peeking();
     LaunchTokens& launchTokens();
 
 private:

@@ -193,7 +193,10 @@ void Mirror::translate(Client& client)
         return;
 
     client.isDirty = false;
-    auto record = xdg::x11::recordOf(client, m_clients.parentOf(client) != nullptr, context());
+    auto* parent = m_clients.parentOf(client);
+    auto record = xdg::x11::recordOf(client, parent != nullptr, context());
+    if (parent)
+        record.parent = parent->id;
     m_reservationsDidChange |= client.type == WindowType::dock;
     if (std::exchange(client.hasOtherIcon, false) && client.isAnnounced)
         m_tracker.iconDidChange(client.id);

@@ -233,4 +233,24 @@ double decodeOpacity(const RawProperty& property)
     return value ? *value / 4294967295.0 : 1;
 }
 
+NotedOpacities decodeNotedOpacities(const RawProperty& property)
+{
+    NotedOpacities opacities;
+    if (!isWordList(property, XCB_ATOM_CARDINAL) || property.words() % 3 != 0)
+        return opacities;
+    for (std::size_t at = 0; at < property.words(); at += 3) {
+        bool wasSet = property.word(at + 1) != 0;
+        opacities[property.word(at)] = wasSet ? std::optional{property.word(at + 2)} : std::nullopt;
+    }
+    return opacities;
+}
+
+std::vector<std::uint32_t> encodeNotedOpacities(const NotedOpacities& opacities)
+{
+    std::vector<std::uint32_t> words;
+    for (auto& [window, opacity] : opacities)
+        words.insert(words.end(), {window, opacity ? 1u : 0u, opacity.value_or(0)});
+    return words;
+}
+
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -36,6 +37,7 @@ inline constexpr std::uint32_t features = 4096;
 inline constexpr std::uint32_t windows = 1 << 16;
 inline constexpr std::uint32_t desktopNames = 4096;
 inline constexpr std::uint32_t icons = 600'000;
+inline constexpr std::uint32_t notedOpacities = 3 * 4096;
 inline constexpr std::size_t titleBytes = 1024;
 inline constexpr std::size_t desktops = 1024;
 inline constexpr std::uint32_t iconSide = 256;
@@ -105,5 +107,11 @@ std::optional<Extents> decodeStrut(const RawProperty&);
 std::vector<IconPixels> decodeIcons(const RawProperty&);
 /// Opacity from 0 to 1; absent means opaque.
 double decodeOpacity(const RawProperty&);
+
+/// What windows had said of their opacity, from 0 to 0xFFFFFFFF; absent: nothing.
+using NotedOpacities = std::map<xcb_window_t, std::optional<std::uint32_t>>;
+/// None from what was not written by `encodeNotedOpacities`.
+NotedOpacities decodeNotedOpacities(const RawProperty&);
+std::vector<std::uint32_t> encodeNotedOpacities(const NotedOpacities&);
 
 }

@@ -6,6 +6,7 @@
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/Clients.h"
+#include "Hosts/X11/Desktop/ManagerMessage.h"
 #include "Hosts/X11/Desktop/RootState.h"
 #include "Hosts/X11/Monitors.h"
 
@@ -13,12 +14,9 @@ namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr std::uint32_t kSourcePager = 2; ///< the user's own wish, not an application's
 constexpr std::uint32_t kIconicState = 3;
 constexpr xcb_timestamp_t kFarActivationCounts = 1000; ///< milliseconds
 constexpr std::uint32_t kNorthWestGravity = 1;
-constexpr std::uint32_t kRemoveState = 0;
-constexpr std::uint32_t kAddState = 1;
 constexpr std::uint32_t kVerticalPlace = 1u << 9;
 constexpr std::uint32_t kWidthAndHeight = 1u << 10 | 1u << 11;
 constexpr double kLargestSide = 32767;
@@ -272,15 +270,7 @@ std::optional<WindowID> WindowRequests::windowToActivate(ProcessID pid) const
 void WindowRequests::message(
     xcb_window_t window, xcb_atom_t type, std::array<std::uint32_t, 5> data) const
 {
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = type;
-    std::ranges::copy(data, event.data.data32);
-    xcb_send_event(m_connection.raw(), 0, m_connection.root(),
-        XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-        reinterpret_cast<const char*>(&event));
+    sendToManager(m_connection, window, type, data);
 }
 
 }
