@@ -103,12 +103,15 @@ void WindowMoves::moveNext()
     focusWhatCame();
 }
 
+/// The store may hear of it later.
 void WindowMoves::focusWhatCame()
 {
-    auto id = std::exchange(m_waiting.toFocus, std::nullopt);
-    auto* window = id ? m_windowStore.window(*id) : nullptr;
-    if (window && std::ranges::find(window->spaceIDs, m_waiting.to) != window->spaceIDs.end())
-        m_viewModel.activateWindow(*id, BarViewModel::FocusBeforeActivation::no);
+    auto window = std::exchange(m_waiting.toFocus, std::nullopt);
+    if (!window || !m_windowStore.window(*window))
+        return;
+    auto spaces = m_windowServer.spacesOfWindows(kAllSpacesMask, {*window});
+    if (spaces && std::ranges::find(*spaces, m_waiting.to) != spaces->end())
+        m_viewModel.activateWindow(*window, BarViewModel::FocusBeforeActivation::no);
 }
 
 /// Along one display, a key has to lead to the space while the button is held.

@@ -97,6 +97,21 @@ TEST_P(WindowFinders, leadToWindowsOfOtherDesktopsAndCloseOthers)
     EXPECT_TRUE(shows("closed"));
 }
 
+// Faults: the window comes without the focus, since the bar has not heard yet where it is; the user
+// is taken to where it has been.
+TEST_P(WindowFinders, bringWindowsHere)
+{
+    open();
+    type("ann wri");
+    EXPECT_TRUE(shows("*Letter to Ann"));
+    keyboard.typeChord(XKB_KEY_Shift_L, XKB_KEY_Return);
+    EXPECT_TRUE(shows("closed"));
+    EXPECT_TRUE(becomesActive(letterToAnn()));
+    EXPECT_EQ(desktop.currentDesktop(), 0U);
+    EXPECT_EQ(desktop.desktopOf(letterToAnn()), 0U);
+    EXPECT_TRUE(settles(bar));
+}
+
 QUORVEL_UNDER_EACH_MANAGER(WindowFinders);
 
 }
