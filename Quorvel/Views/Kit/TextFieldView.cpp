@@ -12,6 +12,7 @@ namespace {
 
 struct TextFieldViewStyle {
     static constexpr double caretWidth = 1;
+    static constexpr double placeholderInset = 2; ///< clear of the caret
     static constexpr double overhang = 2; ///< room for letters that lean out of their line
     static constexpr double underline = 1;
 };
@@ -156,7 +157,8 @@ void TextFieldView::paint(Canvas& canvas) const
     if (m_shown.text.empty()) {
         auto quiet = style(palette.quietText, TextAlignment::leading);
         quiet.elide = Elide::tail;
-        canvas.drawText(m_placeholder, bounds(), quiet);
+        canvas.drawText(
+            m_placeholder, bounds().inset(TextFieldViewStyle::placeholderInset, 0), quiet);
     }
     paintLine(canvas, palette.text);
     paintSelection(canvas);
