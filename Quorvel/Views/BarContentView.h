@@ -78,9 +78,7 @@ public:
 
     void activateWindowDeferred(WindowID);
     void dismissThumbnailPopupImmediate() { m_popups.dismiss(); }
-    void openActivityMonitor();
     void triggerShowDesktop();
-    void showBarMenu(const Rect& anchor);
     /// Towards the trailing end.
     void scrollSideways(double distance, ScrollUnit);
     void useItem(std::size_t place, ItemUse);
@@ -103,6 +101,8 @@ private:
     AccessibleState accessibleState() const override;
     void layout() override;
 
+    void openActivityMonitor();
+    void showBarMenu(const Rect& anchor);
     void connectButtons();
     void connectRow();
     void connectPins();
