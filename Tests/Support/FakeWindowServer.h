@@ -122,7 +122,7 @@ public:
         std::vector<double> times;
         for (auto at : m_listings)
             times.push_back(
-                std::chrono::round<std::chrono::microseconds>(at - start).count() / 1e6);
+                double(std::chrono::round<std::chrono::microseconds>(at - start).count()) / 1e6);
         return times;
     }
     /// How often the spaces were asked for.

@@ -48,6 +48,7 @@ TEST_F(HostileEnvironment, leavesABarThatShowsTheWindows)
         {{"FONTCONFIG_FILE", server.folder() / "no-fonts.conf"}},
         {{"LC_ALL", "C"}, {"LANG", ""}},
         {{"LC_ALL", "xx_YY.NO-SUCH-CHARSET"}, {"LANGUAGE", "xx"}},
+        {{"CHARSET", "ISO-8859-1"}, {"LC_ALL", "C"}}, // the former is GLib's own word for it
         {{"PATH", "/dev/null"}},
     };
     for (const auto& changes : circumstances) {
