@@ -153,10 +153,20 @@ HotkeyManager& Runtime::hotkeyManager()
 HotkeyManager& Runtime::findHotkeyManager()
 {
     if (!m_findHotkeyManager) {
-        m_findHotkeyManager = std::make_unique<HotkeyManager>(
-            m_platform.hotkeys, userSettings(), m_platform.dispatch, hotkeyManager());
+        m_findHotkeyManager = std::make_unique<HotkeyManager>(m_platform.hotkeys, userSettings(),
+            m_platform.dispatch, HotkeyPurpose::windows, std::vector{&hotkeyManager()});
     }
     return *m_findHotkeyManager;
+}
+
+HotkeyManager& Runtime::barHotkeyManager()
+{
+    if (!m_barHotkeyManager) {
+        m_barHotkeyManager = std::make_unique<HotkeyManager>(m_platform.hotkeys, userSettings(),
+            m_platform.dispatch, HotkeyPurpose::bar,
+            std::vector{&hotkeyManager(), &findHotkeyManager()});
+    }
+    return *m_barHotkeyManager;
 }
 
 HotkeyManager& HotkeyManager::shared()
@@ -357,9 +367,11 @@ void QuorvelApp::wireShortcuts(Runtime& runtime)
         runtime.m_barManager->toggleAppLauncher(
             BarManager::LauncherCaller::thisProgram, LauncherKind::windows);
     };
+    auto& barHotkeys = runtime.barHotkeyManager();
+    barHotkeys.onHotkeyPressed = [&runtime] { runtime.m_barManager->toggleBar(); };
     runtime.m_numberKeys = std::make_unique<NumberKeys>(runtime.m_platform.hotkeys,
-        std::vector<const HotkeyManager*>{&hotkeys, &findHotkeys}, runtime.userSettings(),
-        runtime.m_platform.dispatch);
+        std::vector<const HotkeyManager*>{&hotkeys, &findHotkeys, &barHotkeys},
+        runtime.userSettings(), runtime.m_platform.dispatch);
     runtime.m_numberKeys->onPressed
         = [&runtime](std::size_t place, ItemUse use) { runtime.m_barManager->useItem(place, use); };
 }
@@ -500,6 +512,7 @@ void QuorvelApp::offerSettings(Runtime& runtime)
         .loginItem = platform.loginItem,
         .hotkeyManager = HotkeyManager::shared(),
         .findHotkeyManager = runtime.findHotkeyManager(),
+        .barHotkeyManager = runtime.barHotkeyManager(),
         .numberKeys = *runtime.m_numberKeys,
         .hotkeys = platform.hotkeys,
         .dockController = DockController::shared(),
@@ -551,7 +564,8 @@ void QuorvelApp::answerRequests(Runtime& runtime)
             return {0,
                 stateReport(runtime.m_platform, runtime.windowStore(), *runtime.barManager(),
                     *runtime.m_barViews,
-                    {runtime.hotkeyManager(), runtime.findHotkeyManager(), *runtime.m_numberKeys}),
+                    {runtime.hotkeyManager(), runtime.findHotkeyManager(),
+                        runtime.barHotkeyManager(), *runtime.m_numberKeys}),
                 ""};
         });
 }

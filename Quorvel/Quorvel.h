@@ -53,6 +53,7 @@ public:
     UpdaterService* updaterService();
     HotkeyManager& hotkeyManager();
     HotkeyManager& findHotkeyManager();
+    HotkeyManager& barHotkeyManager();
     BadgeService& badgeService();
     ThumbnailService& thumbnailService();
     WindowStore& windowStore();
@@ -71,6 +72,7 @@ private:
     std::unique_ptr<UpdaterService> m_updaterService;
     std::unique_ptr<HotkeyManager> m_hotkeyManager;
     std::unique_ptr<HotkeyManager> m_findHotkeyManager;
+    std::unique_ptr<HotkeyManager> m_barHotkeyManager;
     std::unique_ptr<NumberKeys> m_numberKeys;
     std::unique_ptr<BadgeService> m_badgeService;
     std::unique_ptr<ThumbnailService> m_thumbnailService;

@@ -296,6 +296,7 @@ std::string stateReport(const Platform& platform, const WindowStore& store,
         {"menu", menuJson(platform, views.menus())},
         {"hotkey", hotkeyJson(hotkeys.applications)},
         {"findHotkey", hotkeyJson(hotkeys.windows)},
+        {"barHotkey", hotkeyJson(hotkeys.bar)},
         {"numberKeys", numberKeysJson(hotkeys.numberKeys)},
     };
     // Titles come from other programs and may hold anything.

@@ -11,10 +11,11 @@ class NumberKeys;
 class WindowStore;
 struct Platform;
 
-/// The shortcuts of the lists of applications and of windows, and those by number.
+/// The shortcuts of the lists of applications and of windows, of the bar, and those by number.
 struct ReportedHotkeys {
     const HotkeyManager& applications;
     const HotkeyManager& windows;
+    const HotkeyManager& bar;
     const NumberKeys& numberKeys;
 };
 

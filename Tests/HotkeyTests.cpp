@@ -170,6 +170,37 @@ TEST_F(HotkeyTest, saysThatTheShortcutIsTaken)
     EXPECT_EQ(hotkeys().state().value(), State::registered);
 }
 
+// Faults: keys that are taken from others while bars do not hide, or from the number keys; ones
+// that are not taken when that changes, or kept; a press that opens a list, or does not come back.
+TEST_F(HotkeyTest, sendsTheBarAwayAndGetsItBackWhileBarsHide)
+{
+    startWith(R"({"more": {"numberKeys": true, "barKeyCode": 19, "barModifiers": 256}})");
+    const Keys two{19, HotkeyModifier::command};
+    auto report
+        = [this] { return nlohmann::json::parse(desktop.control().send({"--state"})->output); };
+    EXPECT_EQ(report()["barHotkey"], (nlohmann::json{{"shortcut", "⌘2"}, {"state", "none"}}));
+    EXPECT_EQ(system().registered().size(), 18U) << "the number key has it";
+    set("autoHide=true");
+    EXPECT_EQ(report()["barHotkey"]["state"], "registered");
+    EXPECT_EQ(report()["numberKeys"]["taken"].size(), 0U);
+    for (double slide : {1, 0}) {
+        EXPECT_TRUE(system().press(two));
+        desktop.advance(seconds(1));
+        EXPECT_EQ(panel().slide(), slide);
+    }
+    EXPECT_FALSE(isLauncherOpen());
+
+    set("hotkeyKeyCode=19");
+    set("hotkeyModifiers=256");
+    EXPECT_EQ(report()["barHotkey"]["state"], "taken");
+    set("hotkeyModifiers=null");
+    EXPECT_EQ(report()["barHotkey"]["state"], "registered");
+    set("numberKeys=false");
+    EXPECT_EQ(system().registered(), (std::vector{two}));
+    set("autoHide=false");
+    EXPECT_TRUE(system().registered().empty());
+}
+
 struct NumberKeyTest : ThreeWindows {
     FakeHotkeys& system() { return desktop.hotkeys(); }
     void pressNumber(int number, std::uint32_t modifiers = HotkeyModifier::command)

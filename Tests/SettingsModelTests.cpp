@@ -23,6 +23,7 @@ struct SettingsModelTest : SettingsFixture {
     std::unique_ptr<AppLauncher> launcher;
     std::unique_ptr<HotkeyManager> hotkeys;
     std::unique_ptr<HotkeyManager> findHotkeys;
+    std::unique_ptr<HotkeyManager> barHotkeys;
     std::unique_ptr<NumberKeys> numberKeys;
     std::unique_ptr<DockController> dock; ///< null: there is none
     std::unique_ptr<UpdaterService> updater; ///< null: there is none
@@ -35,16 +36,19 @@ struct SettingsModelTest : SettingsFixture {
     {
         model.reset();
         numberKeys.reset();
+        barHotkeys.reset();
         findHotkeys.reset();
         hotkeys.reset();
         start(file);
         hotkeys
             = std::make_unique<HotkeyManager>(&desktop.hotkeys(), *settings, desktop.dispatch());
-        findHotkeys = std::make_unique<HotkeyManager>(
-            &desktop.hotkeys(), *settings, desktop.dispatch(), *hotkeys);
+        findHotkeys = std::make_unique<HotkeyManager>(&desktop.hotkeys(), *settings,
+            desktop.dispatch(), HotkeyPurpose::windows, std::vector{hotkeys.get()});
+        barHotkeys = std::make_unique<HotkeyManager>(&desktop.hotkeys(), *settings,
+            desktop.dispatch(), HotkeyPurpose::bar, std::vector{hotkeys.get(), findHotkeys.get()});
         numberKeys = std::make_unique<NumberKeys>(&desktop.hotkeys(),
-            std::vector<const HotkeyManager*>{hotkeys.get(), findHotkeys.get()}, *settings,
-            desktop.dispatch());
+            std::vector<const HotkeyManager*>{hotkeys.get(), findHotkeys.get(), barHotkeys.get()},
+            *settings, desktop.dispatch());
         if (system == System::withDockAndUpdater) {
             auto platform = desktop.platform();
             dock = std::make_unique<DockController>(
@@ -60,6 +64,7 @@ struct SettingsModelTest : SettingsFixture {
             .loginItem = desktop.loginItem(),
             .hotkeyManager = *hotkeys,
             .findHotkeyManager = *findHotkeys,
+            .barHotkeyManager = *barHotkeys,
             .numberKeys = *numberKeys,
             .hotkeys = &desktop.hotkeys(),
             .dockController = dock.get(),
@@ -107,8 +112,9 @@ TEST_F(SettingsModelTest, everyRowOfAFieldShowsItAndChangesIt)
     std::set<std::string> fields;
     UserSettingsData::forEachSetting(
         settings->data().value(), [&](const char* name, auto&) { fields.insert(name); });
-    for (auto* elsewhere : {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers",
-             "numberKeyModifiers", "findKeyCode", "findModifiers", "mendedMatches"})
+    for (auto* elsewhere :
+        {"pinnedApps", "settingsVersion", "hotkeyKeyCode", "hotkeyModifiers", "numberKeyModifiers",
+            "findKeyCode", "findModifiers", "barKeyCode", "barModifiers", "mendedMatches"})
         EXPECT_EQ(fields.erase(elsewhere), 1U);
     for (auto& field : fields) {
         SCOPED_TRACE(field);
@@ -192,6 +198,28 @@ TEST_F(SettingsModelTest, theListOfWindowsHasAShortcutBesideTheFirstOne)
     EXPECT_EQ(shown("findHotkey").status, "");
     EXPECT_EQ(apply(Change::Record{{}, "theme"}), "The running bar has no such setting.");
     EXPECT_EQ(apply(Change::Record{{}, "findHotkey"}), "");
+    EXPECT_THAT(desktop.hotkeys().registered(), IsEmpty());
+}
+
+// Faults: a shortcut that is recorded for nothing; the same keys as for a list, of which one or the
+// other acts; a row that does not say why it cannot be changed.
+TEST_F(SettingsModelTest, theBarHasAShortcutWhileItHides)
+{
+    open(R"({"more": {"findKeyCode": 40, "findModifiers": 256}})");
+    auto shown = [this] { return control<SettingsShortcut>("barHotkey"); };
+    const Change::Record record{{{40, HotkeyModifier::command}}, "barHotkey"};
+    EXPECT_FALSE(row("barHotkey").isEnabled);
+    EXPECT_EQ(apply(record), "This cannot be changed at present.");
+    EXPECT_EQ(apply(Change::Set{"autoHide", true}), "");
+    EXPECT_EQ(apply(record), "");
+    EXPECT_EQ(settings->data().value().more.barKeyCode, 40U);
+    EXPECT_EQ(shown().text, "⌘K");
+    EXPECT_EQ(shown().status, "Taken by another program");
+    EXPECT_EQ(apply(Change::Record{{}, "findHotkey"}), "");
+    EXPECT_EQ(shown().status, "");
+    EXPECT_THAT(desktop.hotkeys().registered(), SizeIs(1));
+    EXPECT_EQ(apply(Change::Set{"autoHide", false}), "");
+    EXPECT_EQ(shown().text, "⌘K") << "for the next time";
     EXPECT_THAT(desktop.hotkeys().registered(), IsEmpty());
 }
 

@@ -1,5 +1,6 @@
 #include "Quorvel/Core/HotkeyManager.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "Quorvel/Core/UserSettings.h"
@@ -7,23 +8,17 @@
 namespace quorvel {
 
 HotkeyManager::HotkeyManager(Hotkeys* hotkeys, UserSettings& settings, Dispatch& dispatch)
-    : HotkeyManager(hotkeys, settings, dispatch, HotkeyPurpose::applications, nullptr)
-{
-}
-
-HotkeyManager::HotkeyManager(
-    Hotkeys* hotkeys, UserSettings& settings, Dispatch& dispatch, HotkeyManager& first)
-    : HotkeyManager(hotkeys, settings, dispatch, HotkeyPurpose::windows, &first)
+    : HotkeyManager(hotkeys, settings, dispatch, HotkeyPurpose::applications, {})
 {
 }
 
 HotkeyManager::HotkeyManager(Hotkeys* hotkeys, UserSettings& settings, Dispatch& dispatch,
-    HotkeyPurpose purpose, HotkeyManager* first)
+    HotkeyPurpose purpose, std::vector<HotkeyManager*> earlier)
     : m_hotkeys(hotkeys)
     , m_settings(settings)
     , m_dispatch(dispatch)
     , m_purpose(purpose)
-    , m_first(first)
+    , m_earlier(std::move(earlier))
     , m_settingsChange(settings.data().subscribe([this](auto&) { loadShortcut(); }))
 {
     if (m_hotkeys) {
@@ -31,11 +26,13 @@ HotkeyManager::HotkeyManager(Hotkeys* hotkeys, UserSettings& settings, Dispatch&
         m_eventHandler
             = m_hotkeys->installHandler([this](auto& pressed) { return handleHotkey(pressed); });
     }
-    if (m_first) {
-        m_firstChanges.push_back(
-            m_first->currentShortcut().subscribe([this](auto&) { reregister(); }));
-        m_firstChanges.push_back(m_first->isSuspended().subscribe([this](auto&) { reregister(); }));
-    }
+    auto follow = [this](auto& source) {
+        m_earlierChanges.push_back(source.subscribe([this](auto&) { reregister(); }));
+    };
+    for (auto* manager : m_earlier)
+        follow(manager->wantedShortcut());
+    if (!m_earlier.empty())
+        follow(m_earlier.front()->isSuspended());
     loadShortcut();
 }
 
@@ -45,24 +42,44 @@ HotkeyManager::~HotkeyManager() = default;
 
 HotkeyManager::Fields HotkeyManager::fields(UserSettingsData& data) const
 {
-    if (m_purpose == HotkeyPurpose::applications)
-        return {data.hotkeyKeyCode, data.hotkeyModifiers};
-    return {data.more.findKeyCode, data.more.findModifiers};
+    switch (m_purpose) {
+    case HotkeyPurpose::applications:
+        break;
+    case HotkeyPurpose::windows:
+        return {data.more.findKeyCode, data.more.findModifiers};
+    case HotkeyPurpose::bar:
+        return {data.more.barKeyCode, data.more.barModifiers};
+    }
+    return {data.hotkeyKeyCode, data.hotkeyModifiers};
 }
 
 HotkeyID HotkeyManager::ownID() const
 {
-    return m_purpose == HotkeyPurpose::applications ? hotkeyID : findHotkeyID;
+    switch (m_purpose) {
+    case HotkeyPurpose::applications:
+        break;
+    case HotkeyPurpose::windows:
+        return findHotkeyID;
+    case HotkeyPurpose::bar:
+        return barHotkeyID;
+    }
+    return hotkeyID;
+}
+
+bool HotkeyManager::isWanted() const
+{
+    return m_purpose != HotkeyPurpose::bar || m_settings.hidesBar();
 }
 
 /// Of two registrations of one program the system might honour either.
-bool HotkeyManager::isLeftToFirst() const
+bool HotkeyManager::isLeftToEarlier() const
 {
-    auto& mine = m_currentShortcut.value();
-    auto* its = m_first && m_first->currentShortcut().value() ? &*m_first->currentShortcut().value()
-                                                              : nullptr;
-    return mine && its && mine->keyCode == its->keyCode
-        && (mine->modifiers & HotkeyModifier::all) == (its->modifiers & HotkeyModifier::all);
+    auto& mine = m_wantedShortcut.value();
+    return mine && std::ranges::any_of(m_earlier, [&](auto* manager) {
+        auto& its = manager->wantedShortcut().value();
+        return its && mine->keyCode == its->keyCode
+            && (mine->modifiers & HotkeyModifier::all) == (its->modifiers & HotkeyModifier::all);
+    });
 }
 
 void HotkeyManager::loadShortcut()
@@ -72,10 +89,12 @@ void HotkeyManager::loadShortcut()
     std::optional<KeyboardShortcut> stored;
     if (keyCode && modifiers)
         stored = KeyboardShortcut{*keyCode, *modifiers};
-    if (stored == m_currentShortcut.value())
+    auto wanted = isWanted() ? stored : std::nullopt;
+    if (stored == m_currentShortcut.value() && wanted == m_wantedShortcut.value())
         return;
     m_hotkeyRef.reset(); // whoever hears of the new one may want the keys of the old one
     m_currentShortcut.set(stored);
+    m_wantedShortcut.set(wanted);
     reregister();
 }
 
@@ -115,9 +134,10 @@ bool HotkeyManager::recordShortcut(std::uint32_t keyCode, std::uint64_t modifier
 void HotkeyManager::reregister()
 {
     m_hotkeyRef.reset();
-    auto& shortcut = m_currentShortcut.value();
-    bool isHeld = m_suspensions > 0 || (m_first && m_first->isSuspended().value());
-    if (m_hotkeys && shortcut && !isHeld && !isLeftToFirst())
+    auto& shortcut = m_wantedShortcut.value();
+    bool isHeld
+        = m_suspensions > 0 || (!m_earlier.empty() && m_earlier.front()->isSuspended().value());
+    if (m_hotkeys && shortcut && !isHeld && !isLeftToEarlier())
         m_hotkeyRef = m_hotkeys->registerHotkey(shortcut->keyCode, shortcut->modifiers, ownID());
     updateState();
 }
@@ -125,7 +145,7 @@ void HotkeyManager::reregister()
 void HotkeyManager::updateState()
 {
     if (!m_hotkeyRef)
-        return m_state.set(m_hotkeys && isLeftToFirst() ? State::taken : State::none);
+        return m_state.set(m_hotkeys && isLeftToEarlier() ? State::taken : State::none);
     switch (m_hotkeyRef->outcome()) {
     case HotkeyOutcome::registered:
         return m_state.set(State::registered);
@@ -138,8 +158,8 @@ void HotkeyManager::updateState()
 
 Subscription HotkeyManager::suspend()
 {
-    if (m_first)
-        return m_first->suspend();
+    if (!m_earlier.empty())
+        return m_earlier.front()->suspend();
     changeSuspensions(1);
     auto end = [weak = m_weak.reference()](void*) {
         if (auto* manager = weak.get())

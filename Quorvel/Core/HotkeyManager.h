@@ -16,29 +16,35 @@ namespace quorvel {
 class UserSettings;
 struct UserSettingsData;
 
-/// What a shortcut opens: of each there is at most one.
-enum class HotkeyPurpose { applications, windows };
+/// What a shortcut is for: of each there is at most one.
+enum class HotkeyPurpose {
+    applications, ///< opens their list
+    windows, ///< opens their list
+    bar, ///< sends it away, or gets it back; nobody needs it unless bars hide
+};
 
 /// A shortcut that works in every program. It follows the settings, whoever changes them;
 /// until the user records one there is none. Main thread.
 class HotkeyManager {
 public:
     enum class State {
-        none, ///< there is no shortcut, or it is suspended
+        none, ///< there is no shortcut, nobody needs it, or it is suspended
         registered,
-        taken, ///< another program has it, or the first manager
+        taken, ///< another program has it, or an earlier manager
         failed, ///< the system refuses it
     };
 
     static constexpr HotkeyID hotkeyID{0x5152564C, 1}; ///< "QRVL"
     static constexpr HotkeyID findHotkeyID{hotkeyID.signature, 3};
+    static constexpr HotkeyID barHotkeyID{hotkeyID.signature, 4};
 
     /// The one that opens the applications. Null where the system has no such shortcuts: they are
     /// stored all the same.
     HotkeyManager(Hotkeys*, UserSettings&, Dispatch&);
-    /// The one that opens the windows. The same keys are left to the first manager, which outlives
-    /// this one; both are suspended together.
-    HotkeyManager(Hotkeys*, UserSettings&, Dispatch&, HotkeyManager& first);
+    /// Another one. The same keys are left to the earlier managers, one at least, which outlive
+    /// this one; all are suspended together.
+    HotkeyManager(
+        Hotkeys*, UserSettings&, Dispatch&, HotkeyPurpose, std::vector<HotkeyManager*> earlier);
     ~HotkeyManager();
     HotkeyManager(const HotkeyManager&) = delete;
     HotkeyManager& operator=(const HotkeyManager&) = delete;
@@ -54,6 +60,11 @@ public:
     {
         return m_currentShortcut;
     }
+    /// The same, but absent while nobody needs it: its keys are free for others.
+    const Published<std::optional<KeyboardShortcut>>& wantedShortcut() const
+    {
+        return m_wantedShortcut;
+    }
     /// Stores it and registers it anew, even if it is the one that was there. Absent: none.
     void setCurrentShortcut(std::optional<KeyboardShortcut>);
     /// From a pressed key (the low 16 bits of its code) and `KeyModifier` flags. False, and nothing
@@ -66,8 +77,6 @@ public:
     const Published<bool>& isSuspended() const { return m_isSuspended; }
 
 private:
-    HotkeyManager(Hotkeys*, UserSettings&, Dispatch&, HotkeyPurpose, HotkeyManager* first);
-
     using Field = std::optional<std::uint32_t>;
     struct Fields {
         Field& keyCode;
@@ -75,7 +84,8 @@ private:
     };
     Fields fields(UserSettingsData&) const;
     HotkeyID ownID() const;
-    bool isLeftToFirst() const;
+    bool isWanted() const;
+    bool isLeftToEarlier() const;
     HotkeyStatus handleHotkey(const HotkeyID&);
     void loadShortcut();
     void save(const std::optional<KeyboardShortcut>&);
@@ -87,13 +97,14 @@ private:
     UserSettings& m_settings;
     Dispatch& m_dispatch;
     const HotkeyPurpose m_purpose;
-    HotkeyManager* const m_first; ///< null in the first one
+    const std::vector<HotkeyManager*> m_earlier; ///< none before the first one
     Published<std::optional<KeyboardShortcut>> m_currentShortcut;
+    Published<std::optional<KeyboardShortcut>> m_wantedShortcut;
     Published<State> m_state;
     Published<bool> m_isSuspended;
     int m_suspensions = 0;
     Subscription m_settingsChange;
-    std::vector<Subscription> m_firstChanges;
+    std::vector<Subscription> m_earlierChanges;
     Subscription m_outcomeChange;
     Subscription m_eventHandler;
     std::unique_ptr<HotkeyRegistration> m_hotkeyRef; ///< null if there is nothing to register

@@ -28,8 +28,7 @@ NumberKeys::NumberKeys(Hotkeys* hotkeys, std::vector<const HotkeyManager*> manag
     m_subscriptions.push_back(
         m_managers.front()->isSuspended().subscribe([this](bool) { update(); }));
     for (auto* manager : m_managers)
-        m_subscriptions.push_back(
-            manager->currentShortcut().subscribe([this](auto&) { update(); }));
+        m_subscriptions.push_back(manager->wantedShortcut().subscribe([this](auto&) { update(); }));
     m_subscriptions.push_back(m_hotkeys->outcomesDidChange.subscribe([this] { updateTaken(); }));
     m_subscriptions.push_back(
         m_hotkeys->installHandler([this](auto& pressed) { return handleHotkey(pressed); }));
@@ -56,7 +55,7 @@ std::vector<NumberKeys::Combination> NumberKeys::wanted() const
             wanted.push_back({key, modifiers | HotkeyModifier::shift, kFirstShiftedID + place});
     }
     for (auto* manager : m_managers) {
-        auto& shortcut = manager->currentShortcut().value();
+        auto& shortcut = manager->wantedShortcut().value();
         std::erase_if(wanted, [&](auto& combination) {
             return shortcut && combination.keyCode == shortcut->keyCode
                 && combination.modifiers == (shortcut->modifiers & HotkeyModifier::all);

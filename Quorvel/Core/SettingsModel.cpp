@@ -76,26 +76,27 @@ std::string rowOf(const SettingsChange& change)
 
 }
 
-SettingsModel::SettingsModel(const SettingsSubjects& subjects) : m_subjects(subjects)
+SettingsModel::SettingsModel(const SettingsSubjects& subjects)
+    : m_subjects(subjects)
+    , m_shortcuts{{SettingsRowID::hotkey, &subjects.hotkeyManager},
+          {SettingsRowID::findHotkey, &subjects.findHotkeyManager},
+          {SettingsRowID::barHotkey, &subjects.barHotkeyManager}}
 {
-    for (auto [row, manager] : {std::pair{SettingsRowID::hotkey, &subjects.hotkeyManager},
-             {SettingsRowID::findHotkey, &subjects.findHotkeyManager}}) {
+    auto follow = [this](auto& source) {
+        m_sources.push_back(source.subscribe([this](auto&) { refresh(); }));
+    };
+    for (auto& [row, manager] : m_shortcuts) {
+        follow(manager->currentShortcut());
+        follow(manager->state());
         auto& recorder = m_recorders.try_emplace(row, *manager).first->second;
         m_sources.push_back(recorder.isRecording().subscribe([this, row](bool isRecording) {
             if (isRecording || m_recordingRow.value() == row)
                 m_recordingRow.set(isRecording ? row : "");
         }));
     }
-    auto follow = [this](auto& source) {
-        m_sources.push_back(source.subscribe([this](auto&) { refresh(); }));
-    };
     follow(subjects.settings.data());
     follow(subjects.settings.fileState());
     follow(subjects.appLauncher.allApps());
-    follow(subjects.hotkeyManager.currentShortcut());
-    follow(subjects.hotkeyManager.state());
-    follow(subjects.findHotkeyManager.currentShortcut());
-    follow(subjects.findHotkeyManager.state());
     follow(subjects.numberKeys.taken());
     if (subjects.updaterService)
         follow(subjects.updaterService->canCheckForUpdates);
@@ -122,7 +123,7 @@ std::optional<SettingsFacts::Keys> SettingsModel::keys() const
         return std::nullopt;
     auto& hotkeys = *m_subjects.hotkeys;
     return SettingsFacts::Keys{describeHotkey(m_subjects.hotkeyManager),
-        describeHotkey(m_subjects.findHotkeyManager),
+        describeHotkey(m_subjects.findHotkeyManager), describeHotkey(m_subjects.barHotkeyManager),
         describeNumberKeyModifiers(hotkeys, m_subjects.settings.numberKeyModifiers()),
         describeTakenNumberKeys(hotkeys, m_subjects.numberKeys)};
 }
@@ -247,7 +248,8 @@ std::string SettingsModel::perform(const SettingsChange::Remove& remove)
 std::string SettingsModel::perform(const SettingsChange::Record& record)
 {
     std::optional<KeyboardShortcut> shortcut;
-    if (!m_recorders.contains(record.row))
+    auto manager = m_shortcuts.find(record.row);
+    if (manager == m_shortcuts.end())
         return noSuchRow();
     if (record.keys) {
         shortcut = {record.keys->keyCode & 0xFFFF, record.keys->modifiers & HotkeyModifier::all};
@@ -256,9 +258,7 @@ std::string SettingsModel::perform(const SettingsChange::Record& record)
         if (!isKeyOfShortcut(shortcut->keyCode))
             return tr("This key cannot be part of a shortcut.");
     }
-    auto& manager = record.row == SettingsRowID::findHotkey ? m_subjects.findHotkeyManager
-                                                            : m_subjects.hotkeyManager;
-    manager.setCurrentShortcut(shortcut);
+    manager->second->setCurrentShortcut(shortcut);
     return {};
 }
 

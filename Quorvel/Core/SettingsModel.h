@@ -31,6 +31,7 @@ struct SettingsSubjects {
     const LoginItem& loginItem;
     HotkeyManager& hotkeyManager;
     HotkeyManager& findHotkeyManager;
+    HotkeyManager& barHotkeyManager;
     const NumberKeys& numberKeys;
     Hotkeys* hotkeys = nullptr;
     DockController* dockController = nullptr;
@@ -73,6 +74,7 @@ private:
     void restoreDock();
 
     const SettingsSubjects m_subjects;
+    const std::map<std::string, HotkeyManager*> m_shortcuts; ///< by row
     Published<SettingsDescription> m_description;
     std::map<std::string, ShortcutRecorder> m_recorders; ///< by row
     Published<std::string> m_recordingRow;

@@ -171,7 +171,10 @@ SettingsPage keyboardPage(const SettingsFacts& facts)
                      tr("Works in every application."), true, facts.keys->hotkey},
             {SettingsRowID::findHotkey, tr("Find a window"),
                 tr("Opens the list of all open windows, to go to one by typing."), true,
-                facts.keys->findHotkey}}};
+                facts.keys->findHotkey},
+            {SettingsRowID::barHotkey, tr("Hide or show the bar"),
+                tr("On the display with the pointer, while the bar hides automatically."),
+                *facts.data.more.withDefaults().autoHide, facts.keys->barHotkey}}};
     return {"keyboard", tr("Keyboard"), "input-keyboard-symbolic",
         {std::move(launcher), numberKeysGroup(facts)}};
 }

@@ -14,6 +14,7 @@ namespace quorvel {
 namespace SettingsRowID {
 inline constexpr const char* hotkey = "hotkey"; ///< made of two fields
 inline constexpr const char* findHotkey = "findHotkey"; ///< made of two fields
+inline constexpr const char* barHotkey = "barHotkey"; ///< made of two fields
 inline constexpr const char* pinsOnBar = "pinsOnBar";
 inline constexpr const char* pinsInLauncher = "pinsInLauncher";
 inline constexpr const char* mendedMatches = "mendedMatches";
@@ -29,6 +30,7 @@ struct SettingsFacts {
     struct Keys {
         SettingsShortcut hotkey;
         SettingsShortcut findHotkey;
+        SettingsShortcut barHotkey;
         SettingsChoice numberKeyModifiers;
         std::string numberKeysTaken; ///< which of them do not work; empty: all do
     };

@@ -27,6 +27,9 @@ struct MoreSettings {
     /// The shortcut of the list of windows; without one of the two there is none.
     std::optional<std::uint32_t> findKeyCode{};
     std::optional<std::uint32_t> findModifiers{};
+    /// The one that sends the bar away, or gets it back, while it hides; likewise.
+    std::optional<std::uint32_t> barKeyCode{};
+    std::optional<std::uint32_t> barModifiers{};
 
     /// With what holds where the user has not chosen; absent only where the host decides.
     MoreSettings withDefaults() const
@@ -50,6 +53,8 @@ struct MoreSettings {
         visit("mendedMatches", more.mendedMatches);
         visit("findKeyCode", more.findKeyCode);
         visit("findModifiers", more.findModifiers);
+        visit("barKeyCode", more.barKeyCode);
+        visit("barModifiers", more.barModifiers);
     }
 
     friend bool operator==(const MoreSettings&, const MoreSettings&) = default;
