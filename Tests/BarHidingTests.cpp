@@ -91,6 +91,18 @@ TEST_F(BarHidingTest, leavesItsRoomToWindowsAndTakesItAgain)
     EXPECT_EQ(toggle(), "quorvel: the bar does not hide; see --set autoHide=true\n");
 }
 
+// Faults: windows that have all gone keep the bar away; it stays when they are back.
+TEST_F(BarHidingTest, comesToTheShownDesktop)
+{
+    cover();
+    server().toggleShowingDesktop();
+    wait();
+    EXPECT_TRUE(isIn());
+    server().toggleShowingDesktop();
+    wait();
+    EXPECT_TRUE(isOut());
+}
+
 // Faults: a bar that jumps instead of sliding, or slides for who wants no motion; one that turns
 // round with a leap; frames that are drawn while nothing moves.
 TEST_F(BarHidingTest, slidesAndTurnsRoundWhereItIs)

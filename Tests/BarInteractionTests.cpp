@@ -426,7 +426,7 @@ TEST_F(BarInteractionTest, cellsAndTheListSwitchSpacesAndTheButtonShowsTheDeskto
     EXPECT_TRUE(desktop.model().isCurrent(SpaceID{1}));
 
     panel().click(content().showDesktopButtonFrame().centre());
-    EXPECT_TRUE(desktop.windowServer().isShowingDesktop());
+    EXPECT_TRUE(desktop.windowServer().isShowingDesktop.value());
 }
 
 TEST_F(BarInteractionTest, filesThatRestOnAChipRaiseItsWindowAndOpenWithAPin)

@@ -12,6 +12,7 @@ namespace quorvel::xdg {
 /// server, read by the surfaces, which ask for a space through it. Main thread.
 struct PanelEnvironment {
     Published<SpaceID> activeSpace;
+    Published<bool> isShowingDesktop; ///< passed on to the core by the window server
     /// Monitors whose top window is full screen: the panel goes below it.
     Published<std::map<DisplayNumber, bool>> isCovered;
     /// Points to keep free at the bottom of a display, as the bar requested.

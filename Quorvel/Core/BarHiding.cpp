@@ -21,6 +21,8 @@ BarHiding::BarHiding(const Platform& platform, const WindowStore& windowStore,
     , m_panels(panels)
     , m_launcher(launcher)
     , m_itemsChange(viewModel.displayItemsBySpace.subscribe([this](auto&) { followAttention(); }))
+    , m_showingDesktopChange(
+          platform.windowServer.isShowingDesktop.subscribe([this](bool) { update(); }))
 {
 }
 
@@ -85,7 +87,7 @@ void BarHiding::apply(Bar& bar)
 bool BarHiding::isOverlapped(const Bar& bar) const
 {
     auto screens = m_platform.displays.screens();
-    if (screens.empty())
+    if (screens.empty() || m_platform.windowServer.isShowingDesktop.value())
         return false;
     auto place = bar.surface().frame().flipped(screens.front().frame.height);
     return std::ranges::any_of(m_windowStore.windows(), [&](auto& entry) {

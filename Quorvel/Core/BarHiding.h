@@ -72,6 +72,7 @@ private:
     std::map<Key, Hiding> m_bars; ///< none while bars do not hide
     std::map<DisplayNumber, Asking> m_asking; ///< for attention, on any space of the display
     Subscription m_itemsChange;
+    Subscription m_showingDesktopChange;
 };
 
 }

@@ -63,6 +63,8 @@ public:
     /// renamed.
     Signal<> spacesOfWindowsDidChange;
     Signal<> spacesDidChange;
+    /// All windows are moved away to show the desktop. False where the system does not tell.
+    Published<bool> isShowingDesktop;
 };
 
 }

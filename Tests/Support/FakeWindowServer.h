@@ -50,9 +50,7 @@ public:
     void postKeyEvent(std::uint16_t keyCode, KeyAction, std::uint64_t modifierFlags) override;
     bool canPostPointerEvents() const override { return true; }
     void postPointerEvent(PointerPost, Point) override;
-    void toggleShowingDesktop() override { m_isShowingDesktop = !m_isShowingDesktop; }
-
-    bool isShowingDesktop() const { return m_isShowingDesktop; }
+    void toggleShowingDesktop() override { isShowingDesktop.set(!isShowingDesktop.value()); }
 
     // Knobs.
     void setWindowSession(std::optional<std::string> name) { m_windowSession = std::move(name); }
@@ -151,7 +149,6 @@ private:
     std::optional<SpaceID> m_failingSpace;
     bool m_failsSpaceLists = false;
     bool m_failsSpacesOfWindows = false;
-    bool m_isShowingDesktop = false;
     std::optional<std::string> m_windowSession = "session";
     std::function<void(std::vector<ManagedDisplay>&)> m_distortion;
     std::vector<Moved> m_moves;

@@ -121,6 +121,29 @@ TEST_P(HidingBar, comesWhenItIsCalled)
     }));
 }
 
+// Faults: a desktop that is shown without its bar; a bar whose coming ends that, or that stays when
+// the windows are back.
+TEST_P(HidingBar, comesToTheShownDesktop)
+{
+    maximise();
+    const auto isInOnIt = [&] { return isIn() && desktop.isShown(); };
+    desktop.show(true);
+    EXPECT_TRUE(eventually(isInOnIt));
+    EXPECT_TRUE(staysTrue(1500ms, isInOnIt));
+    desktop.show(false);
+    EXPECT_TRUE(eventually([&] { return isOut() && !desktop.isShown(); }));
+
+    pointer.moveTo(kEdge);
+    ASSERT_TRUE(eventually([&] { return isIn(); }));
+    pointer.click(bar.state().panel().showDesktop);
+    EXPECT_TRUE(eventually(isInOnIt));
+    pointer.moveTo(kAway);
+    EXPECT_TRUE(staysTrue(1500ms, isInOnIt));
+    pointer.click(bar.state().panel().showDesktop);
+    pointer.moveTo(kAway);
+    EXPECT_TRUE(eventually([&] { return isOut() && !desktop.isShown(); }));
+}
+
 // Faults: a strip that takes the edge from a film, or that the next window covers; one that
 // outlives its bar.
 TEST_P(HidingBar, leavesTheEdgeToWhoeverHasIt)

@@ -53,12 +53,6 @@ protected:
             return testing::AssertionResult(now == titles) << testing::PrintToString(now);
         });
     }
-    bool isShowingDesktop()
-    {
-        auto& connection = desktop.connection();
-        return connection.numbers(connection.root(), "_NET_SHOWING_DESKTOP")
-            == std::vector<std::uint32_t>{1};
-    }
     /// Drops on the right part of another, so that it comes behind that one.
     void dragBehind(const Frame& what, const Frame& other)
     {
@@ -75,7 +69,7 @@ TEST_P(Gestures, countEachClick)
 {
     for (int i = 0; i < 3; ++i)
         pointer.click(panel().showDesktop);
-    EXPECT_TRUE(eventually([&] { return isShowingDesktop(); }));
+    EXPECT_TRUE(eventually([&] { return desktop.isShown(); }));
 }
 
 // Faults: a drag that clicks as well, goes on after Escape, drops a place off or is forgotten with
@@ -117,7 +111,7 @@ TEST_P(Gestures, moveChipsAndWindowsAndShowTheDesktop)
 
     for (const bool shows : {true, false}) {
         pointer.click(panel().showDesktop);
-        EXPECT_TRUE(eventually([&] { return isShowingDesktop() == shows; })) << shows;
+        EXPECT_TRUE(eventually([&] { return desktop.isShown() == shows; })) << shows;
         for (const auto& window : bar.state().windows)
             EXPECT_FALSE(window.isMinimized) << window.title;
     }

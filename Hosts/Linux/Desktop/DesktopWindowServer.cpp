@@ -46,6 +46,8 @@ DesktopWindowServer::DesktopWindowServer(SharedModel& model, DesktopTracker& tra
     m_spacesChanged = tracker.spacesDidChange.subscribe([this] { spacesDidChange.emit(); });
     m_spacesOfWindowsChanged
         = tracker.spacesOfWindowsDidChange.subscribe([this] { spacesOfWindowsDidChange.emit(); });
+    m_showingDesktopChanged = environment.isShowingDesktop.subscribe(
+        [this](bool isShowing) { isShowingDesktop.set(isShowing); });
     m_spaceWanted
         = environment.spaceWanted.subscribe([this](SpaceID space) { m_requests.switchTo(space); });
 }

@@ -62,6 +62,7 @@ private:
     const std::optional<std::string> m_windowSession;
     Subscription m_spacesChanged;
     Subscription m_spacesOfWindowsChanged;
+    Subscription m_showingDesktopChanged;
     Subscription m_spaceWanted;
 };
 

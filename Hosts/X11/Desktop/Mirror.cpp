@@ -273,6 +273,7 @@ void Mirror::announce()
     m_environment.activeSpace.set(
         m_model.read([](const DesktopModel& model) { return model.activeSpace; }));
     m_tracker.announce();
+    m_environment.isShowingDesktop.set(m_root.isShowingDesktop());
     if (std::exchange(m_reservationsDidChange, false))
         reservationsDidChange.emit();
 }

@@ -271,6 +271,17 @@ std::function<bool()> Desktop::activation(xcb_window_t window)
     };
 }
 
+void Desktop::show(bool isShown)
+{
+    send(m_connection.root(), "_NET_SHOWING_DESKTOP", {isShown ? 1U : 0U});
+}
+
+bool Desktop::isShown()
+{
+    return m_connection.numbers(m_connection.root(), "_NET_SHOWING_DESKTOP")
+        == std::vector<std::uint32_t>{1};
+}
+
 void Desktop::minimise(xcb_window_t window)
 {
     send(window, "WM_CHANGE_STATE", {kIconicState});

@@ -64,6 +64,9 @@ public:
     testing::AssertionResult finishRequests();
 
     void activate(xcb_window_t);
+    /// Moves all windows away from it, or back.
+    void show(bool);
+    bool isShown();
     /// A condition to wait for: the window is active, which is asked for, and from time to time
     /// again. Metacity gives the focus to a window that comes just then, and forgets the request.
     std::function<bool()> activation(xcb_window_t);
