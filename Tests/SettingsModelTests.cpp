@@ -201,8 +201,8 @@ TEST_F(SettingsModelTest, theListOfWindowsHasAShortcutBesideTheFirstOne)
     EXPECT_THAT(desktop.hotkeys().registered(), IsEmpty());
 }
 
-// Faults: a shortcut that is recorded for nothing; the same keys as for a list, of which one or the
-// other acts; a row that does not say why it cannot be changed.
+// Faults: a shortcut that is recorded for nothing, for ever at that; the same keys as for a list,
+// of which one or the other acts; a row that does not say why it cannot be changed.
 TEST_F(SettingsModelTest, theBarHasAShortcutWhileItHides)
 {
     open(R"({"more": {"findKeyCode": 40, "findModifiers": 256}})");
@@ -218,7 +218,10 @@ TEST_F(SettingsModelTest, theBarHasAShortcutWhileItHides)
     EXPECT_EQ(apply(Change::Record{{}, "findHotkey"}), "");
     EXPECT_EQ(shown().status, "");
     EXPECT_THAT(desktop.hotkeys().registered(), SizeIs(1));
+    model->setRecordingRow("barHotkey");
     EXPECT_EQ(apply(Change::Set{"autoHide", false}), "");
+    EXPECT_EQ(model->recordingRow().value(), "");
+    EXPECT_FALSE(hotkeys->isSuspended().value());
     EXPECT_EQ(shown().text, "⌘K") << "for the next time";
     EXPECT_THAT(desktop.hotkeys().registered(), IsEmpty());
 }

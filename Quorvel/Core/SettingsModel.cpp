@@ -131,6 +131,9 @@ std::optional<SettingsFacts::Keys> SettingsModel::keys() const
 void SettingsModel::refresh()
 {
     m_description.set(describeSettings(facts()));
+    auto* recording = m_description.value().row(m_recordingRow.value());
+    if (recording && !recording->isEnabled)
+        setRecordingRow({});
 }
 
 void SettingsModel::lookAgain()

@@ -35,6 +35,8 @@ void ShortcutRow::show(const SettingsRow& description)
 {
     ActionRow::show(description);
     m_description = description;
+    if (!description.isEnabled)
+        endUse();
     refresh();
 }
 
