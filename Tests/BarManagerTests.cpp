@@ -437,12 +437,10 @@ TEST_F(BarManagerTest, aBarIsTouchedWhenWhatItShowsChangesAndWhenItIsSeen)
         desktop.drain();
     }
     std::set<std::uint64_t> told;
-    std::vector<Subscription> subscriptions;
-    for (auto space : {1, 2, 11})
-        subscriptions.push_back(
-            model().barDidChange(SpaceID(std::uint64_t(space))).subscribe([&told, space] {
-                told.insert(std::uint64_t(space));
-            }));
+    auto subscription = model().barsDidChange.subscribe([&](auto& spaces) {
+        for (auto space : spaces)
+            told.insert(raw(space));
+    });
     auto toldOf = [&](const std::function<void()>& change) {
         told.clear();
         change();

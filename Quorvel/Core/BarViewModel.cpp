@@ -124,10 +124,8 @@ void BarViewModel::publish(std::optional<WindowID> focused)
     updateChips(windows, changed);
     updateSummaries(changed);
     updateItems(changed);
-    for (auto space : changed) {
-        if (auto found = m_barDidChange.find(space); found != m_barDidChange.end())
-            found->second.emit();
-    }
+    if (!changed.empty())
+        barsDidChange.emit(changed);
 }
 
 BarViewModel::FocusDecision BarViewModel::resolveFocus()

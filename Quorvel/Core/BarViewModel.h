@@ -69,9 +69,9 @@ public:
 
     /// Windows are about to be minimised by the bar: the last chance to capture them.
     Signal<std::vector<WindowID>> willMinimizeWindows;
-    /// What the bars of the space show may have changed: its chips, its items, or which screens
-    /// its windows are on. Emitted after everything is published.
-    const Signal<>& barDidChange(SpaceID space) { return m_barDidChange[space]; }
+    /// What the bars of these spaces show may have changed: chips, items, or which screens the
+    /// windows are on. Emitted after everything is published.
+    Signal<std::set<SpaceID>> barsDidChange;
 
     /// Recomputes everything; chips and items that come out equal are kept. Asks for the spaces if
     /// they are not given.
@@ -204,7 +204,6 @@ private:
     bool m_areItemsStale = false;
     std::map<SpaceID, std::vector<Rect>>
         m_frames; ///< of the windows, while there are screens to choose
-    std::map<SpaceID, Signal<>> m_barDidChange;
     std::set<SpaceID> m_changedBars; ///< not told yet
     std::set<std::string> m_bundlesWithAttentionWindows;
     std::optional<WindowID> m_pendingFocusedWindowID;

@@ -150,7 +150,10 @@ void BarContentView::subscribe()
     keep(m_inputs.viewModel.summaries.subscribe(changes(Part::spaces)));
     keep(m_inputs.launchMarks.launching().subscribe(changes(Part::pins)));
     keep(m_inputs.pinStates.didChange.subscribe(changes(Part::pinStates)));
-    keep(m_inputs.viewModel.barDidChange(m_inputs.spaceID).subscribe(changes(Part::items)));
+    keep(m_inputs.viewModel.barsDidChange.subscribe([this](auto& spaces) {
+        if (spaces.contains(m_inputs.spaceID))
+            partDidChange(Part::items);
+    }));
 }
 
 void BarContentView::setShown(bool isShown)
