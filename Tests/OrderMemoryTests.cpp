@@ -384,6 +384,59 @@ TEST_F(OrderMemoryTest, closedWindowsAreForgottenHoweverOftenTheirDisplayComesBa
         EXPECT_LE(space.windows.size(), 1U);
 }
 
+// Faults: what is known of a space stays behind when it goes, and is believed of another one with
+// its number; a display comes back without the windows in front of its groups; a full-screen space,
+// of which nothing is remembered, is written.
+TEST_F(OrderMemoryTest, whatIsKnownOfASpaceGoesWithIt)
+{
+    const auto alone = desktop.model().displays;
+    const auto moveAll = [&](SpaceID space) {
+        for (auto* title : {"one", "two", "three"})
+            desktop.moveToSpace(titled(title), space);
+        settle();
+        desktop.wake(); // the system tells nobody that windows have moved
+        settle();
+    };
+    const auto plug = [&](SpaceID space, const std::string& uuid) {
+        desktop.setDisplays(alone);
+        moveAll(SpaceID{2});
+        desktop.addDisplay({.number = DisplayNumber{2},
+            .identifier = "second",
+            .frame = {1440, 0, 1440, 900},
+            .spaces = {{.id = space, .uuid = uuid}},
+            .current = space});
+        moveAll(space);
+    };
+    for (auto* title : {"one", "two", "three"})
+        open(editor, title, SpaceID{2});
+    start();
+    plug(SpaceID{11}, "left");
+    move("three", "one", SpaceID{11});
+    group(true);
+    desktop.focus(titled("two"));
+    for (auto pid : {editor, terminal}) {
+        desktop.activate(pid);
+        settle();
+    }
+    ASSERT_THAT(shown(SpaceID{11}), ElementsAre("group-editor: two one three"));
+
+    plug(SpaceID{21}, "left");
+    EXPECT_THAT(shown(SpaceID{21}), ElementsAre("group-editor: two one three"));
+    group(false);
+    EXPECT_THAT(shown(SpaceID{21}), ElementsAre("three", "one", "two"));
+    plug(SpaceID{21}, "another");
+    EXPECT_THAT(shown(SpaceID{21}), ElementsAre("one", "two", "three"));
+
+    const auto writes = desktop.files().writes();
+    auto displays = desktop.model().displays;
+    displays.front().spaces.push_back({.id = SpaceID{100}, .type = 4});
+    desktop.setDisplays(displays);
+    open(editor, "full screen", SpaceID{100});
+    settle();
+    ASSERT_THAT(shown(SpaceID{100}), ElementsAre("full screen"));
+    EXPECT_EQ(desktop.files().writes(), writes);
+}
+
 // Faults: a space without a uuid is known by its number alone; a name that moved is not followed.
 TEST_F(OrderMemoryTest, aSpaceIsKnownByItsNameElseByItsPosition)
 {

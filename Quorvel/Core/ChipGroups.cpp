@@ -12,11 +12,6 @@ namespace quorvel {
 
 namespace {
 
-std::string preferredKeyOf(SpaceID space, std::string_view groupKey)
-{
-    return fmt::format("{}|{}", raw(space), groupKey);
-}
-
 const ChipData* chipOf(const std::vector<const ChipData*>& bucket, std::optional<WindowID> id)
 {
     auto found
@@ -60,38 +55,44 @@ std::vector<DisplayItem> ChipGroups::group(SpaceID space, const std::vector<cons
     std::vector<DisplayItem> items;
     items.reserve(buckets.size());
     for (auto& bucket : buckets) {
-        auto key = preferredKeyOf(space, groupKey(*bucket.front()));
-        items.push_back(bucket.size() == 1 ? single(key, space, *bucket.front())
-                                           : grouped(key, space, bucket, focused));
+        GroupOfSpace group{space, groupKey(*bucket.front())};
+        items.push_back(
+            bucket.size() == 1 ? single(group, *bucket.front()) : grouped(group, bucket, focused));
     }
     return items;
 }
 
 void ChipGroups::prefer(SpaceID space, std::string_view groupKey, WindowID window)
 {
-    m_preferredWindowIDByGroupKey.insert_or_assign(preferredKeyOf(space, groupKey), window);
+    m_preferredWindows.insert_or_assign({space, std::string{groupKey}}, window);
 }
 
 bool ChipGroups::isPreferred(SpaceID space, std::string_view groupKey, WindowID window) const
 {
-    return preferred(preferredKeyOf(space, groupKey)) == window;
+    return preferred({space, std::string{groupKey}}) == window;
 }
 
-DisplayItem ChipGroups::single(const std::string& preferredKey, SpaceID space, const ChipData& chip)
+void ChipGroups::keepOnly(const std::set<SpaceID>& spaces)
 {
-    auto dropped = m_preferredWindowIDByGroupKey.extract(preferredKey);
+    std::erase_if(
+        m_preferredWindows, [&](auto& entry) { return !spaces.contains(entry.first.first); });
+}
+
+DisplayItem ChipGroups::single(const GroupOfSpace& group, const ChipData& chip)
+{
+    auto dropped = m_preferredWindows.extract(group);
     if (dropped && m_trace.isOn())
-        m_trace.line("group space={} key={} downgraded-single clearPreferred={} seq={}", raw(space),
-            sanitizeLogField(groupKey(chip)), raw(dropped.mapped()), m_sequence);
+        m_trace.line("group space={} key={} downgraded-single clearPreferred={} seq={}",
+            raw(group.first), sanitizeLogField(groupKey(chip)), raw(dropped.mapped()), m_sequence);
     return chip;
 }
 
-DisplayItem ChipGroups::grouped(const std::string& preferredKey, SpaceID space,
-    const Bucket& bucket, std::optional<WindowID> focused)
+DisplayItem ChipGroups::grouped(
+    const GroupOfSpace& groupOfSpace, const Bucket& bucket, std::optional<WindowID> focused)
 {
     auto* focusedChip = focused ? chipOf(bucket, focused) : nullptr;
-    follow(preferredKey, space, bucket, focusedChip);
-    auto preferredID = preferred(preferredKey);
+    follow(groupOfSpace, bucket, focusedChip);
+    auto preferredID = preferred(groupOfSpace);
     auto* representative = focusedChip ? focusedChip : chipOf(bucket, preferredID);
     auto& title = representative ? *representative : *bucket.front();
     auto chips = ordered(bucket, representative);
@@ -99,8 +100,8 @@ DisplayItem ChipGroups::grouped(const std::string& preferredKey, SpaceID space,
     std::ranges::transform(chips, std::back_inserter(ids), [](auto* chip) { return chip->id; });
     if (m_trace.isOn())
         m_trace.line("group space={} key={} focused={} preferred={} titleChip={} ordered={} seq={}",
-            raw(space), sanitizeLogField(groupKey(title)), orNil(focused), orNil(preferredID),
-            raw(title.id), joined(ids), m_sequence);
+            raw(groupOfSpace.first), sanitizeLogField(groupKey(title)), orNil(focused),
+            orNil(preferredID), raw(title.id), joined(ids), m_sequence);
     GroupedChipData group{
         .id = groupItemID(groupKey(title)),
         .appName = title.appName,
@@ -115,31 +116,30 @@ DisplayItem ChipGroups::grouped(const std::string& preferredKey, SpaceID space,
     return group;
 }
 
-void ChipGroups::follow(
-    const std::string& preferredKey, SpaceID space, const Bucket& bucket, const ChipData* focused)
+void ChipGroups::follow(const GroupOfSpace& group, const Bucket& bucket, const ChipData* focused)
 {
-    auto old = preferred(preferredKey);
+    auto old = preferred(group);
     if (focused) {
         if (old == focused->id)
             return;
-        m_preferredWindowIDByGroupKey.insert_or_assign(preferredKey, focused->id);
+        m_preferredWindows.insert_or_assign(group, focused->id);
         if (m_trace.isOn())
             m_trace.line("group space={} key={} preferredFromFocused old={} new={} seq={}",
-                raw(space), sanitizeLogField(groupKey(*focused)), orNil(old), raw(focused->id),
-                m_sequence);
+                raw(group.first), sanitizeLogField(groupKey(*focused)), orNil(old),
+                raw(focused->id), m_sequence);
     } else if (old && !chipOf(bucket, old)) {
-        m_preferredWindowIDByGroupKey.erase(preferredKey);
+        m_preferredWindows.erase(group);
         if (m_trace.isOn())
-            m_trace.line("group space={} key={} preferredMissing remove={} seq={}", raw(space),
-                sanitizeLogField(groupKey(*bucket.front())), raw(*old), m_sequence);
+            m_trace.line("group space={} key={} preferredMissing remove={} seq={}",
+                raw(group.first), sanitizeLogField(groupKey(*bucket.front())), raw(*old),
+                m_sequence);
     }
 }
 
-std::optional<WindowID> ChipGroups::preferred(const std::string& preferredKey) const
+std::optional<WindowID> ChipGroups::preferred(const GroupOfSpace& group) const
 {
-    auto found = m_preferredWindowIDByGroupKey.find(preferredKey);
-    return found == m_preferredWindowIDByGroupKey.end() ? std::nullopt
-                                                        : std::optional{found->second};
+    auto found = m_preferredWindows.find(group);
+    return found == m_preferredWindows.end() ? std::nullopt : std::optional{found->second};
 }
 
 }

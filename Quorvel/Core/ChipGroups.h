@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Quorvel/Core/DisplayItem.h"
@@ -28,19 +30,22 @@ public:
     /// From now on this window represents its group on the space.
     void prefer(SpaceID, std::string_view groupKey, WindowID);
     bool isPreferred(SpaceID, std::string_view groupKey, WindowID) const;
+    /// Forgets the other spaces, whose numbers may never come again.
+    void keepOnly(const std::set<SpaceID>&);
 
 private:
     using Bucket = std::vector<const ChipData*>;
 
-    DisplayItem single(const std::string& preferredKey, SpaceID, const ChipData&);
-    DisplayItem grouped(
-        const std::string& preferredKey, SpaceID, const Bucket&, std::optional<WindowID> focused);
-    void follow(const std::string& preferredKey, SpaceID, const Bucket&, const ChipData* focused);
-    std::optional<WindowID> preferred(const std::string& preferredKey) const;
+    using GroupOfSpace = std::pair<SpaceID, std::string>;
+
+    DisplayItem single(const GroupOfSpace&, const ChipData&);
+    DisplayItem grouped(const GroupOfSpace&, const Bucket&, std::optional<WindowID> focused);
+    void follow(const GroupOfSpace&, const Bucket&, const ChipData* focused);
+    std::optional<WindowID> preferred(const GroupOfSpace&) const;
 
     const Trace& m_trace;
     std::uint64_t m_sequence = 0;
-    std::map<std::string, WindowID> m_preferredWindowIDByGroupKey;
+    std::map<GroupOfSpace, WindowID> m_preferredWindows;
 };
 
 }

@@ -95,6 +95,12 @@ void ChipOrder::restore(SpaceID space, std::vector<std::string> ids)
     m_chipOrderBySpace[space] = std::move(ids);
 }
 
+std::vector<std::string> ChipOrder::take(SpaceID space)
+{
+    auto stored = m_chipOrderBySpace.extract(space);
+    return stored ? std::move(stored.mapped()) : std::vector<std::string>{};
+}
+
 void ChipOrder::substitute(SpaceID space, const std::map<std::string, std::string>& newByOld)
 {
     auto stored = m_chipOrderBySpace.find(space);

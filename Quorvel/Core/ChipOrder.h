@@ -26,6 +26,8 @@ public:
     /// Empty for a space whose items the user never moved.
     std::vector<std::string> ids(SpaceID) const;
     void restore(SpaceID, std::vector<std::string> ids);
+    /// The same, for a space that goes; its number may never come again.
+    std::vector<std::string> take(SpaceID);
     /// Puts other identifiers into the places of these.
     void substitute(SpaceID, const std::map<std::string, std::string>& newByOld);
 

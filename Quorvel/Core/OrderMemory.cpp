@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <utility>
 
+#include "Quorvel/Core/ChipGroups.h"
 #include "Quorvel/Core/ChipOrder.h"
 #include "Quorvel/Core/RememberedOrderCoding.h"
 #include "Quorvel/Platform/Platform.h"
@@ -76,8 +78,10 @@ void OrderMemory::follow(const std::vector<SpaceWindows::Info>& spaces)
         m_spaces.splice(m_spaces.end(), m_spaces, here);
         m_file.writeSoon();
     }
+    std::set<SpaceID> present;
     std::vector<SpaceWindows::Info> unknown;
     for (auto& info : spaces) {
+        present.insert(info.spaceID);
         auto known = placesOf(info.spaceID);
         if (known != m_spaces.end()) {
             auto identity = identify(info);
@@ -87,6 +91,7 @@ void OrderMemory::follow(const std::vector<SpaceWindows::Info>& spaces)
         } else if (info.spaceType != kFullscreenSpaceType) // it has one window, and ends with it
             unknown.push_back(info);
     }
+    m_services.groups.keepOnly(present);
     attach(std::move(unknown));
     forgetSurplus();
 }
@@ -150,15 +155,9 @@ std::vector<const ChipData*> OrderMemory::arrange(SpaceID space, const std::vect
 
 void OrderMemory::didShow(SpaceID space, const std::vector<DisplayItem>& items)
 {
-    auto windows = windowsIn(items);
-    auto shown = m_shown.find(space);
-    if (shown == m_shown.end() ? windows.empty() : windows == shown->second)
-        return;
-    if (windows.empty()) // the space may have gone, and its number never come again
-        m_shown.erase(shown);
-    else
-        m_shown.insert_or_assign(space, std::move(windows));
-    m_file.writeSoon();
+    auto places = placesOf(space);
+    if (places != m_spaces.end() && places->setShown(windowsIn(items)))
+        m_file.writeSoon();
 }
 
 void OrderMemory::userDidMove(SpaceID space)

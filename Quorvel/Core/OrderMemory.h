@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <list>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -47,7 +46,6 @@ private:
     const std::string m_session; ///< empty: window numbers mean nothing later
     std::uint64_t m_nextAwaited = 1;
     Spaces m_spaces; ///< of those that have gone, the latest last
-    std::map<SpaceID, std::vector<WindowID>> m_shown;
     OrderFile m_file;
 };
 

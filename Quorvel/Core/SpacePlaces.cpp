@@ -75,12 +75,18 @@ void SpacePlaces::attach(SpaceID space)
     if (!m_order.empty() && m_services.order.ids(space).empty())
         m_services.order.restore(space, std::move(m_order));
     m_order.clear();
+    for (auto& place : m_places) {
+        if (place.window && place.known.isFront)
+            m_services.groups.prefer(space, place.known.application, *place.window);
+    }
 }
 
 void SpacePlaces::detach()
 {
-    m_order = m_services.order.ids(*m_space);
+    noteFrontWindows();
+    m_order = m_services.order.take(*m_space);
     m_space.reset();
+    m_shown.clear();
     m_arranged.clear();
 }
 
@@ -292,6 +298,13 @@ std::size_t SpacePlaces::placeOf(WindowID window) const
     return static_cast<std::size_t>(found - m_places.begin());
 }
 
+bool SpacePlaces::setShown(std::vector<WindowID> windows)
+{
+    bool isNew = windows != m_shown;
+    m_shown = std::move(windows);
+    return isNew;
+}
+
 void SpacePlaces::settle()
 {
     for (auto& place : m_places) {
@@ -304,15 +317,23 @@ void SpacePlaces::settle()
 
 // MARK: What the file says
 
+void SpacePlaces::noteFrontWindows()
+{
+    for (auto& place : m_places) {
+        if (place.window)
+            place.known.isFront
+                = m_services.groups.isPreferred(*m_space, place.known.application, *place.window);
+    }
+}
+
 RememberedSpace SpacePlaces::remember()
 {
     forgetGoneWindows();
     RememberedSpace remembered{.identity = m_identity, .windows = {}, .order = {}};
     std::map<std::string_view, std::size_t> indexByID;
+    if (m_space)
+        noteFrontWindows();
     for (auto& place : m_places) {
-        if (m_space && place.window)
-            place.known.isFront
-                = m_services.groups.isPreferred(*m_space, place.known.application, *place.window);
         indexByID.emplace(place.itemID, remembered.windows.size());
         remembered.windows.push_back(place.known);
     }

@@ -60,6 +60,8 @@ public:
 
     /// Finds places for the windows that are on the space now; gives their chips in order.
     std::vector<const ChipData*> arrange(const std::vector<ChipData>&);
+    /// What the bars of the space show now; false if they did before.
+    bool setShown(std::vector<WindowID>);
     /// The user has put the chips where they are.
     void settle();
     /// Compares with those of other windows; the same for all while they stand by their numbers.
@@ -93,6 +95,7 @@ private:
     Search beginSearch(const std::vector<ChipData>&);
     void recogniseLikes(const std::vector<ChipData>&);
     void addNew(const std::vector<ChipData>&);
+    void noteFrontWindows();
     static void describe(RememberedWindow&, const ChipData&);
     RememberedWindow stored(const ChipData&) const;
     void occupy(Place&, const ChipData&, std::map<std::string, std::string>& newIDs);
@@ -106,6 +109,7 @@ private:
     /// False: chips stand by the numbers of their windows, and so do the places.
     bool m_hasOwnOrder = false;
     std::vector<std::string> m_order; ///< the user's own, while the space is not there
+    std::vector<WindowID> m_shown;
     // As of the last arrangement:
     std::vector<WindowID> m_arranged;
     std::vector<std::size_t> m_placeOfChip;
