@@ -20,7 +20,9 @@ struct ChurnOperations : BarFixture {
     std::mt19937 random;
     std::vector<WorkItem> later;
     std::set<ProcessID> ended;
-    std::uint64_t nextFullScreenSpace = 100;
+    std::uint64_t nextSpace = 100;
+
+    double longestPause = 0.4; ///< between one and the next, in seconds
 
     explicit ChurnOperations(std::uint32_t seed) : random(seed)
     {
@@ -85,7 +87,10 @@ struct ChurnOperations : BarFixture {
     }
     bool isFullScreen(const FakeWindow& window)
     {
-        return !window.spaces.empty() && raw(*window.spaces.begin()) >= 100;
+        return std::ranges::any_of(desktop.model().displays, [&](auto& display) {
+            return std::ranges::any_of(display.spaces,
+                [&](auto& space) { return space.type == 4 && window.spaces.contains(space.id); });
+        });
     }
     SpaceID anySpace()
     {
@@ -199,7 +204,7 @@ struct ChurnOperations : BarFixture {
         auto& display = *desktop.model().displayOfSpace(*window.spaces.begin());
         if (isFullScreen(window))
             return leaveFullScreen(window, display);
-        SpaceID space{nextFullScreenSpace++};
+        SpaceID space{nextSpace++};
         display.spaces.push_back({space, 4});
         placeOn(window, space, display.frame.flipped(desktop.model().flipHeight()));
         desktop.activateSpace(space);
@@ -335,7 +340,7 @@ struct ChurnOperations : BarFixture {
             if (playOne())
                 --count;
             if (oneIn(2))
-                desktop.advance(seconds(upTo(0.4)));
+                desktop.advance(seconds(upTo(longestPause)));
         }
     }
     void rest()

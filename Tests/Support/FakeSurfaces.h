@@ -67,6 +67,7 @@ public:
     void forgetPaints() { m_paints.clear(); }
     /// The frames it was given, in order.
     const std::vector<Rect>& frames() const { return m_frames; }
+    void forgetFrames() { m_frames.clear(); }
 
     /// Moves the pointer; coming from outside, it enters first.
     void movePointer(Point);
