@@ -22,7 +22,7 @@ struct ChurnOperations : BarFixture {
     std::set<ProcessID> ended;
     std::uint64_t nextSpace = 100;
 
-    double longestPause = 0.4; ///< between one and the next, in seconds
+    double longestPause = 0.4; ///< between one and the next, now and then, in seconds
 
     explicit ChurnOperations(std::uint32_t seed) : random(seed)
     {
@@ -340,7 +340,7 @@ struct ChurnOperations : BarFixture {
             if (playOne())
                 --count;
             if (oneIn(2))
-                desktop.advance(seconds(upTo(longestPause)));
+                desktop.advance(seconds(upTo(oneIn(20) ? longestPause : 0.4)));
         }
     }
     void rest()
