@@ -385,7 +385,8 @@ TEST_F(OrderMemoryTest, closedWindowsAreForgottenHoweverOftenTheirDisplayComesBa
 }
 
 // Faults: what is known of a space stays behind when it goes, and is believed of another one with
-// its number; a display comes back without the windows in front of its groups.
+// its number; a display comes back without the windows in front of its groups; displays on which
+// there was never a window make the bar forget the others.
 TEST_F(OrderMemoryTest, whatIsKnownOfASpaceGoesWithIt)
 {
     const auto alone = desktop.model().displays;
@@ -396,7 +397,7 @@ TEST_F(OrderMemoryTest, whatIsKnownOfASpaceGoesWithIt)
         desktop.wake(); // the system tells nobody that windows have moved
         settle();
     };
-    const auto plug = [&](SpaceID space, const std::string& uuid) {
+    const auto connect = [&](SpaceID space, const std::string& uuid) {
         desktop.setDisplays(alone);
         moveAll(SpaceID{2});
         desktop.addDisplay({.number = DisplayNumber{2},
@@ -404,6 +405,10 @@ TEST_F(OrderMemoryTest, whatIsKnownOfASpaceGoesWithIt)
             .frame = {1440, 0, 1440, 900},
             .spaces = {{.id = space, .uuid = uuid}},
             .current = space});
+        settle();
+    };
+    const auto plug = [&](SpaceID space, const std::string& uuid) {
+        connect(space, uuid);
         moveAll(space);
     };
     for (auto* title : {"one", "two", "three"})
@@ -423,6 +428,10 @@ TEST_F(OrderMemoryTest, whatIsKnownOfASpaceGoesWithIt)
     plug(SpaceID{21}, "left");
     EXPECT_THAT(shown(SpaceID{21}), ElementsAre("group-editor: two one three"));
     group(false);
+    EXPECT_THAT(shown(SpaceID{21}), ElementsAre("three", "one", "two"));
+    for (std::size_t i = 0; i < OrderLimits::spaces; ++i)
+        connect(SpaceID{1000 + i}, "empty " + std::to_string(i));
+    plug(SpaceID{21}, "left");
     EXPECT_THAT(shown(SpaceID{21}), ElementsAre("three", "one", "two"));
     plug(SpaceID{21}, "another");
     EXPECT_THAT(shown(SpaceID{21}), ElementsAre("one", "two", "three"));

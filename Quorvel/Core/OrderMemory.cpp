@@ -191,6 +191,7 @@ RememberedOrder OrderMemory::remember()
         list.push_back(std::move(remembered));
     }
     std::ranges::move(gone, std::back_inserter(order.spaces));
+    std::erase_if(m_spaces, [](auto& places) { return !places.space() && places.isEmpty(); });
     return order;
 }
 

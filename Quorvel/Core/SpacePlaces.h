@@ -52,7 +52,8 @@ public:
     const SpaceIdentity& identity() const { return m_identity; }
     void setIdentity(SpaceIdentity identity) { m_identity = std::move(identity); }
     std::optional<SpaceID> space() const { return m_space; }
-    bool isEmpty() const { return m_places.empty(); }
+    /// Nothing is known of it that it could be given back.
+    bool isEmpty() const { return m_places.empty() && m_order.empty(); }
     /// The space is there.
     void attach(SpaceID);
     /// It has gone, and may come back under another number.

@@ -64,10 +64,10 @@ public:
     void renderOn(Canvas& canvas, const Rect& damage) const { m_client.paint(canvas, damage); }
     /// What the program painted of its own accord.
     const std::vector<Paint>& paints() const { return m_paints; }
-    void forgetPaints() { m_paints.clear(); }
+    void forgetPaints() { m_paints = std::vector<Paint>{}; }
     /// The frames it was given, in order.
     const std::vector<Rect>& frames() const { return m_frames; }
-    void forgetFrames() { m_frames.clear(); }
+    void forgetFrames() { m_frames = std::vector<Rect>{}; }
 
     /// Moves the pointer; coming from outside, it enters first.
     void movePointer(Point);
