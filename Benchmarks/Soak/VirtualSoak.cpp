@@ -173,6 +173,11 @@ struct Soak final : ChurnRound {
         runtime->userSettings().setGroupWindowsByApp(false);
         desktop.advance(kForgotten);
         rest();
+        // A bar is made when its space is first shown: now all of them are.
+        for (auto space : ordinarySpaces(first)) {
+            desktop.activateSpace(space);
+            settle();
+        }
         expectNothingLeftBehind();
         ended.clear();
     }
@@ -182,13 +187,13 @@ struct Soak final : ChurnRound {
         int ends[2];
         std::size_t bytes = 0;
         if (pipe(ends) != 0)
-            return std::perror("pipe"), bytes;
+            return ADD_FAILURE() << "no pipe", bytes;
         if (auto child = fork(); child > 0) {
+            close(ends[1]);
             if (read(ends[0], &bytes, sizeof bytes) != sizeof bytes)
-                std::perror("the copy does not answer");
+                ADD_FAILURE() << "the copy does not answer";
             waitpid(child, nullptr, 0);
             close(ends[0]);
-            close(ends[1]);
             return bytes;
         }
         bytes = liveBytes();
@@ -215,13 +220,14 @@ int soak(double hours, std::uint32_t seed, double longestPause)
             soak.liveOn();
             ++rests;
         }
-        if (!testing::Test::HasFailure())
+        if (!testing::Test::HasFailure()) {
             soak.emptyDesktop();
+            samples.push_back(soak.heldBytes());
+        }
         if (testing::Test::HasFailure()) {
             std::fprintf(stderr, "wrong after %.2f hours, seed %u\n", soak.hours(), seed);
             return 1;
         }
-        samples.push_back(soak.heldBytes());
         std::printf("%.2f,%d,%zu\n", soak.hours(), rests, samples.back());
         std::fflush(stdout);
     }
