@@ -64,7 +64,7 @@ std::vector<DisplayItem> ChipGroups::group(SpaceID space, const std::vector<cons
 
 void ChipGroups::prefer(SpaceID space, std::string_view groupKey, WindowID window)
 {
-    m_preferredWindows.insert_or_assign({space, std::string{groupKey}}, window);
+    m_preferredWindowIDByGroupKey.insert_or_assign({space, std::string{groupKey}}, window);
 }
 
 bool ChipGroups::isPreferred(SpaceID space, std::string_view groupKey, WindowID window) const
@@ -74,13 +74,13 @@ bool ChipGroups::isPreferred(SpaceID space, std::string_view groupKey, WindowID 
 
 void ChipGroups::keepOnly(const std::set<SpaceID>& spaces)
 {
-    std::erase_if(
-        m_preferredWindows, [&](auto& entry) { return !spaces.contains(entry.first.first); });
+    std::erase_if(m_preferredWindowIDByGroupKey,
+        [&](auto& entry) { return !spaces.contains(entry.first.first); });
 }
 
 DisplayItem ChipGroups::single(const GroupOfSpace& group, const ChipData& chip)
 {
-    auto dropped = m_preferredWindows.extract(group);
+    auto dropped = m_preferredWindowIDByGroupKey.extract(group);
     if (dropped && m_trace.isOn())
         m_trace.line("group space={} key={} downgraded-single clearPreferred={} seq={}",
             raw(group.first), sanitizeLogField(groupKey(chip)), raw(dropped.mapped()), m_sequence);
@@ -122,13 +122,13 @@ void ChipGroups::follow(const GroupOfSpace& group, const Bucket& bucket, const C
     if (focused) {
         if (old == focused->id)
             return;
-        m_preferredWindows.insert_or_assign(group, focused->id);
+        m_preferredWindowIDByGroupKey.insert_or_assign(group, focused->id);
         if (m_trace.isOn())
             m_trace.line("group space={} key={} preferredFromFocused old={} new={} seq={}",
                 raw(group.first), sanitizeLogField(groupKey(*focused)), orNil(old),
                 raw(focused->id), m_sequence);
     } else if (old && !chipOf(bucket, old)) {
-        m_preferredWindows.erase(group);
+        m_preferredWindowIDByGroupKey.erase(group);
         if (m_trace.isOn())
             m_trace.line("group space={} key={} preferredMissing remove={} seq={}",
                 raw(group.first), sanitizeLogField(groupKey(*bucket.front())), raw(*old),
@@ -138,8 +138,9 @@ void ChipGroups::follow(const GroupOfSpace& group, const Bucket& bucket, const C
 
 std::optional<WindowID> ChipGroups::preferred(const GroupOfSpace& group) const
 {
-    auto found = m_preferredWindows.find(group);
-    return found == m_preferredWindows.end() ? std::nullopt : std::optional{found->second};
+    auto found = m_preferredWindowIDByGroupKey.find(group);
+    return found == m_preferredWindowIDByGroupKey.end() ? std::nullopt
+                                                        : std::optional{found->second};
 }
 
 }

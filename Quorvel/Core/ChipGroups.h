@@ -45,7 +45,7 @@ private:
 
     const Trace& m_trace;
     std::uint64_t m_sequence = 0;
-    std::map<GroupOfSpace, WindowID> m_preferredWindows;
+    std::map<GroupOfSpace, WindowID> m_preferredWindowIDByGroupKey;
 };
 
 }
