@@ -18,9 +18,6 @@ enum Key : std::uint8_t { k = 45, a = 38, e = 26, space = 65 };
 /// A user with an input method types into a surface of ours.
 class InputMethods : public testing::TestWithParam<const char*> {
 protected:
-    InputMethods() { setenv("XMODIFIERS", "@im=sample", 1); }
-    ~InputMethods() override { unsetenv("XMODIFIERS"); }
-
     void start()
     {
         method = std::make_unique<InputMethodServer>(server.display(), GetParam());
@@ -48,7 +45,7 @@ protected:
     XServer server;
     Keyboard hand{server.display()};
     std::unique_ptr<InputMethodServer> method;
-    SurfaceHost surfaces{server};
+    SurfaceHost surfaces{server, {{"XMODIFIERS", "@im=sample"}}};
     SurfaceRecord record;
     std::unique_ptr<PanelSurface> panel = surfaces.make(PanelKind::launcher, record);
 };

@@ -50,11 +50,7 @@ protected:
         panel->makeKeyAndOrderFront();
         ASSERT_TRUE(record.hasKeyboard);
     }
-    void TearDown() override
-    {
-        std::setlocale(LC_CTYPE, "C");
-        unsetenv("XCOMPOSEFILE");
-    }
+    void TearDown() override { std::setlocale(LC_CTYPE, "C"); }
 
     /// Returns once the layout is in use here too.
     void setLayout(const std::vector<std::string>& arguments, std::uint8_t key, const char* types)
@@ -140,8 +136,8 @@ TEST_F(TypedKeys, sayPlacesAndCharactersAsTheyAreNow)
 TEST_F(TypedKeys, composeAccentsAndWhatTheUsersTableHas)
 {
     hand.release(q);
-    std::ofstream(server.folder() / "compose") << "include \"%L\"\n<Multi_key> <q> <x> : \"→ \"\n";
-    setenv("XCOMPOSEFILE", (server.folder() / "compose").c_str(), 1);
+    std::ofstream(server.environment().at("HOME") + "/.XCompose")
+        << "include \"%L\"\n<Multi_key> <q> <x> : \"→ \"\n";
     setLayout({"de"}, z, "y");
     hand.tap(acuteOfGermany);
     EXPECT_TRUE(surfaces.host.runUntil([&] { return record.field.composition == "´"; }));

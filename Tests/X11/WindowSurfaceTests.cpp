@@ -108,7 +108,7 @@ TEST_P(WindowSurfaces, haveTheFocusAndGoWhereTheUserMovesThem)
 TEST(WindowPlaces, areSeenThoughAFlushReadTheAnswer)
 {
     XServer server;
-    SurfaceHost::Display display{server};
+    SurfaceHost::Surroundings surroundings{server, {}};
     std::string problem;
     const auto connection = xdg::x11::Connection::open(problem);
     ASSERT_TRUE(connection) << problem;

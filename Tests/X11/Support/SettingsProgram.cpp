@@ -27,6 +27,10 @@ SettingsProgram::SettingsProgram(const XServer& server, Desktop& desktop)
     , m_keyboard(server.display())
     , m_pointer(server.display())
 {
+}
+
+SettingsProgram::Surroundings::Surroundings()
+{
     setenv("GSK_RENDERER", "cairo", 1);
     setenv("GSETTINGS_BACKEND", "memory", 1);
 }

@@ -59,6 +59,12 @@ private:
     template <typename Question>
     testing::AssertionResult ask(AtspiRole, const std::string& name, Question);
 
+    /// Set before the screen reader's library has threads, which may read variables.
+    struct Surroundings {
+        Surroundings();
+    };
+
+    Surroundings m_surroundings;
     Desktop& m_desktop;
     ScreenReader m_reader;
     Keyboard m_keyboard;

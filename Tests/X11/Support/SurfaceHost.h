@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Hosts/X11/Surface/X11Surfaces.h"
@@ -59,15 +60,28 @@ struct SurfaceRecord : SurfaceClient {
 
 /// The host's surfaces in the test's own process, for what no panel of the bar's does.
 struct SurfaceHost {
-    struct Display {
-        explicit Display(const XServer& server)
+    struct Surroundings {
+        Surroundings(const XServer& server, Environment more) : own(std::move(more))
         {
-            for (const auto& [name, value] : server.environment())
-                setenv(name.c_str(), value.c_str(), 1);
+            for (const auto* variables : {&server.environment(), &own}) {
+                for (const auto& [name, value] : *variables)
+                    setenv(name.c_str(), value.c_str(), 1);
+            }
         }
+        ~Surroundings()
+        {
+            for (const auto& [name, value] : own)
+                unsetenv(name.c_str());
+        }
+
+        const Environment own;
     };
 
-    explicit SurfaceHost(const XServer& server) : display(server) { }
+    /// With further variables. Nobody may set any later: threads of libraries read them.
+    explicit SurfaceHost(const XServer& server, Environment more = {})
+        : surroundings(server, std::move(more))
+    {
+    }
 
     std::unique_ptr<PanelSurface> make(PanelKind kind, SurfaceRecord& record)
     {
@@ -76,7 +90,7 @@ struct SurfaceHost {
         return surfaces.createPanel(options, record);
     }
 
-    Display display; // first: the services connect to it
+    Surroundings surroundings; // first: the services connect to the display
     HostServices host;
     Published<Appearance> appearance;
     xdg::x11::X11Surfaces surfaces{
