@@ -50,6 +50,8 @@ BarHiding::Hiding& BarHiding::hidingOf(const Bar& bar)
 
 void BarHiding::update()
 {
+    if (!isOn() && m_bars.empty())
+        return; // called for every change of a window
     auto bars = m_panels.bars();
     if (!isOn()) {
         m_bars.clear();
