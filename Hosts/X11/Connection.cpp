@@ -81,6 +81,9 @@ struct Connection::Source {
         base.reset(reinterpret_cast<Base*>(g_source_new(&functions, sizeof(Base))));
         base->owner = this;
         g_source_set_static_name(base.get(), "X11");
+        // Otherwise GLib takes the descriptor out of its poll while events are dispatched, and wakes
+        // itself for that, twice in each turn. No loop runs within a dispatch.
+        g_source_set_can_recurse(base.get(), TRUE);
         tag = g_source_add_unix_fd(base.get(), xcb_get_file_descriptor(connection.m_connection),
             static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR));
         g_source_attach(base.get(), nullptr);
