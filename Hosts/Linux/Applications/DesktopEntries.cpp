@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "Hosts/Linux/Applications/DesktopEntryIndex.h"
-#include "Hosts/Linux/Applications/FolderMonitors.h"
 #include "Hosts/Linux/Applications/WindowMatching.h"
 #include "Hosts/Linux/Applications/XdgFolders.h"
+#include "Hosts/Linux/Loop/FolderMonitors.h"
 
 namespace quorvel::xdg {
 namespace {

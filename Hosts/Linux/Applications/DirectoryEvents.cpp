@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "Hosts/Linux/Applications/FolderMonitors.h"
+#include "Hosts/Linux/Loop/FolderMonitors.h"
 
 namespace quorvel::xdg {
 namespace {

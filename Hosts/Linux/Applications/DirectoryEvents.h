@@ -4,7 +4,7 @@
 
 namespace quorvel::xdg {
 
-/// Changes of files, from GIO's monitors.
+/// Changes of files, from the kernel.
 class DirectoryEvents final : public FileEvents {
 public:
     explicit DirectoryEvents(Dispatch& dispatch) : m_dispatch(dispatch) { }

@@ -151,31 +151,25 @@ void SessionBus::watchSocket()
     const auto path = socketPath();
     if (path.empty())
         return;
-    const GObjectHandle<GFile> file{g_file_new_for_path(path.c_str())};
-    m_socket = g_file_monitor_file(file.get(), G_FILE_MONITOR_NONE, nullptr, nullptr);
-    if (m_socket)
-        g_signal_connect(m_socket, "changed", G_CALLBACK(&SessionBus::onSocketChanged), this);
+    const auto folder = path.substr(0, path.rfind('/'));
+    m_socket = std::make_unique<FolderMonitors>(
+        std::vector{folder}, 0, [=, this](std::string_view changed) {
+            if ((changed == path || changed == folder) && access(path.c_str(), F_OK) == 0)
+                socketDidAppear();
+        });
 }
 
-void SessionBus::onSocketChanged(
-    GFileMonitor*, GFile*, GFile*, GFileMonitorEvent event, gpointer data)
+void SessionBus::socketDidAppear()
 {
-    if (event != G_FILE_MONITOR_EVENT_CREATED)
-        return;
-    auto* self = static_cast<SessionBus*>(data);
-    self->m_attempts = 0;
-    self->wait();
+    m_attempts = 0;
+    wait();
 }
 
 void SessionBus::stopWaiting()
 {
     if (m_attempt)
         g_source_remove(std::exchange(m_attempt, 0));
-    if (!m_socket)
-        return;
-    g_signal_handlers_disconnect_by_data(m_socket, this);
-    g_file_monitor_cancel(m_socket);
-    g_clear_object(&m_socket);
+    m_socket.reset();
 }
 
 }

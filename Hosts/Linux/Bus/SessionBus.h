@@ -1,10 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include <gio/gio.h>
 
 #include "Hosts/Linux/GHandles.h"
+#include "Hosts/Linux/Loop/FolderMonitors.h"
 
 namespace quorvel::xdg {
 
@@ -28,13 +30,13 @@ public:
 private:
     static void onConnected(GObject*, GAsyncResult*, gpointer);
     static void onClosed(GDBusConnection*, gboolean, GError*, gpointer);
-    static void onSocketChanged(GFileMonitor*, GFile*, GFile*, GFileMonitorEvent, gpointer);
 
     void connect();
     void take(GDBusConnection*);
     void letGo();
     void wait();
     void watchSocket();
+    void socketDidAppear();
     void stopWaiting();
 
     const Changed m_connected;
@@ -45,7 +47,7 @@ private:
     gulong m_closed = 0;
     guint m_attempt = 0; ///< the timer of the next attempt
     int m_attempts = 0; ///< since the bus was lost, or its socket reappeared
-    GFileMonitor* m_socket = nullptr; ///< while waiting for it
+    std::unique_ptr<FolderMonitors> m_socket; ///< of its folder, while waiting for it
 };
 
 /// Consumes the error. When it says "cancelled", the caller's object is gone and must not be

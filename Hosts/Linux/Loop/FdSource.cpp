@@ -3,10 +3,10 @@
 #include <memory>
 #include <utility>
 
-#include <gio/gio.h>
 #include <glib-unix.h>
 
 #include "Hosts/Linux/GHandles.h"
+#include "Hosts/Linux/Loop/FolderMonitors.h"
 
 namespace quorvel::xdg {
 
@@ -30,21 +30,8 @@ Subscription attached(GSource* source, GSourceFunc call, Callback callback)
 
 Subscription watchFolder(const std::string& folder, Callback onChange)
 {
-    const GObjectHandle<GFile> file{g_file_new_for_path(folder.c_str())};
-    auto* monitor = g_file_monitor_directory(file.get(), G_FILE_MONITOR_NONE, nullptr, nullptr);
-    if (!monitor)
-        return {};
-    void (*call)(GFileMonitor*, GFile*, GFile*, GFileMonitorEvent, gpointer)
-        = [](GFileMonitor*, GFile*, GFile*, GFileMonitorEvent, gpointer callback) {
-              (*static_cast<Callback*>(callback))();
-          };
-    g_signal_connect_data(
-        monitor, "changed", G_CALLBACK(call), new Callback(std::move(onChange)),
-        [](gpointer callback, GClosure*) { deleteCallback(callback); }, GConnectFlags{});
-    return Subscription{std::shared_ptr<void>{monitor, [](void* dropped) {
-                                                  g_file_monitor_cancel(G_FILE_MONITOR(dropped));
-                                                  g_object_unref(dropped);
-                                              }}};
+    return Subscription{std::make_shared<FolderMonitors>(std::vector{folder}, 0,
+        [onChange = std::move(onChange)](std::string_view) { onChange(); })};
 }
 
 Subscription callAfter(std::chrono::milliseconds time, Callback callback)

@@ -1,10 +1,10 @@
-#include "Hosts/Linux/Applications/FolderMonitors.h"
+#include "Hosts/Linux/Loop/FolderMonitors.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <set>
 
-#include "Hosts/Linux/GHandles.h"
+#include <glib.h>
 
 namespace quorvel::xdg {
 
@@ -36,45 +36,34 @@ std::string nearestFolder(std::string path)
 FolderMonitors::FolderMonitors(std::vector<std::string> folders, int depth, Callback callback)
     : m_roots(std::move(folders))
     , m_depth(depth)
-    , m_callback(std::move(callback))
+    , m_callback(std::make_shared<const Callback>(std::move(callback)))
 {
     for (const auto& root : m_roots)
         watchRoot(root);
 }
 
-void FolderMonitors::Release::operator()(GFileMonitor* monitor) const
+void FolderMonitors::didChange(const std::string& path, InotifyWatch::Change change)
 {
-    g_signal_handlers_disconnect_matched(monitor, G_SIGNAL_MATCH_FUNC, 0, 0, nullptr,
-        reinterpret_cast<gpointer>(&FolderMonitors::onChange), nullptr);
-    g_file_monitor_cancel(monitor);
-    g_object_unref(monitor);
-}
-
-void FolderMonitors::onChange(
-    GFileMonitor*, GFile* file, GFile*, GFileMonitorEvent event, gpointer self)
-{
-    if (const GText path{g_file_get_path(file)})
-        static_cast<FolderMonitors*>(self)->didChange(path.get(), event);
-}
-
-void FolderMonitors::didChange(const std::string& path, GFileMonitorEvent event)
-{
-    const bool isGone = event == G_FILE_MONITOR_EVENT_DELETED;
-    const bool isNew = event == G_FILE_MONITOR_EVENT_CREATED;
-    if (isGone)
+    using Change = InotifyWatch::Change;
+    const bool isWritten = change == Change::written;
+    if (change == Change::disappeared || change == Change::lost)
         forgetTree(path);
+    std::set<std::string> news;
     for (const auto& root : m_roots) {
         const bool isOnTheWay = path == root || isBelow(root, path);
-        if (isOnTheWay && (isNew || isGone))
-            wayDidChange(root);
+        if (isOnTheWay && !isWritten && wayDidChange(root))
+            news.insert(root); // with what is in it already
     }
-    const auto depth = depthOf(path);
-    if (!depth)
-        return;
-    if (isNew && *depth > 0 && *depth <= m_depth)
-        watchTree(path, *depth);
-    if (event != G_FILE_MONITOR_EVENT_ATTRIBUTE_CHANGED)
-        m_callback(path);
+    if (const auto depth = depthOf(path)) {
+        if (!isWritten && *depth > 0 && *depth <= m_depth)
+            watchTree(path, *depth);
+        news.insert(path);
+    }
+    const std::weak_ptr<const Callback> current = m_callback;
+    for (const auto& changed : news) {
+        if (const auto callback = current.lock())
+            (*callback)(changed);
+    }
 }
 
 std::optional<int> FolderMonitors::depthOf(std::string_view path) const
@@ -89,12 +78,11 @@ std::optional<int> FolderMonitors::depthOf(std::string_view path) const
     return least;
 }
 
-void FolderMonitors::wayDidChange(const std::string& root)
+bool FolderMonitors::wayDidChange(const std::string& root)
 {
     const bool wasThere = m_monitors.contains(root);
     watchRoot(root);
-    if (!wasThere && m_monitors.contains(root))
-        m_callback(root); // with what is in it already
+    return !wasThere && m_monitors.contains(root);
 }
 
 void FolderMonitors::watchRoot(const std::string& root)
@@ -134,15 +122,14 @@ bool FolderMonitors::watchOne(const std::string& folder)
 {
     if (m_monitors.contains(folder))
         return true;
-    if (m_monitors.size() >= kMostFolders || !isFolder(folder))
+    if (m_monitors.size() >= kMostFolders)
         return false;
-    const GObjectHandle<GFile> file{g_file_new_for_path(folder.c_str())};
-    GFileMonitor* monitor
-        = g_file_monitor_directory(file.get(), G_FILE_MONITOR_NONE, nullptr, nullptr);
-    if (!monitor)
+    auto watch = InotifyWatch::open(folder, [this, folder](auto change, std::string_view name) {
+        didChange(name.empty() ? folder : (std::filesystem::path{folder} / name).string(), change);
+    });
+    if (!watch)
         return false;
-    g_signal_connect(monitor, "changed", G_CALLBACK(&FolderMonitors::onChange), this);
-    m_monitors.emplace(folder, monitor);
+    m_monitors.emplace(folder, std::move(watch));
     return true;
 }
 

@@ -8,21 +8,19 @@
 #include <string_view>
 #include <vector>
 
-#include <gio/gio.h>
+#include "Hosts/Linux/Loop/InotifyWatch.h"
 
 namespace quorvel::xdg {
 
 /// Reports what appears, disappears or changes in folders and in the folders below them, also in
-/// those that come to exist later. Main thread.
-///
-/// GIO looks for a folder that does not exist every few seconds for ever, and an idle program
-/// should sleep: the nearest folder above it that exists is watched instead, for what it is on the
-/// way to.
+/// those that come to exist later: of a folder that does not exist, the nearest above it that does
+/// is watched for what it is on the way to. Main thread.
 class FolderMonitors {
 public:
     using Callback = std::function<void(std::string_view path)>;
 
-    /// Folders more than `depth` levels below the given ones are not watched.
+    /// Folders more than `depth` levels below the given ones are not watched. The callback may drop
+    /// the monitors.
     FolderMonitors(std::vector<std::string> folders, int depth, Callback);
     FolderMonitors(const FolderMonitors&) = delete;
     FolderMonitors& operator=(const FolderMonitors&) = delete;
@@ -31,13 +29,9 @@ public:
     bool isWatching() const { return !m_monitors.empty(); }
 
 private:
-    struct Release {
-        void operator()(GFileMonitor*) const;
-    };
-
-    static void onChange(GFileMonitor*, GFile*, GFile* other, GFileMonitorEvent, gpointer self);
-    void didChange(const std::string& path, GFileMonitorEvent);
-    void wayDidChange(const std::string& root);
+    void didChange(const std::string& path, InotifyWatch::Change);
+    /// Whether the root has come to exist.
+    bool wayDidChange(const std::string& root);
     /// Watches the folder with all below it, or the way to it.
     void watchRoot(const std::string& root);
     void dropOldWays();
@@ -49,8 +43,8 @@ private:
 
     const std::vector<std::string> m_roots;
     const int m_depth;
-    const Callback m_callback;
-    std::map<std::string, std::unique_ptr<GFileMonitor, Release>> m_monitors; ///< by folder
+    const std::shared_ptr<const Callback> m_callback; ///< gone with the monitors
+    std::map<std::string, std::unique_ptr<InotifyWatch>> m_monitors; ///< by folder
 };
 
 }
