@@ -18,7 +18,7 @@ protected:
         if (auto answer = becomesActive(*window); !answer)
             return answer << "it is not active";
         const auto hasKeyboard = [&] {
-            const auto button = reader.named("Quorvel", "Request Access");
+            const auto button = reader.named("quorvel", "Request Access");
             return button && ScreenReader::has(button, ATSPI_STATE_FOCUSED);
         };
         if (auto answer = eventually(hasKeyboard); !answer)
@@ -26,13 +26,13 @@ protected:
         if (auto answer = desktop.finishRequests(); !answer)
             return answer;
         return eventually([&] {
-            const auto surface = reader.surfaceOf("Quorvel");
+            const auto surface = reader.surfaceOf("quorvel");
             return surface && ScreenReader::frame(surface) == desktop.contentFrame(*window);
         }) << "it is sought elsewhere";
     }
     static testing::AssertionResult shows(ScreenReader& reader, const std::string& text)
     {
-        return eventually([&] { return reader.named("Quorvel", text) != nullptr; }) << text;
+        return eventually([&] { return reader.named("quorvel", text) != nullptr; }) << text;
     }
     static bool isRole(const ScreenReader::Element& element, AtspiRole role)
     {
@@ -52,16 +52,16 @@ TEST_P(AccessiblePermissionsGate, isWorkedThroughWithPointerAndKeysOrClosed)
     {
         Bar bar{server, {"--show-permissions-gate"}};
         ASSERT_TRUE(comesUp(reader));
-        EXPECT_TRUE(isRole(reader.surfaceOf("Quorvel"), ATSPI_ROLE_FRAME));
-        EXPECT_TRUE(isRole(reader.named("Quorvel", "Accessibility, Required"), ATSPI_ROLE_PANEL));
+        EXPECT_TRUE(isRole(reader.surfaceOf("quorvel"), ATSPI_ROLE_FRAME));
+        EXPECT_TRUE(isRole(reader.named("quorvel", "Accessibility, Required"), ATSPI_ROLE_PANEL));
         EXPECT_EQ(run({"--state"}).error, "quorvel: the bar is waiting for permissions\n");
-        pointer.click(ScreenReader::frame(reader.named("Quorvel", "Request Access")));
+        pointer.click(ScreenReader::frame(reader.named("quorvel", "Request Access")));
         EXPECT_TRUE(shows(reader, "Accessibility, Granted"));
-        EXPECT_FALSE(ScreenReader::has(reader.named("Quorvel", "Continue"), ATSPI_STATE_ENABLED));
+        EXPECT_FALSE(ScreenReader::has(reader.named("quorvel", "Continue"), ATSPI_STATE_ENABLED));
         for (const auto key : {XKB_KEY_Escape, XKB_KEY_Tab, XKB_KEY_Tab, XKB_KEY_space})
             keyboard.type(key);
         EXPECT_TRUE(shows(reader, "Screen Recording, Granted"));
-        pointer.click(ScreenReader::frame(reader.named("Quorvel", "Continue")));
+        pointer.click(ScreenReader::frame(reader.named("quorvel", "Continue")));
         EXPECT_TRUE(bar.appears());
         EXPECT_TRUE(eventually([&] { return !desktop.clientTitled("Quorvel Setup"); }));
         EXPECT_TRUE(bar.isRunning());

@@ -15,7 +15,7 @@
 namespace quorvel::x11tests {
 
 /// An assistive program as users have it: it asks the desktop to show itself, finds the programs in
-/// the registry, and listens to what they announce. One in a process.
+/// the registry, by the names of their files, and listens to what they announce. One in a process.
 class ScreenReader {
 public:
     struct Forget {
