@@ -58,6 +58,17 @@ TEST_F(FolderMonitorsTest, letsEachWatcherOfTheSameFolderGoAlone)
     first.emplace(std::vector{folder}, 0, [&](std::string_view) { first.reset(); });
     std::ofstream{folder + "/three"} << "x";
     EXPECT_TRUE(eventually([&] { return !first; })) << "the last one, in its own call";
+
+    const auto later = folder + "/later";
+    ended = 0;
+    first.emplace(std::vector{later + "/a", later + "/b"}, 0, [&](std::string_view) {
+        ++ended;
+        first.reset();
+    });
+    fs::create_directories(later + "/a");
+    fs::create_directories(later + "/b");
+    EXPECT_TRUE(eventually([&] { return !first; }));
+    EXPECT_EQ(ended, 1) << "both came at once";
 }
 
 // Fault: what comes to lie at the path of a watched folder is taken for the old folder.
