@@ -12,8 +12,8 @@
 #include <benchmark/benchmark.h>
 
 #include "Hosts/Linux/Drawing/CairoCanvas.h"
+#include "Hosts/Linux/Drawing/CanvasTools.h"
 #include "Hosts/Linux/Drawing/PixelPicture.h"
-#include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Quorvel/Core/BarManager.h"
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Quorvel.h"
@@ -123,7 +123,7 @@ private:
             pixels.surface.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32,
                 int(pixels.size.width * kScale), int(pixels.size.height * kScale)));
             pixels.canvas
-                = std::make_unique<xdg::CairoCanvas>(pixels.surface.get(), kScale, m_shaper);
+                = std::make_unique<xdg::CairoCanvas>(pixels.surface.get(), kScale, m_tools);
         }
         pixels.canvas->beginDamage(damage);
         from.renderOn(*pixels.canvas, damage);
@@ -131,7 +131,7 @@ private:
     }
 
     FakeDesktop m_desktop;
-    xdg::TextShaper m_shaper;
+    xdg::CanvasTools m_tools;
     ProcessID m_pid{};
     std::vector<WindowID> m_windows;
     std::unique_ptr<Runtime> m_runtime;

@@ -7,7 +7,7 @@
 #include <benchmark/benchmark.h>
 
 #include "Hosts/Linux/Drawing/CairoCanvas.h"
-#include "Hosts/Linux/Drawing/TextShaper.h"
+#include "Hosts/Linux/Drawing/CanvasTools.h"
 #include "Quorvel/Core/BarManager.h"
 #include "Quorvel/Core/PinStore.h"
 #include "Quorvel/Quorvel.h"
@@ -58,7 +58,7 @@ public:
         auto bounds = launcher().bounds();
         xdg::CairoSurface surface{cairo_image_surface_create(
             CAIRO_FORMAT_ARGB32, int(bounds.width * kScale), int(bounds.height * kScale))};
-        xdg::CairoCanvas canvas{surface.get(), kScale, m_shaper};
+        xdg::CairoCanvas canvas{surface.get(), kScale, m_tools};
         canvas.beginDamage(bounds);
         launcher().renderOn(canvas, bounds);
         canvas.endDamage();
@@ -66,7 +66,7 @@ public:
 
 private:
     FakeDesktop m_desktop;
-    xdg::TextShaper m_shaper;
+    xdg::CanvasTools m_tools;
     std::unique_ptr<Runtime> m_runtime;
 };
 

@@ -81,8 +81,8 @@ struct Connection::Source {
         base.reset(reinterpret_cast<Base*>(g_source_new(&functions, sizeof(Base))));
         base->owner = this;
         g_source_set_static_name(base.get(), "X11");
-        // Otherwise GLib takes the descriptor out of its poll while events are dispatched, and wakes
-        // itself for that, twice in each turn. No loop runs within a dispatch.
+        // Otherwise GLib takes the descriptor out of its poll while events are dispatched, and
+        // wakes itself for that, twice in each turn. No loop runs within a dispatch.
         g_source_set_can_recurse(base.get(), TRUE);
         tag = g_source_add_unix_fd(base.get(), xcb_get_file_descriptor(connection.m_connection),
             static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR));
@@ -183,12 +183,23 @@ void Connection::forgetWindow(xcb_window_t window)
     m_masks->byWindow.erase(window);
 }
 
+void Connection::waitUntilHandled(std::uint32_t sequence)
+{
+    // The numbers begin anew after 2^32.
+    if (static_cast<std::int32_t>(m_handled - sequence) >= 0)
+        return;
+    auto cookie = xcb_get_input_focus(m_connection);
+    if (owned(xcb_get_input_focus_reply(m_connection, cookie, nullptr)))
+        m_handled = cookie.sequence;
+}
+
 void Connection::dispatchEvents()
 {
     for (int i = 0; i < kEventsPerTurn; ++i) {
         const auto next = m_source->next();
         if (!next)
             break;
+        m_handled = next->full_sequence;
         if (next->response_type == 0)
             continue; // an error of a request that nobody waits for
         event.emit(next.get());

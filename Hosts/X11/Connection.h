@@ -41,6 +41,10 @@ public:
     /// Call when a window is gone: its number may be reused.
     void forgetWindow(xcb_window_t);
 
+    /// Waits until the server has handled the request of this number. Costs a round trip only if no
+    /// event since then has told so.
+    void waitUntilHandled(std::uint32_t sequence);
+
     /// Each event in order (never an error: those of requests that nobody waits for are dropped).
     Signal<const xcb_generic_event_t*> event;
     /// Emitted when all events that were waiting have been handled; requests made here go out in
@@ -58,6 +62,7 @@ private:
 
     xcb_connection_t* m_connection;
     int m_screenNumber;
+    std::uint32_t m_handled = 0; ///< the request that the server is known to have come to
     xcb_screen_t* m_screen;
     Atoms m_atoms;
     struct Masks;

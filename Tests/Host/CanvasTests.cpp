@@ -6,10 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include "Hosts/Linux/Drawing/CanvasTools.h"
 #include "Hosts/Linux/Drawing/DamageRegion.h"
 #include "Hosts/Linux/Drawing/DisplayText.h"
 #include "Hosts/Linux/Drawing/IconImage.h"
-#include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Hosts/X11/Surface/AlphaShape.h"
 #include "Hosts/X11/Surface/PointerTracker.h"
 
@@ -28,7 +28,7 @@ public:
         , surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32,
               static_cast<int>(std::ceil(width * scale_)),
               static_cast<int>(std::ceil(height * scale_))))
-        , canvas(surface.get(), scale_, shaper, isRightToLeft)
+        , canvas(surface.get(), scale_, tools, isRightToLeft)
     {
     }
 
@@ -67,7 +67,7 @@ public:
         return true;
     }
 
-    TextShaper shaper;
+    CanvasTools tools;
     double scale;
     CairoSurface surface;
     CairoCanvas canvas;
@@ -294,12 +294,12 @@ TEST(PangoText, whatIsMeasuredFitsWithoutAnEllipsis)
 {
     for (double scale : kScales) {
         Paper paper{400, 40, scale};
-        PangoText text{paper.shaper, scale};
+        PangoText text{paper.tools.shaper, scale};
         for (std::string_view title : {"Mail", "Terminal: ~/src", "fjord WAVE", "שלום עולם"}) {
             auto style = whiteText();
             auto size = text.measure(title, style);
-            auto exact = paper.shaper.shape(title, style, scale).width;
-            auto fitted = paper.shaper.shape(title, style, scale, size.width * scale);
+            auto exact = paper.tools.shaper.shape(title, style, scale).width;
+            auto fitted = paper.tools.shaper.shape(title, style, scale, size.width * scale);
             EXPECT_EQ(fitted.width, exact) << title << " at " << scale;
             EXPECT_GT(size.height, style.size);
         }

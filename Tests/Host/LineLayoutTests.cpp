@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "Hosts/Linux/Drawing/CairoCanvas.h"
-#include "Hosts/Linux/Drawing/TextShaper.h"
+#include "Hosts/Linux/Drawing/CanvasTools.h"
 
 namespace quorvel::xdg {
 
@@ -13,9 +13,9 @@ namespace {
 const TextStyle kStyle{.size = 13, .color = Color::grey(1), .elide = Elide::none};
 
 struct LineLayoutTest : testing::Test {
-    TextShaper shaper;
+    CanvasTools tools;
     double scale = 1;
-    PangoText text{shaper, scale};
+    PangoText text{tools.shaper, scale};
 
     LineLayout of(std::string_view utf8) { return text.lineLayout(utf8, kStyle); }
 };
@@ -79,7 +79,7 @@ TEST_F(LineLayoutTest, aLineIsDrawnWhereItsCharactersAre)
     auto line = of("M M");
     for (bool isRightToLeft : {false, true}) {
         CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 100, 20)};
-        CairoCanvas canvas{surface.get(), 1, shaper, isRightToLeft};
+        CairoCanvas canvas{surface.get(), 1, tools, isRightToLeft};
         auto centred = kStyle;
         centred.alignment = TextAlignment::centre;
         canvas.drawText("M M", {8, 0, line.width + 4, 20}, centred);

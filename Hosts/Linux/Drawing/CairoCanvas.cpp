@@ -5,10 +5,10 @@
 
 #include <pango/pangocairo.h>
 
+#include "Hosts/Linux/Drawing/CanvasTools.h"
 #include "Hosts/Linux/Drawing/IconImage.h"
 #include "Hosts/Linux/Drawing/PixelPicture.h"
 #include "Hosts/Linux/Drawing/SymbolPaths.h"
-#include "Hosts/Linux/Drawing/TextShaper.h"
 
 namespace quorvel::xdg {
 
@@ -65,9 +65,9 @@ void drawPicture(cairo_t* cairo, const PixelPicture& picture, const Rect& box)
 }
 
 CairoCanvas::CairoCanvas(
-    cairo_surface_t* surface, double scale, TextShaper& shaper, bool isRightToLeft)
+    cairo_surface_t* surface, double scale, CanvasTools& tools, bool isRightToLeft)
     : m_scale(scale)
-    , m_shaper(shaper)
+    , m_tools(tools)
     , m_isRightToLeft(isRightToLeft)
     , m_cairo(cairo_create(surface))
 {
@@ -140,8 +140,16 @@ void CairoCanvas::fill(const Rect& rect, const Color& color)
 
 void CairoCanvas::fillRounded(const Rect& rect, double radius, const Color& color)
 {
+    auto pixels = toWholePixels(rect);
+    if (pixels.isEmpty())
+        return;
     setColor(color);
-    addRoundedPath(m_cairo.get(), toWholePixels(rect), radius * pixelsPerPoint());
+    auto* mask = isMagnified() ? nullptr
+                               : m_tools.masks.mask(static_cast<int>(pixels.width),
+                                   static_cast<int>(pixels.height), radius * pixelsPerPoint());
+    if (mask)
+        return cairo_mask_surface(m_cairo.get(), mask, pixels.x, pixels.y);
+    addRoundedPath(m_cairo.get(), pixels, radius * pixelsPerPoint());
     cairo_fill(m_cairo.get());
 }
 
@@ -211,8 +219,8 @@ void CairoCanvas::drawText(std::string_view utf8, const Rect& rect, const TextSt
 
 void CairoCanvas::drawLine(std::string_view utf8, const Rect& box, const TextStyle& style)
 {
-    auto line = m_shaper.shape(utf8, style, m_scale, box.width);
-    auto metrics = m_shaper.metrics(style.size, style.weight, m_scale);
+    auto line = m_tools.shaper.shape(utf8, style, m_scale, box.width);
+    auto metrics = m_tools.shaper.metrics(style.size, style.weight, m_scale);
     double baseline = box.y + (box.height - metrics.height()) / 2 + metrics.ascent;
 
     cairo_save(m_cairo.get());

@@ -7,14 +7,14 @@
 
 namespace quorvel::xdg {
 
-class TextShaper;
+struct CanvasTools;
 struct IconImage;
 
 /// Draws into a cairo surface of device pixels. Edges of rectangles are aligned to whole pixels at
 /// any scale, so that lines and gaps are equally sharp everywhere.
 class CairoCanvas final : public Canvas {
 public:
-    CairoCanvas(cairo_surface_t*, double scale, TextShaper&, bool isRightToLeft = false);
+    CairoCanvas(cairo_surface_t*, double scale, CanvasTools&, bool isRightToLeft = false);
     ~CairoCanvas() override;
 
     double scale() const override { return m_scale; }
@@ -62,7 +62,7 @@ private:
     void setColor(const Color&);
 
     const double m_scale;
-    TextShaper& m_shaper;
+    CanvasTools& m_tools;
     const bool m_isRightToLeft;
     Cairo m_cairo; ///< in device pixels; the mapping of points is kept here
     Transform m_transform;

@@ -94,15 +94,25 @@ void BackBuffer::resize(int width, int height)
 {
     m_surface.reset();
     m_shared.reset();
+    m_lastShared.reset();
     m_rows = {};
     if (width <= 0 || height <= 0)
         return;
     auto format = m_visual.depth == kAlphaDepth ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24;
-    CairoSurface surface{cairo_image_surface_create(format, width, height)};
+    if (m_isNativeFormat)
+        m_shared = SharedPixels::create(m_connection, width, height);
+    CairoSurface surface{m_shared ? cairo_image_surface_create_for_data(
+                             m_shared->row(0), format, width, height, width * 4)
+                                  : cairo_image_surface_create(format, width, height)};
     if (cairo_surface_status(surface.get()) == CAIRO_STATUS_SUCCESS)
         m_surface = std::move(surface);
-    if (m_surface && m_isNativeFormat)
-        m_shared = SharedPixels::create(m_connection, width, height);
+}
+
+cairo_surface_t* BackBuffer::surface() const
+{
+    if (m_lastShared)
+        m_connection.waitUntilHandled(*m_lastShared);
+    return m_surface.get();
 }
 
 void BackBuffer::copyTo(xcb_window_t window, const Rect& pixels)
@@ -138,18 +148,14 @@ xcb_gcontext_t BackBuffer::graphicsContext(xcb_window_t window)
 void BackBuffer::share(xcb_window_t window, int x, int y, int width, int height)
 {
     cairo_surface_flush(m_surface.get());
-    auto stride = cairo_image_surface_get_stride(m_surface.get());
-    auto* pixels = cairo_image_surface_get_data(m_surface.get());
-    for (int row = y; row < y + height; ++row)
-        std::memcpy(m_shared->row(row) + x * 4, pixels + row * stride + x * 4,
-            static_cast<std::size_t>(width) * 4);
-    xcb_shm_put_image(m_connection.raw(), window, graphicsContext(window),
+    auto request = xcb_shm_put_image(m_connection.raw(), window, graphicsContext(window),
         static_cast<std::uint16_t>(m_shared->width()),
         static_cast<std::uint16_t>(m_shared->height()), static_cast<std::uint16_t>(x),
         static_cast<std::uint16_t>(y), static_cast<std::uint16_t>(width),
         static_cast<std::uint16_t>(height), static_cast<std::int16_t>(x),
         static_cast<std::int16_t>(y), m_visual.depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 0,
         m_shared->segment(), 0);
+    m_lastShared = request.sequence;
 }
 
 void BackBuffer::put(xcb_window_t window, int x, int y, int width, int height)

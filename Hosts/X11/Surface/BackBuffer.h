@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <xcb/xcb.h>
@@ -26,8 +27,7 @@ struct WindowVisual {
 };
 
 /// The content of a window, kept on our side: a part is painted, then sent at once, so nothing
-/// flickers and exposed parts need no painting. The server reads shared memory at a time of its
-/// own, so only finished pictures are copied there.
+/// flickers and exposed parts need no painting.
 class BackBuffer {
 public:
     BackBuffer(Connection&, const WindowVisual&);
@@ -36,7 +36,9 @@ public:
     /// Allocates for this size; the content is undefined. An empty size frees everything.
     void resize(int width, int height);
     bool isEmpty() const { return !m_surface; }
-    cairo_surface_t* surface() const { return m_surface.get(); }
+    /// To paint on. The server reads shared memory at a time of its own: waits until it has read
+    /// all that it was told to.
+    cairo_surface_t* surface() const;
 
     void copyTo(xcb_window_t, const Rect& pixels);
 
@@ -50,8 +52,9 @@ private:
     WindowVisual m_visual;
     bool m_isNativeFormat;
     xcb_gcontext_t m_context = 0;
-    CairoSurface m_surface;
     std::unique_ptr<SharedPixels> m_shared; ///< null: pixels are sent over the connection
+    CairoSurface m_surface; ///< in the shared memory, if there is any
+    std::optional<std::uint32_t> m_lastShared; ///< the number of the last request to read it
     std::vector<std::uint8_t> m_rows; ///< the rows of a part, packed
 };
 

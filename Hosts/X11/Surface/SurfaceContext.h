@@ -9,7 +9,7 @@ class Dispatch;
 
 namespace quorvel::xdg {
 class AccessibleSurfaces;
-class TextShaper;
+struct CanvasTools;
 struct PanelEnvironment;
 }
 
@@ -30,7 +30,7 @@ struct SurfaceContext {
     const Monitors& monitors;
     const PanelEnvironment& environment;
     const Published<Appearance>& appearance;
-    TextShaper& shaper;
+    CanvasTools& tools;
     FrameIntervals& frames;
     AccessibleSurfaces& accessible;
     Compositing& compositing;

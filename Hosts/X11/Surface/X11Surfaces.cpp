@@ -20,18 +20,18 @@ X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monit
     , m_grabs(connection, dispatch, m_keyboard, m_presses, m_hotKeys)
     , m_compositing(connection)
     , m_arrow(connection)
-    , m_context{connection, dispatch, monitors, environment, appearance, m_shaper, m_frames,
+    , m_context{connection, dispatch, monitors, environment, appearance, m_tools, m_frames,
           m_accessible, m_compositing, m_grabs, m_keyboard, m_arrow, m_repaint}
-    , m_text(m_shaper, monitors.coordinates().scale)
+    , m_text(m_tools.shaper, monitors.coordinates().scale)
     , m_appearance(appearance.subscribe([this](auto& now) {
-        m_shaper.setFont(now.font); // before any view measures with it
+        m_tools.shaper.setFont(now.font); // before any view measures with it
         for (auto& [display, window] : m_windows)
             window->repaintAll();
     }))
     , m_blurChanged(
           m_compositing.canBlur().subscribe([this](bool canBlur) { setCanBlur(canBlur); }))
 {
-    m_shaper.setFont(appearance.value().font);
+    m_tools.shaper.setFont(appearance.value().font);
 }
 
 X11Surfaces::~X11Surfaces() = default;

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
-#include "Hosts/Linux/Drawing/TextShaper.h"
+#include "Hosts/Linux/Drawing/CanvasTools.h"
 #include "Hosts/X11/Input/HotKeys.h"
 #include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Selection/X11Clipboard.h"
@@ -47,7 +47,7 @@ private:
     std::vector<Subscription> followPresses();
     void tell(PointerScope, const ButtonPress&);
 
-    TextShaper m_shaper;
+    CanvasTools m_tools;
     FrameIntervals m_frames;
     AccessibleSurfaces m_accessible;
     PressWatch m_presses;
