@@ -1,12 +1,25 @@
 #include "Hosts/Linux/Bus/SleepWatch.h"
 
+#include <cstdlib>
 #include <utility>
 
 #include <gio/gio.h>
+#include <unistd.h>
 
 #include "Hosts/Linux/GHandles.h"
 
 namespace quorvel::xdg {
+
+namespace {
+
+/// Where there is none, as in a container, GIO takes a thread and all its types to find that out.
+bool hasSystemBus()
+{
+    return std::getenv("DBUS_SYSTEM_BUS_ADDRESS")
+        || access("/var/run/dbus/system_bus_socket", F_OK) == 0;
+}
+
+}
 
 struct SleepWatch::Bus {
     std::function<void()> onWake;
@@ -57,6 +70,8 @@ struct SleepWatch::Bus {
 SleepWatch::SleepWatch(std::function<void()> onWake) : m_bus(std::make_unique<Bus>())
 {
     m_bus->onWake = std::move(onWake);
+    if (!hasSystemBus())
+        return;
     g_bus_get(G_BUS_TYPE_SYSTEM, m_bus->cancellable.get(), &Bus::connected, m_bus.get());
 }
 
