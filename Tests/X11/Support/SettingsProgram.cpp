@@ -74,25 +74,11 @@ testing::AssertionResult SettingsProgram::showsForAMoment(
     }) << name;
 }
 
-testing::AssertionResult SettingsProgram::lacks(AtspiRole role, const std::string& name)
-{
-    const auto isAny = [](auto&) { return true; };
-    return eventually([&] { return !m_reader.seek(kProgram, role, name, isAny); }) << name;
-}
-
 testing::AssertionResult SettingsProgram::hasState(
     AtspiRole role, const std::string& name, AtspiStateType state, bool isSet)
 {
     return ask(
         role, name, [&](auto& element) { return ScreenReader::has(element, state) == isSet; });
-}
-
-testing::AssertionResult SettingsProgram::isDescribed(
-    AtspiRole role, const std::string& name, const std::string& description)
-{
-    return ask(role, name, [&](auto& element) {
-        return ScreenReader::description(element).find(description) != std::string::npos;
-    });
 }
 
 testing::AssertionResult SettingsProgram::perform(
@@ -119,10 +105,9 @@ Frame SettingsProgram::frame(const ScreenReader::Element& part)
     return place;
 }
 
-void SettingsProgram::click(AtspiRole role, const std::string& name)
+void SettingsProgram::click(const ScreenReader::Element& element)
 {
-    if (const auto found = find(role, name))
-        m_pointer.click(frame(found));
+    m_pointer.click(frame(element));
 }
 
 /// The toolkit gives it to a window of its own within.
@@ -181,7 +166,7 @@ testing::AssertionResult SettingsProgram::choose(
             return ScreenReader::seekIn(choice, ATSPI_ROLE_LIST_ITEM, "", isRight) != nullptr;
         });
     };
-    m_pointer.click(frame(choice));
+    click(choice);
     const auto isFocused
         = [](auto& option) { return ScreenReader::has(option, ATSPI_STATE_FOCUSED); };
     if (auto answer = offers(isFocused); !answer)

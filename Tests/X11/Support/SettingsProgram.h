@@ -28,16 +28,13 @@ public:
     /// Of what goes by itself: it is brought up before each look.
     testing::AssertionResult showsForAMoment(
         AtspiRole, const std::string& name, const std::function<bool()>& bringUp);
-    testing::AssertionResult lacks(AtspiRole, const std::string& name);
     testing::AssertionResult hasState(
         AtspiRole, const std::string& name, AtspiStateType, bool isSet = true);
-    testing::AssertionResult isDescribed(
-        AtspiRole, const std::string& name, const std::string& description);
     /// Presses it as a screen reader does.
     testing::AssertionResult perform(
         AtspiRole, const std::string& name, const std::string& action = "click");
     /// Clicks the middle of it.
-    void click(AtspiRole, const std::string& name);
+    void click(const ScreenReader::Element&);
     Keyboard& keyboard() { return m_keyboard; }
 
     /// Leaves the first page for the one at this place, with the keyboard.
