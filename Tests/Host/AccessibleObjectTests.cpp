@@ -224,13 +224,12 @@ TEST_F(AccessibleObjects, readAndEditFieldsInCharacters)
 }
 
 // Faults: a change that is told as another one, or of which nobody is told; a row that is chosen
-// while the keyboard stays in the field, or that comes into sight with the choice, and is not read;
-// a field that had the keyboard before anybody looked.
+// while the keyboard stays in the field, that comes into sight with the choice, or of whose list
+// nobody has asked, and is not read; a field that had the keyboard before anybody looked.
 TEST_F(AccessibleObjects, tellWhatIsTypedAndChosen)
 {
     auto& node = nodeOf(0);
     auto& items = nodeOf(1);
-    items.children();
     listen(node, "text-insert", G_CALLBACK(onText));
     listen(node, "text-remove", G_CALLBACK(onText));
     listen(node, "text-caret-moved", G_CALLBACK(onCaret));

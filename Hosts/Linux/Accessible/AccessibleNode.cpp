@@ -79,6 +79,14 @@ bool hasKeyFocus(AccessibleElement& element)
             element.accessibleChildren(), [](auto* child) { return hasKeyFocus(*child); });
 }
 
+bool hasFocusOrChoice(AccessibleElement& element)
+{
+    const auto state = element.accessibleState();
+    return state.hasKeyFocus || state.isSelected
+        || std::ranges::any_of(
+            element.accessibleChildren(), [](auto* child) { return hasFocusOrChoice(*child); });
+}
+
 }
 
 AccessibleNode::AccessibleNode(const AtkLibrary& atk, const AccessibleSurfaces& surfaces)
@@ -365,12 +373,21 @@ std::optional<std::size_t> AccessibleNode::offsetAt(Point pixels) const
 void AccessibleNode::announceChanges()
 {
     announceDescription();
-    // Nobody can ask for what the keyboard is on before it has been told.
-    if (auto* element_ = element(); element_ && !m_hasChildren && hasKeyFocus(*element_))
+    // Nobody can ask for what the keyboard is on, or what it chooses, before it has been told.
+    if (auto* element_ = element();
+        element_ && !m_hasChildren && isInActiveSurface() && hasFocusOrChoice(*element_))
         children();
     announceChildren();
     for (std::size_t index = 0; index < m_children.size(); ++index)
         m_children[index]->announceChanges();
+}
+
+bool AccessibleNode::isInActiveSurface() const
+{
+    auto* node = this;
+    while (node && !node->isSurface())
+        node = node->m_parent;
+    return node && node->m_told.has(ATK_STATE_ACTIVE);
 }
 
 void AccessibleNode::announceDescription()

@@ -88,6 +88,7 @@ private:
     void placeAt(std::size_t index, const std::string& id);
     std::unique_ptr<AccessibleNode> take(std::size_t index);
     void emitChildren(const char* signal, std::size_t index, const AccessibleNode& child);
+    bool isInActiveSurface() const;
     void announceDescription();
     void announceStates(const Description& before, const Description& now);
     void announceText(const AccessibleText& before, const AccessibleText& now);
