@@ -161,14 +161,20 @@ void SessionBus::watchSocket()
 
 void SessionBus::socketDidAppear()
 {
+    cancelAttempt(); // the next one may be minutes away
     m_attempts = 0;
     wait();
 }
 
-void SessionBus::stopWaiting()
+void SessionBus::cancelAttempt()
 {
     if (m_attempt)
         g_source_remove(std::exchange(m_attempt, 0));
+}
+
+void SessionBus::stopWaiting()
+{
+    cancelAttempt();
     m_socket.reset();
 }
 

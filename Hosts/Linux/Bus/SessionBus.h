@@ -37,6 +37,7 @@ private:
     void wait();
     void watchSocket();
     void socketDidAppear();
+    void cancelAttempt();
     void stopWaiting();
 
     const Changed m_connected;
