@@ -13,7 +13,11 @@ namespace {
 
 constexpr int kOperationsARound = 1000;
 constexpr int kOperationsBetweenRests = 50;
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr std::uint32_t kRounds = 10; // each takes several times as long
+#else
 constexpr std::uint32_t kRounds = 25;
+#endif
 constexpr std::uint32_t kFullRounds = 100;
 
 }

@@ -74,9 +74,21 @@ protected:
         ASSERT_TRUE(eventually([&] { return bar->state().windows.size() == kRestartWindows; }));
         ASSERT_TRUE(desktop.finishRequests());
     }
+    /// Chips are on their way for a moment when a row or its room has changed.
+    void waitForChipsToRest() const
+    {
+        std::vector<Frame> last;
+        ASSERT_TRUE(eventually([&] {
+            std::vector<Frame> now;
+            for (const auto& chip : bar->state().panel().chips)
+                now.push_back(chip.frame);
+            return !now.empty() && std::exchange(last, now) == now;
+        }));
+    }
     /// Puts a chip behind another one.
     void drag(std::size_t chip, std::size_t other)
     {
+        waitForChipsToRest();
         const auto before = orderIn(bar->state());
         const auto chips = bar->state().panel().chips;
         ASSERT_LT(std::max(chip, other), chips.size());
