@@ -152,4 +152,28 @@ TEST_F(AutoHideTest, goesAndComesWhenTheUserSaysSo)
     EXPECT_EQ(dispatch.pendingTimers(), 0u);
 }
 
+// Faults: a wish that outlives the windows it was about, or is lost with them; one of the shown
+// desktop's own that the windows' return undoes.
+TEST_F(AutoHideTest, comesToTheShownDesktopThoughTheUserHadSentItAway)
+{
+    auto isOutAfter = [this](bool isShowing) {
+        hiding.setShowingDesktop(isShowing);
+        dispatch.advance(seconds(10));
+        return hiding.isOut();
+    };
+    hiding.toggle();
+    EXPECT_FALSE(isOutAfter(true));
+    hiding.setInUse(true);
+    hiding.setInUse(false);
+    EXPECT_TRUE(isOutAfter(false));
+
+    EXPECT_FALSE(isOutAfter(true));
+    hiding.toggle();
+    EXPECT_TRUE(hiding.isOut());
+    hiding.toggle();
+    EXPECT_FALSE(isOutAfter(false));
+    EXPECT_FALSE(isOutAfter(true));
+    EXPECT_FALSE(isOutAfter(false)) << "it never was away";
+}
+
 }

@@ -44,6 +44,19 @@ void AutoHide::setOverlapped(bool isOverlapped)
     update();
 }
 
+void AutoHide::setShowingDesktop(bool isShowing)
+{
+    if (std::exchange(m_isShowingDesktop, isShowing) == isShowing)
+        return;
+    if (isShowing) {
+        m_wasSentAway = m_isWantedOut == true;
+        m_isWantedOut.reset();
+    } else if (std::exchange(m_wasSentAway, false)) {
+        m_isWantedOut = true;
+    }
+    update();
+}
+
 void AutoHide::setInUse(bool isInUse)
 {
     if (std::exchange(m_isInUse, isInUse) == isInUse)
@@ -100,6 +113,7 @@ void AutoHide::stayFor(WorkItem& stay, Duration length)
 void AutoHide::toggle()
 {
     m_isWantedOut = !m_isOut;
+    m_wasSentAway = false;
     m_edgeStay = {};
     m_attentionStay = {};
     if (shouldBeOut())

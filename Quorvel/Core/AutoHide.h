@@ -29,6 +29,9 @@ public:
 
     /// A window lies where the bar is. A change ends what the user has asked for.
     void setOverlapped(bool);
+    /// All windows are out of the way for a while. A bar that the user has sent away comes, and
+    /// goes again with that, unless the user has said something else meanwhile.
+    void setShowingDesktop(bool);
     /// The user is doing something with the bar, or with what it has opened: it stays, or comes.
     void setInUse(bool);
     /// What the pointer does at the screen's edge while the bar is out.
@@ -55,7 +58,9 @@ private:
     bool m_isOut = false;
     bool m_isOverlapped = false;
     bool m_isInUse = false;
+    bool m_isShowingDesktop = false;
     std::optional<bool> m_isWantedOut; ///< by the user; absent: the windows decide
+    bool m_wasSentAway = false; ///< by the user, before the desktop was shown
     WorkItem m_rest;
     WorkItem m_edgeStay;
     WorkItem m_attentionStay;

@@ -77,6 +77,7 @@ void BarHiding::follow(Bar& bar)
     apply(bar);
 }
 
+    autoHide.setShowingDesktop(m_platform.windowServer.isShowingDesktop.value());
 void BarHiding::apply(Bar& bar)
 {
     auto& hiding = hidingOf(bar);
