@@ -76,6 +76,12 @@ TEST_F(BarHidingTest, leavesItsRoomToWindowsAndTakesItAgain)
     desktop.restore(inbox);
     wait();
     EXPECT_TRUE(isOut());
+    desktop.setHidden(mail, true);
+    wait();
+    EXPECT_TRUE(isIn());
+    desktop.setHidden(mail, false);
+    wait();
+    EXPECT_TRUE(isOut());
     desktop.moveToSpace(inbox, SpaceID{2});
     desktop.activateSpace(SpaceID{2});
     wait();

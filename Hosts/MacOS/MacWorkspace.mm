@@ -29,6 +29,7 @@ RunningApplication applicationFrom(NSRunningApplication* application)
     result.localizedName = fromSystem(application.localizedName);
     result.activationPolicy = activationPolicyFrom(application.activationPolicy);
     result.isTerminated = application.terminated;
+    result.isHidden = application.hidden;
     return result;
 }
 
@@ -68,6 +69,8 @@ MacWorkspace::MacWorkspace()
     observe(NSWorkspaceDidLaunchApplicationNotification, didLaunch);
     observe(NSWorkspaceDidTerminateApplicationNotification, didTerminate);
     observe(NSWorkspaceDidActivateApplicationNotification, didActivate);
+    observe(NSWorkspaceDidHideApplicationNotification, didHide);
+    observe(NSWorkspaceDidUnhideApplicationNotification, didUnhide);
     observe(NSWorkspaceDidWakeNotification, didWake);
     observe(NSWorkspaceActiveSpaceDidChangeNotification, activeSpaceDidChange);
 }

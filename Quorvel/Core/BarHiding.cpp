@@ -7,6 +7,7 @@
 #include "Quorvel/Core/UserSettings.h"
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Surfaces.h"
+#include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/WindowStore.h"
 
 namespace quorvel {
@@ -23,6 +24,8 @@ BarHiding::BarHiding(const Platform& platform, const WindowStore& windowStore,
     , m_itemsChange(viewModel.displayItemsBySpace.subscribe([this](auto&) { followAttention(); }))
     , m_showingDesktopChange(
           platform.windowServer.isShowingDesktop.subscribe([this](bool) { update(); }))
+    , m_hide(platform.workspace.didHide.subscribe([this](auto&) { update(); }))
+    , m_unhide(platform.workspace.didUnhide.subscribe([this](auto&) { update(); }))
 {
 }
 
@@ -74,10 +77,10 @@ void BarHiding::follow(Bar& bar)
     bar.onUseChanged = [this, &bar] { follow(bar); };
     autoHide.setInUse(bar.isInUse() || m_launcher.isOpenFrom(bar));
     autoHide.setOverlapped(isOverlapped(bar));
+    autoHide.setShowingDesktop(m_platform.windowServer.isShowingDesktop.value());
     apply(bar);
 }
 
-    autoHide.setShowingDesktop(m_platform.windowServer.isShowingDesktop.value());
 void BarHiding::apply(Bar& bar)
 {
     auto& hiding = hidingOf(bar);
@@ -96,8 +99,15 @@ bool BarHiding::isOverlapped(const Bar& bar) const
     return std::ranges::any_of(m_windowStore.windows(), [&](auto& entry) {
         auto& window = entry.second;
         return !window.isMinimized && window.frame.intersects(place)
-            && window.spaceIDs.contains(bar.spaceID());
+            && window.spaceIDs.contains(bar.spaceID()) && !isHidden(window.pid);
     });
+}
+
+/// The window server goes on listing the windows of such an application as if they were there.
+bool BarHiding::isHidden(ProcessID pid) const
+{
+    auto application = m_platform.workspace.runningApplication(pid);
+    return application && application->isHidden;
 }
 
 Rect BarHiding::stripOf(const Bar& bar) const

@@ -59,6 +59,7 @@ private:
     void apply(Bar&);
     void watchEdge(const Bar&, Hiding&);
     bool isOverlapped(const Bar&) const;
+    bool isHidden(ProcessID) const;
     Rect stripOf(const Bar&) const;
     void followAttention();
     Asking askingOn(DisplayNumber) const;
@@ -73,6 +74,8 @@ private:
     std::map<DisplayNumber, Asking> m_asking; ///< for attention, on any space of the display
     Subscription m_itemsChange;
     Subscription m_showingDesktopChange;
+    Subscription m_hide;
+    Subscription m_unhide;
 };
 
 }

@@ -18,6 +18,7 @@ struct RunningApplication {
     std::string localizedName;
     ActivationPolicy activationPolicy = ActivationPolicy::prohibited;
     bool isTerminated = false;
+    bool isHidden = false; ///< with all its windows, by the user; where applications can be
 
     friend bool operator==(const RunningApplication&, const RunningApplication&) = default;
 };
@@ -42,6 +43,8 @@ public:
     Signal<RunningApplication> didLaunch;
     Signal<RunningApplication> didTerminate;
     Signal<RunningApplication> didActivate;
+    Signal<RunningApplication> didHide;
+    Signal<RunningApplication> didUnhide;
 };
 
 }

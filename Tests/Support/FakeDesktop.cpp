@@ -95,6 +95,14 @@ void FakeDesktop::activate(ProcessID pid)
     post([this, info = application(pid).info] { m_workspace.didActivate.emit(info); });
 }
 
+void FakeDesktop::setHidden(ProcessID pid, bool isHidden)
+{
+    auto& info = application(pid).info;
+    info.isHidden = isHidden;
+    auto& signal = isHidden ? m_workspace.didHide : m_workspace.didUnhide;
+    post([&signal, info] { signal.emit(info); });
+}
+
 WindowID FakeDesktop::open(ProcessID pid, const OpenOptions& options)
 {
     WindowID id{m_nextWindow++};

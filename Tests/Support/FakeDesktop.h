@@ -109,6 +109,8 @@ public:
     void crash(ProcessID);
     /// It comes to the front, as by a click.
     void activate(ProcessID);
+    /// With all its windows, whose places and states stay what they are.
+    void setHidden(ProcessID, bool isHidden);
 
     // Applications are stored and removed.
     void install(const std::string& path, BundleDescription = {});
