@@ -2,6 +2,7 @@
 #include "Quorvel/Views/ThumbnailPopup.h"
 
 #include "Quorvel/Core/ThumbnailService.h"
+#include "Quorvel/Views/PeekFading.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -362,6 +363,48 @@ TEST_F(ThumbnailPopupTest, peekingFollowsTheWindows)
     desktop.minimise(sent);
     desktop.advance(seconds(1));
     EXPECT_EQ(alone(), std::nullopt);
+}
+
+// Faults: windows that vanish at once, for ever half faded, or never back once the popup has gone;
+// motion for who wants none; frames while nothing moves.
+TEST_F(ThumbnailPopupTest, otherWindowsFadeOutAndInAgain)
+{
+    auto faded = [this] { return desktop.peeking().faded(); };
+    openGroup();
+    desktop.advance(seconds(1));
+    auto timers = desktop.dispatch().pendingTimers();
+    peekAt(inbox);
+    EXPECT_EQ(faded(), 0);
+    desktop.advance(PeekFading::kLength / 2);
+    auto half = faded();
+    EXPECT_NEAR(half, 0.5, 0.15);
+    popup()->leave();
+    EXPECT_EQ(faded(), half);
+    desktop.advance(PeekFading::kLength / 4);
+    EXPECT_NEAR(faded(), half - 0.25, 0.15);
+    peekAt(inbox);
+    desktop.advance(PeekFading::kLength + seconds(0.02));
+    EXPECT_EQ(faded(), 1);
+    EXPECT_EQ(desktop.dispatch().pendingTimers(), timers);
+
+    popup()->leave();
+    leave();
+    desktop.advance(PeekFading::kLength / 2);
+    EXPECT_NEAR(faded(), 0.5, 0.15);
+    settle();
+    EXPECT_EQ(faded(), 0);
+    EXPECT_FALSE(popup());
+
+    auto appearance = desktop.program().appearance().value();
+    appearance.reduceMotion = true;
+    desktop.program().setAppearance(appearance);
+    openGroup();
+    peekAt(inbox);
+    EXPECT_EQ(faded(), 1);
+    appearance.reduceMotion = false;
+    desktop.program().setAppearance(appearance);
+    desktop.program().terminate();
+    EXPECT_EQ(faded(), 0) << "there is no later";
 }
 
 // Fault: whoever walks the cards with the keys sees windows come and go, since a pointer lies

@@ -8,6 +8,7 @@
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/WrappedText.h"
+#include "Quorvel/Views/PeekFading.h"
 
 namespace quorvel {
 
@@ -124,6 +125,8 @@ void ThumbnailPopup::show(const std::vector<ChipData>& chips, const Rect& chip, 
     m_surface->setOpacity(fadesIn ? 0 : 1);
     m_surface->setFrame(m_layout.frame);
     m_surface->orderFront();
+    if (m_inputs.peeking)
+        m_inputs.peeking->setFrameInterval(m_surface->frameInterval());
     if (fadesIn)
         m_animation.start(ThumbnailPopupStyle::fade, m_surface->frameInterval(),
             [this](double share) { m_surface->setOpacity(share); });

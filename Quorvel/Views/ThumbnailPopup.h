@@ -34,7 +34,7 @@ public:
         const Text& text;
         ThumbnailService& thumbnailService;
         const Published<Appearance>& appearance;
-        Peeking* peeking = nullptr; ///< as of the platform
+        PeekFading* peeking = nullptr; ///< null where a window cannot be shown alone
         DisplayNumber display{};
     };
 

@@ -4,6 +4,7 @@
 
 #include "Quorvel/Platform/Displays.h"
 #include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Views/PeekFading.h"
 #include "Quorvel/Views/ThumbnailPopup.h"
 
 namespace quorvel {
@@ -13,6 +14,7 @@ ThumbnailPresenter::ThumbnailPresenter(
     : m_platform(platform)
     , m_thumbnailService(thumbnailService)
     , m_display(display)
+    , m_peeking(platform.peeking ? std::make_unique<PeekFading>(platform) : nullptr)
 {
 }
 
@@ -37,9 +39,9 @@ bool ThumbnailPresenter::show(const std::vector<ChipData>& windows, const Rect& 
 
 void ThumbnailPresenter::makePopup()
 {
-    m_activeThumbnailPanel = std::make_unique<ThumbnailPopup>(ThumbnailPopup::Inputs{
-        m_platform.surfaces, m_platform.dispatch, m_platform.text, m_thumbnailService,
-        m_platform.application.appearance(), m_platform.peeking, m_display});
+    m_activeThumbnailPanel = std::make_unique<ThumbnailPopup>(
+        ThumbnailPopup::Inputs{m_platform.surfaces, m_platform.dispatch, m_platform.text,
+            m_thumbnailService, m_platform.application.appearance(), m_peeking.get(), m_display});
     m_activeThumbnailPanel->onHoverChanged = onHoverChanged;
     m_activeThumbnailPanel->onWindowChosen = onWindowChosen;
     m_activeThumbnailPanel->onWindowClosed = onWindowClosed;

@@ -12,6 +12,7 @@
 
 namespace quorvel {
 
+class PeekFading;
 class ThumbnailPopup;
 class ThumbnailService;
 struct Platform;
@@ -48,6 +49,8 @@ private:
     const Platform& m_platform;
     ThumbnailService& m_thumbnailService;
     DisplayNumber m_display;
+    /// Windows go on fading in when the popup has gone; null where they cannot be shown alone.
+    std::unique_ptr<PeekFading> m_peeking;
     std::unique_ptr<ThumbnailPopup> m_activeThumbnailPanel;
     std::unique_ptr<ThumbnailPopup> m_closedThumbnailPanel;
     std::optional<Rect> m_lastPopupFrame;

@@ -2,12 +2,12 @@
 
 #include <utility>
 
-#include "Quorvel/Platform/Peeking.h"
 #include "Quorvel/Platform/Surfaces.h"
+#include "Quorvel/Views/PeekFading.h"
 
 namespace quorvel {
 
-WindowPeek::WindowPeek(Dispatch& dispatch, Surfaces& surfaces, Peeking* peeking)
+WindowPeek::WindowPeek(Dispatch& dispatch, Surfaces& surfaces, PeekFading* peeking)
     : m_dispatch(dispatch)
     , m_surfaces(surfaces)
     , m_peeking(peeking)

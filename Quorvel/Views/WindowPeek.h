@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-class Peeking;
+class PeekFading;
 class Surfaces;
 
 /// When the windows themselves are shown to whoever looks at their pictures: the first once the
@@ -21,7 +21,7 @@ public:
     static constexpr Duration kBetweenCards = seconds(0.2);
 
     /// All of it outlives this; null where the system cannot show a window alone.
-    WindowPeek(Dispatch&, Surfaces&, Peeking*);
+    WindowPeek(Dispatch&, Surfaces&, PeekFading*);
     ~WindowPeek();
 
     /// The window of the card that the pointer is on; absent: it is on none.
@@ -39,7 +39,7 @@ private:
 
     Dispatch& m_dispatch;
     Surfaces& m_surfaces;
-    Peeking* m_peeking;
+    PeekFading* m_peeking;
     std::optional<WindowID> m_target;
     bool m_isUnderWay = false;
     WorkItem m_timer; ///< of the rest, or of the way to the next card

@@ -47,11 +47,19 @@ protected:
         }
         return std::nullopt;
     }
+    Peeking& peeking() { return host->services.peeking(); }
+    /// All the way.
     bool showAlone(xcb_window_t window)
     {
-        return host->services.peeking().showAlone(idOf(window).value_or(WindowID{}));
+        const bool isAlone = peeking().showAlone(idOf(window).value_or(WindowID{}));
+        peeking().fade(1);
+        return isAlone;
     }
-    void showAll() { host->services.peeking().showAll(); }
+    void showAll()
+    {
+        peeking().showAll();
+        peeking().fade(1);
+    }
     bool runUntil(const std::function<bool()>& condition) { return host->runUntil(condition); }
 
     /// Rests on the card of the window, which is alone in its popup, until the condition holds.
@@ -100,6 +108,7 @@ protected:
     }
 
     const std::string kOpacity = "_NET_WM_WINDOW_OPACITY";
+    const std::string kNote = "_QUORVEL_FADED";
     const std::vector<std::uint32_t> kFaded{xdg::x11::FadedWindows::kOpacity};
     const std::vector<std::uint32_t> kNone;
 };
@@ -136,7 +145,58 @@ TEST_F(Fading, leavesEachOpacityAsItWas)
     EXPECT_EQ(opacity(upper), std::vector{0x70000000U});
     EXPECT_EQ(opacity(middle), std::vector{0x80000000U});
     EXPECT_EQ(opacity(lower), kNone);
-    EXPECT_EQ(desktop.connection().numbers(desktop.connection().root(), "_QUORVEL_FADED"), kNone);
+    EXPECT_EQ(desktop.connection().numbers(desktop.connection().root(), kNote), kNone);
+}
+
+// Faults: a window leaps, or stops half way; one that turns round loses its own opacity, or what
+// its program gives it meanwhile; one that is not to be seen is written to on and on.
+TEST_F(Fading, goesThereAndBackInSteps)
+{
+    setOpacity(middle, 0x80000000);
+    startHost();
+    const auto now = [&](xcb_window_t window) {
+        const auto value = opacity(window);
+        return value.empty() ? 0xFFFFFFFF : value[0];
+    };
+    ASSERT_TRUE(peeking().showAlone(*idOf(lower)));
+    EXPECT_TRUE(peeking().fade(0));
+    EXPECT_EQ(opacity(upper), kNone);
+    EXPECT_TRUE(peeking().fade(0.5));
+    EXPECT_NEAR(now(upper), 0x81000000, 0x01000000);
+    EXPECT_NEAR(now(middle), 0x41000000, 0x01000000);
+    const auto half = now(upper);
+    const auto note = desktop.connection().numbers(desktop.connection().root(), kNote);
+    EXPECT_TRUE(peeking().fade(0.2));
+    EXPECT_LT(now(upper), half);
+    setOpacity(middle, 0x70000000);
+    EXPECT_FALSE(peeking().fade(0.4));
+    EXPECT_EQ(opacity(upper), kFaded);
+
+    peeking().showAll();
+    EXPECT_TRUE(peeking().fade(0.5));
+    EXPECT_EQ(now(upper), half);
+    EXPECT_FALSE(peeking().fade(0.6));
+    EXPECT_EQ(opacity(upper), kNone);
+    EXPECT_EQ(opacity(middle), std::vector{0x70000000U});
+
+    ASSERT_TRUE(showAlone(lower));
+    desktop.minimise(upper);
+    ASSERT_TRUE(runUntil([&] { return desktop.isHidden(upper); }));
+    EXPECT_TRUE(runUntil([&] {
+        peeking().showAlone(*idOf(lower));
+        peeking().fade(0);
+        return opacity(upper) == kNone;
+    })) << "without a way";
+
+    host.reset();
+    // As a bar leaves it that is killed half way.
+    setOpacity(upper, half);
+    auto& connection = client.connection();
+    connection.setNumbers(connection.root(), kNote, "CARDINAL", note);
+    connection.sync();
+    host.emplace();
+    EXPECT_EQ(opacity(upper), kNone);
+    EXPECT_EQ(opacity(middle), std::vector{0x70000000U});
 }
 
 // Faults: whoever looks at a window that cannot be seen sees an empty desktop; windows stay faint
@@ -148,11 +208,11 @@ TEST_F(Fading, isNothingForWhatCannotBeSeen)
     desktop.minimise(middle);
     ASSERT_TRUE(runUntil([&] { return desktop.isHidden(middle); }));
     ASSERT_TRUE(runUntil([&] {
-        bool isShown = host->services.peeking().showAlone(id);
+        bool isShown = peeking().showAlone(id);
         return !isShown;
     }));
     EXPECT_EQ(opacity(upper), kNone);
-    EXPECT_FALSE(host->services.peeking().showAlone(WindowID{9999}));
+    EXPECT_FALSE(peeking().showAlone(WindowID{9999}));
     ASSERT_TRUE(showAlone(lower));
     EXPECT_EQ(opacity(upper), kFaded);
     setComposed(false);
@@ -187,8 +247,8 @@ TEST_F(Fading, isUndoneByTheNextBarIfThisOneIsKilled)
         EXPECT_EQ(opacity(upper), std::vector{0x70000000U});
     }
     auto root = desktop.connection().root();
-    EXPECT_EQ(desktop.connection().numbers(root, "_QUORVEL_FADED"), kNone);
-    client.connection().setNumbers(root, "_QUORVEL_FADED", "CARDINAL", {1, 2});
+    EXPECT_EQ(desktop.connection().numbers(root, kNote), kNone);
+    client.connection().setNumbers(root, kNote, "CARDINAL", {1, 2});
     client.connection().sync();
     Bar last{server};
     EXPECT_TRUE(last.appears());
@@ -253,7 +313,7 @@ TEST_P(Raising, bringsAWindowToTheFrontAndPutsItBack)
     const auto id = *idOf(middle);
     desktop.minimise(middle);
     ASSERT_TRUE(runUntil([&] {
-        const bool isShown = host->services.peeking().showAlone(id);
+        const bool isShown = peeking().showAlone(id);
         return !isShown;
     }));
     EXPECT_TRUE(desktop.isHidden(middle));

@@ -38,6 +38,7 @@ DesktopPeeking::DesktopPeeking(const SharedModel& model, PeekRequests& requests)
 DesktopPeeking::~DesktopPeeking()
 {
     showAll();
+    fade(1);
 }
 
 std::optional<std::vector<WindowID>> DesktopPeeking::windowsBeside(WindowID id) const
@@ -64,6 +65,8 @@ bool DesktopPeeking::showAlone(WindowID window)
     }
     bool fades = m_requests.canFade();
     m_requests.setFaded(fades ? *others : std::vector<WindowID>{});
+    if (!fades)
+        fade(1);
     m_requests.setRaised(fades ? std::nullopt : std::optional{window});
     return true;
 }
@@ -72,6 +75,11 @@ void DesktopPeeking::showAll()
 {
     m_requests.setFaded({});
     m_requests.setRaised(std::nullopt);
+}
+
+bool DesktopPeeking::fade(double by)
+{
+    return m_requests.fade(by);
 }
 
 }

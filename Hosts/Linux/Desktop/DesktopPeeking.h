@@ -19,6 +19,7 @@ public:
 
     bool showAlone(WindowID) override;
     void showAll() override;
+    bool fade(double by) override;
 
 private:
     /// Absent if the window itself cannot be seen.

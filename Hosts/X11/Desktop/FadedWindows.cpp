@@ -1,6 +1,6 @@
 #include "Hosts/X11/Desktop/FadedWindows.h"
 
-#include <vector>
+#include <algorithm>
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/RequestBatch.h"
@@ -9,6 +9,23 @@
 namespace quorvel::xdg::x11 {
 
 namespace {
+
+constexpr std::uint32_t kOpaque = 0xFFFFFFFF;
+constexpr std::uint32_t kMark = 0x0000FFFF;
+
+bool isOurs(std::uint32_t opacity)
+{
+    return (opacity & kMark) == (FadedWindows::kOpacity & kMark);
+}
+
+/// Slow at both ends, like every motion of the bar.
+std::uint32_t opacityAt(double share, std::optional<std::uint32_t> before)
+{
+    double from = before.value_or(kOpaque);
+    double eased = share * share * (3 - 2 * share);
+    auto opacity = std::uint32_t(from + (FadedWindows::kOpacity - from) * eased);
+    return (opacity & ~kMark) | (FadedWindows::kOpacity & kMark);
+}
 
 /// Nobody else writes between what is read and what is written.
 class ServerGrab {
@@ -53,28 +70,66 @@ FadedWindows::FadedWindows(Connection& connection) : m_connection(connection)
 
 FadedWindows::~FadedWindows()
 {
-    set({});
+    set({}, [](xcb_window_t) { return false; });
+    fade(1);
     // A server may drop what it has not read yet of a connection that closes.
     auto* raw = m_connection.raw();
     owned(xcb_get_input_focus_reply(raw, xcb_get_input_focus(raw), nullptr)).reset();
 }
 
-void FadedWindows::set(const std::set<xcb_window_t>& wanted)
+void FadedWindows::set(
+    const std::set<xcb_window_t>& wanted, const std::function<bool(xcb_window_t)>& isSeen)
 {
-    NotedOpacities leaving;
-    for (auto& entry : m_before) {
-        if (!wanted.contains(entry.first))
-            leaving.insert(entry);
-    }
     auto coming = wanted;
-    std::erase_if(coming, [this](auto window) { return m_before.contains(window); });
-    if (leaving.empty() && coming.empty())
-        return;
-    ServerGrab grab{m_connection};
-    putBack(leaving);
-    for (auto& [window, opacity] : leaving)
-        m_before.erase(window);
-    fade(coming);
+    for (auto& [window, fading] : m_windows) {
+        fading.isWanted = coming.erase(window) > 0;
+        if (!fading.isWanted && !isSeen(window))
+            fading.share = 0;
+    }
+    if (!coming.empty())
+        add(coming);
+}
+
+/// They are noted before anything is written: if this program is killed in between, the note tells
+/// of windows that are as they were, which does no harm.
+void FadedWindows::add(const std::set<xcb_window_t>& windows)
+{
+    for (auto& [window, opacity] : read(windows)) {
+        bool isFaintAlready = opacity.value && *opacity.value <= kOpacity;
+        if (opacity.isUnderstood && !isFaintAlready)
+            m_windows[window] = {.before = opacity.value, .now = opacity.value};
+    }
+    note();
+}
+
+bool FadedWindows::fade(double by)
+{
+    std::set<xcb_window_t> moving;
+    for (auto& [window, fading] : m_windows) {
+        if (!fading.isThere() && (by > 0 || fading.isOver()))
+            moving.insert(window);
+    }
+    if (!moving.empty()) {
+        ServerGrab grab{m_connection};
+        auto count = m_windows.size();
+        for (auto& [window, opacity] : read(moving))
+            move(window, opacity.value, by);
+        if (m_windows.size() != count)
+            note();
+    }
+    return !std::ranges::all_of(m_windows, [](auto& entry) { return entry.second.isThere(); });
+}
+
+void FadedWindows::move(xcb_window_t window, std::optional<std::uint32_t> current, double by)
+{
+    auto& fading = m_windows.at(window);
+    fading.share = std::clamp(fading.share + (fading.isWanted ? by : -by), 0.0, 1.0);
+    if (current == fading.now) { // else its program has changed it since
+        fading.now = fading.isOver() ? fading.before : opacityAt(fading.share, fading.before);
+        write(window, fading.now);
+    }
+    if (fading.isOver())
+        m_windows.erase(window);
 }
 
 std::map<xcb_window_t, FadedWindows::Opacity> FadedWindows::read(
@@ -96,39 +151,26 @@ std::map<xcb_window_t, FadedWindows::Opacity> FadedWindows::read(
     return read;
 }
 
-/// The note comes first: if this program is killed in between, it tells of windows that are as they
-/// were, which does no harm.
-void FadedWindows::fade(const std::set<xcb_window_t>& windows)
+void FadedWindows::write(xcb_window_t window, std::optional<std::uint32_t> opacity) const
 {
-    std::vector<xcb_window_t> fading;
-    for (auto& [window, opacity] : read(windows)) {
-        bool isFaintAlready = opacity.value && *opacity.value <= kOpacity;
-        if (!opacity.isUnderstood || isFaintAlready)
-            continue;
-        m_before[window] = opacity.value;
-        fading.push_back(window);
-    }
-    note();
-    for (auto window : fading)
-        xcb_change_property(m_connection.raw(), XCB_PROP_MODE_REPLACE, window,
-            m_connection.atoms().netWmWindowOpacity, XCB_ATOM_CARDINAL, 32, 1, &kOpacity);
-}
-
-void FadedWindows::putBack(const NotedOpacities& opacities)
-{
-    std::set<xcb_window_t> windows;
-    for (auto& [window, before] : opacities)
-        windows.insert(window);
     auto* raw = m_connection.raw();
     auto property = m_connection.atoms().netWmWindowOpacity;
+    if (opacity)
+        xcb_change_property(
+            raw, XCB_PROP_MODE_REPLACE, window, property, XCB_ATOM_CARDINAL, 32, 1, &*opacity);
+    else
+        xcb_delete_property(raw, window, property);
+}
+
+/// Of what its program has changed since, nothing.
+void FadedWindows::putBack(const NotedOpacities& opacities) const
+{
+    std::set<xcb_window_t> windows;
+    for (auto& entry : opacities)
+        windows.insert(entry.first);
     for (auto& [window, now] : read(windows)) {
-        if (now.value != kOpacity)
-            continue; // its program has changed it since
-        if (auto& before = opacities.at(window))
-            xcb_change_property(
-                raw, XCB_PROP_MODE_REPLACE, window, property, XCB_ATOM_CARDINAL, 32, 1, &*before);
-        else
-            xcb_delete_property(raw, window, property);
+        if (now.value && isOurs(*now.value))
+            write(window, opacities.at(window));
     }
 }
 
@@ -137,9 +179,12 @@ void FadedWindows::note() const
     auto* raw = m_connection.raw();
     auto root = m_connection.root();
     auto property = m_connection.atoms().quorvelFaded;
-    if (m_before.empty())
+    if (m_windows.empty())
         return void(xcb_delete_property(raw, root, property));
-    auto words = encodeNotedOpacities(m_before);
+    NotedOpacities opacities;
+    for (auto& [window, fading] : m_windows)
+        opacities[window] = fading.before;
+    auto words = encodeNotedOpacities(opacities);
     xcb_change_property(raw, XCB_PROP_MODE_REPLACE, root, property, XCB_ATOM_CARDINAL, 32,
         static_cast<std::uint32_t>(words.size()), words.data());
 }

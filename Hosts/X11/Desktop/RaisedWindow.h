@@ -27,6 +27,8 @@ public:
 
     /// The one before goes back to its place; absent: that is all.
     void set(std::optional<WindowID>);
+    /// A window of a program that is on the screen, covered or not.
+    bool isSeen(const Client&) const;
 
 private:
     struct Raised {
@@ -39,7 +41,6 @@ private:
     std::vector<xcb_window_t> windowsAbove(const Client&);
     void raise(const Client&, Raised&);
     void putBack(const Raised&);
-    bool isSeen(const Client&) const;
     /// Null if none of them is there any more.
     const Client* nearest(const Raised&);
     void restackAbove(const Client&, const Client& sibling);

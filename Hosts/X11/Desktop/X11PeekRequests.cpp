@@ -33,7 +33,10 @@ void X11PeekRequests::setFaded(const std::vector<WindowID>& windows)
         if (auto* client = m_clients.find(id))
             faded.insert(client->window);
     }
-    m_faded.set(faded);
+    m_faded.set(faded, [this](xcb_window_t window) {
+        auto* client = m_clients.find(window);
+        return client && m_raised.isSeen(*client);
+    });
 }
 
 }

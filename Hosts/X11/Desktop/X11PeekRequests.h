@@ -14,6 +14,7 @@ public:
 
     bool canFade() const override;
     void setFaded(const std::vector<WindowID>&) override;
+    bool fade(double by) override { return m_faded.fade(by); }
     void setRaised(std::optional<WindowID> window) override { m_raised.set(window); }
 
 private:
