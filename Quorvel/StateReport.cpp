@@ -237,6 +237,8 @@ std::string_view nameOf(HotkeyManager::State state)
         return "registered";
     case HotkeyManager::State::taken:
         return "taken";
+    case HotkeyManager::State::doubled:
+        return "doubled";
     case HotkeyManager::State::failed:
         return "failed";
     }

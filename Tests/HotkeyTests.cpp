@@ -192,7 +192,7 @@ TEST_F(HotkeyTest, sendsTheBarAwayAndGetsItBackWhileBarsHide)
 
     set("hotkeyKeyCode=19");
     set("hotkeyModifiers=256");
-    EXPECT_EQ(report()["barHotkey"]["state"], "taken");
+    EXPECT_EQ(report()["barHotkey"]["state"], "doubled");
     set("hotkeyModifiers=null");
     EXPECT_EQ(report()["barHotkey"]["state"], "registered");
     set("numberKeys=false");

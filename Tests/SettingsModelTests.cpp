@@ -173,7 +173,8 @@ TEST_F(SettingsModelTest, theShortcutIsRecordedByEitherKindOfWindow)
 }
 
 // Faults: one row records for the other, or both at once; both shortcuts on the same keys act, or
-// which of them does depends on the order; the second is not free once the first has gone.
+// which of them does depends on the order, or another program is blamed; the second is not free
+// once the first has gone.
 TEST_F(SettingsModelTest, theListOfWindowsHasAShortcutBesideTheFirstOne)
 {
     open(R"({"hotkeyKeyCode": 49, "hotkeyModifiers": 2048})");
@@ -185,7 +186,7 @@ TEST_F(SettingsModelTest, theListOfWindowsHasAShortcutBesideTheFirstOne)
     EXPECT_TRUE(model->keyPressed(49, KeyModifier::option));
     EXPECT_EQ(model->recordingRow().value(), "");
     EXPECT_EQ(settings->data().value().more.findKeyCode, 49U);
-    EXPECT_EQ(shown("findHotkey").status, "Taken by another program");
+    EXPECT_EQ(shown("findHotkey").status, "Taken by another shortcut of Quorvel");
     EXPECT_EQ(shown("hotkey").status, "");
     EXPECT_THAT(desktop.hotkeys().registered(), SizeIs(1));
 
@@ -193,7 +194,7 @@ TEST_F(SettingsModelTest, theListOfWindowsHasAShortcutBesideTheFirstOne)
     EXPECT_EQ(shown("findHotkey").text, "⌘K");
     EXPECT_THAT(desktop.hotkeys().registered(), SizeIs(2));
     EXPECT_EQ(apply(Change::Record{{{40, HotkeyModifier::command}}}), "");
-    EXPECT_EQ(shown("findHotkey").status, "Taken by another program");
+    EXPECT_EQ(shown("findHotkey").status, "Taken by another shortcut of Quorvel");
     EXPECT_EQ(apply(Change::Record{}), "");
     EXPECT_EQ(shown("findHotkey").status, "");
     EXPECT_EQ(apply(Change::Record{{}, "theme"}), "The running bar has no such setting.");
@@ -214,7 +215,7 @@ TEST_F(SettingsModelTest, theBarHasAShortcutWhileItHides)
     EXPECT_EQ(apply(record), "");
     EXPECT_EQ(settings->data().value().more.barKeyCode, 40U);
     EXPECT_EQ(shown().text, "⌘K");
-    EXPECT_EQ(shown().status, "Taken by another program");
+    EXPECT_EQ(shown().status, "Taken by another shortcut of Quorvel");
     EXPECT_EQ(apply(Change::Record{{}, "findHotkey"}), "");
     EXPECT_EQ(shown().status, "");
     EXPECT_THAT(desktop.hotkeys().registered(), SizeIs(1));

@@ -145,7 +145,7 @@ void HotkeyManager::reregister()
 void HotkeyManager::updateState()
 {
     if (!m_hotkeyRef)
-        return m_state.set(m_hotkeys && isLeftToEarlier() ? State::taken : State::none);
+        return m_state.set(m_hotkeys && isLeftToEarlier() ? State::doubled : State::none);
     switch (m_hotkeyRef->outcome()) {
     case HotkeyOutcome::registered:
         return m_state.set(State::registered);

@@ -30,7 +30,8 @@ public:
     enum class State {
         none, ///< there is no shortcut, nobody needs it, or it is suspended
         registered,
-        taken, ///< another program has it, or an earlier manager
+        taken, ///< another program has it
+        doubled, ///< an earlier manager has it
         failed, ///< the system refuses it
     };
 

@@ -25,6 +25,8 @@ std::string statusText(HotkeyManager::State state)
     switch (state) {
     case HotkeyManager::State::taken:
         return tr("Taken by another program");
+    case HotkeyManager::State::doubled:
+        return tr("Taken by another shortcut of Quorvel");
     case HotkeyManager::State::failed:
         return tr("The system refuses this shortcut");
     case HotkeyManager::State::none:
