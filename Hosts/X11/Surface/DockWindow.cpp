@@ -89,7 +89,9 @@ void DockWindow::describe()
     setSizeHints();
 }
 
-/// openbox and icewm place a dock without these at the top.
+/// openbox and icewm place a dock without these at the top. A manager reads the newest ones while
+/// it answers an older request: one that demanded the height which a sliding bar has by then would
+/// have it hang over its edge for a moment.
 void DockWindow::setSizeHints()
 {
     auto x = static_cast<std::int32_t>(m_frame.x);
@@ -99,7 +101,7 @@ void DockWindow::setSizeHints()
     xcb_size_hints_t hints{};
     xcb_icccm_size_hints_set_position(&hints, 1, x, y);
     xcb_icccm_size_hints_set_size(&hints, 1, width, height);
-    xcb_icccm_size_hints_set_min_size(&hints, width, height);
+    xcb_icccm_size_hints_set_min_size(&hints, width, 1);
     xcb_icccm_size_hints_set_max_size(&hints, width, height);
     xcb_icccm_size_hints_set_win_gravity(&hints, XCB_GRAVITY_STATIC);
     xcb_icccm_set_wm_normal_hints(m_connection.raw(), m_window, &hints);
