@@ -127,6 +127,20 @@ TEST_F(WindowAvoidanceTest, measuresEachBarOnItsOwnDisplay)
     EXPECT_EQ(frame(window), onSecond);
 }
 
+// Fault: a window that is maximised just then is too short, by as much as it has moved up.
+TEST_F(WindowAvoidanceTest, measuresAWindowWhereItIsByThen)
+{
+    auto maximised = open({10, 200, 500, 690});
+    auto clear = open({10, 200, 500, 690});
+    store.populate();
+    manager->adjustNow();
+    desktop.place(maximised, {0, 0, 1440, 900});
+    desktop.place(clear, {10, 100, 500, 690});
+    desktop.drain();
+    EXPECT_EQ(frame(maximised), (Rect{0, 0, 1440, kLimit}));
+    EXPECT_EQ(frame(clear), (Rect{10, 100, 500, 690}));
+}
+
 // One application that hangs must not keep the bar, nor the windows of others, waiting.
 TEST_F(WindowAvoidanceTest, aHungApplicationCostsTheQueueOneTimeOut)
 {

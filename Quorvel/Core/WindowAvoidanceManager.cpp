@@ -25,29 +25,40 @@ public:
         if (!m_axGetWindow)
             return asked;
         const AXCalls::Scan scan{m_calls};
-        std::ranges::copy_if(windows, std::back_inserter(asked), [this](auto& window) {
-            return resizeWindowViaAX(window.windowID, window.pid, window.newHeight);
-        });
+        std::ranges::copy_if(windows, std::back_inserter(asked),
+            [this](auto& window) { return resizeWindowViaAX(window); });
         return asked;
     }
 
 private:
-    bool resizeWindowViaAX(WindowID windowID, ProcessID pid, double newHeight)
+    bool resizeWindowViaAX(const Resize& resize)
     {
         bool isAsked = false;
-        const auto elements = m_calls.windows(pid);
+        const auto elements = m_calls.windows(resize.pid);
         if (!elements)
             return isAsked;
         for (auto& element : *elements) {
             WindowID id{};
-            if (m_axGetWindow(element, id) != AXError::success || id != windowID)
-                continue;
-            if (auto size = m_calls.read<Size>(pid, element, ax::size))
-                isAsked
-                    |= m_calls.setAttribute(pid, element, ax::size, Size{size->width, newHeight})
-                    != AXError::cannotComplete;
+            if (m_axGetWindow(element, id) == AXError::success && id == resize.windowID)
+                isAsked |= resizeElement(element, resize);
         }
         return isAsked;
+    }
+
+    /// The window may be elsewhere by now, with news of that still to come: one that has just been
+    /// maximised would be too short by as much as it has moved up.
+    bool resizeElement(const AXElement& element, const Resize& resize)
+    {
+        const auto size = m_calls.read<Size>(resize.pid, element, ax::size);
+        if (!size)
+            return false;
+        const auto place = m_calls.read<Point>(resize.pid, element, ax::position);
+        const double top = place ? place->y : resize.frame.y;
+        const double height = resize.frame.y + resize.newHeight - top;
+        if (height < kLowestHeight || size->height <= height)
+            return false;
+        return m_calls.setAttribute(resize.pid, element, ax::size, Size{size->width, height})
+            != AXError::cannotComplete;
     }
 
     AXCalls m_calls;
