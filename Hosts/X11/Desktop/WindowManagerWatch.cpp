@@ -27,14 +27,13 @@ bool WindowManagerWatch::handle(const xcb_generic_event_t* event)
         auto* destroyed = reinterpret_cast<const xcb_destroy_notify_event_t*>(event);
         if (destroyed->window != m_checkWindow || m_checkWindow == XCB_WINDOW_NONE)
             return false;
-        m_connection.forgetWindow(m_checkWindow);
-        managerDidGo();
+        m_connection.forgetWindow(std::exchange(m_checkWindow, XCB_WINDOW_NONE));
+        m_state = State::absent;
+        m_isLeaving = false;
         return true;
     }
-    if (!isManagerSelectionLost(event))
-        return false;
-    managerDidGo();
-    return true;
+    return selectionOf(event, m_selectionEvent) == m_connection.atoms().wmS0
+        && selectionDidChange(selectionOwnerIn(event));
 }
 
 bool WindowManagerWatch::handle(const xcb_property_notify_event_t& change)
@@ -49,10 +48,28 @@ bool WindowManagerWatch::handle(const xcb_property_notify_event_t& change)
     return true;
 }
 
-bool WindowManagerWatch::isManagerSelectionLost(const xcb_generic_event_t* event) const
+bool WindowManagerWatch::selectionDidChange(xcb_window_t owner)
 {
-    return selectionOf(event, m_selectionEvent) == m_connection.atoms().wmS0
-        && selectionOwnerIn(event) == XCB_WINDOW_NONE;
+    if (m_checkWindow == XCB_WINDOW_NONE)
+        return false;
+    bool isOwner = isOfSameClient(owner);
+    // The other one has given up. A manager that never owned the selection does not give way to it.
+    if (m_isLeaving && (isOwner || owner == XCB_WINDOW_NONE)) {
+        m_isLeaving = false;
+        m_isCheckStale = true;
+        return true;
+    }
+    if (isOwner)
+        return false;
+    m_isLeaving = true;
+    m_state = State::absent;
+    return true;
+}
+
+bool WindowManagerWatch::isOfSameClient(xcb_window_t owner) const
+{
+    auto clientMask = ~xcb_get_setup(m_connection.raw())->resource_id_mask;
+    return ((owner ^ m_checkWindow) & clientMask) == 0;
 }
 
 void WindowManagerWatch::update()
@@ -76,7 +93,8 @@ void WindowManagerWatch::verify()
 {
     auto window = readCheckWindow();
     bool isFirstLook = std::exchange(m_isFirstLook, false);
-    if (window == XCB_WINDOW_NONE || (window == m_checkWindow && m_state == State::present))
+    bool isKnown = window == m_checkWindow && (m_state == State::present || m_isLeaving);
+    if (window == XCB_WINDOW_NONE || isKnown)
         return;
     managerDidCome(window);
     if (isFirstLook)
@@ -110,15 +128,12 @@ xcb_window_t WindowManagerWatch::readCheckWindow()
     return XCB_WINDOW_NONE;
 }
 
-void WindowManagerWatch::managerDidGo()
-{
-    m_state = State::absent;
-    m_checkWindow = XCB_WINDOW_NONE;
-}
-
 void WindowManagerWatch::managerDidCome(xcb_window_t window)
 {
-    m_checkWindow = window;
+    auto last = std::exchange(m_checkWindow, window);
+    if (last != window && last != XCB_WINDOW_NONE)
+        m_connection.forgetWindow(last); // its end will not be seen, and its number may come back
+    m_isLeaving = false;
     m_state = State::returning;
     m_cameAt = m_listChangedAt = m_dispatch.now();
 }

@@ -14,8 +14,9 @@ class Connection;
 ///
 /// A manager is present once the check property of the root names a window that names itself. It is
 /// gone when that window is destroyed or nobody owns `WM_S0`; what it wrote on the root may remain.
-/// A successor rebuilds its list client by client, so it is relied on only when the list has
-/// settled. Main thread.
+/// Once another client owns `WM_S0` it is not relied on either: it is to end (ICCCM 2.8), but
+/// empties its list first, and a busy machine may take long over the rest. A successor rebuilds its
+/// list client by client, so it is relied on only when the list has settled. Main thread.
 class WindowManagerWatch {
 public:
     static constexpr auto kListRest = std::chrono::milliseconds{100};
@@ -39,14 +40,15 @@ private:
     void verify();
     bool handle(const xcb_property_notify_event_t&);
     xcb_window_t readCheckWindow();
-    void managerDidGo();
     void managerDidCome(xcb_window_t);
-    bool isManagerSelectionLost(const xcb_generic_event_t*) const;
+    bool selectionDidChange(xcb_window_t owner);
+    bool isOfSameClient(xcb_window_t owner) const;
 
     Connection& m_connection;
     Dispatch& m_dispatch;
     State m_state = State::absent;
-    xcb_window_t m_checkWindow = XCB_WINDOW_NONE;
+    xcb_window_t m_checkWindow = XCB_WINDOW_NONE; ///< of the last manager, until it is destroyed
+    bool m_isLeaving = false; ///< it has lost `WM_S0`, and its window is still there
     xcb_window_t m_candidate = XCB_WINDOW_NONE; ///< named on the root, perhaps not yet by itself
     bool m_isCheckStale = true;
     bool m_isFirstLook = true;
