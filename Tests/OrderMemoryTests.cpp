@@ -384,6 +384,28 @@ TEST_F(OrderMemoryTest, closedWindowsAreForgottenHoweverOftenTheirDisplayComesBa
         EXPECT_LE(space.windows.size(), 1U);
 }
 
+// Faults: windows that come and go without end crowd those that are there out of the file.
+TEST_F(OrderMemoryTest, closedWindowsLeaveRoomForOthers)
+{
+    start();
+    std::vector<WindowID> jobs;
+    for (std::size_t i = 0; i < 2 * OrderLimits::windows; ++i)
+        jobs.push_back(open(terminal, "job"));
+    settle();
+    for (auto job : jobs) {
+        desktop.close(job);
+        desktop.advance(seconds(0.05));
+    }
+    open(editor, "late");
+    settle();
+    desktop.program().willTerminate.emit();
+    const auto orders = decodeOrders(*desktop.files().bytes(FakeFiles::kOrderFile));
+    ASSERT_TRUE(orders);
+    const auto& windows = orders->front().spaces.front().windows;
+    EXPECT_EQ(windows.size(), SpacePlaces::kMostVacant + 1);
+    EXPECT_EQ(std::ranges::count(windows, "late", &RememberedWindow::title), 1);
+}
+
 // Faults: what is known of a space stays behind when it goes, and is believed of another one with
 // its number; a display comes back without the windows in front of its groups; displays on which
 // there was never a window make the bar forget the others.

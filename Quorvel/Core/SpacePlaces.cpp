@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "Quorvel/Core/ChipGroups.h"
@@ -141,14 +142,32 @@ void SpacePlaces::forgetGoneWindows()
     }
     std::erase_if(m_places,
         [now](auto& place) { return !place.window && place.until && *place.until <= now; });
+    limitVacant();
     m_arranged.clear();
+}
+
+/// A program that opens and closes windows without end must not crowd out those that are there.
+void SpacePlaces::limitVacant()
+{
+    std::vector<Instant> ends;
+    for (auto& place : m_places) {
+        if (!place.window && place.until)
+            ends.push_back(*place.until);
+    }
+    if (std::ssize(ends) <= kMostVacant)
+        return;
+    auto earliest = ends.end() - kMostVacant;
+    std::ranges::nth_element(ends, earliest);
+    std::erase_if(m_places,
+        [&](auto& place) { return !place.window && place.until && *place.until < *earliest; });
 }
 
 void SpacePlaces::recogniseNumbers(const std::vector<ChipData>& chips)
 {
+    const auto placed = placedWindows();
     std::map<std::string, std::string> newIDs;
     for (auto& chip : chips) {
-        if (placeHolding(chip.id))
+        if (placed.contains(chip.id))
             continue;
         auto number = m_services.windowServer.nativeWindowNumber(chip.id);
         auto* place = number ? placeByNumber(chip, *number) : nullptr;
@@ -241,8 +260,9 @@ void SpacePlaces::occupy(
 /// Last; while all stand by their numbers, by its own.
 void SpacePlaces::addNew(const std::vector<ChipData>& chips)
 {
+    const auto placed = placedWindows();
     for (auto& chip : chips) {
-        if (placeHolding(chip.id))
+        if (placed.contains(chip.id))
             continue;
         auto before = m_hasOwnOrder
             ? m_places.rbegin()
@@ -270,6 +290,16 @@ RememberedWindow SpacePlaces::stored(const ChipData& chip) const
         .application = rememberedText(groupKey(chip)),
         .role = rememberedText(m_services.windowServer.windowRole(chip.id).value_or("")),
         .title = rememberedText(chip.windowTitle)};
+}
+
+std::unordered_set<WindowID> SpacePlaces::placedWindows() const
+{
+    std::unordered_set<WindowID> placed;
+    for (auto& place : m_places) {
+        if (place.window)
+            placed.insert(*place.window);
+    }
+    return placed;
 }
 
 SpacePlaces::Place* SpacePlaces::placeHolding(WindowID window)

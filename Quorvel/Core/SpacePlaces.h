@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "Quorvel/Core/DisplayItem.h"
@@ -40,6 +41,8 @@ public:
     static constexpr Duration kReturnTime = seconds(600);
     /// How long the place of a closed window is kept.
     static constexpr Duration kClosedTime = seconds(120);
+    /// Of more places without a window, those that would be given up first go.
+    static constexpr std::ptrdiff_t kMostVacant = 250;
 
     SpacePlaces(const PlaceServices& services, SpaceIdentity identity)
         : m_services(services)
@@ -85,6 +88,7 @@ private:
 
     bool isSeeking() const;
     void forgetGoneWindows();
+    void limitVacant();
     void recogniseNumbers(const std::vector<ChipData>&);
     Place* placeByNumber(const ChipData&, std::uint32_t number);
     /// Windows that are like others, and the places where one like them is sought.
@@ -100,6 +104,7 @@ private:
     static void describe(RememberedWindow&, const ChipData&);
     RememberedWindow stored(const ChipData&) const;
     void occupy(Place&, const ChipData&, std::map<std::string, std::string>& newIDs);
+    std::unordered_set<WindowID> placedWindows() const;
     Place* placeHolding(WindowID);
     std::vector<const ChipData*> inOrder(const std::vector<ChipData>&) const;
 
