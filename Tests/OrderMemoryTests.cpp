@@ -389,7 +389,7 @@ TEST_F(OrderMemoryTest, closedWindowsLeaveRoomForOthers)
 {
     start();
     std::vector<WindowID> jobs;
-    for (std::size_t i = 0; i < 2 * OrderLimits::windows; ++i)
+    for (std::ptrdiff_t i = 0; i < SpacePlaces::kMostVacant + 50; ++i)
         jobs.push_back(open(terminal, "job"));
     settle();
     for (auto job : jobs) {
