@@ -249,8 +249,10 @@ void DisplayWindow::paint()
     auto parts = m_damage.take(m_window ? Rect::from({}, m_contentSize) : Rect{});
     if (!m_shown || !m_window || m_buffer->isEmpty())
         return;
+    // Asked for once: after a part is sent it would wait for the server to have read that.
+    auto* surface = m_buffer->surface();
     for (auto& part : parts) {
-        paintPart(m_context, m_shown->client(), m_buffer->surface(), part, m_shown->ground());
+        paintPart(m_context, m_shown->client(), surface, part, m_shown->ground());
         m_buffer->copyTo(m_window->id(), part);
     }
     m_hasContent = true;
