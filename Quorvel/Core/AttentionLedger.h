@@ -21,6 +21,8 @@ public:
     struct Suppressed {
         std::string bundleID;
         Duration age{}; ///< since the acknowledgement
+
+        friend bool operator==(const Suppressed&, const Suppressed&) = default;
     };
 
     /// Takes the current requests and running applications. Returns the acknowledged requests that

@@ -100,6 +100,9 @@ void BadgeService::fetchAndPublish()
     poll.suppressed = fetchAttention(records, now);
     poll.attention = m_ledger.attentionByBundleID();
     poll.attentionWindows = m_ledger.attentionWindows();
+    if (poll == m_published)
+        return; // the main thread may sleep on
+    m_published = poll;
     onMain([poll = std::move(poll)](BadgeService& self) {
         self.traceSuppressed(poll.suppressed);
         self.m_badgesByBundleID.set(poll.badges);
@@ -158,6 +161,7 @@ std::optional<BadgeService::LSAppInfoResult> BadgeService::runLSAppInfo(
 
 void BadgeService::publishAttention()
 {
+    m_published.reset();
     onMain([attention = m_ledger.attentionByBundleID(), windows = m_ledger.attentionWindows()](
                BadgeService& self) {
         self.m_attentionWindows.set(windows);
@@ -198,6 +202,7 @@ void BadgeService::clearAttentionOnQueue(
     if (namesWindows)
         return publishAttention();
     m_ledger.acknowledge(bundleID, m_dispatch.now());
+    m_published.reset();
     // First, so that the chip does not wait for the tool.
     onMain([bundleID](BadgeService& self) {
         auto attention = self.m_attentionByBundleID.value();

@@ -78,6 +78,8 @@ private:
         std::vector<AttentionLedger::Suppressed> suppressed;
         std::set<std::string> attention;
         std::set<WindowID> attentionWindows;
+
+        friend bool operator==(const Poll&, const Poll&) = default;
     };
 
     // On the queue.
@@ -108,6 +110,8 @@ private:
     Published<std::map<std::string, double>> m_progressByBundleID;
 
     AttentionLedger m_ledger; ///< used on the queue only
+    /// What the last poll found, if nothing else has been published since; used on the queue only.
+    std::optional<Poll> m_published;
     WorkItem m_timerSource; ///< used on the queue only
     bool m_isStarted = false;
     Instant m_lastHintedPoll;
