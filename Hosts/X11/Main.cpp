@@ -18,6 +18,7 @@
 #include "Hosts/Linux/Applications/Icons.h"
 #include "Hosts/Linux/Applications/XdgFolders.h"
 #include "Hosts/Linux/Desktop/SettingsProgram.h"
+#include "Hosts/Linux/Drawing/TextShaper.h"
 #include "Hosts/Linux/Gettext.h"
 #include "Hosts/Linux/Loop/FdSource.h"
 #include "Hosts/Linux/Loop/GLibDispatch.h"
@@ -132,6 +133,7 @@ int main(int count, char** values)
     xdg::useGettext();
     xdg::x11::Display display;
     auto open = [&](std::string& problem) {
+        xdg::TextShaper::beginReadingFonts();
         display.connection = xdg::x11::Connection::open(problem);
         return display.connection != nullptr;
     };

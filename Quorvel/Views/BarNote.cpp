@@ -58,12 +58,16 @@ void BarNote::setRoom(const Rect& room, bool isRightToLeft)
 
 void BarNote::place()
 {
-    TextStyle style;
-    style.size = BarNoteStyle::fontSize;
-    double wanted = std::ceil(m_measure.measure(m_text, style).width);
-    double width = m_text.empty() ? 0 : std::min(m_room.width, wanted + 2 * BarNoteStyle::inset);
+    double width = m_text.empty() ? 0 : std::min(m_room.width, widthOfText());
     auto inner = m_room.inset(0, BarNoteStyle::margin);
     setFrame({m_isRightToLeft ? inner.x : inner.maxX() - width, inner.y, width, inner.height});
+}
+
+double BarNote::widthOfText() const
+{
+    TextStyle style;
+    style.size = BarNoteStyle::fontSize;
+    return std::ceil(m_measure.measure(m_text, style).width) + 2 * BarNoteStyle::inset;
 }
 
 void BarNote::paint(Canvas& canvas) const

@@ -36,6 +36,7 @@ public:
 private:
     void paint(Canvas&) const override;
     void place();
+    double widthOfText() const;
 
     const Text& m_measure;
     Queue& m_main;

@@ -95,6 +95,11 @@ TextShaper::TextShaper()
     pango_layout_set_auto_dir(m_layout.get(), true);
 }
 
+void TextShaper::beginReadingFonts()
+{
+    pango_cairo_font_map_get_default();
+}
+
 void TextShaper::setFont(const std::string& description)
 {
     PangoFontHandle font{pango_font_description_from_string(description.c_str())};

@@ -28,6 +28,10 @@ class TextShaper {
 public:
     TextShaper();
 
+    /// Lets a thread of Pango's read which fonts there are, which takes longer than all else that
+    /// a bar needs before it can be painted. The first shaper waits for it.
+    static void beginReadingFonts();
+
     /// A font description for Pango, of which only the family is used; empty: the system's own.
     void setFont(const std::string& description);
     LineMetrics metrics(double size, FontWeight, double scale);
