@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kMostEntries = 20000;
 constexpr std::size_t kMostFolders = 500;
 constexpr std::string_view kEnding = ".desktop";
-/// Shorter, it is too little to go by.
+/// In bytes: a shorter name says too little to identify an application.
 constexpr std::size_t kShortestCompactName = 3;
 
 char similarLetter(char letter)
