@@ -4,8 +4,9 @@
 
 namespace quorvel::xdg {
 
-/// Functions of a library that is not linked but loaded when first needed: it stays loaded, since
-/// GObject cannot forget a type. Remembers whether all of them were found.
+/// Functions of a library that is not linked, which would cost every bar memory that few users
+/// need, but loaded when first needed: it stays loaded, since GObject cannot forget a type.
+/// Remembers whether all of them were found.
 class LibrarySymbols {
 public:
     explicit LibrarySymbols(const char* library)

@@ -17,7 +17,8 @@ class AutoHide {
 public:
     /// From when a window takes its place, or the last thing ends that kept it in.
     static constexpr Duration kGoesAfter = seconds(0.5);
-    /// How long the pointer rests at the edge: who only comes across it is sooner gone.
+    /// How long the pointer rests at the edge: who only comes across it is sooner gone. At the
+    /// first touch, the bar would come at each scroll bar's lower end.
     static constexpr Duration kRestsFor = seconds(0.2);
     /// Within this the pointer that called the bar has to reach it.
     static constexpr Duration kStaysForEdge = seconds(0.5);

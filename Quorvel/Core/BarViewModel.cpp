@@ -151,6 +151,9 @@ BarViewModel::FocusDecision BarViewModel::resolveFocus()
         keys = fmt::format(" pk={} sk={}", sanitizeLogField(groupKey(*pending)),
             focused ? sanitizeLogField(groupKey(*focused)) : "nil");
     if (focused && groupKey(*focused) != groupKey(*pending)) {
+        // The window that had the focus at the click still has it, so the system has not answered.
+        // Taken for the user's going elsewhere, this darkened one clicked chip in six while many
+        // windows changed.
         if (m_focusBeforePending.contains(*store))
             return {m_pendingFocusedWindowID, "pending-preserved-unanswered", std::move(keys)};
         return follow("pending-abandoned-different-app", std::move(keys));

@@ -15,7 +15,8 @@ namespace quorvel {
 ///
 /// It captures one window at a time, the one that has waited longest, and then rests for several
 /// times as long as that takes. So what it costs is bounded by a share of the time, whatever the
-/// machine, and however many and large the windows are: more windows are captured less often.
+/// machine, and however many and large the windows are: more windows are captured less often. A
+/// rate for each window would be too slow for a small one and too much for eight large ones.
 class ThumbnailFollower {
 public:
     /// Between two pictures of one window.

@@ -22,7 +22,8 @@ class Connection;
 class DrawingWatch {
 public:
     /// Windows that the server only draws on the screen are not reported where they are covered:
-    /// while a client is watched, somebody holds it as a picture of its own.
+    /// while a client is watched, somebody holds it as a picture of its own. Held for each capture
+    /// alone, it would draw itself for that, which would be reported and captured again.
     struct Holder {
         std::function<void(xcb_window_t)> hold;
         std::function<void(xcb_window_t)> letGo;

@@ -22,12 +22,12 @@ class Keyboard;
 /// Shortcuts as passive grabs on the root window: by the place of the key, so that they survive a
 /// change of layout, and for every state of Caps, Num and Scroll Lock.
 ///
-/// A grab that another program has is refused, and the server does not tell when it becomes free.
-/// It is asked for again when the window manager or the keyboard's map changes, when a shortcut of
-/// our own goes, and, at most every few seconds, when another window becomes the active one:
-/// programs that come and go, or lose a shortcut in their settings, bring that about. While this
-/// program itself holds the keyboard no passive grab works; its holder asks `takes` about each
-/// press. Main thread.
+/// A grab that another program has is refused (one of XInput 2 would take the key from it), and the
+/// server does not tell when it becomes free. It is asked for again when the window manager or the
+/// keyboard's map changes, when a shortcut of our own goes, and, at most every few seconds, when
+/// another window becomes the active one: programs that come and go, or lose a shortcut in their
+/// settings, bring that about. While this program itself holds the keyboard no passive grab works;
+/// its holder asks `takes` about each press. Main thread.
 class HotKeys final : public Hotkeys {
 public:
     HotKeys(Connection&, Dispatch&, Keyboard&);

@@ -25,7 +25,8 @@ enum class KeyboardHold {
 /// Which surface of this program receives all keys and, for a menu, everything the pointer does.
 /// Grabs nest: the newest one receives, and when it ends, the one before it does again. The focus
 /// stays where it is: the programs' windows keep their look, and the window manager notices
-/// nothing. Main thread; outlives the grabs.
+/// nothing. Some managers would refuse to give it, and xfwm4 does not give it back. Main thread;
+/// outlives the grabs.
 class InputGrabs {
 public:
     /// The hold of one surface. Destroying it ends the hold without a callback.
