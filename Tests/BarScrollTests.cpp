@@ -111,6 +111,33 @@ TEST_F(BarScrollTest, moreChipsThanFitScroll)
     EXPECT_FALSE(chipFrame(inbox)->isEmpty());
 }
 
+// Faults: an upright notch within a sideways swipe, which X11 reports in notches too, switches the
+// space; a sideways one within an upright turn scrolls the row; a turn after a pause is still taken
+// for the swipe before.
+TEST_F(BarScrollTest, ofNotchesWithoutAPauseTheLargerAxisDecides)
+{
+    auto notch = [this](double x, double y) {
+        panel().scroll({.location = hand, .deltaX = x, .deltaY = y});
+        desktop.advance(seconds(0.1));
+        return chipFrame(many[20]);
+    };
+    auto current = [this] { return desktop.model().displays.front().current; };
+    auto place = notch(0, 1); // there is no space beyond
+    notch(0, 1);
+    EXPECT_EQ(notch(-1, 0), place);
+    desktop.advance(ScrollGesture::kPause);
+    EXPECT_NE(notch(-1, 0), place);
+    notch(-1, 0);
+    notch(0, -1);
+    notch(-1, 0);
+    notch(0, -1);
+    notch(0, -1);
+    EXPECT_EQ(current(), SpaceID{1});
+    desktop.advance(ScrollGesture::kPause);
+    notch(0, -1);
+    EXPECT_EQ(current(), SpaceID{2});
+}
+
 // Faults: in a row that is scrolled to its end the chips move when the last one closes; an arrow
 // goes from under the pointer, so that the next click meets a chip.
 TEST_F(BarScrollTest, aScrolledRowHoldsStillUnderThePointer)

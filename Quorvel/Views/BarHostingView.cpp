@@ -239,15 +239,8 @@ void BarHostingView::scrollEvent(const ScrollEvent& event)
     auto path = m_content ? m_content->pathTo(event.location) : std::vector<View*>{};
     if (std::any_of(path.rbegin(), path.rend(), [&](auto* view) { return view->scrolled(event); }))
         return;
-    auto scroll = m_scroll.handle(event);
-    if (scroll.step != 0 && onScroll) {
-        auto step = event;
-        step.deltaY = scroll.step;
-        onScroll(step);
-    }
-    if (scroll.sideways != 0 && onScrollSideways)
-        onScrollSideways(
-            isRightToLeft && isRightToLeft() ? scroll.sideways : -scroll.sideways, event.unit);
+    if (onScroll)
+        onScroll(event);
 }
 
 bool BarHostingView::dropEvent(const DropEvent& event)

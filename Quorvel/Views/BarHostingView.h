@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "Quorvel/Platform/Surfaces.h"
-#include "Quorvel/Views/Kit/ScrollGesture.h"
 #include "Quorvel/Views/Kit/View.h"
 
 namespace quorvel {
@@ -32,10 +31,8 @@ public:
     void setContent(std::unique_ptr<View>);
     View* content() const { return m_content.get(); }
 
-    /// One step upwards or downwards.
+    /// A scroll that no view under the pointer has taken.
     std::function<void(const ScrollEvent&)> onScroll;
-    /// A distance towards the trailing end.
-    std::function<void(double distance, ScrollUnit)> onScrollSideways;
     /// The pointer entered the surface or left it.
     std::function<void(bool)> onHoverChanged;
     /// The deepest view under the pointer that takes it is another one now, or there is none: null.
@@ -119,7 +116,6 @@ private:
     View* m_pressed = nullptr;
     Point m_pressPlace;
     bool m_hasKeyboardForDrag = false;
-    ScrollGesture m_scroll;
     View* m_filesOver = nullptr;
     bool m_areFilesHere = false; ///< over a view that takes them or not
     bool m_hasKeyboard = false;

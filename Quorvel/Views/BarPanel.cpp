@@ -17,14 +17,7 @@ BarPanel::BarPanel(
     , m_slide(platform, *m_surface)
 {
     m_hostingView.attach(*m_surface);
-    m_hostingView.onScroll = [this](const ScrollEvent& event) {
-        if (onScroll)
-            onScroll(event);
-    };
-    m_hostingView.onScrollSideways = [this](double distance, ScrollUnit unit) {
-        if (m_content)
-            m_content->scrollSideways(distance, unit);
-    };
+    m_hostingView.onScroll = [this](const ScrollEvent& event) { scroll(event); };
     m_hostingView.onKeyboardWanted
         = [this] { return m_surface->isVisible() && m_surface->takeKeyboard(); };
     m_hostingView.onKeyboardChanged = [this](bool hasKeyboard) {
@@ -49,6 +42,19 @@ BarPanel::~BarPanel()
     m_hostingView.onKeyboardChanged = nullptr;
     m_hostingView.onPointedAt = nullptr;
     m_hostingView.setContent(nullptr);
+}
+
+void BarPanel::scroll(const ScrollEvent& event)
+{
+    auto [step, sideways] = m_scroll.handle(event, m_platform.dispatch.now());
+    if (step != 0 && onScroll) {
+        auto upright = event;
+        upright.deltaY = step;
+        onScroll(upright);
+    } else if (sideways != 0 && m_content) {
+        bool isMirrored = m_content->isRightToLeft();
+        m_content->scrollSideways(isMirrored ? sideways : -sideways, event.unit);
+    }
 }
 
 void BarPanel::setAllowBecomeKey(bool isAllowed)

@@ -7,6 +7,7 @@
 #include "Quorvel/Views/BarContentView.h"
 #include "Quorvel/Views/BarHostingView.h"
 #include "Quorvel/Views/BarSlide.h"
+#include "Quorvel/Views/Kit/ScrollGesture.h"
 #include "Quorvel/Views/Tooltips.h"
 
 namespace quorvel {
@@ -44,6 +45,7 @@ public:
 
 private:
     std::unique_ptr<BarContentView> makeContentView(const BarContents&);
+    void scroll(const ScrollEvent&);
     void updateKeying();
     void updateNumbers();
     void tellUse() const;
@@ -53,6 +55,7 @@ private:
     BarHostingView m_hostingView;
     BarContentView* m_content = nullptr;
     std::unique_ptr<PanelSurface> m_surface; ///< after the hosting view, which it calls
+    ScrollGesture m_scroll;
     Tooltips m_tooltips;
     BarSlide m_slide;
     bool m_allowBecomeKey = false;

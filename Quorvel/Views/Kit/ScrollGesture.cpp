@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-ScrollGesture::Meaning ScrollGesture::handle(const ScrollEvent& event)
+ScrollGesture::Meaning ScrollGesture::handle(const ScrollEvent& event, Instant now)
 {
     if (event.phase == ScrollPhase::began) {
         m_isUnderWay = true;
@@ -18,7 +18,23 @@ ScrollGesture::Meaning ScrollGesture::handle(const ScrollEvent& event)
     // Momentum goes on with what its gesture was.
     if (event.isMomentum)
         return {.sideways = m_axis == ScrollAxis::horizontal ? event.deltaX : 0};
-    if (event.axis() == ScrollAxis::horizontal)
+    return handleNotch(event, now);
+}
+
+ScrollGesture::Meaning ScrollGesture::handleNotch(const ScrollEvent& event, Instant now)
+{
+    if (now - m_lastNotch > kPause) {
+        m_notchAxis.reset();
+        m_notches = {};
+    }
+    m_lastNotch = now;
+    m_notches = m_notches.translated(std::abs(event.deltaX), std::abs(event.deltaY));
+    // With as many along both, it stays what it was.
+    if (!m_notchAxis || m_notches.x != m_notches.y)
+        m_notchAxis = ScrollEvent{{}, m_notches.x, m_notches.y}.axis();
+    if (*m_notchAxis != event.axis())
+        return {};
+    if (*m_notchAxis == ScrollAxis::horizontal)
         return {.sideways = event.deltaX};
     return {.step = event.deltaY};
 }
