@@ -3,28 +3,20 @@
 #include <algorithm>
 #include <cwctype>
 
+#include "Quorvel/Core/CodePoints.h"
+
 namespace quorvel {
 
 namespace {
 
-/// Whatever is no UTF-8 is left out. The system's locale says which letters are the same.
+/// The system's locale says which letters are the same.
 std::u32string lowered(std::string_view utf8)
 {
     std::u32string letters;
-    int following = 0;
-    for (unsigned char byte : utf8) {
-        if (byte < 0x80) {
-            letters.push_back(byte);
-        } else if (byte >= 0xC0) {
-            following = byte >= 0xF0 ? 3 : byte >= 0xE0 ? 2 : 1;
-            letters.push_back(byte & (0x3F >> following));
-        } else if (following > 0) {
-            --following;
-            letters.back() = letters.back() << 6 | (byte & 0x3F);
-        }
+    while (!utf8.empty()) {
+        auto letter = static_cast<std::wint_t>(takeCodePoint(utf8));
+        letters.push_back(static_cast<char32_t>(std::towlower(letter)));
     }
-    for (auto& letter : letters)
-        letter = static_cast<char32_t>(std::towlower(static_cast<std::wint_t>(letter)));
     return letters;
 }
 
