@@ -223,7 +223,7 @@ TEST_F(MenuTest, takesADragAndTwoClicks)
     top().movePointer({10, top().bounds().maxY() - 10});
     top().release({10, top().bounds().maxY() - 10}, PointerButton::secondary);
     EXPECT_TRUE(isOpen());
-    panel->press({700, 20});
+    panel->click({700, 20});
     EXPECT_THAT(logged(), ElementsAre("closed"));
     EXPECT_EQ(bar.presses, 3) << "those that opened a menu";
 
@@ -235,11 +235,39 @@ TEST_F(MenuTest, takesADragAndTwoClicks)
     EXPECT_THAT(logged(), ElementsAre("closed"));
 }
 
+// Faults: a second button, pressed or released while the first is down, chooses or closes the menu;
+// after a release that was not heard of, no button does anything.
+TEST_F(MenuTest, heedsOneButtonAtATime)
+{
+    open(sample());
+    top().click(place("Alpha").centre());
+    panel->click({700, 20});
+    EXPECT_TRUE(isOpen());
+    moveTo("Alto");
+    release("Alto");
+    EXPECT_THAT(logged(), ElementsAre("closed", "Alto"));
+
+    open(sample());
+    panel->release({100, 20}, PointerButton::secondary);
+    top().press(place("Alpha").centre());
+    top().click(place("Alto").centre(), PointerButton::middle);
+    EXPECT_TRUE(isOpen());
+    top().release(place("Alpha").centre());
+    EXPECT_THAT(logged(), ElementsAre("closed", "Alpha"));
+
+    open(sample());
+    moveTo("Alpha");
+    panel->releaseUnheard(PointerButton::secondary);
+    top().click(place("Alto").centre());
+    EXPECT_THAT(logged(), ElementsAre("closed", "Alto"));
+}
+
 // Faults: a submenu that opens in passing, or closes under a pointer that goes to it across other
 // rows, in the steps of a slow hand; one that stays while the pointer rests elsewhere.
 TEST_F(MenuTest, opensSubmenusUnderAPointerThatRests)
 {
     open(sample());
+    panel->release({100, 20}, PointerButton::secondary);
     moveTo("Gamma");
     moveTo("Alto");
     desktop.advance(seconds(1));

@@ -81,10 +81,7 @@ void BarHostingView::viewsDidMove()
 
 void BarHostingView::pointerEvent(const PointerEvent& event)
 {
-    // Somebody else's grab may have kept the release from us.
-    bool isLost = event.held && !event.held->contains(m_pressedButton);
-    bool isAgain = event.action == PointerAction::pressed && event.button == m_pressedButton;
-    if (m_pressedButton != PointerButton::none && (isLost || isAgain))
+    if (m_press.hasMissedRelease(event))
         cancelPress();
     // During a press it is heard of wherever it is.
     bool isHere
@@ -122,12 +119,11 @@ void BarHostingView::tellUse() const
 
 void BarHostingView::press(const PointerEvent& event)
 {
-    if (m_pressedButton != PointerButton::none || event.button == PointerButton::none)
+    if (!m_press.begin(event.button))
         return;
     if (onUsed)
         onUsed();
     auto* view = m_content ? m_content->hitTest(event.location) : nullptr;
-    m_pressedButton = event.button;
     m_pressPlace = event.location;
     if (!view)
         return;
@@ -156,9 +152,8 @@ void BarHostingView::drag(Point to)
 
 void BarHostingView::release(const PointerEvent& event)
 {
-    if (event.button != m_pressedButton)
+    if (!m_press.end(event.button))
         return;
-    m_pressedButton = PointerButton::none;
     m_isAbandoned = false;
     if (auto* view = std::exchange(m_pressed, nullptr))
         view->released(event.button, view->frameInRoot().contains(event.location));
@@ -167,7 +162,7 @@ void BarHostingView::release(const PointerEvent& event)
 
 void BarHostingView::cancelPress()
 {
-    m_pressedButton = PointerButton::none;
+    m_press.cancel();
     m_isAbandoned = false;
     if (auto* view = std::exchange(m_pressed, nullptr))
         view->pressCancelled();
@@ -219,7 +214,7 @@ void BarHostingView::updateHover()
         if (std::find(before.begin(), before.end(), view) == before.end())
             view->pointerEntered();
     }
-    if (m_pressedButton != PointerButton::none)
+    if (m_press.isUnderWay())
         return; // until it is released
     auto deepest = std::find_if(
         m_hovered.rbegin(), m_hovered.rend(), [](auto* view) { return view->takesPointer(); });

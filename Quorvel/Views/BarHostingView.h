@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Quorvel/Platform/Surfaces.h"
+#include "Quorvel/Views/Kit/PressedButton.h"
 #include "Quorvel/Views/Kit/View.h"
 
 namespace quorvel {
@@ -56,8 +57,7 @@ public:
     /// has the keyboard.
     bool isInUse() const
     {
-        return m_pointer || m_pressedButton != PointerButton::none || m_areFilesHere
-            || m_hasKeyboard;
+        return m_pointer || m_press.isUnderWay() || m_areFilesHere || m_hasKeyboard;
     }
     /// Null while the keyboard is elsewhere.
     const View* keyFocusedView() const { return m_keyFocused; }
@@ -121,7 +121,7 @@ private:
     bool m_hasKeyboard = false;
     View* m_keyFocused = nullptr;
     View* m_keyFocusBefore = nullptr; ///< while a menu or another window has the keyboard
-    PointerButton m_pressedButton = PointerButton::none;
+    PressedButton m_press;
     std::uint64_t m_menuModifiers = 0; ///< while a view opens its menu
     bool m_isAbandoned = false; ///< the drag that this press began
     std::unique_ptr<View> m_content;

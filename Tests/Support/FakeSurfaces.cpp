@@ -165,7 +165,7 @@ std::pair<FakePanel&, Point> FakePanel::listener(Point at)
 void FakePanel::send(PointerAction action, Point at, PointerButton button)
 {
     auto [panel, place] = listener(at);
-    panel.m_client.pointerEvent({action, place, button, m_held, m_modifiers});
+    panel.m_client.pointerEvent({action, place, button, m_surfaces.m_held, m_modifiers});
 }
 
 void FakePanel::movePointer(Point at)
@@ -202,9 +202,10 @@ void FakePanel::release(Point at, PointerButton button)
 
 void FakePanel::setHeld(PointerButton button, bool isHeld)
 {
-    (button == PointerButton::primary            ? m_held.primary
-            : button == PointerButton::secondary ? m_held.secondary
-                                                 : m_held.middle)
+    auto& held = m_surfaces.m_held;
+    (button == PointerButton::primary            ? held.primary
+            : button == PointerButton::secondary ? held.secondary
+                                                 : held.middle)
         = isHeld;
 }
 

@@ -120,7 +120,6 @@ private:
     double m_opacity = 1;
     double m_slide = 0;
     bool m_hasPointer = false;
-    PointerButtons m_held;
     std::uint64_t m_modifiers = 0;
     std::optional<Cursor> m_cursor;
     int m_textInputChanges = 0;
@@ -211,6 +210,7 @@ private:
     std::vector<FakePanel*> m_panels;
     int m_panelsMade = 0;
     std::vector<FakePanel*> m_keyHolders; ///< the last one hears
+    PointerButtons m_held;
     std::vector<FakePanel*> m_grabs; ///< of the pointer, the last one hears
     bool m_followsKeyPanels = true;
     NativeMenus* m_nativeMenus = nullptr; ///< as on the Mac, where it is given

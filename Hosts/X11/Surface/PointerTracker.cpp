@@ -10,13 +10,12 @@ namespace {
 
 enum WheelButton : xcb_button_t { wheelUp = 4, wheelDown, wheelLeft, wheelRight };
 
-/// By the state of an event, which is that before it.
-PointerButtons heldButtons(std::uint16_t state)
+}
+
+PointerButtons heldButtonsOf(std::uint16_t state)
 {
     return {(state & XCB_BUTTON_MASK_1) != 0, (state & XCB_BUTTON_MASK_3) != 0,
         (state & XCB_BUTTON_MASK_2) != 0};
-}
-
 }
 
 PointerButton pointerButtonOf(xcb_button_t detail)
@@ -90,7 +89,7 @@ void PointerTracker::handle(const xcb_generic_event_t* event)
             break;
         auto& motion = as<xcb_motion_notify_event_t>(event);
         m_motion = PointerEvent{PointerAction::moved, toPoints(motion.event_x, motion.event_y),
-            PointerButton::none, heldButtons(motion.state), keyModifiersOf(motion.state)};
+            PointerButton::none, heldButtonsOf(motion.state), keyModifiersOf(motion.state)};
         break;
     }
     case XCB_BUTTON_PRESS:
@@ -150,7 +149,7 @@ void PointerTracker::turnButton(PointerAction action, const xcb_button_press_eve
     // Of a quick click that opened a menu, the release may have been sent before the menu's grab.
     if (m_isLost)
         return;
-    send({action, at, button, heldButtons(event.state), keyModifiersOf(event.state)});
+    send({action, at, button, heldButtonsOf(event.state), keyModifiersOf(event.state)});
 }
 
 void PointerTracker::deliverMotion()

@@ -11,6 +11,8 @@ namespace quorvel::xdg::x11 {
 
 /// `none` for a button that surfaces do not know.
 PointerButton pointerButtonOf(xcb_button_t);
+/// By the state of an event, which is that before it.
+PointerButtons heldButtonsOf(std::uint16_t state);
 /// The modifiers of `KeyModifier` in an event's state.
 std::uint64_t keyModifiersOf(std::uint16_t state);
 /// Absent for a button that is no wheel.

@@ -106,14 +106,21 @@ std::vector<MenuEntry> MenuStack::entries() const
 
 void MenuStack::pointerEvent(const PointerEvent& event, Point at)
 {
+    if (m_press.hasMissedRelease(event))
+        m_press.cancel();
+    m_press.takeOver(event); // the one that opened the menu
     switch (event.action) {
     case PointerAction::entered:
     case PointerAction::moved:
         return motion(at);
     case PointerAction::pressed:
-        return press(at);
+        if (m_press.begin(event.button))
+            press(at);
+        break;
     case PointerAction::released:
-        return release(at);
+        if (m_press.end(event.button))
+            release(at);
+        break;
     case PointerAction::exited:
         break;
     }

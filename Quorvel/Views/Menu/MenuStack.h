@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Quorvel/Platform/Platform.h"
+#include "Quorvel/Views/Kit/PressedButton.h"
 #include "Quorvel/Views/Menu/MenuPanel.h"
 #include "Quorvel/Views/Menu/MenuTyping.h"
 
@@ -85,6 +86,7 @@ private:
     Ended m_ended; ///< null once it has been called
     MenuTyping m_typing;
     std::vector<Level> m_levels; ///< never empty
+    PressedButton m_press;
     Point m_pointer;
     Point m_trail; ///< where its movement was last judged
     bool m_isOnTheWay = false; ///< to the deepest submenu
