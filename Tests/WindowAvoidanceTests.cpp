@@ -24,7 +24,7 @@ struct WindowAvoidanceTest : StoreFixture {
         manager.emplace(store, platform.dispatch, platform.accessibility, platform.windowServer,
             platform.displays,
             WindowAvoidanceManager::Bars{[this] { return panels; }, [this] { return mirrors; },
-                [spaces] { return spaces.getSpaces(); }});
+                [spaces] { return spaces.ask(); }});
         manager->setBarHeight(44);
     }
 

@@ -111,7 +111,7 @@ WindowAvoidanceManager::Bars BarManager::barsToAvoid()
             [this] {
                 return m_hiding.isOn() ? std::vector<std::size_t>{} : m_panels.mirrorScreens();
             },
-        .getSpaces = [this] { return m_spaceWindows.getSpaces(); },
+        .getSpaces = [this] { return m_spaceWindows.ask(); },
         .getDockRoom = [this](const Screen& screen) { return m_dockRoom.on(screen); },
     };
 }
@@ -146,6 +146,8 @@ void BarManager::setupSpaceChangeObserver()
         m_navigation.spaceDidChange(answer.shown);
         if (onSpaceChange)
             onSpaceChange(answer);
+        if (m_refresh.isPending()) // for windows that were found; it would ask again
+            refreshNow(answer);
     });
 }
 
@@ -183,7 +185,7 @@ void BarManager::syncPanels(const std::optional<SpaceWindows::Answer>& answer)
     placePanels(*answer);
     applyEdgeReservationsIfNeeded();
     refreshNow(*answer);
-    m_avoidanceManager.scheduleAdjustment(Duration::zero());
+    m_avoidanceManager.scheduleAdjustment(*answer);
 }
 
 void BarManager::screensDidChange()

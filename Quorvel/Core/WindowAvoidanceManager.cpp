@@ -113,10 +113,16 @@ void WindowAvoidanceManager::scheduleAdjustment(Duration debounce)
     m_pendingWork = m_dispatch.main().after(debounce, [this] { adjustNow(); });
 }
 
-void WindowAvoidanceManager::adjustNow()
+void WindowAvoidanceManager::scheduleAdjustment(SpaceWindows::Answer answer)
+{
+    m_pendingWork = m_dispatch.main().after(
+        Duration::zero(), [this, answer = std::move(answer)] { adjust(answer); });
+}
+
+void WindowAvoidanceManager::adjust(const SpaceWindows::Answer& answer)
 {
     forgetMovedWindows();
-    auto resizes = findOverlaps();
+    auto resizes = findOverlaps(answer);
     std::erase_if(resizes, [this](auto& resize) {
         auto asked = m_asked.find(resize.windowID);
         return asked != m_asked.end() && asked->second == resize;
@@ -153,7 +159,8 @@ void WindowAvoidanceManager::forgetMovedWindows()
     std::erase_if(m_asked, [this](auto& entry) { return !isAsFound(entry.second); });
 }
 
-std::vector<WindowAvoidanceManager::Resize> WindowAvoidanceManager::findOverlaps() const
+std::vector<WindowAvoidanceManager::Resize> WindowAvoidanceManager::findOverlaps(
+    const SpaceWindows::Answer& answer) const
 {
     std::vector<Resize> overlaps;
     const auto screens = m_displays.screens();
@@ -166,10 +173,9 @@ std::vector<WindowAvoidanceManager::Resize> WindowAvoidanceManager::findOverlaps
         all.push_back(&window);
 
     const auto panels = m_bars.getPanels();
-    const auto spaces = m_bars.getSpaces();
-    for (auto space : m_spaceWindows.getActiveSpaceIDs()) {
-        const auto info = std::ranges::find(spaces, space, &SpaceWindows::Info::spaceID);
-        if (!panels.contains(space) || info == spaces.end())
+    for (auto space : answer.shown) {
+        const auto info = std::ranges::find(answer.spaces, space, &SpaceWindows::Info::spaceID);
+        if (!panels.contains(space) || info == answer.spaces.end())
             continue;
         shortenOn(screenOf(*info, screens), top,
             hasSeparateSpaces ? m_windowStore.windows(space) : all, overlaps);

@@ -28,7 +28,7 @@ public:
         std::function<std::set<SpaceID>()> getPanels; ///< the spaces that have a bar
         /// The screens that show a bar in addition to those of their spaces.
         std::function<std::vector<std::size_t>()> getMirrorScreenIndices;
-        std::function<std::vector<SpaceWindows::Info>()> getSpaces;
+        std::function<SpaceWindows::Answer()> getSpaces;
         /// Points below the bar that the Dock has to itself.
         std::function<double(const Screen&)> getDockRoom = [](auto&) { return 0.0; };
     };
@@ -52,7 +52,9 @@ public:
 
     /// Replaces a pending adjustment.
     void scheduleAdjustment(Duration debounce);
-    void adjustNow();
+    /// The same, in the next turn, by what has just been said of the spaces.
+    void scheduleAdjustment(SpaceWindows::Answer);
+    void adjustNow() { adjust(m_bars.getSpaces()); }
 
 private:
     struct Resize {
@@ -75,10 +77,11 @@ private:
     };
     class Resizer;
 
+    void adjust(const SpaceWindows::Answer&);
     void noteAsked(const std::vector<Resize>&);
     bool isAsFound(const Resize&) const;
     void forgetMovedWindows();
-    std::vector<Resize> findOverlaps() const;
+    std::vector<Resize> findOverlaps(const SpaceWindows::Answer&) const;
     Screen screenOf(const SpaceWindows::Info&, const std::vector<Screen>&) const;
     void shortenOn(const Screen&, double primaryScreenMaxY,
         const std::vector<const TrackedWindow*>& candidates, std::vector<Resize>&) const;

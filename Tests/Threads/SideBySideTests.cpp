@@ -211,7 +211,7 @@ struct Shorteners {
             WindowAvoidanceManager::Bars{
                 [] { return std::set{SpaceID{1}}; },
                 [] { return std::vector<std::size_t>{}; },
-                [this] { return spaces.getSpaces(); },
+                [this] { return spaces.ask(); },
             });
         avoidance->setBarHeight(36);
     }
