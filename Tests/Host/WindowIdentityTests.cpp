@@ -91,8 +91,8 @@ TEST_F(WindowIdentities, namesWhatIsNotInstalledAndNeverNothing)
     EXPECT_EQ(of("MyTool", "instance", "exe"), "mytool");
     EXPECT_EQ(of("", "Instance", "exe"), "Instance");
     EXPECT_EQ(of("", "", "exe"), "exe");
-    EXPECT_EQ(of("", ""), "x11.7");
-    EXPECT_EQ(of("\n\x1B\t", "\x7F"), "x11.7");
+    EXPECT_EQ(of("", ""), "window.7");
+    EXPECT_EQ(of("\n\x1B\t", "\x7F"), "window.7");
 
     const auto hostile = of(std::string(100'000, 'A') + '\0', "\xFF");
     EXPECT_LE(hostile.size(), 1024u);

@@ -210,7 +210,7 @@ std::string identifierWithoutEntry(const WindowIdentity& window)
         return name;
     if (auto name = tidied(window.executableName.value_or("")); !name.empty())
         return name;
-    return "x11." + std::to_string(window.number);
+    return "window." + std::to_string(window.number);
 }
 
 }

@@ -15,7 +15,7 @@ namespace quorvel::xdg {
 namespace {
 
 /// The desktop itself has the focus when no window has.
-constexpr std::string_view kDesktopIdentifier = "x11.desktop";
+constexpr std::string_view kDesktopIdentifier = "session.desktop";
 /// Its window is on no list, so no chip is lit for it.
 constexpr WindowID kDesktopWindow{std::numeric_limits<std::uint32_t>::max()};
 
