@@ -24,6 +24,9 @@ inline void cancelAndUnref(GCancellable* cancellable)
 }
 
 using GText = std::unique_ptr<char, FreeWith<g_free>>;
+/// Ends with a null pointer.
+using GTexts = std::unique_ptr<char*, FreeWith<g_strfreev>>;
+using GErrorHandle = std::unique_ptr<GError, FreeWith<g_error_free>>;
 using GVariantHandle = std::unique_ptr<GVariant, FreeWith<g_variant_unref>>;
 template <typename Object> using GObjectHandle = std::unique_ptr<Object, FreeWith<g_object_unref>>;
 /// Detached from its loop when dropped.

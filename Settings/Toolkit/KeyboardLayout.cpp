@@ -1,12 +1,15 @@
 #include "Settings/Toolkit/KeyboardLayout.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #ifdef GDK_WINDOWING_X11
 #include <X11/XKBlib.h>
 #include <gdk/x11/gdkx.h>
 #endif
+
+#include "Hosts/Linux/GHandles.h"
 
 namespace quorvel::settings {
 
@@ -93,9 +96,9 @@ std::string KeyboardLayout::characterOf(guint hardwareCode) const
     int count = 0;
     if (!gdk_display_map_keycode(m_display, hardwareCode, &keys, &symbols, &count))
         return {};
+    const std::unique_ptr<GdkKeymapKey, xdg::FreeWith<g_free>> ownedKeys{keys};
+    const std::unique_ptr<guint, xdg::FreeWith<g_free>> ownedSymbols{symbols};
     const auto character = characterIn(m_group, keys, symbols, count);
-    g_free(keys);
-    g_free(symbols);
     char text[6];
     const auto length = character == 0 ? 0 : g_unichar_to_utf8(character, text);
     return {text, static_cast<std::size_t>(length)};

@@ -111,9 +111,9 @@ struct WindowCaptureTest : testing::Test {
     /// Green, as a client draws that paints its windows itself.
     void drawWhatIsExposed()
     {
-        while (auto* event = xcb_poll_for_event(x)) {
+        while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(x)}) {
             if (event->response_type == XCB_EXPOSE) {
-                auto* expose = reinterpret_cast<xcb_expose_event_t*>(event);
+                auto* expose = reinterpret_cast<xcb_expose_event_t*>(event.get());
                 const xcb_rectangle_t area{std::int16_t(expose->x), std::int16_t(expose->y),
                     expose->width, expose->height};
                 auto context = xcb_generate_id(x);
@@ -121,7 +121,6 @@ struct WindowCaptureTest : testing::Test {
                 xcb_poly_fill_rectangle(x, expose->window, context, 1, &area);
                 xcb_free_gc(x, context);
             }
-            std::free(event);
         }
         xcb_flush(x);
     }
@@ -136,9 +135,8 @@ struct WindowCaptureTest : testing::Test {
     }
     bool isRedirected(xcb_window_t window)
     {
-        auto* error = xcb_request_check(
-            x, xcb_composite_name_window_pixmap_checked(x, window, xcb_generate_id(x)));
-        std::free(error);
+        const Reply<xcb_generic_error_t> error{xcb_request_check(
+            x, xcb_composite_name_window_pixmap_checked(x, window, xcb_generate_id(x)))};
         return !error;
     }
 

@@ -1,4 +1,3 @@
-#include <cstdlib>
 
 #include <xkbcommon/xkbcommon-keysyms.h>
 
@@ -62,14 +61,13 @@ private:
         bool isTaken = false;
         auto& connection = otherApplication.connection();
         connection.sync();
-        while (auto* const event = xcb_poll_for_event(connection.get())) {
+        while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection.get())}) {
             if ((event->response_type & 0x7f) == XCB_KEY_PRESS) {
-                const auto time = reinterpret_cast<xcb_key_press_event_t*>(event)->time;
+                const auto time = reinterpret_cast<xcb_key_press_event_t*>(event.get())->time;
                 connection.setNumbers(other, "_NET_WM_USER_TIME", "CARDINAL", {time});
                 connection.sync();
                 isTaken = true;
             }
-            std::free(event);
         }
         return isTaken;
     }

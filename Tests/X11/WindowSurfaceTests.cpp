@@ -35,7 +35,7 @@ protected:
         asker.send(window, 0, window, "WM_PROTOCOLS", {asker.atom("_NET_WM_PING"), 7, window});
         bool isAnswered = false;
         return surfaces.host.runUntil([&] {
-            const std::unique_ptr<xcb_generic_event_t, Free> event{xcb_poll_for_event(asker.get())};
+            const Reply<xcb_generic_event_t> event{xcb_poll_for_event(asker.get())};
             const auto* answer = reinterpret_cast<const xcb_client_message_event_t*>(event.get());
             isAnswered |= event && (event->response_type & 0x7f) == XCB_CLIENT_MESSAGE
                 && answer->data.data32[1] == 7 && answer->data.data32[2] == window;

@@ -62,8 +62,8 @@ bool namesAProgram(GKeyFile* keys)
     char** words = nullptr;
     if (!line || !g_shell_parse_argv(line.get(), nullptr, &words, nullptr))
         return false;
+    const GTexts owned{words};
     const GText program{g_find_program_in_path(words[0])};
-    g_strfreev(words);
     return program != nullptr;
 }
 

@@ -6,8 +6,6 @@ namespace quorvel::xdg {
 
 namespace {
 
-using Words = std::unique_ptr<char*, FreeWith<g_strfreev>>;
-
 std::string taken(char* text)
 {
     const GText owned{text};
@@ -16,7 +14,7 @@ std::string taken(char* text)
 
 std::optional<std::vector<std::string>> taken(char** list)
 {
-    const Words owned{list};
+    const GTexts owned{list};
     if (!list)
         return std::nullopt;
     std::vector<std::string> words;

@@ -104,7 +104,7 @@ Arguments wordsOf(std::string_view line)
     char** words = nullptr;
     if (!g_shell_parse_argv(std::string{line}.c_str(), nullptr, &words, nullptr))
         return {};
-    const std::unique_ptr<char*, FreeWith<g_strfreev>> owned{words};
+    const GTexts owned{words};
     Arguments arguments;
     for (auto** word = words; *word; ++word)
         arguments.emplace_back(*word);

@@ -25,9 +25,7 @@ void leaveOurSession(gpointer)
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-using Environment = std::unique_ptr<char*, FreeWith<g_strfreev>>;
-
-Environment withToken(const std::string& token)
+GTexts withToken(const std::string& token)
 {
     char** variables = g_get_environ();
     // Both names of the same: the older of X11, the newer that toolkits read first.
@@ -37,7 +35,7 @@ Environment withToken(const std::string& token)
     // They say from which desktop file a program was started: here, the bar itself.
     for (const char* name : {"GIO_LAUNCHED_DESKTOP_FILE", "GIO_LAUNCHED_DESKTOP_FILE_PID"})
         variables = g_environ_unsetenv(variables, name);
-    return Environment{variables};
+    return GTexts{variables};
 }
 
 }
@@ -57,9 +55,8 @@ std::variant<GPid, std::string> ProgramStart::run() const
     if (g_spawn_async(folder.c_str(), pointers.data(), environment.get(), flags, leaveOurSession,
             nullptr, &process, &error))
         return process;
-    std::string reason = error->message;
-    g_error_free(error);
-    return reason;
+    const GErrorHandle owned{error};
+    return std::string{error->message};
 }
 
 bool neverStarted(int waitStatus)

@@ -37,11 +37,9 @@ struct SleepWatch::Bus {
     {
         GError* error = nullptr;
         auto* connection = g_bus_get_finish(result, &error);
-        if (!connection) {
-            // Cancelled means that the watch is gone: nothing of it may be touched.
-            g_error_free(error);
-            return;
-        }
+        const GErrorHandle owned{error};
+        if (!connection)
+            return; // cancelled means that the watch is gone: nothing of it may be touched
         static_cast<Bus*>(data)->listen(connection);
     }
 

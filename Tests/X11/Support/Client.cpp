@@ -2,7 +2,6 @@
 
 #include <array>
 #include <csignal>
-#include <cstdlib>
 
 #include <poll.h>
 #include <sys/prctl.h>
@@ -134,12 +133,11 @@ void Client::destroy(xcb_window_t window)
 
 void Client::answerCloseRequests()
 {
-    while (auto* const event = xcb_poll_for_event(m_connection.get())) {
-        const auto* const message = reinterpret_cast<xcb_client_message_event_t*>(event);
+    while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) {
+        const auto* const message = reinterpret_cast<xcb_client_message_event_t*>(event.get());
         if ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE
             && message->data.data32[0] == m_connection.atom("WM_DELETE_WINDOW"))
             destroy(message->window);
-        std::free(event);
     }
 }
 

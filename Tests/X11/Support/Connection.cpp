@@ -37,7 +37,7 @@ std::uint32_t Connection::serverTime()
     xcb_flush(m_connection);
     std::uint32_t time = 0;
     while (time == 0) {
-        const std::unique_ptr<xcb_generic_event_t, Free> event{xcb_wait_for_event(m_connection)};
+        const Reply<xcb_generic_event_t> event{xcb_wait_for_event(m_connection)};
         if (!event)
             break;
         if ((event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY)

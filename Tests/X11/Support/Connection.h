@@ -1,15 +1,15 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 #include <map>
-#include <memory>
 #include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <xcb/xcb.h>
+
+#include "Hosts/X11/Reply.h"
 
 namespace quorvel::x11tests {
 
@@ -27,10 +27,7 @@ struct Frame {
     }
 };
 
-/// For replies and events.
-struct Free {
-    void operator()(void* reply) const { std::free(reply); }
-};
+using xdg::x11::Reply;
 
 /// A connection to the X server, with its atoms by name.
 class Connection {
@@ -44,11 +41,11 @@ public:
     xcb_window_t root() const { return m_root; }
     xcb_atom_t atom(const std::string& name);
     /// Waits for the answer to a request; null when there is none.
-    template <typename Reply, typename Cookie>
-    std::unique_ptr<Reply, Free> wait(
-        Reply* (*reply)(xcb_connection_t*, Cookie, xcb_generic_error_t**), Cookie cookie) const
+    template <typename Type, typename Cookie>
+    Reply<Type> wait(
+        Type* (*reply)(xcb_connection_t*, Cookie, xcb_generic_error_t**), Cookie cookie) const
     {
-        return std::unique_ptr<Reply, Free>{reply(m_connection, cookie, nullptr)};
+        return Reply<Type>{reply(m_connection, cookie, nullptr)};
     }
     /// Waits until the server has seen all that was sent.
     void sync() { wait(xcb_get_input_focus_reply, xcb_get_input_focus(m_connection)); }
@@ -71,7 +68,7 @@ public:
         xcb_window_t, const std::string& property, const std::string& type, std::string_view text);
 
 private:
-    using PropertyReply = std::unique_ptr<xcb_get_property_reply_t, Free>;
+    using PropertyReply = Reply<xcb_get_property_reply_t>;
 
     PropertyReply read(xcb_window_t, const std::string& property);
 

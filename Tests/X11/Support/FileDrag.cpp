@@ -97,8 +97,7 @@ std::optional<bool> FileDrag::waitFor(const std::string& message)
 {
     std::optional<bool> isTaken;
     const auto hasCome = [&] {
-        while (const std::unique_ptr<xcb_generic_event_t, Free> event{
-            xcb_poll_for_event(m_connection.get())}) {
+        while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) {
             const auto kind = event->response_type & 0x7f;
             const auto& said = reinterpret_cast<const xcb_client_message_event_t&>(*event);
             if (kind == XCB_SELECTION_REQUEST)

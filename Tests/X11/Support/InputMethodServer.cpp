@@ -1,6 +1,5 @@
 #include "Tests/X11/Support/InputMethodServer.h"
 
-#include <cstdlib>
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -48,10 +47,8 @@ InputMethodServer::~InputMethodServer()
 void InputMethodServer::serve()
 {
     auto* const connection = m_connection.get();
-    while (auto* const event = xcb_poll_for_event(connection)) {
-        xcb_im_filter_event(m_server, event);
-        std::free(event);
-    }
+    while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(connection)})
+        xcb_im_filter_event(m_server, event.get());
     xcb_flush(connection);
 }
 
@@ -123,7 +120,7 @@ std::string InputMethodServer::encode(const std::string& utf8) const
     if (m_encoding == "UTF8_STRING" || utf8.empty())
         return utf8;
     std::size_t size = 0;
-    const std::unique_ptr<char, Free> text{
+    const std::unique_ptr<char, xdg::x11::FreeReply> text{
         xcb_utf8_to_compound_text(utf8.data(), utf8.size(), &size)};
     return {text.get(), size};
 }

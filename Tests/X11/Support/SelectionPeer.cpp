@@ -61,7 +61,7 @@ std::string SelectionPeer::partOfAnswer(std::size_t place)
 void SelectionPeer::serve()
 {
     while (auto* const next = xcb_poll_for_event(m_connection.get())) {
-        const std::unique_ptr<xcb_generic_event_t, Free> event{next};
+        const Reply<xcb_generic_event_t> event{next};
         switch (event->response_type & 0x7f) {
         case XCB_SELECTION_REQUEST:
             give(*reinterpret_cast<xcb_selection_request_event_t*>(next));
