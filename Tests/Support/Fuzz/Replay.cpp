@@ -1,15 +1,16 @@
 // Runs a fuzzer's entry point without libFuzzer: every file of the corpus, then random mutations of
-// those files. The seed is printed; give it as the second argument to see a failure again.
+// those files. The seed is printed, and taken from the environment to see a failure again.
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <string>
 #include <vector>
+
+#include "Tests/Support/Seed.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -89,9 +90,8 @@ private:
 int main(int argc, char** argv)
 {
     auto corpus = readCorpus(argc > 1 ? argv[1] : "");
-    auto seed = argc > 2 ? static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 10))
-                         : std::random_device{}();
-    std::printf("seed %u, %zu inputs in the corpus\n", seed, corpus.size() - 1);
+    const auto seed = quorvel::test::seed();
+    std::printf("%zu inputs in the corpus\n", corpus.size() - 1);
     std::fflush(stdout);
     for (auto& input : corpus)
         LLVMFuzzerTestOneInput(input.data(), input.size());
