@@ -5,6 +5,7 @@
 #include <set>
 #include <string_view>
 #include <utility>
+#include <variant>
 
 #include "Quorvel/Platform/Accessibility.h"
 
@@ -67,8 +68,9 @@ public:
     std::optional<T> read(ProcessID pid, const AXElement& element, std::string_view attribute)
     {
         auto reply = copyAttribute(pid, element, attribute);
-        auto* value = reply.template get<T>();
-        return value ? std::optional<T>{*value} : std::nullopt;
+        if (!reply.template get<T>())
+            return std::nullopt;
+        return std::get<T>(std::move(reply.value));
     }
 
     void setMessagingTimeout(const AXElement&) const;
