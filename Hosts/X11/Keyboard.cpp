@@ -16,9 +16,6 @@ namespace {
 /// Of an event's state: where the group of the layout stands in it, by the protocol.
 constexpr unsigned kGroupShift = 13;
 constexpr std::uint16_t kModifiers = 0xFF;
-constexpr std::array<std::pair<const char*, std::uint64_t>, 4> kKnownModifiers{
-    {{XKB_MOD_NAME_SHIFT, KeyModifier::shift}, {XKB_MOD_NAME_CTRL, KeyModifier::control},
-        {XKB_MOD_NAME_ALT, KeyModifier::option}, {XKB_MOD_NAME_LOGO, KeyModifier::command}}};
 
 }
 
@@ -48,14 +45,11 @@ struct Keyboard::Layout {
         auto length = xkb.text(state, key, text.data(), text.size());
         return length > 0 ? std::string{text.data()} : std::string{};
     }
-    bool has(const char* modifier) const
-    {
-        auto index = xkb.modifierIndex(keymap, modifier);
-        return index != XKB_MOD_INVALID && xkb.isActive(state, index, XKB_STATE_MODS_EFFECTIVE) > 0;
-    }
 };
 
-Keyboard::Keyboard(Connection& connection) : m_connection(connection)
+Keyboard::Keyboard(Connection& connection)
+    : m_connection(connection)
+    , m_events(connection.event.subscribe([this](auto* event) { handle(event); }))
 {
 }
 
@@ -82,8 +76,15 @@ bool Keyboard::prepare()
     constexpr std::uint32_t repeats = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
     auto cookie = xkb->perClientFlags(raw, XCB_XKB_ID_USE_CORE_KBD, repeats, repeats, 0, 0, 0);
     xcb_discard_reply(raw, cookie.sequence);
-    m_events = m_connection.event.subscribe([this](auto* event) { handle(event); });
+    m_modifiers.reset(); // a client of the extension may not have been told of a change until now
     return true;
+}
+
+const ModifierMap& Keyboard::modifiers()
+{
+    if (!m_modifiers)
+        m_modifiers = ModifierMap::read(m_connection);
+    return *m_modifiers;
 }
 
 void Keyboard::begin(const xcb_query_keymap_reply_t* down)
@@ -97,9 +98,13 @@ void Keyboard::begin(const xcb_query_keymap_reply_t* down)
 
 void Keyboard::handle(const xcb_generic_event_t* event)
 {
-    if ((event->response_type & 0x7f) != m_firstEvent)
+    const auto type = event->response_type & 0x7f;
+    if (type == XCB_MAPPING_NOTIFY)
+        m_modifiers.reset();
+    if (!m_hasExtension || type != m_firstEvent)
         return;
     m_layout.reset(); // only changes of the layout were asked for
+    m_modifiers.reset();
     changed.emit();
 }
 
@@ -140,15 +145,14 @@ std::optional<TypedKey> Keyboard::translate(const KeyPress& press)
 }
 
 /// By itself, without regard to what was pressed before.
-void Keyboard::describe(KeyEvent& key, const xcb_key_press_event_t& event) const
+void Keyboard::describe(KeyEvent& key, const xcb_key_press_event_t& event)
 {
     const auto& layout = *m_layout;
     layout.setState(event.state & XCB_MOD_MASK_SHIFT, event.state);
     key.charactersIgnoringModifiers = layout.typed(event.detail);
     layout.setState(event.state & kModifiers, event.state);
     key.characters = layout.typed(event.detail);
-    for (auto& [name, bit] : kKnownModifiers)
-        key.modifiers |= layout.has(name) ? bit : 0;
+    key.modifiers = modifiers().modifiersIn(event.state);
     key.keyCode = keyCodeOf(event.detail, layout.xkb.symbol(layout.state, event.detail));
 }
 

@@ -8,6 +8,7 @@
 
 #include <xcb/xcb.h>
 
+#include "Hosts/X11/ModifierMap.h"
 #include "Quorvel/Platform/KeyEvent.h"
 #include "Quorvel/Platform/Published.h"
 
@@ -47,6 +48,9 @@ public:
     /// a key that is already down is a repeat. Absent for a key that is somebody else's.
     std::optional<KeyPress> arrive(const xcb_key_press_event_t&);
     void release(const xcb_key_release_event_t&);
+    /// Which modifier is which just now; for shortcuts, keys and clicks alike. One round trip where
+    /// a change has come since the last call.
+    const ModifierMap& modifiers();
     /// What the presses mean, one after the other. Absent for one that means nothing by itself: a
     /// dead key, for example, whose accent comes with the next key. Without the server's extension
     /// or the library, keys have their place but no characters.
@@ -65,7 +69,7 @@ private:
     bool isReady() { return m_hasExtension && (m_layout || read()); }
     bool read();
     void handle(const xcb_generic_event_t*);
-    void describe(KeyEvent&, const xcb_key_press_event_t&) const;
+    void describe(KeyEvent&, const xcb_key_press_event_t&);
     bool compose(TypedKey&, std::uint32_t symbol);
 
     Connection& m_connection;
@@ -74,6 +78,7 @@ private:
     std::uint8_t m_firstEvent = 0; ///< first number of the extension's events
     std::int32_t m_device = 0;
     std::unique_ptr<Layout> m_layout; ///< null until it is read
+    std::optional<ModifierMap> m_modifiers; ///< absent until it is read
     std::unique_ptr<ComposeSequence> m_compose; ///< null until the first key
     std::optional<xcb_keycode_t> m_lastPressed;
     std::bitset<256> m_foreign; ///< keys that are down since before the keyboard was taken

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kMostSettings = 4096;
 constexpr std::size_t kLongestText = 256;
-constexpr double kDotsPerInchAtScale1 = 96;
+constexpr double kUnscaledDotsPerInch = 96;
 constexpr int kDotFractions = 1024; ///< in which the daemon counts dots per inch
 constexpr int kLargestFactor = 16;
 
@@ -146,7 +146,7 @@ std::optional<double> scale(const Values& values)
 {
     std::optional<double> scale;
     if (const auto dots = integer(values, "Xft/DPI"); dots && *dots > 0)
-        scale = *dots / (kDotFractions * kDotsPerInchAtScale1);
+        scale = *dots / (kDotFractions * kUnscaledDotsPerInch);
     const auto factor = integer(values, "Gdk/WindowScalingFactor");
     if (factor && *factor > 0 && *factor <= kLargestFactor)
         scale = std::max(scale.value_or(0), double(*factor));

@@ -25,8 +25,6 @@ std::optional<XkbLibrary> loadLibrary()
     symbols.find("xkb_state_update_mask", xkb.updateMask);
     symbols.find("xkb_state_key_get_one_sym", xkb.symbol);
     symbols.find("xkb_state_key_get_utf8", xkb.text);
-    symbols.find("xkb_keymap_mod_get_index", xkb.modifierIndex);
-    symbols.find("xkb_state_mod_index_is_active", xkb.isActive);
     symbols.find("xkb_keysym_to_utf8", xkb.symbolText);
     symbols.find("xkb_compose_table_new_from_locale", xkb.newComposeTable);
     symbols.find("xkb_compose_table_unref", xkb.unrefComposeTable);

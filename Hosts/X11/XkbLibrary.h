@@ -28,8 +28,6 @@ struct XkbLibrary {
     decltype(&::xkb_state_update_mask) updateMask;
     decltype(&::xkb_state_key_get_one_sym) symbol;
     decltype(&::xkb_state_key_get_utf8) text;
-    decltype(&::xkb_keymap_mod_get_index) modifierIndex;
-    decltype(&::xkb_state_mod_index_is_active) isActive;
     decltype(&::xkb_keysym_to_utf8) symbolText;
     decltype(&::xkb_compose_table_new_from_locale) newComposeTable;
     decltype(&::xkb_compose_table_unref) unrefComposeTable;

@@ -388,7 +388,7 @@ protected:
     }
 
     Listener client;
-    PointerTracker tracker;
+    PointerTracker tracker{[](auto state) { return std::uint64_t{state} << 8; }};
 };
 
 }
@@ -448,6 +448,7 @@ TEST_F(PointerTrackerTest, whoTakesThePlaceOfAnotherHasThePointerAndHearsWhatIsH
     input(XCB_BUTTON_PRESS, 3, 10, XCB_BUTTON_MASK_1);
     EXPECT_TRUE(next.heard.back().held->contains(PointerButton::primary));
     EXPECT_FALSE(next.heard.back().held->contains(PointerButton::secondary));
+    EXPECT_EQ(next.heard.back().modifiers, std::uint64_t{XCB_BUTTON_MASK_1} << 8);
     tracker.lose();
     EXPECT_EQ(next.losses, 1);
 }

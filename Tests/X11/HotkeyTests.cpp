@@ -250,6 +250,30 @@ TEST_F(Shortcuts, followTheModifiersAndWhatOthersHave)
     }
 }
 
+// Fault: after a change of the map, Alt means one thing for shortcuts and another for keys and
+// clicks.
+TEST_F(Shortcuts, followTheModifiersTogetherWithKeysAndClicks)
+{
+    xdg::x11::Keyboard keyboard{*surfaces.host.connection};
+    constexpr std::uint16_t first = XCB_MOD_MASK_1;
+    constexpr std::uint16_t fourth = XCB_MOD_MASK_4;
+    for (const bool isPrepared : {false, true}) {
+        if (isPrepared)
+            keyboard.prepare();
+        for (const bool isSwapped : {true, false}) {
+            run({"xmodmap", "-e", "clear mod1", "-e", "clear mod4", "-e",
+                isSwapped ? "add mod4 = Alt_L" : "add mod1 = Alt_L", "-e",
+                isSwapped ? "add mod1 = Super_L" : "add mod4 = Super_L"});
+            EXPECT_TRUE(runUntil([&] {
+                const auto& map = keyboard.modifiers();
+                return map.modifiersIn(isSwapped ? fourth : first) == KeyModifier::option
+                    && map.modifiersIn(isSwapped ? first : fourth) == KeyModifier::command;
+            })) << isPrepared
+                << isSwapped;
+        }
+    }
+}
+
 // The global shortcut of the built program.
 class GlobalShortcut : public UnderEachManager {
 protected:

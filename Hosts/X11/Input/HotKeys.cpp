@@ -156,7 +156,7 @@ void HotKeys::begin()
     if (std::exchange(m_hasBegun, true))
         return;
     m_releasesAtRepeats = !m_keyboard.prepare();
-    m_modifiers = ModifierMap::read(m_connection);
+    m_modifiers = m_keyboard.modifiers();
     m_selectionEvent = selectSelectionEvents(m_connection, m_connection.atoms().wmS0);
     m_connection.addEventMask(m_connection.root(), XCB_EVENT_MASK_PROPERTY_CHANGE);
     m_subscriptions.push_back(m_connection.event.subscribe([this](auto* event) { handle(event); }));
@@ -264,7 +264,7 @@ void HotKeys::followModifiers()
 {
     if (!std::exchange(m_isMapStale, false))
         return;
-    const auto now = ModifierMap::read(m_connection);
+    const auto now = m_keyboard.modifiers();
     if (now == m_modifiers)
         return retryRefused(Duration::zero()); // others may have moved their keys with the map
     std::vector<HotkeyOutcome> before;

@@ -10,7 +10,7 @@
 #include <xcb/xcb.h>
 
 #include "Hosts/Linux/Keys/ShortcutText.h"
-#include "Hosts/X11/Input/ModifierMap.h"
+#include "Hosts/X11/ModifierMap.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/HotkeyHandlers.h"
 
@@ -91,7 +91,7 @@ private:
     Keyboard& m_keyboard;
     bool m_hasBegun = false;
     std::uint8_t m_selectionEvent = 0; ///< 0: the server does not report selections
-    ModifierMap m_modifiers;
+    ModifierMap m_modifiers; ///< for which the grabs were asked
     bool m_isMapStale = false;
     std::vector<Registration*> m_registrations;
     std::vector<Held*> m_heldElsewhere; ///< other programs', without a grab

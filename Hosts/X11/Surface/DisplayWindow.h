@@ -76,7 +76,7 @@ private:
 
     PaintSource m_paint;
     DamageRegion m_damage;
-    PointerTracker m_pointer;
+    PointerTracker m_pointer{m_context.modifiersIn()};
     WindowVisual m_visual;
     std::unique_ptr<BackBuffer> m_buffer;
     std::unique_ptr<DockWindow> m_window;

@@ -277,8 +277,8 @@ void InputGrabs::handlePointer(const xcb_generic_event_t* event)
     double scale = grab.m_surface.scale();
     Point at{(input.root_x - frame.x) / scale, (input.root_y - frame.y) / scale};
     auto tell = [&](PointerAction action, PointerButton button) {
-        grab.m_client.pointerEvent(
-            {action, at, button, heldButtonsOf(input.state), keyModifiersOf(input.state)});
+        grab.m_client.pointerEvent({action, at, button, heldButtonsOf(input.state),
+            m_keyboard.modifiers().modifiersIn(input.state)});
     };
     switch (event->response_type & 0x7f) {
     case XCB_MOTION_NOTIFY:

@@ -32,14 +32,6 @@ PointerButton pointerButtonOf(xcb_button_t detail)
     }
 }
 
-std::uint64_t keyModifiersOf(std::uint16_t state)
-{
-    return (state & XCB_MOD_MASK_SHIFT ? KeyModifier::shift : 0)
-        | (state & XCB_MOD_MASK_CONTROL ? KeyModifier::control : 0)
-        | (state & XCB_MOD_MASK_1 ? KeyModifier::option : 0)
-        | (state & XCB_MOD_MASK_4 ? KeyModifier::command : 0);
-}
-
 std::optional<ScrollEvent> scrollEventOf(xcb_button_t detail, Point at)
 {
     switch (detail) {
@@ -89,7 +81,7 @@ void PointerTracker::handle(const xcb_generic_event_t* event)
             break;
         auto& motion = as<xcb_motion_notify_event_t>(event);
         m_motion = PointerEvent{PointerAction::moved, toPoints(motion.event_x, motion.event_y),
-            PointerButton::none, heldButtonsOf(motion.state), keyModifiersOf(motion.state)};
+            PointerButton::none, heldButtonsOf(motion.state), m_modifiersIn(motion.state)};
         break;
     }
     case XCB_BUTTON_PRESS:
@@ -149,7 +141,7 @@ void PointerTracker::turnButton(PointerAction action, const xcb_button_press_eve
     // Of a quick click that opened a menu, the release may have been sent before the menu's grab.
     if (m_isLost)
         return;
-    send({action, at, button, heldButtonsOf(event.state), keyModifiersOf(event.state)});
+    send({action, at, button, heldButtonsOf(event.state), m_modifiersIn(event.state)});
 }
 
 void PointerTracker::deliverMotion()

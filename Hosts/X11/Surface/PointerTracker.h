@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <utility>
 
 #include <xcb/xcb.h>
 
@@ -13,8 +15,6 @@ namespace quorvel::xdg::x11 {
 PointerButton pointerButtonOf(xcb_button_t);
 /// By the state of an event, which is that before it.
 PointerButtons heldButtonsOf(std::uint16_t state);
-/// The modifiers of `KeyModifier` in an event's state.
-std::uint64_t keyModifiersOf(std::uint16_t state);
 /// Absent for a button that is no wheel.
 std::optional<ScrollEvent> scrollEventOf(xcb_button_t, Point);
 
@@ -22,6 +22,11 @@ std::optional<ScrollEvent> scrollEventOf(xcb_button_t, Point);
 /// the loop ends or another event needs the position, so a fast mouse costs one event per turn.
 class PointerTracker {
 public:
+    /// The modifiers of `KeyModifier` in an event's state.
+    using ModifiersIn = std::function<std::uint64_t(std::uint16_t state)>;
+
+    explicit PointerTracker(ModifiersIn modifiersIn) : m_modifiersIn(std::move(modifiersIn)) { }
+
     void setScale(double pixelsPerPoint) { m_scale = pixelsPerPoint; }
     /// Who receives events from now on: the former client loses the pointer, the new one gets it.
     void setClient(SurfaceClient*);
@@ -39,6 +44,7 @@ private:
     void send(const PointerEvent&);
     Point toPoints(std::int16_t x, std::int16_t y) const { return {x / m_scale, y / m_scale}; }
 
+    const ModifiersIn m_modifiersIn;
     SurfaceClient* m_client = nullptr;
     double m_scale = 1;
     Point m_last;

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "Hosts/X11/Keyboard.h"
 #include "Hosts/X11/Monitors.h"
 
 namespace quorvel::xdg::x11 {
@@ -16,6 +17,11 @@ Rect wholePixels(const Rect& rect)
         std::max(1.0, std::round(rect.maxY()) - top)};
 }
 
+}
+
+std::function<std::uint64_t(std::uint16_t state)> SurfaceContext::modifiersIn() const
+{
+    return [&keys = keyboard](std::uint16_t state) { return keys.modifiers().modifiersIn(state); };
 }
 
 double SurfaceContext::scale() const

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
+
 #include "Quorvel/Platform/Application.h"
 #include "Quorvel/Platform/Geometry.h"
 
@@ -39,6 +42,8 @@ struct SurfaceContext {
     ArrowCursor& arrow;
     Signal<>& repaint; ///< emitted when all that is in sight has to be drawn anew
 
+    /// For a `PointerTracker`.
+    std::function<std::uint64_t(std::uint16_t state)> modifiersIn() const;
     /// Pixels per point.
     double scale() const;
     /// A screen frame (points, bottom-left origin) on whole pixels of the X screen.

@@ -53,7 +53,7 @@ protected:
 
 private:
     const std::function<void()> m_onPointerMoved;
-    PointerTracker m_pointer;
+    PointerTracker m_pointer{m_context.modifiersIn()};
     std::vector<Subscription> m_subscriptions;
     Subscription m_accessible; ///< while it is ordered in
 };

@@ -52,7 +52,7 @@ private:
     Rect m_frame; ///< points, bottom-left origin
     bool m_isOrderedIn = false;
     bool m_isMapped = false;
-    PointerTracker m_pointer;
+    PointerTracker m_pointer{m_context.modifiersIn()};
     std::unique_ptr<DropTarget> m_drops;
     std::vector<Subscription> m_subscriptions;
 };

@@ -21,6 +21,8 @@ struct ModifierMap {
 
     /// The bits for a mask of `HotkeyModifier`; absent if no key sets one of them.
     std::optional<std::uint16_t> bitsOf(std::uint32_t modifiers) const;
+    /// The modifiers of `KeyModifier` in an event's state.
+    std::uint64_t modifiersIn(std::uint16_t state) const;
     /// Every state that the locks can be in, as bits, with none of them first; locks that are among
     /// the given bits are left out.
     std::vector<std::uint16_t> lockStates(std::uint16_t without) const;

@@ -1,4 +1,4 @@
-#include "Hosts/X11/Input/ModifierMap.h"
+#include "Hosts/X11/ModifierMap.h"
 
 #include <array>
 #include <span>
@@ -9,13 +9,14 @@
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Reply.h"
 #include "Quorvel/Platform/Hotkeys.h"
+#include "Quorvel/Platform/KeyEvent.h"
 
 namespace quorvel::xdg::x11 {
 
 namespace {
 
 constexpr int kFirstMovable = XCB_MAP_INDEX_1;
-constexpr int kModifiers = 8;
+constexpr int kModifierBits = 8;
 
 /// The symbols of each key.
 class KeySymbols {
@@ -86,7 +87,7 @@ ModifierMap ModifierMap::read(const Connection& connection)
     const KeySymbols symbols{*mapping, setup.min_keycode};
     std::uint16_t meta = 0;
     const auto* key = xcb_get_modifier_mapping_keycodes(keys.get());
-    for (int modifier = 0; modifier < kModifiers; ++modifier) {
+    for (int modifier = 0; modifier < kModifierBits; ++modifier) {
         for (int i = 0; i < keys->keycodes_per_modifier; ++i, ++key) {
             if (modifier < kFirstMovable || *key == 0)
                 continue;
@@ -114,6 +115,13 @@ std::optional<std::uint16_t> ModifierMap::bitsOf(std::uint32_t modifiers) const
         modifiers &= ~mask;
     }
     return modifiers == 0 ? std::optional{bits} : std::nullopt;
+}
+
+std::uint64_t ModifierMap::modifiersIn(std::uint16_t state) const
+{
+    return (state & XCB_MOD_MASK_SHIFT ? KeyModifier::shift : 0)
+        | (state & XCB_MOD_MASK_CONTROL ? KeyModifier::control : 0)
+        | (state & option ? KeyModifier::option : 0) | (state & command ? KeyModifier::command : 0);
 }
 
 std::vector<std::uint16_t> ModifierMap::lockStates(std::uint16_t without) const
