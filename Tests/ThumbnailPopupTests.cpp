@@ -2,6 +2,7 @@
 #include "Quorvel/Views/ThumbnailPopup.h"
 
 #include "Quorvel/Core/ThumbnailService.h"
+#include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/PeekFading.h"
 #include "Tests/Support/BarFixture.h"
 
@@ -264,6 +265,28 @@ TEST_F(ThumbnailPopupTest, aSingleWindowsTitleIsShownWhole)
         whole += (whole.empty() ? "" : " ") + line;
     EXPECT_EQ(whole, "A rather long title of a letter that was begun on a Monday in spring");
     EXPECT_GT(popup()->frame().height, height);
+}
+
+// Fault: a count in a form that the language has for other numbers.
+TEST_F(ThumbnailPopupTest, countsTheWindowsForWhichThereIsNoRoom)
+{
+    Translator::current().plural = [](const char* one, const char*, std::size_t count) {
+        return (count == 1 ? "once " : "often ") + std::string{one};
+    };
+    const auto count = [this](const char* form) {
+        const auto before = [&](const std::string& text) { return text.starts_with(form); };
+        return std::ranges::count_if(popup()->render().texts(), before);
+    };
+    openGroup();
+    while (popup() && count("once ") == 0 && cards().size() < 100) {
+        desktop.open(mail, {.title = "Another"});
+        settle();
+    }
+    EXPECT_EQ(count("once 1 more"), 1);
+    desktop.open(mail, {.title = "Another"});
+    settle();
+    EXPECT_EQ(count("often 2 more"), 1);
+    Translator::current() = {};
 }
 
 // Faults: windows fade for a pointer that only passes; each card has to be waited for, or windows

@@ -42,17 +42,23 @@ template <typename... Values> std::string trFormat(const char* english, const Va
     }
 }
 
-/// A text with one `{}`, which is the number of things.
-inline std::string trCount(const char* one, const char* many, std::size_t count)
+/// A text with one `{}`, which is the number of things, as `shown`: that may be written otherwise.
+template <typename Shown>
+std::string trCount(const char* one, const char* many, std::size_t count, const Shown& shown)
 {
     auto* translate = Translator::current().plural;
     const char* english = count == 1 ? one : many;
     try {
         return fmt::format(
-            fmt::runtime(translate ? translate(one, many, count) : std::string{english}), count);
+            fmt::runtime(translate ? translate(one, many, count) : std::string{english}), shown);
     } catch (const fmt::format_error&) {
-        return fmt::format(fmt::runtime(english), count);
+        return fmt::format(fmt::runtime(english), shown);
     }
+}
+
+inline std::string trCount(const char* one, const char* many, std::size_t count)
+{
+    return trCount(one, many, count, count);
 }
 
 }

@@ -1,6 +1,8 @@
 #include "Quorvel/Views/ItemMarks.h"
 
 #include <algorithm>
+#include <charconv>
+#include <system_error>
 
 #include "Quorvel/Platform/Text.h"
 #include "Quorvel/Platform/Translation.h"
@@ -17,6 +19,7 @@ struct ItemMarksStyle {
     static constexpr double pillTextSize = 0.76; ///< share of the pill's height
     static constexpr double pillPadding = 0.3; ///< share of the pill's height
     static constexpr double attentionRest = 0.25; ///< strength at the weakest of a pulse
+    static constexpr std::size_t countOfMany = 100; ///< where a badge has no number
 };
 
 }
@@ -53,8 +56,15 @@ Rect badgeRect(const Text& measure, std::string_view badge, const Rect& icon, do
 
 std::string badgeText(const std::string& badge)
 {
-    bool hasNumber = std::ranges::any_of(badge, [](char c) { return c >= '0' && c <= '9'; });
-    return hasNumber ? trFormat("{} unread", badge) : tr("unread");
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    if (std::ranges::none_of(badge, isDigit))
+        return tr("unread");
+    std::size_t count = 0;
+    auto* end = badge.data() + badge.size();
+    auto [rest, error] = std::from_chars(badge.data(), end, count);
+    if (error != std::errc{} || rest != end)
+        count = ItemMarksStyle::countOfMany; // as in "99+"
+    return trCount("{} unread", "{} unread", count, badge);
 }
 
 void paintProgress(Canvas& canvas, const Rect& face, double radius, std::optional<double> progress,

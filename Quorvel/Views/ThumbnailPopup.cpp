@@ -68,7 +68,7 @@ private:
             Rect more{0,
                 face.maxY() - ThumbnailPopupLayout::kPadding - ThumbnailPopupLayout::kMoreHeight,
                 face.width, ThumbnailPopupLayout::kMoreHeight};
-            canvas.drawText(trFormat("{} more", m_hiddenCount), more,
+            canvas.drawText(trCount("{} more", "{} more", m_hiddenCount), more,
                 {.size = ThumbnailPopupStyle::moreTextSize,
                     .color = m_palette.text,
                     .alignment = TextAlignment::centre});

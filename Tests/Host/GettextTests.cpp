@@ -14,6 +14,7 @@
 #include "Hosts/Linux/Gettext.h"
 #include "Hosts/X11/X11Application.h"
 #include "Quorvel/Platform/Translation.h"
+#include "Quorvel/Views/ItemMarks.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 namespace quorvel::xdg {
@@ -101,6 +102,23 @@ TEST_F(GettextTest, numbersHaveTheFormsOfTheirLanguage)
     EXPECT_EQ(windows(3) + windows(10) + windows(105), "3 نوافذ10 نوافذ105 نوافذ");
     EXPECT_EQ(windows(11) + windows(99), "11 نافذة99 نافذة");
     EXPECT_EQ(windows(100) + windows(102), "100 نافذة102 نافذة");
+}
+
+// Faults: a badge of one, or of two in Arabic, that is read out as many; "99+" as if it were 99, or
+// without its sign.
+TEST_F(GettextTest, badgesHaveTheFormsOfTheirLanguage)
+{
+    const auto badges = [] {
+        return itemMarks::badgeText("1") + ", " + itemMarks::badgeText("2") + ", "
+            + itemMarks::badgeText("99+");
+    };
+    want("fr");
+    EXPECT_EQ(badges(), "1 non lu, 2 non lus, 99+ non lus");
+    EXPECT_EQ(itemMarks::badgeText("1 new"), "1 new non lus");
+    EXPECT_EQ(itemMarks::badgeText("•"), "non lu");
+    EXPECT_EQ(itemMarks::badgeText(std::string(40, '9')), std::string(40, '9') + " non lus");
+    want("ar");
+    EXPECT_EQ(badges(), "عنصر واحد غير مقروء, عنصران غير مقروءين, 99+ عنصر غير مقروء");
 }
 
 // Faults: a crash of the C library, or an empty text, from a catalogue that a full disk has cut
