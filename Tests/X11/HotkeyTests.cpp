@@ -319,7 +319,8 @@ protected:
 };
 
 // Faults: a lock, or another layout, hides it; it types a space; it does not close what it opened;
-// what another program has is said to work, or does not come back.
+// what another program has is said to work, or does not come back; the other shortcut opens
+// nothing, or the launcher.
 TEST_P(GlobalShortcut, opensAndClosesTheLauncherInEveryStateOfTheKeyboard)
 {
     use("at first");
@@ -332,6 +333,16 @@ TEST_P(GlobalShortcut, opensAndClosesTheLauncherInEveryStateOfTheKeyboard)
     for (const std::string layout : {"de", "ru"}) {
         ASSERT_EQ((Process{{"setxkbmap", layout}, server.environment()}.waitForEnd()), 0);
         use(layout);
+    }
+    set("findModifiers=4096");
+    set("findKeyCode=40");
+    ASSERT_TRUE(eventually([&] { return bar.state().findHotkey == "registered"; }));
+    for (const bool isWanted : {true, false}) {
+        hand.chord(control, k);
+        EXPECT_TRUE(eventually([&] {
+            const auto state = bar.state();
+            return !state.launcher && state.finder.has_value() == isWanted;
+        })) << "the list of windows";
     }
     OtherProgram other{server};
     other.grab(k, XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1);

@@ -260,6 +260,7 @@ State State::parse(const std::string& json)
     try {
         const auto said = Json::parse(json);
         state.hotkey = stateOf(said.at("hotkey"));
+        state.findHotkey = stateOf(said.at("findHotkey"));
         state.numberKeys = stateOf(said.at("numberKeys"));
         read(said, "activeSpace", state.activeSpace, "focusedWindow", state.focusedWindow,
             "windows", state.windows, "spaces", state.spaces, "panels", state.panels, "menu",

@@ -135,6 +135,7 @@ struct State {
     std::optional<Launcher> launcher; ///< none while it is closed
     std::optional<Finder> finder; ///< none while it is closed
     std::optional<std::string> hotkey; ///< what became of the global shortcut; none without one
+    std::optional<std::string> findHotkey; ///< the same of the one that opens the finder
     std::optional<std::string> numberKeys; ///< the same for the number keys
 };
 
