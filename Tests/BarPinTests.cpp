@@ -1,5 +1,6 @@
 // What the pins of the bar know of their applications, and how they come and go.
 #include "Quorvel/Core/BadgeService.h"
+#include "Quorvel/Views/Kit/Palette.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -22,22 +23,38 @@ struct BarPinTest : ThreeWindows {
         page = desktop.open(browser, {.title = "Page", .spaces = {space}});
         settle();
     }
-    std::string spokenPin(const std::string& id)
+    AccessibleElement* pinElement(const std::string& id)
     {
         for (auto* element : content().accessibleChildren()) {
             if (element->accessibleID() == "pin-" + id)
-                return element->accessibleState().name;
+                return element;
         }
-        return {};
+        return nullptr;
     }
-    Point middleOfPin(const std::string& wanted)
+    std::string spokenPin(const std::string& id)
+    {
+        auto* element = pinElement(id);
+        return element ? element->accessibleState().name : std::string{};
+    }
+    Rect pinFrame(const std::string& wanted)
     {
         for (auto& [id, frame] : content().pinFrames()) {
             if (id == wanted)
-                return frame.centre();
+                return frame;
         }
         ADD_FAILURE() << wanted << " has no pin";
         return {};
+    }
+    Point middleOfPin(const std::string& wanted) { return pinFrame(wanted).centre(); }
+    /// The sizes of what is seen in a colour.
+    std::vector<Size> drawnOnPin(const std::string& id, const Color& color)
+    {
+        std::vector<Size> sizes;
+        for (auto& fill : panel().render().drawn<DrawnFill>()) {
+            if (fill.color == color && pinFrame(id).contains(fill.rect.centre()))
+                sizes.push_back(fill.visible.size());
+        }
+        return sizes;
     }
     void drag(Point from, Point to)
     {
@@ -66,9 +83,13 @@ TEST_F(BarPinTest, tellsWhatItsApplicationIsDoing)
     auto& services = desktop.launchServices();
     services.setAvailable(true);
     start();
+    const auto palette = Palette::of({});
     EXPECT_EQ(spokenPin("browser"), "browser");
     openBrowserOn(SpaceID{2});
     EXPECT_EQ(spokenPin("browser"), "browser, open on another desktop");
+    EXPECT_THAT(drawnOnPin("browser", palette.quietText), ElementsAre(testing::FieldsAre(6, 2)));
+    EXPECT_THAT(drawnOnPin("player", palette.quietText), IsEmpty());
+    EXPECT_THAT(drawnOnPin("browser", palette.progress), IsEmpty());
 
     services.statuses = {{"browser", "3", 0.5}};
     services.applications["browser"]
@@ -76,6 +97,10 @@ TEST_F(BarPinTest, tellsWhatItsApplicationIsDoing)
     desktop.advance(BadgeService::pollInterval + seconds(2));
     EXPECT_EQ(spokenPin("browser"), "browser, 3 unread, open on another desktop, wants attention");
     EXPECT_THAT(panel().render().texts(), Contains("3"));
+    auto width = pinFrame("browser").width;
+    EXPECT_THAT(drawnOnPin("browser", palette.progress),
+        ElementsAre(testing::FieldsAre(testing::DoubleNear(width / 2, 0.5), testing::Gt(10))));
+    EXPECT_EQ(pinElement("browser")->accessibleState().progress, 0.5);
 
     services.statuses.clear();
     services.applications["browser"].wantsAttention = false;
@@ -84,6 +109,8 @@ TEST_F(BarPinTest, tellsWhatItsApplicationIsDoing)
     desktop.terminate(browser);
     settle();
     EXPECT_EQ(spokenPin("browser"), "browser");
+    EXPECT_THAT(drawnOnPin("browser", palette.quietText), IsEmpty());
+    EXPECT_THAT(drawnOnPin("browser", palette.progress), IsEmpty());
 }
 
 // Faults: another instance is started although there is a window to go to; a window that is on

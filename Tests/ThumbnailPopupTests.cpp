@@ -3,6 +3,7 @@
 
 #include "Quorvel/Core/ThumbnailService.h"
 #include "Quorvel/Platform/Translation.h"
+#include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/PeekFading.h"
 #include "Tests/Support/BarFixture.h"
 
@@ -287,6 +288,49 @@ TEST_F(ThumbnailPopupTest, countsTheWindowsForWhichThereIsNoRoom)
     settle();
     EXPECT_EQ(count("often 2 more"), 1);
     Translator::current() = {};
+}
+
+// Faults: nothing tells which of the cards is in use, or which of them calls; that stays when it is
+// over; a button without a name.
+TEST_F(ThumbnailPopupTest, cardsTellTheFocusedAndTheUrgentWindow)
+{
+    runtime.reset();
+    desktop.launchServices().setAvailable(true);
+    start();
+    openGroup();
+    desktop.advance(seconds(1));
+    const auto palette = Palette::of({});
+    const auto isEdged = [&](WindowID window, const Color& color) {
+        const auto strokes = popup()->render().drawn<DrawnStroke>();
+        return std::ranges::any_of(strokes, [&](auto& stroke) {
+            return stroke.color == color && stroke.width >= 2
+                && stroke.rect.contains(onCard(window));
+        });
+    };
+    const auto isFilled = [&](WindowID window, const Color& color) {
+        const auto fills = popup()->render().drawn<DrawnFill>();
+        return std::ranges::any_of(fills,
+            [&](auto& fill) { return fill.color == color && fill.rect.contains(onCard(window)); });
+    };
+    const auto looks = [&](WindowID window) {
+        return std::string{isEdged(window, palette.accent) ? "focus " : ""}
+        + (isFilled(window, palette.cardFill) ? "filled " : "")
+            + (isEdged(window, palette.attentionMark) ? "urgent " : "")
+            + (isFilled(window, palette.attention) ? "calling " : "");
+    };
+    EXPECT_EQ(looks(inbox), "focus filled ");
+    EXPECT_EQ(std::ranges::count(popup()->elements(), "Close",
+                  [](auto* element) { return element->accessibleState().name; }),
+        3);
+    EXPECT_EQ(looks(draft), "");
+    desktop.launchServices().requests = {{draft, "mail"}};
+    settle();
+    EXPECT_EQ(looks(draft), "urgent calling ");
+    desktop.launchServices().requests.clear();
+    desktop.focus(draft);
+    settle();
+    EXPECT_EQ(looks(draft), "focus filled ");
+    EXPECT_EQ(looks(inbox), "");
 }
 
 // Faults: windows fade for a pointer that only passes; each card has to be waited for, or windows
