@@ -1,6 +1,7 @@
 // A row with more chips than fit: what scrolls it, what holds it still, and what its ends tell.
 #include "Quorvel/Views/Kit/Palette.h"
 #include "Quorvel/Views/ScrollArrow.h"
+#include "Quorvel/Views/Tooltips.h"
 #include "Tests/Support/BarFixture.h"
 
 namespace quorvel::test {
@@ -286,7 +287,8 @@ TEST_F(BarScrollTest, theRowYieldsToTheHand)
 }
 
 // Faults: who asks for attention beyond an end is not found by eye or ear, or is told of at the
-// wrong end, or still when in sight or content; the mark cannot be told from the ground.
+// wrong end, or still when in sight or content; the mark cannot be told from the ground; an arrow
+// that has no name for a pointer that rests on it.
 TEST_F(BarScrollTest, anArrowTellsWhatWantsAttentionBeyondIt)
 {
     auto tells = [](const char* arrow) {
@@ -295,13 +297,18 @@ TEST_F(BarScrollTest, anArrowTellsWhatWantsAttentionBeyondIt)
     runtime.reset();
     desktop.launchServices().setAvailable(true);
     start();
-    EXPECT_THAT(tellingArrows(), IsEmpty());
-    desktop.launchServices().requests = {{many[50], "editor"}};
-    settle();
-    EXPECT_THAT(tellingArrows(), tells("scroll-right"));
     auto end = Point{0, 10};
     for (auto& [id, frame] : content().chipFrames())
         end.x = std::max(end.x, frame.maxX() + ScrollArrow::kWidth / 2);
+    EXPECT_THAT(tellingArrows(), IsEmpty());
+    panel().movePointer(end);
+    desktop.advance(Tooltips::kShowDelay);
+    ASSERT_TRUE(popup());
+    EXPECT_THAT(popup()->render().texts(), ElementsAre("Scroll"));
+    leave();
+    desktop.launchServices().requests = {{many[50], "editor"}};
+    settle();
+    EXPECT_THAT(tellingArrows(), tells("scroll-right"));
     for (bool isDark : {false, true}) {
         changeAppearance([&](auto& appearance) { appearance.isDark = isDark; });
         auto drawn = panel().render();

@@ -34,7 +34,7 @@ AccessibleState ScrollArrow::accessibleState() const
 
 std::string ScrollArrow::tooltip() const
 {
-    return m_tellsAttention ? accessibleState().name : std::string{};
+    return m_tellsAttention ? accessibleState().name : tr("Scroll");
 }
 
 void ScrollArrow::paint(Canvas& canvas) const
