@@ -23,7 +23,7 @@ struct MenuMetrics {
     static constexpr double rowRadius = 7; ///< concentric with the corners of the menu
     static constexpr double radius = 12; ///< as of popups and launchers
     static constexpr double minimumWidth = 150;
-    static constexpr double maximumWidth = 420;
+    static constexpr double maximumWidth = 540; ///< in every language the longest text of ours fits
     static constexpr double fontSize = 13;
     static constexpr double stripHeight = 18; ///< over the first or last row, where there is more
 };
