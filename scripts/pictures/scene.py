@@ -16,10 +16,13 @@ def picture(function):
     return function
 
 
-def stack(options, name, parts):
+FEW_COLOURS = ("+dither", "-colors", "256")  # a third of the size, where there are no gradients
+
+
+def stack(options, name, parts, *more):
     path = os.path.join(options.folder, name)
-    subprocess.run(["convert", *parts, "-background", "#39586b", "-splice", "0x4", "-append", "-strip",
-                    path], check=True)
+    subprocess.run(["convert", *parts, "-background", "#39586b", "-splice", "0x4", "-append", *more,
+                    "-strip", path], check=True)
     for part in parts:
         os.remove(part)
 
@@ -28,11 +31,11 @@ def part(options, number):
     return os.path.join(options.folder, f".part-{number}.png")
 
 
-def beside(options, name, parts):
+def beside(options, name, parts, *more):
     """The launcher's part of each screen, side by side."""
     path = os.path.join(options.folder, name)
-    subprocess.run(["convert", *parts, "-background", "#39586b", "-splice", "4x0", "+append", "-strip",
-                    path], check=True)
+    subprocess.run(["convert", *parts, "-background", "#39586b", "-splice", "4x0", "+append", *more,
+                    "-strip", path], check=True)
     for item in parts:
         os.remove(item)
 
@@ -51,6 +54,18 @@ def make_pseudo(options):
                     os.path.join(os.path.dirname(options.program), "share/locale")], check=True)
 
 
+def picture_at_rest(desktop, window, path):
+    """Of a window that draws itself in its own time: once it has stood still for two seconds."""
+    seen, since = None, time.monotonic()
+    while time.monotonic() < since + 2:
+        desktop.run("import", "-window", window, "-strip", path)
+        with open(path, "rb") as file:
+            now = file.read()
+        if now != seen:
+            seen, since = now, time.monotonic()
+        time.sleep(0.3)
+
+
 def settings_part(desktop, options, number, page, width=None, scale=1):
     """The window with the settings, at a page by its number from 0, with its title bar."""
     desktop.run(desktop.program, "--settings")
@@ -59,13 +74,12 @@ def settings_part(desktop, options, number, page, width=None, scale=1):
     if width:
         desktop.run("xdotool", "windowsize", "--sync", window, str(width * scale), str(560 * scale))
     desktop.run("xdotool", "windowactivate", "--sync", window)
-    time.sleep(1)
+    path = part(options, number)
+    picture_at_rest(desktop, window, path)
     for _ in range(page):
         desktop.run("xdotool", "key", "ctrl+Next")
         time.sleep(0.5)
-    time.sleep(1)
-    path = part(options, number)
-    desktop.run("import", "-window", window, "-strip", path)
+    picture_at_rest(desktop, window, path)
     desktop.run("xdotool", "key", "Escape")
     wait_for(lambda: not desktop.output(*search), "the end of the window")
     return path
