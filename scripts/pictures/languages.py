@@ -1,5 +1,4 @@
 """Scenes in other languages, and in those that nobody speaks."""
-import os
 import time
 
 from desktop import Desktop, wait_for
