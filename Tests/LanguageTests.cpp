@@ -128,6 +128,47 @@ TEST_F(LanguageTest, nothingInTheLauncherIsLeftOut)
     }
 }
 
+// What comes and goes with the pointer, and what the list of windows says.
+TEST_F(LanguageTest, nothingThatTheBarTellsIsLeftOut)
+{
+    startWithApplications();
+    pins().setPin("Maps", PinDestination::bar, true);
+    desktop.advance(seconds(3));
+    const auto expectTold = [this](const char* where) {
+        auto* told = desktop.surfaces().popup(); // which says nothing to screen readers
+        ASSERT_TRUE(told) << where;
+        EXPECT_THAT(told->render().texts(), Not(IsEmpty()));
+        for (auto& text : told->render().texts())
+            expectTranslated(text, where);
+    };
+    const auto cell = content().spaceCellFrames()[1].second.centre();
+    for (auto place : {button(), cell, content().spaceListButtonFrame().centre(),
+             content().showDesktopButtonFrame().centre()}) {
+        panel().movePointer(place);
+        desktop.advance(seconds(1));
+        expectTold("tooltip");
+    }
+    leave();
+    panel().press(chipFrame(inbox)->centre());
+    panel().movePointer({cell.x / 2, cell.y});
+    panel().movePointer(cell);
+    expectTold("chip over a cell");
+    panel().pressKey(KeyCode::escape);
+    panel().release(cell);
+    leave();
+
+    panel().setModifiers(KeyModifier::option);
+    clickChip(inbox, PointerButton::secondary);
+    panel().setModifiers(0);
+    EXPECT_TRUE(desktop.surfaces().chooseMenuItem("[About This Window]"));
+    EXPECT_GT(expectTranslated(desktop.surfaces().menus().back(), "about a window"), 3u);
+    expectMenu("menu with Alt");
+
+    desktop.control().send({"--find"});
+    desktop.advance(seconds(1));
+    EXPECT_GT(expectTranslated(desktop.surfaces().launcher(), "list of windows"), 3u);
+}
+
 // The window itself is made of the system's controls.
 TEST_F(LanguageTest, nothingInTheSettingsIsLeftOut)
 {
