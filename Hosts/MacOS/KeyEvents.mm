@@ -3,19 +3,11 @@
 #include <Carbon/Carbon.h>
 
 #include "Hosts/MacOS/Conversions.h"
+#include "Hosts/MacOS/Rules/KeyTable.h"
 
 namespace quorvel {
 
 namespace {
-
-/// The keys that type nothing have characters of a private use.
-std::string typed(NSString* characters)
-{
-    const bool isKey = characters.length == 1 &&
-        [characters characterAtIndex:0] >= NSUpArrowFunctionKey &&
-        [characters characterAtIndex:0] <= NSModeSwitchFunctionKey;
-    return isKey ? std::string{} : fromSystem(characters);
-}
 
 static_assert(KeyCode::enter == KeyCode{kVK_Return});
 static_assert(KeyCode::keypadEnter == KeyCode{kVK_ANSI_KeypadEnter});
@@ -34,36 +26,35 @@ static_assert(KeyCode::insert == KeyCode{kVK_Help});
 static_assert(KeyCode::pageUp == KeyCode{kVK_PageUp});
 static_assert(KeyCode::pageDown == KeyCode{kVK_PageDown});
 static_assert(KeyCode::forwardDelete == KeyCode{kVK_ForwardDelete});
+// The headers of macOS 14 have no name for the menu key.
+static_assert(KeyCode::menu == KeyCode{0x6E});
+
+static_assert(KeyModifier::shift == NSEventModifierFlagShift);
+static_assert(KeyModifier::control == NSEventModifierFlagControl);
+static_assert(KeyModifier::option == NSEventModifierFlagOption);
+static_assert(KeyModifier::command == NSEventModifierFlagCommand);
+
+static_assert(key_character::kFirst == NSUpArrowFunctionKey);
+static_assert(key_character::kForwardDelete == NSDeleteFunctionKey);
+static_assert(key_character::kLast == NSModeSwitchFunctionKey);
 
 }
 
-std::uint64_t modifiersOf(NSEvent* event)
-{
-    // The bits of the other flags say which of two keys of a kind it was.
-    constexpr std::uint64_t known
-        = KeyModifier::shift | KeyModifier::control | KeyModifier::option | KeyModifier::command;
-    return event.modifierFlags & known;
-}
+std::uint64_t modifiersOf(NSEvent* event) { return keyModifiersOf(event.modifierFlags); }
 
 NSString* keyEquivalentOf(KeyCode key)
 {
-    switch (key) {
-    case KeyCode::enter:
-        return @"\r";
-    case KeyCode::backspace:
-        return @"\b";
-    case KeyCode::forwardDelete:
-        return [NSString stringWithFormat:@"%C", static_cast<unichar>(NSDeleteFunctionKey)];
-    default:
-        return @"";
-    }
+    const unichar character = menuCharacterOf(key);
+    return character ? [NSString stringWithCharacters:&character length:1] : @"";
 }
 
 KeyEvent keyEventOf(NSEvent* event)
 {
-    return {KeyCode{event.keyCode}, typed(event.characters),
-        typed(event.charactersIgnoringModifiers), modifiersOf(event),
-        static_cast<bool>(event.ARepeat)};
+    return keyEventOf({.keyCode = event.keyCode,
+        .characters = fromSystem(event.characters),
+        .charactersIgnoringModifiers = fromSystem(event.charactersIgnoringModifiers),
+        .modifierFlags = event.modifierFlags,
+        .isRepeat = static_cast<bool>(event.ARepeat)});
 }
 
 }

@@ -6,22 +6,21 @@
 #include "Hosts/MacOS/Rules/DropOperation.h"
 #include "Hosts/MacOS/Rules/KeyboardSession.h"
 #include "Hosts/MacOS/Rules/PointerSession.h"
+#include "Hosts/MacOS/Rules/ScrollTranslation.h"
 
 using quorvel::DropAction;
 using quorvel::PointerAction;
 using quorvel::PointerButton;
-using quorvel::ScrollPhase;
 
 namespace {
 
-ScrollPhase phaseOf(NSEvent* event)
-{
-    if (event.phase & NSEventPhaseBegan)
-        return ScrollPhase::began;
-    if (event.phase & (NSEventPhaseEnded | NSEventPhaseCancelled))
-        return ScrollPhase::ended;
-    return event.phase & NSEventPhaseChanged ? ScrollPhase::changed : ScrollPhase::none;
-}
+static_assert(quorvel::scroll::kBegan == NSEventPhaseBegan);
+static_assert(quorvel::scroll::kStationary == NSEventPhaseStationary);
+static_assert(quorvel::scroll::kChanged == NSEventPhaseChanged);
+static_assert(quorvel::scroll::kEnded == NSEventPhaseEnded);
+static_assert(quorvel::scroll::kCancelled == NSEventPhaseCancelled);
+static_assert(quorvel::scroll::kMayBegin == NSEventPhaseMayBegin);
+static_assert(NSEventPhaseNone == 0);
 
 static_assert(quorvel::drag::kCopy == NSDragOperationCopy);
 static_assert(quorvel::drag::kLink == NSDragOperationLink);
@@ -323,21 +322,14 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 - (void)scrollWheel:(NSEvent*)event
 {
-    if (!_client)
-        return;
-    const NSPoint location = [self convertPoint:event.locationInWindow fromView:nil];
-    // A wheel without precise deltas counts lines, more of them the faster it turns; each event is
-    // a notch all the same.
-    const bool isPrecise = event.hasPreciseScrollingDeltas;
-    const double x = event.scrollingDeltaX;
-    const double y = event.scrollingDeltaY;
-    _client->scrollEvent({.location = quorvel::fromSystem(location),
-        .deltaX = isPrecise ? x : (x > 0) - (x < 0),
-        .deltaY = isPrecise ? y : (y > 0) - (y < 0),
-        .isDirectionInverted = static_cast<bool>(event.directionInvertedFromDevice),
-        .unit = isPrecise ? quorvel::ScrollUnit::points : quorvel::ScrollUnit::notches,
-        .phase = phaseOf(event),
-        .isMomentum = event.momentumPhase != NSEventPhaseNone});
+    if (_client)
+        _client->scrollEvent(quorvel::scrollEventOf({.location = [self placeOf:event],
+            .deltaX = event.scrollingDeltaX,
+            .deltaY = event.scrollingDeltaY,
+            .hasPreciseDeltas = static_cast<bool>(event.hasPreciseScrollingDeltas),
+            .isDirectionInverted = static_cast<bool>(event.directionInvertedFromDevice),
+            .phase = event.phase,
+            .momentumPhase = event.momentumPhase}));
 }
 
 @end

@@ -1,10 +1,12 @@
 #include "Hosts/MacOS/Rules/DropOperation.h"
 #include "Hosts/MacOS/Rules/KeyRoute.h"
+#include "Hosts/MacOS/Rules/KeyTable.h"
 #include "Hosts/MacOS/Rules/KeyboardSession.h"
 #include "Hosts/MacOS/Rules/MenuSession.h"
 #include "Hosts/MacOS/Rules/PanelTraits.h"
 #include "Hosts/MacOS/Rules/PointerSession.h"
 #include "Hosts/MacOS/Rules/ProgramArguments.h"
+#include "Hosts/MacOS/Rules/ScrollTranslation.h"
 #include "Hosts/MacOS/Rules/SettingsControls.h"
 #include "Hosts/MacOS/Rules/StandardShortcut.h"
 #include "Tests/MacSystem/Support/AppKitPanel.h"
@@ -229,6 +231,62 @@ TEST_F(MacRulesTest, keysReachTheFieldOrThePanelTheyAreFor)
     EXPECT_FALSE((KeyRoute{true, true, true}.asksClientFirst()));
     EXPECT_FALSE((KeyRoute{true, false, false}.asksClientFirst()));
     EXPECT_FALSE((KeyRoute{false, true, false}.asksClientFirst()));
+}
+
+// Faults: an arrow types a character that no font has, and a letter just outside their range types
+// nothing; a shortcut without modifiers is none because the key is an arrow; a menu shows the wrong
+// of two Delete keys.
+TEST_F(MacRulesTest, aKeyThatTypesNothingHasNoText)
+{
+    constexpr std::uint64_t numericPad = 1 << 21, function = 1 << 23, rightShift = 4;
+    const auto shift = KeyModifier::shift;
+    const auto up
+        = keyEventOf({126, "\uF700", "\uF700", numericPad | function | shift | rightShift});
+    EXPECT_EQ(up.keyCode, KeyCode::up);
+    EXPECT_EQ(up.characters + up.charactersIgnoringModifiers, "");
+    EXPECT_EQ(up.modifiers, shift);
+    const auto menu = keyEventOf({110, "\uF735", "\uF735", function, true});
+    EXPECT_TRUE(menu.asksForMenu());
+    EXPECT_TRUE(menu.isRepeat);
+    EXPECT_EQ(menu.characters, "");
+    EXPECT_EQ(keyEventOf({0, "\uF747"}).characters, "");
+    for (const char* text : {"\uF6FF", "\uF748", "abc", "o\\@", "\uF700\uF700", "\r", ""})
+        EXPECT_EQ(keyEventOf({0, text}).characters, text);
+
+    EXPECT_EQ(menuCharacterOf(KeyCode::enter), u'\r');
+    EXPECT_EQ(menuCharacterOf(KeyCode::backspace), u'\b');
+    EXPECT_EQ(menuCharacterOf(KeyCode::forwardDelete), u'\uF728');
+    EXPECT_EQ(menuCharacterOf(KeyCode::up), 0);
+}
+
+// Faults: a wheel that turns fast switches many spaces; a gesture that the system cancels, or ends
+// with its last step, never ends; fingers that rest before they scroll begin one; momentum counts
+// as one more gesture.
+TEST_F(MacRulesTest, aWheelTurnsByNotchesAndFingersBeginAndEnd)
+{
+    const auto wheel = scrollEventOf({.deltaX = -0.1, .deltaY = 12, .isDirectionInverted = true});
+    EXPECT_EQ(wheel.unit, ScrollUnit::notches);
+    EXPECT_EQ(wheel.deltaX, -1);
+    EXPECT_EQ(wheel.deltaY, 1);
+    EXPECT_TRUE(wheel.isDirectionInverted);
+    EXPECT_EQ(scrollEventOf({}).deltaY, 0);
+
+    const auto fingers = [](std::uint64_t phase, std::uint64_t momentum = 0) {
+        return scrollEventOf(
+            {.deltaY = -2.5, .hasPreciseDeltas = true, .phase = phase, .momentumPhase = momentum});
+    };
+    EXPECT_EQ(fingers(scroll::kBegan).phase, ScrollPhase::began);
+    EXPECT_EQ(fingers(scroll::kBegan).unit, ScrollUnit::points);
+    EXPECT_EQ(fingers(scroll::kChanged).deltaY, -2.5);
+    EXPECT_EQ(fingers(scroll::kChanged).phase, ScrollPhase::changed);
+    EXPECT_EQ(fingers(scroll::kChanged | scroll::kEnded).phase, ScrollPhase::ended);
+    EXPECT_EQ(fingers(scroll::kCancelled).phase, ScrollPhase::ended);
+    EXPECT_FALSE(fingers(scroll::kEnded).isMomentum);
+    for (auto resting : {scroll::kMayBegin, scroll::kStationary})
+        EXPECT_EQ(fingers(resting).phase, ScrollPhase::none);
+    const auto momentum = fingers(0, scroll::kBegan);
+    EXPECT_EQ(momentum.phase, ScrollPhase::none);
+    EXPECT_TRUE(momentum.isMomentum);
 }
 
 // Faults: controls made anew under the user's pointer for each change of a value; a row that shows
