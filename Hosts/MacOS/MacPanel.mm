@@ -1,11 +1,10 @@
 #include "Hosts/MacOS/MacPanel.h"
 
-#include <algorithm>
-
 #include "Hosts/MacOS/Conversions.h"
 #include "Hosts/MacOS/Focus.h"
 #include "Hosts/MacOS/KeyEvents.h"
 #include "Hosts/MacOS/Rules/KeyRoute.h"
+#include "Hosts/MacOS/Rules/PanelSlide.h"
 #include "Hosts/MacOS/Rules/PanelTraits.h"
 #include "Hosts/MacOS/StandardKeys.h"
 #include "Quorvel/Platform/Workspace.h"
@@ -266,21 +265,15 @@ void MacPanel::setSlide(double share)
     placeSlid();
 }
 
-/// The panel becomes lower, and its content hangs from its upper edge: moved down as it is, it
-/// would be seen on a display below. A panel of no height there cannot be, so the content of one
-/// that has gone whole hangs below it; were it hidden, screen readers would not find it.
 void MacPanel::placeSlid()
 {
-    const double seen = std::max(1.0, m_frame.height * (1 - m_slide));
-    const bool isGone = m_slide >= 1;
+    const auto slid = PanelSlide::of(m_frame, m_slide);
     m_panel.contentView.autoresizesSubviews = NO;
-    [m_panel setFrame:NSMakeRect(m_frame.x, m_frame.y, m_frame.width, seen) display:YES];
-    const double above = isGone ? 0 : seen;
-    const NSRect whole = NSMakeRect(0, above - m_frame.height, m_frame.width, m_frame.height);
-    m_view.frame = whole;
-    m_blur.frame = whole;
+    [m_panel setFrame:toSystem(slid.panel) display:YES];
+    m_view.frame = toSystem(slid.content);
+    m_blur.frame = toSystem(slid.content);
     m_panel.contentView.autoresizesSubviews = YES;
-    if (!isGone)
+    if (!slid.isGone)
         return;
     releaseKeyboard();
     [m_view losePointer];

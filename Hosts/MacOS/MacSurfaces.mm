@@ -5,6 +5,8 @@
 #include "Hosts/MacOS/MacPanel.h"
 #include "Hosts/MacOS/MacTextField.h"
 
+static_assert(quorvel::MenuSession::kKeyDown == NSEventTypeKeyDown);
+
 /// The system's menu of a session.
 @interface QVMenuTarget : NSObject
 - (instancetype)initWithMenu:(const quorvel::Menu&)menu
@@ -64,11 +66,8 @@
         return quorvel::MenuEnding::dismissed;
     // Flipped: this is the upper left corner, where the menu of a bar at the bottom edge ends.
     const NSPoint above = NSMakePoint(NSMinX(anchor), NSMinY(anchor) - _menu.size.height);
-    if ([_menu popUpMenuPositioningItem:nil atLocation:above inView:view])
-        return quorvel::MenuEnding::chosen;
-    // What ended the menu's own loop is still the event at hand.
-    return NSApp.currentEvent.type == NSEventTypeKeyDown ? quorvel::MenuEnding::escaped
-                                                         : quorvel::MenuEnding::dismissed;
+    const bool isChosen = [_menu popUpMenuPositioningItem:nil atLocation:above inView:view];
+    return quorvel::MenuSession::endingOf(isChosen, NSApp.currentEvent.type);
 }
 
 - (void)cancel

@@ -9,8 +9,7 @@
 #include "Hosts/MacOS/Rules/ScrollTranslation.h"
 
 using quorvel::DropAction;
-using quorvel::PointerAction;
-using quorvel::PointerButton;
+using quorvel::PointerSession;
 
 namespace {
 
@@ -62,9 +61,8 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 @implementation QVSurfaceView {
     quorvel::SurfaceClient* _client;
     const quorvel::Published<quorvel::Appearance>* _appearance;
-    std::unique_ptr<quorvel::PointerSession> _pointer;
+    std::unique_ptr<PointerSession> _pointer;
     NSTrackingArea* _trackingArea;
-    PointerButton _leftButton; ///< what the left one counts as until it is let go
 }
 
 @synthesize accessibleChildren = _accessibleChildren;
@@ -77,7 +75,7 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
     if (self) {
         _client = client;
         _appearance = &context.application.appearance();
-        _pointer = std::make_unique<quorvel::PointerSession>(*client, context.mainQueue, keepAwake);
+        _pointer = std::make_unique<PointerSession>(*client, context.mainQueue, keepAwake);
         self.wantsLayer = YES;
         self.layerContentsRedrawPolicy = NSViewLayerContentsRedrawOnSetNeedsDisplay;
         self.autoresizingMask = NSViewWidthSizable | NSViewHeightSizable;
@@ -175,22 +173,6 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
     CGContextRestoreGState(context);
 }
 
-- (quorvel::PointerEvent)event:(PointerAction)action of:(NSEvent*)event button:(PointerButton)button
-{
-    quorvel::PointerEvent pointer{
-        action, [self placeOf : event], button, {}, quorvel::modifiersOf(event)};
-    // The other kinds of event do not say which buttons are down.
-    if (event.type == NSEventTypeMouseMoved)
-        pointer.held = quorvel::PointerButtons{};
-    return pointer;
-}
-
-- (void)send:(PointerAction)action event:(NSEvent*)event button:(PointerButton)button
-{
-    if (_client)
-        _client->pointerEvent([self event:action of:event button:button]);
-}
-
 - (void)losePointer
 {
     if (_pointer)
@@ -202,10 +184,22 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
     return quorvel::fromSystem([self convertPoint:event.locationInWindow fromView:nil]);
 }
 
-- (void)move:(NSEvent*)event
+- (void)dragPointer:(NSEvent*)event
 {
     if (_pointer)
-        _pointer->moved([self event:PointerAction::moved of:event button:PointerButton::none]);
+        _pointer->dragged([self placeOf:event], quorvel::modifiersOf(event));
+}
+
+- (void)press:(NSInteger)button of:(NSEvent*)event
+{
+    if (_pointer)
+        _pointer->pressed(button, [self placeOf:event], quorvel::modifiersOf(event));
+}
+
+- (void)release:(NSInteger)button of:(NSEvent*)event
+{
+    if (_pointer)
+        _pointer->released(button, [self placeOf:event], quorvel::modifiersOf(event));
 }
 
 - (void)mouseEntered:(NSEvent*)event
@@ -222,58 +216,53 @@ std::vector<std::string> pathsOf(id<NSDraggingInfo> drag)
 
 - (void)mouseMoved:(NSEvent*)event
 {
-    [self move:event];
+    if (_pointer)
+        _pointer->moved([self placeOf:event], quorvel::modifiersOf(event));
 }
 
 - (void)mouseDragged:(NSEvent*)event
 {
-    [self move:event];
+    [self dragPointer:event];
 }
 
 - (void)rightMouseDragged:(NSEvent*)event
 {
-    [self move:event];
+    [self dragPointer:event];
 }
 
 - (void)otherMouseDragged:(NSEvent*)event
 {
-    [self move:event];
+    [self dragPointer:event];
 }
 
 - (void)mouseDown:(NSEvent*)event
 {
-    // Control and a click have meant the other button since mice had one. What is held when it is
-    // let go may be another modifier.
-    _leftButton = event.modifierFlags & NSEventModifierFlagControl ? PointerButton::secondary
-                                                                   : PointerButton::primary;
-    [self send:PointerAction::pressed event:event button:_leftButton];
+    [self press:PointerSession::kLeft of:event];
 }
 
 - (void)mouseUp:(NSEvent*)event
 {
-    [self send:PointerAction::released event:event button:_leftButton];
+    [self release:PointerSession::kLeft of:event];
 }
 
 - (void)rightMouseDown:(NSEvent*)event
 {
-    [self send:PointerAction::pressed event:event button:PointerButton::secondary];
+    [self press:PointerSession::kRight of:event];
 }
 
 - (void)rightMouseUp:(NSEvent*)event
 {
-    [self send:PointerAction::released event:event button:PointerButton::secondary];
+    [self release:PointerSession::kRight of:event];
 }
 
 - (void)otherMouseDown:(NSEvent*)event
 {
-    if (event.buttonNumber == 2)
-        [self send:PointerAction::pressed event:event button:PointerButton::middle];
+    [self press:event.buttonNumber of:event];
 }
 
 - (void)otherMouseUp:(NSEvent*)event
 {
-    if (event.buttonNumber == 2)
-        [self send:PointerAction::released event:event button:PointerButton::middle];
+    [self release:event.buttonNumber of:event];
 }
 
 - (BOOL)acceptsFirstResponder

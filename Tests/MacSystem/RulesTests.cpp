@@ -3,6 +3,7 @@
 #include "Hosts/MacOS/Rules/KeyTable.h"
 #include "Hosts/MacOS/Rules/KeyboardSession.h"
 #include "Hosts/MacOS/Rules/MenuSession.h"
+#include "Hosts/MacOS/Rules/PanelSlide.h"
 #include "Hosts/MacOS/Rules/PanelTraits.h"
 #include "Hosts/MacOS/Rules/PointerSession.h"
 #include "Hosts/MacOS/Rules/ProgramArguments.h"
@@ -10,29 +11,17 @@
 #include "Hosts/MacOS/Rules/SettingsControls.h"
 #include "Hosts/MacOS/Rules/StandardShortcut.h"
 #include "Tests/MacSystem/Support/AppKitPanel.h"
+#include "Tests/MacSystem/Support/PanelClient.h"
 #include "Tests/Support/Matchers.h"
 
 namespace quorvel::test {
 
 namespace {
 
-struct Client final : SurfaceClient {
-    void paint(Canvas&, const Rect&) override { }
-    void pointerEvent(const PointerEvent& event) override { heard.push_back(event.action); }
-    void pointerLost() override { ++losses; }
-    void scrollEvent(const ScrollEvent&) override { }
-    void surfaceDidResize(Size) override { }
-    void keyboardDidChange(bool hasKeyboard) override { keyboard.push_back(hasKeyboard); }
-
-    std::vector<PointerAction> heard;
-    std::vector<bool> keyboard;
-    int losses = 0;
-};
-
 struct MacRulesTest : testing::Test {
     FakeDesktop desktop;
     AppKitPanel panel{desktop};
-    Client client;
+    PanelClient client;
     Queue& mainQueue = desktop.dispatch().main();
 };
 
@@ -124,7 +113,7 @@ TEST_F(MacRulesTest, thePointerLeavesWithItsSurfaceAndTheProgramIsAwakeWhileItIs
     PointerSession pointer{client, mainQueue, [&] { return Subscription{awake}; }};
     const auto holds = [&] { return awake.use_count() - 1; };
 
-    pointer.moved({PointerAction::moved, {1, 1}, PointerButton::none, PointerButtons{}});
+    pointer.moved({1, 1}, 0);
     pointer.entered({1, 1});
     EXPECT_THAT(client.heard, ElementsAre(PointerAction::entered, PointerAction::moved));
     EXPECT_EQ(holds(), 1);
@@ -138,9 +127,44 @@ TEST_F(MacRulesTest, thePointerLeavesWithItsSurfaceAndTheProgramIsAwakeWhileItIs
     EXPECT_EQ(holds(), 1) << "it is there again";
     pointer.exited({0, 0});
     EXPECT_EQ(holds(), 1) << "what leaving sets off";
-    pointer.moved({PointerAction::moved, {-5, -5}}); // a drag does not tell what is held
+    pointer.dragged({-5, -5}, 0);
     desktop.advance(PointerSession::kAwakeAfterwards);
     EXPECT_EQ(holds(), 0) << "a drag that left it does not hold it";
+}
+
+// Faults: a Control-click that ends without Control presses with one button and lets another go; so
+// does one that the right button comes into; a button for "back" closes windows as the middle one.
+TEST_F(MacRulesTest, aButtonMeansTheSameUntilItIsLetGo)
+{
+    using enum PointerButton;
+    PointerSession pointer{client, mainQueue, [] { return Subscription{}; }};
+    constexpr auto left = PointerSession::kLeft, right = PointerSession::kRight;
+    pointer.pressed(left, {}, KeyModifier::control | KeyModifier::shift);
+    pointer.pressed(right, {}, 0);
+    pointer.released(right, {}, 0);
+    pointer.released(left, {}, 0);
+    EXPECT_THAT(client.buttons, testing::Each(secondary));
+    client.buttons.clear();
+    pointer.pressed(left, {}, KeyModifier::command);
+    pointer.released(left, {}, KeyModifier::control);
+    pointer.pressed(PointerSession::kMiddle, {}, KeyModifier::control);
+    pointer.pressed(3, {}, 0);
+    EXPECT_THAT(client.buttons, ElementsAre(primary, primary, middle));
+}
+
+// Faults: a bar that slides is seen on the display below, or its upper part goes first; one that
+// has gone leaves a line of itself at the edge.
+TEST_F(MacRulesTest, aBarSlidesBehindTheEdgeItStandsOn)
+{
+    const Rect frame{100, 900, 1000, 40};
+    const auto half = PanelSlide::of(frame, 0.5), gone = PanelSlide::of(frame, 1);
+    EXPECT_EQ(half.panel, (Rect{100, 900, 1000, 20}));
+    EXPECT_EQ(half.content, (Rect{0, -20, 1000, 40}));
+    EXPECT_FALSE(half.isGone);
+    EXPECT_EQ(PanelSlide::of(frame, 0.99).panel.height, 1) << "AppKit has no panels below";
+    EXPECT_EQ(gone.panel, (Rect{100, 900, 1000, 1}));
+    EXPECT_EQ(gone.content.maxY(), 0);
+    EXPECT_TRUE(gone.isGone);
 }
 
 // Faults: the action runs under the open menu; a program that ends waits for the user to close a
@@ -204,6 +228,16 @@ TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrThe
     menu.open(late, note("5 begins"));
     desktop.drain();
     EXPECT_THAT(log, ElementsAre("4 is told", "4 closed", "5 closed"));
+}
+
+// Faults: after Escape the keys do not go back to where they were; after a press elsewhere they do.
+TEST_F(MacRulesTest, aMenuThatAKeyEndedWasEscaped)
+{
+    constexpr std::uint64_t leftMouseDown = 1, none = 0;
+    EXPECT_EQ(MenuSession::endingOf(true, MenuSession::kKeyDown), MenuEnding::chosen) << "Return";
+    EXPECT_EQ(MenuSession::endingOf(false, MenuSession::kKeyDown), MenuEnding::escaped);
+    EXPECT_EQ(MenuSession::endingOf(false, leftMouseDown), MenuEnding::dismissed);
+    EXPECT_EQ(MenuSession::endingOf(false, none), MenuEnding::dismissed);
 }
 
 // Faults: a field without a menu bar cannot paste; a Cyrillic layout has no shortcuts; Return

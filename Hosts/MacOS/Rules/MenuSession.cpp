@@ -28,6 +28,13 @@ void MenuSession::run(const Show& show, Cancel cancel)
         next();
 }
 
+MenuEnding MenuSession::endingOf(bool isChosen, std::uint64_t currentEventType)
+{
+    if (isChosen)
+        return MenuEnding::chosen;
+    return currentEventType == kKeyDown ? MenuEnding::escaped : MenuEnding::dismissed;
+}
+
 void MenuSession::choose(std::size_t entry)
 {
     if (m_isCancelled || entry >= m_actions.size() || !m_actions[entry])

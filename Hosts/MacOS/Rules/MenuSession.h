@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -20,6 +21,9 @@ public:
     /// Ends the showing of it.
     using Cancel = std::function<void()>;
 
+    /// Of `NSEventType`.
+    static constexpr std::uint64_t kKeyDown = 10;
+
     MenuSession(Queue& mainQueue, std::function<void(MenuEnding)> onClosed);
 
     /// The number of an entry with this action.
@@ -31,6 +35,9 @@ public:
     /// Closes the menu and drops the choice.
     void cancel();
     bool isShown() const { return m_cancel != nullptr; }
+    /// What ended the loop of the system's menu is still the program's current event; 0 if there is
+    /// none.
+    static MenuEnding endingOf(bool isChosen, std::uint64_t currentEventType);
     /// Called after the menu has left the screen; replaces an earlier callback.
     void setNext(Work next) { m_next = std::move(next); }
 

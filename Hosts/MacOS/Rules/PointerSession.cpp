@@ -21,18 +21,58 @@ void PointerSession::entered(Point at)
     m_client.pointerEvent({PointerAction::entered, at});
 }
 
-void PointerSession::moved(const PointerEvent& event)
-{
-    // Whoever drags out of it is still told, but is not there.
-    if (event.held)
-        entered(event.location);
-    m_client.pointerEvent(event);
-}
-
 void PointerSession::exited(Point at)
 {
     if (leave())
         m_client.pointerEvent({PointerAction::exited, at});
+}
+
+void PointerSession::moved(Point at, std::uint64_t modifiers)
+{
+    entered(at);
+    m_client.pointerEvent(
+        {PointerAction::moved, at, PointerButton::none, PointerButtons{}, modifiers});
+}
+
+void PointerSession::dragged(Point at, std::uint64_t modifiers)
+{
+    // The event does not say which buttons are down.
+    m_client.pointerEvent({PointerAction::moved, at, PointerButton::none, {}, modifiers});
+}
+
+void PointerSession::pressed(std::int64_t button, Point at, std::uint64_t modifiers)
+{
+    if (button == kLeft)
+        m_left
+            = modifiers & KeyModifier::control ? PointerButton::secondary : PointerButton::primary;
+    tellOfButton(PointerAction::pressed, button, at, modifiers);
+}
+
+void PointerSession::released(std::int64_t button, Point at, std::uint64_t modifiers)
+{
+    tellOfButton(PointerAction::released, button, at, modifiers);
+}
+
+PointerButton PointerSession::meaningOf(std::int64_t button) const
+{
+    switch (button) {
+    case kLeft:
+        return m_left;
+    case kRight:
+        return PointerButton::secondary;
+    case kMiddle:
+        return PointerButton::middle;
+    default:
+        return PointerButton::none;
+    }
+}
+
+void PointerSession::tellOfButton(
+    PointerAction action, std::int64_t button, Point at, std::uint64_t modifiers)
+{
+    const auto meaning = meaningOf(button);
+    if (meaning != PointerButton::none)
+        m_client.pointerEvent({action, at, meaning, {}, modifiers});
 }
 
 bool PointerSession::leave()
