@@ -43,8 +43,8 @@ public:
 private:
     class Calls final : public SystemPanel {
     public:
-        explicit Calls(QVPanel* panel)
-            : m_panel(panel)
+        explicit Calls(MacPanel& owner)
+            : m_owner(owner)
         {
         }
 
@@ -55,22 +55,25 @@ private:
         void becomeKey() override;
         void resignKey() override;
         bool isKey() const override;
+        bool isVisible() const override;
+        void directKeysToContent() override;
+        void setClientSeesKeysFirst(bool) override;
+        void activateProgram() override;
+        void handBackActivation() override;
 
         void setOpacity(double);
 
     private:
-        QVPanel* m_panel;
+        MacPanel& m_owner;
         double m_opacity = 1;
     };
 
     void placeSlid();
     void activeSpaceDidChange();
-    void keyDidChange(bool isKey);
     void monitorKeys();
     void stopMonitoringKeys();
     bool isComposing() const;
 
-    const PanelKind m_kind;
     SurfaceClient& m_client;
     QVPanel* m_panel;
     QVSurfaceView* m_view;
@@ -80,7 +83,6 @@ private:
     KeyboardSession m_keyboard;
     Rect m_frame; ///< of the whole panel, wherever it has slid to
     double m_slide = 0;
-    bool m_canBecomeKey = false;
     id m_keyMonitor = nil; ///< of a launcher, while it is the key window
     Subscription m_activeSpaceChange;
 };

@@ -159,30 +159,48 @@ NSVisualEffectView* makeBlur(NSRect frame)
 
 // MARK: The system's panel
 
-void MacPanel::Calls::orderIn() { [m_panel orderFrontRegardless]; }
+void MacPanel::Calls::orderIn() { [m_owner.m_panel orderFrontRegardless]; }
 
-void MacPanel::Calls::orderOut() { [m_panel orderOut:nil]; }
+void MacPanel::Calls::orderOut() { [m_owner.m_panel orderOut:nil]; }
 
-void MacPanel::Calls::setUnseen(bool isUnseen) { m_panel.alphaValue = isUnseen ? 0 : m_opacity; }
+void MacPanel::Calls::setUnseen(bool isUnseen)
+{
+    m_owner.m_panel.alphaValue = isUnseen ? 0 : m_opacity;
+}
 
 void MacPanel::Calls::setOpacity(double opacity)
 {
     m_opacity = opacity;
-    m_panel.alphaValue = opacity;
+    m_owner.m_panel.alphaValue = opacity;
 }
 
 std::optional<WindowID> MacPanel::Calls::number() const
 {
     // It is that of the server's window only while there is one.
-    const NSInteger number = m_panel.windowNumber;
+    const NSInteger number = m_owner.m_panel.windowNumber;
     return number > 0 ? std::optional{WindowID{static_cast<std::uint32_t>(number)}} : std::nullopt;
 }
 
 /// A panel that does not activate its program can be the key window, and the active program remains
 /// what it is.
-void MacPanel::Calls::becomeKey() { [m_panel makeKeyWindow]; }
+void MacPanel::Calls::becomeKey() { [m_owner.m_panel makeKeyWindow]; }
 
-bool MacPanel::Calls::isKey() const { return m_panel.keyWindow; }
+bool MacPanel::Calls::isKey() const { return m_owner.m_panel.keyWindow; }
+
+bool MacPanel::Calls::isVisible() const { return m_owner.isVisible(); }
+
+void MacPanel::Calls::directKeysToContent() { [m_owner.m_panel makeFirstResponder:m_owner.m_view]; }
+
+void MacPanel::Calls::setClientSeesKeysFirst(bool doesSee)
+{
+    m_owner.stopMonitoringKeys();
+    if (doesSee)
+        m_owner.monitorKeys();
+}
+
+void MacPanel::Calls::activateProgram() { [NSApp activateIgnoringOtherApps:YES]; }
+
+void MacPanel::Calls::handBackActivation() { handBackFocus(); }
 
 /// A window gives the keyboard up only when it goes off the screen, so one that nobody sees takes
 /// it and goes.
@@ -204,17 +222,14 @@ void MacPanel::Calls::resignKey()
 
 MacPanel::MacPanel(
     const SurfaceContext& context, const PanelOptions& options, SurfaceClient& client)
-    : m_kind(options.kind)
-    , m_client(client)
+    : m_client(client)
     , m_panel(makePanel(PanelTraits::of(options.kind)))
     , m_view([[QVSurfaceView alloc] initWithFrame:m_panel.contentView.bounds
                                            client:&client
                                           context:context])
-    , m_calls(m_panel)
+    , m_calls(*this)
     , m_place(context.windowServer, m_calls, ownSpace(options))
-    , m_keyboard(m_calls, client, context.mainQueue,
-          m_kind == PanelKind::launcher ? KeyboardSession::ToldEnds::all
-                                        : KeyboardSession::ToldEnds::ofHeldKeyboard)
+    , m_keyboard(m_calls, client, context.mainQueue, PanelTraits::of(options.kind).keys)
     , m_activeSpaceChange(
           context.workspace.activeSpaceDidChange.subscribe([this] { activeSpaceDidChange(); }))
 {
@@ -222,11 +237,11 @@ MacPanel::MacPanel(
         m_panel.title = title;
     [m_panel.contentView addSubview:m_view];
     m_view.keyboard = &m_keyboard;
-    m_panel.mayBecomeKey
-        = ^BOOL { return m_kind == PanelKind::window || m_canBecomeKey || m_keyboard.isWanted(); };
-    if (m_kind == PanelKind::window || m_kind == PanelKind::launcher)
+    m_panel.mayBecomeKey = ^BOOL { return m_keyboard.mayBecomeKey(); };
+    if (PanelTraits::of(options.kind).isClosable)
         m_panel.onCloseWanted = ^{ m_client.closeRequested(); };
-    m_panel.onKeyChanged = ^(BOOL isKey) { keyDidChange(isKey); };
+    // It may do away with this.
+    m_panel.onKeyChanged = ^(BOOL isKey) { m_keyboard.keyDidChange(isKey); };
 }
 
 MacPanel::~MacPanel()
@@ -285,8 +300,7 @@ void MacPanel::orderOut()
 {
     [m_view losePointer];
     m_place.orderOut();
-    if (m_kind == PanelKind::window)
-        handBackFocus();
+    m_keyboard.panelDidGo();
 }
 
 void MacPanel::activeSpaceDidChange()
@@ -296,20 +310,9 @@ void MacPanel::activeSpaceDidChange()
         [m_view losePointer];
 }
 
-void MacPanel::setCanBecomeKey(bool canBecomeKey) { m_canBecomeKey = canBecomeKey; }
+void MacPanel::setCanBecomeKey(bool canBecomeKey) { m_keyboard.setCanBecomeKey(canBecomeKey); }
 
-void MacPanel::makeKeyAndOrderFront()
-{
-    if (m_kind == PanelKind::window)
-        [NSApp activateIgnoringOtherApps:YES];
-    if (m_kind == PanelKind::launcher || m_kind == PanelKind::window) {
-        orderFront();
-        takeKeyboard();
-        return;
-    }
-    if (m_place.orderFrontForKey())
-        [m_panel makeKeyWindow];
-}
+void MacPanel::makeKeyAndOrderFront() { m_keyboard.makeKeyAndOrderFront(m_place); }
 
 bool MacPanel::isVisible() const { return m_panel.visible && m_panel.onActiveSpace; }
 
@@ -324,26 +327,7 @@ Duration MacPanel::frameInterval() const
     return seconds(1.0 / static_cast<double>(rate > 0 ? rate : 60));
 }
 
-bool MacPanel::takeKeyboard()
-{
-    if (!isVisible())
-        return false;
-    m_keyboard.take();
-    [m_panel makeFirstResponder:m_view];
-    return true;
-}
-
-void MacPanel::keyDidChange(bool isKey)
-{
-    stopMonitoringKeys();
-    if (isKey && m_kind == PanelKind::launcher)
-        monitorKeys();
-    if (isKey && m_kind == PanelKind::window && !m_keyboard.isWanted()) {
-        m_keyboard.take(); // the user has turned to it
-        [m_panel makeFirstResponder:m_view];
-    }
-    m_keyboard.keyDidChange(isKey); // which may do away with the panel
-}
+bool MacPanel::takeKeyboard() { return m_keyboard.take(); }
 
 /// A field of the system would use the keys that are for the whole panel.
 void MacPanel::monitorKeys()

@@ -1,7 +1,9 @@
 #include "Hosts/MacOS/Rules/PanelPlace.h"
 
+#include "Hosts/MacOS/Rules/KeyboardSession.h"
 #include "Tests/MacSystem/Support/AppKitPanel.h"
 #include "Tests/MacSystem/Support/MacFixture.h"
+#include "Tests/MacSystem/Support/PanelClient.h"
 
 namespace quorvel::test {
 
@@ -57,6 +59,39 @@ TEST_F(MacPanelPlaceTest, aPanelIsNeverSeenOnAnotherSpaceThanItsOwn)
     mac.answer("CopyManagedDisplaySpaces", {});
     PanelPlace{server, lost, SpaceID{1}}.orderFront();
     EXPECT_TRUE(lost.isIn);
+}
+
+// Faults: the launcher moves the user to another space, or takes the program before out of front; a
+// window of ours lies inactive behind the others, or the program stays active once it has gone; a
+// bar of another space takes the keys where nobody sees it.
+TEST_F(MacPanelPlaceTest, aPanelIsBroughtUpAsWhatItIs)
+{
+    using Keys = PanelTraits::Keys;
+    const auto server = makeWindowServer();
+    PanelClient client;
+    auto& mainQueue = desktop.dispatch().main();
+    for (auto keys : {Keys::fromTheStart, Keys::whenKey}) {
+        AppKitPanel everywhere{desktop};
+        PanelPlace place{server, everywhere, std::nullopt};
+        KeyboardSession keyboard{everywhere, client, mainQueue, keys};
+        keyboard.makeKeyAndOrderFront(place);
+        EXPECT_TRUE(everywhere.isIn);
+        EXPECT_TRUE(keyboard.isWanted());
+        EXPECT_EQ(everywhere.isProgramActive, keys == Keys::whenKey);
+        place.orderOut();
+        keyboard.panelDidGo();
+        EXPECT_FALSE(everywhere.isProgramActive);
+    }
+
+    PanelPlace far{server, panel, SpaceID{3}};
+    KeyboardSession bar{panel, client, mainQueue, Keys::onRequest};
+    mac.answer("CopySpacesForWindows", array({number(2)}));
+    bar.makeKeyAndOrderFront(far);
+    EXPECT_FALSE(panel.isKeyNow) << "the server lets it lie where it is";
+    mac.forgetAnswer("CopySpacesForWindows");
+    bar.makeKeyAndOrderFront(far);
+    EXPECT_TRUE(panel.isKeyNow);
+    EXPECT_FALSE(bar.isWanted()) << "the user goes there, the keys stay where they are";
 }
 
 }

@@ -34,7 +34,7 @@ TEST_F(MacRulesTest, aPanelHasOneTraitOfEachKindThatTheSystemKnows)
         kManaged | kTransient | kStationary,
         kFullScreenPrimary | kFullScreenAuxiliary | kFullScreenNone,
         kPrimary | kAuxiliary | kCanJoinAllApplications};
-    for (auto kind : {PanelKind::bar, PanelKind::fullscreenProxy, PanelKind::popup,
+    for (auto kind : {PanelKind::bar, PanelKind::fullscreenProxy, PanelKind::popup, PanelKind::menu,
              PanelKind::launcher, PanelKind::window, PanelKind::edge}) {
         const auto traits = PanelTraits::of(kind);
         const bool isOrdinary = kind == PanelKind::window;
@@ -44,6 +44,7 @@ TEST_F(MacRulesTest, aPanelHasOneTraitOfEachKindThatTheSystemKnows)
         EXPECT_EQ(bool(traits.collectionBehavior & (kCanJoinAllApplications | kIgnoresCycle)),
             !isOrdinary)
             << "Stage Manager, Command-`";
+        EXPECT_EQ(traits.isClosable, traits.keys != PanelTraits::Keys::onRequest) << "Command-W";
         EXPECT_EQ(traits.hasOwnSpace,
             !(traits.collectionBehavior & (kCanJoinAllSpaces | kMoveToActiveSpace)));
         const bool isSaidToTheSystem
@@ -59,7 +60,9 @@ TEST_F(MacRulesTest, aPanelHasOneTraitOfEachKindThatTheSystemKnows)
 // no beginning; the panel stays key after the end.
 TEST_F(MacRulesTest, theKeyboardIsTheClientsOnceTheSystemHasHadItsSay)
 {
-    KeyboardSession keyboard{panel, client, mainQueue};
+    KeyboardSession keyboard{panel, client, mainQueue, PanelTraits::Keys::onRequest};
+    EXPECT_FALSE(keyboard.take()) << "nobody would see what the keys do";
+    panel.orderIn();
     keyboard.take();
     keyboard.keyDidChange(true);
     EXPECT_FALSE(keyboard.isHeld());
@@ -86,7 +89,8 @@ TEST_F(MacRulesTest, theKeyboardIsTheClientsOnceTheSystemHasHadItsSay)
 // own, or after they came late; it is told twice.
 TEST_F(MacRulesTest, whereTheKeysMatterMostEveryLossIsTold)
 {
-    KeyboardSession keyboard{panel, client, mainQueue, KeyboardSession::ToldEnds::all};
+    panel.orderIn();
+    KeyboardSession keyboard{panel, client, mainQueue, PanelTraits::Keys::fromTheStart};
     keyboard.take();
     keyboard.keyDidChange(false);
     EXPECT_THAT(client.keyboard, ElementsAre(false)) << "before the confirmation";
@@ -103,6 +107,41 @@ TEST_F(MacRulesTest, whereTheKeysMatterMostEveryLossIsTold)
     desktop.advance(KeyboardSession::kPatience);
     keyboard.keyDidChange(false);
     EXPECT_THAT(client.keyboard, ElementsAre(false, false, true, false));
+}
+
+// Faults: the settings have no keys after the user has been elsewhere; they ask again and again for
+// what they have; a window cannot be the key one, or a bar can that nobody has allowed to; a field
+// gets the keys of the launcher's list, or goes on losing its own when that has closed.
+TEST_F(MacRulesTest, whatThePanelIsDecidesWhatBeingTheKeyWindowMeans)
+{
+    using Keys = PanelTraits::Keys;
+    panel.orderIn();
+    KeyboardSession window{panel, client, mainQueue, Keys::whenKey};
+    EXPECT_TRUE(window.mayBecomeKey());
+    for (int turns : {1, 2}) {
+        panel.isKeyNow = true;
+        window.keyDidChange(true);
+        window.keyDidChange(true);
+        EXPECT_EQ(panel.turnsToContent, turns);
+        desktop.advance(KeyboardSession::kPatience);
+        EXPECT_TRUE(window.isHeld());
+        window.keyDidChange(false);
+    }
+    EXPECT_THAT(client.keyboard, ElementsAre(true, false, true, false));
+    EXPECT_FALSE(panel.clientSeesKeysFirst);
+
+    KeyboardSession bar{panel, client, mainQueue, Keys::onRequest};
+    EXPECT_FALSE(bar.mayBecomeKey());
+    bar.keyDidChange(true);
+    EXPECT_FALSE(bar.isWanted()) << "a click on it";
+    bar.setCanBecomeKey(true);
+    EXPECT_TRUE(bar.mayBecomeKey());
+
+    KeyboardSession launcher{panel, client, mainQueue, Keys::fromTheStart};
+    launcher.keyDidChange(true);
+    EXPECT_TRUE(panel.clientSeesKeysFirst);
+    launcher.keyDidChange(false);
+    EXPECT_FALSE(panel.clientSeesKeysFirst);
 }
 
 // Faults: a chip stays lit after its bar went with its space; a hover timer sleeps; the program is

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "Hosts/MacOS/Rules/PanelTraits.h"
 #include "Hosts/MacOS/Rules/SystemPanel.h"
 #include "Quorvel/Platform/Dispatch.h"
 
 namespace quorvel {
 
+class PanelPlace;
 class SurfaceClient;
 
 /// The keyboard of one panel, which has it although another program is active. A panel is the key
@@ -14,30 +16,36 @@ class KeyboardSession {
 public:
     static constexpr Duration kPatience = seconds(0.05);
 
-    /// Which end the client is told of. A panel that is there for its keys has to hear also that
-    /// they never came, or came too late and are gone.
-    enum class ToldEnds { ofHeldKeyboard, all };
+    KeyboardSession(SystemPanel&, SurfaceClient&, Queue& mainQueue, PanelTraits::Keys);
 
-    KeyboardSession(
-        SystemPanel&, SurfaceClient&, Queue& mainQueue, ToldEnds = ToldEnds::ofHeldKeyboard);
-
-    void take();
+    /// False while nobody would see what the keys do.
+    bool take();
     void release();
+    void makeKeyAndOrderFront(PanelPlace&);
+    /// The panel was ordered out.
+    void panelDidGo();
     /// The panel became the key window, or stopped being it.
     void keyDidChange(bool isKey);
+    void setCanBecomeKey(bool canBecomeKey) { m_canBecomeKey = canBecomeKey; }
+    /// Whether the system may make the panel the key window.
+    bool mayBecomeKey() const;
     /// The keyboard is requested or held.
     bool isWanted() const { return m_isWanted; }
     /// Keys go to the client.
     bool isHeld() const { return m_isHeld; }
 
 private:
+    using Keys = PanelTraits::Keys;
+
+    void request();
     void confirm();
     void end();
 
     SystemPanel& m_panel;
     SurfaceClient& m_client;
     Queue& m_mainQueue;
-    ToldEnds m_toldEnds;
+    const Keys m_keys;
+    bool m_canBecomeKey = false;
     bool m_isWanted = false;
     bool m_isHeld = false;
     WorkItem m_confirmation;

@@ -17,13 +17,17 @@ PanelTraits PanelTraits::of(PanelKind kind)
     case PanelKind::launcher:
         return {.level = Level::floating,
             .collectionBehavior = always | kCanJoinAllSpaces | kTransient | kFullScreenAuxiliary,
-            .hasOwnSpace = false};
+            .hasOwnSpace = false,
+            .keys = Keys::fromTheStart,
+            .isClosable = true};
     case PanelKind::window:
         // The user works with it wherever they are, as with any program's window.
         return {.level = Level::normal,
             .collectionBehavior = kMoveToActiveSpace | kManaged | kFullScreenAuxiliary,
             .isTitled = true,
-            .hasOwnSpace = false};
+            .hasOwnSpace = false,
+            .keys = Keys::whenKey,
+            .isClosable = true};
     case PanelKind::fullscreenProxy:
         return {.level = Level::normal,
             .collectionBehavior = always | kStationary | kFullScreenAuxiliary,

@@ -32,6 +32,18 @@ struct PanelTraits {
     /// With the values of `CGWindowLevelKey`.
     enum class Level { normal = 4, floating = 5, dock = 7, popUpMenu = 11 };
 
+    /// When it has the keyboard.
+    enum class Keys {
+        /// While its client asks for it. Made key, it takes the user to its space.
+        onRequest,
+        /// From when it comes up, wherever the user is: it is there for what is typed. Its client
+        /// sees keys before a text field does, and hears also that they never came, or came too
+        /// late and are gone.
+        fromTheStart,
+        /// Whenever the user turns to it, as to any program's window; it comes up with its program.
+        whenKey,
+    };
+
     Level level = Level::dock;
     std::uint64_t collectionBehavior = 0;
     /// Whether clicks go through all of it, or through none though it is transparent. Absent:
@@ -41,6 +53,9 @@ struct PanelTraits {
     bool isTitled = false;
     /// It is on one space; other panels are on whatever space is shown.
     bool hasOwnSpace = true;
+    Keys keys = Keys::onRequest;
+    /// By the user, with its button or the key for that.
+    bool isClosable = false;
 
     static PanelTraits of(PanelKind);
 };

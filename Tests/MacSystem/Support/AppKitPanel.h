@@ -27,6 +27,11 @@ struct AppKitPanel final : SystemPanel {
     void becomeKey() override { isKeyNow = mayBecomeKey; }
     void resignKey() override { isKeyNow = false; }
     bool isKey() const override { return isKeyNow; }
+    bool isVisible() const override { return isIn; }
+    void directKeysToContent() override { ++turnsToContent; }
+    void setClientSeesKeysFirst(bool value) override { clientSeesKeysFirst = value; }
+    void activateProgram() override { isProgramActive = true; }
+    void handBackActivation() override { isProgramActive = false; }
 
     void note()
     {
@@ -42,6 +47,9 @@ struct AppKitPanel final : SystemPanel {
     bool isUnseen = false;
     bool isKeyNow = false;
     bool mayBecomeKey = true;
+    bool clientSeesKeysFirst = false;
+    bool isProgramActive = false;
+    int turnsToContent = 0;
 };
 
 }
