@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Reply.h"
 #include "Hosts/X11/XSettingsData.h"
 
@@ -11,11 +12,6 @@ namespace quorvel::xdg::x11 {
 namespace {
 
 constexpr std::uint32_t kMostWords = 1 << 16;
-
-template <typename Event> const Event& as(const xcb_generic_event_t* event)
-{
-    return *reinterpret_cast<const Event*>(event);
-}
 
 }
 

@@ -68,7 +68,7 @@ bool namesAProgram(GKeyFile* keys)
 }
 
 /// As a desktop entry's command line: quoted, and no field code in it.
-std::string quoted(const std::string& program)
+std::string quotedProgram(const std::string& program)
 {
     std::string line = "\"";
     for (char character : program) {
@@ -89,7 +89,7 @@ void name(GKeyFile* keys, const std::string& program)
     g_key_file_set_string(keys, kGroup, G_KEY_FILE_DESKTOP_KEY_COMMENT, tr("Taskbar").c_str());
     // Nothing is started, and no session complains, once the program is gone.
     g_key_file_set_string(keys, kGroup, G_KEY_FILE_DESKTOP_KEY_TRY_EXEC, program.c_str());
-    g_key_file_set_string(keys, kGroup, kExec, quoted(program).c_str());
+    g_key_file_set_string(keys, kGroup, kExec, quotedProgram(program).c_str());
 }
 
 }

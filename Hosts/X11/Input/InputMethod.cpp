@@ -94,7 +94,7 @@ struct InputMethod::Callbacks {
 
 namespace {
 
-constexpr auto kPatience = seconds(0.5);
+constexpr auto kInputPatience = seconds(0.5);
 /// Beyond it, something is wrong with what is being composed.
 constexpr std::size_t kLongestComposition = 4096;
 
@@ -277,7 +277,7 @@ void InputMethod::keepNothing()
 void InputMethod::wait()
 {
     m_isWaiting = true;
-    m_patience = m_dispatch.main().after(kPatience, [this] { end(); });
+    m_patience = m_dispatch.main().after(kInputPatience, [this] { end(); });
 }
 
 void InputMethod::answered()

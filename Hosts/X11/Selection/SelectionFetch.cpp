@@ -16,7 +16,7 @@ namespace {
 
 /// For the next word of the owner, and for all of them.
 constexpr auto kFetchPatience = seconds(2);
-constexpr auto kLongestPatience = seconds(10);
+constexpr auto kLongestWait = seconds(10);
 
 std::string utf8Of(std::string bytes, bool isLatin1)
 {
@@ -39,7 +39,7 @@ SelectionFetch::SelectionFetch(Connection& connection, Dispatch& dispatch, xcb_a
     , m_handler(std::move(handler))
     , m_window(xcb_generate_id(connection.raw()))
     , m_time(now)
-    , m_latest(dispatch.now() + kLongestPatience)
+    , m_latest(dispatch.now() + kLongestWait)
     , m_events(connection.event.subscribe([this](auto* event) { handle(event); }))
 {
     xcb_create_window(connection.raw(), XCB_COPY_FROM_PARENT, m_window, connection.root(), -1, -1,

@@ -21,7 +21,7 @@ constexpr auto kFirstPatience = seconds(0.5);
 constexpr auto kLongestPatience = seconds(60);
 /// A manager that comes or goes unmaps each window for a moment.
 constexpr auto kReturnDelay = seconds(0.1);
-constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY
+constexpr std::uint32_t kDockEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY
     | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_POINTER_MOTION
     | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
 
@@ -66,7 +66,7 @@ void DockWindow::create(const WindowVisual& visual)
         static_cast<std::int16_t>(m_frame.x), static_cast<std::int16_t>(m_frame.y),
         static_cast<std::uint16_t>(m_frame.width), static_cast<std::uint16_t>(m_frame.height), 0,
         XCB_WINDOW_CLASS_INPUT_OUTPUT, visual.visual, mask, &values);
-    m_connection.addEventMask(m_window, kEventMask);
+    m_connection.addEventMask(m_window, kDockEvents);
 }
 
 void DockWindow::describe()

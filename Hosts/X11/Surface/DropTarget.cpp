@@ -23,7 +23,7 @@ constexpr std::uint32_t kAccepts = 1;
 constexpr std::uint32_t kWantsEachMove = 2;
 constexpr std::uint32_t kMostTypes = 1024;
 constexpr auto kLookAfterSource = seconds(1);
-constexpr auto kPatience = seconds(2);
+constexpr auto kDropPatience = seconds(2);
 
 xcb_window_t sourceOf(const xcb_client_message_event_t& message)
 {
@@ -164,7 +164,7 @@ void DropTarget::drop(const xcb_client_message_event_t& message)
     auto& atoms = m_connection.atoms();
     xcb_convert_selection(m_connection.raw(), m_window, atoms.xdndSelection, atoms.textUriList,
         atoms.xdndSelection, *m_dropped);
-    m_patience = m_dispatch.main().after(kPatience, [this] { finish(false); });
+    m_patience = m_dispatch.main().after(kDropPatience, [this] { finish(false); });
 }
 
 void DropTarget::receive(const xcb_selection_notify_event_t& event)

@@ -14,7 +14,7 @@ namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_ENTER_WINDOW
+constexpr std::uint32_t kPopupEvents = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_ENTER_WINDOW
     | XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_PRESS
     | XCB_EVENT_MASK_BUTTON_RELEASE;
 
@@ -71,7 +71,7 @@ void PopupWindow::create(const std::string& title, Kind kind)
     mask |= m_visual.colormap ? XCB_CW_BACK_PIXEL | XCB_CW_COLORMAP : std::uint32_t{};
     xcb_create_window_aux(raw, m_visual.depth, m_window, m_connection.root(), 0, 0, 1, 1, 0,
         XCB_WINDOW_CLASS_INPUT_OUTPUT, m_visual.visual, mask, &values);
-    m_connection.addEventMask(m_window, kEventMask);
+    m_connection.addEventMask(m_window, kPopupEvents);
     auto type = kind == Kind::menu ? atoms.netWmWindowTypePopupMenu : atoms.netWmWindowTypeTooltip;
     WindowProperties properties{m_connection, m_window};
     properties.setAtoms(atoms.netWmWindowType, {type});

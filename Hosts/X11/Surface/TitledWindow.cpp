@@ -14,10 +14,11 @@ constexpr std::uint32_t kFromPager = 2;
 constexpr std::uint32_t kToManager
     = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT;
 // The state of the keys comes after each focus.
-constexpr std::uint32_t kEventMask = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY
-    | XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_KEYMAP_STATE | XCB_EVENT_MASK_KEY_PRESS
-    | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW
-    | XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
+constexpr std::uint32_t kTitledWindowEvents = XCB_EVENT_MASK_EXPOSURE
+    | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_FOCUS_CHANGE | XCB_EVENT_MASK_KEYMAP_STATE
+    | XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_ENTER_WINDOW
+    | XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_PRESS
+    | XCB_EVENT_MASK_BUTTON_RELEASE;
 
 }
 
@@ -53,7 +54,7 @@ void TitledWindow::create()
         static_cast<std::uint16_t>(m_frame.width), static_cast<std::uint16_t>(m_frame.height), 0,
         XCB_WINDOW_CLASS_INPUT_OUTPUT, visual.visual, XCB_CW_BACK_PIXMAP | XCB_CW_BIT_GRAVITY,
         &values);
-    m_connection.addEventMask(m_window, kEventMask);
+    m_connection.addEventMask(m_window, kTitledWindowEvents);
 }
 
 void TitledWindow::describe(const std::string& title)
