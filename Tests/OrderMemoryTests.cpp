@@ -389,7 +389,7 @@ TEST_F(OrderMemoryTest, closedWindowsLeaveRoomForOthers)
 {
     start();
     std::vector<WindowID> jobs;
-    for (std::ptrdiff_t i = 0; i < SpacePlaces::kMostVacant + 50; ++i)
+    for (std::size_t i = 0; i < SpacePlaces::kMostVacant + 50; ++i)
         jobs.push_back(open(terminal, "job"));
     settle();
     for (auto job : jobs) {
@@ -404,6 +404,24 @@ TEST_F(OrderMemoryTest, closedWindowsLeaveRoomForOthers)
     const auto& windows = orders->front().spaces.front().windows;
     EXPECT_EQ(windows.size(), SpacePlaces::kMostVacant + 1);
     EXPECT_EQ(std::ranges::count(windows, "late", &RememberedWindow::title), 1);
+}
+
+// Fault: each window that has closed makes the bar a little larger for minutes.
+TEST_F(OrderMemoryTest, noMoreClosedWindowsAreKeptThanThereWereAtOnce)
+{
+    start();
+    open(editor, "stays");
+    settle();
+    for (int i = 0; i < 20; ++i) {
+        const auto job = open(terminal, "job");
+        settle();
+        desktop.close(job);
+        settle();
+    }
+    desktop.program().willTerminate.emit();
+    const auto orders = decodeOrders(*desktop.files().bytes(FakeFiles::kOrderFile));
+    ASSERT_TRUE(orders);
+    EXPECT_EQ(orders->front().spaces.front().windows.size(), 1U + 2U);
 }
 
 // Faults: what is known of a space stays behind when it goes, and is believed of another one with

@@ -111,6 +111,7 @@ std::vector<const ChipData*> SpacePlaces::arrange(const std::vector<ChipData>& c
         if (m_places[i].window)
             placeByWindow.emplace(*m_places[i].window, i);
     }
+    m_mostAtOnce = std::max(m_mostAtOnce, chips.size());
     m_arranged.clear();
     m_placeOfChip.clear();
     for (auto& chip : chips) {
@@ -135,6 +136,7 @@ void SpacePlaces::forgetGoneWindows()
         if (place.window && !m_services.windows.window(*place.window)) {
             place.window.reset();
             place.sought.reset();
+            place.hasClosed = true;
             place.until = now + kClosedTime;
         } else if (place.until && *place.until <= now) {
             place.sought.reset();
@@ -146,20 +148,28 @@ void SpacePlaces::forgetGoneWindows()
     m_arranged.clear();
 }
 
-/// A program that opens and closes windows without end must not crowd out those that are there.
+/// A program that opens and closes windows without end must not crowd out those that are there, nor
+/// make the bar grow.
 void SpacePlaces::limitVacant()
+{
+    keepLatest(m_mostAtOnce, [](const Place& place) { return place.hasClosed; });
+    keepLatest(kMostVacant, [](const Place& place) { return !place.window && place.until; });
+}
+
+/// Of the places that are meant, those that would be given up last.
+void SpacePlaces::keepLatest(std::size_t most, bool (*isMeant)(const Place&))
 {
     std::vector<Instant> ends;
     for (auto& place : m_places) {
-        if (!place.window && place.until)
+        if (isMeant(place))
             ends.push_back(*place.until);
     }
-    if (std::ssize(ends) <= kMostVacant)
+    if (ends.size() <= most)
         return;
-    auto earliest = ends.end() - kMostVacant;
+    auto earliest = ends.end() - static_cast<std::ptrdiff_t>(most);
     std::ranges::nth_element(ends, earliest);
-    std::erase_if(m_places,
-        [&](auto& place) { return !place.window && place.until && *place.until < *earliest; });
+    std::erase_if(
+        m_places, [&](auto& place) { return isMeant(place) && *place.until < *earliest; });
 }
 
 void SpacePlaces::recogniseNumbers(const std::vector<ChipData>& chips)
@@ -251,6 +261,7 @@ void SpacePlaces::occupy(
     newIDs[place.itemID] = id;
     place.itemID = std::move(id);
     place.window = chip.id;
+    place.hasClosed = false;
     place.known.number = m_services.windowServer.nativeWindowNumber(chip.id);
     place.known.role = m_services.windowServer.windowRole(chip.id).value_or("");
     if (place.known.isFront)

@@ -31,10 +31,11 @@ struct PlaceServices {
 /// The places of the windows on one space, in the order of their chips.
 ///
 /// A place outlives its window: for a while after the window closed, since a log-out closes all of
-/// them before it ends the bar; as long as the window is on another space; and, read from the file,
-/// until the window has come back. Windows whose number still holds get their own place. Any others
-/// get the place of one like them, and may get a better one while more of them come and their
-/// titles change; that ends after `kReturnTime`, or when the user moves a chip. Main thread.
+/// them before it ends the bar, though no more than there were at once; as long as the window is on
+/// another space; and, read from the file, until the window has come back. Windows whose number
+/// still holds get their own place. Any others get the place of one like them, and may get a better
+/// one while more of them come and their titles change; that ends after `kReturnTime`, or when the
+/// user moves a chip. Main thread.
 class SpacePlaces {
 public:
     /// How long windows are waited for, from the moment that their space is there.
@@ -42,7 +43,7 @@ public:
     /// How long the place of a closed window is kept.
     static constexpr Duration kClosedTime = seconds(120);
     /// Of more places without a window, those that would be given up first go.
-    static constexpr std::ptrdiff_t kMostVacant = 250;
+    static constexpr std::size_t kMostVacant = 250;
 
     SpacePlaces(const PlaceServices& services, SpaceIdentity identity)
         : m_services(services)
@@ -79,6 +80,7 @@ private:
         /// Whose place it was, while a window more like that one may come.
         std::optional<RememberedWindow> sought;
         std::optional<WindowID> window; ///< absent: it has not come yet, or has closed
+        bool hasClosed = false; ///< its window, and no other has taken it since
         bool isProvisional = false; ///< at the end, while a better place may be found
         /// Then it is given up. Absent: not before the space is there.
         std::optional<Instant> until;
@@ -89,6 +91,7 @@ private:
     bool isSeeking() const;
     void forgetGoneWindows();
     void limitVacant();
+    void keepLatest(std::size_t most, bool (*isMeant)(const Place&));
     void recogniseNumbers(const std::vector<ChipData>&);
     Place* placeByNumber(const ChipData&, std::uint32_t number);
     /// Windows that are like others, and the places where one like them is sought.
@@ -115,6 +118,7 @@ private:
     /// False: chips stand by the numbers of their windows, and so do the places.
     bool m_hasOwnOrder = false;
     std::vector<std::string> m_order; ///< the user's own, while the space is not there
+    std::size_t m_mostAtOnce = 1; ///< windows, since the bar began; a log-out closes no more
     std::vector<WindowID> m_shown;
     // As of the last arrangement:
     std::vector<WindowID> m_arranged;
