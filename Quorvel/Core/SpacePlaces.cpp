@@ -111,7 +111,7 @@ std::vector<const ChipData*> SpacePlaces::arrange(const std::vector<ChipData>& c
         if (m_places[i].window)
             placeByWindow.emplace(*m_places[i].window, i);
     }
-    m_mostAtOnce = std::max(m_mostAtOnce, chips.size());
+    m_mostAtOnce = std::max(m_mostAtOnce, placeByWindow.size());
     m_arranged.clear();
     m_placeOfChip.clear();
     for (auto& chip : chips) {

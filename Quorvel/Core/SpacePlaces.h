@@ -118,7 +118,7 @@ private:
     /// False: chips stand by the numbers of their windows, and so do the places.
     bool m_hasOwnOrder = false;
     std::vector<std::string> m_order; ///< the user's own, while the space is not there
-    std::size_t m_mostAtOnce = 1; ///< windows, since the bar began; a log-out closes no more
+    std::size_t m_mostAtOnce = 1; ///< windows with a place; a log-out closes no more
     std::vector<WindowID> m_shown;
     // As of the last arrangement:
     std::vector<WindowID> m_arranged;
