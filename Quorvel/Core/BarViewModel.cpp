@@ -188,7 +188,7 @@ void BarViewModel::setPendingFocus(WindowID id)
 
 void BarViewModel::updateChips(const WindowsBySpace& windows, std::set<SpaceID>& changed)
 {
-    chipsBySpace.update([&](ChipsBySpace& chips) {
+    chipsBySpace.update([&](ChipsBySpace& all) {
         bool hasChanged = false;
         std::set<SpaceID> present;
         for (auto& info : spaces.value()) {
@@ -196,12 +196,17 @@ void BarViewModel::updateChips(const WindowsBySpace& windows, std::set<SpaceID>&
             if (found == windows.end())
                 continue;
             present.insert(info.spaceID);
-            if (!updateChips(chips[info.spaceID], found->second))
-                continue;
-            changed.insert(info.spaceID);
-            hasChanged = true;
+            auto& chips = all[info.spaceID];
+            auto& ofSpace = found->second;
+            bool isOther = chips.size() != ofSpace.size();
+            chips.resize(ofSpace.size());
+            for (std::size_t i = 0; i < ofSpace.size(); ++i)
+                isOther |= updateChip(chips[i], *ofSpace[i]);
+            if (isOther)
+                changed.insert(info.spaceID);
+            hasChanged |= isOther;
         }
-        std::erase_if(chips, [&](auto& entry) {
+        std::erase_if(all, [&](auto& entry) {
             bool isGone = !present.contains(entry.first);
             if (isGone)
                 changed.insert(entry.first);
@@ -210,16 +215,6 @@ void BarViewModel::updateChips(const WindowsBySpace& windows, std::set<SpaceID>&
         });
         return hasChanged;
     });
-}
-
-bool BarViewModel::updateChips(
-    std::vector<ChipData>& chips, const std::vector<const TrackedWindow*>& windows)
-{
-    bool hasChanged = chips.size() != windows.size();
-    chips.resize(windows.size());
-    for (std::size_t i = 0; i < windows.size(); ++i)
-        hasChanged |= updateChip(chips[i], *windows[i]);
-    return hasChanged;
 }
 
 bool BarViewModel::updateChip(ChipData& chip, const TrackedWindow& window)

@@ -139,7 +139,6 @@ private:
 
     /// Adds the spaces whose chips have changed to `changed`; so do the next ones.
     void updateChips(const WindowsBySpace&, std::set<SpaceID>& changed);
-    bool updateChips(std::vector<ChipData>&, const std::vector<const TrackedWindow*>&);
     bool updateChip(ChipData&, const TrackedWindow&);
     void updateSummaries(const std::set<SpaceID>& changed);
     void updateItems(std::set<SpaceID>& changed);

@@ -168,29 +168,31 @@ void BarContentView::partDidChange(Part part)
 {
     if (!m_isShown)
         return void(m_stale.insert(part));
-    update(part);
-    if (onShownChanged)
-        onShownChanged();
-}
-
-void BarContentView::update(Part part)
-{
     switch (part) {
     case Part::appearance:
-        return appearanceDidChange();
+        appearanceDidChange();
+        break;
     case Part::settings:
-        return settingsDidChange();
+        settingsDidChange();
+        break;
     case Part::layout:
-        return layout();
+        layout();
+        break;
     case Part::spaces:
-        return spacesDidChange();
+        spacesDidChange();
+        break;
     case Part::pins:
-        return pinsDidChange();
+        pinsDidChange();
+        break;
     case Part::pinStates:
-        return pinStatesDidChange();
+        pinStatesDidChange();
+        break;
     case Part::items:
-        return itemsDidChange();
+        itemsDidChange();
+        break;
     }
+    if (onShownChanged)
+        onShownChanged();
 }
 
 void BarContentView::connectRow()

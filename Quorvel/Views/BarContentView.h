@@ -109,7 +109,6 @@ private:
     void connectPopups();
     void subscribe();
     void partDidChange(Part);
-    void update(Part);
     void itemsDidChange();
     void pinsDidChange();
     void pinStatesDidChange();
