@@ -81,6 +81,11 @@ struct Rect {
     {
         return {x + dx, y + dy, width, height};
     }
+    /// The origin moves too: from points to pixels, say.
+    constexpr Rect scaled(double factor) const
+    {
+        return {x * factor, y * factor, width * factor, height * factor};
+    }
     constexpr Rect inset(double dx, double dy) const
     {
         return {x + dx, y + dy, std::max(0.0, width - 2 * dx), std::max(0.0, height - 2 * dy)};

@@ -170,8 +170,17 @@ AXError DesktopAccessibility::setAttribute(
 {
     if (auto pid = applicationIn(element))
         return setApplicationAttribute(*pid, attribute, value);
-    if (auto window = windowIn(element, ElementKind::window))
-        return setWindowAttribute(*window, attribute, value);
+    auto window = windowIn(element, ElementKind::window);
+    if (!window)
+        return AXError::attributeUnsupported;
+    if (attribute == ax::minimized)
+        return setMinimized(*window, std::get_if<bool>(&value));
+    if (attribute == ax::main || attribute == ax::focused)
+        return activate(*window, std::get_if<bool>(&value));
+    if (attribute == ax::size)
+        return setSize(*window, std::get_if<Size>(&value));
+    if (auto one = switchOf(attribute))
+        return setSwitch(*window, *one, std::get_if<bool>(&value));
     return AXError::attributeUnsupported;
 }
 
@@ -197,20 +206,6 @@ AXError DesktopAccessibility::setApplicationAttribute(
     if (!*isWanted)
         return AXError::success;
     return request([pid](DesktopRequests& requests) { requests.activateApplication(pid); });
-}
-
-AXError DesktopAccessibility::setWindowAttribute(
-    WindowID window, std::string_view attribute, const AXValue& value)
-{
-    if (attribute == ax::minimized)
-        return setMinimized(window, std::get_if<bool>(&value));
-    if (attribute == ax::main || attribute == ax::focused)
-        return activate(window, std::get_if<bool>(&value));
-    if (attribute == ax::size)
-        return setSize(window, std::get_if<Size>(&value));
-    if (auto one = switchOf(attribute))
-        return setSwitch(window, *one, std::get_if<bool>(&value));
-    return AXError::attributeUnsupported;
 }
 
 AXError DesktopAccessibility::setSwitch(WindowID id, WindowSwitch one, const bool* isWanted)

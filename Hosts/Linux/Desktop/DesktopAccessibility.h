@@ -36,7 +36,6 @@ private:
     AXReply applicationAttribute(ProcessID, std::string_view attribute) const;
     AXReply windowAttribute(WindowID, std::string_view attribute) const;
     AXError setApplicationAttribute(ProcessID, std::string_view attribute, const AXValue&);
-    AXError setWindowAttribute(WindowID, std::string_view attribute, const AXValue&);
     AXError setSize(WindowID, const Size*);
     AXError setSwitch(WindowID, WindowSwitch, const bool*);
     AXError setMinimized(WindowID, const bool*);

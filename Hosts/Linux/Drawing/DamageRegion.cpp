@@ -42,11 +42,6 @@ void DamageRegion::add(const Rect& pixels)
     m_rects.push_back(rect);
 }
 
-void DamageRegion::add(const Rect& points, double scale)
-{
-    add({points.x * scale, points.y * scale, points.width * scale, points.height * scale});
-}
-
 std::vector<Rect> DamageRegion::take(const Rect& bounds)
 {
     auto parts = std::exchange(m_rects, {});

@@ -10,8 +10,6 @@ namespace quorvel::xdg {
 class DamageRegion {
 public:
     void add(const Rect& pixels);
-    /// Adds a part in points, at `scale` pixels per point.
-    void add(const Rect& points, double scale);
     bool isEmpty() const { return m_rects.empty(); }
     /// The parts within the bounds; none of them is empty.
     std::vector<Rect> take(const Rect& bounds);

@@ -97,7 +97,12 @@ void Mirror::update()
     readAll();
     translateSpaces();
     translateClients();
-    announce();
+    m_environment.activeSpace.set(
+        m_model.read([](const DesktopModel& model) { return model.activeSpace; }));
+    m_tracker.announce();
+    m_environment.isShowingDesktop.set(m_root.isShowingDesktop());
+    if (std::exchange(m_reservationsDidChange, false))
+        reservationsDidChange.emit();
     if (m_clients.needsAncestry() && !m_ancestry.isPending())
         m_ancestry = m_dispatch.main().after(kAncestryDelay, [this] { readAncestry(); });
     m_lastUpdate = m_dispatch.now();
@@ -266,16 +271,6 @@ void Mirror::updateCoverage()
     m_environment.isCovered.set(m_model.read([this](const DesktopModel& model) {
         return coveredMonitors(model, m_monitors.list(), m_monitors.coordinates());
     }));
-}
-
-void Mirror::announce()
-{
-    m_environment.activeSpace.set(
-        m_model.read([](const DesktopModel& model) { return model.activeSpace; }));
-    m_tracker.announce();
-    m_environment.isShowingDesktop.set(m_root.isShowingDesktop());
-    if (std::exchange(m_reservationsDidChange, false))
-        reservationsDidChange.emit();
 }
 
 void Mirror::scheduleNext()

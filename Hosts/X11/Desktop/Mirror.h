@@ -71,7 +71,6 @@ private:
     FocusTracker::Active activeClient();
     void translateStacking();
     void updateCoverage();
-    void announce();
 
     Connection& m_connection;
     Dispatch& m_dispatch;

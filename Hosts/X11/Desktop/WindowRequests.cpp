@@ -58,7 +58,8 @@ void WindowRequests::toggleShowingDesktop()
         = m_askedDesktop && m_askedDesktop->reads == reads(m_askedDesktop->isShowing);
     const bool isShowing = isAsked ? m_askedDesktop->isShowing : m_root.isShowingDesktop();
     m_askedDesktop = {!isShowing, reads(!isShowing)};
-    message(m_connection.root(), m_connection.atoms().netShowingDesktop, {isShowing ? 0u : 1u});
+    sendToManager(m_connection, m_connection.root(), m_connection.atoms().netShowingDesktop,
+        {isShowing ? 0u : 1u});
     xcb_flush(m_connection.raw());
 }
 
@@ -75,7 +76,7 @@ void WindowRequests::focusWasLost()
             && client->desktop == m_root.currentDesktop();
         if (!isShown || time - last.time > kFarActivationCounts)
             return;
-        message(client->window, m_connection.atoms().netActiveWindow,
+        sendToManager(m_connection, client->window, m_connection.atoms().netActiveWindow,
             {kSourcePager, time, XCB_WINDOW_NONE});
         xcb_flush(m_connection.raw());
     });
@@ -149,11 +150,13 @@ void WindowRequests::send(xcb_timestamp_t time)
         sendSwitch(target.first, target.second, isOn);
     for (auto& [window, isWanted] : wishes.minimized) {
         if (auto* client = m_clients.find(window); client && isWanted)
-            message(client->window, m_connection.atoms().wmChangeState, {kIconicState});
+            sendToManager(
+                m_connection, client->window, m_connection.atoms().wmChangeState, {kIconicState});
     }
     for (auto window : wishes.closed) {
         if (auto* client = m_clients.find(window))
-            message(client->window, m_connection.atoms().netCloseWindow, {time, kSourcePager});
+            sendToManager(m_connection, client->window, m_connection.atoms().netCloseWindow,
+                {time, kSourcePager});
     }
 
     auto activation = wishes.activation;
@@ -178,10 +181,11 @@ void WindowRequests::sendActivation(xcb_timestamp_t time, WindowID window, const
     bool isElsewhere = desktop != kEveryDesktop && desktop < m_root.desktopCount()
         && desktop != m_root.currentDesktop();
     if (isElsewhere) {
-        message(m_connection.root(), atoms.netCurrentDesktop, {desktop, time});
+        sendToManager(m_connection, m_connection.root(), atoms.netCurrentDesktop, {desktop, time});
         m_farActivation = {window, time};
     }
-    message(client->window, atoms.netActiveWindow, {kSourcePager, time, XCB_WINDOW_NONE});
+    sendToManager(
+        m_connection, client->window, atoms.netActiveWindow, {kSourcePager, time, XCB_WINDOW_NONE});
 }
 
 void WindowRequests::sendSwitch(xcb_timestamp_t time, SpaceID space)
@@ -189,7 +193,7 @@ void WindowRequests::sendSwitch(xcb_timestamp_t time, SpaceID space)
     auto desktop = raw(space) - 1; // space 0 wraps and is beyond every count
     if (desktop >= m_root.desktopCount())
         return;
-    message(m_connection.root(), m_connection.atoms().netCurrentDesktop,
+    sendToManager(m_connection, m_connection.root(), m_connection.atoms().netCurrentDesktop,
         {static_cast<std::uint32_t>(desktop), time});
 }
 
@@ -208,13 +212,14 @@ void WindowRequests::sendSize(WindowID window, Size points)
     if (client->state.isMaximizedVertically) {
         // Its height is the manager's while it is maximised; without that it would go back to where
         // it was before.
-        message(client->window, atoms.netWmState,
+        sendToManager(m_connection, client->window, atoms.netWmState,
             {kRemoveState, atoms.netWmStateMaximizedVert, 0, kSourcePager});
         flags |= kVerticalPlace;
         y = static_cast<std::uint32_t>(
             static_cast<std::int32_t>(client->place.y - client->frameExtents.top));
     }
-    message(client->window, atoms.netMoveResizeWindow, {flags, 0, y, side(width), side(height)});
+    sendToManager(m_connection, client->window, atoms.netMoveResizeWindow,
+        {flags, 0, y, side(width), side(height)});
 }
 
 void WindowRequests::sendSwitch(WindowID window, WindowSwitch one, bool isOn)
@@ -225,11 +230,12 @@ void WindowRequests::sendSwitch(WindowID window, WindowSwitch one, bool isOn)
     auto& atoms = m_connection.atoms();
     if (one == WindowSwitch::onEverySpace) {
         auto desktop = isOn ? kEveryDesktop : m_root.currentDesktop();
-        return message(client->window, atoms.netWmDesktop, {desktop, kSourcePager});
+        return sendToManager(
+            m_connection, client->window, atoms.netWmDesktop, {desktop, kSourcePager});
     }
     auto all = switchAtoms(atoms);
     auto& [first, second] = std::ranges::find(all, one, &SwitchAtoms::which)->feature;
-    message(client->window, atoms.netWmState,
+    sendToManager(m_connection, client->window, atoms.netWmState,
         {isOn ? kAddState : kRemoveState, first, first == second ? 0 : second, kSourcePager});
 }
 
@@ -246,7 +252,8 @@ WindowRequests::Sent WindowRequests::sendSpaces()
         bool isEvery = spaces.size() > 1 && spaces.size() >= m_root.desktopCount();
         auto desktop = isEvery ? kEveryDesktop : static_cast<std::uint32_t>(raw(spaces.back()) - 1);
         if (client->desktop != desktop)
-            message(client->window, m_connection.atoms().netWmDesktop, {desktop, kSourcePager});
+            sendToManager(m_connection, client->window, m_connection.atoms().netWmDesktop,
+                {desktop, kSourcePager});
         sent[window] = desktop;
     }
     return sent;
@@ -265,12 +272,6 @@ std::optional<WindowID> WindowRequests::windowToActivate(ProcessID pid) const
         bool isNoneKnown = !last && !candidates.empty();
         return isNoneKnown ? std::optional{candidates.front()} : last;
     });
-}
-
-void WindowRequests::message(
-    xcb_window_t window, xcb_atom_t type, std::array<std::uint32_t, 5> data) const
-{
-    sendToManager(m_connection, window, type, data);
 }
 
 }

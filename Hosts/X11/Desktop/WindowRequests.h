@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -63,7 +62,6 @@ private:
     void sendSwitch(xcb_timestamp_t, SpaceID);
     Sent sendSpaces();
     std::optional<WindowID> windowToActivate(ProcessID) const;
-    void message(xcb_window_t, xcb_atom_t type, std::array<std::uint32_t, 5> data) const;
 
     Connection& m_connection;
     Monitors& m_monitors;

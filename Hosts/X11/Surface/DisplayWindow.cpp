@@ -202,7 +202,7 @@ void DisplayWindow::invalidate(const X11Panel& panel, const Rect& points)
 {
     if (&panel != m_shown)
         return; // it is painted whole when it comes into view
-    m_damage.add(points, scale());
+    m_damage.add(points.scaled(scale()));
     m_paint.request();
 }
 

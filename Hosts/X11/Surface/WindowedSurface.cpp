@@ -35,7 +35,7 @@ void WindowedSurface::invalidate(const Rect& points)
 {
     if (!hasWindow())
         return; // it is painted whole when it comes up
-    m_damage.add(points, scale());
+    m_damage.add(points.scaled(scale()));
     m_paint.request();
 }
 
