@@ -104,12 +104,6 @@ TrackedWindow* WindowStore::tracked(const std::optional<WindowID>& id)
     return found == m_windows.end() ? nullptr : &found->second;
 }
 
-void WindowStore::notifyChange() const
-{
-    if (onChange)
-        onChange();
-}
-
 // MARK: Reconciliation
 
 bool WindowStore::requiresAXConfirmationForLiveAdmission(ProcessID pid) const
@@ -136,7 +130,7 @@ int WindowStore::reconcileWindowsForPID(ProcessID pid, const WindowScanner::Mome
     hasChanged |= added > 0;
     hasChanged |= removeMissingWindows(pid, scan);
     if (hasChanged)
-        notifyChange();
+        onChange();
     if (isWorthSeeking(pid, std::move(unexplained)))
         scheduleDeferredScan(pid);
     return static_cast<int>(scan.candidates.size());
@@ -291,7 +285,7 @@ void WindowStore::populate()
     if (auto frontmost = m_workspace.frontmostApplication();
         frontmost && !m_workspace.isSelfActive())
         handleAppActivated(*frontmost);
-    notifyChange();
+    onChange();
 }
 
 void WindowStore::populateProcess(ProcessID pid, const WindowScanner::Moment& moment)
@@ -339,7 +333,7 @@ void WindowStore::setFocusedWindow(WindowID id)
     if (m_focusedWindowID == id)
         return;
     m_focusedWindowID = id;
-    notifyChange();
+    onChange();
 }
 
 bool WindowStore::needsObserverBootstrap(ProcessID pid) const
@@ -354,7 +348,7 @@ int WindowStore::addWindowsForPID(ProcessID pid)
     auto scan = m_scanner.scanWindows(pid);
     auto [added, unexplained] = admitNewWindows(pid, scan);
     if (added > 0)
-        notifyChange();
+        onChange();
     if (scan.hasFailed || !unexplained.empty())
         scheduleDeferredScan(pid);
     return added;
@@ -368,7 +362,7 @@ void WindowStore::removeWindows(ProcessID pid)
     for (auto id : ids)
         forget(id);
     if (!ids.empty())
-        notifyChange();
+        onChange();
 }
 
 void WindowStore::refreshSpaces(const std::optional<WindowScanner::SpacesMoment>& moment)
@@ -385,7 +379,7 @@ void WindowStore::refreshSpaces(const std::optional<WindowScanner::SpacesMoment>
         hasChanged = true;
     }
     if (hasChanged)
-        notifyChange();
+        onChange();
 }
 
 void WindowStore::resyncMinimizedWindows()
@@ -405,7 +399,7 @@ void WindowStore::resyncMinimizedWindows()
         hasChanged |= window != before;
     }
     if (hasChanged)
-        notifyChange();
+        onChange();
 }
 
 int WindowStore::discoverNewWindowsForTrackedPIDs(std::optional<WindowScanner::SpacesMoment> spaces)
@@ -422,7 +416,7 @@ int WindowStore::discoverNewWindowsForTrackedPIDs(std::optional<WindowScanner::S
         total.hasChanged |= hasChanged;
     }
     if (total.hasChanged)
-        notifyChange();
+        onChange();
     return total.added;
 }
 

@@ -54,8 +54,9 @@ public:
     /// there.
     std::optional<WindowID> trackSoleWindow(SpaceID);
 
-    /// One slot: called at the end of each operation that changed the windows or the focus.
-    std::function<void()> onChange;
+    /// One slot, never empty: called at the end of each operation that changed the windows or the
+    /// focus.
+    std::function<void()> onChange = [] {};
     /// Emitted when a process that is not observed gets its first window on the bar.
     std::function<void(ProcessID)> onFirstWindow;
 
@@ -173,7 +174,6 @@ private:
     bool hasTrackedWindows(ProcessID) const;
     bool hasMissingTrackedWindows(ProcessID) const;
     std::optional<std::size_t> indexOfScreenContaining(const Rect& windowFrame) const;
-    void notifyChange() const;
 
     Dispatch& m_dispatch;
     WindowServer& m_windowServer;

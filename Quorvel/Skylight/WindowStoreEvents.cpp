@@ -84,7 +84,7 @@ void WindowStore::admitCreatedWindow(
     if (auto* window = tracked(id)) {
         m_reconcileStateByWindowID.insert_or_assign(id, Active{});
         if (updateTracked(*window, event.pid, candidate))
-            notifyChange();
+            onChange();
         return;
     }
     if (candidate.spaces.empty())
@@ -92,7 +92,7 @@ void WindowStore::admitCreatedWindow(
     if (candidate.spaces.empty())
         return;
     track(id, event.pid, candidate);
-    notifyChange();
+    onChange();
 }
 
 void WindowStore::handleDestroyed(const AXWindowEvent& event)
@@ -106,7 +106,7 @@ void WindowStore::handleDestroyed(const AXWindowEvent& event)
         return;
     }
     forget(*event.windowID);
-    notifyChange();
+    onChange();
 }
 
 void WindowStore::handleTitleChanged(const AXWindowEvent& event)
@@ -125,7 +125,7 @@ void WindowStore::handleTitleChanged(const AXWindowEvent& event)
     if (*title == window->windowTitle)
         return;
     window->windowTitle = std::move(*title);
-    notifyChange();
+    onChange();
 }
 
 void WindowStore::handleFrameChanged(const AXWindowEvent& event)
@@ -147,7 +147,7 @@ void WindowStore::handleFrameChanged(const AXWindowEvent& event)
     auto before = window->frame;
     if (*frame != before) {
         window->frame = *frame;
-        notifyChange();
+        onChange();
     }
     if (indexOfScreenContaining(before) != indexOfScreenContaining(*frame))
         scheduleCrossScreenSpacesRefresh();
@@ -181,7 +181,7 @@ void WindowStore::handleMinimized(const AXWindowEvent& event, bool isMinimized)
         hasChanged = true;
     }
     if (hasChanged)
-        notifyChange();
+        onChange();
 }
 
 void WindowStore::handleFocusedWindowChanged(const AXWindowEvent& event)

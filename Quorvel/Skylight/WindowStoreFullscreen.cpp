@@ -47,7 +47,7 @@ std::optional<WindowID> WindowStore::trackSoleWindow(SpaceID space)
     }
     auto best = bestActivationCandidate(candidates);
     if (hasChanged)
-        notifyChange();
+        onChange();
     return best;
 }
 
