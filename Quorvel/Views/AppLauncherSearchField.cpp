@@ -86,7 +86,7 @@ Rect AppLauncherSearchField::clearButtonFrame() const
     return m_clearButton->frame().isEmpty() ? Rect{} : m_clearButton->frameInRoot();
 }
 
-void AppLauncherSearchField::pressed(PointerButton)
+void AppLauncherSearchField::pointerPressed(const PointerPress&)
 {
     m_field->takeAccessibleFocus();
 }

@@ -28,7 +28,7 @@ public:
     Rect clearButtonFrame() const;
 
     bool takesPointer() const override { return true; }
-    void pressed(PointerButton) override;
+    void pointerPressed(const PointerPress&) override;
 
 private:
     class ClearButton;

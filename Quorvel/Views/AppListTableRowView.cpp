@@ -69,11 +69,11 @@ void AppListTableRowView::updateHighlight()
 
 // MARK: The pointer
 
-void AppListTableRowView::pressed(PointerButton button)
+void AppListTableRowView::pointerPressed(const PointerPress& press)
 {
-    SelectableRowView::pressed(button);
+    SelectableRowView::pointerPressed(press);
     if (m_item.isPin())
-        drag.pressed(button);
+        drag.pressed(press.button);
 }
 
 void AppListTableRowView::dragged(const DragMove& move)

@@ -31,7 +31,7 @@ public:
     std::function<void(const AppListTableRowView&, const Rect& anchor)> onMenu;
 
     bool takesPointer() const override { return m_item.app() != nullptr; }
-    void pressed(PointerButton) override;
+    void pointerPressed(const PointerPress&) override;
     void dragged(const DragMove&) override;
     void released(PointerButton, bool isInside) override;
     void pressCancelled() override;

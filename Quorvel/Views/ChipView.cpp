@@ -98,18 +98,14 @@ void ChipView::pointerExited()
         onHover(*this, false);
 }
 
-void ChipView::pressed(PointerButton button)
-{
-    RowItem::pressed(button);
-    setPressed(true); // every button means something
-}
-
 void ChipView::clicked(PointerButton button)
 {
+    if (!onClick)
+        return;
     if (button == PointerButton::primary)
-        performAccessibleAction(0);
+        onClick(*this, Click::primary);
     else if (button == PointerButton::middle)
-        performAccessibleAction(2);
+        onClick(*this, Click::middle);
 }
 
 // MARK: For screen readers and the keyboard

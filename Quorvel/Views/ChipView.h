@@ -66,7 +66,7 @@ private:
 
     void pointerEntered() override;
     void pointerExited() override;
-    void pressed(PointerButton) override;
+    bool isPressedBy(PointerButton) const override { return true; }
     void clicked(PointerButton) override;
     /// Which of its documents the window would open is its program's to say.
     bool acceptsFiles() const override { return false; }

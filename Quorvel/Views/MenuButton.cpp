@@ -5,10 +5,10 @@
 
 namespace quorvel {
 
-void MenuButton::pressed(PointerButton button)
+void MenuButton::pointerPressed(const PointerPress& press)
 {
-    ButtonView::pressed(button);
-    m_isPressUsed = button == PointerButton::primary && onPressed && onPressed();
+    ButtonView::pointerPressed(press);
+    m_isPressUsed = press.button == PointerButton::primary && onPressed && onPressed();
 }
 
 void MenuButton::clicked(PointerButton button)

@@ -21,7 +21,7 @@ public:
     void setLauncherOpen(bool isOpen);
     void setMenuOpen(bool isOpen);
 
-    void pressed(PointerButton) override;
+    void pointerPressed(const PointerPress&) override;
 
     std::string accessibleID() const override { return "menu"; }
     AccessibleState accessibleState() const override;

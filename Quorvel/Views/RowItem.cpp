@@ -40,22 +40,16 @@ void RowItem::setLift(Lift lift)
     invalidatePaint();
 }
 
-void RowItem::pressed(PointerButton button)
+void RowItem::pointerPressed(const PointerPress& press)
 {
-    drag.pressed(button);
-    ButtonView::pressed(button);
+    drag.pressed(press.button);
+    ButtonView::pointerPressed(press);
 }
 
 void RowItem::dragged(const DragMove& move)
 {
     if (drag.dragged(move))
         ButtonView::pressCancelled();
-}
-
-void RowItem::released(PointerButton button, bool isInside)
-{
-    if (!drag.released())
-        ButtonView::released(button, isInside);
 }
 
 void RowItem::pressCancelled()

@@ -55,9 +55,9 @@ void SelectableRowView::setPressed(bool isPressed)
         invalidate();
 }
 
-void SelectableRowView::pressed(PointerButton button)
+void SelectableRowView::pointerPressed(const PointerPress& press)
 {
-    setPressed(button == PointerButton::primary);
+    setPressed(press.button == PointerButton::primary);
 }
 
 }

@@ -12,7 +12,7 @@ class SelectableRowView : public ListRowView {
 public:
     void pointerEntered() override;
     void pointerExited() override;
-    void pressed(PointerButton) override;
+    void pointerPressed(const PointerPress&) override;
     void pressCancelled() override { setPressed(false); }
     void rowWillChange() override { pressCancelled(); }
     bool takesKeyboard() const override { return false; } // the list is walked from its field

@@ -13,6 +13,8 @@ constexpr double kKeyFocusWidth = 2;
 
 void ButtonView::released(PointerButton button, bool isInside)
 {
+    if (endDrag())
+        return;
     set(m_isPressed, false);
     if (isInside)
         clicked(button);

@@ -22,7 +22,10 @@ public:
     bool takesPointer() const override { return true; }
     void pointerEntered() override { set(m_isHovered, true); }
     void pointerExited() override { set(m_isHovered, false); }
-    void pressed(PointerButton button) override { setPressed(button == PointerButton::primary); }
+    void pointerPressed(const PointerPress& press) override
+    {
+        set(m_isPressed, isPressedBy(press.button));
+    }
     void pressCancelled() override { set(m_isPressed, false); }
     void released(PointerButton, bool isInside) override;
 
@@ -39,7 +42,14 @@ public:
 
 protected:
     const Palette& palette() const { return m_palette; }
-    void setPressed(bool isPressed) { set(m_isPressed, isPressed); }
+    /// Whether this button means something to it.
+    virtual bool isPressedBy(PointerButton button) const
+    {
+        return button == PointerButton::primary;
+    }
+    /// Ends the drag that the press has become; false if it has not become one, and so may be a
+    /// click.
+    virtual bool endDrag() { return false; }
     /// It was pressed and let go on the view.
     virtual void clicked(PointerButton);
     bool isHovered() const { return m_isHovered; }

@@ -35,8 +35,7 @@ public:
     virtual void pointerEntered() { }
     virtual void pointerExited() { }
     /// Never the secondary button, which opens the context menu.
-    virtual void pointerPressed(const PointerPress& press) { pressed(press.button); }
-    virtual void pressed(PointerButton) { }
+    virtual void pointerPressed(const PointerPress&) { }
     virtual void dragged(const DragMove&) { }
     virtual void released(PointerButton, bool /*isInside*/) { }
     virtual void pressCancelled() { }

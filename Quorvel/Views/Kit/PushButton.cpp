@@ -37,7 +37,7 @@ void PushButton::setTitle(std::string title)
 void PushButton::setEnabled(bool isEnabled)
 {
     if (!isEnabled)
-        setPressed(false);
+        pressCancelled();
     set(m_isEnabled, isEnabled);
 }
 
@@ -49,10 +49,10 @@ double PushButton::idealWidth() const
     return std::max(PushButtonStyle::leastWidth, std::ceil(title + 2 * PushButtonStyle::padding));
 }
 
-void PushButton::pressed(PointerButton button)
+void PushButton::pointerPressed(const PointerPress& press)
 {
     if (m_isEnabled)
-        ButtonView::pressed(button);
+        ButtonView::pointerPressed(press);
 }
 
 void PushButton::clicked(PointerButton button)

@@ -28,7 +28,7 @@ public:
     /// For its title, in points.
     double idealWidth() const;
 
-    void pressed(PointerButton) override;
+    void pointerPressed(const PointerPress&) override;
     bool performAccessibleAction(std::size_t) override;
     bool takesKeyboard() const override { return m_isEnabled; }
     void setKeyFocused(bool) override;
