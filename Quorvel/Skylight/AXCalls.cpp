@@ -62,17 +62,22 @@ bool AXCalls::isSettable(ProcessID pid, const AXElement& element, std::string_vi
 AXError AXCalls::setAttribute(
     ProcessID pid, const AXElement& element, std::string_view attribute, const AXValue& value)
 {
-    return request(
-        pid, [&accessibility = m_accessibility, element, name = std::string{attribute}, value] {
-            return accessibility.setAttribute(element, name, value);
-        });
+    if (mustWait(pid))
+        return makeLater(
+            pid, [&accessibility = m_accessibility, element, name = std::string{attribute}, value] {
+                accessibility.setAttribute(element, name, value);
+            });
+    return noteLateness(pid, m_accessibility.setAttribute(element, attribute, value));
 }
 
 AXError AXCalls::performAction(ProcessID pid, const AXElement& element, std::string_view action)
 {
-    return request(pid, [&accessibility = m_accessibility, element, name = std::string{action}] {
-        return accessibility.performAction(element, name);
-    });
+    if (mustWait(pid))
+        return makeLater(
+            pid, [&accessibility = m_accessibility, element, name = std::string{action}] {
+                accessibility.performAction(element, name);
+            });
+    return noteLateness(pid, m_accessibility.performAction(element, action));
 }
 
 AXError AXCalls::addNotification(
@@ -81,16 +86,21 @@ AXError AXCalls::addNotification(
     return bounded(pid, [&] { return observer.addNotification(element, notification); });
 }
 
-AXError AXCalls::request(ProcessID pid, std::function<AXError()> send)
+bool AXCalls::mustWait(ProcessID pid) const
 {
-    const bool isHung = m_hungInScan.contains(pid);
-    if (m_late && (isHung || m_lateInScan.contains(pid) || m_late->isWaiting(pid))) {
-        m_late->add(pid, [send = std::move(send)] { send(); });
-        return AXError::cannotComplete;
-    }
-    if (isHung)
-        return AXError::cannotComplete;
-    auto error = send();
+    return m_hungInScan.contains(pid)
+        || (m_late && (m_lateInScan.contains(pid) || m_late->isWaiting(pid)));
+}
+
+AXError AXCalls::makeLater(ProcessID pid, Work request)
+{
+    if (m_late)
+        m_late->add(pid, std::move(request));
+    return AXError::cannotComplete;
+}
+
+AXError AXCalls::noteLateness(ProcessID pid, AXError error)
+{
     if (error == AXError::cannotComplete && m_scanDepth > 0)
         m_lateInScan.insert(pid);
     return error;

@@ -86,7 +86,12 @@ private:
         return error;
     }
     void noteTimeOut(ProcessID, AXError);
-    AXError request(ProcessID, std::function<AXError()>);
+    /// Whether a request to the process must not be made now.
+    bool mustWait(ProcessID) const;
+    /// Leaves it to `LateRequests`, if there are any; the answer to the caller.
+    AXError makeLater(ProcessID, Work request);
+    /// After a request; returns the error.
+    AXError noteLateness(ProcessID, AXError);
 
     Accessibility& m_accessibility;
     LateRequests* m_late;
