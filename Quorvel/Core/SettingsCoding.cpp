@@ -154,7 +154,7 @@ void write(const SettingsShortcut& shortcut, Json& row)
 bool read(const Json& row, SettingsShortcut& shortcut)
 {
     auto* value = member(row, "value");
-    if (!value || (!value->is_null() && !read(*value, shortcut.value.emplace())))
+    if (!value || (!value->is_null() && !read(*value, shortcut.value.emplace(SettingsShortcut::Keys{}))))
         return false;
     readText(row, "text", shortcut.text);
     readText(row, "status", shortcut.status);
@@ -363,7 +363,7 @@ bool read(const Json& json, SettingsChange::Record& record)
     auto* keyCode = member(json, "keyCode");
     if (member(json, "row") && !read(json, "row", record.row))
         return false;
-    return keyCode && (keyCode->is_null() || read(json, record.keys.emplace()));
+    return keyCode && (keyCode->is_null() || read(json, record.keys.emplace(SettingsShortcut::Keys{})));
 }
 
 template <typename Change> std::optional<SettingsRequest> request(const Json& json)

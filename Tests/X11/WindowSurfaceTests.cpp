@@ -58,28 +58,28 @@ protected:
 // the connection, or nobody hears of it.
 TEST_P(WindowSurfaces, haveTheFocusAndGoWhereTheUserMovesThem)
 {
-    constexpr std::uint8_t kReturn = 36;
-    keyboard.press(kReturn);
+    constexpr std::uint8_t kReturnKey = 36;
+    keyboard.press(kReturnKey);
     panel->makeKeyAndOrderFront();
     ASSERT_TRUE(comes([&] { return record.hasKeyboard; }));
     // The manager gives the focus before it lists the window.
-    auto window = xcb_window_t{XCB_NONE};
+    auto shown = xcb_window_t{XCB_NONE};
     ASSERT_TRUE(comes([&] {
-        window = desktop.clientTitled("Sample").value_or(XCB_NONE);
-        return window != XCB_NONE;
+        shown = desktop.clientTitled("Sample").value_or(XCB_NONE);
+        return shown != XCB_NONE;
     }));
-    EXPECT_TRUE(comes([&] { return desktop.activeWindow() == window; }));
-    keyboard.release(kReturn);
+    EXPECT_TRUE(comes([&] { return desktop.activeWindow() == shown; }));
+    keyboard.release(kReturnKey);
     keyboard.type(XKB_KEY_a);
     EXPECT_TRUE(comes([&] { return record.field.text == "a"; })) << record.field.text;
-    const auto hints = desktop.connection().numbers(window, "WM_NORMAL_HINTS");
+    const auto hints = desktop.connection().numbers(shown, "WM_NORMAL_HINTS");
     ASSERT_GE(hints.size(), 9U);
     EXPECT_EQ((std::vector(hints.begin() + 5, hints.begin() + 9)),
         (std::vector<std::uint32_t>{300, 200, 300, 200}));
 
     const std::uint32_t elsewhere[] = {300, 250};
     xcb_configure_window(
-        desktop.connection().get(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, elsewhere);
+        desktop.connection().get(), shown, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, elsewhere);
     desktop.connection().sync();
     ASSERT_TRUE(comes([&] { return placeOfContent().x >= 300 && placeOfContent().y >= 250; }));
     const auto place = placeOfContent();
@@ -95,10 +95,10 @@ TEST_P(WindowSurfaces, haveTheFocusAndGoWhereTheUserMovesThem)
     panel->makeKeyAndOrderFront();
     EXPECT_TRUE(comes([&] { return record.hasKeyboard; }));
 
-    EXPECT_TRUE(answersPing(window));
-    desktop.close(window);
+    EXPECT_TRUE(answersPing(shown));
+    desktop.close(shown);
     EXPECT_TRUE(comes([&] { return record.closeRequests == 1; }));
-    EXPECT_TRUE(desktop.isViewable(window));
+    EXPECT_TRUE(desktop.isViewable(shown));
     panel->orderOut();
     EXPECT_FALSE(record.hasKeyboard);
     EXPECT_TRUE(comes([&] { return !desktop.clientTitled("Sample"); }));

@@ -96,7 +96,13 @@ void ObserverRegistry::deliver(const std::vector<DesktopNotification>& notificat
         auto batch = take(*state, notifications);
         if (batch.empty())
             continue;
-        state->thread.perform([state = state, batch = std::move(batch)] { run(state, batch); });
+        state->thread.perform([observer = state, batch = std::move(batch)] {
+            for (auto& [element, name] : batch) {
+                if (observer->hasEnded)
+                    return;
+                observer->callback(element, name);
+            }
+        });
     }
 }
 
@@ -117,15 +123,6 @@ ObserverRegistry::Batch ObserverRegistry::take(
         }
     }
     return batch;
-}
-
-void ObserverRegistry::run(const std::shared_ptr<State>& state, const Batch& batch)
-{
-    for (auto& [element, name] : batch) {
-        if (state->hasEnded)
-            return;
-        state->callback(element, name);
-    }
 }
 
 }

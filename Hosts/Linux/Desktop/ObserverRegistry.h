@@ -41,7 +41,6 @@ private:
     AXError remove(State&, const AXElement&, std::string_view notification);
     void end(const std::shared_ptr<State>&);
     static Batch take(State&, const std::vector<DesktopNotification>&);
-    static void run(const std::shared_ptr<State>&, const Batch&);
 
     const SharedModel& m_model;
     std::mutex m_mutex;
