@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "Tests/Support/ChurnRound.h"
+#include "Tests/Support/Sanitized.h"
 #include "Tests/Support/Seed.h"
 
 namespace quorvel::test {
@@ -13,11 +14,7 @@ namespace {
 
 constexpr int kOperationsARound = 1000;
 constexpr int kOperationsBetweenRests = 50;
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::uint32_t kRounds = 10; // each takes several times as long
-#else
-constexpr std::uint32_t kRounds = 25;
-#endif
+constexpr std::uint32_t kRounds = kIsSanitized ? 5 : 25;
 constexpr std::uint32_t kFullRounds = 100;
 
 }

@@ -109,9 +109,12 @@ TEST_F(FolderMonitorsTest, looksAnewWhenTheKernelHasDroppedEvents)
                                       ++calls;
                                       heard.emplace(path);
                                   }};
-    for (int event = 0; event <= most; event += 2) {
-        fs::create_directory(folder + "/flood");
-        fs::remove(folder + "/flood");
+    // A folder's going would have some file systems write to the disk each time.
+    const std::string names[] = {folder + "/low", folder + "/high"};
+    std::ofstream{names[0]};
+    for (int event = 0; event <= most; event += 4) {
+        fs::rename(names[0], names[1]);
+        fs::rename(names[1], names[0]);
     }
     fs::create_directory(folder + "/unseen");
 

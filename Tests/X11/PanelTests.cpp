@@ -93,7 +93,7 @@ QUORVEL_UNDER_EACH_MANAGER(Panel);
 
 // The thread sanitizer has a thread of its own that wakes up; and who is woken is the same in all
 // builds and under all managers.
-#if !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__)
+#if !QUORVEL_IS_SANITIZED
 
 namespace {
 

@@ -5,15 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include "Tests/Support/Sanitized.h"
+
 namespace quorvel::x11tests {
 
 using namespace std::chrono_literals;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-inline constexpr bool kIsSanitized = true;
-#else
-inline constexpr bool kIsSanitized = false;
-#endif
+using test::kIsSanitized;
 
 /// Only what never comes is waited for as long: how fast the bar is, the benchmarks measure.
 inline constexpr std::chrono::milliseconds kWatchdog = 60s;
