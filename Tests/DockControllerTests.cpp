@@ -59,8 +59,8 @@ struct DockControllerTest : SettingsFixture {
         } catch (Crash) {
             hasCrashed = true;
         }
-        dock.setAfterCall([] {});
-        desktop.files().setAfterChange([] {});
+        dock.setAfterCall([] { });
+        desktop.files().setAfterChange([] { });
         controller.reset();
         dock.forgetUnsynchronised();
         return hasCrashed;

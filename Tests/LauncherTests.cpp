@@ -93,9 +93,8 @@ TEST_F(LauncherTest, closesAsSoonAsTheUserTurnsToSomethingElse)
     EXPECT_FALSE(closesBy([&] { controlKey(KeyCode{13}, "z"); }));
     EXPECT_FALSE(closesBy([&] { controlKey(KeyCode{13}, "w", KeyModifier::option); }));
     EXPECT_TRUE(closesBy([&] { desktop.surfaces().pressElsewhere({900, 300}); }));
-    EXPECT_TRUE(closesBy([&] {
-        desktop.surfaces().pressElsewhere({900, 300}, PointerButton::middle);
-    }));
+    EXPECT_TRUE(
+        closesBy([&] { desktop.surfaces().pressElsewhere({900, 300}, PointerButton::middle); }));
     EXPECT_TRUE(closesBy([&] { panel().click({700, 10}); }));
     EXPECT_TRUE(closesBy([&] { panel().click(button()); }));
     EXPECT_TRUE(closesBy([&] { launcher().releaseKeyboard(); }));

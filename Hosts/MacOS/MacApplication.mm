@@ -170,8 +170,8 @@ void MacApplication::emitWillTerminate()
 void MacApplication::endOnSignal(int number)
 {
     // Or it ends the process before the source is asked. Not "ignore": children inherit that.
-    struct sigaction action { };
-    action.sa_handler = [](int) {};
+    struct sigaction action{};
+    action.sa_handler = [](int) { };
     action.sa_flags = SA_RESTART;
     sigaction(number, &action, nullptr);
     dispatch_source_t source = dispatch_source_create(

@@ -31,8 +31,8 @@ std::vector<Screen> currentScreens()
 // Comes for the Dock's share of the screen too, not only for displays.
 ScreenWatcher::ScreenWatcher(MacDisplays& displays)
     : m_observer(NSNotificationCenter.defaultCenter,
-        NSApplicationDidChangeScreenParametersNotification,
-        [&displays](NSNotification*) { displays.setScreens(currentScreens()); })
+          NSApplicationDidChangeScreenParametersNotification,
+          [&displays](NSNotification*) { displays.setScreens(currentScreens()); })
 {
     displays.setScreens(currentScreens());
 }

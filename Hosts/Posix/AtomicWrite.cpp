@@ -55,8 +55,8 @@ std::string followLinks(std::string path)
 
 bool isNamed(int file, const std::string& path)
 {
-    struct stat opened { };
-    struct stat named { };
+    struct stat opened{};
+    struct stat named{};
     return ::fstat(file, &opened) == 0 && ::stat(path.c_str(), &named) == 0
         && opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
 }
@@ -119,7 +119,7 @@ void flushFolderOf(const std::string& path)
 
 void keepPermissions(int file, const std::string& path)
 {
-    struct stat old { };
+    struct stat old{};
     if (::stat(path.c_str(), &old) == 0)
         ::fchmod(file, old.st_mode & kPermissionBits);
 }

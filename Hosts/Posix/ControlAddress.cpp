@@ -23,7 +23,7 @@ constexpr mode_t kOthers = 077;
 bool isPrivateFolder(const std::string& path)
 {
     UniqueFd folder{open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)};
-    struct stat about { };
+    struct stat about{};
     return folder && fstat(folder.get(), &about) == 0 && about.st_uid == geteuid()
         && (about.st_mode & (kPrivate | kOthers)) == kPrivate;
 }

@@ -55,8 +55,8 @@ std::optional<ControlLock> ControlLock::acquireWithin(
 
 bool ControlLock::isAt(const ControlAddress& address) const
 {
-    struct stat held { };
-    struct stat named { };
+    struct stat held{};
+    struct stat named{};
     return fstat(m_file.get(), &held) == 0 && lstat(address.lockPath.c_str(), &named) == 0
         && held.st_dev == named.st_dev && held.st_ino == named.st_ino;
 }

@@ -31,7 +31,7 @@ bool hasNoRoom()
 /// 0 where there is no file.
 ino_t fileNumber(const std::string& path)
 {
-    struct stat about { };
+    struct stat about{};
     return lstat(path.c_str(), &about) == 0 ? about.st_ino : 0;
 }
 

@@ -24,7 +24,7 @@ std::error_code resultOf(int returned)
 
 bool isFolder(const std::string& path)
 {
-    struct stat status { };
+    struct stat status{};
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
@@ -70,7 +70,7 @@ std::optional<std::string> PosixFiles::read(const std::string& path, std::size_t
 {
     // A pipe or device that somebody put there must not block.
     UniqueFd file{::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)};
-    struct stat status { };
+    struct stat status{};
     if (!file || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
     return readUpTo(file.get(), limit);
@@ -94,7 +94,7 @@ std::error_code PosixFiles::rename(const std::string& from, const std::string& t
         return resultOf(::unlink(from.c_str()));
     if (errno == EEXIST || errno == ENOENT)
         return resultOf(-1);
-    struct stat status { };
+    struct stat status{};
     if (::lstat(to.c_str(), &status) == 0)
         return std::make_error_code(std::errc::file_exists);
     return resultOf(::rename(from.c_str(), to.c_str()));

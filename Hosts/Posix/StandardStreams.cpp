@@ -17,8 +17,8 @@ void secureStandardStreams()
     if (file >= 0)
         close(file);
 
-    struct sigaction action { };
-    action.sa_handler = [](int) {};
+    struct sigaction action{};
+    action.sa_handler = [](int) { };
     action.sa_flags = SA_RESTART;
     sigaction(SIGPIPE, &action, nullptr);
 }

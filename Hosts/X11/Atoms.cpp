@@ -10,7 +10,7 @@ namespace quorvel::xdg::x11 {
 namespace {
 
 struct AtomName {
-    xcb_atom_t Atoms::*member;
+    xcb_atom_t Atoms::* member;
     const char* name;
 };
 

@@ -23,7 +23,7 @@ class KeySymbols {
 public:
     KeySymbols(const xcb_get_keyboard_mapping_reply_t& reply, xcb_keycode_t first)
         : m_symbols(xcb_get_keyboard_mapping_keysyms(&reply),
-            static_cast<std::size_t>(xcb_get_keyboard_mapping_keysyms_length(&reply)))
+              static_cast<std::size_t>(xcb_get_keyboard_mapping_keysyms_length(&reply)))
         , m_perKey(reply.keysyms_per_keycode)
         , m_first(first)
     {

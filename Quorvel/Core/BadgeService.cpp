@@ -75,8 +75,7 @@ void BadgeService::start()
         return;
     m_isStarted = true;
     m_firstPoll = m_queue->after(firstPollDelay, [this] {
-        m_timerSource = m_queue->every(
-            pollInterval, [this] { fetchAndPublish(); }, pollLeeway);
+        m_timerSource = m_queue->every(pollInterval, [this] { fetchAndPublish(); }, pollLeeway);
     });
     m_hints = m_launchServices.answersMayHaveChanged.subscribe([this] { pollOnHint(); });
 }

@@ -84,7 +84,7 @@ BarManager::BarManager(const Platform& platform, WindowStore& windowStore, UserS
 
 BarManager::~BarManager()
 {
-    m_windowStore.onChange = [] {};
+    m_windowStore.onChange = [] { };
     closeAllPanels();
 }
 

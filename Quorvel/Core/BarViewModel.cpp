@@ -397,9 +397,8 @@ std::vector<const ChipData*> BarViewModel::inOrder(
     SpaceID space, const std::vector<WindowID>& ids) const
 {
     auto chips = findChips(chipsBySpace.value(), space, ids);
-    std::ranges::sort(chips, {}, [&](auto* chip) {
-        return std::pair{m_memory.placeOf(space, chip->id), chip->id};
-    });
+    std::ranges::sort(chips, {},
+        [&](auto* chip) { return std::pair{m_memory.placeOf(space, chip->id), chip->id}; });
     return chips;
 }
 

@@ -107,7 +107,7 @@ void DockController::settingsDidChange(bool hideDock)
 
 void DockController::finishRestarts()
 {
-    m_restarts->sync([] {});
+    m_restarts->sync([] { });
 }
 
 bool DockController::isHidden() const

@@ -81,7 +81,7 @@ void OrderFile::write()
 void OrderFile::writeLastChange()
 {
     if (m_queue)
-        m_queue->sync([] {}); // what is being written must not come after this
+        m_queue->sync([] { }); // what is being written must not come after this
     m_queue.reset();
     if (!m_writing.isPending())
         return;

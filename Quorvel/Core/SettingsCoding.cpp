@@ -130,9 +130,8 @@ bool read(const Json& row, SettingsToggle& toggle)
 void write(const SettingsChoice& choice, Json& row)
 {
     row["value"] = choice.value;
-    row["choices"] = list(choice.options, [](auto& option) {
-        return Json{{"value", option.value}, {"title", option.title}};
-    });
+    row["choices"] = list(choice.options,
+        [](auto& option) { return Json{{"value", option.value}, {"title", option.title}}; });
 }
 
 bool read(const Json& row, SettingsChoice& choice)
@@ -154,7 +153,8 @@ void write(const SettingsShortcut& shortcut, Json& row)
 bool read(const Json& row, SettingsShortcut& shortcut)
 {
     auto* value = member(row, "value");
-    if (!value || (!value->is_null() && !read(*value, shortcut.value.emplace(SettingsShortcut::Keys{}))))
+    if (!value
+        || (!value->is_null() && !read(*value, shortcut.value.emplace(SettingsShortcut::Keys{}))))
         return false;
     readText(row, "text", shortcut.text);
     readText(row, "status", shortcut.status);
@@ -363,7 +363,8 @@ bool read(const Json& json, SettingsChange::Record& record)
     auto* keyCode = member(json, "keyCode");
     if (member(json, "row") && !read(json, "row", record.row))
         return false;
-    return keyCode && (keyCode->is_null() || read(json, record.keys.emplace(SettingsShortcut::Keys{})));
+    return keyCode
+        && (keyCode->is_null() || read(json, record.keys.emplace(SettingsShortcut::Keys{})));
 }
 
 template <typename Change> std::optional<SettingsRequest> request(const Json& json)

@@ -278,7 +278,7 @@ void SpacePlaces::addNew(const std::vector<ChipData>& chips)
         auto before = m_hasOwnOrder
             ? m_places.rbegin()
             : std::find_if(m_places.rbegin(), m_places.rend(),
-                [&](auto& place) { return place.window && *place.window < chip.id; });
+                  [&](auto& place) { return place.window && *place.window < chip.id; });
         Place place;
         place.window = chip.id;
         place.known.number = m_services.windowServer.nativeWindowNumber(chip.id);

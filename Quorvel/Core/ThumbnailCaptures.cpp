@@ -110,8 +110,7 @@ void ThumbnailCaptures::prefetch(const std::vector<WindowID>& ids)
     fetchShareableContent([weak = weak_from_this(), wanted = std::move(wanted)](const Content&) {
         for (auto id : wanted) {
             if (auto self = weak.lock())
-                self->thumbnail(
-                    id, [] { return true; }, [](auto) {});
+                self->thumbnail(id, [] { return true; }, [](auto) {});
         }
     });
 }

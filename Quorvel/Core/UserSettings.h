@@ -128,19 +128,19 @@ public:
 
 private:
     const UserSettingsData& value() const { return m_data.value(); }
-    template <typename Value> void set(Value UserSettingsData::*field, Value value)
+    template <typename Value> void set(Value UserSettingsData::* field, Value value)
     {
         auto changed = m_data.value();
         changed.*field = std::move(value);
         setData(std::move(changed));
     }
-    template <typename Value> void set(Value MoreSettings::*field, Value value)
+    template <typename Value> void set(Value MoreSettings::* field, Value value)
     {
         auto changed = m_data.value();
         changed.more.*field = std::move(value);
         setData(std::move(changed));
     }
-    void setText(std::string UserSettingsData::*field, std::string_view text)
+    void setText(std::string UserSettingsData::* field, std::string_view text)
     {
         set(field, std::string{text});
     }

@@ -30,7 +30,8 @@ public:
 
     /// The visitor must not call the platform: a lock may be held.
     virtual void enumerateRunningApplications(
-        const std::function<void(const RunningApplication&)>& visitor) const = 0;
+        const std::function<void(const RunningApplication&)>& visitor) const
+        = 0;
     /// Absent once the process is gone.
     virtual std::optional<RunningApplication> runningApplication(ProcessID) const = 0;
     virtual std::optional<ProcessID> frontmostApplication() const = 0;

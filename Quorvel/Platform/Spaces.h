@@ -44,10 +44,12 @@ public:
     virtual std::optional<std::vector<ManagedDisplay>> managedDisplaySpaces() const = 0;
     /// Absent when the call fails.
     virtual std::optional<std::vector<WindowID>> windowsOfSpaces(
-        const std::vector<SpaceID>&, std::uint32_t options) const = 0;
+        const std::vector<SpaceID>&, std::uint32_t options) const
+        = 0;
     /// For several windows at once: the union of their spaces. Absent when the call fails.
     virtual std::optional<std::vector<SpaceID>> spacesOfWindows(
-        std::uint32_t mask, const std::vector<WindowID>&) const = 0;
+        std::uint32_t mask, const std::vector<WindowID>&) const
+        = 0;
     virtual SpaceID activeSpace() const = 0;
     /// The user's name for a space, on systems that have names.
     virtual std::optional<std::string> spaceName(SpaceID) const = 0;

@@ -53,7 +53,8 @@ public:
     virtual Listing enumerateWindows(std::uint32_t options, const WindowVisitor&) const = 0;
     /// The same for the windows of one process.
     virtual Listing enumerateWindows(
-        ProcessID owner, std::uint32_t options, const WindowVisitor&) const = 0;
+        ProcessID owner, std::uint32_t options, const WindowVisitor&) const
+        = 0;
     /// The number by which other programs know the window; absent where there is none.
     virtual std::optional<std::uint32_t> nativeWindowNumber(WindowID) const = 0;
     /// Names the time during which those numbers are not given anew: in another session they belong

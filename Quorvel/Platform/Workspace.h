@@ -46,8 +46,8 @@ struct IconPicture {
 /// takes that part. Main thread, except where it says otherwise.
 class Workspace : public RunningApplications, public Activation {
 public:
-    virtual std::optional<ApplicationURL> applicationURL(
-        std::string_view bundleIdentifier) const = 0;
+    virtual std::optional<ApplicationURL> applicationURL(std::string_view bundleIdentifier) const
+        = 0;
     virtual Image icon(const ApplicationURL&) const = 0;
     /// The same icon, drawn at once in a square of this many pixels; absent if it cannot be. From
     /// any thread.

@@ -54,7 +54,7 @@ std::string rejectionReason(WindowFilter filter, const CGWindowInfo& window)
                             : "layer-not-zero layer=nil";
     case WindowFilter::boundsTooSmall:
         return window.bounds ? fmt::format("bounds-too-small size={:.3f}x{:.3f}",
-                   window.bounds->width, window.bounds->height)
+                                   window.bounds->width, window.bounds->height)
                              : "bounds-too-small size=nil";
     case WindowFilter::fullyTransparent:
         return fmt::format("fully-transparent alpha={:.3f}", window.alpha.value_or(0));

@@ -56,7 +56,7 @@ public:
 
     /// One slot, never empty: called at the end of each operation that changed the windows or the
     /// focus.
-    std::function<void()> onChange = [] {};
+    std::function<void()> onChange = [] { };
     /// Emitted when a process that is not observed gets its first window on the bar.
     std::function<void(ProcessID)> onFirstWindow;
 

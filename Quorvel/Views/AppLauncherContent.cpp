@@ -14,7 +14,7 @@ namespace quorvel {
 AppLauncherContent::AppLauncherContent(
     const Inputs& given, AppLauncher& appLauncher, PinStore& pinStore)
     : SearchPanelContent(
-        given, {.title = tr("Applications"), .placeholder = tr("Search applications...")})
+          given, {.title = tr("Applications"), .placeholder = tr("Search applications...")})
     , m_appLauncher(appLauncher)
     , m_pinStore(pinStore)
 {

@@ -196,7 +196,7 @@ Menu windowMenu(const ChipData& chip, const ChipMenuContext& context)
     menu.push_back(chip.isMinimized
             ? activateEntry(tr("Restore"), id, context.viewModel)
             : entry(tr("Minimise"), context.viewModel,
-                [id](BarViewModel& current) { current.minimizeWindow(id); }));
+                  [id](BarViewModel& current) { current.minimizeWindow(id); }));
     auto offers = context.windowStates.offers(id);
     addStateEntries(menu, id, offers, context);
     addMoveEntry(menu, {id}, onEverySpace(offers), context);

@@ -166,8 +166,7 @@ std::string_view ChipView::wholeTitle() const
     auto* group = std::get_if<GroupedChipData>(&m_item);
     auto* single = std::get_if<ChipData>(&m_item);
     auto& window = group ? group->displayTitle : single->windowTitle;
-    return window.empty() ? fieldOf(
-               m_item, [](auto& data) -> auto& { return data.appName; })
+    return window.empty() ? fieldOf(m_item, [](auto& data) -> auto& { return data.appName; })
                           : window;
 }
 
@@ -175,8 +174,7 @@ std::string_view ChipView::title() const
 {
     if (m_title == Title::window)
         return wholeTitle();
-    return fieldOf(
-        m_item, [](auto& data) -> auto& { return data.appName; });
+    return fieldOf(m_item, [](auto& data) -> auto& { return data.appName; });
 }
 
 std::string ChipView::count() const
@@ -199,8 +197,7 @@ double ChipView::countWidth() const
 
 Rect ChipView::badgeRect(const Rect& icon) const
 {
-    auto& badge = fieldOf(
-        m_item, [](auto& data) -> auto& { return data.badge; });
+    auto& badge = fieldOf(m_item, [](auto& data) -> auto& { return data.badge; });
     if (!badge)
         return {};
     return itemMarks::badgeRect(m_text, *badge, icon, bounds().width, metrics());
@@ -285,9 +282,7 @@ void ChipView::paintItem(Canvas& canvas) const
     bool isDimmed = isMinimized(m_item);
     if (isDimmed)
         canvas.beginOpacity(ChipViewStyle::minimizedOpacity);
-    canvas.drawImage(fieldOf(
-                         m_item, [](auto& data) -> auto& { return data.icon; }),
-        layout.icon);
+    canvas.drawImage(fieldOf(m_item, [](auto& data) -> auto& { return data.icon; }), layout.icon);
     if (isDimmed)
         canvas.endOpacity();
     if (!layout.title.isEmpty()) {
@@ -299,8 +294,7 @@ void ChipView::paintItem(Canvas& canvas) const
     if (!layout.count.isEmpty())
         itemMarks::paintPill(canvas, layout.count, count(), colors.countFill, colors.text);
     if (!layout.badge.isEmpty()) {
-        auto& badge = fieldOf(
-            m_item, [](auto& data) -> auto& { return data.badge; });
+        auto& badge = fieldOf(m_item, [](auto& data) -> auto& { return data.badge; });
         itemMarks::paintPill(canvas, layout.badge, *badge, colors.badge, colors.badgeText);
     }
     if (!layout.news.isEmpty()) {

@@ -28,7 +28,7 @@ double widthOf(const PushButton& button)
 
 PermissionsGateFooter::PermissionsGateFooter(const Text& text, const Palette& palette)
     : m_status(
-        &addChild(std::make_unique<LabelView>(text, palette, PermissionsGateFooterStyle::status)))
+          &addChild(std::make_unique<LabelView>(text, palette, PermissionsGateFooterStyle::status)))
     , m_quit(&addChild(
           std::make_unique<PushButton>(text, palette, PushButton::Kind::standard, "quit")))
     , m_continue(&addChild(

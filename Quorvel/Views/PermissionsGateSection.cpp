@@ -24,9 +24,9 @@ class PermissionsGateCard final : public ColumnView {
 public:
     PermissionsGateCard(const Palette& palette, PermissionsGateSection::Look look)
         : ColumnView({.sides = Style::inset,
-            .top = Style::padding,
-            .bottom = Style::padding,
-            .gap = look.hasLines ? 2 * Style::padding + Style::line : look.rowGap})
+              .top = Style::padding,
+              .bottom = Style::padding,
+              .gap = look.hasLines ? 2 * Style::padding + Style::line : look.rowGap})
         , m_palette(palette)
         , m_hasLines(look.hasLines)
     {

@@ -181,7 +181,7 @@ Rect ThumbnailCard::iconFrame() const
 {
     return mirrored(Rect{ThumbnailCardStyle::padding, ThumbnailCardStyle::padding,
         ThumbnailCardStyle::iconSize, ThumbnailCardStyle::headerHeight}
-                        .centred({ThumbnailCardStyle::iconSize, ThumbnailCardStyle::iconSize}));
+            .centred({ThumbnailCardStyle::iconSize, ThumbnailCardStyle::iconSize}));
 }
 
 Rect ThumbnailCard::titleFrame() const

@@ -341,7 +341,7 @@ bool ThumbnailPopup::walk(const KeyEvent& event)
         return false;
     auto next = event.keyCode == KeyCode::tab
         ? std::optional{(*m_keyCard + (event.has(KeyModifier::shift) ? m_cards.size() - 1 : 1))
-            % m_cards.size()}
+              % m_cards.size()}
         : neighbour(*m_keyCard, event.keyCode);
     if (next)
         setKeyCard(next);

@@ -42,7 +42,7 @@ private:
 WindowFinderContent::WindowFinderContent(const Inputs& given, WindowFinder& windowFinder,
     ThumbnailService& thumbnailService, SpaceID space)
     : SearchPanelContent(
-        given, {.title = tr("Find a Window"), .placeholder = tr("Search windows...")})
+          given, {.title = tr("Find a Window"), .placeholder = tr("Search windows...")})
     , m_windowFinder(windowFinder)
     , m_space(space)
     , m_windows(windowFinder.windows())

@@ -100,9 +100,7 @@ void ItemList::addRow(const SettingsList::Item& item)
 {
     auto row = std::make_unique<ItemRow>(
         ItemRow::Actions{[this, id = item.id](ItemRow::Step step) { moveBy(id, step); },
-            [this, id = item.id] {
-                m_outlets.change({SettingsChange::Remove{m_id, id}});
-            }});
+            [this, id = item.id] { m_outlets.change({SettingsChange::Remove{m_id, id}}); }});
     g_object_set_data(G_OBJECT(row->widget()), kPlace, GSIZE_TO_POINTER(m_list.items.size()));
     gtk_list_box_append(m_box, row->widget());
     m_rows.emplace(item.id, std::move(row));

@@ -31,15 +31,15 @@ SignalHandler::SignalHandler(gpointer instance, const char* name, Handler* handl
 
 SignalHandler::SignalHandler(gpointer instance, const char* name, std::function<void()> handler)
     : SignalHandler(instance, name,
-        new Handler{[handler = std::move(handler)](SignalArguments, GValue*) { handler(); }})
+          new Handler{[handler = std::move(handler)](SignalArguments, GValue*) { handler(); }})
 {
 }
 
 SignalHandler::SignalHandler(
     gpointer instance, const char* name, std::function<void(SignalArguments)> handler)
     : SignalHandler(instance, name,
-        new Handler{[handler = std::move(handler)](
-                        SignalArguments arguments, GValue*) { handler(arguments); }})
+          new Handler{[handler = std::move(handler)](
+                          SignalArguments arguments, GValue*) { handler(arguments); }})
 {
 }
 

@@ -101,7 +101,7 @@ TEST_F(CatalogueTest, iconsAreDrawnOnOtherThreadsWhileTheThemeChanges)
         looks.set(other);
         EXPECT_TRUE(icons.forEntry(path));
     }
-    queue->sync([] {});
+    queue->sync([] { });
     ASSERT_TRUE(picture);
     EXPECT_EQ(picture->bytes, 32U * 32 * 4);
     const auto* pixels = dynamic_cast<const PixelPicture*>(picture->image.get());

@@ -98,7 +98,7 @@ TEST_F(ControlChannelTest, onlyAPrivateFolderOfOurOwnIsTrusted)
 {
     auto inRuntime = address();
     EXPECT_EQ(inRuntime.socketPath, root + "/quorvel/X7.socket");
-    struct stat about { };
+    struct stat about{};
     ASSERT_EQ(stat((root + "/quorvel").c_str(), &about), 0);
     EXPECT_EQ(about.st_mode & 0777, 0700u);
 

@@ -53,7 +53,7 @@ TEST_F(HostDispatch, cancelledWorkNeverRunsOnItsOwnThread)
     auto first = dispatch.main().after(0ms, [&] { second.cancel(); }); // both ready in one turn
     second = dispatch.main().after(0ms, [&runs, token] { ++runs; });
     WorkItem replaced = dispatch.main().after(0ms, [&] { ++runs; });
-    replaced = dispatch.main().after(0ms, [] {});
+    replaced = dispatch.main().after(0ms, [] { });
     EXPECT_EQ(token.use_count(), 2);
 
     drain();
@@ -108,7 +108,7 @@ TEST_F(HostDispatch, postsFromManyThreadsAllArriveInEachThreadsOrder)
                 });
                 auto dropped = dispatch.main().after(1ms, [&] { isOrdered = isOrdered && true; });
                 if (i % 3 == 0)
-                    dispatch.main().after(0ms, [] {}).cancel();
+                    dispatch.main().after(0ms, [] { }).cancel();
             }
         });
     }
@@ -208,9 +208,9 @@ TEST_F(HostDispatch, cancelRacesWithRunningWorkFromAnotherThread)
         else
             item = queue->every(1us, [&] { ++runs; });
     }
-    queue->sync([] {});
+    queue->sync([] { });
     int settled = runs;
-    queue->sync([] {});
+    queue->sync([] { });
     EXPECT_EQ(runs, settled); // all were cancelled, so nothing goes on
 }
 
@@ -226,7 +226,7 @@ TEST(WorkSchedule, whatMayComeLateComesAtAWholeSecond)
     auto due = *schedule->nextDue();
     EXPECT_EQ(due.time_since_epoch() % 1s, 0s);
     EXPECT_GE(due, begin + 7s);
-    item = schedule->every(7s, {}, [] {});
+    item = schedule->every(7s, {}, [] { });
     begin = *schedule->nextDue();
     schedule->runTurn();
     EXPECT_EQ(*schedule->nextDue(), begin + 7s) << "to the point";

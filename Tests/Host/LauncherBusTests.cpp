@@ -60,7 +60,7 @@ protected:
     /// Returns once the bus listens: it asks for the name after that.
     void listen(Sender& witness)
     {
-        bus.emplace(entries, installed, [] {});
+        bus.emplace(entries, installed, [] { });
         ASSERT_TRUE(eventually([&] { return witness.isNameTaken(); }));
     }
 
@@ -103,7 +103,7 @@ TEST_F(LauncherBusTest, isNotHeldUpByABusThatHangs)
 
     const auto start = std::chrono::steady_clock::now();
     bus.reset();
-    bus.emplace(entries, installed, [] {});
+    bus.emplace(entries, installed, [] { });
     while (g_main_context_iteration(nullptr, false)) { }
     bus.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - start, 20s) << "GIO waits for 25";

@@ -207,7 +207,7 @@ TEST_F(StoredApplicationsTest, tellsOnceOfWhatHappensWithinTheLatency)
     watch.reset();
     dispatch.advance(seconds(5));
     EXPECT_EQ(changes, 1) << "nobody listens any more";
-    EXPECT_FALSE(events.watch({}, seconds(1), [] {}));
+    EXPECT_FALSE(events.watch({}, seconds(1), [] { }));
 }
 
 /// A fake desktop whose applications are those on the disk.

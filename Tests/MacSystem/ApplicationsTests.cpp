@@ -66,9 +66,9 @@ TEST_F(MacApplicationsTest, aStreamOfFileEventsLivesAsLongAsItsSubscription)
     EXPECT_EQ(changes, 1);
 
     mac.answer("FSEventStreamStart", {});
-    EXPECT_FALSE(events.watch({"/a"}, seconds(1), [] {}));
+    EXPECT_FALSE(events.watch({"/a"}, seconds(1), [] { }));
     mac.answer("FSEventStreamCreate", {});
-    EXPECT_FALSE(events.watch({"/a"}, seconds(1), [] {}));
+    EXPECT_FALSE(events.watch({"/a"}, seconds(1), [] { }));
     mac.watched = {};
 }
 

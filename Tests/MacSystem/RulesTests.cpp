@@ -213,7 +213,7 @@ TEST_F(MacRulesTest, aMenuIsClosedBeforeItsActionAndGoesWhenAnotherOneComesOrThe
     Signal<> willTerminate;
     std::vector<std::string> log;
     const auto note = [&](std::string text) { return [&log, text] { log.push_back(text); }; };
-    const auto nothing = [] {};
+    const auto nothing = [] { };
     const auto make = [&](std::string name) {
         const auto closed = [&log, name](MenuEnding ending) {
             log.push_back(name + (ending == MenuEnding::chosen ? " chosen" : " closed"));

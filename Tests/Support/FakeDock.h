@@ -50,7 +50,7 @@ private:
     Values m_stored;
     Values m_running; ///< as the Dock read them
     std::vector<std::string> m_calls;
-    std::function<void()> m_afterCall = [] {};
+    std::function<void()> m_afterCall = [] { };
 };
 
 }

@@ -58,7 +58,7 @@ private:
     bool m_isFull = false;
     bool m_isReadOnly = false;
     int m_writes = 0;
-    std::function<void()> m_afterChange = [] {};
+    std::function<void()> m_afterChange = [] { };
 };
 
 }

@@ -324,7 +324,7 @@ void FakeSurfaces::pressElsewhere(Point at, PointerButton button)
     m_pressed[PointerScope::otherPrograms].emit(at, button);
     auto hasKeyboard = [](auto* panel) { return panel->hasKeyboard(); };
     for (auto it = std::ranges::find_if(m_keyHolders, hasKeyboard); it != m_keyHolders.end();
-         it = std::ranges::find_if(m_keyHolders, hasKeyboard))
+        it = std::ranges::find_if(m_keyHolders, hasKeyboard))
         (*it)->releaseKeyboard();
 }
 

@@ -190,7 +190,7 @@ TYPED_TEST_P(SeamContract, observersHearInOrderUntilTheyEnd)
         auto title = system.accessibility().copyAttribute(window, ax::title);
         return title.value == AXValue{std::string{"late"}};
     }));
-    this->on(*thread, [] {}); // whatever was on its way has come
+    this->on(*thread, [] { }); // whatever was on its way has come
     EXPECT_THAT(heard, testing::ElementsAre(ax::titleChanged, ax::windowMiniaturized));
 }
 

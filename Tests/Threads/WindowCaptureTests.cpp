@@ -306,8 +306,7 @@ TEST_F(WindowCaptureTest, theServiceMayEndWhileItsPicturesCome)
             record.frame = {0, 0, 400, 300};
         });
     }
-    auto guard = g_timeout_add(
-        1, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+    auto guard = g_timeout_add(1, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
     for (std::size_t wanted = 0; wanted <= ids.size(); wanted += 4) {
         ThumbnailService service{dispatch, *capture, displays};
         std::vector<Subscription> asked;

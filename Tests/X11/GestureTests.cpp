@@ -93,9 +93,8 @@ TEST_P(Gestures, moveChipsAndWindowsAndShowTheDesktop)
     pointer.moveTo(chip("d"));
     keyboard.type(XKB_KEY_Escape);
     pointer.release(Button::primary);
-    EXPECT_TRUE(staysTrue(300ms, [&] {
-        return chips() == Names{"", "b", "c", "a", "d", "e"};
-    })) << testing::PrintToString(chips());
+    EXPECT_TRUE(staysTrue(300ms, [&] { return chips() == Names{"", "b", "c", "a", "d", "e"}; }))
+        << testing::PrintToString(chips());
     pointer.moveTo(5, 5);
 
     const auto cells = panel().cells;

@@ -224,9 +224,7 @@ TEST_F(Shortcuts, followTheModifiersAndWhatOthersHave)
     const std::vector<std::function<void()>> occasions{
         [&] { hotkeys.askAgain(); },
         [&] { other.announceActiveWindow(); },
-        [&] {
-            run({"xmodmap", "-e", "keycode 248 = F35"});
-        },
+        [&] { run({"xmodmap", "-e", "keycode 248 = F35"}); },
     };
     for (std::size_t index = 0; index < occasions.size(); ++index) {
         refused.reset();

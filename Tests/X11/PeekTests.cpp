@@ -270,7 +270,7 @@ protected:
         for (auto window : client.windows()) {
             auto top = window;
             for (auto tree = treeOf(top); tree && tree->parent != connection.root();
-                 tree = treeOf(top))
+                tree = treeOf(top))
                 top = tree->parent;
             clients[top] = window;
         }

@@ -47,7 +47,7 @@ struct ApplicationLauncher::Started {
 ApplicationLauncher::ApplicationLauncher(Failed failed)
     : m_failed(std::move(failed))
     , m_cancellable(g_cancellable_new())
-    , m_bus([](GDBusConnection*) {}, [](GDBusConnection*) {})
+    , m_bus([](GDBusConnection*) { }, [](GDBusConnection*) { })
 {
 }
 

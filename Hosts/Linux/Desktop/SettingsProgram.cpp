@@ -65,7 +65,7 @@ bool SettingsProgram::launch(const std::vector<std::string>& arguments)
         fail("it is not installed");
         return false;
     }
-    m_start = m_dispatch.main().after(kStartLimit, [] {});
+    m_start = m_dispatch.main().after(kStartLimit, [] { });
     std::vector<std::string> command{*program};
     command.insert(command.end(), arguments.begin(), arguments.end());
     m_tokens.request([this, command](const std::string& token) { start(command, token); });

@@ -146,7 +146,7 @@ void CairoCanvas::fillRounded(const Rect& rect, double radius, const Color& colo
     setColor(color);
     auto* mask = isMagnified() ? nullptr
                                : m_tools.masks.mask(static_cast<int>(pixels.width),
-                                   static_cast<int>(pixels.height), radius * pixelsPerPoint());
+                                     static_cast<int>(pixels.height), radius * pixelsPerPoint());
     if (mask)
         return cairo_mask_surface(m_cairo.get(), mask, pixels.x, pixels.y);
     addRoundedPath(m_cairo.get(), pixels, radius * pixelsPerPoint());

@@ -6,7 +6,7 @@
 namespace quorvel::xdg {
 
 /// A key by its place, as the kernel numbers it (linux/input-event-codes.h); X and Wayland add 8.
-enum class DeviceCode : std::uint16_t {};
+enum class DeviceCode : std::uint16_t { };
 
 /// The Mac's virtual key code of the key at this place; absent where a Mac has none.
 std::optional<std::uint16_t> macKeyCodeOf(DeviceCode);

@@ -18,7 +18,7 @@ class LoopThread final : public RunLoopThread {
 public:
     LoopThread(std::string_view name, QualityOfService quality) : m_queue(name, quality)
     {
-        m_queue.sync([] {});
+        m_queue.sync([] { });
     }
 
     void perform(Work work) override { m_queue.async(std::move(work)); }

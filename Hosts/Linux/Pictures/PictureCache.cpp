@@ -105,7 +105,7 @@ void PictureCache::makeRoom() const
     std::size_t total = 0;
     std::error_code problem;
     for (fs::directory_iterator at{m_folder, problem}, end; !problem && at != end;
-         at.increment(problem)) {
+        at.increment(problem)) {
         std::error_code vanished;
         const auto bytes = static_cast<std::size_t>(at->file_size(vanished));
         if (vanished)

@@ -64,7 +64,7 @@ void RequestBatch::size(xcb_window_t window, OnSize handle)
     add(xcb_get_geometry(m_connection, window), [handle = std::move(handle)](void* data) {
         auto* reply = static_cast<const xcb_get_geometry_reply_t*>(data);
         handle(reply ? std::optional{Size{
-                   static_cast<double>(reply->width), static_cast<double>(reply->height)}}
+                           static_cast<double>(reply->width), static_cast<double>(reply->height)}}
                      : std::nullopt);
     });
 }

@@ -102,7 +102,7 @@ void BackBuffer::resize(int width, int height)
     if (m_isNativeFormat)
         m_shared = SharedPixels::create(m_connection, width, height);
     CairoSurface surface{m_shared ? cairo_image_surface_create_for_data(
-                             m_shared->row(0), format, width, height, width * 4)
+                                        m_shared->row(0), format, width, height, width * 4)
                                   : cairo_image_surface_create(format, width, height)};
     if (cairo_surface_status(surface.get()) == CAIRO_STATUS_SUCCESS)
         m_surface = std::move(surface);

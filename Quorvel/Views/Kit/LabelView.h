@@ -17,7 +17,7 @@ public:
         double size = 12;
         FontWeight weight = FontWeight::regular;
         TextAlignment alignment = TextAlignment::leading;
-        Color Palette::*color = &Palette::text;
+        Color Palette::* color = &Palette::text;
         std::size_t mostLines = 1;
         AccessibleRole role = AccessibleRole::label;
         /// For assistive programs, which then hear when the text changes; if empty, a changed text

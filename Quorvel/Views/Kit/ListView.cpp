@@ -334,7 +334,7 @@ std::vector<ListView::Row> ListView::rowsInSight() const
     if (bounds().isEmpty())
         return rows;
     for (auto row = rowBelow(m_offset);
-         row + 1 < m_tops.size() && m_tops[row] < m_offset + bounds().height; ++row)
+        row + 1 < m_tops.size() && m_tops[row] < m_offset + bounds().height; ++row)
         rows.push_back(row);
     for (auto& [row, shift] : m_shifts) {
         if (rowFrame(row).intersects(bounds()))

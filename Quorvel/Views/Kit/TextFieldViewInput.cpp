@@ -91,7 +91,7 @@ void TextFieldView::setKeyFocused(bool isFocused)
         m_isSelecting = false;
         m_blink.stop();
     }
-    edit([] {});
+    edit([] { });
     if (onFocusChanged)
         onFocusChanged(isFocused);
 }

@@ -16,8 +16,8 @@ MenuKeyTexts keyTexts(const Menu& menu, const Platform& platform)
     for (auto& item : menu) {
         texts.push_back(!item.keys ? ""
                                    : shortcutText(platform.hotkeys,
-                                       {static_cast<std::uint32_t>(item.keys->key),
-                                           hotkeyModifiersFrom(item.keys->modifiers)}));
+                                         {static_cast<std::uint32_t>(item.keys->key),
+                                             hotkeyModifiersFrom(item.keys->modifiers)}));
     }
     return texts;
 }

@@ -203,7 +203,7 @@ Frame Desktop::frame(xcb_window_t window)
     return content == Frame{}
         ? Frame{}
         : Frame{content.x - extent(0), content.y - extent(2), content.width + extent(0) + extent(1),
-            content.height + extent(2) + extent(3)};
+              content.height + extent(2) + extent(3)};
 }
 
 xcb_window_t Desktop::windowAt(int x, int y)

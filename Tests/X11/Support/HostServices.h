@@ -40,8 +40,8 @@ struct HostServices {
     bool runUntil(const std::function<bool()>& isDone)
     {
         const auto end = std::chrono::steady_clock::now() + kWatchdog;
-        const auto guard = g_timeout_add(
-            5, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
+        const auto guard
+            = g_timeout_add(5, [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr);
         while (!isDone() && std::chrono::steady_clock::now() < end)
             g_main_context_iteration(nullptr, true);
         g_source_remove(guard);

@@ -69,7 +69,7 @@ using CGEventSourceRef = struct CGEventSourceObject*;
 CGEventRef CGEventCreate(CGEventSourceRef);
 CGPoint CGEventGetLocation(CGEventRef);
 using CGKeyCode = std::uint16_t;
-enum CGEventFlags : std::uint64_t {};
+enum CGEventFlags : std::uint64_t { };
 enum CGEventType : std::uint32_t {
     kCGEventLeftMouseDown = 1,
     kCGEventLeftMouseUp = 2,
