@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -18,7 +19,8 @@ namespace {
 
 using Input = std::vector<std::uint8_t>;
 
-constexpr int kMutations = 5000;
+constexpr int kMutations = 1500;
+constexpr int kFullMutations = 15'000;
 constexpr std::size_t kLongestInput = 4096;
 
 std::vector<Input> readCorpus(const std::filesystem::path& folder)
@@ -96,7 +98,8 @@ int main(int argc, char** argv)
     for (auto& input : corpus)
         LLVMFuzzerTestOneInput(input.data(), input.size());
     Mutator mutator{seed};
-    for (int i = 0; i < kMutations; ++i) {
+    const int mutations = std::getenv("QUORVEL_TEST_FULL") ? kFullMutations : kMutations;
+    for (int i = 0; i < mutations; ++i) {
         auto input = mutator.mutated(corpus);
         LLVMFuzzerTestOneInput(input.data(), input.size());
     }
