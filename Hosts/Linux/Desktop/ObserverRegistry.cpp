@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ranges>
 
 #include "Hosts/Linux/Desktop/Elements.h"
 
@@ -92,37 +93,29 @@ void ObserverRegistry::deliver(const std::vector<DesktopNotification>& notificat
     if (notifications.empty())
         return;
     std::scoped_lock lock{m_mutex};
-    for (auto& [pid, state] : m_observers) {
-        auto batch = take(*state, notifications);
-        if (batch.empty())
-            continue;
-        state->thread.perform([observer = state, batch = std::move(batch)] {
-            for (auto& [element, name] : batch) {
+    std::map<std::shared_ptr<State>, Batch> batches;
+    for (auto& notification : notifications) {
+        const auto sender = senderOf(notification).token;
+        const Registration wanted{sender, notification.name};
+        auto [first, last] = m_observers.equal_range(notification.owner);
+        for (auto& [pid, state] : std::ranges::subrange(first, last)) {
+            if (state->registrations.contains(wanted))
+                batches[state].emplace_back(elementOf(notification.window), notification.name);
+            // The registrations of an element end with it.
+            if (notification.name == ax::elementDestroyed)
+                std::erase_if(
+                    state->registrations, [&](const auto& entry) { return entry.first == sender; });
+        }
+    }
+    for (auto& [state, batch] : batches) {
+        state->thread.perform([observer = state, notices = std::move(batch)] {
+            for (auto& [element, name] : notices) {
                 if (observer->hasEnded)
                     return;
                 observer->callback(element, name);
             }
         });
     }
-}
-
-ObserverRegistry::Batch ObserverRegistry::take(
-    State& state, const std::vector<DesktopNotification>& notifications)
-{
-    Batch batch;
-    for (auto& notification : notifications) {
-        if (notification.owner != state.pid)
-            continue;
-        auto sender = senderOf(notification).token;
-        if (state.registrations.contains({sender, std::string{notification.name}}))
-            batch.emplace_back(elementOf(notification.window), notification.name);
-        if (notification.name == ax::elementDestroyed) {
-            // The registrations of an element end with it.
-            std::erase_if(
-                state.registrations, [&](const auto& entry) { return entry.first == sender; });
-        }
-    }
-    return batch;
 }
 
 }

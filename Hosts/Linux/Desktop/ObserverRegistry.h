@@ -40,7 +40,6 @@ private:
     AXError add(State&, const AXElement&, std::string_view notification);
     AXError remove(State&, const AXElement&, std::string_view notification);
     void end(const std::shared_ptr<State>&);
-    static Batch take(State&, const std::vector<DesktopNotification>&);
 
     const SharedModel& m_model;
     std::mutex m_mutex;
