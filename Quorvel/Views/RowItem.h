@@ -45,6 +45,7 @@ public:
     void filesExited() override { setFilesOver(false); }
 
 protected:
+    /// The metrics are the row's, which outlives it.
     RowItem(const Palette& palette, const BarMetrics& metrics)
         : ButtonView(palette)
         , m_metrics(metrics)
@@ -69,7 +70,7 @@ private:
     void paintLifted(Canvas&) const;
     void paintNumber(Canvas&) const;
 
-    BarMetrics m_metrics;
+    const BarMetrics& m_metrics;
     Lift m_lift = Lift::none;
     bool m_hasFilesOver = false;
     bool m_isRightToLeft = false;
