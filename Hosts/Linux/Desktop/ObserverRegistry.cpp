@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <ranges>
 
 #include "Hosts/Linux/Desktop/Elements.h"
@@ -10,9 +11,20 @@ namespace quorvel::xdg {
 
 namespace {
 
-constexpr std::array kApplicationNotifications{ax::windowCreated, ax::focusedWindowChanged};
-constexpr std::array kWindowNotifications{ax::titleChanged, ax::windowResized, ax::windowMoved,
-    ax::windowMiniaturized, ax::windowDeminiaturized, ax::elementDestroyed};
+/// Those of an application, then those of a window.
+constexpr std::array kNotifications{ax::windowCreated, ax::focusedWindowChanged, ax::titleChanged,
+    ax::windowResized, ax::windowMoved, ax::windowMiniaturized, ax::windowDeminiaturized,
+    ax::elementDestroyed};
+constexpr std::size_t kOfApplications = 2;
+
+/// Its place in the list; absent for one that nobody sends.
+std::optional<std::size_t> placeOf(std::string_view name)
+{
+    auto found = std::ranges::find(kNotifications, name);
+    if (found == kNotifications.end())
+        return std::nullopt;
+    return static_cast<std::size_t>(found - kNotifications.begin());
+}
 
 AXElement senderOf(const DesktopNotification& notification)
 {
@@ -58,9 +70,8 @@ AXError ObserverRegistry::add(State& state, const AXElement& element, std::strin
 {
     auto application = applicationIn(element);
     auto window = windowIn(element, ElementKind::window);
-    bool isKnown = application ? std::ranges::count(kApplicationNotifications, name) > 0
-                               : window && std::ranges::count(kWindowNotifications, name) > 0;
-    if (!isKnown)
+    auto place = placeOf(name);
+    if (!place || !(*place < kOfApplications ? application.has_value() : window.has_value()))
         return AXError::notificationUnsupported;
     bool isThere = m_model.read([&](const DesktopModel& model) {
         return application ? model.application(*application) != nullptr
@@ -70,15 +81,24 @@ AXError ObserverRegistry::add(State& state, const AXElement& element, std::strin
         return AXError::invalidElement;
 
     std::scoped_lock lock{m_mutex};
-    bool isNew = state.registrations.emplace(element.token, name).second;
-    return isNew ? AXError::success : AXError::notificationAlreadyRegistered;
+    static_assert(kNotifications.size() <= Names{}.size());
+    auto& names = state.registrations[element.token];
+    if (names.test(*place))
+        return AXError::notificationAlreadyRegistered;
+    names.set(*place);
+    return AXError::success;
 }
 
 AXError ObserverRegistry::remove(State& state, const AXElement& element, std::string_view name)
 {
     std::scoped_lock lock{m_mutex};
-    bool wasThere = state.registrations.erase({element.token, std::string{name}}) > 0;
-    return wasThere ? AXError::success : AXError::notificationNotRegistered;
+    auto found = state.registrations.find(element.token);
+    auto place = placeOf(name);
+    if (found == state.registrations.end() || !place || !found->second.test(*place))
+        return AXError::notificationNotRegistered;
+    if (found->second.reset(*place).none())
+        state.registrations.erase(found);
+    return AXError::success;
 }
 
 void ObserverRegistry::end(const std::shared_ptr<State>& state)
@@ -95,16 +115,17 @@ void ObserverRegistry::deliver(const std::vector<DesktopNotification>& notificat
     std::scoped_lock lock{m_mutex};
     std::map<std::shared_ptr<State>, Batch> batches;
     for (auto& notification : notifications) {
-        const auto sender = senderOf(notification).token;
-        const Registration wanted{sender, notification.name};
+        const auto place = placeOf(notification.name);
         auto [first, last] = m_observers.equal_range(notification.owner);
         for (auto& [pid, state] : std::ranges::subrange(first, last)) {
-            if (state->registrations.contains(wanted))
+            auto found = state->registrations.find(senderOf(notification).token);
+            if (!place || found == state->registrations.end())
+                continue;
+            if (found->second.test(*place))
                 batches[state].emplace_back(elementOf(notification.window), notification.name);
             // The registrations of an element end with it.
             if (notification.name == ax::elementDestroyed)
-                std::erase_if(
-                    state->registrations, [&](const auto& entry) { return entry.first == sender; });
+                state->registrations.erase(found);
         }
     }
     for (auto& [state, batch] : batches) {

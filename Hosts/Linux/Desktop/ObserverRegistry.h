@@ -1,10 +1,11 @@
 #pragma once
 
+#include <bitset>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
-#include <set>
-#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -24,7 +25,8 @@ public:
 
 private:
     class Observer;
-    using Registration = std::pair<std::uint64_t, std::string>; ///< token and notification
+    using Token = std::uint64_t; ///< of an element
+    using Names = std::bitset<8>; ///< of notifications, by their place in the list of all
     using Batch = std::vector<std::pair<AXElement, std::string_view>>;
 
     /// Shared with deliveries on their way to the thread, which check whether the observer has
@@ -33,7 +35,7 @@ private:
         ProcessID pid;
         RunLoopThread& thread;
         Accessibility::Callback callback;
-        std::set<Registration> registrations; ///< under the registry's lock
+        std::map<Token, Names> registrations; ///< under the registry's lock
         bool hasEnded = false; ///< on the observer's thread
     };
 
