@@ -74,6 +74,7 @@ public:
         std::vector<std::string> words{path};
         words.insert(words.end(), arguments.begin(), arguments.end());
         std::vector<char*> pointers;
+        pointers.reserve(words.size() + 1);
         for (auto& word : words)
             pointers.push_back(word.data());
         pointers.push_back(nullptr);
@@ -193,7 +194,7 @@ std::optional<ToolResult> runTool(
     const auto pid = SpawnSetup{output.writeEnd.get(), error.writeEnd.get()}.start(path, arguments);
     if (!pid)
         return std::nullopt;
-    const ToolResult killed{.exitStatus = SIGKILL, .standardOutput = {}, .standardError = {}};
+    ToolResult killed{.exitStatus = SIGKILL, .standardOutput = {}, .standardError = {}};
     Child child{*pid};
     output.writeEnd = UniqueFd{};
     error.writeEnd = UniqueFd{};

@@ -29,7 +29,7 @@ std::string locate(Files& files)
     if (!support)
         return {};
     auto folder = fmt::format("{}/{}", *support, kFolderName);
-    files.createFolder(folder);
+    static_cast<void>(files.createFolder(folder)); // the first write says what is wrong
     return fmt::format("{}/{}", folder, kFileName);
 }
 

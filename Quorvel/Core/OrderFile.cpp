@@ -20,7 +20,8 @@ std::string orderFileIn(const Files& files)
 
 std::error_code writeOrder(Files& files, const std::string& path, const RememberedOrder& order)
 {
-    files.createFolder(path.substr(0, path.find_last_of('/')));
+    if (auto error = files.createFolder(path.substr(0, path.find_last_of('/'))))
+        return error;
     auto error = files.revise(path, OrderLimits::fileBytes,
         [&](const std::optional<std::string>& file) -> std::optional<std::string> {
             auto bytes = withOrder(file, order);

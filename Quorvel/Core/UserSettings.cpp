@@ -143,8 +143,11 @@ void UserSettings::setData(UserSettingsData data)
 
 void UserSettings::createFolder()
 {
-    if (!m_fileURL.empty())
-        m_files.createFolder(m_fileURL.substr(0, m_fileURL.size() - kFileName.size() - 1));
+    if (m_fileURL.empty())
+        return;
+    // The write that follows says what is wrong.
+    const auto folder = m_fileURL.substr(0, m_fileURL.size() - kFileName.size() - 1);
+    static_cast<void>(m_files.createFolder(folder));
 }
 
 void UserSettings::scheduleSave()

@@ -41,8 +41,8 @@ bool save(Files& files, const std::string& path, GKeyFile* keys)
 {
     gsize size = 0;
     const GText bytes{g_key_file_to_data(keys, &size, nullptr)};
-    files.createFolder(path.substr(0, path.find_last_of('/')));
-    return !files.writeAtomically(path, std::string{bytes.get(), size});
+    return !files.createFolder(path.substr(0, path.find_last_of('/')))
+        && !files.writeAtomically(path, std::string{bytes.get(), size});
 }
 
 std::optional<bool> flag(GKeyFile* keys, const char* name)

@@ -36,7 +36,9 @@ bool usesToken(const DesktopKeyFile& file)
 
 std::string orElse(std::string text, const std::string& replacement)
 {
-    return text.empty() ? replacement : text;
+    if (text.empty())
+        return replacement;
+    return text;
 }
 
 }

@@ -108,6 +108,7 @@ std::vector<ApplicationStatus> LauncherEntries::statuses() const
 {
     std::scoped_lock lock{m_mutex};
     std::vector<ApplicationStatus> all;
+    all.reserve(m_entries.size());
     for (auto& entry : m_entries)
         all.push_back(entry.status());
     return all;

@@ -52,7 +52,7 @@ SurfacePointer SharedSurfaces::share(SurfacePointer surface)
     auto entry = std::make_unique<Entry>(m_inUse, m_inUse->emplace(hash, surface.get()));
     if (cairo_surface_set_user_data(surface.get(), &kEntryKey, entry.get(), &Entry::destroy)
         == CAIRO_STATUS_SUCCESS)
-        entry.release();
+        static_cast<void>(entry.release());
     else
         m_inUse->erase(entry->place);
     return surface;

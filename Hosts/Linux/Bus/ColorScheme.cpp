@@ -54,7 +54,8 @@ std::optional<Color> colorFrom(GVariant* value)
     Color color;
     g_variant_get(value, "(ddd)", &color.red, &color.green, &color.blue);
     for (const double part : {color.red, color.green, color.blue}) {
-        if (!(part >= 0 && part <= 1))
+        const bool isShare = part >= 0 && part <= 1; // not so if it is no number
+        if (!isShare)
             return std::nullopt;
     }
     return color;

@@ -93,6 +93,7 @@ std::vector<std::string> decoderEnvironment()
 std::vector<char*> pointersTo(std::vector<std::string>& words)
 {
     std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
     for (auto& word : words)
         pointers.push_back(word.data());
     pointers.push_back(nullptr);

@@ -63,7 +63,7 @@ protected:
     AccessibleState menuButtonState(std::string name) const;
     /// The usual background: nothing at rest, more under the pointer, most while pressed or open.
     void paintFace(Canvas&, const Rect& face, double radius) const;
-    template <typename Value> void set(Value& member, Value value)
+    template <typename Value> void set(Value& member, const Value& value)
     {
         if (std::exchange(member, value) != value)
             invalidate();
