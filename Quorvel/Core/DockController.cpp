@@ -142,7 +142,7 @@ void DockController::restore(bool synchronous)
         return;
     m_dock.setAutoHideEnabled(initial->autoHideEnabled);
     writePreferences(restoredDelay, restoredBounceEnabled);
-    m_files.remove(m_fileURL);
+    static_cast<void>(m_files.remove(m_fileURL)); // if it stays, all is restored once more
     if (synchronous)
         m_dock.restart();
     else

@@ -218,7 +218,10 @@ bool InputMethod::take(const KeyPress& press)
 
 void InputMethod::begin()
 {
-    if (!isInputMethodNamed() || !(m_library = InputMethodLibrary::load()))
+    if (!isInputMethodNamed())
+        return;
+    m_library = InputMethodLibrary::load();
+    if (!m_library)
         return;
     m_session = m_library->create(m_connection.raw(), m_connection.screenNumber(), nullptr);
     if (!m_session)

@@ -161,6 +161,7 @@ bool Backdrop::mix(cairo_surface_t* picture, const Rect& frame)
     if (!layout.isReadable() || !root)
         return false;
     std::vector<ScreenPart> screenParts;
+    screenParts.reserve(m_parts.size());
     for (auto& part : m_parts)
         screenParts.emplace_back(m_connection,
             part.inset(-kReach, -kReach).translated(frame.x, frame.y),

@@ -17,6 +17,8 @@ namespace quorvel::xdg::x11 {
 /// ordered in: what is painted when, and who is told what the pointer does. Main thread.
 class WindowedSurface : public PlacedSurface {
 public:
+    ~WindowedSurface() override;
+
     Rect frame() const override { return m_frame; }
     double scale() const override { return m_context.scale(); }
     void invalidate(const Rect&) override;
@@ -26,7 +28,6 @@ public:
 protected:
     WindowedSurface(const SurfaceContext&, const PanelOptions&, SurfaceClient&,
         std::function<void()> onPointerMoved);
-    ~WindowedSurface() override;
 
     virtual bool hasWindow() const = 0;
     /// Any event of the connection's.
