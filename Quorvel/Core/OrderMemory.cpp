@@ -148,6 +148,7 @@ std::vector<const ChipData*> OrderMemory::arrange(SpaceID space, const std::vect
     if (auto places = placesOf(space); places != m_spaces.end())
         return places->arrange(chips);
     std::vector<const ChipData*> all;
+    all.reserve(chips.size());
     for (auto& chip : chips)
         all.push_back(&chip);
     return all;

@@ -227,6 +227,7 @@ void SpacePlaces::recogniseLikes(const std::vector<ChipData>& chips)
 {
     auto search = beginSearch(chips);
     std::vector<const RememberedWindow*> wanted;
+    wanted.reserve(search.places.size());
     for (auto place : search.places)
         wanted.push_back(&*m_places[place].sought);
     auto found = assignPlaces(wanted, search.seekers);
@@ -322,10 +323,12 @@ SpacePlaces::Place* SpacePlaces::placeHolding(WindowID window)
 std::vector<const ChipData*> SpacePlaces::inOrder(const std::vector<ChipData>& chips) const
 {
     std::vector<std::pair<std::size_t, const ChipData*>> placed;
+    placed.reserve(chips.size());
     for (std::size_t i = 0; i < chips.size(); ++i)
         placed.emplace_back(m_hasOwnOrder ? m_placeOfChip[i] : i, &chips[i]);
     std::ranges::sort(placed);
     std::vector<const ChipData*> ordered;
+    ordered.reserve(placed.size());
     for (auto& [place, chip] : placed)
         ordered.push_back(chip);
     return ordered;

@@ -110,21 +110,21 @@ void ThumbnailCaptures::prefetch(const std::vector<WindowID>& ids)
     fetchShareableContent([weak = weak_from_this(), wanted = std::move(wanted)](const Content&) {
         for (auto id : wanted) {
             if (auto self = weak.lock())
-                self->thumbnail(id, [] { return true; }, [](auto) {});
+                self->thumbnail(id, [] { return true; }, [](const auto&) {});
         }
     });
 }
 
 // MARK: The windows that can be captured
 
-void ThumbnailCaptures::fetchShareableContent(ContentResult result)
+void ThumbnailCaptures::fetchShareableContent(const ContentResult& result)
 {
     Content content;
     {
         const std::scoped_lock lock{m_stateLock};
         content = cachedShareableContent();
         if (!content) {
-            m_contentWaiters.push_back(std::move(result));
+            m_contentWaiters.push_back(result);
             if (std::exchange(m_isFetchingContent, true))
                 return;
         }
@@ -160,7 +160,7 @@ void ThumbnailCaptures::requestShareableContent()
         const std::scoped_lock lock{m_stateLock};
         m_contentTimeout = std::move(timeout);
     }
-    m_screenCapture.getShareableContent([once](Content content) { once->resume(content); });
+    m_screenCapture.getShareableContent([once](const Content& content) { once->resume(content); });
 }
 
 void ThumbnailCaptures::contentArrived(const Content& content)

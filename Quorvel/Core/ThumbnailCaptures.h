@@ -48,7 +48,7 @@ private:
     void cacheImage(WindowID, const WindowPicture&);
     std::vector<WindowID> withoutFreshPicture(const std::vector<WindowID>&) const;
 
-    void fetchShareableContent(ContentResult);
+    void fetchShareableContent(const ContentResult&);
     void requestShareableContent();
     void contentArrived(const Content&);
     /// Call with the lock held.

@@ -200,7 +200,7 @@ std::error_code UserSettings::replaceRejectedFile()
         return error;
     auto error = write();
     if (error)
-        m_files.rename(keptAs, m_fileURL);
+        static_cast<void>(m_files.rename(keptAs, m_fileURL)); // what failed first is told
     else
         m_application.warn(m_fileURL + " is overwritten; what it held is kept as " + keptAs);
     return error;
