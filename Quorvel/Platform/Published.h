@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -29,29 +31,41 @@ public:
 
     [[nodiscard]] Subscription subscribe(Subscriber subscriber) const
     {
-        prune();
         auto entry = std::make_shared<Subscriber>(std::move(subscriber));
-        m_subscribers.push_back(entry);
+        auto list = current();
+        list.push_back(entry);
+        m_list = std::make_shared<const List>(std::move(list));
         return Subscription{std::move(entry)};
     }
 
     void emit(const Arguments&... arguments) const
     {
-        prune();
-        auto current = m_subscribers;
-        for (auto& entry : current) {
+        if (m_list && std::ranges::any_of(*m_list, &Entry::expired))
+            m_list = std::make_shared<const List>(current());
+        // A list is never changed, only replaced: to keep this one costs less than a copy of it.
+        const auto list = m_list;
+        if (!list)
+            return;
+        for (auto& entry : *list) {
             if (auto subscriber = entry.lock())
                 (*subscriber)(arguments...);
         }
     }
 
 private:
-    void prune() const
+    using Entry = std::weak_ptr<Subscriber>;
+    using List = std::vector<Entry>;
+
+    /// Those who have not unsubscribed.
+    List current() const
     {
-        std::erase_if(m_subscribers, [](const auto& entry) { return entry.expired(); });
+        List list;
+        if (m_list)
+            std::ranges::remove_copy_if(*m_list, std::back_inserter(list), &Entry::expired);
+        return list;
     }
 
-    mutable std::vector<std::weak_ptr<Subscriber>> m_subscribers;
+    mutable std::shared_ptr<const List> m_list; ///< null while nobody has subscribed
 };
 
 /// A value that others watch. Setting an equal value does nothing; subscribers are called after the
