@@ -145,8 +145,10 @@ OrderMemory::Spaces::iterator OrderMemory::placesOf(SpaceID space)
 
 std::vector<const ChipData*> OrderMemory::arrange(SpaceID space, const std::vector<ChipData>& chips)
 {
-    if (auto places = placesOf(space); places != m_spaces.end())
-        return places->arrange(chips);
+    if (auto places = placesOf(space); places != m_spaces.end()) {
+        places->place(chips);
+        return places->inOrder(chips);
+    }
     std::vector<const ChipData*> all;
     all.reserve(chips.size());
     for (auto& chip : chips)

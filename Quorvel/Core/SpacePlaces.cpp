@@ -93,12 +93,12 @@ void SpacePlaces::detach()
 
 // MARK: Arranging
 
-std::vector<const ChipData*> SpacePlaces::arrange(const std::vector<ChipData>& chips)
+void SpacePlaces::place(const std::vector<ChipData>& chips)
 {
     if (!isSeeking() && std::ranges::equal(chips, m_arranged, {}, &ChipData::id)) {
         for (std::size_t i = 0; i < chips.size(); ++i)
             describe(m_places[m_placeOfChip[i]].known, chips[i]);
-        return inOrder(chips);
+        return;
     }
     forgetGoneWindows();
     recogniseNumbers(chips);
@@ -119,7 +119,6 @@ std::vector<const ChipData*> SpacePlaces::arrange(const std::vector<ChipData>& c
         m_placeOfChip.push_back(placeByWindow.at(chip.id));
         describe(m_places[m_placeOfChip.back()].known, chip);
     }
-    return inOrder(chips);
 }
 
 bool SpacePlaces::isSeeking() const

@@ -63,8 +63,10 @@ public:
     /// It has gone, and may come back under another number.
     void detach();
 
-    /// Finds places for the windows that are on the space now; gives their chips in order.
-    std::vector<const ChipData*> arrange(const std::vector<ChipData>&);
+    /// Finds places for the windows that are on the space now.
+    void place(const std::vector<ChipData>&);
+    /// The chips of the windows that were placed last, in the order of their places.
+    std::vector<const ChipData*> inOrder(const std::vector<ChipData>&) const;
     /// What the bars of the space show now; false if they did before.
     bool setShown(std::vector<WindowID>);
     /// The user has put the chips where they are.
@@ -109,7 +111,6 @@ private:
     void occupy(Place&, const ChipData&, std::map<std::string, std::string>& newIDs);
     std::unordered_set<WindowID> placedWindows() const;
     Place* placeHolding(WindowID);
-    std::vector<const ChipData*> inOrder(const std::vector<ChipData>&) const;
 
     PlaceServices m_services;
     SpaceIdentity m_identity;
