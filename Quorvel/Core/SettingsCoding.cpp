@@ -16,7 +16,7 @@ using Json = nlohmann::json;
 constexpr std::array<std::string_view, std::variant_size_v<SettingsControl>> kKinds{
     "toggle", "choice", "shortcut", "button", "text", "link", "list"};
 
-Json parse(std::string_view line)
+Json parseLine(std::string_view line)
 {
     return Json::parse(line, nullptr, /*allow_exceptions=*/false);
 }
@@ -409,7 +409,7 @@ std::string encodeSettingsNews(const SettingsNews& news)
 
 std::optional<SettingsNews> decodeSettingsNews(std::string_view line)
 {
-    auto json = parse(line);
+    auto json = parseLine(line);
     if (auto* refused = member(json, "refused")) {
         SettingsRefusal refusal;
         bool isSound
@@ -431,7 +431,7 @@ std::string encodeSettingsRequest(const SettingsRequest& wanted)
 
 std::optional<SettingsRequest> decodeSettingsRequest(std::string_view line)
 {
-    auto json = parse(line);
+    auto json = parseLine(line);
     if (auto* set = member(json, "set"))
         return request<SettingsChange::Set>(*set);
     if (auto* press = member(json, "press"))

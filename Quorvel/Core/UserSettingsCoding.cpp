@@ -20,7 +20,7 @@ constexpr int kIndent = 2;
 constexpr int kDeepestNesting = 8;
 constexpr char kMore[] = "more";
 
-Json parse(std::string_view bytes)
+Json parseStored(std::string_view bytes)
 {
     return parseStoredJson(bytes, kDeepestNesting);
 }
@@ -223,7 +223,7 @@ std::optional<std::string> reviseUserSettings(
 {
     if (!decodeUserSettings(file, now))
         return std::nullopt;
-    auto json = parse(file);
+    auto json = parseStored(file);
     reviseRecord(json, before, now);
     reviseMore(json, before.more, now.more);
     return storedText(json, kIndent) + "\n";
@@ -232,7 +232,7 @@ std::optional<std::string> reviseUserSettings(
 std::optional<UserSettingsData> decodeUserSettings(
     std::string_view bytes, const UserSettingsData& defaults)
 {
-    auto json = parse(bytes);
+    auto json = parseStored(bytes);
     auto data = defaults;
     if (!readRecord(json, data))
         return std::nullopt;
@@ -254,7 +254,7 @@ std::optional<std::string> encodeUserSetting(const UserSettingsData& data, std::
 
 bool decodeUserSetting(UserSettingsData& data, std::string_view name, std::string_view value)
 {
-    auto json = parse(value);
+    auto json = parseStored(value);
     if (json.is_discarded())
         json = std::string{value};
     bool isSet = false;
