@@ -69,30 +69,17 @@ void AppListTableRowView::updateHighlight()
 
 // MARK: The pointer
 
-void AppListTableRowView::pointerPressed(const PointerPress& press)
-{
-    SelectableRowView::pointerPressed(press);
-    if (m_item.isPin())
-        drag.pressed(press.button);
-}
-
-void AppListTableRowView::dragged(const DragMove& move)
-{
-    if (drag.dragged(move))
-        setPressed(false);
-}
-
 void AppListTableRowView::released(PointerButton, bool isInside)
 {
     bool wasPressed = isPressed();
     setPressed(false);
-    if (!drag.released() && wasPressed && isInside && onTapped)
+    if (wasPressed && isInside && onTapped)
         onTapped(*this);
 }
 
-void AppListTableRowView::pressCancelled()
+void AppListTableRowView::rowWillChange()
 {
-    SelectableRowView::pressCancelled();
+    SelectableRowView::rowWillChange();
     drag.cancelled();
 }
 

@@ -31,11 +31,9 @@ public:
     std::function<void(const AppListTableRowView&, const Rect& anchor)> onMenu;
 
     bool takesPointer() const override { return m_item.app() != nullptr; }
-    void pointerPressed(const PointerPress&) override;
-    void dragged(const DragMove&) override;
     void released(PointerButton, bool isInside) override;
-    void pressCancelled() override;
-    bool isDragged() const override { return drag.isDragging(); }
+    DragSource* dragSource() override { return m_item.isPin() ? &drag : nullptr; }
+    void rowWillChange() override;
     void showContextMenu() override;
     void showContextMenuAt(Point) override;
 

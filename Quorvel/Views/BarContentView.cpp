@@ -208,8 +208,9 @@ void BarContentView::connectRow()
         if (onShownChanged)
             onShownChanged();
     };
-    m_row->onChip.clicked
-        = [this](const ChipView& chip, ChipView::Click click) { chipClicked(chip, click); };
+    m_row->onChip.clicked = [this](const ChipView& chip) { chipClicked(chip); };
+    m_row->onChip.menuRequested = [this](const ChipView& chip) { openChipMenu(chip); };
+    m_row->onChip.closeRequested = [this](const ChipView& chip) { closeChip(chip); };
     m_row->onChip.hovered = [this](const ChipView& chip, bool isHovered) {
         // What came in the place of a pin that was clicked is not asked for its picture.
         if (!m_tappedPin.empty() && chip.bundleID() == m_tappedPin) {

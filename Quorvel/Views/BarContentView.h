@@ -122,7 +122,11 @@ private:
 
     /// Says what went wrong, if the bar can be seen.
     void showNote(std::string text);
-    void chipClicked(const ChipView&, ChipView::Click);
+    void chipClicked(const ChipView&);
+    void openChipMenu(const ChipView&);
+    /// Closes its window; of a group, the one that stands for it.
+    void closeChip(const ChipView&);
+    void keepPopupAway(const ChipView&);
     void handlePrimaryChipTap(WindowID, bool isFocused);
     /// For another application's group, its representative; for the focused group, its next window.
     void handleGroupedChipTap(const GroupedChipData&);

@@ -28,6 +28,13 @@ std::optional<std::size_t> numberOf(const KeyEvent& event)
     return static_cast<std::size_t>(key - NumberKeys::kKeyCodes.begin()) + 1;
 }
 
+/// Of a group, the one that stands for it.
+WindowID firstWindow(const DisplayItem& item)
+{
+    auto* group = std::get_if<GroupedChipData>(&item);
+    return group ? group->windowIDs.front() : std::get<ChipData>(item).id;
+}
+
 }
 
 void BarContentView::onNextTurn(std::function<void(BarViewModel&)> action)
@@ -40,32 +47,46 @@ void BarContentView::onNextTurn(std::function<void(BarViewModel&)> action)
         });
 }
 
-void BarContentView::chipClicked(const ChipView& chip, ChipView::Click click)
+/// Whoever uses a chip has seen it.
+void BarContentView::keepPopupAway(const ChipView& chip)
 {
-    auto* group = std::get_if<GroupedChipData>(&chip.item());
-    auto* single = std::get_if<ChipData>(&chip.item());
     if (chip.isHovered())
         m_popups.suppress(chip.item());
-    if (click == ChipView::Click::secondary) {
-        openMenu(chipMenu(chip.item(), menuContext(host() ? host()->menuModifiers() : 0)),
-            chip.frameInRoot(), displayItemID(chip.item()));
-    } else if (click == ChipView::Click::middle) {
-        dismissThumbnailPopupImmediate();
-        auto id = single ? single->id : group->windowIDs.front();
-        onNextTurn([id](BarViewModel& viewModel) { viewModel.closeWindow(id); });
-    } else if (single) {
+}
+
+void BarContentView::chipClicked(const ChipView& chip)
+{
+    keepPopupAway(chip);
+    if (auto* single = std::get_if<ChipData>(&chip.item()))
         handlePrimaryChipTap(single->id, single->isFocused);
-    } else {
-        handleGroupedChipTap(*group);
-    }
+    else
+        handleGroupedChipTap(std::get<GroupedChipData>(chip.item()));
+}
+
+void BarContentView::openChipMenu(const ChipView& chip)
+{
+    keepPopupAway(chip);
+    openMenu(chipMenu(chip.item(), menuContext(host() ? host()->menuModifiers() : 0)),
+        chip.frameInRoot(), displayItemID(chip.item()));
+}
+
+void BarContentView::closeChip(const ChipView& chip)
+{
+    keepPopupAway(chip);
+    dismissThumbnailPopupImmediate();
+    onNextTurn(
+        [id = firstWindow(chip.item())](BarViewModel& viewModel) { viewModel.closeWindow(id); });
 }
 
 void BarContentView::handlePrimaryChipTap(WindowID id, bool isFocused)
 {
-    if (!isFocused)
-        return activateWindowDeferred(id);
     dismissThumbnailPopupImmediate();
-    onNextTurn([id](BarViewModel& viewModel) { viewModel.minimizeWindow(id); });
+    onNextTurn([id, isFocused](BarViewModel& viewModel) {
+        if (isFocused)
+            viewModel.minimizeWindow(id);
+        else
+            viewModel.activateWindow(id, BarViewModel::FocusBeforeActivation::no);
+    });
 }
 
 void BarContentView::handleGroupedChipTap(const GroupedChipData& group)
@@ -86,10 +107,8 @@ void BarContentView::filesOverChip(const ChipView& chip, bool areOver)
     m_springTimer = {};
     if (!areOver)
         return;
-    auto* group = std::get_if<GroupedChipData>(&chip.item());
-    auto id = group ? group->windowIDs.front() : std::get<ChipData>(chip.item()).id;
     m_springTimer = m_inputs.platform.dispatch.main().after(
-        kSpringDelay, [this, id] { activateWindowDeferred(id); });
+        kSpringDelay, [this, id = firstWindow(chip.item())] { activateWindowDeferred(id); });
 }
 
 void BarContentView::useItem(std::size_t place, ItemUse use)

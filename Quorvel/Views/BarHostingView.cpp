@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "Quorvel/Views/Kit/DragSource.h"
 #include "Quorvel/Views/Kit/StandardKeys.h"
 
 namespace quorvel {
@@ -135,17 +136,27 @@ void BarHostingView::press(const PointerEvent& event)
         return;
     }
     m_pressed = view;
-    m_pressed->pointerPressed({event.button, event.location, event.modifiers});
+    if (auto* source = view->dragSource())
+        source->pressed(event.button);
+    view->pointerPressed({event.button, event.location, event.modifiers});
 }
 
 void BarHostingView::drag(Point to)
 {
     if (!m_pressed)
         return;
-    m_pressed->dragged({to.translated(-m_pressPlace.x, -m_pressPlace.y), to});
-    if (!m_pressed || !m_pressed->isDragged() || m_hasKeyboardForDrag)
+    const DragMove move{to.translated(-m_pressPlace.x, -m_pressPlace.y), to};
+    auto* source = m_pressed->dragSource();
+    if (!source)
+        return m_pressed->dragged(move);
+    bool wasPress = !source->isDragging();
+    // Who hears of the drag may remove the view.
+    if (!source->dragged(move) || !m_pressed)
         return;
-    m_hasKeyboardForDrag = true; // before the surface tells that it has it
+    if (wasPress)
+        m_pressed->pressCancelled();
+    if (std::exchange(m_hasKeyboardForDrag, true)) // before the surface tells that it has it
+        return;
     if (m_keyboard == Keyboard::borrowed)
         m_surface->takeKeyboard();
 }
@@ -155,8 +166,11 @@ void BarHostingView::release(const PointerEvent& event)
     if (!m_press.end(event.button))
         return;
     m_isAbandoned = false;
-    if (auto* view = std::exchange(m_pressed, nullptr))
-        view->released(event.button, view->frameInRoot().contains(event.location));
+    if (auto* view = std::exchange(m_pressed, nullptr)) {
+        auto* source = view->dragSource();
+        if (!source || !source->released())
+            view->released(event.button, view->frameInRoot().contains(event.location));
+    }
     pressDidEnd();
 }
 
@@ -164,17 +178,17 @@ void BarHostingView::cancelPress()
 {
     m_press.cancel();
     m_isAbandoned = false;
-    if (auto* view = std::exchange(m_pressed, nullptr))
-        view->pressCancelled();
-    pressDidEnd();
+    abandonPress();
 }
 
-/// The button is still down: until it is released, nothing under it looks hovered.
-void BarHostingView::abandonDrag()
+/// The button may still be down.
+void BarHostingView::abandonPress()
 {
-    m_isAbandoned = true;
-    if (auto* view = std::exchange(m_pressed, nullptr))
+    if (auto* view = std::exchange(m_pressed, nullptr)) {
         view->pressCancelled();
+        if (auto* source = view->dragSource())
+            source->cancelled();
+    }
     pressDidEnd();
 }
 
@@ -369,8 +383,10 @@ bool BarHostingView::keyPressed(const KeyEvent& event)
     if (onUsed)
         onUsed();
     if (m_hasKeyboardForDrag) {
-        if (event.keyCode == KeyCode::escape)
-            abandonDrag();
+        if (event.keyCode == KeyCode::escape) {
+            m_isAbandoned = true; // until the button is released, nothing under it looks hovered
+            abandonPress();
+        }
         return true;
     }
     if (offerKey(event))

@@ -90,7 +90,7 @@ private:
     void drag(Point);
     void release(const PointerEvent&);
     void cancelPress();
-    void abandonDrag();
+    void abandonPress();
     void pressDidEnd();
     void updateHover();
     void setPointedAt(const View*);

@@ -98,16 +98,6 @@ void ChipView::pointerExited()
         onHover(*this, false);
 }
 
-void ChipView::clicked(PointerButton button)
-{
-    if (!onClick)
-        return;
-    if (button == PointerButton::primary)
-        onClick(*this, Click::primary);
-    else if (button == PointerButton::middle)
-        onClick(*this, Click::middle);
-}
-
 // MARK: For screen readers and the keyboard
 
 AccessibleState ChipView::accessibleState() const
@@ -137,15 +127,6 @@ AccessibleState ChipView::accessibleState() const
     if (wantsAttention(m_item))
         state.name += ", " + tr("wants attention");
     return state;
-}
-
-bool ChipView::performAccessibleAction(std::size_t action)
-{
-    static constexpr Click clicks[] = {Click::primary, Click::secondary, Click::middle};
-    if (action >= std::size(clicks) || !onClick)
-        return false;
-    onClick(*this, clicks[action]);
-    return true;
 }
 
 std::string ChipView::tooltip() const

@@ -14,7 +14,6 @@ class Text;
 /// One chip: icon and title of a window, or of the one that stands for its group.
 class ChipView final : public RowItem {
 public:
-    enum class Click { primary, middle, secondary };
     /// The parts of its text that a chip shows.
     enum class Title { none, application, window };
 
@@ -37,7 +36,6 @@ public:
     /// The row is wide enough for titles.
     void setHasRoomForTitle(bool hasRoom) { set(m_hasRoomForTitle, hasRoom); }
 
-    std::function<void(const ChipView&, Click)> onClick;
     std::function<void(const ChipView&, bool isHovered)> onHover;
 
     /// The width at which a title has all the room that the size allows.
@@ -50,7 +48,6 @@ public:
     std::string accessibleID() const override { return displayItemID(m_item); }
     /// "Mail, 3 unread, 2 windows, focused".
     AccessibleState accessibleState() const override;
-    bool performAccessibleAction(std::size_t) override;
     std::string tooltip() const override;
 
 private:
@@ -66,11 +63,8 @@ private:
 
     void pointerEntered() override;
     void pointerExited() override;
-    bool isPressedBy(PointerButton) const override { return true; }
-    void clicked(PointerButton) override;
     /// Which of its documents the window would open is its program's to say.
     bool acceptsFiles() const override { return false; }
-    void showContextMenu() override { performAccessibleAction(1); }
 
     void paintItem(Canvas&) const override;
     void paintGround(Canvas&, const Parts&) const;

@@ -165,9 +165,17 @@ ChipView& ChipsRow::makeChip(const std::string& id)
     chip.setTitle(m_title);
     chip.setTellsTitle(m_tellsTitles);
     chip.setOpen(m_open.contains(id));
-    chip.onClick = [this](const ChipView& clicked, ChipView::Click click) {
+    chip.onTapped = [this, &chip] {
         if (onChip.clicked)
-            onChip.clicked(clicked, click);
+            onChip.clicked(chip);
+    };
+    chip.onSecondaryTapped = [this, &chip] {
+        if (onChip.menuRequested)
+            onChip.menuRequested(chip);
+    };
+    chip.onMiddleTapped = [this, &chip] {
+        if (onChip.closeRequested)
+            onChip.closeRequested(chip);
     };
     chip.onHover = [this](const ChipView& hovered, bool isHovered) {
         if (onChip.hovered && !m_drag)

@@ -38,7 +38,9 @@ public:
     static constexpr Duration kFallIntoPlace = seconds(0.12);
 
     struct ChipEvents {
-        std::function<void(const ChipView&, ChipView::Click)> clicked;
+        std::function<void(const ChipView&)> clicked;
+        std::function<void(const ChipView&)> menuRequested;
+        std::function<void(const ChipView&)> closeRequested;
         std::function<void(const ChipView&, bool isHovered)> hovered;
         std::function<void(const ChipView&, bool areOver)> filesOver;
         /// A drag began or moved; the pointer is in the root's coordinates. True: it is over

@@ -11,10 +11,9 @@ void MenuButton::pointerPressed(const PointerPress& press)
     m_isPressUsed = press.button == PointerButton::primary && onPressed && onPressed();
 }
 
-void MenuButton::clicked(PointerButton button)
+void MenuButton::released(PointerButton button, bool isInside)
 {
-    if (!m_isPressUsed)
-        ButtonView::clicked(button);
+    ButtonView::released(button, isInside && !m_isPressUsed);
 }
 
 void MenuButton::setLauncherOpen(bool isOpen)

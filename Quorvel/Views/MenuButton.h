@@ -22,13 +22,13 @@ public:
     void setMenuOpen(bool isOpen);
 
     void pointerPressed(const PointerPress&) override;
+    void released(PointerButton, bool isInside) override;
 
     std::string accessibleID() const override { return "menu"; }
     AccessibleState accessibleState() const override;
     std::string tooltip() const override { return accessibleState().name; }
 
 private:
-    void clicked(PointerButton) override;
     void paint(Canvas&) const override;
 
     BarMetrics m_metrics;

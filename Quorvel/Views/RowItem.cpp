@@ -40,24 +40,6 @@ void RowItem::setLift(Lift lift)
     invalidatePaint();
 }
 
-void RowItem::pointerPressed(const PointerPress& press)
-{
-    drag.pressed(press.button);
-    ButtonView::pointerPressed(press);
-}
-
-void RowItem::dragged(const DragMove& move)
-{
-    if (drag.dragged(move))
-        ButtonView::pressCancelled();
-}
-
-void RowItem::pressCancelled()
-{
-    ButtonView::pressCancelled();
-    drag.cancelled();
-}
-
 void RowItem::setFilesOver(bool areOver)
 {
     set(m_hasFilesOver, areOver);

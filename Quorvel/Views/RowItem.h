@@ -34,10 +34,7 @@ public:
     /// The key that uses it during the keyboard walk; 0: none, and none is shown.
     void setNumber(int number) { set(m_number, number); }
     void setRightToLeft(bool isRightToLeft) { set(m_isRightToLeft, isRightToLeft); }
-    void pointerPressed(const PointerPress&) override;
-    void dragged(const DragMove&) override;
-    void pressCancelled() override;
-    bool isDragged() const override { return drag.isDragging(); }
+    DragSource* dragSource() override { return &drag; }
 
     bool takesFiles() const override { return true; }
     bool hasFilesOver() const { return m_hasFilesOver; }
@@ -61,7 +58,6 @@ protected:
     void paintRing(Canvas&) const;
 
 private:
-    bool endDrag() override { return drag.released(); }
     void setFilesOver(bool areOver);
     bool isLifted() const override { return m_lift != Lift::none; }
     /// Lifted, it throws a shadow around its frame.

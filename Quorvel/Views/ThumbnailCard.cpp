@@ -61,7 +61,7 @@ ThumbnailCard::ThumbnailCard(const Palette& palette, Size pictureSize)
 {
     m_closeButton->onTapped = [this] {
         if (onCloseTapped)
-            onCloseTapped(m_chip.id);
+            onCloseTapped();
     };
 }
 
@@ -126,13 +126,6 @@ void ThumbnailCard::pointerExited()
         onHovered(false);
 }
 
-void ThumbnailCard::clicked(PointerButton button)
-{
-    if (button == PointerButton::middle && onMiddleTapped)
-        onMiddleTapped(m_chip.id);
-    ButtonView::clicked(button);
-}
-
 void ThumbnailCard::showContextMenu()
 {
     if (onMenuRequested)
@@ -166,7 +159,7 @@ bool ThumbnailCard::performAccessibleAction(std::size_t action)
     if (action != 1)
         return ButtonView::performAccessibleAction(action);
     if (onCloseTapped)
-        onCloseTapped(m_chip.id);
+        onCloseTapped();
     return true;
 }
 

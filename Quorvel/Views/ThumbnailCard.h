@@ -31,8 +31,7 @@ public:
     Rect closeButtonFrame() const;
 
     std::function<void(bool isHovered)> onHovered;
-    std::function<void(WindowID)> onCloseTapped;
-    std::function<void(WindowID)> onMiddleTapped;
+    std::function<void()> onCloseTapped;
     /// Wants a menu beside that place, in the root view's coordinates.
     std::function<void(WindowID, const Rect&)> onMenuRequested;
 
@@ -45,7 +44,6 @@ public:
     void showContextMenuAt(Point) override;
 
 private:
-    void clicked(PointerButton) override;
     void paint(Canvas&) const override;
     void layout() override;
     Rect pictureFrame() const;

@@ -215,7 +215,7 @@ void ThumbnailPopup::connect(ThumbnailCard& card)
         if (onWindowChosen)
             onWindowChosen(id);
     };
-    card.onCloseTapped = card.onMiddleTapped = [this](WindowID id) {
+    card.onCloseTapped = card.onMiddleTapped = [this, id = card.chip().id] {
         m_peek.end();
         if (onWindowClosed)
             onWindowClosed(id);

@@ -1,5 +1,7 @@
 #include "Quorvel/Views/Kit/ButtonView.h"
 
+#include <iterator>
+
 #include "Quorvel/Platform/Translation.h"
 #include "Quorvel/Views/Kit/Palette.h"
 
@@ -13,25 +15,19 @@ constexpr double kKeyFocusWidth = 2;
 
 void ButtonView::released(PointerButton button, bool isInside)
 {
-    if (endDrag())
-        return;
+    bool wasPressed = m_isPressed;
     set(m_isPressed, false);
-    if (isInside)
-        clicked(button);
-}
-
-void ButtonView::clicked(PointerButton button)
-{
-    if (button == PointerButton::primary && onTapped)
-        onTapped();
+    auto& tapped = button == PointerButton::middle ? onMiddleTapped : onTapped;
+    if (wasPressed && isInside && tapped)
+        tapped();
 }
 
 bool ButtonView::performAccessibleAction(std::size_t action)
 {
-    auto& perform = action == 0 ? onTapped : onSecondaryTapped;
-    if (action > 1 || !perform)
+    const std::function<void()>* actions[] = {&onTapped, &onSecondaryTapped, &onMiddleTapped};
+    if (action >= std::size(actions) || !*actions[action])
         return false;
-    perform();
+    (*actions[action])();
     return true;
 }
 

@@ -18,13 +18,14 @@ public:
 
     std::function<void()> onTapped;
     std::function<void()> onSecondaryTapped;
+    std::function<void()> onMiddleTapped; ///< empty: that button means nothing to it
 
     bool takesPointer() const override { return true; }
     void pointerEntered() override { set(m_isHovered, true); }
     void pointerExited() override { set(m_isHovered, false); }
     void pointerPressed(const PointerPress& press) override
     {
-        set(m_isPressed, isPressedBy(press.button));
+        set(m_isPressed, press.button == PointerButton::primary || onMiddleTapped != nullptr);
     }
     void pressCancelled() override { set(m_isPressed, false); }
     void released(PointerButton, bool isInside) override;
@@ -42,16 +43,6 @@ public:
 
 protected:
     const Palette& palette() const { return m_palette; }
-    /// Whether this button means something to it.
-    virtual bool isPressedBy(PointerButton button) const
-    {
-        return button == PointerButton::primary;
-    }
-    /// Ends the drag that the press has become; false if it has not become one, and so may be a
-    /// click.
-    virtual bool endDrag() { return false; }
-    /// It was pressed and let go on the view.
-    virtual void clicked(PointerButton);
     bool isHovered() const { return m_isHovered; }
     /// Under the pointer, or open.
     bool isLit() const { return m_isHovered || m_isOpen; }

@@ -19,7 +19,7 @@ struct DragData {
 };
 
 /// Tells a click of the primary button from a drag, since a hand is never quite still, and reports
-/// the course of the drag. A view passes its presses on to it.
+/// the course of the drag. What owns the view (`PointerTarget::dragSource`) tells it of presses.
 class DragSource {
 public:
     static constexpr double kStillHand = 4; ///< points

@@ -8,6 +8,8 @@
 
 namespace quorvel {
 
+class DragSource;
+
 /// A button going down.
 struct PointerPress {
     PointerButton button = PointerButton::primary;
@@ -25,7 +27,8 @@ struct DragMove {
 ///
 /// The pointer goes to the deepest view under it that `takesPointer()`. A press is followed by any
 /// number of `dragged` and then exactly one `released` or `pressCancelled` on the same view,
-/// wherever the pointer is by then. Main thread.
+/// wherever the pointer is by then. A view with a drag source hears of no `dragged`: once the
+/// source takes the press for a drag, the press is cancelled for the view. Main thread.
 class PointerTarget {
 public:
     virtual ~PointerTarget() = default;
@@ -39,8 +42,8 @@ public:
     virtual void dragged(const DragMove&) { }
     virtual void released(PointerButton, bool /*isInside*/) { }
     virtual void pressCancelled() { }
-    /// Whether the press has become a drag, which Escape cancels.
-    virtual bool isDragged() const { return false; }
+    /// Hears of the view's presses too; null if it is not dragged about.
+    virtual DragSource* dragSource() { return nullptr; }
     /// What a pointer that rests on it is told; empty: nothing.
     virtual std::string tooltip() const { return {}; }
     /// Of a view under the pointer, the deepest first. True: it is used.

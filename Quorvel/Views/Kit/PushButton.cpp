@@ -55,12 +55,6 @@ void PushButton::pointerPressed(const PointerPress& press)
         ButtonView::pointerPressed(press);
 }
 
-void PushButton::clicked(PointerButton button)
-{
-    if (m_isEnabled)
-        ButtonView::clicked(button);
-}
-
 bool PushButton::performAccessibleAction(std::size_t action)
 {
     return m_isEnabled && ButtonView::performAccessibleAction(action);

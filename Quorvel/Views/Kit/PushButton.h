@@ -36,7 +36,6 @@ public:
     AccessibleState accessibleState() const override;
 
 private:
-    void clicked(PointerButton) override;
     void paint(Canvas&) const override;
     Rect paintFrame() const override { return frame().inset(-kRing, -kRing); }
     Color face() const;
