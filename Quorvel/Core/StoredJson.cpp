@@ -2,9 +2,14 @@
 
 namespace quorvel {
 
-nlohmann::json parseStoredJson(std::string_view bytes, int deepest)
+namespace {
+
+using Json = nlohmann::json;
+
+}
+
+Json parseStoredJson(std::string_view bytes, int deepest)
 {
-    using Json = nlohmann::json;
     bool isTooDeep = false;
     auto json = Json::parse(
         bytes,
@@ -16,9 +21,9 @@ nlohmann::json parseStoredJson(std::string_view bytes, int deepest)
     return isTooDeep ? Json(Json::value_t::discarded) : json;
 }
 
-std::string storedText(const nlohmann::json& json, int indent)
+std::string storedText(const Json& json, int indent)
 {
-    return json.dump(indent, ' ', false, nlohmann::json::error_handler_t::replace);
+    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
 
 }
