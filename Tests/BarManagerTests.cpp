@@ -198,7 +198,8 @@ TEST_F(BarManagerTest, theSystemsKeysAreUsedWhereItHasThemAndLeftAsTheyWere)
     EXPECT_TRUE(server().isSymbolicHotKeyEnabled(122));
 }
 
-// Fault: the application in front before would take the user back to where its windows are.
+// Faults: the application in front before would take the user back to where its windows are; the
+// spaces are asked for anew for each of its windows.
 TEST_F(BarManagerTest, afterASwitchTheFocusGoesToWhoHasAWindowThere)
 {
     auto notes = desktop.open(editor, {.title = "Notes", .spaces = {SpaceID{2}}});
@@ -212,9 +213,12 @@ TEST_F(BarManagerTest, afterASwitchTheFocusGoesToWhoHasAWindowThere)
     desktop.activate(mail);
     desktop.open(mail, {.title = "Draft", .spaces = {SpaceID{3}}, .takesFocus = false});
     settle();
+    auto asked = desktop.windowServer().spaceQueries();
     manager().switchToSpace(SpaceID{3});
     desktop.drain();
     EXPECT_EQ(desktop.workspace().frontmostApplication(), mail);
+    EXPECT_EQ(desktop.windowServer().spaceQueries() - asked, 3)
+        << "before the switch, after it and with the new focus, but not for each window";
 
     auto before = desktop.workspace().activations().size();
     manager().switchToSpace(SpaceID{1});

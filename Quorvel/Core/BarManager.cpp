@@ -142,7 +142,7 @@ void BarManager::setupSpaceChangeObserver()
         updateActiveSpacePanelVisibility(answer);
         dismissPopups();
         m_launcher.close();
-        m_moves.spaceDidChange();
+        m_moves.spaceDidChange(answer.shown);
         m_navigation.spaceDidChange(answer.shown);
         if (onSpaceChange)
             onSpaceChange(answer);

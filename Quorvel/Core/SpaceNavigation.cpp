@@ -38,8 +38,7 @@ const SpaceWindows::Info* SpaceNavigation::info(SpaceID space) const
 
 bool SpaceNavigation::isCurrent(SpaceID space) const
 {
-    auto active = m_spaceWindows.getActiveSpaceIDs();
-    return std::ranges::find(active, space) != active.end();
+    return isShown(space, m_spaceWindows.getActiveSpaceIDs());
 }
 
 SpaceID SpaceNavigation::currentSpaceBeside(SpaceID space) const
@@ -140,7 +139,9 @@ void SpaceNavigation::goToWindow(WindowID id)
         return;
     auto& spaces = window->spaceIDs;
     m_pendingWindow = {id, spaces.empty() ? SpaceID{} : *spaces.begin()};
-    bool isHere = std::ranges::any_of(spaces, [this](SpaceID space) { return isCurrent(space); });
+    auto shown = m_spaceWindows.getActiveSpaceIDs();
+    bool isHere
+        = std::ranges::any_of(spaces, [&shown](SpaceID space) { return isShown(space, shown); });
     if (isHere || !info(m_pendingWindow->spaceID))
         return activatePendingWindow();
     // Where the switch is refused, the application is asked all the same.
@@ -163,12 +164,13 @@ void SpaceNavigation::becomeKey(Bar& panel, std::optional<ProcessID> previousApp
     m_workspace.activateSelf();
     panel.surface().makeKeyAndOrderFront();
     panel.setAllowBecomeKey(false);
-    m_yieldWork = m_dispatch.main().after(kSwitchPatience, [this] { handlePostSwitchYield(); });
+    m_yieldWork = m_dispatch.main().after(
+        kSwitchPatience, [this] { handlePostSwitchYield(m_spaceWindows.getActiveSpaceIDs()); });
 }
 
 void SpaceNavigation::spaceDidChange(const std::vector<SpaceID>& shown)
 {
-    if (std::ranges::find(shown, m_targetSpaceID) == shown.end())
+    if (!isShown(m_targetSpaceID, shown))
         return;
     if (m_trace.isOn() && m_switchStartTime != Instant{}) {
         m_trace.line("space switch done space={} seconds={:.3f}", raw(m_targetSpaceID),
@@ -182,7 +184,7 @@ void SpaceNavigation::spaceDidChange(const std::vector<SpaceID>& shown)
         m_pendingPreviousApp.reset(); // the window is to have the focus, not what had it before
         activatePendingWindow();
     }
-    handlePostSwitchYield();
+    handlePostSwitchYield(shown);
 }
 
 // MARK: Full-screen spaces
@@ -214,21 +216,22 @@ void SpaceNavigation::completeFullscreenProxySwitch(WindowID window)
 
 // MARK: Afterwards
 
-void SpaceNavigation::handlePostSwitchYield()
+void SpaceNavigation::handlePostSwitchYield(const std::vector<SpaceID>& shown)
 {
     m_yieldWork.cancel();
     auto previous = std::exchange(m_pendingPreviousApp, std::nullopt);
     // The window manager, or the user, has chosen already.
     if (!previous || !m_workspace.isSelfActive())
         return;
-    if (auto application = applicationToYieldTo(*previous)) {
+    if (auto application = applicationToYieldTo(*previous, shown)) {
         if (!m_workspace.activateCooperatively(*application))
             m_workspace.activateDirectly(*application);
     }
 }
 
 /// An application that has windows, but none here, would take the user back to one of them.
-std::optional<ProcessID> SpaceNavigation::applicationToYieldTo(ProcessID previous) const
+std::optional<ProcessID> SpaceNavigation::applicationToYieldTo(
+    ProcessID previous, const std::vector<SpaceID>& shown) const
 {
     bool hasWindows = false;
     for (auto& [id, window] : m_windowStore.windows()) {
@@ -236,7 +239,7 @@ std::optional<ProcessID> SpaceNavigation::applicationToYieldTo(ProcessID previou
             continue;
         hasWindows = true;
         bool isHere = std::ranges::any_of(
-            window.spaceIDs, [this](SpaceID space) { return isCurrent(space); });
+            window.spaceIDs, [&shown](SpaceID space) { return isShown(space, shown); });
         if (isHere && !window.isMinimized)
             return previous;
     }

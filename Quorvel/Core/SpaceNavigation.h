@@ -79,8 +79,9 @@ private:
     void completeFullscreenProxySwitch(WindowID);
     /// The system follows the panel to its space.
     void becomeKey(Bar&, std::optional<ProcessID> previousApp);
-    void handlePostSwitchYield();
-    std::optional<ProcessID> applicationToYieldTo(ProcessID previous) const;
+    void handlePostSwitchYield(const std::vector<SpaceID>& shown);
+    std::optional<ProcessID> applicationToYieldTo(
+        ProcessID previous, const std::vector<SpaceID>& shown) const;
     const TrackedWindow* frontWindow(SpaceID) const;
 
     Dispatch& m_dispatch;

@@ -221,19 +221,18 @@ void WindowMoves::finishSilicaWindowMove(WindowID id, std::optional<ProcessID> p
 
 // MARK: Both
 
-void WindowMoves::spaceDidChange()
+void WindowMoves::spaceDidChange(const std::vector<SpaceID>& shown)
 {
     if (m_pendingWindowMoveDrag && m_heldAt
-        && m_navigation.isCurrent(m_pendingWindowMoveDrag->targetSpaceID))
+        && isShown(m_pendingWindowMoveDrag->targetSpaceID, shown))
         finishPendingWindowMoveDrag(m_previousApp);
-    if (m_pendingSilicaWindowMove
-        && m_navigation.isCurrent(m_pendingSilicaWindowMove->targetSpaceID)
+    if (m_pendingSilicaWindowMove && isShown(m_pendingSilicaWindowMove->targetSpaceID, shown)
         && !m_raiseWork.isPending()) {
         auto id = m_pendingSilicaWindowMove->windowID;
         raise(id, [this, id] { finishSilicaWindowMove(id, m_previousApp); });
     }
     if (!m_pendingWindowMoveDrag && !m_pendingSilicaWindowMove && !m_waiting.windows.empty()
-        && m_navigation.isCurrent(m_waiting.from))
+        && isShown(m_waiting.from, shown))
         moveNext();
 }
 

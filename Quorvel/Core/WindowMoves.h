@@ -38,7 +38,7 @@ public:
     /// happens.
     void bringWindow(WindowID, SpaceID from, SpaceID to);
     /// A display shows another space.
-    void spaceDidChange();
+    void spaceDidChange(const std::vector<SpaceID>& shown);
     /// Releases whatever is held: the program may end without destructors.
     void end() { abandon(); }
 

@@ -121,4 +121,9 @@ double SpaceWindows::primaryScreenMaxY(const std::vector<Screen>& screens) const
     return main ? main->frame.maxY() : 0;
 }
 
+bool isShown(SpaceID space, const std::vector<SpaceID>& shown)
+{
+    return std::ranges::find(shown, space) != shown.end();
+}
+
 }

@@ -67,6 +67,9 @@ private:
     Displays& m_displays;
 };
 
+/// Whether the space is one of these, which displays show.
+bool isShown(SpaceID, const std::vector<SpaceID>& shown);
+
 std::string normalizedDisplayIdentifier(std::string_view);
 
 }
