@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -52,21 +53,27 @@ int attemptsOf(const std::function<int()>& attempts)
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+constexpr std::size_t kTooMuch = 128 << 20;
+
 int attemptAll()
 {
     int open = ::open("/etc/passwd", O_RDONLY);
     int reach = ::socket(AF_UNIX, SOCK_STREAM, 0);
     return (open >= 0 ? 1 : 0) | (reach >= 0 ? 2 : 0) | (::kill(::getppid(), 0) == 0 ? 4 : 0)
-        | (::fork() >= 0 ? 8 : 0);
+        | (::fork() >= 0 ? 8 : 0)
+        | (::mmap(nullptr, kTooMuch, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
+                    != MAP_FAILED
+                ? 16
+                : 0);
 }
 
-// Faults: a drawing with a hole in its decoder reads the user's files, sends them somewhere, or
-// ends other processes.
+// Faults: a drawing with a hole in its decoder reads the user's files, sends them somewhere, ends
+// other processes, or takes all memory.
 TEST(Seclusion, leavesNothingOfTheSystem)
 {
-    EXPECT_EQ(attemptsOf(attemptAll), 15);
+    EXPECT_EQ(attemptsOf(attemptAll), 31);
     EXPECT_EQ(attemptsOf([] {
-        return secludeProcess({64 << 20, 10, {"/usr/share/fonts"}}) ? attemptAll() : 16;
+        return secludeProcess({kTooMuch / 2, 10, {"/usr/share/fonts"}}) ? attemptAll() : 32;
     }),
         0);
 }

@@ -82,14 +82,15 @@ bool addRules(const SeccompLibrary& seccomp, scmp_filter_ctx filter)
         && addRule(seccomp, filter, "clone3", SCMP_ACT_ERRNO(ENOSYS));
 }
 
-void filterSystemCalls(const SeccompLibrary& seccomp)
+/// False if there is no filter.
+bool filterSystemCalls(const SeccompLibrary& seccomp)
 {
     scmp_filter_ctx filter = seccomp.init(SCMP_ACT_ERRNO(EPERM));
     if (!filter)
-        return;
-    if (addRules(seccomp, filter))
-        seccomp.load(filter);
+        return false;
+    const bool isLoaded = addRules(seccomp, filter) && seccomp.load(filter) == 0;
     seccomp.release(filter);
+    return isLoaded;
 }
 
 /// Leaves no file but those in the folders, and these for reading; false where the kernel cannot.
@@ -142,9 +143,10 @@ bool secludeProcess(const Seclusion& left)
     const rlim_t files = landlock(left.readable) ? kOpenFiles : 0;
     const bool isLimited = limit(RLIMIT_AS, addresses) && limit(RLIMIT_CPU, left.seconds)
         && limit(RLIMIT_CORE, 0) && limit(RLIMIT_FSIZE, 0) && limit(RLIMIT_NOFILE, files);
-    if (isLimited && seccomp)
-        filterSystemCalls(*seccomp);
-    return isLimited;
+    if (!isLimited || (seccomp && filterSystemCalls(*seccomp)))
+        return isLimited;
+    // A connection is an open file too.
+    return limit(RLIMIT_NOFILE, 0);
 }
 
 }

@@ -17,9 +17,9 @@ struct Seclusion {
 /// nowhere but to what it has open already; an attempt fails, it does not end the process. Load all
 /// libraries before. It binds the calling thread and those that come after, so call it first.
 ///
-/// The folders are readable where the kernel has Landlock (5.13), else no file is. Where libseccomp
-/// is installed, a filter leaves only the system calls that computing needs. False if not even the
-/// kernel's limits hold.
+/// A filter leaves only the system calls that computing needs, and the folders are readable, where
+/// libseccomp is installed and the kernel has Landlock (5.13). Where one of them is missing no file
+/// can be opened at all. False if not even the kernel's limits hold.
 bool secludeProcess(const Seclusion&);
 
 }
