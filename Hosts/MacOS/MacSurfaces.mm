@@ -4,6 +4,7 @@
 #include "Hosts/MacOS/KeyEvents.h"
 #include "Hosts/MacOS/MacPanel.h"
 #include "Hosts/MacOS/MacTextField.h"
+#include "Hosts/MacOS/Rules/PointerSession.h"
 
 static_assert(quorvel::MenuSession::kKeyDown == NSEventTypeKeyDown);
 
@@ -112,14 +113,6 @@ Point pointerLocation()
     return {location.x, NSMaxY(NSScreen.screens.firstObject.frame) - location.y};
 }
 
-PointerButton buttonOf(NSEvent* press)
-{
-    if (press.type == NSEventTypeLeftMouseDown)
-        return PointerButton::primary;
-    return press.type == NSEventTypeRightMouseDown ? PointerButton::secondary
-                                                   : PointerButton::middle;
-}
-
 }
 
 MacSurfaces::MacSurfaces(const SurfaceContext& context)
@@ -143,8 +136,10 @@ Subscription MacSurfaces::monitorPresses(PointerScope scope, PressHandler handle
 {
     const NSEventMask presses
         = NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown | NSEventMaskOtherMouseDown;
-    return monitorEvents(
-        presses, scope, ^(NSEvent* event) { handler(pointerLocation(), buttonOf(event)); });
+    return monitorEvents(presses, scope, ^(NSEvent* event) {
+        handler(pointerLocation(),
+            PointerSession::meaningOfPress(event.buttonNumber, modifiersOf(event)));
+    });
 }
 
 std::unique_ptr<NativeTextField> MacSurfaces::createTextField(

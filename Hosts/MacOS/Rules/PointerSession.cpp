@@ -43,8 +43,7 @@ void PointerSession::dragged(Point at, std::uint64_t modifiers)
 void PointerSession::pressed(std::int64_t button, Point at, std::uint64_t modifiers)
 {
     if (button == kLeft)
-        m_left
-            = modifiers & KeyModifier::control ? PointerButton::secondary : PointerButton::primary;
+        m_left = meaningOfPress(button, modifiers);
     tellOfButton(PointerAction::pressed, button, at, modifiers);
 }
 
@@ -53,11 +52,11 @@ void PointerSession::released(std::int64_t button, Point at, std::uint64_t modif
     tellOfButton(PointerAction::released, button, at, modifiers);
 }
 
-PointerButton PointerSession::meaningOf(std::int64_t button) const
+PointerButton PointerSession::meaningOfPress(std::int64_t button, std::uint64_t modifiers)
 {
     switch (button) {
     case kLeft:
-        return m_left;
+        return modifiers & KeyModifier::control ? PointerButton::secondary : PointerButton::primary;
     case kRight:
         return PointerButton::secondary;
     case kMiddle:
@@ -70,7 +69,7 @@ PointerButton PointerSession::meaningOf(std::int64_t button) const
 void PointerSession::tellOfButton(
     PointerAction action, std::int64_t button, Point at, std::uint64_t modifiers)
 {
-    const auto meaning = meaningOf(button);
+    const auto meaning = button == kLeft ? m_left : meaningOfPress(button, modifiers);
     if (meaning != PointerButton::none)
         m_client.pointerEvent({action, at, meaning, {}, modifiers});
 }

@@ -20,6 +20,10 @@ public:
     static constexpr Duration kAwakeAfterwards = seconds(1);
     /// As the system numbers them; others do nothing.
     static constexpr std::int64_t kLeft = 0, kRight = 1, kMiddle = 2;
+    /// What a button that goes down means; modifiers are of `KeyModifier`. Control and the left one
+    /// have meant the other one since mice had one.
+    static PointerButton meaningOfPress(std::int64_t button, std::uint64_t modifiers);
+
     /// Keeps the program awake until the subscription is dropped.
     using KeepAwake = std::function<Subscription()>;
 
@@ -31,8 +35,8 @@ public:
     void moved(Point, std::uint64_t modifiers);
     /// With some button down. Whoever drags out of the surface is still told, but is not there.
     void dragged(Point, std::uint64_t modifiers);
-    /// Buttons as the system numbers them. Control and the left one have meant the other one since
-    /// mice had one; that holds until it is let go, whatever is held by then.
+    /// Buttons as the system numbers them. What the left one meant when it went down holds until it
+    /// is let go, whatever is held by then.
     void pressed(std::int64_t button, Point, std::uint64_t modifiers);
     void released(std::int64_t button, Point, std::uint64_t modifiers);
     /// Its panel or its space left the screen, or a menu has taken the pointer.
@@ -41,7 +45,6 @@ public:
 private:
     /// False if the pointer was not there.
     bool leave();
-    PointerButton meaningOf(std::int64_t button) const;
     void tellOfButton(PointerAction, std::int64_t button, Point, std::uint64_t modifiers);
 
     SurfaceClient& m_client;
