@@ -65,7 +65,7 @@ public:
 
     /// Finds places for the windows that are on the space now.
     void place(const std::vector<ChipData>&);
-    /// The chips of the windows that were placed last, in the order of their places.
+    /// The chips that `place` was given last, in the order of their places.
     std::vector<const ChipData*> inOrder(const std::vector<ChipData>&) const;
     /// What the bars of the space show now; false if they did before.
     bool setShown(std::vector<WindowID>);

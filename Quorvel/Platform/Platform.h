@@ -30,7 +30,8 @@ class Workspace;
 /// Each member is one service of the platform, at the level of the platform's own calls: a host
 /// translates and never decides, so every rule about order, retries, timeouts and fall-backs lives
 /// on this side and can be tested. Three hosts implement the seam: `Hosts/X11`, `Hosts/MacOS` and
-/// the in-memory desktop of the tests; one contract test holds for each of them.
+/// the in-memory desktop of the tests. One contract test holds for all three: for what they promise
+/// of windows, spaces, displays, accessibility and dispatch.
 ///
 /// Code takes the individual interfaces it needs through its constructor, as references that
 /// outlive it; only the place that wires the program together sees this whole struct. Signals and

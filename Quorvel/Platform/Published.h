@@ -40,7 +40,7 @@ public:
 
     void emit(const Arguments&... arguments) const
     {
-        if (m_list && std::ranges::any_of(*m_list, &Entry::expired))
+        if (m_list && std::ranges::any_of(*m_list, hasLeft))
             m_list = std::make_shared<const List>(current());
         // A list is never changed, only replaced: to keep this one costs less than a copy of it.
         const auto list = m_list;
@@ -56,16 +56,17 @@ private:
     using Entry = std::weak_ptr<Subscriber>;
     using List = std::vector<Entry>;
 
+    static bool hasLeft(const Entry& entry) { return entry.expired(); }
     /// Those who have not unsubscribed.
     List current() const
     {
         List list;
         if (m_list)
-            std::ranges::remove_copy_if(*m_list, std::back_inserter(list), &Entry::expired);
+            std::ranges::remove_copy_if(*m_list, std::back_inserter(list), hasLeft);
         return list;
     }
 
-    mutable std::shared_ptr<const List> m_list; ///< null while nobody has subscribed
+    mutable std::shared_ptr<const List> m_list; ///< null until somebody subscribes
 };
 
 /// A value that others watch. Setting an equal value does nothing; subscribers are called after the

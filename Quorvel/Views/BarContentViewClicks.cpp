@@ -96,10 +96,7 @@ void BarContentView::handleGroupedChipTap(const GroupedChipData& group)
 
 void BarContentView::activateWindowDeferred(WindowID id)
 {
-    dismissThumbnailPopupImmediate();
-    onNextTurn([id](BarViewModel& viewModel) {
-        viewModel.activateWindow(id, BarViewModel::FocusBeforeActivation::no);
-    });
+    handlePrimaryChipTap(id, false);
 }
 
 void BarContentView::filesOverChip(const ChipView& chip, bool areOver)

@@ -185,9 +185,9 @@ void BarHostingView::cancelPress()
 void BarHostingView::abandonPress()
 {
     if (auto* view = std::exchange(m_pressed, nullptr)) {
-        view->pressCancelled();
-        if (auto* source = view->dragSource())
-            source->cancelled();
+        auto* source = view->dragSource();
+        if (!source || !source->cancelled())
+            view->pressCancelled();
     }
     pressDidEnd();
 }

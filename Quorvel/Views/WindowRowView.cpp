@@ -142,11 +142,9 @@ void WindowRowView::released(PointerButton button, bool isInside)
 {
     bool wasPressed = isPressed();
     setPressed(false);
-    auto window = m_window.chip.id;
-    if (button == PointerButton::middle && isInside && onCloseRequested)
-        onCloseRequested(window);
-    else if (wasPressed && isInside && onTapped)
-        onTapped(window);
+    auto& clicked = button == PointerButton::middle ? onCloseRequested : onTapped;
+    if (wasPressed && isInside && clicked)
+        clicked(m_window.chip.id);
 }
 
 void WindowRowView::showContextMenuAt(Point at)

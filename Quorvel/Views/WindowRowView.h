@@ -31,6 +31,7 @@ public:
     std::function<void(WindowID, const Rect& anchor)> onMenu;
 
     bool takesPointer() const override { return true; }
+    void pointerPressed(const PointerPress&) override { setPressed(true); }
     void released(PointerButton, bool isInside) override;
     void showContextMenu() override;
     void showContextMenuAt(Point) override;

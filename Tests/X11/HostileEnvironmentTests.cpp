@@ -44,6 +44,7 @@ TEST_F(HostileEnvironment, leavesABarThatShowsTheWindows)
             {"XDG_CACHE_HOME", ""}, {"XDG_STATE_HOME", ""}},
         {{"HOME", "/proc"}, {"XDG_CONFIG_HOME", "/proc"}, {"XDG_CACHE_HOME", "/proc"},
             {"XDG_STATE_HOME", "/proc"}, {"XDG_DATA_HOME", "/proc"}},
+        {{"HOME", ""}}, // the folders stay, or the bar would write into those of whoever tests
         {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null/bus"}},
         {{"FONTCONFIG_FILE", server.folder() / "no-fonts.conf"}},
         {{"LC_ALL", "C"}, {"LANG", ""}},

@@ -328,7 +328,8 @@ const char* AccessibleNode::actionName(std::size_t index)
 bool AccessibleNode::performAction(std::size_t index)
 {
     auto* element_ = element();
-    return element_ && element_->performAccessibleAction(index);
+    return element_ && index < element_->accessibleState().actions.size()
+        && element_->performAccessibleAction(index);
 }
 
 bool AccessibleNode::takeFocus()

@@ -19,7 +19,8 @@ struct DragData {
 };
 
 /// Tells a click of the primary button from a drag, since a hand is never quite still, and reports
-/// the course of the drag. What owns the view (`PointerTarget::dragSource`) tells it of presses.
+/// the course of the drag. It is told of the presses of the view that has it
+/// (`PointerTarget::dragSource`).
 class DragSource {
 public:
     static constexpr double kStillHand = 4; ///< points
