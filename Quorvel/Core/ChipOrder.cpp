@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -20,11 +22,6 @@ std::vector<std::string> idsOf(const std::vector<DisplayItem>& items)
 }
 
 constexpr std::string_view kAwaited = "awaited-";
-
-bool contains(const std::vector<std::string>& ids, const std::string& id)
-{
-    return std::find(ids.begin(), ids.end(), id) != ids.end();
-}
 
 /// The number in "s-4711".
 std::optional<WindowID> windowIn(std::string_view id)
@@ -70,12 +67,12 @@ bool ChipOrder::move(SpaceID space, const std::string& id, const std::optional<s
 {
     auto ids = idsOf(displayed);
     auto order = m_chipOrderBySpace[space];
+    const std::unordered_set<std::string_view> present(ids.begin(), ids.end());
     std::erase_if(order,
-        [&](auto& stored) { return !contains(ids, stored) && !stored.starts_with(kAwaited); });
-    for (auto& shown : ids) {
-        if (!contains(order, shown))
-            order.push_back(shown);
-    }
+        [&](auto& stored) { return !present.contains(stored) && !stored.starts_with(kAwaited); });
+    const std::set<std::string> placed(order.begin(), order.end());
+    std::ranges::remove_copy_if(
+        ids, std::back_inserter(order), [&](auto& shown) { return placed.contains(shown); });
     if (std::erase(order, id) == 0)
         return false;
     auto target = before ? std::find(order.begin(), order.end(), *before) : order.end();
