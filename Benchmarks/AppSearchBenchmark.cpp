@@ -6,6 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "Benchmarks/Sizes.h"
 #include "Quorvel/Core/AppLauncher.h"
 #include "Tests/Support/FakeDesktop.h"
 
@@ -60,6 +61,7 @@ void search(benchmark::State& state, const std::string& query)
         benchmark::DoNotOptimize(results);
     }
     state.counters["found"] = static_cast<double>(found);
+    state.SetComplexityN(state.range(0));
 }
 
 void discover(benchmark::State& state)
@@ -67,13 +69,7 @@ void discover(benchmark::State& state)
     Catalogue catalogue{static_cast<std::size_t>(state.range(0))};
     for (auto _ : state)
         catalogue.refresh();
-}
-
-void sizes(benchmark::internal::Benchmark* benchmark)
-{
-    for (int size : {10, 100, 1000, 5000, 10'000})
-        benchmark->Arg(size);
-    benchmark->Unit(benchmark::kMicrosecond);
+    state.SetComplexityN(state.range(0));
 }
 
 BENCHMARK_CAPTURE(search, oneLetter, "e")->Apply(sizes);

@@ -6,6 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "Benchmarks/Sizes.h"
 #include "Quorvel/Core/BadgeService.h"
 #include "Quorvel/Core/BarViewModel.h"
 #include "Quorvel/Core/UserSettings.h"
@@ -89,14 +90,6 @@ void refresh(benchmark::State& state, bool isGrouped, Change change)
         bar.refresh();
     }
     state.SetComplexityN(state.range(0));
-}
-
-void sizes(benchmark::internal::Benchmark* family)
-{
-    family->RangeMultiplier(10)
-        ->Range(100, 10'000)
-        ->Unit(benchmark::kMicrosecond)
-        ->Complexity(benchmark::oN);
 }
 
 BENCHMARK_CAPTURE(refresh, single_nothing_changed, false, Change::none)->Apply(sizes);
