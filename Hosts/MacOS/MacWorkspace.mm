@@ -182,6 +182,7 @@ void MacWorkspace::openNewInstance(const ApplicationURL& url)
     if (NSString* path = toSystem(url.path)) {
         NSWorkspaceOpenConfiguration* configuration = [NSWorkspaceOpenConfiguration configuration];
         configuration.createsNewApplicationInstance = YES;
+        launchDidBegin.emit(launchOf(path));
         [NSWorkspace.sharedWorkspace openApplicationAtURL:[NSURL fileURLWithPath:path]
                                             configuration:configuration
                                         completionHandler:nil];
