@@ -5,6 +5,7 @@
 #include <optional>
 
 #include <gtest/gtest.h>
+#include <pango/pangocairo.h>
 
 #include "Hosts/Linux/Drawing/CanvasTools.h"
 #include "Hosts/Linux/Drawing/DamageRegion.h"
@@ -32,12 +33,29 @@ public:
     {
     }
 
+    std::vector<std::uint32_t> pixels()
+    {
+        cairo_surface_flush(surface.get());
+        auto* first = reinterpret_cast<std::uint32_t*>(cairo_image_surface_get_data(surface.get()));
+        return {first,
+            first
+                + cairo_image_surface_get_stride(surface.get()) / 4
+                    * cairo_image_surface_get_height(surface.get())};
+    }
+
     std::uint32_t pixel(int x, int y)
     {
         cairo_surface_flush(surface.get());
         auto* row = cairo_image_surface_get_data(surface.get())
             + y * cairo_image_surface_get_stride(surface.get());
         return reinterpret_cast<std::uint32_t*>(row)[x];
+    }
+
+    void clear()
+    {
+        Cairo cairo{cairo_create(surface.get())};
+        cairo_set_operator(cairo.get(), CAIRO_OPERATOR_CLEAR);
+        cairo_paint(cairo.get());
     }
 
     /// The smallest box of pixels around everything that is not transparent.
@@ -290,6 +308,69 @@ TEST(CairoCanvas, textAlignsByTheInterfacesDirectionAndEndsInAnEllipsis)
     EXPECT_LE(inkOfText(endless, whole, narrow).maxX(), 80); // clipped instead
 }
 
+struct DrawnTitle {
+    std::string text;
+    TextStyle style;
+    int width = 0; ///< pixels
+};
+
+/// What Pango draws by itself, in a box from the left end of the paper.
+void drawWithPango(Paper& paper, const DrawnTitle& title, double height)
+{
+    auto& style = title.style;
+    PangoContextHandle context{pango_font_map_create_context(pango_cairo_font_map_get_default())};
+    PangoLayoutHandle layout{pango_layout_new(context.get())};
+    PangoFontHandle font{pango_font_description_from_string(
+        style.weight == FontWeight::semibold ? "Sans Semi-Bold" : "Sans")};
+    pango_font_description_set_absolute_size(font.get(), style.size * paper.scale * PANGO_SCALE);
+    pango_layout_set_font_description(layout.get(), font.get());
+    pango_layout_set_ellipsize(layout.get(), PANGO_ELLIPSIZE_END);
+    pango_layout_set_width(layout.get(), title.width * PANGO_SCALE);
+    pango_layout_set_text(layout.get(), title.text.c_str(), -1);
+    auto* line = pango_layout_get_line_readonly(layout.get(), 0);
+    PangoRectangle logical{};
+    pango_layout_line_get_extents(line, nullptr, &logical);
+    double room = title.width - static_cast<double>(logical.width) / PANGO_SCALE;
+
+    auto metrics = paper.tools.shaper.metrics(style.size, style.weight, paper.scale);
+    Cairo cairo{cairo_create(paper.surface.get())};
+    cairo_set_source_rgba(cairo.get(), 1, 1, 1, style.color.alpha);
+    cairo_move_to(cairo.get(), style.alignment == TextAlignment::trailing ? std::round(room) : 0,
+        std::round((height - metrics.height()) / 2 + metrics.ascent));
+    pango_cairo_show_layout_line(cairo.get(), line);
+}
+
+/// Anything that decides where a title is cut, and each style with the lines of the one before it
+/// still known.
+TEST(CairoCanvas, aTitleIsCutOffWherePangoCutsIt)
+{
+    constexpr double kHeight = 24;
+    std::vector<TextStyle> styles(3, whiteText());
+    styles[1].weight = FontWeight::semibold;
+    styles[1].size += 2;
+    styles[2].alignment = TextAlignment::trailing;
+    for (double scale : {1.0, 1.5}) {
+        Paper drawn{160, kHeight, scale};
+        Paper expected{160, kHeight, scale};
+        for (DrawnTitle title; auto& text :
+            {"Document 12 - App 3", "office: fi ffl AV To", "e\u0301te\u0301 a\u0323\u0308x",
+                "Письмо от друга", "a b  c   d", "iiiiiiiiiiiiiiiiiiii", "日本語のタイトル",
+                "mail 日本 mail", "שלום עולם mail", "mail שלום עולם",
+                "😀 party 👩‍👩‍👧 time", "12:30 — 99 %", "नमस्ते दुनिया", "x"}) {
+            for (auto& style : styles) {
+                for (int width = 1; width < 150 * scale; width += 13) {
+                    for (auto* paper : {&drawn, &expected})
+                        paper->clear();
+                    title = {text, style, width};
+                    drawn.canvas.drawText(text, {0, 0, width / scale, kHeight}, style);
+                    drawWithPango(expected, title, kHeight * scale);
+                    ASSERT_EQ(drawn.pixels(), expected.pixels()) << text << " in " << width;
+                }
+            }
+        }
+    }
+}
+
 TEST(PangoText, whatIsMeasuredFitsWithoutAnEllipsis)
 {
     for (double scale : kScales) {
@@ -298,9 +379,9 @@ TEST(PangoText, whatIsMeasuredFitsWithoutAnEllipsis)
         for (std::string_view title : {"Mail", "Terminal: ~/src", "fjord WAVE", "שלום עולם"}) {
             auto style = whiteText();
             auto size = text.measure(title, style);
-            auto exact = paper.tools.shaper.shape(title, style, scale).width;
+            auto exact = paper.tools.shaper.shape(title, style, scale).width();
             auto fitted = paper.tools.shaper.shape(title, style, scale, size.width * scale);
-            EXPECT_EQ(fitted.width, exact) << title << " at " << scale;
+            EXPECT_EQ(fitted.width(), exact) << title << " at " << scale;
             EXPECT_GT(size.height, style.size);
         }
     }

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include <pango/pangocairo.h>
-
 #include "Hosts/Linux/Drawing/CanvasTools.h"
 #include "Hosts/Linux/Drawing/IconImage.h"
 #include "Hosts/Linux/Drawing/PixelPicture.h"
@@ -144,25 +142,31 @@ void CairoCanvas::fillRounded(const Rect& rect, double radius, const Color& colo
     if (pixels.isEmpty())
         return;
     setColor(color);
-    auto* mask = isMagnified() ? nullptr
-                               : m_tools.masks.mask(static_cast<int>(pixels.width),
-                                     static_cast<int>(pixels.height), radius * pixelsPerPoint());
-    if (mask)
+    if (auto* mask = maskOf(pixels, radius))
         return cairo_mask_surface(m_cairo.get(), mask, pixels.x, pixels.y);
     addRoundedPath(m_cairo.get(), pixels, radius * pixelsPerPoint());
     cairo_fill(m_cairo.get());
+}
+
+cairo_surface_t* CairoCanvas::maskOf(const Rect& pixels, double radius, double line)
+{
+    if (isMagnified())
+        return nullptr;
+    return m_tools.masks.mask({static_cast<int>(pixels.width), static_cast<int>(pixels.height),
+        radius * pixelsPerPoint(), line});
 }
 
 void CairoCanvas::strokeRounded(const Rect& rect, double radius, double width, const Color& color)
 {
     auto outer = toWholePixels(rect);
     double line = std::max(1.0, std::round(width * pixelsPerPoint()));
+    if (outer.isEmpty())
+        return;
     setColor(color);
-    cairo_set_fill_rule(m_cairo.get(), CAIRO_FILL_RULE_EVEN_ODD);
-    addRoundedPath(m_cairo.get(), outer, radius * pixelsPerPoint());
-    addRoundedPath(m_cairo.get(), outer.inset(line, line), radius * pixelsPerPoint() - line);
-    cairo_fill(m_cairo.get());
-    cairo_set_fill_rule(m_cairo.get(), CAIRO_FILL_RULE_WINDING);
+    if (auto* mask = maskOf(outer, radius, line))
+        return cairo_mask_surface(m_cairo.get(), mask, outer.x, outer.y);
+    double outerRadius = radius * pixelsPerPoint();
+    fillBetween(m_cairo.get(), outer, outerRadius, outer.inset(line, line), outerRadius - line);
 }
 
 void CairoCanvas::fillPolygon(const std::vector<Point>& corners, const Color& color)
@@ -231,9 +235,8 @@ void CairoCanvas::drawLine(std::string_view utf8, const Rect& box, const TextSty
         cairo_clip(m_cairo.get());
     }
     setColor(style.color);
-    double start = textStart(box, line.width, style.alignment, m_isRightToLeft);
-    cairo_move_to(m_cairo.get(), std::round(start), std::round(baseline));
-    pango_cairo_show_layout_line(m_cairo.get(), line.line);
+    double start = textStart(box, line.width(), style.alignment, m_isRightToLeft);
+    line.draw(m_cairo.get(), std::round(start), std::round(baseline));
     cairo_restore(m_cairo.get());
     cairo_new_path(m_cairo.get());
 }
@@ -258,11 +261,12 @@ void CairoCanvas::drawSymbol(Symbol symbol, const Rect& rect, const Color& color
     paintSymbol(m_cairo.get(), symbol, toPixels(rect));
 }
 
-void CairoCanvas::beginDamage(const Rect& points)
+void CairoCanvas::beginDamage(const Rect& points, const Color& ground)
 {
     save();
     clip(points);
-    cairo_set_operator(m_cairo.get(), CAIRO_OPERATOR_CLEAR);
+    setColor(ground);
+    cairo_set_operator(m_cairo.get(), CAIRO_OPERATOR_SOURCE);
     cairo_paint(m_cairo.get());
     cairo_set_operator(m_cairo.get(), CAIRO_OPERATOR_OVER);
 }

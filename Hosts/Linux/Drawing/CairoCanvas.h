@@ -37,8 +37,9 @@ public:
     void drawText(std::string_view utf8, const Rect&, const TextStyle&) override;
     void drawSymbol(Symbol, const Rect&, const Color&) override;
 
-    /// Makes this part of the surface transparent and clips further drawing to it.
-    void beginDamage(const Rect& points);
+    /// Gives this part of the surface the colour, or makes it transparent, and clips further
+    /// drawing to it.
+    void beginDamage(const Rect& points, const Color& ground = Color::grey(0, 0));
     void endDamage();
 
 private:
@@ -57,6 +58,8 @@ private:
     Rect toWholePixels(const Rect& points) const;
     /// Draws in device pixels of the usual size, with the rectangle's corner as the origin.
     template <typename Draw> void drawMagnified(const Rect& points, Draw draw);
+    /// Of a rounded rectangle, or of the line along its edge. Null if it has to be filled.
+    cairo_surface_t* maskOf(const Rect& pixels, double radius, double line = 0);
     void drawIcon(const IconImage&, const Rect& pixels);
     void drawLine(std::string_view utf8, const Rect& pixels, const TextStyle&);
     void setColor(const Color&);

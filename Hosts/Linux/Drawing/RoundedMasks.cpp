@@ -13,23 +13,26 @@ constexpr int kMostPixels = 24'000;
 
 }
 
-cairo_surface_t* RoundedMasks::mask(int width, int height, double radius)
+cairo_surface_t* RoundedMasks::mask(const Shape& shape)
 {
-    if (width > kMostPixels || height > kMostPixels / width)
+    if (shape.width > kMostPixels || shape.height > kMostPixels / shape.width)
         return nullptr;
-    auto known = std::ranges::find_if(m_masks, [&](auto& mask) {
-        return mask.width == width && mask.height == height && mask.radius == radius;
-    });
+    auto known = std::ranges::find(m_masks, shape, &Mask::shape);
     if (known != m_masks.end())
         return known->surface.get();
-    CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_A8, width, height)};
+    CairoSurface surface{cairo_image_surface_create(CAIRO_FORMAT_A8, shape.width, shape.height)};
     Cairo cairo{cairo_create(surface.get())};
-    addRoundedPath(
-        cairo.get(), {0, 0, static_cast<double>(width), static_cast<double>(height)}, radius);
-    cairo_fill(cairo.get());
+    const Rect all{0, 0, static_cast<double>(shape.width), static_cast<double>(shape.height)};
+    if (shape.line > 0) {
+        fillBetween(cairo.get(), all, shape.radius, all.inset(shape.line, shape.line),
+            shape.radius - shape.line);
+    } else {
+        addRoundedPath(cairo.get(), all, shape.radius);
+        cairo_fill(cairo.get());
+    }
     auto& oldest = m_masks[m_oldest];
     m_oldest = (m_oldest + 1) % m_masks.size();
-    oldest = {width, height, radius, std::move(surface)};
+    oldest = {shape, std::move(surface)};
     return oldest.surface.get();
 }
 

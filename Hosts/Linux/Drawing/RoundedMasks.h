@@ -7,23 +7,31 @@
 
 namespace quorvel::xdg {
 
-/// Rounded rectangles as masks, the latest few of them: the chips of a bar have one size, and
-/// cairo takes four times as long to fill the outline as to paint through the mask. Main thread.
+/// Rounded rectangles and the lines along their edges as masks, the latest few of them: the chips
+/// of a bar have one size, and cairo takes four times as long to fill the outline as to paint
+/// through the mask. Main thread.
 class RoundedMasks {
 public:
-    /// Whole pixels, all of them more than 0. Null if a mask of this size would take too much
-    /// memory. Valid until the next call.
-    cairo_surface_t* mask(int width, int height, double radius);
+    /// Pixels.
+    struct Shape {
+        int width = 0; ///< more than 0, as the height
+        int height = 0;
+        double radius = 0;
+        double line = 0; ///< along the edge, inside; 0: all of it is filled
+
+        friend bool operator==(const Shape&, const Shape&) = default;
+    };
+
+    /// Null if a mask of this size would take too much memory. Valid until the next call.
+    cairo_surface_t* mask(const Shape&);
 
 private:
     struct Mask {
-        int width = 0;
-        int height = 0;
-        double radius = 0;
+        Shape shape;
         CairoSurface surface;
     };
 
-    std::array<Mask, 8> m_masks;
+    std::array<Mask, 16> m_masks;
     std::size_t m_oldest = 0;
 };
 

@@ -74,11 +74,7 @@ void paintDesktop(cairo_t* cairo, const Rect& box)
     Rect inner = outer.inset(line, line);
     inner.height -= std::max(0.0, std::round(side * DesktopStyle::bar) - line);
     double radius = side * DesktopStyle::rounding;
-    cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
-    addRoundedPath(cairo, outer, radius);
-    addRoundedPath(cairo, inner, radius - line);
-    cairo_fill(cairo);
-    cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_WINDING);
+    fillBetween(cairo, outer, radius, inner, radius - line);
 }
 
 struct GlassStyle {
@@ -305,6 +301,16 @@ void addRoundedPath(cairo_t* cairo, const Rect& rect, double radius)
     cairo_arc(cairo, rect.x + r, rect.maxY() - r, r, quarter, 2 * quarter);
     cairo_arc(cairo, rect.x + r, rect.y + r, r, 2 * quarter, 3 * quarter);
     cairo_close_path(cairo);
+}
+
+void fillBetween(
+    cairo_t* cairo, const Rect& outer, double outerRadius, const Rect& inner, double innerRadius)
+{
+    cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_EVEN_ODD);
+    addRoundedPath(cairo, outer, outerRadius);
+    addRoundedPath(cairo, inner, innerRadius);
+    cairo_fill(cairo);
+    cairo_set_fill_rule(cairo, CAIRO_FILL_RULE_WINDING);
 }
 
 }

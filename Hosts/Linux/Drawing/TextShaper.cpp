@@ -1,6 +1,7 @@
 #include "Hosts/Linux/Drawing/TextShaper.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -32,14 +33,25 @@ PangoWeight pangoWeight(FontWeight weight)
     return PANGO_WEIGHT_NORMAL;
 }
 
-/// As much of the text as can be seen: shaping a title of a megabyte would stop the bar.
+constexpr int kNoLimit = -1;
+
+/// As much of the text as can be seen: shaping a title of a megabyte would stop the bar. In steps,
+/// so that widths that are nearly the same share one line.
 std::size_t longestVisibleText(double pixels, double maximumWidth)
 {
     if (maximumWidth < 0)
         return kLongestMeasuredText;
     auto letters = std::min(maximumWidth / (kNarrowestLetter * std::max(pixels, 1.0)),
         static_cast<double>(kLongestMeasuredText));
-    return kSpareLetters + static_cast<std::size_t>(letters);
+    return std::min(
+        std::bit_ceil(kSpareLetters + static_cast<std::size_t>(letters)), kLongestMeasuredText);
+}
+
+int widthOf(PangoLayoutLine* line)
+{
+    PangoRectangle logical{};
+    pango_layout_line_get_extents(line, nullptr, &logical);
+    return logical.width;
 }
 
 /// Of a code point, in pixels from the left end of its line.
@@ -108,10 +120,11 @@ void TextShaper::setFont(const std::string& description)
     if (std::exchange(m_family, wanted) == wanted)
         return;
     m_fonts.clear();
+    m_lines.clear();
     m_current = nullptr;
 }
 
-const TextShaper::Font& TextShaper::font(double pixels, FontWeight weight)
+TextShaper::Font& TextShaper::font(double pixels, FontWeight weight)
 {
     for (auto& font : m_fonts) {
         if (font.pixels == pixels && font.weight == weight)
@@ -131,7 +144,7 @@ const TextShaper::Font& TextShaper::font(double pixels, FontWeight weight)
     LineMetrics line{
         static_cast<double>(pango_font_metrics_get_ascent(metrics.get())) / PANGO_SCALE,
         static_cast<double>(pango_font_metrics_get_descent(metrics.get())) / PANGO_SCALE};
-    return m_fonts.emplace_back(Font{pixels, weight, std::move(description), line});
+    return m_fonts.emplace_back(Font{pixels, weight, std::move(description), line, {}});
 }
 
 LineMetrics TextShaper::metrics(double size, FontWeight weight, double scale)
@@ -139,48 +152,121 @@ LineMetrics TextShaper::metrics(double size, FontWeight weight, double scale)
     return font(size * scale, weight).metrics;
 }
 
+PangoLayoutLine* TextShaper::layOut(const std::string& line, const Font& font, int width)
+{
+    auto* layout = m_layout.get();
+    if (m_current != &font)
+        pango_layout_set_font_description(layout, font.description.get());
+    m_current = &font;
+    pango_layout_set_ellipsize(
+        layout, width == kNoLimit ? PANGO_ELLIPSIZE_NONE : PANGO_ELLIPSIZE_END);
+    pango_layout_set_width(layout, width);
+    pango_layout_set_text(layout, line.data(), static_cast<int>(line.size()));
+    return pango_layout_get_line_readonly(layout, 0);
+}
+
+/// As Pango makes it, of a text that has no room at all.
+const GlyphRun& TextShaper::ellipsis(Font& font)
+{
+    if (!font.ellipsis) {
+        auto* line = layOut("mm", font, 0);
+        font.ellipsis.emplace(*static_cast<PangoGlyphItem*>(line->runs->data));
+    }
+    return *font.ellipsis;
+}
+
+const GlyphLines::Entry& TextShaper::lineOf(std::string text, const Font& font)
+{
+    auto* known = m_lines.find(text, font.pixels, font.weight);
+    if (!known) {
+        auto line = GlyphLine::from(layOut(text, font, kNoLimit));
+        known = m_lines.add({.text = std::move(text),
+            .pixels = font.pixels,
+            .weight = font.weight,
+            .line = std::move(line)});
+    }
+    return *known;
+}
+
 ShapedLine TextShaper::shape(
     std::string_view text, const TextStyle& style, double scale, double maximumWidth)
 {
     auto& chosen = font(style.size * scale, style.weight);
-    auto line = displayText(text, longestVisibleText(chosen.pixels, maximumWidth));
-    bool isElided = style.elide == Elide::tail && maximumWidth >= 0;
-
-    auto* layout = m_layout.get();
-    if (m_current != &chosen)
-        pango_layout_set_font_description(layout, chosen.description.get());
-    m_current = &chosen;
-    pango_layout_set_ellipsize(layout, isElided ? PANGO_ELLIPSIZE_END : PANGO_ELLIPSIZE_NONE);
+    auto& entry
+        = lineOf(displayText(text, longestVisibleText(chosen.pixels, maximumWidth)), chosen);
     // Rounded up with a little to spare, or a text in its own measured width loses its end.
-    pango_layout_set_width(
-        layout, isElided ? static_cast<int>(std::ceil(maximumWidth - 0.01)) * PANGO_SCALE : -1);
-    pango_layout_set_text(layout, line.data(), static_cast<int>(line.size()));
+    int width = style.elide == Elide::tail && maximumWidth >= 0
+        ? static_cast<int>(std::ceil(maximumWidth - 0.01)) * PANGO_SCALE
+        : kNoLimit;
+    if (!entry.line)
+        return ShapedLine{layOut(entry.text, chosen, width)};
+    auto& run = entry.line->run();
+    if (width == kNoLimit || run.width <= width)
+        return ShapedLine{run};
+    auto& end = ellipsis(chosen);
+    return {run, entry.line->cutFor(width, end), end, width};
+}
 
-    ShapedLine shaped;
-    shaped.line = pango_layout_get_line_readonly(layout, 0);
-    PangoRectangle logical{};
-    pango_layout_line_get_extents(shaped.line, nullptr, &logical);
-    shaped.width = static_cast<double>(logical.width) / PANGO_SCALE;
-    return shaped;
+PangoLayoutLine* TextShaper::layOut(std::string_view text, const TextStyle& style, double scale)
+{
+    return layOut(
+        displayText(text, kLongestMeasuredText), font(style.size * scale, style.weight), kNoLimit);
+}
+
+ShapedLine::ShapedLine(PangoLayoutLine* line) : m_width(widthOf(line)), m_line(line)
+{
+}
+
+ShapedLine::ShapedLine(const GlyphRun& run)
+    : m_width(run.width)
+    , m_run(&run)
+    , m_cut(run.glyphs->num_glyphs, run.width)
+{
+}
+
+ShapedLine::ShapedLine(const GlyphRun& run, GlyphLine::Cut cut, const GlyphRun& ellipsis, int width)
+    : m_width(std::max(width, cut.width + ellipsis.width))
+    , m_run(&run)
+    , m_cut(cut)
+    , m_ellipsis(&ellipsis)
+{
+}
+
+double ShapedLine::width() const
+{
+    return static_cast<double>(m_width) / PANGO_SCALE;
+}
+
+void ShapedLine::draw(cairo_t* cairo, double x, double baseline) const
+{
+    cairo_move_to(cairo, x, baseline);
+    if (m_line)
+        return pango_cairo_show_layout_line(cairo, m_line);
+    auto shown = *m_run->glyphs; // the glyphs themselves stay where they are
+    shown.num_glyphs = m_cut.glyphs;
+    pango_cairo_show_glyph_string(cairo, m_run->font.get(), &shown);
+    if (!m_ellipsis || !m_ellipsis->font)
+        return;
+    cairo_move_to(cairo, x + static_cast<double>(m_cut.width) / PANGO_SCALE, baseline);
+    pango_cairo_show_glyph_string(cairo, m_ellipsis->font.get(), m_ellipsis->glyphs.get());
 }
 
 Size PangoText::measure(std::string_view utf8, const TextStyle& style) const
 {
     auto line = m_shaper.shape(utf8, style, m_scale);
     auto metrics = m_shaper.metrics(style.size, style.weight, m_scale);
-    return {std::ceil(line.width) / m_scale, std::ceil(metrics.height()) / m_scale};
+    return {std::ceil(line.width()) / m_scale, std::ceil(metrics.height()) / m_scale};
 }
 
 LineLayout PangoText::lineLayout(std::string_view utf8, const TextStyle& style) const
 {
-    auto shaped = m_shaper.shape(utf8, style, m_scale);
+    auto* shaped = m_shaper.layOut(utf8, style, m_scale);
     LineLayout line;
-    line.width = shaped.width / m_scale;
-    line.isRightToLeft
-        = pango_layout_line_get_resolved_direction(shaped.line) == PANGO_DIRECTION_RTL;
-    if (pango_layout_get_text(shaped.line->layout) != utf8)
+    line.width = static_cast<double>(widthOf(shaped)) / PANGO_SCALE / m_scale;
+    line.isRightToLeft = pango_layout_line_get_resolved_direction(shaped) == PANGO_DIRECTION_RTL;
+    if (pango_layout_get_text(shaped->layout) != utf8)
         return line; // other bytes are drawn than these
-    auto places = placesOf(shaped.line, utf8);
+    auto places = placesOf(shaped, utf8);
     std::size_t start = 0;
     for (auto end : characterEnds(utf8)) {
         CharacterBox box{

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "Hosts/Linux/Drawing/CairoHandles.h"
+#include "Hosts/Linux/Drawing/GlyphLines.h"
 #include "Hosts/Linux/Unicode/UnicodeText.h"
 
 namespace quorvel::xdg {
@@ -17,10 +19,24 @@ struct LineMetrics {
     double height() const { return ascent + descent; }
 };
 
-/// One shaped line; lives until the next call of the shaper.
-struct ShapedLine {
-    PangoLayoutLine* line = nullptr;
-    double width = 0; ///< pixels
+/// One shaped line; lives until the shaper's next call of `shape` or `layOut`.
+class ShapedLine {
+public:
+    explicit ShapedLine(PangoLayoutLine*);
+    explicit ShapedLine(const GlyphRun&);
+    /// Cut off: such a line fills the width, in Pango's units, that it was given.
+    ShapedLine(const GlyphRun&, GlyphLine::Cut, const GlyphRun& ellipsis, int width);
+
+    double width() const; ///< pixels
+    /// From a place in pixels, with the source of the context.
+    void draw(cairo_t*, double x, double baseline) const;
+
+private:
+    int m_width; ///< in Pango's units
+    PangoLayoutLine* m_line = nullptr;
+    const GlyphRun* m_run = nullptr; ///< in place of a line
+    GlyphLine::Cut m_cut;
+    const GlyphRun* m_ellipsis = nullptr;
 };
 
 /// Shapes single lines with the interface font, through Pango. Main thread.
@@ -38,6 +54,8 @@ public:
     /// At most `maximumWidth` pixels wide if the style elides; negative: no limit.
     ShapedLine shape(
         std::string_view text, const TextStyle&, double scale, double maximumWidth = -1);
+    /// The whole line as Pango has it, to see where each letter lies. Lives until the next call.
+    PangoLayoutLine* layOut(std::string_view text, const TextStyle&, double scale);
 
 private:
     /// A font at one size in pixels, made once.
@@ -46,14 +64,19 @@ private:
         FontWeight weight;
         PangoFontHandle description;
         LineMetrics metrics;
+        std::optional<GlyphRun> ellipsis; ///< made when it is first needed
     };
-    const Font& font(double pixels, FontWeight);
+    Font& font(double pixels, FontWeight);
+    PangoLayoutLine* layOut(const std::string& line, const Font&, int width);
+    const GlyphRun& ellipsis(Font&);
+    const GlyphLines::Entry& lineOf(std::string text, const Font&);
 
     std::string m_family;
     PangoContextHandle m_context;
     PangoLayoutHandle m_layout;
     std::vector<Font> m_fonts;
     const Font* m_current = nullptr;
+    GlyphLines m_lines;
 };
 
 /// Measures text for the views at the display's scale.

@@ -12,9 +12,7 @@ void paintPart(const SurfaceContext& context, SurfaceClient& client, cairo_surfa
     double factor = context.scale();
     const Rect points{part.x / factor, part.y / factor, part.width / factor, part.height / factor};
     CairoCanvas canvas{picture, factor, context.tools, context.appearance.value().isRightToLeft};
-    canvas.beginDamage(points);
-    if (ground.alpha > 0)
-        canvas.fill(points, ground);
+    canvas.beginDamage(points, ground);
     client.paint(canvas, points);
     canvas.endDamage();
 }
