@@ -169,13 +169,24 @@ Connection::~Connection()
     xcb_disconnect(m_connection);
 }
 
-void Connection::addEventMask(xcb_window_t window, std::uint32_t mask)
+std::uint32_t Connection::addEventMask(xcb_window_t window, std::uint32_t mask)
 {
     auto& current = m_masks->byWindow[window];
-    if ((current & mask) == mask)
-        return;
+    auto added = mask & ~current;
+    if (added == 0)
+        return 0;
     current |= mask;
     xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &current);
+    return added;
+}
+
+void Connection::removeEventMask(xcb_window_t window, std::uint32_t mask)
+{
+    auto known = m_masks->byWindow.find(window);
+    if (known == m_masks->byWindow.end() || (known->second & mask) == 0)
+        return;
+    known->second &= ~mask;
+    xcb_change_window_attributes(m_connection, window, XCB_CW_EVENT_MASK, &known->second);
 }
 
 void Connection::forgetWindow(xcb_window_t window)

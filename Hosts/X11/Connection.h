@@ -37,7 +37,9 @@ public:
 
     /// Adds events to those this program receives from the window. A client has one event mask per
     /// window, so the mask of the root or of another client's window must not be set directly.
-    void addEventMask(xcb_window_t, std::uint32_t mask);
+    /// Returns those that it did not receive before: they alone may be removed again.
+    std::uint32_t addEventMask(xcb_window_t, std::uint32_t mask);
+    void removeEventMask(xcb_window_t, std::uint32_t mask);
     /// Call when a window is gone: its number may be reused.
     void forgetWindow(xcb_window_t);
 

@@ -59,6 +59,9 @@ TEST_P(FileDrops, restOnChipsAndOpenWithPins)
     const auto state = bar.state();
     ASSERT_EQ(state.panel().pins.size(), 1u);
     const auto pin = state.panel().pins[0].frame;
+    const Frame face{
+        pin.x, pin.y + pin.height / 2, 8, 2}; // without the icon, which comes when it is drawn
+    const auto atRest = desktop.picture(face);
 
     FileDrag files(server.display(), list);
     EXPECT_EQ(files.moveTo(state.chipFrame(first)), false);
@@ -68,13 +71,13 @@ TEST_P(FileDrops, restOnChipsAndOpenWithPins)
     EXPECT_TRUE(eventually([&] { return readFile(opened) == "/tmp/a b\n/tmp/c\n"; }))
         << readFile(opened);
 
-    const auto atRest = desktop.picture(pin);
+    EXPECT_TRUE(eventually([&] { return desktop.picture(face) == atRest; }));
     {
         FileDrag dying(server.display(), list);
         EXPECT_EQ(dying.moveTo(pin), true);
-        EXPECT_TRUE(eventually([&] { return desktop.picture(pin) != atRest; }));
+        EXPECT_TRUE(eventually([&] { return desktop.picture(face) != atRest; }));
     }
-    EXPECT_TRUE(eventually([&] { return desktop.picture(pin) == atRest; }));
+    EXPECT_TRUE(eventually([&] { return desktop.picture(face) == atRest; }));
 
     std::filesystem::remove(opened);
     for (const auto& [text, options] : refused()) {

@@ -127,6 +127,9 @@ struct Client {
     Rect place; ///< of the client itself, without its frame
     Extents strut; ///< what a dock reserves at the edges of the X screen
 
+    /// The window that it lies in on the X server: the root, or the manager's frame. None until
+    /// it is known.
+    xcb_window_t container = XCB_WINDOW_NONE;
     /// The ancestor below the root: it moves when the user moves the window.
     xcb_window_t topLevel = XCB_WINDOW_NONE;
     bool isAncestryStale = true;

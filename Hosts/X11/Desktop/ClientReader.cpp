@@ -108,6 +108,8 @@ void ClientReader::requestIdentity(RequestBatch& batch, Client& client, Facets f
     batch.eventMask(client.window, [&](auto mask) {
         client.isGone |= (mask.value_or(0) & XCB_EVENT_MASK_STRUCTURE_NOTIFY) == 0;
     });
+    batch.parent(
+        client.window, [&](auto parent) { client.container = parent.value_or(XCB_WINDOW_NONE); });
     if (m_hasClientProcesses)
         batch.clientProcess(client.window, [&](auto pid) { client.serverProcess = pid; });
     batch.property(client.window, atoms.netWmPid, 1,

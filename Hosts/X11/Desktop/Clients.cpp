@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/RequestBatch.h"
@@ -12,8 +13,6 @@ namespace {
 
 /// A client may nest its frames as deep as it likes.
 constexpr int kDeepestAncestry = 8;
-/// A second question that an answer led to; no answer leads further.
-constexpr int kReadPasses = 3;
 
 }
 
@@ -35,8 +34,14 @@ bool Clients::handle(const xcb_generic_event_t* event)
     case XCB_REPARENT_NOTIFY: {
         auto* change = reinterpret_cast<const xcb_reparent_notify_event_t*>(event);
         auto* client = find(change->window);
-        if (client && change->event == change->window)
+        if (client && change->event == change->window) {
+            client->container = change->parent;
             client->isAncestryStale = m_needsAncestry = true;
+        }
+        // What was a top level may lie in another window now.
+        auto* framed = client ? nullptr : findIn(change->window);
+        if (framed && change->event == change->window)
+            framed->isAncestryStale = m_needsAncestry = true;
         return configured(change->event, change->window);
     }
     case XCB_UNMAP_NOTIFY: {
@@ -71,8 +76,8 @@ bool Clients::configured(xcb_window_t event, xcb_window_t window)
 
 bool Clients::destroyed(xcb_window_t window)
 {
-    if (m_clientByTopLevel.erase(window) > 0)
-        m_connection.forgetWindow(window);
+    if (auto* framed = findIn(window); framed && framed->topLevel == window)
+        forgetTopLevel(*framed);
     auto* client = find(window);
     if (!client)
         return false;
@@ -125,7 +130,6 @@ void Clients::add(xcb_window_t window, Instant now)
     client->window = window;
     client->id = takeNumber();
     client->firstSeen = now;
-    m_needsAncestry = true;
     m_stale.push_back(client.get());
     m_byWindow[window] = client.get();
     m_byNumber.emplace(client->id, std::move(client));
@@ -154,67 +158,97 @@ void Clients::settleLeaving(Instant now)
     }
 }
 
-bool Clients::read(Facets wanted)
+void Clients::request(RequestBatch& batch, Facets wanted)
 {
-    bool hasRead = false;
-    for (int pass = 0; pass < kReadPasses && !m_stale.empty(); ++pass) {
-        RequestBatch batch{m_connection.raw()};
-        auto stale = std::exchange(m_stale, {});
-        for (auto* client : stale)
-            m_reader.request(batch, *client, wanted);
-        hasRead |= !batch.isEmpty();
-        batch.finish();
-        for (auto* client : stale) {
-            if (client->isGone)
-                m_hasGone = true;
-            else if (!client->stale.isEmpty())
-                m_stale.push_back(client);
-        }
+    m_asked = std::exchange(m_stale, {});
+    for (auto* client : m_asked)
+        m_reader.request(batch, *client, wanted);
+}
+
+void Clients::settleAnswers()
+{
+    for (auto* client : std::exchange(m_asked, {})) {
+        if (client->isGone)
+            m_hasGone = true;
+        else if (!client->stale.isEmpty())
+            m_stale.push_back(client);
+        m_needsAncestry |= client->isAncestryStale && client->container != XCB_WINDOW_NONE;
     }
-    return hasRead;
 }
 
 void Clients::readAncestry()
 {
-    struct Walk {
-        Client* client;
-        xcb_window_t ancestor;
-        xcb_window_t parent;
-    };
-    std::vector<Walk> walks;
-    for (auto& [number, client] : m_byNumber) {
-        if (std::exchange(client->isAncestryStale, false))
-            walks.push_back({client.get(), client->window, XCB_WINDOW_NONE});
-    }
-    m_needsAncestry = false;
+    RequestBatch batch{m_connection.raw()};
+    requestAncestry(batch);
+    batch.finish();
+    settleAncestry();
+}
 
-    for (int depth = 0; depth < kDeepestAncestry && !walks.empty(); ++depth) {
-        RequestBatch batch{m_connection.raw()};
-        for (auto& walk : walks)
-            batch.parent(walk.ancestor, [&](auto parent) { walk.parent = parent.value_or(0); });
-        batch.finish();
-        std::erase_if(walks, [&](Walk& walk) {
-            bool isTop = walk.parent == m_connection.root();
-            if (!isTop)
-                walk.ancestor = walk.parent;
-            else
-                setTopLevel(*walk.client, walk.ancestor);
-            return isTop || walk.parent == XCB_WINDOW_NONE;
-        });
+void Clients::requestAncestry(RequestBatch& batch)
+{
+    m_needsAncestry = false;
+    m_walks.clear();
+    for (auto& [number, client] : m_byNumber) {
+        if (client->container != XCB_WINDOW_NONE && std::exchange(client->isAncestryStale, false))
+            m_walks.push_back({client.get(), client->window, client->container});
     }
+    advanceWalks();
+    requestParents(batch);
+}
+
+void Clients::settleAncestry()
+{
+    advanceWalks();
+    for (int depth = 0; depth < kDeepestAncestry && !m_walks.empty(); ++depth) {
+        RequestBatch batch{m_connection.raw()};
+        requestParents(batch);
+        batch.finish();
+        advanceWalks();
+    }
+    m_walks.clear();
+}
+
+void Clients::requestParents(RequestBatch& batch)
+{
+    for (auto& walk : m_walks)
+        batch.parent(walk.ancestor, [&](auto parent) { walk.parent = parent.value_or(0); });
+}
+
+void Clients::advanceWalks()
+{
+    std::erase_if(m_walks, [&](Walk& walk) {
+        bool isTop = walk.parent == m_connection.root();
+        if (!isTop)
+            walk.ancestor = walk.parent;
+        else
+            setTopLevel(*walk.client, walk.ancestor);
+        return isTop || walk.parent == XCB_WINDOW_NONE;
+    });
 }
 
 void Clients::setTopLevel(Client& client, xcb_window_t topLevel)
 {
     if (client.topLevel == topLevel)
         return;
-    m_clientByTopLevel.erase(client.topLevel);
+    forgetTopLevel(client);
     client.topLevel = topLevel;
+    m_topLevelsDidChange = true;
     if (topLevel == client.window)
         return;
     m_clientByTopLevel[topLevel] = client.window;
     m_connection.addEventMask(topLevel, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     markStale(&client, Facet::place); // it may have moved before this program listened
+}
+
+/// Its number may be given to another window, which has to be listened to anew.
+void Clients::forgetTopLevel(Client& client)
+{
+    auto framed = m_clientByTopLevel.find(client.topLevel);
+    if (framed != m_clientByTopLevel.end() && framed->second == client.window) {
+        m_clientByTopLevel.erase(framed);
+        m_connection.forgetWindow(client.topLevel);
+    }
+    client.topLevel = XCB_WINDOW_NONE;
 }
 
 Client* Clients::find(xcb_window_t window)
@@ -261,8 +295,7 @@ void Clients::removeGone(const std::function<void(Client&)>& function)
     for (auto* client : gone) {
         function(*client);
         std::erase(m_stale, client);
-        if (m_clientByTopLevel.erase(client->topLevel) > 0)
-            m_connection.forgetWindow(client->topLevel);
+        forgetTopLevel(*client);
         m_byWindow.erase(client->window);
         markChildrenDirty(client->window);
         m_byNumber.erase(client->id);
@@ -272,7 +305,7 @@ void Clients::removeGone(const std::function<void(Client&)>& function)
 void Clients::markAllStale(Facets facets)
 {
     for (auto& [number, client] : m_byNumber) {
-        client->isAncestryStale = m_needsAncestry = true;
+        client->isAncestryStale = true; // until the container is read
         markStale(client.get(), facets);
     }
 }

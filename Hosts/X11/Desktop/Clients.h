@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "Hosts/X11/Desktop/Client.h"
@@ -13,6 +14,7 @@
 namespace quorvel::xdg::x11 {
 
 class Connection;
+class RequestBatch;
 
 /// The managed clients, oldest first, and which of their facts must be read. Main thread.
 class Clients {
@@ -34,11 +36,20 @@ public:
     void cancelLeaving();
     /// Marks clients as gone whose time to leave has come.
     void settleLeaving(Instant now);
-    /// Reads what is stale among `wanted`. True if anything was read.
-    bool read(Facets wanted);
+    /// Asks for what is stale among `wanted`. After the batch, and before a client is removed, the
+    /// answers must be settled.
+    void request(RequestBatch&, Facets wanted);
+    void settleAnswers();
+    bool hasStale() const { return !m_stale.empty(); }
+
     /// Finds the ancestors below the root of reparented clients, and listens to them.
     void readAncestry();
     bool needsAncestry() const { return m_needsAncestry; }
+    /// The same in two steps, of which the first shares its batch with other questions.
+    void requestAncestry(RequestBatch&);
+    void settleAncestry();
+    /// Whether other windows below the root are clients' now than at the last call.
+    bool takeTopLevelsDidChange() { return std::exchange(m_topLevelsDidChange, false); }
 
     Client* find(xcb_window_t);
     Client* find(WindowID);
@@ -56,8 +67,19 @@ public:
     WindowID takeNumber() { return WindowID{++m_lastNumber}; }
 
 private:
+    /// From a client up to the root.
+    struct Walk {
+        Client* client;
+        xcb_window_t ancestor; ///< so far
+        xcb_window_t parent; ///< of the ancestor
+    };
+
     void add(xcb_window_t, Instant now);
+    /// Moves each walk to the parent; ends those that are there, or nowhere.
+    void advanceWalks();
+    void requestParents(RequestBatch&);
     void setTopLevel(Client&, xcb_window_t topLevel);
+    void forgetTopLevel(Client&);
     void markChildrenDirty(xcb_window_t parent);
     bool configured(xcb_window_t event, xcb_window_t window);
     bool destroyed(xcb_window_t);
@@ -70,7 +92,10 @@ private:
     std::unordered_map<xcb_window_t, Client*> m_byWindow;
     std::unordered_map<xcb_window_t, xcb_window_t> m_clientByTopLevel;
     std::vector<Client*> m_stale; ///< those with something to read
+    std::vector<Client*> m_asked; ///< whose answers are not settled
+    std::vector<Walk> m_walks; ///< whose next parent has been asked for
     bool m_needsAncestry = false;
+    bool m_topLevelsDidChange = false;
     bool m_hasGone = false;
 };
 

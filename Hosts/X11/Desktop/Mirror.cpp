@@ -16,6 +16,10 @@ namespace {
 
 /// Parents that name each other in a circle end here.
 constexpr int kLongestParentChain = 16;
+constexpr Facets kAllFacets = kFirstFacets | Facet::strut;
+/// The list; what is said of a new window; a second question that an answer led to. None leads
+/// further.
+constexpr int kReadPasses = 4;
 
 }
 
@@ -78,9 +82,11 @@ void Mirror::turnEnded()
     auto due = (m_isUrgent ? m_lastUrgentUpdate : m_lastUpdate) + kPace;
     auto now = m_dispatch.now();
     if (now >= due)
-        update();
-    else if (m_isUrgent || !m_paced.isPending())
-        m_paced = m_dispatch.main().after(due - now, [this] { update(); });
+        return update();
+    if (m_paced.isPending() && m_pacedDue <= due)
+        return;
+    m_pacedDue = due;
+    m_paced = m_dispatch.main().after(due - now, [this] { update(); });
 }
 
 void Mirror::scheduleUpdate()
@@ -103,8 +109,10 @@ void Mirror::update()
     m_environment.isShowingDesktop.set(m_root.isShowingDesktop());
     if (std::exchange(m_reservationsDidChange, false))
         reservationsDidChange.emit();
-    if (m_clients.needsAncestry() && !m_ancestry.isPending())
-        m_ancestry = m_dispatch.main().after(kAncestryDelay, [this] { readAncestry(); });
+    if (!m_clients.needsAncestry())
+        m_ancestry = {};
+    else if (!m_ancestry.isPending())
+        m_ancestry = m_dispatch.main().after(kAncestryDelay, [this] { update(); });
     m_lastUpdate = m_dispatch.now();
     if (isUrgent)
         m_lastUrgentUpdate = m_lastUpdate;
@@ -117,28 +125,43 @@ void Mirror::readAll()
     auto now = m_dispatch.now();
     followManager();
     m_clients.removeGone([this](Client& client) { remove(client); });
-    bool isPresent = m_manager.isPresent();
-    if (isPresent && m_root.isStale()) {
-        RequestBatch batch{m_connection.raw()};
-        m_root.request(batch);
-        batch.finish();
-        m_root.setKeepsLastWords(true);
-        if (m_root.takeSwitchesDidChange())
-            m_clients.markAllDirty();
-        if (m_root.takeListDidChange())
-            m_clients.follow(m_root.clients(), m_root.currentDesktop(), now);
-    }
+    readTogether(now, true);
+    for (int pass = 1; pass < kReadPasses && (isRootStale() || m_clients.hasStale()); ++pass)
+        readTogether(now, false);
     m_clients.settleLeaving(now);
-    auto wanted = kFirstFacets | Facet::strut;
-    m_clients.read(isPresent ? wanted : wanted.without(kManagerFacets));
     m_clients.removeGone([this](Client& client) { remove(client); });
 }
 
-void Mirror::readAncestry()
+bool Mirror::isRootStale() const
 {
-    m_clients.readAncestry();
-    m_root.markStackingStale();
-    scheduleUpdate();
+    return m_manager.isPresent() && m_root.isStale();
+}
+
+void Mirror::readTogether(Instant now, bool isFirst)
+{
+    bool isPresent = m_manager.isPresent();
+    bool listIsStale = isPresent && m_root.isListStale();
+    RequestBatch batch{m_connection.raw()};
+    // Only of those that have their chip already.
+    if (isFirst && m_clients.needsAncestry())
+        m_clients.requestAncestry(batch);
+    if (isPresent)
+        m_root.request(batch);
+    if (!listIsStale)
+        m_clients.request(batch, isPresent ? kAllFacets : kAllFacets.without(kManagerFacets));
+    batch.finish();
+    m_clients.settleAnswers();
+    m_clients.settleAncestry();
+    // The order is asked for when their frames are listened to, or a change could be missed.
+    if (m_clients.takeTopLevelsDidChange())
+        m_root.markStackingStale();
+    if (!isPresent)
+        return;
+    m_root.setKeepsLastWords(true);
+    if (m_root.takeSwitchesDidChange())
+        m_clients.markAllDirty();
+    if (m_root.takeListDidChange())
+        m_clients.follow(m_root.clients(), m_root.currentDesktop(), now);
 }
 
 void Mirror::followManager()

@@ -35,9 +35,10 @@ public:
     /// A manager announces one new window in a dozen pieces. After a pause, its appearance or
     /// disappearance is followed at once; whatever comes right after an update waits for the rest,
     /// as do the windows of a series that open or close together.
-    static constexpr auto kPace = std::chrono::milliseconds{8};
-    /// Finding a new window's frame takes several round trips, which its chip does not wait for.
-    static constexpr auto kAncestryDelay = std::chrono::milliseconds{5};
+    static constexpr auto kPace = std::chrono::milliseconds{16};
+    /// Finding a new window's frame takes further round trips, which its chip does not wait for:
+    /// the next update takes it along, after this time at the latest.
+    static constexpr auto kAncestryDelay = std::chrono::milliseconds{20};
 
     Mirror(
         Connection&, Dispatch&, Monitors&, PanelEnvironment&, const SharedModel&, DesktopTracker&);
@@ -57,7 +58,9 @@ private:
     void turnEnded();
     void update();
     void readAll();
-    void readAncestry();
+    /// What depends on no other answer, in one round trip.
+    void readTogether(Instant now, bool isFirst);
+    bool isRootStale() const;
     void followManager();
     TranslationContext context() const;
     void scheduleNext();
@@ -100,6 +103,7 @@ private:
     Subscription m_trackerHasNews;
     WorkItem m_next;
     WorkItem m_paced;
+    Instant m_pacedDue;
     WorkItem m_ancestry;
 };
 

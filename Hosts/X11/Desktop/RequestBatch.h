@@ -63,10 +63,12 @@ public:
     /// it has gone.
     void pixels(xcb_pixmap_t, const DrawableSize&, OnData);
 
-    bool isEmpty() const { return m_pending.empty(); }
     void finish();
 
 private:
+    /// What a new window is asked for.
+    static constexpr std::size_t kUsualSize = 24;
+
     struct Pending {
         unsigned sequence;
         std::function<void(void* reply)> handle; ///< null where the server answered with an error
@@ -74,6 +76,8 @@ private:
 
     template <typename Cookie> void add(Cookie cookie, std::function<void(void*)> handle)
     {
+        if (m_pending.empty())
+            m_pending.reserve(kUsualSize);
         m_pending.push_back({cookie.sequence, std::move(handle)});
     }
 

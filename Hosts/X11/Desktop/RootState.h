@@ -27,6 +27,7 @@ public:
     void markAllStale() { m_stale = kAll; }
     void markStackingStale() { m_stale |= stackingBit; }
     bool isStale() const { return m_stale != 0; }
+    bool isListStale() const { return (m_stale & clientsBit) != 0; }
     void request(RequestBatch&);
     /// Whether the lists were read since the last call.
     bool takeListDidChange() { return std::exchange(m_listDidChange, false); }

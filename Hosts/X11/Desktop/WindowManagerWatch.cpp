@@ -115,15 +115,19 @@ xcb_window_t WindowManagerWatch::readCheckWindow()
     // Listened to before it is asked, so that nothing goes unnoticed in between: some managers name
     // the window on the root before the window names itself.
     m_candidate = *window;
-    m_connection.addEventMask(
+    auto added = m_connection.addEventMask(
         *window, XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE);
     std::optional<xcb_window_t> itself;
     RequestBatch onWindow{m_connection.raw()};
     onWindow.property(
         *window, atom, 1, [&](const RawProperty& raw) { itself = decodeWindow(raw); });
     onWindow.finish();
-    if (itself == window)
+    if (itself == window) {
+        // openbox writes there at each event that it handles. Others may name a window that is
+        // listened to anyway, even the root.
+        m_connection.removeEventMask(*window, added & XCB_EVENT_MASK_PROPERTY_CHANGE);
         return *window;
+    }
     m_connection.forgetWindow(*window);
     return XCB_WINDOW_NONE;
 }

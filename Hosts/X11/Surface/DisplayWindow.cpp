@@ -30,7 +30,7 @@ DisplayWindow::DisplayWindow(const SurfaceContext& context, DisplayNumber displa
     : m_context(context)
     , m_display(display)
     , m_canBlur(canBlur)
-    , m_paint([this] { paint(); })
+    , m_paint([this] { return frameInterval(); }, [this] { paint(); })
 {
     auto& environment = m_context.environment;
     auto& connection = m_context.connection;

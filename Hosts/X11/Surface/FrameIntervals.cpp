@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <vector>
 
 #include <xcb/randr.h>
 
@@ -31,16 +32,19 @@ std::optional<xcb_randr_mode_t> modeAt(xcb_connection_t* raw,
     const xcb_randr_get_screen_resources_current_reply_t* resources, Point centre)
 {
     auto* crtcs = xcb_randr_get_screen_resources_current_crtcs(resources);
-    for (int i = 0; i < resources->num_crtcs; ++i) {
-        auto crtc = owned(xcb_randr_get_crtc_info_reply(
-            raw, xcb_randr_get_crtc_info(raw, crtcs[i], resources->config_timestamp), nullptr));
-        if (!crtc || crtc->mode == XCB_NONE)
+    std::vector<xcb_randr_get_crtc_info_cookie_t> asked;
+    for (int i = 0; i < resources->num_crtcs; ++i)
+        asked.push_back(xcb_randr_get_crtc_info(raw, crtcs[i], resources->config_timestamp));
+    std::optional<xcb_randr_mode_t> mode;
+    for (auto& cookie : asked) {
+        auto crtc = owned(xcb_randr_get_crtc_info_reply(raw, cookie, nullptr));
+        if (mode || !crtc || crtc->mode == XCB_NONE)
             continue;
         Rect area{double(crtc->x), double(crtc->y), double(crtc->width), double(crtc->height)};
         if (area.contains(centre))
-            return crtc->mode;
+            mode = crtc->mode;
     }
-    return std::nullopt;
+    return mode;
 }
 
 double rateAt(Connection& connection, Point centre)

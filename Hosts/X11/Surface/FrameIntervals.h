@@ -11,8 +11,8 @@ namespace quorvel::xdg::x11 {
 class Connection;
 class Monitors;
 
-/// How long each monitor shows one frame, from RandR; queried once, when something first moves.
-/// Main thread.
+/// How long each monitor shows one frame, from RandR; queried once, when something is first painted
+/// twice in a row. Main thread.
 class FrameIntervals {
 public:
     FrameIntervals(Connection&, const Monitors&);

@@ -1,6 +1,7 @@
 #include "Hosts/X11/Surface/PaintSource.h"
 
 #include <chrono>
+#include <optional>
 #include <utility>
 
 #include <glib.h>
@@ -12,7 +13,8 @@ namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr auto kShortestFrame = std::chrono::milliseconds{8};
+/// Longer than any frame: after it, nobody has to know how long one is. The server is asked for it.
+constexpr auto kPause = std::chrono::milliseconds{50};
 
 }
 
@@ -21,26 +23,29 @@ struct PaintSource::Source : GSource {
 
     static gboolean prepare(GSource* source, gint* timeout)
     {
-        return isDueOrSleeps(static_cast<Source*>(source)->owner->due(), *timeout);
+        auto* owner = static_cast<Source*>(source)->owner;
+        return isDueOrSleeps(
+            owner->m_isRequested ? std::optional{owner->m_frame} : std::nullopt, *timeout);
     }
 
     static gboolean check(GSource* source)
     {
-        auto due = static_cast<Source*>(source)->owner->due();
-        return due && *due <= WorkSchedule::now();
+        auto* owner = static_cast<Source*>(source)->owner;
+        return owner->m_isRequested && owner->m_frame <= WorkSchedule::now();
     }
 
     static gboolean dispatch(GSource* source, GSourceFunc, gpointer)
     {
         auto* owner = static_cast<Source*>(source)->owner;
         owner->m_isRequested = false;
-        owner->m_earliestNext = WorkSchedule::now() + kShortestFrame;
         owner->m_paint();
         return G_SOURCE_CONTINUE;
     }
 };
 
-PaintSource::PaintSource(std::function<void()> paint) : m_paint(std::move(paint))
+PaintSource::PaintSource(std::function<Duration()> frameInterval, std::function<void()> paint)
+    : m_frameInterval(std::move(frameInterval))
+    , m_paint(std::move(paint))
 {
     static GSourceFuncs functions{
         &Source::prepare, &Source::check, &Source::dispatch, nullptr, nullptr, nullptr};
@@ -56,12 +61,17 @@ PaintSource::~PaintSource() = default;
 
 void PaintSource::request()
 {
-    m_isRequested = true;
-}
-
-std::optional<Instant> PaintSource::due() const
-{
-    return m_isRequested ? std::optional{m_earliestNext} : std::nullopt;
+    if (std::exchange(m_isRequested, true))
+        return;
+    auto now = WorkSchedule::now();
+    if (now - m_frame > kPause) {
+        m_frame = now;
+        return;
+    }
+    auto interval = m_frameInterval();
+    auto next = m_frame + interval;
+    // A frame that comes a little late does not move those after it.
+    m_frame = next + interval / 2 < now ? now : next;
 }
 
 }

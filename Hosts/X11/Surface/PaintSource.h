@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 
 #include "Hosts/Linux/GHandles.h"
 #include "Quorvel/Platform/Dispatch.h"
@@ -9,10 +8,10 @@
 namespace quorvel::xdg::x11 {
 
 /// Paints once after everything that is ready in the loop, however often it is requested: at once
-/// after a pause, and then no faster than anybody could see. Main thread.
+/// after a pause, and then as often as the display shows a new picture. Main thread.
 class PaintSource {
 public:
-    explicit PaintSource(std::function<void()> paint);
+    PaintSource(std::function<Duration()> frameInterval, std::function<void()> paint);
     ~PaintSource();
     PaintSource(const PaintSource&) = delete;
     PaintSource& operator=(const PaintSource&) = delete;
@@ -21,11 +20,11 @@ public:
 
 private:
     struct Source;
-    std::optional<Instant> due() const;
 
     GSourceHandle<Source> m_source;
+    std::function<Duration()> m_frameInterval;
     std::function<void()> m_paint;
-    Instant m_earliestNext = Instant::min();
+    Instant m_frame; ///< when the latest frame is due, or was
     bool m_isRequested = false;
 };
 

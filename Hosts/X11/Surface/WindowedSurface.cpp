@@ -16,7 +16,7 @@ WindowedSurface::WindowedSurface(const SurfaceContext& context, const PanelOptio
     : m_context(context)
     , m_options(options)
     , m_client(client)
-    , m_paint([this] { paint(); })
+    , m_paint([this] { return frameInterval(); }, [this] { paint(); })
     , m_onPointerMoved(std::move(onPointerMoved))
 {
     auto& connection = m_context.connection;
