@@ -132,6 +132,7 @@ struct Client {
     xcb_window_t container = XCB_WINDOW_NONE;
     /// The ancestor below the root: it moves when the user moves the window.
     xcb_window_t topLevel = XCB_WINDOW_NONE;
+    std::optional<Rect> framePlace; ///< of a frame, as it was last told
     bool isAncestryStale = true;
 
     Instant firstSeen;

@@ -29,6 +29,8 @@ bool Clients::handle(const xcb_generic_event_t* event)
     }
     case XCB_CONFIGURE_NOTIFY: {
         auto* change = reinterpret_cast<const xcb_configure_notify_event_t*>(event);
+        if (isOnlyRestacked(*change))
+            return true;
         return configured(change->event, change->window);
     }
     case XCB_REPARENT_NOTIFY: {
@@ -65,6 +67,17 @@ bool Clients::handle(const xcb_generic_event_t* event)
     default:
         return false;
     }
+}
+
+/// A frame that stays where it is comes to the front, or lets another pass.
+bool Clients::isOnlyRestacked(const xcb_configure_notify_event_t& change)
+{
+    auto framed = m_clientByTopLevel.find(change.window);
+    auto* client = framed == m_clientByTopLevel.end() ? nullptr : find(framed->second);
+    if (!client || client->topLevel != change.window || change.event != change.window)
+        return false;
+    Rect place{double(change.x), double(change.y), double(change.width), double(change.height)};
+    return std::exchange(client->framePlace, place) == place;
 }
 
 bool Clients::configured(xcb_window_t event, xcb_window_t window)
@@ -249,6 +262,7 @@ void Clients::forgetTopLevel(Client& client)
         m_connection.forgetWindow(client.topLevel);
     }
     client.topLevel = XCB_WINDOW_NONE;
+    client.framePlace.reset();
 }
 
 Client* Clients::find(xcb_window_t window)

@@ -81,6 +81,7 @@ private:
     void setTopLevel(Client&, xcb_window_t topLevel);
     void forgetTopLevel(Client&);
     void markChildrenDirty(xcb_window_t parent);
+    bool isOnlyRestacked(const xcb_configure_notify_event_t&);
     bool configured(xcb_window_t event, xcb_window_t window);
     bool destroyed(xcb_window_t);
     bool markStale(Client*, Facets);
