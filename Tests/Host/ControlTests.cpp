@@ -166,6 +166,21 @@ TEST_F(ControlChannelTest, silentAndBrokenClientsDisturbNobody)
 
     ASSERT_TRUE(ask({"--state"}));
     EXPECT_EQ(requests, 1);
+
+    auto slow = connectAsClient();
+    for (char byte : std::string_view{"[\"--state\"]\n"}) {
+        send(slow.get(), &byte, 1, MSG_NOSIGNAL);
+        while (g_main_context_iteration(nullptr, false)) { }
+    }
+    auto brief = connectAsClient();
+    send(brief.get(), "[\"--state\"]\n", 12, MSG_NOSIGNAL);
+    shutdown(brief.get(), SHUT_WR); // has nothing more to say, but listens
+    ASSERT_TRUE(ask({"--state"}));
+    EXPECT_EQ(requests, 4);
+    for (auto* client : {&slow, &brief}) {
+        char byte = 0;
+        EXPECT_EQ(recv(client->get(), &byte, 1, MSG_DONTWAIT), 1);
+    }
 }
 
 /// A bar that takes one session and writes down what it hears.

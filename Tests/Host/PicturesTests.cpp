@@ -1,10 +1,13 @@
 #include <csignal>
+#include <fstream>
 #include <functional>
+#include <sstream>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -64,18 +67,27 @@ int attemptAll()
         | (::mmap(nullptr, kTooMuch, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)
                     != MAP_FAILED
                 ? 16
-                : 0);
+                : 0)
+        | (::syscall(SYS_tgkill, ::getppid(), ::getppid(), 0) == 0 ? 32 : 0);
 }
 
 // Faults: a drawing with a hole in its decoder reads the user's files, sends them somewhere, ends
 // other processes, or takes all memory.
 TEST(Seclusion, leavesNothingOfTheSystem)
 {
-    EXPECT_EQ(attemptsOf(attemptAll), 31);
+    EXPECT_EQ(attemptsOf(attemptAll), 63);
     EXPECT_EQ(attemptsOf([] {
-        return secludeProcess({kTooMuch / 2, 10, {"/usr/share/fonts"}}) ? attemptAll() : 32;
+        return secludeProcess({kTooMuch / 2, 10, {"/usr/share/fonts"}}) ? attemptAll() : 64;
     }),
         0);
+}
+
+/// What the kernel says of a process.
+std::string aboutProcess(pid_t process, const std::string& file)
+{
+    std::ostringstream text;
+    text << std::ifstream{"/proc/" + std::to_string(process) + '/' + file}.rdbuf();
+    return text.str();
 }
 
 class Decoder : public testing::Test {
@@ -93,11 +105,17 @@ protected:
 };
 
 // Faults: a picture that hangs or ends its decoder takes those after it along, or the bar; one that
-// was only unlucky is never drawn; the process and its memory stay for ever.
+// was only unlucky is never drawn; the process and its memory stay for ever, or it is not secluded.
 TEST_F(Decoder, outlivesPicturesThatItsProcessDoesNot)
 {
     EXPECT_EQ(middle(square("fill='#00ff00'")), 0xFF00FF00U);
     const auto first = decoder.process();
+    ASSERT_TRUE(first);
+    const auto status = aboutProcess(*first, "status");
+    EXPECT_NE(status.find("NoNewPrivs:\t1\n"), std::string::npos) << status;
+    EXPECT_NE(status.find("Seccomp:\t2\n"), std::string::npos) << status;
+    EXPECT_EQ(aboutProcess(*first, "limits").find("Max address space         unlimited"),
+        std::string::npos);
     EXPECT_EQ(middle("<svg"), 0U);
     EXPECT_TRUE(last.isFinal);
     EXPECT_EQ(decoder.process(), first);

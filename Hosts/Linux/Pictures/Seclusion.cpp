@@ -47,7 +47,7 @@ constexpr const char* kAllowedCalls[] = {"access", "brk", "clock_gettime", "cloc
     "membarrier", "mmap", "mmap2", "mprotect", "mremap", "munmap", "nanosleep", "poll", "ppoll",
     "read", "recvfrom", "recvmsg", "restart_syscall", "rseq", "rt_sigaction", "rt_sigprocmask",
     "rt_sigreturn", "sched_getaffinity", "sched_yield", "sendmsg", "sendto", "set_robust_list",
-    "sigaltstack", "tgkill", "time", "write", "writev"};
+    "sigaltstack", "time", "write", "writev"};
 
 using Conditions = std::vector<scmp_arg_cmp>;
 
@@ -73,11 +73,14 @@ bool addRules(const SeccompLibrary& seccomp, scmp_filter_ctx filter)
     constexpr auto kWriting = scmp_datum_t{O_ACCMODE | O_CREAT | O_TRUNC};
     const Conditions reads{{2, SCMP_CMP_MASKED_EQ, kWriting, 0}};
     const Conditions isOpen{{3, SCMP_CMP_MASKED_EQ, AT_EMPTY_PATH, AT_EMPTY_PATH}};
+    // It ends itself when something is badly wrong, and nobody else.
+    const Conditions isOwn{{0, SCMP_CMP_EQ, static_cast<scmp_datum_t>(::getpid()), 0}};
     // Threads, as filters of drawings use them, but no processes. The arguments of clone3 lie where
     // no filter can look: told that the kernel lacks it, the C library falls back to clone.
     const Conditions isThread{{0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD}};
     return addRule(seccomp, filter, "openat", SCMP_ACT_ALLOW, reads)
         && addRule(seccomp, filter, "newfstatat", SCMP_ACT_ALLOW, isOpen)
+        && addRule(seccomp, filter, "tgkill", SCMP_ACT_ALLOW, isOwn)
         && addRule(seccomp, filter, "clone", SCMP_ACT_ALLOW, isThread)
         && addRule(seccomp, filter, "clone3", SCMP_ACT_ERRNO(ENOSYS));
 }

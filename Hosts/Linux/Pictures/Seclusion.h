@@ -19,7 +19,8 @@ struct Seclusion {
 ///
 /// A filter leaves only the system calls that computing needs, and the folders are readable, where
 /// libseccomp is installed and the kernel has Landlock (5.13). Where one of them is missing no file
-/// can be opened at all. False if not even the kernel's limits hold.
+/// can be opened at all; without the filter the process could still end others. False if not even
+/// the kernel's limits hold.
 bool secludeProcess(const Seclusion&);
 
 }
