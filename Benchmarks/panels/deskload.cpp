@@ -216,7 +216,8 @@ static int latency(int Y, int H, int R)
         }
         if (t1) {
             o.push_back(t1 - t0);
-            om.push_back(tm ? t1 - tm : 0);
+            if (tm) // drawn before it was seen on the list, it tells nothing
+                om.push_back(t1 - tm);
         }
         strip.settle();
         t0 = now();

@@ -122,7 +122,7 @@ class Relayed:
                 self.is_set_up["server"] = True
             elif message[0] > 1:
                 self.counts["events"] += 1
-            else:
+            elif message[0] == 1:
                 self.answered(self.number("H", message, 2))
 
     def answered(self, sequence):
@@ -159,8 +159,12 @@ class Session:
         settings.write_text('{"groupWindowsByApp": false}', encoding="utf-8")
         self.started = []
         self.counts = dict.fromkeys(COUNTS, 0)
-        self.start(["Xvfb", f":{SERVER}", "-screen", "0", "1920x1080x24", "-nolisten", "tcp"])
+        server = self.start(["Xvfb", f":{SERVER}", "-screen", "0", "1920x1080x24", "-nolisten", "tcp"])
         time.sleep(1)
+        if server.poll() is not None:
+            sys.exit(f"wire.py: there is another server on :{SERVER}")
+        bus = self.start(["dbus-daemon", "--session", "--nofork", "--print-address"], stdout=subprocess.PIPE)
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = bus.stdout.readline().decode().strip()
         self.start(["openbox"])
         time.sleep(1)
         self.load("open", "10", "5")
@@ -225,8 +229,9 @@ def measure_panel(command):
         results["a title changes"] = [{name: value / REPEATS for name, value in titles.items()}]
         storm.stdin.close()
         time.sleep(REST)
-        for i in range(REPEATS):
-            count("another space", lambda: session.manage("-s", str(1 - i % 2)))
+        for _ in range(REPEATS):
+            count("an empty space", lambda: session.manage("-s", "1"))
+            count("the space with the windows", lambda: session.manage("-s", "0"))
         idle = session.measure(lambda: None, 20)
         results["a second without any"] = [{name: value / 20 for name, value in idle.items()}]
         if session.panel.poll() is not None:
