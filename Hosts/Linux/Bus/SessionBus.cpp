@@ -24,8 +24,9 @@ std::string runtimeSocket()
 /// GIO would start a bus of its own where there is none.
 bool hasSessionBus()
 {
-    return std::getenv("DBUS_SESSION_BUS_ADDRESS")
-        || (!runtimeSocket().empty() && access(runtimeSocket().c_str(), R_OK | W_OK) == 0);
+    if (const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS"))
+        return *address != '\0';
+    return !runtimeSocket().empty() && access(runtimeSocket().c_str(), R_OK | W_OK) == 0;
 }
 
 /// Empty where the bus has no place among the files.
