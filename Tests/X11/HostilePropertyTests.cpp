@@ -117,6 +117,14 @@ TEST_F(HostileProperties, ofTheRootWindowDoNoHarm)
         connection.sync();
         ASSERT_TRUE(goodChipIsRight()) << value.type << ' ' << value.items;
     }
+
+    // A check window is not listened to for long; this one is.
+    const auto root = connection.root();
+    connection.setNumbers(root, "_NET_SUPPORTING_WM_CHECK", "WINDOW", {root});
+    connection.sync();
+    ASSERT_TRUE(goodChipIsRight());
+    ASSERT_TRUE(getsChip(bar, hostile.open({.title = "found with all others"})));
+    EXPECT_TRUE(getsChip(bar, hostile.open({.title = "late"})));
 }
 
 }
