@@ -371,6 +371,24 @@ TEST(CairoCanvas, aTitleIsCutOffWherePangoCutsIt)
     }
 }
 
+TEST(TextShaper, aLineIsAsHighAsPangoSays)
+{
+    PangoContextHandle context{pango_font_map_create_context(pango_cairo_font_map_get_default())};
+    TextShaper shaper;
+    for (auto* family : {"Sans", "Monospace"}) {
+        shaper.setFont(family);
+        for (double size : {9.0, 12.0, 13.5, 40.0}) {
+            PangoFontHandle font{pango_font_description_from_string(family)};
+            pango_font_description_set_absolute_size(font.get(), size * PANGO_SCALE);
+            auto* expected = pango_context_get_metrics(context.get(), font.get(), nullptr);
+            auto line = shaper.metrics(size, FontWeight::regular, 1);
+            EXPECT_EQ(line.ascent * PANGO_SCALE, pango_font_metrics_get_ascent(expected)) << size;
+            EXPECT_EQ(line.descent * PANGO_SCALE, pango_font_metrics_get_descent(expected)) << size;
+            pango_font_metrics_unref(expected);
+        }
+    }
+}
+
 TEST(PangoText, whatIsMeasuredFitsWithoutAnEllipsis)
 {
     for (double scale : kScales) {

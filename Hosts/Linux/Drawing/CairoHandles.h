@@ -14,7 +14,6 @@ using Cairo = std::unique_ptr<cairo_t, FreeWith<cairo_destroy>>;
 using CairoPattern = std::unique_ptr<cairo_pattern_t, FreeWith<cairo_pattern_destroy>>;
 using PangoFontHandle
     = std::unique_ptr<PangoFontDescription, FreeWith<pango_font_description_free>>;
-using PangoMetricsHandle = std::unique_ptr<PangoFontMetrics, FreeWith<pango_font_metrics_unref>>;
 using PangoContextHandle = GObjectHandle<PangoContext>;
 using PangoLayoutHandle = GObjectHandle<PangoLayout>;
 

@@ -23,16 +23,24 @@ bool hasWideLetter(std::string_view utf8)
     return false;
 }
 
-/// Null unless the line is one run from left to right, of a length that is worth keeping.
-const PangoGlyphItem* onlyRun(PangoLayoutLine* line)
+void freeItems(GList* items)
 {
-    if (!line->runs || line->runs->next)
+    g_list_free_full(items, [](gpointer item) { pango_item_free(static_cast<PangoItem*>(item)); });
+}
+using PangoItems = std::unique_ptr<GList, FreeWith<freeItems>>;
+
+/// Empty unless the text is one run that is read from left to right.
+PangoItems onlyItem(std::string_view utf8, PangoContext* context)
+{
+    auto bytes = static_cast<int>(utf8.size());
+    if (utf8.empty())
         return nullptr;
-    if (pango_layout_line_get_resolved_direction(line) == PANGO_DIRECTION_RTL)
+    PangoItems items{pango_itemize_with_base_dir(
+        context, PANGO_DIRECTION_LTR, utf8.data(), 0, bytes, nullptr, nullptr)};
+    if (!items || items->next)
         return nullptr;
-    auto* run = static_cast<const PangoGlyphItem*>(line->runs->data);
-    bool isPlain = run->item->analysis.font && run->item->analysis.level == 0;
-    return isPlain && run->glyphs->num_glyphs <= kMostGlyphs ? run : nullptr;
+    auto& analysis = static_cast<PangoItem*>(items->data)->analysis;
+    return analysis.font && analysis.level == 0 ? std::move(items) : nullptr;
 }
 
 }
@@ -44,32 +52,60 @@ GlyphRun::GlyphRun(const PangoGlyphItem& item)
 {
 }
 
-std::optional<GlyphLine> GlyphLine::from(PangoLayoutLine* shaped)
+GlyphRun::GlyphRun(GObjectHandle<PangoFont> font_, PangoGlyphs glyphs_)
+    : font(std::move(font_))
+    , glyphs(std::move(glyphs_))
+    , width(pango_glyph_string_get_width(glyphs.get()))
 {
-    std::string_view text = pango_layout_get_text(shaped->layout);
-    auto* item = onlyRun(shaped);
-    if (!item || hasWideLetter(text))
+}
+
+std::optional<GlyphLine> GlyphLine::of(std::string_view text, PangoContext* context)
+{
+    if (hasWideLetter(text))
         return std::nullopt;
-    GlyphLine line{*item};
-    int count = 0;
-    auto* characters = pango_layout_get_log_attrs_readonly(shaped->layout, &count);
-    auto& glyphs = *line.m_run.glyphs;
+    auto items = onlyItem(text, context);
+    if (!items)
+        return std::nullopt;
+    auto& analysis = static_cast<PangoItem*>(items->data)->analysis;
+    auto bytes = static_cast<int>(text.size());
+    PangoGlyphs glyphs{pango_glyph_string_new()};
+    pango_shape_with_flags(text.data(), bytes, text.data(), bytes, &analysis, glyphs.get(),
+        pango_context_get_round_glyph_positions(context) ? PANGO_SHAPE_ROUND_POSITIONS
+                                                         : PANGO_SHAPE_NONE);
+    if (glyphs->num_glyphs > kMostGlyphs)
+        return std::nullopt;
+    GObjectHandle<PangoFont> font{PANGO_FONT(g_object_ref(analysis.font))};
+    GlyphLine line{{std::move(font), std::move(glyphs)}};
+    line.findCuts(text, analysis);
+    return line;
+}
+
+void GlyphLine::findCuts(std::string_view text, const PangoAnalysis& analysis)
+{
+    auto bytes = static_cast<int>(text.size());
+    // One for each character, and one for the end.
+    std::vector<PangoLogAttr> characters(
+        static_cast<std::size_t>(g_utf8_strlen(text.data(), bytes)) + 1);
+    auto count = static_cast<int>(characters.size());
+    pango_default_break(text.data(), bytes, nullptr, characters.data(), count);
+    auto analysed = analysis;
+    pango_tailor_break(text.data(), bytes, &analysed, -1, characters.data(), count);
+    auto& glyphs = *m_run.glyphs;
     Cut cut;
-    long character = 0;
+    std::size_t character = 0;
     for (int at = 0; at < glyphs.num_glyphs; cut.glyphs = at) {
         int start = glyphs.log_clusters[at];
         int width = 0;
         for (; at < glyphs.num_glyphs && glyphs.log_clusters[at] == start; ++at)
             width += glyphs.glyphs[at].geometry.width;
         // Nothing is gained by cutting off what is not seen.
-        if (character < count && characters[character].is_cursor_position
+        if (character < characters.size() && characters[character].is_cursor_position
             && (width != 0 || cut.glyphs == 0))
-            line.m_cuts.push_back(cut);
-        int end = at < glyphs.num_glyphs ? glyphs.log_clusters[at] : static_cast<int>(text.size());
-        character += g_utf8_strlen(text.data() + start, end - start);
+            m_cuts.push_back(cut);
+        int end = at < glyphs.num_glyphs ? glyphs.log_clusters[at] : bytes;
+        character += static_cast<std::size_t>(g_utf8_strlen(text.data() + start, end - start));
         cut.width += width;
     }
-    return line;
 }
 
 GlyphLine::Cut GlyphLine::cutFor(int width, const GlyphRun& ellipsis) const

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Hosts/Linux/Drawing/CairoHandles.h"
@@ -17,6 +18,7 @@ using PangoGlyphs = std::unique_ptr<PangoGlyphString, FreeWith<pango_glyph_strin
 /// Shaped letters of one font.
 struct GlyphRun {
     explicit GlyphRun(const PangoGlyphItem&);
+    GlyphRun(GObjectHandle<PangoFont>, PangoGlyphs);
 
     GObjectHandle<PangoFont> font; ///< null if the system has none
     PangoGlyphs glyphs;
@@ -32,15 +34,17 @@ public:
         int width = 0;
     };
 
-    /// None if the line is of another kind. It must be the whole text of its layout.
-    static std::optional<GlyphLine> from(PangoLayoutLine*);
+    /// None if the text is of another kind: a PangoLayout has to lay it out. The font is the
+    /// context's.
+    static std::optional<GlyphLine> of(std::string_view text, PangoContext*);
 
     const GlyphRun& run() const { return m_run; }
     /// Where Pango itself would cut it off.
     Cut cutFor(int width, const GlyphRun& ellipsis) const;
 
 private:
-    explicit GlyphLine(const PangoGlyphItem& item) : m_run(item) { }
+    explicit GlyphLine(GlyphRun run) : m_run(std::move(run)) { }
+    void findCuts(std::string_view text, const PangoAnalysis&);
 
     GlyphRun m_run;
     std::vector<Cut> m_cuts; ///< all that there can be, the shortest first

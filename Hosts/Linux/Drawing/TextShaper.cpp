@@ -16,6 +16,7 @@ namespace {
 constexpr std::size_t kLongestMeasuredText = 1000;
 constexpr std::size_t kMostFonts = 24;
 constexpr const char* kAnyFamily = "Sans";
+constexpr const char* kUsualLanguage = "en";
 /// Narrower than any letter is on average, in parts of the font's size.
 constexpr double kNarrowestLetter = 0.2;
 constexpr std::size_t kSpareLetters = 32;
@@ -31,6 +32,30 @@ PangoWeight pangoWeight(FontWeight weight)
         return PANGO_WEIGHT_SEMIBOLD;
     }
     return PANGO_WEIGHT_NORMAL;
+}
+
+/// Of the fonts that Pango takes for the user's language, as pango_context_get_metrics tells them.
+/// That also lays a sample out to learn how wide letters are, which takes a tenth of the way to the
+/// first title.
+LineMetrics lineMetrics(PangoContext* context, const PangoFontDescription* description)
+{
+    auto* language = pango_context_get_language(context);
+    GObjectHandle<PangoFontset> fonts{pango_font_map_load_fontset(
+        pango_context_get_font_map(context), context, description, language)};
+    LineMetrics line;
+    const char* sample = pango_language_get_sample_string(language);
+    for (; fonts && *sample; sample = g_utf8_next_char(sample)) {
+        GObjectHandle<PangoFont> font{pango_fontset_get_font(fonts.get(), g_utf8_get_char(sample))};
+        auto* scaled
+            = font ? pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(font.get())) : nullptr;
+        if (!scaled)
+            continue;
+        cairo_font_extents_t extents{};
+        cairo_scaled_font_extents(scaled, &extents);
+        line.ascent = std::max(line.ascent, extents.ascent);
+        line.descent = std::max(line.descent, extents.descent);
+    }
+    return line;
 }
 
 constexpr int kNoLimit = -1;
@@ -105,6 +130,11 @@ TextShaper::TextShaper()
 {
     pango_layout_set_single_paragraph_mode(m_layout.get(), true);
     pango_layout_set_auto_dir(m_layout.get(), true);
+    // Of a language that Pango knows nothing of, as in the locale C, it finds the fonts, and for
+    // each text those of the language that its script suggests.
+    int scripts = 0;
+    if (!pango_language_get_scripts(pango_context_get_language(m_context.get()), &scripts))
+        pango_context_set_language(m_context.get(), pango_language_from_string(kUsualLanguage));
 }
 
 void TextShaper::beginReadingFonts()
@@ -139,11 +169,7 @@ TextShaper::Font& TextShaper::font(double pixels, FontWeight weight)
     pango_font_description_set_family(description.get(), m_family.c_str());
     pango_font_description_set_weight(description.get(), pangoWeight(weight));
     pango_font_description_set_absolute_size(description.get(), pixels * PANGO_SCALE);
-    PangoMetricsHandle metrics{
-        pango_context_get_metrics(m_context.get(), description.get(), nullptr)};
-    LineMetrics line{
-        static_cast<double>(pango_font_metrics_get_ascent(metrics.get())) / PANGO_SCALE,
-        static_cast<double>(pango_font_metrics_get_descent(metrics.get())) / PANGO_SCALE};
+    auto line = lineMetrics(m_context.get(), description.get());
     return m_fonts.emplace_back(Font{pixels, weight, std::move(description), line, {}});
 }
 
@@ -179,7 +205,8 @@ const GlyphLines::Entry& TextShaper::lineOf(std::string text, const Font& font)
 {
     auto* known = m_lines.find(text, font.pixels, font.weight);
     if (!known) {
-        auto line = GlyphLine::from(layOut(text, font, kNoLimit));
+        pango_context_set_font_description(m_context.get(), font.description.get());
+        auto line = GlyphLine::of(text, m_context.get());
         known = m_lines.add({.text = std::move(text),
             .pixels = font.pixels,
             .weight = font.weight,
