@@ -10,6 +10,8 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "Hosts/Posix/ControlClient.h"
+#include "Tests/Support/Sanitized.h"
 #include "Tests/X11/Support/DesktopFixture.h"
 
 namespace quorvel::x11tests {
@@ -54,39 +56,95 @@ protected:
     }
 
     Client client{server};
+    Environment deceived; ///< about the time of day
+};
+
+/// What is amiss around a bar, and how far it gets then.
+struct Circumstance {
+    Environment changes;
+    bool keepsSettings = true;
+    bool drawsAlike = true;
 };
 
 // Faults: a bar that cannot do without a home, a bus, fonts or a language, or says titles wrongly
-// then; one that waits for the bus.
+// then or draws them otherwise; one that waits for the bus, or claims to have kept a setting.
 TEST_F(HostileEnvironment, leavesABarThatShowsTheWindows)
 {
     const auto title = std::string{"Grüße \u65E5\u672C \xF0\x9F\x98\x80"};
     const auto window = client.open({.title = title});
     std::ofstream(server.folder() / "no-fonts.conf")
         << "<?xml version='1.0'?><fontconfig></fontconfig>";
-    const std::vector<Environment> circumstances{
-        {{"HOME", "/dev/null/home"}, {"XDG_CONFIG_HOME", ""}, {"XDG_DATA_HOME", ""},
-            {"XDG_CACHE_HOME", ""}, {"XDG_STATE_HOME", ""}},
-        {{"HOME", "/proc"}, {"XDG_CONFIG_HOME", "/proc"}, {"XDG_CACHE_HOME", "/proc"},
-            {"XDG_STATE_HOME", "/proc"}, {"XDG_DATA_HOME", "/proc"}},
-        {{"HOME", ""}}, // the folders stay, or the bar would write into those of whoever tests
-        {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null/bus"}},
-        {{"FONTCONFIG_FILE", server.folder() / "no-fonts.conf"}},
-        {{"LC_ALL", "C"}, {"LANG", ""}},
-        {{"LC_ALL", "xx_YY.NO-SUCH-CHARSET"}, {"LANGUAGE", "xx"}},
-        {{"CHARSET", "ISO-8859-1"}, {"LC_ALL", "C"}}, // the former is GLib's own word for it
-        {{"PATH", "/dev/null"}},
+    const std::vector<Circumstance> circumstances{
+        {{}},
+        {{{"HOME", "/dev/null/home"}, {"XDG_CONFIG_HOME", ""}, {"XDG_DATA_HOME", ""},
+             {"XDG_CACHE_HOME", ""}, {"XDG_STATE_HOME", ""}},
+            false, false},
+        {{{"HOME", "/proc"}, {"XDG_CONFIG_HOME", "/proc"}, {"XDG_CACHE_HOME", "/proc"},
+             {"XDG_STATE_HOME", "/proc"}, {"XDG_DATA_HOME", "/proc"}},
+            false, false},
+        {{{"HOME", ""}}}, // the folders stay, or the bar would write into those of whoever tests
+        {{{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null/bus"}}},
+        {{{"FONTCONFIG_FILE", server.folder() / "no-fonts.conf"}}, true, false},
+        {{{"LC_ALL", "C"}, {"LANG", ""}}},
+        {{{"LC_ALL", "xx_YY.NO-SUCH-CHARSET"}, {"LANGUAGE", "xx"}}},
+        {{{"CHARSET", "ISO-8859-1"}, {"LC_ALL", "C"}}}, // the former is GLib's own word for it
+        {{{"PATH", "/dev/null"}}},
     };
-    for (const auto& changes : circumstances) {
-        SCOPED_TRACE(changes.begin()->first + '=' + changes.begin()->second);
+    const auto chipOf
+        = [&](const Bar& bar) { return desktop.picture(bar.state().chipFrame(window)); };
+    std::string usual;
+    for (const auto& [changes, keepsSettings, drawsAlike] : circumstances) {
+        SCOPED_TRACE(changes.empty() ? "" : changes.begin()->first + '=' + changes.begin()->second);
         Bar bar(server, {}, changes);
         ASSERT_TRUE(bar.appears());
         EXPECT_TRUE(shows(bar, window, title));
+        if (changes.empty()) {
+            EXPECT_TRUE(settles(bar));
+            usual = chipOf(bar);
+        }
+        EXPECT_TRUE(!drawsAlike || eventually([&] { return chipOf(bar) == usual; }));
+        const auto set = run({"--set", "showOnAllDisplays=true"});
+        EXPECT_EQ(set.status, keepsSettings ? 0 : 1) << set.error;
+    }
+}
+
+// Faults: anything that waits for a time of day, or takes one for another of the past.
+TEST_F(HostileEnvironment, withAClockThatJumpsLeavesTheBarAtWork)
+{
+    if (kIsSanitized)
+        GTEST_SKIP() << "what deceives about the time cannot be loaded before a sanitizer";
+    const auto now = server.folder() / "now";
+    const auto setClock = [&](const std::string& offset) {
+        std::ofstream(now) << offset << '\n';
+        const Outputs year{server.folder() / "year", {}};
+        Process{{"date", "+%Y"}, deceived, year}.waitForEnd();
+        return std::stoi(readFile(year.output));
+    };
+    for (const auto& folder : std::filesystem::directory_iterator{"/usr/lib"}) {
+        const auto library = folder.path() / "faketime/libfaketimeMT.so.1";
+        if (std::filesystem::exists(library))
+            deceived = {{"LD_PRELOAD", library}, {"FAKETIME_TIMESTAMP_FILE", now},
+                {"FAKETIME_NO_CACHE", "1"}, {"DONT_FAKE_MONOTONIC", "1"}};
+    }
+    const auto today = setClock("+0");
+    Bar bar(server, {}, deceived);
+    ASSERT_TRUE(bar.appears());
+    EXPECT_NE(readFile("/proc/" + std::to_string(bar.process().pid()) + "/maps").find("faketime"),
+        std::string::npos);
+    for (const auto* offset : {"+20y", "-20y", "+0"}) {
+        SCOPED_TRACE(offset);
+        EXPECT_EQ(setClock(offset) != today, std::string_view{offset} != "+0");
+        const auto window = client.open({.title = "before"});
+        EXPECT_TRUE(shows(bar, window, "before"));
+        client.setTitle(window, "after");
+        EXPECT_TRUE(shows(bar, window, "after"));
+        client.destroy(window);
+        EXPECT_TRUE(eventually([&] { return !bar.state().chipOf(window); }));
     }
 }
 
 // Faults: a settings file cut short by a disk that is full; a bar that ends over it, or says
-// nothing.
+// nothing; an icon that is not shown because it cannot be kept.
 TEST_F(HostileEnvironment, ofAFullDiskLosesNoSettings)
 {
     const auto folder = server.settingsFile().parent_path();
@@ -96,18 +154,30 @@ TEST_F(HostileEnvironment, ofAFullDiskLosesNoSettings)
     if (Process{attempt, server.environment(), {}}.waitForEnd() != 0)
         GTEST_SKIP() << "nobody may mount a disk here";
     const auto before = readFile(server.settingsFile());
-    // A disk of its own, which nobody else sees, with the settings on it and no byte more.
-    const std::string commands = "cp -r '" + folder.string() + "' '" + folder.string()
-        + ".kept' && mount -t tmpfs -o size=8k none '" + folder.string() + "' && cp '"
-        + folder.string() + ".kept/settings.json' '" + folder.string() + "/' && { cat /dev/zero > '"
-        + folder.string() + "/rest' 2>/dev/null; exec '" QUORVEL_PROGRAM "'; }";
+    const auto drawing = server.folder() / "red.svg";
+    std::ofstream(drawing) << "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'>"
+                              "<rect width='9' height='9' fill='#f00'/></svg>";
+    server.addApplication("red", "Red", "Exec=red\nIcon=" + drawing.string());
+    const auto window = client.open({.title = "any", .applicationClass = "red"});
+    // Disks of its own, which nobody else sees: one with the settings and no byte more.
+    std::ofstream(server.folder() / "start") << R"(
+fill() { mount -t tmpfs -o size=8k none "$1" && cp -r "$2/." "$1/" && ! cat /dev/zero 2>/dev/null > "$1/rest"; }
+cp -r "$XDG_CONFIG_HOME" "$HOME/kept" && mkdir "$HOME/nothing" && fill "$XDG_CONFIG_HOME" "$HOME/kept" &&
+fill "$XDG_STATE_HOME" "$HOME/nothing" && fill "$XDG_CACHE_HOME" "$HOME/nothing" && exec "$1"
+)";
     const Outputs outputs{{}, server.folder() / "full.log"};
     auto start = inNamespace;
-    start.insert(start.end(), {"sh", "-c", commands});
+    start.insert(start.end(), {"sh", (server.folder() / "start").string(), QUORVEL_PROGRAM});
     Process bar(start, server.environment(), outputs);
     const auto answers = [&] { return run({"--state"}).status == 0; };
     const auto log = [&] { return readFile(outputs.error); };
     ASSERT_TRUE(eventually(answers)) << log();
+    EXPECT_TRUE(eventually([&] {
+        const auto state = State::parse(run({"--state"}).output);
+        return state.chipOf(window)
+            && desktop.picture(state.chipFrame(window)).find(std::string{"\0\0\xff", 3})
+            != std::string::npos;
+    })) << log();
     const auto set = run({"--set", "showChipTitles=false"});
     EXPECT_EQ(set.status, 1);
     EXPECT_NE(set.error.find("cannot be written"), std::string::npos) << set.error;
@@ -118,6 +188,7 @@ TEST_F(HostileEnvironment, ofAFullDiskLosesNoSettings)
         before);
     EXPECT_EQ(run({"--quit"}).status, 0);
     EXPECT_EQ(bar.waitForEnd(), 0) << log();
+    EXPECT_NE(log().find("order.json cannot be written"), std::string::npos) << log();
 }
 
 // Faults: a bar that outlives its display, ends with a crash, or leaves its address behind.
@@ -204,6 +275,13 @@ TEST_F(HostileEnvironment, ofAFloodOfTitlesAndRequestsLeavesTheBarFree)
     }
     client.setTitle(quiet, "still seen");
     EXPECT_TRUE(shows(bar, quiet, "still seen"));
+    // And others with good questions, without a pause.
+    ClientProcess questions(server, [&](Client&, char) {
+        const posix::ControlAddress bars{{}, path};
+        while (!isOver.isSet())
+            (void)posix::requestOfBar(bars, {"--state"}, std::chrono::milliseconds{100});
+    });
+    questions.order('q');
     // A click would wait for the window manager, which falls behind.
     const auto chip = bar.state().chipFrame(quiet);
     const auto atRest = desktop.picture(chip);
@@ -211,6 +289,7 @@ TEST_F(HostileEnvironment, ofAFloodOfTitlesAndRequestsLeavesTheBarFree)
     EXPECT_TRUE(eventually([&] { return desktop.picture(chip) != atRest; }));
     isOver.set();
     ASSERT_TRUE(flood.finish());
+    ASSERT_TRUE(questions.finish());
     for (const int connection : connections)
         ::close(connection);
     EXPECT_TRUE(eventually([&] {
