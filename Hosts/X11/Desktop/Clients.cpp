@@ -72,8 +72,7 @@ bool Clients::handle(const xcb_generic_event_t* event)
 /// A frame that stays where it is comes to the front, or lets another pass.
 bool Clients::isOnlyRestacked(const xcb_configure_notify_event_t& change)
 {
-    auto framed = m_clientByTopLevel.find(change.window);
-    auto* client = framed == m_clientByTopLevel.end() ? nullptr : find(framed->second);
+    auto* client = findIn(change.window);
     if (!client || client->topLevel != change.window || change.event != change.window)
         return false;
     Rect place{double(change.x), double(change.y), double(change.width), double(change.height)};
