@@ -81,10 +81,11 @@ void OrderFile::write()
 
 void OrderFile::writeLastChange()
 {
-    if (m_queue)
-        m_queue->sync([] { }); // what is being written must not come after this
+    const bool isBeingWritten = static_cast<bool>(m_queue);
+    if (isBeingWritten)
+        m_queue->sync([] { }); // it must not come after this, and nobody hears any more how it went
     m_queue.reset();
-    if (!m_writing.isPending())
+    if (!isBeingWritten && !m_writing.isPending())
         return;
     m_writing = {};
     didWrite(writeOrder(m_files, m_path, m_makeOrder()));

@@ -314,11 +314,19 @@ struct DrawnTitle {
     int width = 0; ///< pixels
 };
 
+/// In the language that the locale C comes to.
+PangoContextHandle pangoContext()
+{
+    PangoContextHandle context{pango_font_map_create_context(pango_cairo_font_map_get_default())};
+    pango_context_set_language(context.get(), pango_language_from_string("en"));
+    return context;
+}
+
 /// What Pango draws by itself, in a box from the left end of the paper.
 void drawWithPango(Paper& paper, const DrawnTitle& title, double height)
 {
     auto& style = title.style;
-    PangoContextHandle context{pango_font_map_create_context(pango_cairo_font_map_get_default())};
+    auto context = pangoContext();
     PangoLayoutHandle layout{pango_layout_new(context.get())};
     PangoFontHandle font{pango_font_description_from_string(
         style.weight == FontWeight::semibold ? "Sans Semi-Bold" : "Sans")};
@@ -355,7 +363,7 @@ TEST(CairoCanvas, aTitleIsCutOffWherePangoCutsIt)
         for (DrawnTitle title; auto& text :
             {"Document 12 - App 3", "office: fi ffl AV To", "e\u0301te\u0301 a\u0323\u0308x",
                 "Письмо от друга", "a b  c   d", "iiiiiiiiiiiiiiiiiiii", "日本語のタイトル",
-                "mail 日本 mail", "שלום עולם mail", "mail שלום עולם",
+                "mail 日本 mail", "שלום עולם mail", "mail שלום עולם", "\u202B\u202Chello there",
                 "😀 party 👩‍👩‍👧 time", "12:30 — 99 %", "नमस्ते दुनिया", "x"}) {
             for (auto& style : styles) {
                 for (int width = 1; width < 150 * scale; width += 13) {
@@ -373,11 +381,11 @@ TEST(CairoCanvas, aTitleIsCutOffWherePangoCutsIt)
 
 TEST(TextShaper, aLineIsAsHighAsPangoSays)
 {
-    PangoContextHandle context{pango_font_map_create_context(pango_cairo_font_map_get_default())};
+    auto context = pangoContext();
     TextShaper shaper;
-    for (auto* family : {"Sans", "Monospace"}) {
+    for (auto* family : {"Sans", "Serif", "Monospace"}) {
         shaper.setFont(family);
-        for (double size : {9.0, 12.0, 13.5, 40.0}) {
+        for (double size = 8; size < 48; size += 0.25) {
             PangoFontHandle font{pango_font_description_from_string(family)};
             pango_font_description_set_absolute_size(font.get(), size * PANGO_SCALE);
             auto* expected = pango_context_get_metrics(context.get(), font.get(), nullptr);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <utility>
 
+#include <hb.h>
 #include <pango/pangocairo.h>
 
 #include "Hosts/Linux/Drawing/DisplayText.h"
@@ -16,7 +17,6 @@ namespace {
 constexpr std::size_t kLongestMeasuredText = 1000;
 constexpr std::size_t kMostFonts = 24;
 constexpr const char* kAnyFamily = "Sans";
-constexpr const char* kUsualLanguage = "en";
 /// Narrower than any letter is on average, in parts of the font's size.
 constexpr double kNarrowestLetter = 0.2;
 constexpr std::size_t kSpareLetters = 32;
@@ -34,6 +34,15 @@ PangoWeight pangoWeight(FontWeight weight)
     return PANGO_WEIGHT_NORMAL;
 }
 
+/// The one in the locale C is none: Pango would find fonts for it, and for each text those of the
+/// language that its script suggests.
+PangoLanguage* userLanguage()
+{
+    auto* language = pango_language_get_default();
+    std::string_view name = pango_language_to_string(language);
+    return name == "c" || name == "posix" ? pango_language_from_string("en") : language;
+}
+
 /// Of the fonts that Pango takes for the user's language, as pango_context_get_metrics tells them.
 /// That also lays a sample out to learn how wide letters are, which takes a tenth of the way to the
 /// first title.
@@ -42,20 +51,20 @@ LineMetrics lineMetrics(PangoContext* context, const PangoFontDescription* descr
     auto* language = pango_context_get_language(context);
     GObjectHandle<PangoFontset> fonts{pango_font_map_load_fontset(
         pango_context_get_font_map(context), context, description, language)};
-    LineMetrics line;
+    int ascent = 0;
+    int descent = 0;
     const char* sample = pango_language_get_sample_string(language);
     for (; fonts && *sample; sample = g_utf8_next_char(sample)) {
         GObjectHandle<PangoFont> font{pango_fontset_get_font(fonts.get(), g_utf8_get_char(sample))};
-        auto* scaled
-            = font ? pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(font.get())) : nullptr;
-        if (!scaled)
-            continue;
-        cairo_font_extents_t extents{};
-        cairo_scaled_font_extents(scaled, &extents);
-        line.ascent = std::max(line.ascent, extents.ascent);
-        line.descent = std::max(line.descent, extents.descent);
+        hb_font_extents_t extents{};
+        if (font)
+            hb_font_get_extents_for_direction(
+                pango_font_get_hb_font(font.get()), HB_DIRECTION_LTR, &extents);
+        ascent = std::max(ascent, extents.ascender);
+        descent = std::max(descent, -extents.descender);
     }
-    return line;
+    return {static_cast<double>(PANGO_PIXELS_CEIL(ascent)),
+        static_cast<double>(PANGO_PIXELS_CEIL(descent))};
 }
 
 constexpr int kNoLimit = -1;
@@ -130,11 +139,7 @@ TextShaper::TextShaper()
 {
     pango_layout_set_single_paragraph_mode(m_layout.get(), true);
     pango_layout_set_auto_dir(m_layout.get(), true);
-    // Of a language that Pango knows nothing of, as in the locale C, it finds the fonts, and for
-    // each text those of the language that its script suggests.
-    int scripts = 0;
-    if (!pango_language_get_scripts(pango_context_get_language(m_context.get()), &scripts))
-        pango_context_set_language(m_context.get(), pango_language_from_string(kUsualLanguage));
+    pango_context_set_language(m_context.get(), userLanguage());
 }
 
 void TextShaper::beginReadingFonts()
