@@ -13,22 +13,14 @@ constexpr std::size_t kMostLines = 128;
 /// Nothing longer is kept: it would take ten times as much.
 constexpr int kMostGlyphs = 256;
 
-/// Changes the direction without being seen.
-bool isDirectionMark(gunichar character)
-{
-    return (character >= 0x202A && character <= 0x202E)
-        || (character >= 0x2066 && character <= 0x2069);
-}
-
-/// Wide letters have another ellipsis.
-bool isPlain(std::string_view utf8)
+/// Whose ellipsis is another one.
+bool hasWideLetter(std::string_view utf8)
 {
     for (auto* at = utf8.data(); at < utf8.data() + utf8.size(); at = g_utf8_next_char(at)) {
-        auto character = g_utf8_get_char(at);
-        if (g_unichar_iswide(character) || isDirectionMark(character))
-            return false;
+        if (g_unichar_iswide(g_utf8_get_char(at)))
+            return true;
     }
-    return true;
+    return false;
 }
 
 void freeItems(GList* items)
@@ -69,7 +61,7 @@ GlyphRun::GlyphRun(GObjectHandle<PangoFont> font_, PangoGlyphs glyphs_)
 
 std::optional<GlyphLine> GlyphLine::of(std::string_view text, PangoContext* context)
 {
-    if (!isPlain(text))
+    if (hasWideLetter(text))
         return std::nullopt;
     auto items = onlyItem(text, context);
     if (!items)
