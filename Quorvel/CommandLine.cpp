@@ -126,9 +126,10 @@ std::variant<CommandLine, ControlReply> CommandLine::parse(
             line.traceFile = "";
         } else if (argument.starts_with(traceTo) && argument.size() > traceTo.size()) {
             line.traceFile = argument.substr(traceTo.size());
-        } else if (argument.starts_with(showGate)
-            && (line.permissionsRehearsal = granted(argument.substr(showGate.size())))) {
-            continue;
+        } else if (auto rehearsal = argument.starts_with(showGate)
+                ? granted(argument.substr(showGate.size()))
+                : std::nullopt) {
+            line.permissionsRehearsal = rehearsal;
         } else if (isRequest(argument) && line.request.empty()) {
             line.action = Action::ask;
             line.request = {argument};

@@ -30,6 +30,7 @@ template <typename Enumeration, std::size_t count>
 std::vector<std::string_view> textsOf(const std::array<Enumeration, count>& values)
 {
     std::vector<std::string_view> texts;
+    texts.reserve(count);
     for (auto value : values)
         texts.push_back(rawValue(value));
     return texts;

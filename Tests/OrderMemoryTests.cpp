@@ -109,7 +109,7 @@ struct OrderMemoryTest : BarFixture {
             windows.push_back(*window);
         std::ranges::shuffle(windows, random);
         for (auto& window : windows) {
-            auto options = static_cast<OpenOptions>(window);
+            OpenOptions options = static_cast<const OpenOptions&>(window);
             options.number = window.number.value_or(raw(window.id));
             desktop.close(window.id);
             desktop.open(window.pid, options);
@@ -189,7 +189,7 @@ TEST_F(OrderMemoryTest, aWindowThatComesBackWithItsNumberComesBackToItsPlace)
     openSome();
     start();
     const auto before = shown();
-    auto options = static_cast<OpenOptions>(desktop.window(titled("draft")));
+    OpenOptions options = static_cast<const OpenOptions&>(desktop.window(titled("draft")));
     options.number = raw(titled("draft"));
     desktop.close(titled("draft"));
     settle();

@@ -22,7 +22,7 @@ TEST(Signal, subscribersMayLeaveJoinAndEmitInsideTheCall)
             [&](int inner) { calls.push_back("late " + std::to_string(inner)); });
         signal.emit(2);
     });
-    second = signal.subscribe([&](int) { calls.push_back("second"); });
+    second = signal.subscribe([&](int) { calls.emplace_back("second"); });
 
     signal.emit(1);
 

@@ -147,7 +147,9 @@ std::optional<WindowID> AXCalls::windowID(ProcessID pid, const AXElement& elemen
     if (WindowID id{}; m_axGetWindow && m_axGetWindow(element, id) == AXError::success)
         return id;
     auto number = read<double>(pid, element, ax::windowNumber);
-    if (!number || !(*number >= 0 && *number <= 4294967295.0))
+    const bool isOne
+        = number && *number >= 0 && *number <= 4294967295.0; // not so if it is no number
+    if (!isOne)
         return {};
     return WindowID{static_cast<std::uint32_t>(*number)};
 }

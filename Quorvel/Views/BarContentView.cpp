@@ -229,7 +229,7 @@ void BarContentView::connectRow()
     m_row->onChip.dropped
         = [this](const ChipView& chip, Point pointer) { return chipDropped(chip, pointer); };
     m_row->onChip.dragEnded = [this] { setDropTarget(nullptr); };
-    m_row->onChip.moved = [this](const std::string& id, std::optional<std::string> before) {
+    m_row->onChip.moved = [this](const std::string& id, const std::optional<std::string>& before) {
         m_inputs.viewModel.moveChip(id, before, m_inputs.spaceID);
     };
     connectPins();

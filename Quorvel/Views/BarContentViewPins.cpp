@@ -23,7 +23,7 @@ void BarContentView::connectPins()
         auto& id = pin.pin().bundleID;
         openMenu(pinMenu(id, menuContext()), pin.frameInRoot(), id);
     };
-    m_row->onPin.filesDropped = [this](const PinView& pin, std::vector<std::string> paths) {
+    m_row->onPin.filesDropped = [this](const PinView& pin, const std::vector<std::string>& paths) {
         if (auto url = m_inputs.platform.workspace.applicationURL(pin.pin().bundleID))
             m_inputs.platform.workspace.openFiles(paths, *url);
     };

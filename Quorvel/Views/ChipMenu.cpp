@@ -336,6 +336,7 @@ Menu pinMenu(const std::string& bundleID, const ChipMenuContext& context)
     separate(menu);
     addFetchEntry(menu, windows, context);
     std::vector<WindowID> ids;
+    ids.reserve(windows.size());
     for (auto& window : windows)
         ids.push_back(window.chip.id);
     menu.push_back(entry(ids.size() > 1 ? tr("Close All") : tr("Close"), context.viewModel,

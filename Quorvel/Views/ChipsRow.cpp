@@ -491,6 +491,7 @@ void ChipsRow::reveal(const View& view)
 std::vector<RowItem*> ChipsRow::itemsInOrder() const
 {
     std::vector<RowItem*> items;
+    items.reserve(m_pinOrder.size() + m_slots.slots().size());
     for (auto& pin : m_pinOrder)
         items.push_back(item(shownFor(pin)));
     for (auto& id : m_slots.slots()) {

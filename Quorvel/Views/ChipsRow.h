@@ -178,7 +178,7 @@ private:
     void showDragTarget(const DragMove&);
     void chipDragEnded(const ChipView&);
     void abandonDrag();
-    void animateTo(std::map<std::string, double> targets, Duration);
+    void animateTo(const std::map<std::string, double>& targets, Duration);
 
     const Palette& m_palette;
     BarMetrics m_metrics;

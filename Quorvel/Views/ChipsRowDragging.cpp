@@ -142,7 +142,7 @@ void ChipsRow::endDrag(RowItem& lifted, DragPhase phase)
         if (m_places.contains(id))
             targets[id] = m_places.at(id);
     }
-    animateTo(std::move(targets), kFallIntoPlace);
+    animateTo(targets, kFallIntoPlace);
 }
 
 bool ChipsRow::dropElsewhere(const ReorderDrag& drag)
@@ -224,7 +224,7 @@ void ChipsRow::abandonDrag()
         onChip.dragEnded();
 }
 
-void ChipsRow::animateTo(std::map<std::string, double> targets, Duration length)
+void ChipsRow::animateTo(const std::map<std::string, double>& targets, Duration length)
 {
     std::map<std::string, std::pair<double, double>> ways;
     for (auto& [id, to] : targets) {

@@ -82,9 +82,10 @@ std::optional<std::string> nextPinnedAppIDAfterVisibleEnd(const std::string& dra
     if (others.empty())
         return {};
     auto last = std::find(fullList.begin(), fullList.end(), others.back());
-    if (last == fullList.end() || ++last == fullList.end())
+    if (last == fullList.end())
         return {};
-    return *last;
+    auto following = std::next(last);
+    return following == fullList.end() ? std::nullopt : std::optional{*following};
 }
 
 }

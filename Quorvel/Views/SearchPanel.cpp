@@ -113,7 +113,10 @@ void SearchPanel::popUp(Menu menu, const Rect& anchor)
 
 void SearchPanel::menuClosed(MenuEnding ending)
 {
-    if (m_openMenus == 0 || --m_openMenus > 0)
+    if (m_openMenus == 0)
+        return;
+    --m_openMenus;
+    if (m_openMenus > 0)
         return;
     if (ending == MenuEnding::dismissed && isOutside(m_platform.displays.pointerLocation()))
         requestDismiss();

@@ -86,9 +86,9 @@ TextStyle ThumbnailCard::titleStyle()
     return style;
 }
 
-void ThumbnailCard::setTitleLines(std::vector<std::string> lines)
+void ThumbnailCard::setTitleLines(const std::vector<std::string>& lines)
 {
-    set(m_titleLines, std::move(lines));
+    set(m_titleLines, lines);
 }
 
 double ThumbnailCard::headerHeight() const

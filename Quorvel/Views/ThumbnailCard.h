@@ -26,7 +26,7 @@ public:
     void setChip(const ChipData& chip) { set(m_chip, chip); }
     void setPicture(std::optional<WindowPicture>);
     /// The title in several lines; empty: it stands in one.
-    void setTitleLines(std::vector<std::string>);
+    void setTitleLines(const std::vector<std::string>&);
     void setRightToLeft(bool);
     Rect closeButtonFrame() const;
 

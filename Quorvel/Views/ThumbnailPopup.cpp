@@ -254,6 +254,7 @@ void ThumbnailPopup::askForPicture(ShownCard& shown)
 void ThumbnailPopup::followWindows()
 {
     std::vector<WindowID> windows;
+    windows.reserve(m_cards.size());
     for (auto& shown : m_cards)
         windows.push_back(shown.card->chip().id);
     m_following = m_inputs.thumbnailService.follow(windows, PictureSize::popup,
@@ -389,6 +390,7 @@ ThumbnailPopup::CardPlace ThumbnailPopup::placeOf(const ThumbnailCard& card) con
 std::vector<ThumbnailPopup::CardPlace> ThumbnailPopup::cardPlaces() const
 {
     std::vector<CardPlace> places;
+    places.reserve(m_cards.size());
     for (auto& shown : m_cards)
         places.push_back(placeOf(*shown.card));
     return places;

@@ -71,14 +71,13 @@ ThumbnailPopupLayout ThumbnailPopupLayout::of(
     layout.hiddenCount = windowCount - shown;
     auto inner = cardsSize(columns, rows, card);
     for (std::size_t index = 0; index < shown; ++index) {
-        auto column = static_cast<double>(index % columns);
-        auto row = static_cast<double>(index / columns);
-        double x = column * (card.width + ThumbnailPopupPlaces::spacing);
+        const std::size_t column = index % columns;
+        const std::size_t row = index / columns;
+        double x = static_cast<double>(column) * (card.width + ThumbnailPopupPlaces::spacing);
+        double y = static_cast<double>(row) * (card.height + ThumbnailPopupPlaces::spacing);
         if (isRightToLeft)
             x = inner.width - x - card.width;
-        layout.cards.push_back(
-            {kPadding + x, kPadding + row * (card.height + ThumbnailPopupPlaces::spacing),
-                card.width, card.height});
+        layout.cards.push_back({kPadding + x, kPadding + y, card.width, card.height});
     }
     Size whole{inner.width + 2 * kPadding,
         inner.height + 2 * kPadding + (layout.hiddenCount > 0 ? kMoreHeight : 0) + kArrowHeight};

@@ -84,12 +84,19 @@ void ShortcutRow::startRecording()
     refresh();
 }
 
-void ShortcutRow::endUse()
+void ShortcutRow::stopRecording()
 {
     if (!m_recording)
         return;
     m_recording.reset();
     m_outlets.setRecording(false);
+}
+
+void ShortcutRow::endUse()
+{
+    if (!m_recording)
+        return;
+    stopRecording();
     refresh();
 }
 

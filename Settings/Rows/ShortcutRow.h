@@ -13,7 +13,7 @@ namespace quorvel::settings {
 class ShortcutRow final : public ActionRow {
 public:
     ShortcutRow(const SettingsRow&, const RowOutlets&);
-    ~ShortcutRow() override { endUse(); }
+    ~ShortcutRow() override { stopRecording(); }
 
     void show(const SettingsRow&) override;
     bool isInUse() const override { return m_recording != nullptr; }
@@ -22,6 +22,7 @@ public:
 private:
     void toggleRecording();
     void startRecording();
+    void stopRecording();
     void record(std::optional<SettingsShortcut::Keys>);
     std::string valueText() const;
     void refresh();

@@ -140,8 +140,7 @@ protected:
     static void onDescendant(AtkObject*, AtkObject* child, gpointer log)
     {
         static_cast<std::vector<std::string>*>(log)->emplace_back(
-            static_cast<AtkObjectClass*>(static_cast<void*>(G_OBJECT_GET_CLASS(child)))
-                ->get_name(child));
+            reinterpret_cast<AtkObjectClass*>(G_OBJECT_GET_CLASS(child))->get_name(child));
     }
     static void onState(AtkObject*, const char* state, gboolean isOn, gpointer log)
     {

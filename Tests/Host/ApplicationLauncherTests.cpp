@@ -50,6 +50,8 @@ protected:
         install("probe", kProbe);
         launcher.emplace([this](const std::string& file) { failed.push_back(file); });
     }
+
+public:
     ~ApplicationLauncherTest() override
     {
         for (auto& report : std::filesystem::directory_iterator{installed.path("started")})
@@ -58,6 +60,7 @@ protected:
         ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
     }
 
+protected:
     std::string install(const std::string& program, std::string_view script)
     {
         auto file = installed.write("bin/" + program, script);

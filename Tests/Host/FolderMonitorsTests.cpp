@@ -111,7 +111,7 @@ TEST_F(FolderMonitorsTest, looksAnewWhenTheKernelHasDroppedEvents)
                                   }};
     // A folder's going would have some file systems write to the disk each time.
     const std::string names[] = {folder + "/low", folder + "/high"};
-    std::ofstream{names[0]};
+    std::ofstream{names[0]}.close();
     for (int event = 0; event <= most; event += 4) {
         fs::rename(names[0], names[1]);
         fs::rename(names[1], names[0]);

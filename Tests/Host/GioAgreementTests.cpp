@@ -45,6 +45,8 @@ protected:
         ::chmod(installed.write("bin/here", "#!/bin/sh\n").c_str(), 0700);
         installed.write("bin/not-executable", "#!/bin/sh\n");
     }
+
+public:
     ~GioAgreement() override
     {
         ::setenv("PATH", searchPath.c_str(), 1);
@@ -52,6 +54,7 @@ protected:
             ::unsetenv(name);
     }
 
+protected:
     const std::string searchPath = std::getenv("PATH");
     test::InstalledApplications installed;
 };

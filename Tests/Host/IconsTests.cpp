@@ -185,7 +185,7 @@ TEST_F(IconFiles, hostileFilesGiveNoPictureAndTheNextBestFileIsTaken)
 
 TEST_F(IconFiles, drawsOnceForEachSizeAndKeepsAFew)
 {
-    const auto path = png("system/pixmaps/star.png", 64, kRed);
+    png("system/pixmaps/star.png", 64, kRed);
     const auto star = iconNamed("star");
     EXPECT_EQ(iconNamed("star"), star) << "the same picture is the same handle";
     ASSERT_EQ(middle(star, 16), kRed);

@@ -91,7 +91,7 @@ TEST_F(SettingsFileTest, aKillAtAnyMomentLosesNoFinishedSave)
     UserSettingsData data;
     for (int i = 0; i < 400; ++i) // large enough to be killed in
         data.pinnedApps.push_back({"com.example.application-" + std::to_string(i), 3});
-    files->createFolder(path("Quorvel"));
+    ASSERT_FALSE(files->createFolder(path("Quorvel")));
     ASSERT_FALSE(files->writeAtomically(path("Quorvel/settings.json"), encodeUserSettings(data)));
 
     const auto seed = test::seed();
@@ -146,7 +146,7 @@ TEST_F(SettingsFileTest, aFailedWriteLeavesTheOldFile)
 
 TEST_F(SettingsFileTest, aLinkIsFollowedAndPermissionsAreKept)
 {
-    files->createFolder(path("dotfiles"));
+    ASSERT_FALSE(files->createFolder(path("dotfiles")));
     std::ofstream(path("dotfiles/settings")) << "old";
     fs::permissions(path("dotfiles/settings"), fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink(path("dotfiles/settings"), path("settings.json"));
@@ -209,7 +209,7 @@ TEST_F(SettingsFileTest, onlyRegularFilesWithinTheLimitAreReadAndNothingIsReplac
     EXPECT_EQ(text("kept"), "12345");
     EXPECT_FALSE(files->exists(path("file")));
     EXPECT_EQ(files->rename(path("file"), path("other")), std::errc::no_such_file_or_directory);
-    files->createFolder(path("folder"));
+    ASSERT_FALSE(files->createFolder(path("folder")));
     EXPECT_EQ(files->rename(path("folder"), path("kept")), std::errc::file_exists);
     EXPECT_FALSE(files->rename(path("folder"), path("moved")));
     EXPECT_FALSE(files->remove(path("kept")));

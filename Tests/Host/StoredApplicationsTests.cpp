@@ -33,12 +33,15 @@ protected:
         ::setenv("XDG_CURRENT_DESKTOP", "X-Test", 1);
         ::chmod(installed.write("bin/tool", "#!/bin/sh\n").c_str(), 0700);
     }
+
+public:
     ~StoredApplicationsTest() override
     {
         ::setenv("PATH", searchPath.c_str(), 1);
         ::unsetenv("XDG_CURRENT_DESKTOP");
     }
 
+protected:
     std::vector<std::string> discovered()
     {
         const DesktopEntries entries{dispatch};

@@ -22,12 +22,15 @@ protected:
         std::ofstream(server.settingsFile()) << R"({"groupWindowsByApp": false, "pinnedApps":
             [{"id": "launched", "d": 1}, {"id": "broken", "d": 1}]})";
     }
+
+public:
     ~Launches() override
     {
         if (process > 0)
             ::kill(process, SIGKILL);
     }
 
+protected:
     void clickPin(const Bar& bar, const std::string& id)
     {
         const auto pins = bar.state().panel().pins;

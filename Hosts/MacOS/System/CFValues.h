@@ -43,7 +43,7 @@ template <typename Visitor> void forEachIn(CFArrayRef array, Visitor visit)
 {
     const CFIndex count = CFArrayGetCount(array);
     for (CFIndex index = 0; index < count; ++index)
-        visit(static_cast<CFTypeRef>(CFArrayGetValueAtIndex(array, index)));
+        visit(CFArrayGetValueAtIndex(array, index));
 }
 
 }

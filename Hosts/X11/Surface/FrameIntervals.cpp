@@ -33,6 +33,7 @@ std::optional<xcb_randr_mode_t> modeAt(xcb_connection_t* raw,
 {
     auto* crtcs = xcb_randr_get_screen_resources_current_crtcs(resources);
     std::vector<xcb_randr_get_crtc_info_cookie_t> asked;
+    asked.reserve(resources->num_crtcs);
     for (int i = 0; i < resources->num_crtcs; ++i)
         asked.push_back(xcb_randr_get_crtc_info(raw, crtcs[i], resources->config_timestamp));
     std::optional<xcb_randr_mode_t> mode;

@@ -8,8 +8,9 @@ namespace quorvel {
 
 void LabelView::setText(std::string utf8)
 {
-    if (std::exchange(m_text, utf8) == utf8)
+    if (m_text == utf8)
         return;
+    m_text = std::move(utf8);
     layout();
     invalidate();
 }

@@ -383,6 +383,7 @@ ListRowView* ListView::rowView(Row row) const
 std::vector<ListView::Row> ListView::rowsWithViews() const
 {
     std::vector<Row> rows;
+    rows.reserve(m_shown.size());
     for (auto& [row, shown] : m_shown)
         rows.push_back(row);
     return rows;

@@ -29,9 +29,9 @@ PushButton::PushButton(const Text& text, const Palette& palette, Kind kind, std:
 {
 }
 
-void PushButton::setTitle(std::string title)
+void PushButton::setTitle(const std::string& title)
 {
-    set(m_title, std::move(title));
+    set(m_title, title);
 }
 
 void PushButton::setEnabled(bool isEnabled)

@@ -21,7 +21,7 @@ public:
     /// Text and palette outlive it.
     PushButton(const Text&, const Palette&, Kind, std::string id);
 
-    void setTitle(std::string);
+    void setTitle(const std::string&);
     const std::string& title() const { return m_title; }
     void setEnabled(bool);
     bool isEnabled() const { return m_isEnabled; }

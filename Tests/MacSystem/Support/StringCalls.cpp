@@ -146,7 +146,7 @@ CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding, UI
         static_cast<std::size_t>(range.location), static_cast<std::size_t>(range.length));
     const auto bytes = encode(units, static_cast<char>(lossByte));
     if (buffer)
-        std::memcpy(buffer, bytes.data(), std::min(bytes.size(), static_cast<std::size_t>(size)));
+        std::copy_n(bytes.data(), std::min(bytes.size(), static_cast<std::size_t>(size)), buffer);
     if (used)
         *used = static_cast<CFIndex>(bytes.size());
     return range.length;
