@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 
 #include "Tests/X11/Support/Eventually.h"
 
@@ -41,6 +42,16 @@ WindowManager::WindowManager(const XServer& server, Desktop& desktop, ManagerKin
 {
     beginStart();
     waitUntilManaging();
+}
+
+WindowManager::~WindowManager()
+{
+    if (!testing::Test::HasFailure())
+        return;
+    const auto folder = "/proc/" + std::to_string(m_process->pid()) + "/";
+    std::cout << nameOf(m_kind) << (m_process->isRunning() ? " runs" : " has ended") << ", in "
+              << readFile(folder + "wchan") << ", system call " << readFile(folder + "syscall")
+              << readFile(m_server.folder() / "manager.log") << '\n';
 }
 
 bool WindowManager::isManaging()

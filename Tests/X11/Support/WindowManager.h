@@ -18,6 +18,11 @@ class WindowManager {
 public:
     /// Returns once it manages the desktop.
     WindowManager(const XServer&, Desktop&, ManagerKind);
+    /// Of a test that failed it prints what the manager does: one that hangs looks like a fault of
+    /// ours.
+    ~WindowManager();
+    WindowManager(const WindowManager&) = delete;
+    WindowManager& operator=(const WindowManager&) = delete;
 
     bool isManaging();
     /// Ends it and returns once it has gone.
