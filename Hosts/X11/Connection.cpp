@@ -8,6 +8,13 @@
 #include <fmt/format.h>
 #include <glib-unix.h>
 #include <glib.h>
+#include <xcb/damage.h>
+#include <xcb/randr.h>
+#include <xcb/res.h>
+#include <xcb/shape.h>
+#include <xcb/shm.h>
+#include <xcb/xfixes.h>
+#include <xcb/xinput.h>
 
 #include "Hosts/Linux/GHandles.h"
 #include "Hosts/X11/Reply.h"
@@ -18,6 +25,15 @@ namespace {
 
 /// One turn hands out at most this many events, so that a flood cannot keep timers waiting.
 constexpr int kEventsPerTurn = 4096;
+
+/// Asks for what every start asks for, so that the answers come with those about the atoms and not
+/// in a round trip each.
+void askForExtensions(xcb_connection_t* connection)
+{
+    for (auto* extension : {&xcb_randr_id, &xcb_input_id, &xcb_xfixes_id, &xcb_res_id,
+             &xcb_damage_id, &xcb_shm_id, &xcb_shape_id})
+        xcb_prefetch_extension_data(connection, extension);
+}
 
 }
 
@@ -150,6 +166,7 @@ std::unique_ptr<Connection> Connection::open(std::string& problem)
         xcb_disconnect(connection);
         return nullptr;
     }
+    askForExtensions(connection);
     return std::unique_ptr<Connection>{new Connection{connection, screenNumber}};
 }
 

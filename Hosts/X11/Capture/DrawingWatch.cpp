@@ -4,7 +4,6 @@
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/EventWindow.h"
-#include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -13,11 +12,11 @@ bool DrawingWatch::hasDamage(xcb_connection_t* connection)
     const auto* extension = xcb_get_extension_data(connection, &xcb_damage_id);
     if (!extension || !extension->present)
         return false;
-    return owned(xcb_damage_query_version_reply(connection,
-               xcb_damage_query_version(
-                   connection, XCB_DAMAGE_MAJOR_VERSION, XCB_DAMAGE_MINOR_VERSION),
-               nullptr))
-        != nullptr;
+    // The server sends no events of the extension to who has not asked for its version.
+    auto cookie
+        = xcb_damage_query_version(connection, XCB_DAMAGE_MAJOR_VERSION, XCB_DAMAGE_MINOR_VERSION);
+    xcb_discard_reply(connection, cookie.sequence);
+    return true;
 }
 
 DrawingWatch::DrawingWatch(Connection& connection, Holder holder)
