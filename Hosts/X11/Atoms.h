@@ -6,6 +6,7 @@ namespace quorvel::xdg::x11 {
 
 // One line per atom: the member's name, then the server's.
 #define QUORVEL_ATOMS(X)                                                                           \
+    X(quorvelS0, "_QUORVEL_S0")                                                                    \
     X(quorvelSession, "_QUORVEL_SESSION")                                                          \
     X(quorvelFaded, "_QUORVEL_FADED")                                                              \
     X(quorvelRaised, "_QUORVEL_RAISED")                                                            \

@@ -22,6 +22,8 @@ constexpr std::chrono::milliseconds kEndLimit{5000};
 /// The bar of one screen.
 xcb_atom_t selectionOf(const Connection& connection)
 {
+    if (connection.screenNumber() == 0)
+        return connection.atoms().quorvelS0;
     const auto name = fmt::format("_QUORVEL_S{}", connection.screenNumber());
     auto* raw = connection.raw();
     auto reply = owned(xcb_intern_atom_reply(raw,
@@ -78,6 +80,36 @@ xcb_window_t makeOwner(const Connection& connection)
     return window;
 }
 
+/// Whatever clock events carry: of two that claim it at one moment the later has it.
+xcb_window_t claim(const Connection& connection, xcb_atom_t selection)
+{
+    const auto window = makeOwner(connection);
+    xcb_set_selection_owner(connection.raw(), window, selection, XCB_CURRENT_TIME);
+    return window;
+}
+
+/// None with a problem where it is not to be had.
+xcb_window_t takeOver(const Connection& connection, xcb_atom_t selection, xcb_window_t before,
+    bool replace, std::string& problem)
+{
+    auto* raw = connection.raw();
+    if (!replace && !goesWithin(raw, before, kGoneLimit)) {
+        problem = fmt::format("{} is the bar on this display; --replace takes over from it",
+            describe(connection, before));
+        return XCB_WINDOW_NONE;
+    }
+    const auto window = claim(connection, selection);
+    if (ownerOf(raw, selection) != window) {
+        problem = "another bar has come up on this display";
+        return XCB_WINDOW_NONE;
+    }
+    if (!goesWithin(raw, before, kEndLimit)) {
+        xcb_kill_client(raw, before); // stopped, or hung; its windows go with it
+        goesWithin(raw, before, kGoneLimit);
+    }
+    return window;
+}
+
 }
 
 std::unique_ptr<DisplayClaim> DisplayClaim::take(
@@ -85,23 +117,16 @@ std::unique_ptr<DisplayClaim> DisplayClaim::take(
 {
     auto* raw = connection.raw();
     const auto selection = selectionOf(connection);
+    // Nobody else claims it between the answer and what is made of it.
+    xcb_grab_server(raw);
     const auto before = ownerOf(raw, selection);
-    if (before && !replace && !goesWithin(raw, before, kGoneLimit)) {
-        problem = fmt::format("{} is the bar on this display; --replace takes over from it",
-            describe(connection, before));
+    auto window = before ? xcb_window_t{XCB_WINDOW_NONE} : claim(connection, selection);
+    xcb_ungrab_server(raw);
+    xcb_flush(raw);
+    if (before)
+        window = takeOver(connection, selection, before, replace, problem);
+    if (!window)
         return nullptr;
-    }
-    const auto window = makeOwner(connection);
-    // Of two bars that start at one moment the later takes over, whatever clock events carry.
-    xcb_set_selection_owner(raw, window, selection, XCB_CURRENT_TIME);
-    if (ownerOf(raw, selection) != window) {
-        problem = "another bar has come up on this display";
-        return nullptr;
-    }
-    if (before && !goesWithin(raw, before, kEndLimit)) {
-        xcb_kill_client(raw, before); // stopped, or hung; its windows go with it
-        goesWithin(raw, before, kGoneLimit);
-    }
     return std::unique_ptr<DisplayClaim>{new DisplayClaim{connection, window}};
 }
 
