@@ -36,7 +36,7 @@ struct DesktopServices::Parts {
         , tokens(connection)
         , windowIcons(connection, mirror.clients())
         , windowServer(model, tracker, requests, environment, windowSession(connection))
-        , displays(monitors, mirror)
+        , displays(connection, monitors, mirror)
         , workspace(model, tracker, requests, tokens, windowIcons, entries, icons)
         , matching(tracker, entries)
         , peekRequests(connection, faded, mirror.clients(), mirror.root())

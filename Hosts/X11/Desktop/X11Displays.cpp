@@ -20,8 +20,9 @@ Rect withoutStrut(const Rect& monitor, const Extents& strut, Size screen)
 
 }
 
-X11Displays::X11Displays(Monitors& monitors, Mirror& mirror)
-    : m_monitors(monitors)
+X11Displays::X11Displays(Connection& connection, Monitors& monitors, Mirror& mirror)
+    : m_pointer(connection)
+    , m_monitors(monitors)
     , m_mirror(mirror)
     , m_layout(makeLayout())
 {
@@ -102,11 +103,7 @@ std::optional<std::string> X11Displays::identifier(DisplayNumber number) const
 
 Point X11Displays::pointerLocation() const
 {
-    std::optional<Point> place;
-    {
-        std::scoped_lock lock{m_pointerMutex};
-        place = m_pointer.ask();
-    }
+    auto place = m_pointer.ask();
     std::scoped_lock lock{m_mutex};
     return place ? m_layout.coordinates.toPoints(Rect::from(*place, {})).origin() : Point{};
 }

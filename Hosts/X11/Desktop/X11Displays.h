@@ -13,7 +13,7 @@ class Mirror;
 /// The monitors as screens. Data for other threads is guarded by a lock.
 class X11Displays final : public Displays {
 public:
-    X11Displays(Monitors&, Mirror&);
+    X11Displays(Connection&, Monitors&, Mirror&);
 
     std::vector<Screen> screens() const override;
     DisplayNumber mainDisplay() const override;
@@ -34,12 +34,11 @@ private:
     Layout makeLayout();
     Rect visiblePixels(const Rect& monitor);
 
+    mutable PointerQuery m_pointer;
     Monitors& m_monitors;
     Mirror& m_mirror;
     mutable std::mutex m_mutex;
     Layout m_layout;
-    mutable std::mutex m_pointerMutex;
-    mutable PointerQuery m_pointer;
     Subscription m_monitorsChanged;
     Subscription m_reservationsChanged;
 };
