@@ -14,6 +14,7 @@
 #include "Hosts/Linux/PanelEnvironment.h"
 #include "Hosts/X11/Desktop/Mirror.h"
 #include "Hosts/X11/Desktop/PropertyIcons.h"
+#include "Hosts/X11/Desktop/RootNotes.h"
 #include "Hosts/X11/Desktop/SessionReport.h"
 #include "Hosts/X11/Desktop/StartupTokens.h"
 #include "Hosts/X11/Desktop/WindowRequests.h"
@@ -27,7 +28,8 @@ namespace quorvel::xdg::x11 {
 struct DesktopServices::Parts {
     Parts(Connection& connection, Dispatch& dispatch, Monitors& monitors,
         PanelEnvironment& environment, DesktopEntries& entries, Icons& icons)
-        : faded(connection)
+        : notes(RootNotes::read(connection))
+        , faded(connection, notes.faded)
         , observers(model)
         , tracker(dispatch, entries, model, observers)
         , mirror(connection, dispatch, monitors, environment, model, tracker)
@@ -35,11 +37,11 @@ struct DesktopServices::Parts {
         , accessibility(model, observers, requests, dispatch)
         , tokens(connection)
         , windowIcons(connection, mirror.clients())
-        , windowServer(model, tracker, requests, environment, windowSession(connection))
+        , windowServer(model, tracker, requests, environment, windowSession(connection, notes))
         , displays(connection, monitors, mirror)
         , workspace(model, tracker, requests, tokens, windowIcons, entries, icons)
         , matching(tracker, entries)
-        , peekRequests(connection, faded, mirror.clients(), mirror.root())
+        , peekRequests(connection, faded, mirror.clients(), mirror.root(), notes.raised)
         , peeking(model, peekRequests)
         , launchServices(model)
         , launcherBus(launchServices.entries(), entries,
@@ -58,6 +60,7 @@ struct DesktopServices::Parts {
             = [this](std::optional<WindowID> window) { tracker.expectFocus(window); };
     }
 
+    RootNotes notes;
     FadedWindows faded; ///< before windows are read: a bar that was killed may have left some
     SharedModel model;
     ObserverRegistry observers;

@@ -54,13 +54,9 @@ struct FadedWindows::Opacity {
     std::optional<std::uint32_t> value; ///< absent: nothing
 };
 
-FadedWindows::FadedWindows(Connection& connection) : m_connection(connection)
+FadedWindows::FadedWindows(Connection& connection, const NotedOpacities& left)
+    : m_connection(connection)
 {
-    NotedOpacities left;
-    RequestBatch batch{connection.raw()};
-    batch.property(connection.root(), connection.atoms().quorvelFaded, limits::notedOpacities,
-        [&](const RawProperty& raw) { left = decodeNotedOpacities(raw); });
-    batch.finish();
     if (left.empty())
         return;
     ServerGrab grab{connection};

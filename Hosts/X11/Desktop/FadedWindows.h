@@ -26,7 +26,7 @@ public:
     static constexpr std::uint32_t kOpacity = 0x028B57C1;
 
     /// Puts back what a bar has left that was killed.
-    explicit FadedWindows(Connection&);
+    FadedWindows(Connection&, const NotedOpacities& left);
     ~FadedWindows();
     FadedWindows(const FadedWindows&) = delete;
     FadedWindows& operator=(const FadedWindows&) = delete;

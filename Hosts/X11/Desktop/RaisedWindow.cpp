@@ -13,16 +13,12 @@
 
 namespace quorvel::xdg::x11 {
 
-RaisedWindow::RaisedWindow(Connection& connection, Clients& clients, const RootState& root)
+RaisedWindow::RaisedWindow(Connection& connection, Clients& clients, const RootState& root,
+    const std::vector<xcb_window_t>& left)
     : m_connection(connection)
     , m_clients(clients)
     , m_root(root)
 {
-    std::vector<xcb_window_t> left;
-    RequestBatch batch{connection.raw()};
-    batch.property(connection.root(), connection.atoms().quorvelRaised, 2,
-        [&](const RawProperty& raw) { left = decodeWindows(raw); });
-    batch.finish();
     if (left.size() == 2)
         stopKeepingAbove(left[0], left[1]);
 }

@@ -22,8 +22,8 @@ struct Client;
 /// the next bar, should this one be killed.
 class RaisedWindow {
 public:
-    /// All of it outlives this. Puts back what a bar has left that was killed.
-    RaisedWindow(Connection&, Clients&, const RootState&);
+    /// The first three outlive this. Puts back what a bar has left that was killed.
+    RaisedWindow(Connection&, Clients&, const RootState&, const std::vector<xcb_window_t>& left);
 
     /// The one before goes back to its place; absent: that is all.
     void set(std::optional<WindowID>);

@@ -7,7 +7,7 @@
 
 #include "Hosts/Linux/GHandles.h"
 #include "Hosts/X11/Connection.h"
-#include "Hosts/X11/Reply.h"
+#include "Hosts/X11/Desktop/RootNotes.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -24,22 +24,14 @@ bool isName(std::string_view text)
 
 }
 
-std::optional<std::string> windowSession(Connection& connection)
+std::string windowSession(Connection& connection, const RootNotes& notes)
 {
-    auto* raw = connection.raw();
-    const auto property = connection.atoms().quorvelSession;
-    const auto reply = owned(xcb_get_property_reply(raw,
-        xcb_get_property(raw, 0, connection.root(), property, XCB_ATOM_STRING, 0, kNameLength / 4),
-        nullptr));
-    if (!reply)
-        return std::nullopt;
-    const std::string_view found{static_cast<const char*>(xcb_get_property_value(reply.get())),
-        static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
-    if (reply->format == 8 && isName(found))
-        return std::string{found};
+    if (isName(notes.session))
+        return notes.session;
     const GText random{g_uuid_string_random()};
     std::string name{random.get()};
-    xcb_change_property(raw, XCB_PROP_MODE_REPLACE, connection.root(), property, XCB_ATOM_STRING, 8,
+    xcb_change_property(connection.raw(), XCB_PROP_MODE_REPLACE, connection.root(),
+        connection.atoms().quorvelSession, XCB_ATOM_STRING, 8,
         static_cast<std::uint32_t>(name.size()), name.data());
     return name;
 }

@@ -8,12 +8,12 @@
 
 namespace quorvel::xdg::x11 {
 
-X11PeekRequests::X11PeekRequests(
-    Connection& connection, FadedWindows& faded, Clients& clients, const RootState& root)
+X11PeekRequests::X11PeekRequests(Connection& connection, FadedWindows& faded, Clients& clients,
+    const RootState& root, const std::vector<xcb_window_t>& leftRaised)
     : m_connection(connection)
     , m_faded(faded)
     , m_clients(clients)
-    , m_raised(connection, clients, root)
+    , m_raised(connection, clients, root, leftRaised)
 {
 }
 

@@ -9,8 +9,9 @@ namespace quorvel::xdg::x11 {
 /// Shows a window alone by what a compositor or the window manager offers. Main thread.
 class X11PeekRequests final : public PeekRequests {
 public:
-    /// All of it outlives this.
-    X11PeekRequests(Connection&, FadedWindows&, Clients&, const RootState&);
+    /// The first four outlive this.
+    X11PeekRequests(Connection&, FadedWindows&, Clients&, const RootState&,
+        const std::vector<xcb_window_t>& leftRaised);
 
     bool canFade() const override;
     void setFaded(const std::vector<WindowID>&) override;
