@@ -14,6 +14,7 @@
 #include <xcb/randr.h>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/RefreshRates.h"
 #include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
@@ -114,12 +115,14 @@ std::vector<Asked> askAbout(
 }
 
 /// The primary one first, the others in the server's order.
-std::vector<Monitor> monitorsFrom(
-    xcb_connection_t* connection, const xcb_randr_get_monitors_reply_t* reply, xcb_atom_t edidAtom)
+std::vector<Monitor> monitorsFrom(xcb_connection_t* connection,
+    const xcb_randr_get_monitors_reply_t* reply, xcb_atom_t edidAtom, RefreshRates& rates)
 {
     std::vector<Monitor> monitors;
     std::set<std::string> taken;
-    for (auto& asked : askAbout(connection, reply, edidAtom)) {
+    const auto all = askAbout(connection, reply, edidAtom);
+    rates.askForAreas();
+    for (auto& asked : all) {
         auto name = nameOf(connection, asked.name);
         std::optional<std::string> edid;
         if (asked.edid) {
@@ -131,8 +134,9 @@ std::vector<Monitor> monitorsFrom(
         if (!taken.insert(identifier).second)
             taken.insert(identifier += "-" + name);
         auto& info = *asked.info;
-        Monitor monitor{DisplayNumber{info.name}, std::move(identifier),
-            {double(info.x), double(info.y), double(info.width), double(info.height)}};
+        const Rect pixels{double(info.x), double(info.y), double(info.width), double(info.height)};
+        Monitor monitor{
+            DisplayNumber{info.name}, std::move(identifier), pixels, rates.at(pixels.centre())};
         monitors.insert(info.primary ? monitors.begin() : monitors.end(), std::move(monitor));
     }
     return monitors;
@@ -184,6 +188,12 @@ Monitors::Monitors(Connection& connection, Dispatch& dispatch, const Published<D
     read();
 }
 
+Duration Monitors::frameInterval(DisplayNumber display) const
+{
+    auto monitor = std::ranges::find(m_list, display, &Monitor::number);
+    return seconds(1 / (monitor == m_list.end() ? RefreshRates::kUsual : monitor->refreshRate));
+}
+
 void Monitors::settle()
 {
     auto now = m_dispatch.now();
@@ -212,8 +222,11 @@ void Monitors::read()
     auto resourcesCookie = xcb_get_property(
         raw, 0, root, m_connection.atoms().resourceManager, XCB_ATOM_STRING, 0, kResourceWords);
     std::optional<xcb_randr_get_monitors_cookie_t> monitorsCookie;
-    if (knowsMonitors)
+    std::optional<RefreshRates> rates;
+    if (knowsMonitors) {
         monitorsCookie = xcb_randr_get_monitors(raw, root, 1);
+        rates.emplace(m_connection);
+    }
 
     auto edid = owned(xcb_intern_atom_reply(raw, edidCookie, nullptr));
     auto size = owned(xcb_get_geometry_reply(raw, sizeCookie, nullptr));
@@ -223,9 +236,11 @@ void Monitors::read()
     m_list.clear();
     if (monitorsCookie) {
         if (auto reply = owned(xcb_randr_get_monitors_reply(raw, *monitorsCookie, nullptr)))
-            m_list = monitorsFrom(raw, reply.get(), edid ? edid->atom : xcb_atom_t{XCB_ATOM_NONE});
+            m_list = monitorsFrom(
+                raw, reply.get(), edid ? edid->atom : xcb_atom_t{XCB_ATOM_NONE}, *rates);
     } else {
-        m_list.push_back({DisplayNumber{1}, "screen", Rect::from({}, m_screenPixels)});
+        m_list.push_back(
+            {DisplayNumber{1}, "screen", Rect::from({}, m_screenPixels), RefreshRates::kUsual});
     }
     auto& said = m_looks.value().scale;
     m_coordinates.scale = said ? std::clamp(*said, 1.0, kLargestScale) : scaleFrom(resources.get());

@@ -17,6 +17,7 @@ struct Monitor {
     DisplayNumber number{};
     std::string identifier; ///< from the EDID, else the output's name
     Rect pixels; ///< in pixels of the X screen, top-left origin
+    double refreshRate = 0; ///< pictures a second
 
     friend bool operator==(const Monitor&, const Monitor&) = default;
 };
@@ -59,6 +60,8 @@ public:
 
     const std::vector<Monitor>& list() const { return m_list; }
     const Coordinates& coordinates() const { return m_coordinates; }
+    /// How long this one shows one picture.
+    Duration frameInterval(DisplayNumber) const;
     /// The size of the whole X screen in pixels.
     Size screenPixels() const { return m_screenPixels; }
 

@@ -8,7 +8,6 @@
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/InputGrabs.h"
 #include "Hosts/X11/Surface/PartPainter.h"
 #include "Hosts/X11/Surface/X11Panel.h"
@@ -208,7 +207,7 @@ void DisplayWindow::invalidate(const X11Panel& panel, const Rect& points)
 
 Duration DisplayWindow::frameInterval() const
 {
-    return m_context.frames.of(m_display);
+    return m_context.monitors.frameInterval(m_display);
 }
 
 void DisplayWindow::requestSpace(SpaceID space) const

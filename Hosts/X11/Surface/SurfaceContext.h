@@ -21,7 +21,6 @@ namespace quorvel::xdg::x11 {
 class ArrowCursor;
 class Compositing;
 class Connection;
-class FrameIntervals;
 class InputGrabs;
 class Keyboard;
 class Monitors;
@@ -34,7 +33,6 @@ struct SurfaceContext {
     const PanelEnvironment& environment;
     const Published<Appearance>& appearance;
     CanvasTools& tools;
-    FrameIntervals& frames;
     AccessibleSurfaces& accessible;
     Compositing& compositing;
     InputGrabs& grabs;

@@ -5,7 +5,6 @@
 #include "Hosts/Linux/Accessible/AccessibleSurfaces.h"
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/InputGrabs.h"
 #include "Hosts/X11/Surface/PartPainter.h"
 
@@ -41,7 +40,7 @@ void WindowedSurface::invalidate(const Rect& points)
 
 Duration WindowedSurface::frameInterval() const
 {
-    return m_context.frames.of(m_options.display);
+    return m_context.monitors.frameInterval(m_options.display);
 }
 
 void WindowedSurface::accessibleTreeDidChange()

@@ -7,7 +7,6 @@
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/EventWindow.h"
 #include "Hosts/X11/Monitors.h"
-#include "Hosts/X11/Surface/FrameIntervals.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -124,7 +123,7 @@ void X11Edge::handle(const xcb_generic_event_t* event)
 
 Duration X11Edge::frameInterval() const
 {
-    return m_context.frames.of(m_display);
+    return m_context.monitors.frameInterval(m_display);
 }
 
 }

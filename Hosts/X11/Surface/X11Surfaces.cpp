@@ -13,15 +13,14 @@ namespace quorvel::xdg::x11 {
 
 X11Surfaces::X11Surfaces(Connection& connection, Dispatch& dispatch, const Monitors& monitors,
     const PanelEnvironment& environment, const Published<Appearance>& appearance)
-    : m_frames(connection, monitors)
-    , m_presses(connection)
+    : m_presses(connection)
     , m_keyboard(connection)
     , m_hotKeys(connection, dispatch, m_keyboard)
     , m_grabs(connection, dispatch, m_keyboard, m_presses, m_hotKeys)
     , m_compositing(connection)
     , m_arrow(connection)
-    , m_context{connection, dispatch, monitors, environment, appearance, m_tools, m_frames,
-          m_accessible, m_compositing, m_grabs, m_keyboard, m_arrow, m_repaint}
+    , m_context{connection, dispatch, monitors, environment, appearance, m_tools, m_accessible,
+          m_compositing, m_grabs, m_keyboard, m_arrow, m_repaint}
     , m_text(m_tools.shaper, monitors.coordinates().scale)
     , m_appearance(appearance.subscribe([this](auto& now) {
         m_tools.shaper.setFont(now.font); // before any view measures with it

@@ -12,7 +12,6 @@
 #include "Hosts/X11/Surface/ArrowCursor.h"
 #include "Hosts/X11/Surface/Compositing.h"
 #include "Hosts/X11/Surface/DisplayWindow.h"
-#include "Hosts/X11/Surface/FrameIntervals.h"
 #include "Hosts/X11/Surface/InputGrabs.h"
 #include "Hosts/X11/Surface/PressWatch.h"
 #include "Hosts/X11/Surface/SurfaceContext.h"
@@ -48,7 +47,6 @@ private:
     void tell(PointerScope, const ButtonPress&);
 
     CanvasTools m_tools;
-    FrameIntervals m_frames;
     AccessibleSurfaces m_accessible;
     PressWatch m_presses;
     std::map<PointerScope, Signal<Point, PointerButton>> m_pressed;
