@@ -128,7 +128,7 @@ void BackBuffer::copyTo(xcb_window_t window, const Rect& pixels)
     int y = static_cast<int>(part.y);
     int width = static_cast<int>(part.width);
     int height = static_cast<int>(part.height);
-    if (m_shared)
+    if (m_shared && m_shared->isAttached())
         share(window, x, y, width, height);
     else if (m_isNativeFormat)
         put(window, x, y, width, height);

@@ -52,7 +52,7 @@ private:
     WindowVisual m_visual;
     bool m_isNativeFormat;
     xcb_gcontext_t m_context = 0;
-    std::unique_ptr<SharedPixels> m_shared; ///< null: pixels are sent over the connection
+    std::unique_ptr<SharedPixels> m_shared; ///< null, or not attached: pixels are sent
     CairoSurface m_surface; ///< in the shared memory, if there is any
     std::optional<std::uint32_t> m_lastShared; ///< the number of the last request to read it
     std::vector<std::uint8_t> m_rows; ///< the rows of a part, packed

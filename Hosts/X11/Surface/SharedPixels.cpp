@@ -1,5 +1,7 @@
 #include "Hosts/X11/Surface/SharedPixels.h"
 
+#include <utility>
+
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
@@ -21,10 +23,10 @@ std::unique_ptr<SharedPixels> SharedPixels::create(Connection& connection, int w
     std::unique_ptr<SharedPixels> pixels;
     if (auto* data = shmat(memory, nullptr, 0); data != reinterpret_cast<void*>(-1)) {
         pixels.reset(new SharedPixels{connection, width, height, static_cast<std::uint8_t*>(data)});
-        if (!pixels->attach(memory))
-            pixels.reset();
+        pixels->attach(memory);
     }
-    // Marked now, it goes with the last of us two, even if this program is killed.
+    // Marked now, it goes with the last of us two, even if this program is killed. Linux lets the
+    // server have it all the same.
     shmctl(memory, IPC_RMID, nullptr);
     return pixels;
 }
@@ -39,22 +41,27 @@ SharedPixels::SharedPixels(Connection& connection, int width, int height, std::u
 
 SharedPixels::~SharedPixels()
 {
-    if (m_segment)
+    if (isAttached())
         xcb_shm_detach(m_connection.raw(), m_segment);
     shmdt(m_data);
 }
 
 /// A server on the other end of a network has the extension too, but not our memory.
-bool SharedPixels::attach(int memory)
+void SharedPixels::attach(int memory)
 {
-    auto segment = xcb_generate_id(m_connection.raw());
-    auto error = owned(xcb_request_check(m_connection.raw(),
-        xcb_shm_attach_checked(
-            m_connection.raw(), segment, static_cast<std::uint32_t>(memory), true)));
-    bool isAttached = !error && !xcb_connection_has_error(m_connection.raw());
-    if (isAttached)
-        m_segment = segment;
-    return isAttached;
+    m_segment = xcb_generate_id(m_connection.raw());
+    m_attaching = xcb_shm_attach_checked(
+        m_connection.raw(), m_segment, static_cast<std::uint32_t>(memory), true);
+}
+
+bool SharedPixels::isAttached()
+{
+    if (m_attaching) {
+        auto error = owned(
+            xcb_request_check(m_connection.raw(), *std::exchange(m_attaching, std::nullopt)));
+        m_isAttached = !error && !xcb_connection_has_error(m_connection.raw());
+    }
+    return m_isAttached;
 }
 
 }
