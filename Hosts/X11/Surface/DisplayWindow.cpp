@@ -156,6 +156,7 @@ void DisplayWindow::placeWindow(const Rect& seen, Size whole)
             m_context.connection, m_context.dispatch, m_visual, seen);
         m_drops = std::make_unique<DropTarget>(
             m_context.connection, m_context.dispatch, m_window->id());
+        m_paint.hurry();
     }
     m_window->setFrame(seen);
     if (std::exchange(m_contentSize, whole) == whole && !m_buffer->isEmpty())

@@ -38,6 +38,7 @@ struct PaintSource::Source : GSource {
     {
         auto* owner = static_cast<Source*>(source)->owner;
         owner->m_isRequested = false;
+        g_source_set_priority(source, G_PRIORITY_DEFAULT);
         owner->m_paint();
         return G_SOURCE_CONTINUE;
     }
@@ -72,6 +73,11 @@ void PaintSource::request()
     auto next = m_frame + interval;
     // A frame that comes a little late does not move those after it.
     m_frame = next + interval / 2 < now ? now : next;
+}
+
+void PaintSource::hurry()
+{
+    g_source_set_priority(m_source.get(), G_PRIORITY_HIGH);
 }
 
 }

@@ -17,6 +17,8 @@ public:
     PaintSource& operator=(const PaintSource&) = delete;
 
     void request();
+    /// The next time comes before everything else that the loop has to do.
+    void hurry();
 
 private:
     struct Source;
