@@ -82,6 +82,7 @@ bool FolderMonitors::wayDidChange(const std::string& root)
 {
     const bool wasThere = m_monitors.contains(root);
     watchRoot(root);
+    dropOldWays();
     return !wasThere && m_monitors.contains(root);
 }
 
@@ -91,7 +92,6 @@ void FolderMonitors::watchRoot(const std::string& root)
     // The way may become longer while it is being looked for.
     for (auto folder = nearestFolder(root); watchOne(folder) && folder != nearestFolder(root);)
         folder = nearestFolder(root);
-    dropOldWays();
 }
 
 /// Once a folder is there, what happens beside the way to it is nobody's business.
