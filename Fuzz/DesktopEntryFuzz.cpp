@@ -17,10 +17,28 @@ bool isText(const std::string& value)
     return g_utf8_validate(value.data(), static_cast<gssize>(value.size()), nullptr);
 }
 
+/// What GLib says of the whole file, with the lines that are not for this user.
+void compareWithWhole(std::string_view bytes, const quorvel::xdg::DesktopKeyFile* ours)
+{
+    using namespace quorvel::xdg;
+    GKeyFile* whole = g_key_file_new();
+    if (g_key_file_load_from_data(whole, bytes.data(), bytes.size(), G_KEY_FILE_NONE, nullptr)) {
+        for (const auto* key : {"Name", "Icon", "Comment"}) {
+            const GText text{
+                g_key_file_get_locale_string(whole, kEntryGroup, key, nullptr, nullptr)};
+            expect(!ours || ours->localText(key) == (text ? text.get() : ""));
+        }
+    } else {
+        expect(!ours);
+    }
+    g_key_file_unref(whole);
+}
+
 void readAsEntry(std::string_view bytes)
 {
     using namespace quorvel::xdg;
     const auto file = DesktopKeyFile::parse(bytes);
+    compareWithWhole(bytes, file ? &*file : nullptr);
     if (!file)
         return;
     const auto entry = DesktopEntryFile::of(*file);

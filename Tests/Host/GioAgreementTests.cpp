@@ -98,6 +98,18 @@ const std::vector<std::string> kFiles{
     kHead
         + "Name[de_AT]=\nGenericName=Thing\nGenericName[de]=Ding\nKeywords=a;b\\;c;\n"
           "Keywords[de]=eins;zwei\n",
+    "Name[ja]=outside\n" + kHead,
+    kHead + "Name[ja]\n",
+    kHead + "[ja]=1\n",
+    kHead + "Name[]=1\n",
+    kHead + "Name[ja=1\n",
+    kHead + "Name[ja]x=1\n",
+    kHead + "Name[j a]=1\n",
+    kHead + "Na me[ja]=1\n",
+    kHead + "Na][me[ja]=1\n",
+    kHead + " Name[ja] = 1\n",
+    kHead + "Name[fr][ja]=1\n",
+    kHead + "Name[de_AT]x=1\nName[fr]=Plus court",
     kHead + "Keywords=\nIcon[de]=deutsch\nIcon=plain.png\n",
     kHead + "Icon=/abs/pic.svg\nStartupWMClass=a\\sb\\\\c\n",
     kHead + "Icon=bad\\qescape\n",
