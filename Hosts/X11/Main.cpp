@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <variant>
+#include <vector>
 
 #include <malloc.h>
 #include <unistd.h>
@@ -116,6 +118,14 @@ int runBar(Display display, const CommandLine& line, ControlChannel& control, Tr
         line.permissionsRehearsal);
 }
 
+/// Not one that asks the bar for something.
+bool becomesTheBar(const std::vector<std::string>& arguments)
+{
+    const auto parsed = CommandLine::parse(arguments);
+    const auto* line = std::get_if<CommandLine>(&parsed);
+    return line && line->action == CommandLine::Action::run;
+}
+
 }
 
 }
@@ -128,12 +138,14 @@ int main(int count, char** values)
     // The other threads allocate little; memory of its own would cost each of them more than a
     // lock.
     mallopt(M_ARENA_MAX, 1);
-    std::setlocale(LC_ALL, "");
     posix::secureStandardStreams();
+    const std::vector<std::string> arguments{values + 1, values + count};
+    if (xdg::x11::becomesTheBar(arguments))
+        xdg::TextShaper::beginReadingFonts(); // as early as possible, beside all that follows
+    std::setlocale(LC_ALL, "");
     xdg::useGettext();
     xdg::x11::Display display;
     auto open = [&](std::string& problem) {
-        xdg::TextShaper::beginReadingFonts();
         display.connection = xdg::x11::Connection::open(problem);
         return display.connection != nullptr;
     };
@@ -144,6 +156,6 @@ int main(int count, char** values)
     auto run = [&](const CommandLine& line, ControlChannel& control, Trace& trace) {
         return xdg::x11::runBar(std::move(display), line, control, trace);
     };
-    return posix::invoke({values + 1, values + count},
-        {xdg::x11::addressOfDisplay, xdg::hostLoop(), open, claim, run});
+    return posix::invoke(
+        arguments, {xdg::x11::addressOfDisplay, xdg::hostLoop(), open, claim, run});
 }
