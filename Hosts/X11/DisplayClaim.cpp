@@ -8,6 +8,7 @@
 
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Reply.h"
+#include "Hosts/X11/ServerGrab.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -88,16 +89,24 @@ xcb_window_t claim(const Connection& connection, xcb_atom_t selection)
     return window;
 }
 
-/// None with a problem where it is not to be had.
-xcb_window_t takeOver(const Connection& connection, xcb_atom_t selection, xcb_window_t before,
-    bool replace, std::string& problem)
+struct Answer {
+    xcb_window_t owner = XCB_WINDOW_NONE; ///< another bar's
+    xcb_window_t window = XCB_WINDOW_NONE; ///< ours, if there is no other
+};
+
+/// Nobody else claims it between the answer and what is made of it.
+Answer claimIfFree(const Connection& connection, xcb_atom_t selection)
+{
+    const ServerGrab grab{connection};
+    const auto owner = ownerOf(connection.raw(), selection);
+    return owner ? Answer{.owner = owner} : Answer{.window = claim(connection, selection)};
+}
+
+/// None with a problem where another one has come up meanwhile.
+xcb_window_t takeOver(
+    const Connection& connection, xcb_atom_t selection, xcb_window_t before, std::string& problem)
 {
     auto* raw = connection.raw();
-    if (!replace && !goesWithin(raw, before, kGoneLimit)) {
-        problem = fmt::format("{} is the bar on this display; --replace takes over from it",
-            describe(connection, before));
-        return XCB_WINDOW_NONE;
-    }
     const auto window = claim(connection, selection);
     if (ownerOf(raw, selection) != window) {
         problem = "another bar has come up on this display";
@@ -115,19 +124,18 @@ xcb_window_t takeOver(const Connection& connection, xcb_atom_t selection, xcb_wi
 std::unique_ptr<DisplayClaim> DisplayClaim::take(
     Connection& connection, bool replace, std::string& problem)
 {
-    auto* raw = connection.raw();
     const auto selection = selectionOf(connection);
-    // Nobody else claims it between the answer and what is made of it.
-    xcb_grab_server(raw);
-    const auto before = ownerOf(raw, selection);
-    auto window = before ? xcb_window_t{XCB_WINDOW_NONE} : claim(connection, selection);
-    xcb_ungrab_server(raw);
-    xcb_flush(raw);
-    if (before)
-        window = takeOver(connection, selection, before, replace, problem);
-    if (!window)
+    auto answer = claimIfFree(connection, selection);
+    if (answer.owner && !replace && goesWithin(connection.raw(), answer.owner, kGoneLimit))
+        answer = claimIfFree(connection, selection);
+    if (answer.owner && replace)
+        answer.window = takeOver(connection, selection, answer.owner, problem);
+    else if (answer.owner)
+        problem = fmt::format("{} is the bar on this display; --replace takes over from it",
+            describe(connection, answer.owner));
+    if (!answer.window)
         return nullptr;
-    return std::unique_ptr<DisplayClaim>{new DisplayClaim{connection, window}};
+    return std::unique_ptr<DisplayClaim>{new DisplayClaim{connection, answer.window}};
 }
 
 DisplayClaim::DisplayClaim(Connection& connection, xcb_window_t window)

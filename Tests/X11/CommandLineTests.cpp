@@ -1,5 +1,9 @@
+#include <algorithm>
+#include <array>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
+#include <memory>
 
 #include "Tests/X11/Support/DesktopFixture.h"
 
@@ -109,6 +113,49 @@ TEST_F(CommandLine, theDisplayItselfSaysThatABarIsThere)
     const auto quit
         = [&] { return runProgram(elsewhere, server.folder(), {"--quit"}).status == 0; };
     EXPECT_TRUE(eventually(quit));
+}
+
+// Fault: two bars on one screen, each of which has found it free.
+TEST_F(CommandLine, ofTwoThatStartAtOneMomentOneIsTheBar)
+{
+    WindowManager manager(server, desktop, ManagerKind::openbox);
+    struct Starting {
+        Environment environment;
+        std::filesystem::path log;
+        std::unique_ptr<Process> process;
+    };
+    std::array<Starting, 2> bars;
+    Connection holder(server.display());
+    xcb_grab_server(holder.get());
+    holder.sync();
+    for (std::size_t i = 0; i < bars.size(); ++i) {
+        auto& bar = bars[i];
+        const auto folder = server.folder() / ("runtime" + std::to_string(i));
+        std::filesystem::create_directory(folder);
+        std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
+        bar.environment = server.environment();
+        bar.environment["XDG_RUNTIME_DIR"] = folder;
+        bar.log = folder / "log";
+        bar.process = std::make_unique<Process>(
+            std::vector<std::string>{QUORVEL_PROGRAM}, bar.environment, Outputs{{}, bar.log});
+        // Made just before the server is spoken to.
+        ASSERT_TRUE(eventually([&] { return std::filesystem::exists(folder / "quorvel"); }));
+    }
+    xcb_ungrab_server(holder.get());
+    holder.sync();
+
+    const auto endedOne = [&] {
+        return std::ranges::find_if(bars, [](auto& bar) { return !bar.process->isRunning(); });
+    };
+    ASSERT_TRUE(eventually([&] { return endedOne() != bars.end(); }));
+    auto& refused = *endedOne();
+    auto& running = &refused == &bars[0] ? bars[1] : bars[0];
+    EXPECT_EQ(refused.process->waitForEnd(), 1);
+    EXPECT_TRUE(has(readFile(refused.log), std::to_string(running.process->pid())))
+        << readFile(refused.log);
+    EXPECT_TRUE(eventually(
+        [&] { return runProgram(running.environment, server.folder(), {"--quit"}).status == 0; }));
+    EXPECT_EQ(running.process->waitForEnd(), 0);
 }
 
 // Faults: a bar that gives up, or that misses the manager's coming.

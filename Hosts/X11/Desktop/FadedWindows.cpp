@@ -5,6 +5,7 @@
 #include "Hosts/X11/Connection.h"
 #include "Hosts/X11/Desktop/RequestBatch.h"
 #include "Hosts/X11/Reply.h"
+#include "Hosts/X11/ServerGrab.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -26,25 +27,6 @@ std::uint32_t opacityAt(double share, std::optional<std::uint32_t> before)
     auto opacity = std::uint32_t(from + (FadedWindows::kOpacity - from) * eased);
     return (opacity & ~kMark) | (FadedWindows::kOpacity & kMark);
 }
-
-/// Nobody else writes between what is read and what is written.
-class ServerGrab {
-public:
-    explicit ServerGrab(Connection& connection) : m_connection(connection.raw())
-    {
-        xcb_grab_server(m_connection);
-    }
-    ~ServerGrab()
-    {
-        xcb_ungrab_server(m_connection);
-        xcb_flush(m_connection);
-    }
-    ServerGrab(const ServerGrab&) = delete;
-    ServerGrab& operator=(const ServerGrab&) = delete;
-
-private:
-    xcb_connection_t* m_connection;
-};
 
 }
 
