@@ -11,7 +11,6 @@
 #include <xcb/damage.h>
 #include <xcb/randr.h>
 #include <xcb/res.h>
-#include <xcb/shape.h>
 #include <xcb/shm.h>
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
@@ -30,8 +29,8 @@ constexpr int kEventsPerTurn = 4096;
 /// in a round trip each.
 void askForExtensions(xcb_connection_t* connection)
 {
-    for (auto* extension : {&xcb_randr_id, &xcb_input_id, &xcb_xfixes_id, &xcb_res_id,
-             &xcb_damage_id, &xcb_shm_id, &xcb_shape_id})
+    for (auto* extension :
+        {&xcb_randr_id, &xcb_input_id, &xcb_xfixes_id, &xcb_res_id, &xcb_damage_id, &xcb_shm_id})
         xcb_prefetch_extension_data(connection, extension);
 }
 

@@ -14,7 +14,6 @@
 #include <xcb/randr.h>
 
 #include "Hosts/X11/Connection.h"
-#include "Hosts/X11/RefreshRates.h"
 #include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
@@ -239,8 +238,7 @@ void Monitors::read()
             m_list = monitorsFrom(
                 raw, reply.get(), edid ? edid->atom : xcb_atom_t{XCB_ATOM_NONE}, *rates);
     } else {
-        m_list.push_back(
-            {DisplayNumber{1}, "screen", Rect::from({}, m_screenPixels), RefreshRates::kUsual});
+        m_list.push_back({DisplayNumber{1}, "screen", Rect::from({}, m_screenPixels)});
     }
     auto& said = m_looks.value().scale;
     m_coordinates.scale = said ? std::clamp(*said, 1.0, kLargestScale) : scaleFrom(resources.get());

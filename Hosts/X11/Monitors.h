@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "Hosts/Linux/DesktopLooks.h"
+#include "Hosts/X11/RefreshRates.h"
 #include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Geometry.h"
 #include "Quorvel/Platform/Identifiers.h"
@@ -17,9 +18,13 @@ struct Monitor {
     DisplayNumber number{};
     std::string identifier; ///< from the EDID, else the output's name
     Rect pixels; ///< in pixels of the X screen, top-left origin
-    double refreshRate = 0; ///< pictures a second
+    double refreshRate = RefreshRates::kUsual; ///< pictures a second
 
-    friend bool operator==(const Monitor&, const Monitor&) = default;
+    /// Nothing has to be laid out anew for another rate.
+    friend bool operator==(const Monitor& a, const Monitor& b)
+    {
+        return a.number == b.number && a.identifier == b.identifier && a.pixels == b.pixels;
+    }
 };
 
 /// Whether another monitor lies below. Struts count from the edge of the X screen, so a strut at
@@ -47,8 +52,8 @@ struct Coordinates {
     friend bool operator==(const Coordinates&, const Coordinates&) = default;
 };
 
-/// The monitors that RandR reports, the primary one first, and the scale of the X screen (1 to 2,
-/// from the desktop's settings, else from the display's resources). Main thread.
+/// The monitors that RandR reports with their rates, the primary one first, and the scale of the X
+/// screen (1 to 2, from the desktop's settings, else from the display's resources). Main thread.
 class Monitors {
 public:
     /// Changes come in series, and each would cause a complete new layout: they are followed this
@@ -60,7 +65,7 @@ public:
 
     const std::vector<Monitor>& list() const { return m_list; }
     const Coordinates& coordinates() const { return m_coordinates; }
-    /// How long this one shows one picture.
+    /// How long this one shows one picture; the usual time for one that is not there.
     Duration frameInterval(DisplayNumber) const;
     /// The size of the whole X screen in pixels.
     Size screenPixels() const { return m_screenPixels; }

@@ -12,7 +12,7 @@ bool DrawingWatch::hasDamage(xcb_connection_t* connection)
     const auto* extension = xcb_get_extension_data(connection, &xcb_damage_id);
     if (!extension || !extension->present)
         return false;
-    // The server sends no events of the extension to who has not asked for its version.
+    // The server refuses all else of the extension to who has not asked for its version.
     auto cookie
         = xcb_damage_query_version(connection, XCB_DAMAGE_MAJOR_VERSION, XCB_DAMAGE_MINOR_VERSION);
     xcb_discard_reply(connection, cookie.sequence);

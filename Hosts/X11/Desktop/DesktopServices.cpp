@@ -27,9 +27,9 @@ namespace quorvel::xdg::x11 {
 
 struct DesktopServices::Parts {
     Parts(Connection& connection, Dispatch& dispatch, Monitors& monitors,
-        PanelEnvironment& environment, DesktopEntries& entries, Icons& icons)
-        : notes(RootNotes::read(connection))
-        , faded(connection, notes.faded)
+        PanelEnvironment& environment, DesktopEntries& entries, Icons& icons,
+        const RootNotes& notes)
+        : faded(connection, notes.faded)
         , observers(model)
         , tracker(dispatch, entries, model, observers)
         , mirror(connection, dispatch, monitors, environment, model, tracker)
@@ -60,7 +60,6 @@ struct DesktopServices::Parts {
             = [this](std::optional<WindowID> window) { tracker.expectFocus(window); };
     }
 
-    RootNotes notes;
     FadedWindows faded; ///< before windows are read: a bar that was killed may have left some
     SharedModel model;
     ObserverRegistry observers;
@@ -85,7 +84,8 @@ struct DesktopServices::Parts {
 
 DesktopServices::DesktopServices(Connection& connection, Dispatch& dispatch, Monitors& monitors,
     PanelEnvironment& environment, DesktopEntries& entries, Icons& icons)
-    : m_parts(std::make_unique<Parts>(connection, dispatch, monitors, environment, entries, icons))
+    : m_parts(std::make_unique<Parts>(
+          connection, dispatch, monitors, environment, entries, icons, RootNotes::read(connection)))
 {
 }
 

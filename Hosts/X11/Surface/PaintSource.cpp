@@ -13,7 +13,7 @@ namespace quorvel::xdg::x11 {
 
 namespace {
 
-/// Longer than any frame: after it, nobody has to know how long one is. The server is asked for it.
+/// Longer than any frame: after it, nobody has to know how long one is.
 constexpr auto kPause = std::chrono::milliseconds{50};
 
 }
@@ -38,7 +38,8 @@ struct PaintSource::Source : GSource {
     {
         auto* owner = static_cast<Source*>(source)->owner;
         owner->m_isRequested = false;
-        g_source_set_priority(source, G_PRIORITY_DEFAULT);
+        if (g_source_get_priority(source) != G_PRIORITY_DEFAULT)
+            g_source_set_priority(source, G_PRIORITY_DEFAULT);
         owner->m_paint();
         return G_SOURCE_CONTINUE;
     }
@@ -54,7 +55,8 @@ PaintSource::PaintSource(std::function<Duration()> frameInterval, std::function<
     m_source->owner = this;
     g_source_set_static_name(m_source.get(), "paint");
     // The same priority as the rest and attached later than the connection and the main queue: it
-    // comes after them in each round, and no flood of events can starve it.
+    // comes after them in each round but for one that is in a hurry, and no flood of events can
+    // starve it.
     g_source_attach(m_source.get(), nullptr);
 }
 

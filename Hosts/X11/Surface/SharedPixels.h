@@ -14,7 +14,7 @@ class Connection;
 /// of the time that sending it takes.
 class SharedPixels {
 public:
-    /// Null where the server cannot share memory.
+    /// Null where the server does not share memory, or there is none.
     static std::unique_ptr<SharedPixels> create(Connection&, int width, int height);
     ~SharedPixels();
     SharedPixels(const SharedPixels&) = delete;
