@@ -139,10 +139,10 @@ int main(int count, char** values)
     // lock.
     mallopt(M_ARENA_MAX, 1);
     posix::secureStandardStreams();
+    std::setlocale(LC_ALL, ""); // no other thread may run beside it
     const std::vector<std::string> arguments{values + 1, values + count};
     if (xdg::x11::becomesTheBar(arguments))
-        xdg::TextShaper::beginReadingFonts(); // as early as possible, beside all that follows
-    std::setlocale(LC_ALL, "");
+        xdg::TextShaper::beginReadingFonts();
     xdg::useGettext();
     xdg::x11::Display display;
     auto open = [&](std::string& problem) {
