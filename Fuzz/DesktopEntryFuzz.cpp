@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -17,10 +18,15 @@ bool isText(const std::string& value)
     return g_utf8_validate(value.data(), static_cast<gssize>(value.size()), nullptr);
 }
 
+/// In the C locale, no language is asked for.
+const bool asksForLanguages
+    = setenv("LC_ALL", "C.UTF-8", 1) == 0 && setenv("LANGUAGE", "de_AT:fr", 1) == 0;
+
 /// What GLib says of the whole file, with the lines that are not for this user.
 void compareWithWhole(std::string_view bytes, const quorvel::xdg::DesktopKeyFile* ours)
 {
     using namespace quorvel::xdg;
+    expect(asksForLanguages);
     GKeyFile* whole = g_key_file_new();
     if (g_key_file_load_from_data(whole, bytes.data(), bytes.size(), G_KEY_FILE_NONE, nullptr)) {
         for (const auto* key : {"Name", "Icon", "Comment"}) {

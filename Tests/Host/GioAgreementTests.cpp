@@ -109,6 +109,8 @@ const std::vector<std::string> kFiles{
     kHead + "Na][me[ja]=1\n",
     kHead + " Name[ja] = 1\n",
     kHead + "Name[fr][ja]=1\n",
+    kHead + "Name[FR]=1\n",
+    kHead + "Name[ja]=1\r\nName[fr]=Retour\r\n",
     kHead + "Name[de_AT]x=1\nName[fr]=Plus court",
     kHead + "Keywords=\nIcon[de]=deutsch\nIcon=plain.png\n",
     kHead + "Icon=/abs/pic.svg\nStartupWMClass=a\\sb\\\\c\n",
