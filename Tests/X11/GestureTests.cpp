@@ -91,6 +91,7 @@ TEST_P(Gestures, moveChipsAndWindowsAndShowTheDesktop)
     pointer.press(Button::primary);
     pointer.moveTo(chip("a"));
     pointer.moveTo(chip("d"));
+    ASSERT_TRUE(eventually([&] { return keyboard.isGrabbed(); })) << "no drag";
     keyboard.type(XKB_KEY_Escape);
     pointer.release(Button::primary);
     EXPECT_TRUE(staysTrue(300ms, [&] { return chips() == Names{"", "b", "c", "a", "d", "e"}; }))

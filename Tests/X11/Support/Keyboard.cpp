@@ -46,4 +46,19 @@ void Keyboard::change(std::uint8_t event, std::uint8_t key)
     m_connection.sync();
 }
 
+bool Keyboard::isGrabbed()
+{
+    auto* raw = m_connection.get();
+    xcb_grab_server(raw); // or whoever wants to grab it now would find it taken
+    const auto reply = m_connection.wait(xcb_grab_keyboard_reply,
+        xcb_grab_keyboard(raw, false, m_connection.root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+            XCB_GRAB_MODE_ASYNC));
+    const bool isOurs = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    if (isOurs)
+        xcb_ungrab_keyboard(raw, XCB_CURRENT_TIME);
+    xcb_ungrab_server(raw);
+    m_connection.sync();
+    return !isOurs;
+}
+
 }

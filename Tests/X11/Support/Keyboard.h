@@ -20,6 +20,9 @@ public:
     /// The same, by what is on the keys.
     void typeChord(std::uint32_t held, std::uint32_t symbol) { chord(keyOf(held), keyOf(symbol)); }
 
+    /// Whether some program has all keys to itself.
+    bool isGrabbed();
+
 private:
     std::uint8_t keyOf(std::uint32_t symbol);
     void change(std::uint8_t event, std::uint8_t key);
