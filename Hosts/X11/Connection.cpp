@@ -1,8 +1,10 @@
 #include "Hosts/X11/Connection.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdlib>
 #include <new>
+#include <optional>
 #include <unordered_map>
 
 #include <fmt/format.h>
@@ -16,7 +18,10 @@
 #include <xcb/xinput.h>
 
 #include "Hosts/Linux/GHandles.h"
+#include "Hosts/Linux/Loop/SourceTime.h"
+#include "Hosts/Linux/Loop/WorkSchedule.h"
 #include "Hosts/X11/Reply.h"
+#include "Hosts/X11/TurnPace.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -99,9 +104,18 @@ struct Connection::Source {
         // Otherwise GLib takes the descriptor out of its poll while events are dispatched, and
         // wakes itself for that, twice in each turn. No loop runs within a dispatch.
         g_source_set_can_recurse(base.get(), TRUE);
-        tag = g_source_add_unix_fd(base.get(), xcb_get_file_descriptor(connection.m_connection),
-            static_cast<GIOCondition>(G_IO_IN | G_IO_HUP | G_IO_ERR));
+        // Not by a tag: to change what is waited for would wake the loop.
+        poll = {xcb_get_file_descriptor(connection.m_connection), kInput, 0};
+        g_source_add_poll(base.get(), &poll);
         g_source_attach(base.get(), nullptr);
+    }
+
+    /// Lets events gather in the socket; what others read of it in the meantime is handled.
+    void rest(Duration length)
+    {
+        const bool rests = length > Duration::zero();
+        restsUntil = rests ? std::optional{WorkSchedule::now() + length} : std::nullopt;
+        poll.events = rests ? 0 : kInput;
     }
 
     bool hasInput()
@@ -120,23 +134,24 @@ struct Connection::Source {
     static gboolean prepare(GSource* source, gint* timeout)
     {
         auto* self = static_cast<Base*>(source)->owner;
-        *timeout = -1;
         // Requests made from timers and other sources leave here at the latest. A flush may itself
         // read, so it comes before the look at the queue.
         xcb_flush(self->connection.m_connection);
-        return self->hasInput();
+        return isDueOrSleeps(self->restsUntil, *timeout) || self->hasInput();
     }
 
     static gboolean check(GSource* source)
     {
         auto* self = static_cast<Base*>(source)->owner;
-        return g_source_query_unix_fd(source, self->tag) != 0 || self->hasInput();
+        const bool hasRested = self->restsUntil && *self->restsUntil <= WorkSchedule::now();
+        return hasRested || self->poll.revents != 0 || self->hasInput();
     }
 
     static gboolean dispatch(GSource* source, GSourceFunc, gpointer)
     {
-        auto& connection = static_cast<Base*>(source)->owner->connection;
-        connection.dispatchEvents();
+        auto* self = static_cast<Base*>(source)->owner;
+        auto& connection = self->connection;
+        self->rest(connection.dispatchEvents());
         if (!xcb_connection_has_error(connection.m_connection))
             return G_SOURCE_CONTINUE;
         connection.lost.emit();
@@ -145,7 +160,10 @@ struct Connection::Source {
 
     Connection& connection;
     GSourceHandle<Base> base;
-    gpointer tag = nullptr;
+    static constexpr gushort kInput = G_IO_IN | G_IO_HUP | G_IO_ERR;
+    GPollFD poll{};
+    std::optional<Instant> restsUntil; ///< else the socket is listened to
+    TurnPace pace;
     Reply<xcb_generic_event_t> queued;
     std::uint64_t readBeforeTurnEnd = 0; ///< bytes, since the connection was opened
 };
@@ -220,8 +238,9 @@ void Connection::waitUntilHandled(std::uint32_t sequence)
         m_handled = cookie.sequence;
 }
 
-void Connection::dispatchEvents()
+Duration Connection::dispatchEvents()
 {
+    TurnPace::Events events = TurnPace::Events::none;
     for (int i = 0; i < kEventsPerTurn; ++i) {
         const auto next = m_source->next();
         if (!next)
@@ -229,11 +248,13 @@ void Connection::dispatchEvents()
         m_handled = next->full_sequence;
         if (next->response_type == 0)
             continue; // an error of a request that nobody waits for
+        events = std::max(events, TurnPace::kindOf(*next, root()));
         event.emit(next.get());
     }
     m_source->readBeforeTurnEnd = xcb_total_read(m_connection);
     turnEnded.emit();
     xcb_flush(m_connection);
+    return m_source->pace.restAfter(WorkSchedule::now(), events);
 }
 
 }

@@ -8,6 +8,7 @@
 
 #include "Hosts/X11/Atoms.h"
 #include "Hosts/X11/PixelLayout.h"
+#include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Published.h"
 
 namespace quorvel::xdg::x11 {
@@ -59,8 +60,8 @@ private:
     struct Source;
 
     Connection(xcb_connection_t*, int screenNumber);
-    /// Reads and emits all events that are waiting.
-    void dispatchEvents();
+    /// Reads and emits all events that are waiting. Returns how long more of them may gather.
+    Duration dispatchEvents();
 
     xcb_connection_t* m_connection;
     int m_screenNumber;

@@ -1,0 +1,63 @@
+#include "Hosts/X11/TurnPace.h"
+
+#include <gtest/gtest.h>
+
+namespace quorvel::xdg::x11 {
+namespace {
+
+constexpr xcb_window_t kRoot = 1;
+constexpr xcb_window_t kWindow = 7;
+using Events = TurnPace::Events;
+
+Events kindOf(std::uint8_t type, xcb_window_t window)
+{
+    xcb_generic_event_t event{};
+    event.response_type = type;
+    if (type == XCB_CONFIGURE_NOTIFY)
+        reinterpret_cast<xcb_configure_notify_event_t&>(event).window = window;
+    else
+        reinterpret_cast<xcb_property_notify_event_t&>(event).window = window;
+    return TurnPace::kindOf(event, kRoot);
+}
+
+// Faults: a click, or a window that comes, waits behind a title that counts.
+TEST(TurnPace, onlyOtherProgramsWindowsMayWait)
+{
+    EXPECT_EQ(kindOf(XCB_PROPERTY_NOTIFY, kWindow), Events::patient);
+    EXPECT_EQ(kindOf(XCB_PROPERTY_NOTIFY | 0x80, kWindow), Events::patient) << "sent by a client";
+    EXPECT_EQ(kindOf(XCB_CONFIGURE_NOTIFY, kWindow), Events::patient);
+    EXPECT_EQ(kindOf(XCB_PROPERTY_NOTIFY, kRoot), Events::urgent);
+    EXPECT_EQ(kindOf(XCB_CONFIGURE_NOTIFY, kRoot), Events::urgent);
+    for (auto type : {XCB_BUTTON_PRESS, XCB_MOTION_NOTIFY, XCB_EXPOSE, XCB_MAP_NOTIFY,
+             XCB_DESTROY_NOTIFY, XCB_CLIENT_MESSAGE, XCB_GE_GENERIC})
+        EXPECT_EQ(kindOf(static_cast<std::uint8_t>(type), kWindow), Events::urgent) << type;
+}
+
+// Faults: each of a hundred titles in a row wakes the bar; a single one is late; the bar goes on
+// waking after the last.
+TEST(TurnPace, aFloodGathersAndNothingElseDoes)
+{
+    TurnPace pace;
+    Instant now{std::chrono::seconds{5}};
+    const auto turn = [&](Events events) {
+        now += std::chrono::microseconds{100};
+        return pace.restAfter(now, events);
+    };
+    for (int i = 0; i < TurnPace::kAtOnce; ++i)
+        EXPECT_EQ(turn(Events::patient), Duration::zero()) << i;
+    int turns = 0;
+    for (const auto end = now + std::chrono::seconds{1}; now < end; ++turns) {
+        const auto rest = turn(Events::patient);
+        EXPECT_LE(rest, TurnPace::kInterval);
+        now += rest;
+    }
+    EXPECT_LE(turns, std::chrono::seconds{1} / TurnPace::kInterval + 1);
+    EXPECT_EQ(turn(Events::urgent), Duration::zero());
+    EXPECT_EQ(turn(Events::none), Duration::zero());
+
+    now += std::chrono::milliseconds{40};
+    EXPECT_EQ(turn(Events::patient), Duration::zero());
+}
+
+}
+}
