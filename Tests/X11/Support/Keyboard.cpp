@@ -53,12 +53,12 @@ bool Keyboard::isGrabbed()
     const auto reply = m_connection.wait(xcb_grab_keyboard_reply,
         xcb_grab_keyboard(raw, false, m_connection.root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
             XCB_GRAB_MODE_ASYNC));
-    const bool isOurs = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    if (isOurs)
+    const auto status = reply ? reply->status : std::uint8_t{XCB_GRAB_STATUS_NOT_VIEWABLE};
+    if (status == XCB_GRAB_STATUS_SUCCESS)
         xcb_ungrab_keyboard(raw, XCB_CURRENT_TIME);
     xcb_ungrab_server(raw);
     m_connection.sync();
-    return !isOurs;
+    return status == XCB_GRAB_STATUS_ALREADY_GRABBED;
 }
 
 }
