@@ -94,7 +94,10 @@ struct Connection::Source {
         Source* owner;
     };
 
-    explicit Source(Connection& owner) : connection(owner)
+    explicit Source(Connection& owner)
+        : connection(owner)
+        , pace(owner.root(), xcb_get_setup(owner.m_connection)->resource_id_base,
+              xcb_get_setup(owner.m_connection)->resource_id_mask)
     {
         static GSourceFuncs functions{
             &Source::prepare, &Source::check, &Source::dispatch, nullptr, nullptr, nullptr};
@@ -110,11 +113,16 @@ struct Connection::Source {
         g_source_attach(base.get(), nullptr);
     }
 
-    /// Lets events gather in the socket; what others read of it in the meantime is handled.
-    void rest(Duration length)
+    /// Lets events gather in the socket; what others read of it in the meantime is handled. A turn
+    /// that only brought answers changes nothing.
+    void restAfter(TurnPace::Events events)
     {
+        const auto now = WorkSchedule::now();
+        if (events == TurnPace::Events::none && restsUntil && now < *restsUntil)
+            return;
+        const auto length = pace.restAfter(now, events);
         const bool rests = length > Duration::zero();
-        restsUntil = rests ? std::optional{WorkSchedule::now() + length} : std::nullopt;
+        restsUntil = rests ? std::optional{now + length} : std::nullopt;
         poll.events = rests ? 0 : kInput;
     }
 
@@ -149,19 +157,19 @@ struct Connection::Source {
 
     static gboolean dispatch(GSource* source, GSourceFunc, gpointer)
     {
-        auto* self = static_cast<Base*>(source)->owner;
-        auto& connection = self->connection;
-        self->rest(connection.dispatchEvents());
+        auto& connection = static_cast<Base*>(source)->owner->connection;
+        connection.dispatchEvents();
         if (!xcb_connection_has_error(connection.m_connection))
             return G_SOURCE_CONTINUE;
         connection.lost.emit();
         return G_SOURCE_REMOVE;
     }
 
-    Connection& connection;
-    GSourceHandle<Base> base;
     static constexpr gushort kInput = G_IO_IN | G_IO_HUP | G_IO_ERR;
+
+    Connection& connection;
     GPollFD poll{};
+    GSourceHandle<Base> base;
     std::optional<Instant> restsUntil; ///< else the socket is listened to
     TurnPace pace;
     Reply<xcb_generic_event_t> queued;
@@ -228,33 +236,45 @@ void Connection::forgetWindow(xcb_window_t window)
     m_masks->byWindow.erase(window);
 }
 
-void Connection::waitUntilHandled(std::uint32_t sequence)
+bool Connection::isHandled(std::uint32_t sequence) const
 {
     // The numbers begin anew after 2^32.
-    if (static_cast<std::int32_t>(m_handled - sequence) >= 0)
+    return static_cast<std::int32_t>(m_handled - sequence) >= 0;
+}
+
+/// Events that were read late tell of earlier requests than an answer has.
+void Connection::tellHandled(std::uint32_t sequence)
+{
+    if (!isHandled(sequence))
+        m_handled = sequence;
+}
+
+void Connection::waitUntilHandled(std::uint32_t sequence)
+{
+    if (isHandled(sequence))
         return;
     auto cookie = xcb_get_input_focus(m_connection);
     if (owned(xcb_get_input_focus_reply(m_connection, cookie, nullptr)))
-        m_handled = cookie.sequence;
+        tellHandled(cookie.sequence);
 }
 
-Duration Connection::dispatchEvents()
+void Connection::dispatchEvents()
 {
     TurnPace::Events events = TurnPace::Events::none;
     for (int i = 0; i < kEventsPerTurn; ++i) {
         const auto next = m_source->next();
         if (!next)
             break;
-        m_handled = next->full_sequence;
+        tellHandled(next->full_sequence);
         if (next->response_type == 0)
             continue; // an error of a request that nobody waits for
-        events = std::max(events, TurnPace::kindOf(*next, root()));
+        events = std::max(events, m_source->pace.kindOf(*next));
         event.emit(next.get());
     }
     m_source->readBeforeTurnEnd = xcb_total_read(m_connection);
     turnEnded.emit();
     xcb_flush(m_connection);
-    return m_source->pace.restAfter(WorkSchedule::now(), events);
+    m_source->restAfter(events);
 }
 
 }

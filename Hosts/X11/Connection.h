@@ -8,7 +8,6 @@
 
 #include "Hosts/X11/Atoms.h"
 #include "Hosts/X11/PixelLayout.h"
-#include "Quorvel/Platform/Dispatch.h"
 #include "Quorvel/Platform/Published.h"
 
 namespace quorvel::xdg::x11 {
@@ -60,8 +59,10 @@ private:
     struct Source;
 
     Connection(xcb_connection_t*, int screenNumber);
-    /// Reads and emits all events that are waiting. Returns how long more of them may gather.
-    Duration dispatchEvents();
+    /// Reads and emits all events that are waiting.
+    void dispatchEvents();
+    bool isHandled(std::uint32_t sequence) const;
+    void tellHandled(std::uint32_t sequence);
 
     xcb_connection_t* m_connection;
     int m_screenNumber;

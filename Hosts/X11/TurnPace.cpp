@@ -4,20 +4,30 @@
 
 namespace quorvel::xdg::x11 {
 
-TurnPace::Events TurnPace::kindOf(const xcb_generic_event_t& event, xcb_window_t root)
+TurnPace::TurnPace(xcb_window_t root, std::uint32_t resourceBase, std::uint32_t resourceMask)
+    : m_root(root)
+    , m_resourceBase(resourceBase)
+    , m_resourceMask(resourceMask)
 {
-    xcb_window_t window = root;
-    switch (event.response_type & 0x7f) {
-    case XCB_PROPERTY_NOTIFY:
-        window = reinterpret_cast<const xcb_property_notify_event_t&>(event).window;
-        break;
-    case XCB_CONFIGURE_NOTIFY:
-        window = reinterpret_cast<const xcb_configure_notify_event_t&>(event).window;
-        break;
-    default:
-        break;
+}
+
+TurnPace::Events TurnPace::kindOf(const xcb_generic_event_t& event) const
+{
+    const auto ofWindow = [this](xcb_window_t window) {
+        const bool isOurs = (window & ~m_resourceMask) == m_resourceBase;
+        return isOurs || window == m_root ? Events::urgent : Events::patient;
+    };
+    const int type = event.response_type & 0x7f;
+    if (type == XCB_PROPERTY_NOTIFY) {
+        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        // Whoever is sent a text in pieces deletes each when it has read it.
+        return change.state == XCB_PROPERTY_DELETE ? Events::urgent : ofWindow(change.window);
     }
-    return window == root ? Events::urgent : Events::patient;
+    if (type == XCB_CONFIGURE_NOTIFY)
+        return ofWindow(reinterpret_cast<const xcb_configure_notify_event_t&>(event).window);
+    const bool isInput
+        = (type >= XCB_KEY_PRESS && type <= XCB_LEAVE_NOTIFY) || type == XCB_GE_GENERIC;
+    return isInput ? Events::input : Events::urgent;
 }
 
 Duration TurnPace::restAfter(Instant now, Events events)
@@ -28,7 +38,9 @@ Duration TurnPace::restAfter(Instant now, Events events)
         m_allowance = std::min<double>(kAtOnce, m_allowance + since / interval);
     }
     m_latest = now;
-    if (events != Events::patient)
+    if (events == Events::input)
+        m_inputLastsUntil = now + kInputLasts;
+    if (events != Events::patient || now < m_inputLastsUntil)
         return Duration::zero();
     m_allowance = std::max(m_allowance - 1, -1.0);
     return m_allowance < 0 ? std::chrono::duration_cast<Duration>(-m_allowance * kInterval)

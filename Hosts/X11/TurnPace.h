@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 
 #include <xcb/xcb.h>
 
@@ -10,26 +11,38 @@ namespace quorvel::xdg::x11 {
 
 /// How often the loop turns for events that nobody waits for. Each wakes the program, which costs
 /// more than to handle it. So a few come at once, and a flood (a terminal that counts in its title,
-/// a window that is dragged) is let gather, for a quarter of a frame.
+/// a window that is dragged) is let gather for some milliseconds, in which the rest is not read
+/// either: but while the user does something with the bar, nothing gathers.
 class TurnPace {
 public:
     static constexpr int kAtOnce = 8;
     static constexpr Duration kInterval = std::chrono::milliseconds{4};
+    /// After the latest input.
+    static constexpr Duration kInputLasts = std::chrono::milliseconds{100};
 
     /// Of a turn: those that count most.
     enum class Events {
         none,
         patient, ///< what other programs' windows say of themselves, and where they are
-        urgent, ///< all else: what users do, windows that come and go, the root
+        urgent, ///< all else: windows that come and go, the root, our own, transfers
+        input, ///< the pointer and the keys
     };
-    static Events kindOf(const xcb_generic_event_t&, xcb_window_t root);
 
-    /// How long further events may stay where they are.
+    /// Of a client whose windows have this base and the bits of this mask as their own.
+    TurnPace(xcb_window_t root, std::uint32_t resourceBase, std::uint32_t resourceMask);
+
+    Events kindOf(const xcb_generic_event_t&) const;
+
+    /// How long further events may stay where they are, after a turn with these.
     Duration restAfter(Instant now, Events);
 
 private:
+    xcb_window_t m_root;
+    std::uint32_t m_resourceBase;
+    std::uint32_t m_resourceMask;
     double m_allowance = kAtOnce; ///< turns
     Instant m_latest = Instant::min();
+    Instant m_inputLastsUntil = Instant::min();
 };
 
 }

@@ -6,21 +6,27 @@ namespace quorvel::xdg::x11 {
 namespace {
 
 constexpr xcb_window_t kRoot = 1;
-constexpr xcb_window_t kWindow = 7;
+constexpr std::uint32_t kMask = 0xfffff;
+constexpr xcb_window_t kOurs = 0x300000;
+constexpr xcb_window_t kWindow = 0x400007;
 using Events = TurnPace::Events;
 
-Events kindOf(std::uint8_t type, xcb_window_t window)
+Events kindOf(std::uint8_t type, xcb_window_t window, bool isDeleted = false)
 {
     xcb_generic_event_t event{};
     event.response_type = type;
+    auto& change = reinterpret_cast<xcb_property_notify_event_t&>(event);
     if (type == XCB_CONFIGURE_NOTIFY)
         reinterpret_cast<xcb_configure_notify_event_t&>(event).window = window;
     else
-        reinterpret_cast<xcb_property_notify_event_t&>(event).window = window;
-    return TurnPace::kindOf(event, kRoot);
+        change.window = window;
+    if (isDeleted)
+        change.state = XCB_PROPERTY_DELETE;
+    return TurnPace{kRoot, kOurs, kMask}.kindOf(event);
 }
 
-// Faults: a click, or a window that comes, waits behind a title that counts.
+// Faults: a window that comes, or a text that is pasted, waits behind a title that counts; input
+// that is not known for what it is.
 TEST(TurnPace, onlyOtherProgramsWindowsMayWait)
 {
     EXPECT_EQ(kindOf(XCB_PROPERTY_NOTIFY, kWindow), Events::patient);
@@ -28,16 +34,21 @@ TEST(TurnPace, onlyOtherProgramsWindowsMayWait)
     EXPECT_EQ(kindOf(XCB_CONFIGURE_NOTIFY, kWindow), Events::patient);
     EXPECT_EQ(kindOf(XCB_PROPERTY_NOTIFY, kRoot), Events::urgent);
     EXPECT_EQ(kindOf(XCB_CONFIGURE_NOTIFY, kRoot), Events::urgent);
-    for (auto type : {XCB_BUTTON_PRESS, XCB_MOTION_NOTIFY, XCB_EXPOSE, XCB_MAP_NOTIFY,
-             XCB_DESTROY_NOTIFY, XCB_CLIENT_MESSAGE, XCB_GE_GENERIC})
+    EXPECT_EQ(kindOf(XCB_PROPERTY_NOTIFY, kOurs + 5), Events::urgent);
+    EXPECT_EQ(kindOf(XCB_CONFIGURE_NOTIFY, kOurs + 5), Events::urgent);
+    EXPECT_EQ(kindOf(XCB_PROPERTY_NOTIFY, kWindow, true), Events::urgent) << "read by its owner";
+    for (auto type : {XCB_EXPOSE, XCB_MAP_NOTIFY, XCB_DESTROY_NOTIFY, XCB_CLIENT_MESSAGE})
         EXPECT_EQ(kindOf(static_cast<std::uint8_t>(type), kWindow), Events::urgent) << type;
+    for (auto type :
+        {XCB_KEY_PRESS, XCB_BUTTON_PRESS, XCB_MOTION_NOTIFY, XCB_LEAVE_NOTIFY, XCB_GE_GENERIC})
+        EXPECT_EQ(kindOf(static_cast<std::uint8_t>(type), kOurs), Events::input) << type;
 }
 
 // Faults: each of a hundred titles in a row wakes the bar; a single one is late; the bar goes on
-// waking after the last.
+// waking after the last; what a user drags stutters beside a flood.
 TEST(TurnPace, aFloodGathersAndNothingElseDoes)
 {
-    TurnPace pace;
+    TurnPace pace{kRoot, kOurs, kMask};
     Instant now{std::chrono::seconds{5}};
     const auto turn = [&](Events events) {
         now += std::chrono::microseconds{100};
@@ -54,6 +65,14 @@ TEST(TurnPace, aFloodGathersAndNothingElseDoes)
     EXPECT_LE(turns, std::chrono::seconds{1} / TurnPace::kInterval + 1);
     EXPECT_EQ(turn(Events::urgent), Duration::zero());
     EXPECT_EQ(turn(Events::none), Duration::zero());
+
+    EXPECT_GT(turn(Events::patient), Duration::zero());
+    EXPECT_EQ(turn(Events::input), Duration::zero());
+    EXPECT_EQ(turn(Events::patient), Duration::zero());
+    now += TurnPace::kInputLasts;
+    for (int i = 0; i <= TurnPace::kAtOnce; ++i)
+        turn(Events::patient);
+    EXPECT_GT(turn(Events::patient), Duration::zero());
 
     now += std::chrono::milliseconds{40};
     EXPECT_EQ(turn(Events::patient), Duration::zero());
