@@ -8,7 +8,6 @@
 #include <unordered_map>
 
 #include <fmt/format.h>
-#include <glib-unix.h>
 #include <glib.h>
 #include <xcb/damage.h>
 #include <xcb/randr.h>
@@ -96,8 +95,7 @@ struct Connection::Source {
 
     explicit Source(Connection& owner)
         : connection(owner)
-        , pace(owner.root(), xcb_get_setup(owner.m_connection)->resource_id_base,
-              xcb_get_setup(owner.m_connection)->resource_id_mask)
+        , pace([&owner](auto window) { return window == owner.root() || owner.isOwn(window); })
     {
         static GSourceFuncs functions{
             &Source::prepare, &Source::check, &Source::dispatch, nullptr, nullptr, nullptr};
@@ -234,6 +232,12 @@ void Connection::removeEventMask(xcb_window_t window, std::uint32_t mask)
 void Connection::forgetWindow(xcb_window_t window)
 {
     m_masks->byWindow.erase(window);
+}
+
+bool Connection::isOwn(xcb_window_t window) const
+{
+    auto* setup = xcb_get_setup(m_connection);
+    return (window & ~setup->resource_id_mask) == setup->resource_id_base;
 }
 
 bool Connection::isHandled(std::uint32_t sequence) const

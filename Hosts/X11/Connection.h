@@ -34,6 +34,8 @@ public:
     int screenNumber() const { return m_screenNumber; }
     xcb_window_t root() const { return m_screen->root; }
     const Atoms& atoms() const { return m_atoms; }
+    /// Whether it was made over this connection.
+    bool isOwn(xcb_window_t) const;
 
     /// Adds events to those this program receives from the window. A client has one event mask per
     /// window, so the mask of the root or of another client's window must not be set directly.

@@ -1,21 +1,19 @@
 #include "Hosts/X11/TurnPace.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quorvel::xdg::x11 {
 
-TurnPace::TurnPace(xcb_window_t root, std::uint32_t resourceBase, std::uint32_t resourceMask)
-    : m_root(root)
-    , m_resourceBase(resourceBase)
-    , m_resourceMask(resourceMask)
+TurnPace::TurnPace(std::function<bool(xcb_window_t)> concernsUs)
+    : m_concernsUs(std::move(concernsUs))
 {
 }
 
 TurnPace::Events TurnPace::kindOf(const xcb_generic_event_t& event) const
 {
     const auto ofWindow = [this](xcb_window_t window) {
-        const bool isOurs = (window & ~m_resourceMask) == m_resourceBase;
-        return isOurs || window == m_root ? Events::urgent : Events::patient;
+        return m_concernsUs(window) ? Events::urgent : Events::patient;
     };
     const int type = event.response_type & 0x7f;
     if (type == XCB_PROPERTY_NOTIFY) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
+#include <functional>
 
 #include <xcb/xcb.h>
 
@@ -28,8 +28,8 @@ public:
         input, ///< the pointer and the keys
     };
 
-    /// Of a client whose windows have this base and the bits of this mask as their own.
-    TurnPace(xcb_window_t root, std::uint32_t resourceBase, std::uint32_t resourceMask);
+    /// Told which windows are the root or our own.
+    explicit TurnPace(std::function<bool(xcb_window_t)> concernsUs);
 
     Events kindOf(const xcb_generic_event_t&) const;
 
@@ -37,9 +37,7 @@ public:
     Duration restAfter(Instant now, Events);
 
 private:
-    xcb_window_t m_root;
-    std::uint32_t m_resourceBase;
-    std::uint32_t m_resourceMask;
+    std::function<bool(xcb_window_t)> m_concernsUs;
     double m_allowance = kAtOnce; ///< turns
     Instant m_latest = Instant::min();
     Instant m_inputLastsUntil = Instant::min();

@@ -319,8 +319,7 @@ void Mirror::scheduleNext()
 
 bool Mirror::isOwn(xcb_window_t window) const
 {
-    auto* setup = xcb_get_setup(m_connection.raw());
-    return (window & ~setup->resource_id_mask) == setup->resource_id_base;
+    return m_connection.isOwn(window);
 }
 
 }
