@@ -52,6 +52,22 @@ TEST_F(WindowStoreSchedule, aRequestAfterTheLastScanStartsANewBurstWhenThisOneEn
     EXPECT_THAT(scans(), ElementsAre(0.3, 0.8, 2.0, 2.8, 3.3, 4.5));
 }
 
+// Fault: a window that the application lists late, and the window server later still, is met by the
+// last scan for the first time and never looked at again.
+TEST_F(WindowStoreSchedule, whatTheLastScanMeetsFirstIsSoughtByAnotherBurst)
+{
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(1));
+    auto late = desktop.open(mail);
+    desktop.window(late).faults.isListed = false;
+    desktop.advance(seconds(1.2));
+    desktop.window(late).faults.isListed = true;
+    desktop.advance(seconds(20));
+
+    EXPECT_TRUE(isTracked(late));
+    EXPECT_THAT(scans(), ElementsAre(0.3, 0.8, 2.0, 2.8, 3.3, 4.5));
+}
+
 TEST_F(WindowStoreSchedule, aWindowThatIsNeverPublishedDoesNotKeepTheProgramBusy)
 {
     auto never = desktop.open(mail);

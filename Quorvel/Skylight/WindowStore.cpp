@@ -157,6 +157,8 @@ bool WindowStore::isWorthSeeking(ProcessID pid, std::set<WindowID> unexplained)
             std::erase_if(*burst->sought, isGone);
         else
             burst->sought = unexplained;
+        if (burst->hasScannedLast())
+            known->soughtInVain = *burst->sought;
     }
     std::erase_if(known->soughtInVain, isGone);
     return !std::ranges::includes(known->soughtInVain, unexplained);

@@ -146,7 +146,6 @@ private:
     void runDueLooks();
     void runDueLook(ProcessID, ProcessRecord::Due, const WindowScanner::Moment&);
     void lookAt(ProcessID, ProcessRecord::Due, const WindowScanner::Moment&);
-    void advanceBurst(ProcessID);
     /// Starts a whole burst, after the one in progress: its remaining scans may come too early.
     void scheduleFreshDeferredScan(ProcessID);
     void endDeferredScanBurst(ProcessID);

@@ -99,10 +99,11 @@ void WindowStore::runDueLook(
         known->missingFollowUpAt.reset();
     if (due.unanswered)
         known->unanswered->at.reset();
+    // Counted before it is made: what the last look cannot explain is for another burst.
+    if (due.burstScan)
+        ++known->burst->scansDone;
     if (due.needsScan())
         lookAt(pid, due, moment);
-    if (due.burstScan)
-        advanceBurst(pid);
     if (due.burstEnd)
         endDeferredScanBurst(pid);
     if (due.tick)
@@ -150,16 +151,6 @@ void WindowStore::scheduleFreshDeferredScan(ProcessID pid)
         burst->isRequestedAgain = true;
     else
         scheduleDeferredScan(pid);
-}
-
-void WindowStore::advanceBurst(ProcessID pid)
-{
-    auto* known = knownRecord(pid);
-    if (!known || !known->burst)
-        return;
-    ++known->burst->scansDone;
-    if (known->burst->hasScannedLast())
-        known->soughtInVain = known->burst->sought.value_or(std::set<WindowID>{});
 }
 
 void WindowStore::endDeferredScanBurst(ProcessID pid)
