@@ -32,7 +32,7 @@ namespace quorvel {
 
 namespace {
 
-constexpr Duration kRefreshAfterAttach = seconds(0.8);
+constexpr Duration kLateRefresh = seconds(0.8);
 constexpr Duration kBootstrapPause = seconds(1.5);
 
 SpaceWindows::Answer askForSpaces(const Platform& platform)
@@ -327,7 +327,7 @@ void QuorvelApp::startMainRuntime(Application& app)
     wireObserverManager(runtime);
     observeWorkspace(runtime);
     observeHints(runtime);
-    bootstrapFrontmost(runtime);
+    bootstrapRunning(runtime);
 }
 
 Menu QuorvelApp::about(Runtime& runtime, WindowID id)
@@ -388,15 +388,15 @@ void QuorvelApp::wireObserverManager(Runtime& runtime)
         if (runtime.m_platform.workspace.frontmostApplication() == pid)
             runtime.windowStore().handleAppActivated(pid);
         runtime.m_refreshAfterAttach[pid]
-            = runtime.m_platform.dispatch.main().after(kRefreshAfterAttach, [&runtime, pid] {
+            = runtime.m_platform.dispatch.main().after(kLateRefresh, [&runtime, pid] {
                   runtime.axManager().refreshWindows({pid});
                   runtime.m_refreshAfterAttach.erase(pid);
               });
     };
     manager.onObserverFailed
         = [&runtime](ProcessID pid) { runtime.windowStore().handleObserverFailed(pid); };
-    runtime.windowStore().onFirstWindow
-        = [&runtime](ProcessID pid) { runtime.axManager().observe(pid); };
+    runtime.windowStore().onUnheard
+        = [&runtime](ProcessID pid) { runtime.axManager().refreshWindows({pid}); };
     manager.start();
     for (auto pid : runtime.windowStore().trackedPIDs())
         manager.observe(pid);
@@ -433,19 +433,22 @@ void QuorvelApp::bootstrap(Runtime& runtime, ProcessID pid)
     runtime.windowStore().scheduleDeferredScan(pid);
 }
 
-/// Nobody announces the activation of the application that is in front already, and its first
-/// window may be still to come.
-void QuorvelApp::bootstrapFrontmost(Runtime& runtime)
+/// Nobody announces the start of what runs already, nor the activation of what is in front: their
+/// first windows may be still to come.
+void QuorvelApp::bootstrapRunning(Runtime& runtime)
 {
-    auto& workspace = runtime.m_platform.workspace;
-    auto pid = workspace.frontmostApplication();
-    auto application = pid ? workspace.runningApplication(*pid) : std::nullopt;
-    bool isOurs = pid == runtime.m_platform.application.processID();
-    if (!application || isOurs || !mayBeBootstrapped(*application)
-        || runtime.windowStore().trackedPIDs().contains(*pid))
-        return;
-    runtime.m_lastBootstrap[*pid] = runtime.m_platform.dispatch.now();
-    bootstrap(runtime, *pid);
+    auto tracked = runtime.windowStore().trackedPIDs();
+    std::vector<ProcessID> pids;
+    runtime.m_platform.workspace.enumerateRunningApplications(
+        [&](const RunningApplication& application) {
+            bool isOurs = application.pid == runtime.m_platform.application.processID();
+            if (!isOurs && mayBeBootstrapped(application) && !tracked.contains(application.pid))
+                pids.push_back(application.pid);
+        });
+    for (auto pid : pids) {
+        runtime.m_lastBootstrap[pid] = runtime.m_platform.dispatch.now();
+        bootstrap(runtime, pid);
+    }
 }
 
 void QuorvelApp::applicationDidActivate(Runtime& runtime, const RunningApplication& application)
@@ -484,7 +487,15 @@ void QuorvelApp::resynchronise(
         store.resyncMinimizedWindows();
     runtime.m_barManager->syncPanels(answer);
     store.discoverNewWindowsForTrackedPIDs(std::move(spaces));
-    auto pids = store.trackedPIDs();
+    refreshTracked(runtime);
+    // Applications are slow to list the windows of another space.
+    runtime.m_refreshAfterChange = runtime.m_platform.dispatch.main().after(
+        kLateRefresh, [&runtime] { refreshTracked(runtime); });
+}
+
+void QuorvelApp::refreshTracked(Runtime& runtime)
+{
+    auto pids = runtime.windowStore().trackedPIDs();
     if (!pids.empty())
         runtime.axManager().refreshWindows(pids);
 }

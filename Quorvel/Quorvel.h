@@ -84,6 +84,7 @@ private:
     std::map<ProcessID, Instant> m_lastBootstrap;
     std::vector<Subscription> m_subscriptions;
     std::map<ProcessID, WorkItem> m_refreshAfterAttach;
+    WorkItem m_refreshAfterChange; ///< of spaces, or after sleep
     std::unique_ptr<LaunchCoordinator> m_coordinator;
 };
 
@@ -122,7 +123,8 @@ private:
     static void followMendedMatches(Runtime&);
     static Menu about(Runtime&, WindowID);
     static void end(Runtime&);
-    static void bootstrapFrontmost(Runtime&);
+    static void bootstrapRunning(Runtime&);
+    static void refreshTracked(Runtime&);
     static void applicationDidActivate(Runtime&, const RunningApplication&);
     enum class Occasion { wake, spaceChange };
     static void resynchronise(Runtime&, Occasion, const SpaceWindows::Answer&);

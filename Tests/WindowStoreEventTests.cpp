@@ -124,8 +124,17 @@ TEST_F(WindowStoreEvents, aNewWindowIsAskedForItsSpacesAndOnlyGrowthMakesAnOldOn
     store.handleAXEvent(event(reply, ax::windowCreated));
     ASSERT_TRUE(isTracked(reply));
     EXPECT_EQ(store.window(reply)->spaceIDs, std::set{SpaceID{1}});
-
     desktop.advance(seconds(20));
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(1));
+    auto unannounced = desktop.open(mail);
+    desktop.window(unannounced).isInSpaceLists = false;
+    desktop.windowServer().failSpacesOfWindows(true);
+    desktop.advance(seconds(1.2));
+    desktop.windowServer().failSpacesOfWindows(false);
+    desktop.advance(seconds(1));
+    EXPECT_TRUE(isTracked(unannounced));
+
     auto tip = desktop.open(news, {.frame = {0, 0, 30, 30}});
     desktop.advance(seconds(20));
     desktop.windowServer().forgetListings();
@@ -187,6 +196,13 @@ TEST_F(WindowStoreEvents, aWindowThatCrossesToAnotherScreenHasItsSpacesReadAgain
     EXPECT_EQ(store.window(inbox)->spaceIDs, std::set{SpaceID{10}});
     moveTo({120, -1000});
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "within the second";
+
+    desktop.move(inbox, {100, 100});
+    scanAfter(mail, seconds(0.1)); // which learns of the place before the event comes
+    desktop.moveToSpace(inbox, SpaceID{1});
+    store.handleAXEvent(event(inbox, ax::windowMoved));
+    desktop.advance(seconds(0.2));
+    EXPECT_EQ(store.window(inbox)->spaceIDs, std::set{SpaceID{1}});
 }
 
 }

@@ -68,6 +68,67 @@ TEST_F(WindowStoreSchedule, whatTheLastScanMeetsFirstIsSoughtByAnotherBurst)
     EXPECT_THAT(scans(), ElementsAre(0.3, 0.8, 2.0, 2.8, 3.3, 4.5));
 }
 
+// Faults: a request after a change of space is taken for one that the last scan serves, which comes
+// too early; an application whose windows are all there is not asked for when the list could not be
+// had.
+TEST_F(WindowStoreSchedule, aChangeOfSpaceHasABurstOfItsOwn)
+{
+    auto late = desktop.open(mail);
+    desktop.window(late).faults.isListed = false;
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(1.95));
+    store.discoverNewWindowsForTrackedPIDs();
+    desktop.advance(seconds(0.15));
+    desktop.window(late).faults.isListed = true;
+    desktop.advance(seconds(20));
+    EXPECT_TRUE(isTracked(late));
+
+    auto feed = desktop.open(desktop.launch({.bundleIdentifier = "com.example.news"}));
+    desktop.windowServer().failWindowLists(true);
+    store.discoverNewWindowsForTrackedPIDs();
+    desktop.windowServer().failWindowLists(false);
+    desktop.advance(seconds(0.5));
+    EXPECT_TRUE(isTracked(feed));
+}
+
+// Fault: looks that could not be made count as some that found nothing.
+TEST_F(WindowStoreSchedule, whatOnlyTheLastOfThreeLooksCouldSeekIsSoughtAgain)
+{
+    auto late = desktop.open(mail);
+    desktop.window(late).faults.isListed = false;
+    desktop.windowServer().failWindowLists(true);
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(1));
+    desktop.windowServer().failWindowLists(false);
+    desktop.advance(seconds(2));
+    desktop.window(late).faults.isListed = true;
+    desktop.advance(seconds(2));
+    EXPECT_TRUE(isTracked(late));
+}
+
+// Faults: what a tick or the last scan could not read is shown as it was for ever; or asked for
+// again and again, though it is not to be had.
+TEST_F(WindowStoreSchedule, aTitleThatCouldNotBeReadIsReadByAnotherBurst)
+{
+    store.handleObserverAttached(mail);
+    desktop.advance(seconds(20));
+    desktop.window(inbox).faults.missingAttributes = {"AXTitle"};
+    desktop.retitle(inbox, "Drafts");
+    store.startLifecycleMonitoring(mail, seconds(0.2));
+    desktop.advance(seconds(1.5));
+    EXPECT_EQ(store.window(inbox)->windowTitle, "Window");
+    desktop.window(inbox).faults.missingAttributes = {};
+    desktop.advance(seconds(2));
+    EXPECT_EQ(store.window(inbox)->windowTitle, "Drafts");
+
+    desktop.window(inbox).faults.missingAttributes = {"AXTitle"};
+    store.scheduleDeferredScan(mail);
+    desktop.advance(seconds(60));
+    desktop.windowServer().forgetListings();
+    desktop.advance(seconds(60));
+    EXPECT_THAT(scans(), IsEmpty());
+}
+
 TEST_F(WindowStoreSchedule, aWindowThatIsNeverPublishedDoesNotKeepTheProgramBusy)
 {
     auto never = desktop.open(mail);

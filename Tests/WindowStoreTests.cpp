@@ -200,15 +200,18 @@ TEST_F(WindowStoreTest, oneMissIsNotEnoughHoweverLongItIsAgo)
     }
 }
 
+// Fault: an application that is none of the user's for a moment loses its chips for good.
 TEST_F(WindowStoreTest, aProcessThatMayOwnNoWindowsLosesThemAtOnce)
 {
     auto id = desktop.open(mail);
     store.populate();
     desktop.application(mail).info.activationPolicy = ActivationPolicy::accessory;
-
-    scanAfter(mail, seconds(0.1));
-
+    store.discoverNewWindowsForTrackedPIDs();
     EXPECT_FALSE(isTracked(id));
+
+    desktop.application(mail).info.activationPolicy = ActivationPolicy::regular;
+    desktop.advance(seconds(0.5));
+    EXPECT_TRUE(isTracked(id));
 }
 
 // Fault: what a window did not get to say counts as said, and its chip comes and goes.
@@ -269,6 +272,19 @@ TEST_F(WindowStoreTest, aHungApplicationAmongHealthyOnesCostsOneTimeoutALookWhat
 }
 
 // MARK: Spaces
+
+// Fault: a window that no space was known of at the start is on none for ever.
+TEST_F(WindowStoreTest, aWindowOfNoKnownSpaceAtTheStartIsAskedForAgain)
+{
+    auto id = desktop.open(mail);
+    desktop.window(id).isInSpaceLists = false;
+    desktop.windowServer().failSpacesOfWindows(true);
+    store.populate();
+    desktop.windowServer().failSpacesOfWindows(false);
+    EXPECT_TRUE(store.window(id)->spaceIDs.empty());
+    desktop.advance(seconds(0.3));
+    EXPECT_EQ(store.window(id)->spaceIDs, std::set{SpaceID{1}});
+}
 
 // Fault: a call that fails reads as an empty answer, and chips go.
 TEST_F(WindowStoreTest, callsThatAnswerNothingLoseNoWindow)

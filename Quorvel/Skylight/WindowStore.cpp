@@ -122,11 +122,15 @@ int WindowStore::reconcileWindowsForPID(ProcessID pid, const WindowScanner::Mome
 {
     auto scan = m_scanner.scan(pid, moment);
     if (scan.hasFailed) {
+        // It has looked for nothing, so nothing was sought in vain.
+        if (auto* known = knownRecord(pid); known && known->burst)
+            known->burst->sought.emplace();
         lookAgainOnceItAnswers(pid);
         return 0;
     }
     bool hasChanged = updateTrackedWindows(pid, scan);
     auto [added, unexplained] = admitNewWindows(pid, scan);
+    unexplained.merge(unreadWindows(pid, scan));
     hasChanged |= added > 0;
     hasChanged |= removeMissingWindows(pid, scan);
     if (hasChanged)
@@ -134,6 +138,19 @@ int WindowStore::reconcileWindowsForPID(ProcessID pid, const WindowScanner::Mome
     if (isWorthSeeking(pid, std::move(unexplained)))
         scheduleDeferredScan(pid);
     return static_cast<int>(scan.candidates.size());
+}
+
+std::set<WindowID> WindowStore::unreadWindows(ProcessID pid, const PIDWindowScan& scan)
+{
+    std::set<WindowID> ids;
+    // One that does not answer is looked at again for that.
+    if (m_scanner.calls().hasTimedOut(pid))
+        return ids;
+    for (auto& [id, candidate] : scan.candidates) {
+        if (m_windows.contains(id) && (!candidate.title || !candidate.isMinimized))
+            ids.insert(ids.end(), id);
+    }
+    return ids;
 }
 
 bool WindowStore::updateTrackedWindows(ProcessID pid, const PIDWindowScan& scan)
@@ -172,6 +189,9 @@ bool WindowStore::updateTracked(
     window.appName = candidate.appName;
     window.bundleIdentifier = candidate.bundleID;
     window.windowTitle = candidate.title.value_or(window.windowTitle);
+    // Else the notification that follows would find nothing new about the place.
+    if (window.frame != candidate.frame)
+        noteMove(window.frame, candidate.frame);
     window.frame = candidate.frame;
     window.isMinimized = candidate.isMinimized.value_or(window.isMinimized);
     window.spaceIDs = spacesNow(window, candidate.spaces, candidate.unlistedSpaces);
@@ -190,7 +210,6 @@ std::set<SpaceID> WindowStore::spacesNow(const TrackedWindow& window, std::set<S
 
 void WindowStore::track(WindowID id, ProcessID pid, const ScannedWindowCandidate& candidate)
 {
-    bool isFirst = !isObserverAttached(pid) && !hasTrackedWindows(pid);
     m_windows.insert_or_assign(id,
         TrackedWindow{
             .windowID = id,
@@ -206,8 +225,12 @@ void WindowStore::track(WindowID id, ProcessID pid, const ScannedWindowCandidate
     // Nobody announces what it could not tell yet.
     if (!candidate.title || !candidate.isMinimized)
         scheduleFreshDeferredScan(pid);
-    if (isFirst && onFirstWindow)
-        onFirstWindow(pid);
+}
+
+void WindowStore::trackFound(WindowID id, ProcessID pid, const ScannedWindowCandidate& candidate)
+{
+    track(id, pid, candidate);
+    onUnheard(pid);
 }
 
 WindowStore::Admission WindowStore::admitNewWindows(ProcessID pid, const PIDWindowScan& scan)
@@ -224,9 +247,14 @@ WindowStore::Admission WindowStore::admitNewWindows(ProcessID pid, const PIDWind
             admission.unexplained.insert(id);
             continue;
         }
-        if (candidate.spaces.empty())
+        auto found = candidate;
+        if (found.spaces.empty())
+            found.spaces = m_scanner.querySpaces(id);
+        if (found.spaces.empty()) {
+            admission.unexplained.insert(id);
             continue;
-        track(id, pid, candidate);
+        }
+        trackFound(id, pid, found);
         ++admission.added;
     }
     return admission;
@@ -241,6 +269,9 @@ bool WindowStore::removeMissingWindows(ProcessID pid, const PIDWindowScan& scan)
         } else if (!scan.isDockEligibleOwner) {
             forget(id);
             hasChanged = true;
+            // Nobody announces that it has become an ordinary application again.
+            if (!hasEnded(pid))
+                scheduleFreshDeferredScan(pid);
         } else if (noteMissed(id) == Missed::removed) {
             hasChanged = true;
             // Still listed, so its application may have misjudged it only for a moment.
@@ -286,7 +317,7 @@ void WindowStore::populate()
     // A question to ourselves would wait for the very thread that asks.
     if (auto frontmost = m_workspace.frontmostApplication();
         frontmost && !m_workspace.isSelfActive())
-        handleAppActivated(*frontmost);
+        readFocus(*frontmost);
     onChange();
 }
 
@@ -298,6 +329,7 @@ void WindowStore::populateProcess(ProcessID pid, const WindowScanner::Moment& mo
         needsRescan |= !candidate.isAXConfirmed;
         if (candidate.spaces.empty())
             candidate.spaces = m_scanner.querySpaces(id);
+        needsRescan |= candidate.spaces.empty();
         track(id, pid, candidate);
     }
     if (needsRescan)
@@ -305,6 +337,22 @@ void WindowStore::populateProcess(ProcessID pid, const WindowScanner::Moment& mo
 }
 
 void WindowStore::handleAppActivated(ProcessID pid)
+{
+    AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    readFocus(pid);
+    if (needsObserverBootstrap(pid))
+        return; // it is looked at from the start
+    if (!isObserverAttached(pid))
+        onUnheard(pid);
+    if (m_scanner.calls().hasTimedOut(pid))
+        return; // it is looked at once it answers
+    // It could not say, or its window has no chip.
+    auto* focused = tracked(m_focusedWindowID);
+    if (!focused || focused->pid != pid)
+        scanForUntracked(pid);
+}
+
+void WindowStore::readFocus(ProcessID pid)
 {
     ++m_debugEventSequence;
     auto frontmost = m_workspace.frontmostApplication();
@@ -409,6 +457,8 @@ int WindowStore::discoverNewWindowsForTrackedPIDs(std::optional<WindowScanner::S
     AXCalls::Scan hungOnlyOnce(m_scanner.calls());
     auto moment = spaces ? m_scanner.lookAtAll(std::move(*spaces)) : m_scanner.lookAtAll();
     auto pids = trackedPIDs();
+    if (moment.listing == Listing::failed)
+        pids.insert(moment.eligiblePIDs.begin(), moment.eligiblePIDs.end());
     for (auto& [pid, windows] : moment.windowsByOwner)
         pids.insert(pid);
     Discovery total;
@@ -439,7 +489,7 @@ WindowStore::Discovery WindowStore::discover(ProcessID pid, const WindowScanner:
     // Applications without a chip keep many windows that nobody ever sees.
     bool isWorthIt = isNew ? std::ranges::any_of(unexplained, isShown) : !unexplained.empty();
     if (isWorthIt)
-        scheduleDeferredScan(pid);
+        scheduleFreshDeferredScan(pid);
     // A window whose end nobody announced is noticed here and gone after the usual grace.
     bool hasRemoved = removeMissingWindows(pid, scan);
     scheduleMissingFollowUp(pid);

@@ -57,8 +57,8 @@ public:
     /// One slot, never empty: called at the end of each operation that changed the windows or the
     /// focus.
     std::function<void()> onChange = [] { };
-    /// Emitted when a process that is not observed gets its first window on the bar.
-    std::function<void(ProcessID)> onFirstWindow;
+    /// Emitted when perhaps nobody listens to the process, or to a window of it that was found.
+    std::function<void(ProcessID)> onUnheard = [](ProcessID) { };
 
     // What the system reports.
     void populate();
@@ -117,10 +117,13 @@ private:
     /// A window may move to another process: X11 learns late whose it is.
     bool updateTracked(TrackedWindow&, ProcessID, const ScannedWindowCandidate&);
     void track(WindowID, ProcessID, const ScannedWindowCandidate&);
+    void trackFound(WindowID, ProcessID, const ScannedWindowCandidate&);
     bool updateTrackedWindows(ProcessID, const PIDWindowScan&);
     /// Tracks the new windows in the scan.
     Admission admitNewWindows(ProcessID, const PIDWindowScan&);
     Discovery discover(ProcessID, const WindowScanner::Moment&);
+    /// Tracked windows whose title or minimised state could not be read.
+    std::set<WindowID> unreadWindows(ProcessID, const PIDWindowScan&);
     /// False if a whole burst has looked for each of these windows in vain.
     bool isWorthSeeking(ProcessID, std::set<WindowID> unexplained);
     bool removeMissingWindows(ProcessID, const PIDWindowScan&);
@@ -155,8 +158,11 @@ private:
     void ensureLifecycleMonitoringForWindowActivity(ProcessID);
     void scheduleMissingFollowUp(ProcessID);
     void lookAgainOnceItAnswers(ProcessID);
+    /// Onto another screen, a window may take that screen's space.
+    void noteMove(const Rect& before, const Rect& after);
     void scheduleCrossScreenSpacesRefresh();
 
+    void readFocus(ProcessID);
     void handleWindowCreated(const AXWindowEvent&);
     void handleDestroyed(const AXWindowEvent&);
     void handleTitleChanged(const AXWindowEvent&);

@@ -143,13 +143,18 @@ void WindowStore::handleFrameChanged(const AXWindowEvent& event)
         return;
     }
     if (!isLargeEnough(*frame))
-        scheduleDeferredScan(event.pid);
+        scheduleFreshDeferredScan(event.pid);
     auto before = window->frame;
     if (*frame != before) {
         window->frame = *frame;
         onChange();
     }
-    if (indexOfScreenContaining(before) != indexOfScreenContaining(*frame))
+    noteMove(before, *frame);
+}
+
+void WindowStore::noteMove(const Rect& before, const Rect& after)
+{
+    if (indexOfScreenContaining(before) != indexOfScreenContaining(after))
         scheduleCrossScreenSpacesRefresh();
 }
 
@@ -213,6 +218,8 @@ void WindowStore::handleFocusedWindowChanged(const AXWindowEvent& event)
     m_trace.line("focusedChanged queried pid={} windowID={} seq={}", raw(event.pid), raw(*id),
         m_debugEventSequence);
     setFocusedWindow(*id);
+    if (!tracked(id))
+        scanForUntracked(event.pid);
 }
 
 }

@@ -72,7 +72,7 @@ bool WindowStore::trackOnSpace(WindowID id, SpaceID space, const WindowScanner::
         hasChanged |= updateTracked(*window, *pid, candidate->second);
         m_reconcileStateByWindowID.insert_or_assign(id, Active{});
     } else {
-        track(id, *pid, candidate->second);
+        trackFound(id, *pid, candidate->second);
         hasChanged = true;
     }
     return true;

@@ -123,7 +123,7 @@ void WindowStore::lookAt(ProcessID pid, ProcessRecord::Due due, const WindowScan
     bool mayHaveNewFocus
         = due.burstScan || due.unanswered || (due.tick && !isObserverAttached(pid));
     if (mayHaveNewFocus && candidates >= 1 && m_workspace.frontmostApplication() == pid)
-        handleAppActivated(pid);
+        readFocus(pid);
 }
 
 bool WindowStore::hasEnded(ProcessID pid) const

@@ -15,7 +15,7 @@ inline constexpr double kLongestLie = 1.5;
 /// A new window that looks like none of the user's is looked at for a second: many applications
 /// announce their tooltips.
 inline constexpr double kLongestMisjudgement = 0.9;
-/// Between two such lies of one application a whole burst of looks finds the truth once.
+/// Between two lies that hide a window, a whole burst of looks finds the truth about it once.
 inline constexpr Duration kBetweenLies = seconds(kLongestLie + 2.5);
 inline constexpr double kLongestHang = 20;
 
@@ -23,7 +23,7 @@ struct ChurnOperations : BarFixture {
     std::mt19937 random;
     std::vector<WorkItem> later;
     std::set<ProcessID> ended;
-    std::map<ProcessID, Instant> nextLie;
+    std::map<WindowID, Instant> nextLie;
     std::uint64_t nextSpace = 100;
 
     double longestPause = 0.4; ///< between one and the next, now and then, in seconds
@@ -74,20 +74,20 @@ struct ChurnOperations : BarFixture {
         auto* window = anyWindowOfAll();
         return window && !isHung(window->pid) ? window : nullptr;
     }
-    bool hasBeenHonest(ProcessID pid)
+    bool mayHide(const FakeWindow& window)
     {
-        auto next = nextLie.find(pid);
-        return next == nextLie.end() || next->second <= desktop.dispatch().now();
+        auto next = nextLie.find(window.id);
+        bool mayHide = next == nextLie.end() || next->second <= desktop.dispatch().now();
+        if (mayHide)
+            nextLie[window.id] = desktop.dispatch().now() + kBetweenLies;
+        return mayHide;
     }
-    std::optional<ProcessID> anyHonestApplication()
+    bool mayHideAll(ProcessID pid)
     {
-        auto pid = anyApplication();
-        return pid && hasBeenHonest(*pid) ? pid : std::nullopt;
-    }
-    FakeWindow* anyHonestWindow()
-    {
-        auto* window = anyWindow();
-        return window && hasBeenHonest(window->pid) ? window : nullptr;
+        bool mayHideAll = true;
+        for (auto& [id, window] : desktop.model().windows)
+            mayHideAll &= window->pid != pid || mayHide(*window);
+        return mayHideAll;
     }
     FakeWindow* anyFreeWindowOfAll()
     {
@@ -262,8 +262,10 @@ struct ChurnOperations : BarFixture {
     void lieAbout(FakeWindow& window)
     {
         auto& faults = window.faults;
-        nextLie[window.pid] = desktop.dispatch().now() + kBetweenLies;
-        switch (below(5)) {
+        auto kind = below(5);
+        if (kind < 4 && !mayHide(window))
+            return;
+        switch (kind) {
         case 0:
             faults.isListed = false;
             break;
@@ -290,8 +292,10 @@ struct ChurnOperations : BarFixture {
     void lieAbout(ProcessID pid)
     {
         auto& faults = desktop.application(pid).faults;
-        nextLie[pid] = desktop.dispatch().now() + kBetweenLies;
-        switch (below(3)) {
+        auto kind = below(3);
+        if (kind == 0 && !mayHideAll(pid))
+            return;
+        switch (kind) {
         case 0:
             faults.missingAttributes = {"AXWindows"};
             break;
@@ -330,7 +334,7 @@ struct ChurnOperations : BarFixture {
         {0.7, to(&Self::anyApplication, [this](auto pid) { end(pid, false); })},
         {0.7, to(&Self::anyProcess, [this](auto pid) { end(pid, true); })},
         {1.5, to(&Self::anyApplication, [this](auto pid) { hang(pid); })},
-        {2, to(&Self::anyHonestApplication, [this](auto pid) { lieAbout(pid); })},
+        {2, to(&Self::anyApplication, [this](auto pid) { lieAbout(pid); })},
         {14, [this] { return open(); }},
         {9, to(&Self::anyWindow, [this](auto& it) { desktop.close(it.id); })},
         {8, to(&Self::anyWindow, [this](auto& it) { retitle(it); })},
@@ -341,7 +345,7 @@ struct ChurnOperations : BarFixture {
         {6, to(&Self::anyShownWindow, [this](auto& it) { desktop.focus(it.id); })},
         {4, to(&Self::anyFreeWindowOfAll, [this](auto& it) { changeSpace(it); })},
         {2, to(&Self::anyShownWindow, [this](auto& it) { toggleFullScreen(it); })},
-        {3, to(&Self::anyHonestWindow, [this](auto& it) { lieAbout(it); })},
+        {3, to(&Self::anyWindow, [this](auto& it) { lieAbout(it); })},
         {3, [this] { return switchSpace(), true; }},
         {1, [this] { return desktop.wake(), true; }},
         {1, [this] { return changeDisplays(), true; }},
