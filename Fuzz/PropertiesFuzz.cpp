@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <span>
 #include <vector>
 
@@ -58,6 +59,7 @@ void readWords(const RawProperty& property)
     for (auto& icon : decodeIcons(property)) {
         auto pixels = static_cast<std::size_t>(icon.width) * static_cast<std::size_t>(icon.height);
         expect(pixels == icon.argb.size() && pixels > 0);
+        expect(std::max(icon.width, icon.height) <= static_cast<int>(limits::largeIconSide));
     }
 }
 

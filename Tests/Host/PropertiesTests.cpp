@@ -96,6 +96,28 @@ TEST(Properties, onlyWholePicturesOfSaneSizesAreTaken)
     EXPECT_EQ(both[1].width, 2);
 }
 
+// Faults: no icon for a program that gives only the large one that it was published with; a picture
+// of any size taken from whoever sends one.
+TEST(Properties, aLargePictureIsTakenIfThereIsNoneOfAUsefulSize)
+{
+    auto sides = [](std::initializer_list<std::uint32_t> widths) {
+        std::vector<std::uint32_t> words;
+        for (auto width : widths) {
+            words.insert(words.end(), {width, 1});
+            words.resize(words.size() + width);
+        }
+        std::vector<int> taken;
+        for (auto& icon : decodeIcons(Words{std::move(words)}.as(XCB_ATOM_CARDINAL)))
+            taken.push_back(icon.width);
+        return taken;
+    };
+    EXPECT_THAT(sides({512, 1024}), ElementsAre(512));
+    EXPECT_THAT(sides({1025, 1024}), ElementsAre(1024));
+    EXPECT_THAT(sides({1025}), IsEmpty());
+    EXPECT_THAT(sides({257, 64, 1024, 48}), ElementsAre(64, 48));
+    EXPECT_THAT(sides({512, 63}), ElementsAre(63, 512)) << "too small for a fine screen";
+}
+
 TEST(Properties, aClassWithoutItsSecondHalfStillHasAnInstance)
 {
     EXPECT_EQ(decodeClass(text({"xterm\0XTerm\0", 12}, XCB_ATOM_STRING), kTypes),

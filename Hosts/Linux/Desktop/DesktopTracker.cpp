@@ -46,6 +46,7 @@ DesktopTracker::DesktopTracker(
     , m_model(model)
     , m_observers(observers)
     , m_processes(dispatch, entries)
+    , m_icons(dispatch)
     , m_desktopProcess(m_processes.takePrivateNumber())
 {
     m_model.write([this](DesktopModel& desktop) {
@@ -224,7 +225,7 @@ void DesktopTracker::iconDidChange(WindowID id)
 {
     auto known = m_known.find(id);
     if (known != m_known.end())
-        m_changes.icons.insert(known->second.bundleIdentifier);
+        m_icons.note(known->second.bundleIdentifier);
 }
 
 void DesktopTracker::setActive(const FocusTracker::Active& active)
@@ -315,8 +316,7 @@ void DesktopTracker::announce()
     for (auto& application : changes.launched)
         applicationDidLaunch.emit(application);
     m_observers.deliver(changes.notifications);
-    for (auto& bundleIdentifier : changes.icons)
-        iconOfApplicationDidChange.emit(bundleIdentifier);
+    m_icons.announce();
     if (changes.spaces)
         spacesDidChange.emit();
     if (changes.spacesOfWindows)

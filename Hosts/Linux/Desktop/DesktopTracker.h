@@ -10,6 +10,7 @@
 
 #include "Hosts/Linux/Desktop/DesktopModel.h"
 #include "Hosts/Linux/Desktop/FocusTracker.h"
+#include "Hosts/Linux/Desktop/IconNews.h"
 #include "Hosts/Linux/Desktop/ProcessTable.h"
 #include "Quorvel/Platform/Published.h"
 
@@ -41,6 +42,8 @@ public:
     void matchAnew() { entriesDidChange(); }
     /// The window has new pictures of itself.
     void iconDidChange(WindowID);
+    /// Of applications, with the other announcements or a little later.
+    IconNews& icons() { return m_icons; }
     /// The display server is being asked to activate this window, or to take the focus from one.
     void expectFocus(std::optional<WindowID> window) { m_focus.expect(window, m_dispatch.now()); }
 
@@ -61,7 +64,6 @@ public:
 
     /// Announcements, in this order within a turn; the model already shows them.
     Signal<RunningApplication> applicationDidLaunch;
-    Signal<std::string> iconOfApplicationDidChange; ///< by its bundle identifier
     Signal<> spacesDidChange;
     Signal<> spacesOfWindowsDidChange;
     Signal<> activeSpaceDidChange;
@@ -78,7 +80,6 @@ private:
         std::vector<RunningApplication> terminated;
         std::optional<RunningApplication> activated;
         std::vector<DesktopNotification> notifications;
-        std::set<std::string> icons;
         bool spaces = false;
         bool spacesOfWindows = false;
         bool activeSpace = false;
@@ -120,6 +121,7 @@ private:
     ObserverRegistry& m_observers;
     ProcessTable m_processes;
     FocusTracker m_focus;
+    IconNews m_icons;
     ProcessID m_desktopProcess;
 
     std::map<WindowID, Known> m_known;

@@ -43,7 +43,7 @@ DesktopWorkspace::DesktopWorkspace(const SharedModel& model, DesktopTracker& tra
         [this](const RunningApplication& application) { didActivate.emit(application); }));
     m_subscriptions.push_back(
         tracker.activeSpaceDidChange.subscribe([this] { activeSpaceDidChange.emit(); }));
-    m_subscriptions.push_back(tracker.iconOfApplicationDidChange.subscribe(
+    m_subscriptions.push_back(tracker.icons().didChange.subscribe(
         [this](const std::string& bundleIdentifier) { iconDidChange.emit(bundleIdentifier); }));
     m_subscriptions.push_back(entries.changed.subscribe([this] { entriesDidChange(); }));
     m_subscriptions.push_back(icons.themeDidChange.subscribe([this] { iconDidChange.emit({}); }));

@@ -203,6 +203,13 @@ std::vector<IconPixels> decodeIcons(const RawProperty& property)
     if (!isWordList(property, XCB_ATOM_CARDINAL))
         return icons;
 
+    auto read = [&property](std::uint64_t width, std::uint64_t height, std::size_t at) {
+        IconPixels icon{static_cast<int>(width), static_cast<int>(height), {}};
+        icon.argb.resize(width * height);
+        std::memcpy(icon.argb.data(), property.data.data() + at * 4, icon.argb.size() * 4);
+        return icon;
+    };
+    std::optional<IconPixels> large;
     std::size_t at = 0;
     while (at + 2 < property.words()) {
         std::uint64_t width = property.word(at);
@@ -213,17 +220,21 @@ std::vector<IconPixels> decodeIcons(const RawProperty& property)
         auto pixels = width * height;
         if (pixels > property.words() - at)
             break;
-        if (width <= limits::iconSide && height <= limits::iconSide) {
-            IconPixels icon{static_cast<int>(width), static_cast<int>(height), {}};
-            icon.argb.resize(pixels);
-            std::memcpy(icon.argb.data(), property.data.data() + at * 4, pixels * 4);
-            icons.push_back(std::move(icon));
-        }
+        const auto side = std::max(width, height);
+        if (side <= limits::iconSide)
+            icons.push_back(read(width, height, at));
+        else if (side <= limits::largeIconSide && !large)
+            large = read(width, height, at);
         at += pixels;
         // A property of thousands of 1 x 1 pictures is nonsense too.
         if (icons.size() >= limits::atoms)
             break;
     }
+    // Many programs give just the large picture that they were published with.
+    bool isSharp = std::ranges::any_of(icons,
+        [](auto& icon) { return std::max(icon.width, icon.height) >= limits::sharpIconSide; });
+    if (!isSharp && large)
+        icons.push_back(std::move(*large));
     return icons;
 }
 

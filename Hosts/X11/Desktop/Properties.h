@@ -36,11 +36,13 @@ inline constexpr std::uint32_t atoms = 64;
 inline constexpr std::uint32_t features = 4096;
 inline constexpr std::uint32_t windows = 1 << 16;
 inline constexpr std::uint32_t desktopNames = 4096;
-inline constexpr std::uint32_t icons = 600'000;
+inline constexpr std::uint32_t icons = 1'200'000;
 inline constexpr std::uint32_t notedOpacities = 3 * 4096;
 inline constexpr std::size_t titleBytes = 1024;
 inline constexpr std::size_t desktops = 1024;
 inline constexpr std::uint32_t iconSide = 256;
+inline constexpr int sharpIconSide = 64;
+inline constexpr std::uint32_t largeIconSide = 1024;
 }
 
 struct WindowClass {
@@ -103,7 +105,8 @@ WindowHints decodeHints(const RawProperty&);
 std::optional<Extents> decodeExtents(const RawProperty&);
 /// The pixels that a panel reserves at the left, right, top and bottom of the X screen.
 std::optional<Extents> decodeStrut(const RawProperty&);
-/// The complete pictures of at most `limits::iconSide` pixels a side.
+/// The complete pictures of at most `limits::iconSide` pixels a side; if all of them are smaller
+/// than `limits::sharpIconSide`, the first of at most `limits::largeIconSide` too.
 std::vector<IconPixels> decodeIcons(const RawProperty&);
 /// Opacity from 0 to 1; absent means opaque.
 double decodeOpacity(const RawProperty&);
