@@ -1,29 +1,23 @@
 #include "Hosts/X11/Monitors.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <set>
-#include <span>
 #include <string_view>
 #include <utility>
 
-#include <fmt/format.h>
 #include <xcb/randr.h>
 
 #include "Hosts/X11/Connection.h"
+#include "Hosts/X11/MonitorFacts.h"
 #include "Hosts/X11/Reply.h"
 
 namespace quorvel::xdg::x11 {
 
 namespace {
 
-constexpr double kDotsPerInchAtScale1 = 96;
-constexpr double kLargestScale = 2;
 constexpr std::uint32_t kResourceWords = 16384;
-constexpr std::size_t kEdidHeader = 128;
 
 bool hasRandr(xcb_connection_t* connection)
 {
@@ -31,45 +25,12 @@ bool hasRandr(xcb_connection_t* connection)
     return extension && extension->present;
 }
 
-/// The value of "Xft.dpi:" in the display's resources.
-std::optional<double> dotsPerInch(std::string_view resources)
-{
-    constexpr std::string_view key = "Xft.dpi:";
-    while (!resources.empty()) {
-        auto line = resources.substr(0, resources.find('\n'));
-        resources.remove_prefix(std::min(resources.size(), line.size() + 1));
-        if (!line.starts_with(key))
-            continue;
-        line.remove_prefix(key.size());
-        line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
-        double value = 0;
-        auto end = std::from_chars(line.data(), line.data() + line.size(), value);
-        if (end.ec == std::errc{} && std::isfinite(value)) // "nan" and "inf" are read too
-            return value;
-    }
-    return std::nullopt;
-}
-
 double scaleFrom(const xcb_get_property_reply_t* resources)
 {
     if (!resources || resources->format != 8)
         return 1;
-    std::string_view text{static_cast<const char*>(xcb_get_property_value(resources)),
-        static_cast<std::size_t>(xcb_get_property_value_length(resources))};
-    auto dots = dotsPerInch(text);
-    return dots ? std::clamp(*dots / kDotsPerInchAtScale1, 1.0, kLargestScale) : 1;
-}
-
-/// Maker, model, serial number and week of a monitor, which stay when it is plugged in elsewhere.
-std::optional<std::string> identifierFromEdid(std::span<const std::uint8_t> edid)
-{
-    constexpr std::uint8_t header[] = {0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0};
-    if (edid.size() < kEdidHeader || !std::ranges::equal(edid.first(8), header))
-        return std::nullopt;
-    std::string text = "EDID-";
-    for (auto byte : edid.subspan(8, 10))
-        text += fmt::format("{:02X}", byte);
-    return text;
+    return scaleFromResources({static_cast<const char*>(xcb_get_property_value(resources)),
+        static_cast<std::size_t>(xcb_get_property_value_length(resources))});
 }
 
 std::optional<std::string> identifierFrom(const xcb_randr_get_output_property_reply_t* reply)
