@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <fstream>
 #include <memory>
 #include <new>
+#include <string_view>
 #include <vector>
 
 #include <sys/mman.h>
@@ -15,6 +17,8 @@
 #include "Tests/X11/Support/DesktopFixture.h"
 
 namespace quorvel::x11tests {
+
+using namespace std::literals;
 
 /// Between processes; 0 at first.
 class SharedCount {
@@ -44,10 +48,40 @@ bool containsPixel(const std::string& picture, std::uint32_t color)
     return false;
 }
 
+bool isPlain(const std::string& picture)
+{
+    return picture.size() < 8 || picture.substr(4) == picture.substr(0, picture.size() - 4);
+}
+
 /// Where the bar can be talked to.
 std::filesystem::path socketOf(const XServer& server)
 {
     return server.folder() / "runtime/quorvel" / ("X" + server.display().substr(1) + ".socket");
+}
+
+/// Without a wait for anybody.
+int connectionThatSays(const std::string& path, std::string_view words)
+{
+    sockaddr_un address{AF_UNIX, {}};
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    const int connection = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (::connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0)
+        ::send(connection, words.data(), words.size(), MSG_NOSIGNAL);
+    return connection;
+}
+
+/// Titles, and an icon now and then, as fast as they can be sent.
+void changeUntil(const SharedCount& isOver, Client& noisy)
+{
+    const auto window = noisy.open({.title = "noisy", .applicationClass = "Noisy"});
+    std::vector<std::uint32_t> icon(2 + 200 * 200, 0xFF00FF00);
+    icon[0] = icon[1] = 200;
+    for (int i = 0; !isOver.get(); ++i) {
+        noisy.setTitle(window, "noisy " + std::to_string(i));
+        if (i % 100 == 0)
+            noisy.connection().setNumbers(window, "_NET_WM_ICON", "CARDINAL", icon);
+    }
+    noisy.setTitle(window, "calm");
 }
 
 /// What surrounds the bar is not the manager's: one is enough.
@@ -96,6 +130,7 @@ TEST_F(HostileEnvironment, leavesABarThatShowsTheWindows)
             false, false},
         {{{"HOME", ""}}}, // the folders stay, or the bar would write into those of whoever tests
         {{{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null/bus"}}},
+        {{{"DBUS_SESSION_BUS_ADDRESS", ""}}},
         {{{"FONTCONFIG_FILE", server.folder() / "no-fonts.conf"}}, true, false},
         {{{"LC_ALL", "C"}, {"LANG", ""}}},
         {{{"LC_ALL", "xx_YY.NO-SUCH-CHARSET"}, {"LANGUAGE", "xx"}}},
@@ -117,6 +152,7 @@ TEST_F(HostileEnvironment, leavesABarThatShowsTheWindows)
             }));
         }
         EXPECT_TRUE(!drawsAlike || eventually([&] { return chipOf(bar) == usual; }));
+        EXPECT_TRUE(eventually([&] { return !isPlain(chipOf(bar)); }));
         const std::string value
             = run({"--get", "showOnAllDisplays"}).output == "true\n" ? "false" : "true";
         const auto set = run({"--set", "showOnAllDisplays=" + value});
@@ -273,30 +309,26 @@ TEST_F(HostileEnvironment, ofAFloodOfTitlesAndRequestsLeavesTheBarFree)
     Bar bar(server);
     ASSERT_TRUE(bar.appears());
     SharedCount isOver;
-    ClientProcess flood(server, [&](Client& noisy, char) {
-        const auto window = noisy.open({.title = "noisy"});
-        for (int i = 0; !isOver.get(); ++i)
-            noisy.setTitle(window, "noisy " + std::to_string(i));
-        noisy.setTitle(window, "calm");
-    });
+    ClientProcess flood(server, [&](Client& noisy, char) { changeUntil(isOver, noisy); });
     flood.order('f');
     ASSERT_TRUE(eventually([&] { return bar.state().windows.size() == 2; }));
 
     // Connections that say nothing, half a request, and nonsense.
-    std::vector<int> connections;
-    sockaddr_un address{AF_UNIX, {}};
     const auto path = socketOf(server).string();
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    std::vector<int> connections;
     for (int i = 0; i < 60; ++i) {
-        const int connection = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-        connections.push_back(connection);
-        if (::connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0
-            && i % 3 > 0)
-            ::send(connection, i % 3 == 1 ? "[\"--sta" : "}\n{\0\n", 5, MSG_NOSIGNAL);
+        const std::array words{""sv, "[\"--s"sv, "}\n{\0\n"sv};
+        connections.push_back(connectionThatSays(path, words.at(i % words.size())));
     }
     client.setTitle(quiet, "still seen");
     EXPECT_TRUE(shows(bar, quiet, "still seen"));
-    // And others with good questions, without a pause.
+    // Others come and go without a pause: some with nonsense, some with good questions.
+    ClientProcess nonsense(server, [&](Client&, char) {
+        while (!isOver.get()) {
+            ::close(connectionThatSays(path, "[\""));
+        }
+    });
+    nonsense.order('n');
     SharedCount answers;
     ClientProcess questions(server, [&](Client&, char) {
         const posix::ControlAddress bars{{}, path};
@@ -316,6 +348,7 @@ TEST_F(HostileEnvironment, ofAFloodOfTitlesAndRequestsLeavesTheBarFree)
     isOver.add();
     ASSERT_TRUE(flood.finish());
     ASSERT_TRUE(questions.finish());
+    ASSERT_TRUE(nonsense.finish());
     for (const int connection : connections)
         ::close(connection);
     EXPECT_TRUE(eventually([&] {

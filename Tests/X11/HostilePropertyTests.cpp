@@ -8,11 +8,11 @@ namespace quorvel::x11tests {
 namespace {
 
 /// What a client may write and the bar reads.
-const std::vector<std::string> kProperties{"WM_NAME", "WM_CLASS", "WM_PROTOCOLS", "WM_HINTS",
-    "WM_NORMAL_HINTS", "WM_TRANSIENT_FOR", "WM_CLIENT_MACHINE", "_NET_WM_NAME", "_NET_WM_PID",
-    "_NET_WM_DESKTOP", "_NET_WM_ICON", "_NET_WM_USER_TIME", "_NET_WM_WINDOW_OPACITY",
-    "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_FRAME_EXTENTS", "_GTK_FRAME_EXTENTS",
-    "_GTK_APPLICATION_ID", "_MOTIF_WM_HINTS"};
+const std::vector<std::string> kProperties{"WM_NAME", "WM_CLASS", "WM_HINTS", "WM_TRANSIENT_FOR",
+    "WM_CLIENT_MACHINE", "WM_WINDOW_ROLE", "_NET_WM_NAME", "_NET_WM_PID", "_NET_WM_DESKTOP",
+    "_NET_WM_ICON", "_NET_WM_WINDOW_OPACITY", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE",
+    "_NET_WM_ALLOWED_ACTIONS", "_NET_WM_STRUT", "_NET_WM_STRUT_PARTIAL", "_NET_FRAME_EXTENTS",
+    "_GTK_FRAME_EXTENTS", "_GTK_APPLICATION_ID"};
 
 struct Value {
     std::string type;
@@ -118,8 +118,22 @@ TEST_F(HostileProperties, ofTheRootWindowDoNoHarm)
         ASSERT_TRUE(goodChipIsRight()) << value.type << ' ' << value.items;
     }
 
-    // A check window is not listened to for long; this one is.
+    // Of these the manager has the last word.
     const auto root = connection.root();
+    for (const auto& value : kWrongValues) {
+        for (const auto* property : {"_NET_CLIENT_LIST", "_NET_ACTIVE_WINDOW", "_NET_SUPPORTED",
+                 "_NET_NUMBER_OF_DESKTOPS", "_NET_CURRENT_DESKTOP"})
+            setWrong(connection, root, property, value);
+        connection.sync();
+        bar.state();
+        ASSERT_FALSE(HasFailure()) << value.type << ' ' << value.items;
+    }
+    connection.setNumbers(root, "_NET_NUMBER_OF_DESKTOPS", "CARDINAL", {4});
+    connection.setNumbers(root, "_NET_CURRENT_DESKTOP", "CARDINAL", {0});
+    ASSERT_TRUE(getsChip(bar, hostile.open({.title = "makes the manager list its windows"})));
+    ASSERT_TRUE(goodChipIsRight());
+
+    // A check window is not listened to for long; this one is.
     connection.setNumbers(root, "_NET_SUPPORTING_WM_CHECK", "WINDOW", {root});
     connection.sync();
     ASSERT_TRUE(goodChipIsRight());
