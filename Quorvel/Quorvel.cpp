@@ -395,7 +395,7 @@ void QuorvelApp::wireObserverManager(Runtime& runtime)
     };
     manager.onObserverFailed
         = [&runtime](ProcessID pid) { runtime.windowStore().handleObserverFailed(pid); };
-    runtime.windowStore().onUnheard
+    runtime.windowStore().onObservationNeeded
         = [&runtime](ProcessID pid) { runtime.axManager().refreshWindows({pid}); };
     manager.start();
     for (auto pid : runtime.windowStore().trackedPIDs())
@@ -437,17 +437,20 @@ void QuorvelApp::bootstrap(Runtime& runtime, ProcessID pid)
 /// first windows may be still to come.
 void QuorvelApp::bootstrapRunning(Runtime& runtime)
 {
+    auto& workspace = runtime.m_platform.workspace;
+    auto frontmost = workspace.frontmostApplication();
     auto tracked = runtime.windowStore().trackedPIDs();
-    std::vector<ProcessID> pids;
-    runtime.m_platform.workspace.enumerateRunningApplications(
-        [&](const RunningApplication& application) {
-            bool isOurs = application.pid == runtime.m_platform.application.processID();
-            if (!isOurs && mayBeBootstrapped(application) && !tracked.contains(application.pid))
-                pids.push_back(application.pid);
-        });
+    std::set<ProcessID> pids;
+    workspace.enumerateRunningApplications([&](const RunningApplication& application) {
+        bool isOurs = application.pid == runtime.m_platform.application.processID();
+        if (!isOurs && mayBeBootstrapped(application) && !tracked.contains(application.pid))
+            pids.insert(application.pid);
+    });
     for (auto pid : pids) {
-        runtime.m_lastBootstrap[pid] = runtime.m_platform.dispatch.now();
-        bootstrap(runtime, pid);
+        if (pid == frontmost)
+            bootstrapUnlessTriedJustNow(runtime, pid);
+        else
+            runtime.axManager().observe(pid);
     }
 }
 
@@ -487,17 +490,17 @@ void QuorvelApp::resynchronise(
         store.resyncMinimizedWindows();
     runtime.m_barManager->syncPanels(answer);
     store.discoverNewWindowsForTrackedPIDs(std::move(spaces));
-    refreshTracked(runtime);
+    runtime.axManager().refreshWindows(store.trackedPIDs());
     // Applications are slow to list the windows of another space.
-    runtime.m_refreshAfterChange = runtime.m_platform.dispatch.main().after(
-        kLateRefresh, [&runtime] { refreshTracked(runtime); });
-}
-
-void QuorvelApp::refreshTracked(Runtime& runtime)
-{
-    auto pids = runtime.windowStore().trackedPIDs();
-    if (!pids.empty())
-        runtime.axManager().refreshWindows(pids);
+    runtime.m_refreshAfterChange
+        = runtime.m_platform.dispatch.main().after(kLateRefresh, [&runtime, shown = answer.shown] {
+              std::set<ProcessID> owners;
+              for (auto space : shown) {
+                  for (auto* window : runtime.windowStore().windows(space))
+                      owners.insert(window->pid);
+              }
+              runtime.axManager().refreshWindows(owners);
+          });
 }
 
 void QuorvelApp::observeHints(Runtime& runtime)

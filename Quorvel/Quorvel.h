@@ -124,7 +124,6 @@ private:
     static Menu about(Runtime&, WindowID);
     static void end(Runtime&);
     static void bootstrapRunning(Runtime&);
-    static void refreshTracked(Runtime&);
     static void applicationDidActivate(Runtime&, const RunningApplication&);
     enum class Occasion { wake, spaceChange };
     static void resynchronise(Runtime&, Occasion, const SpaceWindows::Answer&);

@@ -198,7 +198,9 @@ TEST_F(WindowStoreEvents, aWindowThatCrossesToAnotherScreenHasItsSpacesReadAgain
     EXPECT_EQ(desktop.dispatch().pendingTimers(), 0u) << "within the second";
 
     desktop.move(inbox, {100, 100});
-    scanAfter(mail, seconds(0.1)); // which learns of the place before the event comes
+    scanAfter(mail, seconds(0.1)); // which learns of the place before the window is dropped
+    store.handleObserverAttached(mail);
+    desktop.advance(seconds(20));
     desktop.moveToSpace(inbox, SpaceID{1});
     store.handleAXEvent(event(inbox, ax::windowMoved));
     desktop.advance(seconds(0.2));

@@ -91,6 +91,19 @@ TEST_F(WindowStoreSchedule, aChangeOfSpaceHasABurstOfItsOwn)
     EXPECT_TRUE(isTracked(feed));
 }
 
+// Fault: an application with something that comes and goes is looked at without end.
+TEST_F(WindowStoreSchedule, whatEachLookMeetsAnewIsSoughtByOneMoreBurst)
+{
+    store.scheduleDeferredScan(mail);
+    for (int i = 0; i < 200; ++i) {
+        auto fleeting = desktop.open(mail);
+        desktop.window(fleeting).faults.isListed = false;
+        desktop.advance(seconds(0.15));
+        desktop.close(fleeting);
+    }
+    EXPECT_THAT(scans(), ElementsAre(0.3, 0.8, 2.0, 2.8, 3.3, 4.5));
+}
+
 // Fault: looks that could not be made count as some that found nothing.
 TEST_F(WindowStoreSchedule, whatOnlyTheLastOfThreeLooksCouldSeekIsSoughtAgain)
 {

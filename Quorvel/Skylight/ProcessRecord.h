@@ -28,6 +28,9 @@ struct DeferredScanBurst {
     Instant startedAt;
     int scansDone = 0;
     bool isRequestedAgain = false;
+    bool hasNewRiddles = false; ///< its last scan met what its first did not
+    /// It was begun for such riddles, and begins no other: they may come and go without end.
+    bool isSequel = false;
     /// What every scan since the start of the burst has left unexplained.
     std::optional<std::set<WindowID>> sought;
 

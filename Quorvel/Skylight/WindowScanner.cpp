@@ -107,7 +107,7 @@ PIDWindowScan WindowScanner::scan(ProcessID pid, const Moment& moment)
     if (result.hasFailed)
         return result;
     auto owned = moment.windowsByOwner.find(pid);
-    if (owned == moment.windowsByOwner.end())
+    if (owned == moment.windowsByOwner.end() || owned->second.empty())
         return result;
 
     auto [metadataByID, hasAXWindowList] = copyAXWindowMetadataByID(pid);

@@ -11,6 +11,8 @@ namespace {
 
 constexpr int kMissesBeforeRemoval = 2;
 constexpr Duration kMissingGrace = seconds(0.45);
+/// A new window that takes the focus is announced right after its application.
+constexpr Duration kFocusGrace = seconds(0.1);
 constexpr Duration kCrossScreenDelay = seconds(0.2);
 
 }
@@ -129,14 +131,15 @@ int WindowStore::reconcileWindowsForPID(ProcessID pid, const WindowScanner::Mome
         return 0;
     }
     bool hasChanged = updateTrackedWindows(pid, scan);
-    auto [added, unexplained] = admitNewWindows(pid, scan);
+    auto [added, unexplained, spaceless] = admitNewWindows(pid, scan);
+    unexplained.merge(spaceless);
     unexplained.merge(unreadWindows(pid, scan));
     hasChanged |= added > 0;
     hasChanged |= removeMissingWindows(pid, scan);
     if (hasChanged)
         onChange();
     if (isWorthSeeking(pid, std::move(unexplained)))
-        scheduleDeferredScan(pid);
+        seekUnexplained(pid);
     return static_cast<int>(scan.candidates.size());
 }
 
@@ -189,9 +192,9 @@ bool WindowStore::updateTracked(
     window.appName = candidate.appName;
     window.bundleIdentifier = candidate.bundleID;
     window.windowTitle = candidate.title.value_or(window.windowTitle);
-    // Else the notification that follows would find nothing new about the place.
-    if (window.frame != candidate.frame)
-        noteMove(window.frame, candidate.frame);
+    // The notification that follows finds nothing new about the place then.
+    if (window.frame != candidate.frame && areOnDifferentScreens(window.frame, candidate.frame))
+        m_crossed.insert(window.windowID);
     window.frame = candidate.frame;
     window.isMinimized = candidate.isMinimized.value_or(window.isMinimized);
     window.spaceIDs = spacesNow(window, candidate.spaces, candidate.unlistedSpaces);
@@ -227,16 +230,10 @@ void WindowStore::track(WindowID id, ProcessID pid, const ScannedWindowCandidate
         scheduleFreshDeferredScan(pid);
 }
 
-void WindowStore::trackFound(WindowID id, ProcessID pid, const ScannedWindowCandidate& candidate)
-{
-    track(id, pid, candidate);
-    onUnheard(pid);
-}
-
 WindowStore::Admission WindowStore::admitNewWindows(ProcessID pid, const PIDWindowScan& scan)
 {
     bool requiresAX = requiresAXConfirmationForLiveAdmission(pid);
-    Admission admission{.unexplained = unpublishedWindows(scan)};
+    Admission admission{.unexplained = unpublishedWindows(scan), .spaceless = {}};
     for (auto& [id, candidate] : scan.candidates) {
         if (m_windows.contains(id))
             continue;
@@ -248,15 +245,17 @@ WindowStore::Admission WindowStore::admitNewWindows(ProcessID pid, const PIDWind
             continue;
         }
         auto found = candidate;
-        if (found.spaces.empty())
+        if (found.spaces.empty() && found.isAXConfirmed)
             found.spaces = m_scanner.querySpaces(id);
-        if (found.spaces.empty()) {
-            admission.unexplained.insert(id);
-            continue;
+        if (!found.spaces.empty()) {
+            track(id, pid, found);
+            ++admission.added;
+        } else if (found.isAXConfirmed) {
+            admission.spaceless.insert(id);
         }
-        trackFound(id, pid, found);
-        ++admission.added;
     }
+    if (admission.added > 0)
+        onObservationNeeded(pid);
     return admission;
 }
 
@@ -302,6 +301,7 @@ void WindowStore::forget(WindowID id)
 {
     m_windows.erase(id);
     m_reconcileStateByWindowID.erase(id);
+    m_crossed.erase(id);
 }
 
 // MARK: What the system reports
@@ -339,17 +339,30 @@ void WindowStore::populateProcess(ProcessID pid, const WindowScanner::Moment& mo
 void WindowStore::handleAppActivated(ProcessID pid)
 {
     AXCalls::Scan hungOnlyOnce(m_scanner.calls());
+    m_focusSearch.cancel();
     readFocus(pid);
     if (needsObserverBootstrap(pid))
-        return; // it is looked at from the start
+        return; // whether to start with it is the caller's decision
     if (!isObserverAttached(pid))
-        onUnheard(pid);
-    if (m_scanner.calls().hasTimedOut(pid))
-        return; // it is looked at once it answers
-    // It could not say, or its window has no chip.
-    auto* focused = tracked(m_focusedWindowID);
-    if (!focused || focused->pid != pid)
-        scanForUntracked(pid);
+        onObservationNeeded(pid);
+    // One that does not answer is looked at again for that.
+    if (!hasFocusedWindow(pid) && !m_scanner.calls().hasTimedOut(pid))
+        m_focusSearch = m_dispatch.main().after(kFocusGrace, [this, pid] { seekFocus(pid); });
+}
+
+bool WindowStore::hasFocusedWindow(ProcessID pid) const
+{
+    auto* focused = m_focusedWindowID ? window(*m_focusedWindowID) : nullptr;
+    return focused && focused->pid == pid;
+}
+
+/// It could not say which window it was, or the window has no chip.
+void WindowStore::seekFocus(ProcessID pid)
+{
+    auto application = m_workspace.runningApplication(pid);
+    bool mayHaveChips = application && application->activationPolicy == ActivationPolicy::regular;
+    if (mayHaveChips && m_workspace.frontmostApplication() == pid && !hasFocusedWindow(pid))
+        scheduleDeferredScan(pid);
 }
 
 void WindowStore::readFocus(ProcessID pid)
@@ -396,7 +409,7 @@ bool WindowStore::needsObserverBootstrap(ProcessID pid) const
 int WindowStore::addWindowsForPID(ProcessID pid)
 {
     auto scan = m_scanner.scanWindows(pid);
-    auto [added, unexplained] = admitNewWindows(pid, scan);
+    auto [added, unexplained, spaceless] = admitNewWindows(pid, scan);
     if (added > 0)
         onChange();
     if (scan.hasFailed || !unexplained.empty())
@@ -480,7 +493,7 @@ WindowStore::Discovery WindowStore::discover(ProcessID pid, const WindowScanner:
         scheduleDeferredScan(pid);
         return {};
     }
-    auto [added, unexplained] = admitNewWindows(pid, scan);
+    auto [added, unexplained, spaceless] = admitNewWindows(pid, scan);
     auto isShown = [&](WindowID id) {
         auto spaces = moment.spaces.windows.spaces(id);
         return std::ranges::any_of(

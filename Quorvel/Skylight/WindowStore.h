@@ -58,7 +58,7 @@ public:
     /// focus.
     std::function<void()> onChange = [] { };
     /// Emitted when perhaps nobody listens to the process, or to a window of it that was found.
-    std::function<void(ProcessID)> onUnheard = [](ProcessID) { };
+    std::function<void(ProcessID)> onObservationNeeded = [](ProcessID) { };
 
     // What the system reports.
     void populate();
@@ -100,6 +100,8 @@ private:
         int added = 0;
         /// Untracked windows that must be looked at again: unpublished or unconfirmed.
         std::set<WindowID> unexplained;
+        /// Those that nobody knows a space of, though their application shows them.
+        std::set<WindowID> spaceless;
     };
 
     struct Discovery {
@@ -117,7 +119,6 @@ private:
     /// A window may move to another process: X11 learns late whose it is.
     bool updateTracked(TrackedWindow&, ProcessID, const ScannedWindowCandidate&);
     void track(WindowID, ProcessID, const ScannedWindowCandidate&);
-    void trackFound(WindowID, ProcessID, const ScannedWindowCandidate&);
     bool updateTrackedWindows(ProcessID, const PIDWindowScan&);
     /// Tracks the new windows in the scan.
     Admission admitNewWindows(ProcessID, const PIDWindowScan&);
@@ -151,6 +152,8 @@ private:
     void lookAt(ProcessID, ProcessRecord::Due, const WindowScanner::Moment&);
     /// Starts a whole burst, after the one in progress: its remaining scans may come too early.
     void scheduleFreshDeferredScan(ProcessID);
+    /// A burst, or a sequel to the one in progress if its last scan has been.
+    void seekUnexplained(ProcessID);
     void endDeferredScanBurst(ProcessID);
     void scheduleLifecycleTick(ProcessID, Duration delay);
     void concludeLifecycleTick(ProcessID);
@@ -158,8 +161,6 @@ private:
     void ensureLifecycleMonitoringForWindowActivity(ProcessID);
     void scheduleMissingFollowUp(ProcessID);
     void lookAgainOnceItAnswers(ProcessID);
-    /// Onto another screen, a window may take that screen's space.
-    void noteMove(const Rect& before, const Rect& after);
     void scheduleCrossScreenSpacesRefresh();
 
     void readFocus(ProcessID);
@@ -179,6 +180,9 @@ private:
     bool hasTrackedWindows(ProcessID) const;
     bool hasMissingTrackedWindows(ProcessID) const;
     std::optional<std::size_t> indexOfScreenContaining(const Rect& windowFrame) const;
+    bool areOnDifferentScreens(const Rect& before, const Rect& after) const;
+    bool hasFocusedWindow(ProcessID) const;
+    void seekFocus(ProcessID);
 
     Dispatch& m_dispatch;
     WindowServer& m_windowServer;
@@ -194,11 +198,14 @@ private:
     std::uint64_t m_debugEventSequence = 0;
     std::map<WindowID, ReconcileState> m_reconcileStateByWindowID;
     std::map<ProcessID, ProcessRecord> m_processes;
+    /// Looks have found them on another screen; the end of the move has not been announced.
+    std::set<WindowID> m_crossed;
     std::optional<Instant> m_nextLookAt;
 
     // Delayed work: last, so that it is cancelled before anything it uses goes.
     WorkItem m_nextLook;
     WorkItem m_pendingCrossScreenRefresh;
+    WorkItem m_focusSearch;
 };
 
 }

@@ -149,13 +149,14 @@ void WindowStore::handleFrameChanged(const AXWindowEvent& event)
         window->frame = *frame;
         onChange();
     }
-    noteMove(before, *frame);
+    bool hasCrossed = m_crossed.erase(*event.windowID) > 0;
+    if (hasCrossed || areOnDifferentScreens(before, *frame))
+        scheduleCrossScreenSpacesRefresh();
 }
 
-void WindowStore::noteMove(const Rect& before, const Rect& after)
+bool WindowStore::areOnDifferentScreens(const Rect& before, const Rect& after) const
 {
-    if (indexOfScreenContaining(before) != indexOfScreenContaining(after))
-        scheduleCrossScreenSpacesRefresh();
+    return indexOfScreenContaining(before) != indexOfScreenContaining(after);
 }
 
 std::optional<std::size_t> WindowStore::indexOfScreenContaining(const Rect& windowFrame) const

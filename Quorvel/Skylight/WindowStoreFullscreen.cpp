@@ -72,7 +72,8 @@ bool WindowStore::trackOnSpace(WindowID id, SpaceID space, const WindowScanner::
         hasChanged |= updateTracked(*window, *pid, candidate->second);
         m_reconcileStateByWindowID.insert_or_assign(id, Active{});
     } else {
-        trackFound(id, *pid, candidate->second);
+        track(id, *pid, candidate->second);
+        onObservationNeeded(*pid);
         hasChanged = true;
     }
     return true;

@@ -1,6 +1,7 @@
 // When a process is looked at again: the burst of deferred scans and the life cycle.
 
 #include <algorithm>
+#include <utility>
 
 #include "Quorvel/Platform/Workspace.h"
 #include "Quorvel/Skylight/WindowStore.h"
@@ -100,7 +101,7 @@ void WindowStore::runDueLook(
     if (due.unanswered)
         known->unanswered->at.reset();
     // Counted before it is made: what the last look cannot explain is for another burst.
-    if (due.burstScan)
+    if (due.burstScan && known->burst)
         ++known->burst->scansDone;
     if (due.needsScan())
         lookAt(pid, due, moment);
@@ -145,9 +146,18 @@ void WindowStore::scheduleDeferredScan(ProcessID pid)
     scheduleNextLook();
 }
 
-void WindowStore::scheduleFreshDeferredScan(ProcessID pid)
+void WindowStore::seekUnexplained(ProcessID pid)
 {
     if (auto& burst = record(pid).burst)
+        burst->hasNewRiddles |= burst->hasScannedLast();
+    else
+        scheduleDeferredScan(pid);
+}
+
+void WindowStore::scheduleFreshDeferredScan(ProcessID pid)
+{
+    auto& burst = record(pid).burst;
+    if (burst && burst->scansDone > 0)
         burst->isRequestedAgain = true;
     else
         scheduleDeferredScan(pid);
@@ -158,12 +168,12 @@ void WindowStore::endDeferredScanBurst(ProcessID pid)
     auto* known = knownRecord(pid);
     if (!known || !known->burst)
         return;
-    bool isRequestedAgain = known->burst->isRequestedAgain;
-    known->burst.reset();
-    if (isRequestedAgain)
-        scheduleDeferredScan(pid);
-    else
-        scheduleMissingFollowUp(pid);
+    auto ended = *std::exchange(known->burst, std::nullopt);
+    bool hasSequel = ended.hasNewRiddles && !ended.isSequel;
+    if (!ended.isRequestedAgain && !hasSequel)
+        return scheduleMissingFollowUp(pid);
+    scheduleDeferredScan(pid);
+    record(pid).burst->isSequel = !ended.isRequestedAgain;
 }
 
 void WindowStore::scheduleMissingFollowUp(ProcessID pid)
@@ -246,7 +256,8 @@ void WindowStore::handleObserverAttached(ProcessID pid)
 
 void WindowStore::handleObserverFailed(ProcessID pid)
 {
-    if (!record(pid).lifecycle)
+    // One without a window is looked at when it comes to the front.
+    if (hasTrackedWindows(pid) && !record(pid).lifecycle)
         startLifecycleMonitoring(pid, kUnobservedInterval);
 }
 

@@ -74,20 +74,17 @@ struct ChurnOperations : BarFixture {
         auto* window = anyWindowOfAll();
         return window && !isHung(window->pid) ? window : nullptr;
     }
-    bool mayHide(const FakeWindow& window)
+    /// All of them or none.
+    bool mayHide(const std::vector<FakeWindow*>& windows)
     {
-        auto next = nextLie.find(window.id);
-        bool mayHide = next == nextLie.end() || next->second <= desktop.dispatch().now();
-        if (mayHide)
-            nextLie[window.id] = desktop.dispatch().now() + kBetweenLies;
+        auto now = desktop.dispatch().now();
+        bool mayHide = std::ranges::none_of(windows, [&](auto* window) {
+            auto next = nextLie.find(window->id);
+            return next != nextLie.end() && next->second > now;
+        });
+        for (auto* window : mayHide ? windows : std::vector<FakeWindow*>{})
+            nextLie[window->id] = now + kBetweenLies;
         return mayHide;
-    }
-    bool mayHideAll(ProcessID pid)
-    {
-        bool mayHideAll = true;
-        for (auto& [id, window] : desktop.model().windows)
-            mayHideAll &= window->pid != pid || mayHide(*window);
-        return mayHideAll;
     }
     FakeWindow* anyFreeWindowOfAll()
     {
@@ -263,7 +260,7 @@ struct ChurnOperations : BarFixture {
     {
         auto& faults = window.faults;
         auto kind = below(5);
-        if (kind < 4 && !mayHide(window))
+        if (kind < 4 && !mayHide({&window}))
             return;
         switch (kind) {
         case 0:
@@ -293,7 +290,7 @@ struct ChurnOperations : BarFixture {
     {
         auto& faults = desktop.application(pid).faults;
         auto kind = below(3);
-        if (kind == 0 && !mayHideAll(pid))
+        if (kind == 0 && !mayHide(desktop.model().windowsOf(pid)))
             return;
         switch (kind) {
         case 0:
