@@ -42,7 +42,7 @@ double scaleFromResources(std::string_view resources)
 std::optional<std::string> identifierFromEdid(std::span<const std::uint8_t> edid)
 {
     constexpr std::uint8_t header[] = {0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0};
-    if (edid.size() < kEdidHeader || !std::ranges::equal(edid.first(8), header))
+    if (edid.size() < kEdidBlock || !std::ranges::equal(edid.first(8), header))
         return std::nullopt;
     std::string text = "EDID-";
     for (auto byte : edid.subspan(8, 10))

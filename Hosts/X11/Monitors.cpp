@@ -67,7 +67,7 @@ std::vector<Asked> askAbout(
         bool hasOutput = xcb_randr_monitor_info_outputs_length(entry.data) > 0;
         if (hasOutput && edid != XCB_ATOM_NONE) {
             asked.back().edid = xcb_randr_get_output_property(connection,
-                *xcb_randr_monitor_info_outputs(entry.data), edid, XCB_ATOM_ANY, 0, kEdidHeader / 4,
+                *xcb_randr_monitor_info_outputs(entry.data), edid, XCB_ATOM_ANY, 0, kEdidBlock / 4,
                 0, 0);
         }
     }

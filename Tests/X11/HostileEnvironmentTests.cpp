@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -59,7 +60,6 @@ std::filesystem::path socketOf(const XServer& server)
     return server.folder() / "runtime/quorvel" / ("X" + server.display().substr(1) + ".socket");
 }
 
-/// Without a wait for anybody.
 int connectionThatSays(const std::string& path, std::string_view words)
 {
     sockaddr_un address{AF_UNIX, {}};
@@ -322,10 +322,16 @@ TEST_F(HostileEnvironment, ofAFloodOfTitlesAndRequestsLeavesTheBarFree)
     }
     client.setTitle(quiet, "still seen");
     EXPECT_TRUE(shows(bar, quiet, "still seen"));
+    const auto chip = bar.state().chipFrame(quiet);
+    const auto atRest = desktop.picture(chip);
     // Others come and go without a pause: some with nonsense, some with good questions.
     ClientProcess nonsense(server, [&](Client&, char) {
         while (!isOver.get()) {
-            ::close(connectionThatSays(path, "[\""));
+            const int connection = connectionThatSays(path, "}\n");
+            ::fcntl(connection, F_SETFL, 0);
+            char answer = 0;
+            while (::read(connection, &answer, 1) > 0) { }
+            ::close(connection);
         }
     });
     nonsense.order('n');
@@ -340,8 +346,6 @@ TEST_F(HostileEnvironment, ofAFloodOfTitlesAndRequestsLeavesTheBarFree)
     });
     questions.order('q');
     // A click would wait for the window manager, which falls behind.
-    const auto chip = bar.state().chipFrame(quiet);
-    const auto atRest = desktop.picture(chip);
     pointer.moveTo(chip.x + chip.width / 2, chip.y + chip.height / 2);
     EXPECT_TRUE(eventually([&] { return desktop.picture(chip) != atRest; }));
     EXPECT_TRUE(eventually([&] { return answers.get() > 20; }));

@@ -118,7 +118,7 @@ TEST_F(HostileProperties, ofTheRootWindowDoNoHarm)
         ASSERT_TRUE(goodChipIsRight()) << value.type << ' ' << value.items;
     }
 
-    // Of these the manager has the last word.
+    // What the manager writes, too.
     const auto root = connection.root();
     for (const auto& value : kWrongValues) {
         for (const auto* property : {"_NET_CLIENT_LIST", "_NET_ACTIVE_WINDOW", "_NET_SUPPORTED",

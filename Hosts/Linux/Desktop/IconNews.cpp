@@ -14,6 +14,8 @@ constexpr Duration kPace = seconds(0.5);
 
 void IconNews::announce()
 {
+    if (m_noted.empty())
+        return;
     auto now = m_dispatch.now();
     std::erase_if(m_nextAt, [now](auto& entry) { return entry.second <= now; });
     std::set<std::string> due;
@@ -29,8 +31,10 @@ void IconNews::announce()
     }
     for (auto& bundleIdentifier : due)
         m_nextAt[bundleIdentifier] = now + kPace;
-    if (next)
+    if (next && (!m_later.isPending() || m_laterAt != *next)) {
+        m_laterAt = *next;
         m_later = m_dispatch.main().after(*next - now, [this] { announce(); });
+    }
     for (auto& bundleIdentifier : due)
         didChange.emit(bundleIdentifier);
 }

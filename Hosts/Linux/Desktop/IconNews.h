@@ -28,6 +28,7 @@ private:
     std::set<std::string> m_noted;
     std::map<std::string, Instant> m_nextAt; ///< of those announced a short while ago
     WorkItem m_later;
+    Instant m_laterAt;
 };
 
 }

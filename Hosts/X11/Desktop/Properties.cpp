@@ -1,7 +1,9 @@
 #include "Hosts/X11/Desktop/Properties.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <tuple>
 #include <unordered_set>
 
 #include <glib.h>
@@ -209,7 +211,7 @@ std::vector<IconPixels> decodeIcons(const RawProperty& property)
         std::memcpy(icon.argb.data(), property.data.data() + at * 4, icon.argb.size() * 4);
         return icon;
     };
-    std::optional<IconPixels> large;
+    std::optional<std::array<std::size_t, 3>> large; // width, height and place
     std::size_t at = 0;
     while (at + 2 < property.words()) {
         std::uint64_t width = property.word(at);
@@ -224,7 +226,7 @@ std::vector<IconPixels> decodeIcons(const RawProperty& property)
         if (side <= limits::iconSide)
             icons.push_back(read(width, height, at));
         else if (side <= limits::largeIconSide && !large)
-            large = read(width, height, at);
+            large = {width, height, at};
         at += pixels;
         // A property of thousands of 1 x 1 pictures is nonsense too.
         if (icons.size() >= limits::atoms)
@@ -234,7 +236,7 @@ std::vector<IconPixels> decodeIcons(const RawProperty& property)
     bool isSharp = std::ranges::any_of(icons,
         [](auto& icon) { return std::max(icon.width, icon.height) >= limits::sharpIconSide; });
     if (!isSharp && large)
-        icons.push_back(std::move(*large));
+        icons.push_back(std::apply(read, *large));
     return icons;
 }
 
