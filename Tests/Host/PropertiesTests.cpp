@@ -56,6 +56,7 @@ TEST(Properties, compoundTextIsReadInItsSets)
     EXPECT_EQ(decodeCompoundText("plain \xe9"), "plain é");
     EXPECT_EQ(decodeCompoundText("\x1b-H\xf9\xec\xe5\xed"), "שלום");
     EXPECT_EQ(decodeCompoundText("\x1b%G日本\x1b%@ \xfc"), "日本 ü");
+    EXPECT_EQ(decodeCompoundText("\x1b%G\xff\x1b%@x"), "\uFFFDx");
     EXPECT_EQ(decodeCompoundText("\x1b$(B\x46\x7c\x4b\x5c\x1b(B ok"), "日本 ok");
     EXPECT_EQ(decodeCompoundText("\x1b%/1\x80\x8ckoi8-r\x02\xf0\xd2\xc9\xd7!"), "Прив!");
     EXPECT_EQ(decodeText(text("\x1b-H\xf9", kTypes.compoundText), kTypes), "ש");

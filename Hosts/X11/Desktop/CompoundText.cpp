@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "Hosts/Linux/GHandles.h"
+#include "Hosts/Linux/Text.h"
 
 namespace quorvel::xdg::x11 {
 
@@ -77,7 +78,7 @@ public:
             else
                 takeCharacters();
         }
-        return std::move(m_text);
+        return validUtf8(m_text); // segments of UTF-8 may be none
     }
 
 private:
